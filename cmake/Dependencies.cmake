@@ -1,0 +1,6 @@
+# Libraries from the system; why each is there stands in docs/architecture.md.
+
+find_package(Threads REQUIRED)
+find_package(pugixml REQUIRED)
+find_package(nlohmann_json 3.11 REQUIRED)
+find_package(Boost 1.74 REQUIRED)

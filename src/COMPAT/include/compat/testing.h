@@ -1,0 +1,26 @@
+// Controls for tests and for programs that play the machine's part. They exist only with this framework run-time.
+#pragma once
+
+#include <compat/api.h>
+
+#include <cstdint>
+#include <optional>
+
+// While on, AfxInitExtensionModule fails, so that a module that uses it must refuse to be loaded.
+COMPAT_API void CompatFailExtensionModuleInit(bool bFail);
+
+// Number of CDynLinkLibrary objects alive.
+COMPAT_API int CompatExtensionModuleCount();
+
+#if !defined(_WIN32)
+
+// Makes GetTickCount and GetTickCount64 answer this fixed value; the running clock again for nullopt.
+COMPAT_API void CompatFreezeTickCount(std::optional<std::uint64_t> nMilliseconds);
+
+// Sets the ANSI code page (CP_ACP): 1252, 936, 65001 ... False, and no change, for one that is unknown.
+COMPAT_API bool CompatSetAnsiCodePage(unsigned nCodePage);
+
+// Why the calling thread's last LoadLibraryW failed, in the loader's words (UTF-8); empty when it did not.
+COMPAT_API const char* CompatLoadErrorText();
+
+#endif

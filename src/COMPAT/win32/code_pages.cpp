@@ -1,0 +1,342 @@
+// Code pages, over iconv.
+
+#include <windows.h>
+
+#include <compat/testing.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <iconv.h>
+#include <limits>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace
+{
+
+constexpr wchar_t g_chReplacement = 0xFFFD;
+constexpr unsigned g_nDefaultAnsiCodePage = 1252;
+
+std::string IconvName(unsigned nCodePage)
+{
+    switch (nCodePage)
+    {
+    case 936:
+        return "GBK";
+    case 20127:
+        return "ASCII";
+    case 54936:
+        return "GB18030";
+    default:
+        if (nCodePage >= 28591 && nCodePage <= 28605)
+            return "ISO-8859-" + std::to_string(nCodePage - 28590);
+        return "CP" + std::to_string(nCodePage);
+    }
+}
+
+struct SIconvCloser
+{
+    void operator()(void* pConversion) const { iconv_close(pConversion); }
+};
+typedef std::unique_ptr<void, SIconvCloser> IconvPointer;
+
+IconvPointer OpenIconv(const std::string& strTo, const std::string& strFrom)
+{
+    const iconv_t conversion = iconv_open(strTo.c_str(), strFrom.c_str());
+    return IconvPointer(conversion == iconv_t(-1) ? nullptr : conversion);
+}
+
+// One code page other than UTF-8. Not for two threads at once: iconv keeps state.
+class CCodePage
+{
+public:
+    explicit CCodePage(unsigned nCodePage)
+        : m_toWide(OpenIconv("WCHAR_T", IconvName(nCodePage))), m_fromWide(OpenIconv(IconvName(nCodePage), "WCHAR_T")),
+          m_bGbk(nCodePage == 936), m_bKeepsControls(nCodePage >= 1250 && nCodePage <= 1258)
+    {
+    }
+
+    bool IsKnown() const { return m_toWide != nullptr && m_fromWide != nullptr; }
+
+    // Bytes of a character; nothing when the code page does not have it.
+    std::optional<std::string> FromWide(wchar_t ch) const
+    {
+        if (static_cast<std::uint32_t>(ch) < 0x80)
+            return std::string(1, static_cast<char>(ch));
+        if (m_bGbk && ch == g_chEuro)
+            return std::string(1, g_nGbkEuro);
+        std::array<char, 8> bytes;
+        char* pIn = reinterpret_cast<char*>(&ch);
+        char* pOut = bytes.data();
+        std::size_t nIn = sizeof(ch);
+        std::size_t nOut = bytes.size();
+        if (Run(m_fromWide, pIn, nIn, pOut, nOut) == 0 && pOut != bytes.data())
+            return std::string(bytes.data(), pOut);
+        // Windows maps the bytes that its code pages leave undefined to the control characters of the same value.
+        if (m_bKeepsControls && ch >= 0x80 && ch < 0xA0 && !ToWide(std::string(1, static_cast<char>(ch)), false))
+            return std::string(1, static_cast<char>(ch));
+        return std::nullopt;
+    }
+
+    struct SCharacter
+    {
+        wchar_t ch;
+        std::size_t nBytes;
+    };
+    // First character of the bytes, which must not be empty; nothing when they start with no character.
+    std::optional<SCharacter> ToWide(std::string_view strBytes, bool bControls = true) const
+    {
+        const BYTE nFirst = static_cast<BYTE>(strBytes.front());
+        if (nFirst < 0x80)
+            return SCharacter{static_cast<wchar_t>(nFirst), 1};
+        if (m_bGbk && nFirst == static_cast<BYTE>(g_nGbkEuro))
+            return SCharacter{g_chEuro, 1};
+        for (std::size_t nBytes = 1; nBytes <= 4 && nBytes <= strBytes.size(); nBytes++)
+        {
+            wchar_t ch = 0;
+            char* pIn = const_cast<char*>(strBytes.data());
+            char* pOut = reinterpret_cast<char*>(&ch);
+            std::size_t nIn = nBytes;
+            std::size_t nOut = sizeof(ch);
+            if (Run(m_toWide, pIn, nIn, pOut, nOut) == 0 && nOut == 0)
+                return SCharacter{ch, nBytes};
+        }
+        if (bControls && m_bKeepsControls && nFirst < 0xA0)
+            return SCharacter{static_cast<wchar_t>(nFirst), 1};
+        return std::nullopt;
+    }
+
+private:
+    static constexpr wchar_t g_chEuro = 0x20AC;
+    static constexpr char g_nGbkEuro = '\x80';
+
+    static std::size_t Run(const IconvPointer& conversion, char*& pIn, std::size_t& nIn, char*& pOut, std::size_t& nOut)
+    {
+        iconv(conversion.get(), nullptr, nullptr, nullptr, nullptr); // start anew
+        return iconv(conversion.get(), &pIn, &nIn, &pOut, &nOut);
+    }
+
+    IconvPointer m_toWide;
+    IconvPointer m_fromWide;
+    bool m_bGbk;
+    bool m_bKeepsControls;
+};
+
+std::mutex g_codePageMutex; // held while a code page is used
+
+// With the lock held. Null for an unknown one.
+const CCodePage* FindCodePage(unsigned nCodePage)
+{
+    static auto& codePages = *new std::map<unsigned, CCodePage>;
+    const CCodePage& codePage = codePages.try_emplace(nCodePage, nCodePage).first->second;
+    return codePage.IsKnown() ? &codePage : nullptr;
+}
+
+bool IsKnownCodePage(unsigned nCodePage)
+{
+    const std::lock_guard lock(g_codePageMutex);
+    return nCodePage == CP_UTF8 || FindCodePage(nCodePage) != nullptr;
+}
+
+std::atomic<unsigned>& AnsiCodePage()
+{
+    static std::atomic<unsigned> nAnsiCodePage = []
+    {
+        const char* pszSetting = std::getenv("COMPAT_ANSI_CODE_PAGE");
+        const unsigned nSetting =
+            pszSetting == nullptr ? 0 : static_cast<unsigned>(std::strtoul(pszSetting, nullptr, 10));
+        return nSetting != 0 && IsKnownCodePage(nSetting) ? nSetting : g_nDefaultAnsiCodePage;
+    }();
+    return nAnsiCodePage;
+}
+
+unsigned ResolveCodePage(UINT nCodePage)
+{
+    return nCodePage == CP_ACP || nCodePage == CP_OEMCP || nCodePage == CP_THREAD_ACP ? AnsiCodePage().load()
+                                                                                     : nCodePage;
+}
+
+int FailConversion(DWORD nError)
+{
+    SetLastError(nError);
+    return 0;
+}
+
+bool IsCharacter(std::uint32_t nValue)
+{
+    return nValue <= 0x10FFFF && (nValue & 0xFFFFF800) != 0xD800;
+}
+
+void AppendUtf8(std::string& strBytes, std::uint32_t nCharacter)
+{
+    const auto trail = [&](int nShift) { strBytes += static_cast<char>(0x80 | (nCharacter >> nShift & 0x3F)); };
+    if (nCharacter < 0x80)
+        strBytes += static_cast<char>(nCharacter);
+    else if (nCharacter < 0x800)
+    {
+        strBytes += static_cast<char>(0xC0 | nCharacter >> 6);
+        trail(0);
+    }
+    else if (nCharacter < 0x10000)
+    {
+        strBytes += static_cast<char>(0xE0 | nCharacter >> 12);
+        trail(6);
+        trail(0);
+    }
+    else
+    {
+        strBytes += static_cast<char>(0xF0 | nCharacter >> 18);
+        trail(12);
+        trail(6);
+        trail(0);
+    }
+}
+
+// Reads one character; on an error (false) nPosition moves behind the longest start of a character, at least one byte.
+bool ReadUtf8(std::string_view strBytes, std::size_t& nPosition, std::uint32_t& nCharacter)
+{
+    const BYTE nFirst = static_cast<BYTE>(strBytes[nPosition++]);
+    if (nFirst < 0x80)
+    {
+        nCharacter = nFirst;
+        return true;
+    }
+    if (nFirst < 0xC2 || nFirst > 0xF4)
+        return false;
+    const int nTrailing = nFirst < 0xE0 ? 1 : nFirst < 0xF0 ? 2 : 3;
+    nCharacter = nFirst & (0x3F >> nTrailing);
+    for (int nIndex = 0; nIndex < nTrailing; nIndex++)
+    {
+        if (nPosition == strBytes.size())
+            return false;
+        const BYTE nByte = static_cast<BYTE>(strBytes[nPosition]);
+        // The second byte rules out overlong forms, surrogates and values that are too large.
+        const BYTE nLowest = nIndex > 0 ? 0x80 : nFirst == 0xE0 ? 0xA0 : nFirst == 0xF0 ? 0x90 : 0x80;
+        const BYTE nHighest = nIndex > 0 ? 0xBF : nFirst == 0xED ? 0x9F : nFirst == 0xF4 ? 0x8F : 0xBF;
+        if (nByte < nLowest || nByte > nHighest)
+            return false;
+        nCharacter = nCharacter << 6 | (nByte & 0x3F);
+        nPosition++;
+    }
+    return true;
+}
+
+// Hands a finished conversion out under the rules for lengths; both functions end here.
+template <class CHARACTER> int Deliver(std::basic_string_view<CHARACTER> strResult, CHARACTER* pOut, int nOut)
+{
+    if (strResult.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+        return FailConversion(ERROR_INVALID_PARAMETER);
+    if (nOut == 0)
+        return static_cast<int>(strResult.size());
+    if (strResult.size() > static_cast<std::size_t>(nOut))
+        return FailConversion(ERROR_INSUFFICIENT_BUFFER);
+    std::copy(strResult.begin(), strResult.end(), pOut);
+    return static_cast<int>(strResult.size());
+}
+
+} // namespace
+
+UINT WINAPI GetACP()
+{
+    return AnsiCodePage();
+}
+
+bool CompatSetAnsiCodePage(unsigned nCodePage)
+{
+    if (nCodePage <= CP_THREAD_ACP || !IsKnownCodePage(nCodePage))
+        return false;
+    AnsiCodePage() = nCodePage;
+    return true;
+}
+
+int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, int nWideLength, LPSTR pszBytes,
+                               int nBytes, LPCSTR pszDefault, LPBOOL pbUsedDefault)
+{
+    constexpr DWORD nKnownFlags = WC_DISCARDNS | WC_SEPCHARS | WC_DEFAULTCHAR | WC_ERR_INVALID_CHARS |
+                                  WC_COMPOSITECHECK | WC_NO_BEST_FIT_CHARS;
+    if (pszWide == nullptr || nWideLength == 0 || nBytes < 0 || (pszBytes == nullptr && nBytes != 0))
+        return FailConversion(ERROR_INVALID_PARAMETER);
+    nCodePage = ResolveCodePage(nCodePage);
+    if ((nFlags & ~nKnownFlags) != 0)
+        return FailConversion(ERROR_INVALID_FLAGS);
+    const std::wstring_view strWide(pszWide, nWideLength < 0 ? std::wcslen(pszWide) + 1
+                                                             : static_cast<std::size_t>(nWideLength));
+    std::string strResult;
+    BOOL bUsedDefault = FALSE;
+    if (nCodePage == CP_UTF8)
+    {
+        if (pszDefault != nullptr || pbUsedDefault != nullptr)
+            return FailConversion(ERROR_INVALID_PARAMETER);
+        for (const wchar_t ch : strWide)
+        {
+            const bool bValid = IsCharacter(static_cast<std::uint32_t>(ch));
+            if (!bValid && (nFlags & WC_ERR_INVALID_CHARS) != 0)
+                return FailConversion(ERROR_NO_UNICODE_TRANSLATION);
+            AppendUtf8(strResult, static_cast<std::uint32_t>(bValid ? ch : g_chReplacement));
+        }
+    }
+    else
+    {
+        const std::lock_guard lock(g_codePageMutex);
+        const CCodePage* pCodePage = FindCodePage(nCodePage);
+        if (pCodePage == nullptr)
+            return FailConversion(ERROR_INVALID_PARAMETER);
+        for (const wchar_t ch : strWide)
+        {
+            const auto strBytes = pCodePage->FromWide(ch);
+            if (!strBytes)
+                bUsedDefault = TRUE;
+            strResult += strBytes ? *strBytes : pszDefault != nullptr ? std::string(1, *pszDefault) : "?";
+        }
+    }
+    if (pbUsedDefault != nullptr)
+        *pbUsedDefault = bUsedDefault;
+    return Deliver<char>(strResult, pszBytes, nBytes);
+}
+
+int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR pszBytes, int nBytes, LPWSTR pszWide,
+                               int nWideLength)
+{
+    constexpr DWORD nKnownFlags = MB_PRECOMPOSED | MB_COMPOSITE | MB_ERR_INVALID_CHARS;
+    if (pszBytes == nullptr || nBytes == 0 || nWideLength < 0 || (pszWide == nullptr && nWideLength != 0))
+        return FailConversion(ERROR_INVALID_PARAMETER);
+    nCodePage = ResolveCodePage(nCodePage);
+    if ((nFlags & ~nKnownFlags) != 0)
+        return FailConversion(ERROR_INVALID_FLAGS);
+    const bool bStrict = (nFlags & MB_ERR_INVALID_CHARS) != 0;
+    const std::string_view strBytes(pszBytes,
+                                    nBytes < 0 ? std::strlen(pszBytes) + 1 : static_cast<std::size_t>(nBytes));
+    std::wstring strResult;
+    if (nCodePage == CP_UTF8)
+    {
+        for (std::size_t nPosition = 0; nPosition < strBytes.size();)
+        {
+            std::uint32_t nCharacter = 0;
+            const bool bValid = ReadUtf8(strBytes, nPosition, nCharacter);
+            if (!bValid && bStrict)
+                return FailConversion(ERROR_NO_UNICODE_TRANSLATION);
+            strResult += bValid ? static_cast<wchar_t>(nCharacter) : g_chReplacement;
+        }
+    }
+    else
+    {
+        const std::lock_guard lock(g_codePageMutex);
+        const CCodePage* pCodePage = FindCodePage(nCodePage);
+        if (pCodePage == nullptr)
+            return FailConversion(ERROR_INVALID_PARAMETER);
+        for (std::size_t nPosition = 0; nPosition < strBytes.size();)
+        {
+            const auto character = pCodePage->ToWide(strBytes.substr(nPosition));
+            if (!character && bStrict)
+                return FailConversion(ERROR_NO_UNICODE_TRANSLATION);
+            strResult += character ? character->ch : g_chReplacement;
+            nPosition += character ? character->nBytes : 1;
+        }
+    }
+    return Deliver<wchar_t>(strResult, pszWide, nWideLength);
+}

@@ -1,0 +1,109 @@
+#include "host/HostCommon.h"
+
+#include <fstream>
+#include <map>
+
+#include <nlohmann/json.hpp>
+
+#include "HostSetup.h"
+#include "NativePath.h"
+
+namespace {
+
+struct SHostSetup {
+    CString strAppPath;
+    std::map<std::wstring, CString, std::less<>> texts;
+};
+
+/// Made on first use: other static objects may look up texts while they are built.
+SHostSetup& Setup() {
+    static SHostSetup s_setup;
+    return s_setup;
+}
+
+} // namespace
+
+CString PXLoadString(const wchar_t* pszKey) {
+    if (pszKey == nullptr) {
+        return CString();
+    }
+    const auto& texts = Setup().texts;
+    const auto text = texts.find(std::wstring_view(pszKey));
+    return text != texts.end() ? text->second : CString(pszKey);
+}
+
+CString PXGetAppPath() {
+    return Setup().strAppPath;
+}
+
+CString PXGetPath(int nKind) {
+    return nKind == PATH_CONFIG ? Setup().strAppPath + L"\\Config" : CString();
+}
+
+int SplitString(const CString& strText, const CString& strSeparator, CStringArray& arPiece, int nOption) {
+    arPiece.RemoveAll();
+    if (strText.IsEmpty()) {
+        return 0;
+    }
+    int nBegin = 0;
+    for (bool bLast = false; !bLast;) {
+        int nEnd = strSeparator.IsEmpty() ? -1 : strText.Find(strSeparator, nBegin);
+        bLast = nEnd < 0;
+        nEnd = bLast ? strText.GetLength() : nEnd;
+        if (nEnd > nBegin || nOption == SPLIT_KEEP_EMPTY) {
+            arPiece.Add(strText.Mid(nBegin, nEnd - nBegin));
+        }
+        nBegin = nEnd + strSeparator.GetLength();
+    }
+    return static_cast<int>(arPiece.GetSize());
+}
+
+void SetAppPath(const CString& strPath) {
+    Setup().strAppPath = strPath;
+}
+
+bool SetTextTable(ETextTable nTable) {
+    if (nTable == ETextTable::Keys) {
+        Setup().texts.clear();
+        return true;
+    }
+    const wchar_t* pszFile = nTable == ETextTable::Chinese ? L"\\Texts\\zh.json" : L"\\Texts\\en.json";
+    std::ifstream file(NativePath(PXGetPath(PATH_CONFIG) + pszFile), std::ios::binary);
+    const auto document = nlohmann::json::parse(file, nullptr, false);
+    if (!document.is_object()) {
+        return false;
+    }
+    decltype(SHostSetup::texts) texts;
+    for (const auto& [key, text] : document.items()) {
+        if (!text.is_string()) {
+            return false;
+        }
+        texts.emplace(FromUtf8(key).GetString(), FromUtf8(text.get_ref<const std::string&>()));
+    }
+    Setup().texts = std::move(texts);
+    return true;
+}
+
+std::string ToUtf8(const wchar_t* pszText, int nLength) {
+    if (nLength < 0) {
+        nLength = static_cast<int>(std::wcslen(pszText));
+    }
+    if (nLength == 0) {
+        return {};
+    }
+    std::string utf8(
+        static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, pszText, nLength, nullptr, 0, nullptr, nullptr)), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, pszText, nLength, utf8.data(), static_cast<int>(utf8.size()), nullptr, nullptr);
+    return utf8;
+}
+
+CString FromUtf8(std::string_view text) {
+    const int nBytes = static_cast<int>(text.size());
+    const int nLength = MultiByteToWideChar(CP_UTF8, 0, text.data(), nBytes, nullptr, 0);
+    CString strText;
+    if (nLength > 0) {
+        MultiByteToWideChar(CP_UTF8, 0, text.data(), nBytes, strText.GetBufferSetLength(nLength), nLength);
+        strText.ReleaseBuffer(nLength);
+    }
+    return strText;
+}

@@ -1,0 +1,34 @@
+#include "plugin/Module.h"
+
+#include <afxdllx.h>
+
+namespace {
+
+AFX_EXTENSION_MODULE s_extensionModule = {};
+
+// The host's shared headers register these messages in every module that it loads, when the module loads.
+[[maybe_unused]] const UINT s_nTrackerHandMsg = RegisterWindowMessageW(L"TrackerHandMsg");
+[[maybe_unused]] const UINT s_nTrackerGestureMsg = RegisterWindowMessageW(L"TrackerGestureMsg");
+
+} // namespace
+
+HINSTANCE ModuleInstance() {
+    return s_extensionModule.hModule;
+}
+
+/// Entry point for loading and unloading: 0 refuses loading.
+extern "C" int APIENTRY DllMain(HINSTANCE hInstance, DWORD dwReason, LPVOID /*pReserved*/) {
+    switch (dwReason) {
+    case DLL_PROCESS_ATTACH:
+        if (!AfxInitExtensionModule(s_extensionModule, hInstance)) {
+            return 0;
+        }
+        new CDynLinkLibrary(s_extensionModule); // the framework owns it until AfxTermExtensionModule
+        return 1;
+    case DLL_PROCESS_DETACH:
+        AfxTermExtensionModule(s_extensionModule);
+        return 1;
+    default:
+        return 1;
+    }
+}
