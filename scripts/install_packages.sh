@@ -1,0 +1,24 @@
+# Sourced by the commands at the root: installs the Debian packages that a command lacks.
+
+# Packages that building and running need, and the further ones that testing needs.
+run_packages=(g++ cmake ninja-build ccache libboost-dev nlohmann-json3-dev libpugixml-dev libsimpleini-dev
+              librsvg2-bin icoutils)
+test_packages=(googletest libbenchmark-dev clang-format clang-tidy python3 binutils
+               g++-mingw-w64-x86-64-posix wine64 wine dpkg-dev clang-19
+               xvfb xauth xdotool chromium iproute2 util-linux)
+
+# install_packages PACKAGE...: needs root or sudo only when something is missing.
+install_packages() {
+  local missing=() package
+  for package in "$@"; do
+    dpkg-query -W -f '${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
+  done
+  # Node.js may come from elsewhere than Debian's packages.
+  command -v node >/dev/null && command -v npm >/dev/null || missing+=(nodejs npm)
+  [ ${#missing[@]} -eq 0 ] && return 0
+  echo "Installing ${missing[*]}"
+  local as_root=()
+  [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+  "${as_root[@]}" apt-get update -qq
+  "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+}

@@ -1,0 +1,50 @@
+// Collects what the module does while the host works: fired events, log lines, notifications, redraws.
+#pragma once
+
+#include <string>
+
+#include "Fields.h"
+#include "LogSink.h"
+#include "RenderSink.h"
+#include "Scene.h"
+
+class CHappened final : public ILogSink, public IRenderSink {
+public:
+    /// Registers itself with the host libraries until it is destroyed. The scene tells which node a pointer means.
+    explicit CHappened(CScene& scene);
+    ~CHappened();
+
+    CHappened(const CHappened&) = delete;
+    CHappened& operator=(const CHappened&) = delete;
+
+    /// The node that the module is called for; null for none. Notification messages don't say whose they are.
+    void SetCalledNode(const SNode* pNode) { m_pCalledNode = pNode; }
+
+    /// A general event reached the host's event window.
+    void OnEventMessage(const SQOREvent& event, WPARAM wParam);
+
+    /// A notification message reached the host's notification window.
+    void OnNotifyMessage(WPARAM wParam, LPARAM lParam);
+
+    void OnLogLine(const SLogLine& line) override;
+    void OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) override;
+    void OnNodeRedraw(SGraphNode* pGraphNode) override;
+
+    /// What happened since the last call, as one object of lists; lists without entries are left out.
+    OrderedJson Take();
+
+private:
+    Json Handle(const SNode* pNode) const;
+    Json ClipName(const void* pClip) const;
+    Json PointsAt(const VEKParam& param) const;
+
+    CScene& m_scene;
+    const SNode* m_pCalledNode = nullptr;
+    OrderedJson m_posted = OrderedJson::array();
+    OrderedJson m_log = OrderedJson::array();
+    OrderedJson m_notified = OrderedJson::array();
+    OrderedJson m_redrawn = OrderedJson::array();
+};
+
+/// Append the lists of one such object to those of another.
+void AppendHappened(OrderedJson& target, OrderedJson happened);

@@ -1,0 +1,162 @@
+#include "HttpConnection.h"
+
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http/empty_body.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/read.hpp>
+#include <boost/beast/http/string_body.hpp>
+#include <boost/beast/http/write.hpp>
+#include <boost/beast/websocket/rfc6455.hpp>
+
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "RequestOrigin.h"
+
+namespace asio = boost::asio;
+namespace beast = boost::beast;
+namespace http = beast::http;
+using boost::system::error_code;
+
+namespace {
+
+using Request = http::request<http::empty_body>;
+using Response = http::response<http::string_body>;
+
+constexpr std::uint32_t LONGEST_HEADER = 16 * 1024;
+constexpr std::chrono::seconds REQUEST_TIME{30};
+constexpr std::string_view SESSION_TARGET = "/session";
+
+std::string_view View(beast::string_view text) {
+    return {text.data(), text.size()};
+}
+
+Response MakeResponse(const Request& request, http::status status, std::string_view contentType, std::string strBody) {
+    Response response{status, request.version()};
+    response.set(http::field::content_type, beast::string_view(contentType.data(), contentType.size()));
+    response.set(http::field::cache_control, "no-store");
+    response.set("X-Content-Type-Options", "nosniff");
+    response.set("Referrer-Policy", "no-referrer");
+    response.keep_alive(request.keep_alive());
+    response.body() = std::move(strBody);
+    response.prepare_payload();
+    return response;
+}
+
+Response MakeRefusal(const Request& request, http::status status, std::string_view reason) {
+    return MakeResponse(request, status, "text/plain; charset=utf-8", std::string(reason) + "\n");
+}
+
+/// The page loads what this server offers and talks to it, and to nothing else. Not every browser counts the WebSocket in
+/// with 'self'; the host has been checked to be the server's own.
+std::string ContentSecurityPolicy(std::string_view host) {
+    return "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self' ws://" +
+           std::string(host) + "; base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
+}
+
+/// Why a request isn't answered, if it names another server, or comes from another server's page.
+std::optional<std::string_view> FindForeign(const Request& request, const CRequestOrigin& origin) {
+    if (request.count(http::field::host) != 1 || !origin.IsOwnHost(View(request[http::field::host]))) {
+        return "The request's Host is not an address of this server.";
+    }
+    const auto nOrigins = request.count(http::field::origin);
+    if (nOrigins > 1 || (nOrigins == 1 && !origin.IsOwnOrigin(View(request[http::field::origin])))) {
+        return "The request's Origin is not a page of this server.";
+    }
+    return std::nullopt;
+}
+
+Response MakeFileResponse(const Request& request, const CHttpFiles& files) {
+    if (request.method() != http::verb::get && request.method() != http::verb::head) {
+        Response response = MakeRefusal(request, http::status::method_not_allowed, "Only GET and HEAD are answered.");
+        response.set(http::field::allow, "GET, HEAD");
+        return response;
+    }
+    const SWebFile* pFile = files.Find(View(request.target()));
+    std::optional<std::string> contents = pFile != nullptr ? CHttpFiles::Read(*pFile) : std::nullopt;
+    if (!contents) {
+        return MakeRefusal(request, http::status::not_found, "There is no such file.");
+    }
+    Response response = MakeResponse(request, http::status::ok, pFile->contentType, std::move(*contents));
+    response.set("Content-Security-Policy", ContentSecurityPolicy(View(request[http::field::host])));
+    return response;
+}
+
+std::string AddressText(asio::ip::address address) {
+    if (address.is_v6() && address.to_v6().is_v4_mapped()) {
+        address = asio::ip::make_address_v4(asio::ip::v4_mapped, address.to_v6());
+    }
+    return address.to_string();
+}
+
+/// Reads one request, which has no body. Empty when the connection ended or what came is no such request; the error says
+/// which.
+Awaitable<std::optional<Request>> ReadRequest(TcpStream& stream, beast::flat_buffer& buffer,
+                                                    error_code& error) {
+    http::request_parser<http::empty_body> parser;
+    parser.header_limit(LONGEST_HEADER);
+    stream.expires_after(REQUEST_TIME);
+    co_await http::async_read_header(stream, buffer, parser, AwaitInto(error));
+    if (!error && !parser.is_done()) {
+        error = http::error::unexpected_body;
+    }
+    if (error) {
+        co_return std::nullopt;
+    }
+    co_return parser.release();
+}
+
+/// Whether the error is about what the client sent, so that it's told, rather than about the connection.
+bool IsBadRequest(const error_code& error) {
+    return error.category() == http::make_error_code(http::error::end_of_stream).category() &&
+           error != http::error::end_of_stream && error != http::error::partial_message;
+}
+
+} // namespace
+
+Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
+    error_code error;
+    const auto localEndpoint = socket.local_endpoint(error);
+    if (error) {
+        co_return;
+    }
+    socket.set_option(asio::ip::tcp::no_delay(true), error);
+    const CRequestOrigin origin(site.strBoundAddress, AddressText(localEndpoint.address()), site.nPort);
+
+    TcpStream stream(std::move(socket));
+    beast::flat_buffer buffer;
+    for (;;) {
+        std::optional<Request> request = co_await ReadRequest(stream, buffer, error);
+        if (!request && !IsBadRequest(error)) {
+            co_return;
+        }
+        std::optional<Response> response;
+        if (!request) {
+            response = MakeRefusal(Request{}, http::status::bad_request, "This is no HTTP request that is answered here.");
+            response->keep_alive(false);
+        } else if (const auto foreign = FindForeign(*request, origin)) {
+            response = MakeRefusal(*request, http::status::forbidden, *foreign);
+        } else if (View(request->target()) == SESSION_TARGET && beast::websocket::is_upgrade(*request)) {
+            const auto pClient = std::make_shared<CWebSocketClient>(std::move(stream), site.listener);
+            co_await pClient->Run(std::move(*request));
+            co_return;
+        } else {
+            response = MakeFileResponse(*request, site.files);
+        }
+
+        http::response_serializer<http::string_body> serializer(*response);
+        const bool bHeaderOnly = request && request->method() == http::verb::head;
+        serializer.split(bHeaderOnly);
+        stream.expires_after(REQUEST_TIME);
+        if (bHeaderOnly) {
+            co_await http::async_write_header(stream, serializer, AwaitInto(error));
+        } else {
+            co_await http::async_write(stream, serializer, AwaitInto(error));
+        }
+        if (error || !response->keep_alive()) {
+            stream.socket().shutdown(TcpSocket::shutdown_send, error);
+            co_return;
+        }
+    }
+}

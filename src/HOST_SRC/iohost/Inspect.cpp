@@ -1,0 +1,52 @@
+#include "Inspect.h"
+
+#include "TextUtf8.h"
+
+namespace {
+
+OrderedJson ChoicesToJson(const CStringArray& arChoice) {
+    OrderedJson choices = OrderedJson::array();
+    for (INT_PTR i = 0; i < arChoice.GetSize(); ++i) {
+        choices.push_back(Utf8(arChoice[i]));
+    }
+    return choices;
+}
+
+OrderedJson ParamToJson(const VEKParam& param) {
+    OrderedJson json = {{"id", static_cast<unsigned>(param.m_guid.Data1)},
+                        {"name", Utf8(param.m_strName)},
+                        {"display", Utf8(param.m_strDisplay)},
+                        {"type", param.m_nType},
+                        {"control", param.m_nControl},
+                        {"range", param.m_bRangeSet != 0 ? OrderedJson(param.m_fRange) : OrderedJson()},
+                        {"flags", param.m_bBoolValueSet != 0 ? OrderedJson(param.m_nBoolValue) : OrderedJson()}};
+    json.update(ValuesToJson(param));
+    json["choices"] = ChoicesToJson(param.m_arChoice);
+    json["available"] = param.m_bAvailable;
+    if (const auto* pOutput = dynamic_cast<const SQORNodeOutput*>(&param)) {
+        json["extra"] = pOutput->m_nExtra;
+    }
+    return json;
+}
+
+} // namespace
+
+OrderedJson GroupsToJson(const VEKParamGroupList& lstGroup) {
+    OrderedJson groups = OrderedJson::array();
+    for (POSITION pos = lstGroup.GetHeadPosition(); pos != nullptr;) {
+        const VEKParamGroup& group = *lstGroup.GetNext(pos);
+        OrderedJson params = OrderedJson::array();
+        for (POSITION posParam = group.m_lstParam.GetHeadPosition(); posParam != nullptr;) {
+            params.push_back(ParamToJson(*group.m_lstParam.GetNext(posParam)));
+        }
+        groups.push_back({{"id", static_cast<unsigned>(group.m_guid.Data1)},
+                          {"name", Utf8(group.m_strName)},
+                          {"display", Utf8(group.m_strDisplay)},
+                          {"params", std::move(params)}});
+    }
+    return groups;
+}
+
+OrderedJson ValuesToJson(const VEKParam& param) {
+    return {{"int", param.m_nValue}, {"float", param.m_fValue}, {"string", Utf8(param.m_strValue)}};
+}

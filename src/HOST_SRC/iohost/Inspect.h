@@ -1,0 +1,11 @@
+// Parameters and groups as JSON.
+#pragma once
+
+#include "Fields.h"
+#include "host/ParamModel.h"
+
+/// All groups of a list with their parameters.
+OrderedJson GroupsToJson(const VEKParamGroupList& lstGroup);
+
+/// The three value members of a parameter.
+OrderedJson ValuesToJson(const VEKParam& param);

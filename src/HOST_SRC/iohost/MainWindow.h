@@ -1,0 +1,20 @@
+// The host application and its main window, as nodes ask the framework for them.
+#pragma once
+
+#include <afxwin.h>
+
+/// There is one at a time. The window starts present and enabled; the destructor takes it away.
+class CMainWindow {
+public:
+    CMainWindow();
+    ~CMainWindow();
+
+    CMainWindow(const CMainWindow&) = delete;
+    CMainWindow& operator=(const CMainWindow&) = delete;
+
+    /// Whether the application has a main window, and whether that is enabled.
+    void Set(bool bPresent, bool bEnabled);
+
+private:
+    CWnd m_window;
+};

@@ -1,0 +1,35 @@
+// The types that the page's server is made of. All of it runs in one io_context, so the executor is spelled out instead of
+// being any executor: names stay short enough for Windows' object files, and calls direct.
+#pragma once
+
+#include <utility> // Boost 1.74's Asio leaves it out in C++20
+
+#include <boost/asio/awaitable.hpp>
+#include <boost/asio/basic_waitable_timer.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/redirect_error.hpp>
+#include <boost/asio/use_awaitable.hpp>
+#include <boost/beast/core/basic_stream.hpp>
+
+#include <chrono>
+
+// GCC 12 takes the frame of a coroutine for allocated by another function than its own, once it has inlined that.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
+#endif
+
+using Executor = boost::asio::io_context::executor_type;
+using TcpSocket = boost::asio::basic_stream_socket<boost::asio::ip::tcp, Executor>;
+using TcpAcceptor = boost::asio::basic_socket_acceptor<boost::asio::ip::tcp, Executor>;
+using TcpStream = boost::beast::basic_stream<boost::asio::ip::tcp, Executor>;
+using SteadyTimer = boost::asio::basic_waitable_timer<std::chrono::steady_clock,
+                                                      boost::asio::wait_traits<std::chrono::steady_clock>, Executor>;
+
+template <typename Result>
+using Awaitable = boost::asio::awaitable<Result, Executor>;
+
+/// Completes an operation in a coroutine, its error code in `error` instead of an exception.
+inline auto AwaitInto(boost::system::error_code& error) {
+    return boost::asio::redirect_error(boost::asio::use_awaitable_t<Executor>(), error);
+}

@@ -1,0 +1,155 @@
+#include "Options.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+#include "Fields.h"
+#include "TextUtf8.h"
+
+const char* const HELP_TEXT =
+    R"(iohost - the reference host: loads the input and output node module and plays the host's part.
+
+  iohost --stdio [options]               one JSON request a line on standard input, one reply a line on standard output
+  iohost --listen ADDR:PORT [options]    serves the page and its WebSocket, for example 127.0.0.1:8040
+
+options
+  --app DIR          application folder (default: app beside this program)
+  --module FILE      the module (default: beside this program)
+  --texts TABLE      display texts: keys, en or zh (default: en)
+  --scene FILE       scene to start with (default: an empty one)
+  --fps N            evaluations of the graph a second, with --listen (default: 60)
+  --web DIR          the page's files, with --listen (default: web beside this program)
+  --help             print this text
+  --version          print the version
+)";
+
+namespace {
+
+/// Takes the arguments one by one; wrong ones are refused with the option's name.
+class CParser {
+public:
+    CParser(const std::vector<std::string>& arguments, SOptions& options)
+        : m_arguments(arguments), m_options(options) {}
+
+    void Parse() {
+        while (m_nNext < m_arguments.size()) {
+            ParseOption(m_arguments[m_nNext++]);
+        }
+        if (!m_front) {
+            throw CRefusal("one of --stdio and --listen is needed; --help tells more");
+        }
+        m_options.nFront = *m_front;
+        if (m_pszPageOption != nullptr && m_front == EFront::Stdio) {
+            Refuse(m_pszPageOption, "goes with --listen only");
+        }
+    }
+
+private:
+    void ParseOption(const std::string& strName) {
+        if (strName == "--stdio") {
+            ChooseFront(EFront::Stdio, strName);
+        } else if (strName == "--listen") {
+            ChooseFront(EFront::Page, strName);
+            ParseAddress(Value(strName));
+        } else if (strName == "--help" || strName == "--version") {
+            m_front = strName == "--help" ? EFront::Help : EFront::Version;
+            m_nNext = m_arguments.size();
+        } else if (strName == "--app") {
+            m_options.appFolder = Value(strName);
+        } else if (strName == "--module") {
+            m_options.moduleFile = Value(strName);
+        } else if (strName == "--scene") {
+            m_options.sceneFile = Value(strName);
+        } else if (strName == "--texts") {
+            ParseTexts(Value(strName));
+        } else if (strName == "--fps") {
+            m_pszPageOption = "--fps";
+            ParseFps(Value(strName));
+        } else if (strName == "--web") {
+            m_pszPageOption = "--web";
+            m_options.listen.webFolder = Value(strName);
+        } else {
+            throw CRefusal("there is no option " + Quoted(strName) + "; --help tells more");
+        }
+    }
+
+    void ChooseFront(EFront nFront, const std::string& strName) {
+        if (m_front && m_front != nFront) {
+            Refuse(strName, "--stdio and --listen exclude each other");
+        }
+        m_front = nFront;
+    }
+
+    const std::string& Value(const std::string& strName) {
+        if (m_nNext == m_arguments.size() || m_arguments[m_nNext].empty()) {
+            Refuse(strName, "needs a value");
+        }
+        return m_arguments[m_nNext++];
+    }
+
+    void ParseAddress(const std::string& strValue) {
+        const size_t nColon = strValue.rfind(':');
+        unsigned short nPort = 0;
+        if (nColon == std::string::npos || nColon == 0 || !ReadNumber(strValue.substr(nColon + 1), nPort)) {
+            Refuse("--listen", Quoted(strValue) + " isn't an address and a port, as in 127.0.0.1:8040");
+        }
+        std::string strAddress = strValue.substr(0, nColon);
+        if (strAddress.size() > 2 && strAddress.front() == '[' && strAddress.back() == ']') {
+            strAddress = strAddress.substr(1, strAddress.size() - 2);
+        }
+        m_options.listen.strAddress = strAddress;
+        m_options.listen.nPort = nPort;
+    }
+
+    void ParseTexts(const std::string& strValue) {
+        if (strValue == "keys") {
+            m_options.texts = ETextTable::Keys;
+        } else if (strValue == "en") {
+            m_options.texts = ETextTable::English;
+        } else if (strValue == "zh") {
+            m_options.texts = ETextTable::Chinese;
+        } else {
+            Refuse("--texts", Quoted(strValue) + " is none of keys, en, zh");
+        }
+    }
+
+    void ParseFps(const std::string& strValue) {
+        constexpr double MOST_FPS = 1000;
+        double fFps = 0;
+        if (!ReadNumber(strValue, fFps) || !(fFps > 0 && fFps <= MOST_FPS)) {
+            Refuse("--fps", Quoted(strValue) + " isn't a number above 0 and up to 1000");
+        }
+        m_options.listen.fFps = fFps;
+    }
+
+    template <typename T>
+    static bool ReadNumber(const std::string& strText, T& number) {
+        const char* pEnd = strText.data() + strText.size();
+        const auto [pRead, error] = std::from_chars(strText.data(), pEnd, number);
+        return error == std::errc() && pRead == pEnd;
+    }
+
+    const std::vector<std::string>& m_arguments;
+    SOptions& m_options;
+    size_t m_nNext = 0;
+    std::optional<EFront> m_front;
+    const char* m_pszPageOption = nullptr; ///< an option was given that only the page has
+};
+
+} // namespace
+
+std::optional<SOptions> ParseOptions(const std::vector<std::string>& arguments,
+                                     const std::filesystem::path& programFolder, std::string& strError) {
+    SOptions options;
+    options.appFolder = programFolder / "app";
+    options.moduleFile = programFolder / MODULE_FILE_NAME;
+    options.listen = {.strAddress = {}, .nPort = 0, .fFps = 60, .webFolder = programFolder / "web"};
+    try {
+        CParser(arguments, options).Parse();
+    } catch (const CRefusal& refusal) {
+        strError = refusal.what();
+        return std::nullopt;
+    }
+    return options;
+}

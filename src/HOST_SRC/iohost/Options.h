@@ -1,0 +1,29 @@
+// The command line of iohost.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "HostSetup.h"
+#include "PageServer.h"
+
+enum class EFront { Stdio, Page, Help, Version };
+
+struct SOptions {
+    EFront nFront = EFront::Stdio;
+    std::filesystem::path appFolder;
+    std::filesystem::path moduleFile;
+    std::optional<ETextTable> texts; ///< none: English where the application folder has it, keys elsewhere
+    std::filesystem::path sceneFile; ///< loaded at the start; empty: none
+    SListenOptions listen;           ///< for EFront::Page
+};
+
+/// Read the arguments (without the program's name). Defaults lie in the program's folder. Nothing, with a message that
+/// names the option, when they are wrong.
+std::optional<SOptions> ParseOptions(const std::vector<std::string>& arguments,
+                                     const std::filesystem::path& programFolder, std::string& strError);
+
+/// What --help prints.
+extern const char* const HELP_TEXT;

@@ -1,0 +1,299 @@
+#include "PageServer.h"
+
+#include "HttpConnection.h"
+#include "WebSocketClient.h"
+
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/detached.hpp>
+#include <boost/asio/signal_set.hpp>
+
+#include <csignal>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <utility>
+
+#include "FrameTimer.h"
+#include "Session.h"
+#include "TerminalLines.h"
+
+namespace asio = boost::asio;
+using boost::system::error_code;
+
+namespace {
+
+constexpr size_t MOST_CONNECTIONS = 64;
+constexpr std::chrono::seconds GOODBYE_TIME{1};
+constexpr std::chrono::milliseconds ACCEPT_PAUSE{100};
+
+/// What a reply or a frame tells of the module's doings.
+constexpr const char* HAPPENED_KEYS[] = {"posted", "log", "notified", "sent", "redrawn"};
+
+OrderedJson HappenedIn(const OrderedJson& reply) {
+    OrderedJson happened = OrderedJson::object();
+    for (const char* pszKey : HAPPENED_KEYS) {
+        if (const auto found = reply.find(pszKey); found != reply.end()) {
+            happened[pszKey] = *found;
+        }
+    }
+    return happened;
+}
+
+std::shared_ptr<const std::string> Text(const OrderedJson& message) {
+    return std::make_shared<const std::string>(ReplyText(message));
+}
+
+std::string EndpointText(const asio::ip::tcp::endpoint& endpoint) {
+    const std::string strAddress = endpoint.address().to_string();
+    return (endpoint.address().is_v6() ? "[" + strAddress + "]" : strAddress) + ":" + std::to_string(endpoint.port());
+}
+
+/// Joins the session, the frames and the pages: one io_context, one thread.
+class CPageServer final : public IWebSocketListener {
+public:
+    CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files);
+
+    /// Empty, or why the address can't be had.
+    std::string Listen(const asio::ip::tcp::endpoint& endpoint);
+
+    void Run();
+
+    void OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) override;
+    void OnClientText(CWebSocketClient& client, std::string_view text) override;
+    void OnClientClosed(CWebSocketClient& client) override;
+
+private:
+    struct SClient {
+        std::shared_ptr<CWebSocketClient> pClient;
+        CHeldInput held;
+    };
+
+    Awaitable<void> AcceptConnections();
+    Awaitable<void> Serve(TcpSocket socket);
+    void AwaitSignal();
+    void Stop();
+
+    void Frame();
+    void TellHappened(OrderedJson happened, const CWebSocketClient* pButFor);
+    void TellSceneChange();
+    void SendToAll(const OrderedJson& push, const CWebSocketClient* pButFor = nullptr);
+
+    asio::io_context m_context{1};
+    CSession& m_session;
+    const double m_fFps;
+    const CHttpFiles& m_files;
+    CTerminalLines m_terminal;
+    TcpAcceptor m_acceptor{m_context};
+    asio::signal_set m_signals{m_context, SIGINT, SIGTERM};
+    SteadyTimer m_goodbyeTimer{m_context};
+    SteadyTimer m_acceptTimer{m_context};
+    CFrameTimer m_frameTimer;
+    std::unique_ptr<const SHttpSite> m_pSite; ///< once it listens
+    std::string m_strAddress;
+    std::map<const CWebSocketClient*, SClient> m_clients;
+    size_t m_nConnections = 0;
+    unsigned long long m_nFrame = 0;
+    unsigned long long m_nToldSceneVersion = 0;
+    bool m_bStopping = false;
+};
+
+CPageServer::CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files)
+    : m_session(session), m_fFps(options.fFps), m_files(files), m_terminal(session, std::cout),
+      m_frameTimer(m_context, options.fFps, [this] { Frame(); }), m_nToldSceneVersion(session.SceneVersion()) {}
+
+std::string CPageServer::Listen(const asio::ip::tcp::endpoint& endpoint) {
+    error_code error;
+    m_acceptor.open(endpoint.protocol(), error);
+#if !defined(BOOST_ASIO_WINDOWS)
+    // Connections of a server that has just ended don't keep the port; on Windows it would let two servers share it.
+    if (!error) {
+        m_acceptor.set_option(asio::socket_base::reuse_address(true), error);
+    }
+#endif
+    if (!error) {
+        m_acceptor.bind(endpoint, error);
+    }
+    if (!error) {
+        m_acceptor.listen(asio::socket_base::max_listen_connections, error);
+    }
+    if (error) {
+        return error.message();
+    }
+    const auto bound = m_acceptor.local_endpoint();
+    m_strAddress = EndpointText(bound);
+    m_pSite = std::make_unique<const SHttpSite>(
+        SHttpSite{m_files, bound.address().to_string(), bound.port(), static_cast<IWebSocketListener&>(*this)});
+    return {};
+}
+
+void CPageServer::Run() {
+    std::cout << "iohost: page at http://" << m_strAddress << "/\n";
+    if (!m_acceptor.local_endpoint().address().is_loopback()) {
+        std::cout << "iohost: whoever reaches this address can drive the nodes\n";
+    }
+    std::cout.flush();
+    AwaitSignal();
+    asio::co_spawn(
+        m_context, [this] { return AcceptConnections(); }, asio::detached);
+    m_frameTimer.Start();
+    m_context.run();
+}
+
+Awaitable<void> CPageServer::AcceptConnections() {
+    for (;;) {
+        error_code error;
+        TcpSocket socket(m_context);
+        co_await m_acceptor.async_accept(socket, AwaitInto(error));
+        if (!m_acceptor.is_open()) {
+            co_return;
+        }
+        if (error) {
+            // The system is short of something: a pause leaves it the time to get over that.
+            m_acceptTimer.expires_after(ACCEPT_PAUSE);
+            co_await m_acceptTimer.async_wait(AwaitInto(error));
+        } else if (m_nConnections < MOST_CONNECTIONS) {
+            ++m_nConnections;
+            asio::co_spawn(m_context, Serve(std::move(socket)), asio::detached);
+        }
+    }
+}
+
+Awaitable<void> CPageServer::Serve(TcpSocket socket) {
+    co_await ServeHttpConnection(std::move(socket), *m_pSite);
+    --m_nConnections;
+}
+
+void CPageServer::AwaitSignal() {
+    m_signals.async_wait([this](const error_code& error, int) {
+        if (!error) {
+            AwaitSignal();
+            Stop();
+        }
+    });
+}
+
+void CPageServer::Stop() {
+    if (m_bStopping || m_clients.empty()) {
+        m_context.stop();
+        return;
+    }
+    m_bStopping = true;
+    m_acceptor.close();
+    m_frameTimer.Stop();
+    for (const auto& [pKey, client] : m_clients) {
+        client.pClient->Close();
+    }
+    // Clients that don't say goodbye aren't waited for.
+    m_goodbyeTimer.expires_after(GOODBYE_TIME);
+    m_goodbyeTimer.async_wait([this](const error_code&) { m_context.stop(); });
+}
+
+void CPageServer::OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) {
+    m_clients.emplace(pClient.get(), SClient{pClient, {}});
+    pClient->Send(
+        Text({{"push", "hello"}, {"version", IOHOST_VERSION}, {"fps", m_fFps}, {"address", m_strAddress}}));
+    // The next frame tells everybody all outputs; to those who know them already that changes nothing.
+    m_session.ForgetSentOutputs();
+}
+
+void CPageServer::OnClientText(CWebSocketClient& client, std::string_view text) {
+    SClient& known = m_clients.at(&client);
+    OrderedJson reply;
+    try {
+        reply = m_session.Handle(ParseJson(text, "request"), &known.held);
+    } catch (const CRefusal& refusal) {
+        reply = ErrorReply(refusal.what());
+    }
+    client.Send(Text(reply));
+    TellHappened(HappenedIn(reply), &client);
+    TellSceneChange();
+    if (m_session.HasQuit()) {
+        Stop();
+    }
+}
+
+void CPageServer::OnClientClosed(CWebSocketClient& client) {
+    SClient gone = std::move(m_clients.extract(&client).mapped());
+    if (!m_session.HasQuit()) {
+        TellHappened(HappenedIn(m_session.ReleaseHeld(gone.held, "its connection closed")), nullptr);
+    }
+    if (m_bStopping && m_clients.empty()) {
+        m_context.stop();
+    }
+}
+
+void CPageServer::Frame() {
+    ++m_nFrame;
+    OrderedJson happened = m_session.TakeHappened();
+    AppendHappened(happened, m_session.Frame());
+    TellHappened(std::move(happened), nullptr);
+    const OrderedJson changed = m_session.ChangedOutputs();
+    if (!changed.empty()) {
+        SendToAll({{"push", "outputs"}, {"nodes", changed}});
+    }
+}
+
+void CPageServer::TellHappened(OrderedJson happened, const CWebSocketClient* pButFor) {
+    if (happened.empty()) {
+        return;
+    }
+    m_terminal.Print(happened);
+    OrderedJson push = {{"push", "happened"}};
+    push.update(happened);
+    push["frame"] = m_nFrame;
+    SendToAll(push, pButFor);
+}
+
+void CPageServer::TellSceneChange() {
+    const auto nVersion = m_session.SceneVersion();
+    if (nVersion != m_nToldSceneVersion) {
+        m_nToldSceneVersion = nVersion;
+        SendToAll({{"push", "scene"}, {"version", nVersion}});
+    }
+}
+
+void CPageServer::SendToAll(const OrderedJson& push, const CWebSocketClient* pButFor) {
+    if (m_clients.empty()) {
+        return;
+    }
+    const auto pText = Text(push);
+    for (const auto& [pKey, client] : m_clients) {
+        if (pKey != pButFor) {
+            client.pClient->Send(pText);
+        }
+    }
+}
+
+} // namespace
+
+int RunPageServer(CSession& session, const SListenOptions& options) {
+    constexpr int EXIT_REFUSED = 1;
+
+    error_code error;
+    const auto address = asio::ip::make_address(options.strAddress, error);
+    if (error) {
+        std::cerr << "iohost: --listen: " << Quoted(options.strAddress)
+                  << " isn't a numeric address, as 127.0.0.1 is\n";
+        return EXIT_REFUSED;
+    }
+    try {
+        const CHttpFiles files(options.webFolder);
+        if (files.Find("/") == nullptr) {
+            std::cerr << "iohost: --web: there is no page in " << options.webFolder << '\n';
+            return EXIT_REFUSED;
+        }
+        CPageServer server(session, options, files);
+        const asio::ip::tcp::endpoint endpoint(address, options.nPort);
+        const std::string strProblem = server.Listen(endpoint);
+        if (!strProblem.empty()) {
+            std::cerr << "iohost: can't listen on " << EndpointText(endpoint) << ": " << strProblem
+                      << "; --listen ADDR:PORT chooses another address or port\n";
+            return EXIT_REFUSED;
+        }
+        server.Run();
+    } catch (const std::filesystem::filesystem_error& problem) {
+        std::cerr << "iohost: --web: the page's files can't be read: " << problem.what() << '\n';
+        return EXIT_REFUSED;
+    }
+    return 0;
+}

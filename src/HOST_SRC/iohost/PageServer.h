@@ -1,0 +1,19 @@
+// The front that serves the page and its WebSocket.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+class CSession;
+
+/// Where and how the page is served.
+struct SListenOptions {
+    std::string strAddress;          ///< numeric address to bind to
+    unsigned short nPort;            ///< 0: any free port
+    double fFps;                     ///< evaluations of the graph a second
+    std::filesystem::path webFolder; ///< the page's files
+};
+
+/// Serve until the session ends or the process is told to end. Returns the exit code of the program: 1, with a message
+/// on standard error, when the address can't be had.
+int RunPageServer(CSession& session, const SListenOptions& options);

@@ -1,0 +1,24 @@
+// Event records out of requests: the payload objects that the contract names, made from their JSON form.
+#pragma once
+
+#include <memory>
+
+#include "Fields.h"
+#include "host/EventRecord.h"
+
+/// A payload for one call, whatever its type.
+class CPayload {
+public:
+    virtual ~CPayload() = default;
+
+    /// What an event record points at.
+    virtual void* Object() = 0;
+};
+
+/// Make the payload of a request's field "payload"; null for null or a missing field. An unknown kind and fields of the
+/// wrong kind are refused.
+std::unique_ptr<CPayload> MakePayload(const CFields& request);
+
+/// Refuse a payload that this node type would take for one of another kind: nodes trust the device to tell what the
+/// record points at.
+void CheckPayloadFits(const CFields& request, const GUID& guidType, const std::string& strHandle);

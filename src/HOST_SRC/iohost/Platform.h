@@ -1,0 +1,16 @@
+// What iohost does differently on each system; one source file per system.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+/// Make GetTickCount answer a fixed number of milliseconds, or the running clock again. False where the system's own
+/// clock answers and can't be stopped.
+bool FreezeClock(std::optional<std::uint64_t> nMilliseconds);
+
+/// Why the last LoadLibraryW failed, in the loader's words (UTF-8); empty when nothing more is known.
+std::string LoadErrorDetail();
+
+/// Standard input and output carry bytes, and a closed output is an error of the stream.
+void PrepareStandardStreams();

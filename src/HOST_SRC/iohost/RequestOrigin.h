@@ -1,0 +1,22 @@
+// Whom the page's server answers: only who speaks to it by a name of its own, so that no foreign page reaches the nodes.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+class CRequestOrigin {
+public:
+    /// Addresses as texts, without brackets: the one that the server listens on, and the one that this connection came
+    /// in by, which differs where the server listens on all of the machine's.
+    CRequestOrigin(std::string_view boundAddress, std::string_view localAddress, unsigned short nPort);
+
+    /// Whether a Host header names this server.
+    bool IsOwnHost(std::string_view host) const;
+
+    /// Whether an Origin header names a page of this server.
+    bool IsOwnOrigin(std::string_view origin) const;
+
+private:
+    std::vector<std::string> m_arHosts; ///< in small letters, with the port
+};

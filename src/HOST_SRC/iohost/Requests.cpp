@@ -1,0 +1,461 @@
+#include "Requests.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+#include "GuidText.h"
+#include "Inspect.h"
+#include "ParamSet.h"
+#include "Payloads.h"
+#include "Platform.h"
+#include "SavedSet.h"
+#include "SceneFile.h"
+#include "TextUtf8.h"
+
+namespace {
+
+// ---- Fields that several operations have ------------------------------------------------------------------------
+
+SNode& NodeField(SRequestContext& context, const char* pszName = "node") {
+    const std::string& strHandle = context.fields.Text(pszName);
+    SNode* pNode = context.host.Scene().Find(strHandle);
+    if (pNode == nullptr) {
+        Refuse(pszName, "there is no node " + Quoted(strHandle));
+    }
+    return *pNode;
+}
+
+/// The node of the request, or all nodes in the order of creation when it names none.
+std::vector<SNode*> NodeOrAll(SRequestContext& context) {
+    if (context.fields.Has("node")) {
+        return {&NodeField(context)};
+    }
+    std::vector<SNode*> nodes;
+    for (auto& [nOrder, node] : context.host.Scene().Nodes()) {
+        nodes.push_back(&node);
+    }
+    return nodes;
+}
+
+GUID GuidField(const CFields& fields, const char* pszName) {
+    const std::string& strText = fields.Text(pszName);
+    const auto guid = ParseGuid(strText);
+    if (!guid) {
+        Refuse(pszName, Quoted(strText) + " isn't a GUID");
+    }
+    return *guid;
+}
+
+VEKParam& ParamField(const CFields& fields, const char* pszName, const VEKParamGroupList& lstGroup,
+                     const char* pszPlace) {
+    const unsigned nId = fields.Unsigned(pszName);
+    VEKParam* pParam = FindParam(lstGroup, MakeParamGuid(nId));
+    if (pParam == nullptr) {
+        Refuse(pszName, "there is no parameter " + std::to_string(nId) + " among the node's " + pszPlace);
+    }
+    return *pParam;
+}
+
+// ---- Values -----------------------------------------------------------------------------------------------------
+
+constexpr const char* VALUE_FIELDS[] = {"int", "float", "string", "choice"};
+
+/// Sets the value that the request carries; refuses before anything is changed.
+void SetValue(SRequestContext& context) {
+    const CFields& fields = context.fields;
+    SNode& node = NodeField(context);
+    const bool bOwn = fields.Bool("own", false);
+    VEKParam& param = bOwn ? ParamField(fields, "param", node.pNode->m_lstParamGroup, "own parameters")
+                           : ParamField(fields, "param", node.pGraphNode->m_lstInputGroup, "graph inputs");
+    if (std::ranges::count_if(VALUE_FIELDS, [&](const char* pszName) { return fields.Has(pszName); }) != 1) {
+        Refuse("int, float, string, choice", "exactly one of them must be there");
+    }
+    if (fields.Has("int")) {
+        param.m_nValue = fields.Int("int");
+    } else if (fields.Has("float")) {
+        param.m_fValue = fields.Float("float");
+    } else if (fields.Has("string")) {
+        param.m_strValue = FromUtf8(fields.Text("string"));
+    } else {
+        param.m_nValue = fields.Int("choice");
+    }
+}
+
+// ---- The module and its catalogue -------------------------------------------------------------------------------
+
+OrderedJson Catalogue(SRequestContext& context) {
+    OrderedJson types = OrderedJson::array();
+    const CArray<SIOProcessNodeInfo>& arInfo = context.host.Catalogue();
+    for (INT_PTR i = 0; i < arInfo.GetSize(); ++i) {
+        const SIOProcessNodeInfo& info = arInfo[i];
+        types.push_back({{"guid", GuidText(info.guidType)},
+                         {"kind", info.nInfoKind},
+                         {"name", Utf8(info.strName)},
+                         {"aux", Utf8(info.strAux)},
+                         {"tip", Utf8(info.strTip)},
+                         {"icon", info.hIcon != nullptr},
+                         {"enable", info.bEnable},
+                         {"reserved", info.aReserved}});
+    }
+    return {{"types", std::move(types)}};
+}
+
+OrderedJson Call(SRequestContext& context) {
+    return {{"result", context.host.CallModule(context.fields.Unsigned("code"))}};
+}
+
+OrderedJson Quit(SRequestContext& context) {
+    context.host.Close();
+    return OrderedJson::object();
+}
+
+// ---- Nodes ------------------------------------------------------------------------------------------------------
+
+OrderedJson Create(SRequestContext& context) {
+    const CFields& fields = context.fields;
+    SNodeRequest request;
+    request.strHandle = fields.Text("node");
+    request.guidType = GuidField(fields, "type");
+    request.clip = fields.TextOrNull("clip");
+    request.strGraph = fields.Text("graph");
+    request.bEventWindow = fields.Bool("event_window", true);
+    request.bNotifyWindow = fields.Bool("notify_window", true);
+    request.bOutputs = fields.Bool("outputs", true);
+    if (const Json* pSaved = fields.Find("saved")) {
+        const SSavedSet saved = ReadSavedSet(CFields(*pSaved, "saved."));
+        request.loadOwn = [saved](VEKParamGroupList& lstOwn) { ApplySavedSet(saved, lstOwn); };
+        if (saved.pins) {
+            request.loadOutputs = [saved](VEKParamGroupList& lstOutput) {
+                RestoreGroups(lstOutput, *saved.pins, "saved.pins", true);
+            };
+        }
+    }
+    const SCreated created = context.host.Create(request);
+    return {{"result", created.nResult}, {"created", created.pNode != nullptr}};
+}
+
+OrderedJson Inspect(SRequestContext& context) {
+    const SNode& node = NodeField(context);
+    const P_ExtDevIOProcess& object = *node.pNode;
+    return {{"type", GuidText(object.m_guidType)},
+            {"kind_code", object.m_nKindCode},
+            {"name", Utf8(object.m_strName)},
+            {"second_name", Utf8(object.m_strSecondName)},
+            {"own", GroupsToJson(object.m_lstParamGroup)},
+            {"inputs", GroupsToJson(node.pGraphNode->m_lstInputGroup)},
+            {"outputs", GroupsToJson(node.pGraphNode->m_lstOutputGroup)}};
+}
+
+OrderedJson Init(SRequestContext& context) {
+    SNode& node = NodeField(context);
+    context.host.Call(&node, [&] { node.pNode->InitParam(); });
+    return OrderedJson::object();
+}
+
+OrderedJson Outputs(SRequestContext& context) {
+    SNode& node = NodeField(context);
+    context.host.Call(&node, [&] { node.pNode->GetNodeOutput(node.pGraphNode.get()); });
+    return OrderedJson::object();
+}
+
+OrderedJson Layout(SRequestContext& context) {
+    SNode& node = NodeField(context);
+    const auto address = [](const void* pAddress) {
+        if (pAddress == nullptr) {
+            return OrderedJson();
+        }
+        char szText[32];
+        std::snprintf(szText, sizeof(szText), "%p", pAddress);
+        return OrderedJson(szText);
+    };
+    return context.host.Call(&node, [&] {
+        const NodeParamInfoGrpArray* pGroups = node.pNode->GetNodeParamInfoGrpAr();
+        return OrderedJson{{"path", Utf8(node.pNode->GetCtrlPosXmlPath())},
+                           {"reader", address(node.pNode->GetXmlReader())},
+                           {"state", address(node.pNode->GetXmlLoadStatePtr())},
+                           {"array", address(pGroups)},
+                           {"groups", pGroups != nullptr ? pGroups->GetSize() : 0}};
+    });
+}
+
+OrderedJson Destroy(SRequestContext& context) {
+    SNode& node = NodeField(context);
+    const GUID guidType = context.fields.Has("type") ? GuidField(context.fields, "type") : node.guidType;
+    const bool bPointer = context.fields.Bool("pointer", true);
+    const SDestroyed destroyed = context.host.Destroy(node, guidType, bPointer);
+    return {{"result", destroyed.nResult}, {"slot_null", destroyed.bSlotNull}, {"freed", destroyed.bFreed}};
+}
+
+// ---- Evaluation and events --------------------------------------------------------------------------------------
+
+OrderedJson Process(SRequestContext& context) {
+    const bool bGraph = context.fields.Bool("graph", true);
+    OrderedJson results = OrderedJson::object();
+    for (SNode* pNode : NodeOrAll(context)) {
+        results[pNode->strHandle] = context.host.Evaluate(*pNode, bGraph);
+    }
+    return {{"results", std::move(results)}};
+}
+
+OrderedJson Event(SRequestContext& context) {
+    const CFields& fields = context.fields;
+    const std::vector<SNode*> nodes = NodeOrAll(context);
+    SIOEventRecord record = {};
+    const SIOEventRecord* pRecord = nullptr;
+    std::unique_ptr<CPayload> pPayload;
+    if (const Json* pField = fields.Find("record")) {
+        if (!pField->is_null()) {
+            Refuse("record", "must be null or missing");
+        }
+    } else {
+        pPayload = MakePayload(fields);
+        record = {fields.Int("device"), fields.Int("event"), pPayload ? pPayload->Object() : nullptr};
+        pRecord = &record;
+        for (const SNode* pNode : nodes) {
+            CheckPayloadFits(fields, pNode->guidType, pNode->strHandle);
+        }
+        if (context.pHeld != nullptr && !context.pHeld->HasRoom()) {
+            Refuse("event", "this connection holds " + std::to_string(CHeldInput::MOST_HELD) + " keys and buttons");
+        }
+    }
+    if (context.pHeld != nullptr && pRecord != nullptr) {
+        context.pHeld->Note(fields);
+    }
+    OrderedJson results = OrderedJson::object();
+    for (SNode* pNode : nodes) {
+        results[pNode->strHandle] = context.host.Deliver(*pNode, pRecord);
+    }
+    return {{"results", std::move(results)}};
+}
+
+OrderedJson ReleaseHeld(SRequestContext& context) {
+    const std::string strReason = context.fields.Has("reason") ? context.fields.Text("reason") : "the page asks for it";
+    if (context.pHeld == nullptr) {
+        Refuse("op", "release_held is for connections of the page");
+    }
+    return {{"released", ReleaseHeldInput(context.host, *context.pHeld, strReason)}};
+}
+
+// ---- Parameters and links ---------------------------------------------------------------------------------------
+
+OrderedJson Set(SRequestContext& context) {
+    SetValue(context);
+    return OrderedJson::object();
+}
+
+OrderedJson Edit(SRequestContext& context) {
+    SetValue(context);
+    SNode& node = NodeField(context);
+    const GUID guid = MakeParamGuid(context.fields.Unsigned("param"));
+    const bool bNeeded = context.host.Call(&node, [&] { return node.pNode->NeedUpdateSingleParam(guid); }) != FALSE;
+    OrderedJson result;
+    if (bNeeded) {
+        result = context.host.Call(&node, [&] { return node.pNode->UpdateSingleParamValue(guid); });
+    }
+    return {{"needed", bNeeded}, {"result", result}};
+}
+
+OrderedJson Trigger(SRequestContext& context) {
+    SNode& node = NodeField(context);
+    const VEKParam& input = ParamField(context.fields, "param", node.pGraphNode->m_lstInputGroup, "graph inputs");
+    if (input.m_nType != PARAM_EVENT.m_nType) {
+        Refuse("param", "parameter " + std::to_string(input.m_guid.Data1) + " isn't an event input");
+    }
+    node.setTriggered.insert(static_cast<unsigned>(input.m_guid.Data1));
+    return OrderedJson::object();
+}
+
+OrderedJson Drop(SRequestContext& context) {
+    SNode& node = NodeField(context);
+    struct SPlace {
+        const char* pszName;
+        VEKParamGroupList& lstGroup;
+    };
+    SPlace places[] = {{"own", node.pNode->m_lstParamGroup},
+                       {"inputs", node.pGraphNode->m_lstInputGroup},
+                       {"outputs", node.pGraphNode->m_lstOutputGroup}};
+    const unsigned nId = context.fields.Unsigned("param");
+    const Json& from = context.fields.Array("from");
+    if (from.empty()) {
+        Refuse("from", "names no place");
+    }
+    std::vector<VEKParamGroupList*> chosen;
+    for (const Json& place : from) {
+        const std::string& strPlace = ReadText(place, "from");
+        const auto* pPlace = std::ranges::find_if(places, [&](const SPlace& row) { return strPlace == row.pszName; });
+        if (pPlace == std::end(places)) {
+            Refuse("from", Quoted(strPlace) + " is none of own, inputs, outputs");
+        }
+        ParamField(context.fields, "param", pPlace->lstGroup, pPlace->pszName);
+        if (std::ranges::find(chosen, &pPlace->lstGroup) == chosen.end()) {
+            chosen.push_back(&pPlace->lstGroup);
+        }
+    }
+    for (VEKParamGroupList* pGroups : chosen) {
+        TakeParam(*pGroups, nId);
+    }
+    return OrderedJson::object();
+}
+
+OrderedJson Link(SRequestContext& context) {
+    SNode& from = NodeField(context, "from");
+    const VEKParam& output = ParamField(context.fields, "output", from.pGraphNode->m_lstOutputGroup, "outputs");
+    SNode& to = NodeField(context, "to");
+    const VEKParam& input = ParamField(context.fields, "input", to.pGraphNode->m_lstInputGroup, "graph inputs");
+    context.host.Scene().Link(from, output.m_guid.Data1, to, input.m_guid.Data1);
+    return OrderedJson::object();
+}
+
+// ---- The machine around the nodes -------------------------------------------------------------------------------
+
+OrderedJson Keys(SRequestContext& context) {
+    constexpr BYTE DOWN = 0x80;
+    constexpr BYTE TOGGLED = 0x01;
+    BYTE state[256] = {};
+    const auto mark = [&](const char* pszName, BYTE nFlag) {
+        if (const Json* pList = context.fields.OptionalArray(pszName)) {
+            for (const Json& code : *pList) {
+                const unsigned nCode = ReadUnsigned(code, pszName);
+                if (nCode >= std::size(state)) {
+                    Refuse(pszName, std::to_string(nCode) + " isn't a virtual-key code");
+                }
+                state[nCode] |= nFlag;
+            }
+        }
+    };
+    mark("down", DOWN);
+    mark("toggled", TOGGLED);
+    SetKeyboardState(state);
+    return OrderedJson::object();
+}
+
+OrderedJson Clock(SRequestContext& context) {
+    const Json& ms = context.fields.Required("ms");
+    if (!ms.is_null() && !ms.is_number_unsigned()) {
+        Refuse("ms", "must be a whole number of milliseconds or null");
+    }
+    const bool bFrozen = FreezeClock(ms.is_null() ? std::nullopt : std::optional(ms.get<std::uint64_t>()));
+    if (!bFrozen) {
+        Refuse("op", "the clock of this system can't be set");
+    }
+    return OrderedJson::object();
+}
+
+OrderedJson MainWindow(SRequestContext& context) {
+    const bool bPresent = context.fields.Bool("present");
+    const bool bEnabled = context.fields.Bool("enabled");
+    context.host.MainWindow().Set(bPresent, bEnabled);
+    return OrderedJson::object();
+}
+
+OrderedJson Object(SRequestContext& context) {
+    const CString strClip = FromUtf8(context.fields.Text("clip"));
+    const CString strName = FromUtf8(context.fields.Text("name"));
+    VEKClip& clip = context.host.Scene().Clip(strClip);
+    if (clip.FindObject(strName, 0) != nullptr) {
+        Refuse("name", "the clip has an object " + Quoted(Utf8(strName)) + " already");
+    }
+    clip.m_lstObject.AddTail(new VEKObject(strName));
+    return OrderedJson::object();
+}
+
+OrderedJson Objects(SRequestContext& context) {
+    OrderedJson objects = OrderedJson::array();
+    for (const VEKClip& clip : context.host.Scene().Clips()) {
+        for (POSITION pos = clip.m_lstObject.GetHeadPosition(); pos != nullptr;) {
+            const VEKObject& object = *clip.m_lstObject.GetNext(pos);
+            objects.push_back(
+                {{"clip", Utf8(clip.m_strName)}, {"name", Utf8(object.m_strName)}, {"matrix", object.m_fMatrix}});
+        }
+    }
+    return {{"objects", std::move(objects)}};
+}
+
+// ---- The scene as a whole ---------------------------------------------------------------------------------------
+
+OrderedJson Save(SRequestContext& context) {
+    SaveScene(context.host, PathFromUtf8(context.fields.Text("file")));
+    return OrderedJson::object();
+}
+
+OrderedJson Load(SRequestContext& context) {
+    LoadScene(context.host, PathFromUtf8(context.fields.Text("file")));
+    return OrderedJson::object();
+}
+
+OrderedJson Scene(SRequestContext& context) {
+    OrderedJson nodes = OrderedJson::array();
+    OrderedJson links = OrderedJson::array();
+    for (const auto& [nOrder, node] : context.host.Scene().Nodes()) {
+        const VEKClip* pClip = node.pNode->m_pOwnerClip;
+        nodes.push_back({{"node", node.strHandle},
+                         {"type", GuidText(node.guidType)},
+                         {"clip", pClip != nullptr ? OrderedJson(Utf8(pClip->m_strName)) : OrderedJson()},
+                         {"graph", Utf8(node.pGraphNode->m_strName)},
+                         {"name", Utf8(node.pNode->m_strName)}});
+        for (const SLink& link : node.arOutgoing) {
+            links.push_back({{"from", link.pFrom->strHandle},
+                             {"output", link.nOutput},
+                             {"to", link.pTo->strHandle},
+                             {"input", link.nInput}});
+        }
+    }
+    return {{"version", context.nSceneVersion}, {"nodes", std::move(nodes)}, {"links", std::move(links)}};
+}
+
+constexpr RequestRow REQUESTS[] = {
+    {.pszOp = "catalogue", .pCarryOut = Catalogue},
+    {.pszOp = "call", .pCarryOut = Call},
+    {.pszOp = "create", .pCarryOut = Create, .bChangesScene = true},
+    {.pszOp = "inspect", .pCarryOut = Inspect},
+    {.pszOp = "init", .pCarryOut = Init, .bChangesScene = true},
+    {.pszOp = "outputs", .pCarryOut = Outputs, .bChangesScene = true},
+    {.pszOp = "process", .pCarryOut = Process},
+    {.pszOp = "event", .pCarryOut = Event},
+    {.pszOp = "release_held", .pCarryOut = ReleaseHeld},
+    {.pszOp = "set", .pCarryOut = Set, .bChangesScene = true},
+    {.pszOp = "edit", .pCarryOut = Edit, .bChangesScene = true},
+    {.pszOp = "trigger", .pCarryOut = Trigger, .bChangesScene = true},
+    {.pszOp = "drop", .pCarryOut = Drop, .bChangesScene = true},
+    {.pszOp = "link", .pCarryOut = Link, .bChangesScene = true},
+    {.pszOp = "keys", .pCarryOut = Keys},
+    {.pszOp = "clock", .pCarryOut = Clock},
+    {.pszOp = "main_window", .pCarryOut = MainWindow},
+    {.pszOp = "object", .pCarryOut = Object},
+    {.pszOp = "objects", .pCarryOut = Objects},
+    {.pszOp = "layout", .pCarryOut = Layout},
+    {.pszOp = "destroy", .pCarryOut = Destroy, .bChangesScene = true},
+    {.pszOp = "save", .pCarryOut = Save},
+    {.pszOp = "load", .pCarryOut = Load, .bChangesScene = true},
+    {.pszOp = "scene", .pCarryOut = Scene},
+    {.pszOp = "quit", .pCarryOut = Quit, .bChangesScene = true},
+};
+
+} // namespace
+
+const RequestRow* FindRequest(std::string_view op) {
+    const auto* pRow = std::ranges::find_if(REQUESTS, [op](const RequestRow& row) { return op == row.pszOp; });
+    return pRow != std::end(REQUESTS) ? pRow : nullptr;
+}
+
+OrderedJson ReleaseHeldInput(CHost& host, CHeldInput& held, const std::string& strReason) {
+    OrderedJson released = OrderedJson::array();
+    for (const SRelease& release : held.TakeReleases()) {
+        const CString strLine = FromUtf8("synthetic release of the " + release.strDescription + ": " + strReason);
+        NSVEKLog::WriteLog(LOG_INFORMATION, 0, 0, 0, 0, L"%s", strLine.GetString());
+        released.push_back({{"device", release.request["device"]},
+                            {"event", release.request["event"]},
+                            {"payload", release.request["payload"]}});
+        const CFields fields(release.request);
+        SRequestContext context{host, fields, nullptr, 0};
+        try {
+            Event(context);
+        } catch (const CRefusal& refusal) {
+            // The others are released all the same.
+            const CString strError = FromUtf8(refusal.what());
+            NSVEKLog::WriteLog(LOG_ERROR, 0, 0, 0, 0, L"%s", strError.GetString());
+        }
+    }
+    return released;
+}

@@ -1,0 +1,111 @@
+// The scene that the host plays: clips with their objects, nodes with their graph nodes, and links between them.
+#pragma once
+
+#include <list>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "host/HostRender.h"
+#include "host/PluginContract.h"
+
+struct SNode;
+
+/// One link of the graph: an output pin of one node, an input of another (or the same) node.
+struct SLink {
+    SNode* pFrom;
+    unsigned nOutput;
+    SNode* pTo;
+    unsigned nInput;
+    bool bEvent; ///< the output is an event: firing it triggers the input; otherwise its value is copied
+
+    bool operator==(const SLink&) const = default;
+};
+
+/// One node of the scene. The module's object belongs to the scene until it is handed to operation 3.
+struct SNode {
+    std::string strHandle;
+    GUID guidType;
+    P_ExtDevIOProcess* pNode;
+    std::unique_ptr<SGraphNode> pGraphNode;
+    bool bEventWindow;               ///< the node was given the event window
+    bool bNotifyWindow;              ///< the node was given the notification window
+    std::set<unsigned> setTriggered; ///< inputs that the next evaluation finds triggered
+    std::vector<SLink> arIncoming;   ///< links into this node, in the order in which they were made
+    std::vector<SLink> arOutgoing;   ///< links out of this node, likewise
+    unsigned long long nOrder;       ///< place in the order of creation
+};
+
+/// Nodes in the order of their creation.
+using NodeMap = std::map<unsigned long long, SNode>;
+
+class CScene {
+public:
+    CScene() = default;
+
+    CScene(const CScene&) = delete;
+    CScene& operator=(const CScene&) = delete;
+
+    NodeMap& Nodes() { return m_nodes; }
+    const NodeMap& Nodes() const { return m_nodes; }
+
+    /// Takes the node in as the last one. Its handle must be free.
+    SNode& Add(SNode node);
+
+    /// Takes the node and its links out. Frees the graph node, not the module's object.
+    void Remove(SNode& node);
+
+    /// The node, null for an unknown one. The pointers are compared only, never followed.
+    SNode* Find(const std::string& strHandle);
+    SNode* Find(const VEKProperty* pNode);
+    SNode* Find(const SGraphNode* pGraphNode);
+
+    const std::list<VEKClip>& Clips() const { return m_clips; }
+
+    /// The clip of that name, null if there is none.
+    VEKClip* FindClip(const CString& strName);
+
+    /// The clip behind a pointer that is compared only; null when it is none of this scene.
+    const VEKClip* FindClip(const void* pClip) const;
+
+    /// The clip of that name, made if there is none.
+    VEKClip& Clip(const CString& strName);
+
+    /// Takes away the clip made last. No node may belong to it.
+    void RemoveLastClip() { m_clips.pop_back(); }
+
+    /// Make a link; the same link twice is one. The pins must exist.
+    void Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput);
+
+    /// A node fired an event output: the inputs linked to it are triggered for their nodes' next evaluation.
+    void Fire(const VEKProperty* pNode, unsigned nOutput);
+
+    /// Exchange all contents.
+    void Swap(CScene& other);
+
+private:
+    std::list<VEKClip> m_clips;
+    NodeMap m_nodes;
+    std::unordered_map<std::string, SNode*> m_byHandle;
+    std::unordered_map<const VEKProperty*, SNode*> m_byNode;
+    std::unordered_map<const SGraphNode*, SNode*> m_byGraphNode;
+    unsigned long long m_nNextOrder = 0;
+};
+
+/// Apply the value links into a node and its triggers, for the time of one evaluation: the destructor gives triggered
+/// inputs the value back that they had.
+class CEvaluationInputs {
+public:
+    explicit CEvaluationInputs(SNode& node);
+    ~CEvaluationInputs();
+
+    CEvaluationInputs(const CEvaluationInputs&) = delete;
+    CEvaluationInputs& operator=(const CEvaluationInputs&) = delete;
+
+private:
+    SNode& m_node;
+    std::vector<std::pair<unsigned, int>> m_arRestored; ///< input and its value before
+};

@@ -1,0 +1,188 @@
+#include "SceneFile.h"
+
+#include <fstream>
+#include <iterator>
+
+#include "GuidText.h"
+#include "Inspect.h"
+#include "ParamSet.h"
+#include "TextUtf8.h"
+
+namespace {
+
+constexpr char FORMAT[] = "iohost scene";
+constexpr int VERSION = 1;
+constexpr std::uintmax_t LARGEST_FILE = 64u << 20;
+
+OrderedJson ClipsToJson(const CScene& scene) {
+    OrderedJson clips = OrderedJson::array();
+    for (const VEKClip& clip : scene.Clips()) {
+        OrderedJson objects = OrderedJson::array();
+        for (POSITION pos = clip.m_lstObject.GetHeadPosition(); pos != nullptr;) {
+            const VEKObject& object = *clip.m_lstObject.GetNext(pos);
+            objects.push_back({{"name", Utf8(object.m_strName)}, {"matrix", object.m_fMatrix}});
+        }
+        clips.push_back({{"name", Utf8(clip.m_strName)}, {"objects", std::move(objects)}});
+    }
+    return clips;
+}
+
+OrderedJson SceneToJson(const CScene& scene) {
+    OrderedJson nodes = OrderedJson::array();
+    OrderedJson links = OrderedJson::array();
+    for (const auto& [nOrder, node] : scene.Nodes()) {
+        const VEKClip* pClip = node.pNode->m_pOwnerClip;
+        nodes.push_back({{"node", node.strHandle},
+                         {"type", GuidText(node.guidType)},
+                         {"clip", pClip != nullptr ? OrderedJson(Utf8(pClip->m_strName)) : OrderedJson()},
+                         {"graph", Utf8(node.pGraphNode->m_strName)},
+                         {"event_window", node.bEventWindow},
+                         {"notify_window", node.bNotifyWindow},
+                         {"own", GroupsToJson(node.pNode->m_lstParamGroup)},
+                         {"inputs", GroupsToJson(node.pGraphNode->m_lstInputGroup)},
+                         {"outputs", GroupsToJson(node.pGraphNode->m_lstOutputGroup)}});
+        for (const SLink& link : node.arOutgoing) {
+            links.push_back({{"from", link.pFrom->strHandle},
+                             {"output", link.nOutput},
+                             {"to", link.pTo->strHandle},
+                             {"input", link.nInput}});
+        }
+    }
+    return {
+        {"format", FORMAT}, {"version", VERSION}, {"clips", ClipsToJson(scene)}, {"nodes", nodes}, {"links", links}};
+}
+
+void LoadClip(CScene& scene, const CFields& fields) {
+    VEKClip& clip = scene.Clip(FromUtf8(fields.Text("name")));
+    const Json& objects = fields.Array("objects");
+    for (size_t i = 0; i < objects.size(); ++i) {
+        const CFields object(objects[i], fields.Path("objects") + "[" + std::to_string(i) + "].");
+        auto pObject = std::make_unique<VEKObject>(FromUtf8(object.Text("name")));
+        if (const Json* pMatrix = object.OptionalArray("matrix")) {
+            if (pMatrix->size() != std::size(pObject->m_fMatrix)) {
+                Refuse(object.Path("matrix"), "must hold 16 numbers");
+            }
+            for (size_t n = 0; n < pMatrix->size(); ++n) {
+                pObject->m_fMatrix[n] = ReadFloat((*pMatrix)[n], object.Path("matrix"));
+            }
+        }
+        clip.m_lstObject.AddTail(pObject.release());
+    }
+}
+
+/// Restores one list of groups when the file has it.
+std::function<void(VEKParamGroupList&)> Restorer(const CFields& fields, const char* pszName, bool bOutputs) {
+    const Json* pGroups = fields.OptionalArray(pszName);
+    if (pGroups == nullptr) {
+        return nullptr;
+    }
+    return [pGroups, strPath = fields.Path(pszName), bOutputs](VEKParamGroupList& lstGroup) {
+        RestoreGroups(lstGroup, *pGroups, strPath, bOutputs);
+    };
+}
+
+void LoadNode(CHost& host, const CFields& fields) {
+    const auto guidType = ParseGuid(fields.Text("type"));
+    if (!guidType) {
+        Refuse(fields.Path("type"), "isn't a GUID");
+    }
+    SNodeRequest request;
+    request.strHandle = fields.Text("node");
+    request.guidType = *guidType;
+    request.clip = fields.TextOrNull("clip");
+    request.strGraph = fields.Text("graph");
+    request.bEventWindow = fields.Bool("event_window", true);
+    request.bNotifyWindow = fields.Bool("notify_window", true);
+    request.loadOwn = Restorer(fields, "own", false);
+    request.loadInputs = Restorer(fields, "inputs", false);
+    request.loadOutputs = Restorer(fields, "outputs", true);
+    request.bOutputs = !request.loadOutputs;
+    if (host.Create(request).pNode == nullptr) {
+        Refuse(fields.Path("type"), "the module makes no node of the type " + GuidText(*guidType));
+    }
+}
+
+SNode& LinkedNode(CScene& scene, const CFields& fields, const char* pszName) {
+    SNode* pNode = scene.Find(fields.Text(pszName));
+    if (pNode == nullptr) {
+        Refuse(fields.Path(pszName), "there is no node " + Quoted(fields.Text(pszName)));
+    }
+    return *pNode;
+}
+
+template <typename Load>
+void ForEachElement(const CFields& document, const char* pszName, Load load) {
+    if (const Json* pList = document.OptionalArray(pszName)) {
+        for (size_t i = 0; i < pList->size(); ++i) {
+            load(CFields((*pList)[i], document.Path(pszName) + "[" + std::to_string(i) + "]."));
+        }
+    }
+}
+
+void BuildScene(CHost& host, const CFields& document) {
+    if (document.Text("format") != FORMAT || document.Int("version") != VERSION) {
+        Refuse("file", "isn't a scene of this version");
+    }
+    CScene& scene = host.Scene();
+    ForEachElement(document, "clips", [&](const CFields& clip) { LoadClip(scene, clip); });
+    ForEachElement(document, "nodes", [&](const CFields& node) { LoadNode(host, node); });
+    ForEachElement(document, "links", [&](const CFields& link) {
+        scene.Link(LinkedNode(scene, link, "from"), link.Unsigned("output"), LinkedNode(scene, link, "to"),
+                   link.Unsigned("input"));
+    });
+}
+
+std::string ReadFile(const std::filesystem::path& file) {
+    std::error_code error;
+    const std::uintmax_t nSize = std::filesystem::file_size(file, error);
+    if (error) {
+        Refuse("file", "can't be read");
+    }
+    if (nSize > LARGEST_FILE) {
+        Refuse("file", "is larger than 64 MiB");
+    }
+    std::ifstream stream(file, std::ios::binary);
+    std::string strText((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+    if (!stream) {
+        Refuse("file", "can't be read");
+    }
+    return strText;
+}
+
+} // namespace
+
+void SaveScene(CHost& host, const std::filesystem::path& file) {
+    const std::string strText =
+        SceneToJson(host.Scene()).dump(1, ' ', false, OrderedJson::error_handler_t::replace) + "\n";
+    // Beside the file first: an interrupted save leaves the older file whole.
+    std::filesystem::path newFile = file;
+    newFile += ".new";
+    std::ofstream stream(newFile, std::ios::binary);
+    stream << strText;
+    stream.close();
+    std::error_code error;
+    if (stream) {
+        std::filesystem::rename(newFile, file, error);
+    }
+    if (!stream || error) {
+        std::error_code ignored;
+        std::filesystem::remove(newFile, ignored);
+        Refuse("file", "can't be written");
+    }
+}
+
+void LoadScene(CHost& host, const std::filesystem::path& file) {
+    const Json document = ParseJson(ReadFile(file), "file");
+    CScene former;
+    former.Swap(host.Scene());
+    try {
+        BuildScene(host, CFields(document, "file."));
+    } catch (...) {
+        host.DestroyAll();
+        former.Swap(host.Scene());
+        throw;
+    }
+    former.Swap(host.Scene());
+    host.DestroyAll();
+    former.Swap(host.Scene());
+}

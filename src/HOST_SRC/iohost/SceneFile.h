@@ -1,0 +1,19 @@
+// The scene as a JSON file.
+//   {"format": "iohost scene", "version": 1,
+//    "clips": [{"name", "objects": [{"name", "matrix": [16 floats]}]}],
+//    "nodes": [{"node", "type", "clip", "graph", "event_window", "notify_window", "own", "inputs", "outputs"}],
+//    "links": [{"from", "output", "to", "input"}]}
+// "own", "inputs" and "outputs" are groups as `inspect` shows them; only their ids, values, choices and availability
+// matter for parameters that the node makes itself. Where one of the three is missing, the node has what a new one has.
+#pragma once
+
+#include <filesystem>
+
+#include "Fields.h"
+#include "Host.h"
+
+/// Write the scene; a file that can't be written is refused and an older one then stays.
+void SaveScene(CHost& host, const std::filesystem::path& file);
+
+/// Replace the scene by the file's. On a refusal the scene stays as it was.
+void LoadScene(CHost& host, const std::filesystem::path& file);

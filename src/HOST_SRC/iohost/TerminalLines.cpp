@@ -1,0 +1,98 @@
+#include "TerminalLines.h"
+
+#include <array>
+#include <cstdio>
+
+#include "Session.h"
+
+namespace {
+
+std::string TextOr(const OrderedJson& object, const char* pszField, const char* pszDefault) {
+    const auto found = object.find(pszField);
+    return found != object.end() && found->is_string() ? found->get<std::string>() : pszDefault;
+}
+
+} // namespace
+
+void CTerminalLines::Print(const OrderedJson& happened) {
+    bool bPrinted = false;
+    if (const auto log = happened.find("log"); log != happened.end()) {
+        for (const OrderedJson& line : *log) {
+            m_stream << "log " << line.at("level") << "  " << PrintableText(TextOr(line, "text", "")) << '\n';
+            bPrinted = true;
+        }
+    }
+    if (const auto posted = happened.find("posted"); posted != happened.end()) {
+        ReadNames();
+        for (const OrderedJson& event : *posted) {
+            m_stream << EventLine(event) << '\n';
+            bPrinted = true;
+        }
+    }
+    if (bPrinted) {
+        m_stream.flush();
+    }
+}
+
+void CTerminalLines::ReadNames() {
+    if (m_bNamesRead && m_nNamesVersion == m_session.SceneVersion()) {
+        return;
+    }
+    m_names.clear();
+    m_nNamesVersion = m_session.SceneVersion();
+    m_bNamesRead = true;
+    const OrderedJson scene = m_session.Handle({{"op", "scene"}});
+    if (!scene.at("ok").get<bool>()) {
+        return;
+    }
+    for (const OrderedJson& node : scene.at("nodes")) {
+        const std::string strHandle = node.at("node").get<std::string>();
+        SNodeNames& names = m_names[strHandle];
+        names.strPlace = TextOr(node, "clip", "-") + "." + TextOr(node, "graph", "");
+        const OrderedJson details = m_session.Handle({{"op", "inspect"}, {"node", strHandle}});
+        if (!details.at("ok").get<bool>()) {
+            continue;
+        }
+        for (const OrderedJson& group : details.at("outputs")) {
+            for (const OrderedJson& output : group.at("params")) {
+                names.outputs.emplace(output.at("id").get<int>(), TextOr(output, "name", ""));
+            }
+        }
+    }
+}
+
+std::string CTerminalLines::EventLine(const OrderedJson& posted) const {
+    const std::string strHandle = TextOr(posted, "node", "?");
+    const int nOutput = posted.at("output").is_number() ? posted.at("output").get<int>() : 0;
+    std::string strPlace = strHandle; // of a node that is gone by now
+    std::string strOutput;
+    if (const auto names = m_names.find(strHandle); names != m_names.end()) {
+        strPlace = names->second.strPlace;
+        if (const auto output = names->second.outputs.find(nOutput); output != names->second.outputs.end()) {
+            strOutput = " " + output->second;
+        }
+    }
+    return PrintableText("event  " + strPlace + "  " + std::to_string(nOutput) + strOutput);
+}
+
+std::string PrintableText(const std::string& strText) {
+    std::string strPrintable;
+    unsigned char previous = 0;
+    for (const char c : strText) {
+        const auto byte = static_cast<unsigned char>(c);
+        // U+0080 to U+009F, two bytes in UTF-8, steer some terminals too.
+        const bool bUpperControl = previous == 0xC2 && byte >= 0x80 && byte < 0xA0;
+        if (byte < 0x20 || byte == 0x7F || bUpperControl) {
+            if (bUpperControl) {
+                strPrintable.pop_back();
+            }
+            std::array<char, 5> escape{};
+            std::snprintf(escape.data(), escape.size(), "\\x%02X", byte);
+            strPrintable += escape.data();
+        } else {
+            strPrintable += c;
+        }
+        previous = byte;
+    }
+    return strPrintable;
+}

@@ -1,0 +1,6 @@
+declare module "*.svg" {
+  const address: string;
+  export default address;
+}
+
+declare module "*.css";

@@ -1,0 +1,82 @@
+import { reconnectDelay } from "./backoff.ts";
+import type { Push, Reply } from "./protocol.ts";
+
+export interface ConnectionListener {
+  pushed(push: Push): void;
+  replied(reply: Reply): void;
+  /** The connection is gone; the next attempt follows after this many milliseconds. */
+  lost(retryInMs: number): void;
+}
+
+type Resolve = (reply: Reply) => void;
+
+/** The page's WebSocket: opens again by itself whenever it's lost, numbers requests, hands each reply to who asked. */
+export class Connection {
+  readonly #address: string;
+  readonly #listener: ConnectionListener;
+  #socket: WebSocket | null = null;
+  #failures = 0;
+  #nextId = 1;
+  #waiting = new Map<number, Resolve>();
+
+  constructor(address: string, listener: ConnectionListener) {
+    this.#address = address;
+    this.#listener = listener;
+    this.#open();
+  }
+
+  /** Sends a request whose reply matters only for what happened; false when there is no connection. */
+  send(request: object): boolean {
+    if (this.#socket?.readyState !== WebSocket.OPEN) {
+      return false;
+    }
+    this.#socket.send(JSON.stringify(request));
+    return true;
+  }
+
+  /** Sends a request and waits for its reply; a lost connection answers with an error. */
+  request<Body extends object>(request: object): Promise<Reply<Body>> {
+    return new Promise((resolve) => {
+      const id = this.#nextId++;
+      this.#waiting.set(id, resolve as Resolve);
+      if (!this.send({ ...request, id })) {
+        this.#waiting.delete(id);
+        resolve({ ok: false, error: "not connected" });
+      }
+    });
+  }
+
+  #open(): void {
+    const socket = new WebSocket(this.#address);
+    this.#socket = socket;
+    socket.addEventListener("message", (message) => this.#receive(JSON.parse(String(message.data)) as Push | Reply));
+    socket.addEventListener("close", () => this.#lose());
+  }
+
+  #receive(message: Push | Reply): void {
+    if ("push" in message) {
+      if (message.push === "hello") {
+        this.#failures = 0;
+      }
+      this.#listener.pushed(message);
+      return;
+    }
+    this.#listener.replied(message);
+    if (message.id !== undefined) {
+      this.#waiting.get(message.id)?.(message);
+      this.#waiting.delete(message.id);
+    }
+  }
+
+  #lose(): void {
+    this.#socket = null;
+    const waiting = [...this.#waiting.values()];
+    this.#waiting.clear();
+    for (const resolve of waiting) {
+      resolve({ ok: false, error: "the connection was lost" });
+    }
+    const delay = reconnectDelay(this.#failures++);
+    this.#listener.lost(delay);
+    setTimeout(() => this.#open(), delay);
+  }
+}

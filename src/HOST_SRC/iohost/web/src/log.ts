@@ -1,0 +1,61 @@
+import type { LogEntry } from "./protocol.ts";
+
+export const LOG_LIMIT = 1000;
+
+export const LogLevel = { information: 4, error: 32 } as const;
+
+export interface LogLine extends LogEntry {
+  /** Grows by one a line. */
+  number: number;
+  /** When the page heard of it, in milliseconds since 1970. */
+  time: number;
+}
+
+/** Null: every level. */
+export type LevelFilter = number | null;
+
+/** The newest lines of the log. */
+export class LogBuffer {
+  #lines: LogLine[] = [];
+  #count = 0;
+
+  get lines(): readonly LogLine[] {
+    return this.#lines;
+  }
+
+  /** How many lines there have ever been. */
+  get count(): number {
+    return this.#count;
+  }
+
+  append(entries: readonly LogEntry[], time: number): void {
+    for (const { level, text } of entries) {
+      this.#lines.push({ number: ++this.#count, time, level, text });
+    }
+    if (this.#lines.length > LOG_LIMIT) {
+      this.#lines = this.#lines.slice(-LOG_LIMIT);
+    }
+  }
+
+  clear(): void {
+    this.#lines = [];
+  }
+}
+
+export function filterLog(lines: readonly LogLine[], level: LevelFilter, search: string): LogLine[] {
+  const wanted = search.trim().toLowerCase();
+  return lines.filter(
+    (line) => (level === null || line.level === level) && (wanted === "" || line.text.toLowerCase().includes(wanted)),
+  );
+}
+
+export function levelName(level: number): string {
+  switch (level) {
+    case LogLevel.information:
+      return "info";
+    case LogLevel.error:
+      return "error";
+    default:
+      return `level ${level}`;
+  }
+}

@@ -1,0 +1,84 @@
+import type { Host, NodeView } from "../host.ts";
+import { iconOf } from "../icons.ts";
+import { kindOf } from "../params.ts";
+import type { ParamGroup } from "../protocol.ts";
+import { EventOutput, ValueOutput } from "./Outputs.tsx";
+import { ParamEditor } from "./ParamEditor.tsx";
+
+export function NodeList({ host }: { host: Host }) {
+  const nodes = host.nodes.value;
+  return (
+    <section class="nodes" aria-labelledby="nodes-title">
+      <div class="panel-head">
+        <h2 id="nodes-title">Nodes</h2>
+        {nodes !== null && <span class="hint">{nodes.length} in the scene</span>}
+        <button type="button" class="quiet" onClick={() => host.resetCounts()}>
+          Reset counts
+        </button>
+      </div>
+      <div class="cards">
+        {nodes?.length === 0 && <p class="empty">The scene has no nodes.</p>}
+        {nodes?.map((node) => (
+          <NodeCard key={node.node} host={host} node={node} />
+        ))}
+      </div>
+    </section>
+  );
+}
+
+function NodeCard({ host, node }: { host: Host; node: NodeView }) {
+  const { inputs, outputs } = node.details;
+  const place = node.clip === null ? "no clip" : node.clip;
+  return (
+    <article class="panel card" data-node={node.node}>
+      <header class="card-head">
+        <NodeIcon type={node.type} />
+        <div class="card-names">
+          <h3>{node.graph}</h3>
+          <p>
+            {node.details.name} <span class="dot">·</span> {place}
+          </p>
+        </div>
+      </header>
+      {inputs.some((group) => group.params.length > 0) && (
+        <section class="group">
+          <h4>Inputs</h4>
+          <div class="inputs">
+            {inputs.flatMap((group) =>
+              group.params.map((param) => <ParamEditor key={param.id} host={host} node={node.node} param={param} />),
+            )}
+          </div>
+        </section>
+      )}
+      {outputs.map((group) => (
+        <OutputGroup key={group.id} host={host} node={node.node} group={group} />
+      ))}
+    </article>
+  );
+}
+
+function OutputGroup({ host, node, group }: { host: Host; node: string; group: ParamGroup }) {
+  return (
+    <section class="group">
+      <h4>{group.display}</h4>
+      <div class="outputs" aria-live="off">
+        {group.params.map((param) =>
+          kindOf(param) === "event" ? (
+            <EventOutput key={param.id} host={host} node={node} param={param} />
+          ) : (
+            <ValueOutput key={param.id} host={host} node={node} param={param} />
+          ),
+        )}
+      </div>
+    </section>
+  );
+}
+
+function NodeIcon({ type }: { type: string }) {
+  const address = iconOf(type);
+  return (
+    <span class="card-icon" aria-hidden="true">
+      {address === null ? "◇" : <img src={address} alt="" width="28" height="28" />}
+    </span>
+  );
+}

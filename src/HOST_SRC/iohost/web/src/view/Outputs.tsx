@@ -1,0 +1,50 @@
+import { timeOfDay } from "../format.ts";
+import type { Host } from "../host.ts";
+import { kindOf, valueText } from "../params.ts";
+import type { Param } from "../protocol.ts";
+
+interface OutputProps {
+  host: Host;
+  node: string;
+  param: Param;
+}
+
+/** An event output: flashes when it fires, and says how often and when it did. */
+export function EventOutput({ host, node, param }: OutputProps) {
+  const { count, last } = host.fired.of(node, param.id).value;
+  return (
+    <div
+      class={count > 0 ? "output event fired" : "output event"}
+      title={`${param.name}, ${param.id}`}
+      data-node={node}
+      data-output={param.id}
+      data-count={count}
+    >
+      {/* A new key makes a new element, whose flash starts afresh. */}
+      <span class="event-lamp" key={count} aria-hidden="true" />
+      <span class="output-name">{param.display}</span>
+      <span class="event-count">{count}</span>
+      <span class="event-time">{last === null ? "not yet fired" : timeOfDay(last)}</span>
+    </div>
+  );
+}
+
+export function ValueOutput({ host, node, param }: OutputProps) {
+  const value = host.values.of(node, param.id).value;
+  const text = valueText(param, value);
+  const kind = kindOf(param);
+  return (
+    <div
+      class="output value"
+      title={`${param.name}, ${param.id}`}
+      data-node={node}
+      data-output={param.id}
+      data-value={text}
+    >
+      <span class="output-name">{param.display}</span>
+      <span class={kind === "switch" && value.int !== 0 ? "value-text value-on" : "value-text"}>
+        {text === "" ? <span class="none">empty</span> : text}
+      </span>
+    </div>
+  );
+}

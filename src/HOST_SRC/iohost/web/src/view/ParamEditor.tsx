@@ -1,0 +1,167 @@
+import type { ComponentChildren } from "preact";
+import { useState } from "preact/hooks";
+import { shortestFloat } from "../format.ts";
+import type { Host } from "../host.ts";
+import { boundsOf, kindOf, parseNumber, valueText, type EditValue, type ParamKind } from "../params.ts";
+import type { Param } from "../protocol.ts";
+
+interface EditorProps {
+  host: Host;
+  node: string;
+  param: Param;
+}
+
+/** An input of a node with the control that fits its type. */
+export function ParamEditor({ host, node, param }: EditorProps) {
+  const [error, setError] = useState<string | null>(null);
+  const kind = kindOf(param);
+  const edit = async (value: EditValue) => setError(await host.edit(node, param.id, value));
+  const trigger = async () => setError(await host.trigger(node, param.id));
+  const common = { node, param, onError: setError };
+
+  let control: ComponentChildren;
+  switch (kind) {
+    case "switch":
+      control = <Switch {...common} onEdit={edit} />;
+      break;
+    case "integer":
+    case "keyCode":
+    case "float":
+      control = <NumberField {...common} kind={kind} onEdit={edit} />;
+      break;
+    case "text":
+      control = <TextField {...common} onEdit={edit} />;
+      break;
+    case "choice":
+      control = <Choice {...common} onEdit={edit} />;
+      break;
+    case "event":
+      control = (
+        <button type="button" disabled={!param.available} data-node={node} data-param={param.id} onClick={trigger}>
+          Fire
+        </button>
+      );
+      break;
+    case "other":
+      control = <span class="value-text">{valueText(param, param)}</span>;
+      break;
+  }
+  // A button isn't labelled by what it stands in: a click beside it must not fire.
+  const Frame = kind === "event" ? "div" : "label";
+  return (
+    <Frame class="input" title={`${param.name}, ${param.id}`}>
+      <span class="output-name">{param.display}</span>
+      {control}
+      {error !== null && (
+        <span class="input-error" role="alert">
+          {error}
+        </span>
+      )}
+    </Frame>
+  );
+}
+
+interface ControlProps {
+  node: string;
+  param: Param;
+  onEdit(value: EditValue): void;
+  onError(error: string | null): void;
+}
+
+function Switch({ node, param, onEdit }: ControlProps) {
+  return (
+    <input
+      type="checkbox"
+      role="switch"
+      class="switch"
+      checked={param.int !== 0}
+      disabled={!param.available}
+      data-node={node}
+      data-param={param.id}
+      onChange={(event) => onEdit({ int: event.currentTarget.checked ? 1 : 0 })}
+    />
+  );
+}
+
+function Choice({ node, param, onEdit }: ControlProps) {
+  return (
+    <select
+      value={String(param.int)}
+      disabled={!param.available}
+      data-node={node}
+      data-param={param.id}
+      onChange={(event) => onEdit({ choice: Number(event.currentTarget.value) })}
+    >
+      {param.choices.map((choice, index) => (
+        <option key={index} value={String(index)}>
+          {choice}
+        </option>
+      ))}
+    </select>
+  );
+}
+
+/**
+ * What is typed into a field stays there until it's done (Enter, or the field loses the focus), whatever the host
+ * tells meanwhile; Escape takes it back.
+ */
+function useDraft(current: string, commit: (draft: string) => void) {
+  const [draft, setDraft] = useState<string | null>(null);
+  return {
+    value: draft ?? current,
+    onInput: (event: { currentTarget: HTMLInputElement }) => setDraft(event.currentTarget.value),
+    onBlur: () => {
+      if (draft !== null && draft !== current) {
+        commit(draft);
+      }
+      setDraft(null);
+    },
+    onKeyDown: (event: KeyboardEvent & { currentTarget: HTMLInputElement }) => {
+      if (event.key === "Enter" && !event.isComposing && draft !== null) {
+        commit(draft);
+        setDraft(null);
+      } else if (event.key === "Escape") {
+        setDraft(null);
+      }
+    },
+  };
+}
+
+function NumberField({ node, param, kind, onEdit, onError }: ControlProps & { kind: ParamKind }) {
+  const bounds = boundsOf(param.range);
+  const field = useDraft(kind === "float" ? shortestFloat(param.float) : String(param.int), (draft) => {
+    const value = parseNumber(draft, kind, param.range);
+    if (value === null) {
+      const limits = bounds === null ? "" : ` from ${bounds.min} to ${bounds.max}`;
+      onError(`${kind === "float" ? "A number" : "A whole number"}${limits}, please.`);
+    } else {
+      onEdit(value);
+    }
+  });
+  return (
+    <input
+      type="text"
+      inputMode={kind === "float" ? "decimal" : "numeric"}
+      class="field field-number"
+      disabled={!param.available}
+      data-node={node}
+      data-param={param.id}
+      {...field}
+    />
+  );
+}
+
+function TextField({ node, param, onEdit }: ControlProps) {
+  const field = useDraft(param.string, (draft) => onEdit({ string: draft }));
+  return (
+    <input
+      type="text"
+      class="field"
+      spellcheck={false}
+      disabled={!param.available}
+      data-node={node}
+      data-param={param.id}
+      {...field}
+    />
+  );
+}
