@@ -1,5 +1,10 @@
 # Libraries from the system; why each is there stands in docs/architecture.md.
 
+if(CMAKE_CROSSCOMPILING)
+  include(${CMAKE_CURRENT_LIST_DIR}/windows_dependencies.cmake)
+  return()
+endif()
+
 find_package(Threads REQUIRED)
 find_package(pugixml REQUIRED)
 find_package(nlohmann_json 3.11 REQUIRED)

@@ -28,8 +28,7 @@
 #define ASSERT_VALID(pObject) ((void)(pObject))
 // Checked in every build: a false condition raises CInvalidArgException.
 #define ENSURE(condition)                                                                                              \
-    do                                                                                                                 \
-    {                                                                                                                  \
+    do {                                                                                                               \
         if (!(condition))                                                                                              \
             AfxThrowInvalidArgException();                                                                             \
     } while (false)
@@ -44,15 +43,12 @@ class CDumpContext;
 class CObject;
 class CException;
 
-struct __POSITION
-{
-};
+struct __POSITION {};
 typedef __POSITION* POSITION;
 
 // ---- Run-time class information -------------------------------------------------------------------------------------
 
-struct COMPAT_API CRuntimeClass
-{
+struct COMPAT_API CRuntimeClass {
     LPCSTR m_lpszClassName;
     int m_nObjectSize; // bytes
     UINT m_wSchema;
@@ -68,8 +64,7 @@ struct COMPAT_API CRuntimeClass
 #define RUNTIME_CLASS(class_name) (class_name::GetThisClass())
 
 // Root of the framework's classes. Objects are not copied.
-class COMPAT_API CObject
-{
+class COMPAT_API CObject {
 public:
     virtual CRuntimeClass* GetRuntimeClass() const;
     virtual ~CObject();
@@ -104,18 +99,15 @@ public:                                                                         
     static CObject* PASCAL CreateObject();
 
 #define IMPLEMENT_RUNTIMECLASS(class_name, base_class_name, wSchema, pfnNew)                                           \
-    CRuntimeClass* PASCAL class_name::_GetBaseClass()                                                                  \
-    {                                                                                                                  \
+    CRuntimeClass* PASCAL class_name::_GetBaseClass() {                                                                \
         return RUNTIME_CLASS(base_class_name);                                                                         \
     }                                                                                                                  \
-    const CRuntimeClass class_name::class##class_name = {                                                              \
-        #class_name, static_cast<int>(sizeof(class_name)), wSchema, pfnNew, &class_name::_GetBaseClass, nullptr};      \
-    CRuntimeClass* PASCAL class_name::GetThisClass()                                                                   \
-    {                                                                                                                  \
+    const CRuntimeClass class_name::class##class_name = {#class_name, static_cast<int>(sizeof(class_name)), wSchema,   \
+                                                         pfnNew,      &class_name::_GetBaseClass,           nullptr};  \
+    CRuntimeClass* PASCAL class_name::GetThisClass() {                                                                 \
         return const_cast<CRuntimeClass*>(&class_name::class##class_name);                                             \
     }                                                                                                                  \
-    CRuntimeClass* class_name::GetRuntimeClass() const                                                                 \
-    {                                                                                                                  \
+    CRuntimeClass* class_name::GetRuntimeClass() const {                                                               \
         return GetThisClass();                                                                                         \
     }
 
@@ -123,8 +115,7 @@ public:                                                                         
     IMPLEMENT_RUNTIMECLASS(class_name, base_class_name, 0xFFFF, nullptr)
 
 #define IMPLEMENT_DYNCREATE(class_name, base_class_name)                                                               \
-    CObject* PASCAL class_name::CreateObject()                                                                         \
-    {                                                                                                                  \
+    CObject* PASCAL class_name::CreateObject() {                                                                       \
         return new class_name;                                                                                         \
     }                                                                                                                  \
     IMPLEMENT_RUNTIMECLASS(class_name, base_class_name, 0xFFFF, &class_name::CreateObject)
@@ -140,8 +131,7 @@ COMPAT_API const CObject* AFXAPI AfxDynamicDownCast(CRuntimeClass* pClass, const
 // Exceptions are thrown by pointer: `catch (CException* pException) { ...; pException->Delete(); }`. Whoever ends the
 // handling calls Delete; it frees those that were allocated and leaves the prepared ones alone.
 
-class COMPAT_API CException : public CObject
-{
+class COMPAT_API CException : public CObject {
     DECLARE_DYNAMIC(CException)
 public:
     CException();
@@ -156,16 +146,14 @@ protected:
     BOOL m_bAutoDelete;
 };
 
-class COMPAT_API CSimpleException : public CException
-{
+class COMPAT_API CSimpleException : public CException {
     DECLARE_DYNAMIC(CSimpleException)
 public:
     CSimpleException();
     explicit CSimpleException(BOOL bAutoDelete);
 };
 
-class COMPAT_API CMemoryException : public CSimpleException
-{
+class COMPAT_API CMemoryException : public CSimpleException {
     DECLARE_DYNAMIC(CMemoryException)
 public:
     CMemoryException();
@@ -173,8 +161,7 @@ public:
     BOOL GetErrorMessage(LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext = nullptr) const override;
 };
 
-class COMPAT_API CNotSupportedException : public CSimpleException
-{
+class COMPAT_API CNotSupportedException : public CSimpleException {
     DECLARE_DYNAMIC(CNotSupportedException)
 public:
     CNotSupportedException();
@@ -182,8 +169,7 @@ public:
     BOOL GetErrorMessage(LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext = nullptr) const override;
 };
 
-class COMPAT_API CInvalidArgException : public CSimpleException
-{
+class COMPAT_API CInvalidArgException : public CSimpleException {
     DECLARE_DYNAMIC(CInvalidArgException)
 public:
     CInvalidArgException();
@@ -191,17 +177,15 @@ public:
     BOOL GetErrorMessage(LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext = nullptr) const override;
 };
 
-class COMPAT_API CArchiveException : public CException
-{
+class COMPAT_API CArchiveException : public CException {
     DECLARE_DYNAMIC(CArchiveException)
 public:
-    enum
-    {
+    enum {
         none,
         genericException,
-        readOnly,   // storing into an archive opened for loading
-        endOfFile,  // loading past the end
-        writeOnly,  // loading from an archive opened for storing
+        readOnly,  // storing into an archive opened for loading
+        endOfFile, // loading past the end
+        writeOnly, // loading from an archive opened for storing
         badIndex,
         badClass,
         badSchema,
@@ -224,16 +208,10 @@ public:
 // ---- Files in memory and archives -----------------------------------------------------------------------------------
 
 // A sequence of bytes with a position. Files on disk are not part of this subset.
-class COMPAT_API CFile : public CObject
-{
+class COMPAT_API CFile : public CObject {
     DECLARE_DYNAMIC(CFile)
 public:
-    enum SeekPosition
-    {
-        begin,
-        current,
-        end
-    };
+    enum SeekPosition { begin, current, end };
 
     ~CFile() override;
     virtual ULONGLONG GetPosition() const = 0;
@@ -255,8 +233,7 @@ protected:
 };
 
 // A file whose bytes lie in memory: its own, growing with the writes, or a caller's.
-class COMPAT_API CMemFile : public CFile
-{
+class COMPAT_API CMemFile : public CFile {
     DECLARE_DYNAMIC(CMemFile)
 public:
     explicit CMemFile(UINT nGrowBytes = 1024);
@@ -291,16 +268,11 @@ private:
     bool m_bOwnsBuffer = true;
 };
 
-// Stores values to a file or loads them from it, as little-endian bytes; both directions need the same order of the same
-// types. Texts are stored as UTF-16 on every platform. The file stays the caller's and must outlive the archive.
-class COMPAT_API CArchive
-{
+// Stores values to a file or loads them from it, as little-endian bytes; both directions need the same order of the
+// same types. Texts are stored as UTF-16 on every platform. The file stays the caller's and must outlive the archive.
+class COMPAT_API CArchive {
 public:
-    enum Mode
-    {
-        store = 0,
-        load = 1
-    };
+    enum Mode { store = 0, load = 1 };
 
     // nBufferSize and pBuffer are taken for compatibility; the archive does not buffer.
     CArchive(CFile* pFile, UINT nMode, int nBufferSize = 4096, void* pBuffer = nullptr);
@@ -352,8 +324,10 @@ public:
     CArchive& operator>>(CString& strValue);
 
 private:
-    template <class TYPE> void StoreValue(TYPE value);
-    template <class TYPE> void LoadValue(TYPE& value);
+    template <class TYPE>
+    void StoreValue(TYPE value);
+    template <class TYPE>
+    void LoadValue(TYPE& value);
 
     CFile* m_pFile;
     BOOL m_bLoading;

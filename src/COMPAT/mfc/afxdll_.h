@@ -2,8 +2,7 @@
 #pragma once
 
 // Belongs to the module, as a static object; the framework fills it.
-struct AFX_EXTENSION_MODULE
-{
+struct AFX_EXTENSION_MODULE {
     BOOL bInitialized;
     HMODULE hModule;
     HMODULE hResource;
@@ -17,8 +16,7 @@ COMPAT_API void AFXAPI AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL 
 
 // One module in the list that resources are looked up in. Made with new; belongs to the framework, which deletes it in
 // AfxTermExtensionModule.
-class COMPAT_API CDynLinkLibrary : public CCmdTarget
-{
+class COMPAT_API CDynLinkLibrary : public CCmdTarget {
     DECLARE_DYNAMIC(CDynLinkLibrary)
 public:
     explicit CDynLinkLibrary(AFX_EXTENSION_MODULE& state, BOOL bSystem = FALSE);

@@ -11,8 +11,7 @@
 #include <cstdarg>
 
 // What lies in front of the characters of every CString. Strings of one buffer share it; a writer takes a copy first.
-struct CStringData
-{
+struct CStringData {
     int nDataLength;  // characters in use, without the zero
     int nAllocLength; // characters there is room for, without the zero
     long nRefs;       // strings sharing the buffer; negative: the one empty buffer that is never freed
@@ -29,8 +28,7 @@ struct CStringData
 //
 // Handing a CString to a `...` function is not possible with this compiler's calling convention (it refuses): pass
 // GetString().
-class COMPAT_API CString
-{
+class COMPAT_API CString {
 public:
     typedef wchar_t XCHAR;
     typedef wchar_t* PXSTR;
@@ -120,9 +118,9 @@ public:
     // piece, and becomes -1 (with an empty result) when there is none left.
     CString Tokenize(const wchar_t* pszSeparators, int& nStart) const;
 
-    // printf-like formatting with the Windows meaning on every platform: %s and %c take wide text or characters (%S, %C,
-    // %hs, %hc narrow ones in ASCII), `l` means 32 bits, `ll` and `I64` 64 bits, `I` and `z` pointer size. A null text
-    // prints "(null)". Arguments may point into this string.
+    // printf-like formatting with the Windows meaning on every platform: %s and %c take wide text or characters (%S,
+    // %C, %hs, %hc narrow ones in ASCII), `l` means 32 bits, `ll` and `I64` 64 bits, `I` and `z` pointer size. A null
+    // text prints "(null)". Arguments may point into this string.
     void Format(const wchar_t* pszFormat, ...);
     void FormatV(const wchar_t* pszFormat, va_list args);
     void AppendFormat(const wchar_t* pszFormat, ...);

@@ -11,8 +11,8 @@
 
 // A growable array. Elements lie side by side; pointers and references to them end with the next change of the size.
 // Indices outside [0, GetSize()) raise CInvalidArgException, failed allocations CMemoryException, in every build.
-template <class TYPE, class ARG_TYPE = const TYPE&> class CArray : public CObject
-{
+template <class TYPE, class ARG_TYPE = const TYPE&>
+class CArray : public CObject {
 public:
     CArray() = default;
     ~CArray() override { RemoveAll(); }
@@ -25,14 +25,12 @@ public:
     // New elements are value-initialised. Size 0 frees the storage. When the storage must grow it grows by nGrowBy
     // elements at least; by an eighth of the size, but no less than 4 and no more than 1024, when nGrowBy is 0
     // (-1: as before).
-    void SetSize(INT_PTR nNewSize, INT_PTR nGrowBy = -1)
-    {
+    void SetSize(INT_PTR nNewSize, INT_PTR nGrowBy = -1) {
         ENSURE(nNewSize >= 0 && nNewSize <= MaxCount());
         if (nGrowBy >= 0)
             m_nGrowBy = nGrowBy;
 
-        if (nNewSize == 0)
-        {
+        if (nNewSize == 0) {
             DestroyElements(m_pData, m_nSize);
             FreeElements(m_pData);
             m_pData = nullptr;
@@ -49,8 +47,7 @@ public:
     }
 
     // Gives back storage that no element uses.
-    void FreeExtra()
-    {
+    void FreeExtra() {
         if (m_nSize == 0)
             RemoveAll();
         else if (m_nSize != m_nMaxSize)
@@ -71,11 +68,9 @@ public:
     TYPE* GetData() { return m_pData; }
 
     // Like SetAt, but an index past the end makes the array long enough first.
-    void SetAtGrow(INT_PTR nIndex, ARG_TYPE newElement)
-    {
+    void SetAtGrow(INT_PTR nIndex, ARG_TYPE newElement) {
         ENSURE(nIndex >= 0 && nIndex < MaxCount());
-        if (nIndex < m_nSize)
-        {
+        if (nIndex < m_nSize) {
             m_pData[nIndex] = newElement;
             return;
         }
@@ -84,23 +79,20 @@ public:
         m_pData[nIndex] = std::move(copyOfElement);
     }
     // Index of the new element.
-    INT_PTR Add(ARG_TYPE newElement)
-    {
+    INT_PTR Add(ARG_TYPE newElement) {
         const INT_PTR nIndex = m_nSize;
         SetAtGrow(nIndex, newElement);
         return nIndex;
     }
     // Index of the first appended element. The source must be another array.
-    INT_PTR Append(const CArray& source)
-    {
+    INT_PTR Append(const CArray& source) {
         ENSURE(this != &source);
         const INT_PTR nOldSize = m_nSize;
         SetSize(m_nSize + source.m_nSize);
         std::copy(source.m_pData, source.m_pData + source.m_nSize, m_pData + nOldSize);
         return nOldSize;
     }
-    void Copy(const CArray& source)
-    {
+    void Copy(const CArray& source) {
         if (this == &source)
             return;
         SetSize(source.m_nSize);
@@ -108,15 +100,13 @@ public:
     }
 
     // nIndex may lie past the end: the gap is filled with value-initialised elements.
-    void InsertAt(INT_PTR nIndex, ARG_TYPE newElement, INT_PTR nCount = 1)
-    {
+    void InsertAt(INT_PTR nIndex, ARG_TYPE newElement, INT_PTR nCount = 1) {
         ENSURE(nIndex >= 0 && nIndex <= MaxCount() && nCount > 0 && nCount <= MaxCount() - std::max(nIndex, m_nSize));
         const TYPE copyOfElement(newElement); // the argument may lie in this array
         OpenGap(nIndex, nCount);
         std::fill(m_pData + nIndex, m_pData + nIndex + nCount, copyOfElement);
     }
-    void InsertAt(INT_PTR nStartIndex, CArray* pNewArray)
-    {
+    void InsertAt(INT_PTR nStartIndex, CArray* pNewArray) {
         ENSURE(pNewArray != nullptr && pNewArray != this && nStartIndex >= 0);
         if (pNewArray->m_nSize == 0)
             return;
@@ -124,8 +114,7 @@ public:
         OpenGap(nStartIndex, pNewArray->m_nSize);
         std::copy(pNewArray->m_pData, pNewArray->m_pData + pNewArray->m_nSize, m_pData + nStartIndex);
     }
-    void RemoveAt(INT_PTR nIndex, INT_PTR nCount = 1)
-    {
+    void RemoveAt(INT_PTR nIndex, INT_PTR nCount = 1) {
         ENSURE(nIndex >= 0 && nCount >= 0 && nIndex <= m_nSize && nCount <= m_nSize - nIndex);
         std::move(m_pData + nIndex + nCount, m_pData + m_nSize, m_pData + nIndex);
         DestroyElements(m_pData + m_nSize - nCount, nCount);
@@ -144,22 +133,19 @@ private:
 
     static constexpr INT_PTR MaxCount() { return std::numeric_limits<INT_PTR>::max() / INT_PTR(sizeof(TYPE)); }
 
-    INT_PTR Checked(INT_PTR nIndex) const
-    {
+    INT_PTR Checked(INT_PTR nIndex) const {
         ENSURE(nIndex >= 0 && nIndex < m_nSize);
         return nIndex;
     }
 
-    INT_PTR GrownCapacity(INT_PTR nNewSize) const
-    {
+    INT_PTR GrownCapacity(INT_PTR nNewSize) const {
         if (m_pData == nullptr)
             return std::max(nNewSize, std::min(m_nGrowBy, MaxCount()));
         const INT_PTR nGrowBy = m_nGrowBy != 0 ? m_nGrowBy : std::clamp<INT_PTR>(m_nSize / 8, 4, 1024);
         return nGrowBy > MaxCount() - m_nMaxSize ? nNewSize : std::max(nNewSize, m_nMaxSize + nGrowBy);
     }
 
-    void Reallocate(INT_PTR nCapacity)
-    {
+    void Reallocate(INT_PTR nCapacity) {
         void* pStorage = ::operator new(static_cast<std::size_t>(nCapacity) * sizeof(TYPE), std::nothrow);
         if (pStorage == nullptr)
             AfxThrowMemoryException();
@@ -172,11 +158,9 @@ private:
         m_nMaxSize = nCapacity;
     }
 
-    void OpenGap(INT_PTR nIndex, INT_PTR nCount)
-    {
+    void OpenGap(INT_PTR nIndex, INT_PTR nCount) {
         const INT_PTR nOldSize = m_nSize;
-        if (nIndex >= nOldSize)
-        {
+        if (nIndex >= nOldSize) {
             SetSize(nIndex + nCount);
             return;
         }
@@ -184,29 +168,24 @@ private:
         std::move_backward(m_pData + nIndex, m_pData + nOldSize, m_pData + m_nSize);
     }
 
-    static void ConstructElements(TYPE* pElements, INT_PTR nCount)
-    {
+    static void ConstructElements(TYPE* pElements, INT_PTR nCount) {
         for (INT_PTR nIndex = 0; nIndex < nCount; nIndex++)
             ::new (static_cast<void*>(pElements + nIndex)) TYPE();
     }
-    static void DestroyElements(TYPE* pElements, INT_PTR nCount)
-    {
+    static void DestroyElements(TYPE* pElements, INT_PTR nCount) {
         for (INT_PTR nIndex = 0; nIndex < nCount; nIndex++)
             pElements[nIndex].~TYPE();
     }
     static void FreeElements(TYPE* pElements) { ::operator delete(static_cast<void*>(pElements)); }
 };
 
-// A doubly linked list. A POSITION stays valid until its own element is removed. A null or missing POSITION where one is
-// needed, and taking from an empty list, raise CInvalidArgException.
-template <class TYPE, class ARG_TYPE = const TYPE&> class CList : public CObject
-{
-    struct CNode : public __POSITION
-    {
+// A doubly linked list. A POSITION stays valid until its own element is removed. A null or missing POSITION where one
+// is needed, and taking from an empty list, raise CInvalidArgException.
+template <class TYPE, class ARG_TYPE = const TYPE&>
+class CList : public CObject {
+    struct CNode : public __POSITION {
         CNode(CNode* pNextNode, CNode* pPrevNode, ARG_TYPE element)
-            : pNext(pNextNode), pPrev(pPrevNode), data(element)
-        {
-        }
+            : pNext(pNextNode), pPrev(pPrevNode), data(element) {}
         CNode* pNext;
         CNode* pPrev;
         TYPE data;
@@ -226,15 +205,13 @@ public:
     TYPE& GetTail() { return NodeOf(m_pNodeTail)->data; }
     const TYPE& GetTail() const { return NodeOf(m_pNodeTail)->data; }
 
-    TYPE RemoveHead()
-    {
+    TYPE RemoveHead() {
         CNode* pNode = NodeOf(m_pNodeHead);
         TYPE element(std::move(pNode->data));
         Unlink(pNode);
         return element;
     }
-    TYPE RemoveTail()
-    {
+    TYPE RemoveTail() {
         CNode* pNode = NodeOf(m_pNodeTail);
         TYPE element(std::move(pNode->data));
         Unlink(pNode);
@@ -244,20 +221,17 @@ public:
     POSITION AddHead(ARG_TYPE newElement) { return Link(newElement, nullptr, m_pNodeHead); }
     POSITION AddTail(ARG_TYPE newElement) { return Link(newElement, m_pNodeTail, nullptr); }
     // The source must be another list.
-    void AddHead(CList* pNewList)
-    {
+    void AddHead(CList* pNewList) {
         ENSURE(pNewList != nullptr && pNewList != this);
         for (CNode* pNode = pNewList->m_pNodeTail; pNode != nullptr; pNode = pNode->pPrev)
             AddHead(pNode->data);
     }
-    void AddTail(CList* pNewList)
-    {
+    void AddTail(CList* pNewList) {
         ENSURE(pNewList != nullptr && pNewList != this);
         for (CNode* pNode = pNewList->m_pNodeHead; pNode != nullptr; pNode = pNode->pNext)
             AddTail(pNode->data);
     }
-    void RemoveAll()
-    {
+    void RemoveAll() {
         while (m_pNodeHead != nullptr)
             Unlink(m_pNodeHead);
     }
@@ -265,26 +239,22 @@ public:
     POSITION GetHeadPosition() const { return m_pNodeHead; }
     POSITION GetTailPosition() const { return m_pNodeTail; }
     // Element at the position, which then moves on (null behind the last, or before the first).
-    TYPE& GetNext(POSITION& rPosition)
-    {
+    TYPE& GetNext(POSITION& rPosition) {
         CNode* pNode = NodeOf(rPosition);
         rPosition = pNode->pNext;
         return pNode->data;
     }
-    const TYPE& GetNext(POSITION& rPosition) const
-    {
+    const TYPE& GetNext(POSITION& rPosition) const {
         CNode* pNode = NodeOf(rPosition);
         rPosition = pNode->pNext;
         return pNode->data;
     }
-    TYPE& GetPrev(POSITION& rPosition)
-    {
+    TYPE& GetPrev(POSITION& rPosition) {
         CNode* pNode = NodeOf(rPosition);
         rPosition = pNode->pPrev;
         return pNode->data;
     }
-    const TYPE& GetPrev(POSITION& rPosition) const
-    {
+    const TYPE& GetPrev(POSITION& rPosition) const {
         CNode* pNode = NodeOf(rPosition);
         rPosition = pNode->pPrev;
         return pNode->data;
@@ -296,15 +266,13 @@ public:
     void RemoveAt(POSITION position) { Unlink(NodeOf(position)); }
 
     // With a null position: before the head, or after the tail.
-    POSITION InsertBefore(POSITION position, ARG_TYPE newElement)
-    {
+    POSITION InsertBefore(POSITION position, ARG_TYPE newElement) {
         if (position == nullptr)
             return AddHead(newElement);
         CNode* pNode = NodeOf(position);
         return Link(newElement, pNode->pPrev, pNode);
     }
-    POSITION InsertAfter(POSITION position, ARG_TYPE newElement)
-    {
+    POSITION InsertAfter(POSITION position, ARG_TYPE newElement) {
         if (position == nullptr)
             return AddTail(newElement);
         CNode* pNode = NodeOf(position);
@@ -312,16 +280,14 @@ public:
     }
 
     // First element equal (==) to searchValue after startAfter, from the head for null. Null without one.
-    POSITION Find(ARG_TYPE searchValue, POSITION startAfter = nullptr) const
-    {
+    POSITION Find(ARG_TYPE searchValue, POSITION startAfter = nullptr) const {
         CNode* pNode = startAfter == nullptr ? m_pNodeHead : NodeOf(startAfter)->pNext;
         while (pNode != nullptr && !(pNode->data == searchValue))
             pNode = pNode->pNext;
         return pNode;
     }
     // Null for an index past the end; a negative index raises CInvalidArgException.
-    POSITION FindIndex(INT_PTR nIndex) const
-    {
+    POSITION FindIndex(INT_PTR nIndex) const {
         ENSURE(nIndex >= 0);
         CNode* pNode = m_pNodeHead;
         while (pNode != nullptr && nIndex-- > 0)
@@ -330,22 +296,19 @@ public:
     }
 
 private:
-    static CNode* NodeOf(POSITION position)
-    {
+    static CNode* NodeOf(POSITION position) {
         ENSURE(position != nullptr);
         return static_cast<CNode*>(position);
     }
 
-    POSITION Link(ARG_TYPE newElement, CNode* pPrev, CNode* pNext)
-    {
+    POSITION Link(ARG_TYPE newElement, CNode* pPrev, CNode* pNext) {
         CNode* pNode = new CNode(pNext, pPrev, newElement);
         (pPrev != nullptr ? pPrev->pNext : m_pNodeHead) = pNode;
         (pNext != nullptr ? pNext->pPrev : m_pNodeTail) = pNode;
         m_nCount++;
         return pNode;
     }
-    void Unlink(CNode* pNode)
-    {
+    void Unlink(CNode* pNode) {
         (pNode->pPrev != nullptr ? pNode->pPrev->pNext : m_pNodeHead) = pNode->pNext;
         (pNode->pNext != nullptr ? pNode->pNext->pPrev : m_pNodeTail) = pNode->pPrev;
         m_nCount--;

@@ -16,71 +16,59 @@ IMPLEMENT_DYNAMIC(CWnd, CCmdTarget)
 CWnd::CWnd() : m_hWnd(nullptr) {}
 CWnd::CWnd(HWND hWnd) : m_hWnd(hWnd) {}
 
-CWnd::~CWnd()
-{
+CWnd::~CWnd() {
     CWnd::DestroyWindow();
 }
 
-BOOL CWnd::Attach(HWND hWnd)
-{
+BOOL CWnd::Attach(HWND hWnd) {
     if (hWnd == nullptr)
         return FALSE;
     m_hWnd = hWnd;
     return TRUE;
 }
 
-HWND CWnd::Detach()
-{
+HWND CWnd::Detach() {
     HWND hWnd = m_hWnd;
     m_hWnd = nullptr;
     return hWnd;
 }
 
-BOOL CWnd::DestroyWindow()
-{
+BOOL CWnd::DestroyWindow() {
     HWND hWnd = Detach();
     return hWnd != nullptr && ::DestroyWindow(hWnd);
 }
 
-BOOL CWnd::IsWindowEnabled() const
-{
+BOOL CWnd::IsWindowEnabled() const {
     return ::IsWindowEnabled(m_hWnd);
 }
 
-BOOL CWnd::EnableWindow(BOOL bEnable)
-{
+BOOL CWnd::EnableWindow(BOOL bEnable) {
     return ::EnableWindow(m_hWnd, bEnable);
 }
 
-BOOL CWnd::IsWindowVisible() const
-{
+BOOL CWnd::IsWindowVisible() const {
     return ::IsWindowVisible(m_hWnd);
 }
 
-BOOL CWnd::IsIconic() const
-{
+BOOL CWnd::IsIconic() const {
     return ::IsIconic(m_hWnd);
 }
 
-BOOL CWnd::ShowWindow(int nCommand)
-{
+BOOL CWnd::ShowWindow(int nCommand) {
     return ::ShowWindow(m_hWnd, nCommand);
 }
 
-LRESULT CWnd::SendMessage(UINT nMessage, WPARAM wParam, LPARAM lParam)
-{
+LRESULT CWnd::SendMessage(UINT nMessage, WPARAM wParam, LPARAM lParam) {
     return ::SendMessageW(m_hWnd, nMessage, wParam, lParam);
 }
 
-BOOL CWnd::PostMessage(UINT nMessage, WPARAM wParam, LPARAM lParam)
-{
+BOOL CWnd::PostMessage(UINT nMessage, WPARAM wParam, LPARAM lParam) {
     return ::PostMessageW(m_hWnd, nMessage, wParam, lParam);
 }
 
 // ---- Application ----------------------------------------------------------------------------------------------------
 
-namespace
-{
+namespace {
 
 CWinApp* g_pApp = nullptr;
 HINSTANCE g_hResource = nullptr; // null: the program itself
@@ -92,79 +80,65 @@ IMPLEMENT_DYNAMIC(CWinThread, CCmdTarget)
 CWinThread::CWinThread() : m_pMainWnd(nullptr) {}
 CWinThread::~CWinThread() = default;
 
-BOOL CWinThread::InitInstance()
-{
+BOOL CWinThread::InitInstance() {
     return FALSE; // as documented: a thread without its own initialisation does not run
 }
 
-int CWinThread::ExitInstance()
-{
+int CWinThread::ExitInstance() {
     return 0;
 }
 
-CWnd* CWinThread::GetMainWnd()
-{
+CWnd* CWinThread::GetMainWnd() {
     return m_pMainWnd;
 }
 
 IMPLEMENT_DYNAMIC(CWinApp, CWinThread)
 
-CWinApp::CWinApp(LPCTSTR pszAppName) : m_hInstance(GetModuleHandleW(nullptr)), m_strAppName(pszAppName)
-{
+CWinApp::CWinApp(LPCTSTR pszAppName) : m_hInstance(GetModuleHandleW(nullptr)), m_strAppName(pszAppName) {
     g_pApp = this;
 }
 
-CWinApp::~CWinApp()
-{
+CWinApp::~CWinApp() {
     if (g_pApp == this)
         g_pApp = nullptr;
 }
 
-BOOL CWinApp::InitInstance()
-{
+BOOL CWinApp::InitInstance() {
     return TRUE;
 }
 
-int CWinApp::ExitInstance()
-{
+int CWinApp::ExitInstance() {
     return 0;
 }
 
-CWinApp* AFXAPI AfxGetApp()
-{
+CWinApp* AFXAPI AfxGetApp() {
     return g_pApp;
 }
 
-CWinThread* AFXAPI AfxGetThread()
-{
+CWinThread* AFXAPI AfxGetThread() {
     return g_pApp;
 }
 
-CWnd* AFXAPI AfxGetMainWnd()
-{
+CWnd* AFXAPI AfxGetMainWnd() {
     CWinThread* pThread = AfxGetThread();
     return pThread == nullptr ? nullptr : pThread->GetMainWnd();
 }
 
-HINSTANCE AFXAPI AfxGetInstanceHandle()
-{
+HINSTANCE AFXAPI AfxGetInstanceHandle() {
     return g_pApp == nullptr ? GetModuleHandleW(nullptr) : g_pApp->m_hInstance;
 }
 
-HINSTANCE AFXAPI AfxGetResourceHandle()
-{
+HINSTANCE AFXAPI AfxGetResourceHandle() {
     return g_hResource == nullptr ? AfxGetInstanceHandle() : g_hResource;
 }
 
-void AFXAPI AfxSetResourceHandle(HINSTANCE hInstance)
-{
+void AFXAPI AfxSetResourceHandle(HINSTANCE hInstance) {
     g_hResource = hInstance;
 }
 
 // ---- Extension modules ----------------------------------------------------------------------------------------------
 
-namespace
-{
+namespace {
 
 std::recursive_mutex g_libraryMutex; // guards the list
 CDynLinkLibrary* g_pFirstLibrary = nullptr;
@@ -172,8 +146,7 @@ std::atomic<bool> g_bFailModuleInit = false;
 
 } // namespace
 
-BOOL AFXAPI AfxInitExtensionModule(AFX_EXTENSION_MODULE& state, HMODULE hModule)
-{
+BOOL AFXAPI AfxInitExtensionModule(AFX_EXTENSION_MODULE& state, HMODULE hModule) {
     if (g_bFailModuleInit)
         return FALSE;
     state.bInitialized = TRUE;
@@ -183,14 +156,12 @@ BOOL AFXAPI AfxInitExtensionModule(AFX_EXTENSION_MODULE& state, HMODULE hModule)
     return TRUE;
 }
 
-void AFXAPI AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL bAll)
-{
+void AFXAPI AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL bAll) {
     if (!state.bInitialized)
         return;
     const std::lock_guard lock(g_libraryMutex);
     CDynLinkLibrary* pNext = nullptr;
-    for (CDynLinkLibrary* pLibrary = g_pFirstLibrary; pLibrary != nullptr; pLibrary = pNext)
-    {
+    for (CDynLinkLibrary* pLibrary = g_pFirstLibrary; pLibrary != nullptr; pLibrary = pNext) {
         pNext = pLibrary->m_pNextDLL;
         if (bAll || pLibrary->m_hModule == state.hModule)
             delete pLibrary;
@@ -201,15 +172,13 @@ void AFXAPI AfxTermExtensionModule(AFX_EXTENSION_MODULE& state, BOOL bAll)
 IMPLEMENT_DYNAMIC(CDynLinkLibrary, CCmdTarget)
 
 CDynLinkLibrary::CDynLinkLibrary(AFX_EXTENSION_MODULE& state, BOOL bSystem)
-    : m_hModule(state.hModule), m_hResource(state.hResource), m_bSystem(bSystem)
-{
+    : m_hModule(state.hModule), m_hResource(state.hResource), m_bSystem(bSystem) {
     const std::lock_guard lock(g_libraryMutex);
     m_pNextDLL = g_pFirstLibrary;
     g_pFirstLibrary = this;
 }
 
-CDynLinkLibrary::~CDynLinkLibrary()
-{
+CDynLinkLibrary::~CDynLinkLibrary() {
     const std::lock_guard lock(g_libraryMutex);
     CDynLinkLibrary** ppLink = &g_pFirstLibrary;
     while (*ppLink != this)
@@ -217,13 +186,10 @@ CDynLinkLibrary::~CDynLinkLibrary()
     *ppLink = m_pNextDLL;
 }
 
-HINSTANCE AFXAPI AfxFindResourceHandle(LPCTSTR pszName, LPCTSTR pszType)
-{
-    if (FindResourceW(AfxGetResourceHandle(), pszName, pszType) == nullptr)
-    {
+HINSTANCE AFXAPI AfxFindResourceHandle(LPCTSTR pszName, LPCTSTR pszType) {
+    if (FindResourceW(AfxGetResourceHandle(), pszName, pszType) == nullptr) {
         const std::lock_guard lock(g_libraryMutex);
-        for (CDynLinkLibrary* pLibrary = g_pFirstLibrary; pLibrary != nullptr; pLibrary = pLibrary->m_pNextDLL)
-        {
+        for (CDynLinkLibrary* pLibrary = g_pFirstLibrary; pLibrary != nullptr; pLibrary = pLibrary->m_pNextDLL) {
             if (pLibrary->m_hResource != nullptr && FindResourceW(pLibrary->m_hResource, pszName, pszType) != nullptr)
                 return pLibrary->m_hResource;
         }
@@ -231,13 +197,11 @@ HINSTANCE AFXAPI AfxFindResourceHandle(LPCTSTR pszName, LPCTSTR pszType)
     return AfxGetResourceHandle();
 }
 
-void CompatFailExtensionModuleInit(bool bFail)
-{
+void CompatFailExtensionModuleInit(bool bFail) {
     g_bFailModuleInit = bFail;
 }
 
-int CompatExtensionModuleCount()
-{
+int CompatExtensionModuleCount() {
     const std::lock_guard lock(g_libraryMutex);
     int nCount = 0;
     for (CDynLinkLibrary* pLibrary = g_pFirstLibrary; pLibrary != nullptr; pLibrary = pLibrary->m_pNextDLL)

@@ -6,8 +6,7 @@
 #include <afxcoll.h>
 #include <atltypes.h>
 
-class COMPAT_API CCmdTarget : public CObject
-{
+class COMPAT_API CCmdTarget : public CObject {
     DECLARE_DYNAMIC(CCmdTarget)
 public:
     CCmdTarget();
@@ -16,8 +15,7 @@ public:
 
 // Refers to a system window and owns it: the destructor destroys a window that is still attached. The operations must
 // not be called without a window (m_hWnd null), GetSafeHwnd excepted.
-class COMPAT_API CWnd : public CCmdTarget
-{
+class COMPAT_API CWnd : public CCmdTarget {
     DECLARE_DYNAMIC(CWnd)
 public:
     CWnd();
@@ -41,8 +39,7 @@ public:
     HWND m_hWnd;
 };
 
-class COMPAT_API CWinThread : public CCmdTarget
-{
+class COMPAT_API CWinThread : public CCmdTarget {
     DECLARE_DYNAMIC(CWinThread)
 public:
     CWinThread();
@@ -57,8 +54,7 @@ public:
 };
 
 // The application. The program makes one object, which registers itself; the last one made counts.
-class COMPAT_API CWinApp : public CWinThread
-{
+class COMPAT_API CWinApp : public CWinThread {
     DECLARE_DYNAMIC(CWinApp)
 public:
     explicit CWinApp(LPCTSTR pszAppName = nullptr);

@@ -17,18 +17,15 @@ IMPLEMENT_DYNAMIC(CMemFile, CFile)
 
 CMemFile::CMemFile(UINT nGrowBytes) : m_nGrowBytes(nGrowBytes) {}
 
-CMemFile::CMemFile(BYTE* pBuffer, UINT nBufferSize, UINT nGrowBytes)
-{
+CMemFile::CMemFile(BYTE* pBuffer, UINT nBufferSize, UINT nGrowBytes) {
     Attach(pBuffer, nBufferSize, nGrowBytes);
 }
 
-CMemFile::~CMemFile()
-{
+CMemFile::~CMemFile() {
     Close();
 }
 
-void CMemFile::Attach(BYTE* pBuffer, UINT nBufferSize, UINT nGrowBytes)
-{
+void CMemFile::Attach(BYTE* pBuffer, UINT nBufferSize, UINT nGrowBytes) {
     Close();
     m_pBuffer = pBuffer;
     m_nBufferSize = nBufferSize;
@@ -37,8 +34,7 @@ void CMemFile::Attach(BYTE* pBuffer, UINT nBufferSize, UINT nGrowBytes)
     m_bOwnsBuffer = nGrowBytes != 0;
 }
 
-BYTE* CMemFile::Detach()
-{
+BYTE* CMemFile::Detach() {
     BYTE* pBuffer = m_pBuffer;
     m_pBuffer = nullptr;
     m_nBufferSize = m_nFileSize = m_nPosition = 0;
@@ -46,13 +42,11 @@ BYTE* CMemFile::Detach()
     return pBuffer;
 }
 
-ULONGLONG CMemFile::GetPosition() const
-{
+ULONGLONG CMemFile::GetPosition() const {
     return m_nPosition;
 }
 
-ULONGLONG CMemFile::Seek(LONGLONG nOffset, UINT nFrom)
-{
+ULONGLONG CMemFile::Seek(LONGLONG nOffset, UINT nFrom) {
     ENSURE(nFrom <= end);
     const LONGLONG nBase = static_cast<LONGLONG>(nFrom == begin ? 0 : nFrom == current ? m_nPosition : m_nFileSize);
     ENSURE(nOffset <= std::numeric_limits<LONGLONG>::max() - nBase && nBase + nOffset >= 0);
@@ -60,8 +54,7 @@ ULONGLONG CMemFile::Seek(LONGLONG nOffset, UINT nFrom)
     return m_nPosition;
 }
 
-void CMemFile::SetLength(ULONGLONG nNewLength)
-{
+void CMemFile::SetLength(ULONGLONG nNewLength) {
     if (nNewLength > m_nBufferSize)
         Grow(static_cast<std::size_t>(nNewLength));
     if (nNewLength > m_nFileSize)
@@ -70,13 +63,11 @@ void CMemFile::SetLength(ULONGLONG nNewLength)
     m_nPosition = std::min(m_nPosition, m_nFileSize);
 }
 
-ULONGLONG CMemFile::GetLength() const
-{
+ULONGLONG CMemFile::GetLength() const {
     return m_nFileSize;
 }
 
-UINT CMemFile::Read(void* pBuffer, UINT nCount)
-{
+UINT CMemFile::Read(void* pBuffer, UINT nCount) {
     if (nCount == 0 || m_nPosition >= m_nFileSize)
         return 0;
     const std::size_t nRead = std::min<std::size_t>(nCount, m_nFileSize - m_nPosition);
@@ -85,8 +76,7 @@ UINT CMemFile::Read(void* pBuffer, UINT nCount)
     return static_cast<UINT>(nRead);
 }
 
-void CMemFile::Write(const void* pBuffer, UINT nCount)
-{
+void CMemFile::Write(const void* pBuffer, UINT nCount) {
     if (nCount == 0)
         return;
     if (nCount > std::numeric_limits<std::size_t>::max() - m_nPosition)
@@ -100,15 +90,13 @@ void CMemFile::Write(const void* pBuffer, UINT nCount)
 
 void CMemFile::Flush() {} // the bytes are where they belong
 
-void CMemFile::Close()
-{
+void CMemFile::Close() {
     BYTE* pBuffer = m_bOwnsBuffer ? m_pBuffer : nullptr;
     Detach();
     std::free(pBuffer);
 }
 
-void CMemFile::Grow(std::size_t nNewSize)
-{
+void CMemFile::Grow(std::size_t nNewSize) {
     if (m_nGrowBytes == 0 || nNewSize > std::numeric_limits<std::size_t>::max() - m_nGrowBytes)
         AfxThrowMemoryException();
     nNewSize = (nNewSize + m_nGrowBytes - 1) / m_nGrowBytes * m_nGrowBytes;
@@ -121,53 +109,47 @@ void CMemFile::Grow(std::size_t nNewSize)
 
 // ---- CArchive -------------------------------------------------------------------------------------------------------
 
-CArchive::CArchive(CFile* pFile, UINT nMode, int, void*) : m_pFile(pFile), m_bLoading((nMode & load) != 0)
-{
+CArchive::CArchive(CFile* pFile, UINT nMode, int, void*) : m_pFile(pFile), m_bLoading((nMode & load) != 0) {
     ENSURE(pFile != nullptr);
 }
 
 CArchive::~CArchive() = default;
 
-UINT CArchive::Read(void* pBuffer, UINT nMax)
-{
+UINT CArchive::Read(void* pBuffer, UINT nMax) {
     ENSURE(m_pFile != nullptr);
     if (!m_bLoading)
         AfxThrowArchiveException(CArchiveException::writeOnly);
     return m_pFile->Read(pBuffer, nMax);
 }
 
-void CArchive::Write(const void* pBuffer, UINT nMax)
-{
+void CArchive::Write(const void* pBuffer, UINT nMax) {
     ENSURE(m_pFile != nullptr);
     if (m_bLoading)
         AfxThrowArchiveException(CArchiveException::readOnly);
     m_pFile->Write(pBuffer, nMax);
 }
 
-void CArchive::Flush()
-{
+void CArchive::Flush() {
     ENSURE(m_pFile != nullptr);
     m_pFile->Flush();
 }
 
-void CArchive::Close()
-{
+void CArchive::Close() {
     Flush();
     m_pFile = nullptr;
 }
 
-void CArchive::Abort()
-{
+void CArchive::Abort() {
     m_pFile = nullptr;
 }
 
-template <class TYPE> void CArchive::StoreValue(TYPE value)
-{
+template <class TYPE>
+void CArchive::StoreValue(TYPE value) {
     Write(&value, sizeof(value));
 }
 
-template <class TYPE> void CArchive::LoadValue(TYPE& value)
-{
+template <class TYPE>
+void CArchive::LoadValue(TYPE& value) {
     TYPE loaded;
     if (Read(&loaded, sizeof(loaded)) != sizeof(loaded))
         AfxThrowArchiveException(CArchiveException::endOfFile);
@@ -203,8 +185,7 @@ CArchive& CArchive::operator>>(float& fValue) { LoadValue(fValue); return *this;
 CArchive& CArchive::operator>>(double& fValue) { LoadValue(fValue); return *this; }
 // clang-format on
 
-CArchive& CArchive::operator>>(bool& bValue)
-{
+CArchive& CArchive::operator>>(bool& bValue) {
     BYTE nValue;
     LoadValue(nValue);
     bValue = nValue != 0;
@@ -215,38 +196,31 @@ CArchive& CArchive::operator>>(bool& bValue)
 // Stored form: the mark 0xFF 0xFE 0xFF for UTF-16, the number of units (one byte; 0xFF and two bytes; 0xFF 0xFFFF and
 // four bytes), the units. Without the mark: bytes of the ANSI code page.
 
-namespace
-{
+namespace {
 
 constexpr WORD g_nUnicodeMark = 0xFFFE;
 constexpr WORD g_nLongLengthMark = 0xFFFF;
 
-std::u16string ToUtf16(const CString& strText)
-{
+std::u16string ToUtf16(const CString& strText) {
     std::u16string strUnits;
     strUnits.reserve(static_cast<std::size_t>(strText.GetLength()));
-    for (int nIndex = 0; nIndex < strText.GetLength(); nIndex++)
-    {
+    for (int nIndex = 0; nIndex < strText.GetLength(); nIndex++) {
         const std::uint32_t nCharacter = static_cast<std::uint32_t>(strText[nIndex]);
         if (nCharacter <= 0xFFFF)
             strUnits += static_cast<char16_t>(nCharacter);
-        else if (nCharacter <= 0x10FFFF)
-        {
+        else if (nCharacter <= 0x10FFFF) {
             strUnits += static_cast<char16_t>(0xD800 + ((nCharacter - 0x10000) >> 10));
             strUnits += static_cast<char16_t>(0xDC00 + ((nCharacter - 0x10000) & 0x3FF));
-        }
-        else
+        } else
             strUnits += u'\xFFFD';
     }
     return strUnits;
 }
 
-CString FromUtf16(const std::u16string& strUnits)
-{
+CString FromUtf16(const std::u16string& strUnits) {
     std::wstring strText;
     strText.reserve(strUnits.size());
-    for (std::size_t nIndex = 0; nIndex < strUnits.size(); nIndex++)
-    {
+    for (std::size_t nIndex = 0; nIndex < strUnits.size(); nIndex++) {
         const std::uint32_t nUnit = strUnits[nIndex];
         const bool bPair = sizeof(wchar_t) > 2 && (nUnit & 0xFC00) == 0xD800 && nIndex + 1 < strUnits.size() &&
                            (strUnits[nIndex + 1] & 0xFC00) == 0xDC00;
@@ -258,8 +232,7 @@ CString FromUtf16(const std::u16string& strUnits)
     return CString(strText.data(), static_cast<int>(strText.size()));
 }
 
-CString FromAnsi(const std::string& strBytes)
-{
+CString FromAnsi(const std::string& strBytes) {
     if (strBytes.empty())
         return CString();
     const int nBytes = static_cast<int>(strBytes.size());
@@ -270,14 +243,13 @@ CString FromAnsi(const std::string& strBytes)
 }
 
 // Reads in pieces: a length in the data that is larger than the data must not be allocated first.
-template <class STRING> STRING ReadUnits(CArchive& ar, DWORD nLength)
-{
+template <class STRING>
+STRING ReadUnits(CArchive& ar, DWORD nLength) {
     constexpr DWORD nPiece = 4096;
     if (nLength > static_cast<DWORD>(std::numeric_limits<int>::max()))
         AfxThrowArchiveException(CArchiveException::badIndex);
     STRING strUnits;
-    while (strUnits.size() < nLength)
-    {
+    while (strUnits.size() < nLength) {
         const std::size_t nDone = strUnits.size();
         const std::size_t nNow = std::min<std::size_t>(nPiece, nLength - nDone);
         const UINT nBytes = static_cast<UINT>(nNow * sizeof(typename STRING::value_type));
@@ -290,8 +262,7 @@ template <class STRING> STRING ReadUnits(CArchive& ar, DWORD nLength)
 
 } // namespace
 
-CArchive& CArchive::operator<<(const CString& strValue)
-{
+CArchive& CArchive::operator<<(const CString& strValue) {
     const std::u16string strUnits = ToUtf16(strValue);
     *this << static_cast<BYTE>(0xFF) << g_nUnicodeMark;
     if (strUnits.size() < 0xFF)
@@ -304,17 +275,14 @@ CArchive& CArchive::operator<<(const CString& strValue)
     return *this;
 }
 
-CArchive& CArchive::operator>>(CString& strValue)
-{
+CArchive& CArchive::operator>>(CString& strValue) {
     bool bUnicode = false;
     BYTE nByteLength;
     *this >> nByteLength;
     WORD nWordLength = 0;
-    if (nByteLength == 0xFF)
-    {
+    if (nByteLength == 0xFF) {
         *this >> nWordLength;
-        if (nWordLength == g_nUnicodeMark)
-        {
+        if (nWordLength == g_nUnicodeMark) {
             bUnicode = true;
             *this >> nByteLength;
             if (nByteLength == 0xFF)
@@ -330,8 +298,7 @@ CArchive& CArchive::operator>>(CString& strValue)
     return *this;
 }
 
-void CArchive::WriteString(LPCTSTR pszText)
-{
+void CArchive::WriteString(LPCTSTR pszText) {
     const std::u16string strUnits = ToUtf16(CString(pszText));
     Write(strUnits.data(), static_cast<UINT>(strUnits.size() * sizeof(char16_t)));
 }

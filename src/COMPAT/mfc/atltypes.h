@@ -3,8 +3,7 @@
 
 #include <windows.h>
 
-class CSize : public tagSIZE
-{
+class CSize : public tagSIZE {
 public:
     CSize() noexcept : tagSIZE{0, 0} {}
     CSize(int nCx, int nCy) noexcept : tagSIZE{nCx, nCy} {}
@@ -14,20 +13,17 @@ public:
     bool operator!=(SIZE size) const noexcept { return !(*this == size); }
 };
 
-class CPoint : public tagPOINT
-{
+class CPoint : public tagPOINT {
 public:
     CPoint() noexcept : tagPOINT{0, 0} {}
     CPoint(int nX, int nY) noexcept : tagPOINT{nX, nY} {}
     CPoint(POINT point) noexcept : tagPOINT(point) {} // NOLINT: converts as the framework's does
 
-    void SetPoint(int nX, int nY) noexcept
-    {
+    void SetPoint(int nX, int nY) noexcept {
         x = nX;
         y = nY;
     }
-    void Offset(int nX, int nY) noexcept
-    {
+    void Offset(int nX, int nY) noexcept {
         x += nX;
         y += nY;
     }
@@ -42,8 +38,7 @@ public:
 };
 
 // Right and bottom edge do not belong to the rectangle.
-class CRect : public tagRECT
-{
+class CRect : public tagRECT {
 public:
     CRect() noexcept : tagRECT{0, 0, 0, 0} {}
     CRect(int nLeft, int nTop, int nRight, int nBottom) noexcept : tagRECT{nLeft, nTop, nRight, nBottom} {}
@@ -58,12 +53,10 @@ public:
     CPoint CenterPoint() const noexcept { return CPoint((left + right) / 2, (top + bottom) / 2); }
     bool IsRectEmpty() const noexcept { return right <= left || bottom <= top; }
     void SetRectEmpty() noexcept { left = top = right = bottom = 0; }
-    bool PtInRect(POINT point) const noexcept
-    {
+    bool PtInRect(POINT point) const noexcept {
         return point.x >= left && point.x < right && point.y >= top && point.y < bottom;
     }
-    bool operator==(const RECT& rect) const noexcept
-    {
+    bool operator==(const RECT& rect) const noexcept {
         return left == rect.left && top == rect.top && right == rect.right && bottom == rect.bottom;
     }
     bool operator!=(const RECT& rect) const noexcept { return !(*this == rect); }

@@ -3,16 +3,14 @@
 #include <algorithm>
 #include <cwchar>
 
-namespace
-{
+namespace {
 
 // The prepared exceptions, so that throwing one allocates no framework object; Delete leaves them alone.
 CMemoryException g_memoryException(FALSE);
 CNotSupportedException g_notSupportedException(FALSE);
 CInvalidArgException g_invalidArgException(FALSE);
 
-BOOL CopyMessage(const wchar_t* pszMessage, LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext)
-{
+BOOL CopyMessage(const wchar_t* pszMessage, LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext) {
     if (pnHelpContext != nullptr)
         *pnHelpContext = 0;
     if (pszError == nullptr || nMaxError == 0)
@@ -31,14 +29,12 @@ CException::CException() : m_bAutoDelete(TRUE) {}
 CException::CException(BOOL bAutoDelete) : m_bAutoDelete(bAutoDelete) {}
 CException::~CException() = default;
 
-void CException::Delete()
-{
+void CException::Delete() {
     if (m_bAutoDelete)
         delete this;
 }
 
-BOOL CException::GetErrorMessage(LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext) const
-{
+BOOL CException::GetErrorMessage(LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext) const {
     return CopyMessage(L"", pszError, nMaxError, pnHelpContext);
 }
 
@@ -52,8 +48,7 @@ IMPLEMENT_DYNAMIC(CMemoryException, CSimpleException)
 CMemoryException::CMemoryException() = default;
 CMemoryException::CMemoryException(BOOL bAutoDelete) : CSimpleException(bAutoDelete) {}
 
-BOOL CMemoryException::GetErrorMessage(LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext) const
-{
+BOOL CMemoryException::GetErrorMessage(LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext) const {
     return CopyMessage(L"Out of memory.", pszError, nMaxError, pnHelpContext);
 }
 
@@ -62,8 +57,7 @@ IMPLEMENT_DYNAMIC(CNotSupportedException, CSimpleException)
 CNotSupportedException::CNotSupportedException() = default;
 CNotSupportedException::CNotSupportedException(BOOL bAutoDelete) : CSimpleException(bAutoDelete) {}
 
-BOOL CNotSupportedException::GetErrorMessage(LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext) const
-{
+BOOL CNotSupportedException::GetErrorMessage(LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext) const {
     return CopyMessage(L"An unsupported operation was attempted.", pszError, nMaxError, pnHelpContext);
 }
 
@@ -72,24 +66,19 @@ IMPLEMENT_DYNAMIC(CInvalidArgException, CSimpleException)
 CInvalidArgException::CInvalidArgException() = default;
 CInvalidArgException::CInvalidArgException(BOOL bAutoDelete) : CSimpleException(bAutoDelete) {}
 
-BOOL CInvalidArgException::GetErrorMessage(LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext) const
-{
+BOOL CInvalidArgException::GetErrorMessage(LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext) const {
     return CopyMessage(L"An invalid argument was encountered.", pszError, nMaxError, pnHelpContext);
 }
 
 IMPLEMENT_DYNAMIC(CArchiveException, CException)
 
 CArchiveException::CArchiveException(int nCause, LPCTSTR pszArchiveName)
-    : m_cause(nCause), m_strFileName(pszArchiveName)
-{
-}
+    : m_cause(nCause), m_strFileName(pszArchiveName) {}
 CArchiveException::~CArchiveException() = default;
 
-BOOL CArchiveException::GetErrorMessage(LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext) const
-{
+BOOL CArchiveException::GetErrorMessage(LPTSTR pszError, UINT nMaxError, PUINT pnHelpContext) const {
     const wchar_t* pszMessage = L"An error occurred while accessing an archive.";
-    switch (m_cause)
-    {
+    switch (m_cause) {
     case none:
         pszMessage = L"";
         break;
@@ -108,22 +97,18 @@ BOOL CArchiveException::GetErrorMessage(LPTSTR pszError, UINT nMaxError, PUINT p
     return CopyMessage(pszMessage, pszError, nMaxError, pnHelpContext);
 }
 
-void AFXAPI AfxThrowMemoryException()
-{
+void AFXAPI AfxThrowMemoryException() {
     throw &g_memoryException;
 }
 
-void AFXAPI AfxThrowNotSupportedException()
-{
+void AFXAPI AfxThrowNotSupportedException() {
     throw &g_notSupportedException;
 }
 
-void AFXAPI AfxThrowInvalidArgException()
-{
+void AFXAPI AfxThrowInvalidArgException() {
     throw &g_invalidArgException;
 }
 
-void AFXAPI AfxThrowArchiveException(int nCause, LPCTSTR pszArchiveName)
-{
+void AFXAPI AfxThrowArchiveException(int nCause, LPCTSTR pszArchiveName) {
     throw new CArchiveException(nCause, pszArchiveName);
 }

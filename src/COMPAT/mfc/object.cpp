@@ -3,32 +3,27 @@
 
 // ---- Run-time class information -------------------------------------------------------------------------------------
 
-CObject* CRuntimeClass::CreateObject()
-{
+CObject* CRuntimeClass::CreateObject() {
     return m_pfnCreateObject == nullptr ? nullptr : m_pfnCreateObject();
 }
 
-BOOL CRuntimeClass::IsDerivedFrom(const CRuntimeClass* pBaseClass) const
-{
+BOOL CRuntimeClass::IsDerivedFrom(const CRuntimeClass* pBaseClass) const {
     for (const CRuntimeClass* pClass = this; pClass != nullptr;
-         pClass = pClass->m_pfnGetBaseClass == nullptr ? nullptr : pClass->m_pfnGetBaseClass())
-    {
+         pClass = pClass->m_pfnGetBaseClass == nullptr ? nullptr : pClass->m_pfnGetBaseClass()) {
         if (pClass == pBaseClass)
             return TRUE;
     }
     return FALSE;
 }
 
-const CRuntimeClass CObject::classCObject = {
-    "CObject", static_cast<int>(sizeof(CObject)), 0xFFFF, nullptr, nullptr, nullptr};
+const CRuntimeClass CObject::classCObject = {"CObject", static_cast<int>(sizeof(CObject)), 0xFFFF, nullptr, nullptr,
+                                             nullptr};
 
-CRuntimeClass* PASCAL CObject::GetThisClass()
-{
+CRuntimeClass* PASCAL CObject::GetThisClass() {
     return const_cast<CRuntimeClass*>(&CObject::classCObject);
 }
 
-CRuntimeClass* CObject::GetRuntimeClass() const
-{
+CRuntimeClass* CObject::GetRuntimeClass() const {
     return GetThisClass();
 }
 
@@ -39,22 +34,18 @@ void CObject::Serialize(CArchive&) {}
 void CObject::AssertValid() const {}
 void CObject::Dump(CDumpContext&) const {}
 
-BOOL CObject::IsSerializable() const
-{
+BOOL CObject::IsSerializable() const {
     return GetRuntimeClass()->m_wSchema != 0xFFFF;
 }
 
-BOOL CObject::IsKindOf(const CRuntimeClass* pClass) const
-{
+BOOL CObject::IsKindOf(const CRuntimeClass* pClass) const {
     return GetRuntimeClass()->IsDerivedFrom(pClass);
 }
 
-CObject* AFXAPI AfxDynamicDownCast(CRuntimeClass* pClass, CObject* pObject)
-{
+CObject* AFXAPI AfxDynamicDownCast(CRuntimeClass* pClass, CObject* pObject) {
     return pObject != nullptr && pObject->IsKindOf(pClass) ? pObject : nullptr;
 }
 
-const CObject* AFXAPI AfxDynamicDownCast(CRuntimeClass* pClass, const CObject* pObject)
-{
+const CObject* AFXAPI AfxDynamicDownCast(CRuntimeClass* pClass, const CObject* pObject) {
     return pObject != nullptr && pObject->IsKindOf(pClass) ? pObject : nullptr;
 }

@@ -4,22 +4,12 @@
 #include <cstdio>
 #include <cwchar>
 
-namespace
-{
+namespace {
 
-enum class ELength
-{
-    Default,
-    Char,
-    Short,
-    Long,
-    LongLong,
-    Pointer
-};
+enum class ELength { Default, Char, Short, Long, LongLong, Pointer };
 
 // One conversion: %[flags][width][.precision][length]type
-struct SConversion
-{
+struct SConversion {
     std::string strFlags;
     bool bLeft = false;
     int nWidth = 0;
@@ -28,8 +18,7 @@ struct SConversion
     wchar_t chType = 0;
 };
 
-int ReadNumber(const wchar_t*& pch)
-{
+int ReadNumber(const wchar_t*& pch) {
     constexpr int nLargest = 1 << 20; // widths beyond this are mistakes
     int nNumber = 0;
     for (; *pch >= L'0' && *pch <= L'9'; pch++)
@@ -37,22 +26,18 @@ int ReadNumber(const wchar_t*& pch)
     return nNumber;
 }
 
-ELength ReadLength(const wchar_t*& pch)
-{
-    static constexpr struct
-    {
+ELength ReadLength(const wchar_t*& pch) {
+    static constexpr struct {
         const wchar_t* pszPrefix;
         ELength eLength;
     } prefixes[] = {
-        {L"I64", ELength::LongLong}, {L"I32", ELength::Default}, {L"I", ELength::Pointer},   {L"hh", ELength::Char},
-        {L"h", ELength::Short},      {L"ll", ELength::LongLong}, {L"l", ELength::Long},      {L"w", ELength::Long},
+        {L"I64", ELength::LongLong}, {L"I32", ELength::Default}, {L"I", ELength::Pointer},  {L"hh", ELength::Char},
+        {L"h", ELength::Short},      {L"ll", ELength::LongLong}, {L"l", ELength::Long},     {L"w", ELength::Long},
         {L"z", ELength::Pointer},    {L"t", ELength::Pointer},   {L"j", ELength::LongLong},
     };
-    for (const auto& prefix : prefixes)
-    {
+    for (const auto& prefix : prefixes) {
         const std::size_t nLength = std::wcslen(prefix.pszPrefix);
-        if (std::wcsncmp(pch, prefix.pszPrefix, nLength) == 0)
-        {
+        if (std::wcsncmp(pch, prefix.pszPrefix, nLength) == 0) {
             pch += nLength;
             return prefix.eLength;
         }
@@ -60,8 +45,7 @@ ELength ReadLength(const wchar_t*& pch)
     return ELength::Default;
 }
 
-void AppendPadded(std::wstring& strResult, const SConversion& conversion, const std::wstring& strText)
-{
+void AppendPadded(std::wstring& strResult, const SConversion& conversion, const std::wstring& strText) {
     const std::size_t nWidth = static_cast<std::size_t>(conversion.nWidth);
     const std::size_t nPadding = nWidth > strText.size() ? nWidth - strText.size() : 0;
     if (!conversion.bLeft)
@@ -72,8 +56,8 @@ void AppendPadded(std::wstring& strResult, const SConversion& conversion, const 
 }
 
 // Characters up to the zero or the precision, whichever comes first; nothing behind them is read.
-template <class CHARACTER> std::wstring TextArgument(const SConversion& conversion, const CHARACTER* pszText)
-{
+template <class CHARACTER>
+std::wstring TextArgument(const SConversion& conversion, const CHARACTER* pszText) {
     if (pszText == nullptr)
         return L"(null)";
     std::wstring strText;
@@ -84,8 +68,7 @@ template <class CHARACTER> std::wstring TextArgument(const SConversion& conversi
 
 // Numbers consist of ASCII, so the narrow printf does the work.
 template <class NUMBER>
-void AppendNumber(std::wstring& strResult, const SConversion& conversion, const char* pszLengthAndType, NUMBER number)
-{
+void AppendNumber(std::wstring& strResult, const SConversion& conversion, const char* pszLengthAndType, NUMBER number) {
     std::string strFormat = "%" + conversion.strFlags;
     if (conversion.nWidth > 0)
         strFormat += std::to_string(conversion.nWidth);
@@ -103,51 +86,41 @@ void AppendNumber(std::wstring& strResult, const SConversion& conversion, const 
 
 } // namespace
 
-std::wstring FormatWide(const wchar_t* pszFormat, va_list args)
-{
+std::wstring FormatWide(const wchar_t* pszFormat, va_list args) {
     std::wstring strResult;
     if (pszFormat == nullptr)
         return strResult;
 
-    for (const wchar_t* pch = pszFormat; *pch != 0; pch++)
-    {
-        if (*pch != L'%')
-        {
+    for (const wchar_t* pch = pszFormat; *pch != 0; pch++) {
+        if (*pch != L'%') {
             strResult += *pch;
             continue;
         }
         pch++;
 
         SConversion conversion;
-        for (; *pch != 0 && std::wcschr(L"-+ #0", *pch) != nullptr; pch++)
-        {
+        for (; *pch != 0 && std::wcschr(L"-+ #0", *pch) != nullptr; pch++) {
             conversion.strFlags += static_cast<char>(*pch);
             conversion.bLeft = conversion.bLeft || *pch == L'-';
         }
-        if (*pch == L'*')
-        {
+        if (*pch == L'*') {
             pch++;
             conversion.nWidth = va_arg(args, int);
-            if (conversion.nWidth < 0)
-            {
+            if (conversion.nWidth < 0) {
                 conversion.nWidth = conversion.nWidth == INT32_MIN ? INT32_MAX : -conversion.nWidth;
                 conversion.strFlags += '-';
                 conversion.bLeft = true;
             }
-        }
-        else
+        } else
             conversion.nWidth = ReadNumber(pch);
-        if (*pch == L'.')
-        {
+        if (*pch == L'.') {
             pch++;
-            if (*pch == L'*')
-            {
+            if (*pch == L'*') {
                 pch++;
                 conversion.nPrecision = va_arg(args, int);
                 if (conversion.nPrecision < 0)
                     conversion.nPrecision = -1;
-            }
-            else
+            } else
                 conversion.nPrecision = ReadNumber(pch);
         }
         conversion.eLength = ReadLength(pch);
@@ -155,13 +128,11 @@ std::wstring FormatWide(const wchar_t* pszFormat, va_list args)
 
         const bool bWide64 = conversion.eLength == ELength::LongLong || conversion.eLength == ELength::Pointer;
         const bool bNarrowText = conversion.eLength == ELength::Short || conversion.eLength == ELength::Char;
-        switch (conversion.chType)
-        {
+        switch (conversion.chType) {
         case 0:
             return strResult;
         case L'd':
-        case L'i':
-        {
+        case L'i': {
             long long nValue = bWide64 ? va_arg(args, long long) : va_arg(args, int);
             if (conversion.eLength == ELength::Short)
                 nValue = static_cast<short>(nValue);
@@ -173,8 +144,7 @@ std::wstring FormatWide(const wchar_t* pszFormat, va_list args)
         case L'u':
         case L'o':
         case L'x':
-        case L'X':
-        {
+        case L'X': {
             unsigned long long nValue = bWide64 ? va_arg(args, unsigned long long) : va_arg(args, unsigned);
             if (conversion.eLength == ELength::Short)
                 nValue = static_cast<unsigned short>(nValue);
@@ -191,8 +161,7 @@ std::wstring FormatWide(const wchar_t* pszFormat, va_list args)
         case L'g':
         case L'G':
         case L'a':
-        case L'A':
-        {
+        case L'A': {
             const char szType[] = {static_cast<char>(conversion.chType), 0};
             AppendNumber(strResult, conversion, szType, va_arg(args, double));
             break;
@@ -203,8 +172,7 @@ std::wstring FormatWide(const wchar_t* pszFormat, va_list args)
                          static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(va_arg(args, void*))));
             break;
         case L'c':
-        case L'C':
-        {
+        case L'C': {
             const bool bNarrow = conversion.eLength == ELength::Default ? conversion.chType == L'C' : bNarrowText;
             const int nCharacter = va_arg(args, int);
             AppendPadded(strResult, conversion,
@@ -212,8 +180,7 @@ std::wstring FormatWide(const wchar_t* pszFormat, va_list args)
             break;
         }
         case L's':
-        case L'S':
-        {
+        case L'S': {
             const bool bNarrow = conversion.eLength == ELength::Default ? conversion.chType == L'S' : bNarrowText;
             AppendPadded(strResult, conversion,
                          bNarrow ? TextArgument(conversion, va_arg(args, const char*))

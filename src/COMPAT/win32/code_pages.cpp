@@ -16,16 +16,13 @@
 #include <string>
 #include <string_view>
 
-namespace
-{
+namespace {
 
 constexpr wchar_t g_chReplacement = 0xFFFD;
 constexpr unsigned g_nDefaultAnsiCodePage = 1252;
 
-std::string IconvName(unsigned nCodePage)
-{
-    switch (nCodePage)
-    {
+std::string IconvName(unsigned nCodePage) {
+    switch (nCodePage) {
     case 936:
         return "GBK";
     case 20127:
@@ -39,33 +36,27 @@ std::string IconvName(unsigned nCodePage)
     }
 }
 
-struct SIconvCloser
-{
+struct SIconvCloser {
     void operator()(void* pConversion) const { iconv_close(pConversion); }
 };
 typedef std::unique_ptr<void, SIconvCloser> IconvPointer;
 
-IconvPointer OpenIconv(const std::string& strTo, const std::string& strFrom)
-{
+IconvPointer OpenIconv(const std::string& strTo, const std::string& strFrom) {
     const iconv_t conversion = iconv_open(strTo.c_str(), strFrom.c_str());
     return IconvPointer(conversion == iconv_t(-1) ? nullptr : conversion);
 }
 
 // One code page other than UTF-8. Not for two threads at once: iconv keeps state.
-class CCodePage
-{
+class CCodePage {
 public:
     explicit CCodePage(unsigned nCodePage)
         : m_toWide(OpenIconv("WCHAR_T", IconvName(nCodePage))), m_fromWide(OpenIconv(IconvName(nCodePage), "WCHAR_T")),
-          m_bGbk(nCodePage == 936), m_bKeepsControls(nCodePage >= 1250 && nCodePage <= 1258)
-    {
-    }
+          m_bGbk(nCodePage == 936), m_bKeepsControls(nCodePage >= 1250 && nCodePage <= 1258) {}
 
     bool IsKnown() const { return m_toWide != nullptr && m_fromWide != nullptr; }
 
     // Bytes of a character; nothing when the code page does not have it.
-    std::optional<std::string> FromWide(wchar_t ch) const
-    {
+    std::optional<std::string> FromWide(wchar_t ch) const {
         if (static_cast<std::uint32_t>(ch) < 0x80)
             return std::string(1, static_cast<char>(ch));
         if (m_bGbk && ch == g_chEuro)
@@ -83,21 +74,18 @@ public:
         return std::nullopt;
     }
 
-    struct SCharacter
-    {
+    struct SCharacter {
         wchar_t ch;
         std::size_t nBytes;
     };
     // First character of the bytes, which must not be empty; nothing when they start with no character.
-    std::optional<SCharacter> ToWide(std::string_view strBytes, bool bControls = true) const
-    {
+    std::optional<SCharacter> ToWide(std::string_view strBytes, bool bControls = true) const {
         const BYTE nFirst = static_cast<BYTE>(strBytes.front());
         if (nFirst < 0x80)
             return SCharacter{static_cast<wchar_t>(nFirst), 1};
         if (m_bGbk && nFirst == static_cast<BYTE>(g_nGbkEuro))
             return SCharacter{g_chEuro, 1};
-        for (std::size_t nBytes = 1; nBytes <= 4 && nBytes <= strBytes.size(); nBytes++)
-        {
+        for (std::size_t nBytes = 1; nBytes <= 4 && nBytes <= strBytes.size(); nBytes++) {
             wchar_t ch = 0;
             char* pIn = const_cast<char*>(strBytes.data());
             char* pOut = reinterpret_cast<char*>(&ch);
@@ -115,8 +103,8 @@ private:
     static constexpr wchar_t g_chEuro = 0x20AC;
     static constexpr char g_nGbkEuro = '\x80';
 
-    static std::size_t Run(const IconvPointer& conversion, char*& pIn, std::size_t& nIn, char*& pOut, std::size_t& nOut)
-    {
+    static std::size_t Run(const IconvPointer& conversion, char*& pIn, std::size_t& nIn, char*& pOut,
+                           std::size_t& nOut) {
         iconv(conversion.get(), nullptr, nullptr, nullptr, nullptr); // start anew
         return iconv(conversion.get(), &pIn, &nIn, &pOut, &nOut);
     }
@@ -130,23 +118,19 @@ private:
 std::mutex g_codePageMutex; // held while a code page is used
 
 // With the lock held. Null for an unknown one.
-const CCodePage* FindCodePage(unsigned nCodePage)
-{
+const CCodePage* FindCodePage(unsigned nCodePage) {
     static auto& codePages = *new std::map<unsigned, CCodePage>;
     const CCodePage& codePage = codePages.try_emplace(nCodePage, nCodePage).first->second;
     return codePage.IsKnown() ? &codePage : nullptr;
 }
 
-bool IsKnownCodePage(unsigned nCodePage)
-{
+bool IsKnownCodePage(unsigned nCodePage) {
     const std::lock_guard lock(g_codePageMutex);
     return nCodePage == CP_UTF8 || FindCodePage(nCodePage) != nullptr;
 }
 
-std::atomic<unsigned>& AnsiCodePage()
-{
-    static std::atomic<unsigned> nAnsiCodePage = []
-    {
+std::atomic<unsigned>& AnsiCodePage() {
+    static std::atomic<unsigned> nAnsiCodePage = [] {
         const char* pszSetting = std::getenv("COMPAT_ANSI_CODE_PAGE");
         const unsigned nSetting =
             pszSetting == nullptr ? 0 : static_cast<unsigned>(std::strtoul(pszSetting, nullptr, 10));
@@ -155,41 +139,32 @@ std::atomic<unsigned>& AnsiCodePage()
     return nAnsiCodePage;
 }
 
-unsigned ResolveCodePage(UINT nCodePage)
-{
+unsigned ResolveCodePage(UINT nCodePage) {
     return nCodePage == CP_ACP || nCodePage == CP_OEMCP || nCodePage == CP_THREAD_ACP ? AnsiCodePage().load()
-                                                                                     : nCodePage;
+                                                                                      : nCodePage;
 }
 
-int FailConversion(DWORD nError)
-{
+int FailConversion(DWORD nError) {
     SetLastError(nError);
     return 0;
 }
 
-bool IsCharacter(std::uint32_t nValue)
-{
+bool IsCharacter(std::uint32_t nValue) {
     return nValue <= 0x10FFFF && (nValue & 0xFFFFF800) != 0xD800;
 }
 
-void AppendUtf8(std::string& strBytes, std::uint32_t nCharacter)
-{
+void AppendUtf8(std::string& strBytes, std::uint32_t nCharacter) {
     const auto trail = [&](int nShift) { strBytes += static_cast<char>(0x80 | (nCharacter >> nShift & 0x3F)); };
     if (nCharacter < 0x80)
         strBytes += static_cast<char>(nCharacter);
-    else if (nCharacter < 0x800)
-    {
+    else if (nCharacter < 0x800) {
         strBytes += static_cast<char>(0xC0 | nCharacter >> 6);
         trail(0);
-    }
-    else if (nCharacter < 0x10000)
-    {
+    } else if (nCharacter < 0x10000) {
         strBytes += static_cast<char>(0xE0 | nCharacter >> 12);
         trail(6);
         trail(0);
-    }
-    else
-    {
+    } else {
         strBytes += static_cast<char>(0xF0 | nCharacter >> 18);
         trail(12);
         trail(6);
@@ -198,11 +173,9 @@ void AppendUtf8(std::string& strBytes, std::uint32_t nCharacter)
 }
 
 // Reads one character; on an error (false) nPosition moves behind the longest start of a character, at least one byte.
-bool ReadUtf8(std::string_view strBytes, std::size_t& nPosition, std::uint32_t& nCharacter)
-{
+bool ReadUtf8(std::string_view strBytes, std::size_t& nPosition, std::uint32_t& nCharacter) {
     const BYTE nFirst = static_cast<BYTE>(strBytes[nPosition++]);
-    if (nFirst < 0x80)
-    {
+    if (nFirst < 0x80) {
         nCharacter = nFirst;
         return true;
     }
@@ -210,8 +183,7 @@ bool ReadUtf8(std::string_view strBytes, std::size_t& nPosition, std::uint32_t& 
         return false;
     const int nTrailing = nFirst < 0xE0 ? 1 : nFirst < 0xF0 ? 2 : 3;
     nCharacter = nFirst & (0x3F >> nTrailing);
-    for (int nIndex = 0; nIndex < nTrailing; nIndex++)
-    {
+    for (int nIndex = 0; nIndex < nTrailing; nIndex++) {
         if (nPosition == strBytes.size())
             return false;
         const BYTE nByte = static_cast<BYTE>(strBytes[nPosition]);
@@ -227,8 +199,8 @@ bool ReadUtf8(std::string_view strBytes, std::size_t& nPosition, std::uint32_t& 
 }
 
 // Hands a finished conversion out under the rules for lengths; both functions end here.
-template <class CHARACTER> int Deliver(std::basic_string_view<CHARACTER> strResult, CHARACTER* pOut, int nOut)
-{
+template <class CHARACTER>
+int Deliver(std::basic_string_view<CHARACTER> strResult, CHARACTER* pOut, int nOut) {
     if (strResult.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
         return FailConversion(ERROR_INVALID_PARAMETER);
     if (nOut == 0)
@@ -241,13 +213,11 @@ template <class CHARACTER> int Deliver(std::basic_string_view<CHARACTER> strResu
 
 } // namespace
 
-UINT WINAPI GetACP()
-{
+UINT WINAPI GetACP() {
     return AnsiCodePage();
 }
 
-bool CompatSetAnsiCodePage(unsigned nCodePage)
-{
+bool CompatSetAnsiCodePage(unsigned nCodePage) {
     if (nCodePage <= CP_THREAD_ACP || !IsKnownCodePage(nCodePage))
         return false;
     AnsiCodePage() = nCodePage;
@@ -255,39 +225,33 @@ bool CompatSetAnsiCodePage(unsigned nCodePage)
 }
 
 int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, int nWideLength, LPSTR pszBytes,
-                               int nBytes, LPCSTR pszDefault, LPBOOL pbUsedDefault)
-{
-    constexpr DWORD nKnownFlags = WC_DISCARDNS | WC_SEPCHARS | WC_DEFAULTCHAR | WC_ERR_INVALID_CHARS |
-                                  WC_COMPOSITECHECK | WC_NO_BEST_FIT_CHARS;
+                               int nBytes, LPCSTR pszDefault, LPBOOL pbUsedDefault) {
+    constexpr DWORD nKnownFlags =
+        WC_DISCARDNS | WC_SEPCHARS | WC_DEFAULTCHAR | WC_ERR_INVALID_CHARS | WC_COMPOSITECHECK | WC_NO_BEST_FIT_CHARS;
     if (pszWide == nullptr || nWideLength == 0 || nBytes < 0 || (pszBytes == nullptr && nBytes != 0))
         return FailConversion(ERROR_INVALID_PARAMETER);
     nCodePage = ResolveCodePage(nCodePage);
     if ((nFlags & ~nKnownFlags) != 0)
         return FailConversion(ERROR_INVALID_FLAGS);
-    const std::wstring_view strWide(pszWide, nWideLength < 0 ? std::wcslen(pszWide) + 1
-                                                             : static_cast<std::size_t>(nWideLength));
+    const std::wstring_view strWide(pszWide,
+                                    nWideLength < 0 ? std::wcslen(pszWide) + 1 : static_cast<std::size_t>(nWideLength));
     std::string strResult;
     BOOL bUsedDefault = FALSE;
-    if (nCodePage == CP_UTF8)
-    {
+    if (nCodePage == CP_UTF8) {
         if (pszDefault != nullptr || pbUsedDefault != nullptr)
             return FailConversion(ERROR_INVALID_PARAMETER);
-        for (const wchar_t ch : strWide)
-        {
+        for (const wchar_t ch : strWide) {
             const bool bValid = IsCharacter(static_cast<std::uint32_t>(ch));
             if (!bValid && (nFlags & WC_ERR_INVALID_CHARS) != 0)
                 return FailConversion(ERROR_NO_UNICODE_TRANSLATION);
             AppendUtf8(strResult, static_cast<std::uint32_t>(bValid ? ch : g_chReplacement));
         }
-    }
-    else
-    {
+    } else {
         const std::lock_guard lock(g_codePageMutex);
         const CCodePage* pCodePage = FindCodePage(nCodePage);
         if (pCodePage == nullptr)
             return FailConversion(ERROR_INVALID_PARAMETER);
-        for (const wchar_t ch : strWide)
-        {
+        for (const wchar_t ch : strWide) {
             const auto strBytes = pCodePage->FromWide(ch);
             if (!strBytes)
                 bUsedDefault = TRUE;
@@ -300,8 +264,7 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
 }
 
 int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR pszBytes, int nBytes, LPWSTR pszWide,
-                               int nWideLength)
-{
+                               int nWideLength) {
     constexpr DWORD nKnownFlags = MB_PRECOMPOSED | MB_COMPOSITE | MB_ERR_INVALID_CHARS;
     if (pszBytes == nullptr || nBytes == 0 || nWideLength < 0 || (pszWide == nullptr && nWideLength != 0))
         return FailConversion(ERROR_INVALID_PARAMETER);
@@ -312,25 +275,20 @@ int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR pszBytes, in
     const std::string_view strBytes(pszBytes,
                                     nBytes < 0 ? std::strlen(pszBytes) + 1 : static_cast<std::size_t>(nBytes));
     std::wstring strResult;
-    if (nCodePage == CP_UTF8)
-    {
-        for (std::size_t nPosition = 0; nPosition < strBytes.size();)
-        {
+    if (nCodePage == CP_UTF8) {
+        for (std::size_t nPosition = 0; nPosition < strBytes.size();) {
             std::uint32_t nCharacter = 0;
             const bool bValid = ReadUtf8(strBytes, nPosition, nCharacter);
             if (!bValid && bStrict)
                 return FailConversion(ERROR_NO_UNICODE_TRANSLATION);
             strResult += bValid ? static_cast<wchar_t>(nCharacter) : g_chReplacement;
         }
-    }
-    else
-    {
+    } else {
         const std::lock_guard lock(g_codePageMutex);
         const CCodePage* pCodePage = FindCodePage(nCodePage);
         if (pCodePage == nullptr)
             return FailConversion(ERROR_INVALID_PARAMETER);
-        for (std::size_t nPosition = 0; nPosition < strBytes.size();)
-        {
+        for (std::size_t nPosition = 0; nPosition < strBytes.size();) {
             const auto character = pCodePage->ToWide(strBytes.substr(nPosition));
             if (!character && bStrict)
                 return FailConversion(ERROR_NO_UNICODE_TRANSLATION);

@@ -7,8 +7,7 @@
 #include <cwctype>
 #include <strings.h>
 
-int __cdecl _wtoi(const wchar_t* pszText)
-{
+int __cdecl _wtoi(const wchar_t* pszText) {
     if (pszText == nullptr)
         return 0;
     while (std::iswspace(static_cast<std::wint_t>(*pszText)))
@@ -19,11 +18,9 @@ int __cdecl _wtoi(const wchar_t* pszText)
 
     const long long nLimit = bNegative ? -static_cast<long long>(INT_MIN) : INT_MAX;
     long long nValue = 0;
-    for (; *pszText >= L'0' && *pszText <= L'9'; pszText++)
-    {
+    for (; *pszText >= L'0' && *pszText <= L'9'; pszText++) {
         nValue = nValue * 10 + (*pszText - L'0');
-        if (nValue >= nLimit)
-        {
+        if (nValue >= nLimit) {
             nValue = nLimit;
             break;
         }
@@ -31,15 +28,12 @@ int __cdecl _wtoi(const wchar_t* pszText)
     return static_cast<int>(bNegative ? -nValue : nValue);
 }
 
-double __cdecl _wtof(const wchar_t* pszText)
-{
+double __cdecl _wtof(const wchar_t* pszText) {
     return pszText == nullptr ? 0.0 : std::wcstod(pszText, nullptr);
 }
 
-int __cdecl _wcsnicmp(const wchar_t* pszLeft, const wchar_t* pszRight, std::size_t nCount)
-{
-    for (; nCount > 0; nCount--, pszLeft++, pszRight++)
-    {
+int __cdecl _wcsnicmp(const wchar_t* pszLeft, const wchar_t* pszRight, std::size_t nCount) {
+    for (; nCount > 0; nCount--, pszLeft++, pszRight++) {
         const std::wint_t nLeft = std::towlower(static_cast<std::wint_t>(*pszLeft));
         const std::wint_t nRight = std::towlower(static_cast<std::wint_t>(*pszRight));
         if (nLeft != nRight)
@@ -50,12 +44,10 @@ int __cdecl _wcsnicmp(const wchar_t* pszLeft, const wchar_t* pszRight, std::size
     return 0;
 }
 
-int __cdecl _wcsicmp(const wchar_t* pszLeft, const wchar_t* pszRight)
-{
+int __cdecl _wcsicmp(const wchar_t* pszLeft, const wchar_t* pszRight) {
     return _wcsnicmp(pszLeft, pszRight, static_cast<std::size_t>(-1));
 }
 
-int __cdecl _stricmp(const char* pszLeft, const char* pszRight)
-{
+int __cdecl _stricmp(const char* pszLeft, const char* pszRight) {
     return strcasecmp(pszLeft, pszRight);
 }

@@ -3,13 +3,11 @@
 
 #include <windows.h>
 
-namespace Gdiplus
-{
+namespace Gdiplus {
 
 typedef float REAL;
 
-class PointF
-{
+class PointF {
 public:
     PointF() : X(0.0f), Y(0.0f) {}
     PointF(const PointF& point) = default;

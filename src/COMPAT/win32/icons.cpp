@@ -11,18 +11,15 @@
 #include <span>
 #include <utility>
 
-namespace
-{
+namespace {
 
-struct SImage
-{
+struct SImage {
     LONG nWidth;
     LONG nHeight;
     WORD nBitsPerPixel;
 };
 
-struct SResources
-{
+struct SResources {
     std::map<std::pair<HMODULE, WORD>, std::span<const BYTE>> icons;
     std::map<HICON, SImage> loadedIcons;
     std::map<HBITMAP, SImage> bitmaps;
@@ -30,14 +27,13 @@ struct SResources
 };
 
 // With ModuleMutex held.
-SResources& Resources()
-{
+SResources& Resources() {
     static SResources& resources = *new SResources; // outlives the static objects of all libraries
     return resources;
 }
 
-template <class HANDLE_TYPE> HANDLE_TYPE NewHandle(std::map<HANDLE_TYPE, SImage>& table, const SImage& image)
-{
+template <class HANDLE_TYPE>
+HANDLE_TYPE NewHandle(std::map<HANDLE_TYPE, SImage>& table, const SImage& image) {
     const auto handle = reinterpret_cast<HANDLE_TYPE>(Resources().nNextHandle);
     Resources().nNextHandle += 4;
     table[handle] = image;
@@ -46,8 +42,7 @@ template <class HANDLE_TYPE> HANDLE_TYPE NewHandle(std::map<HANDLE_TYPE, SImage>
 
 // The bytes are checked before each use; 0 behind the end is never read as data.
 std::optional<std::uint32_t> ReadNumber(std::span<const BYTE> bytes, std::size_t nOffset, std::size_t nBytes,
-                                        bool bBigEndian = false)
-{
+                                        bool bBigEndian = false) {
     if (nOffset > bytes.size() || nBytes > bytes.size() - nOffset)
         return std::nullopt;
     std::uint32_t nValue = 0;
@@ -56,8 +51,7 @@ std::optional<std::uint32_t> ReadNumber(std::span<const BYTE> bytes, std::size_t
     return nValue;
 }
 
-std::optional<SImage> ReadPng(std::span<const BYTE> bytes)
-{
+std::optional<SImage> ReadPng(std::span<const BYTE> bytes) {
     constexpr BYTE signature[] = {0x89, 'P', 'N', 'G', 0x0D, 0x0A, 0x1A, 0x0A, 0, 0, 0, 13, 'I', 'H', 'D', 'R'};
     constexpr WORD nBitsPerPixel = 32; // how such images appear
     if (bytes.size() < sizeof(signature) || !std::equal(std::begin(signature), std::end(signature), bytes.begin()))
@@ -70,8 +64,7 @@ std::optional<SImage> ReadPng(std::span<const BYTE> bytes)
 }
 
 // A device independent bitmap whose height counts the colour rows and the mask rows.
-std::optional<SImage> ReadDib(std::span<const BYTE> bytes)
-{
+std::optional<SImage> ReadDib(std::span<const BYTE> bytes) {
     const auto nHeaderSize = ReadNumber(bytes, 0, 4);
     const auto nWidth = ReadNumber(bytes, 4, 4);
     const auto nDoubleHeight = ReadNumber(bytes, 8, 4);
@@ -92,9 +85,9 @@ std::optional<SImage> ReadDib(std::span<const BYTE> bytes)
     return SImage{static_cast<LONG>(*nWidth), static_cast<LONG>(nHeight), static_cast<WORD>(*nBits)};
 }
 
-// The image of an .ico file that is nearest to the wanted size; among equals the one with most colours.
-std::optional<SImage> ReadIcon(std::span<const BYTE> bytes, LONG nWantedWidth, LONG nWantedHeight)
-{
+// The image of an .ico file that is nearest to the wanted size, among equals the one with most colours; the first one
+// when no size is wanted (0). Every image must be sound.
+std::optional<SImage> ReadIcon(std::span<const BYTE> bytes, LONG nWantedWidth, LONG nWantedHeight) {
     constexpr std::size_t nDirectorySize = 6;
     constexpr std::size_t nEntrySize = 16;
     const auto nReserved = ReadNumber(bytes, 0, 2);
@@ -104,10 +97,10 @@ std::optional<SImage> ReadIcon(std::span<const BYTE> bytes, LONG nWantedWidth, L
         return std::nullopt;
 
     std::optional<SImage> best;
-    const auto distance = [&](const SImage& image)
-    { return std::abs(image.nWidth - nWantedWidth) + std::abs(image.nHeight - nWantedHeight); };
-    for (std::size_t nEntry = 0; nEntry < *nCount; nEntry++)
-    {
+    const auto distance = [&](const SImage& image) {
+        return std::abs(image.nWidth - nWantedWidth) + std::abs(image.nHeight - nWantedHeight);
+    };
+    for (std::size_t nEntry = 0; nEntry < *nCount; nEntry++) {
         const auto nSize = ReadNumber(bytes, nDirectorySize + nEntry * nEntrySize + 8, 4);
         const auto nOffset = ReadNumber(bytes, nDirectorySize + nEntry * nEntrySize + 12, 4);
         if (!nSize || !nOffset || *nOffset > bytes.size() || *nSize > bytes.size() - *nOffset)
@@ -118,44 +111,42 @@ std::optional<SImage> ReadIcon(std::span<const BYTE> bytes, LONG nWantedWidth, L
             image = ReadDib(imageBytes);
         if (!image)
             return std::nullopt;
-        if (!best || distance(*image) < distance(*best) ||
+        if (!best)
+            best = image;
+        if (nWantedWidth == 0 && nWantedHeight == 0)
+            continue;
+        if (distance(*image) < distance(*best) ||
             (distance(*image) == distance(*best) && image->nBitsPerPixel > best->nBitsPerPixel))
             best = image;
     }
     return best;
 }
 
-const std::span<const BYTE>* FindIcon(HMODULE hModule, LPCWSTR pszName)
-{
+const std::span<const BYTE>* FindIcon(HMODULE hModule, LPCWSTR pszName) {
     if (!IS_INTRESOURCE(pszName))
         return nullptr; // only numbers name resources here
     if (hModule == nullptr)
         hModule = GetModuleHandleW(nullptr);
-    const auto found = Resources().icons.find(
-        {hModule, static_cast<WORD>(reinterpret_cast<std::uintptr_t>(pszName))});
+    const auto found = Resources().icons.find({hModule, static_cast<WORD>(reinterpret_cast<std::uintptr_t>(pszName))});
     return found == Resources().icons.end() ? nullptr : &found->second;
 }
 
 } // namespace
 
 CompatIconResource::CompatIconResource(WORD nId, const BYTE* pBegin, const BYTE* pEnd)
-    : m_hModule(ModuleFromAddress(pBegin)), m_nId(nId)
-{
+    : m_hModule(ModuleFromAddress(pBegin)), m_nId(nId) {
     const std::lock_guard lock(ModuleMutex());
     Resources().icons[{m_hModule, nId}] = std::span<const BYTE>(pBegin, pEnd);
 }
 
-CompatIconResource::~CompatIconResource()
-{
+CompatIconResource::~CompatIconResource() {
     const std::lock_guard lock(ModuleMutex());
     Resources().icons.erase({m_hModule, m_nId});
 }
 
-HRSRC WINAPI FindResourceW(HMODULE hModule, LPCWSTR pszName, LPCWSTR pszType)
-{
+HRSRC WINAPI FindResourceW(HMODULE hModule, LPCWSTR pszName, LPCWSTR pszType) {
     const std::lock_guard lock(ModuleMutex());
-    if (pszType != RT_GROUP_ICON)
-    {
+    if (pszType != RT_GROUP_ICON) {
         SetLastError(ERROR_RESOURCE_TYPE_NOT_FOUND);
         return nullptr;
     }
@@ -165,48 +156,40 @@ HRSRC WINAPI FindResourceW(HMODULE hModule, LPCWSTR pszName, LPCWSTR pszType)
     return reinterpret_cast<HRSRC>(const_cast<std::span<const BYTE>*>(pIcon));
 }
 
-HANDLE WINAPI LoadImageW(HINSTANCE hInstance, LPCWSTR pszName, UINT nType, int nWidth, int nHeight, UINT nFlags)
-{
+HANDLE WINAPI LoadImageW(HINSTANCE hInstance, LPCWSTR pszName, UINT nType, int nWidth, int nHeight, UINT nFlags) {
     constexpr int nDefaultSize = 32;
-    if (nType != IMAGE_ICON)
-    {
+    if (nType != IMAGE_ICON) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return nullptr;
     }
     const std::lock_guard lock(ModuleMutex());
     const std::span<const BYTE>* pIcon = FindIcon(hInstance, pszName);
-    if (pIcon == nullptr)
-    {
+    if (pIcon == nullptr) {
         SetLastError(ERROR_RESOURCE_NAME_NOT_FOUND);
         return nullptr;
     }
     const int nDefault = (nFlags & LR_DEFAULTSIZE) != 0 ? nDefaultSize : 0;
     const auto image = ReadIcon(*pIcon, nWidth != 0 ? nWidth : nDefault, nHeight != 0 ? nHeight : nDefault);
-    if (!image)
-    {
+    if (!image) {
         SetLastError(ERROR_RESOURCE_DATA_NOT_FOUND);
         return nullptr;
     }
     return NewHandle(Resources().loadedIcons, *image);
 }
 
-BOOL WINAPI DestroyIcon(HICON hIcon)
-{
+BOOL WINAPI DestroyIcon(HICON hIcon) {
     const std::lock_guard lock(ModuleMutex());
-    if (Resources().loadedIcons.erase(hIcon) == 0)
-    {
+    if (Resources().loadedIcons.erase(hIcon) == 0) {
         SetLastError(ERROR_INVALID_CURSOR_HANDLE);
         return FALSE;
     }
     return TRUE;
 }
 
-BOOL WINAPI GetIconInfo(HICON hIcon, PICONINFO pInfo)
-{
+BOOL WINAPI GetIconInfo(HICON hIcon, PICONINFO pInfo) {
     const std::lock_guard lock(ModuleMutex());
     const auto icon = Resources().loadedIcons.find(hIcon);
-    if (icon == Resources().loadedIcons.end() || pInfo == nullptr)
-    {
+    if (icon == Resources().loadedIcons.end() || pInfo == nullptr) {
         SetLastError(ERROR_INVALID_CURSOR_HANDLE);
         return FALSE;
     }
@@ -219,8 +202,7 @@ BOOL WINAPI GetIconInfo(HICON hIcon, PICONINFO pInfo)
     return TRUE;
 }
 
-int WINAPI GetObjectW(HANDLE hObject, int nBufferSize, LPVOID pBuffer)
-{
+int WINAPI GetObjectW(HANDLE hObject, int nBufferSize, LPVOID pBuffer) {
     const std::lock_guard lock(ModuleMutex());
     const auto found = Resources().bitmaps.find(static_cast<HBITMAP>(hObject));
     if (found == Resources().bitmaps.end())
@@ -240,8 +222,7 @@ int WINAPI GetObjectW(HANDLE hObject, int nBufferSize, LPVOID pBuffer)
     return sizeof(bitmap);
 }
 
-BOOL WINAPI DeleteObject(HGDIOBJ hObject)
-{
+BOOL WINAPI DeleteObject(HGDIOBJ hObject) {
     const std::lock_guard lock(ModuleMutex());
     return Resources().bitmaps.erase(static_cast<HBITMAP>(hObject)) != 0;
 }

@@ -4,8 +4,7 @@
 #include <array>
 #include <mutex>
 
-namespace
-{
+namespace {
 
 constexpr int g_nKeys = 256;
 std::mutex g_keyboardMutex; // guards the state
@@ -13,8 +12,7 @@ std::array<BYTE, g_nKeys> g_keyState{};
 
 } // namespace
 
-SHORT WINAPI GetKeyState(int nVirtKey)
-{
+SHORT WINAPI GetKeyState(int nVirtKey) {
     if (nVirtKey < 0 || nVirtKey >= g_nKeys)
         return 0;
     const std::lock_guard lock(g_keyboardMutex);
@@ -22,10 +20,8 @@ SHORT WINAPI GetKeyState(int nVirtKey)
     return static_cast<SHORT>(((nState & 0x80) != 0 ? 0xFF80 : 0) | (nState & 0x01));
 }
 
-BOOL WINAPI GetKeyboardState(PBYTE pKeyState)
-{
-    if (pKeyState == nullptr)
-    {
+BOOL WINAPI GetKeyboardState(PBYTE pKeyState) {
+    if (pKeyState == nullptr) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
@@ -34,10 +30,8 @@ BOOL WINAPI GetKeyboardState(PBYTE pKeyState)
     return TRUE;
 }
 
-BOOL WINAPI SetKeyboardState(LPBYTE pKeyState)
-{
-    if (pKeyState == nullptr)
-    {
+BOOL WINAPI SetKeyboardState(LPBYTE pKeyState) {
+    if (pKeyState == nullptr) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }

@@ -6,22 +6,19 @@
 #include <mutex>
 #include <thread>
 
-namespace
-{
+namespace {
 
 std::mutex g_frozenMutex; // guards the frozen value
 std::optional<std::uint64_t> g_nFrozenMilliseconds;
 
 } // namespace
 
-void CompatFreezeTickCount(std::optional<std::uint64_t> nMilliseconds)
-{
+void CompatFreezeTickCount(std::optional<std::uint64_t> nMilliseconds) {
     const std::lock_guard lock(g_frozenMutex);
     g_nFrozenMilliseconds = nMilliseconds;
 }
 
-ULONGLONG WINAPI GetTickCount64()
-{
+ULONGLONG WINAPI GetTickCount64() {
     {
         const std::lock_guard lock(g_frozenMutex);
         if (g_nFrozenMilliseconds)
@@ -31,12 +28,10 @@ ULONGLONG WINAPI GetTickCount64()
     return static_cast<ULONGLONG>(std::chrono::duration_cast<std::chrono::milliseconds>(sinceStart).count());
 }
 
-DWORD WINAPI GetTickCount()
-{
+DWORD WINAPI GetTickCount() {
     return static_cast<DWORD>(GetTickCount64());
 }
 
-void WINAPI Sleep(DWORD nMilliseconds)
-{
+void WINAPI Sleep(DWORD nMilliseconds) {
     std::this_thread::sleep_for(std::chrono::milliseconds(nMilliseconds));
 }

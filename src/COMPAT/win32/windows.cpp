@@ -13,22 +13,19 @@
 #include <utility>
 #include <vector>
 
-namespace
-{
+namespace {
 
 constexpr std::size_t g_nQueueLimit = 10000; // as Windows' default
 constexpr UINT g_nFirstRegistered = 0xC000;
 constexpr UINT g_nLastRegistered = 0xFFFF;
 constexpr std::size_t g_nLongestName = 255;
 
-struct SWindowClass
-{
+struct SWindowClass {
     ATOM nAtom;
     WNDPROC pfnWindowProc;
 };
 
-struct SWindow
-{
+struct SWindow {
     std::wstring strClass; // case folded
     WNDPROC pfnWindowProc = nullptr;
     LONG_PTR nUserData = 0;
@@ -37,8 +34,7 @@ struct SWindow
 };
 
 // All state of this file. Window procedures are called without the lock.
-struct SWindowSystem
-{
+struct SWindowSystem {
     std::mutex mutex;
     std::condition_variable posted;
     std::map<std::wstring, UINT> messageNames;
@@ -49,64 +45,55 @@ struct SWindowSystem
     std::deque<MSG> queue;
     std::optional<int> nQuitCode;
 
-    SWindow* Find(HWND hWnd)
-    {
+    SWindow* Find(HWND hWnd) {
         const auto found = windows.find(hWnd);
         return found == windows.end() ? nullptr : &found->second;
     }
-    bool HasStyle(HWND hWnd, DWORD nStyle)
-    {
+    bool HasStyle(HWND hWnd, DWORD nStyle) {
         const SWindow* pWindow = Find(hWnd);
         return pWindow != nullptr && (pWindow->nStyle & nStyle) != 0;
     }
 };
 
-SWindowSystem& System()
-{
+SWindowSystem& System() {
     static SWindowSystem& system = *new SWindowSystem; // outlives the static objects of all libraries
     return system;
 }
 
-template <class RESULT> RESULT Fail(DWORD nError, RESULT result)
-{
+template <class RESULT>
+RESULT Fail(DWORD nError, RESULT result) {
     SetLastError(nError);
     return result;
 }
 
-std::optional<std::wstring> ClassKey(LPCWSTR pszClassName)
-{
+std::optional<std::wstring> ClassKey(LPCWSTR pszClassName) {
     SWindowSystem& system = System();
     if (!IS_INTRESOURCE(pszClassName))
         return FoldCase(pszClassName);
     const ATOM nAtom = static_cast<ATOM>(reinterpret_cast<std::uintptr_t>(pszClassName));
-    for (const auto& [strName, windowClass] : system.classes)
-    {
+    for (const auto& [strName, windowClass] : system.classes) {
         if (windowClass.nAtom == nAtom)
             return strName;
     }
     return std::nullopt;
 }
 
-bool Matches(const MSG& message, HWND hWnd, UINT nFilterMin, UINT nFilterMax)
-{
+bool Matches(const MSG& message, HWND hWnd, UINT nFilterMin, UINT nFilterMax) {
     return (hWnd == nullptr || message.hwnd == hWnd) &&
            ((nFilterMin == 0 && nFilterMax == 0) || (message.message >= nFilterMin && message.message <= nFilterMax));
 }
 
 // With the lock held. Like on Windows, WM_QUIT comes when nothing else waits.
-bool TakeMessage(SWindowSystem& system, LPMSG pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax, bool bRemove)
-{
-    const auto found = std::find_if(system.queue.begin(), system.queue.end(), [&](const MSG& message)
-                                    { return Matches(message, hWnd, nFilterMin, nFilterMax); });
-    if (found != system.queue.end())
-    {
+bool TakeMessage(SWindowSystem& system, LPMSG pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax, bool bRemove) {
+    const auto found = std::find_if(system.queue.begin(), system.queue.end(),
+                                    [&](const MSG& message) { return Matches(message, hWnd, nFilterMin, nFilterMax); });
+    if (found != system.queue.end()) {
         *pMsg = *found;
         if (bRemove)
             system.queue.erase(found);
         return true;
     }
-    if (system.nQuitCode && system.queue.empty())
-    {
+    if (system.nQuitCode && system.queue.empty()) {
         *pMsg = MSG{nullptr, WM_QUIT, static_cast<WPARAM>(*system.nQuitCode), 0, GetTickCount(), {0, 0}};
         if (bRemove)
             system.nQuitCode.reset();
@@ -117,8 +104,7 @@ bool TakeMessage(SWindowSystem& system, LPMSG pMsg, HWND hWnd, UINT nFilterMin, 
 
 } // namespace
 
-UINT WINAPI RegisterWindowMessageW(LPCWSTR pszName)
-{
+UINT WINAPI RegisterWindowMessageW(LPCWSTR pszName) {
     if (pszName == nullptr || *pszName == 0 || std::wcslen(pszName) > g_nLongestName)
         return Fail(ERROR_INVALID_PARAMETER, 0u);
     SWindowSystem& system = System();
@@ -132,8 +118,7 @@ UINT WINAPI RegisterWindowMessageW(LPCWSTR pszName)
 
 // ---- Classes --------------------------------------------------------------------------------------------------------
 
-ATOM WINAPI RegisterClassExW(const WNDCLASSEXW* pClass)
-{
+ATOM WINAPI RegisterClassExW(const WNDCLASSEXW* pClass) {
     if (pClass == nullptr || pClass->cbSize != sizeof(WNDCLASSEXW) || pClass->lpfnWndProc == nullptr ||
         pClass->lpszClassName == nullptr || *pClass->lpszClassName == 0)
         return Fail<ATOM>(ERROR_INVALID_PARAMETER, 0);
@@ -147,8 +132,7 @@ ATOM WINAPI RegisterClassExW(const WNDCLASSEXW* pClass)
     return position->second.nAtom;
 }
 
-ATOM WINAPI RegisterClassW(const WNDCLASSW* pClass)
-{
+ATOM WINAPI RegisterClassW(const WNDCLASSW* pClass) {
     if (pClass == nullptr)
         return Fail<ATOM>(ERROR_INVALID_PARAMETER, 0);
     WNDCLASSEXW classEx{};
@@ -159,15 +143,13 @@ ATOM WINAPI RegisterClassW(const WNDCLASSW* pClass)
     return RegisterClassExW(&classEx);
 }
 
-BOOL WINAPI UnregisterClassW(LPCWSTR pszClassName, HINSTANCE)
-{
+BOOL WINAPI UnregisterClassW(LPCWSTR pszClassName, HINSTANCE) {
     SWindowSystem& system = System();
     const std::lock_guard lock(system.mutex);
     const auto strKey = ClassKey(pszClassName);
     if (!strKey || !system.classes.contains(*strKey))
         return Fail(ERROR_CLASS_DOES_NOT_EXIST, FALSE);
-    for (const auto& [hWnd, window] : system.windows)
-    {
+    for (const auto& [hWnd, window] : system.windows) {
         if (window.strClass == *strKey)
             return Fail(ERROR_CLASS_HAS_WINDOWS, FALSE);
     }
@@ -178,8 +160,7 @@ BOOL WINAPI UnregisterClassW(LPCWSTR pszClassName, HINSTANCE)
 // ---- Windows --------------------------------------------------------------------------------------------------------
 
 HWND WINAPI CreateWindowExW(DWORD nExStyle, LPCWSTR pszClassName, LPCWSTR pszWindowName, DWORD nStyle, int x, int y,
-                            int nWidth, int nHeight, HWND hParent, HMENU hMenu, HINSTANCE hInstance, LPVOID pParam)
-{
+                            int nWidth, int nHeight, HWND hParent, HMENU hMenu, HINSTANCE hInstance, LPVOID pParam) {
     SWindowSystem& system = System();
     HWND hWnd = nullptr;
     {
@@ -195,25 +176,23 @@ HWND WINAPI CreateWindowExW(DWORD nExStyle, LPCWSTR pszClassName, LPCWSTR pszWin
         system.windows[hWnd] = {*strKey, windowClass->second.pfnWindowProc, 0, nStyle, hParent};
     }
 
-    CREATESTRUCTW create{pParam, hInstance, hMenu, hParent, nHeight, nWidth, y, x,
-                         static_cast<LONG>(nStyle), pszWindowName, pszClassName, nExStyle};
+    CREATESTRUCTW create{
+        pParam,        hInstance,    hMenu,   hParent, nHeight, nWidth, y, x, static_cast<LONG>(nStyle),
+        pszWindowName, pszClassName, nExStyle};
     const LPARAM lParam = reinterpret_cast<LPARAM>(&create);
-    if (SendMessageW(hWnd, WM_NCCREATE, 0, lParam) == 0)
-    {
+    if (SendMessageW(hWnd, WM_NCCREATE, 0, lParam) == 0) {
         const std::lock_guard lock(system.mutex);
         system.windows.erase(hWnd);
         return nullptr;
     }
-    if (SendMessageW(hWnd, WM_CREATE, 0, lParam) == -1)
-    {
+    if (SendMessageW(hWnd, WM_CREATE, 0, lParam) == -1) {
         DestroyWindow(hWnd);
         return nullptr;
     }
     return IsWindow(hWnd) ? hWnd : nullptr;
 }
 
-BOOL WINAPI DestroyWindow(HWND hWnd)
-{
+BOOL WINAPI DestroyWindow(HWND hWnd) {
     if (!IsWindow(hWnd))
         return Fail(ERROR_INVALID_WINDOW_HANDLE, FALSE);
     SendMessageW(hWnd, WM_DESTROY, 0, 0);
@@ -222,8 +201,7 @@ BOOL WINAPI DestroyWindow(HWND hWnd)
     std::vector<HWND> children;
     {
         const std::lock_guard lock(system.mutex);
-        for (const auto& [hOther, window] : system.windows)
-        {
+        for (const auto& [hOther, window] : system.windows) {
             if (window.hParent == hWnd)
                 children.push_back(hOther);
         }
@@ -238,15 +216,13 @@ BOOL WINAPI DestroyWindow(HWND hWnd)
     return TRUE;
 }
 
-BOOL WINAPI IsWindow(HWND hWnd)
-{
+BOOL WINAPI IsWindow(HWND hWnd) {
     SWindowSystem& system = System();
     const std::lock_guard lock(system.mutex);
     return system.Find(hWnd) != nullptr;
 }
 
-LRESULT WINAPI DefWindowProcW(HWND hWnd, UINT nMessage, WPARAM, LPARAM)
-{
+LRESULT WINAPI DefWindowProcW(HWND hWnd, UINT nMessage, WPARAM, LPARAM) {
     if (nMessage == WM_NCCREATE)
         return TRUE;
     if (nMessage == WM_CLOSE)
@@ -254,8 +230,7 @@ LRESULT WINAPI DefWindowProcW(HWND hWnd, UINT nMessage, WPARAM, LPARAM)
     return 0;
 }
 
-LONG_PTR WINAPI SetWindowLongPtrW(HWND hWnd, int nIndex, LONG_PTR nNewLong)
-{
+LONG_PTR WINAPI SetWindowLongPtrW(HWND hWnd, int nIndex, LONG_PTR nNewLong) {
     SWindowSystem& system = System();
     const std::lock_guard lock(system.mutex);
     SWindow* pWindow = system.Find(hWnd);
@@ -263,16 +238,14 @@ LONG_PTR WINAPI SetWindowLongPtrW(HWND hWnd, int nIndex, LONG_PTR nNewLong)
         return Fail<LONG_PTR>(ERROR_INVALID_WINDOW_HANDLE, 0);
     if (nIndex == GWLP_USERDATA)
         return std::exchange(pWindow->nUserData, nNewLong);
-    if (nIndex == GWLP_WNDPROC && nNewLong != 0)
-    {
+    if (nIndex == GWLP_WNDPROC && nNewLong != 0) {
         WNDPROC pfnOld = std::exchange(pWindow->pfnWindowProc, reinterpret_cast<WNDPROC>(nNewLong));
         return reinterpret_cast<LONG_PTR>(pfnOld);
     }
     return Fail<LONG_PTR>(ERROR_INVALID_INDEX, 0);
 }
 
-LONG_PTR WINAPI GetWindowLongPtrW(HWND hWnd, int nIndex)
-{
+LONG_PTR WINAPI GetWindowLongPtrW(HWND hWnd, int nIndex) {
     SWindowSystem& system = System();
     const std::lock_guard lock(system.mutex);
     const SWindow* pWindow = system.Find(hWnd);
@@ -285,8 +258,7 @@ LONG_PTR WINAPI GetWindowLongPtrW(HWND hWnd, int nIndex)
     return Fail<LONG_PTR>(ERROR_INVALID_INDEX, 0);
 }
 
-BOOL WINAPI EnableWindow(HWND hWnd, BOOL bEnable)
-{
+BOOL WINAPI EnableWindow(HWND hWnd, BOOL bEnable) {
     SWindowSystem& system = System();
     bool bWasDisabled = false;
     {
@@ -302,23 +274,20 @@ BOOL WINAPI EnableWindow(HWND hWnd, BOOL bEnable)
     return bWasDisabled;
 }
 
-BOOL WINAPI IsWindowEnabled(HWND hWnd)
-{
+BOOL WINAPI IsWindowEnabled(HWND hWnd) {
     SWindowSystem& system = System();
     const std::lock_guard lock(system.mutex);
     return system.Find(hWnd) != nullptr && !system.HasStyle(hWnd, WS_DISABLED);
 }
 
-BOOL WINAPI ShowWindow(HWND hWnd, int nCommand)
-{
+BOOL WINAPI ShowWindow(HWND hWnd, int nCommand) {
     SWindowSystem& system = System();
     const std::lock_guard lock(system.mutex);
     SWindow* pWindow = system.Find(hWnd);
     if (pWindow == nullptr)
         return Fail(ERROR_INVALID_WINDOW_HANDLE, FALSE);
     const bool bWasVisible = (pWindow->nStyle & WS_VISIBLE) != 0;
-    switch (nCommand)
-    {
+    switch (nCommand) {
     case SW_HIDE:
         pWindow->nStyle &= ~WS_VISIBLE;
         break;
@@ -337,22 +306,19 @@ BOOL WINAPI ShowWindow(HWND hWnd, int nCommand)
     return bWasVisible;
 }
 
-BOOL WINAPI IsWindowVisible(HWND hWnd)
-{
+BOOL WINAPI IsWindowVisible(HWND hWnd) {
     SWindowSystem& system = System();
     const std::lock_guard lock(system.mutex);
     // Visible means: the window and all windows around it, up to the screen (which HWND_MESSAGE never reaches).
     for (const SWindow* pWindow = system.Find(hWnd); pWindow != nullptr && (pWindow->nStyle & WS_VISIBLE) != 0;
-         pWindow = system.Find(pWindow->hParent))
-    {
+         pWindow = system.Find(pWindow->hParent)) {
         if (pWindow->hParent == nullptr)
             return TRUE;
     }
     return FALSE;
 }
 
-BOOL WINAPI IsIconic(HWND hWnd)
-{
+BOOL WINAPI IsIconic(HWND hWnd) {
     SWindowSystem& system = System();
     const std::lock_guard lock(system.mutex);
     return system.HasStyle(hWnd, WS_MINIMIZE);
@@ -360,8 +326,7 @@ BOOL WINAPI IsIconic(HWND hWnd)
 
 // ---- Messages -------------------------------------------------------------------------------------------------------
 
-BOOL WINAPI PostMessageW(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
-{
+BOOL WINAPI PostMessageW(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
     SWindowSystem& system = System();
     {
         const std::lock_guard lock(system.mutex);
@@ -375,8 +340,7 @@ BOOL WINAPI PostMessageW(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
     return TRUE;
 }
 
-LRESULT WINAPI SendMessageW(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
-{
+LRESULT WINAPI SendMessageW(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
     SWindowSystem& system = System();
     WNDPROC pfnWindowProc = nullptr;
     {
@@ -389,8 +353,7 @@ LRESULT WINAPI SendMessageW(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lPar
     return pfnWindowProc(hWnd, nMessage, wParam, lParam);
 }
 
-void WINAPI PostQuitMessage(int nExitCode)
-{
+void WINAPI PostQuitMessage(int nExitCode) {
     SWindowSystem& system = System();
     {
         const std::lock_guard lock(system.mutex);
@@ -399,8 +362,7 @@ void WINAPI PostQuitMessage(int nExitCode)
     system.posted.notify_all();
 }
 
-BOOL WINAPI PeekMessageW(LPMSG pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax, UINT nRemove)
-{
+BOOL WINAPI PeekMessageW(LPMSG pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax, UINT nRemove) {
     SWindowSystem& system = System();
     const std::lock_guard lock(system.mutex);
     if (hWnd != nullptr && system.Find(hWnd) == nullptr)
@@ -408,8 +370,7 @@ BOOL WINAPI PeekMessageW(LPMSG pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax
     return TakeMessage(system, pMsg, hWnd, nFilterMin, nFilterMax, (nRemove & PM_REMOVE) != 0);
 }
 
-BOOL WINAPI GetMessageW(LPMSG pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax)
-{
+BOOL WINAPI GetMessageW(LPMSG pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax) {
     SWindowSystem& system = System();
     std::unique_lock lock(system.mutex);
     if (hWnd != nullptr && system.Find(hWnd) == nullptr)
@@ -418,12 +379,10 @@ BOOL WINAPI GetMessageW(LPMSG pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax)
     return pMsg->message != WM_QUIT;
 }
 
-BOOL WINAPI TranslateMessage(const MSG*)
-{
+BOOL WINAPI TranslateMessage(const MSG*) {
     return FALSE; // no key messages arise here, so none is translated
 }
 
-LRESULT WINAPI DispatchMessageW(const MSG* pMsg)
-{
+LRESULT WINAPI DispatchMessageW(const MSG* pMsg) {
     return pMsg->hwnd == nullptr ? 0 : SendMessageW(pMsg->hwnd, pMsg->message, pMsg->wParam, pMsg->lParam);
 }

@@ -102,22 +102,19 @@ typedef HICON HCURSOR;
 typedef INT_PTR (*FARPROC)();
 typedef LRESULT(CALLBACK* WNDPROC)(HWND, UINT, WPARAM, LPARAM);
 
-struct tagPOINT
-{
+struct tagPOINT {
     LONG x;
     LONG y;
 };
 typedef tagPOINT POINT, *PPOINT, *LPPOINT;
 
-struct tagSIZE
-{
+struct tagSIZE {
     LONG cx;
     LONG cy;
 };
 typedef tagSIZE SIZE, *PSIZE, *LPSIZE;
 
-struct tagRECT
-{
+struct tagRECT {
     LONG left;
     LONG top;
     LONG right;
@@ -126,8 +123,7 @@ struct tagRECT
 typedef tagRECT RECT, *PRECT, *LPRECT;
 typedef const RECT* LPCRECT;
 
-struct tagMSG
-{
+struct tagMSG {
     HWND hwnd;
     UINT message;
     WPARAM wParam;
@@ -137,8 +133,7 @@ struct tagMSG
 };
 typedef tagMSG MSG, *PMSG, *LPMSG;
 
-struct _GUID
-{
+struct _GUID {
     DWORD Data1;
     WORD Data2;
     WORD Data3;
@@ -151,16 +146,13 @@ typedef const GUID& REFGUID;
 
 inline constexpr GUID GUID_NULL = {0, 0, 0, {0, 0, 0, 0, 0, 0, 0, 0}};
 
-inline BOOL IsEqualGUID(REFGUID guidLeft, REFGUID guidRight)
-{
+inline BOOL IsEqualGUID(REFGUID guidLeft, REFGUID guidRight) {
     return std::memcmp(&guidLeft, &guidRight, sizeof(GUID)) == 0;
 }
-inline bool operator==(REFGUID guidLeft, REFGUID guidRight)
-{
+inline bool operator==(REFGUID guidLeft, REFGUID guidRight) {
     return IsEqualGUID(guidLeft, guidRight) != 0;
 }
-inline bool operator!=(REFGUID guidLeft, REFGUID guidRight)
-{
+inline bool operator!=(REFGUID guidLeft, REFGUID guidRight) {
     return IsEqualGUID(guidLeft, guidRight) == 0;
 }
 
@@ -218,8 +210,7 @@ inline bool operator!=(REFGUID guidLeft, REFGUID guidRight)
 #define ERROR_RESOURCE_NAME_NOT_FOUND 1814L
 #define ERROR_NOT_ENOUGH_QUOTA 1816L
 
-extern "C"
-{
+extern "C" {
 // Error code of the calling thread's last failing call; calls that succeed leave it alone.
 COMPAT_API DWORD WINAPI GetLastError();
 COMPAT_API void WINAPI SetLastError(DWORD nError);
@@ -263,8 +254,7 @@ COMPAT_API DWORD WINAPI GetModuleFileNameW(HMODULE hModule, LPWSTR pszFileName, 
 #define LR_DEFAULTCOLOR 0x0000
 #define LR_DEFAULTSIZE 0x0040
 
-struct _ICONINFO
-{
+struct _ICONINFO {
     BOOL fIcon;
     DWORD xHotspot;
     DWORD yHotspot;
@@ -273,8 +263,7 @@ struct _ICONINFO
 };
 typedef _ICONINFO ICONINFO, *PICONINFO;
 
-struct tagBITMAP
-{
+struct tagBITMAP {
     LONG bmType;
     LONG bmWidth;
     LONG bmHeight;
@@ -285,9 +274,9 @@ struct tagBITMAP
 };
 typedef tagBITMAP BITMAP, *PBITMAP, *LPBITMAP;
 
-// Loads an icon (nType IMAGE_ICON only) that the library carries as a resource. With nWidth and nHeight 0 and without
-// LR_DEFAULTSIZE the image keeps its own size; images are never scaled here. The caller owns the icon (DestroyIcon).
-// Null on failure: ERROR_RESOURCE_NAME_NOT_FOUND for an id that the library does not have,
+// Loads an icon (nType IMAGE_ICON only) that the library carries as a resource: of its images the one nearest to the
+// wanted size, never scaled here. With nWidth and nHeight 0 and without LR_DEFAULTSIZE it is the first one. The caller
+// owns the icon (DestroyIcon). Null on failure: ERROR_RESOURCE_NAME_NOT_FOUND for an id that the library does not have,
 // ERROR_RESOURCE_DATA_NOT_FOUND for data that is not an icon.
 COMPAT_API HANDLE WINAPI LoadImageW(HINSTANCE hInstance, LPCWSTR pszName, UINT nType, int nWidth, int nHeight,
                                     UINT nFlags);
@@ -367,8 +356,7 @@ COMPAT_API HRSRC WINAPI FindResourceW(HMODULE hModule, LPCWSTR pszName, LPCWSTR 
 #define SW_MINIMIZE 6
 #define SW_RESTORE 9
 
-struct tagWNDCLASSW
-{
+struct tagWNDCLASSW {
     UINT style;
     WNDPROC lpfnWndProc;
     int cbClsExtra;
@@ -382,8 +370,7 @@ struct tagWNDCLASSW
 };
 typedef tagWNDCLASSW WNDCLASSW, *LPWNDCLASSW;
 
-struct tagWNDCLASSEXW
-{
+struct tagWNDCLASSEXW {
     UINT cbSize;
     UINT style;
     WNDPROC lpfnWndProc;
@@ -399,8 +386,7 @@ struct tagWNDCLASSEXW
 };
 typedef tagWNDCLASSEXW WNDCLASSEXW, *LPWNDCLASSEXW;
 
-struct tagCREATESTRUCTW
-{
+struct tagCREATESTRUCTW {
     LPVOID lpCreateParams;
     HINSTANCE hInstance;
     HMENU hMenu;
@@ -594,7 +580,9 @@ COMPAT_API UINT WINAPI GetACP();
 // ERROR_INVALID_PARAMETER (null or empty source, unknown code page, for UTF-8 also a default character),
 // ERROR_INVALID_FLAGS, ERROR_NO_UNICODE_TRANSLATION (with WC_ERR_INVALID_CHARS).
 // A character that the code page does not have becomes the default character ('?' when null), and *pbUsedDefault TRUE;
-// no best-fit look-alikes are tried. Values that are no characters (surrogates, above 0x10FFFF) become U+FFFD in UTF-8.
+// no best-fit look-alikes are tried, marks are not composed with their letters (WC_COMPOSITECHECK and the other flags
+// of that kind are accepted), and the private-use characters of code page 936 are not mapped. Values that are no
+// characters (surrogates, above 0x10FFFF) become U+FFFD in UTF-8.
 COMPAT_API int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, int nWideLength,
                                           LPSTR pszBytes, int nBytes, LPCSTR pszDefault, LPBOOL pbUsedDefault);
 // Bytes to wide text, likewise. Bytes that are no character become U+FFFD, or fail with ERROR_NO_UNICODE_TRANSLATION

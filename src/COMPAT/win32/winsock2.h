@@ -27,8 +27,7 @@ typedef struct in_addr IN_ADDR, *PIN_ADDR;
 #define WSADESCRIPTION_LEN 256
 #define WSASYS_STATUS_LEN 128
 
-struct WSAData
-{
+struct WSAData {
     WORD wVersion;
     WORD wHighVersion;
     unsigned short iMaxSockets;
@@ -64,8 +63,7 @@ typedef WSAData WSADATA, *LPWSADATA;
 #define WSAVERNOTSUPPORTED 10092
 #define WSANOTINITIALISED 10093
 
-extern "C"
-{
+extern "C" {
 // Counts one more user. Versions 1.0 to 2.2 are served; 0 on success, otherwise an error code (not through
 // WSAGetLastError).
 COMPAT_API int WINAPI WSAStartup(WORD nVersionRequested, LPWSADATA pData);

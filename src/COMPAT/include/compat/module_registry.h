@@ -5,8 +5,7 @@
 #include <windows.h>
 
 // Announces the library's DllMain.
-class COMPAT_API CompatModuleEntry
-{
+class COMPAT_API CompatModuleEntry {
 public:
     explicit CompatModuleEntry(BOOL(WINAPI* pfnDllMain)(HINSTANCE, DWORD, LPVOID));
     ~CompatModuleEntry();
@@ -18,8 +17,7 @@ private:
 };
 
 // Announces one icon resource: the bytes of an .ico file, which lie in the library.
-class COMPAT_API CompatIconResource
-{
+class COMPAT_API CompatIconResource {
 public:
     CompatIconResource(WORD nId, const BYTE* pBegin, const BYTE* pEnd);
     ~CompatIconResource();

@@ -1,0 +1,133 @@
+// What only the Linux subset has or decides: its hooks, texts of 32-bit characters, and documented behaviour in which
+// other implementations differ.
+
+#include "CompatTest.h"
+
+#include <compat/testing.h>
+
+#include <winsock2.h>
+
+TEST(HooksTest, TheTickCountCanBeFrozen) {
+    CompatFreezeTickCount(123456u);
+    EXPECT_EQ(GetTickCount(), 123456u);
+    CompatFreezeTickCount(0x1FFFFFFF0ull);
+    EXPECT_EQ(GetTickCount(), 0xFFFFFFF0u);
+    EXPECT_EQ(GetTickCount64(), 0x1FFFFFFF0ull);
+    CompatFreezeTickCount(std::nullopt);
+    EXPECT_NE(GetTickCount64(), 0x1FFFFFFF0ull);
+}
+
+TEST(HooksTest, TheAnsiCodePageCanBeSet) {
+    char bytes[10];
+    ASSERT_TRUE(CompatSetAnsiCodePage(936));
+    EXPECT_EQ(GetACP(), 936u);
+    EXPECT_EQ(WideCharToMultiByte(CP_ACP, WC_COMPOSITECHECK, L"\x4E2D", 1, bytes, 10, nullptr, nullptr), 2);
+    EXPECT_EQ(std::string(bytes, 2), "\xD6\xD0");
+    EXPECT_FALSE(CompatSetAnsiCodePage(12345));
+    EXPECT_FALSE(CompatSetAnsiCodePage(CP_ACP));
+    EXPECT_EQ(GetACP(), 936u);
+    ASSERT_TRUE(CompatSetAnsiCodePage(1252));
+}
+
+TEST(HooksTest, ValuesThatAreNoCharactersAreReplaced) {
+    const wchar_t values[] = {wchar_t(0x110000), wchar_t(0x7FFFFFFF), wchar_t(-1), wchar_t(0xDFFF)};
+    char bytes[20];
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, values, 4, bytes, 20, nullptr, nullptr), 12);
+    EXPECT_EQ(std::string(bytes, 3), "\xEF\xBF\xBD");
+    EXPECT_EQ(WideCharToMultiByte(1252, 0, values, 4, bytes, 20, nullptr, nullptr), 4);
+    EXPECT_EQ(std::string(bytes, 4), "????");
+    EXPECT_EQ(WideCharToMultiByte(936, 0, values, 4, bytes, 20, nullptr, nullptr), 4);
+}
+
+TEST(HooksTest, Utf8HasNoDefaultCharacter) {
+    char bytes[4];
+    BOOL bUsed = FALSE;
+    SetLastError(0);
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, L"a", 1, bytes, 4, "?", nullptr), 0);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+    SetLastError(0);
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, 0, L"a", 1, bytes, 4, nullptr, &bUsed), 0);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+}
+
+TEST(HooksTest, EachByteOfAnEncodedSurrogateIsReplaced) {
+    wchar_t wide[4];
+    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xED\xA0\x80", 3, wide, 4), 3);
+    EXPECT_EQ(std::wstring(wide, 3), L"\xFFFD\xFFFD\xFFFD");
+}
+
+TEST(HooksTest, UnknownWindowsAndClassesAreNamedByTheLastError) {
+    HWND hUnknown = reinterpret_cast<HWND>(0x7FFF0);
+    SetLastError(0);
+    EXPECT_FALSE(DestroyWindow(hUnknown));
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_WINDOW_HANDLE));
+    SetLastError(0);
+    EXPECT_EQ(SendMessageW(hUnknown, WM_USER, 0, 0), 0);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_WINDOW_HANDLE));
+    EXPECT_EQ(CreateWindowExW(0, L"NoSuchClass", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr), nullptr);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_CANNOT_FIND_WND_CLASS));
+}
+
+TEST(HooksTest, ACutModulePathEndsWithAZero) {
+    wchar_t szPath[5] = {L'#', L'#', L'#', L'#', L'#'};
+    EXPECT_EQ(GetModuleFileNameW(nullptr, szPath, 5), 5u);
+    EXPECT_EQ(szPath[4], 0);
+}
+
+TEST(HooksTest, CharactersBeyond16BitsCountOnce) {
+    EXPECT_EQ(CString(L"\U0001F600").GetLength(), 1);
+    char bytes[4];
+    EXPECT_EQ(WideCharToMultiByte(1252, 0, L"\U0001F600", 1, bytes, 4, nullptr, nullptr), 1);
+}
+
+TEST(HooksTest, ProfilesTakeBackslashesInPaths) {
+    const CTemporaryFile file("slash.ini", "[S]\nKey=3\n");
+    std::wstring strPath = file.Path();
+    for (wchar_t& ch : strPath)
+        ch = ch == L'/' ? L'\\' : ch;
+    EXPECT_EQ(GetPrivateProfileIntW(L"S", L"Key", 0, strPath.c_str()), 3u);
+}
+
+TEST(SocketsTest, StartUpsAreCounted) {
+    EXPECT_EQ(WSACleanup(), SOCKET_ERROR);
+    EXPECT_EQ(WSAGetLastError(), WSANOTINITIALISED);
+    WSADATA data;
+    EXPECT_EQ(WSAStartup(MAKEWORD(0, 0), &data), WSAVERNOTSUPPORTED);
+    EXPECT_EQ(WSAStartup(MAKEWORD(2, 2), &data), 0);
+    EXPECT_EQ(data.wVersion, MAKEWORD(2, 2));
+    EXPECT_EQ(WSAStartup(MAKEWORD(1, 1), &data), 0);
+    EXPECT_EQ(data.wVersion, MAKEWORD(1, 1));
+    EXPECT_EQ(WSACleanup(), 0);
+    EXPECT_EQ(WSACleanup(), 0);
+    EXPECT_EQ(WSACleanup(), SOCKET_ERROR);
+}
+
+TEST(SocketsTest, DatagramsTravelOverLoopback) {
+    const SOCKET hReceiver = socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP);
+    const SOCKET hSender = socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP);
+    ASSERT_NE(hReceiver, INVALID_SOCKET);
+    ASSERT_NE(hSender, INVALID_SOCKET);
+    SOCKADDR_IN address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    ASSERT_EQ(bind(hReceiver, reinterpret_cast<SOCKADDR*>(&address), sizeof(address)), 0);
+    socklen_t nLength = sizeof(address);
+    ASSERT_EQ(getsockname(hReceiver, reinterpret_cast<SOCKADDR*>(&address), &nLength), 0);
+
+    unsigned long nNonBlocking = 1;
+    EXPECT_EQ(ioctlsocket(hReceiver, FIONBIO, &nNonBlocking), 0);
+    char bytes[10];
+    EXPECT_EQ(recv(hReceiver, bytes, sizeof(bytes), 0), SOCKET_ERROR);
+    EXPECT_EQ(WSAGetLastError(), WSAEWOULDBLOCK);
+
+    const BOOL bBroadcast = TRUE;
+    EXPECT_EQ(
+        setsockopt(hSender, SOL_SOCKET, SO_BROADCAST, reinterpret_cast<const char*>(&bBroadcast), sizeof(bBroadcast)),
+        0);
+    EXPECT_EQ(sendto(hSender, "data", 4, 0, reinterpret_cast<SOCKADDR*>(&address), sizeof(address)), 4);
+    nNonBlocking = 0;
+    EXPECT_EQ(ioctlsocket(hReceiver, FIONBIO, &nNonBlocking), 0);
+    EXPECT_EQ(recv(hReceiver, bytes, sizeof(bytes), 0), 4);
+    EXPECT_EQ(closesocket(hSender), 0);
+    EXPECT_EQ(closesocket(hReceiver), 0);
+}

@@ -1,0 +1,254 @@
+// The broadcast send node: its table, how it opens its socket, and the bytes of its datagrams.
+#include "HeapUse.h"
+#include "ModuleHost.h"
+#include "SocketCalls.h"
+
+namespace {
+
+enum : unsigned {
+    FLAG = 602,
+    CLIP_NAME = 603,
+    NAME = 604,
+    DATA = 605,
+    SEND = 606,
+};
+
+ExpectedParam TextParam(unsigned nId, const char* pszName, const char* pszDisplay) {
+    return {.nId = nId,
+            .pszName = pszName,
+            .pszDisplay = pszDisplay,
+            .nType = 1,
+            .nControl = 6,
+            .flags = ExpectedFlags{0, 0, 1, 0}};
+}
+
+class BroadcastSendNode : public ModuleTest {
+protected:
+    BroadcastSendNode() {
+        WatchSocketCalls(m_host.Module());
+        TakeSocketCalls();
+        TakeDatagrams();
+    }
+    ~BroadcastSendNode() override {
+        FailSockets(false);
+        TakeSocketCalls();
+    }
+
+    void Configure(std::string_view port) const {
+        m_host.WriteFile("Config/PortConfig.ini", "[iFable]\nBroadcastPort=" + std::string(port) + "\n");
+    }
+
+    static void Fill(NodeScene& scene) {
+        scene.Input(FLAG).m_strValue = L"1";
+        scene.Input(CLIP_NAME).m_strValue = L"Intro";
+        scene.Input(NAME).m_strValue = L"score";
+        scene.Input(DATA).m_strValue = L"12|7";
+        scene.AddGraphInput(SEND, 26, 7).m_nValue = 1;
+    }
+
+    /// The port that a node made now sends to.
+    int Port() {
+        NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+        Fill(scene);
+        scene.Evaluate();
+        const std::vector<SentDatagram> datagrams = TakeDatagrams();
+        return datagrams.size() == 1 ? ntohs(datagrams[0].address.sin_port) : -1;
+    }
+
+    /// The bytes of the one datagram that an evaluation sends; "none" when it sends none.
+    static std::string Evaluated(NodeScene& scene) {
+        EXPECT_EQ(scene.Evaluate(), 1);
+        const std::vector<SentDatagram> datagrams = TakeDatagrams();
+        EXPECT_LE(datagrams.size(), 1u);
+        return datagrams.empty() ? "none" : datagrams[0].bytes;
+    }
+};
+
+TEST_F(BroadcastSendNode, IsFresh) {
+    const NodePtr pNode = m_host.CreateNode(TYPE_BROADCAST_SEND);
+    ExpectFreshNode(*pNode, TYPE_BROADCAST_SEND, "IO_PROCESS_BROADCAST");
+}
+
+TEST_F(BroadcastSendNode, Inputs) {
+    const NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    ExpectInputGroups(scene.m_pNode->m_lstParamGroup, {{601,
+                                                        "Base param",
+                                                        "IO_PROCESS_BROADCAST",
+                                                        {{.nId = 7,
+                                                          .pszName = "Version",
+                                                          .pszDisplay = "Version",
+                                                          .nType = 2,
+                                                          .nControl = 1,
+                                                          .range = ExpectedRange{1, 1, 10000, 1},
+                                                          .flags = ExpectedFlags{0, 0, 0, 0},
+                                                          .nValue = 1,
+                                                          .fValue = 1},
+                                                         TextParam(602, "Flag", "IO_PROCESS_BROADCAST_FLAG"),
+                                                         TextParam(603, "ClipName", "IO_PROCESS_NETSEND_CLIPNAME"),
+                                                         TextParam(604, "Name", "IO_PROCESS_BROADCAST_NAME"),
+                                                         TextParam(605, "Data", "IO_PROCESS_BROADCAST_VALUE"),
+                                                         {.nId = 606,
+                                                          .pszName = "Send",
+                                                          .pszDisplay = "IO_PROCESS_NETSEND_SEND",
+                                                          .nType = 26,
+                                                          .nControl = 7,
+                                                          .range = ExpectedRange{0, 0, 1, 1},
+                                                          .flags = ExpectedFlags{0, 0, 1, 0}}}}});
+    EXPECT_TRUE(scene.m_graphNode.m_lstOutputGroup.IsEmpty());
+}
+
+TEST_F(BroadcastSendNode, OpensItsSocketFirst) {
+    const NodePtr pNode = m_host.CreateNode(TYPE_BROADCAST_SEND);
+    EXPECT_EQ(TakeSocketCalls(),
+              (std::vector<std::string>{"socket 2 2 0", "WSAStartup 0x0202", "setsockopt 0xFFFF 0x20 1"}));
+}
+
+TEST_F(BroadcastSendNode, SendsOneDatagramToEveryHost) {
+    Configure("8060");
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    Fill(scene);
+    EXPECT_EQ(scene.Evaluate(), 1);
+    const std::vector<SentDatagram> datagrams = TakeDatagrams();
+    ASSERT_EQ(datagrams.size(), 1u);
+    const std::string expected = "[.{<Broadcast Flag=\"1\" ClipName=\"Intro\" Name=\"score\" Data=\"12|7\"/>\r\n}.]";
+    EXPECT_EQ(datagrams[0].bytes, expected + '\0');
+    EXPECT_NE(datagrams[0].hSocket, INVALID_SOCKET);
+    EXPECT_EQ(datagrams[0].nFlags, 0);
+    EXPECT_EQ(datagrams[0].nAddressSize, 16);
+    EXPECT_EQ(datagrams[0].address.sin_family, 2);
+    EXPECT_EQ(datagrams[0].address.sin_addr.s_addr, 0xFFFFFFFFu);
+    EXPECT_EQ(ntohs(datagrams[0].address.sin_port), 8060);
+    EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{});
+}
+
+TEST_F(BroadcastSendNode, ThePortIsReadWhenTheNodeIsMade) {
+    EXPECT_EQ(Port(), 0); // no file
+    Configure("70000");
+    EXPECT_EQ(Port(), 4464);
+    Configure("65535");
+    EXPECT_EQ(Port(), 65535);
+    m_host.WriteFile("Config/PortConfig.ini", "[Other]\nBroadcastPort=8060\n");
+    EXPECT_EQ(Port(), 0);
+
+    Configure("8061");
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    Fill(scene);
+    Configure("8062");
+    scene.Evaluate();
+    const std::vector<SentDatagram> datagrams = TakeDatagrams();
+    ASSERT_EQ(datagrams.size(), 1u);
+    EXPECT_EQ(ntohs(datagrams[0].address.sin_port), 8061);
+}
+
+TEST_F(BroadcastSendNode, SendsNothingUnlessTriggered) {
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    scene.Input(DATA).m_strValue = L"x";
+    scene.Input(SEND).m_nValue = 1; // the node's own doesn't count
+    EXPECT_EQ(Evaluated(scene), "none");
+    VEKParam& send = scene.AddGraphInput(SEND, 26, 7);
+    send.m_nValue = 0;
+    EXPECT_EQ(Evaluated(scene), "none");
+    send.m_nValue = 1;
+    EXPECT_NE(Evaluated(scene), "none");
+    EXPECT_NE(Evaluated(scene), "none");
+}
+
+TEST_F(BroadcastSendNode, SendsNothingWithoutData) {
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    Fill(scene);
+    scene.Input(DATA).m_strValue.Empty();
+    EXPECT_EQ(Evaluated(scene), "none");
+    scene.Input(DATA).m_strValue = L"|"; // two empty pieces
+    EXPECT_NE(Evaluated(scene), "none");
+}
+
+TEST_F(BroadcastSendNode, FollowsItsInputs) {
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    Fill(scene);
+    Evaluated(scene);
+    scene.Input(FLAG).m_strValue = L"";
+    scene.Input(NAME).m_strValue = L"a<b>&\"c\"\r\n";
+    scene.AddGraphInput(DATA, 1, 6).m_strValue = L"graph's";
+    const std::string expected =
+        "[.{<Broadcast Flag=\"\" ClipName=\"Intro\" Name=\"a&lt;b&gt;&amp;&quot;c&quot;&#13;&#10;\" "
+        "Data=\"graph's\"/>\r\n}.]";
+    EXPECT_EQ(Evaluated(scene), expected + '\0');
+}
+
+TEST_F(BroadcastSendNode, AMissingInputKeepsItsLastText) {
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    Fill(scene);
+    const std::string before = Evaluated(scene);
+    CList<VEKParam*>& lstParam = scene.m_pNode->m_lstParamGroup.GetHead()->m_lstParam;
+    for (const unsigned nId : {FLAG, DATA}) {
+        VEKParam* pParam = &scene.Input(nId);
+        lstParam.RemoveAt(lstParam.Find(pParam));
+        delete pParam;
+    }
+    EXPECT_EQ(Evaluated(scene), before);
+}
+
+TEST_F(BroadcastSendNode, IsInTheAnsiCodePage) {
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    Fill(scene);
+    scene.Input(DATA).m_strValue = L"\u00e9\u20ac\u6bd4";
+    const std::string expected =
+        "[.{<Broadcast Flag=\"1\" ClipName=\"Intro\" Name=\"score\" Data=\"\xE9\x80?\"/>\r\n}.]"; // code page 1252
+    EXPECT_EQ(Evaluated(scene), expected + '\0');
+}
+
+TEST_F(BroadcastSendNode, TextsOfAnyLengthGoOutWhole) {
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    Fill(scene);
+    for (const int nLength : {1, 10, 1000, 60000, 5, 100000}) {
+        scene.Input(DATA).m_strValue = CString(L'x', nLength);
+        const std::string expected = "[.{<Broadcast Flag=\"1\" ClipName=\"Intro\" Name=\"score\" Data=\"" +
+                                     std::string(static_cast<size_t>(nLength), 'x') + "\"/>\r\n}.]";
+        EXPECT_EQ(Evaluated(scene), expected + '\0') << nLength;
+    }
+}
+
+TEST_F(BroadcastSendNode, WithoutASocketItSendsToNowhereAndSaysNothing) {
+    FailSockets(true);
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    EXPECT_EQ(TakeSocketCalls(), std::vector<std::string>{"socket 2 2 0"});
+    Fill(scene);
+    EXPECT_EQ(scene.Evaluate(), 1);
+    const std::vector<SentDatagram> datagrams = TakeDatagrams();
+    ASSERT_EQ(datagrams.size(), 1u);
+    EXPECT_EQ(datagrams[0].hSocket, INVALID_SOCKET);
+    EXPECT_EQ(datagrams[0].address.sin_family, 0);
+    EXPECT_EQ(datagrams[0].address.sin_port, 0);
+    EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{});
+}
+
+TEST_F(BroadcastSendNode, NeedsGraphNodeAndClip) {
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    Fill(scene);
+    EXPECT_EQ(scene.m_pNode->ProcessNode(nullptr), 0);
+    scene.m_pNode->m_pOwnerClip = nullptr;
+    EXPECT_EQ(scene.Evaluate(), 0);
+    EXPECT_TRUE(TakeDatagrams().empty());
+}
+
+TEST_F(BroadcastSendNode, TakesNoEvents) {
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    EXPECT_EQ(scene.Send(2, 1), 0);
+    EXPECT_EQ(scene.m_pNode->DevIOEventOccurred(nullptr), 0);
+    EXPECT_EQ(scene.m_pNode->GetNodeParamInfoGrpAr(), nullptr);
+}
+
+TEST_F(BroadcastSendNode, SteadySendsKeepTheHeapAsItIs) {
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    Fill(scene);
+    scene.Input(DATA).m_strValue = CString(L'x', 5000);
+    Evaluated(scene);
+    const size_t nBefore = HeapBytesInUse();
+    for (int i = 0; i < 1000; ++i) {
+        scene.Evaluate();
+        TakeDatagrams();
+    }
+    EXPECT_EQ(HeapBytesInUse(), nBefore);
+}
+
+} // namespace

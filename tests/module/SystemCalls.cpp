@@ -1,0 +1,93 @@
+#include "SystemCalls.h"
+
+#include <utility>
+
+namespace {
+
+std::vector<ImageCall> s_imageCalls;
+
+using LoadImageType = decltype(&LoadImageW);
+
+HANDLE LoadImageAndRecord(LoadImageType pLoadImage, HINSTANCE hInstance, LPCWSTR pszName, UINT nType, int nWidth,
+                          int nHeight, UINT nFlags) {
+    const HANDLE hImage = pLoadImage(hInstance, pszName, nType, nWidth, nHeight, nFlags);
+    s_imageCalls.push_back(
+        {hInstance, reinterpret_cast<ULONG_PTR>(pszName), nType, nWidth, nHeight, nFlags, hImage});
+    return hImage;
+}
+
+} // namespace
+
+std::vector<ImageCall> TakeImageCalls() {
+    return std::exchange(s_imageCalls, {});
+}
+
+#if defined(_WIN32)
+
+// The module's import of the function is led here.
+
+namespace {
+
+HANDLE WINAPI WatchedLoadImage(HINSTANCE hInstance, LPCWSTR pszName, UINT nType, int nWidth, int nHeight, UINT nFlags) {
+    return LoadImageAndRecord(LoadImageW, hInstance, pszName, nType, nWidth, nHeight, nFlags);
+}
+
+template <typename T>
+T* At(HMODULE hModule, DWORD nOffset) {
+    return reinterpret_cast<T*>(reinterpret_cast<BYTE*>(hModule) + nOffset);
+}
+
+} // namespace
+
+void WatchSystemCalls(HMODULE hModule) {
+    const auto* pHeader = At<IMAGE_NT_HEADERS>(hModule, static_cast<DWORD>(At<IMAGE_DOS_HEADER>(hModule, 0)->e_lfanew));
+    const DWORD nImports = pHeader->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    const auto pLoadImage = reinterpret_cast<ULONG_PTR>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "LoadImageW"));
+    for (auto* pImport = At<IMAGE_IMPORT_DESCRIPTOR>(hModule, nImports); pImport->Name != 0; ++pImport) {
+        for (auto* pAddress = At<ULONG_PTR>(hModule, pImport->FirstThunk); *pAddress != 0; ++pAddress) {
+            if (*pAddress == pLoadImage) {
+                DWORD nProtection;
+                VirtualProtect(pAddress, sizeof *pAddress, PAGE_READWRITE, &nProtection);
+                *pAddress = reinterpret_cast<ULONG_PTR>(&WatchedLoadImage);
+                VirtualProtect(pAddress, sizeof *pAddress, nProtection, &nProtection);
+            }
+        }
+    }
+}
+
+#else
+
+// The program's own definitions come before those of its libraries, for every caller.
+
+#include <dlfcn.h>
+
+namespace {
+
+std::vector<std::wstring> s_registeredMessages;
+
+template <typename Function>
+Function* Next(const char* pszName) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, pszName));
+}
+
+} // namespace
+
+void WatchSystemCalls(HMODULE /*hModule*/) {}
+
+std::vector<std::wstring> TakeRegisteredMessages() {
+    return std::exchange(s_registeredMessages, {});
+}
+
+extern "C" HANDLE WINAPI LoadImageW(HINSTANCE hInstance, LPCWSTR pszName, UINT nType, int nWidth, int nHeight,
+                                    UINT nFlags) {
+    static const auto s_pLoadImage = Next<decltype(LoadImageW)>("LoadImageW");
+    return LoadImageAndRecord(s_pLoadImage, hInstance, pszName, nType, nWidth, nHeight, nFlags);
+}
+
+extern "C" UINT WINAPI RegisterWindowMessageW(LPCWSTR pszName) {
+    static const auto s_pRegister = Next<decltype(RegisterWindowMessageW)>("RegisterWindowMessageW");
+    s_registeredMessages.emplace_back(pszName);
+    return s_pRegister(pszName);
+}
+
+#endif

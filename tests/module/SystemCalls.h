@@ -1,0 +1,29 @@
+// Sees the system calls by which the module reaches for what cannot be read back: icon resources and message names.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include <afxwin.h>
+
+struct ImageCall {
+    HINSTANCE hInstance;
+    ULONG_PTR nName; ///< a resource id
+    UINT nType;
+    int nWidth;
+    int nHeight;
+    UINT nFlags;
+    HANDLE hResult;
+};
+
+/// Start watching a module that has just been loaded.
+void WatchSystemCalls(HMODULE hModule);
+
+/// The calls of LoadImageW since the last question.
+std::vector<ImageCall> TakeImageCalls();
+
+#if !defined(_WIN32)
+/// The names given to RegisterWindowMessageW since the last question. Only here: on Windows they are registered before
+/// the module can be watched.
+std::vector<std::wstring> TakeRegisteredMessages();
+#endif

@@ -1,0 +1,57 @@
+// Play-control devices for tests: a list as the host keeps it, whose sockets record what nodes send.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "DeviceList.h"
+#include "SocketTransport.h"
+#include "host/HostNetwork.h"
+
+/// A parser that isn't the direct one.
+class OtherParser final : public CZtSocketParser {
+    DECLARE_DYNAMIC(OtherParser)
+public:
+    void Reset() override {}
+    bool Receive(const unsigned char* /*pData*/, int /*nLength*/) override { return true; }
+};
+
+/// One thing sent: a play-control item or bytes.
+struct SentItem {
+    int nDevice;
+    int nCommandCode = -1; ///< -1: bytes
+    VEKClip* pClip = nullptr;
+    CQORPanelRemoteCtrlData record;
+    std::string bytes;
+};
+
+enum class ParserKind { None, Direct, Other };
+
+/// The host's device list for as long as the object lives; starts without any list.
+class TestDevices {
+public:
+    TestDevices() = default;
+    ~TestDevices() { SetNetPlayCtrlDevices(nullptr); }
+
+    TestDevices(const TestDevices&) = delete;
+    TestDevices& operator=(const TestDevices&) = delete;
+
+    /// Make the (possibly empty) list known.
+    void Publish() { SetNetPlayCtrlDevices(&m_arDevice); }
+    void Add(int nId, const CString& strName, ParserKind nParser = ParserKind::None);
+    void AddNull() { m_arDevice.Add(nullptr); }
+    /// Sockets refuse what they are given; it's recorded all the same.
+    void RefuseAll() { m_bTakes = false; }
+
+    std::vector<SentItem> TakeSent() { return std::exchange(m_sent, {}); }
+
+private:
+    class Transport;
+    struct Device;
+
+    NetPlayCtrlDevArray m_arDevice;
+    std::vector<std::shared_ptr<Device>> m_devices;
+    std::vector<SentItem> m_sent;
+    bool m_bTakes = true;
+};
