@@ -76,6 +76,10 @@ TEST(CStringTest, AssignsFromItself) {
     EXPECT_EQ(strText, L"cdefdefcdefdef");
     strText.Insert(1, strText.GetString());
     EXPECT_EQ(strText, L"ccdefdefcdefdefdefdefcdefdef");
+    strText = L"abc";
+    strText.Preallocate(100); // so that the text stays where it is
+    strText.Insert(0, strText.GetString() + 1);
+    EXPECT_EQ(strText, L"bcabc");
     const CString strEmpty;
     EXPECT_EQ(CString(strEmpty.GetString(), 1).GetLength(), 1);
 }

@@ -50,10 +50,13 @@ TEST(HooksTest, Utf8HasNoDefaultCharacter) {
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
 }
 
-TEST(HooksTest, EachByteOfAnEncodedSurrogateIsReplaced) {
-    wchar_t wide[4];
-    EXPECT_EQ(MultiByteToWideChar(CP_UTF8, 0, "\xED\xA0\x80", 3, wide, 4), 3);
-    EXPECT_EQ(std::wstring(wide, 3), L"\xFFFD\xFFFD\xFFFD");
+TEST(HooksTest, EachByteOfAnEncodedSurrogateOrOverlongFormIsReplaced) {
+    for (const std::string strBytes : {"\xED\xA0\x80", "\xE0\x80\x80", "\xF0\x80\x80\x80", "\xF4\x90\x80\x80"}) {
+        wchar_t wide[4];
+        const int nLength =
+            MultiByteToWideChar(CP_UTF8, 0, strBytes.data(), static_cast<int>(strBytes.size()), wide, 4);
+        EXPECT_EQ(std::wstring(wide, static_cast<std::size_t>(nLength)), std::wstring(strBytes.size(), L'\xFFFD'));
+    }
 }
 
 TEST(HooksTest, UnknownWindowsAndClassesAreNamedByTheLastError) {

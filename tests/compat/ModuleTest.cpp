@@ -177,11 +177,14 @@ TEST_F(ModuleTest, ResourcesAreFoundInExtensionModules) {
 
 #if !defined(_WIN32)
 
-TEST_F(ModuleTest, ABrokenIconIsReported) {
+TEST_F(ModuleTest, BrokenIconsAreReported) {
     const HMODULE hModule = LoadLibraryW(TestModulePath().c_str());
     ASSERT_NE(hModule, nullptr);
-    EXPECT_EQ(LoadImageW(hModule, MAKEINTRESOURCEW(103), IMAGE_ICON, 0, 0, 0), nullptr);
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_RESOURCE_DATA_NOT_FOUND));
+    for (const int nId : {103, 104, 105}) {
+        SetLastError(0);
+        EXPECT_EQ(LoadImageW(hModule, MAKEINTRESOURCEW(nId), IMAGE_ICON, 0, 0, 0), nullptr) << nId;
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_RESOURCE_DATA_NOT_FOUND)) << nId;
+    }
     EXPECT_TRUE(FreeLibrary(hModule));
 }
 

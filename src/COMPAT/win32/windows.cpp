@@ -83,7 +83,7 @@ bool Matches(const MSG& message, HWND hWnd, UINT nFilterMin, UINT nFilterMax) {
            ((nFilterMin == 0 && nFilterMax == 0) || (message.message >= nFilterMin && message.message <= nFilterMax));
 }
 
-// With the lock held. Like on Windows, WM_QUIT comes when nothing else waits.
+// With the lock held. As on Windows, WM_QUIT comes, whatever the filter, when no other message does.
 bool TakeMessage(SWindowSystem& system, LPMSG pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax, bool bRemove) {
     const auto found = std::find_if(system.queue.begin(), system.queue.end(),
                                     [&](const MSG& message) { return Matches(message, hWnd, nFilterMin, nFilterMax); });
@@ -93,7 +93,7 @@ bool TakeMessage(SWindowSystem& system, LPMSG pMsg, HWND hWnd, UINT nFilterMin, 
             system.queue.erase(found);
         return true;
     }
-    if (system.nQuitCode && system.queue.empty()) {
+    if (system.nQuitCode) {
         *pMsg = MSG{nullptr, WM_QUIT, static_cast<WPARAM>(*system.nQuitCode), 0, GetTickCount(), {0, 0}};
         if (bRemove)
             system.nQuitCode.reset();

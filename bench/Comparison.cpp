@@ -1,0 +1,178 @@
+#include "Comparison.h"
+
+#include <algorithm>
+#include <cwchar>
+#include <stdexcept>
+#include <string_view>
+
+#include <benchmark/benchmark.h>
+
+#include "host/HostCommon.h"
+#include "host/HostLog.h"
+
+namespace {
+
+// Set from what was measured (docs/benchmarks.md), with room for a busy machine: noise stays below them, looking up
+// every parameter twice exceeds them, at the latest with 100 nodes. Many nodes don't fit into the processor's caches;
+// they get more room, because other programs disturb them most, and because a node must also touch itself and the
+// values that the look-ups only find.
+struct Size {
+    size_t nNodes;
+    double fProcessNodeLimit;
+    double fEventLimit;
+};
+constexpr Size SIZES[] = {{1, 1.5, 1.3}, {100, 1.5, 1.3}, {LARGEST_NODE_COUNT, 3.5, 2.0}};
+
+// ---- The floors -----------------------------------------------------------------------------------------------------
+
+VEKParam* Find(const CPlacedNode& placed, const LookUp& lookUp) {
+    const GUID guid = MakeParamGuid(lookUp.nId);
+    switch (lookUp.place) {
+    case Place::Input:
+        return QORFindParamByGuid(guid, placed.m_graphNode.m_lstInputGroup, placed.m_pNode->m_lstParamGroup);
+    case Place::Trigger:
+        return FindParam(placed.m_graphNode.m_lstInputGroup, guid);
+    case Place::Output:
+        return FindParam(placed.m_graphNode.m_lstOutputGroup, guid);
+    }
+    return nullptr;
+}
+
+void AddParam(SQOREvent& event, unsigned nId, const wchar_t* pszName, const wchar_t* pszDisplayKey, void* pValue,
+              std::wstring_view typeName) {
+    auto* pParam =
+        new VEKParam(nId, pszName, PXLoadString(pszDisplayKey), PARAM_POINTER.m_nType, PARAM_POINTER.m_nControl);
+    pParam->m_pValue = pValue;
+    std::copy(typeName.begin(), typeName.end(), pParam->m_szTypeName);
+    event.m_lstParam.AddTail(pParam);
+}
+
+/// Write the log line and post the event that the node would.
+bool PostSameEvent(const CPlacedNode& placed, const FiringEvent& firing) {
+    VEKProperty* pNode = placed.m_pNode;
+    NSVEKLog::WriteLog(LOG_INFORMATION, 15, 567, 0, -1, firing.pszLogFormat, pNode->m_pOwnerClip->m_strName.GetString(),
+                       placed.m_graphNode.m_strName.GetString(), pNode->m_strName.GetString(), firing.pszLogText);
+    auto* pEvent = new SQOREvent(QOR_EVENT_GENERAL, L"GeneralEvent");
+    AddParam(*pEvent, 0, L"OwnerClip", L"TOUCH_CONTROL_OWNER_CLIP", pNode->m_pOwnerClip, L"VEKClip");
+    AddParam(*pEvent, 1, L"OwnerObject", L"TOUCH_CONTROL_OWNER_OBJECT", nullptr, L"VEKObject");
+    AddParam(*pEvent, 2, L"OwnerProperty", L"TOUCH_CONTROL_OWNER_PROPERTY", pNode, L"VEKProperty");
+    AddParam(*pEvent, 3, L"OwnerEventID", L"QOR_EXTRADATA_EVENT_ID", new int(firing.nOutput), L"EventID");
+    return PostMessageW(pNode->m_hEventWnd, pNode->m_nEventMsg, 1, reinterpret_cast<LPARAM>(pEvent)) != 0;
+}
+
+// ---- Whether the floors are the right ones --------------------------------------------------------------------------
+
+bool IsSameParam(const VEKParam& left, const VEKParam& right) {
+    const bool bEventId = std::wcscmp(left.m_szTypeName, L"EventID") == 0;
+    return IsEqualGUID(left.m_guid, right.m_guid) && left.m_strName == right.m_strName &&
+           left.m_strDisplay == right.m_strDisplay && left.m_nType == right.m_nType &&
+           left.m_nControl == right.m_nControl && std::wcscmp(left.m_szTypeName, right.m_szTypeName) == 0 &&
+           (bEventId ? *static_cast<int*>(left.m_pValue) == *static_cast<int*>(right.m_pValue)
+                     : left.m_pValue == right.m_pValue);
+}
+
+bool IsSameEvent(const SQOREvent* pLeft, const SQOREvent* pRight) {
+    if (pLeft == nullptr || pRight == nullptr || pLeft->m_nId != pRight->m_nId ||
+        pLeft->m_strName != pRight->m_strName || pLeft->m_lstParam.GetCount() != pRight->m_lstParam.GetCount()) {
+        return false;
+    }
+    POSITION posRight = pRight->m_lstParam.GetHeadPosition();
+    for (POSITION posLeft = pLeft->m_lstParam.GetHeadPosition(); posLeft != nullptr;) {
+        if (!IsSameParam(*pLeft->m_lstParam.GetNext(posLeft), *pRight->m_lstParam.GetNext(posRight))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void CheckFloors(const MeasuredType& type, CBenchHost& host, const CPlacedNode& placed) {
+    for (const LookUp& lookUp : type.lookUps) {
+        if (lookUp.place != Place::Trigger && Find(placed, lookUp) == nullptr) {
+            throw std::runtime_error(std::string(type.pszName) + " has no parameter " + std::to_string(lookUp.nId));
+        }
+    }
+    for (const FiringEvent& firing : type.events) {
+        CString strNodeLog;
+        host.KeepLog(&strNodeLog);
+        placed.m_pNode->DevIOEventOccurred(&firing.record);
+        const auto pNodeEvent = host.TakeEvent();
+
+        CString strFloorLog;
+        host.KeepLog(&strFloorLog);
+        PostSameEvent(placed, firing);
+        const auto pFloorEvent = host.TakeEvent();
+
+        host.KeepLog(nullptr);
+        if (!IsSameEvent(pNodeEvent.get(), pFloorEvent.get()) || strNodeLog != strFloorLog) {
+            throw std::runtime_error(std::string(type.pszName) + ", " + firing.pszName +
+                                     ": the floor posts or logs something else than the node");
+        }
+    }
+}
+
+// ---- Comparisons ----------------------------------------------------------------------------------------------------
+
+using Nodes = std::span<const std::unique_ptr<CPlacedNode>>;
+
+std::string NameOf(const MeasuredType& type, const char* pszOperation, const Size& size) {
+    return std::string(type.pszName) + "/" + pszOperation + "/" + std::to_string(size.nNodes);
+}
+
+Comparison CompareProcessNode(const MeasuredType& type, const Size& size, Nodes nodes) {
+    const auto measured = [nodes] {
+        bool bAllHandled = true;
+        for (const auto& pPlaced : nodes) {
+            bAllHandled &= pPlaced->m_pNode->ProcessNode(&pPlaced->m_graphNode) == 1;
+        }
+        return bAllHandled;
+    };
+    const auto floor = [nodes, &type] {
+        for (const auto& pPlaced : nodes) {
+            for (const LookUp& lookUp : type.lookUps) {
+                benchmark::DoNotOptimize(Find(*pPlaced, lookUp));
+            }
+        }
+        return true;
+    };
+    return {NameOf(type, "ProcessNode", size), size.nNodes, size.fProcessNodeLimit, false, measured, floor};
+}
+
+Comparison CompareEvent(const MeasuredType& type, const FiringEvent& firing, const Size& size, Nodes nodes,
+                        const CBenchHost& host) {
+    const auto measured = [nodes, &firing, &host] {
+        for (const auto& pPlaced : nodes) {
+            pPlaced->m_pNode->DevIOEventOccurred(&firing.record);
+        }
+        return host.ReceiveEvents() == nodes.size();
+    };
+    const auto floor = [nodes, &firing, &host] {
+        for (const auto& pPlaced : nodes) {
+            PostSameEvent(*pPlaced, firing);
+        }
+        return host.ReceiveEvents() == nodes.size();
+    };
+    return {NameOf(type, firing.pszName, size), size.nNodes, size.fEventLimit, true, measured, floor};
+}
+
+} // namespace
+
+std::vector<Comparison> MakeComparisons(const MeasuredType& type, CBenchHost& host, const CPopulation& population) {
+    // A node takes no events before its first evaluation.
+    for (const auto& pPlaced : population.First(LARGEST_NODE_COUNT)) {
+        if (pPlaced->m_pNode->ProcessNode(&pPlaced->m_graphNode) == 0) {
+            throw std::runtime_error(std::string(type.pszName) + ": ProcessNode does nothing");
+        }
+    }
+    CheckFloors(type, host, *population.First(1).front());
+
+    std::vector<Comparison> comparisons;
+    for (const Size& size : SIZES) {
+        comparisons.push_back(CompareProcessNode(type, size, population.First(size.nNodes)));
+    }
+    for (const FiringEvent& firing : type.events) {
+        for (const Size& size : SIZES) {
+            comparisons.push_back(CompareEvent(type, firing, size, population.First(size.nNodes), host));
+        }
+    }
+    return comparisons;
+}

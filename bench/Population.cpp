@@ -1,0 +1,136 @@
+#include "Population.h"
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+#include "HostSetup.h"
+
+namespace {
+
+const wchar_t WINDOW_CLASS[] = L"qorio_bench";
+
+LRESULT CALLBACK WindowProcedure(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
+    if (nMessage == CBenchHost::EVENT_MESSAGE) {
+        delete reinterpret_cast<SQOREvent*>(lParam);
+        return 0;
+    }
+    return DefWindowProcW(hWnd, nMessage, wParam, lParam);
+}
+
+std::filesystem::path ModulePath() {
+    wchar_t szProgram[4096];
+    const DWORD nLength = GetModuleFileNameW(nullptr, szProgram, 4096);
+    return std::filesystem::path(std::wstring(szProgram, nLength)).parent_path() / MODULE_FILE_NAME;
+}
+
+} // namespace
+
+// ---- The host -------------------------------------------------------------------------------------------------------
+
+CBenchHost::CBenchHost() {
+    // With real texts, as in a running host: every event looks up its parameters' display texts.
+    SetAppPath(APP_FOLDER);
+    if (!SetTextTable(ETextTable::English)) {
+        throw std::runtime_error("the English text table can't be read");
+    }
+    SetLogSink(this);
+
+    const auto modulePath = ModulePath();
+    m_hModule = LoadLibraryW(modulePath.wstring().c_str());
+    if (m_hModule == nullptr) {
+        throw std::runtime_error("the module doesn't load: " + modulePath.string());
+    }
+    m_pIOProcessFunc =
+        reinterpret_cast<IOProcessFuncType>(reinterpret_cast<void*>(GetProcAddress(m_hModule, "IOProcessFunc")));
+    if (m_pIOProcessFunc == nullptr) {
+        throw std::runtime_error("not the module: " + modulePath.string());
+    }
+
+    WNDCLASSW windowClass = {};
+    windowClass.lpfnWndProc = WindowProcedure;
+    windowClass.hInstance = GetModuleHandleW(nullptr);
+    windowClass.lpszClassName = WINDOW_CLASS;
+    RegisterClassW(&windowClass);
+    m_hWnd =
+        CreateWindowExW(0, WINDOW_CLASS, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, windowClass.hInstance, nullptr);
+    if (m_hWnd == nullptr) {
+        throw std::runtime_error("no event window");
+    }
+}
+
+CBenchHost::~CBenchHost() {
+    m_pIOProcessFunc(IOP_RELEASE_GLOBALS, nullptr, nullptr);
+    FreeLibrary(m_hModule);
+    ReceiveEvents();
+    DestroyWindow(m_hWnd);
+    SetLogSink(nullptr);
+}
+
+P_ExtDevIOProcess* CBenchHost::CreateNode(GUID guidType) const {
+    SIOProcessPluginData data;
+    m_pIOProcessFunc(IOP_CREATE_NODE, &guidType, &data);
+    return static_cast<P_ExtDevIOProcess*>(data.pNode);
+}
+
+void CBenchHost::DestroyNode(const GUID& guidType, P_ExtDevIOProcess* pNode) const {
+    SIOProcessNodeRef ref{guidType, pNode};
+    m_pIOProcessFunc(IOP_DESTROY_NODE, &ref, nullptr);
+}
+
+void CBenchHost::GetCatalogue(CArray<SIOProcessNodeInfo>& arNodeInfo) const {
+    SIOProcessPluginData data;
+    m_pIOProcessFunc(IOP_REGISTER_TYPES, nullptr, &data);
+    arNodeInfo.Copy(data.arNodeInfo);
+}
+
+size_t CBenchHost::ReceiveEvents() const {
+    size_t nEvents = 0;
+    MSG message;
+    while (PeekMessageW(&message, m_hWnd, EVENT_MESSAGE, EVENT_MESSAGE, PM_REMOVE)) {
+        DispatchMessageW(&message);
+        ++nEvents;
+    }
+    return nEvents;
+}
+
+std::unique_ptr<SQOREvent> CBenchHost::TakeEvent() const {
+    MSG message;
+    if (!PeekMessageW(&message, m_hWnd, EVENT_MESSAGE, EVENT_MESSAGE, PM_REMOVE)) {
+        return nullptr;
+    }
+    return std::unique_ptr<SQOREvent>(reinterpret_cast<SQOREvent*>(message.lParam));
+}
+
+void CBenchHost::OnLogLine(const SLogLine& line) {
+    if (m_pLogText != nullptr) {
+        *m_pLogText += line.strText;
+    }
+}
+
+// ---- Nodes ----------------------------------------------------------------------------------------------------------
+
+CPlacedNode::CPlacedNode(const CBenchHost& host, const GUID& guidType, VEKClip& clip)
+    : m_pNode(host.CreateNode(guidType)), m_host(host), m_guidType(guidType) {
+    if (m_pNode == nullptr) {
+        throw std::runtime_error("the module makes no node of a type that is to be measured");
+    }
+    m_graphNode.m_strName = L"Graph";
+    m_pNode->m_strName = L"Node";
+    m_pNode->m_pOwnerClip = &clip;
+    m_pNode->m_hEventWnd = host.Window();
+    m_pNode->m_nEventMsg = CBenchHost::EVENT_MESSAGE;
+    m_pNode->Init();
+    m_pNode->GetNodeOutput(&m_graphNode);
+}
+
+CPlacedNode::~CPlacedNode() {
+    m_host.DestroyNode(m_guidType, m_pNode);
+}
+
+CPopulation::CPopulation(const CBenchHost& host, const GUID& guidType, size_t nNodes) : m_clip(L"Clip") {
+    m_nodes.reserve(nNodes);
+    for (size_t i = 0; i < nNodes; ++i) {
+        m_nodes.push_back(std::make_unique<CPlacedNode>(host, guidType, m_clip));
+    }
+}

@@ -1,0 +1,79 @@
+// The module as its host loads it, and many nodes of one type, each at its own place in a graph.
+#pragma once
+
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "LogSink.h"
+#include "host/HostRender.h"
+#include "host/PluginContract.h"
+
+/// Plays the host: loads the module that lies beside the program, and has the window that events are posted to.
+class CBenchHost final : ILogSink {
+public:
+    static constexpr UINT EVENT_MESSAGE = WM_APP + 1;
+
+    /// Throws when the module doesn't load.
+    CBenchHost();
+    ~CBenchHost();
+
+    CBenchHost(const CBenchHost&) = delete;
+    CBenchHost& operator=(const CBenchHost&) = delete;
+
+    /// A new node; null when the module makes none of that type.
+    P_ExtDevIOProcess* CreateNode(GUID guidType) const;
+    void DestroyNode(const GUID& guidType, P_ExtDevIOProcess* pNode) const;
+
+    /// What the module offers.
+    void GetCatalogue(CArray<SIOProcessNodeInfo>& arNodeInfo) const;
+
+    HWND Window() const { return m_hWnd; }
+
+    /// Receive and free what was posted; the number of events.
+    size_t ReceiveEvents() const;
+    /// The one event that was posted; null when there is none.
+    std::unique_ptr<SQOREvent> TakeEvent() const;
+
+    /// Keep log lines in the text, or drop them for null, which is how measuring begins. The text isn't owned.
+    void KeepLog(CString* pText) { m_pLogText = pText; }
+
+private:
+    void OnLogLine(const SLogLine& line) override;
+
+    HMODULE m_hModule = nullptr;
+    IOProcessFuncType m_pIOProcessFunc = nullptr;
+    HWND m_hWnd = nullptr;
+    CString* m_pLogText = nullptr;
+};
+
+/// A node at its place: owned by a clip, standing at a graph node with its outputs, connected to the event window.
+class CPlacedNode {
+public:
+    CPlacedNode(const CBenchHost& host, const GUID& guidType, VEKClip& clip);
+    ~CPlacedNode();
+
+    CPlacedNode(const CPlacedNode&) = delete;
+    CPlacedNode& operator=(const CPlacedNode&) = delete;
+
+    SGraphNode m_graphNode;
+    P_ExtDevIOProcess* m_pNode;
+
+private:
+    const CBenchHost& m_host;
+    const GUID m_guidType;
+};
+
+/// Nodes of one type in one clip.
+class CPopulation {
+public:
+    CPopulation(const CBenchHost& host, const GUID& guidType, size_t nNodes);
+
+    std::span<const std::unique_ptr<CPlacedNode>> First(size_t nNodes) const {
+        return std::span(m_nodes).first(nNodes);
+    }
+
+private:
+    VEKClip m_clip;
+    std::vector<std::unique_ptr<CPlacedNode>> m_nodes;
+};
