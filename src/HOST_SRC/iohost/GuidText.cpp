@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::string_view PATTERN = "{00000000-0000-0000-0000-000000000000}";
+constexpr std::string_view GUID_PATTERN = "{00000000-0000-0000-0000-000000000000}";
 
 unsigned HexNumber(std::string_view digits) {
     return static_cast<unsigned>(std::strtoul(std::string(digits).c_str(), nullptr, 16));
@@ -15,7 +15,7 @@ unsigned HexNumber(std::string_view digits) {
 } // namespace
 
 std::string GuidText(const GUID& guid) {
-    char szText[PATTERN.size() + 1];
+    char szText[GUID_PATTERN.size() + 1];
     std::snprintf(szText, sizeof(szText), "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}",
                   static_cast<unsigned>(guid.Data1), guid.Data2, guid.Data3, guid.Data4[0], guid.Data4[1],
                   guid.Data4[2], guid.Data4[3], guid.Data4[4], guid.Data4[5], guid.Data4[6], guid.Data4[7]);
@@ -23,12 +23,12 @@ std::string GuidText(const GUID& guid) {
 }
 
 std::optional<GUID> ParseGuid(std::string_view text) {
-    if (text.size() != PATTERN.size()) {
+    if (text.size() != GUID_PATTERN.size()) {
         return std::nullopt;
     }
     for (size_t i = 0; i < text.size(); ++i) {
         const bool bMatches =
-            PATTERN[i] == '0' ? std::isxdigit(static_cast<unsigned char>(text[i])) != 0 : text[i] == PATTERN[i];
+            GUID_PATTERN[i] == '0' ? std::isxdigit(static_cast<unsigned char>(text[i])) != 0 : text[i] == GUID_PATTERN[i];
         if (!bMatches) {
             return std::nullopt;
         }

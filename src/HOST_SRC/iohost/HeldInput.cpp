@@ -64,6 +64,15 @@ void CHeldInput::Note(const CFields& request) {
     }
 }
 
+bool CHeldInput::HasRoomFor(const CFields& request) const {
+    if (m_arHeld.size() < MOST_HELD) {
+        return true;
+    }
+    CHeldInput afterwards(*this);
+    afterwards.Note(request);
+    return afterwards.m_arHeld.size() <= MOST_HELD;
+}
+
 std::vector<SRelease> CHeldInput::TakeReleases() {
     std::vector<SRelease> releases;
     for (const SHeld& held : std::exchange(m_arHeld, {})) {

@@ -16,8 +16,9 @@ public:
     /// Follow an `event` request that was carried out.
     void Note(const CFields& request);
 
-    /// Whether there is room for what this request would hold; it is bounded because connections name keys freely.
-    bool HasRoom() const { return m_arHeld.size() < MOST_HELD; }
+    /// Whether what this request would hold still has room; the account is bounded because connections name keys
+    /// freely.
+    bool HasRoomFor(const CFields& request) const;
 
     static constexpr size_t MOST_HELD = 256;
 

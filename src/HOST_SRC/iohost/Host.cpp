@@ -10,10 +10,10 @@ namespace {
 
 bool s_bOpen = false;
 
-/// Nodes that the module unlinked without freeing them. Nobody calls or frees them; they are kept here so that they can
-/// be told from nodes that got lost.
+/// Nodes that the module unlinked without freeing them. Nobody calls or frees them; they are kept here, to the end of
+/// the process, so that they can be told from nodes that got lost.
 std::vector<const VEKProperty*>& UnlinkedNodes() {
-    static std::vector<const VEKProperty*> s_nodes;
+    static auto& s_nodes = *new std::vector<const VEKProperty*>;
     return s_nodes;
 }
 

@@ -48,8 +48,8 @@ Response MakeRefusal(const Request& request, http::status status, std::string_vi
     return MakeResponse(request, status, "text/plain; charset=utf-8", std::string(reason) + "\n");
 }
 
-/// The page loads what this server offers and talks to it, and to nothing else. Not every browser counts the WebSocket in
-/// with 'self'; the host has been checked to be the server's own.
+/// The page loads what this server offers and talks to it, and to nothing else. Not every browser counts the WebSocket
+/// in with 'self'; the host has been checked to be the server's own.
 std::string ContentSecurityPolicy(std::string_view host) {
     return "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self' ws://" +
            std::string(host) + "; base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
@@ -90,10 +90,9 @@ std::string AddressText(asio::ip::address address) {
     return address.to_string();
 }
 
-/// Reads one request, which has no body. Empty when the connection ended or what came is no such request; the error says
-/// which.
-Awaitable<std::optional<Request>> ReadRequest(TcpStream& stream, beast::flat_buffer& buffer,
-                                                    error_code& error) {
+/// Reads one request, which has no body. Empty when the connection ended or what came is no such request; the error
+/// says which.
+Awaitable<std::optional<Request>> ReadRequest(TcpStream& stream, beast::flat_buffer& buffer, error_code& error) {
     http::request_parser<http::empty_body> parser;
     parser.header_limit(LONGEST_HEADER);
     stream.expires_after(REQUEST_TIME);
@@ -133,7 +132,8 @@ Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
         }
         std::optional<Response> response;
         if (!request) {
-            response = MakeRefusal(Request{}, http::status::bad_request, "This is no HTTP request that is answered here.");
+            response =
+                MakeRefusal(Request{}, http::status::bad_request, "This is no HTTP request that is answered here.");
             response->keep_alive(false);
         } else if (const auto foreign = FindForeign(*request, origin)) {
             response = MakeRefusal(*request, http::status::forbidden, *foreign);

@@ -13,10 +13,8 @@ struct ContentTypeRow {
 };
 
 constexpr ContentTypeRow CONTENT_TYPES[] = {
-    {".html", "text/html; charset=utf-8"},
-    {".js", "text/javascript; charset=utf-8"},
-    {".css", "text/css; charset=utf-8"},
-    {".svg", "image/svg+xml"},
+    {".html", "text/html; charset=utf-8"}, {".js", "text/javascript; charset=utf-8"},
+    {".css", "text/css; charset=utf-8"},   {".svg", "image/svg+xml"},
     {".map", "application/json"},
 };
 

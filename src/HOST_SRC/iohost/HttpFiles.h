@@ -1,5 +1,5 @@
-// The page's files. Only what lay in the folder when the server started is offered, by its exact name: a request names an
-// entry of a list, never a path, so there is nothing to climb out of.
+// The page's files. Only what lay in the folder when the server started is offered, by its exact name: a request names
+// an entry of a list, never a path, so there is nothing to climb out of.
 #pragma once
 
 #include <filesystem>
@@ -21,7 +21,8 @@ public:
     /// The file that a request's target names ("/" is the page itself); null when there is none.
     const SWebFile* Find(std::string_view target) const;
 
-    /// Reads a file anew, so that a page that was built again shows when it's loaded again. Empty when it can't be read.
+    /// Reads a file anew, so that a page that was built again shows when it's loaded again. Empty when it can't be
+    /// read.
     static std::optional<std::string> Read(const SWebFile& file);
 
 private:

@@ -190,8 +190,7 @@ void CPageServer::Stop() {
 
 void CPageServer::OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) {
     m_clients.emplace(pClient.get(), SClient{pClient, {}});
-    pClient->Send(
-        Text({{"push", "hello"}, {"version", IOHOST_VERSION}, {"fps", m_fFps}, {"address", m_strAddress}}));
+    pClient->Send(Text({{"push", "hello"}, {"version", IOHOST_VERSION}, {"fps", m_fFps}, {"address", m_strAddress}}));
     // The next frame tells everybody all outputs; to those who know them already that changes nothing.
     m_session.ForgetSentOutputs();
 }

@@ -1,4 +1,5 @@
-// Whom the page's server answers: only who speaks to it by a name of its own, so that no foreign page reaches the nodes.
+// Whom the page's server answers: only who speaks to it by a name of its own, so that no foreign page reaches the
+// nodes.
 #pragma once
 
 #include <string>

@@ -215,7 +215,7 @@ OrderedJson Event(SRequestContext& context) {
         for (const SNode* pNode : nodes) {
             CheckPayloadFits(fields, pNode->guidType, pNode->strHandle);
         }
-        if (context.pHeld != nullptr && !context.pHeld->HasRoom()) {
+        if (context.pHeld != nullptr && !context.pHeld->HasRoomFor(fields)) {
             Refuse("event", "this connection holds " + std::to_string(CHeldInput::MOST_HELD) + " keys and buttons");
         }
     }

@@ -77,22 +77,22 @@ std::string CTerminalLines::EventLine(const OrderedJson& posted) const {
 
 std::string PrintableText(const std::string& strText) {
     std::string strPrintable;
-    unsigned char previous = 0;
+    unsigned char nPrevious = 0;
     for (const char c : strText) {
-        const auto byte = static_cast<unsigned char>(c);
+        const auto nByte = static_cast<unsigned char>(c);
         // U+0080 to U+009F, two bytes in UTF-8, steer some terminals too.
-        const bool bUpperControl = previous == 0xC2 && byte >= 0x80 && byte < 0xA0;
-        if (byte < 0x20 || byte == 0x7F || bUpperControl) {
+        const bool bUpperControl = nPrevious == 0xC2 && nByte >= 0x80 && nByte < 0xA0;
+        if (nByte < 0x20 || nByte == 0x7F || bUpperControl) {
             if (bUpperControl) {
                 strPrintable.pop_back();
             }
             std::array<char, 5> escape{};
-            std::snprintf(escape.data(), escape.size(), "\\x%02X", byte);
+            std::snprintf(escape.data(), escape.size(), "\\x%02X", nByte);
             strPrintable += escape.data();
         } else {
             strPrintable += c;
         }
-        previous = byte;
+        nPrevious = nByte;
     }
     return strPrintable;
 }

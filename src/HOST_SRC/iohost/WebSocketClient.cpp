@@ -91,8 +91,7 @@ Awaitable<void> CWebSocketClient::WriteQueue() {
     m_bWriting = false;
     if (m_bClosing) {
         error_code error;
-        co_await m_socket.async_close(websocket::close_code::going_away,
-                                      AwaitInto(error));
+        co_await m_socket.async_close(websocket::close_code::going_away, AwaitInto(error));
     }
 }
 

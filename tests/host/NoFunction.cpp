@@ -1,0 +1,7 @@
+// A library without IOProcessFunc.
+
+#include <windows.h>
+
+extern "C" __declspec(dllexport) int SomethingElse() {
+    return 1;
+}

@@ -1,0 +1,85 @@
+// The command line.
+#include <gtest/gtest.h>
+
+#include "Options.h"
+
+namespace {
+
+SOptions Parse(const std::vector<std::string>& arguments) {
+    std::string strError;
+    const auto options = ParseOptions(arguments, "/here", strError);
+    EXPECT_TRUE(options) << strError;
+    return options.value_or(SOptions());
+}
+
+std::string Error(const std::vector<std::string>& arguments) {
+    std::string strError;
+    EXPECT_FALSE(ParseOptions(arguments, "/here", strError));
+    return strError;
+}
+
+TEST(Options, DefaultsLieBesideTheProgram) {
+    const SOptions options = Parse({"--stdio"});
+    EXPECT_EQ(options.nFront, EFront::Stdio);
+    EXPECT_EQ(options.appFolder, std::filesystem::path("/here") / "app");
+    EXPECT_EQ(options.moduleFile.parent_path(), "/here");
+    EXPECT_EQ(options.moduleFile.stem(), "QORIOProcessx");
+    EXPECT_EQ(options.listen.webFolder, std::filesystem::path("/here") / "web");
+    EXPECT_FALSE(options.texts);
+    EXPECT_TRUE(options.sceneFile.empty());
+}
+
+TEST(Options, AllAreRead) {
+    const SOptions options = Parse({"--listen", "127.0.0.1:8040", "--app", "a", "--module", "m.so", "--texts", "zh",
+                                    "--scene", "s.json", "--fps", "29.97", "--web", "w"});
+    EXPECT_EQ(options.nFront, EFront::Page);
+    EXPECT_EQ(options.listen.strAddress, "127.0.0.1");
+    EXPECT_EQ(options.listen.nPort, 8040);
+    EXPECT_EQ(options.listen.fFps, 29.97);
+    EXPECT_EQ(options.listen.webFolder, "w");
+    EXPECT_EQ(options.appFolder, "a");
+    EXPECT_EQ(options.moduleFile, "m.so");
+    EXPECT_EQ(options.texts, ETextTable::Chinese);
+    EXPECT_EQ(options.sceneFile, "s.json");
+    EXPECT_EQ(Parse({"--listen", "[::1]:0"}).listen.strAddress, "::1");
+    EXPECT_EQ(Parse({"--listen", "127.0.0.1:1"}).listen.fFps, 60);
+}
+
+TEST(Options, TheLastOfTwoCounts) {
+    EXPECT_EQ(Parse({"--listen", "127.0.0.1:1", "--listen", "127.0.0.1:2"}).listen.nPort, 2);
+}
+
+TEST(Options, HelpAndVersionNeedNoFront) {
+    EXPECT_EQ(Parse({"--help"}).nFront, EFront::Help);
+    EXPECT_EQ(Parse({"--version"}).nFront, EFront::Version);
+    EXPECT_EQ(Parse({"--stdio", "--help"}).nFront, EFront::Help);
+}
+
+TEST(Options, WrongOnesAreNamed) {
+    const struct {
+        std::vector<std::string> arguments;
+        const char* pszError;
+    } cases[] = {
+        {{}, "one of --stdio and --listen is needed; --help tells more"},
+        {{"--fly"}, R"(there is no option "--fly"; --help tells more)"},
+        {{"stdio"}, R"(there is no option "stdio"; --help tells more)"},
+        {{"--stdio", "--listen", "127.0.0.1:1"}, "--listen: --stdio and --listen exclude each other"},
+        {{"--stdio", "--app"}, "--app: needs a value"},
+        {{"--stdio", "--module", ""}, "--module: needs a value"},
+        {{"--stdio", "--texts", "fr"}, R"(--texts: "fr" is none of keys, en, zh)"},
+        {{"--listen", "8040"}, R"(--listen: "8040" isn't an address and a port, as in 127.0.0.1:8040)"},
+        {{"--listen", ":8040"}, R"(--listen: ":8040" isn't an address and a port, as in 127.0.0.1:8040)"},
+        {{"--listen", "a:65536"}, R"(--listen: "a:65536" isn't an address and a port, as in 127.0.0.1:8040)"},
+        {{"--listen", "a:1x"}, R"(--listen: "a:1x" isn't an address and a port, as in 127.0.0.1:8040)"},
+        {{"--listen", "a:1", "--fps", "0"}, R"(--fps: "0" isn't a number above 0 and up to 1000)"},
+        {{"--listen", "a:1", "--fps", "nan"}, R"(--fps: "nan" isn't a number above 0 and up to 1000)"},
+        {{"--listen", "a:1", "--fps", "1001"}, R"(--fps: "1001" isn't a number above 0 and up to 1000)"},
+        {{"--stdio", "--fps", "30"}, "--fps: goes with --listen only"},
+        {{"--stdio", "--web", "w"}, "--web: goes with --listen only"},
+    };
+    for (const auto& [arguments, pszError] : cases) {
+        EXPECT_EQ(Error(arguments), pszError);
+    }
+}
+
+} // namespace

@@ -1,0 +1,161 @@
+// The program itself, run with --stdio.
+#include "HostTest.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <random>
+#include <sstream>
+
+#if __has_include(<sys/wait.h>)
+#include <sys/wait.h>
+#endif
+
+namespace {
+
+class Program : public testing::Test {
+protected:
+    struct SResult {
+        int nExitCode;
+        std::string strOutput;
+        std::string strErrors;
+    };
+
+    SResult Run(const std::string& strArguments, const std::string& strInput) {
+        const auto input = m_folder.Write("in", strInput);
+        const auto output = m_folder.Path() / "out";
+        const auto errors = m_folder.Path() / "errors";
+        const std::string strCommand = "\"" PROGRAM_FILE "\" " + strArguments + " < \"" + input.string() + "\" > \"" +
+                                       output.string() + "\" 2> \"" + errors.string() + "\"";
+        int nStatus = std::system(strCommand.c_str());
+#ifdef WEXITSTATUS
+        EXPECT_TRUE(WIFEXITED(nStatus));
+        nStatus = WEXITSTATUS(nStatus);
+#endif
+        return {nStatus, ReadAll(output), ReadAll(errors)};
+    }
+
+    std::string Quote(const std::filesystem::path& path) {
+        return "\"" + path.string() + "\"";
+    }
+
+    /// Arguments of a session on an application folder without anything in it.
+    std::string Stdio() {
+        return "--stdio --texts keys --app " + Quote(m_folder.Path());
+    }
+
+    CTemporaryFolder m_folder;
+};
+
+TEST_F(Program, SessionRunsToTheEndOfItsInput) {
+    const SResult result = Run(Stdio(), std::string(CREATE_MOUSE) + "\n{\"op\":\"process\"}\n");
+    EXPECT_EQ(result.nExitCode, 0);
+    EXPECT_EQ(result.strOutput, "{\"ok\":true,\"result\":1,\"created\":true}\n{\"ok\":true,\"results\":{\"m\":1}}\n");
+    EXPECT_EQ(result.strErrors, "");
+}
+
+TEST_F(Program, QuitEndsWithZero) {
+    const SResult result = Run(Stdio(), std::string(CREATE_MOUSE) + "\n{\"op\":\"quit\"}\nnever read\n");
+    EXPECT_EQ(result.nExitCode, 0);
+    EXPECT_EQ(result.strOutput, "{\"ok\":true,\"result\":1,\"created\":true}\n{\"ok\":true}\n");
+    EXPECT_EQ(result.strErrors, "");
+}
+
+TEST_F(Program, TextsComeFromTheApplicationFolder) {
+    const std::string strApp = " --app " + Quote(APP_FOLDER);
+    const std::string strRequests = std::string(CREATE_MOUSE) + "\n{\"op\":\"scene\"}\n";
+    EXPECT_NE(Run("--stdio --texts zh" + strApp, strRequests).strOutput.find("\"name\":\"鼠标"), std::string::npos);
+    EXPECT_NE(Run("--stdio" + strApp, strRequests).strOutput.find("\"name\":\"Mouse"), std::string::npos);
+    EXPECT_NE(Run("--stdio --texts keys" + strApp, strRequests).strOutput.find("\"name\":\"IO_PROCESS_MOUSE\""),
+              std::string::npos);
+    // Without a table, and without being asked for one, keys have to do.
+    EXPECT_NE(
+        Run("--stdio --app " + Quote(m_folder.Path()), strRequests).strOutput.find("\"name\":\"IO_PROCESS_MOUSE\""),
+        std::string::npos);
+}
+
+TEST_F(Program, MissingTextTableThatWasAskedForIsAnError) {
+    const SResult result = Run("--stdio --texts en --app " + Quote(m_folder.Path()), "");
+    EXPECT_EQ(result.nExitCode, 1);
+    EXPECT_NE(result.strErrors.find("text table"), std::string::npos);
+}
+
+TEST_F(Program, GarbageIsAnsweredLineByLine) {
+    std::mt19937 random(20240501);
+    std::string strGarbage;
+    for (int i = 0; i < 200'000; ++i) {
+        strGarbage.push_back(static_cast<char>(random()));
+    }
+    strGarbage += "\n{\"op\":\"objects\"}\n";
+    const SResult result = Run(Stdio(), strGarbage);
+    EXPECT_EQ(result.nExitCode, 0);
+    EXPECT_EQ(result.strErrors, "");
+    EXPECT_EQ(std::ranges::count(result.strOutput, '\n'), std::ranges::count(strGarbage, '\n'));
+    EXPECT_TRUE(result.strOutput.ends_with("\n{\"ok\":true,\"objects\":[]}\n"));
+    std::istringstream lines(result.strOutput);
+    for (std::string strLine; std::getline(lines, strLine);) {
+        EXPECT_TRUE(Json::accept(strLine)) << strLine;
+    }
+}
+
+TEST_F(Program, LineOfAMillionCharactersIsTaken) {
+    const std::string strText(1'000'000, 'x');
+    const SResult result = Run(Stdio(), R"({"op":"object","clip":"C","name":")" + strText +
+                                            "\"}\n{\"op\":\"objects\"}\n" + strText + "\n{\"op\":\"quit\"}\n");
+    EXPECT_EQ(result.nExitCode, 0);
+    EXPECT_NE(result.strOutput.find(R"("name":")" + strText + "\""), std::string::npos);
+    EXPECT_TRUE(
+        result.strOutput.ends_with("{\"ok\":false,\"error\":\"request: not JSON, from byte 1 on\"}\n{\"ok\":true}\n"));
+}
+
+TEST_F(Program, ModuleThatIsNoneEndsWithOneAndAMessage) {
+    const auto text = m_folder.Write("text.so", "this is a text");
+    const struct {
+        std::string strFile;
+        std::string strMessage;
+    } cases[] = {
+        {(m_folder.Path() / "none.so").string(), "there is no such file"},
+        {text.string(), "isn't a library"},
+        {m_folder.Path().string(), "isn't a file"},
+        {NO_FUNCTION_FILE, "has no function IOProcessFunc"},
+        {REFUSING_FILE, "refused to be loaded"},
+    };
+    for (const auto& [strFile, strMessage] : cases) {
+        const SResult result = Run(Stdio() + " --module \"" + strFile + "\"", "{\"op\":\"objects\"}\n");
+        EXPECT_EQ(result.nExitCode, 1) << strFile;
+        EXPECT_EQ(result.strOutput, "") << strFile;
+        EXPECT_EQ(result.strErrors.rfind("iohost: the module ", 0), 0u) << result.strErrors;
+        EXPECT_NE(result.strErrors.find(strMessage), std::string::npos) << result.strErrors;
+    }
+}
+
+TEST_F(Program, WrongOptionsEndWithTwoAndAMessage) {
+    for (const char* pszArguments : {"", "--stdio --fly", "--stdio --texts", "--stdio --listen 127.0.0.1:1"}) {
+        const SResult result = Run(pszArguments, "");
+        EXPECT_EQ(result.nExitCode, 2) << pszArguments;
+        EXPECT_EQ(result.strOutput, "") << pszArguments;
+        EXPECT_EQ(result.strErrors.rfind("iohost: ", 0), 0u) << pszArguments;
+    }
+}
+
+TEST_F(Program, HelpAndVersionArePrinted) {
+    const SResult help = Run("--help", "");
+    EXPECT_EQ(help.nExitCode, 0);
+    for (const char* pszOption : {"--stdio", "--listen", "--app", "--module", "--texts", "--scene", "--fps", "--web"}) {
+        EXPECT_NE(help.strOutput.find(pszOption), std::string::npos) << pszOption;
+    }
+    const SResult version = Run("--version", "");
+    EXPECT_EQ(version.nExitCode, 0);
+    EXPECT_EQ(version.strOutput, "iohost " IOHOST_VERSION "\n");
+}
+
+TEST_F(Program, SceneIsLoadedAtTheStart) {
+    const auto scene = m_folder.Write("scene.json", R"({"format":"iohost scene","version":1,"nodes":[
+        {"node":"m","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1B03}","clip":"Intro","graph":"Mouse 1"}]})");
+    EXPECT_EQ(Run(Stdio() + " --scene " + Quote(scene), "{\"op\":\"process\"}\n").strOutput,
+              "{\"ok\":true,\"results\":{\"m\":1}}\n");
+    const SResult result = Run(Stdio() + " --scene " + Quote(m_folder.Path() / "none.json"), "");
+    EXPECT_EQ(result.nExitCode, 1);
+    EXPECT_NE(result.strErrors.find("none.json: file: can't be read"), std::string::npos) << result.strErrors;
+}
+
+} // namespace

@@ -1,0 +1,61 @@
+// The line front on streams.
+#include "HostTest.h"
+
+#include <sstream>
+
+#include "StdioFront.h"
+
+namespace {
+
+class Stdio : public CHostTest {
+protected:
+    std::string Run(const std::string& strInput, std::size_t nLongest = LONGEST_LINE) {
+        std::istringstream input(strInput);
+        std::ostringstream output;
+        RunStdio(*m_pSession, input, output, nLongest);
+        return output.str();
+    }
+};
+
+constexpr char EMPTY[] = "{\"ok\":true,\"objects\":[]}\n";
+
+TEST_F(Stdio, EachLineGetsOneReplyLineInOrder) {
+    EXPECT_EQ(Run("{\"op\":\"objects\",\"id\":1}\n{\"op\":\"objects\",\"id\":2}\n"),
+              "{\"ok\":true,\"id\":1,\"objects\":[]}\n{\"ok\":true,\"id\":2,\"objects\":[]}\n");
+}
+
+TEST_F(Stdio, LastLineNeedsNoLineFeed) {
+    EXPECT_EQ(Run("{\"op\":\"objects\"}"), EMPTY);
+    EXPECT_EQ(Run(""), "");
+}
+
+TEST_F(Stdio, CarriageReturnsAreAllowed) {
+    EXPECT_EQ(Run("{\"op\":\"objects\"}\r\n"), EMPTY);
+}
+
+TEST_F(Stdio, EmptyLineIsAnsweredToo) {
+    EXPECT_EQ(Run("\n{\"op\":\"objects\"}\n"),
+              "{\"ok\":false,\"error\":\"request: not JSON, from byte 1 on\"}\n" + std::string(EMPTY));
+}
+
+TEST_F(Stdio, TooLongALineIsRefusedAndReadPast) {
+    const std::string strRequest = R"({"op":"objects"})";
+    const std::string strRefused = "{\"ok\":false,\"error\":\"request: longer than 16 bytes\"}\n";
+    ASSERT_EQ(strRequest.size(), 16u);
+    EXPECT_EQ(Run(strRequest + "\n" + strRequest + " \n" + std::string(100'000, 'x') + "\n" + strRequest, 16),
+              EMPTY + strRefused + strRefused + EMPTY);
+}
+
+TEST_F(Stdio, LinesAfterQuitAreNotRead) {
+    EXPECT_EQ(Run("{\"op\":\"quit\"}\n{\"op\":\"objects\"}\n"), "{\"ok\":true}\n");
+}
+
+TEST_F(Stdio, LossOfTheOutputEndsTheService) {
+    std::istringstream input("{\"op\":\"objects\"}\n{\"op\":\"objects\"}\n");
+    std::ostringstream output;
+    output.setstate(std::ios::badbit);
+    RunStdio(*m_pSession, input, output);
+    EXPECT_EQ(input.tellg(), 0);
+}
+
+} // namespace
