@@ -16,18 +16,12 @@ struct ExpectedRow {
 };
 
 const ExpectedRow ROWS[] = {
-    {0x01, "IO_PROCESS_KEYBOARD", 7000, 1},
-    {0x0B, "IO_PROCESS_KEY_CHECK", 7009, 1},
-    {0x02, "IO_PROCESS_TEXTFIELDINPUT", 7001, 1},
-    {0x03, "IO_PROCESS_MOUSE", 7002, 1},
-    {0x04, "IO_PROCESS_NETSEND", 7004, 0},
-    {0x05, "IO_PROCESS_NETRECEIVE", 7003, 0},
-    {0x06, "IO_PROCESS_BROADCAST", 7005, 0},
-    {0x0D, "IO_PROCESS_BROADCASTREV", 7011, 1},
-    {0x07, "TOUCH_CONTROL_TOUCH_GESTURE", 7006, 0},
-    {0x08, "IO_PROCESS_VRHANLDE", 7007, 1},
-    {0x0C, "IO_PROCESS_OBJ_JSON_RECEIVE", 7010, 1},
-    {0x0E, "IO_PROCESS_DEV_JSON_RECEIVE", 7012, 1},
+    {0x01, "IO_PROCESS_KEYBOARD", 7000, 1},         {0x0B, "IO_PROCESS_KEY_CHECK", 7009, 1},
+    {0x02, "IO_PROCESS_TEXTFIELDINPUT", 7001, 1},   {0x03, "IO_PROCESS_MOUSE", 7002, 1},
+    {0x04, "IO_PROCESS_NETSEND", 7004, 0},          {0x05, "IO_PROCESS_NETRECEIVE", 7003, 0},
+    {0x06, "IO_PROCESS_BROADCAST", 7005, 0},        {0x0D, "IO_PROCESS_BROADCASTREV", 7011, 1},
+    {0x07, "TOUCH_CONTROL_TOUCH_GESTURE", 7006, 0}, {0x08, "IO_PROCESS_VRHANLDE", 7007, 1},
+    {0x0C, "IO_PROCESS_OBJ_JSON_RECEIVE", 7010, 1}, {0x0E, "IO_PROCESS_DEV_JSON_RECEIVE", 7012, 1},
     {0x0F, "IO_PROCESS_STRING_SEND", 7013, 1},
 };
 
@@ -155,7 +149,8 @@ TEST_F(Catalogue, ModuleHoldsExactlyTheIconsOfItsRows) {
             ids.push_back(nId);
         }
     }
-    EXPECT_EQ(ids, (std::vector<unsigned>{7000, 7001, 7002, 7003, 7004, 7005, 7006, 7007, 7009, 7010, 7011, 7012, 7013}));
+    EXPECT_EQ(ids,
+              (std::vector<unsigned>{7000, 7001, 7002, 7003, 7004, 7005, 7006, 7007, 7009, 7010, 7011, 7012, 7013}));
     EXPECT_EQ(LoadImageW(m_host.Module(), MAKEINTRESOURCEW(7008), IMAGE_ICON, 0, 0, 0), nullptr);
 }
 
@@ -220,7 +215,7 @@ TEST_F(Catalogue, ArrayOfImpossibleSizeRaisesInvalidArgument) {
     }
 }
 
-// ---- Which rows are offered ------------------------------------------------------------------------------------------
+// ---- Which rows are offered ----------------------------------------------------------------------------------------
 
 std::vector<int> WithoutIni() {
     return {1, 1, 1, 1, 0, 0, 0, 1, 0, 1, 1, 1, 1};

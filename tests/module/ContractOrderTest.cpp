@@ -82,7 +82,9 @@ public:
     void ChangeNodeVectorParam(SGraphNode* pGraphNode, int nCount) override {
         Record(0, "ChangeNodeVectorParam", pGraphNode, nCount);
     }
-    void DealWithChangeVectorParam(SGraphNode* pGraphNode) override { Record(0, "DealWithChangeVectorParam", pGraphNode); }
+    void DealWithChangeVectorParam(SGraphNode* pGraphNode) override {
+        Record(0, "DealWithChangeVectorParam", pGraphNode);
+    }
     GUID CalVectorParamGuid(const GUID& guid, int nIndex) override {
         Record(0, "CalVectorParamGuid", guid, nIndex);
         return TypeGuid(0x77);
@@ -93,7 +95,9 @@ public:
     void PreRender() override { Record(0, "PreRender"); }
     void StoreParameters() override { Record(0, "StoreParameters"); }
     void RestoreParameters() override { Record(0, "RestoreParameters"); }
-    int DevIOEventOccurred(const SIOEventRecord* pRecord) override { return Record(148, "DevIOEventOccurred", pRecord); }
+    int DevIOEventOccurred(const SIOEventRecord* pRecord) override {
+        return Record(148, "DevIOEventOccurred", pRecord);
+    }
 
     CVEKXml* GetXmlReader() override {
         Record(0, "GetXmlReader");
@@ -151,8 +155,8 @@ private:
         return (m_pObject->*pMember)(std::forward<Parameters>(arguments)...);
     }
 
-    /// What the first word of a pointer to member holds: in the Microsoft C++ ABI the address of the code, in the Itanium
-    /// C++ ABI (on this processor) one more than the place's distance from the beginning of the table.
+    /// What the first word of a pointer to member holds: in the Microsoft C++ ABI the address of the code, in the
+    /// Itanium C++ ABI (on this processor) one more than the place's distance from the beginning of the table.
     std::uintptr_t Target() const {
 #if defined(_MSC_VER)
         const std::uintptr_t* pTable;
@@ -213,11 +217,17 @@ const Operation MAIN_TABLE[] = {
     {"ApplyFromParam", [](const TablePlace& place) { place.Call<void()>(); }},
     {"ApplyToParam", [](const TablePlace& place) { place.Call<void()>(); }},
     {"NeedUpdateSingleParam 21",
-     [](const TablePlace& place) { EXPECT_EQ(place.Call<BOOL(const GUID&)>(GUID{21, 0, 0, {}}), 110); }},
+     [](const TablePlace& place) {
+         EXPECT_EQ(place.Call<BOOL(const GUID&)>(GUID{21, 0, 0, {}}), 110);
+     }},
     {"UpdateSingleParamValue 22",
-     [](const TablePlace& place) { EXPECT_EQ(place.Call<int(const GUID&)>(GUID{22, 0, 0, {}}), 111); }},
+     [](const TablePlace& place) {
+         EXPECT_EQ(place.Call<int(const GUID&)>(GUID{22, 0, 0, {}}), 111);
+     }},
     {"IsParamTypeChangeable 23",
-     [](const TablePlace& place) { EXPECT_EQ(place.Call<BOOL(const GUID&)>(GUID{23, 0, 0, {}}), 112); }},
+     [](const TablePlace& place) {
+         EXPECT_EQ(place.Call<BOOL(const GUID&)>(GUID{23, 0, 0, {}}), 112);
+     }},
     {"NeedPIGetNodeInput", [](const TablePlace& place) { EXPECT_EQ(place.Call<BOOL()>(), 113); }},
     {"GetNodeInput 0", [](const TablePlace& place) { place.Call<void(SGraphNode*)>(nullptr); }},
     {"GetNodeOutput 0", [](const TablePlace& place) { place.Call<void(SGraphNode*)>(nullptr); }},
@@ -254,8 +264,7 @@ const Operation MAIN_TABLE[] = {
     {"IsOutputMulParams", [](const TablePlace& place) { EXPECT_EQ(place.Call<BOOL()>(), 134); }},
     {"GetFixedMulParams", [](const TablePlace& place) { EXPECT_EQ(place.Call<int()>(), 135); }},
     {"GetSave40ParamGrp", [](const TablePlace& place) { EXPECT_NE(place.Call<VEKParamGroup*()>(), nullptr); }},
-    {"GetIDFromGrp 0",
-     [](const TablePlace& place) { EXPECT_EQ(place.Call<int(const VEKParamGroup*)>(nullptr), 137); }},
+    {"GetIDFromGrp 0", [](const TablePlace& place) { EXPECT_EQ(place.Call<int(const VEKParamGroup*)>(nullptr), 137); }},
     {"ChangeVectorParam 18", [](const TablePlace& place) { place.Call<void(int)>(18); }},
     {"ChangeNodeVectorParam 0 19", [](const TablePlace& place) { place.Call<void(SGraphNode*, int)>(nullptr, 19); }},
     {"DealWithChangeVectorParam 0", [](const TablePlace& place) { place.Call<void(SGraphNode*)>(nullptr); }},
@@ -265,9 +274,13 @@ const Operation MAIN_TABLE[] = {
          EXPECT_EQ(GuidWords(guid), GuidWords(TypeGuid(0x77)));
      }},
     {"CalVectorParamIndex 25",
-     [](const TablePlace& place) { EXPECT_EQ(place.Call<int(const GUID&)>(GUID{25, 0, 0, {}}), 142); }},
+     [](const TablePlace& place) {
+         EXPECT_EQ(place.Call<int(const GUID&)>(GUID{25, 0, 0, {}}), 142);
+     }},
     {"IsParamGroupByGUID 26",
-     [](const TablePlace& place) { EXPECT_EQ(place.Call<BOOL(const GUID&)>(GUID{26, 0, 0, {}}), 143); }},
+     [](const TablePlace& place) {
+         EXPECT_EQ(place.Call<BOOL(const GUID&)>(GUID{26, 0, 0, {}}), 143);
+     }},
     {"DoParamInit", [](const TablePlace& place) { place.Call<void()>(); }},
     {"PreRender", [](const TablePlace& place) { place.Call<void()>(); }},
     {"StoreParameters", [](const TablePlace& place) { place.Call<void()>(); }},
@@ -282,7 +295,8 @@ const Operation SECOND_TABLE[] = {
     {"GetXmlLoadStatePtr", [](const TablePlace& place) { EXPECT_NE(place.Call<int*()>(), nullptr); }},
     {"ShouldReCalHeight", [](const TablePlace& place) { EXPECT_EQ(place.Call<BOOL()>(), 202); }},
     {"GetCtrlPosXmlPath", [](const TablePlace& place) { EXPECT_EQ(Utf8(place.Call<CString()>()), "path"); }},
-    {"GetNodeParamInfoGrpAr", [](const TablePlace& place) { EXPECT_NE(place.Call<NodeParamInfoGrpArray*()>(), nullptr); }},
+    {"GetNodeParamInfoGrpAr",
+     [](const TablePlace& place) { EXPECT_NE(place.Call<NodeParamInfoGrpArray*()>(), nullptr); }},
 };
 static_assert(std::size(SECOND_TABLE) == 5);
 
@@ -320,10 +334,11 @@ TEST(ContractOrder, DestructorWithoutFreeingStandsBeforeTheOneThatFrees) {
 TEST(ContractOrder, MainTableStandsAtTheBeginningOfANode) {
     std::vector<std::string> calls;
     CRecordingNode node(calls);
-    EXPECT_EQ(static_cast<void*>(static_cast<P_ExtDevIOProcess*>(&node)), static_cast<void*>(static_cast<BaseStruct*>(&node)));
+    EXPECT_EQ(static_cast<void*>(static_cast<P_ExtDevIOProcess*>(&node)),
+              static_cast<void*>(static_cast<BaseStruct*>(&node)));
 }
 
-// ---- The module's own nodes, called the same way ---------------------------------------------------------------------
+// ---- The module's own nodes, called the same way -------------------------------------------------------------------
 
 using ContractOrderOfNodes = ModuleTest;
 

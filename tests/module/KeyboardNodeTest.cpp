@@ -39,7 +39,7 @@ protected:
     NodeScene m_scene{m_host, TYPE_KEYBOARD};
 };
 
-// ---- Tables ----------------------------------------------------------------------------------------------------------
+// ---- Tables --------------------------------------------------------------------------------------------------------
 
 TEST_F(KeyboardNode, Inputs) {
     ExpectInputGroups(m_scene.m_pNode->m_lstParamGroup, {{101,
@@ -124,7 +124,7 @@ TEST_F(KeyboardNode, InheritsTheOtherOperations) {
     EXPECT_EQ(m_scene.m_pNode->m_lstParamGroup.GetCount(), 1);
 }
 
-// ---- Evaluation ------------------------------------------------------------------------------------------------------
+// ---- Evaluation ----------------------------------------------------------------------------------------------------
 
 TEST_F(KeyboardNode, EvaluationHandlesTheCallWhenEnabled) {
     EXPECT_EQ(m_scene.Evaluate(), 1);
@@ -260,14 +260,13 @@ TEST_F(KeyboardNode, WritesIntoTheGraphNodeAtHand) {
     m_scene.m_pNode->ProcessNode(nullptr);
 }
 
-// ---- Events ----------------------------------------------------------------------------------------------------------
+// ---- Events --------------------------------------------------------------------------------------------------------
 
 TEST_F(KeyboardNode, PressFiresKeyDown) {
     m_scene.Evaluate();
     EXPECT_EQ(Press(L"a"), 1);
     EXPECT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{152});
-    EXPECT_EQ(m_host.TakeLog(),
-              std::vector<LogLine>{Information("[Clip.Graph.Node]触发输出事件[按下]键盘信息为[a]")});
+    EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{Information("[Clip.Graph.Node]触发输出事件[按下]键盘信息为[a]")});
 }
 
 TEST_F(KeyboardNode, ReleaseFiresKeyUpAndLogsTheTextOfThePress) {
@@ -277,8 +276,7 @@ TEST_F(KeyboardNode, ReleaseFiresKeyUpAndLogsTheTextOfThePress) {
     m_host.TakeLog();
     EXPECT_EQ(Release(), 1);
     EXPECT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{153});
-    EXPECT_EQ(m_host.TakeLog(),
-              std::vector<LogLine>{Information("[Clip.Graph.Node]触发输出事件[抬起]键盘信息为[F5]")});
+    EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{Information("[Clip.Graph.Node]触发输出事件[抬起]键盘信息为[F5]")});
     EXPECT_EQ(EvaluatedText(), "F5");
 }
 
@@ -288,8 +286,7 @@ TEST_F(KeyboardNode, ReleaseWithAnotherTextKeepsTheTextOfThePress) {
     m_host.TakeLog();
     SKeyEventData key = Key(L"b");
     EXPECT_EQ(m_scene.Send(DEVICE, KEY_UP, &key), 1);
-    EXPECT_EQ(m_host.TakeLog(),
-              std::vector<LogLine>{Information("[Clip.Graph.Node]触发输出事件[抬起]键盘信息为[a]")});
+    EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{Information("[Clip.Graph.Node]触发输出事件[抬起]键盘信息为[a]")});
     EXPECT_EQ(EvaluatedText(), "a");
 }
 
@@ -349,9 +346,8 @@ TEST_F(KeyboardNode, TextsOfAnyKindPassUnchanged) {
         SCOPED_TRACE(Utf8(pszText).substr(0, 20));
         m_host.TakeLog();
         EXPECT_EQ(Press(pszText), 1);
-        EXPECT_EQ(m_host.TakeLog(),
-                  std::vector<LogLine>{
-                      Information("[Clip.Graph.Node]触发输出事件[按下]键盘信息为[" + Utf8(pszText) + "]")});
+        EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{Information("[Clip.Graph.Node]触发输出事件[按下]键盘信息为[" +
+                                                                     Utf8(pszText) + "]")});
         EXPECT_EQ(EvaluatedText(), Utf8(pszText));
     }
 }

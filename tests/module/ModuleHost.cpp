@@ -180,7 +180,7 @@ std::vector<MSG> ModuleHost::TakeOtherMessages() {
 
 LRESULT CALLBACK ModuleHost::WindowProcedure(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
     auto* pHost = reinterpret_cast<ModuleHost*>(GetWindowLongPtrW(hWnd, GWLP_USERDATA));
-    if (pHost == nullptr || nMessage < WM_USER) {
+    if (pHost == nullptr || (nMessage != WM_NULL && nMessage < WM_USER)) {
         return DefWindowProcW(hWnd, nMessage, wParam, lParam);
     }
     if (nMessage == EVENT_MESSAGE) {
@@ -217,8 +217,7 @@ void ModuleHost::OnNodeRedraw(SGraphNode* pGraphNode) {
     m_redraws.push_back(pGraphNode);
 }
 
-NodeScene::NodeScene(ModuleHost& host, unsigned char nTypeByte)
-    : m_clip(L"Clip"), m_pNode(host.CreateNode(nTypeByte)) {
+NodeScene::NodeScene(ModuleHost& host, unsigned char nTypeByte) : m_clip(L"Clip"), m_pNode(host.CreateNode(nTypeByte)) {
     m_graphNode.m_strName = L"Graph";
     m_pNode->m_strName = L"Node";
     m_pNode->m_pOwnerClip = &m_clip;

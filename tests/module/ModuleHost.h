@@ -1,5 +1,5 @@
 // Plays the host for the module: loads it as the host does, gives it an application folder and an event window, and
-// keeps what it posts, logs and asks for. The module is reached through IOProcessFunc and the nodes' virtual operations.
+// keeps what it posts, logs and asks for. The module is reached by IOProcessFunc and the virtual operations of nodes.
 #pragma once
 
 #include <array>
@@ -22,7 +22,7 @@
 /// UTF-8 of a text, so that expectations are plain literals and failures readable.
 std::string Utf8(const CString& strText);
 
-// ---- Node types, as literals -----------------------------------------------------------------------------------------
+// ---- Node types, as literals ---------------------------------------------------------------------------------------
 
 /// Last byte of a node-type GUID.
 enum NodeTypeByte : unsigned char {
@@ -48,7 +48,7 @@ inline GUID TypeGuid(unsigned char nTypeByte) {
 /// The 32-bit words that a GUID consists of in memory.
 std::array<unsigned, 4> GuidWords(const GUID& guid);
 
-// ---- Log lines and events --------------------------------------------------------------------------------------------
+// ---- Log lines and events ------------------------------------------------------------------------------------------
 
 struct LogLine {
     int nLevel;
@@ -81,7 +81,7 @@ struct ReportedEvent {
     int nOutput;
 };
 
-// ---- The host --------------------------------------------------------------------------------------------------------
+// ---- The host ------------------------------------------------------------------------------------------------------
 
 class ModuleHost;
 
@@ -190,7 +190,7 @@ protected:
     ModuleHost m_host;
 };
 
-// ---- Expected tables -------------------------------------------------------------------------------------------------
+// ---- Expected tables -----------------------------------------------------------------------------------------------
 
 struct ExpectedRange {
     float fValue;

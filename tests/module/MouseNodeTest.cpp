@@ -52,7 +52,8 @@ protected:
     int Send(int nEvent, void* pPayload = nullptr) { return m_scene.Send(DEVICE, nEvent, pPayload); }
 
     int Move(const Position& position) {
-        SQORMouseData sample(0, position.fRelativeX, position.fRelativeY, CPoint(position.nPixelX, position.nPixelY), 0);
+        SQORMouseData sample(0, position.fRelativeX, position.fRelativeY, CPoint(position.nPixelX, position.nPixelY),
+                             0);
         return Send(3013, &sample);
     }
 
@@ -84,7 +85,7 @@ protected:
     NodeScene m_scene{m_host, TYPE_MOUSE};
 };
 
-// ---- Tables ----------------------------------------------------------------------------------------------------------
+// ---- Tables --------------------------------------------------------------------------------------------------------
 
 TEST_F(MouseNode, Inputs) {
     ExpectInputGroups(m_scene.m_pNode->m_lstParamGroup, {{301,
@@ -122,63 +123,61 @@ ExpectedParam ButtonPin(unsigned nId, const char* pszName, const char* pszDispla
 
 TEST_F(MouseNode, Outputs) {
     const ExpectedRange BOUNDS{0, -1e9f, 1e9f, 1};
-    ExpectOutputGroups(m_scene.m_graphNode.m_lstOutputGroup,
-                       {{351,
-                         "Output",
-                         "IO_PROCESS_MOUSE",
-                         {EventPin(352, "EnterWin", "IO_PROCESS_MOUSE_ENTERWIN"),
-                          EventPin(353, "LeaveWin", "IO_PROCESS_MOUSE_LEAVEWIN"),
-                          EventPin(354, "Hover", "IO_PROCESS_MOUSE_HOVER"),
-                          EventPin(355, "WheelUp", "IO_PROCESS_MOUSE_WHEELUP"),
-                          EventPin(356, "WheelDown", "IO_PROCESS_MOUSE_WHEELDOWN")}},
-                        {357,
-                         "Pressed",
-                         "IO_PROCESS_KEYBOARD_KEYDOWN",
-                         {EventPin(358, "PressedL", "IO_PROCESS_MOUSE_DOWN_L"),
-                          EventPin(359, "PressedR", "IO_PROCESS_MOUSE_DOWN_R"),
-                          EventPin(360, "PressedM", "IO_PROCESS_MOUSE_DOWN_M")}},
-                        {361,
-                         "Pressed",
-                         "IO_PROCESS_KEYBOARD_KEYUP",
-                         {EventPin(362, "PressedL", "IO_PROCESS_MOUSE_UP_L"),
-                          EventPin(363, "PressedR", "IO_PROCESS_MOUSE_UP_R"),
-                          EventPin(364, "PressedM", "IO_PROCESS_MOUSE_UP_M")}},
-                        {365,
-                         "Button",
-                         "IO_PROCESS_MOUSE_BUTTON",
-                         {ButtonPin(366, "ButtonL", "IO_PROCESS_MOUSE_BUTTON_L"),
-                          ButtonPin(367, "ButtonR", "IO_PROCESS_MOUSE_BUTTON_R"),
-                          ButtonPin(368, "ButtonM", "IO_PROCESS_MOUSE_BUTTON_M")}},
-                        {369,
-                         "Position",
-                         "IO_PROCESS_MOUSE_POSITION",
-                         {{.nId = 370,
-                           .pszName = "PixelX",
-                           .pszDisplay = "IO_PROCESS_MOUSE_PIXELX",
-                           .nType = 2,
-                           .nControl = 1,
-                           .range = BOUNDS,
-                           .flags = ExpectedFlags{0, 0, 1, 0}},
-                          {.nId = 371,
-                           .pszName = "PixelY",
-                           .pszDisplay = "IO_PROCESS_MOUSE_PIXELY",
-                           .nType = 2,
-                           .nControl = 1,
-                           .range = BOUNDS}, // the one pin without flags
-                          {.nId = 372,
-                           .pszName = "RelativeX",
-                           .pszDisplay = "IO_PROCESS_MOUSE_RELATIVEX",
-                           .nType = 2,
-                           .nControl = 2,
-                           .range = BOUNDS,
-                           .flags = ExpectedFlags{0, 0, 1, 0}},
-                          {.nId = 373,
-                           .pszName = "RelativeY",
-                           .pszDisplay = "IO_PROCESS_MOUSE_RELATIVEY",
-                           .nType = 2,
-                           .nControl = 2,
-                           .range = BOUNDS,
-                           .flags = ExpectedFlags{0, 0, 1, 0}}}}});
+    ExpectOutputGroups(
+        m_scene.m_graphNode.m_lstOutputGroup,
+        {{351,
+          "Output",
+          "IO_PROCESS_MOUSE",
+          {EventPin(352, "EnterWin", "IO_PROCESS_MOUSE_ENTERWIN"),
+           EventPin(353, "LeaveWin", "IO_PROCESS_MOUSE_LEAVEWIN"), EventPin(354, "Hover", "IO_PROCESS_MOUSE_HOVER"),
+           EventPin(355, "WheelUp", "IO_PROCESS_MOUSE_WHEELUP"),
+           EventPin(356, "WheelDown", "IO_PROCESS_MOUSE_WHEELDOWN")}},
+         {357,
+          "Pressed",
+          "IO_PROCESS_KEYBOARD_KEYDOWN",
+          {EventPin(358, "PressedL", "IO_PROCESS_MOUSE_DOWN_L"), EventPin(359, "PressedR", "IO_PROCESS_MOUSE_DOWN_R"),
+           EventPin(360, "PressedM", "IO_PROCESS_MOUSE_DOWN_M")}},
+         {361,
+          "Pressed",
+          "IO_PROCESS_KEYBOARD_KEYUP",
+          {EventPin(362, "PressedL", "IO_PROCESS_MOUSE_UP_L"), EventPin(363, "PressedR", "IO_PROCESS_MOUSE_UP_R"),
+           EventPin(364, "PressedM", "IO_PROCESS_MOUSE_UP_M")}},
+         {365,
+          "Button",
+          "IO_PROCESS_MOUSE_BUTTON",
+          {ButtonPin(366, "ButtonL", "IO_PROCESS_MOUSE_BUTTON_L"),
+           ButtonPin(367, "ButtonR", "IO_PROCESS_MOUSE_BUTTON_R"),
+           ButtonPin(368, "ButtonM", "IO_PROCESS_MOUSE_BUTTON_M")}},
+         {369,
+          "Position",
+          "IO_PROCESS_MOUSE_POSITION",
+          {{.nId = 370,
+            .pszName = "PixelX",
+            .pszDisplay = "IO_PROCESS_MOUSE_PIXELX",
+            .nType = 2,
+            .nControl = 1,
+            .range = BOUNDS,
+            .flags = ExpectedFlags{0, 0, 1, 0}},
+           {.nId = 371,
+            .pszName = "PixelY",
+            .pszDisplay = "IO_PROCESS_MOUSE_PIXELY",
+            .nType = 2,
+            .nControl = 1,
+            .range = BOUNDS}, // the one pin without flags
+           {.nId = 372,
+            .pszName = "RelativeX",
+            .pszDisplay = "IO_PROCESS_MOUSE_RELATIVEX",
+            .nType = 2,
+            .nControl = 2,
+            .range = BOUNDS,
+            .flags = ExpectedFlags{0, 0, 1, 0}},
+           {.nId = 373,
+            .pszName = "RelativeY",
+            .pszDisplay = "IO_PROCESS_MOUSE_RELATIVEY",
+            .nType = 2,
+            .nControl = 2,
+            .range = BOUNDS,
+            .flags = ExpectedFlags{0, 0, 1, 0}}}}});
 }
 
 TEST_F(MouseNode, OutputsAreMadeOnce) {
@@ -209,7 +208,7 @@ TEST_F(MouseNode, InheritsTheOtherOperations) {
     EXPECT_EQ(m_scene.m_pNode->m_lstParamGroup.GetCount(), 1);
 }
 
-// ---- Events ----------------------------------------------------------------------------------------------------------
+// ---- Events --------------------------------------------------------------------------------------------------------
 
 /// What one event id does to the three buttons: 0 or 1 is set, -1 leaves the button.
 struct EventEffect {
@@ -404,9 +403,9 @@ TEST_F(MouseNode, ExtremePositionsPassUnchanged) {
     const int nLeast = std::numeric_limits<int>::min();
     const float fMost = std::numeric_limits<float>::max();
     const float fInfinity = std::numeric_limits<float>::infinity();
-    for (const Position& position : {Position{nMost, nLeast, fMost, -fMost}, Position{nLeast, nMost, fInfinity, -fInfinity},
-                                     Position{1'000'000'001, -1'000'000'001, 1.5e9f, -1.5e9f},
-                                     Position{-1, -1, 1e-45f, -1e-45f}}) {
+    for (const Position& position :
+         {Position{nMost, nLeast, fMost, -fMost}, Position{nLeast, nMost, fInfinity, -fInfinity},
+          Position{1'000'000'001, -1'000'000'001, 1.5e9f, -1.5e9f}, Position{-1, -1, 1e-45f, -1e-45f}}) {
         Move(position);
         EXPECT_EQ(EvaluatedPosition(), position);
     }
@@ -537,7 +536,7 @@ TEST_F(MouseNode, NodesKeepTheirStatesApart) {
     }
 }
 
-// ---- Evaluation ------------------------------------------------------------------------------------------------------
+// ---- Evaluation ----------------------------------------------------------------------------------------------------
 
 TEST_F(MouseNode, EvaluationHandlesTheCallWhenEnabled) {
     EXPECT_EQ(m_scene.Evaluate(), 1);
@@ -695,13 +694,11 @@ TEST_F(MouseNode, EvaluationNeverWritesTheEventOutputs) {
     }
 }
 
-// ---- Control layout --------------------------------------------------------------------------------------------------
+// ---- Control layout ------------------------------------------------------------------------------------------------
 
 class MouseNodeLayout : public MouseNode {
 protected:
-    void WriteLayout(std::string_view text) {
-        m_host.WriteFile("Plugins/NodePlugin/IOProcess/CVEKIOMouse.XML", text);
-    }
+    void WriteLayout(std::string_view text) { m_host.WriteFile("Plugins/NodePlugin/IOProcess/CVEKIOMouse.XML", text); }
 
     void ExpectLayoutOfTheFile() {
         const NodeParamInfoGrpArray& arGroup = *m_scene.m_pNode->GetNodeParamInfoGrpAr();
@@ -818,10 +815,10 @@ TEST_F(MouseNodeLayout, MissingFileLeavesItEmpty) {
 }
 
 TEST_F(MouseNodeLayout, BrokenFilesLeaveItEmpty) {
-    for (const std::string_view text : {std::string_view(""), std::string_view("no XML"),
-                                        std::string_view("<ParamLayout><Group id=\"301\"></ParamLayout>"),
-                                        std::string_view("<ParamLayout><Group id=\"30"),
-                                        std::string_view("\x00\xFF\xFE<\x01", 5)}) {
+    for (const std::string_view text :
+         {std::string_view(""), std::string_view("no XML"),
+          std::string_view("<ParamLayout><Group id=\"301\"></ParamLayout>"),
+          std::string_view("<ParamLayout><Group id=\"30"), std::string_view("\x00\xFF\xFE<\x01", 5)}) {
         SCOPED_TRACE(text);
         WriteLayout(text);
         EXPECT_EQ(m_scene.m_pNode->GetNodeParamInfoGrpAr()->GetSize(), 0);

@@ -70,7 +70,7 @@ protected:
     }
 };
 
-// ---- Creating --------------------------------------------------------------------------------------------------------
+// ---- Creating ------------------------------------------------------------------------------------------------------
 
 TEST_F(Operations, CreatesTheTypesAtWork) {
     for (const NodeType& type : TYPES_AT_WORK) {
@@ -133,7 +133,7 @@ TEST_F(Operations, CreatingDoesNotTouchTheGuid) {
     m_host.Call(3, &ref, nullptr);
 }
 
-// ---- Destroying ------------------------------------------------------------------------------------------------------
+// ---- Destroying ----------------------------------------------------------------------------------------------------
 
 TEST_F(Operations, DestroysNodesOfTwelveTypes) {
     for (const unsigned char nTypeByte : {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0x0C, 0x0E, 0x0D, 0x0F}) {
@@ -176,7 +176,7 @@ TEST_F(Operations, DestroyingIgnoresTheHostsRecord) {
     EXPECT_EQ(data.pNode, &inSlot);
 }
 
-// ---- Releasing, unknown operations, missing arguments ----------------------------------------------------------------
+// ---- Releasing, unknown operations, missing arguments --------------------------------------------------------------
 
 TEST_F(Operations, ReleasingWithNothingLoadedDoesNothing) {
     EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);

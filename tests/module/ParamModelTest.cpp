@@ -57,12 +57,9 @@ TEST(ParamModel, SettingTheRangeSetsTheValueToo) {
 TEST(ParamModel, SettingTheFlagsSetsNothingElse) {
     VEKParam param(1, L"", L"", 2, 1);
     SetParamBoolValue(&param, 1, 2, 3, 4);
-    ExpectParam(param, {.nId = 1,
-                        .pszName = "",
-                        .pszDisplay = "",
-                        .nType = 2,
-                        .nControl = 1,
-                        .flags = ExpectedFlags{1, 2, 3, 4}});
+    ExpectParam(
+        param,
+        {.nId = 1, .pszName = "", .pszDisplay = "", .nType = 2, .nControl = 1, .flags = ExpectedFlags{1, 2, 3, 4}});
     SetParamBoolValue(&param, 0, 0, 0, 0);
     EXPECT_NE(param.m_bBoolValueSet, 0) << "four zeros count as set";
 }

@@ -147,6 +147,9 @@ Function* Next(const char* pszName) {
 
 void WatchSocketCalls(HMODULE /*hModule*/) {}
 
+// Hidden ones would be the program's alone.
+#pragma GCC visibility push(default)
+
 extern "C" {
 
 int socket(int nFamily, int nType, int nProtocol) noexcept {
@@ -172,5 +175,7 @@ ssize_t sendto(int hSocket, const void* pBytes, size_t nBytes, int nFlags, const
     return static_cast<ssize_t>(nBytes);
 }
 }
+
+#pragma GCC visibility pop
 
 #endif

@@ -11,8 +11,7 @@ using LoadImageType = decltype(&LoadImageW);
 HANDLE LoadImageAndRecord(LoadImageType pLoadImage, HINSTANCE hInstance, LPCWSTR pszName, UINT nType, int nWidth,
                           int nHeight, UINT nFlags) {
     const HANDLE hImage = pLoadImage(hInstance, pszName, nType, nWidth, nHeight, nFlags);
-    s_imageCalls.push_back(
-        {hInstance, reinterpret_cast<ULONG_PTR>(pszName), nType, nWidth, nHeight, nFlags, hImage});
+    s_imageCalls.push_back({hInstance, reinterpret_cast<ULONG_PTR>(pszName), nType, nWidth, nHeight, nFlags, hImage});
     return hImage;
 }
 
