@@ -3,9 +3,7 @@
 # Packages that building and running need, and the further ones that testing needs.
 run_packages=(g++ cmake ninja-build ccache libboost-dev nlohmann-json3-dev libpugixml-dev libsimpleini-dev
               librsvg2-bin icoutils)
-test_packages=(googletest libbenchmark-dev clang-format clang-tidy python3 binutils
-               g++-mingw-w64-x86-64-posix wine64 wine dpkg-dev clang-19
-               xvfb xauth xdotool chromium iproute2 util-linux)
+test_packages=(googletest clang-format clang-tidy python3 binutils chromium)
 
 # install_packages PACKAGE...: needs root or sudo only when something is missing.
 install_packages() {

@@ -24,8 +24,11 @@ protected:
         const auto input = m_folder.Write("in", strInput);
         const auto output = m_folder.Path() / "out";
         const auto errors = m_folder.Path() / "errors";
-        const std::string strCommand = "\"" PROGRAM_FILE "\" " + strArguments + " < \"" + input.string() + "\" > \"" +
-                                       output.string() + "\" 2> \"" + errors.string() + "\"";
+        std::string strCommand = Quote(PROGRAM_FILE) + " " + strArguments + " < " + Quote(input) + " > " +
+                                 Quote(output) + " 2> " + Quote(errors);
+#if defined(_WIN32)
+        strCommand = "\"" + strCommand + "\""; // its command interpreter takes the outermost quotes away
+#endif
         int nStatus = std::system(strCommand.c_str());
 #ifdef WEXITSTATUS
         EXPECT_TRUE(WIFEXITED(nStatus));
@@ -34,8 +37,8 @@ protected:
         return {nStatus, ReadAll(output), ReadAll(errors)};
     }
 
-    std::string Quote(const std::filesystem::path& path) {
-        return "\"" + path.string() + "\"";
+    std::string Quote(std::filesystem::path path) {
+        return "\"" + path.make_preferred().string() + "\"";
     }
 
     /// Arguments of a session on an application folder without anything in it.

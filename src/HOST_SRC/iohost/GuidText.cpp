@@ -27,8 +27,8 @@ std::optional<GUID> ParseGuid(std::string_view text) {
         return std::nullopt;
     }
     for (size_t i = 0; i < text.size(); ++i) {
-        const bool bMatches =
-            GUID_PATTERN[i] == '0' ? std::isxdigit(static_cast<unsigned char>(text[i])) != 0 : text[i] == GUID_PATTERN[i];
+        const bool bMatches = GUID_PATTERN[i] == '0' ? std::isxdigit(static_cast<unsigned char>(text[i])) != 0
+                                                     : text[i] == GUID_PATTERN[i];
         if (!bMatches) {
             return std::nullopt;
         }

@@ -12,8 +12,8 @@ using boost::system::error_code;
 
 namespace {
 
-constexpr size_t LONGEST_TEXT = 1024 * 1024;
-constexpr size_t MOST_QUEUED_BYTES = 8 * 1024 * 1024;
+constexpr size_t LONGEST_TEXT = size_t{1024} * 1024;
+constexpr size_t MOST_QUEUED_BYTES = size_t{8} * 1024 * 1024;
 constexpr std::chrono::seconds HANDSHAKE_TIME{10};
 constexpr std::chrono::seconds PING_PERIOD{10};
 constexpr std::chrono::seconds LONGEST_SILENCE{30};

@@ -28,6 +28,8 @@ ETextTable DefaultTexts(const std::filesystem::path& appFolder) {
 } // namespace
 
 int main(int nArguments, char** ppszArguments) {
+    std::ios::sync_with_stdio(false);
+    PrepareStandardStreams();
     std::string strError;
     const auto options = ParseOptions({ppszArguments + 1, ppszArguments + nArguments}, ProgramFolder(), strError);
     if (!options) {
@@ -42,8 +44,6 @@ int main(int nArguments, char** ppszArguments) {
         std::cout << "iohost " IOHOST_VERSION "\n";
         return 0;
     }
-    std::ios::sync_with_stdio(false);
-    PrepareStandardStreams();
     const auto pSession = CSession::Open({.appFolder = options->appFolder,
                                           .moduleFile = options->moduleFile,
                                           .texts = options->texts.value_or(DefaultTexts(options->appFolder))},

@@ -26,11 +26,8 @@ std::unique_ptr<Param> MakeParam(const ParamRow& row) {
     if (row.pFillChoices != nullptr) {
         row.pFillChoices(pParam->m_arChoice);
     }
+    pParam->m_bAvailable = row.bAvailable ? 1 : 0;
     return pParam;
-}
-
-std::unique_ptr<VEKParam> MakeInput(const ParamRow& row) {
-    return MakeParam<VEKParam>(row);
 }
 
 /// Append to a list of owned pointers; the list owns the element once it is in.
@@ -52,6 +49,10 @@ std::unique_ptr<VEKParamGroup> MakeGroup(const GroupRow& group, std::unique_ptr<
 }
 
 } // namespace
+
+std::unique_ptr<VEKParam> MakeInput(const ParamRow& row) {
+    return MakeParam<VEKParam>(row);
+}
 
 std::unique_ptr<VEKParam> MakeOutput(const ParamRow& row) {
     auto pOutput = MakeParam<SQORNodeOutput>(row);

@@ -48,6 +48,7 @@ struct ParamRow {
     FillChoices* pFillChoices = nullptr;            ///< null: no choice labels
     DisplayText nDisplayText = DisplayText::LookedUp;
     const wchar_t* pszDisplaySuffix = L""; ///< follows the display text
+    bool bAvailable = true;                ///< false: the availability flag starts cleared
 };
 
 /// One parameter group or output group.
@@ -101,6 +102,9 @@ constexpr ParamRow StringRow(unsigned nId, const wchar_t* pszName, const wchar_t
 
 /// Append the input group to the list, which then owns it.
 void AppendInputGroup(VEKParamGroupList& lstGroup, const GroupRow& group);
+
+/// A new input parameter made from its row; the caller owns it.
+std::unique_ptr<VEKParam> MakeInput(const ParamRow& row);
 
 /// A new output group made from its row; the caller owns it.
 std::unique_ptr<VEKParamGroup> MakeOutputGroup(const GroupRow& group);

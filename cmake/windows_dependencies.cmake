@@ -1,0 +1,42 @@
+# Libraries of the cross build. Header-only ones are those that the native build uses, seen through a folder that holds
+# links to them alone; compiled ones are built from Debian's source of the installed version.
+
+find_package(Threads REQUIRED)
+
+set(WindowsHeaders ${PROJECT_BINARY_DIR}/headers)
+file(MAKE_DIRECTORY ${WindowsHeaders})
+foreach(HeaderFolder boost nlohmann)
+    if(NOT EXISTS /usr/include/${HeaderFolder})
+        message(FATAL_ERROR "/usr/include/${HeaderFolder} is missing: install libboost-dev and nlohmann-json3-dev")
+    endif()
+    file(CREATE_LINK /usr/include/${HeaderFolder} ${WindowsHeaders}/${HeaderFolder} SYMBOLIC)
+endforeach()
+
+add_library(Boost::headers INTERFACE IMPORTED GLOBAL)
+target_include_directories(Boost::headers SYSTEM INTERFACE ${WindowsHeaders})
+target_compile_definitions(Boost::headers INTERFACE _WIN32_WINNT=0x0A00)
+target_link_libraries(Boost::headers INTERFACE ws2_32 mswsock)
+add_library(Boost::boost ALIAS Boost::headers)
+
+add_library(nlohmann_json::nlohmann_json INTERFACE IMPORTED GLOBAL)
+target_include_directories(nlohmann_json::nlohmann_json SYSTEM INTERFACE ${WindowsHeaders})
+
+# fetch_debian_source(NAME RESULT): RESULT is the folder with the source of that Debian package.
+function(fetch_debian_source Name Result)
+    set(Folder ${PROJECT_BINARY_DIR}/debian-source/${Name})
+    if(NOT EXISTS ${Folder})
+        message(STATUS "Fetching Debian's source of ${Name}")
+        execute_process(
+            COMMAND ${PROJECT_SOURCE_DIR}/cmake/fetch_debian_source.sh ${Name} ${Folder}
+            COMMAND_ERROR_IS_FATAL ANY)
+    endif()
+    set(${Result} ${Folder} PARENT_SCOPE)
+endfunction()
+
+fetch_debian_source(pugixml PugixmlSource)
+add_library(pugixml STATIC ${PugixmlSource}/src/pugixml.cpp)
+add_library(pugixml::pugixml ALIAS pugixml)
+target_include_directories(pugixml SYSTEM PUBLIC ${PugixmlSource}/src)
+
+# Programs of this build run under Wine, in a folder of its own for its registry and its C: drive.
+set(CMAKE_CROSSCOMPILING_EMULATOR ${PROJECT_SOURCE_DIR}/cmake/windows_emulator.sh ${PROJECT_BINARY_DIR}/wine)

@@ -1,0 +1,234 @@
+// A person's input on the render surface reaches the nodes, and the page shows what came of it.
+import assert from "node:assert/strict";
+import { after, afterEach, before, beforeEach, test } from "node:test";
+import { startBrowser } from "./support/browser.mjs";
+import { startHost } from "./support/host.mjs";
+import * as is from "./support/page.mjs";
+import { createScene, postedIn, until } from "./support/session.mjs";
+
+let browser;
+let host;
+let script;
+let page;
+
+before(async () => {
+  browser = await startBrowser();
+});
+after(() => browser.close());
+
+beforeEach(async () => {
+  host = await startHost();
+  script = await createScene(host.address);
+  page = await is.openPage(browser, host);
+});
+afterEach(async () => {
+  assert.deepEqual(page.problems, []);
+  await page.close();
+  await script.close();
+  assert.equal(await host.end(), 0);
+  assert.equal(host.output.stderr, "");
+});
+
+test("a key fires down and up once each, shows its text, and is logged", async () => {
+  await page.focus();
+  await page.keyboard.down("a");
+  await page.fires(is.KEY_DOWN, 1);
+  assert.equal(await page.count(is.KEY_UP), 0);
+  await page.shows(is.KEY_TEXT, "a");
+  await page.keyboard.up("a");
+  await page.fires(is.KEY_UP, 1);
+  assert.equal(await page.count(is.KEY_DOWN), 1);
+  await page.logs("[Demo.Keyboard 1.Keyboard]触发输出事件[按下]键盘信息为[a]");
+  await page.logs("[Demo.Keyboard 1.Keyboard]触发输出事件[抬起]键盘信息为[a]");
+  await until("lines in the terminal", () => host.output.stdout.includes("event  Demo.Keyboard 1  152 KeyDown\n"));
+});
+
+test("keys without a character send their name, and an up carries the text of its down", async () => {
+  await page.focus();
+  for (const name of ["Enter", "Backspace", "F1", "ArrowLeft", "Escape", " "]) {
+    await page.keyboard.press(name);
+    await page.shows(is.KEY_TEXT, name);
+  }
+  await page.keyboard.down("Shift");
+  await page.keyboard.down("A");
+  await page.keyboard.up("Shift");
+  await page.keyboard.up("a");
+  await page.fires(is.KEY_UP, 8);
+  const keys = page.sentEvents().filter(([, { is: kind }]) => kind === "key");
+  assert.deepEqual(keys.slice(-4), [
+    [2002, { is: "key", text: "Shift" }],
+    [2002, { is: "key", text: "A" }],
+    [2003, { is: "key", text: "Shift" }],
+    [2003, { is: "key", text: "A" }],
+  ]);
+});
+
+test("a repeated key is a down each time and one up", async () => {
+  await page.focus();
+  await page.keyboard.down("x");
+  await page.keyboard.down("x");
+  await page.keyboard.down("x");
+  await page.keyboard.up("x");
+  await page.fires(is.KEY_UP, 1);
+  assert.equal(await page.count(is.KEY_DOWN), 3);
+});
+
+test("keys reach the nodes only while the surface has the focus, and Tab takes the focus away", async () => {
+  await page.page.locator(".log-search").focus();
+  await page.keyboard.press("q");
+  await page.focus();
+  await page.fires(is.LEFT_UP, 1);
+  await page.keyboard.press("Tab");
+  assert.equal(await page.surface.evaluate((element) => element === document.activeElement), false);
+  await page.keyboard.press("w");
+  await page.focus();
+  await page.fires(is.LEFT_UP, 2);
+  assert.equal(await page.count(is.KEY_DOWN), 0);
+});
+
+test("the browser's own use of a key is off while the surface has the focus", async () => {
+  await page.focus();
+  const address = page.page.url();
+  await page.keyboard.press("F5");
+  await page.keyboard.press("Control+f");
+  await page.shows(is.KEY_TEXT, "f");
+  assert.equal(page.page.url(), address);
+  assert.equal(await page.count(is.KEY_DOWN), 3);
+});
+
+test("moving in, about and out fires enter and leave and changes the position", async () => {
+  await page.moveTo(120, 80);
+  await page.fires(is.ENTER, 1);
+  await page.shows(is.PIXEL_X, "120");
+  await page.shows(is.PIXEL_Y, "80");
+  await page.moveTo(page.box.height / 2, page.box.height / 4);
+  await page.shows(is.RELATIVE_X, "500");
+  await page.shows(is.RELATIVE_Y, "750");
+  await page.mouse.move(5, 5);
+  await page.fires(is.LEAVE, 1);
+  assert.equal(await page.count(is.ENTER), 1);
+  await page.shows(is.RELATIVE_Y, "750");
+});
+
+test("each of the three buttons fires its own events and shows as held", async () => {
+  const buttons = [
+    ["left", is.LEFT_DOWN, is.LEFT_UP, is.BUTTON_LEFT],
+    ["middle", is.MIDDLE_DOWN, is.MIDDLE_UP, is.BUTTON_MIDDLE],
+    ["right", is.RIGHT_DOWN, is.RIGHT_UP, is.BUTTON_RIGHT],
+  ];
+  await page.moveTo(200, 100);
+  for (const [button, down, up, held] of buttons) {
+    await page.mouse.down({ button });
+    await page.fires(down, 1);
+    await page.shows(held, "on");
+    await page.mouse.up({ button });
+    await page.fires(up, 1);
+    await page.shows(held, "off");
+  }
+  for (const [, down, up] of buttons) {
+    assert.equal(await page.count(down), 1);
+    assert.equal(await page.count(up), 1);
+  }
+});
+
+test("two buttons at once are two buttons", async () => {
+  await page.moveTo(200, 100);
+  await page.mouse.down({ button: "left" });
+  await page.mouse.down({ button: "right" });
+  await page.shows(is.BUTTON_LEFT, "on");
+  await page.shows(is.BUTTON_RIGHT, "on");
+  await page.mouse.up({ button: "left" });
+  await page.fires(is.LEFT_UP, 1);
+  assert.equal(await page.count(is.RIGHT_UP), 0);
+  await page.mouse.up({ button: "right" });
+  await page.fires(is.RIGHT_UP, 1);
+});
+
+test("a movement to its place goes right before each button event", async () => {
+  await page.moveTo(50, 60);
+  await page.mouse.down();
+  await page.moveTo(70, 80);
+  await page.mouse.up();
+  await page.fires(is.LEFT_UP, 1);
+  const events = page.sentEvents();
+  for (const [button, x, y] of [[3005, 50, 60], [3006, 70, 80]]) {
+    const index = events.findIndex(([event]) => event === button);
+    const [moveId, movePayload] = events[index - 1];
+    assert.equal(moveId, 3013);
+    assert.deepEqual([movePayload.x, movePayload.y], [x, y]);
+    assert.deepEqual(events[index][1], movePayload);
+  }
+});
+
+test("the wheel fires up away from the user and down towards them, once a turn", async () => {
+  await page.moveTo(200, 100);
+  await page.mouse.wheel(0, -120);
+  await page.fires(is.WHEEL_UP, 1);
+  await page.mouse.wheel(0, 240);
+  await page.fires(is.WHEEL_DOWN, 1);
+  assert.equal(await page.count(is.WHEEL_UP), 1);
+});
+
+test("a pointer that rests fires hover once, and once more after it has moved", async () => {
+  await page.moveTo(200, 100);
+  await page.fires(is.HOVER, 1);
+  await page.page.waitForTimeout(600);
+  assert.equal(await page.count(is.HOVER), 1);
+  await page.moveTo(210, 100);
+  await page.fires(is.HOVER, 2);
+});
+
+test("a drag that ends outside the surface still brings its release, and leaves then", async () => {
+  await page.moveTo(200, 100);
+  await page.mouse.down();
+  await page.mouse.move(5, 5, { steps: 4 });
+  await page.page.waitForTimeout(50);
+  assert.equal(await page.count(is.LEAVE), 0);
+  await page.mouse.up();
+  await page.fires(is.LEFT_UP, 1);
+  await page.fires(is.LEAVE, 1);
+});
+
+test("no movement between two frames is merged away", async () => {
+  await page.moveTo(10, 10);
+  await page.fires(is.ENTER, 1);
+  page.sent.length = 0;
+  const wire = await page.page.context().newCDPSession(page.page);
+  const places = Array.from({ length: 60 }, (_, index) => [20 + index, 20 + 2 * index]);
+  // All of them at once, so that the browser gathers several to a frame of its own.
+  await Promise.all(
+    places.map(([x, y]) =>
+      wire.send("Input.dispatchMouseEvent", { type: "mouseMoved", x: page.box.left + x, y: page.box.top + y }),
+    ),
+  );
+  await page.shows(is.PIXEL_Y, "138");
+  const moves = page.sentEvents().filter(([event]) => event === 3013);
+  assert.deepEqual(moves.map(([, { x, y }]) => [x, y]), places);
+});
+
+test("input of different kinds keeps its order", async () => {
+  await page.focus();
+  await page.fires(is.LEFT_UP, 1);
+  script.pushes.length = 0;
+  await page.keyboard.down("a");
+  await page.mouse.down();
+  await page.keyboard.up("a");
+  await page.mouse.wheel(0, 120);
+  await page.mouse.up();
+  await page.fires(is.LEFT_UP, 2);
+  const fired = postedIn(script.pushes).filter(([, output]) => output !== is.HOVER[1]);
+  assert.deepEqual(fired, [is.KEY_DOWN, is.LEFT_DOWN, is.KEY_UP, is.WHEEL_DOWN, is.LEFT_UP]);
+});
+
+test("the surface shows where the pointer is and what is held", async () => {
+  const readout = (which) => page.page.locator(`[data-readout=${which}]`).innerText();
+  await page.moveTo(page.box.height / 2, page.box.height / 2);
+  assert.equal(await readout("relative"), "500, 500");
+  assert.equal(await readout("pixels"), `${Math.floor(page.box.height / 2)}, ${Math.floor(page.box.height / 2)}`);
+  await page.mouse.down();
+  await page.keyboard.down("Shift");
+  await until("what is held", async () => /Left button\s*Shift/.test(await readout("held")));
+  await page.keyboard.up("Shift");
+  await page.mouse.up();
+  await until("nothing held", async () => (await readout("held")) === "nothing");
+});

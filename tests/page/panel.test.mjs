@@ -1,0 +1,137 @@
+// The node cards, the log and the state of the connection.
+import assert from "node:assert/strict";
+import { after, afterEach, before, beforeEach, test } from "node:test";
+import { startBrowser } from "./support/browser.mjs";
+import { startHost } from "./support/host.mjs";
+import * as is from "./support/page.mjs";
+import { createScene, expectEventually, until } from "./support/session.mjs";
+
+let browser;
+let host;
+let script;
+let page;
+
+before(async () => {
+  browser = await startBrowser();
+});
+after(() => browser.close());
+
+beforeEach(async () => {
+  host = await startHost();
+  script = await createScene(host.address);
+  page = await is.openPage(browser, host);
+});
+afterEach(async () => {
+  await page.close();
+  await script.close();
+  await host.end();
+});
+
+const enable = (view, node) => view.page.locator(`[data-node=${node}][data-param="${is.ENABLE}"]`);
+const lines = () => page.page.locator("[data-log] .line");
+const shownLines = (count) => expectEventually("lines in the log", () => lines().count(), count);
+
+test("each node has its icon, its graph node's name and its clip", async () => {
+  const card = page.page.locator("article[data-node=m]");
+  assert.equal(await card.locator("h3").innerText(), "Mouse 1");
+  assert.match(await card.innerText(), /Mouse · Demo/);
+  const icon = card.locator("img");
+  assert.match(await icon.getAttribute("src"), /mouse\.svg$/);
+  assert.ok(await icon.evaluate((image) => image.complete && image.naturalWidth > 0));
+});
+
+test("switching a node off stops its events, and every page shows the switch", async () => {
+  const other = await is.openPage(browser, host);
+  await enable(page, "k").uncheck();
+  await until("the other page's switch", async () => !(await enable(other, "k").isChecked()));
+  await page.focus();
+  await page.keyboard.press("a");
+  await page.fires(is.LEFT_UP, 1);
+  assert.equal(await page.count(is.KEY_DOWN), 0);
+
+  await enable(other, "k").check();
+  await until("this page's switch", () => enable(page, "k").isChecked());
+  await page.keyboard.press("a");
+  await page.fires(is.KEY_DOWN, 1);
+  await other.fires(is.KEY_DOWN, 1);
+  await other.close();
+});
+
+test("nodes that come and go with the scene come and go on the page", async () => {
+  const type = "{8164BB40-6B6A-4707-88B7-386BCB0D1B01}";
+  await script.request({ op: "create", node: "k2", type, clip: null, graph: "Keyboard 2" });
+  await page.page.locator("article[data-node=k2]").waitFor();
+  await script.request({ op: "destroy", node: "k2" });
+  await page.page.locator("article[data-node=k2]").waitFor({ state: "detached" });
+});
+
+test("events that a script fires flash and count on the page, and the counts can be reset", async () => {
+  for (let index = 0; index < 3; ++index) {
+    await script.request({ op: "event", device: 1, event: 3004 });
+  }
+  await page.fires(is.HOVER, 3);
+  await page.page.getByRole("button", { name: "Reset counts" }).click();
+  await page.fires(is.HOVER, 0);
+});
+
+test("the log is filtered by level and by text", async () => {
+  await script.request({ op: "event", device: 0, event: 2002, payload: { is: "key", text: "needle" } });
+  await script.request({ op: "event", device: 1, event: 3004 });
+  await script.request({ op: "event", node: "m", record: null });
+  await shownLines(3);
+  await page.page.getByRole("button", { name: "Errors" }).click();
+  await shownLines(1);
+  assert.equal(await lines().getAttribute("data-log-level"), "32");
+  await page.page.getByRole("button", { name: "Information" }).click();
+  await shownLines(2);
+  await page.page.locator(".log-search").fill("NEEDLE");
+  await shownLines(1);
+  assert.match(await lines().innerText(), /\[needle\]/);
+  await page.page.getByRole("button", { name: "All" }).click();
+  await page.page.locator(".log-search").fill("");
+  await shownLines(3);
+});
+
+test("a paused log stands still and goes on with what came meanwhile; clearing empties it", async () => {
+  const hover = () => script.request({ op: "event", device: 1, event: 3004 });
+  await hover();
+  await shownLines(1);
+  await page.page.getByRole("button", { name: "Pause" }).click();
+  await hover();
+  await hover();
+  await page.page.getByRole("button", { name: "Go on (2 new)" }).waitFor();
+  await shownLines(1);
+  await page.page.getByRole("button", { name: /Go on/ }).click();
+  await shownLines(3);
+  await page.page.getByRole("button", { name: "Clear" }).click();
+  await shownLines(0);
+});
+
+test("the log keeps its newest thousand lines", async () => {
+  const key = (event, index) => script.request({ op: "event", device: 0, event, payload: { is: "key", text: `line ${index}` } });
+  await Promise.all(Array.from({ length: 505 }, (_, index) => [key(2002, index), key(2003, index)]).flat());
+  await page.fires(is.KEY_UP, 505);
+  await shownLines(1000);
+  assert.match(await lines().first().innerText(), /\[line 5\]/);
+  assert.match(await lines().last().innerText(), /\[line 504\]/);
+});
+
+test("a page without its host says so, and comes back by itself with the host", async () => {
+  const port = Number(host.address.split(":")[1]);
+  await script.close();
+  await host.end();
+  await page.page.locator("[data-connection=lost]").waitFor();
+  assert.match(await page.page.getByRole("alert").innerText(), /Connection lost/);
+
+  host = await startHost({ port });
+  script = await createScene(host.address);
+  await page.page.locator("[data-connection=open]").waitFor({ timeout: 15000 });
+  assert.equal(await page.page.getByRole("alert").count(), 0);
+  await page.focus();
+  await page.keyboard.press("a");
+  await page.fires(is.KEY_UP, 1);
+});
+
+test("no script or style of the page is refused by its own policy", async () => {
+  assert.deepEqual(page.problems, []);
+});

@@ -1,0 +1,289 @@
+// The page's server by itself: whom it answers, what it offers, and how it bears up.
+import assert from "node:assert/strict";
+import { mkdtempSync, rmSync } from "node:fs";
+import http from "node:http";
+import net from "node:net";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
+import { after, before, test } from "node:test";
+import { once } from "node:events";
+import WebSocket from "ws";
+import { runHost, startHost } from "./support/host.mjs";
+import { createScene, openSession, postedIn, until } from "./support/session.mjs";
+
+let host;
+let script;
+let port;
+
+before(async () => {
+  host = await startHost();
+  script = await createScene(host.address);
+  port = Number(host.address.split(":")[1]);
+});
+after(async () => {
+  await script.close();
+  assert.equal(await host.end(), 0);
+  assert.equal(host.output.stderr, "");
+});
+
+/** One request as it stands: nothing is tidied up on the way. */
+function get(path, { method = "GET", headers = {} } = {}) {
+  return new Promise((resolve, reject) => {
+    const request = http.request({ host: "127.0.0.1", port, path, method, headers }, (response) => {
+      let body = "";
+      response.setEncoding("utf8");
+      response.on("data", (text) => (body += text));
+      response.on("end", () => resolve({ status: response.statusCode, headers: response.headers, body }));
+    });
+    request.on("error", reject);
+    request.end();
+  });
+}
+
+/** Raw bytes in, everything that comes back until the server closes. */
+async function sendRaw(text) {
+  const socket = net.connect(port, "127.0.0.1");
+  let answer = "";
+  socket.on("data", (data) => (answer += data));
+  socket.write(text);
+  await once(socket, "close");
+  return answer;
+}
+
+/** The status that an upgrade is answered with. */
+function upgrade(path, headers) {
+  return new Promise((resolve, reject) => {
+    const socket = new WebSocket(`ws://127.0.0.1:${port}${path}`, { headers });
+    socket.on("open", () => (socket.close(), resolve(101)));
+    socket.on("unexpected-response", (_, response) => (response.resume(), resolve(response.statusCode)));
+    socket.on("error", reject);
+  });
+}
+
+test("the page and its files have their types, aren't kept, and may load from here only", async () => {
+  const page = await get("/");
+  assert.equal(page.status, 200);
+  assert.equal(page.headers["content-type"], "text/html; charset=utf-8");
+  assert.equal(page.headers["cache-control"], "no-store");
+  assert.match(page.headers["content-security-policy"], /default-src 'none'; script-src 'self';/);
+  assert.match(page.headers["content-security-policy"], new RegExp(`connect-src 'self' ws://127.0.0.1:${port};`));
+  for (const [path, type] of [
+    ["/index.html", "text/html; charset=utf-8"],
+    ["/page.js?fresh", "text/javascript; charset=utf-8"],
+    ["/page.css", "text/css; charset=utf-8"],
+    ["/icons/mouse.svg", "image/svg+xml"],
+  ]) {
+    const file = await get(path);
+    assert.equal(file.status, 200, path);
+    assert.equal(file.headers["content-type"], type, path);
+    assert.ok(file.body.length > 0, path);
+  }
+});
+
+test("HEAD has no body, and other methods aren't answered", async () => {
+  const head = await get("/", { method: "HEAD" });
+  assert.equal(head.status, 200);
+  assert.ok(Number(head.headers["content-length"]) > 0);
+  assert.equal(head.body, "");
+  assert.equal((await get("/", { method: "DELETE" })).status, 405);
+  assert.match(await sendRaw(`POST / HTTP/1.1\r\nHost: 127.0.0.1:${port}\r\nContent-Length: 5\r\n\r\nhello`), /^HTTP\/1\.1 400 /);
+});
+
+test("nothing outside the page's folder can be named", async () => {
+  for (const path of [
+    "/../iohost",
+    "/../../../../../../etc/passwd",
+    "/icons/../../iohost",
+    "/%2e%2e/iohost",
+    "/..%2fiohost",
+    "/..\\iohost",
+    "//etc/passwd",
+    "/./index.html",
+    "/icons",
+    "/icons/",
+    "/index.html/",
+    "/index.html%00.js",
+    "index.html",
+    "/nothing.js",
+  ]) {
+    const answer = await sendRaw(`GET ${path} HTTP/1.1\r\nHost: 127.0.0.1:${port}\r\nConnection: close\r\n\r\n`);
+    assert.match(answer, /^HTTP\/1\.1 40[04] /, path);
+    assert.doesNotMatch(answer, /root:|ELF/, path);
+  }
+});
+
+test("a request that names another host is refused, whatever it asks for", async () => {
+  for (const foreign of ["evil.example", `evil.example:${port}`, "127.0.0.1", "127.0.0.1:1", `127.0.0.1.evil.example:${port}`]) {
+    for (const path of ["/", "/page.js", "/nothing"]) {
+      assert.equal((await get(path, { headers: { host: foreign } })).status, 403, foreign);
+    }
+    assert.equal(await upgrade("/session", { host: foreign }), 403, foreign);
+  }
+  assert.match(await sendRaw("GET / HTTP/1.0\r\n\r\n"), /^HTTP\/1\.\d 403 /);
+  const twice = `GET / HTTP/1.1\r\nHost: 127.0.0.1:${port}\r\nHost: evil.example\r\nConnection: close\r\n\r\n`;
+  assert.match(await sendRaw(twice), /^HTTP\/1\.1 40[03] /);
+});
+
+test("each of the server's own names is taken", async () => {
+  for (const own of ["127.0.0.1", "localhost", "LOCALHOST", "[::1]"]) {
+    assert.equal((await get("/", { headers: { host: `${own}:${port}` } })).status, 200, own);
+    assert.equal(await upgrade("/session", { origin: `http://${own}:${port}` }), 101, own);
+  }
+});
+
+test("a foreign page's requests and WebSockets are refused", async () => {
+  for (const origin of [
+    "http://evil.example",
+    `http://evil.example:${port}`,
+    `https://127.0.0.1:${port}`,
+    "http://127.0.0.1",
+    `http://127.0.0.1:${port}.evil.example`,
+    "null",
+    "file://",
+    "",
+  ]) {
+    assert.equal(await upgrade("/session", { origin }), 403, origin);
+    assert.equal((await get("/", { headers: { origin } })).status, 403, origin);
+  }
+});
+
+test("a script without an Origin is let in, at the session's address only", async () => {
+  assert.equal(await upgrade("/session", {}), 101);
+  assert.equal(await upgrade("/", {}), 200);
+  assert.equal(await upgrade("/other", {}), 404);
+  assert.equal((await get("/session")).status, 404);
+});
+
+test("what is no HTTP request is refused and the server goes on", async () => {
+  assert.match(await sendRaw("\x00\x01\x02 nonsense\r\n\r\n"), /^HTTP\/1\.1 400 /);
+  assert.match(await sendRaw(`GET / HTTP/1.1\r\nHost: x\r\nX: ${"a".repeat(20000)}\r\n\r\n`), /^(HTTP\/1\.1 400 |$)/);
+  assert.equal((await get("/")).status, 200);
+});
+
+test("a client is greeted, then told all outputs", async () => {
+  const client = await openSession(host.address);
+  await until("the outputs", () => client.pushes.some(({ push }) => push === "outputs"));
+  const [hello] = client.pushes;
+  assert.equal(hello.push, "hello");
+  assert.equal(hello.address, host.address);
+  assert.equal(hello.fps, 60);
+  assert.match(hello.version, /^\d+\.\d+\.\d+$/);
+  const { nodes } = client.pushes.find(({ push }) => push === "outputs");
+  assert.deepEqual(Object.keys(nodes.m), ["366", "367", "368", "370", "371", "372", "373"]);
+  assert.deepEqual(nodes.k["154"], { int: 0, float: 0, string: "" });
+  await client.close();
+});
+
+test("replies come in the order of the requests; what a client caused stands in its reply, others get it pushed", async () => {
+  const client = await openSession(host.address);
+  const other = await openSession(host.address);
+  const replies = await Promise.all(
+    Array.from({ length: 200 }, (_, id) => client.request({ op: "event", id, device: 1, event: id % 2 ? 3011 : 3012 })),
+  );
+  assert.deepEqual(replies.map(({ id }) => id), Array.from({ length: 200 }, (_, id) => id));
+  const expected = replies.flatMap(({ posted }) => posted.map(({ node, output }) => [node, output]));
+  assert.equal(expected.length, 200);
+  await until("the pushes", () => postedIn(other.pushes).length >= 200);
+  assert.deepEqual(postedIn(other.pushes), expected);
+  assert.deepEqual(postedIn(client.pushes), []);
+  await client.close();
+  await other.close();
+});
+
+test("requests that can't be carried out get an error and the connection goes on", async () => {
+  const client = await openSession(host.address);
+  for (const bad of ["nonsense", "[]", "{}", '{"op":"no such op"}', '{"op":"inspect","node":"nobody"}',
+    '{"op":"event","device":"x","event":1}', "[".repeat(100000)]) {
+    const reply = await client.request(bad);
+    assert.equal(reply.ok, false, bad.slice(0, 40));
+    assert.ok(reply.error.length > 0);
+  }
+  assert.equal((await client.request({ op: "scene" })).ok, true);
+  await client.close();
+});
+
+test("a text longer than a mebibyte ends the connection, and only that one", async () => {
+  const client = await openSession(host.address);
+  client.socket.on("error", () => {});
+  client.socket.send("x".repeat(1024 * 1024 + 1));
+  await once(client.socket, "close");
+  assert.equal((await script.request({ op: "scene" })).ok, true);
+});
+
+test("changes of the scene are pushed to everybody", async () => {
+  const client = await openSession(host.address);
+  await script.request({ op: "edit", node: "m", param: 2, int: 0 });
+  await until("the push", () => client.pushes.some(({ push }) => push === "scene"));
+  await script.request({ op: "edit", node: "m", param: 2, int: 1 });
+  await until("the second push", () => client.pushes.filter(({ push }) => push === "scene").length === 2);
+  const [first, second] = client.pushes.filter(({ push }) => push === "scene").map(({ version }) => version);
+  assert.ok(second > first);
+  await client.close();
+});
+
+test("a client that takes nothing stops neither frames nor the others, and is dropped with what it holds", async () => {
+  const stalled = await openSession(host.address);
+  await stalled.request({ op: "event", device: 0, event: 2002, payload: { is: "key", text: "stuck" } });
+  script.pushes.length = 0;
+  stalled.socket.pause();
+  stalled.socket.on("error", () => {});
+  // The replies carry the ids back: more than the system's buffers and the server's queue hold.
+  const request = JSON.stringify({ op: "scene", id: "x".repeat(500000) });
+  for (let index = 0; index < 100; ++index) {
+    stalled.socket.send(request);
+  }
+  const slowest = { ms: 0 };
+  const dropped = () => postedIn(script.pushes).some(([node, output]) => node === "k" && output === 153);
+  await until("the release of what it held", async () => {
+    const start = performance.now();
+    assert.equal((await script.request({ op: "scene" })).ok, true);
+    slowest.ms = Math.max(slowest.ms, performance.now() - start);
+    return dropped();
+  }, 60000);
+  assert.ok(slowest.ms < 1000, `a reply took ${slowest.ms} ms`);
+  stalled.socket.terminate();
+
+  // Frames go on: a value that a frame copies arrives.
+  await script.request({ op: "event", device: 1, event: 3013,
+    payload: { is: "pointer", rx: 1, ry: 2, x: 31, y: 41, pointer: 0, relative: 0 } });
+  await until("the position", () => script.pushes.some(({ nodes }) => nodes?.m?.["370"]?.int === 31));
+});
+
+test("each fired event and each log line is printed, with nothing in it that steers a terminal", async () => {
+  const text = "\u001b]0;title\u0007\u009b31m";
+  await script.request({ op: "event", device: 0, event: 2002, payload: { is: "key", text } });
+  await until("the line", () => host.output.stdout.includes("title"));
+  assert.ok(host.output.stdout.includes("[\\x1B]0;title\\x07\\x9B31m]"));
+  assert.match(host.output.stdout, /\nevent {2}Demo\.Keyboard 1 {2}152 KeyDown\n/);
+  assert.doesNotMatch(host.output.stdout, /[\u001b\u0007\u009b]/);
+});
+
+test("a taken port is told together with the option that changes it", async () => {
+  const { code, stderr } = await runHost("--listen", host.address);
+  assert.equal(code, 1);
+  assert.match(stderr, new RegExp(`can't listen on ${host.address}`));
+  assert.match(stderr, /--listen/);
+});
+
+test("an address that is none, and a folder without a page, are told together with their options", async () => {
+  const address = await runHost("--listen", "nowhere.example:0");
+  assert.notEqual(address.code, 0);
+  assert.match(address.stderr, /--listen/);
+  const folder = mkdtempSync(join(tmpdir(), "iohost-page-"));
+  for (const web of [folder, join(folder, "missing")]) {
+    const { code, stderr } = await runHost("--listen", "127.0.0.1:0", "--web", web);
+    assert.equal(code, 1);
+    assert.match(stderr, /--web/);
+  }
+  rmSync(folder, { recursive: true });
+});
+
+test("quit by a client ends the host cleanly", async () => {
+  const own = await startHost();
+  const client = await createScene(own.address);
+  const closed = once(client.socket, "close");
+  assert.equal((await client.request({ op: "quit" })).ok, true);
+  await closed;
+  assert.equal(await own.ended(), 0);
+  assert.equal(own.output.stderr, "");
+});

@@ -1,0 +1,77 @@
+// A script on the host's WebSocket: a second client beside the page.
+import { once } from "node:events";
+import WebSocket from "ws";
+
+const MOUSE = "{8164BB40-6B6A-4707-88B7-386BCB0D1B03}";
+const KEYBOARD = "{8164BB40-6B6A-4707-88B7-386BCB0D1B01}";
+
+/** Opens the session. Replies are handed to who asked; pushes gather in `pushes`. */
+export async function openSession(address, options = {}) {
+  const socket = new WebSocket(`ws://${address}/session`, options);
+  const pushes = [];
+  const waiting = [];
+  socket.on("message", (data) => {
+    const message = JSON.parse(String(data));
+    if (message.push) {
+      pushes.push(message);
+    } else {
+      waiting.shift()?.(message);
+    }
+  });
+  await once(socket, "open");
+  return {
+    socket,
+    pushes,
+    request(request) {
+      socket.send(typeof request === "string" ? request : JSON.stringify(request));
+      return new Promise((resolve) => waiting.push(resolve));
+    },
+    async close() {
+      const closed = once(socket, "close");
+      socket.close();
+      await closed;
+    },
+  };
+}
+
+/** What pushes told of fired events: [node, output] each. */
+export function postedIn(pushes) {
+  return pushes.flatMap((push) => push.posted ?? []).map(({ node, output }) => [node, output]);
+}
+
+export function logIn(pushes) {
+  return pushes.flatMap((push) => push.log ?? []).map((line) => line.text);
+}
+
+/** A keyboard node "k" and a mouse node "m", as the tests use them. */
+export async function createScene(address) {
+  const session = await openSession(address);
+  for (const [node, type, graph] of [["k", KEYBOARD, "Keyboard 1"], ["m", MOUSE, "Mouse 1"]]) {
+    const reply = await session.request({ op: "create", node, type, clip: "Demo", graph });
+    if (!reply.ok || !reply.created) {
+      throw new Error(`The node ${node} wasn't made: ${JSON.stringify(reply)}`);
+    }
+  }
+  return session;
+}
+
+/** Waits until something holds; fails after a while with what it looked for. */
+export async function until(what, holds, timeMs = 5000) {
+  const end = Date.now() + timeMs;
+  while (!(await holds())) {
+    if (Date.now() > end) {
+      throw new Error(`Waited in vain for: ${what}`);
+    }
+    await new Promise((resolve) => setTimeout(resolve, 10));
+  }
+}
+
+/** Waits until reading gives what is expected; fails with what it gave last. */
+export async function expectEventually(what, read, expected, timeMs = 5000) {
+  let last;
+  try {
+    await until(what, async () => (last = await read()) === expected, timeMs);
+  } catch (error) {
+    throw new Error(`${error.message}; it stayed at ${last}`);
+  }
+}
