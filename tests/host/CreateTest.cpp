@@ -113,9 +113,10 @@ TEST_F(Create, MalformedRequestsAreRefusedByField) {
         }
         EXPECT_EQ(Refusal(request.dump()), pszError);
     }
-    // Refused nodes leave no clip behind: only that of the first node is there.
-    Must(R"({"op":"object","clip":"Intro","name":"A"})");
-    EXPECT_EQ(Must(R"({"op":"objects"})")["objects"].size(), 1u);
+    // Refused nodes leave no clip behind.
+    const auto file = m_folder.Path() / "scene.json";
+    Must(R"({"op":"save","file":)" + Quote(file) + "}");
+    EXPECT_EQ(Json::parse(ReadAll(file))["clips"].dump(), R"([{"name":"Intro","objects":[]}])");
     EXPECT_EQ(Must(R"({"op":"scene"})")["nodes"].size(), 1u);
 }
 

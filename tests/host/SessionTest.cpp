@@ -73,6 +73,20 @@ TEST(SessionOpen, TextTableFillsDisplayTexts) {
     EXPECT_EQ(pSession->Handle({{"op", "inspect"}, {"node", "m"}})["name"], "鼠标");
 }
 
+TEST(SessionClose, IconsOfTheCatalogueAreDestroyed) {
+    const CTemporaryFolder folder;
+    std::string strError;
+    const auto pHost = CHost::Open({folder.Path(), MODULE_FILE, ETextTable::Keys}, strError);
+    ASSERT_NE(pHost, nullptr) << strError;
+    const HICON hIcon = pHost->Catalogue()[0].hIcon;
+    ICONINFO info = {};
+    ASSERT_TRUE(GetIconInfo(hIcon, &info));
+    DeleteObject(info.hbmMask);
+    DeleteObject(info.hbmColor);
+    pHost->Close();
+    EXPECT_FALSE(GetIconInfo(hIcon, &info));
+}
+
 TEST_F(Session, ReplyCarriesTheId) {
     EXPECT_EQ(Ask(R"({"op":"objects","id":7})"), R"({"ok":true,"id":7,"objects":[]})");
     EXPECT_EQ(Ask(R"({"op":"objects","id":"a"})"), R"({"ok":true,"id":"a","objects":[]})");

@@ -112,7 +112,7 @@ void VEKProperty::GetSubTypes(CStringArray& arSubType) {
 }
 
 void VEKProperty::SetSubType(int /*nSubType*/) {}
-void VEKProperty::SetSubType(CString /*strSubType*/) {}
+void VEKProperty::SetSubType(CString /*strSubType*/) {} // NOLINT(performance-unnecessary-value-param): the contract
 
 int VEKProperty::GetSubType() {
     return 0;

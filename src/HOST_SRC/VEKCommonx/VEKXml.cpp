@@ -49,7 +49,6 @@ void CVEKXml::ReadParamLayout(NodeParamInfoGrpArray& arGroup) const {
                                    param.attribute("y").as_int(), param.attribute("width").as_int(),
                                    param.attribute("height").as_int(), param.attribute("labelWidth").as_int()});
         }
-        arGroup.Add(pGroup.get());
-        pGroup.release();
+        arGroup.Add(pGroup.release());
     }
 }

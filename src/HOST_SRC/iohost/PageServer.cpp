@@ -74,7 +74,7 @@ private:
     void Stop();
 
     void Frame();
-    void TellHappened(OrderedJson happened, const CWebSocketClient* pButFor);
+    void TellHappened(const OrderedJson& happened, const CWebSocketClient* pButFor);
     void TellSceneChange();
     void SendToAll(const OrderedJson& push, const CWebSocketClient* pButFor = nullptr);
 
@@ -225,14 +225,14 @@ void CPageServer::Frame() {
     ++m_nFrame;
     OrderedJson happened = m_session.TakeHappened();
     AppendHappened(happened, m_session.Frame());
-    TellHappened(std::move(happened), nullptr);
+    TellHappened(happened, nullptr);
     const OrderedJson changed = m_session.ChangedOutputs();
     if (!changed.empty()) {
         SendToAll({{"push", "outputs"}, {"nodes", changed}});
     }
 }
 
-void CPageServer::TellHappened(OrderedJson happened, const CWebSocketClient* pButFor) {
+void CPageServer::TellHappened(const OrderedJson& happened, const CWebSocketClient* pButFor) {
     if (happened.empty()) {
         return;
     }

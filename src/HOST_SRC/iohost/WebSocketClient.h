@@ -19,6 +19,8 @@ class CWebSocketClient;
 /// Hears of the clients. All calls come from the server's one thread.
 class IWebSocketListener {
 public:
+    virtual ~IWebSocketListener() = default;
+
     /// The client is there: Send works from now on.
     virtual void OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) = 0;
 
@@ -27,9 +29,6 @@ public:
 
     /// The client is gone, by itself or dropped. Follows every OnClientOpened once.
     virtual void OnClientClosed(CWebSocketClient& client) = 0;
-
-protected:
-    ~IWebSocketListener() = default;
 };
 
 class CWebSocketClient : public std::enable_shared_from_this<CWebSocketClient> {

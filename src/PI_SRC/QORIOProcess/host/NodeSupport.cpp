@@ -15,8 +15,7 @@ void AppendPointerParam(SQOREvent& event, unsigned nId, const wchar_t* pszName, 
                                              PARAM_POINTER.m_nControl);
     pParam->m_pValue = pValue;
     std::copy(typeName.begin(), typeName.end(), pParam->m_szTypeName);
-    event.m_lstParam.AddTail(pParam.get());
-    pParam.release();
+    event.m_lstParam.AddTail(pParam.release());
 }
 
 } // namespace
@@ -32,7 +31,7 @@ void FireGeneralEvent(VEKProperty* pNode, int nOutput) {
     AppendPointerParam(*pEvent, 3, L"OwnerEventID", L"QOR_EXTRADATA_EVENT_ID", new int(nOutput), L"EventID");
     // A full queue or a window that is gone refuses the message; the event then stays ours and is freed here.
     if (PostMessageW(pNode->m_hEventWnd, pNode->m_nEventMsg, 1, reinterpret_cast<LPARAM>(pEvent.get()))) {
-        pEvent.release();
+        static_cast<void>(pEvent.release());
     }
 }
 

@@ -33,8 +33,7 @@ std::unique_ptr<Param> MakeParam(const ParamRow& row) {
 /// Append to a list of owned pointers; the list owns the element once it is in.
 template <typename T>
 void AppendOwned(CList<T*>& list, std::unique_ptr<T> pElement) {
-    list.AddTail(pElement.get());
-    pElement.release();
+    list.AddTail(pElement.release());
 }
 
 std::unique_ptr<VEKParamGroup> MakeGroup(const GroupRow& group, std::unique_ptr<VEKParam> (*pMake)(const ParamRow&)) {
