@@ -67,7 +67,7 @@ export async function openPage(browser, host) {
         Number(await output(which).getAttribute("data-count")), count),
     shows: (which, value) =>
       expectEventually(`${which} shows ${value}`, () => output(which).getAttribute("data-value"), value),
-    logs: (text) => page.locator("[data-log] .line-text", { hasText: text }).first().waitFor({ timeout: 5000 }),
+    logs: (text) => page.locator("[data-log] .line-text", { hasText: text }).first().waitFor({ timeout: 15000 }),
     close: () => context.close(),
   };
 }

@@ -56,7 +56,7 @@ export async function createScene(address) {
 }
 
 /** Waits until something holds; fails after a while with what it looked for. */
-export async function until(what, holds, timeMs = 5000) {
+export async function until(what, holds, timeMs = 15000) {
   const end = Date.now() + timeMs;
   while (!(await holds())) {
     if (Date.now() > end) {
@@ -67,7 +67,7 @@ export async function until(what, holds, timeMs = 5000) {
 }
 
 /** Waits until reading gives what is expected; fails with what it gave last. */
-export async function expectEventually(what, read, expected, timeMs = 5000) {
+export async function expectEventually(what, read, expected, timeMs = 15000) {
   let last;
   try {
     await until(what, async () => (last = await read()) === expected, timeMs);
