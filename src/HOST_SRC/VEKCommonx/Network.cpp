@@ -1,0 +1,148 @@
+#include "host/HostNetwork.h"
+
+#include <cwchar>
+
+#include "SocketTransport.h"
+
+namespace {
+
+constexpr const wchar_t* ELEMENT_END = L"/>\r\n";
+constexpr int ELEMENT_END_LENGTH = 4;
+
+bool IsControlCharacter(wchar_t c) {
+    return c < 0x20 || (c >= 0x7F && c < 0xA0);
+}
+
+/// Append a value with references in place of the characters that mean something in XML, or that a reader would change.
+void AppendEscaped(CString& strText, const CString& strValue) {
+    const wchar_t* pszValue = strValue;
+    const int nLength = strValue.GetLength();
+    int nPlainBegin = 0;
+    for (int i = 0; i < nLength; ++i) {
+        const wchar_t c = pszValue[i];
+        const wchar_t* pszReference = c == L'&'   ? L"&amp;"
+                                      : c == L'<' ? L"&lt;"
+                                      : c == L'>' ? L"&gt;"
+                                      : c == L'"' ? L"&quot;"
+                                                  : nullptr;
+        if (pszReference == nullptr && !IsControlCharacter(c)) {
+            continue;
+        }
+        strText.Append(pszValue + nPlainBegin, i - nPlainBegin);
+        nPlainBegin = i + 1;
+        if (pszReference != nullptr) {
+            strText.Append(pszReference);
+        } else {
+            strText.AppendFormat(L"&#%d;", static_cast<int>(c));
+        }
+    }
+    strText.Append(pszValue + nPlainBegin, nLength - nPlainBegin);
+}
+
+/// Where the value of an attribute begins, in the part of the document from nElement on; -1 without the attribute.
+/// Values hold no quotation mark, so a name between a space and ="" is always an attribute's.
+int FindValue(const CString& strDocument, int nElement, const wchar_t* pszName) {
+    const int nNameLength = static_cast<int>(std::wcslen(pszName));
+    for (int nName = strDocument.Find(pszName, nElement); nName > 0; nName = strDocument.Find(pszName, nName + 1)) {
+        const wchar_t* pszEnd = strDocument.GetString() + nName + nNameLength;
+        if (strDocument[nName - 1] == L' ' && pszEnd[0] == L'=' && pszEnd[1] == L'"') {
+            return nName + nNameLength + 2;
+        }
+    }
+    return -1;
+}
+
+} // namespace
+
+CMarkup::CMarkup() : m_nElement(-1) {}
+CMarkup::~CMarkup() = default;
+
+bool CMarkup::AddElem(const wchar_t* pszName) {
+    if (pszName == nullptr || *pszName == L'\0') {
+        return false;
+    }
+    m_nElement = m_strDocument.GetLength();
+    m_strDocument += L'<';
+    m_strDocument += pszName;
+    m_strDocument += ELEMENT_END;
+    return true;
+}
+
+bool CMarkup::SetAttrib(const wchar_t* pszName, const CString& strValue) {
+    if (m_nElement < 0 || pszName == nullptr || *pszName == L'\0') {
+        return false;
+    }
+    const int nValue = FindValue(m_strDocument, m_nElement, pszName);
+    if (nValue >= 0) {
+        const CString strBehind = m_strDocument.Mid(m_strDocument.Find(L'"', nValue));
+        m_strDocument.Delete(nValue, m_strDocument.GetLength() - nValue);
+        AppendEscaped(m_strDocument, strValue);
+        m_strDocument += strBehind;
+        return true;
+    }
+    m_strDocument.Delete(m_strDocument.GetLength() - ELEMENT_END_LENGTH, ELEMENT_END_LENGTH);
+    m_strDocument += L' ';
+    m_strDocument += pszName;
+    m_strDocument += L"=\"";
+    AppendEscaped(m_strDocument, strValue);
+    m_strDocument += L'"';
+    m_strDocument += ELEMENT_END;
+    return true;
+}
+
+CBaseNetData::CBaseNetData() = default;
+CBaseNetData::~CBaseNetData() = default;
+
+void CBaseNetData::Save(CArchive& archive) const {
+    archive << GetXmlDoc();
+}
+
+void CBaseNetData::Load(CArchive& archive) {
+    CString strXml;
+    archive >> strXml;
+    if (!SetXmlDoc(strXml)) {
+        AfxThrowArchiveException(CArchiveException::badClass);
+    }
+}
+
+CZtBaseNetProtocol::CZtBaseNetProtocol() = default;
+CZtBaseNetProtocol::~CZtBaseNetProtocol() = default;
+
+IMPLEMENT_DYNAMIC(CZtSocketParser, CObject)
+
+CZtSocketParser::CZtSocketParser() = default;
+CZtSocketParser::~CZtSocketParser() = default;
+
+IMPLEMENT_DYNAMIC(CZTDirectParser, CZtSocketParser)
+
+CZTDirectParser::CZTDirectParser(IReceivedBytes* pReceiver) : m_pReceiver(pReceiver) {}
+CZTDirectParser::~CZTDirectParser() = default;
+
+void CZTDirectParser::Reset() {
+    if (m_pReceiver != nullptr) {
+        m_pReceiver->OnConnectionBegins();
+    }
+}
+
+bool CZTDirectParser::Receive(const unsigned char* pData, int nLength) {
+    if (m_pReceiver != nullptr && pData != nullptr && nLength > 0) {
+        m_pReceiver->OnBytes({pData, static_cast<size_t>(nLength)});
+    }
+    return true;
+}
+
+CZTSocket::CZTSocket(ISocketTransport* pTransport, CZtSocketParser* pParser)
+    : m_pTransport(pTransport), m_pParser(pParser) {}
+
+CZTSocket::~CZTSocket() = default;
+
+int CZTSocket::SendInfo(CZtBaseNetProtocol* pProtocol) {
+    return m_pTransport != nullptr && pProtocol != nullptr && m_pTransport->SendItem(*pProtocol) ? 1 : 0;
+}
+
+int CZTSocket::SendInfo(unsigned char* pData, int nLength) {
+    if (m_pTransport == nullptr || pData == nullptr || nLength <= 0) {
+        return 0;
+    }
+    return m_pTransport->SendBytes({pData, static_cast<size_t>(nLength)}) ? 1 : 0;
+}

@@ -1,0 +1,66 @@
+#include "BroadcastDatagram.h"
+
+#include <climits>
+
+#include "XmlElement.h"
+
+namespace {
+
+constexpr const wchar_t* FRAME_BEGIN = L"[.{";
+constexpr const wchar_t* FRAME_END = L"}.]";
+constexpr int FRAME_MARK_LENGTH = 3;
+
+} // namespace
+
+const char* BroadcastRefusalName(EBroadcastRefusal nRefusal) {
+    switch (nRefusal) {
+    case EBroadcastRefusal::NotFramed:
+        return "not framed";
+    case EBroadcastRefusal::NotText:
+        return "not text";
+    case EBroadcastRefusal::NotXml:
+        return "not the element Broadcast";
+    case EBroadcastRefusal::AttributeMissing:
+        return "attribute missing";
+    }
+    return "";
+}
+
+bool ReadBroadcast(std::span<const unsigned char> datagram, SBroadcastItem& item, EBroadcastRefusal& nRefusal) {
+    if (!datagram.empty() && datagram.back() == 0) {
+        datagram = datagram.first(datagram.size() - 1);
+    }
+    if (datagram.empty() || datagram.size() > INT_MAX) {
+        nRefusal = EBroadcastRefusal::NotFramed;
+        return false;
+    }
+    // Converted first: in some code pages the bytes of the closing mark also stand within other characters.
+    const char* pBytes = reinterpret_cast<const char*>(datagram.data());
+    const int nBytes = static_cast<int>(datagram.size());
+    const int nLength = MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, pBytes, nBytes, nullptr, 0);
+    if (nLength == 0) {
+        nRefusal = EBroadcastRefusal::NotText;
+        return false;
+    }
+    CString strText;
+    MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, pBytes, nBytes, strText.GetBufferSetLength(nLength), nLength);
+    strText.ReleaseBuffer(nLength);
+    if (nLength < 2 * FRAME_MARK_LENGTH || strText.Left(FRAME_MARK_LENGTH) != FRAME_BEGIN ||
+        strText.Right(FRAME_MARK_LENGTH) != FRAME_END) {
+        nRefusal = EBroadcastRefusal::NotFramed;
+        return false;
+    }
+    CXmlElement element;
+    if (!element.Parse(strText.Mid(FRAME_MARK_LENGTH, nLength - 2 * FRAME_MARK_LENGTH), "Broadcast")) {
+        nRefusal = EBroadcastRefusal::NotXml;
+        return false;
+    }
+    SBroadcastItem read;
+    if (!element.GetText("Flag", read.m_strFlag) || !element.GetText("ClipName", read.m_strClipName) ||
+        !element.GetText("Name", read.m_strName) || !element.GetText("Data", read.m_strData)) {
+        nRefusal = EBroadcastRefusal::AttributeMissing;
+        return false;
+    }
+    item = read;
+    return true;
+}

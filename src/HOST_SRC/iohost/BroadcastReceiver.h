@@ -1,0 +1,47 @@
+// Receives the broadcasts of other hosts. Each datagram is one message; a broken one is counted and the next one read.
+#pragma once
+
+#include "PeerLoop.h"
+
+#include <boost/asio/basic_datagram_socket.hpp>
+#include <boost/asio/ip/udp.hpp>
+
+#include <array>
+#include <memory>
+
+using UdpSocket = boost::asio::basic_datagram_socket<boost::asio::ip::udp, Executor>;
+
+class CBroadcastReceiver : public std::enable_shared_from_this<CBroadcastReceiver> {
+public:
+    /// The host must outlive the io_context's handlers.
+    CBroadcastReceiver(boost::asio::io_context& context, const boost::asio::ip::udp::endpoint& endpoint,
+                       IPeerHost& host);
+
+    /// Open the port once; the reason when it can't be had, else nothing.
+    std::string Open();
+
+    /// Receive; a port that can't be had is tried again and again, and so is one that fails.
+    void Start();
+    void Stop();
+
+    const boost::asio::ip::udp::endpoint& Endpoint() const { return m_endpoint; }
+    unsigned short Port() const;
+    OrderedJson State() const;
+
+private:
+    Awaitable<void> Run();
+    Awaitable<void> Receive();
+    void Take(std::span<const unsigned char> datagram);
+
+    boost::asio::io_context& m_context;
+    const boost::asio::ip::udp::endpoint m_endpoint;
+    IPeerHost& m_host;
+    UdpSocket m_socket;
+    SteadyTimer m_timer;
+    bool m_bStopped = false;
+    std::string m_strProblem; ///< why nothing is received now
+    unsigned long long m_nErrors = 0;
+    SItemCounts m_counts;
+    CLastBytes m_lastReceived;
+    std::array<unsigned char, 65536> m_datagram; ///< no datagram is longer
+};

@@ -1,0 +1,301 @@
+#include "DeviceLink.h"
+
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/detached.hpp>
+#include <boost/asio/write.hpp>
+
+#include <algorithm>
+#include <utility>
+
+#include "HostLine.h"
+#include "Platform.h"
+#include "RecordJson.h"
+#include "TextUtf8.h"
+
+namespace asio = boost::asio;
+using boost::system::error_code;
+using std::chrono::steady_clock;
+
+namespace {
+
+constexpr std::chrono::seconds CONNECT_TIME{5};
+constexpr std::chrono::milliseconds SHORTEST_PAUSE{100};
+constexpr std::chrono::milliseconds LONGEST_PAUSE{5000};
+
+/// A connection that lasted so long was a good one: the next one is tried without a long pause.
+constexpr std::chrono::seconds GOOD_CONNECTION{1};
+
+constexpr const char* PARSER_NAMES[] = {"none", "direct", "framed"};
+constexpr const char* STATE_NAMES[] = {"unconnected", "connecting", "connected", "waiting"};
+
+} // namespace
+
+CDeviceLink::CDeviceLink(asio::io_context& context, SDeviceSetup setup, IPeerHost& host)
+    : m_context(context), m_setup(std::move(setup)), m_host(host), m_pParser(MakeParser()),
+      m_deviceSocket(this, m_pParser.get()), m_socket(context), m_timer(context), m_backoff(SHORTEST_PAUSE),
+      m_tState(steady_clock::now()) {
+    m_pFramedParser = DYNAMIC_DOWNCAST(CQORPlayCtlParser, m_pParser.get());
+    m_device.m_nId = m_setup.nId;
+    m_device.m_strName = FromUtf8(m_setup.strName);
+    m_device.m_pSocket = &m_deviceSocket;
+}
+
+CDeviceLink::~CDeviceLink() = default;
+
+std::unique_ptr<CZtSocketParser> CDeviceLink::MakeParser() {
+    IReceivedBytes& bytes = *this;
+    IRecordReceiver& records = *this;
+    switch (m_setup.nParser) {
+    case EDeviceParser::Direct:
+        return std::make_unique<CZTDirectParser>(&bytes);
+    case EDeviceParser::Framed:
+        return std::make_unique<CQORPlayCtlParser>(records);
+    case EDeviceParser::None:
+        break;
+    }
+    return nullptr;
+}
+
+void CDeviceLink::Start() {
+    if (m_setup.address) {
+        asio::co_spawn(
+            m_context, [pSelf = shared_from_this()] { return pSelf->Run(); }, asio::detached);
+    }
+}
+
+void CDeviceLink::Stop() {
+    m_bStopped = true;
+    error_code ignored;
+    m_socket.close(ignored);
+    m_timer.cancel();
+}
+
+OrderedJson CDeviceLink::SetupJson() const {
+    return {{"id", m_setup.nId},
+            {"name", m_setup.strName},
+            {"parser", PARSER_NAMES[static_cast<size_t>(m_setup.nParser)]},
+            {"address", m_setup.address ? OrderedJson(EndpointText(*m_setup.address)) : OrderedJson()}};
+}
+
+OrderedJson CDeviceLink::State() const {
+    const auto since = std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - m_tState);
+    OrderedJson state = SetupJson();
+    state["state"] = STATE_NAMES[static_cast<size_t>(m_nState)];
+    state["since_ms"] = since.count();
+    state["last_problem"] = TextOrNull(m_strLastProblem);
+    state["queued_items"] = m_queue.ItemCount();
+    state["queued_bytes"] = m_queue.ByteCount();
+    state["sent"] = m_queue.SentCount();
+    state["refused"] = m_nRefused;
+    state["lost"] = m_queue.LostCount();
+    state["received_bytes"] = m_nReceivedBytes;
+    m_counts.AddTo(state);
+    state["last_sent_bytes"] = m_lastSent.ToJson();
+    state["last_received_bytes"] = m_lastReceived.ToJson();
+    return state;
+}
+
+// ---- Sending ------------------------------------------------------------------------------------------------------
+
+bool CDeviceLink::SendItem(const CZtBaseNetProtocol& item) {
+    const auto* pItem = dynamic_cast<const CQORNetItemPlayCtlProtocol*>(&item);
+    const auto* pRecord =
+        pItem != nullptr ? dynamic_cast<const CQORPanelRemoteCtrlData*>(pItem->m_pAttachedData) : nullptr;
+    if (pRecord == nullptr) {
+        return false;
+    }
+    m_host.OnSent({{"device", m_setup.nId},
+                   {"command", pItem->m_nCommandCode},
+                   {"clip", pItem->m_pClip != nullptr ? OrderedJson(Utf8(pItem->m_pClip->m_strName)) : OrderedJson()},
+                   {"record", RecordToJson(*pRecord)}});
+    return Queue(WriteItem(m_frameWriter, *pItem));
+}
+
+bool CDeviceLink::SendBytes(std::span<const unsigned char> bytes) {
+    m_host.OnSent({{"device", m_setup.nId}, {"raw", HexText(bytes)}});
+    return Queue(bytes);
+}
+
+/// Never waits. No bytes are an item that is too long for a frame.
+bool CDeviceLink::Queue(std::span<const unsigned char> bytes) {
+    m_host.OnStateChanged();
+    if (!bytes.empty() && (!m_setup.address || m_host.IsListenOnly())) {
+        m_lastSent.Set(bytes);
+        return true;
+    }
+    if (bytes.empty() || !m_queue.Push(bytes)) {
+        ++m_nRefused;
+        if (m_nRefusedInARow++ == 0) {
+            WriteHostLine(LOG_ERROR, Description() + (bytes.empty() ? ": the item is too long, refused"
+                                                                    : ": the queue is full, the item is refused"));
+        }
+        return false;
+    }
+    if (m_nRefusedInARow > 1) {
+        WriteHostLine(LOG_INFORMATION,
+                      Description() + ": items are taken again after " + std::to_string(m_nRefusedInARow) + " refused");
+    }
+    m_nRefusedInARow = 0;
+    m_lastSent.Set(bytes);
+    Write();
+    return true;
+}
+
+void CDeviceLink::Write() {
+    if (m_bWriting || m_nState != EState::Connected) {
+        return;
+    }
+    const auto bytes = m_queue.BeginWrite();
+    if (bytes.empty()) {
+        return;
+    }
+    m_bWriting = true;
+    asio::async_write(m_socket, asio::buffer(bytes.data(), bytes.size()),
+                      [pSelf = shared_from_this()](const error_code& error, size_t) { pSelf->OnWritten(error); });
+}
+
+void CDeviceLink::OnWritten(const error_code& error) {
+    m_bWriting = false;
+    m_queue.EndWrite(!error);
+    m_host.OnStateChanged();
+    if (error) {
+        error_code ignored;
+        m_socket.close(ignored); // reading ends with it
+    } else {
+        Write();
+    }
+}
+
+// ---- The connection -----------------------------------------------------------------------------------------------
+
+Awaitable<void> CDeviceLink::Run() {
+    while (!m_bStopped) {
+        SetState(EState::Connecting);
+        std::string strProblem = co_await Connect();
+        m_bTried = true;
+        const bool bConnected = strProblem.empty();
+        if (bConnected && !m_bStopped) {
+            SetState(EState::Connected);
+            WriteHostLine(LOG_INFORMATION, Description() + " is connected");
+            if (m_pParser != nullptr) {
+                m_pParser->Reset();
+            }
+            Write();
+            strProblem = co_await Read();
+            error_code ignored;
+            m_socket.close(ignored);
+            if (!m_bWriting) {
+                m_queue.DropBegunItem();
+            }
+            if (m_pFramedParser != nullptr) {
+                m_pFramedParser->Finish();
+                CountRejected();
+            }
+            if (steady_clock::now() - m_tState >= GOOD_CONNECTION) {
+                m_backoff = SHORTEST_PAUSE;
+            }
+        }
+        if (m_bStopped) {
+            break;
+        }
+        // Attempts that fail for the same reason as the one before aren't worth a line each.
+        if (bConnected || strProblem != m_strLastProblem) {
+            WriteHostLine(LOG_ERROR, Description() + (bConnected ? " was lost: " : " can't be reached: ") + strProblem);
+        }
+        m_strLastProblem = strProblem;
+        SetState(EState::Waiting);
+        co_await Pause();
+    }
+    SetState(EState::Unconnected);
+}
+
+/// Connect; the reason when that fails, else nothing.
+Awaitable<std::string> CDeviceLink::Connect() {
+    m_socket = TcpSocket(m_context);
+    m_timer.expires_after(CONNECT_TIME);
+    m_timer.async_wait([pSelf = shared_from_this()](const error_code& error) {
+        if (!error && pSelf->m_nState == EState::Connecting) {
+            error_code ignored;
+            pSelf->m_socket.close(ignored);
+        }
+    });
+    error_code error;
+    co_await m_socket.async_connect(*m_setup.address, AwaitInto(error));
+    m_timer.cancel();
+    if (error == asio::error::operation_aborted) {
+        co_return "no answer";
+    }
+    if (error) {
+        co_return error.message();
+    }
+    error_code ignored;
+    m_socket.set_option(asio::ip::tcp::no_delay(true), ignored);
+    NoticeLostPeer(static_cast<std::uintptr_t>(m_socket.native_handle()));
+    co_return std::string();
+}
+
+/// Read until the connection ends; returns why it did.
+Awaitable<std::string> CDeviceLink::Read() {
+    for (;;) {
+        error_code error;
+        const size_t nBytes = co_await m_socket.async_read_some(asio::buffer(m_received), AwaitInto(error));
+        if (error == asio::error::eof) {
+            co_return "closed by the device";
+        }
+        if (error) {
+            co_return error.message();
+        }
+        co_await m_host.Gate().Pass();
+        if (m_bStopped) {
+            co_return std::string();
+        }
+        m_nReceivedBytes += nBytes;
+        m_lastReceived.Set({m_received.data(), nBytes});
+        const bool bInStep = m_pParser == nullptr || m_pParser->Receive(m_received.data(), static_cast<int>(nBytes));
+        CountRejected();
+        m_host.OnStateChanged();
+        if (!bInStep) {
+            co_return "out of step: " + m_counts.strLastRejected;
+        }
+    }
+}
+
+Awaitable<void> CDeviceLink::Pause() {
+    m_timer.expires_after(m_backoff);
+    m_backoff = std::min(2 * m_backoff, LONGEST_PAUSE);
+    error_code ignored;
+    co_await m_timer.async_wait(AwaitInto(ignored));
+}
+
+void CDeviceLink::OnBytes(std::span<const unsigned char> /*bytes*/) {
+    ++m_counts.nReceived;
+}
+
+void CDeviceLink::OnRecord(const CString& /*strClip*/, CQORPanelRemoteCtrlData& record) {
+    ++m_counts.nReceived;
+    if (m_host.OnRecord(EPeer::Device, DEVICE_NETWORK, record)) {
+        ++m_counts.nMatched;
+    }
+}
+
+void CDeviceLink::CountRejected() {
+    if (m_pFramedParser != nullptr) {
+        const CFrameReader& reader = m_pFramedParser->Reader();
+        m_counts.nRejected = reader.RefusedCount();
+        m_counts.strLastRejected = reader.LastRefusal() ? FrameRefusalName(*reader.LastRefusal()) : "";
+    }
+}
+
+void CDeviceLink::SetState(EState nState) {
+    m_nState = nState;
+    m_tState = steady_clock::now();
+    m_host.OnStateChanged();
+}
+
+std::string CDeviceLink::Description() const {
+    std::string strText = "device " + std::to_string(m_setup.nId) + " " + Quoted(m_setup.strName);
+    if (m_setup.address) {
+        strText += " at " + EndpointText(*m_setup.address);
+    }
+    return strText;
+}

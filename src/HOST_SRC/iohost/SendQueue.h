@@ -1,0 +1,66 @@
+// What waits to be written to one device. Bounded, so that a device that stops reading costs no more than this.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+class CSendQueue {
+public:
+    static constexpr std::size_t MOST_ITEMS = 1024;
+    static constexpr std::size_t MOST_BYTES = std::size_t{4} << 20;
+
+    /// Append an item; false, and no change, when that is too much.
+    bool Push(std::span<const unsigned char> item);
+
+    /// The next bytes to write, none when nothing waits; valid until EndWrite, which must follow.
+    std::span<const unsigned char> BeginWrite();
+
+    /// The bytes were written, or the connection was lost over them: then the items that they belong to are lost, since
+    /// nobody knows how much of them arrived.
+    void EndWrite(bool bWritten);
+
+    /// The connection is gone while nothing was being written: the rest of an item that was begun is lost.
+    void DropBegunItem();
+
+    /// What waits or is being written.
+    std::size_t ItemCount() const { return m_itemSizes.Size(); }
+    std::size_t ByteCount() const { return m_bytes.Size(); }
+
+    unsigned long long SentCount() const { return m_nSent; } ///< items
+    unsigned long long LostCount() const { return m_nLost; } ///< items
+
+private:
+    /// Elements side by side, taken off at the front. Keeps its storage.
+    template <typename T>
+    class CFifo {
+    public:
+        void Append(std::span<const T> elements) {
+            if (m_nFirst > m_elements.size() / 2) {
+                m_elements.erase(m_elements.begin(), m_elements.begin() + static_cast<std::ptrdiff_t>(m_nFirst));
+                m_nFirst = 0;
+            }
+            m_elements.insert(m_elements.end(), elements.begin(), elements.end());
+        }
+        void Drop(std::size_t nCount) {
+            m_nFirst += nCount;
+            if (m_nFirst == m_elements.size()) {
+                m_elements.clear();
+                m_nFirst = 0;
+            }
+        }
+        std::span<const T> All() const { return std::span(m_elements).subspan(m_nFirst); }
+        std::size_t Size() const { return m_elements.size() - m_nFirst; }
+
+    private:
+        std::vector<T> m_elements;
+        std::size_t m_nFirst = 0;
+    };
+
+    CFifo<unsigned char> m_bytes;
+    CFifo<std::size_t> m_itemSizes;
+    std::size_t m_nBegun = 0; ///< bytes of the first item that were written already
+    std::vector<unsigned char> m_writing;
+    unsigned long long m_nSent = 0;
+    unsigned long long m_nLost = 0;
+};

@@ -1,0 +1,28 @@
+// A stand-in for a play-control device: prints what it's sent, and can misbehave so that each failure can be seen.
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+/// How the device behaves.
+struct SStandInOptions {
+    std::string strAddress = "127.0.0.1"; ///< numeric address to listen on
+    unsigned short nPort = 0;             ///< 0: any free port
+    bool bFramed = true;                  ///< takes frames; else bytes as they are
+    std::optional<unsigned> delay; ///< sends back what it's sent, after so many milliseconds; none: sends nothing
+    bool bRefuse = false;          ///< closes each connection at once
+    std::optional<std::uint64_t> dropAfter; ///< closes each connection after so many bytes
+    bool bStall = false;                    ///< takes connections and never reads
+};
+
+/// Serve until the process is told to end, one JSON object a line:
+///   {"listening":"127.0.0.1:9000"}
+///   {"connection":1,"opened":"127.0.0.1:51234"}
+///   {"connection":1,"command":50,"clip":"Clip","record":{...}}     a record, of a framed device
+///   {"connection":1,"rejected":1,"last_rejected":"malformed"}      frames that it didn't take
+///   {"connection":1,"size":4,"text":"12|.","hex":"31327c00"}       bytes, of a direct device
+///   {"connection":1,"closed":"why"}
+/// Returns the exit code of the program: 1, with a message on standard error, when the port can't be had.
+int RunStandInDevice(const SStandInOptions& options, std::ostream& output);

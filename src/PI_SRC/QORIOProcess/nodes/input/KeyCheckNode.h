@@ -1,0 +1,20 @@
+// Key check node: polls one key with its modifiers at each evaluation and fires its press, its hold and its release.
+#pragma once
+
+#include "host/EventRecord.h"
+
+class CKeyCheckProcess : public P_ExtDevIOProcess {
+public:
+    CKeyCheckProcess();
+    ~CKeyCheckProcess() override;
+
+    void GetNodeOutput(SGraphNode* pGraphNode) override;
+    int ProcessNode(SGraphNode* pGraphNode) override;
+    int DevIOEventOccurred(const SIOEventRecord* pRecord) override;
+
+private:
+    int m_bEnable = 0;                  ///< "Enable" as last read by ProcessNode
+    SGraphNode* m_pGraphNode = nullptr; ///< graph node last handed to ProcessNode; not owned
+    bool m_bKeyDown = false;            ///< the key, with its modifiers, was down at the last evaluation
+    DWORD m_nLastHoldTick = 0;          ///< GetTickCount of the last "HoldDown"
+};

@@ -1,0 +1,32 @@
+// Recognises the direction of a stroke from its key points.
+#pragma once
+
+#include <span>
+
+#include <afxtempl.h>
+#include <afxwin.h>
+#include <gdiplus.h>
+
+/// Direction of a stroke on the screen.
+enum EGestureType : int {
+    GESTURE_NONE = -1,
+    GESTURE_LEFT = 0,
+    GESTURE_RIGHT = 1,
+    GESTURE_UP = 2,
+    GESTURE_DOWN = 3,
+};
+
+/// Distance from the first to the last sample, on either axis, at which a stroke becomes a drag: pixels or relative
+/// units alike.
+inline constexpr int MOVE_THRESHOLD = 50;
+
+/// Whether the last sample lies far enough from the first one; false for fewer than two samples.
+bool HasStartedMoving(const CArray<CPoint>& arPoint);
+bool HasStartedMoving(const CArray<Gdiplus::PointF>& arPoint);
+
+/// Direction of a stroke: all its segments point the same way, and the whole stroke deviates from that axis by less
+/// than 30 degrees. Pixels grow downwards; arithmetic is that of wrapping 32-bit integers.
+EGestureType ClassifyPixelStroke(std::span<const CPoint> points);
+
+/// The same in relative units, which grow upwards; arithmetic is that of 32-bit floats.
+EGestureType ClassifyRelativeStroke(std::span<const Gdiplus::PointF> points);

@@ -1,0 +1,15 @@
+// Object JSON receive node: passes on the text that is addressed to one object of one clip.
+#pragma once
+
+#include "host/EventRecord.h"
+
+class CObjJsonReceive : public P_ExtDevIOProcess {
+public:
+    CObjJsonReceive();
+    ~CObjJsonReceive() override;
+
+    void InitParam() override;
+    void GetNodeOutput(SGraphNode* pGraphNode) override;
+    int ProcessNode(SGraphNode* pGraphNode) override;
+    int DevIOEventOccurred(const SIOEventRecord* pRecord) override;
+};

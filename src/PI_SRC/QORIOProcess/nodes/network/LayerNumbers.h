@@ -1,0 +1,15 @@
+// The choices of a "Layer" input and the host's layer numbers that they stand for.
+#pragma once
+
+#include <afxwin.h>
+
+inline constexpr int LAYER_CHOICE_COUNT = 17;
+
+/// The layer number of a choice. An index past the choices goes on counting, a negative one counts as the first.
+int LayerNumberOfChoice(int nIndex);
+
+/// The display text of a layer number.
+CString LayerLabel(int nLayer);
+
+/// Append the labels of all choices, in index order.
+void FillLayerLabels(CStringArray& arChoice);

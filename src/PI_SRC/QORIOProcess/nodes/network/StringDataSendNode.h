@@ -1,0 +1,25 @@
+// String data send node: writes a text as bytes to one or all of the host's play-control devices.
+#pragma once
+
+#include <vector>
+
+#include "host/HostNetwork.h"
+
+class CStringDataSendIOProcess : public P_ExtDevIOProcess {
+public:
+    CStringDataSendIOProcess();
+    ~CStringDataSendIOProcess() override;
+
+    void InitParam() override;
+    BOOL NeedUpdateSingleParam(const GUID& guid) override;
+    int UpdateSingleParamValue(const GUID& guid) override;
+    int ProcessNode(SGraphNode* pGraphNode) override;
+    int DevIOEventOccurred(const SIOEventRecord* pRecord) override;
+
+private:
+    void Send(const SQORNetPlayCtrlDev* pDevice, const CString& strText, int nCodeType);
+
+    SGraphNode* m_pGraphNode = nullptr;  ///< graph node last handed to ProcessNode; not owned
+    int m_bToDev = 0;                    ///< "ToDev" as the panel was last told
+    std::vector<unsigned char> m_arByte; ///< kept from one send to the next, so that a steady sender allocates nothing
+};

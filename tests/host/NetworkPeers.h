@@ -1,0 +1,93 @@
+// The other side of a session's connections, for tests: everything on 127.0.0.1, nothing waits for ever.
+#pragma once
+
+#include <utility>
+
+#include <boost/asio.hpp>
+
+#include <chrono>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+class CTestPeers {
+public:
+    using Socket = boost::asio::ip::tcp::socket;
+
+    /// A port that can be connected to.
+    class CListener {
+    public:
+        explicit CListener(CTestPeers& peers) : m_peers(peers), m_acceptor(peers.m_context, Endpoint(0)) {}
+
+        unsigned short Port() const { return m_acceptor.local_endpoint().port(); }
+        std::string Address() const { return "127.0.0.1:" + std::to_string(Port()); }
+
+        /// The next connection; throws when none comes.
+        Socket Accept() {
+            Socket socket(m_peers.m_context);
+            bool bAccepted = false;
+            m_acceptor.async_accept(socket, [&](const auto& error) { bAccepted = !error; });
+            m_peers.Run(LONGEST_WAIT);
+            if (!bAccepted) {
+                m_acceptor.cancel();
+                m_peers.Run(LONGEST_WAIT);
+                throw std::runtime_error("nobody connected");
+            }
+            return socket;
+        }
+
+    private:
+        CTestPeers& m_peers;
+        boost::asio::ip::tcp::acceptor m_acceptor;
+    };
+
+    static boost::asio::ip::tcp::endpoint Endpoint(unsigned short nPort) {
+        return {boost::asio::ip::address_v4::loopback(), nPort};
+    }
+
+    Socket Connect(unsigned short nPort) {
+        Socket socket(m_context);
+        socket.connect(Endpoint(nPort));
+        return socket;
+    }
+
+    /// So many bytes, or those that came before the end of the connection or of the patience.
+    std::string Read(Socket& socket, std::size_t nBytes) {
+        std::string strBytes(nBytes, '\0');
+        std::size_t nRead = 0;
+        boost::asio::async_read(socket, boost::asio::buffer(strBytes),
+                                [&](const auto&, std::size_t nTransferred) { nRead = nTransferred; });
+        Run(LONGEST_WAIT);
+        if (!m_context.stopped()) {
+            socket.cancel();
+            Run(LONGEST_WAIT);
+        }
+        strBytes.resize(nRead);
+        return strBytes;
+    }
+
+    /// Whether the other side closed the connection.
+    bool IsClosed(Socket& socket) { return Read(socket, 1).empty(); }
+
+    static void Write(Socket& socket, std::string_view bytes) {
+        boost::asio::write(socket, boost::asio::buffer(bytes.data(), bytes.size()));
+    }
+
+    void SendDatagram(unsigned short nPort, std::string_view bytes) {
+        boost::asio::ip::udp::socket socket(m_context, boost::asio::ip::udp::v4());
+        socket.send_to(boost::asio::buffer(bytes.data(), bytes.size()),
+                       {boost::asio::ip::address_v4::loopback(), nPort});
+    }
+
+    boost::asio::io_context& Context() { return m_context; }
+
+private:
+    static constexpr std::chrono::seconds LONGEST_WAIT{5};
+
+    void Run(std::chrono::steady_clock::duration time) {
+        m_context.restart();
+        m_context.run_for(time);
+    }
+
+    boost::asio::io_context m_context;
+};

@@ -1,0 +1,583 @@
+// The session's network, with real peers on this machine: devices, broadcasts, records of other hosts.
+#include "NetworkPeers.h"
+
+#include "HostTest.h"
+#include "PlayControlFrame.h"
+
+namespace {
+
+const char* const SEND_TYPE = "{8164BB40-6B6A-4707-88B7-386BCB0D1B04}";
+const char* const RECEIVE_TYPE = "{8164BB40-6B6A-4707-88B7-386BCB0D1B05}";
+const char* const BROADCAST_RECEIVE_TYPE = "{8164BB40-6B6A-4707-88B7-386BCB0D1B0D}";
+const char* const STRING_SEND_TYPE = "{8164BB40-6B6A-4707-88B7-386BCB0D1B0F}";
+
+const char* const BROADCAST = "[.{<Broadcast Flag=\"1\" ClipName=\"Intro\" Name=\"score\" Data=\"12|7\"/>\r\n}.]";
+
+class NetworkRequests : public CHostTest {
+protected:
+    OrderedJson Do(const Json& request) {
+        OrderedJson reply = AskObject(request);
+        EXPECT_EQ(reply["ok"], true) << request << '\n' << reply;
+        return reply;
+    }
+
+    std::string RefusalOf(const Json& request) { return Refusal(request.dump()); }
+
+    void Create(const char* pszNode, const char* pszType) {
+        EXPECT_EQ(
+            Do({{"op", "create"}, {"node", pszNode}, {"type", pszType}, {"clip", "Clip"}, {"graph", "G"}})["created"],
+            true);
+    }
+
+    void Set(const char* pszNode, unsigned nParam, const char* pszKind, const Json& value) {
+        Do({{"op", "set"}, {"node", pszNode}, {"param", nParam}, {pszKind, value}});
+    }
+
+    /// Trigger "Send" of a node and evaluate it.
+    OrderedJson Send(const char* pszNode, unsigned nSend) {
+        Do({{"op", "trigger"}, {"node", pszNode}, {"param", nSend}});
+        return Do({{"op", "process"}, {"node", pszNode}});
+    }
+
+    void SetDevice(int nId, const char* pszParser, const Json& address) {
+        Do({{"op", "devices"},
+            {"list", Json::array({{{"id", nId}, {"name", "Wall"}, {"parser", pszParser}, {"address", address}}})}});
+    }
+
+    OrderedJson Device() { return Do({{"op", "network"}})["devices"][0]; }
+
+    /// Wait until the device is in that state; its state then.
+    OrderedJson AwaitState(const std::string& strState) {
+        for (int i = 0; i < 200 && Device()["state"] != strState; ++i) {
+            Do({{"op", "wait"}, {"ms", 20}});
+        }
+        EXPECT_EQ(Device()["state"], strState);
+        return Device();
+    }
+
+    /// A send node for device 3 and a receive node of the same key.
+    void CreateRecordNodes() {
+        Create("send", SEND_TYPE);
+        Set("send", 402, "string", "3");
+        Set("send", 404, "string", "Clip");
+        Set("send", 406, "string", "key");
+        Set("send", 408, "string", "value");
+        Create("receive", RECEIVE_TYPE);
+        Set("receive", 503, "string", "key");
+        Do({{"op", "process"}});
+    }
+
+    void CreateStringNode() {
+        Create("string", STRING_SEND_TYPE);
+        Set("string", 1503, "int", 3);
+        Set("string", 1505, "string", "12|7");
+        Do({{"op", "process"}});
+    }
+
+    std::string Output(const char* pszNode, unsigned nOutput) {
+        for (const OrderedJson& group : Do({{"op", "inspect"}, {"node", pszNode}})["outputs"]) {
+            for (const OrderedJson& output : group["params"]) {
+                if (output["id"] == nOutput) {
+                    return output["string"];
+                }
+            }
+        }
+        return "no such output";
+    }
+
+    /// The frame of the record that the send node makes.
+    static std::string RecordFrame(const std::string& strKeyValue = "value") {
+        const std::string strBody = "<PanelRemoteCtrl DevID=\"3\" DevName=\"Wall\" ClipName=\"Clip\" GroupName=\"\" "
+                                    "KeyName=\"key\" KeyNumber=\"0\" HelpParameter=\"\" KeyValue=\"" +
+                                    strKeyValue + "\" Layer=\"0\"/>\r\n";
+        CFrameWriter writer;
+        const auto bytes = writer.Write({50, "Clip", strBody});
+        return {bytes.begin(), bytes.end()};
+    }
+
+    unsigned short ListenBroadcast() {
+        return Do({{"op", "listen"}, {"address", "127.0.0.1"}, {"broadcast", 0}})["broadcast"];
+    }
+    unsigned short ListenControl() { return Do({{"op", "listen"}, {"broadcast", nullptr}, {"control", 0}})["control"]; }
+
+    OrderedJson Wait(unsigned nMilliseconds = 5000) { return Do({{"op", "wait"}, {"ms", nMilliseconds}}); }
+
+    CTestPeers m_peers;
+    CTestPeers::CListener m_listener{m_peers};
+};
+
+// ---- Devices ------------------------------------------------------------------------------------------------------
+
+TEST_F(NetworkRequests, ThereIsNoNetworkAtFirst) {
+    EXPECT_EQ(
+        Do({{"op", "network"}}),
+        (OrderedJson{
+            {"ok", true}, {"devices", nullptr}, {"broadcast", nullptr}, {"control", nullptr}, {"listen_only", false}}));
+}
+
+TEST_F(NetworkRequests, DevicesAreConnectedWhenTheReplyComes) {
+    SetDevice(3, "framed", m_listener.Address());
+    m_listener.Accept();
+    const OrderedJson device = Device();
+    EXPECT_EQ(device["id"], 3);
+    EXPECT_EQ(device["name"], "Wall");
+    EXPECT_EQ(device["parser"], "framed");
+    EXPECT_EQ(device["address"], m_listener.Address());
+    EXPECT_EQ(device["state"], "connected");
+    EXPECT_EQ(device["last_problem"], nullptr);
+}
+
+TEST_F(NetworkRequests, ARecordReachesTheDeviceAsAFrame) {
+    SetDevice(3, "framed", m_listener.Address());
+    auto device = m_listener.Accept();
+    CreateRecordNodes();
+    const OrderedJson reply = Send("send", 410);
+    const OrderedJson record = {{"DevID", "3"},        {"DevName", "Wall"},   {"ClipName", "Clip"},
+                                {"GroupName", ""},     {"KeyName", "key"},    {"KeyNumber", 0},
+                                {"HelpParameter", ""}, {"KeyValue", "value"}, {"Layer", 0}};
+    EXPECT_EQ(reply["sent"],
+              OrderedJson::array({{{"device", 3}, {"command", 50}, {"clip", "Clip"}, {"record", record}}}));
+    EXPECT_EQ(m_peers.Read(device, RecordFrame().size()), RecordFrame());
+    EXPECT_EQ(Device()["sent"], 1);
+}
+
+TEST_F(NetworkRequests, AStringReachesADirectDeviceByteForByte) {
+    SetDevice(3, "direct", m_listener.Address());
+    auto device = m_listener.Accept();
+    CreateStringNode();
+    EXPECT_EQ(Send("string", 1507)["sent"], OrderedJson::array({{{"device", 3}, {"raw", "31327c3700"}}}));
+    EXPECT_EQ(m_peers.Read(device, 5), std::string("12|7\0", 5));
+}
+
+TEST_F(NetworkRequests, ADeviceWithoutAddressShowsInSentOnly) {
+    SetDevice(3, "framed", nullptr);
+    CreateRecordNodes();
+    EXPECT_EQ(Send("send", 410)["sent"].size(), 1u);
+    const OrderedJson device = Device();
+    EXPECT_EQ(device["state"], "unconnected");
+    EXPECT_EQ(device["queued_items"], 0);
+    EXPECT_EQ(device["refused"], 0);
+}
+
+TEST_F(NetworkRequests, ListenOnlyKeepsItemsFromTheDevice) {
+    SetDevice(3, "framed", m_listener.Address());
+    auto device = m_listener.Accept();
+    CreateRecordNodes();
+    Do({{"op", "listen_only"}, {"on", true}});
+    EXPECT_EQ(Send("send", 410)["sent"].size(), 1u);
+    Do({{"op", "listen_only"}, {"on", false}});
+    Set("send", 408, "string", "second");
+    Send("send", 410);
+    EXPECT_EQ(m_peers.Read(device, RecordFrame("second").size()), RecordFrame("second"));
+}
+
+TEST_F(NetworkRequests, AnAnswerFromADeviceFiresTheReceiveNode) {
+    SetDevice(3, "framed", m_listener.Address());
+    auto device = m_listener.Accept();
+    CreateRecordNodes();
+    CTestPeers::Write(device, RecordFrame("back"));
+    const OrderedJson reply = Wait();
+    EXPECT_EQ(reply["dispatched"],
+              OrderedJson::array(
+                  {{{"from", "device"}, {"device", 2}, {"event", 0}, {"results", {{"send", 1}, {"receive", 1}}}}}));
+    EXPECT_EQ(reply["posted"][0]["output"], 554);
+    EXPECT_EQ(Output("receive", 552), "back");
+    EXPECT_EQ(Device()["received"], 1);
+    EXPECT_EQ(Device()["matched"], 1);
+}
+
+TEST_F(NetworkRequests, ItemsThatNoNodeTakesDontCountAsMatched) {
+    SetDevice(3, "framed", m_listener.Address());
+    auto device = m_listener.Accept();
+    Create("send", SEND_TYPE); // answers every record with 1
+    CTestPeers::Write(device, RecordFrame());
+    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
+    EXPECT_EQ(Device()["received"], 1);
+    EXPECT_EQ(Device()["matched"], 0);
+}
+
+TEST_F(NetworkRequests, ADeviceThatIsOutOfStepIsConnectedAnew) {
+    SetDevice(3, "framed", m_listener.Address());
+    auto device = m_listener.Accept();
+    CTestPeers::Write(device, "HTTP/1.1 400 Bad Request\r\n\r\n");
+    const OrderedJson state = AwaitState("waiting");
+    EXPECT_EQ(state["rejected"], 1);
+    EXPECT_EQ(state["last_rejected"], "bad magic");
+    EXPECT_EQ(state["last_problem"], "out of step: bad magic");
+    EXPECT_TRUE(m_peers.IsClosed(device));
+    AwaitState("connected");
+}
+
+TEST_F(NetworkRequests, ALostConnectionComesBackAndWhatWasQueuedGoesOut) {
+    SetDevice(3, "framed", m_listener.Address());
+    m_listener.Accept().close();
+    AwaitState("waiting");
+    CreateRecordNodes();
+    Send("send", 410);
+    EXPECT_EQ(Device()["queued_items"], 1);
+    AwaitState("connected");
+    auto device = m_listener.Accept();
+    EXPECT_EQ(m_peers.Read(device, RecordFrame().size()), RecordFrame());
+    EXPECT_EQ(Device()["lost"], 0);
+}
+
+TEST_F(NetworkRequests, ADeviceThatIsNotThereIsTriedAgain) {
+    std::string strAddress;
+    {
+        const CTestPeers::CListener gone(m_peers);
+        strAddress = gone.Address();
+    }
+    SetDevice(3, "framed", strAddress);
+    EXPECT_EQ(Device()["state"], "waiting");
+    EXPECT_TRUE(Device()["last_problem"].is_string());
+    // The attempts that fail alike are logged once.
+    size_t nLines = 0;
+    for (int i = 0; i < 10; ++i) {
+        const OrderedJson reply = Wait(100);
+        nLines += reply.contains("log") ? reply["log"].size() : 0;
+    }
+    EXPECT_EQ(nLines, 0u);
+}
+
+TEST_F(NetworkRequests, ADeviceThatStopsReadingCostsNoMoreThanItsQueue) {
+    SetDevice(3, "direct", m_listener.Address());
+    auto device = m_listener.Accept(); // and never reads
+    CreateStringNode();
+    Set("string", 1505, "string", std::string(100'000, 'x'));
+    size_t nRefusalLines = 0;
+    for (int i = 0; i < 300; ++i) {
+        const OrderedJson reply = Send("string", 1507);
+        for (const OrderedJson& line : reply["log"]) {
+            nRefusalLines += line["text"].get<std::string>().find("queue is full") != std::string::npos ? 1 : 0;
+        }
+    }
+    const OrderedJson state = Device();
+    EXPECT_EQ(state["state"], "connected");
+    EXPECT_LE(state["queued_bytes"], 4 << 20);
+    EXPECT_GT(state["queued_bytes"], 3 << 20);
+    EXPECT_GT(state["refused"], 100);
+    EXPECT_EQ(nRefusalLines, 1u);
+    // It reads again: everything that was taken arrives whole, and new items are taken.
+    const size_t nTaken = 300 - state["refused"].get<size_t>();
+    std::string strRead;
+    while (strRead.size() < nTaken * 100'001) {
+        const std::string strPiece = m_peers.Read(device, 100'001);
+        ASSERT_EQ(strPiece.size(), 100'001u);
+        strRead += strPiece;
+        Wait(1);
+    }
+    EXPECT_EQ(strRead, [&] {
+        std::string strExpected;
+        for (size_t i = 0; i < nTaken; ++i) {
+            strExpected += std::string(100'000, 'x') + '\0';
+        }
+        return strExpected;
+    }()) << "not what was sent";
+    Send("string", 1507);
+    EXPECT_EQ(Device()["refused"], state["refused"]);
+}
+
+TEST_F(NetworkRequests, ARecordTooLongForAFrameIsRefused) {
+    SetDevice(3, "framed", m_listener.Address());
+    auto device = m_listener.Accept();
+    CreateRecordNodes();
+    Set("send", 408, "string", std::string(1 << 20, 'x'));
+    const OrderedJson reply = Send("send", 410);
+    EXPECT_NE(reply["log"].dump().find("too long"), std::string::npos);
+    EXPECT_EQ(Device()["refused"], 1);
+    EXPECT_EQ(Device()["queued_bytes"], 0);
+}
+
+TEST_F(NetworkRequests, DevicesAreReplacedAndTakenAway) {
+    SetDevice(3, "framed", m_listener.Address());
+    auto first = m_listener.Accept();
+    SetDevice(4, "framed", m_listener.Address());
+    auto second = m_listener.Accept();
+    EXPECT_TRUE(m_peers.IsClosed(first));
+    EXPECT_EQ(Device()["id"], 4);
+    Do({{"op", "devices"}, {"list", nullptr}});
+    EXPECT_TRUE(m_peers.IsClosed(second));
+    EXPECT_EQ(Do({{"op", "network"}})["devices"], nullptr);
+}
+
+TEST_F(NetworkRequests, NodesSeeTheDifferenceOfNoListAndAnEmptyOne) {
+    CreateRecordNodes();
+    Set("send", 412, "int", 0); // to all
+    EXPECT_NE(Send("send", 410)["log"].dump().find("找不到网络播放控制设备"), std::string::npos);
+    Do({{"op", "devices"}, {"list", Json::array()}});
+    EXPECT_NE(Send("send", 410)["log"].dump().find("找不到网络播放控制设备"), std::string::npos);
+    SetDevice(7, "none", nullptr);
+    EXPECT_NE(Send("send", 410)["log"].dump().find("触发事件"), std::string::npos);
+}
+
+TEST_F(NetworkRequests, WrongDeviceListsAreRefusedAndChangeNothing) {
+    SetDevice(3, "framed", m_listener.Address());
+    const Json good = {{"id", 1}, {"name", "n"}, {"parser", "none"}};
+    const struct {
+        const char* pszField;
+        Json value;
+        const char* pszNamed;
+    } cases[] = {{"id", "1", "list[1].id"},
+                 {"id", nullptr, "list[1].id"},
+                 {"name", 1, "list[1].name"},
+                 {"parser", "other", "list[1].parser"},
+                 {"address", 9000, "list[1].address"},
+                 {"address", "127.0.0.1", "list[1].address"},
+                 {"address", "127.0.0.1:", "list[1].address"},
+                 {"address", "127.0.0.1:0", "list[1].address"},
+                 {"address", "127.0.0.1:65536", "list[1].address"},
+                 {"address", "127.0.0.1:90x", "list[1].address"},
+                 {"address", "localhost:9000", "list[1].address"}};
+    for (const auto& wrong : cases) {
+        Json bad = good;
+        bad[wrong.pszField] = wrong.value;
+        const std::string strError = RefusalOf({{"op", "devices"}, {"list", {good, bad}}});
+        EXPECT_NE(strError.find(wrong.pszNamed), std::string::npos) << strError;
+    }
+    EXPECT_NE(RefusalOf({{"op", "devices"}}).find("list"), std::string::npos);
+    EXPECT_NE(RefusalOf({{"op", "devices"}, {"list", "none"}}).find("list"), std::string::npos);
+    EXPECT_NE(RefusalOf({{"op", "devices"}, {"list", {1}}}).find("list[0]"), std::string::npos);
+    EXPECT_EQ(Device()["id"], 3);
+    EXPECT_EQ(Device()["state"], "connected");
+}
+
+TEST_F(NetworkRequests, ASceneKeepsItsDevices) {
+    SetDevice(3, "direct", m_listener.Address());
+    m_listener.Accept();
+    const auto file = m_folder.Path() / "scene.json";
+    Must("{\"op\":\"save\",\"file\":" + Quote(file) + "}");
+    Do({{"op", "devices"}, {"list", nullptr}});
+    Must("{\"op\":\"load\",\"file\":" + Quote(file) + "}");
+    m_listener.Accept();
+    EXPECT_EQ(Device()["id"], 3);
+    EXPECT_EQ(Device()["parser"], "direct");
+    EXPECT_EQ(Device()["state"], "connected");
+
+    const auto bad = m_folder.Write(
+        "bad.json", R"({"format":"iohost scene","version":1,"devices":[{"id":1,"name":"n","parser":"p"}]})");
+    EXPECT_NE(Refusal("{\"op\":\"load\",\"file\":" + Quote(bad) + "}").find("file.devices[0].parser"),
+              std::string::npos);
+    EXPECT_EQ(Device()["id"], 3);
+
+    const auto none = m_folder.Write("none.json", R"({"format":"iohost scene","version":1})");
+    Must("{\"op\":\"load\",\"file\":" + Quote(none) + "}");
+    EXPECT_EQ(Do({{"op", "network"}})["devices"], nullptr);
+}
+
+// ---- Broadcasts ---------------------------------------------------------------------------------------------------
+
+TEST_F(NetworkRequests, ABroadcastChangesTheOutputs) {
+    Create("receive", BROADCAST_RECEIVE_TYPE);
+    Set("receive", 1302, "string", "1");
+    Do({{"op", "process"}});
+    m_peers.SendDatagram(ListenBroadcast(), std::string(BROADCAST) + '\0');
+    EXPECT_EQ(
+        Wait()["dispatched"],
+        OrderedJson::array({{{"from", "broadcast"}, {"device", 2}, {"event", 1}, {"results", {{"receive", 1}}}}}));
+    EXPECT_EQ(Output("receive", 1352), "score");
+    EXPECT_EQ(Output("receive", 1353), "12|7");
+    EXPECT_EQ(Do({{"op", "network"}})["broadcast"]["matched"], 1);
+}
+
+TEST_F(NetworkRequests, EachDatagramIsOneMessageAndBrokenOnesAreCounted) {
+    const unsigned short nPort = ListenBroadcast();
+    m_peers.SendDatagram(nPort, "");
+    m_peers.SendDatagram(nPort, "junk");
+    m_peers.SendDatagram(nPort, std::string(60'000, 'x'));
+    m_peers.SendDatagram(nPort, BROADCAST);
+    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
+    m_peers.SendDatagram(nPort, std::string(BROADCAST) + BROADCAST);
+    m_peers.SendDatagram(nPort, "[.{<Broadcast/>}.]");
+    m_peers.SendDatagram(nPort, BROADCAST);
+    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
+    const OrderedJson state = Do({{"op", "network"}})["broadcast"];
+    EXPECT_EQ(state["received"], 2);
+    EXPECT_EQ(state["matched"], 0);
+    EXPECT_EQ(state["rejected"], 5);
+    EXPECT_EQ(state["last_rejected"], "attribute missing");
+    EXPECT_EQ(state["problem"], nullptr);
+}
+
+TEST_F(NetworkRequests, NothingIsTakenWithoutWaiting) {
+    Create("receive", BROADCAST_RECEIVE_TYPE);
+    Set("receive", 1302, "string", "1");
+    Do({{"op", "process"}});
+    m_peers.SendDatagram(ListenBroadcast(), BROADCAST);
+    for (int i = 0; i < 20; ++i) {
+        Do({{"op", "process"}});
+    }
+    EXPECT_EQ(Output("receive", 1353), "");
+    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
+    EXPECT_EQ(Output("receive", 1353), "12|7");
+}
+
+TEST_F(NetworkRequests, WaitingEndsByItself) {
+    ListenBroadcast();
+    const auto tStart = std::chrono::steady_clock::now();
+    EXPECT_EQ(Wait(50)["dispatched"], OrderedJson::array());
+    EXPECT_GE(std::chrono::steady_clock::now() - tStart, std::chrono::milliseconds(50));
+    EXPECT_EQ(Wait(0)["dispatched"], OrderedJson::array());
+    EXPECT_NE(RefusalOf({{"op", "wait"}}).find("ms"), std::string::npos);
+    EXPECT_NE(RefusalOf({{"op", "wait"}, {"ms", -1}}).find("ms"), std::string::npos);
+    EXPECT_NE(RefusalOf({{"op", "wait"}, {"ms", 600'001}}).find("ms"), std::string::npos);
+}
+
+TEST_F(NetworkRequests, ThePortOfTheConfigurationIsListenedOn) {
+    EXPECT_EQ(Do({{"op", "listen"}}), (OrderedJson{{"ok", true}, {"broadcast", nullptr}, {"control", nullptr}}));
+    boost::asio::ip::udp::socket free(m_peers.Context(), {boost::asio::ip::address_v4::loopback(), 0});
+    const unsigned short nPort = free.local_endpoint().port();
+    free.close();
+    m_folder.Write("Config/PortConfig.ini", "[iFable]\nBroadcastPort=" + std::to_string(nPort) + "\n");
+    EXPECT_EQ(Do({{"op", "listen"}, {"address", "127.0.0.1"}})["broadcast"], nPort);
+    EXPECT_EQ(Do({{"op", "listen"}, {"address", "127.0.0.1"}})["broadcast"], nPort); // its own port isn't taken
+    EXPECT_EQ(Do({{"op", "listen"}, {"broadcast", nullptr}})["broadcast"], nullptr);
+}
+
+TEST_F(NetworkRequests, ATakenPortIsRefusedAndTheOthersStay) {
+    const unsigned short nBroadcast = ListenBroadcast();
+    boost::asio::ip::udp::socket taken(m_peers.Context(), {boost::asio::ip::address_v4::loopback(), 0});
+    const std::string strError =
+        RefusalOf({{"op", "listen"}, {"address", "127.0.0.1"}, {"broadcast", taken.local_endpoint().port()}});
+    EXPECT_NE(strError.find("broadcast"), std::string::npos);
+    EXPECT_NE(RefusalOf({{"op", "listen"}, {"address", "127.0.0.1"}, {"broadcast", 0}, {"control", m_listener.Port()}})
+                  .find("control"),
+              std::string::npos);
+    m_peers.SendDatagram(nBroadcast, BROADCAST);
+    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
+}
+
+TEST_F(NetworkRequests, WrongPortsAndAddressesAreRefused) {
+    EXPECT_NE(RefusalOf({{"op", "listen"}, {"broadcast", 65536}}).find("broadcast"), std::string::npos);
+    EXPECT_NE(RefusalOf({{"op", "listen"}, {"broadcast", "8060"}}).find("broadcast"), std::string::npos);
+    EXPECT_NE(RefusalOf({{"op", "listen"}, {"broadcast", nullptr}, {"control", -1}}).find("control"),
+              std::string::npos);
+    EXPECT_NE(RefusalOf({{"op", "listen"}, {"broadcast", 0}, {"address", "here"}}).find("address"), std::string::npos);
+}
+
+// ---- Records of other hosts ---------------------------------------------------------------------------------------
+
+TEST_F(NetworkRequests, ARecordOfAnotherHostFiresTheReceiveNode) {
+    CreateRecordNodes();
+    auto other = m_peers.Connect(ListenControl());
+    CTestPeers::Write(other, RecordFrame("from afar"));
+    const OrderedJson reply = Wait();
+    EXPECT_EQ(reply["dispatched"],
+              OrderedJson::array(
+                  {{{"from", "control"}, {"device", 4}, {"event", 0}, {"results", {{"send", 1}, {"receive", 1}}}}}));
+    EXPECT_EQ(reply["posted"][0]["output"], 554);
+    EXPECT_EQ(Output("receive", 552), "from afar");
+}
+
+TEST_F(NetworkRequests, FramesMayComeInPiecesAndTogether) {
+    CreateRecordNodes();
+    auto other = m_peers.Connect(ListenControl());
+    other.set_option(boost::asio::ip::tcp::no_delay(true));
+    const std::string strFrames = RecordFrame("first") + RecordFrame("second");
+    size_t nDispatched = 0;
+    for (const char cByte : strFrames.substr(0, strFrames.size() - 1)) {
+        CTestPeers::Write(other, {&cByte, 1});
+        nDispatched += Wait(0)["dispatched"].size();
+    }
+    nDispatched += Wait(200)["dispatched"].size();
+    EXPECT_EQ(nDispatched, 1u);
+    EXPECT_EQ(Output("receive", 552), "first");
+    CTestPeers::Write(other, strFrames.substr(strFrames.size() - 1) + RecordFrame("third"));
+    for (size_t nTries = 0; nTries < 100 && nDispatched < 3; ++nTries) {
+        nDispatched += Wait(100)["dispatched"].size();
+    }
+    EXPECT_EQ(nDispatched, 3u);
+    EXPECT_EQ(Output("receive", 552), "third");
+}
+
+TEST_F(NetworkRequests, AConnectionOutOfStepIsClosedAndTheOthersGoOn) {
+    CreateRecordNodes();
+    const unsigned short nPort = ListenControl();
+    auto good = m_peers.Connect(nPort);
+    auto bad = m_peers.Connect(nPort);
+    CTestPeers::Write(bad, "GET / HTTP/1.1\r\n\r\n");
+    CTestPeers::Write(good, RecordFrame());
+    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
+    Wait(100);
+    EXPECT_TRUE(m_peers.IsClosed(bad));
+    CTestPeers::Write(good, RecordFrame());
+    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
+    const OrderedJson state = Do({{"op", "network"}})["control"];
+    EXPECT_EQ(state["connections"], 1);
+    EXPECT_EQ(state["received"], 2);
+    EXPECT_EQ(state["matched"], 2);
+    EXPECT_EQ(state["rejected"], 1);
+    EXPECT_EQ(state["last_rejected"], "bad magic");
+}
+
+TEST_F(NetworkRequests, AConnectionThatEndsWithinAFrameIsCounted) {
+    auto other = m_peers.Connect(ListenControl());
+    CTestPeers::Write(other, RecordFrame().substr(0, 40));
+    other.close();
+    for (int i = 0; i < 100 && Do({{"op", "network"}})["control"]["rejected"] == 0; ++i) {
+        Wait(20);
+    }
+    EXPECT_EQ(Do({{"op", "network"}})["control"]["last_rejected"], "truncated");
+    EXPECT_EQ(Do({{"op", "network"}})["control"]["connections"], 0);
+}
+
+TEST_F(NetworkRequests, TooManyConnectionsAreTurnedAway) {
+    const unsigned short nPort = ListenControl();
+    std::vector<CTestPeers::Socket> others;
+    for (int i = 0; i < 65; ++i) {
+        others.push_back(m_peers.Connect(nPort));
+    }
+    for (int i = 0; i < 100 && Do({{"op", "network"}})["control"]["turned_away"] == 0; ++i) {
+        Wait(20);
+    }
+    const OrderedJson state = Do({{"op", "network"}})["control"];
+    EXPECT_EQ(state["connections"], 64);
+    EXPECT_EQ(state["turned_away"], 1);
+}
+
+// ---- Records and broadcasts by request ------------------------------------------------------------------------------
+
+TEST_F(NetworkRequests, EventsCarryRecordsAndBroadcasts) {
+    CreateRecordNodes();
+    Create("broadcast", BROADCAST_RECEIVE_TYPE);
+    Do({{"op", "process"}});
+    const Json record = {{"is", "record"},           {"DevID", ""},      {"DevName", ""},  {"ClipName", "Clip"},
+                         {"GroupName", ""},          {"KeyName", "key"}, {"KeyNumber", 0}, {"HelpParameter", "h"},
+                         {"KeyValue", "by request"}, {"Layer", 1}};
+    const Json broadcast = {{"is", "broadcast"}, {"flag", ""}, {"clip", "c"}, {"name", "n"}, {"data", "d"}};
+    for (const int nDevice : {2, 4}) {
+        const OrderedJson reply = Do({{"op", "event"}, {"device", nDevice}, {"event", 0}, {"payload", record}});
+        EXPECT_EQ(reply["results"], (OrderedJson{{"send", 1}, {"receive", 1}, {"broadcast", 0}}));
+    }
+    EXPECT_EQ(Output("receive", 552), "by request");
+    EXPECT_EQ(Output("receive", 553), "h");
+    EXPECT_EQ(Do({{"op", "event"}, {"device", 2}, {"event", 1}, {"payload", broadcast}})["results"],
+              (OrderedJson{{"send", 1}, {"receive", 0}, {"broadcast", 1}}));
+    EXPECT_EQ(Output("broadcast", 1352), "n");
+    EXPECT_EQ(Output("broadcast", 1353), "d");
+    // Events that a node doesn't look at may carry anything.
+    EXPECT_EQ(Do({{"op", "event"}, {"node", "receive"}, {"device", 3}, {"event", 0}, {"payload", record}})["results"],
+              (OrderedJson{{"receive", 0}}));
+    EXPECT_EQ(Do({{"op", "event"}, {"node", "receive"}, {"device", 2}, {"event", 1}, {"payload", record}})["results"],
+              (OrderedJson{{"receive", 0}}));
+    // Those that it does look at must carry what they should.
+    EXPECT_NE(RefusalOf({{"op", "event"}, {"device", 2}, {"event", 1}, {"payload", record}}).find("payload.is"),
+              std::string::npos);
+    EXPECT_NE(RefusalOf({{"op", "event"}, {"device", 4}, {"event", 0}, {"payload", broadcast}}).find("payload.is"),
+              std::string::npos);
+    Json incomplete = record;
+    incomplete.erase("Layer");
+    EXPECT_NE(RefusalOf({{"op", "event"}, {"device", 2}, {"event", 0}, {"payload", incomplete}}).find("payload.Layer"),
+              std::string::npos);
+}
+
+TEST_F(NetworkRequests, QuittingEndsTheConnections) {
+    SetDevice(3, "framed", m_listener.Address());
+    auto device = m_listener.Accept();
+    auto other = m_peers.Connect(ListenControl());
+    Wait(20);
+    Do({{"op", "quit"}});
+    EXPECT_TRUE(m_peers.IsClosed(device));
+    EXPECT_TRUE(m_peers.IsClosed(other));
+}
+
+} // namespace

@@ -1,0 +1,94 @@
+// CMarkup: the exact text that it writes, and that another parser reads back what was put in.
+#include <pugixml.hpp>
+
+#include "NetworkTest.h"
+
+namespace {
+
+/// The value of the attribute Data, as a parser of another make reads it.
+std::string ReadBack(const CMarkup& markup) {
+    pugi::xml_document document;
+    const pugi::xml_parse_result result = document.load_string(Utf8(markup.GetDoc()).c_str());
+    EXPECT_TRUE(result) << result.description();
+    return document.child("Broadcast").attribute("Data").value();
+}
+
+std::string Document(const CString& strValue) {
+    CMarkup markup;
+    markup.AddElem(L"E");
+    markup.SetAttrib(L"A", strValue);
+    return Utf8(markup.GetDoc());
+}
+
+TEST(Markup, StartsEmpty) {
+    EXPECT_EQ(Utf8(CMarkup().GetDoc()), "");
+}
+
+TEST(Markup, WritesOneEmptyElementWithItsAttributesInOrder) {
+    CMarkup markup;
+    EXPECT_TRUE(markup.AddElem(L"Broadcast"));
+    EXPECT_TRUE(markup.SetAttrib(L"Flag", L"1"));
+    EXPECT_TRUE(markup.SetAttrib(L"ClipName", L"Intro"));
+    EXPECT_TRUE(markup.SetAttrib(L"Name", L"score"));
+    EXPECT_TRUE(markup.SetAttrib(L"Data", L"12|7"));
+    EXPECT_EQ(Utf8(markup.GetDoc()), "<Broadcast Flag=\"1\" ClipName=\"Intro\" Name=\"score\" Data=\"12|7\"/>\r\n");
+}
+
+TEST(Markup, ElementsStandOneAfterAnother) {
+    CMarkup markup;
+    markup.AddElem(L"First");
+    markup.SetAttrib(L"A", L"1");
+    markup.AddElem(L"Second");
+    markup.SetAttrib(L"A", L"2");
+    EXPECT_EQ(Utf8(markup.GetDoc()), "<First A=\"1\"/>\r\n<Second A=\"2\"/>\r\n");
+}
+
+TEST(Markup, AnAttributeSetAgainKeepsItsPlace) {
+    CMarkup markup;
+    markup.AddElem(L"E");
+    markup.SetAttrib(L"Name", L"one");
+    markup.SetAttrib(L"ClipName", L" Name=\"x\"");
+    markup.SetAttrib(L"Name", L"three");
+    EXPECT_EQ(Utf8(markup.GetDoc()), "<E Name=\"three\" ClipName=\" Name=&quot;x&quot;\"/>\r\n");
+    markup.SetAttrib(L"ClipName", L"");
+    EXPECT_EQ(Utf8(markup.GetDoc()), "<E Name=\"three\" ClipName=\"\"/>\r\n");
+}
+
+TEST(Markup, RefusesAttributesWithoutElementAndEmptyNames) {
+    CMarkup markup;
+    EXPECT_FALSE(markup.SetAttrib(L"A", L"1"));
+    EXPECT_FALSE(markup.AddElem(L""));
+    EXPECT_FALSE(markup.AddElem(nullptr));
+    EXPECT_EQ(Utf8(markup.GetDoc()), "");
+    markup.AddElem(L"E");
+    EXPECT_FALSE(markup.SetAttrib(L"", L"1"));
+    EXPECT_EQ(Utf8(markup.GetDoc()), "<E/>\r\n");
+}
+
+TEST(Markup, EscapesWhatMeansSomethingInXml) {
+    EXPECT_EQ(Document(L"a&b<c>d\"e'f"), "<E A=\"a&amp;b&lt;c&gt;d&quot;e'f\"/>\r\n");
+    EXPECT_EQ(Document(L"\t\r\n\x01\x1f\x7f\u0085"), "<E A=\"&#9;&#13;&#10;&#1;&#31;&#127;&#133;\"/>\r\n");
+    EXPECT_EQ(Document(L"  \u00a0\u00e9\u6bd4 "), "<E A=\"  \u00a0\u00e9\u6bd4 \"/>\r\n");
+}
+
+TEST(Markup, EveryCharacterOfTheCodePageReadsBack) {
+    const std::vector<wchar_t> characters = CodePageCharacters();
+    EXPECT_GE(characters.size(), 250u);
+    CString strAll;
+    for (const wchar_t c : characters) {
+        CMarkup markup;
+        markup.AddElem(L"Broadcast");
+        const CString strValue = CString(L"<") + CString(c, 3) + L"\"";
+        markup.SetAttrib(L"Data", strValue);
+        EXPECT_EQ(ReadBack(markup), Utf8(strValue)) << "character " << static_cast<int>(c);
+        strAll += c;
+    }
+    CMarkup markup;
+    markup.AddElem(L"Broadcast");
+    for (const wchar_t* pszName : {L"Flag", L"ClipName", L"Name", L"Data"}) {
+        markup.SetAttrib(pszName, strAll);
+    }
+    EXPECT_EQ(ReadBack(markup), Utf8(strAll));
+}
+
+} // namespace

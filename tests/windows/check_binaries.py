@@ -1,0 +1,117 @@
+#!/usr/bin/env python3
+"""Look at the built Windows binaries: what they export and import, and how the system may load them.
+
+    check_binaries.py check     OBJDUMP MODULE BINARY...   the module, and the other binaries that lie beside it
+    check_binaries.py self-test OBJDUMP MODULE BINARY...   whether the checks notice damage done to copies
+"""
+
+import pathlib
+import re
+import struct
+import subprocess
+import sys
+import tempfile
+
+MODULE_EXPORTS = ["IOProcessFunc"]
+HOST_LIBRARIES = {"vekcommonx.dll", "vekrenderx.dll", "veklogdllx.dll"}
+# What Windows itself brings; msvcrt.dll is its C run-time.
+SYSTEM_LIBRARIES = {"kernel32.dll", "user32.dll", "msvcrt.dll", "ws2_32.dll", "mswsock.dll"}
+LOADER_FLAGS = {"DYNAMIC_BASE", "NX_COMPAT", "HIGH_ENTROPY_VA"}
+
+
+class Binary:
+    def __init__(self, objdump, path):
+        self.path = pathlib.Path(path)
+        self.name = self.path.name
+        listing = subprocess.run([objdump, "-p", path], capture_output=True, text=True, check=True).stdout
+        self.is_64_bit = "file format pei-x86-64" in listing
+        self.imports = {name.lower() for name in re.findall(r"^\tDLL Name: (\S+)$", listing, re.MULTILINE)}
+        self.exports = self.export_names(listing)
+        flags = re.search(r"^DllCharacteristics\t[0-9a-f]+\n((?:\t+\S+\n)*)", listing, re.MULTILINE)
+        self.loader_flags = set(flags[1].split())
+        relocations = re.search(r"^Entry 5 [0-9a-f]+ ([0-9a-f]+) Base Relocation", listing, re.MULTILINE)
+        self.has_relocations = int(relocations[1], 16) > 0
+
+    @staticmethod
+    def export_names(listing):
+        table = re.search(r"^\[Ordinal/Name Pointer\] Table.*\n((?:\t\[ *\d+\].*\n)*)", listing, re.MULTILINE)
+        return [line.split()[-1] for line in table[1].splitlines()] if table else []
+
+
+def faults_of(binary, is_module):
+    faults = []
+    if not binary.is_64_bit:
+        faults.append("is no 64-bit Windows binary")
+    if is_module and binary.exports != MODULE_EXPORTS:
+        faults.append(f"exports {len(binary.exports)} names instead of {MODULE_EXPORTS}: {binary.exports[:20]}")
+    if is_module and not HOST_LIBRARIES <= binary.imports:
+        faults.append(f"imports nothing from {sorted(HOST_LIBRARIES - binary.imports)}")
+    foreign = binary.imports - HOST_LIBRARIES - SYSTEM_LIBRARIES
+    if foreign:
+        faults.append(f"imports from {sorted(foreign)}")
+    if not LOADER_FLAGS <= binary.loader_flags:
+        faults.append(f"lacks the flags {sorted(LOADER_FLAGS - binary.loader_flags)}")
+    if not binary.has_relocations:
+        faults.append("has no relocations, so that its address can't be random")
+    return [f"{binary.name} {fault}" for fault in faults]
+
+
+def check(objdump, module, others):
+    faults = faults_of(Binary(objdump, module), is_module=True)
+    for path in others:
+        faults += faults_of(Binary(objdump, path), is_module=False)
+    return faults
+
+
+OPTIONAL_HEADER_FLAGS = 70  # offset of DllCharacteristics, 16 bits
+OPTIONAL_HEADER_RELOCATIONS = 156  # offset of the relocations' size, 32 bits
+
+
+def change_optional_header(content, offset, layout, change):
+    """The file's bytes with one number of the optional header changed."""
+    offset += struct.unpack_from("<I", content, 0x3C)[0] + 4 + 20  # behind the signature and the file header
+    content = bytearray(content)
+    struct.pack_into(layout, content, offset, change(*struct.unpack_from(layout, content, offset)))
+    return bytes(content)
+
+
+def self_test(objdump, module, others):
+    """Each damage, done to a copy of the module, must give exactly the expected fault."""
+    content = pathlib.Path(module).read_bytes()
+
+    def without_flag(flag):
+        return change_optional_header(content, OPTIONAL_HEADER_FLAGS, "<H", lambda flags: flags & ~flag)
+
+    damages = {
+        "exports 1 names": content.replace(b"IOProcessFunc\0", b"IOProcessFunk\0"),
+        "imports from ['libstdcxx-6.dll']": content.replace(b"VEKCommonx.dll\0\0", b"libstdcxx-6.dll\0"),
+        "imports nothing from ['veklogdllx.dll']": content.replace(b"VEKLogDllx.dll\0", b"VEKCommonx.dll\0"),
+        "lacks the flags ['DYNAMIC_BASE']": without_flag(0x40),
+        "lacks the flags ['NX_COMPAT']": without_flag(0x100),
+        "lacks the flags ['HIGH_ENTROPY_VA']": without_flag(0x20),
+        "has no relocations": change_optional_header(content, OPTIONAL_HEADER_RELOCATIONS, "<I", lambda size: 0),
+    }
+    unnoticed = []
+    with tempfile.TemporaryDirectory() as folder:
+        for expected, damaged in damages.items():
+            copy = pathlib.Path(folder) / "QORIOProcessx.dll"
+            copy.write_bytes(damaged)
+            faults = check(objdump, copy, others)
+            print(expected, "->", faults)
+            if not any(expected in fault for fault in faults):
+                unnoticed.append(expected)
+    # A library with many exports is no module.
+    if not any("exports" in fault for fault in check(objdump, others[0], [])):
+        unnoticed.append("many exports")
+    return [f"not noticed: {name}" for name in unnoticed]
+
+
+def main():
+    what, objdump, module, *others = sys.argv[1:]
+    faults = {"check": check, "self-test": self_test}[what](objdump, module, others)
+    if faults:
+        sys.exit("\n".join(faults))
+
+
+if __name__ == "__main__":
+    main()

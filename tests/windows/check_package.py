@@ -1,0 +1,79 @@
+#!/usr/bin/env python3
+"""Make the Windows package, unpack it into an empty folder and use what came out.
+
+    check_package.py BUILD_FOLDER CPACK VERSION EMULATOR...
+"""
+
+import json
+import pathlib
+import subprocess
+import sys
+import tempfile
+import zipfile
+
+FILES = {
+    "app/Plugins/NodePlugin/QORIOProcessx.dll",
+    "app/Plugins/NodePlugin/NodePlugin.ini",
+    "app/Plugins/NodePlugin/IOProcess/CVEKIOMouse.XML",
+    "app/Plugins/NodePlugin/IOProcess/CVEKIOGesture.XML",
+    "app/Plugins/NodePlugin/IOProcess/CVEKIONetParameterSend.XML",
+    "app/Plugins/NodePlugin/IOProcess/CVEKIOVRHandle.XML",
+    "app/Plugins/NodePlugin/IOProcess/CVEKIODevJsonReceive.XML",
+    "app/scenes/demo.json",
+    "iohost.exe",
+    "VEKCommonx.dll",
+    "VEKLogDllx.dll",
+    "VEKRenderx.dll",
+    "web/index.html",
+    "run.cmd",
+    "readme.txt",
+}
+
+
+def run(command, folder, requests=""):
+    result = subprocess.run(command, cwd=folder, input=requests, capture_output=True, text=True, check=False)
+    if result.returncode != 0:
+        sys.exit(f"{command} ended with {result.returncode}:\n{result.stdout}{result.stderr}")
+    return result.stdout
+
+
+def main():
+    build_folder, cpack, version, *emulator = sys.argv[1:]
+    with tempfile.TemporaryDirectory() as work:
+        run([cpack, "--config", f"{build_folder}/CPackConfig.cmake", "-B", work], build_folder)
+        name = f"QORIOProcessx-{version}-win64"
+        unpacked = pathlib.Path(work) / "unpacked"
+        with zipfile.ZipFile(pathlib.Path(work) / f"{name}.zip") as package:
+            package.extractall(unpacked)
+        (folder,) = unpacked.iterdir()
+        assert folder.name == name, folder
+
+        found = {path.relative_to(folder).as_posix() for path in folder.rglob("*") if path.is_file()}
+        assert FILES <= found, f"not in the package: {sorted(FILES - found)}"
+        libraries = {path for path in found if path.lower().endswith((".dll", ".exe"))}
+        assert libraries <= FILES, f"too much in the package: {sorted(libraries - FILES)}"
+
+        # The package's folder knows nothing of the build folder, so what runs here runs from the package.
+        requests = [
+            {"op": "catalogue"},
+            {"op": "create", "node": "m", "type": "{8164BB40-6B6A-4707-88B7-386BCB0D1B03}", "clip": "Clip",
+             "graph": "Mouse 1"},
+            {"op": "layout", "node": "m"},
+            {"op": "event", "node": "m", "device": 1, "event": 3005,
+             "payload": {"is": "pointer", "rx": 0.5, "ry": 0.5, "x": 960, "y": 540, "pointer": 0, "relative": 0}},
+        ]
+        program = [*emulator, "iohost.exe", "--stdio", "--module", "app\\Plugins\\NodePlugin\\QORIOProcessx.dll"]
+        output = run(program, folder, "".join(json.dumps(request) + "\n" for request in requests))
+        replies = [json.loads(line) for line in output.splitlines()]
+        print(output)
+        assert len(replies) == len(requests) and all(reply["ok"] for reply in replies), output
+        catalogue, _, layout, _ = replies
+        assert len(catalogue["types"]) == 13 and all(entry["icon"] for entry in catalogue["types"]), catalogue
+        assert layout["groups"] > 0, layout
+
+        demo = run([*emulator, "cmd", "/c", "run.cmd", "--help"], folder)
+        assert "iohost - the reference host" in demo, demo
+
+
+if __name__ == "__main__":
+    main()
