@@ -11,10 +11,11 @@ struct SStandInOptions {
     std::string strAddress = "127.0.0.1"; ///< numeric address to listen on
     unsigned short nPort = 0;             ///< 0: any free port
     bool bFramed = true;                  ///< takes frames; else bytes as they are
-    std::optional<unsigned> delay; ///< sends back what it's sent, after so many milliseconds; none: sends nothing
-    bool bRefuse = false;          ///< closes each connection at once
-    std::optional<std::uint64_t> dropAfter; ///< closes each connection after so many bytes
-    bool bStall = false;                    ///< takes connections and never reads
+    std::optional<unsigned> delay =
+        std::nullopt;     ///< sends back what it's sent, after so many milliseconds; none: sends nothing
+    bool bRefuse = false; ///< closes each connection at once
+    std::optional<std::uint64_t> dropAfter = std::nullopt; ///< closes each connection after so many bytes
+    bool bStall = false;                                   ///< takes connections and never reads
 };
 
 /// Serve until the process is told to end, one JSON object a line:
