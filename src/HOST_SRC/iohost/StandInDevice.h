@@ -11,11 +11,14 @@ struct SStandInOptions {
     std::string strAddress = "127.0.0.1"; ///< numeric address to listen on
     unsigned short nPort = 0;             ///< 0: any free port
     bool bFramed = true;                  ///< takes frames; else bytes as they are
-    std::optional<unsigned> delay =
-        std::nullopt;     ///< sends back what it's sent, after so many milliseconds; none: sends nothing
-    bool bRefuse = false; ///< closes each connection at once
-    std::optional<std::uint64_t> dropAfter = std::nullopt; ///< closes each connection after so many bytes
-    bool bStall = false;                                   ///< takes connections and never reads
+    bool bRefuse = false;                 ///< closes each connection at once
+    bool bStall = false;                  ///< takes connections and never reads
+
+    /// Sends back what it's sent, after so many milliseconds; none: sends nothing.
+    std::optional<unsigned> delay = std::nullopt;
+
+    /// Closes each connection after so many bytes.
+    std::optional<std::uint64_t> dropAfter = std::nullopt;
 };
 
 /// Serve until the process is told to end, one JSON object a line:

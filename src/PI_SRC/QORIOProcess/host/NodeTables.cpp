@@ -26,7 +26,9 @@ std::unique_ptr<Param> MakeParam(const ParamRow& row) {
     if (row.pFillChoices != nullptr) {
         row.pFillChoices(pParam->m_arChoice);
     }
-    pParam->m_bAvailable = row.bAvailable ? 1 : 0;
+    if (!row.bAvailable) {
+        pParam->m_bAvailable = 0;
+    }
     return pParam;
 }
 
