@@ -6,10 +6,10 @@ find_package(Threads REQUIRED)
 set(WindowsHeaders ${PROJECT_BINARY_DIR}/headers)
 file(MAKE_DIRECTORY ${WindowsHeaders})
 foreach(HeaderFolder boost nlohmann)
-    if(NOT EXISTS /usr/include/${HeaderFolder})
-        message(FATAL_ERROR "/usr/include/${HeaderFolder} is missing: install libboost-dev and nlohmann-json3-dev")
-    endif()
-    file(CREATE_LINK /usr/include/${HeaderFolder} ${WindowsHeaders}/${HeaderFolder} SYMBOLIC)
+  if(NOT EXISTS /usr/include/${HeaderFolder})
+    message(FATAL_ERROR "/usr/include/${HeaderFolder} is missing: install libboost-dev and nlohmann-json3-dev")
+  endif()
+  file(CREATE_LINK /usr/include/${HeaderFolder} ${WindowsHeaders}/${HeaderFolder} SYMBOLIC)
 endforeach()
 
 add_library(Boost::headers INTERFACE IMPORTED GLOBAL)
@@ -23,14 +23,14 @@ target_include_directories(nlohmann_json::nlohmann_json SYSTEM INTERFACE ${Windo
 
 # fetch_debian_source(NAME RESULT): RESULT is the folder with the source of that Debian package.
 function(fetch_debian_source Name Result)
-    set(Folder ${PROJECT_BINARY_DIR}/debian-source/${Name})
-    if(NOT EXISTS ${Folder})
-        message(STATUS "Fetching Debian's source of ${Name}")
-        execute_process(
-            COMMAND ${PROJECT_SOURCE_DIR}/cmake/fetch_debian_source.sh ${Name} ${Folder}
-            COMMAND_ERROR_IS_FATAL ANY)
-    endif()
-    set(${Result} ${Folder} PARENT_SCOPE)
+  set(Folder ${PROJECT_BINARY_DIR}/debian-source/${Name})
+  if(NOT EXISTS ${Folder})
+    message(STATUS "Fetching Debian's source of ${Name}")
+    execute_process(
+      COMMAND ${PROJECT_SOURCE_DIR}/cmake/fetch_debian_source.sh ${Name} ${Folder}
+      COMMAND_ERROR_IS_FATAL ANY)
+  endif()
+  set(${Result} ${Folder} PARENT_SCOPE)
 endfunction()
 
 fetch_debian_source(pugixml PugixmlSource)
