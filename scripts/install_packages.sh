@@ -2,8 +2,8 @@
 
 # Packages that building and running need, and the further ones that testing needs.
 run_packages=(g++ cmake ninja-build ccache libboost-dev nlohmann-json3-dev libpugixml-dev libsimpleini-dev
-              librsvg2-bin icoutils)
-test_packages=(googletest clang-format clang-tidy python3 binutils chromium)
+              libcpprest-dev librsvg2-bin icoutils)
+test_packages=(googletest clang-format clang-tidy python3 iproute2 binutils chromium)
 
 # install_packages PACKAGE...: needs root or sudo only when something is missing.
 install_packages() {

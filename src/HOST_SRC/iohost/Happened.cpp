@@ -87,7 +87,7 @@ void CHappened::OnNodeRedraw(SGraphNode* pGraphNode) {
 OrderedJson CHappened::Take() {
     OrderedJson happened = OrderedJson::object();
     const std::pair<const char*, OrderedJson*> lists[] = {
-        {"posted", &m_posted}, {"log", &m_log}, {"notified", &m_notified}, {"redrawn", &m_redrawn}};
+        {"posted", &m_posted}, {"log", &m_log}, {"notified", &m_notified}, {"sent", &m_sent}, {"redrawn", &m_redrawn}};
     for (const auto& [pszName, pList] : lists) {
         if (!pList->empty()) {
             happened[pszName] = std::exchange(*pList, OrderedJson::array());

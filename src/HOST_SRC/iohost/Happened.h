@@ -1,4 +1,4 @@
-// Collects what the module does while the host works: fired events, log lines, notifications, redraws.
+// Collects what the module does while the host works: fired events, log lines, notifications, items sent, redraws.
 #pragma once
 
 #include <string>
@@ -26,6 +26,9 @@ public:
     /// A notification message reached the host's notification window.
     void OnNotifyMessage(WPARAM wParam, LPARAM lParam);
 
+    /// A node handed something to a device's socket; the entry of the list "sent".
+    void OnSent(OrderedJson entry) { m_sent.push_back(std::move(entry)); }
+
     void OnLogLine(const SLogLine& line) override;
     void OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) override;
     void OnNodeRedraw(SGraphNode* pGraphNode) override;
@@ -43,6 +46,7 @@ private:
     OrderedJson m_posted = OrderedJson::array();
     OrderedJson m_log = OrderedJson::array();
     OrderedJson m_notified = OrderedJson::array();
+    OrderedJson m_sent = OrderedJson::array();
     OrderedJson m_redrawn = OrderedJson::array();
 };
 

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "ParamSet.h"
+#include "Peers.h"
 #include "Platform.h"
 #include "TextUtf8.h"
 
@@ -39,7 +40,7 @@ CHost::CCallScope::~CCallScope() {
 
 CHost::CHost()
     : m_pMainWindow(std::make_unique<CMainWindow>()), m_pHappened(std::make_unique<CHappened>(m_scene)),
-      m_pWindows(std::make_unique<CEventWindows>(*m_pHappened)) {
+      m_pWindows(std::make_unique<CEventWindows>(*m_pHappened)), m_pPeers(std::make_unique<CPeers>(*this)) {
     SetNodeSink(this);
     s_bOpen = true;
 }
@@ -86,6 +87,7 @@ void CHost::Close() {
     if (IsClosed()) {
         return;
     }
+    m_pPeers->Close();
     DestroyAll();
     try {
         CallModule(IOP_RELEASE_GLOBALS);

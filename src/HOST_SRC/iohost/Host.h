@@ -13,6 +13,8 @@
 #include "Scene.h"
 #include "host/EventRecord.h"
 
+class CPeers;
+
 /// What a session is opened with.
 struct SSessionOptions {
     std::filesystem::path appFolder;        ///< application folder
@@ -74,6 +76,7 @@ public:
     CScene& Scene() { return m_scene; }
     CHappened& Happened() { return *m_pHappened; }
     CMainWindow& MainWindow() { return *m_pMainWindow; }
+    CPeers& Peers() { return *m_pPeers; }
     const CArray<SIOProcessNodeInfo>& Catalogue() const { return m_data.arNodeInfo; }
 
     /// Call the exported function; operations that take an argument get one that names nothing.
@@ -135,6 +138,7 @@ private:
     std::unique_ptr<CHappened> m_pHappened;
     std::unique_ptr<CEventWindows> m_pWindows;
     std::unique_ptr<CModule> m_pModule; ///< null once closed
+    std::unique_ptr<CPeers> m_pPeers;
     SIOProcessPluginData m_data;
     const VEKProperty* m_pLastDestroyed = nullptr;
 };

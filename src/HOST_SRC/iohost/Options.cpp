@@ -12,6 +12,7 @@ const char* const HELP_TEXT =
 
   iohost --stdio [options]               one JSON request a line on standard input, one reply a line on standard output
   iohost --listen ADDR:PORT [options]    serves the page and its WebSocket, for example 127.0.0.1:8040
+  iohost --device [ADDR:]PORT [options]  stands in for a play-control device: prints what it's sent, one JSON object a line
 
 options
   --app DIR          application folder (default: app beside this program)
@@ -20,8 +21,16 @@ options
   --scene FILE       scene to start with (default: an empty one)
   --fps N            evaluations of the graph a second, with --listen (default: 60)
   --web DIR          the page's files, with --listen (default: web beside this program)
+  --control ADDR:PORT  takes remote-control records from other hosts, with --listen (default: takes none)
   --help             print this text
   --version          print the version
+
+options of --device
+  --parser KIND      framed or direct (default: framed)
+  --delay MS         send back what it's sent, after MS milliseconds (default: send nothing)
+  --refuse           close each connection at once
+  --drop-after N     close each connection after N bytes
+  --stall            take connections and never read
 )";
 
 namespace {
@@ -37,11 +46,15 @@ public:
             ParseOption(m_arguments[m_nNext++]);
         }
         if (!m_front) {
-            throw CRefusal("one of --stdio and --listen is needed; --help tells more");
+            throw CRefusal("one of --stdio, --listen and --device is needed; --help tells more");
         }
         m_options.nFront = *m_front;
-        if (m_pszPageOption != nullptr && m_front == EFront::Stdio) {
+        const bool bHelp = m_front == EFront::Help || m_front == EFront::Version;
+        if (m_pszPageOption != nullptr && m_front != EFront::Page && !bHelp) {
             Refuse(m_pszPageOption, "goes with --listen only");
+        }
+        if (m_pszDeviceOption != nullptr && m_front != EFront::Device && !bHelp) {
+            Refuse(m_pszDeviceOption, "goes with --device only");
         }
     }
 
@@ -51,7 +64,10 @@ private:
             ChooseFront(EFront::Stdio, strName);
         } else if (strName == "--listen") {
             ChooseFront(EFront::Page, strName);
-            ParseAddress(Value(strName));
+            ParseAddress(strName, Value(strName), m_options.listen.strAddress, m_options.listen.nPort);
+        } else if (strName == "--device") {
+            ChooseFront(EFront::Device, strName);
+            ParseDevice(Value(strName));
         } else if (strName == "--help" || strName == "--version") {
             m_front = strName == "--help" ? EFront::Help : EFront::Version;
             m_nNext = m_arguments.size();
@@ -69,6 +85,24 @@ private:
         } else if (strName == "--web") {
             m_pszPageOption = "--web";
             m_options.listen.webFolder = Value(strName);
+        } else if (strName == "--control") {
+            m_pszPageOption = "--control";
+            ParseAddress(strName, Value(strName), m_options.listen.strControlAddress, m_options.listen.nControlPort);
+        } else if (strName == "--parser") {
+            m_pszDeviceOption = "--parser";
+            ParseParser(Value(strName));
+        } else if (strName == "--delay") {
+            m_pszDeviceOption = "--delay";
+            m_options.device.delay = ParseCount<unsigned>(strName);
+        } else if (strName == "--refuse") {
+            m_pszDeviceOption = "--refuse";
+            m_options.device.bRefuse = true;
+        } else if (strName == "--drop-after") {
+            m_pszDeviceOption = "--drop-after";
+            m_options.device.dropAfter = ParseCount<std::uint64_t>(strName);
+        } else if (strName == "--stall") {
+            m_pszDeviceOption = "--stall";
+            m_options.device.bStall = true;
         } else {
             throw CRefusal("there is no option " + Quoted(strName) + "; --help tells more");
         }
@@ -76,7 +110,7 @@ private:
 
     void ChooseFront(EFront nFront, const std::string& strName) {
         if (m_front && m_front != nFront) {
-            Refuse(strName, "--stdio and --listen exclude each other");
+            Refuse(strName, "--stdio, --listen and --device exclude each other");
         }
         m_front = nFront;
     }
@@ -88,18 +122,40 @@ private:
         return m_arguments[m_nNext++];
     }
 
-    void ParseAddress(const std::string& strValue) {
+    static void ParseAddress(const std::string& strName, const std::string& strValue, std::string& strAddress,
+                             unsigned short& nPort) {
         const size_t nColon = strValue.rfind(':');
-        unsigned short nPort = 0;
         if (nColon == std::string::npos || nColon == 0 || !ReadNumber(strValue.substr(nColon + 1), nPort)) {
-            Refuse("--listen", Quoted(strValue) + " isn't an address and a port, as in 127.0.0.1:8040");
+            Refuse(strName, Quoted(strValue) + " isn't an address and a port, as in 127.0.0.1:8040");
         }
-        std::string strAddress = strValue.substr(0, nColon);
+        strAddress = strValue.substr(0, nColon);
         if (strAddress.size() > 2 && strAddress.front() == '[' && strAddress.back() == ']') {
             strAddress = strAddress.substr(1, strAddress.size() - 2);
         }
-        m_options.listen.strAddress = strAddress;
-        m_options.listen.nPort = nPort;
+    }
+
+    /// A port, or an address and a port.
+    void ParseDevice(const std::string& strValue) {
+        if (!ReadNumber(strValue, m_options.device.nPort)) {
+            ParseAddress("--device", strValue, m_options.device.strAddress, m_options.device.nPort);
+        }
+    }
+
+    void ParseParser(const std::string& strValue) {
+        if (strValue != "framed" && strValue != "direct") {
+            Refuse("--parser", Quoted(strValue) + " is none of framed, direct");
+        }
+        m_options.device.bFramed = strValue == "framed";
+    }
+
+    template <typename T>
+    T ParseCount(const std::string& strName) {
+        T nCount = 0;
+        const std::string& strValue = Value(strName);
+        if (!ReadNumber(strValue, nCount)) {
+            Refuse(strName, Quoted(strValue) + " isn't a whole number");
+        }
+        return nCount;
     }
 
     void ParseTexts(const std::string& strValue) {
@@ -134,7 +190,8 @@ private:
     SOptions& m_options;
     size_t m_nNext = 0;
     std::optional<EFront> m_front;
-    const char* m_pszPageOption = nullptr; ///< an option was given that only the page has
+    const char* m_pszPageOption = nullptr;   ///< an option was given that only the page has
+    const char* m_pszDeviceOption = nullptr; ///< an option was given that only the stand-in device has
 };
 
 } // namespace
@@ -144,7 +201,12 @@ std::optional<SOptions> ParseOptions(const std::vector<std::string>& arguments,
     SOptions options;
     options.appFolder = programFolder / "app";
     options.moduleFile = programFolder / MODULE_FILE_NAME;
-    options.listen = {.strAddress = {}, .nPort = 0, .fFps = 60, .webFolder = programFolder / "web"};
+    options.listen = {.strAddress = {},
+                      .nPort = 0,
+                      .fFps = 60,
+                      .webFolder = programFolder / "web",
+                      .strControlAddress = {},
+                      .nControlPort = 0};
     try {
         CParser(arguments, options).Parse();
     } catch (const CRefusal& refusal) {

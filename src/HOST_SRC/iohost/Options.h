@@ -8,8 +8,9 @@
 
 #include "HostSetup.h"
 #include "PageServer.h"
+#include "StandInDevice.h"
 
-enum class EFront { Stdio, Page, Help, Version };
+enum class EFront { Stdio, Page, Device, Help, Version };
 
 struct SOptions {
     EFront nFront = EFront::Stdio;
@@ -18,6 +19,7 @@ struct SOptions {
     std::optional<ETextTable> texts; ///< none: English where the application folder has it, keys elsewhere
     std::filesystem::path sceneFile; ///< loaded at the start; empty: none
     SListenOptions listen;           ///< for EFront::Page
+    SStandInOptions device;          ///< for EFront::Device
 };
 
 /// Read the arguments (without the program's name). Defaults lie in the program's folder. Nothing, with a message that

@@ -1,6 +1,7 @@
 #include "PageServer.h"
 
 #include "HttpConnection.h"
+#include "Listener.h"
 #include "WebSocketClient.h"
 
 #include <boost/asio/co_spawn.hpp>
@@ -14,6 +15,7 @@
 #include <utility>
 
 #include "FrameTimer.h"
+#include "Peers.h"
 #include "Session.h"
 #include "TerminalLines.h"
 
@@ -25,6 +27,7 @@ namespace {
 constexpr size_t MOST_CONNECTIONS = 64;
 constexpr std::chrono::seconds GOODBYE_TIME{1};
 constexpr std::chrono::milliseconds ACCEPT_PAUSE{100};
+constexpr std::chrono::milliseconds NETWORK_PAUSE{250};
 
 /// What a reply or a frame tells of the module's doings.
 constexpr const char* HAPPENED_KEYS[] = {"posted", "log", "notified", "sent", "redrawn"};
@@ -41,11 +44,6 @@ OrderedJson HappenedIn(const OrderedJson& reply) {
 
 std::shared_ptr<const std::string> Text(const OrderedJson& message) {
     return std::make_shared<const std::string>(ReplyText(message));
-}
-
-std::string EndpointText(const asio::ip::tcp::endpoint& endpoint) {
-    const std::string strAddress = endpoint.address().to_string();
-    return (endpoint.address().is_v6() ? "[" + strAddress + "]" : strAddress) + ":" + std::to_string(endpoint.port());
 }
 
 /// Joins the session, the frames and the pages: one io_context, one thread.
@@ -76,10 +74,11 @@ private:
     void Frame();
     void TellHappened(const OrderedJson& happened, const CWebSocketClient* pButFor);
     void TellSceneChange();
+    void TellNetwork();
     void SendToAll(const OrderedJson& push, const CWebSocketClient* pButFor = nullptr);
 
-    asio::io_context m_context{1};
     CSession& m_session;
+    asio::io_context& m_context{m_session.Peers().Context()};
     const double m_fFps;
     const CHttpFiles& m_files;
     CTerminalLines m_terminal;
@@ -94,6 +93,8 @@ private:
     size_t m_nConnections = 0;
     unsigned long long m_nFrame = 0;
     unsigned long long m_nToldSceneVersion = 0;
+    unsigned long long m_nToldNetworkVersion = 0;
+    std::chrono::steady_clock::time_point m_tToldNetwork;
     bool m_bStopping = false;
 };
 
@@ -103,19 +104,7 @@ CPageServer::CPageServer(CSession& session, const SListenOptions& options, const
 
 std::string CPageServer::Listen(const asio::ip::tcp::endpoint& endpoint) {
     error_code error;
-    m_acceptor.open(endpoint.protocol(), error);
-#if !defined(BOOST_ASIO_WINDOWS)
-    // Connections of a server that has just ended don't keep the port; on Windows it would let two servers share it.
-    if (!error) {
-        m_acceptor.set_option(asio::socket_base::reuse_address(true), error);
-    }
-#endif
-    if (!error) {
-        m_acceptor.bind(endpoint, error);
-    }
-    if (!error) {
-        m_acceptor.listen(asio::socket_base::max_listen_connections, error);
-    }
+    OpenListener(m_acceptor, endpoint, error);
     if (error) {
         return error.message();
     }
@@ -132,6 +121,10 @@ void CPageServer::Run() {
         std::cout << "iohost: whoever reaches this address can drive the nodes\n";
     }
     std::cout.flush();
+    m_session.Peers().RunAlways();
+    if (const unsigned short nPort = ConfiguredBroadcastPort(); nPort != 0) {
+        m_session.Peers().KeepReceivingBroadcasts(nPort);
+    }
     AwaitSignal();
     asio::co_spawn(
         m_context, [this] { return AcceptConnections(); }, asio::detached);
@@ -230,6 +223,20 @@ void CPageServer::Frame() {
     if (!changed.empty()) {
         SendToAll({{"push", "outputs"}, {"nodes", changed}});
     }
+    TellNetwork();
+}
+
+/// A busy network changes with every item: a few times a second is enough to look at.
+void CPageServer::TellNetwork() {
+    const auto nVersion = m_session.Peers().StateVersion();
+    const auto tNow = std::chrono::steady_clock::now();
+    if (nVersion != m_nToldNetworkVersion && tNow - m_tToldNetwork >= NETWORK_PAUSE) {
+        m_nToldNetworkVersion = nVersion;
+        m_tToldNetwork = tNow;
+        OrderedJson push = {{"push", "network"}};
+        push.update(m_session.Peers().State());
+        SendToAll(push);
+    }
 }
 
 void CPageServer::TellHappened(const OrderedJson& happened, const CWebSocketClient* pButFor) {
@@ -289,7 +296,14 @@ int RunPageServer(CSession& session, const SListenOptions& options) {
                       << "; --listen ADDR:PORT chooses another address or port\n";
             return EXIT_REFUSED;
         }
+        if (!options.strControlAddress.empty()) {
+            session.Peers().Listen(
+                {.address = options.strControlAddress, .broadcast = {}, .control = options.nControlPort});
+        }
         server.Run();
+    } catch (const CRefusal& refusal) {
+        std::cerr << "iohost: --control: " << refusal.what() << '\n';
+        return EXIT_REFUSED;
     } catch (const std::filesystem::filesystem_error& problem) {
         std::cerr << "iohost: --web: the page's files can't be read: " << problem.what() << '\n';
         return EXIT_REFUSED;

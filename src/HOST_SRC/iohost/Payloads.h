@@ -22,3 +22,6 @@ std::unique_ptr<CPayload> MakePayload(const CFields& request);
 /// Refuse a payload that this node type would take for one of another kind: nodes trust the device to tell what the
 /// record points at.
 void CheckPayloadFits(const CFields& request, const GUID& guidType, const std::string& strHandle);
+
+/// Whether nodes of this type look at such records. Some answer every record with 1 and take none of them.
+bool MayRead(const GUID& guidType, int nDevice, int nEvent);

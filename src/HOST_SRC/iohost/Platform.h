@@ -9,6 +9,9 @@
 /// clock answers and can't be stopped.
 bool FreezeClock(std::optional<std::uint64_t> nMilliseconds);
 
+/// Let the system give a TCP connection up, as lost, when its peer hasn't answered for about ten seconds.
+void NoticeLostPeer(std::uintptr_t hSocket);
+
 /// Why the last LoadLibraryW failed, in the loader's words (UTF-8); empty when nothing more is known.
 std::string LoadErrorDetail();
 

@@ -8,6 +8,7 @@
 #include "Inspect.h"
 #include "ParamSet.h"
 #include "Payloads.h"
+#include "Peers.h"
 #include "Platform.h"
 #include "SavedSet.h"
 #include "SceneFile.h"
@@ -372,6 +373,77 @@ OrderedJson Objects(SRequestContext& context) {
     return {{"objects", std::move(objects)}};
 }
 
+// ---- The network ------------------------------------------------------------------------------------------------
+
+/// Where the host doesn't run the loop by itself, devices are given the time to be there for the next request.
+void AwaitDevices(CHost& host) {
+    constexpr unsigned LONGEST_WAIT = 1000;
+    if (!host.Peers().RunsAlways()) {
+        host.Peers().AwaitFirstAttempts(LONGEST_WAIT);
+    }
+}
+
+OrderedJson Devices(SRequestContext& context) {
+    context.host.Peers().SetDevices(CPeers::ReadDevices(context.fields.Required("list"), "list"));
+    AwaitDevices(context.host);
+    return OrderedJson::object();
+}
+
+/// A port of the request: the default when it is missing, none for null.
+std::optional<unsigned short> PortField(const CFields& fields, const char* pszName,
+                                        std::optional<unsigned short> defaultPort) {
+    const Json* pPort = fields.Find(pszName);
+    if (pPort == nullptr) {
+        return defaultPort;
+    }
+    if (pPort->is_null()) {
+        return std::nullopt;
+    }
+    const unsigned nPort = ReadUnsigned(*pPort, pszName);
+    if (nPort > 0xFFFF) {
+        Refuse(pszName, std::to_string(nPort) + " isn't a port");
+    }
+    return static_cast<unsigned short>(nPort);
+}
+
+OrderedJson Listen(SRequestContext& context) {
+    const unsigned short nConfigured = ConfiguredBroadcastPort();
+    SListenSetup setup;
+    if (context.fields.Has("address")) {
+        setup.address = context.fields.Text("address");
+    }
+    setup.broadcast =
+        PortField(context.fields, "broadcast", nConfigured != 0 ? std::optional(nConfigured) : std::nullopt);
+    setup.control = PortField(context.fields, "control", std::nullopt);
+    context.host.Peers().Listen(setup);
+    const OrderedJson state = context.host.Peers().State();
+    const auto port = [&](const char* pszName) {
+        return state[pszName].is_null() ? OrderedJson() : state[pszName]["port"];
+    };
+    return {{"broadcast", port("broadcast")}, {"control", port("control")}};
+}
+
+OrderedJson Wait(SRequestContext& context) {
+    constexpr unsigned LONGEST_WAIT = 600'000;
+    const unsigned nMilliseconds = context.fields.Unsigned("ms");
+    if (nMilliseconds > LONGEST_WAIT) {
+        Refuse("ms", "is longer than " + std::to_string(LONGEST_WAIT));
+    }
+    if (context.host.Peers().RunsAlways()) {
+        Refuse("op", "the host reads the network by itself here");
+    }
+    return {{"dispatched", context.host.Peers().Wait(nMilliseconds)}};
+}
+
+OrderedJson Network(SRequestContext& context) {
+    return context.host.Peers().State();
+}
+
+OrderedJson ListenOnly(SRequestContext& context) {
+    context.host.Peers().SetListenOnly(context.fields.Bool("on"));
+    return OrderedJson::object();
+}
+
 // ---- The scene as a whole ---------------------------------------------------------------------------------------
 
 OrderedJson Save(SRequestContext& context) {
@@ -381,6 +453,7 @@ OrderedJson Save(SRequestContext& context) {
 
 OrderedJson Load(SRequestContext& context) {
     LoadScene(context.host, PathFromUtf8(context.fields.Text("file")));
+    AwaitDevices(context.host);
     return OrderedJson::object();
 }
 
@@ -424,6 +497,11 @@ constexpr RequestRow REQUESTS[] = {
     {.pszOp = "main_window", .pCarryOut = MainWindow},
     {.pszOp = "object", .pCarryOut = Object},
     {.pszOp = "objects", .pCarryOut = Objects},
+    {.pszOp = "devices", .pCarryOut = Devices, .bChangesScene = true},
+    {.pszOp = "listen", .pCarryOut = Listen},
+    {.pszOp = "wait", .pCarryOut = Wait},
+    {.pszOp = "network", .pCarryOut = Network},
+    {.pszOp = "listen_only", .pCarryOut = ListenOnly},
     {.pszOp = "layout", .pCarryOut = Layout},
     {.pszOp = "destroy", .pCarryOut = Destroy, .bChangesScene = true},
     {.pszOp = "save", .pCarryOut = Save},

@@ -6,6 +6,7 @@
 #include "GuidText.h"
 #include "Inspect.h"
 #include "ParamSet.h"
+#include "Peers.h"
 #include "TextUtf8.h"
 
 namespace {
@@ -27,7 +28,7 @@ OrderedJson ClipsToJson(const CScene& scene) {
     return clips;
 }
 
-OrderedJson SceneToJson(const CScene& scene) {
+OrderedJson SceneToJson(const CScene& scene, const CPeers& peers) {
     OrderedJson nodes = OrderedJson::array();
     OrderedJson links = OrderedJson::array();
     for (const auto& [nOrder, node] : scene.Nodes()) {
@@ -48,8 +49,8 @@ OrderedJson SceneToJson(const CScene& scene) {
                              {"input", link.nInput}});
         }
     }
-    return {
-        {"format", FORMAT}, {"version", VERSION}, {"clips", ClipsToJson(scene)}, {"nodes", nodes}, {"links", links}};
+    return {{"format", FORMAT}, {"version", VERSION}, {"clips", ClipsToJson(scene)},
+            {"nodes", nodes},   {"links", links},     {"devices", peers.DeviceList()}};
 }
 
 void LoadClip(CScene& scene, const CFields& fields) {
@@ -153,7 +154,7 @@ std::string ReadFile(const std::filesystem::path& file) {
 
 void SaveScene(CHost& host, const std::filesystem::path& file) {
     const std::string strText =
-        SceneToJson(host.Scene()).dump(1, ' ', false, OrderedJson::error_handler_t::replace) + "\n";
+        SceneToJson(host.Scene(), host.Peers()).dump(1, ' ', false, OrderedJson::error_handler_t::replace) + "\n";
     // Beside the file first: an interrupted save leaves the older file whole.
     std::filesystem::path newFile = file;
     newFile += ".new";
@@ -173,10 +174,13 @@ void SaveScene(CHost& host, const std::filesystem::path& file) {
 
 void LoadScene(CHost& host, const std::filesystem::path& file) {
     const Json document = ParseJson(ReadFile(file), "file");
+    const CFields fields(document, "file.");
+    const Json* pDevices = fields.Find("devices");
+    auto devices = CPeers::ReadDevices(pDevices != nullptr ? *pDevices : Json(), fields.Path("devices"));
     CScene former;
     former.Swap(host.Scene());
     try {
-        BuildScene(host, CFields(document, "file."));
+        BuildScene(host, fields);
     } catch (...) {
         host.DestroyAll();
         former.Swap(host.Scene());
@@ -185,4 +189,5 @@ void LoadScene(CHost& host, const std::filesystem::path& file) {
     former.Swap(host.Scene());
     host.DestroyAll();
     former.Swap(host.Scene());
+    host.Peers().SetDevices(std::move(devices));
 }

@@ -2,7 +2,8 @@
 //   {"format": "iohost scene", "version": 1,
 //    "clips": [{"name", "objects": [{"name", "matrix": [16 floats]}]}],
 //    "nodes": [{"node", "type", "clip", "graph", "event_window", "notify_window", "own", "inputs", "outputs"}],
-//    "links": [{"from", "output", "to", "input"}]}
+//    "links": [{"from", "output", "to", "input"}],
+//    "devices": [{"id", "name", "parser", "address"}] or null}
 // "own", "inputs" and "outputs" are groups as `inspect` shows them; only their ids, values, choices and availability
 // matter for parameters that the node makes itself. Where one of the three is missing, the node has what a new one has.
 #pragma once

@@ -3,6 +3,7 @@
 #include <bit>
 
 #include "Inspect.h"
+#include "Peers.h"
 #include "Requests.h"
 #include "TextUtf8.h"
 
@@ -46,7 +47,9 @@ OrderedJson CSession::Handle(const Json& request, CHeldInput* pHeld) {
         }
         SRequestContext context{*m_pHost, fields, pHeld, m_nSceneVersion};
         try {
+            Peers().Poll();
             OrderedJson reply = pRow->pCarryOut(context);
+            Peers().Poll();
             m_nSceneVersion += pRow->bChangesScene ? 1 : 0;
             return reply;
         } catch (const CModuleFault&) {

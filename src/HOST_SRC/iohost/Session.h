@@ -33,6 +33,9 @@ public:
     /// Release all that a connection holds. The reply is that of the request `release_held`.
     OrderedJson ReleaseHeld(CHeldInput& held, const std::string& strReason);
 
+    /// The network of the session. A front that runs its loop says so to it.
+    CPeers& Peers() { return m_pHost->Peers(); }
+
     /// One evaluation of the whole graph. Returns what happened: an object of lists, empty when nothing did.
     OrderedJson Frame();
 

@@ -44,6 +44,9 @@ int main(int nArguments, char** ppszArguments) {
         std::cout << "iohost " IOHOST_VERSION "\n";
         return 0;
     }
+    if (options->nFront == EFront::Device) {
+        return RunStandInDevice(options->device, std::cout);
+    }
     const auto pSession = CSession::Open({.appFolder = options->appFolder,
                                           .moduleFile = options->moduleFile,
                                           .texts = options->texts.value_or(DefaultTexts(options->appFolder))},

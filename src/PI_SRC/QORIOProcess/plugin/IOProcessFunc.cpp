@@ -4,14 +4,20 @@
 
 #include "host/HostCommon.h"
 #include "host/PluginContract.h"
+#include "nodes/input/GestureNode.h"
 #include "nodes/input/MouseNode.h"
+#include "nodes/input/VRHandleNode.h"
+#include "nodes/json/DeviceJsonReceiveNode.h"
+#include "nodes/network/NetParameterSendNode.h"
 #include "plugin/Module.h"
 #include "plugin/NodeTypes.h"
 
 namespace {
 
 /// The layouts of the classes that have one, in the order in which they are released.
-constexpr void (*RELEASE_LAYOUT[])() = {CMouseIOProcess::ReleaseLayout};
+constexpr void (*RELEASE_LAYOUT[])() = {CGestureIOProcess::ReleaseLayout, CMouseIOProcess::ReleaseLayout,
+                                        CNetParameterSendIOProcess::ReleaseLayout, CVRHandleIOProcess::ReleaseLayout,
+                                        CDevJsonReceive::ReleaseLayout};
 
 int ReadVisibility(const Visibility& visibility, int nCarriedOver, const CString& strIniPath) {
     switch (visibility.nRule) {
