@@ -1,6 +1,6 @@
 import type { Host } from "../host.ts";
 import { ConnectionBanner, ConnectionLamp } from "./Connection.tsx";
-import { LogPanel } from "./LogPanel.tsx";
+import { Dock } from "./Dock.tsx";
 import { NodeList } from "./NodeList.tsx";
 import { RenderSurface } from "./RenderSurface.tsx";
 
@@ -16,7 +16,7 @@ export function App({ host }: { host: Host }) {
       <main class="desk">
         <div class="stage">
           <RenderSurface host={host} />
-          <LogPanel host={host} />
+          <Dock host={host} />
         </div>
         <NodeList host={host} />
       </main>

@@ -1,8 +1,8 @@
 import { memo } from "preact/compat";
 import { useEffect, useMemo, useRef, useState } from "preact/hooks";
 import { timeOfDay } from "../format.ts";
-import type { Host } from "../host.ts";
 import { filterLog, levelName, LogLevel, type LevelFilter, type LogLine } from "../log.ts";
+import type { PanelProps } from "./panels.ts";
 
 const FILTERS: readonly { label: string; level: LevelFilter }[] = [
   { label: "All", level: null },
@@ -13,7 +13,7 @@ const FILTERS: readonly { label: string; level: LevelFilter }[] = [
 /** Scrolled this near to its end, the log keeps following its newest line. */
 const FOLLOW_DISTANCE_PX = 24;
 
-export function LogPanel({ host }: { host: Host }) {
+export function LogPanel({ host }: PanelProps) {
   const [level, setLevel] = useState<LevelFilter>(null);
   const [search, setSearch] = useState("");
   const [paused, setPaused] = useState<{ lines: readonly LogLine[]; count: number } | null>(null);
@@ -37,9 +37,8 @@ export function LogPanel({ host }: { host: Host }) {
   };
 
   return (
-    <section class="panel log-panel" aria-labelledby="log-title">
-      <div class="panel-head">
-        <h2 id="log-title">Log</h2>
+    <>
+      <div class="panel-head log-head">
         <div class="segments" role="group" aria-label="Level">
           {FILTERS.map((filter) => (
             <button
@@ -87,7 +86,7 @@ export function LogPanel({ host }: { host: Host }) {
           <Line key={line.number} line={line} />
         ))}
       </div>
-    </section>
+    </>
   );
 }
 

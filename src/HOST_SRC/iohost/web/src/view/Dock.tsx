@@ -1,0 +1,73 @@
+import { useEffect, useRef, useState } from "preact/hooks";
+import type { Host } from "../host.ts";
+import { PANELS } from "./panels.ts";
+
+/** Where the panel in front is remembered, so that a reload and a link lead back to it. */
+function panelOfAddress(): string {
+  const id = location.hash.slice(1);
+  return PANELS.some((panel) => panel.id === id) ? id : PANELS[0]!.id;
+}
+
+/** The panels below the render surface, one in front. One that was in front once keeps its state behind the others. */
+export function Dock({ host }: { host: Host }) {
+  const [front, setFront] = useState(panelOfAddress);
+  const opened = useRef(new Set<string>());
+  const tabs = useRef<HTMLDivElement>(null);
+  opened.current.add(front);
+
+  useEffect(() => {
+    const follow = () => setFront(panelOfAddress());
+    window.addEventListener("hashchange", follow);
+    return () => window.removeEventListener("hashchange", follow);
+  }, []);
+
+  const open = (id: string) => {
+    history.replaceState(null, "", `#${id}`);
+    setFront(id);
+  };
+  const step = (event: KeyboardEvent) => {
+    const by = { ArrowRight: 1, ArrowLeft: -1 }[event.key];
+    if (by !== undefined) {
+      event.preventDefault();
+      const index = PANELS.findIndex(({ id }) => id === front);
+      const next = PANELS[(index + by + PANELS.length) % PANELS.length]!;
+      open(next.id);
+      tabs.current?.querySelector<HTMLElement>(`#tab-${next.id}`)?.focus();
+    }
+  };
+
+  return (
+    <section class="panel dock" aria-label="Panels" data-height={PANELS.find(({ id }) => id === front)?.height ?? "third"}>
+      <div class="tabs" role="tablist" ref={tabs} onKeyDown={step}>
+        {PANELS.map(({ id, title }) => (
+          <button
+            type="button"
+            role="tab"
+            key={id}
+            id={`tab-${id}`}
+            aria-controls={`panel-${id}`}
+            aria-selected={id === front}
+            tabIndex={id === front ? 0 : -1}
+            data-tab={id}
+            onClick={() => open(id)}
+          >
+            {title}
+          </button>
+        ))}
+      </div>
+      {PANELS.filter(({ id }) => opened.current.has(id)).map(({ id, View }) => (
+        <div
+          class="dock-panel"
+          role="tabpanel"
+          key={id}
+          id={`panel-${id}`}
+          aria-labelledby={`tab-${id}`}
+          hidden={id !== front}
+          data-panel={id}
+        >
+          <View host={host} shown={id === front} />
+        </div>
+      ))}
+    </section>
+  );
+}
