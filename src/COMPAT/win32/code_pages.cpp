@@ -153,19 +153,51 @@ bool IsCharacter(std::uint32_t nValue) {
     return nValue <= 0x10FFFF && (nValue & 0xFFFFF800) != 0xD800;
 }
 
-void AppendUtf8(std::string& strBytes, std::uint32_t nCharacter) {
-    const auto trail = [&](int nShift) { strBytes += static_cast<char>(0x80 | (nCharacter >> nShift & 0x3F)); };
+// Takes a conversion's result piece by piece: writes what there is room for and counts all of it. Nothing is allocated.
+template <class CHARACTER>
+class COutput {
+public:
+    COutput(CHARACTER* pOut, int nRoom) : m_pOut(pOut), m_nRoom(static_cast<std::size_t>(nRoom)) {}
+
+    void Append(CHARACTER ch) {
+        if (m_nCount < m_nRoom)
+            m_pOut[m_nCount] = ch;
+        m_nCount++;
+    }
+
+    void Append(std::basic_string_view<CHARACTER> str) {
+        for (const CHARACTER ch : str)
+            Append(ch);
+    }
+
+    // What the function returns, under the rules for lengths.
+    int Finish() const {
+        if (m_nCount > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+            return FailConversion(ERROR_INVALID_PARAMETER);
+        if (m_nRoom != 0 && m_nCount > m_nRoom)
+            return FailConversion(ERROR_INSUFFICIENT_BUFFER);
+        return static_cast<int>(m_nCount);
+    }
+
+private:
+    CHARACTER* m_pOut;
+    std::size_t m_nRoom; // 0: only counts
+    std::size_t m_nCount = 0;
+};
+
+void AppendUtf8(COutput<char>& output, std::uint32_t nCharacter) {
+    const auto trail = [&](int nShift) { output.Append(static_cast<char>(0x80 | (nCharacter >> nShift & 0x3F))); };
     if (nCharacter < 0x80)
-        strBytes += static_cast<char>(nCharacter);
+        output.Append(static_cast<char>(nCharacter));
     else if (nCharacter < 0x800) {
-        strBytes += static_cast<char>(0xC0 | nCharacter >> 6);
+        output.Append(static_cast<char>(0xC0 | nCharacter >> 6));
         trail(0);
     } else if (nCharacter < 0x10000) {
-        strBytes += static_cast<char>(0xE0 | nCharacter >> 12);
+        output.Append(static_cast<char>(0xE0 | nCharacter >> 12));
         trail(6);
         trail(0);
     } else {
-        strBytes += static_cast<char>(0xF0 | nCharacter >> 18);
+        output.Append(static_cast<char>(0xF0 | nCharacter >> 18));
         trail(12);
         trail(6);
         trail(0);
@@ -198,19 +230,6 @@ bool ReadUtf8(std::string_view strBytes, std::size_t& nPosition, std::uint32_t& 
     return true;
 }
 
-// Hands a finished conversion out under the rules for lengths; both functions end here.
-template <class CHARACTER>
-int Deliver(std::basic_string_view<CHARACTER> strResult, CHARACTER* pOut, int nOut) {
-    if (strResult.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
-        return FailConversion(ERROR_INVALID_PARAMETER);
-    if (nOut == 0)
-        return static_cast<int>(strResult.size());
-    if (strResult.size() > static_cast<std::size_t>(nOut))
-        return FailConversion(ERROR_INSUFFICIENT_BUFFER);
-    std::copy(strResult.begin(), strResult.end(), pOut);
-    return static_cast<int>(strResult.size());
-}
-
 } // namespace
 
 UINT WINAPI GetACP() {
@@ -235,7 +254,7 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
         return FailConversion(ERROR_INVALID_FLAGS);
     const std::wstring_view strWide(pszWide,
                                     nWideLength < 0 ? std::wcslen(pszWide) + 1 : static_cast<std::size_t>(nWideLength));
-    std::string strResult;
+    COutput<char> output(pszBytes, nBytes);
     BOOL bUsedDefault = FALSE;
     if (nCodePage == CP_UTF8) {
         if (pszDefault != nullptr || pbUsedDefault != nullptr)
@@ -244,7 +263,7 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
             const bool bValid = IsCharacter(static_cast<std::uint32_t>(ch));
             if (!bValid && (nFlags & WC_ERR_INVALID_CHARS) != 0)
                 return FailConversion(ERROR_NO_UNICODE_TRANSLATION);
-            AppendUtf8(strResult, static_cast<std::uint32_t>(bValid ? ch : g_chReplacement));
+            AppendUtf8(output, static_cast<std::uint32_t>(bValid ? ch : g_chReplacement));
         }
     } else {
         const std::lock_guard lock(g_codePageMutex);
@@ -252,15 +271,21 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
         if (pCodePage == nullptr)
             return FailConversion(ERROR_INVALID_PARAMETER);
         for (const wchar_t ch : strWide) {
-            const auto strBytes = pCodePage->FromWide(ch);
-            if (!strBytes)
+            if (static_cast<std::uint32_t>(ch) < 0x80) {
+                output.Append(static_cast<char>(ch)); // in every code page
+                continue;
+            }
+            if (const auto strBytes = pCodePage->FromWide(ch))
+                output.Append(*strBytes);
+            else {
+                output.Append(pszDefault != nullptr ? *pszDefault : '?');
                 bUsedDefault = TRUE;
-            strResult += strBytes ? *strBytes : pszDefault != nullptr ? std::string(1, *pszDefault) : "?";
+            }
         }
     }
     if (pbUsedDefault != nullptr)
         *pbUsedDefault = bUsedDefault;
-    return Deliver<char>(strResult, pszBytes, nBytes);
+    return output.Finish();
 }
 
 int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR pszBytes, int nBytes, LPWSTR pszWide,
@@ -274,14 +299,14 @@ int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR pszBytes, in
     const bool bStrict = (nFlags & MB_ERR_INVALID_CHARS) != 0;
     const std::string_view strBytes(pszBytes,
                                     nBytes < 0 ? std::strlen(pszBytes) + 1 : static_cast<std::size_t>(nBytes));
-    std::wstring strResult;
+    COutput<wchar_t> output(pszWide, nWideLength);
     if (nCodePage == CP_UTF8) {
         for (std::size_t nPosition = 0; nPosition < strBytes.size();) {
             std::uint32_t nCharacter = 0;
             const bool bValid = ReadUtf8(strBytes, nPosition, nCharacter);
             if (!bValid && bStrict)
                 return FailConversion(ERROR_NO_UNICODE_TRANSLATION);
-            strResult += bValid ? static_cast<wchar_t>(nCharacter) : g_chReplacement;
+            output.Append(bValid ? static_cast<wchar_t>(nCharacter) : g_chReplacement);
         }
     } else {
         const std::lock_guard lock(g_codePageMutex);
@@ -292,9 +317,9 @@ int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR pszBytes, in
             const auto character = pCodePage->ToWide(strBytes.substr(nPosition));
             if (!character && bStrict)
                 return FailConversion(ERROR_NO_UNICODE_TRANSLATION);
-            strResult += character ? character->ch : g_chReplacement;
+            output.Append(character ? character->ch : g_chReplacement);
             nPosition += character ? character->nBytes : 1;
         }
     }
-    return Deliver<wchar_t>(strResult, pszWide, nWideLength);
+    return output.Finish();
 }
