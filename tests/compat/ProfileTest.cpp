@@ -83,6 +83,10 @@ const SIniCase g_cases[] = {
     {"[S]\nKey=a\\n\n", L"Key", 7, 0, L"a\\n"},
     {"[S\nKey=1\n", L"Key", 7, 7, L"none"},
     {"[S] trailing\nKey=1\n", L"Key", 7, 1, L"1"},
+    {"[S]]\nKey=1\n[[S]\nKey=2\n", L"Key", 7, 7, L"none"},
+    {"[S]\nKey\nKey=2\n", L"Key", 7, 7, L"none"},
+    {"[S]\n#Key=1\nKey=\f2\f\n", L"Key", 7, 2, L"2"},
+    {"[S]\n#Key=1\nKey=2\n", L"#Key", 7, 1, L"1"},
     // byte order marks
     {"\xEF\xBB\xBF[S]\nKey=12\n", L"Key", 7, 12, L"12"},
     {"\xEF\xBB\xBF[S]\nKey=\xE4\xB8\xAD\n", L"Key", 7, 0, L"\x4E2D"},

@@ -1,48 +1,16 @@
 // Initialisation files.
-//
-// SimpleIni reads them. It was chosen over the other packaged INI libraries because what it accepts is what Windows
-// accepts: '=' is the only separator, ';' comments stand on lines of their own, values keep a ';', lines and values
-// have no length limit, a line does not continue the one before. Its text converter and its order of names are
-// parameters, so code pages and case follow the Win32 functions. What it cannot tell is a section that occurs twice (it
-// joins them, Windows only looks into the first), so the sections are numbered before it reads them. One difference is
-// left: it takes lines that start with '#' as comments.
 
 #include "text.h"
-
-#define SI_IMPLEMENTATION // the class template is instantiated here,
-#define SI_NO_CONVERSION  // with the converter below
-#include <SimpleIni.h>
 
 #include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
-
-// The library's two customisation points.
-struct SNoCaseLess {
-    bool operator()(const wchar_t* pszLeft, const wchar_t* pszRight) const { return _wcsicmp(pszLeft, pszRight) < 0; }
-};
-
-class CTextConverter {
-public:
-    explicit CTextConverter(bool) {}
-
-    std::size_t SizeFromStore(const char* pBytes, std::size_t nBytes) {
-        if (nBytes == 0)
-            return 0;
-        return static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, pBytes, static_cast<int>(nBytes), nullptr, 0));
-    }
-    bool ConvertFromStore(const char* pBytes, std::size_t nBytes, wchar_t* pText, std::size_t nText) {
-        return nBytes == 0 ||
-               MultiByteToWideChar(CP_UTF8, 0, pBytes, static_cast<int>(nBytes), pText, static_cast<int>(nText)) != 0;
-    }
-};
-
-typedef CSimpleIniTempl<wchar_t, SNoCaseLess, CTextConverter> IniFile;
 
 std::wstring Utf16ToWide(const std::string& strBytes, bool bBigEndian) {
     std::wstring strText;
@@ -84,48 +52,33 @@ std::optional<std::wstring> ReadText(const wchar_t* pszFileName) {
     return strText;
 }
 
-std::wstring Trimmed(const std::wstring& strText) {
+std::wstring Trimmed(std::wstring_view text) {
     constexpr const wchar_t* pszBlanks = L" \t\r\n\v\f\x1A";
-    const std::size_t nFirst = strText.find_first_not_of(pszBlanks);
-    if (nFirst == std::wstring::npos)
+    const std::size_t nFirst = text.find_first_not_of(pszBlanks);
+    if (nFirst == std::wstring_view::npos)
         return std::wstring();
-    return strText.substr(nFirst, strText.find_last_not_of(pszBlanks) - nFirst + 1);
+    return std::wstring(text.substr(nFirst, text.find_last_not_of(pszBlanks) - nFirst + 1));
 }
 
-// "[Name]" becomes "[1:Name]", the next section "[2:...]" and so on: each section gets a name of its own.
-std::wstring NumberSections(const std::wstring& strText) {
-    std::wstring strResult;
-    int nSection = 0;
-    for (std::size_t nStart = 0; nStart < strText.size();) {
-        const std::size_t nEnd = std::min(strText.find_first_of(L"\r\n", nStart), strText.size());
-        const std::wstring strLine = Trimmed(strText.substr(nStart, nEnd - nStart));
-        if (strLine.starts_with(L'['))
-            strResult += L"[" + std::to_wstring(++nSection) + L":" + strLine.substr(1) + L"\n";
-        else
-            strResult += strLine + L"\n";
-        nStart = nEnd + 1;
-    }
-    return strResult;
-}
+struct SKey {
+    std::wstring strName;
+    std::optional<std::wstring> strValue; // nothing when the line has no '='
+};
 
-// A loaded file: the library, and its sections in file order with the names they have in the file.
+struct SSection {
+    std::wstring strName;
+    std::vector<SKey> keys;
+};
+
+// A file's sections and keys in its order, with all of one name.
 class CProfile {
 public:
     explicit CProfile(const wchar_t* pszFileName) {
-        m_ini.SetMultiKey(true); // keeps all keys of one name, so that the first can be taken
-        const std::optional<std::wstring> strText = ReadText(pszFileName);
-        if (!strText)
-            return;
-        const std::string strBytes = WideToUtf8(NumberSections(*strText).c_str());
-        m_ini.LoadData(strBytes.data(), strBytes.size());
-
-        IniFile::TNamesDepend sections;
-        m_ini.GetAllSections(sections);
-        sections.sort(IniFile::Entry::LoadOrder());
-        for (const IniFile::Entry& section : sections) {
-            const wchar_t* pszSeparator = std::wcschr(section.pItem, L':');
-            if (pszSeparator != nullptr)
-                m_sections.push_back({Trimmed(pszSeparator + 1), section.pItem});
+        const std::wstring strText = ReadText(pszFileName).value_or(std::wstring());
+        for (std::size_t nStart = 0; nStart < strText.size();) {
+            const std::size_t nEnd = std::min(strText.find_first_of(L"\r\n", nStart), strText.size());
+            TakeLine(Trimmed(std::wstring_view(strText).substr(nStart, nEnd - nStart)));
+            nStart = nEnd + 1;
         }
     }
 
@@ -138,40 +91,44 @@ public:
 
     std::vector<std::wstring> KeyNames(const wchar_t* pszSection) const {
         std::vector<std::wstring> names;
-        const wchar_t* pszInternal = FindSection(pszSection);
-        IniFile::TNamesDepend keys;
-        if (pszInternal != nullptr && m_ini.GetAllKeys(pszInternal, keys)) {
-            keys.sort(IniFile::Entry::LoadOrder());
-            for (const IniFile::Entry& key : keys)
-                names.emplace_back(key.pItem);
+        if (const SSection* pSection = Find(m_sections, pszSection)) {
+            for (const SKey& key : pSection->keys)
+                names.push_back(key.strName);
         }
         return names;
     }
 
     std::optional<std::wstring> Value(const wchar_t* pszSection, const wchar_t* pszKey) const {
-        const wchar_t* pszInternal = FindSection(pszSection);
-        IniFile::TNamesDepend values;
-        if (pszInternal == nullptr || !m_ini.GetAllValues(pszInternal, Trimmed(pszKey).c_str(), values))
-            return std::nullopt;
-        values.sort(IniFile::Entry::LoadOrder());
-        return values.front().pItem;
+        const SSection* pSection = Find(m_sections, pszSection);
+        const SKey* pKey = pSection == nullptr ? nullptr : Find(pSection->keys, pszKey);
+        return pKey == nullptr ? std::nullopt : pKey->strValue;
     }
 
 private:
-    struct SSection {
-        std::wstring strName;
-        const wchar_t* pszInternal; // the numbered name; belongs to the library
-    };
-
-    const wchar_t* FindSection(const wchar_t* pszSection) const {
-        const std::wstring strWanted = Trimmed(pszSection);
-        const auto found = std::find_if(m_sections.begin(), m_sections.end(), [&](const SSection& section) {
-            return _wcsicmp(section.strName.c_str(), strWanted.c_str()) == 0;
-        });
-        return found == m_sections.end() ? nullptr : found->pszInternal;
+    // A section's name reaches to the last bracket of its line. What stands before the first section is in none.
+    void TakeLine(const std::wstring& strLine) {
+        const std::size_t nBracket = strLine.rfind(L']');
+        if (strLine.starts_with(L'[') && nBracket != std::wstring::npos) {
+            m_sections.push_back({Trimmed(std::wstring_view(strLine).substr(1, nBracket - 1)), {}});
+        } else if (!strLine.empty() && !strLine.starts_with(L';') && !m_sections.empty()) {
+            const std::size_t nEquals = strLine.find(L'=');
+            const std::wstring_view line = strLine;
+            m_sections.back().keys.push_back(
+                {Trimmed(line.substr(0, nEquals)),
+                 nEquals == std::wstring::npos ? std::nullopt : std::optional(Trimmed(line.substr(nEquals + 1)))});
+        }
     }
 
-    IniFile m_ini;
+    // The first of that name, whatever its case.
+    template <class NAMED>
+    static const NAMED* Find(const std::vector<NAMED>& list, const wchar_t* pszName) {
+        const std::wstring strWanted = Trimmed(pszName);
+        const auto found = std::find_if(list.begin(), list.end(), [&](const NAMED& entry) {
+            return _wcsicmp(entry.strName.c_str(), strWanted.c_str()) == 0;
+        });
+        return found == list.end() ? nullptr : &*found;
+    }
+
     std::vector<SSection> m_sections;
 };
 

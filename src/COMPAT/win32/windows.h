@@ -579,10 +579,10 @@ COMPAT_API UINT WINAPI GetACP();
 // bytes written or needed, 0 on failure: ERROR_INSUFFICIENT_BUFFER (nothing useful in the buffer),
 // ERROR_INVALID_PARAMETER (null or empty source, unknown code page, for UTF-8 also a default character),
 // ERROR_INVALID_FLAGS, ERROR_NO_UNICODE_TRANSLATION (with WC_ERR_INVALID_CHARS).
-// A character that the code page does not have becomes the default character ('?' when null), and *pbUsedDefault TRUE;
-// no best-fit look-alikes are tried, marks are not composed with their letters (WC_COMPOSITECHECK and the other flags
-// of that kind are accepted), and the private-use characters of code page 936 are not mapped. Values that are no
-// characters (surrogates, above 0x10FFFF) become U+FFFD in UTF-8.
+// A character that the code page does not have becomes the default character ('?' when null), and *pbUsedDefault TRUE.
+// Look-alikes (those that WC_NO_BEST_FIT_CHARS excludes) are known for code page 1252 only, and the private-use
+// characters of code page 936 are not mapped. Values that are no characters (surrogates, above 0x10FFFF) become U+FFFD
+// in UTF-8.
 COMPAT_API int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, int nWideLength,
                                           LPSTR pszBytes, int nBytes, LPCSTR pszDefault, LPBOOL pbUsedDefault);
 // Bytes to wide text, likewise. Bytes that are no character become U+FFFD, or fail with ERROR_NO_UNICODE_TRANSLATION
@@ -592,7 +592,7 @@ COMPAT_API int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR p
 
 // ---- C run-time extras ----------------------------------------------------------------------------------------------
 
-// Number at the start of a text: blanks, sign, decimal digits. 0 without digits, INT_MAX or INT_MIN when out of range.
+// Number at the start of a text: blanks, sign, decimal digits, of any script. 0 without digits, INT_MAX or INT_MIN when out of range.
 COMPAT_API int __cdecl _wtoi(const wchar_t* pszText);
 COMPAT_API double __cdecl _wtof(const wchar_t* pszText);
 COMPAT_API int __cdecl _wcsicmp(const wchar_t* pszLeft, const wchar_t* pszRight);
