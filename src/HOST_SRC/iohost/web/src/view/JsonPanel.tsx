@@ -1,0 +1,169 @@
+import { useState } from "preact/hooks";
+import type { Host, NodeView } from "../host.ts";
+import { addressText, keepTexts, readTexts, verdictText, withText, type SentText, type TextAddress } from "../json.ts";
+import { inputOf, JsonPin, NodeType, nodesOf } from "../nodeTypes.ts";
+import { Device } from "../protocol.ts";
+import "./json.css";
+import type { PanelProps } from "./panels.ts";
+
+interface ObjectName {
+  clip: string;
+  object: string;
+}
+
+/** Texts for the JSON nodes: sent as a device, or to an object; and what the nodes made of the last ones. */
+export function JsonPanel({ host }: PanelProps) {
+  const deviceNodes = nodesOf(host.nodes.value, NodeType.deviceJson);
+  const objectNodes = nodesOf(host.nodes.value, NodeType.objectJson);
+  const [texts, setTexts] = useState(() => readTexts(localStorage));
+  const [to, setTo] = useState<TextAddress["to"]>(texts[0]?.to ?? "device");
+  const [device, setDevice] = useState<number | null>(texts[0]?.to === "device" ? texts[0].device : null);
+  const [names, setNames] = useState<ObjectName | null>(texts[0]?.to === "object" ? texts[0] : null);
+  const [text, setText] = useState(texts[0]?.text ?? "");
+  const [error, setError] = useState<string | null>(null);
+
+  // Until somebody says otherwise, the text is for the first node of the scene that takes one.
+  const deviceShown = device ?? (deviceNodes[0] && inputOf(deviceNodes[0], JsonPin.deviceId)?.int) ?? 1;
+  const namesShown = names ?? namesOf(objectNodes[0]);
+  const address: TextAddress =
+    to === "device" ? { to, device: deviceShown } : { to, clip: namesShown.clip, object: namesShown.object };
+
+  const send = async (event: Event) => {
+    event.preventDefault();
+    const sent: SentText = { ...address, text };
+    setError(await sendText(host, sent));
+    const kept = withText(texts, sent);
+    setTexts(kept);
+    keepTexts(localStorage, kept);
+  };
+  const fill = (sent: SentText) => {
+    setTo(sent.to);
+    setText(sent.text);
+    if (sent.to === "device") {
+      setDevice(sent.device);
+    } else {
+      setNames({ clip: sent.clip, object: sent.object });
+    }
+  };
+
+  return (
+    <div class="json">
+      <form class="json-form" onSubmit={send}>
+        <div class="json-address">
+          <select
+            aria-label="Send"
+            data-json="to"
+            value={to}
+            onChange={(event) => setTo(event.currentTarget.value as TextAddress["to"])}
+          >
+            <option value="device">as device</option>
+            <option value="object">to object</option>
+          </select>
+          {to === "device" ? (
+            <input
+              class="field field-number"
+              type="number"
+              required
+              step="1"
+              aria-label="Device number"
+              data-json="device"
+              value={deviceShown}
+              onInput={(event) => setDevice(event.currentTarget.valueAsNumber)}
+            />
+          ) : (
+            <>
+              <input
+                class="field"
+                placeholder="clip"
+                aria-label="Clip"
+                data-json="clip"
+                value={namesShown.clip}
+                onInput={(event) => setNames({ ...namesShown, clip: event.currentTarget.value })}
+              />
+              <input
+                class="field"
+                placeholder="object"
+                aria-label="Object"
+                data-json="object"
+                value={namesShown.object}
+                onInput={(event) => setNames({ ...namesShown, object: event.currentTarget.value })}
+              />
+            </>
+          )}
+          <button type="submit" data-json="send">
+            Send
+          </button>
+        </div>
+        <textarea
+          class="field json-text"
+          spellcheck={false}
+          placeholder='{"cmd":"start"}'
+          aria-label="Text"
+          data-json="text"
+          value={text}
+          onInput={(event) => setText(event.currentTarget.value)}
+        />
+        {error !== null && (
+          <p class="input-error" role="alert">
+            {error}
+          </p>
+        )}
+      </form>
+      <section class="json-side" aria-label="What the nodes made of their last texts">
+        {deviceNodes.length + objectNodes.length === 0 && <p class="empty">The scene has no JSON node.</p>}
+        {[...deviceNodes, ...objectNodes].map((node) => (
+          <div class="json-node" key={node.node}>
+            <span>{node.graph}</span>
+            <JsonVerdictLine host={host} node={node.node} />
+          </div>
+        ))}
+      </section>
+      <section class="json-side" aria-label="Last texts">
+        <ol class="json-texts">
+          {texts.map((sent) => (
+            <li key={`${addressText(sent)} ${sent.text}`}>
+              <button type="button" title="Fill this in again" onClick={() => fill(sent)}>
+                <span class="json-to">{addressText(sent)}</span>
+                <code>{sent.text}</code>
+              </button>
+            </li>
+          ))}
+        </ol>
+        {texts.length === 0 && <p class="empty">Texts that were sent are kept here.</p>}
+      </section>
+    </div>
+  );
+}
+
+/** What a JSON node made of its last text. Nothing for other nodes, and before the first text. */
+export function JsonVerdictLine({ host, node }: { host: Host; node: string }) {
+  const verdict = host.jsonVerdicts.value[node];
+  if (verdict === undefined) {
+    return null;
+  }
+  return (
+    <p
+      class={verdict.verdict === "taken" ? "json-verdict json-taken" : "json-verdict"}
+      data-verdict={verdict.verdict}
+      title={verdict.text.length < verdict.length ? `${verdict.text}…` : verdict.text}
+    >
+      Last text: {verdictText(verdict)}
+    </p>
+  );
+}
+
+function namesOf(node: NodeView | undefined): ObjectName {
+  return {
+    clip: (node && inputOf(node, JsonPin.clipName)?.string) ?? "",
+    object: (node && inputOf(node, JsonPin.objectName)?.string) ?? "",
+  };
+}
+
+async function sendText(host: Host, { text, ...address }: SentText): Promise<string | null> {
+  const reply = await host.askInput(
+    address.to === "device"
+      ? { device: Device.text, event: 0, payload: { is: "device_text", device: address.device, text } }
+      : { device: Device.objectText, event: 0, payload: { is: "object_text", clip: address.clip, object: address.object, text } },
+  );
+  return reply.ok ? null : reply.error;
+}

@@ -1,0 +1,230 @@
+// Texts for the JSON nodes: sent by the page's form, posted over HTTP, sent by a device; and what the nodes made of them.
+import assert from "node:assert/strict";
+import http from "node:http";
+import net from "node:net";
+import { after, afterEach, before, beforeEach, test } from "node:test";
+import { startBrowser } from "./support/browser.mjs";
+import { startHost } from "./support/host.mjs";
+import * as is from "./support/page.mjs";
+import { createNode, createScene, expectEventually, must, until } from "./support/session.mjs";
+
+const DEVICE_TEXT = ["j", 1452];
+const DEVICE_EVENT = ["j", 1453];
+const OBJECT_TEXT = ["o", 1252];
+const OBJECT_EVENT = ["o", 1253];
+const LONGEST_TEXT = 1 << 20;
+
+let browser;
+let host;
+let script;
+let page;
+
+before(async () => {
+  browser = await startBrowser();
+});
+after(() => browser.close());
+
+beforeEach(async () => {
+  host = await startHost();
+  script = await createScene(host.address);
+  await createNode(script, "j", "0E", "Device text");
+  await createNode(script, "o", "0C", "Object text");
+  await set("o", 1202, { string: "Demo" });
+  await set("o", 1203, { string: "Map" });
+  page = await is.openPage(browser, host, { panel: "json" });
+});
+afterEach(async () => {
+  assert.deepEqual(page.problems, []);
+  await page.close();
+  await script.close();
+  await host.end();
+});
+
+const set = (node, param, value) => must(script, { op: "set", node, param, ...value });
+const control = (name, view = page) => view.page.locator(`[data-json=${name}]`);
+
+async function sendAsDevice(device, text) {
+  await control("to").selectOption("device");
+  await control("device").fill(String(device));
+  await control("text").fill(text);
+  await control("send").click();
+}
+
+async function sendToObject(clip, object, text) {
+  await control("to").selectOption("object");
+  await control("clip").fill(clip);
+  await control("object").fill(object);
+  await control("text").fill(text);
+  await control("send").click();
+}
+
+/** Waits until a node's card and the panel tell this verdict. */
+async function verdictIs(node, graph, verdict, text) {
+  const onCard = page.page.locator(`article[data-node=${node}] [data-verdict]`);
+  const inPanel = page.page.locator(".json-node", { hasText: graph }).locator("[data-verdict]");
+  await expectEventually(`the verdict of ${node}`, () => onCard.getAttribute("data-verdict"), verdict);
+  await expectEventually(`its words`, () => onCard.innerText(), `Last text: ${text}`);
+  assert.equal(await inPanel.innerText(), `Last text: ${text}`);
+}
+
+function post(path, body, headers = {}) {
+  return new Promise((resolve, reject) => {
+    const [name, port] = host.address.split(":");
+    const request = http.request({ host: name, port, path, method: "POST", headers }, (response) => {
+      let answer = "";
+      response.setEncoding("utf8");
+      response.on("data", (data) => (answer += data));
+      response.on("end", () => resolve({ status: response.statusCode, answer }));
+    });
+    request.on("error", reject);
+    request.end(body);
+  });
+}
+
+test("a text sent as a device reaches the node of that device", async () => {
+  assert.equal(await page.page.locator("[data-verdict]").count(), 0, "before the first text");
+  await sendAsDevice(1, '{"cmd":"start"}');
+  await page.fires(DEVICE_EVENT, 1);
+  await page.shows(DEVICE_TEXT, '{"cmd":"start"}');
+  await verdictIs("j", "Device text", "taken", "taken");
+  await sendAsDevice(2, "[2]");
+  await verdictIs("j", "Device text", "other_device", "from device 2, not 1");
+  await page.shows(DEVICE_TEXT, '{"cmd":"start"}');
+});
+
+test("each refusal of the device node is told", async () => {
+  await sendAsDevice(1, "{'cmd':1}");
+  await verdictIs("j", "Device text", "not_json", "not JSON");
+  await set("j", 1403, { int: 1 });
+  await set("j", 1404, { string: "cmd" });
+  await set("j", 1405, { string: "start" });
+  await sendAsDevice(1, "[1,2]");
+  await verdictIs("j", "Device text", "not_object", "JSON, but not an object");
+  await sendAsDevice(1, "{}");
+  await verdictIs("j", "Device text", "key_missing", "no key “cmd”");
+  await sendAsDevice(1, '{"cmd":"stop"}');
+  await verdictIs("j", "Device text", "value_differs", "“cmd” is “stop”, not “start”");
+  await sendAsDevice(1, '{"cmd":"start"}');
+  await verdictIs("j", "Device text", "taken", "taken");
+  await page.fires(DEVICE_EVENT, 1);
+});
+
+test("a text sent to an object reaches the node of that object", async () => {
+  await control("to").selectOption("object");
+  assert.equal(await control("clip").inputValue(), "Demo", "the scene's object is filled in");
+  assert.equal(await control("object").inputValue(), "Map");
+  await control("text").fill("no JSON");
+  await control("send").click();
+  await page.fires(OBJECT_EVENT, 1);
+  await page.shows(OBJECT_TEXT, "no JSON");
+  await verdictIs("o", "Object text", "taken", "taken");
+  await sendToObject("Demo", "Road", "text");
+  await verdictIs("o", "Object text", "other_object", "for Demo.Road, not Demo.Map");
+});
+
+test("the last texts are kept, also by a reload, and can be sent again", async () => {
+  await sendAsDevice(1, "[1]");
+  await sendToObject("Demo", "Map", "[2]");
+  await sendAsDevice(1, "[3]");
+  await sendAsDevice(1, "[1]");
+  const texts = () => page.page.locator(".json-texts button").allInnerTexts();
+  const expected = ["device 1\n[1]", "device 1\n[3]", "Demo.Map\n[2]"];
+  await expectEventually("the texts", async () => (await texts()).join("|"), expected.join("|"));
+  await page.page.reload();
+  await expectEventually("the texts", async () => (await texts()).join("|"), expected.join("|"));
+  await page.page.locator(".json-texts button", { hasText: "Demo.Map" }).click();
+  await control("send").click();
+  await page.shows(OBJECT_TEXT, "[2]");
+});
+
+test("another page's texts show here too, and a page that comes later knows the verdicts", async () => {
+  await must(script, {
+    op: "event",
+    device: 5,
+    event: 0,
+    payload: { is: "device_text", device: 1, text: "[1]" },
+  });
+  await verdictIs("j", "Device text", "taken", "taken");
+  const later = await is.openPage(browser, host, { panel: "json" });
+  await later.page.locator("article[data-node=j] [data-verdict=taken]").waitFor();
+  await later.close();
+});
+
+test("a device that sends texts is read by itself", async () => {
+  const server = net.createServer();
+  server.listen(0, "127.0.0.1");
+  await until("the device's port", () => server.listening);
+  const connected = new Promise((resolve) => server.once("connection", resolve));
+  const address = `127.0.0.1:${server.address().port}`;
+  await must(script, { op: "devices", list: [{ id: 1, name: "Desk", parser: "json", address }] });
+  const device = await connected;
+  device.write('\n{"名":"\u{1F600}"}\n');
+  await page.shows(DEVICE_TEXT, '{"名":"\u{1F600}"}');
+  await verdictIs("j", "Device text", "taken", "taken");
+  const { devices } = await must(script, { op: "network" });
+  assert.equal(devices[0].rejected, 1);
+  assert.equal(devices[0].last_rejected, "empty");
+  device.destroy();
+  server.close();
+});
+
+test("a posted text reaches the object's node", async () => {
+  const { status, answer } = await post("/object-text?clip=Demo&object=Map", '{"zoom":3}');
+  assert.equal(status, 200);
+  const reply = JSON.parse(answer);
+  assert.equal(reply.ok, true);
+  assert.equal(reply.results.o, 1);
+  assert.deepEqual(reply.posted.map(({ node, output }) => [node, output]), [OBJECT_EVENT]);
+  await page.fires(OBJECT_EVENT, 1);
+  await page.shows(OBJECT_TEXT, '{"zoom":3}');
+  await verdictIs("o", "Object text", "taken", "taken");
+
+  const other = await post("/object-text?clip=Demo&object=%E5%9B%BE", "é😀");
+  assert.equal(JSON.parse(other.answer).results.o, 0);
+  await verdictIs("o", "Object text", "other_object", "for Demo.图, not Demo.Map");
+  assert.equal((await post("/object-text?clip=Demo&object=Map", "")).status, 200);
+  await page.shows(OBJECT_TEXT, "");
+});
+
+test("wrong posts are refused and named", async () => {
+  const refused = async (path, body, status, problem, headers) => {
+    const reply = await post(path, body, headers);
+    assert.equal(reply.status, status, path);
+    assert.match(reply.answer, problem);
+  };
+  const path = "/object-text?clip=Demo&object=Map";
+  await refused("/object-text", "text", 400, /clip: is missing/);
+  await refused("/object-text?clip=Demo&object=%FF", "text", 400, /object: isn't UTF-8/);
+  await refused(path, Buffer.from([0x61, 0xff]), 400, /the text isn't UTF-8/);
+  await refused(path, Buffer.alloc(LONGEST_TEXT + 1, "x"), 413, /longer than 1048576 bytes/);
+  await refused(path, "text", 403, /Origin/, { Origin: "http://evil.example" });
+  await refused(path, "text", 403, /Origin/, { Origin: "null" });
+  await refused(path, "text", 403, /Host/, { Host: "evil.example" });
+  await refused("/other", "text", 400, /no HTTP request/);
+  assert.equal(await page.count(OBJECT_EVENT), 0);
+
+  const longest = await post(path, Buffer.alloc(LONGEST_TEXT, "x"), { Expect: "100-continue" });
+  assert.equal(longest.status, 200);
+  await page.fires(OBJECT_EVENT, 1);
+  const origin = { Origin: `http://${host.address}` };
+  assert.equal((await post(path, "text", origin)).status, 200);
+});
+
+test("posts in pieces and several on one connection are taken", async () => {
+  const [name, port] = host.address.split(":");
+  const socket = net.connect(Number(port), name);
+  let answer = "";
+  socket.on("data", (data) => (answer += data));
+  const head = (length) =>
+    `POST /object-text?clip=Demo&object=Map HTTP/1.1\r\nHost: ${host.address}\r\nContent-Length: ${length}\r\n\r\n`;
+  for (const piece of [head(4).slice(0, 20), head(4).slice(20), "te", `xt${head(3)}`, "end"]) {
+    socket.write(piece);
+    await new Promise((resolve) => setTimeout(resolve, 20));
+  }
+  await expectEventually("answers", () => answer.split("HTTP/1.1 200 OK").length - 1, 2);
+  await page.shows(OBJECT_TEXT, "end");
+  const chunked = head(0).replace("Content-Length: 0", "Transfer-Encoding: chunked");
+  socket.write(`${chunked}3\r\nchu\r\n4\r\nnked\r\n0\r\n\r\n`);
+  await page.shows(OBJECT_TEXT, "chunked");
+  socket.destroy();
+});
