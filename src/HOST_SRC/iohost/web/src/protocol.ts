@@ -1,4 +1,6 @@
 // The messages of the WebSocket /session, as far as the page uses them.
+import type { JsonVerdict } from "./json.ts";
+import type { NetworkState } from "./network.ts";
 
 /** A parameter of a node, as `inspect` tells it. */
 export interface Param {
@@ -25,6 +27,7 @@ export interface ParamGroup {
 export interface NodeDetails {
   type: string;
   name: string;
+  own: ParamGroup[];
   inputs: ParamGroup[];
   outputs: ParamGroup[];
 }
@@ -85,6 +88,8 @@ export interface LogEntry {
 export interface Happened {
   posted?: PostedEvent[];
   log?: LogEntry[];
+  /** Nodes that asked for their panel to be drawn anew. */
+  redrawn?: { node: string }[];
 }
 
 export interface OutputValue {
@@ -101,9 +106,12 @@ export type EventReply = Reply<{ results: Record<string, number> }>;
 export type Push =
   | { push: "hello"; version: string; fps: number; address: string; connection: number }
   | { push: "objects"; objects: SceneObject[] }
+  /** What JSON nodes made of texts that came to them. */
+  | { push: "json"; nodes: Record<string, JsonVerdict> }
   /** What is held; the connections that were released by another one's wish are named. */
   | { push: "held"; held: HeldEntry[]; released?: number[] }
   | ({ push: "happened"; frame: number } & Happened)
+  | ({ push: "network" } & NetworkState)
   | { push: "outputs"; nodes: Record<string, Record<string, OutputValue>> }
   | { push: "scene"; version: number };
 
@@ -139,13 +147,28 @@ export interface VRPayload {
   release: number;
 }
 
+export interface DeviceTextPayload {
+  is: "device_text";
+  device: number;
+  text: string;
+}
+
+export interface ObjectTextPayload {
+  is: "object_text";
+  clip: string;
+  object: string;
+  text: string;
+}
+
 /** An input event on its way to every node of the scene. */
 export type InputEvent =
   | { device: 0; event: number; payload: KeyPayload }
   | { device: 1; event: number; payload: PointerPayload }
-  | { device: 3; event: number; payload: VRPayload };
+  | { device: 3; event: number; payload: VRPayload }
+  | { device: 5; event: number; payload: DeviceTextPayload }
+  | { device: 6; event: number; payload: ObjectTextPayload };
 
-export const Device = { keyboard: 0, pointer: 1, hand: 3 } as const;
+export const Device = { keyboard: 0, pointer: 1, hand: 3, text: 5, objectText: 6 } as const;
 
 export const EventId = {
   keyDown: 2002,

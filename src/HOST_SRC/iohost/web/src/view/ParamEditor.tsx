@@ -6,6 +6,7 @@ import { CombinationCapture } from "../input/capture.ts";
 import { keyValueText, virtualKeyName } from "../input/virtualKeys.ts";
 import { boundsOf, kindOf, parseNumber, valueText, type EditValue, type ParamKind } from "../params.ts";
 import type { Param } from "../protocol.ts";
+import { DeviceChoice, namesDevice } from "./DeviceChoice.tsx";
 import { LinkSources } from "./Links.tsx";
 
 interface EditorProps {
@@ -50,6 +51,9 @@ export function ParamEditor({ host, node, param }: EditorProps) {
     case "other":
       control = <span class="value-text">{valueText(param, param)}</span>;
       break;
+  }
+  if (namesDevice(param)) {
+    control = <DeviceChoice host={host} node={node} param={param} otherwise={control} onEdit={edit} />;
   }
   // A button isn't labelled by what it stands in: a click beside it must not fire.
   const Frame = kind === "event" || kind === "keyCode" ? "div" : "label";

@@ -1,8 +1,10 @@
 import type { ComponentType } from "preact";
 import type { Host } from "../host.ts";
 import { HandsPanel } from "./HandsPanel.tsx";
+import { JsonPanel } from "./JsonPanel.tsx";
 import { KeyboardPanel } from "./KeyboardPanel.tsx";
 import { LogPanel } from "./LogPanel.tsx";
+import { NetworkPanel } from "./NetworkPanel.tsx";
 
 export interface PanelProps {
   host: Host;
@@ -25,4 +27,6 @@ export const PANELS: readonly Panel[] = [
   { id: "log", title: "Log", View: LogPanel },
   { id: "keyboard", title: "On-screen keyboard", View: KeyboardPanel, height: "46%" },
   { id: "hands", title: "VR hands", View: HandsPanel, height: "56%" },
+  { id: "network", title: "Network", View: NetworkPanel, height: "46%" },
+  { id: "json", title: "JSON texts", View: JsonPanel },
 ];

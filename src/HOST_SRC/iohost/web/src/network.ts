@@ -1,0 +1,103 @@
+// How the host's network stands, as `network` tells it, and what the page says about it.
+import { timeOfDay } from "./format.ts";
+
+/** The first bytes of a message. */
+export interface MessageBytes {
+  /** Of the whole message. */
+  size: number;
+  text: string;
+  hex: string;
+}
+
+/** What became of the items that came in. */
+export interface ItemCounts {
+  received: number;
+  matched: number;
+  rejected: number;
+  last_rejected: string | null;
+}
+
+export interface DeviceState extends ItemCounts {
+  id: number;
+  name: string;
+  parser: string;
+  address: string | null;
+  state: "unconnected" | "connecting" | "connected" | "waiting";
+  since_ms: number;
+  last_problem: string | null;
+  queued_items: number;
+  queued_bytes: number;
+  sent: number;
+  refused: number;
+  lost: number;
+  /** Items that were shown instead of sent. */
+  shown: number;
+  received_bytes: number;
+  last_sent_bytes: (MessageBytes & { sent: boolean }) | null;
+  last_received_bytes: MessageBytes | null;
+}
+
+export interface BroadcastState extends ItemCounts {
+  port: number;
+  problem: string | null;
+  errors: number;
+  last_received_bytes: MessageBytes | null;
+}
+
+export interface ControlState extends ItemCounts {
+  port: number;
+  connections: number;
+  turned_away: number;
+}
+
+export interface NetworkState {
+  /** Null: the host has no list. */
+  devices: DeviceState[] | null;
+  broadcast: BroadcastState | null;
+  control: ControlState | null;
+  listen_only: boolean;
+}
+
+/** "connected since 14:03:22"; `told` is when the page heard of it. */
+export function stateText(device: DeviceState, told: number): string {
+  const since = `since ${timeOfDay(told - device.since_ms).replace(/\..*/, "")}`;
+  switch (device.state) {
+    case "unconnected":
+      return "has no address: what it is sent is only shown";
+    case "connected":
+      return `connected ${since}`;
+    case "connecting":
+      return `connecting ${since}`;
+    case "waiting":
+      return `waiting to try again ${since}`;
+  }
+}
+
+export function queueText({ queued_items: items, queued_bytes: bytes }: DeviceState): string {
+  return items === 0 ? "empty" : `${items} ${items === 1 ? "item" : "items"}, ${bytesText(bytes)}`;
+}
+
+export function rejectedText({ rejected, last_rejected: reason }: ItemCounts): string {
+  return reason === null ? String(rejected) : `${rejected} (${reason})`;
+}
+
+/** Hexadecimal in pairs: "31 32 7c". */
+export function pairedHex(hex: string): string {
+  return hex.replace(/..(?=.)/g, "$& ");
+}
+
+/** The devices to choose from for a "DevID" that reads so, as value and label; what is there stays to be chosen. */
+export function deviceChoices(devices: readonly DeviceState[], current: string): { value: string; label: string }[] {
+  const choices = devices.map(({ id, name }) => ({ value: String(id), label: `${id} · ${name}` }));
+  if (!choices.some(({ value }) => value === current)) {
+    choices.unshift({ value: current, label: current === "" ? "none" : `${current} · no such device` });
+  }
+  return choices;
+}
+
+function bytesText(bytes: number): string {
+  if (bytes < 1024) {
+    return `${bytes} bytes`;
+  }
+  return bytes < 1024 ** 2 ? `${(bytes / 1024).toFixed(1)} KiB` : `${(bytes / 1024 ** 2).toFixed(1)} MiB`;
+}

@@ -1,0 +1,53 @@
+import type { ComponentChildren } from "preact";
+import type { Host } from "../host.ts";
+import { deviceChoices } from "../network.ts";
+import { kindOf, type EditValue } from "../params.ts";
+import type { Param } from "../protocol.ts";
+
+interface DeviceChoiceProps {
+  host: Host;
+  node: string;
+  param: Param;
+  /** Stands there while the host has no devices. */
+  otherwise: ComponentChildren;
+  onEdit(value: EditValue): void;
+}
+
+/** Whether an input names one of the host's devices. */
+export function namesDevice(param: Param): boolean {
+  return param.name === "DevID";
+}
+
+/** The "DevID" of a node that sends: a device of the list. The "DevName" beside it follows. */
+export function DeviceChoice({ host, node, param, otherwise, onEdit }: DeviceChoiceProps) {
+  const devices = host.network.value?.state.devices ?? [];
+  if (devices.length === 0) {
+    return <>{otherwise}</>;
+  }
+  const isText = kindOf(param) === "text";
+  const current = isText ? param.string : String(param.int);
+  const choose = (value: string) => {
+    onEdit(isText ? { string: value } : { int: Number(value) });
+    const inputs = host.nodes.value?.find((one) => one.node === node)?.details.inputs ?? [];
+    const name = inputs.flatMap(({ params }) => params).find((one) => one.name === "DevName");
+    const device = devices.find(({ id }) => String(id) === value);
+    if (name !== undefined && device !== undefined) {
+      void host.edit(node, name.id, { string: device.name });
+    }
+  };
+  return (
+    <select
+      value={current}
+      disabled={!param.available}
+      data-node={node}
+      data-param={param.id}
+      onChange={(event) => choose(event.currentTarget.value)}
+    >
+      {deviceChoices(devices, current).map(({ value, label }) => (
+        <option key={value} value={value}>
+          {label}
+        </option>
+      ))}
+    </select>
+  );
+}

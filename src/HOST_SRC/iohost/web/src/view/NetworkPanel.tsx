@@ -1,0 +1,171 @@
+import type { ComponentChildren } from "preact";
+import {
+  pairedHex,
+  queueText,
+  rejectedText,
+  stateText,
+  type BroadcastState,
+  type ControlState,
+  type DeviceState,
+  type ItemCounts,
+  type MessageBytes,
+} from "../network.ts";
+import "./network.css";
+import type { PanelProps } from "./panels.ts";
+
+/** The play-control devices, and what other hosts send to this one. */
+export function NetworkPanel({ host, shown }: PanelProps) {
+  const network = host.network.value;
+  if (!shown || network === null) {
+    return null;
+  }
+  const { devices, broadcast, control, listen_only: listenOnly } = network.state;
+  return (
+    <>
+      <div class="panel-head">
+        <label class="network-switch">
+          <input
+            type="checkbox"
+            role="switch"
+            class="switch"
+            checked={listenOnly}
+            data-listen-only
+            onChange={(event) => host.setListenOnly(event.currentTarget.checked)}
+          />
+          Listen only
+        </label>
+        <span class="hint">
+          {listenOnly
+            ? "What nodes send to devices is shown here and goes nowhere. Broadcasts go out all the same."
+            : "What nodes send to devices goes out."}
+        </span>
+      </div>
+      <div class="network">
+        {devices === null && <p class="empty">The scene has no list of devices.</p>}
+        {devices?.length === 0 && <p class="empty">The scene's list of devices is empty.</p>}
+        {devices?.map((device, index) => <Device key={index} device={device} told={network.told} />)}
+        {broadcast !== null && <Broadcasts state={broadcast} />}
+        {control !== null && <Control state={control} />}
+      </div>
+    </>
+  );
+}
+
+function Device({ device, told }: { device: DeviceState; told: number }) {
+  const lamp = { connected: "lamp lamp-open", waiting: "lamp lamp-lost", connecting: "lamp", unconnected: "lamp" };
+  return (
+    <Peer id={`device-${device.id}`} title={`${device.id} · ${device.name}`} lamp={lamp[device.state]}>
+      <p class="hint">
+        {device.parser}
+        {device.address !== null && ` · ${device.address}`} · <span data-field="state">{stateText(device, told)}</span>
+        {device.last_problem !== null && device.state !== "connected" && (
+          <span class="peer-problem" data-field="problem">
+            {" "}
+            · {device.last_problem}
+          </span>
+        )}
+      </p>
+      <dl class="counts">
+        <Count label="Queue" field="queue" value={queueText(device)} />
+        <Count label="Sent" field="sent" value={device.sent} />
+        <Count label="Refused" field="refused" value={device.refused} isTrouble={device.refused > 0} />
+        <Count label="Lost" field="lost" value={device.lost} isTrouble={device.lost > 0} />
+        <Count label="Shown only" field="shown" value={device.shown} />
+        <Received counts={device} />
+      </dl>
+      <Bytes
+        label={device.last_sent_bytes?.sent === false ? "Would be sent" : "Last sent"}
+        field="sent-bytes"
+        bytes={device.last_sent_bytes}
+      />
+      <Bytes label="Last received" field="received-bytes" bytes={device.last_received_bytes} />
+    </Peer>
+  );
+}
+
+function Broadcasts({ state }: { state: BroadcastState }) {
+  return (
+    <Peer id="broadcast" title="Broadcasts" lamp={state.problem === null ? "lamp lamp-open" : "lamp lamp-lost"}>
+      <p class="hint">
+        UDP {state.port} ·{" "}
+        {state.problem === null ? (
+          "received here"
+        ) : (
+          <span class="peer-problem" data-field="problem">
+            not received: {state.problem}; trying again
+          </span>
+        )}
+      </p>
+      <dl class="counts">
+        <Received counts={state} />
+        <Count label="Errors" field="errors" value={state.errors} isTrouble={state.errors > 0} />
+      </dl>
+      <Bytes label="Last received" field="received-bytes" bytes={state.last_received_bytes} />
+    </Peer>
+  );
+}
+
+function Control({ state }: { state: ControlState }) {
+  return (
+    <Peer id="control" title="Records of other hosts" lamp="lamp lamp-open">
+      <p class="hint">
+        TCP {state.port} · {state.connections} connected
+      </p>
+      <dl class="counts">
+        <Received counts={state} />
+        <Count label="Turned away" field="turned-away" value={state.turned_away} isTrouble={state.turned_away > 0} />
+      </dl>
+    </Peer>
+  );
+}
+
+function Peer({ id, title, lamp, children }: { id: string; title: string; lamp: string; children: ComponentChildren }) {
+  return (
+    <article class="peer" data-peer={id}>
+      <h3>
+        <span class={lamp} aria-hidden="true" />
+        {title}
+      </h3>
+      {children}
+    </article>
+  );
+}
+
+function Received({ counts }: { counts: ItemCounts }) {
+  return (
+    <>
+      <Count label="Received" field="received" value={counts.received} />
+      <Count label="Matched" field="matched" value={counts.matched} />
+      <Count label="Rejected" field="rejected" value={rejectedText(counts)} isTrouble={counts.rejected > 0} />
+    </>
+  );
+}
+
+function Count(props: { label: string; field: string; value: string | number; isTrouble?: boolean }) {
+  return (
+    <div class={props.isTrouble === true ? "count count-trouble" : "count"}>
+      <dt>{props.label}</dt>
+      <dd data-field={props.field}>{props.value}</dd>
+    </div>
+  );
+}
+
+/** A message as text, in which dots stand for what isn't printable, and in hexadecimal. */
+function Bytes({ label, field, bytes }: { label: string; field: string; bytes: MessageBytes | null }) {
+  if (bytes === null) {
+    return null;
+  }
+  const isCut = bytes.hex.length < 2 * bytes.size;
+  return (
+    <div class="bytes" data-field={field}>
+      <span class="bytes-label">
+        {label}, {bytes.size} {bytes.size === 1 ? "byte" : "bytes"}
+        {isCut && ", the beginning"}
+      </span>
+      <code data-bytes="text">{bytes.text}</code>
+      <code class="bytes-hex" data-bytes="hex">
+        {pairedHex(bytes.hex)}
+      </code>
+    </div>
+  );
+}

@@ -1,0 +1,299 @@
+// The network panel: devices and what went over their connections, what other hosts send, and choosing a device.
+import assert from "node:assert/strict";
+import { createSocket } from "node:dgram";
+import { once } from "node:events";
+import { mkdirSync, mkdtempSync, rmSync, writeFileSync } from "node:fs";
+import { createServer, connect } from "node:net";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
+import { after, afterEach, before, beforeEach, test } from "node:test";
+import { startBrowser } from "./support/browser.mjs";
+import { startHost } from "./support/host.mjs";
+import * as is from "./support/page.mjs";
+import { createScene, expectEventually, until } from "./support/session.mjs";
+
+const nodeType = (byte) => `{8164BB40-6B6A-4707-88B7-386BCB0D1B${byte}}`;
+const NET_SEND = { type: nodeType("04"), devId: 402, devName: 403, keyValue: 408, send: 410, toDev: 412 };
+const NET_RECEIVE = { type: nodeType("05"), keyName: 503, keyValue: 552, event: 554 };
+const BROADCAST_RECEIVE = { type: nodeType("0D"), flag: 1302, name: 1352, data: 1353 };
+const STRING_SEND = { type: nodeType("0F"), devId: 1503, devName: 1504, text: 1505, send: 1507 };
+
+/** A device on a port of its own: what it was sent gathers in `received`. */
+class Device {
+  received = Buffer.alloc(0);
+  connections = 0;
+  #sockets = new Set();
+  #server = createServer((socket) => {
+    ++this.connections;
+    this.#sockets.add(socket);
+    socket.on("data", (data) => (this.received = Buffer.concat([this.received, data])));
+    socket.on("error", () => {});
+    socket.on("close", () => this.#sockets.delete(socket));
+  });
+
+  async listen(port = 0) {
+    this.#server.listen(port, "127.0.0.1");
+    await once(this.#server, "listening");
+    this.port = this.#server.address().port;
+    this.address = `127.0.0.1:${this.port}`;
+    return this;
+  }
+
+  write(bytes) {
+    this.#sockets.forEach((socket) => socket.write(bytes));
+  }
+
+  async close() {
+    this.#sockets.forEach((socket) => socket.destroy());
+    this.#server.close();
+    await once(this.#server, "close");
+  }
+}
+
+async function freeUdpPort() {
+  const socket = createSocket("udp4").bind(0, "127.0.0.1");
+  await once(socket, "listening");
+  const { port } = socket.address();
+  socket.close();
+  return port;
+}
+
+/** A play-control frame with a remote-control record. */
+function recordFrame(keyName, keyValue) {
+  const clip = Buffer.from("Far");
+  const body = Buffer.from(
+    `<PanelRemoteCtrl DevID="" DevName="" ClipName="Demo" GroupName="" KeyName="${keyName}" KeyNumber="0" ` +
+      `HelpParameter="" KeyValue="${keyValue}" Layer="0"/>`,
+  );
+  const header = Buffer.alloc(16);
+  header.write("QPCF");
+  header.writeUInt16BE(1, 4);
+  header.writeUInt16BE(clip.length, 6);
+  header.writeUInt32BE(clip.length + body.length, 8);
+  header.writeUInt32BE(50, 12);
+  return Buffer.concat([header, clip, body]);
+}
+
+let browser;
+let folder;
+let broadcastPort;
+let host;
+let script;
+let page;
+let devices;
+
+before(async () => {
+  browser = await startBrowser();
+});
+after(() => browser.close());
+
+beforeEach(async () => {
+  folder = mkdtempSync(join(tmpdir(), "iohost-network-"));
+  broadcastPort = await freeUdpPort();
+  mkdirSync(join(folder, "Config"));
+  writeFileSync(join(folder, "Config", "PortConfig.ini"), `[iFable]\nBroadcastPort=${broadcastPort}\n`);
+  host = await startHost({ options: ["--app", folder, "--control", "127.0.0.1:0"] });
+  script = await createScene(host.address);
+  page = await is.openPage(browser, host);
+  await page.page.locator("[data-tab=network]").click();
+  devices = [];
+});
+afterEach(async () => {
+  assert.deepEqual(page.problems, []);
+  await page.close();
+  await script.close();
+  assert.equal(await host.end(), 0);
+  await Promise.all(devices.map((device) => device.close()));
+  rmSync(folder, { recursive: true });
+});
+
+async function startDevice(port) {
+  const device = await new Device().listen(port);
+  devices.push(device);
+  return device;
+}
+
+async function ask(request) {
+  const reply = await script.request(request);
+  assert.equal(reply.ok, true, JSON.stringify([request, reply]));
+  return reply;
+}
+
+const create = (node, type) => ask({ op: "create", node, type, clip: "Demo", graph: node });
+const setDevices = (...list) => ask({ op: "devices", list });
+const peer = (name) => page.page.locator(`[data-peer="${name}"]`);
+const field = (name, which) => peer(name).locator(`dd[data-field="${which}"], p [data-field="${which}"]`);
+const shows = (name, which, text) =>
+  expectEventually(`${which} of ${name}`, () => field(name, which).innerText(), text);
+const input = (node, param) => page.page.locator(`article[data-node=${node}] [data-param="${param}"]`);
+
+/** A send node whose card's "Send" is pressed. */
+const pressSend = (node, param) => input(node, param).click();
+
+test("devices are shown with their state, their queue, their counters and the last bytes", async () => {
+  const wall = await startDevice();
+  await setDevices(
+    { id: 3, name: "Wall", parser: "framed", address: wall.address },
+    { id: 4, name: "Text", parser: "direct" },
+  );
+  assert.equal(await peer("device-3").locator("h3").innerText(), "3 · Wall");
+  await until("the connection", async () =>
+    /^connected since \d\d:\d\d:\d\d$/.test(await field("device-3", "state").innerText()));
+  assert.match(await field("device-4", "state").innerText(), /has no address/);
+  await shows("device-3", "queue", "empty");
+
+  await create("send", NET_SEND.type);
+  await ask({ op: "set", node: "send", param: NET_SEND.devId, string: "3" });
+  await ask({ op: "set", node: "send", param: NET_SEND.keyValue, string: "<12>" });
+  await pressSend("send", NET_SEND.send);
+  await shows("device-3", "sent", "1");
+  await until("the record", () => wall.received.includes('KeyValue="&lt;12&gt;"'));
+  const bytes = peer("device-3").locator("[data-field=sent-bytes]");
+  assert.match(await bytes.innerText(), /^Last sent, \d+ bytes/);
+  const shown = (await bytes.locator("[data-bytes=hex]").innerText()).split(" ").map((pair) => parseInt(pair, 16));
+  assert.deepEqual(Buffer.from(shown), wall.received.subarray(0, 256));
+  assert.match(await bytes.locator("[data-bytes=text]").innerText(), /^QPCF\.{8}.*<PanelRemoteCtrl DevID="3"/);
+
+  wall.write(recordFrame("no node's", "x"));
+  await shows("device-3", "received", "1");
+  await shows("device-3", "matched", "0");
+  assert.match(await peer("device-3").locator("[data-field=received-bytes]").innerText(), /KeyName="no node's"/);
+});
+
+test("what a device sends out of step is counted with its reason, and the connection comes back", async () => {
+  const wall = await startDevice();
+  await setDevices({ id: 3, name: "Wall", parser: "framed", address: wall.address });
+  await until("the connection", () => wall.connections === 1);
+  wall.write("GET / HTTP/1.1\r\n\r\n");
+  await shows("device-3", "rejected", "1 (bad magic)");
+  await until("the next connection", () => wall.connections === 2);
+  await until("the state", async () => /^connected/.test(await field("device-3", "state").innerText()));
+});
+
+test("a device that isn't there waits with the reason, queues, refuses when full, and gets its items later", async () => {
+  const gone = await new Device().listen();
+  await gone.close();
+  await setDevices({ id: 3, name: "Wall", parser: "direct", address: gone.address });
+  await until("the reason", async () => /refused/.test(await field("device-3", "problem").innerText()));
+  await create("text", STRING_SEND.type);
+  await ask({ op: "set", node: "text", param: STRING_SEND.devId, int: 3 });
+  await ask({ op: "set", node: "text", param: STRING_SEND.text, string: "x".repeat(999) });
+  await ask({ op: "set", node: "text", param: STRING_SEND.send, int: 1 }); // in every evaluation
+  for (let i = 0; i < 1100; ++i) {
+    await ask({ op: "process", node: "text" });
+  }
+  await ask({ op: "set", node: "text", param: STRING_SEND.send, int: 0 });
+  await shows("device-3", "queue", "1024 items, 1000.0 KiB");
+  assert.ok(Number(await field("device-3", "refused").innerText()) >= 76);
+  const wall = await startDevice(gone.port);
+  await until("all that was queued", () => wall.received.length === 1024 * 1000);
+  await shows("device-3", "queue", "empty");
+  await shows("device-3", "sent", "1024");
+});
+
+test("the listen-only switch shows what would be sent instead of sending it, on every page", async () => {
+  const wall = await startDevice();
+  await setDevices({ id: 3, name: "Wall", parser: "direct", address: wall.address });
+  await until("the connection", () => wall.connections === 1);
+  await create("text", STRING_SEND.type);
+  await ask({ op: "set", node: "text", param: STRING_SEND.devId, int: 3 });
+  await ask({ op: "set", node: "text", param: STRING_SEND.text, string: "first" });
+  const other = await is.openPage(browser, host);
+  await other.page.locator("[data-tab=network]").click();
+
+  await page.page.locator("[data-listen-only]").check();
+  await until("the other page's switch", () => other.page.locator("[data-listen-only]").isChecked());
+  await pressSend("text", STRING_SEND.send);
+  await shows("device-3", "shown", "1");
+  const bytes = peer("device-3").locator("[data-field=sent-bytes]");
+  assert.match(await bytes.innerText(), /^Would be sent, 6 bytes/);
+  assert.equal(await bytes.locator("[data-bytes=text]").innerText(), "first.");
+  assert.equal(await bytes.locator("[data-bytes=hex]").innerText(), "66 69 72 73 74 00");
+
+  await other.page.locator("[data-listen-only]").uncheck();
+  await until("this page's switch", async () => !(await page.page.locator("[data-listen-only]").isChecked()));
+  await ask({ op: "set", node: "text", param: STRING_SEND.text, string: "second" });
+  await pressSend("text", STRING_SEND.send);
+  await until("the second text", () => wall.received.length > 0);
+  assert.equal(String(wall.received), "second\0");
+  await until("the label", async () => (await bytes.innerText()).startsWith("Last sent, 7 bytes"));
+  await other.close();
+});
+
+test("the device of a send node is chosen from the list, and its name follows", async () => {
+  const [wall, desk] = [await startDevice(), await startDevice()];
+  await setDevices(
+    { id: 3, name: "Wall", parser: "framed", address: wall.address },
+    { id: 7, name: "Desk", parser: "direct", address: desk.address },
+  );
+  await create("send", NET_SEND.type);
+  await create("text", STRING_SEND.type);
+  await until("the choices", async () => (await input("send", NET_SEND.devId).locator("option").count()) === 3);
+  assert.deepEqual(await input("send", NET_SEND.devId).locator("option").allInnerTexts(), ["none", "3 · Wall", "7 · Desk"]);
+  assert.deepEqual(await input("text", STRING_SEND.devId).locator("option").allInnerTexts(),
+    ["0 · no such device", "3 · Wall", "7 · Desk"]);
+
+  await input("send", NET_SEND.devId).selectOption("3");
+  await expectEventually("the name", () => input("send", NET_SEND.devName).inputValue(), "Wall");
+  await pressSend("send", NET_SEND.send);
+  await until("the record", () => wall.received.includes('DevName="Wall"'));
+
+  await input("text", STRING_SEND.devId).selectOption("7");
+  await expectEventually("the name", () => input("text", STRING_SEND.devName).inputValue(), "Desk");
+  await input("text", STRING_SEND.text).fill("GO");
+  await input("text", STRING_SEND.text).press("Enter");
+  await until("the text in the host", async () => {
+    const { inputs } = await ask({ op: "inspect", node: "text" });
+    return inputs[0].params.find(({ id }) => id === STRING_SEND.text).string === "GO";
+  });
+  await pressSend("text", STRING_SEND.send);
+  await until("the text", () => desk.received.equals(Buffer.from("GO\0")));
+
+  await input("send", NET_SEND.toDev).uncheck(); // to all: there is nothing to choose
+  await until("the choice to be closed", () => input("send", NET_SEND.devId).isDisabled());
+  await input("send", NET_SEND.toDev).check();
+  await until("the choice to be open", () => input("send", NET_SEND.devId).isEnabled());
+});
+
+test("broadcasts on the configured port and records of other hosts reach the nodes while the frames go on", async () => {
+  await create("heard", BROADCAST_RECEIVE.type);
+  await ask({ op: "set", node: "heard", param: BROADCAST_RECEIVE.flag, string: "1" });
+  await create("receive", NET_RECEIVE.type);
+  await ask({ op: "set", node: "receive", param: NET_RECEIVE.keyName, string: "key" });
+  await page.page.locator("article[data-node=heard]").waitFor();
+  await page.page.locator("article[data-node=receive]").waitFor();
+  assert.equal((await script.request({ op: "wait", ms: 1000 })).ok, false);
+
+  const sender = createSocket("udp4");
+  sender.send('[.{<Broadcast Flag="1" ClipName="c" Name="score" Data="12|7"/>}.]\0', broadcastPort, "127.0.0.1");
+  await page.shows(["heard", BROADCAST_RECEIVE.name], "score");
+  await page.shows(["heard", BROADCAST_RECEIVE.data], "12|7");
+  sender.send("[.{<Other/>}.]", broadcastPort, "127.0.0.1");
+  await shows("broadcast", "received", "1");
+  await shows("broadcast", "matched", "1");
+  await shows("broadcast", "rejected", "1 (not the element Broadcast)");
+  sender.close();
+
+  const { control } = await ask({ op: "network" });
+  const far = connect(control.port, "127.0.0.1");
+  await once(far, "connect");
+  far.write(recordFrame("key", "from afar"));
+  await page.shows(["receive", NET_RECEIVE.keyValue], "from afar");
+  await page.fires(["receive", NET_RECEIVE.event], 1);
+  await until("the connection to be shown", async () => /1 connected/.test(await peer("control").innerText()));
+  far.destroy();
+  await until("its end to be shown", async () => /0 connected/.test(await peer("control").innerText()));
+});
+
+test("the devices of a scene are connected, and a page that comes back shows them", async () => {
+  const wall = await startDevice();
+  await setDevices({ id: 3, name: "Wall", parser: "framed", address: wall.address });
+  const file = join(folder, "scene.json");
+  await ask({ op: "save", file });
+  await ask({ op: "devices", list: null });
+  await page.page.getByText("The scene has no list of devices.").waitFor();
+  await ask({ op: "load", file });
+  await until("the connection", async () => /^connected/.test(await field("device-3", "state").innerText()));
+  await page.page.reload();
+  await until("the device again", async () => /^connected/.test(await field("device-3", "state").innerText()));
+});
