@@ -39,7 +39,7 @@ class TwoHosts(unittest.TestCase):
         run("ip", "link", "set", "cable-a", "up")
         run(*cls.far.inside("ip", "addr", "add", f"{ADDRESS_B}/24", "dev", "cable-b"))
         run(*cls.far.inside("ip", "link", "set", "cable-b", "up"))
-        run("ip", "route", "add", "default", "dev", "cable-a")
+        run("ip", "route", "replace", "default", "dev", "cable-a")  # where broadcasts go
 
     def setUp(self):
         self.a = Host()
