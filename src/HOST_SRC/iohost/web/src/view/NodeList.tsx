@@ -2,6 +2,7 @@ import type { Host, NodeView } from "../host.ts";
 import { iconOf } from "../icons.ts";
 import { kindOf } from "../params.ts";
 import type { ParamGroup } from "../protocol.ts";
+import { JsonVerdictLine } from "./JsonPanel.tsx";
 import { EventOutput, ValueOutput } from "./Outputs.tsx";
 import { ParamEditor } from "./ParamEditor.tsx";
 
@@ -82,6 +83,7 @@ function NodeCard({ host, node }: { host: Host; node: NodeView }) {
       {outputs.map((group) => (
         <OutputGroup key={group.id} host={host} node={node.node} group={group} />
       ))}
+      <JsonVerdictLine host={host} node={node.node} />
     </article>
   );
 }
