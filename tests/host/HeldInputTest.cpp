@@ -1,4 +1,11 @@
 // What a connection holds down, and its release.
+#include <chrono>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <afxwin.h>
+
 #include "HostTest.h"
 
 namespace {
@@ -24,9 +31,46 @@ protected:
             {{"is", "pointer"}, {"rx", 0}, {"ry", 0}, {"x", nX}, {"y", 2}, {"pointer", nPointer}, {"relative", 0}});
     }
 
+    static std::vector<int> OutputsPosted(const OrderedJson& reply) {
+        std::vector<int> outputs;
+        for (const OrderedJson& posted : reply["posted"]) {
+            outputs.push_back(posted["output"]);
+        }
+        return outputs;
+    }
+
     OrderedJson Release() { return m_pSession->Handle({{"op", "release_held"}}, &m_held); }
 
-    CHeldInput m_held;
+    /// The list of what is held, without the ages.
+    OrderedJson State() {
+        OrderedJson state = m_pSession->Held().State();
+        for (OrderedJson& entry : state) {
+            EXPECT_GE(entry["ms"].get<int>(), 0);
+            entry.erase("ms");
+        }
+        return state;
+    }
+
+    OrderedJson Keys(const Json& down, const Json& toggled = Json::array()) {
+        return m_pSession->Handle({{"op", "keys"}, {"down", down}, {"toggled", toggled}}, &m_held);
+    }
+
+    /// A hand's sample; the trigger was pressed at 1000.
+    OrderedJson Hand(int nHand, int bTrigger, int bPad) {
+        return Send(3, 0,
+                    {{"is", "vr"},
+                     {"hand", nHand},
+                     {"trigger", bTrigger},
+                     {"pad", bPad},
+                     {"padx", 0.75},
+                     {"pady", 0.25},
+                     {"pose", {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 1, 2, 3, 1}},
+                     {"hit", {4, 5, 6}},
+                     {"press", 1000},
+                     {"release", 0}});
+    }
+
+    CHeldInput& m_held = m_pSession->Held().Open();
 };
 
 TEST_F(HeldInput, NothingHeldReleasesNothing) {
@@ -97,11 +141,150 @@ TEST_F(HeldInput, EventsOfOneNodeAreReleasedThere) {
 
 TEST_F(HeldInput, ConnectionsAreKeptApart) {
     Key(2002, "a");
-    CHeldInput other;
-    EXPECT_EQ(m_pSession->ReleaseHeld(other, "it closed")["released"], OrderedJson::array());
-    const OrderedJson reply = m_pSession->ReleaseHeld(m_held, "it closed");
+    CHeldInput& other = m_pSession->Held().Open();
+    EXPECT_EQ(m_pSession->CloseConnection(other, "it closed")["released"], OrderedJson::array());
+    EXPECT_EQ(State().size(), 1u);
+    const OrderedJson reply = m_pSession->CloseConnection(m_held, "it closed");
     EXPECT_EQ(reply["released"].size(), 1u);
     EXPECT_EQ(reply["log"][0]["text"], R"(synthetic release of the key "a": it closed)");
+    EXPECT_EQ(State(), OrderedJson::array());
+}
+
+TEST_F(HeldInput, StateNamesWhatIsHeldByWhomInOrder) {
+    CHeldInput& other = m_pSession->Held().Open();
+    Pointer(3009, 2, 1);
+    Key(2002, "a");
+    Keys({65, 16});
+    Pointer(3013, 2, 9);
+    m_pSession->Handle({{"op", "event"}, {"device", 0}, {"event", 2002}}, &other);
+    const int nOwn = m_held.Connection();
+    EXPECT_NE(nOwn, other.Connection());
+    EXPECT_EQ(State(), OrderedJson::array(
+                           {{{"connection", nOwn}, {"device", 1}, {"what", "right button of pointer"}, {"identity", 2}},
+                            {{"connection", nOwn}, {"device", 0}, {"what", "key"}, {"identity", "a"}},
+                            {{"connection", nOwn}, {"device", 0}, {"what", "virtual key"}, {"identity", 16}},
+                            {{"connection", nOwn}, {"device", 0}, {"what", "virtual key"}, {"identity", 65}},
+                            {{"connection", other.Connection()}, {"device", 0}, {"what", "key"}, {"identity", ""}}}));
+}
+
+TEST_F(HeldInput, AgeCountsFromTheFirstPress) {
+    Key(2002, "a");
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    Key(2002, "a");
+    EXPECT_GE(m_pSession->Held().State()[0]["ms"].get<int>(), 20);
+}
+
+TEST_F(HeldInput, VersionGrowsOnlyWhenSomethingGoesDownOrUp) {
+    const CHeldInputs& all = m_pSession->Held();
+    unsigned long long nVersion = all.Version();
+    const auto hasGrown = [&] { return std::exchange(nVersion, all.Version()) < all.Version(); };
+    Key(2002, "a");
+    EXPECT_TRUE(hasGrown());
+    Key(2002, "a");
+    Pointer(3013, 0, 1);
+    Key(2003, "b");
+    EXPECT_FALSE(hasGrown());
+    Keys({65});
+    EXPECT_TRUE(hasGrown());
+    Keys({65}, {20});
+    EXPECT_FALSE(hasGrown());
+    Release();
+    EXPECT_TRUE(hasGrown());
+    Release();
+    EXPECT_FALSE(hasGrown());
+}
+
+TEST_F(HeldInput, VirtualKeysAreDownAsLongAsAnybodyHoldsThem) {
+    CHeldInput& other = m_pSession->Held().Open();
+    Keys({16, 65}, {20});
+    m_pSession->Handle({{"op", "keys"}, {"down", {65}}, {"toggled", {20}}}, &other);
+    EXPECT_LT(GetKeyState(16), 0);
+    Keys({}, {20});
+    EXPECT_EQ(GetKeyState(16), 0);
+    EXPECT_LT(GetKeyState(65), 0);
+    m_pSession->CloseConnection(other, "it closed");
+    EXPECT_EQ(GetKeyState(65), 0);
+    EXPECT_EQ(GetKeyState(20), 1);
+}
+
+TEST_F(HeldInput, VirtualKeysAreReleasedAndLogged) {
+    Keys({65, 16}, {20});
+    const OrderedJson reply = Release();
+    EXPECT_EQ(reply["released"].dump(), R"([{"virtual_key":16},{"virtual_key":65}])");
+    EXPECT_EQ(reply["log"][1]["text"], "synthetic release of the virtual key 65: the page asks for it");
+    EXPECT_EQ(GetKeyState(16), 0);
+    EXPECT_EQ(GetKeyState(65), 0);
+    EXPECT_EQ(GetKeyState(20), 1);
+    EXPECT_EQ(State(), OrderedJson::array());
+    // What stays down in fact is told anew by the next request.
+    Keys({65});
+    EXPECT_EQ(State().size(), 1u);
+}
+
+TEST_F(HeldInput, PartsOfAHandAreReleasedOneAfterTheOther) {
+    Must(R"({"op":"create","node":"v","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1B08}","clip":"Clip","graph":"Hand"})");
+    Must(R"({"op":"process"})");
+    Hand(0, 1, 0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    Hand(0, 1, 1);
+    Hand(1, 1, 0);
+    EXPECT_EQ(State().size(), 3u);
+    const OrderedJson reply = Release();
+    ASSERT_EQ(reply["released"].size(), 3u);
+    EXPECT_EQ(reply["log"][0]["text"], "synthetic release of the trigger of hand 0: the page asks for it");
+    const OrderedJson trigger = reply["released"][0]["payload"];
+    EXPECT_EQ(trigger["trigger"], 0);
+    EXPECT_EQ(trigger["pad"], 1);
+    EXPECT_GE(trigger["release"].get<unsigned>(), 1010u);
+    const OrderedJson pad = reply["released"][1]["payload"];
+    EXPECT_EQ(pad["trigger"], 0);
+    EXPECT_EQ(pad["pad"], 0);
+    EXPECT_EQ(pad["padx"], 0.75);
+    EXPECT_EQ(reply["released"][2]["payload"]["hand"], 1);
+    // TriggerUp with its click, then TouchPadUp with its own.
+    EXPECT_EQ(OutputsPosted(reply), (std::vector<int>{863, 864, 866, 869}));
+}
+
+TEST_F(HeldInput, HandThatLetsGoHoldsNothing) {
+    Hand(1, 1, 1);
+    Hand(1, 0, 1);
+    EXPECT_EQ(State().size(), 1u);
+    // A record without a sample says nothing of the hand.
+    Send(3, 0, nullptr);
+    Send(3, 0, {{"is", "key"}, {"text", "a"}});
+    EXPECT_EQ(State().size(), 1u);
+    Hand(1, 0, 0);
+    EXPECT_EQ(State(), OrderedJson::array());
+}
+
+TEST_F(HeldInput, ReleaseCanBeAboutOneDeviceOrOneOfItsKeysPointersAndHands) {
+    Key(2002, "a");
+    Keys({65});
+    Pointer(3005, 1, 1);
+    Pointer(3005, 2, 1);
+    const auto release = [&](const Json& filter) {
+        Json request = {{"op", "release_held"}};
+        request.update(filter);
+        return m_pSession->Handle(request, &m_held)["released"].size();
+    };
+    EXPECT_EQ(release({{"device", 1}, {"identity", 2}}), 1u);
+    EXPECT_EQ(State().size(), 3u);
+    EXPECT_EQ(release({{"device", 0}}), 2u);
+    EXPECT_EQ(State().size(), 1u);
+    EXPECT_EQ(release(Json::object()), 1u);
+    EXPECT_EQ(m_pSession->Handle({{"op", "release_held"}, {"identity", Json::array()}}, &m_held)["error"],
+              "identity: must be the text of a key or the number of a pointer, hand or virtual key");
+}
+
+TEST_F(HeldInput, ReleaseOfEveryoneReachesAllConnectionsAndSaysWhose) {
+    CHeldInput& other = m_pSession->Held().Open();
+    Key(2002, "a");
+    m_pSession->Handle({{"op", "event"}, {"device", 1}, {"event", 3005}}, &other);
+    const OrderedJson reply = m_pSession->Handle({{"op", "release_held"}, {"everyone", true}}, &m_held);
+    EXPECT_EQ(reply["released"].size(), 2u);
+    EXPECT_EQ(State(), OrderedJson::array());
+    EXPECT_EQ(m_pSession->Held().TakeReleasedByOthers(), std::vector{other.Connection()});
+    EXPECT_TRUE(m_pSession->Held().TakeReleasedByOthers().empty());
 }
 
 TEST_F(HeldInput, AccountIsBounded) {

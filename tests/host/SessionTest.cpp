@@ -302,6 +302,30 @@ TEST_F(ProbeSession, EventsPostedToTheHostCarryClipAndObject) {
                                           R"({"node":"p","output":101,"via":"host","clip":null,"object":null}]})");
 }
 
+TEST_F(Session, ChangedObjectsTellsAllOfThemWhenOneMoved) {
+    EXPECT_EQ(m_pSession->ChangedObjects(), OrderedJson::array());
+    EXPECT_TRUE(m_pSession->ChangedObjects().is_null());
+    Must(R"({"op":"object","clip":"Clip","name":"Lamp"})");
+    Must(R"({"op":"object","clip":"Clip","name":"Door"})");
+    const OrderedJson objects = m_pSession->ChangedObjects();
+    ASSERT_EQ(objects.size(), 2u);
+    EXPECT_EQ(objects, Must(R"({"op":"objects"})")["objects"]);
+    EXPECT_TRUE(m_pSession->ChangedObjects().is_null());
+
+    Must(R"({"op":"create","node":"v","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1B08}","clip":"Clip","graph":"Hand"})");
+    Must(R"({"op":"set","node":"v","param":802,"string":"Door"})");
+    Must(R"({"op":"process"})");
+    Must(R"({"op":"event","device":3,"event":0,"payload":{"is":"vr","hand":0,"trigger":0,"pad":0,"padx":0,"pady":0,
+             "pose":[1,0,0,0,0,1,0,0,0,0,1,0,7,8,9,1],"hit":[0,0,0],"press":0,"release":0}})");
+    const OrderedJson moved = m_pSession->ChangedObjects();
+    ASSERT_EQ(moved.size(), 2u);
+    EXPECT_EQ(moved[0], objects[0]);
+    EXPECT_EQ(moved[1]["matrix"][13], 8);
+    EXPECT_TRUE(m_pSession->ChangedObjects().is_null());
+    m_pSession->ForgetSent();
+    EXPECT_EQ(m_pSession->ChangedObjects().size(), 2u);
+}
+
 TEST_F(Session, ChangedOutputsTellsEachChangeOnce) {
     Must(CREATE_MOUSE);
     OrderedJson changed = m_pSession->ChangedOutputs();
@@ -319,7 +343,7 @@ TEST_F(Session, ChangedOutputsTellsEachChangeOnce) {
     EXPECT_EQ(changed["m"]["372"]["float"], 1.0);
     EXPECT_EQ(changed["m"]["373"]["float"], 2.0);
 
-    m_pSession->ForgetSentOutputs();
+    m_pSession->ForgetSent();
     EXPECT_EQ(m_pSession->ChangedOutputs()["m"].size(), 7u);
     Must(R"({"op":"destroy","node":"m"})");
     EXPECT_EQ(m_pSession->ChangedOutputs(), OrderedJson::object());

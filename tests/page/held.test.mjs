@@ -4,7 +4,7 @@ import { after, afterEach, before, beforeEach, test } from "node:test";
 import { startBrowser } from "./support/browser.mjs";
 import { startHost } from "./support/host.mjs";
 import * as is from "./support/page.mjs";
-import { createScene, logIn, openSession, postedIn, until } from "./support/session.mjs";
+import { createNode, createScene, logIn, must, openSession, postedIn, Type, until } from "./support/session.mjs";
 
 let browser;
 let host;
@@ -79,7 +79,8 @@ test("a hidden page and a cancelled pointer release what is held", async () => {
   await page.fires(is.KEY_UP, 1);
   await page.mouse.down();
   await page.fires(is.LEFT_DOWN, 2);
-  await page.surface.dispatchEvent("pointercancel");
+  // The mouse is the browser's pointer 1.
+  await page.surface.dispatchEvent("pointercancel", { pointerId: 1 });
   await page.fires(is.LEFT_UP, 2);
   await page.logs("the page was hidden");
   await page.logs("the pointer was cancelled");
@@ -124,5 +125,92 @@ test("what one connection holds, another's release doesn't let go", async () => 
   assert.deepEqual(reply.released, []);
   const own = await other.request({ op: "release_held" });
   assert.deepEqual(own.released, [{ device: 0, event: 2003, payload: { is: "key", text: "s" } }]);
+  await other.close();
+});
+
+const age = async (what) => parseFloat(await page.held(what).locator(".held-age").innerText());
+
+test("what is held shows with its age, until it's let go", async () => {
+  await page.focus();
+  await page.keyboard.down("a");
+  await page.mouse.down();
+  await page.held("key a").waitFor();
+  await page.held("virtual key 65").waitFor();
+  await page.held("left button of pointer 0").waitFor();
+  await until("a growing age", async () => (await age("key a")) >= 0.5);
+  await page.keyboard.up("a");
+  await page.held("key a").waitFor({ state: "detached" });
+  await page.held("virtual key 65").waitFor({ state: "detached" });
+  assert.equal(await page.held("left button of pointer 0").count(), 1);
+  await page.mouse.up();
+  await until("nothing held", async () => (await page.page.locator("[data-readout=held]").innerText()) === "nothing");
+});
+
+test("what others hold shows too, since when they hold it", async () => {
+  const other = await openSession(host.address);
+  await must(other, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "s" } });
+  await page.held("key s").filter({ hasText: "elsewhere" }).waitFor();
+  await page.page.waitForTimeout(300);
+  const late = await is.openPage(browser, host);
+  await late.held("key s").waitFor();
+  assert.ok(parseFloat(await late.held("key s").locator(".held-age").innerText()) >= 0.3);
+  await late.close();
+  await other.close();
+  await page.held("key s").waitFor({ state: "detached" });
+});
+
+test("one button lets go of everything, whoever holds it, and the pages forget it", async () => {
+  const other = await is.openPage(browser, host);
+  await other.focus();
+  await other.keyboard.down("x");
+  await page.moveTo(40, 50);
+  await page.touch.down([[1, 100, 100]]);
+  await page.held("key x").waitFor();
+  await page.held("left button of pointer 1").waitFor();
+  const posted = script.pushes.length;
+  await page.page.getByRole("button", { name: "Release all" }).click();
+  await page.held("key x").waitFor({ state: "detached" });
+  await page.held("left button of pointer 1").waitFor({ state: "detached" });
+  await page.logs('synthetic release of the key "x": somebody released everything');
+  await page.logs("synthetic release of the left button of pointer 1: somebody released everything");
+
+  // The key that is down in fact says nothing more: neither by its repeats nor by its end.
+  await page.fires(is.KEY_UP, 1);
+  await other.keyboard.down("x");
+  await other.keyboard.up("x");
+  await other.keyboard.press("y");
+  await page.fires(is.KEY_UP, 2);
+  assert.equal(await page.count(is.KEY_DOWN), 2);
+  assert.ok(script.pushes.length > posted);
+  await other.close();
+});
+
+test("a lost focus lets the keyboard's state go, so that key check nodes see it", async () => {
+  await createNode(script, "c", Type.keyCheck, "Key check 1");
+  await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 65 });
+  await page.page.locator("article[data-node=c]").waitFor();
+  await page.focus();
+  await page.keyboard.down("a");
+  await page.fires(is.CHECK_DOWN, 1);
+  await page.page.evaluate(() => window.dispatchEvent(new Event("blur")));
+  await page.fires(is.CHECK_UP, 1);
+  await page.logs("synthetic release of the virtual key 65: the page lost the focus");
+});
+
+test("a key that several hold is down until the last one lets go", async () => {
+  await createNode(script, "c", Type.keyCheck, "Key check 1");
+  await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 65 });
+  const other = await is.openPage(browser, host);
+  await page.page.locator("article[data-node=c]").waitFor();
+  await page.focus();
+  await page.keyboard.down("a");
+  await page.fires(is.CHECK_DOWN, 1);
+  await must(script, { op: "keys", down: [65], toggled: [] });
+  await page.keyboard.up("a");
+  await page.held("virtual key 65").filter({ hasText: "elsewhere" }).waitFor();
+  await page.page.waitForTimeout(200);
+  assert.equal(await page.count(is.CHECK_UP), 0);
+  await must(script, { op: "keys", down: [], toggled: [] });
+  await page.fires(is.CHECK_UP, 1);
   await other.close();
 });

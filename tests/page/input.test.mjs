@@ -227,7 +227,7 @@ test("the surface shows where the pointer is and what is held", async () => {
   assert.equal(await readout("pixels"), `${Math.floor(page.box.height / 2)}, ${Math.floor(page.box.height / 2)}`);
   await page.mouse.down();
   await page.keyboard.down("Shift");
-  await until("what is held", async () => /Left button\s*Shift/.test(await readout("held")));
+  await until("what is held", async () => /Left button [\d.]+ s\s*Shift [\d.]+ s/.test(await readout("held")));
   await page.keyboard.up("Shift");
   await page.mouse.up();
   await until("nothing held", async () => (await readout("held")) === "nothing");

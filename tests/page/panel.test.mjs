@@ -87,7 +87,7 @@ test("the log is filtered by level and by text", async () => {
   await page.page.locator(".log-search").fill("NEEDLE");
   await shownLines(1);
   assert.match(await lines().innerText(), /\[needle\]/);
-  await page.page.getByRole("button", { name: "All" }).click();
+  await page.page.getByRole("button", { name: "All", exact: true }).click();
   await page.page.locator(".log-search").fill("");
   await shownLines(3);
 });

@@ -50,3 +50,15 @@ OrderedJson GroupsToJson(const VEKParamGroupList& lstGroup) {
 OrderedJson ValuesToJson(const VEKParam& param) {
     return {{"int", param.m_nValue}, {"float", param.m_fValue}, {"string", Utf8(param.m_strValue)}};
 }
+
+OrderedJson ObjectsToJson(const CScene& scene) {
+    OrderedJson objects = OrderedJson::array();
+    for (const VEKClip& clip : scene.Clips()) {
+        for (POSITION pos = clip.m_lstObject.GetHeadPosition(); pos != nullptr;) {
+            const VEKObject& object = *clip.m_lstObject.GetNext(pos);
+            objects.push_back(
+                {{"clip", Utf8(clip.m_strName)}, {"name", Utf8(object.m_strName)}, {"matrix", object.m_fMatrix}});
+        }
+    }
+    return objects;
+}

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Fields.h"
+#include "Scene.h"
 #include "host/ParamModel.h"
 
 /// All groups of a list with their parameters.
@@ -9,3 +10,6 @@ OrderedJson GroupsToJson(const VEKParamGroupList& lstGroup);
 
 /// The three value members of a parameter.
 OrderedJson ValuesToJson(const VEKParam& param);
+
+/// The objects of all clips, with their matrices.
+OrderedJson ObjectsToJson(const CScene& scene);

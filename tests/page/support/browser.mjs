@@ -1,13 +1,16 @@
 // A real browser without a window.
 import { chromium } from "playwright-core";
 
-export function startBrowser() {
+// Drawing in space by the processor alone takes a lot of it, also for the rest of the page.
+const DRAWING_IN_SPACE = ["--use-angle=swiftshader", "--enable-unsafe-swiftshader"];
+
+export function startBrowser({ space = false } = {}) {
   return chromium.launch({
     executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium",
     args: [
       "--headless=new",
       "--no-sandbox",
-      "--disable-gpu",
+      ...(space ? DRAWING_IN_SPACE : ["--disable-gpu"]),
       "--disable-quic",
       "--no-first-run",
       "--disable-background-networking",

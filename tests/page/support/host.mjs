@@ -40,6 +40,7 @@ export async function startHost({ port = 0, options = [] } = {}) {
   });
   return {
     address,
+    pid: child.pid,
     page: `http://${address}/`,
     output,
     /** Asks it to end as a terminal does, and answers with the exit code (null if it had to be stopped). */
@@ -62,7 +63,9 @@ function start(options) {
     throw new Error("The environment variable IOHOST names no program.");
   }
   const web = process.env.IOHOST_WEB ? ["--web", process.env.IOHOST_WEB] : [];
-  return spawn(PROGRAM, [...web, ...options], { stdio: ["ignore", "pipe", "pipe"] });
+  // The sanitizer otherwise keeps freed memory for a long time, which looks like growth.
+  const env = { ...process.env, ASAN_OPTIONS: `${process.env.ASAN_OPTIONS ?? ""}:quarantine_size_mb=1` };
+  return spawn(PROGRAM, [...web, ...options], { stdio: ["ignore", "pipe", "pipe"], env });
 }
 
 function collect(child) {

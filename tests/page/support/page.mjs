@@ -22,18 +22,44 @@ export const PIXEL_X = ["m", 370];
 export const PIXEL_Y = ["m", 371];
 export const RELATIVE_X = ["m", 372];
 export const RELATIVE_Y = ["m", 373];
+export const TAP = ["g", 758];
+export const START_MOVE = ["g", 752];
+export const END_MOVE = ["g", 753];
+export const SWIPE_RIGHT = ["g", 755];
+export const SWIPE_UP = ["g", 756];
+export const SWIPE_DOWN = ["g", 757];
+export const TEXT = ["t", 253];
+export const HAS_TEXT = ["t", 252];
+export const CHECK_DOWN = ["c", 1152];
+export const CHECK_HOLD = ["c", 1153];
+export const CHECK_UP = ["c", 1154];
+export const KEY_VALUE = 1102;
+export const POSITION = [852, 853, 854].map((id) => ["v", id]);
+export const HIT = [857, 858, 859].map((id) => ["v", id]);
+export const TRIGGER_DOWN = ["v", 862];
+export const TRIGGER_UP = ["v", 863];
+export const TRIGGER_CLICK = ["v", 864];
+export const PAD_DOWN = ["v", 865];
+export const PAD_UP = ["v", 866];
+export const PAD_RIGHT_CLICK = ["v", 869];
 export const ENABLE = 2;
 
-/** Opens the page and waits until it shows the scene. Frames that it sends gather in `sent`. */
-export async function openPage(browser, host) {
+/**
+ * Opens the page, with a panel in front, and waits until it shows the scene. Frames that it sends gather in `sent`.
+ * Scripts run before those of the page.
+ */
+export async function openPage(browser, host, { panel = "log", scripts = [] } = {}) {
   const context = await browser.newContext({ viewport: { width: 1280, height: 800 } });
   const page = await context.newPage();
+  for (const script of scripts) {
+    await page.addInitScript(script);
+  }
   const sent = [];
   const problems = [];
   page.on("pageerror", (error) => problems.push(error.message));
   page.on("console", (message) => message.type() === "error" && problems.push(message.text()));
   page.on("websocket", (socket) => socket.on("framesent", ({ payload }) => sent.push(JSON.parse(payload))));
-  await page.goto(host.page);
+  await page.goto(`${host.page}#${panel}`);
   await page.locator("article[data-node=k]").waitFor();
   await page.locator("article[data-node=m]").waitFor();
   const surface = page.locator("[data-surface]");
@@ -58,16 +84,32 @@ export async function openPage(browser, host) {
     keyboard: page.keyboard,
     /** The input events that the page sent, as [event id, payload]. */
     sentEvents: () => sent.filter(({ op }) => op === "event").map(({ event, payload }) => [event, payload]),
+    /**
+     * Fingers on the surface, as [number, x, y]: `down` and `move` take all that are there, `up` those that lift (none: all of
+     * them), `cancel` none.
+     */
+    touch: await touchScreen(context, page, box),
+    held: (what) => page.locator(`[data-held="${what}"]`),
     moveTo: (x, y, options) => page.mouse.move(box.left + x, box.top + y, options),
     focus: () => page.mouse.click(box.left + 5, box.top + 5),
     count: async (which) => Number(await output(which).getAttribute("data-count")),
     value: (which) => output(which).getAttribute("data-value"),
-    fires: (which, count) =>
+    fires: (which, count, timeMs) =>
       expectEventually(`${which} fired ${count} times`, async () =>
-        Number(await output(which).getAttribute("data-count")), count),
+        Number(await output(which).getAttribute("data-count")), count, timeMs),
     shows: (which, value) =>
       expectEventually(`${which} shows ${value}`, () => output(which).getAttribute("data-value"), value),
     logs: (text) => page.locator("[data-log] .line-text", { hasText: text }).first().waitFor({ timeout: 15000 }),
     close: () => context.close(),
   };
+}
+
+async function touchScreen(context, page, box) {
+  const wire = await context.newCDPSession(page);
+  const send = (type) => (fingers) =>
+    wire.send("Input.dispatchTouchEvent", {
+      type,
+      touchPoints: fingers.map(([id, x, y]) => ({ id, x: box.left + x, y: box.top + y })),
+    });
+  return { down: send("touchStart"), move: send("touchMove"), up: send("touchEnd"), cancel: send("touchCancel") };
 }

@@ -2,8 +2,8 @@
 import { once } from "node:events";
 import WebSocket from "ws";
 
-const MOUSE = "{8164BB40-6B6A-4707-88B7-386BCB0D1B03}";
-const KEYBOARD = "{8164BB40-6B6A-4707-88B7-386BCB0D1B01}";
+/** The node types by the last byte of their GUIDs. */
+export const Type = { keyboard: "01", textField: "02", mouse: "03", gesture: "07", vrHandle: "08", keyCheck: "0B" };
 
 /** Opens the session. Replies are handed to who asked; pushes gather in `pushes`. */
 export async function openSession(address, options = {}) {
@@ -43,15 +43,28 @@ export function logIn(pushes) {
   return pushes.flatMap((push) => push.log ?? []).map((line) => line.text);
 }
 
+/** A request that must be carried out. */
+export async function must(session, request) {
+  const reply = await session.request(request);
+  if (!reply.ok) {
+    throw new Error(`${JSON.stringify(request)} was answered by ${JSON.stringify(reply)}`);
+  }
+  return reply;
+}
+
+export async function createNode(session, node, type, graph) {
+  const request = { op: "create", node, type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${type}}`, clip: "Demo", graph };
+  const { created } = await must(session, request);
+  if (!created) {
+    throw new Error(`The node ${node} wasn't made.`);
+  }
+}
+
 /** A keyboard node "k" and a mouse node "m", as the tests use them. */
 export async function createScene(address) {
   const session = await openSession(address);
-  for (const [node, type, graph] of [["k", KEYBOARD, "Keyboard 1"], ["m", MOUSE, "Mouse 1"]]) {
-    const reply = await session.request({ op: "create", node, type, clip: "Demo", graph });
-    if (!reply.ok || !reply.created) {
-      throw new Error(`The node ${node} wasn't made: ${JSON.stringify(reply)}`);
-    }
-  }
+  await createNode(session, "k", Type.keyboard, "Keyboard 1");
+  await createNode(session, "m", Type.mouse, "Mouse 1");
   return session;
 }
 

@@ -88,6 +88,10 @@ test("a controller without a pad has its thumbstick as one", () => {
   });
 });
 
+test("a part that the controller lacks may have no number in its place", () => {
+  assert.equal(readGamepad({ buttons: buttons(3), axes: [null, null, 0.5, 0] }).padX, 0.5);
+});
+
 test("a controller without buttons presses nothing", () => {
   assert.deepEqual(readGamepad({ buttons: [], axes: [] }), { trigger: false, pad: false, padX: 0, padY: 0 });
 });

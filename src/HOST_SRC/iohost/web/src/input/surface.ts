@@ -181,7 +181,10 @@ export class SurfaceInput implements Holder {
     const pointer = this.#pointer(event);
     const isFirst = !this.#anyInside;
     pointer.inside = true;
-    pointer.buttons.ignore(event.buttons);
+    if (pointer.type === "mouse") {
+      // Fingers and pens stay with what they were put down on: they come in by their press.
+      pointer.buttons.ignore(event.buttons);
+    }
     this.#place(pointer, event);
     if (isFirst) {
       this.#sendPointer(pointer, EventId.enter);

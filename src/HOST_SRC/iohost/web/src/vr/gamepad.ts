@@ -1,7 +1,7 @@
 /** What the page reads of the browser's gamepad of a hand's controller. */
 export interface HandGamepad {
   buttons: readonly { pressed: boolean }[];
-  axes: readonly number[];
+  axes: readonly (number | null)[];
 }
 
 export interface HandButtons {
@@ -22,12 +22,14 @@ const THUMBSTICK = 3;
  */
 export function readGamepad({ buttons, axes }: HandGamepad): HandButtons {
   const pressed = (index: number) => buttons[index]?.pressed ?? false;
-  const hasTouchpad = buttons[TOUCHPAD] !== undefined && (axes.length <= 2 || axes[0] !== 0 || axes[1] !== 0 || pressed(TOUCHPAD));
-  const first = hasTouchpad || axes.length < 4 ? 0 : 2;
+  // A part that the controller lacks has a place that says nothing.
+  const axis = (index: number) => axes[index] || 0;
+  const isTouchpad = axes.length <= 2 || axis(0) !== 0 || axis(1) !== 0 || pressed(TOUCHPAD);
+  const first = isTouchpad ? 0 : 2;
   return {
     trigger: pressed(TRIGGER),
-    pad: pressed(hasTouchpad ? TOUCHPAD : THUMBSTICK),
-    padX: axes[first] ?? 0,
-    padY: -(axes[first + 1] ?? 0) || 0,
+    pad: pressed(isTouchpad ? TOUCHPAD : THUMBSTICK),
+    padX: axis(first),
+    padY: -axis(first + 1) || 0,
   };
 }

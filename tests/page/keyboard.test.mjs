@@ -1,0 +1,220 @@
+// The on-screen keyboard types into text field nodes; key check nodes look at the keys that the page holds.
+import assert from "node:assert/strict";
+import { after, afterEach, before, beforeEach, test } from "node:test";
+import { startBrowser } from "./support/browser.mjs";
+import { startHost } from "./support/host.mjs";
+import * as is from "./support/page.mjs";
+import { createNode, createScene, must, Type, until } from "./support/session.mjs";
+
+let browser;
+let host;
+let script;
+let page;
+
+before(async () => {
+  browser = await startBrowser();
+});
+after(() => browser.close());
+
+beforeEach(async () => {
+  host = await startHost();
+  script = await createScene(host.address);
+  await createNode(script, "t", Type.textField, "Text field 1");
+  await createNode(script, "c", Type.keyCheck, "Key check 1");
+  page = await is.openPage(browser, host, { panel: "keyboard" });
+  await page.page.locator("article[data-node=c]").waitFor();
+  await page.page.locator("[data-skbtn=a]").waitFor();
+});
+afterEach(async () => {
+  assert.deepEqual(page.problems, []);
+  await page.close();
+  await script.close();
+  assert.equal(await host.end(), 0);
+});
+
+/** A key of the on-screen keyboard, by what the keyboard calls it. */
+const key = (name) => page.page.locator(`[data-skbtn=${JSON.stringify(name)}]`).first();
+const type = async (...names) => {
+  for (const name of names) {
+    await key(name).click();
+  }
+};
+const keyValue = () => page.page.locator(`[data-node=c][data-param="${is.KEY_VALUE}"]`);
+const keyValueIs = (value) =>
+  until(`the key value ${value}`, async () => Number(await keyValue().getAttribute("data-key-value")) === value);
+
+test("typing on the screen changes the node's text, and the panel shows it", async () => {
+  await type("{shift}", "h", "i", "{space}", "{shift}", "1", "{num7}", "{numdel}", "{numenter}", "\\");
+  await page.shows(is.TEXT, "Hi !7.\\");
+  await page.shows(is.HAS_TEXT, "on");
+  await page.page.locator('[data-keyboard-text="Hi !7.\\\\"]').waitFor();
+  await type("{bksp}", "{bksp}");
+  await page.shows(is.TEXT, "Hi !7");
+  const names = page.sent.filter(({ op, param }) => op === "set" && param === 202).map(({ string }) => string);
+  assert.deepEqual(names, ["Shift+h", "i", "Space", "Shift+1", "Num 7", "Num Del", "Num Enter", "\\", "Backspace", "Backspace"]);
+  await page.page.locator("[data-tab=log]").click();
+  await page.logs("[Demo]触发输入事件[输入事件]");
+});
+
+test("Caps Lock turns letters upper case until it's pressed again, and shows on the keys", async () => {
+  await type("{lock}", "a", "1");
+  await until("upper case on the keys", async () => (await key("b").innerText()) === "B");
+  await type("{lock}", "b");
+  await page.shows(is.TEXT, "A1b");
+  await until("lower case on the keys", async () => (await key("b").innerText()) === "b");
+});
+
+test("Shift is for the next character only", async () => {
+  await type("{shift}");
+  await until("shifted keys", async () => (await key("[").innerText()) === "{");
+  await type("[", "[");
+  await page.shows(is.TEXT, "{[");
+});
+
+test("keys that come faster than frames are typed all", async () => {
+  const keys = [..."qwertyuiopasdfghjklzxcvbnm"];
+  await page.page.evaluate((names) => {
+    for (const name of names) {
+      const button = document.querySelector(`[data-skbtn="${name}"]`);
+      button.dispatchEvent(new PointerEvent("pointerdown", { pointerId: 1, bubbles: true }));
+      button.dispatchEvent(new PointerEvent("pointerup", { pointerId: 1, bubbles: true }));
+    }
+  }, keys);
+  await page.shows(is.TEXT, keys.join(""));
+});
+
+test("a key that is held repeats, and stops when the finger lifts elsewhere", async () => {
+  await key("x").hover();
+  await page.mouse.down();
+  await until("repeated keys", async () => (await page.value(is.TEXT)).length >= 3);
+  await page.held("virtual key 88").waitFor();
+  await page.mouse.move(5, 5);
+  await page.mouse.up();
+  await page.held("virtual key 88").waitFor({ state: "detached" });
+  const text = await page.value(is.TEXT);
+  await page.page.waitForTimeout(500);
+  assert.equal(await page.value(is.TEXT), text);
+});
+
+test("Clear empties the text", async () => {
+  await type("a", "b");
+  await page.shows(is.TEXT, "ab");
+  await type("{clear}");
+  await page.shows(is.TEXT, "");
+  await page.shows(is.HAS_TEXT, "off");
+});
+
+test("keys go to the text field that is chosen", async () => {
+  await createNode(script, "t2", Type.textField, "Text field 2");
+  await page.page.getByLabel("Types into").selectOption("t2");
+  await type("z");
+  await page.shows(["t2", 253], "z");
+  assert.equal(await page.value(is.TEXT), "");
+});
+
+test("without a text field node the keyboard says so, and keys are still held", async () => {
+  await must(script, { op: "destroy", node: "t" });
+  await page.page.getByText("The scene has no text field node").waitFor();
+  await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 81 });
+  await type("q");
+  await page.fires(is.CHECK_UP, 1);
+});
+
+test("a click on the keyboard leaves the focus, and what is held there, to the surface", async () => {
+  await page.focus();
+  await page.keyboard.down("y");
+  await type("a");
+  await page.shows(is.TEXT, "a");
+  assert.equal(await page.held("key y").count(), 1);
+  await page.keyboard.up("y");
+  await page.fires(is.KEY_UP, 1);
+});
+
+test("the key value is set by pressing the combination", async () => {
+  await keyValue().click();
+  await page.keyboard.down("Control");
+  await until("the modifier", async () => /Ctrl \+ …/.test(await keyValue().innerText()));
+  await page.keyboard.down("Shift");
+  await page.keyboard.press("K");
+  await keyValueIs(0x34b);
+  assert.equal(await keyValue().innerText(), "Ctrl + Shift + K");
+  await page.keyboard.up("Shift");
+  await page.keyboard.up("Control");
+  // Nothing of it reached the nodes.
+  assert.equal(await page.count(is.KEY_DOWN), 0);
+
+  await keyValue().click();
+  await page.keyboard.press("F8");
+  await keyValueIs(119);
+  await keyValue().click();
+  await page.keyboard.press("Alt");
+  await keyValueIs(18);
+  await page.page.getByRole("button", { name: "no key" }).click();
+  await keyValueIs(0);
+});
+
+test("leaving the key field without a press changes nothing", async () => {
+  await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 65 });
+  await keyValueIs(65);
+  await keyValue().click();
+  await until("the call", async () => /Press the keys/.test(await keyValue().innerText()));
+  await page.focus();
+  await keyValueIs(65);
+  assert.equal(await keyValue().innerText(), "A");
+  assert.equal(page.sent.some(({ op }) => op === "edit"), false);
+});
+
+test("a held key fires the press once, the hold at its interval, and the release", async () => {
+  const INTERVAL = 250;
+  await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 119 });
+  await must(script, { op: "set", node: "c", param: 1103, int: INTERVAL });
+  const holds = [];
+  script.socket.on("message", (data) => {
+    for (const { node, output } of JSON.parse(String(data)).posted ?? []) {
+      if (node === "c" && output === is.CHECK_HOLD[1]) {
+        holds.push(performance.now());
+      }
+    }
+  });
+  await page.focus();
+  await page.keyboard.down("F8");
+  await page.fires(is.CHECK_DOWN, 1);
+  await page.fires(is.CHECK_HOLD, 5);
+  await page.keyboard.up("F8");
+  await page.fires(is.CHECK_UP, 1);
+  assert.equal(await page.count(is.CHECK_DOWN), 1);
+  // The nodes are asked once a frame: a hold comes with the first one after the interval.
+  const mean = (holds[4] - holds[0]) / 4;
+  assert.ok(mean >= INTERVAL - 20, `every ${mean} ms`);
+  const seen = await page.count(is.CHECK_HOLD);
+  await page.page.waitForTimeout(2 * INTERVAL);
+  assert.equal(await page.count(is.CHECK_HOLD), seen);
+});
+
+test("a key check node's modifiers are those that are held on the page", async () => {
+  await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 0x241 });
+  await page.focus();
+  await page.keyboard.down("a");
+  await page.held("virtual key 65").waitFor();
+  await page.page.waitForTimeout(100);
+  assert.equal(await page.count(is.CHECK_DOWN), 0);
+  await page.keyboard.up("a");
+  await page.keyboard.down("Control");
+  await page.keyboard.down("a");
+  await page.fires(is.CHECK_DOWN, 1);
+  await page.keyboard.up("Control");
+  await page.fires(is.CHECK_UP, 1);
+  await page.keyboard.up("a");
+});
+
+test("a key on the screen is a key for key check nodes, with Shift too", async () => {
+  await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 0x157 });
+  await type("{shift}");
+  await page.held("virtual key 16").waitFor();
+  await key("w").hover();
+  await page.mouse.down();
+  await page.fires(is.CHECK_DOWN, 1);
+  await page.mouse.up();
+  await page.fires(is.CHECK_UP, 1);
+  await page.held("virtual key 16").waitFor({ state: "detached" });
+});

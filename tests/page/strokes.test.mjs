@@ -1,0 +1,261 @@
+// Fingers, pens and the mouse draw strokes; the touch gesture node decides what they are, and the page says why.
+import assert from "node:assert/strict";
+import { readFileSync } from "node:fs";
+import { after, afterEach, before, beforeEach, test } from "node:test";
+import { startBrowser } from "./support/browser.mjs";
+import { startHost } from "./support/host.mjs";
+import * as is from "./support/page.mjs";
+import { createNode, createScene, must, openSession, Type, until } from "./support/session.mjs";
+
+let browser;
+let host;
+let script;
+let page;
+
+before(async () => {
+  browser = await startBrowser();
+});
+after(() => browser.close());
+
+beforeEach(async () => {
+  host = await startHost();
+  script = await createScene(host.address);
+  await createNode(script, "g", Type.gesture, "Touch gesture 1");
+  page = await is.openPage(browser, host);
+  await page.page.locator("article[data-node=g]").waitFor();
+});
+afterEach(async () => {
+  assert.deepEqual(page.problems, []);
+  await page.close();
+  await script.close();
+  assert.equal(await host.end(), 0);
+});
+
+/** One finger along these places. */
+async function drag(places, finger = 1) {
+  await page.touch.down([[finger, ...places[0]]]);
+  for (const place of places.slice(1)) {
+    await page.touch.move([[finger, ...place]]);
+  }
+  await page.touch.up([]);
+}
+
+const verdict = () => page.page.locator("[data-verdict]");
+const stroke = (pointer) => page.page.locator(`[data-stroke="${pointer}"]`);
+
+async function verdictIs(fired, reason) {
+  await until(`the verdict ${fired}`, async () => (await verdict().count()) === 1 && (await verdict().getAttribute("data-verdict")) === fired);
+  assert.match(await verdict().innerText(), reason);
+}
+
+test("a finger that swipes to the right fires the drag and the swipe, and the page says so", async () => {
+  await drag([[60, 100], [90, 102], [140, 104], [200, 106], [260, 108]]);
+  await page.fires(is.START_MOVE, 1);
+  await page.fires(is.END_MOVE, 1);
+  await page.fires(is.SWIPE_RIGHT, 1);
+  assert.equal(await page.count(is.TAP), 0);
+  await verdictIs("Drag end, Swipe right", /off the axis, under 30°/);
+  await page.logs("触发输出事件[向右滑动]");
+  const samples = page.sentEvents().filter(([event]) => event === 3005 || event === 3006);
+  assert.deepEqual(samples.map(([event, { pointer, relative }]) => [event, pointer, relative]), [[3005, 1, 0], [3006, 1, 0]]);
+});
+
+test("a stroke is drawn as it grows, with the threshold, the key points and the cone once it's a drag", async () => {
+  await page.touch.down([[1, 60, 100]]);
+  await page.touch.move([[1, 100, 100]]);
+  await stroke(1).locator(".stroke-threshold").waitFor();
+  const { x, width } = await stroke(1).locator(".stroke-threshold").boundingBox();
+  assert.ok(Math.abs(x + width / 2 - page.box.left - 60) < 2 && Math.abs(width - 100) < 2);
+  assert.equal(await stroke(1).locator("[data-key-point]").count(), 0);
+  assert.equal(await stroke(1).locator(".stroke-cone").count(), 0);
+  await page.touch.move([[1, 180, 100]]);
+  await stroke(1).locator(".stroke-cone").waitFor();
+  assert.equal(await stroke(1).locator("[data-key-point]").count(), 3);
+  await page.page.locator(".stroke-swipe").waitFor();
+  await page.touch.move([[1, 180, 240]]);
+  await page.page.locator(".stroke-bent").waitFor();
+  await page.touch.up([]);
+});
+
+test("a tap is too short for a drag", async () => {
+  await drag([[60, 100], [80, 110]]);
+  await page.fires(is.TAP, 1);
+  assert.equal(await page.count(is.START_MOVE), 0);
+  await verdictIs("Single tap", /too short for a drag: 20 of 50 units/);
+});
+
+test("a bent and a steep drag fire no swipe, and the page says why", async () => {
+  await drag([[60, 60], [120, 60], [180, 60], [240, 60], [240, 120], [240, 180], [240, 240]]);
+  await page.fires(is.END_MOVE, 1);
+  await verdictIs("Drag end", /bent: the first half goes right, the second down/);
+  await drag([[60, 60], [120, 105], [180, 150]]);
+  await page.fires(is.END_MOVE, 2);
+  await verdictIs("Drag end", /too steep: 36\.9° off the axis/);
+  assert.equal(await page.count(is.SWIPE_RIGHT), 0);
+});
+
+test("the same drag in relative units is flagged so, and goes the same way", async () => {
+  await drag([[100, 200], [100, 150], [100, 100], [100, 60]]);
+  await page.fires(is.SWIPE_UP, 1);
+  await page.page.locator("[data-samples-in=relative]").click();
+  await drag([[100, 200], [100, 150], [100, 100], [100, 60]]);
+  await page.fires(is.SWIPE_UP, 2);
+  const flags = page.sentEvents().filter(([event]) => event === 3005).map(([, { relative }]) => relative);
+  assert.deepEqual(flags, [0, 1]);
+  assert.equal(await page.count(is.SWIPE_DOWN), 0);
+});
+
+test("a stroke keeps the kind of samples that it began with", async () => {
+  await page.moveTo(60, 100);
+  await page.mouse.down();
+  await page.page.locator("[data-samples-in=relative]").dispatchEvent("click");
+  await page.moveTo(160, 100, { steps: 4 });
+  await page.moveTo(260, 100, { steps: 4 });
+  await page.mouse.up();
+  await page.fires(is.SWIPE_RIGHT, 1);
+  const down = page.sentEvents().findIndex(([event]) => event === 3005);
+  assert.ok(page.sentEvents().slice(down).every(([, { relative }]) => relative === 0));
+  await page.moveTo(200, 100);
+  await until("a relative sample", () => page.sentEvents().at(-1)[1].relative === 1);
+});
+
+test("several fingers have their own numbers; the node follows the first one only", async () => {
+  await page.touch.down([[1, 60, 60]]);
+  await page.touch.down([[1, 60, 60], [2, 60, 160]]);
+  await page.held("left button of pointer 1").waitFor();
+  await page.held("left button of pointer 2").waitFor();
+  await page.touch.move([[1, 160, 60], [2, 60, 200]]);
+  await page.touch.move([[1, 260, 60], [2, 60, 240]]);
+  await page.page.locator(".stroke-unfollowed[data-stroke='2']").waitFor();
+  assert.equal(await page.page.locator("[data-readout=pointers]").innerText(), "1 touch, 2 touch");
+  // The second finger lifts: nothing of it fires.
+  await page.touch.up([[2, 60, 240]]);
+  await verdictIs("", /is off, or follows another pointer/);
+  assert.equal(await page.count(is.END_MOVE), 0);
+  await page.touch.up([]);
+  await page.fires(is.SWIPE_RIGHT, 1);
+  await verdictIs("Drag end, Swipe right", /off the axis/);
+  // The numbers are free again.
+  await page.touch.down([[7, 60, 60]]);
+  await page.held("left button of pointer 1").waitFor();
+  await page.touch.up([]);
+});
+
+test("a pen draws strokes too", async () => {
+  const wire = await page.page.context().newCDPSession(page.page);
+  const pen = (type, x, y, buttons) =>
+    wire.send("Input.dispatchMouseEvent", {
+      type,
+      x: page.box.left + x,
+      y: page.box.top + y,
+      button: "left",
+      buttons,
+      clickCount: 1,
+      pointerType: "pen",
+    });
+  await pen("mousePressed", 60, 80, 1);
+  for (const x of [100, 150, 200]) {
+    await pen("mouseMoved", x, 80, 1);
+  }
+  await page.page.locator("[data-readout=pointers]", { hasText: "pen" }).waitFor();
+  await pen("mouseReleased", 200, 80, 0);
+  await page.fires(is.SWIPE_RIGHT, 1);
+});
+
+test("the mouse draws strokes as pointer 0", async () => {
+  await page.moveTo(60, 80);
+  await page.mouse.down();
+  await page.moveTo(220, 90, { steps: 8 });
+  await page.mouse.up();
+  await page.fires(is.SWIPE_RIGHT, 1);
+  await verdictIs("Drag end, Swipe right", /pointer 0/);
+});
+
+test("a cancelled finger is let go of by the host, and its stroke isn't judged by the page", async () => {
+  await page.touch.down([[1, 60, 60]]);
+  await page.touch.move([[1, 160, 60]]);
+  await page.held("left button of pointer 1").waitFor();
+  await page.touch.cancel([]);
+  await page.held("left button of pointer 1").waitFor({ state: "detached" });
+  await page.logs("synthetic release of the left button of pointer 1: the pointer was cancelled");
+  assert.equal(await page.page.locator("[data-stroke]").count(), 0);
+  // The node is free for the next stroke.
+  await drag([[60, 100], [140, 104], [260, 108]]);
+  await page.fires(is.SWIPE_RIGHT, 1);
+});
+
+test("a stroke without a gesture node says so", async () => {
+  await must(script, { op: "destroy", node: "g" });
+  await page.page.locator("article[data-node=g]").waitFor({ state: "detached" });
+  await drag([[60, 100], [140, 104], [260, 108]]);
+  await verdictIs("", /the scene has no touch gesture node/);
+});
+
+test("a stroke whose release never comes shows as held, and costs no more than its samples", async () => {
+  const SAMPLES = 1600;
+  await page.surface.evaluate((surface) =>
+    surface.addEventListener("pointerdown", ({ pointerId }) => (surface.dataset.finger = pointerId)),
+  );
+  await page.touch.down([[1, 60, 60]]);
+  await page.held("left button of pointer 1").waitFor();
+  const move = (count) =>
+    page.surface.evaluate((surface, samples) => {
+      const { left, top } = surface.getBoundingClientRect();
+      for (let index = 0; index < samples; ++index) {
+        const place = { clientX: left + 60 + (index % 200), clientY: top + 60 + (index % 100) };
+        const finger = { pointerId: Number(surface.dataset.finger), pointerType: "touch", isPrimary: true, buttons: 1 };
+        surface.dispatchEvent(new PointerEvent("pointermove", { ...finger, ...place, bubbles: true }));
+      }
+    }, count);
+  const samples = async () => Number(await stroke(1).getAttribute("data-samples"));
+  const memory = async () => {
+    const wire = await page.page.context().newCDPSession(page.page);
+    await wire.send("HeapProfiler.collectGarbage");
+    const { usedSize } = await wire.send("Runtime.getHeapUsage");
+    await wire.detach();
+    return usedSize;
+  };
+  await move(400);
+  await until("the first samples", async () => (await samples()) > 400);
+  const before = await memory();
+  for (let batch = 0; batch < SAMPLES; batch += 400) {
+    await move(400);
+  }
+  await until("all samples", async () => (await samples()) > SAMPLES + 400);
+  const grown = (await memory()) - before;
+  assert.ok(grown < SAMPLES * 200, `the page grew by ${grown} bytes`);
+  assert.equal(Number(await stroke(1).getAttribute("data-drawn")), 1500);
+  assert.equal(await page.held("left button of pointer 1").count(), 1);
+  assert.equal(await page.count(is.END_MOVE), 0);
+  await page.touch.up([]);
+  await page.fires(is.END_MOVE, 1, 60000);
+});
+
+test("the host's memory is bounded by the samples of a stroke without an end", async () => {
+  const pid = host.pid;
+  const other = await openSession(host.address);
+  const resident = () => 1024 * Number(/VmRSS:\s+(\d+) kB/.exec(readFileSync(`/proc/${pid}/status`, "utf8"))[1]);
+  const sample = (event, index) => ({
+    op: "event",
+    device: 1,
+    event,
+    payload: { is: "pointer", rx: 0, ry: 0, x: index % 1000, y: 5, pointer: 7, relative: 0 },
+  });
+  const send = async (count) => {
+    for (let batch = 0; batch < count; batch += 1000) {
+      await Promise.all(Array.from({ length: 1000 }, (_, index) => other.request(sample(3013, batch + index))));
+    }
+  };
+  await other.request(sample(3005, 0));
+  await page.held("left button of pointer 7").waitFor();
+  await send(4000);
+  const before = resident();
+  await send(8000);
+  const grown = resident() - before;
+  // A sample is 8 bytes, and its array grows by half of itself at most; the rest is the allocator's own way.
+  assert.ok(grown < 8000 * 256, `the host grew by ${grown} bytes`);
+  assert.equal(await page.held("left button of pointer 7").count(), 1);
+  await other.close();
+  await page.held("left button of pointer 7").waitFor({ state: "detached" });
+  await page.logs("synthetic release of the left button of pointer 7: its connection closed");
+});
