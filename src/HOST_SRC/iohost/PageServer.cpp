@@ -63,7 +63,7 @@ public:
 private:
     struct SClient {
         std::shared_ptr<CWebSocketClient> pClient;
-        CHeldInput held;
+        CHeldInput& held;
     };
 
     Awaitable<void> AcceptConnections();
@@ -71,9 +71,11 @@ private:
     void AwaitSignal();
     void Stop();
 
+    OrderedJson TakeObjectText(const SObjectAddress& object, const std::string& strText);
     void Frame();
     void TellHappened(const OrderedJson& happened, const CWebSocketClient* pButFor);
     void TellSceneChange();
+    void TellHeld();
     void TellNetwork();
     void SendToAll(const OrderedJson& push, const CWebSocketClient* pButFor = nullptr);
 
@@ -94,6 +96,7 @@ private:
     unsigned long long m_nFrame = 0;
     unsigned long long m_nToldSceneVersion = 0;
     unsigned long long m_nToldNetworkVersion = 0;
+    unsigned long long m_nToldHeldVersion = 0;
     std::chrono::steady_clock::time_point m_tToldNetwork;
     bool m_bStopping = false;
 };
@@ -111,7 +114,8 @@ std::string CPageServer::Listen(const asio::ip::tcp::endpoint& endpoint) {
     const auto bound = m_acceptor.local_endpoint();
     m_strAddress = EndpointText(bound);
     m_pSite = std::make_unique<const SHttpSite>(
-        SHttpSite{m_files, bound.address().to_string(), bound.port(), static_cast<IWebSocketListener&>(*this)});
+        SHttpSite{m_files, bound.address().to_string(), bound.port(), static_cast<IWebSocketListener&>(*this),
+                  [this](const auto& object, const auto& strText) { return TakeObjectText(object, strText); }});
     return {};
 }
 
@@ -182,10 +186,16 @@ void CPageServer::Stop() {
 }
 
 void CPageServer::OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) {
-    m_clients.emplace(pClient.get(), SClient{pClient, {}});
-    pClient->Send(Text({{"push", "hello"}, {"version", IOHOST_VERSION}, {"fps", m_fFps}, {"address", m_strAddress}}));
+    CHeldInput& held = m_session.Held().Open();
+    m_clients.emplace(pClient.get(), SClient{pClient, held});
+    pClient->Send(Text({{"push", "hello"},
+                        {"version", IOHOST_VERSION},
+                        {"fps", m_fFps},
+                        {"address", m_strAddress},
+                        {"connection", held.Connection()}}));
+    pClient->Send(Text({{"push", "held"}, {"held", m_session.Held().State()}}));
     // The next frame tells everybody all outputs; to those who know them already that changes nothing.
-    m_session.ForgetSentOutputs();
+    m_session.ForgetSent();
 }
 
 void CPageServer::OnClientText(CWebSocketClient& client, std::string_view text) {
@@ -199,19 +209,32 @@ void CPageServer::OnClientText(CWebSocketClient& client, std::string_view text) 
     client.Send(Text(reply));
     TellHappened(HappenedIn(reply), &client);
     TellSceneChange();
+    TellHeld();
     if (m_session.HasQuit()) {
         Stop();
     }
 }
 
 void CPageServer::OnClientClosed(CWebSocketClient& client) {
-    SClient gone = std::move(m_clients.extract(&client).mapped());
-    if (!m_session.HasQuit()) {
-        TellHappened(HappenedIn(m_session.ReleaseHeld(gone.held, "its connection closed")), nullptr);
-    }
+    CHeldInput& held = m_clients.at(&client).held;
+    m_clients.erase(&client);
+    TellHappened(HappenedIn(m_session.CloseConnection(held, "its connection closed")), nullptr);
+    TellHeld();
     if (m_bStopping && m_clients.empty()) {
         m_context.stop();
     }
+}
+
+OrderedJson CPageServer::TakeObjectText(const SObjectAddress& object, const std::string& strText) {
+    const OrderedJson reply = m_session.Handle(
+        {{"op", "event"},
+         {"device", static_cast<int>(DEVICE_OBJECT_TEXT)},
+         {"event", 0},
+         {"payload",
+          {{"is", "object_text"}, {"clip", object.strClip}, {"object", object.strObject}, {"text", strText}}}});
+    TellHappened(HappenedIn(reply), nullptr);
+    TellSceneChange();
+    return reply;
 }
 
 void CPageServer::Frame() {
@@ -222,6 +245,14 @@ void CPageServer::Frame() {
     const OrderedJson changed = m_session.ChangedOutputs();
     if (!changed.empty()) {
         SendToAll({{"push", "outputs"}, {"nodes", changed}});
+    }
+    const OrderedJson verdicts = m_session.NewJsonVerdicts();
+    if (!verdicts.empty()) {
+        SendToAll({{"push", "json"}, {"nodes", verdicts}});
+    }
+    const OrderedJson objects = m_session.ChangedObjects();
+    if (!objects.is_null()) {
+        SendToAll({{"push", "objects"}, {"objects", objects}});
     }
     TellNetwork();
 }
@@ -255,6 +286,14 @@ void CPageServer::TellSceneChange() {
     if (nVersion != m_nToldSceneVersion) {
         m_nToldSceneVersion = nVersion;
         SendToAll({{"push", "scene"}, {"version", nVersion}});
+    }
+}
+
+void CPageServer::TellHeld() {
+    CHeldInputs& held = m_session.Held();
+    if (held.Version() != m_nToldHeldVersion) {
+        m_nToldHeldVersion = held.Version();
+        SendToAll({{"push", "held"}, {"held", held.State()}, {"released", held.TakeReleasedByOthers()}});
     }
 }
 
