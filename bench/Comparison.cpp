@@ -1,12 +1,14 @@
 #include "Comparison.h"
 
 #include <algorithm>
+#include <array>
 #include <cwchar>
 #include <stdexcept>
 #include <string_view>
 
 #include <benchmark/benchmark.h>
 
+#include "SampleComparisons.h"
 #include "host/HostCommon.h"
 #include "host/HostLog.h"
 
@@ -23,9 +25,14 @@ struct Size {
 };
 constexpr Size SIZES[] = {{1, 1.5, 1.3}, {100, 1.5, 1.3}, {LARGEST_NODE_COUNT, 3.5, 2.0}};
 
+/// A message queue takes 10,000.
+constexpr size_t MOST_PENDING_EVENTS = 5000;
+
 // ---- The floors -----------------------------------------------------------------------------------------------------
 
-VEKParam* Find(const CPlacedNode& placed, const LookUp& lookUp) {
+/// What is looked up; null when it isn't there.
+const void* Find(const CPlacedNode& placed, const LookUp& lookUp) {
+    static constexpr std::array<char, 2> NOT_A_PARAMETER = {};
     const GUID guid = MakeParamGuid(lookUp.nId);
     switch (lookUp.place) {
     case Place::Input:
@@ -34,6 +41,10 @@ VEKParam* Find(const CPlacedNode& placed, const LookUp& lookUp) {
         return FindParam(placed.m_graphNode.m_lstInputGroup, guid);
     case Place::Output:
         return FindParam(placed.m_graphNode.m_lstOutputGroup, guid);
+    case Place::Key:
+        return &NOT_A_PARAMETER[GetKeyState(static_cast<int>(lookUp.nId)) < 0 ? 1 : 0];
+    case Place::MainWindow:
+        return &NOT_A_PARAMETER[AfxGetApp()->GetMainWnd()->IsWindowEnabled() ? 1 : 0];
     }
     return nullptr;
 }
@@ -47,18 +58,36 @@ void AddParam(SQOREvent& event, unsigned nId, const wchar_t* pszName, const wcha
     event.m_lstParam.AddTail(pParam);
 }
 
-/// Write the log line and post the event that the node would.
-bool PostSameEvent(const CPlacedNode& placed, const FiringEvent& firing) {
+void PostSameEvent(const CPlacedNode& placed, const Fired& fired) {
     VEKProperty* pNode = placed.m_pNode;
-    NSVEKLog::WriteLog(LOG_INFORMATION, 15, 567, 0, -1, firing.pszLogFormat, pNode->m_pOwnerClip->m_strName.GetString(),
-                       placed.m_graphNode.m_strName.GetString(), pNode->m_strName.GetString(), firing.pszLogText);
+    if (fired.pszLogFormat != nullptr) {
+        NSVEKLog::WriteLog(LOG_INFORMATION, 15, 567, 0, -1, fired.pszLogFormat,
+                           pNode->m_pOwnerClip->m_strName.GetString(), placed.m_graphNode.m_strName.GetString(),
+                           pNode->m_strName.GetString(), fired.pszLogText);
+    }
     auto* pEvent = new SQOREvent(QOR_EVENT_GENERAL, L"GeneralEvent");
     AddParam(*pEvent, 0, L"OwnerClip", L"TOUCH_CONTROL_OWNER_CLIP", pNode->m_pOwnerClip, L"VEKClip");
     AddParam(*pEvent, 1, L"OwnerObject", L"TOUCH_CONTROL_OWNER_OBJECT", nullptr, L"VEKObject");
     AddParam(*pEvent, 2, L"OwnerProperty", L"TOUCH_CONTROL_OWNER_PROPERTY", pNode, L"VEKProperty");
-    AddParam(*pEvent, 3, L"OwnerEventID", L"QOR_EXTRADATA_EVENT_ID", new int(firing.nOutput), L"EventID");
-    return PostMessageW(pNode->m_hEventWnd, pNode->m_nEventMsg, 1, reinterpret_cast<LPARAM>(pEvent)) != 0;
+    AddParam(*pEvent, 3, L"OwnerEventID", L"QOR_EXTRADATA_EVENT_ID", new int(fired.nOutput), L"EventID");
+    PostMessageW(pNode->m_hEventWnd, pNode->m_nEventMsg, 1, reinterpret_cast<LPARAM>(pEvent));
 }
+
+void SendRecords(const CPlacedNode& placed, const FiringEvent& firing) {
+    for (const SIOEventRecord& record : firing.records) {
+        placed.m_pNode->DevIOEventOccurred(&record);
+    }
+}
+
+} // namespace
+
+void PostSameEvents(const CPlacedNode& placed, const FiringEvent& firing) {
+    for (const Fired& fired : firing.fired) {
+        PostSameEvent(placed, fired);
+    }
+}
+
+namespace {
 
 // ---- Whether the floors are the right ones --------------------------------------------------------------------------
 
@@ -85,25 +114,37 @@ bool IsSameEvent(const SQOREvent* pLeft, const SQOREvent* pRight) {
     return true;
 }
 
+/// The events that were posted.
+std::vector<std::unique_ptr<SQOREvent>> TakeEvents(const CBenchHost& host) {
+    std::vector<std::unique_ptr<SQOREvent>> events;
+    while (auto pEvent = host.TakeEvent()) {
+        events.push_back(std::move(pEvent));
+    }
+    return events;
+}
+
 void CheckFloors(const MeasuredType& type, CBenchHost& host, const CPlacedNode& placed) {
     for (const LookUp& lookUp : type.lookUps) {
-        if (lookUp.place != Place::Trigger && Find(placed, lookUp) == nullptr) {
+        if (Find(placed, lookUp) == nullptr) {
             throw std::runtime_error(std::string(type.pszName) + " has no parameter " + std::to_string(lookUp.nId));
         }
     }
     for (const FiringEvent& firing : type.events) {
         CString strNodeLog;
         host.KeepLog(&strNodeLog);
-        placed.m_pNode->DevIOEventOccurred(&firing.record);
-        const auto pNodeEvent = host.TakeEvent();
+        SendRecords(placed, firing);
+        const auto nodeEvents = TakeEvents(host);
 
         CString strFloorLog;
         host.KeepLog(&strFloorLog);
-        PostSameEvent(placed, firing);
-        const auto pFloorEvent = host.TakeEvent();
+        PostSameEvents(placed, firing);
+        const auto floorEvents = TakeEvents(host);
 
         host.KeepLog(nullptr);
-        if (!IsSameEvent(pNodeEvent.get(), pFloorEvent.get()) || strNodeLog != strFloorLog) {
+        const bool bSameEvents =
+            std::equal(nodeEvents.begin(), nodeEvents.end(), floorEvents.begin(), floorEvents.end(),
+                       [](const auto& pLeft, const auto& pRight) { return IsSameEvent(pLeft.get(), pRight.get()); });
+        if (!bSameEvents || strNodeLog != strFloorLog) {
             throw std::runtime_error(std::string(type.pszName) + ", " + firing.pszName +
                                      ": the floor posts or logs something else than the node");
         }
@@ -111,8 +152,6 @@ void CheckFloors(const MeasuredType& type, CBenchHost& host, const CPlacedNode& 
 }
 
 // ---- Comparisons ----------------------------------------------------------------------------------------------------
-
-using Nodes = std::span<const std::unique_ptr<CPlacedNode>>;
 
 std::string NameOf(const MeasuredType& type, const char* pszOperation, const Size& size) {
     return std::string(type.pszName) + "/" + pszOperation + "/" + std::to_string(size.nNodes);
@@ -128,6 +167,7 @@ Comparison CompareProcessNode(const MeasuredType& type, const Size& size, Nodes 
     };
     const auto floor = [nodes, &type] {
         for (const auto& pPlaced : nodes) {
+            pPlaced->m_pNode->PreRender(); // no type does anything there: this is the call alone
             for (const LookUp& lookUp : type.lookUps) {
                 benchmark::DoNotOptimize(Find(*pPlaced, lookUp));
             }
@@ -139,26 +179,35 @@ Comparison CompareProcessNode(const MeasuredType& type, const Size& size, Nodes 
 
 Comparison CompareEvent(const MeasuredType& type, const FiringEvent& firing, const Size& size, Nodes nodes,
                         const CBenchHost& host) {
-    const auto measured = [nodes, &firing, &host] {
-        for (const auto& pPlaced : nodes) {
-            pPlaced->m_pNode->DevIOEventOccurred(&firing.record);
-        }
-        return host.ReceiveEvents() == nodes.size();
+    const auto work = [nodes, &firing, &host](void (*pWork)(const CPlacedNode&, const FiringEvent&)) {
+        return [nodes, &firing, &host, pWork] {
+            size_t nReceived = 0;
+            size_t nPending = 0;
+            for (const auto& pPlaced : nodes) {
+                pWork(*pPlaced, firing);
+                nPending += firing.fired.size();
+                if (nPending > MOST_PENDING_EVENTS) {
+                    nReceived += host.ReceiveEvents();
+                    nPending = 0;
+                }
+            }
+            return nReceived + host.ReceiveEvents() == nodes.size() * firing.fired.size();
+        };
     };
-    const auto floor = [nodes, &firing, &host] {
-        for (const auto& pPlaced : nodes) {
-            PostSameEvent(*pPlaced, firing);
-        }
-        return host.ReceiveEvents() == nodes.size();
-    };
-    return {NameOf(type, firing.pszName, size), size.nNodes, size.fEventLimit, true, measured, floor};
+    return {NameOf(type, firing.pszName, size),
+            size.nNodes,
+            size.fEventLimit,
+            true,
+            work(SendRecords),
+            work(PostSameEvents),
+            firing.fOwnAllocations};
 }
 
 } // namespace
 
 std::vector<Comparison> MakeComparisons(const MeasuredType& type, CBenchHost& host, const CPopulation& population) {
     // A node takes no events before its first evaluation.
-    for (const auto& pPlaced : population.First(LARGEST_NODE_COUNT)) {
+    for (const auto& pPlaced : population.First(type.nMostNodes)) {
         if (pPlaced->m_pNode->ProcessNode(&pPlaced->m_graphNode) == 0) {
             throw std::runtime_error(std::string(type.pszName) + ": ProcessNode does nothing");
         }
@@ -167,12 +216,17 @@ std::vector<Comparison> MakeComparisons(const MeasuredType& type, CBenchHost& ho
 
     std::vector<Comparison> comparisons;
     for (const Size& size : SIZES) {
-        comparisons.push_back(CompareProcessNode(type, size, population.First(size.nNodes)));
+        if (size.nNodes <= type.nMostNodes) {
+            comparisons.push_back(CompareProcessNode(type, size, population.First(size.nNodes)));
+        }
     }
     for (const FiringEvent& firing : type.events) {
         for (const Size& size : SIZES) {
             comparisons.push_back(CompareEvent(type, firing, size, population.First(size.nNodes), host));
         }
+    }
+    for (Comparison& comparison : MakeSampleComparisons(type, host, population)) {
+        comparisons.push_back(std::move(comparison));
     }
     return comparisons;
 }

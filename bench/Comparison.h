@@ -18,13 +18,15 @@ struct Comparison {
     /// Does the work once for every node; false when it went wrong.
     std::function<bool()> measured;
     std::function<bool()> floor;
+    double fOwnAllocations = 0;       ///< beyond the floor's, where it may allocate
+    std::function<void()> begin = {}; ///< called before every run of either side, without being measured
 
     std::string BenchmarkName(Side side) const { return strName + (side == Side::Measured ? "/measured" : "/floor"); }
 };
 
-/// The largest number of nodes that operations are measured with.
-inline constexpr size_t LARGEST_NODE_COUNT = 10000;
-
 /// The comparisons of one type, which hold on to host and population. Throws when a floor doesn't do what it stands
 /// for: when it finds other parameters missing, or posts another event than the node.
 std::vector<Comparison> MakeComparisons(const MeasuredType& type, CBenchHost& host, const CPopulation& population);
+
+/// Write the log lines and post the events that a node would for the records.
+void PostSameEvents(const CPlacedNode& placed, const FiringEvent& firing);

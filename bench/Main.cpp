@@ -10,6 +10,7 @@
 
 #include "AllocationCount.h"
 #include "HostSetup.h"
+#include "NetworkComparisons.h"
 #include "RatioReport.h"
 
 namespace {
@@ -29,11 +30,14 @@ void Run(benchmark::State& state, const std::function<bool()>& work, size_t nNod
 }
 
 /// Measured work and floor are repeated in random order, so that both meet the same disturbances.
-size_t RunAll(const std::vector<Comparison>& comparisons, CRatioReport& report) {
+size_t RunAll(std::span<const Comparison> comparisons, CRatioReport& report) {
     for (const Comparison& comparison : comparisons) {
         for (const Side side : {Side::Measured, Side::Floor}) {
             benchmark::RegisterBenchmark(
                 comparison.BenchmarkName(side).c_str(), [&comparison, side](benchmark::State& state) {
+                    if (comparison.begin) {
+                        comparison.begin();
+                    }
                     Run(state, side == Side::Measured ? comparison.measured : comparison.floor, comparison.nNodes);
                 });
         }
@@ -71,11 +75,14 @@ bool MeasureAll() {
     size_t nRun = 0;
     // One type after the other, so that only one population takes memory.
     for (const MeasuredType& type : MeasuredTypes()) {
-        const CPopulation population(host, type.guidType, LARGEST_NODE_COUNT);
+        const CPopulation population(host, type);
         const auto comparisons = MakeComparisons(type, host, population);
         nRun += RunAll(comparisons, report);
         bWithinLimits &= report.PrintTable(comparisons);
     }
+    const CNetworkComparisons network(host);
+    nRun += RunAll(network.All(), report);
+    bWithinLimits &= report.PrintTable(network.All());
     if (nRun == 0) {
         return false;
     }

@@ -5,27 +5,48 @@
 
 #include "host/EventRecord.h"
 
-/// Where ProcessNode looks a parameter up.
+/// Where ProcessNode looks something up.
 enum class Place {
-    Input,   ///< the graph node's inputs, then the node's own groups
-    Trigger, ///< the graph node's inputs alone
-    Output,  ///< the graph node's outputs
+    Input,      ///< a parameter of the graph node's inputs, then of the node's own groups
+    Trigger,    ///< a parameter of the graph node's inputs alone
+    Output,     ///< a parameter of the graph node's outputs
+    Key,        ///< the keyboard's state, by a virtual-key code
+    MainWindow, ///< whether the application's main window takes input
 };
 
 /// One look-up.
 struct LookUp {
     Place place;
-    unsigned nId;
+    unsigned nId = 0;
 };
 
-/// An event that fires an output.
-struct FiringEvent {
-    const char* pszName;
-    SIOEventRecord record;
+/// An input that holds something else than in a new node.
+struct Setting {
+    unsigned nId;
+    int nValue;
+    const wchar_t* pszValue;
+};
+
+/// One output that is fired, and the log line before it.
+struct Fired {
     int nOutput;
-    const wchar_t* pszLogFormat; ///< the log line; takes the names of clip, graph node and node, then pszLogText
+    const wchar_t* pszLogFormat; ///< takes the names of clip, graph node and node, then pszLogText; null: no line
     const wchar_t* pszLogText;
 };
+
+/// Records that fire outputs, whenever they are handed over one after the other.
+struct FiringEvent {
+    const char* pszName;
+    std::span<const SIOEventRecord> records;
+    std::span<const Fired> fired;
+    double fOwnAllocations = 0; ///< of the node, beside the events and log lines
+};
+
+/// The largest number of nodes that operations are measured with.
+inline constexpr size_t LARGEST_NODE_COUNT = 10000;
+
+/// Name of the scene object in the nodes' clip.
+inline constexpr wchar_t MEASURED_OBJECT[] = L"Hand";
 
 struct MeasuredType {
     const char* pszName;
@@ -33,7 +54,9 @@ struct MeasuredType {
     /// What ProcessNode must look up when nothing changed, in order: each input that its result depends on and each
     /// value output that it writes.
     std::span<const LookUp> lookUps;
-    std::span<const FiringEvent> events;
+    std::span<const FiringEvent> events = {};
+    std::span<const Setting> settings = {};
+    size_t nMostNodes = LARGEST_NODE_COUNT;
 };
 
 std::span<const MeasuredType> MeasuredTypes();

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "HostSetup.h"
+#include "host/NodeTypeGuid.h"
 
 namespace {
 
@@ -126,11 +127,45 @@ CPlacedNode::CPlacedNode(const CBenchHost& host, const GUID& guidType, VEKClip& 
 
 CPlacedNode::~CPlacedNode() {
     m_host.DestroyNode(m_guidType, m_pNode);
+    if (IsEqualGUID(m_guidType, GUID_IOPROCESS_KEY_CHECK)) {
+        delete m_pNode; // the module only unlinks nodes of this type
+    }
 }
 
-CPopulation::CPopulation(const CBenchHost& host, const GUID& guidType, size_t nNodes) : m_clip(L"Clip") {
-    m_nodes.reserve(nNodes);
-    for (size_t i = 0; i < nNodes; ++i) {
-        m_nodes.push_back(std::make_unique<CPlacedNode>(host, guidType, m_clip));
+namespace {
+
+VEKParamGroup* CopyOf(const VEKParamGroup& group) {
+    auto* pCopy = new VEKParamGroup;
+    pCopy->m_guid = group.m_guid;
+    for (POSITION pos = group.m_lstParam.GetHeadPosition(); pos != nullptr;) {
+        pCopy->m_lstParam.AddTail(group.m_lstParam.GetNext(pos)->Clone());
+    }
+    return pCopy;
+}
+
+/// Set the node's own inputs, then have the graph supply copies of all of them, as a host does.
+void SupplyInputs(CPlacedNode& placed, std::span<const Setting> settings) {
+    VEKParamGroupList& lstOwn = placed.m_pNode->m_lstParamGroup;
+    for (const Setting& setting : settings) {
+        VEKParam* pParam = FindParam(lstOwn, MakeParamGuid(setting.nId));
+        if (pParam == nullptr) {
+            throw std::runtime_error("no input " + std::to_string(setting.nId));
+        }
+        pParam->m_nValue = setting.nValue;
+        pParam->m_strValue = setting.pszValue;
+    }
+    for (POSITION pos = lstOwn.GetHeadPosition(); pos != nullptr;) {
+        placed.m_graphNode.m_lstInputGroup.AddTail(CopyOf(*lstOwn.GetNext(pos)));
+    }
+}
+
+} // namespace
+
+CPopulation::CPopulation(const CBenchHost& host, const MeasuredType& type) : m_clip(L"Clip") {
+    m_clip.m_lstObject.AddTail(new VEKObject(MEASURED_OBJECT));
+    m_nodes.reserve(type.nMostNodes);
+    for (size_t i = 0; i < type.nMostNodes; ++i) {
+        m_nodes.push_back(std::make_unique<CPlacedNode>(host, type.guidType, m_clip));
+        SupplyInputs(*m_nodes.back(), type.settings);
     }
 }

@@ -6,10 +6,13 @@
 #include <vector>
 
 #include "LogSink.h"
+#include "MainWindow.h"
+#include "MeasuredTypes.h"
 #include "host/HostRender.h"
 #include "host/PluginContract.h"
 
-/// Plays the host: loads the module that lies beside the program, and has the window that events are posted to.
+/// Plays the host: loads the module that lies beside the program, and has the window that events are posted to and the
+/// application's main window.
 class CBenchHost final : ILogSink {
 public:
     static constexpr UINT EVENT_MESSAGE = WM_APP + 1;
@@ -44,6 +47,7 @@ private:
     HMODULE m_hModule = nullptr;
     IOProcessFuncType m_pIOProcessFunc = nullptr;
     HWND m_hWnd = nullptr;
+    CMainWindow m_mainWindow;
     CString* m_pLogText = nullptr;
 };
 
@@ -64,14 +68,15 @@ private:
     const GUID m_guidType;
 };
 
-/// Nodes of one type in one clip.
+using Nodes = std::span<const std::unique_ptr<CPlacedNode>>;
+
+/// As many nodes of one type as it is measured with, with its settings, in one clip with one scene object. The graph
+/// supplies all their inputs.
 class CPopulation {
 public:
-    CPopulation(const CBenchHost& host, const GUID& guidType, size_t nNodes);
+    CPopulation(const CBenchHost& host, const MeasuredType& type);
 
-    std::span<const std::unique_ptr<CPlacedNode>> First(size_t nNodes) const {
-        return std::span(m_nodes).first(nNodes);
-    }
+    Nodes First(size_t nNodes) const { return std::span(m_nodes).first(nNodes); }
 
 private:
     VEKClip m_clip;

@@ -74,7 +74,7 @@ bool CRatioReport::PrintLine(const Comparison& comparison, const Samples& measur
     bool bTooManyAllocations = fAllocations > 0;
     if (comparison.bMayAllocate) {
         fAllocations = Median(measured.allocations);
-        fAllocationLimit = Median(floor.allocations);
+        fAllocationLimit = Median(floor.allocations) + comparison.fOwnAllocations;
         bTooManyAllocations = fAllocations > fAllocationLimit + QUEUE_SHARE;
     }
 

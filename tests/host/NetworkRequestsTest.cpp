@@ -1,7 +1,10 @@
 // The session's network, with real peers on this machine: devices, broadcasts, records of other hosts.
 #include "NetworkPeers.h"
 
+#include <algorithm>
+
 #include "HostTest.h"
+#include "Peers.h"
 #include "PlayControlFrame.h"
 
 namespace {
@@ -96,6 +99,26 @@ protected:
         return {bytes.begin(), bytes.end()};
     }
 
+    /// Send until the queue is full, and as often again.
+    void FillQueue(const char* pszNode, unsigned nSend) {
+        const auto refused = [this] { return Device()["refused"].get<size_t>(); };
+        for (size_t nBefore = refused(), nInARow = 0, nTries = 0; nInARow < 20 && nTries < 2000; ++nTries) {
+            Send(pszNode, nSend);
+            nInARow = refused() > nBefore ? nInARow + 1 : 0;
+            nBefore = refused();
+        }
+        ASSERT_GT(refused(), 0u);
+    }
+
+    /// The log lines of a reply that hold the text.
+    static size_t CountLines(const OrderedJson& reply, const std::string& strText) {
+        return !reply.contains("log")
+                   ? 0
+                   : static_cast<size_t>(std::ranges::count_if(reply["log"], [&](const auto& line) {
+                         return line["text"].template get<std::string>().find(strText) != std::string::npos;
+                     }));
+    }
+
     unsigned short ListenBroadcast() {
         return Do({{"op", "listen"}, {"address", "127.0.0.1"}, {"broadcast", 0}})["broadcast"];
     }
@@ -166,9 +189,14 @@ TEST_F(NetworkRequests, ListenOnlyKeepsItemsFromTheDevice) {
     CreateRecordNodes();
     Do({{"op", "listen_only"}, {"on", true}});
     EXPECT_EQ(Send("send", 410)["sent"].size(), 1u);
+    EXPECT_EQ(Device()["shown"], 1);
+    EXPECT_EQ(Device()["last_sent_bytes"]["size"], RecordFrame().size());
+    EXPECT_EQ(Device()["last_sent_bytes"]["sent"], false);
     Do({{"op", "listen_only"}, {"on", false}});
     Set("send", 408, "string", "second");
     Send("send", 410);
+    EXPECT_EQ(Device()["shown"], 1);
+    EXPECT_EQ(Device()["last_sent_bytes"]["sent"], true);
     EXPECT_EQ(m_peers.Read(device, RecordFrame("second").size()), RecordFrame("second"));
 }
 
@@ -307,6 +335,136 @@ TEST_F(NetworkRequests, ADeviceThatStopsReadingCostsNoMoreThanItsQueue) {
     EXPECT_EQ(Device()["queued_items"], 0);
     Send("string", 1507);
     EXPECT_EQ(Device()["refused"], state["refused"]);
+}
+
+TEST_F(NetworkRequests, AnItemThatWasBegunIsNotContinuedOnTheNextConnection) {
+    SetDevice(3, "framed", m_listener.Address());
+    auto device = m_listener.Accept(); // and doesn't read at first
+    CreateRecordNodes();
+    Set("send", 408, "string", std::string(70'000, 'x'));
+    FillQueue("send", 410);
+    const size_t nQueued = Device()["queued_items"];
+    const size_t nSent = Device()["sent"];
+
+    // It closes its side while the rest is still going out, and reads on for a while.
+    device.shutdown(boost::asio::socket_base::shutdown_send);
+    m_peers.Read(device, 1 << 20);
+    const OrderedJson state = AwaitState("waiting");
+    EXPECT_EQ(state["last_problem"], "closed by the device");
+    EXPECT_EQ(state["lost"], 1);
+    EXPECT_EQ(state["queued_items"].get<size_t>() + state["sent"].get<size_t>() + 1, nQueued + nSent);
+    auto next = m_listener.Accept();
+    const std::string strFrame = RecordFrame(std::string(70'000, 'x'));
+    EXPECT_TRUE(m_peers.Read(next, strFrame.size()) == strFrame) << "not the beginning of an item";
+}
+
+TEST_F(NetworkRequests, AConnectionThatIsOverIsLetGoThoughNobodyTakesWhatCameIn) {
+    SetDevice(3, "direct", m_listener.Address());
+    auto device = m_listener.Accept();
+    CreateStringNode();
+    CTestPeers::Write(device, "nobody waits for this");
+    for (int i = 0; i < 10; ++i) {
+        Device();
+    }
+    device.set_option(boost::asio::socket_base::linger(true, 0));
+    device.close(); // a reset, which only writing meets
+    bool bLost = false;
+    for (int i = 0; i < 100 && !bLost; ++i) {
+        Send("string", 1507);
+        bLost = Device()["state"] != "connected";
+    }
+    EXPECT_TRUE(bLost);
+    EXPECT_NE(Device()["last_problem"], nullptr);
+}
+
+TEST_F(NetworkRequests, ASlowDeviceDoesNotFillTheLog) {
+    SetDevice(3, "direct", m_listener.Address());
+    auto device = m_listener.Accept();
+    CreateStringNode();
+    Set("string", 1505, "string", std::string(100'000, 'x'));
+    FillQueue("string", 1507);
+    // It makes room for a few items at a time, which more of them are sent for.
+    size_t nLines = 0;
+    const size_t nRefusedBefore = Device()["refused"];
+    for (int i = 0; i < 20; ++i) {
+        m_peers.Read(device, 400'000);
+        for (int nSends = 0; nSends < 10; ++nSends) {
+            const OrderedJson reply = Send("string", 1507);
+            nLines += CountLines(reply, "refused");
+        }
+    }
+    EXPECT_GT(Device()["refused"].get<size_t>(), nRefusedBefore + 50);
+    EXPECT_LE(nLines, 2u);
+}
+
+TEST_F(NetworkRequests, ItemsThatGoWithTheirDeviceAreLogged) {
+    SetDevice(3, "framed", m_listener.Address());
+    m_listener.Accept().close();
+    AwaitState("waiting");
+    CreateRecordNodes();
+    Send("send", 410);
+    Send("send", 410);
+    const OrderedJson reply = Do({{"op", "devices"}, {"list", nullptr}});
+    EXPECT_EQ(CountLines(reply, "2 items that waited are dropped"), 1u) << reply;
+    SetDevice(3, "framed", nullptr);
+    EXPECT_FALSE(Do({{"op", "devices"}, {"list", nullptr}}).contains("log"));
+}
+
+TEST_F(NetworkRequests, ARunningHostShowsTheBeginningOfLongBytes) {
+    constexpr size_t MOST_SHOWN = 65536;
+    SetDevice(3, "direct", nullptr);
+    CreateStringNode();
+    const std::string strText(100'000, 'a');
+    Set("string", 1505, "string", strText);
+    OrderedJson sent = Send("string", 1507)["sent"][0];
+    EXPECT_EQ(sent["raw"].get<std::string>().size(), 2 * (strText.size() + 1));
+    EXPECT_FALSE(sent.contains("size"));
+
+    m_pSession->Peers().RunAlways();
+    sent = Send("string", 1507)["sent"][0];
+    EXPECT_EQ(sent["raw"].get<std::string>().size(), 2 * MOST_SHOWN);
+    EXPECT_EQ(sent["size"], strText.size() + 1);
+    Set("string", 1505, "string", "12|7");
+    EXPECT_EQ(Send("string", 1507)["sent"][0], (OrderedJson{{"device", 3}, {"raw", "31327c3700"}}));
+}
+
+TEST_F(NetworkRequests, ManyItemsAtOnceLeaveTheFramesTheirTime) {
+    constexpr int ITEMS_IN_A_PIECE = 32768;
+    SetDevice(3, "json", m_listener.Address());
+    auto device = m_listener.Accept();
+    for (const char* pszNode : {"a", "b", "c"}) {
+        Create(pszNode, SEND_TYPE);
+    }
+    // A frame would come whenever this timer does.
+    auto& context = m_pSession->Peers().Context();
+    m_pSession->Peers().RunAlways();
+    int nMostInARow = 0;
+    size_t nReceived = 0;
+    boost::asio::steady_timer frame(context);
+    std::function<void()> awaitFrame = [&] {
+        frame.expires_after(std::chrono::milliseconds(1));
+        frame.async_wait([&](const auto& error) {
+            const size_t nNow = Device()["received"];
+            nMostInARow = std::max(nMostInARow, static_cast<int>(nNow - nReceived));
+            nReceived = nNow;
+            if (!error) {
+                awaitFrame();
+            }
+        });
+    };
+    awaitFrame();
+    std::string strLines;
+    for (int i = 0; i < ITEMS_IN_A_PIECE; ++i) {
+        strLines += "1\n";
+    }
+    CTestPeers::Write(device, strLines);
+    for (int i = 0; i < 1000 && nReceived < ITEMS_IN_A_PIECE; ++i) {
+        context.run_for(std::chrono::milliseconds(20));
+    }
+    EXPECT_EQ(nReceived, static_cast<size_t>(ITEMS_IN_A_PIECE));
+    EXPECT_LT(nMostInARow, ITEMS_IN_A_PIECE / 2);
+    frame.cancel();
+    context.run_for(std::chrono::milliseconds(1));
 }
 
 TEST_F(NetworkRequests, ARecordTooLongForAFrameIsRefused) {
@@ -476,6 +634,14 @@ TEST_F(NetworkRequests, ThePortOfTheConfigurationIsListenedOn) {
     EXPECT_EQ(Do({{"op", "listen"}, {"broadcast", nullptr}})["broadcast"], nullptr);
 }
 
+TEST_F(NetworkRequests, AHiddenConfigurationNamesNoPort) {
+    m_folder.Write("Config/PortConfig.ini", "[iFable]\nBroadcastPort=8060\n");
+    EXPECT_EQ(ConfiguredBroadcastPort(), 8060);
+    HideConfiguration();
+    EXPECT_EQ(ConfiguredBroadcastPort(), 0);
+    EXPECT_FALSE(PXGetPath(PATH_CONFIG).IsEmpty()) << "files would be looked for in the root folder";
+}
+
 TEST_F(NetworkRequests, ATakenPortIsRefusedAndTheOthersStay) {
     const unsigned short nBroadcast = ListenBroadcast();
     boost::asio::ip::udp::socket taken(m_peers.Context(), {boost::asio::ip::address_v4::loopback(), 0});
@@ -508,6 +674,84 @@ TEST_F(NetworkRequests, AReceiverThatIsKeptUpTriesATakenPortAgain) {
     EXPECT_EQ(Do({{"op", "network"}})["broadcast"]["problem"], nullptr);
     m_peers.SendDatagram(nPort, BROADCAST);
     EXPECT_EQ(Wait()["dispatched"].size(), 1u);
+}
+
+TEST_F(NetworkRequests, AReceiverThatWaitsForItsPortIsNotListening) {
+    boost::asio::ip::udp::socket taken(m_peers.Context(), {boost::asio::ip::address_v4::any(), 0});
+    const unsigned short nPort = taken.local_endpoint().port();
+    m_pSession->Peers().KeepReceivingBroadcasts(nPort);
+    Wait(50);
+    const Json request = {{"op", "listen"}, {"broadcast", nPort}};
+    EXPECT_NE(RefusalOf(request).find("broadcast"), std::string::npos);
+    taken.close();
+    EXPECT_EQ(Do(request)["broadcast"], nPort);
+    m_peers.SendDatagram(nPort, BROADCAST);
+    EXPECT_EQ(Wait(500)["dispatched"].size(), 1u);
+    EXPECT_EQ(Do({{"op", "network"}})["broadcast"]["problem"], nullptr);
+}
+
+TEST_F(NetworkRequests, ListeningMovesToAnotherAddressOfTheSamePort) {
+    const OrderedJson first = Do({{"op", "listen"}, {"address", "127.0.0.1"}, {"broadcast", 0}, {"control", 0}});
+    const Json same = {{"op", "listen"}, {"broadcast", first["broadcast"]}, {"control", first["control"]}};
+    Json there = same;
+    there["address"] = "0.0.0.0";
+    EXPECT_EQ(Do(there)["broadcast"], first["broadcast"]);
+    EXPECT_EQ(Do(there)["control"], first["control"]);
+
+    // An address that this machine doesn't have is refused, and the one that there is stays.
+    Json nowhere = same;
+    nowhere["address"] = "192.0.2.1";
+    EXPECT_NE(RefusalOf(nowhere).find("broadcast"), std::string::npos);
+    m_peers.SendDatagram(first["broadcast"], BROADCAST);
+    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
+    nowhere["broadcast"] = nullptr;
+    EXPECT_NE(RefusalOf(nowhere).find("control"), std::string::npos);
+    auto other = m_peers.Connect(first["control"]);
+    CTestPeers::Write(other, RecordFrame());
+    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
+    const OrderedJson state = Do({{"op", "network"}});
+    EXPECT_EQ(state["broadcast"]["errors"], 0);
+    EXPECT_EQ(state["control"]["errors"], 0);
+}
+
+/// Fails on the first items of each kind of exception.
+class CFailingObserver final : public IItemObserver {
+public:
+    void OnItemComes() override {
+        switch (m_nItems++) {
+        case 0:
+            throw std::runtime_error("a failure");
+        case 1:
+            AfxThrowMemoryException();
+        case 2:
+            throw 1;
+        }
+    }
+    void OnItemHandled(const OrderedJson& /*item*/) override {}
+
+private:
+    int m_nItems = 0;
+};
+
+TEST_F(NetworkRequests, AnItemThatFailsDoesNotStopTheOthers) {
+    CFailingObserver observer;
+    SetDevice(3, "framed", m_listener.Address());
+    auto device = m_listener.Accept();
+    const unsigned short nBroadcast = ListenBroadcast();
+    m_pSession->Peers().SetItemObserver(&observer);
+    m_peers.SendDatagram(nBroadcast, BROADCAST);
+    EXPECT_EQ(CountLines(Wait(200), "a failure"), 1u);
+    m_peers.SendDatagram(nBroadcast, BROADCAST);
+    EXPECT_EQ(CountLines(Wait(200), "CMemoryException"), 1u);
+    CTestPeers::Write(device, RecordFrame());
+    EXPECT_EQ(Wait(200)["dispatched"].size(), 0u);
+    EXPECT_EQ(Device()["state"], "connected");
+
+    m_peers.SendDatagram(nBroadcast, BROADCAST);
+    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
+    CTestPeers::Write(device, RecordFrame());
+    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
+    m_pSession->Peers().SetItemObserver(nullptr);
 }
 
 TEST_F(NetworkRequests, WrongPortsAndAddressesAreRefused) {

@@ -58,6 +58,18 @@ TEST(Options, TheLastOfTwoCounts) {
     EXPECT_EQ(Parse({"--listen", "127.0.0.1:1", "--listen", "127.0.0.1:2"}).listen.nPort, 2);
 }
 
+TEST(Options, TheWindowHasASizeAndAFrameRate) {
+    const SOptions plain = Parse({"--window"});
+    EXPECT_EQ(plain.nFront, EFront::Window);
+    EXPECT_EQ(plain.window.nWidth, 1280);
+    EXPECT_EQ(plain.window.nHeight, 720);
+    EXPECT_EQ(plain.window.fFps, 60);
+    const SOptions chosen = Parse({"--window", "--size", "640x480", "--fps", "30", "--scene", "s", "--record", "r"});
+    EXPECT_EQ(chosen.window.nWidth, 640);
+    EXPECT_EQ(chosen.window.nHeight, 480);
+    EXPECT_EQ(chosen.window.fFps, 30);
+}
+
 TEST(Options, HelpAndVersionNeedNoFront) {
     EXPECT_EQ(Parse({"--help"}).nFront, EFront::Help);
     EXPECT_EQ(Parse({"--version"}).nFront, EFront::Version);
@@ -69,11 +81,11 @@ TEST(Options, WrongOnesAreNamed) {
         std::vector<std::string> arguments;
         const char* pszError;
     } cases[] = {
-        {{}, "one of --stdio, --listen, --device, --describe and --replay is needed; --help tells more"},
+        {{}, "one of --stdio, --listen, --window, --device, --describe and --replay is needed; --help tells more"},
         {{"--fly"}, R"(there is no option "--fly"; --help tells more)"},
         {{"stdio"}, R"(there is no option "stdio"; --help tells more)"},
         {{"--stdio", "--listen", "127.0.0.1:1"},
-         "--listen: --stdio, --listen, --device, --describe and --replay exclude each other"},
+         "--listen: --stdio, --listen, --window, --device, --describe and --replay exclude each other"},
         {{"--stdio", "--app"}, "--app: needs a value"},
         {{"--stdio", "--module", ""}, "--module: needs a value"},
         {{"--stdio", "--texts", "fr"}, R"(--texts: "fr" is none of keys, en, zh)"},
@@ -84,15 +96,21 @@ TEST(Options, WrongOnesAreNamed) {
         {{"--listen", "a:1", "--fps", "0"}, R"(--fps: "0" isn't a number above 0 and up to 1000)"},
         {{"--listen", "a:1", "--fps", "nan"}, R"(--fps: "nan" isn't a number above 0 and up to 1000)"},
         {{"--listen", "a:1", "--fps", "1001"}, R"(--fps: "1001" isn't a number above 0 and up to 1000)"},
-        {{"--stdio", "--fps", "30"}, "--fps: goes with --listen only"},
+        {{"--stdio", "--fps", "30"}, "--fps: goes with --listen and --window only"},
+        {{"--stdio", "--size", "1x1"}, "--size: goes with --window only"},
+        {{"--window", "--size", "100"}, R"(--size: "100" isn't a width and a height, as in 1280x720)"},
+        {{"--window", "--size", "100x0"}, R"(--size: "100x0" isn't a width and a height, as in 1280x720)"},
+        {{"--window", "--size", "9x99999"}, R"(--size: "9x99999" isn't a width and a height, as in 1280x720)"},
+        {{"--window", "--listen", "a:1"},
+         "--listen: --stdio, --listen, --window, --device, --describe and --replay exclude each other"},
         {{"--stdio", "--web", "w"}, "--web: goes with --listen only"},
         {{"--stdio", "--say", "t"}, "--say: goes with --device only"},
         {{"--describe"}, "--describe: needs a value"},
         {{"--describe", "html"}, R"(--describe: "html" isn't markdown, the only form there is)"},
-        {{"--describe", "markdown", "--scene", "s"}, "--scene: goes with --stdio and --listen only"},
-        {{"--replay", "r", "--record", "s"}, "--record: goes with --stdio and --listen only"},
+        {{"--describe", "markdown", "--scene", "s"}, "--scene: goes with --stdio, --listen and --window only"},
+        {{"--replay", "r", "--record", "s"}, "--record: goes with --stdio, --listen and --window only"},
         {{"--replay", "r", "--stdio"},
-         "--stdio: --stdio, --listen, --device, --describe and --replay exclude each other"},
+         "--stdio: --stdio, --listen, --window, --device, --describe and --replay exclude each other"},
     };
     for (const auto& [arguments, pszError] : cases) {
         EXPECT_EQ(Error(arguments), pszError);

@@ -113,11 +113,33 @@ TEST(SendQueue, AnItemBegunOnALostConnectionIsNotContinued) {
     Push(queue, "next");
     BeginWrite(queue);
     queue.EndWrite(true);
-    queue.DropBegunItem();
+    queue.EndConnection();
     EXPECT_EQ(queue.LostCount(), 1u);
-    queue.DropBegunItem();
+    queue.EndConnection();
     EXPECT_EQ(queue.LostCount(), 1u);
     EXPECT_EQ(BeginWrite(queue), "next");
+}
+
+TEST(SendQueue, AWriteThatOutlastsItsConnectionIsNotContinuedEither) {
+    CSendQueue queue;
+    Push(queue, std::string(200'000, 'a'));
+    Push(queue, "next");
+    Push(queue, "last");
+    BeginWrite(queue);
+    queue.EndConnection();
+    EXPECT_EQ(queue.LostCount(), 0u);
+    queue.EndWrite(true);
+    EXPECT_EQ(queue.LostCount(), 1u);
+    EXPECT_EQ(BeginWrite(queue), "nextlast");
+    queue.EndWrite(true);
+    EXPECT_EQ(queue.SentCount(), 2u);
+
+    // Nothing of the kind is left for the next connection.
+    Push(queue, std::string(200'000, 'a'));
+    BeginWrite(queue);
+    queue.EndWrite(true);
+    EXPECT_EQ(queue.LostCount(), 1u);
+    EXPECT_EQ(queue.ItemCount(), 1u);
 }
 
 } // namespace

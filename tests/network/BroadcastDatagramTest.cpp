@@ -97,6 +97,19 @@ TEST(BroadcastDatagram, RefusesWhatIsNotTheElement) {
     }
 }
 
+TEST(BroadcastDatagram, RefusesWhatIsNoXml) {
+    const std::string good = "<Broadcast Flag='1' ClipName='' Name='' Data=''/>";
+    const auto frame = [](const std::string& text) { return ToBytes("[.{" + text + "}.]"); };
+    EXPECT_EQ(RefusalOf(frame(good)), "");
+    for (const std::string& text :
+         {good + std::string("\0junk", 5), good + std::string(1, '\0') + good, "<?x?>" + good, "<!DOCTYPE x>" + good,
+          std::string("<Broadcast Flag='1' Flag='2' ClipName='' Name='' Data=''/>"),
+          std::string("<Broadcast Flag='&x;' ClipName='' Name='' Data=''/>"),
+          std::string("<Broadcast Flag='<' ClipName='' Name='' Data=''/>")}) {
+        EXPECT_EQ(RefusalOf(frame(text)), "not the element Broadcast") << text;
+    }
+}
+
 TEST(BroadcastDatagram, RefusesAMissingAttribute) {
     EXPECT_EQ(RefusalOf("[.{<Broadcast/>}.]"), "attribute missing");
     EXPECT_EQ(RefusalOf("[.{<Broadcast ClipName='' Name='' Data=''/>}.]"), "attribute missing");

@@ -18,6 +18,7 @@ TEST_F(DeviceList, FindsTheFirstDeviceOfANumber) {
     SQORNetPlayCtrlDev devices[3];
     const int ids[] = {7, 0, 7};
     NetPlayCtrlDevArray arDevice;
+    arDevice.Add(nullptr); // passed over
     for (int i = 0; i < 3; ++i) {
         devices[i].m_nId = ids[i];
         arDevice.Add(&devices[i]);

@@ -71,6 +71,52 @@ TEST(Markup, EscapesWhatMeansSomethingInXml) {
     EXPECT_EQ(Document(L"  \u00a0\u00e9\u6bd4 "), "<E A=\"  \u00a0\u00e9\u6bd4 \"/>\r\n");
 }
 
+TEST(Markup, TakesItsOwnDocumentAsAValue) {
+    CMarkup markup;
+    markup.AddElem(L"E");
+    markup.SetAttrib(L"A", L"1");
+    markup.SetAttrib(L"B", markup.GetDoc());
+    EXPECT_EQ(Utf8(markup.GetDoc()), "<E A=\"1\" B=\"&lt;E A=&quot;1&quot;/&gt;&#13;&#10;\"/>\r\n");
+    markup.SetAttrib(L"A", markup.GetDoc());
+    EXPECT_EQ(Utf8(markup.GetDoc()).find("<E A=\"&lt;E A=&quot;1&quot; B=&quot;&amp;lt;E"), 0u);
+}
+
+TEST(Markup, AValueEndsAtAZero) {
+    EXPECT_EQ(Document(CString(L"a\0<b", 4)), "<E A=\"a\"/>\r\n");
+}
+
+/// The code page's bytes for a text, converted as a broadcast is.
+std::string BroadcastBytes(const CString& strText) {
+    char bytes[65536];
+    const int nBytes =
+        WideCharToMultiByte(CP_ACP, WC_COMPOSITECHECK, strText, -1, bytes, sizeof(bytes), nullptr, nullptr);
+    return nBytes > 0 ? std::string(bytes, static_cast<size_t>(nBytes) - 1) : std::string();
+}
+
+/// Where the code page has no such character, conversions write one that looks alike; that may mean something in XML.
+TEST(Markup, NoCharacterBecomesMarkupInTheCodePage) {
+    for (unsigned nChar = 0xA0; nChar < 0x10000; ++nChar) {
+        const auto c = static_cast<wchar_t>(nChar);
+        if (nChar >= 0xD800 && nChar < 0xE000) {
+            continue;
+        }
+        const std::string bytes = BroadcastBytes(CString(c));
+        const bool bMarkup = bytes == "&" || bytes == "<" || bytes == ">" || bytes == "\"";
+        const std::string expected = bMarkup ? "&#" + std::to_string(nChar) + ";" : Utf8(CString(c));
+        ASSERT_EQ(Document(CString(c)), "<E A=\"" + expected + "\"/>\r\n") << "character " << nChar;
+    }
+}
+
+TEST(Markup, LookAlikesOfMarkupAreReferences) {
+    if (GetACP() != 1252) {
+        GTEST_SKIP() << "another code page has others";
+    }
+    EXPECT_EQ(Document(L"\u02ba|\u030e|\uff02|\uff06"), "<E A=\"&#698;|&#782;|&#65282;|&#65286;\"/>\r\n");
+    EXPECT_EQ(Document(L"\u2329\u3008\uff1c|\u232a\u3009\uff1e"),
+              "<E A=\"&#9001;&#12296;&#65308;|&#9002;&#12297;&#65310;\"/>\r\n");
+    EXPECT_EQ(Document(L"\u0100\uff21\u2019"), "<E A=\"\u0100\uff21\u2019\"/>\r\n");
+}
+
 TEST(Markup, EveryCharacterOfTheCodePageReadsBack) {
     const std::vector<wchar_t> characters = CodePageCharacters();
     EXPECT_GE(characters.size(), 250u);

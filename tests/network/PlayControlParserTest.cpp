@@ -85,6 +85,23 @@ TEST_F(PlayControlParser, RefusesTextsThatAreNoRecordAndReadsOn) {
     EXPECT_EQ(m_receiver.m_records.size(), 1u);
 }
 
+TEST_F(PlayControlParser, NothingIsNothing) {
+    const unsigned char byte = 'x';
+    EXPECT_TRUE(m_parser.Receive(nullptr, 3));
+    EXPECT_TRUE(m_parser.Receive(&byte, 0));
+    EXPECT_TRUE(m_parser.Receive(&byte, -1));
+    m_parser.Finish();
+    EXPECT_EQ(m_parser.Reader().RefusedCount(), 0u);
+}
+
+TEST_F(PlayControlParser, AClipsNameEndsAtAZero) {
+    VEKClip clip(CString(L"Clip\0more", 9));
+    CQORNetItemPlayCtlProtocol item;
+    item.m_pClip = &clip;
+    const auto frame = WriteItem(m_writer, item);
+    EXPECT_EQ(std::string(frame.begin() + 16, frame.end()), "Clip");
+}
+
 TEST_F(PlayControlParser, AsksToCloseWhenOutOfStep) {
     EXPECT_FALSE(Receive(ToBytes("this is no play-control frame")));
     m_parser.Reset();

@@ -83,6 +83,28 @@ TEST(RemoteControlRecord, RefusesOtherTextsAndStaysAsItWas) {
         std::string("text ") + SAMPLE_XML,
         std::string(SAMPLE_XML) + "text",
         std::string("<Outer>") + SAMPLE_XML + "</Outer>",
+        SAMPLE_XML + std::string(1, '\0'),
+        SAMPLE_XML + std::string("\0junk", 5),
+        SAMPLE_XML + std::string(1, '\0') + SAMPLE_XML,
+        std::string("<?play now?>") + SAMPLE_XML,
+        std::string(SAMPLE_XML) + "<?play now?>",
+        std::string("<!DOCTYPE PanelRemoteCtrl>") + SAMPLE_XML,
+        Replaced(SAMPLE_XML, " Layer=", " DevID=\"13\" Layer="),
+        Replaced(SAMPLE_XML, " Layer=", " Extra=\"1\" Extra=\"2\" Layer="),
+        Replaced(SAMPLE_XML, "Intro", "&intro;"),
+        Replaced(SAMPLE_XML, "Intro", "In & tro"),
+        Replaced(SAMPLE_XML, "Intro", "In&amptro"),
+        Replaced(SAMPLE_XML, "Intro", "Intro&"),
+        Replaced(SAMPLE_XML, "Intro", "In<tro"),
+        Replaced(SAMPLE_XML, "Intro", "In&#0;tro"),
+        Replaced(SAMPLE_XML, "Intro", "In&#;tro"),
+        Replaced(SAMPLE_XML, "Intro", "In&#x;tro"),
+        Replaced(SAMPLE_XML, "Intro", "In&#12a;tro"),
+        Replaced(SAMPLE_XML, "Intro", "In&#-1;tro"),
+        Replaced(SAMPLE_XML, "Intro", "In&#xD800;tro"),
+        Replaced(SAMPLE_XML, "Intro", "In&#x110000;tro"),
+        Replaced(SAMPLE_XML, "Intro", "In&#99999999999;tro"),
+        Replaced(SAMPLE_XML, " Layer=", " Extra=\"&intro;\" Layer="),
     };
     for (const std::string& text : texts) {
         CQORPanelRemoteCtrlData record = SampleRecord();
@@ -100,6 +122,20 @@ TEST(RemoteControlRecord, TakesADeclarationCommentsAndOtherOrder) {
         Replaced(Replaced(SAMPLE_XML, " Layer=\"-1023\"", ""), " DevID", " Layer=\"-1023\" Extra=\"1\" DevID");
     EXPECT_TRUE(record.SetXmlDoc(FromUtf8(reordered)));
     ExpectSameRecord(record, SampleRecord());
+}
+
+TEST(RemoteControlRecord, TakesReferencesOfEveryForm) {
+    CQORPanelRemoteCtrlData record;
+    EXPECT_FALSE(record.SetXmlDoc(FromUtf8(Replaced(SAMPLE_XML, "Intro", "&#X4e2d;")))); // a capital X is none
+    ASSERT_TRUE(record.SetXmlDoc(
+        FromUtf8(Replaced(SAMPLE_XML, "Intro", "&apos;&#39;&#x27;&#x4E2d;&#0000065;&amp;amp;&#x1F600;&#x10FFFF;"))));
+    EXPECT_EQ(Utf8(record.m_strClipName), "'''\u4e2dA&amp;\U0001F600\U0010FFFF");
+}
+
+TEST(RemoteControlRecord, LineEndsAndTabsWithinAValueAreSpaces) {
+    CQORPanelRemoteCtrlData record;
+    ASSERT_TRUE(record.SetXmlDoc(FromUtf8(Replaced(SAMPLE_XML, "Intro", "a\tb\nc\r\nd&#9;&#10;"))));
+    EXPECT_EQ(Utf8(record.m_strClipName), "a b c d\t\n");
 }
 
 TEST(RemoteControlRecord, GoesThroughAnArchive) {

@@ -274,7 +274,8 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
     if (pszWide == nullptr || nWideLength == 0 || nBytes < 0 || (pszBytes == nullptr && nBytes != 0))
         return FailConversion(ERROR_INVALID_PARAMETER);
     nCodePage = ResolveCodePage(nCodePage);
-    if ((nFlags & ~nKnownFlags) != 0)
+    const bool bWholeUnicode = nCodePage == CP_UTF8 || nCodePage == 54936;
+    if ((nFlags & ~(bWholeUnicode ? WC_ERR_INVALID_CHARS : nKnownFlags)) != 0)
         return FailConversion(ERROR_INVALID_FLAGS);
     const std::wstring_view strWide(pszWide,
                                     nWideLength < 0 ? std::wcslen(pszWide) + 1 : static_cast<std::size_t>(nWideLength));

@@ -38,8 +38,14 @@ CString PXGetAppPath() {
 }
 
 CString PXGetPath(int nKind) {
-    const bool bKnown = nKind == PATH_CONFIG && !Setup().bConfigurationHidden;
-    return bKnown ? Setup().strAppPath + L"\\Config" : CString();
+    if (nKind != PATH_CONFIG) {
+        return CString();
+    }
+    if (Setup().bConfigurationHidden) {
+        // No file system has names of that length. An empty answer would lead to the root folder.
+        return Setup().strAppPath + L'\\' + CString(L'x', 300);
+    }
+    return Setup().strAppPath + L"\\Config";
 }
 
 int SplitString(const CString& strText, const CString& strSeparator, CStringArray& arPiece, int nOption) {

@@ -22,7 +22,8 @@ VEKCOMMON_API void SetAppPath(const CString& strPath);
 /// file is missing or isn't a JSON object of strings.
 VEKCOMMON_API bool SetTextTable(ETextTable nTable);
 
-/// From now on PXGetPath answers no folder, so that no configuration is found; until the next SetAppPath.
+/// From now on PXGetPath answers a folder that can't exist, so that no configuration is found; until the next
+/// SetAppPath.
 VEKCOMMON_API void HideConfiguration();
 
 /// UTF-8 of a wide text and back. Unpaired surrogates and invalid bytes become U+FFFD.

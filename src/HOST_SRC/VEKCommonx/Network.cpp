@@ -1,6 +1,7 @@
 #include "host/HostNetwork.h"
 
 #include <cwchar>
+#include <string_view>
 
 #include "SocketTransport.h"
 
@@ -16,10 +17,20 @@ bool IsControlCharacter(wchar_t c) {
     return c < 0x20 || (c >= 0x7F && c < 0xA0);
 }
 
-/// Append a value with references in place of the characters that mean something in XML, or that a reader would change.
+/// Whether the system's code page lacks the character and conversions to it write one in its place that means something
+/// in XML: as text it would come out as markup.
+bool LooksLikeMarkup(wchar_t c) {
+    constexpr std::string_view MARKUP = "&<>\"";
+    char bytes[8];
+    return c > 0x7F && WideCharToMultiByte(CP_ACP, 0, &c, 1, bytes, sizeof(bytes), nullptr, nullptr) == 1 &&
+           MARKUP.find(bytes[0]) != std::string_view::npos;
+}
+
+/// Append a value, up to its end or a zero, with references in place of the characters that mean something in XML, or
+/// that a reader would change.
 void AppendEscaped(CString& strText, const CString& strValue) {
     const wchar_t* pszValue = strValue;
-    const int nLength = strValue.GetLength();
+    const int nLength = static_cast<int>(std::wcslen(pszValue));
     int nPlainBegin = 0;
     for (int i = 0; i < nLength; ++i) {
         const wchar_t c = pszValue[i];
@@ -28,7 +39,7 @@ void AppendEscaped(CString& strText, const CString& strValue) {
                                       : c == L'>' ? L"&gt;"
                                       : c == L'"' ? L"&quot;"
                                                   : nullptr;
-        if (pszReference == nullptr && !IsControlCharacter(c)) {
+        if (pszReference == nullptr && !IsControlCharacter(c) && !LooksLikeMarkup(c)) {
             continue;
         }
         strText.Append(pszValue + nPlainBegin, i - nPlainBegin);
@@ -76,11 +87,12 @@ bool CMarkup::SetAttrib(const wchar_t* pszName, const CString& strValue) {
     if (m_nElement < 0 || pszName == nullptr || *pszName == L'\0') {
         return false;
     }
+    const CString strKept = strValue; // which may be the document
     const int nValue = FindValue(m_strDocument, m_nElement, pszName);
     if (nValue >= 0) {
         const CString strBehind = m_strDocument.Mid(m_strDocument.Find(L'"', nValue));
         m_strDocument.Delete(nValue, m_strDocument.GetLength() - nValue);
-        AppendEscaped(m_strDocument, strValue);
+        AppendEscaped(m_strDocument, strKept);
         m_strDocument += strBehind;
         return true;
     }
@@ -88,7 +100,7 @@ bool CMarkup::SetAttrib(const wchar_t* pszName, const CString& strValue) {
     m_strDocument += L' ';
     m_strDocument += pszName;
     m_strDocument += L"=\"";
-    AppendEscaped(m_strDocument, strValue);
+    AppendEscaped(m_strDocument, strKept);
     m_strDocument += L'"';
     m_strDocument += ELEMENT_END;
     return true;

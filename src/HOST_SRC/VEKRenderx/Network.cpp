@@ -61,8 +61,9 @@ NetPlayCtrlDevArray* G_GetArNetPlayCtrlDev() {
 SQORNetPlayCtrlDev* G_FindNetPlayCtrlDevByID(int nId) {
     const INT_PTR nCount = s_pDevices != nullptr ? s_pDevices->GetSize() : 0;
     for (INT_PTR i = 0; i < nCount; ++i) {
-        if (s_pDevices->GetAt(i)->m_nId == nId) {
-            return s_pDevices->GetAt(i);
+        SQORNetPlayCtrlDev* pDevice = s_pDevices->GetAt(i);
+        if (pDevice != nullptr && pDevice->m_nId == nId) {
+            return pDevice;
         }
     }
     return nullptr;

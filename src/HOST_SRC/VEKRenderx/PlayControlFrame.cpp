@@ -21,11 +21,15 @@ std::uint32_t GetNumber(const std::vector<unsigned char>& bytes, size_t nOffset,
     return nValue;
 }
 
-void PutNumber(std::vector<unsigned char>& bytes, std::uint32_t nValue, size_t nSize) {
+using BytePosition = std::vector<unsigned char>::iterator;
+
+/// Write such a number; where it ends.
+BytePosition PutNumber(BytePosition position, std::uint32_t nValue, size_t nSize) {
     for (size_t nShift = 8 * nSize; nShift > 0;) {
         nShift -= 8;
-        bytes.push_back(static_cast<unsigned char>(nValue >> nShift));
+        *position++ = static_cast<unsigned char>(nValue >> nShift);
     }
+    return position;
 }
 
 } // namespace
@@ -138,13 +142,13 @@ std::span<const unsigned char> CFrameWriter::Write(const SPlayControlFrame& fram
     if (frame.clip.size() > FRAME_CLIP_LIMIT || nBodySize > FRAME_BODY_LIMIT) {
         return {};
     }
-    m_bytes.reserve(FRAME_HEADER_SIZE + nBodySize);
-    m_bytes.insert(m_bytes.end(), FRAME_MAGIC.begin(), FRAME_MAGIC.end());
-    PutNumber(m_bytes, FRAME_VERSION, 2);
-    PutNumber(m_bytes, static_cast<std::uint32_t>(frame.clip.size()), 2);
-    PutNumber(m_bytes, static_cast<std::uint32_t>(nBodySize), 4);
-    PutNumber(m_bytes, frame.nCommandCode, 4);
-    m_bytes.insert(m_bytes.end(), frame.clip.begin(), frame.clip.end());
-    m_bytes.insert(m_bytes.end(), frame.body.begin(), frame.body.end());
+    m_bytes.resize(FRAME_HEADER_SIZE + nBodySize);
+    BytePosition position = std::copy(FRAME_MAGIC.begin(), FRAME_MAGIC.end(), m_bytes.begin());
+    position = PutNumber(position, FRAME_VERSION, 2);
+    position = PutNumber(position, static_cast<std::uint32_t>(frame.clip.size()), 2);
+    position = PutNumber(position, static_cast<std::uint32_t>(nBodySize), 4);
+    position = PutNumber(position, frame.nCommandCode, 4);
+    position = std::copy(frame.clip.begin(), frame.clip.end(), position);
+    std::copy(frame.body.begin(), frame.body.end(), position);
     return m_bytes;
 }

@@ -28,7 +28,7 @@ std::span<const unsigned char> WriteItem(CFrameWriter& writer, const CQORNetItem
     std::string clip;
     std::string body;
     if (item.m_pClip != nullptr) {
-        clip = ToUtf8(item.m_pClip->m_strName, item.m_pClip->m_strName.GetLength());
+        clip = ToUtf8(item.m_pClip->m_strName); // up to its end: a zero isn't text
     }
     if (const auto* pData = dynamic_cast<const CBaseNetData*>(item.m_pAttachedData)) {
         const CString strXml = pData->GetXmlDoc();
@@ -47,7 +47,7 @@ void CQORPlayCtlParser::Reset() {
 }
 
 bool CQORPlayCtlParser::Receive(const unsigned char* pData, int nLength) {
-    return m_reader.Feed({pData, static_cast<size_t>(nLength)}, *this);
+    return pData == nullptr || nLength <= 0 || m_reader.Feed({pData, static_cast<size_t>(nLength)}, *this);
 }
 
 EFrameVerdict CQORPlayCtlParser::OnFrame(const SPlayControlFrame& frame) {

@@ -1,9 +1,7 @@
 #include "BroadcastReceiver.h"
 
-#include <boost/asio/co_spawn.hpp>
-#include <boost/asio/detached.hpp>
-
 #include "BroadcastDatagram.h"
+#include "Caught.h"
 #include "HostLine.h"
 
 namespace asio = boost::asio;
@@ -13,45 +11,58 @@ namespace {
 
 constexpr std::chrono::seconds RETRY_PAUSE{1};
 
+/// Errors one after another, each about one datagram, before there is a pause.
+constexpr unsigned MOST_ERRORS_IN_A_ROW = 10;
+
+/// Windows reports that way that an answer reached nobody, and a datagram that is too long.
+bool IsAboutOneDatagram(const error_code& error) {
+    return error == asio::error::connection_reset || error == asio::error::connection_refused ||
+           error == asio::error::message_size;
+}
+
 } // namespace
 
 CBroadcastReceiver::CBroadcastReceiver(asio::io_context& context, const asio::ip::udp::endpoint& endpoint,
                                        IPeerHost& host)
-    : m_context(context), m_endpoint(endpoint), m_host(host), m_socket(context), m_timer(context) {}
+    : m_context(context), m_endpoint(endpoint), m_nPort(endpoint.port()), m_host(host), m_socket(context),
+      m_timer(context) {}
 
 std::string CBroadcastReceiver::Open() {
     error_code error;
-    m_socket = UdpSocket(m_context);
     m_socket.open(m_endpoint.protocol(), error);
     if (!error) {
-        m_socket.bind(m_endpoint, error);
+        m_socket.bind({m_endpoint.address(), m_nPort}, error);
     }
     if (error) {
-        error_code ignored;
-        m_socket.close(ignored);
+        CloseSocket();
+        return "UDP " + EndpointText(m_endpoint) + ": " + error.message();
     }
-    return error ? "UDP " + EndpointText(m_endpoint) + ": " + error.message() : std::string();
+    m_nPort = m_socket.local_endpoint().port();
+    m_timer.cancel();
+    return {};
 }
 
 void CBroadcastReceiver::Start() {
-    asio::co_spawn(
-        m_context, [pSelf = shared_from_this()] { return pSelf->Run(); }, asio::detached);
+    Spawn(m_context, "broadcasts aren't received any longer", [pSelf = shared_from_this()] { return pSelf->Run(); });
 }
 
 void CBroadcastReceiver::Stop() {
     m_bStopped = true;
-    error_code ignored;
-    m_socket.close(ignored);
+    CloseSocket();
     m_timer.cancel();
 }
 
-unsigned short CBroadcastReceiver::Port() const {
+void CBroadcastReceiver::CloseSocket() {
     error_code ignored;
-    return m_socket.is_open() ? m_socket.local_endpoint(ignored).port() : m_endpoint.port();
+    m_socket.close(ignored);
+    m_host.Gate().Wake();
 }
 
 OrderedJson CBroadcastReceiver::State() const {
-    OrderedJson state = {{"port", Port()}, {"problem", TextOrNull(m_strProblem)}, {"errors", m_nErrors}};
+    OrderedJson state = {{"port", Port()},
+                         {"problem", TextOrNull(m_strProblem)},
+                         {"errors", m_nErrors},
+                         {"last_error", TextOrNull(m_strLastError)}};
     m_counts.AddTo(state);
     state["last_received_bytes"] = m_lastReceived.ToJson();
     return state;
@@ -59,22 +70,14 @@ OrderedJson CBroadcastReceiver::State() const {
 
 Awaitable<void> CBroadcastReceiver::Run() {
     while (!m_bStopped) {
-        const std::string strProblem = m_socket.is_open() ? std::string() : Open();
-        if (!strProblem.empty()) {
-            ++m_nErrors;
-            m_host.OnStateChanged();
-        }
-        if (strProblem != m_strProblem) {
-            m_strProblem = strProblem;
+        try {
+            const std::string strProblem = m_socket.is_open() ? std::string() : Open();
+            ShowProblem(strProblem);
             if (strProblem.empty()) {
-                WriteHostLine(LOG_INFORMATION, "broadcasts are received on UDP " + std::to_string(Port()));
-            } else {
-                WriteHostLine(LOG_ERROR, "broadcasts can't be received on " + strProblem + "; trying again");
+                co_await Receive();
             }
-            m_host.OnStateChanged();
-        }
-        if (strProblem.empty()) {
-            co_await Receive();
+        } catch (...) {
+            CountError(CaughtText());
         }
         if (!m_bStopped) {
             // Whatever it was, it doesn't get better within the same moment.
@@ -85,27 +88,53 @@ Awaitable<void> CBroadcastReceiver::Run() {
     }
 }
 
-/// Receive until an error that isn't about one datagram.
+/// Why the port can't be had now; empty when it can.
+void CBroadcastReceiver::ShowProblem(const std::string& strProblem) {
+    if (!strProblem.empty()) {
+        ++m_nErrors;
+        m_strLastError = strProblem;
+        m_host.OnStateChanged();
+    }
+    if (strProblem != m_strProblem) {
+        m_strProblem = strProblem;
+        if (strProblem.empty()) {
+            WriteHostLine(LOG_INFORMATION, "broadcasts are received on UDP " + std::to_string(Port()));
+        } else {
+            WriteHostLine(LOG_ERROR, "broadcasts can't be received on " + strProblem + "; trying again");
+        }
+        m_host.OnStateChanged();
+    }
+}
+
+void CBroadcastReceiver::CountError(const std::string& strError) {
+    ++m_nErrors;
+    m_strLastError = strError;
+    m_errorLine.Write("receiving broadcasts on UDP " + std::to_string(Port()) + ": " + strError);
+    m_host.OnStateChanged();
+}
+
+/// Receive until an error that isn't about one datagram, or too many of those.
 Awaitable<void> CBroadcastReceiver::Receive() {
-    for (;;) {
+    for (unsigned nErrorsInARow = 0; nErrorsInARow < MOST_ERRORS_IN_A_ROW;) {
         error_code error;
         asio::ip::udp::endpoint sender;
         const size_t nBytes = co_await m_socket.async_receive_from(asio::buffer(m_datagram), sender, AwaitInto(error));
         if (m_bStopped) {
             co_return;
         }
+        if (error == asio::error::operation_aborted && m_socket.is_open()) {
+            continue; // it was given back and opened again
+        }
         if (error) {
-            ++m_nErrors;
-            m_host.OnStateChanged();
-            // Windows reports that way that an answer reached nobody, and a datagram that is too long.
-            if (error != asio::error::connection_reset && error != asio::error::connection_refused &&
-                error != asio::error::message_size) {
-                error_code ignored;
-                m_socket.close(ignored);
+            ++nErrorsInARow;
+            CountError(error.message());
+            if (!IsAboutOneDatagram(error)) {
+                CloseSocket();
                 co_return;
             }
         } else {
-            co_await m_host.Gate().Pass();
+            nErrorsInARow = 0;
+            co_await m_host.Gate().Pass(m_socket);
             if (m_bStopped) {
                 co_return;
             }

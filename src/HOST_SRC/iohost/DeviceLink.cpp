@@ -1,12 +1,11 @@
 #include "DeviceLink.h"
 
-#include <boost/asio/co_spawn.hpp>
-#include <boost/asio/detached.hpp>
 #include <boost/asio/write.hpp>
 
 #include <algorithm>
 #include <utility>
 
+#include "Caught.h"
 #include "HostLine.h"
 #include "Platform.h"
 #include "RecordJson.h"
@@ -28,6 +27,9 @@ constexpr std::chrono::seconds GOOD_CONNECTION{1};
 /// How long a device may leave unanswered what it's sent, and how often that is looked at.
 constexpr std::chrono::seconds ANSWER_TIME{10};
 constexpr std::chrono::seconds ANSWER_LOOK{1};
+
+/// Once nothing was refused for so long, items are taken again.
+constexpr std::chrono::seconds REFUSALS_END{10};
 
 constexpr const char* PARSER_NAMES[] = {"none", "direct", "framed", "json"};
 constexpr const char* NO_ANSWER = "no answer";
@@ -55,7 +57,7 @@ std::unique_ptr<CZtSocketParser> CDeviceLink::MakeParser() {
         return std::make_unique<CZTDirectParser>(&bytes);
     case EDeviceParser::Framed:
         return std::make_unique<CQORPlayCtlParser>(records);
-    case EDeviceParser::Json:
+    case EDeviceParser::JsonLines:
         return std::make_unique<CZTDirectParser>(&m_textLines); // and so it can be sent texts, too
     case EDeviceParser::None:
         break;
@@ -65,15 +67,20 @@ std::unique_ptr<CZtSocketParser> CDeviceLink::MakeParser() {
 
 void CDeviceLink::Start() {
     if (m_setup.address) {
-        asio::co_spawn(
-            m_context, [pSelf = shared_from_this()] { return pSelf->Run(); }, asio::detached);
+        Spawn(m_context, "the connection to a device isn't kept up any longer",
+              [pSelf = shared_from_this()] { return pSelf->Run(); });
     }
 }
 
 void CDeviceLink::Stop() {
+    const size_t nItems = m_queue.ItemCount();
+    if (!m_bStopped && nItems > 0) {
+        WriteHostLine(LOG_INFORMATION,
+                      Description() + ": " + std::to_string(nItems) +
+                          (nItems == 1 ? " item that waited is dropped" : " items that waited are dropped"));
+    }
     m_bStopped = true;
-    error_code ignored;
-    m_socket.close(ignored);
+    CloseSocket();
     m_timer.cancel();
 }
 
@@ -95,12 +102,17 @@ OrderedJson CDeviceLink::State() const {
     state["sent"] = m_queue.SentCount();
     state["refused"] = m_nRefused;
     state["lost"] = m_queue.LostCount();
+    state["shown"] = m_nShown;
+    state["errors"] = m_nErrors;
     state["received_bytes"] = m_nReceivedBytes;
     m_counts.AddTo(state);
-    if (m_setup.nParser == EDeviceParser::Json) {
+    if (m_setup.nParser == EDeviceParser::JsonLines) {
         state["rejected_lines"] = m_textLines.RefusedByName();
     }
-    state["last_sent_bytes"] = m_lastSent.ToJson();
+    OrderedJson& lastSent = state["last_sent_bytes"] = m_lastSent.ToJson();
+    if (!lastSent.is_null()) {
+        lastSent["sent"] = !m_bLastShownOnly;
+    }
     state["last_received_bytes"] = m_lastReceived.ToJson();
     return state;
 }
@@ -112,7 +124,7 @@ bool CDeviceLink::SendItem(const CZtBaseNetProtocol& item) {
     const auto* pRecord =
         pItem != nullptr ? dynamic_cast<const CQORPanelRemoteCtrlData*>(pItem->m_pAttachedData) : nullptr;
     if (pRecord == nullptr) {
-        return false;
+        return RefuseItem(m_wrongItemLine, "the item isn't a record");
     }
     m_host.OnSent({{"device", m_setup.nId},
                    {"command", pItem->m_nCommandCode},
@@ -122,7 +134,12 @@ bool CDeviceLink::SendItem(const CZtBaseNetProtocol& item) {
 }
 
 bool CDeviceLink::SendBytes(std::span<const unsigned char> bytes) {
-    m_host.OnSent({{"device", m_setup.nId}, {"raw", HexText(bytes)}});
+    const auto shown = bytes.first(std::min(bytes.size(), m_host.MostShownBytes()));
+    OrderedJson entry = {{"device", m_setup.nId}, {"raw", HexText(shown)}};
+    if (shown.size() < bytes.size()) {
+        entry["size"] = bytes.size();
+    }
+    m_host.OnSent(std::move(entry));
     return Queue(bytes);
 }
 
@@ -130,26 +147,35 @@ bool CDeviceLink::SendBytes(std::span<const unsigned char> bytes) {
 bool CDeviceLink::Queue(std::span<const unsigned char> bytes) {
     m_host.OnStateChanged();
     if (!bytes.empty() && (!m_setup.address || m_host.IsListenOnly())) {
+        ++m_nShown;
+        m_bLastShownOnly = true;
         m_lastSent.Set(bytes);
         return true;
     }
-    const bool bTooLong = bytes.empty() || bytes.size() > CSendQueue::MOST_BYTES;
-    if (bTooLong || !m_queue.Push(bytes)) {
-        ++m_nRefused;
-        if (m_nRefusedInARow++ == 0) {
-            WriteHostLine(LOG_ERROR, Description() + (bTooLong ? ": the item is too long, refused"
-                                                               : ": the queue is full, the item is refused"));
-        }
-        return false;
+    if (bytes.empty() || bytes.size() > CSendQueue::MOST_BYTES) {
+        return RefuseItem(m_wrongItemLine, "the item is too long");
     }
-    if (m_nRefusedInARow > 1) {
-        WriteHostLine(LOG_INFORMATION,
-                      Description() + ": items are taken again after " + std::to_string(m_nRefusedInARow) + " refused");
+    if (!m_queue.Push(bytes)) {
+        return RefuseItem(m_fullQueueLine, "the queue is full");
     }
-    m_nRefusedInARow = 0;
+    if (m_nRefusedLately > 0 && steady_clock::now() - m_tRefused >= REFUSALS_END) {
+        WriteHostLine(LOG_INFORMATION, Description() + ": items are taken again after " +
+                                           std::to_string(std::exchange(m_nRefusedLately, 0)) + " refused");
+    }
+    m_bLastShownOnly = false;
     m_lastSent.Set(bytes);
     Write();
     return true;
+}
+
+/// Always false.
+bool CDeviceLink::RefuseItem(CLimitedLine& line, const char* pszReason) {
+    ++m_nRefused;
+    ++m_nRefusedLately;
+    m_tRefused = steady_clock::now();
+    line.Write(Description() + ": " + pszReason + ", the item is refused");
+    m_host.OnStateChanged();
+    return false;
 }
 
 void CDeviceLink::Write() {
@@ -162,25 +188,32 @@ void CDeviceLink::Write() {
     }
     m_bWriting = true;
     asio::async_write(m_socket, asio::buffer(bytes.data(), bytes.size()),
-                      [pSelf = shared_from_this()](const error_code& error, size_t) { pSelf->OnWritten(error); });
+                      [pSelf = shared_from_this(), nConnection = m_nConnection](const error_code& error, size_t) {
+                          pSelf->OnWritten(nConnection, error);
+                      });
 }
 
-void CDeviceLink::OnWritten(const error_code& error) {
+/// The connection that was written to may be over by now, and the next one be there.
+void CDeviceLink::OnWritten(unsigned long long nConnection, const error_code& error) {
     m_bWriting = false;
     m_queue.EndWrite(!error);
     m_host.OnStateChanged();
-    if (!error) {
-        Write();
-    } else if (m_socket.is_open()) {
+    if (error && nConnection == m_nConnection && m_socket.is_open()) {
         Disconnect(error.message());
     }
+    Write();
 }
 
 /// Close the connection; reading ends with it.
 void CDeviceLink::Disconnect(std::string strReason) {
     m_strDisconnectReason = std::move(strReason);
+    CloseSocket();
+}
+
+void CDeviceLink::CloseSocket() {
     error_code ignored;
     m_socket.close(ignored);
+    m_host.Gate().Wake();
 }
 
 /// Look from time to time whether the device still answers, until the connection ends.
@@ -203,38 +236,25 @@ void CDeviceLink::WatchAnswers() {
 Awaitable<void> CDeviceLink::Run() {
     while (!m_bStopped) {
         SetState(EState::Connecting);
-        std::string strProblem = co_await Connect();
-        m_bTried = true;
-        const bool bConnected = strProblem.empty();
-        if (bConnected && !m_bStopped) {
-            SetState(EState::Connected);
-            WriteHostLine(LOG_INFORMATION, Description() + " is connected");
-            if (m_pParser != nullptr) {
-                m_pParser->Reset();
+        std::string strProblem;
+        try {
+            strProblem = co_await Connect();
+            if (strProblem.empty() && !m_bStopped) {
+                strProblem = co_await Serve();
             }
-            WatchAnswers();
-            Write();
-            strProblem = co_await Read();
-            error_code ignored;
-            m_socket.close(ignored);
-            if (!m_bWriting) {
-                m_queue.DropBegunItem();
-            }
-            if (m_pFramedParser != nullptr) {
-                m_pFramedParser->Finish();
-            }
-            m_textLines.OnConnectionEnds();
-            CountRejected();
-            if (steady_clock::now() - m_tState >= GOOD_CONNECTION) {
-                m_backoff = SHORTEST_PAUSE;
-            }
+        } catch (...) {
+            ++m_nErrors;
+            strProblem = CaughtText();
         }
+        const bool bWasConnected = m_nState == EState::Connected;
+        EndConnection();
         if (m_bStopped) {
             break;
         }
         // Attempts that fail for the same reason as the one before aren't worth a line each.
-        if (bConnected || strProblem != m_strLastProblem) {
-            WriteHostLine(LOG_ERROR, Description() + (bConnected ? " was lost: " : " can't be reached: ") + strProblem);
+        if (bWasConnected || strProblem != m_strLastProblem) {
+            WriteHostLine(LOG_ERROR,
+                          Description() + (bWasConnected ? " was lost: " : " can't be reached: ") + strProblem);
         }
         m_strLastProblem = strProblem;
         SetState(EState::Waiting);
@@ -245,15 +265,15 @@ Awaitable<void> CDeviceLink::Run() {
 
 /// Connect; the reason when that fails, else nothing.
 Awaitable<std::string> CDeviceLink::Connect() {
-    m_socket = TcpSocket(m_context);
+    error_code error;
+    m_socket.close(error); // an attempt that failed leaves it open
     m_timer.expires_after(CONNECT_TIME);
-    m_timer.async_wait([pSelf = shared_from_this()](const error_code& error) {
-        if (!error && pSelf->m_nState == EState::Connecting) {
+    m_timer.async_wait([pSelf = shared_from_this()](const error_code& timerError) {
+        if (!timerError && pSelf->m_nState == EState::Connecting) {
             error_code ignored;
             pSelf->m_socket.close(ignored);
         }
     });
-    error_code error;
     co_await m_socket.async_connect(*m_setup.address, AwaitInto(error));
     m_timer.cancel();
     if (error == asio::error::operation_aborted) {
@@ -268,31 +288,64 @@ Awaitable<std::string> CDeviceLink::Connect() {
     co_return std::string();
 }
 
+/// Use the connection until it ends; returns why it did.
+Awaitable<std::string> CDeviceLink::Serve() {
+    SetState(EState::Connected);
+    WriteHostLine(LOG_INFORMATION, Description() + " is connected");
+    m_strDisconnectReason.clear();
+    if (m_pParser != nullptr) {
+        m_pParser->Reset();
+    }
+    WatchAnswers();
+    Write();
+    co_return co_await Read();
+}
+
+/// Also after an attempt to connect that failed.
+void CDeviceLink::EndConnection() {
+    CloseSocket();
+    m_timer.cancel();
+    ++m_nConnection;
+    m_queue.EndConnection();
+    if (m_pFramedParser != nullptr) {
+        m_pFramedParser->Finish();
+    }
+    m_textLines.OnConnectionEnds();
+    CountRejected();
+    if (m_nState == EState::Connected && steady_clock::now() - m_tState >= GOOD_CONNECTION) {
+        m_backoff = SHORTEST_PAUSE;
+    }
+}
+
 /// Read until the connection ends; returns why it did.
 Awaitable<std::string> CDeviceLink::Read() {
+    const bool bItems = m_setup.nParser == EDeviceParser::Framed || m_setup.nParser == EDeviceParser::JsonLines;
+    const size_t nAtOnce = bItems ? PARSED_AT_ONCE : m_received.size();
     for (;;) {
         error_code error;
         const size_t nBytes = co_await m_socket.async_read_some(asio::buffer(m_received), AwaitInto(error));
-        if (error == asio::error::eof) {
-            co_return "closed by the device";
-        }
-        if (error == asio::error::operation_aborted) {
+        if (!m_socket.is_open()) {
             co_return m_strDisconnectReason;
         }
         if (error) {
-            co_return error.message();
+            co_return error == asio::error::eof ? "closed by the device" : error.message();
         }
-        co_await m_host.Gate().Pass();
-        if (m_bStopped) {
-            co_return std::string();
-        }
-        m_nReceivedBytes += nBytes;
-        m_lastReceived.Set({m_received.data(), nBytes});
-        const bool bInStep = m_pParser == nullptr || m_pParser->Receive(m_received.data(), static_cast<int>(nBytes));
-        CountRejected();
-        m_host.OnStateChanged();
-        if (!bInStep) {
-            co_return "out of step: " + m_counts.strLastRejected;
+        for (size_t nBegin = 0; nBegin < nBytes; nBegin += nAtOnce) {
+            if (!co_await m_host.Gate().Pass(m_socket)) {
+                co_return m_strDisconnectReason;
+            }
+            if (nBegin == 0) {
+                m_nReceivedBytes += nBytes;
+                m_lastReceived.Set({m_received.data(), nBytes});
+            }
+            const size_t nLength = std::min(nAtOnce, nBytes - nBegin);
+            const bool bInStep =
+                m_pParser == nullptr || m_pParser->Receive(m_received.data() + nBegin, static_cast<int>(nLength));
+            CountRejected();
+            m_host.OnStateChanged();
+            if (!bInStep) {
+                co_return "out of step: " + m_counts.strLastRejected;
+            }
         }
     }
 }
@@ -327,7 +380,7 @@ void CDeviceLink::CountRejected() {
         const CFrameReader& reader = m_pFramedParser->Reader();
         m_counts.nRejected = reader.RefusedCount();
         m_counts.strLastRejected = reader.LastRefusal() ? FrameRefusalName(*reader.LastRefusal()) : "";
-    } else if (m_setup.nParser == EDeviceParser::Json) {
+    } else if (m_setup.nParser == EDeviceParser::JsonLines) {
         m_counts.nRejected = m_textLines.RefusedCount();
         m_counts.strLastRejected = m_textLines.LastRefusal() ? LineRefusalName(*m_textLines.LastRefusal()) : "";
     }
@@ -335,6 +388,7 @@ void CDeviceLink::CountRejected() {
 
 void CDeviceLink::SetState(EState nState) {
     m_nState = nState;
+    m_bTried = m_bTried || nState == EState::Connected || nState == EState::Waiting;
     m_tState = steady_clock::now();
     m_host.OnStateChanged();
 }

@@ -7,12 +7,13 @@
 #include <memory>
 #include <optional>
 
+#include "LimitedLine.h"
 #include "PlayControlParser.h"
 #include "SendQueue.h"
 #include "SocketTransport.h"
 #include "TextLines.h"
 
-enum class EDeviceParser { None, Direct, Framed, Json };
+enum class EDeviceParser { None, Direct, Framed, JsonLines };
 
 /// How a device is set up.
 struct SDeviceSetup {
@@ -62,12 +63,16 @@ private:
     std::unique_ptr<CZtSocketParser> MakeParser();
     Awaitable<void> Run();
     Awaitable<std::string> Connect();
+    Awaitable<std::string> Serve();
     Awaitable<std::string> Read();
     Awaitable<void> Pause();
     bool Queue(std::span<const unsigned char> bytes);
-    void OnWritten(const boost::system::error_code& error);
+    bool RefuseItem(CLimitedLine& line, const char* pszReason);
+    void OnWritten(unsigned long long nConnection, const boost::system::error_code& error);
     void WatchAnswers();
     void Disconnect(std::string strReason);
+    void CloseSocket();
+    void EndConnection();
     void SetState(EState nState);
     void CountRejected();
     std::string Description() const;
@@ -89,16 +94,23 @@ private:
     bool m_bTried = false;
     bool m_bStopped = false;
     bool m_bWriting = false;
-    std::string m_strLastProblem;      ///< why the connection isn't or wasn't there
-    std::string m_strDisconnectReason; ///< why this side closed it
+    unsigned long long m_nConnection = 0; ///< number of the present connection, or of the next one
+    std::string m_strLastProblem;         ///< why the connection isn't or wasn't there
+    std::string m_strDisconnectReason;    ///< why this side closed it
 
     CFrameWriter m_frameWriter;
     CSendQueue m_queue;
     unsigned long long m_nRefused = 0;
-    unsigned long long m_nRefusedInARow = 0;
+    unsigned long long m_nRefusedLately = 0; ///< since items were last taken without interruption
+    std::chrono::steady_clock::time_point m_tRefused;
+    CLimitedLine m_wrongItemLine{LOG_ERROR};
+    CLimitedLine m_fullQueueLine{LOG_ERROR};
+    unsigned long long m_nErrors = 0; ///< failures of this host over a connection
+    unsigned long long m_nShown = 0;  ///< items that were only shown
     std::array<unsigned char, 65536> m_received;
     unsigned long long m_nReceivedBytes = 0;
     SItemCounts m_counts;
     CLastBytes m_lastSent;
+    bool m_bLastShownOnly = false;
     CLastBytes m_lastReceived;
 };

@@ -1,5 +1,6 @@
 #include "EventWindows.h"
 
+#include <algorithm>
 #include <memory>
 #include <stdexcept>
 
@@ -34,8 +35,10 @@ CEventWindows::~CEventWindows() {
 }
 
 void CEventWindows::Pump() {
+    // Only these two: whatever else waits must not be handled in the middle of a request.
+    const auto [nFirst, nLast] = std::minmax(m_nEventMsg, m_nNotifyMsg);
     MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+    while (PeekMessageW(&message, nullptr, nFirst, nLast, PM_REMOVE)) {
         DispatchMessageW(&message);
     }
 }

@@ -20,7 +20,7 @@ public:
     HWND NotifyWindow() const { return m_hNotifyWnd; }
     UINT NotifyMessage() const { return m_nNotifyMsg; }
 
-    /// Handle all messages that wait.
+    /// Handle what nodes posted.
     void Pump();
 
 private:

@@ -3,16 +3,15 @@
 
 #include "Network.h"
 
+#include "Platform.h"
+
 /// Open, bind and listen. On an error the acceptor is closed.
 inline void OpenListener(TcpAcceptor& acceptor, const boost::asio::ip::tcp::endpoint& endpoint,
                          boost::system::error_code& error) {
     acceptor.open(endpoint.protocol(), error);
-#if !defined(BOOST_ASIO_WINDOWS)
-    // Connections of a program that has just ended don't keep the port; on Windows it would let two programs share it.
     if (!error) {
-        acceptor.set_option(boost::asio::socket_base::reuse_address(true), error);
+        LetPortBeReused(static_cast<std::uintptr_t>(acceptor.native_handle()));
     }
-#endif
     if (!error) {
         acceptor.bind(endpoint, error);
     }

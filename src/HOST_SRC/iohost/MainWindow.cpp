@@ -18,14 +18,16 @@ CMainWindow::CMainWindow() {
     windowClass.hInstance = GetModuleHandleW(nullptr);
     windowClass.lpszClassName = WINDOW_CLASS;
     RegisterClassW(&windowClass);
-    m_window.Attach(CreateWindowExW(0, WINDOW_CLASS, L"iohost", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                                    GetModuleHandleW(nullptr), nullptr));
+    m_hHiddenWnd = CreateWindowExW(0, WINDOW_CLASS, L"iohost", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                   GetModuleHandleW(nullptr), nullptr);
+    Show(nullptr);
     Set(true, true);
 }
 
 CMainWindow::~CMainWindow() {
     Application().m_pMainWnd = nullptr;
-    DestroyWindow(m_window.Detach());
+    m_window.Detach();
+    DestroyWindow(m_hHiddenWnd);
     UnregisterClassW(WINDOW_CLASS, GetModuleHandleW(nullptr));
 }
 
@@ -34,4 +36,9 @@ void CMainWindow::Set(bool bPresent, bool bEnabled) {
         m_window.EnableWindow(bEnabled ? TRUE : FALSE);
     }
     Application().m_pMainWnd = bPresent ? &m_window : nullptr;
+}
+
+void CMainWindow::Show(HWND hWnd) {
+    m_window.Detach();
+    m_window.Attach(hWnd != nullptr ? hWnd : m_hHiddenWnd);
 }

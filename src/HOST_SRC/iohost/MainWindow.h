@@ -15,6 +15,10 @@ public:
     /// Whether the application has a main window, and whether that is enabled.
     void Set(bool bPresent, bool bEnabled);
 
+    /// Let a window that can be seen be the main window; it stays the caller's. Null: the hidden one again.
+    void Show(HWND hWnd);
+
 private:
     CWnd m_window;
+    HWND m_hHiddenWnd;
 };

@@ -13,6 +13,7 @@ const char* const HELP_TEXT =
 
   iohost --stdio [options]               one JSON request a line on standard input, one reply a line on standard output
   iohost --listen ADDR:PORT [options]    serves the page and its WebSocket, for example 127.0.0.1:8040
+  iohost --window [options]              opens a render window and hands its keyboard and mouse to the nodes (Windows)
   iohost --device [ADDR:]PORT [options]  stands in for a play-control device: prints what it's sent, one JSON object a line
   iohost --describe markdown [options]   writes the reference of the node types, from the module itself
   iohost --replay FILE [options]         replays a recording with the clock as recorded, names each reply that isn't the
@@ -23,8 +24,9 @@ options
   --module FILE      the module (default: beside this program)
   --texts TABLE      display texts: keys, en or zh (default: en)
   --scene FILE       scene to start with (default: an empty one)
-  --record FILE      writes what comes in, with the replies, as a recording; with --stdio and --listen
-  --fps N            evaluations of the graph a second, with --listen (default: 60)
+  --record FILE      writes what comes in, with the replies, as a recording; with --stdio, --listen and --window
+  --fps N            evaluations of the graph a second, with --listen and --window (default: 60)
+  --size WxH         pixels of the window's inside, with --window (default: 1280x720)
   --web DIR          the page's files, with --listen (default: web beside this program)
   --control ADDR:PORT  takes remote-control records from other hosts, with --listen (default: takes none)
   --help             print this text
@@ -52,7 +54,8 @@ public:
             ParseOption(m_arguments[m_nNext++]);
         }
         if (!m_front) {
-            throw CRefusal("one of --stdio, --listen, --device, --describe and --replay is needed; --help tells more");
+            throw CRefusal(
+                "one of --stdio, --listen, --window, --device, --describe and --replay is needed; --help tells more");
         }
         m_options.nFront = *m_front;
         const bool bHelp = m_front == EFront::Help || m_front == EFront::Version;
@@ -62,11 +65,18 @@ public:
         if (m_pszDeviceOption != nullptr && m_front != EFront::Device && !bHelp) {
             Refuse(m_pszDeviceOption, "goes with --device only");
         }
-        if (!m_options.recordFile.empty() && m_front != EFront::Stdio && m_front != EFront::Page && !bHelp) {
-            Refuse("--record", "goes with --stdio and --listen only");
+        if (m_bFps && m_front != EFront::Page && m_front != EFront::Window && !bHelp) {
+            Refuse("--fps", "goes with --listen and --window only");
+        }
+        if (m_bSize && m_front != EFront::Window && !bHelp) {
+            Refuse("--size", "goes with --window only");
+        }
+        const bool bSession = m_front == EFront::Stdio || m_front == EFront::Page || m_front == EFront::Window;
+        if (!m_options.recordFile.empty() && !bSession && !bHelp) {
+            Refuse("--record", "goes with --stdio, --listen and --window only");
         }
         if (!m_options.sceneFile.empty() && (m_front == EFront::Describe || m_front == EFront::Replay)) {
-            Refuse("--scene", "goes with --stdio and --listen only");
+            Refuse("--scene", "goes with --stdio, --listen and --window only");
         }
     }
 
@@ -77,6 +87,8 @@ private:
         } else if (strName == "--listen") {
             ChooseFront(EFront::Page, strName);
             ParseAddress(strName, Value(strName), m_options.listen.strAddress, m_options.listen.nPort);
+        } else if (strName == "--window") {
+            ChooseFront(EFront::Window, strName);
         } else if (strName == "--device") {
             ChooseFront(EFront::Device, strName);
             ParseDevice(Value(strName));
@@ -102,8 +114,11 @@ private:
         } else if (strName == "--texts") {
             ParseTexts(Value(strName));
         } else if (strName == "--fps") {
-            m_pszPageOption = "--fps";
+            m_bFps = true;
             ParseFps(Value(strName));
+        } else if (strName == "--size") {
+            m_bSize = true;
+            ParseSize(Value(strName));
         } else if (strName == "--web") {
             m_pszPageOption = "--web";
             m_options.listen.webFolder = Value(strName);
@@ -135,7 +150,7 @@ private:
 
     void ChooseFront(EFront nFront, const std::string& strName) {
         if (m_front && m_front != nFront) {
-            Refuse(strName, "--stdio, --listen, --device, --describe and --replay exclude each other");
+            Refuse(strName, "--stdio, --listen, --window, --device, --describe and --replay exclude each other");
         }
         m_front = nFront;
     }
@@ -197,6 +212,18 @@ private:
             Refuse("--fps", Quoted(strValue) + " isn't a number above 0 and up to 1000");
         }
         m_options.listen.fFps = fFps;
+        m_options.window.fFps = fFps;
+    }
+
+    void ParseSize(const std::string& strValue) {
+        constexpr int MOST_PIXELS = 16384;
+        const size_t nBy = strValue.find('x');
+        const auto isSize = [](int nPixels) { return nPixels > 0 && nPixels <= MOST_PIXELS; };
+        if (nBy == std::string::npos || !ReadNumber(strValue.substr(0, nBy), m_options.window.nWidth) ||
+            !ReadNumber(strValue.substr(nBy + 1), m_options.window.nHeight) || !isSize(m_options.window.nWidth) ||
+            !isSize(m_options.window.nHeight)) {
+            Refuse("--size", Quoted(strValue) + " isn't a width and a height, as in 1280x720");
+        }
     }
 
     template <typename T>
@@ -210,6 +237,8 @@ private:
     SOptions& m_options;
     size_t m_nNext = 0;
     std::optional<EFront> m_front;
+    bool m_bFps = false;
+    bool m_bSize = false;
     const char* m_pszPageOption = nullptr;   ///< an option was given that only the page has
     const char* m_pszDeviceOption = nullptr; ///< an option was given that only the stand-in device has
 };

@@ -8,20 +8,22 @@
 
 #include "HostSetup.h"
 #include "PageServer.h"
+#include "RenderWindow.h"
 #include "StandInDevice.h"
 
-enum class EFront { Stdio, Page, Device, Describe, Replay, Help, Version };
+enum class EFront { Stdio, Page, Window, Device, Describe, Replay, Help, Version };
 
 struct SOptions {
     EFront nFront = EFront::Stdio;
     std::filesystem::path appFolder;
     std::filesystem::path moduleFile;
-    std::optional<ETextTable> texts; ///< none: English where the application folder has it, keys elsewhere
-    std::filesystem::path sceneFile; ///< loaded at the start; empty: none
-    std::filesystem::path recordFile; ///< for EFront::Stdio and Page; empty: nothing is recorded
+    std::optional<ETextTable> texts;  ///< none: English where the application folder has it, keys elsewhere
+    std::filesystem::path sceneFile;  ///< loaded at the start; empty: none
+    std::filesystem::path recordFile; ///< for EFront::Stdio, Page and Window; empty: nothing is recorded
     std::filesystem::path replayFile; ///< for EFront::Replay
-    SListenOptions listen;           ///< for EFront::Page
-    SStandInOptions device;          ///< for EFront::Device
+    SListenOptions listen;            ///< for EFront::Page
+    SWindowOptions window;            ///< for EFront::Window
+    SStandInOptions device;           ///< for EFront::Device
 };
 
 /// Read the arguments (without the program's name). Defaults lie in the program's folder. Nothing, with a message that

@@ -4,8 +4,6 @@
 #include "Listener.h"
 #include "WebSocketClient.h"
 
-#include <boost/asio/co_spawn.hpp>
-#include <boost/asio/detached.hpp>
 #include <boost/asio/signal_set.hpp>
 
 #include <csignal>
@@ -14,6 +12,7 @@
 #include <memory>
 #include <utility>
 
+#include "Caught.h"
 #include "FrameTimer.h"
 #include "Peers.h"
 #include "Session.h"
@@ -73,6 +72,7 @@ private:
 
     OrderedJson TakeObjectText(const SObjectAddress& object, const std::string& strText);
     void Frame();
+    void GuardedFrame();
     void TellHappened(const OrderedJson& happened, const CWebSocketClient* pButFor);
     void TellSceneChange();
     void TellHeld();
@@ -89,6 +89,7 @@ private:
     SteadyTimer m_goodbyeTimer{m_context};
     SteadyTimer m_acceptTimer{m_context};
     CFrameTimer m_frameTimer;
+    CLimitedLine m_frameLine{LOG_ERROR};
     std::unique_ptr<const SHttpSite> m_pSite; ///< once it listens
     std::string m_strAddress;
     std::map<const CWebSocketClient*, SClient> m_clients;
@@ -103,7 +104,7 @@ private:
 
 CPageServer::CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files)
     : m_session(session), m_fFps(options.fFps), m_files(files), m_terminal(session, std::cout),
-      m_frameTimer(m_context, options.fFps, [this] { Frame(); }), m_nToldSceneVersion(session.SceneVersion()) {}
+      m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }), m_nToldSceneVersion(session.SceneVersion()) {}
 
 std::string CPageServer::Listen(const asio::ip::tcp::endpoint& endpoint) {
     error_code error;
@@ -125,15 +126,15 @@ void CPageServer::Run() {
         std::cout << "iohost: whoever reaches this address can drive the nodes\n";
     }
     std::cout.flush();
+    GuardedFrame(); // nodes take items once they have been evaluated
     m_session.Peers().RunAlways();
     if (const unsigned short nPort = ConfiguredBroadcastPort(); nPort != 0) {
         m_session.Peers().KeepReceivingBroadcasts(nPort);
     }
     AwaitSignal();
-    asio::co_spawn(
-        m_context, [this] { return AcceptConnections(); }, asio::detached);
+    Spawn(m_context, "the page's connections aren't taken any longer", [this] { return AcceptConnections(); });
     m_frameTimer.Start();
-    m_context.run();
+    RunLoop([this] { m_context.run(); });
 }
 
 Awaitable<void> CPageServer::AcceptConnections() {
@@ -150,13 +151,18 @@ Awaitable<void> CPageServer::AcceptConnections() {
             co_await m_acceptTimer.async_wait(AwaitInto(error));
         } else if (m_nConnections < MOST_CONNECTIONS) {
             ++m_nConnections;
-            asio::co_spawn(m_context, Serve(std::move(socket)), asio::detached);
+            Spawn(m_context, "a connection of the page",
+                  [this, socket = std::move(socket)]() mutable { return Serve(std::move(socket)); });
         }
     }
 }
 
 Awaitable<void> CPageServer::Serve(TcpSocket socket) {
-    co_await ServeHttpConnection(std::move(socket), *m_pSite);
+    try {
+        co_await ServeHttpConnection(std::move(socket), *m_pSite);
+    } catch (...) {
+        WriteHostLine(LOG_ERROR, "a connection of the page failed: " + CaughtText());
+    }
     --m_nConnections;
 }
 
@@ -237,6 +243,11 @@ OrderedJson CPageServer::TakeObjectText(const SObjectAddress& object, const std:
     return reply;
 }
 
+/// The next frame comes whatever becomes of this one.
+void CPageServer::GuardedFrame() {
+    DoGuarded(m_frameLine, "a frame failed", [this] { Frame(); });
+}
+
 void CPageServer::Frame() {
     ++m_nFrame;
     OrderedJson happened = m_session.TakeHappened();
@@ -309,6 +320,18 @@ void CPageServer::SendToAll(const OrderedJson& push, const CWebSocketClient* pBu
     }
 }
 
+/// False, with a message on standard error, when the port can't be had.
+bool ListenForRecords(CSession& session, const SListenOptions& options) {
+    try {
+        session.Peers().Listen(
+            {.address = options.strControlAddress, .broadcast = {}, .control = options.nControlPort});
+    } catch (const CRefusal& refusal) {
+        std::cerr << "iohost: --control: " << refusal.what() << '\n';
+        return false;
+    }
+    return true;
+}
+
 } // namespace
 
 int RunPageServer(CSession& session, const SListenOptions& options) {
@@ -335,14 +358,10 @@ int RunPageServer(CSession& session, const SListenOptions& options) {
                       << "; --listen ADDR:PORT chooses another address or port\n";
             return EXIT_REFUSED;
         }
-        if (!options.strControlAddress.empty()) {
-            session.Peers().Listen(
-                {.address = options.strControlAddress, .broadcast = {}, .control = options.nControlPort});
+        if (!options.strControlAddress.empty() && !ListenForRecords(session, options)) {
+            return EXIT_REFUSED;
         }
         server.Run();
-    } catch (const CRefusal& refusal) {
-        std::cerr << "iohost: --control: " << refusal.what() << '\n';
-        return EXIT_REFUSED;
     } catch (const std::filesystem::filesystem_error& problem) {
         std::cerr << "iohost: --web: the page's files can't be read: " << problem.what() << '\n';
         return EXIT_REFUSED;

@@ -1,5 +1,7 @@
 #include "PeerLoop.h"
 
+#include <boost/asio/post.hpp>
+
 #include <algorithm>
 
 #include "RecordJson.h"
@@ -8,17 +10,41 @@ namespace {
 
 constexpr size_t MOST_KEPT = 256;
 
+/// How long items are handled before the loop sees to something else; much shorter than a frame.
+constexpr std::chrono::milliseconds LONGEST_TURN{2};
+
 } // namespace
 
-CReadGate::CReadGate(boost::asio::io_context& context) : m_timer(context, SteadyTimer::time_point::max()) {}
+CReadGate::CReadGate(boost::asio::io_context& context)
+    : m_context(context), m_timer(context, SteadyTimer::time_point::max()) {}
 
 void CReadGate::Open() {
     m_bOpen = true;
-    m_timer.cancel();
+    Wake();
 }
 
-Awaitable<void> CReadGate::Pass() {
-    while (!m_bOpen) {
+void CReadGate::OpenInTurns() {
+    m_bInTurns = true;
+    Open();
+}
+
+/// A turn begins with its first item. It ends when the loop has come to all that waited then.
+bool CReadGate::MayPass() {
+    if (!m_bOpen || !m_bInTurns) {
+        return m_bOpen;
+    }
+    const auto tNow = std::chrono::steady_clock::now();
+    if (!m_tTurnEnd) {
+        m_tTurnEnd = tNow + LONGEST_TURN;
+        boost::asio::post(m_context, [this] { m_tTurnEnd.reset(); });
+    }
+    return tNow < *m_tTurnEnd;
+}
+
+Awaitable<void> CReadGate::AwaitChance() {
+    if (m_bOpen) {
+        co_await boost::asio::post(m_context, boost::asio::use_awaitable_t<Executor>());
+    } else {
         boost::system::error_code ignored;
         co_await m_timer.async_wait(AwaitInto(ignored));
     }

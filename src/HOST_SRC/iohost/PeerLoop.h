@@ -3,6 +3,8 @@
 
 #include "Network.h"
 
+#include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -22,13 +24,34 @@ public:
     void Open();
     void Close() { m_bOpen = false; }
 
-    /// Returns once the gate is open.
-    Awaitable<void> Pass();
+    /// Open it for good, and from now on let items through for a few milliseconds at a time only, so that all that the
+    /// loop has to do otherwise, frames above all, comes in between.
+    void OpenInTurns();
+
+    /// Returns once items may be handled: true. Or false, when the socket has been closed; whoever closes it calls
+    /// Wake.
+    template <typename Socket>
+    Awaitable<bool> Pass(const Socket& socket) {
+        while (socket.is_open() && !MayPass()) {
+            co_await AwaitChance();
+        }
+        co_return socket.is_open();
+    }
+    void Wake() { m_timer.cancel(); }
 
 private:
+    bool MayPass();
+    Awaitable<void> AwaitChance();
+
+    boost::asio::io_context& m_context;
     SteadyTimer m_timer; ///< never expires by itself
     bool m_bOpen = false;
+    bool m_bInTurns = false;
+    std::optional<std::chrono::steady_clock::time_point> m_tTurnEnd; ///< none: no turn has begun
 };
+
+/// What is handed to a parser at once, so that a turn can end between items.
+inline constexpr size_t PARSED_AT_ONCE = 256;
 
 /// Hears of the items. All calls come from the host's one thread.
 class IPeerHost {
@@ -38,9 +61,13 @@ public:
     /// An item came in: hand it to the nodes. Whether one of them took it.
     virtual bool OnRecord(EPeer nFrom, EIODevice nDevice, CQORPanelRemoteCtrlData& record) = 0;
     virtual bool OnBroadcast(SBroadcastItem& item) = 0;
+    virtual bool OnDeviceText(int nDeviceId, const CString& strText) = 0;
 
     /// A node handed something to a device's socket.
     virtual void OnSent(OrderedJson entry) = 0;
+
+    /// How many bytes of it OnSent is to tell.
+    virtual size_t MostShownBytes() const { return SIZE_MAX; }
 
     /// Whether what nodes send is shown only.
     virtual bool IsListenOnly() const = 0;

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <utility>
 
+#include "Caught.h"
 #include "DeviceList.h"
 #include "Host.h"
 #include "HostLine.h"
@@ -72,8 +73,10 @@ template <typename Condition>
 void RunUntil(asio::io_context& context, unsigned nMilliseconds, Condition isMet) {
     const auto tEnd = steady_clock::now() + std::chrono::milliseconds(nMilliseconds);
     context.restart();
-    while (!isMet() && context.run_one_until(tEnd) > 0) {
-    }
+    RunLoop([&] {
+        while (!isMet() && context.run_one_until(tEnd) > 0) {
+        }
+    });
 }
 
 /// Stop the one and start the other; either may be null, and both the same.
@@ -91,19 +94,34 @@ void Replace(std::shared_ptr<Peer>& pPeer, const std::shared_ptr<Peer>& pNew) {
     }
 }
 
-/// A new listener of that kind on the endpoint, or the one that is there if it has the endpoint already.
+/// A new listener of that kind on the endpoint, or the one that is there if it has the endpoint already. One that has
+/// the port on another address gives it back for that.
 template <typename Peer, typename Endpoint>
 std::shared_ptr<Peer> OpenOrKeep(const std::shared_ptr<Peer>& pPeer, asio::io_context& context,
                                  const Endpoint& endpoint, IPeerHost& host, const char* pszField) {
-    if (pPeer != nullptr && pPeer->Endpoint() == endpoint) {
+    const bool bSamePort = pPeer != nullptr && endpoint.port() == pPeer->Port();
+    const bool bSame = pPeer != nullptr && (pPeer->Endpoint() == endpoint ||
+                                            (bSamePort && pPeer->Endpoint().address() == endpoint.address()));
+    if (bSame && pPeer->IsOpen()) {
         return pPeer;
     }
-    const auto pNew = std::make_shared<Peer>(context, endpoint, host);
-    const std::string strProblem = pNew->Open();
+    if (bSamePort) {
+        pPeer->CloseSocket();
+    }
+    const auto pOpened = bSame ? pPeer : std::make_shared<Peer>(context, endpoint, host);
+    const std::string strProblem = pOpened->Open();
     if (!strProblem.empty()) {
         Refuse(pszField, strProblem);
     }
-    return pNew;
+    return pOpened;
+}
+
+/// Let the listener that is there have its port again.
+template <typename Peer>
+void Reopen(const std::shared_ptr<Peer>& pPeer) {
+    if (pPeer != nullptr && !pPeer->IsOpen()) {
+        pPeer->Open(); // if that fails, it tries again by itself
+    }
 }
 
 } // namespace
@@ -168,13 +186,21 @@ OrderedJson CPeers::DeviceList() const {
 void CPeers::Listen(const SListenSetup& setup) {
     std::shared_ptr<CBroadcastReceiver> pBroadcast;
     std::shared_ptr<CControlListener> pControl;
-    if (setup.broadcast) {
-        const asio::ip::udp::endpoint endpoint(ReadAddress(setup, "0.0.0.0"), *setup.broadcast);
-        pBroadcast = OpenOrKeep(m_pBroadcast, m_context, endpoint, *this, "broadcast");
-    }
-    if (setup.control) {
-        const asio::ip::tcp::endpoint endpoint(ReadAddress(setup, "127.0.0.1"), *setup.control);
-        pControl = OpenOrKeep(m_pControl, m_context, endpoint, *this, "control");
+    try {
+        if (setup.broadcast) {
+            const asio::ip::udp::endpoint endpoint(ReadAddress(setup, "0.0.0.0"), *setup.broadcast);
+            pBroadcast = OpenOrKeep(m_pBroadcast, m_context, endpoint, *this, "broadcast");
+        }
+        if (setup.control) {
+            const asio::ip::tcp::endpoint endpoint(ReadAddress(setup, "127.0.0.1"), *setup.control);
+            pControl = OpenOrKeep(m_pControl, m_context, endpoint, *this, "control");
+        }
+    } catch (const CRefusal&) {
+        pBroadcast.reset();
+        pControl.reset();
+        Reopen(m_pBroadcast);
+        Reopen(m_pControl);
+        throw;
     }
     Replace(m_pBroadcast, pBroadcast);
     Replace(m_pControl, pControl);
@@ -228,14 +254,14 @@ OrderedJson CPeers::State() const {
 
 void CPeers::RunAlways() {
     m_bRunsAlways = true;
-    m_gate.Open();
+    m_gate.OpenInTurns();
     m_context.restart();
 }
 
 void CPeers::Poll() {
     if (!m_bRunsAlways) {
         m_context.restart();
-        m_context.poll();
+        RunLoop([this] { m_context.poll(); });
     }
 }
 
@@ -274,11 +300,24 @@ void CPeers::OnSent(OrderedJson entry) {
     m_host.Happened().OnSent(std::move(entry));
 }
 
-/// Hand an item to all nodes; whether one of them took it.
+/// Replies and recordings have all of it; what a running host shows is for people.
+size_t CPeers::MostShownBytes() const {
+    constexpr size_t MOST_SHOWN = 65536;
+    return m_bRunsAlways && m_pItemObserver == nullptr ? MOST_SHOWN : SIZE_MAX;
+}
+
+/// Hand an item to all nodes; whether one of them took it. An item that fails is logged, and the next ones come.
 bool CPeers::Dispatch(EPeer nFrom, const SIOEventRecord& record) {
+    bool bTaken = false;
+    DoGuarded(m_faultLine, "an item of the network failed", [&] { bTaken = HandOver(nFrom, record); });
+    return bTaken;
+}
+
+bool CPeers::HandOver(EPeer nFrom, const SIOEventRecord& record) {
     if (m_pItemObserver != nullptr) {
         m_pItemObserver->OnItemComes();
     }
+    const bool bTold = m_dispatched.is_array() || m_pItemObserver != nullptr;
     bool bTaken = false;
     OrderedJson results = OrderedJson::object();
     for (auto& [nOrder, node] : m_host.Scene().Nodes()) {
@@ -287,10 +326,15 @@ bool CPeers::Dispatch(EPeer nFrom, const SIOEventRecord& record) {
             const int nResult = m_host.Deliver(node, &record);
             bTaken = bTaken || (nResult != 0 && MayRead(node.guidType, record.m_nDevice, record.m_nEvent));
             result = nResult;
-        } catch (const CModuleFault& fault) {
-            WriteHostLine(LOG_ERROR, fault.what());
+        } catch (...) {
+            m_faultLine.Write(CaughtText());
         }
-        results[node.strHandle] = result;
+        if (bTold) {
+            results[node.strHandle] = std::move(result);
+        }
+    }
+    if (!bTold) {
+        return bTaken;
     }
     OrderedJson item = {{"from", PEER_NAMES[static_cast<size_t>(nFrom)]},
                         {"device", record.m_nDevice},

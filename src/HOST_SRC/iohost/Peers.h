@@ -96,10 +96,12 @@ private:
     bool OnBroadcast(SBroadcastItem& item) override;
     bool OnDeviceText(int nDeviceId, const CString& strText) override;
     void OnSent(OrderedJson entry) override;
+    size_t MostShownBytes() const override;
     bool IsListenOnly() const override { return m_bListenOnly; }
     void OnStateChanged() override { ++m_nStateVersion; }
 
     bool Dispatch(EPeer nFrom, const SIOEventRecord& record);
+    bool HandOver(EPeer nFrom, const SIOEventRecord& record);
     void StopDevices();
 
     CHost& m_host;
@@ -113,6 +115,7 @@ private:
     std::shared_ptr<CBroadcastReceiver> m_pBroadcast;
     std::shared_ptr<CControlListener> m_pControl;
     OrderedJson m_dispatched; ///< an array while Wait collects
+    CLimitedLine m_faultLine{LOG_ERROR};
     unsigned long long m_nStateVersion = 0;
     IItemObserver* m_pItemObserver = nullptr;
 };

@@ -1,6 +1,7 @@
 #include "SendQueue.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -34,7 +35,15 @@ void CSendQueue::EndWrite(bool bWritten) {
         m_itemSizes.Drop(1);
         ++(bWritten ? m_nSent : m_nLost);
     }
-    if (!bWritten) {
+    const bool bConnectionOver = std::exchange(m_bConnectionOver, false);
+    if (!bWritten || bConnectionOver) {
+        DropBegunItem();
+    }
+}
+
+void CSendQueue::EndConnection() {
+    m_bConnectionOver = !m_writing.empty();
+    if (!m_bConnectionOver) {
         DropBegunItem();
     }
 }

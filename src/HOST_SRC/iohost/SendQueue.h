@@ -20,8 +20,9 @@ public:
     /// nobody knows how much of them arrived.
     void EndWrite(bool bWritten);
 
-    /// The connection is gone while nothing was being written: the rest of an item that was begun is lost.
-    void DropBegunItem();
+    /// The connection is over: the rest of an item that was begun is lost, at once or, while something is being
+    /// written, with EndWrite. The next connection begins with a whole item.
+    void EndConnection();
 
     /// What waits or is being written.
     std::size_t ItemCount() const { return m_itemSizes.Size(); }
@@ -31,6 +32,8 @@ public:
     unsigned long long LostCount() const { return m_nLost; } ///< items
 
 private:
+    void DropBegunItem();
+
     /// Elements side by side, taken off at the front. Keeps its storage.
     template <typename T>
     class CFifo {
@@ -61,6 +64,7 @@ private:
     CFifo<std::size_t> m_itemSizes;
     std::size_t m_nBegun = 0; ///< bytes of the first item that were written already
     std::vector<unsigned char> m_writing;
+    bool m_bConnectionOver = false; ///< while something was being written
     unsigned long long m_nSent = 0;
     unsigned long long m_nLost = 0;
 };

@@ -50,6 +50,9 @@ public:
     /// The network of the session. A front that runs its loop says so to it.
     CPeers& Peers() { return m_pHost->Peers(); }
 
+    /// What nodes take for the application's main window.
+    CMainWindow& MainWindow() { return m_pHost->MainWindow(); }
+
     /// One evaluation of the whole graph. Returns what happened: an object of lists, empty when nothing did.
     OrderedJson Frame();
 

@@ -29,6 +29,9 @@ namespace {
 /// What a sender that doesn't read may leave unanswered; more isn't answered at all.
 constexpr size_t MOST_ANSWER_BYTES = size_t{4} << 20;
 
+/// Connections that are kept without being read from. It can't be seen when their senders are gone.
+constexpr size_t MOST_STALLED = 64;
+
 /// Prints one object a line; a closed output ends the program.
 class CLines {
 public:
@@ -69,6 +72,7 @@ public:
         }
         m_socket.close(error);
         m_answers.clear();
+        m_answerTimer.cancel();
         m_parser.Finish();
         PrintRejected();
         m_lines.Print({{"connection", m_nNumber}, {"closed", strReason}});
@@ -92,7 +96,9 @@ private:
         std::uint64_t nRead = 0;
         for (;;) {
             error_code error;
-            const size_t nBytes = co_await m_socket.async_read_some(asio::buffer(m_received), AwaitInto(error));
+            const std::uint64_t nMost = m_options.dropAfter ? *m_options.dropAfter - nRead : m_received.size();
+            const size_t nBytes = co_await m_socket.async_read_some(
+                asio::buffer(m_received, static_cast<size_t>(nMost)), AwaitInto(error));
             if (error == asio::error::eof) {
                 co_return "by the sender";
             }
@@ -192,18 +198,26 @@ private:
 };
 
 Awaitable<void> AcceptConnections(TcpAcceptor& acceptor, const SStandInOptions& options, CLines& lines,
-                                  std::vector<std::shared_ptr<CStandInConnection>>& stalled) {
-    for (int nNumber = 1;; ++nNumber) {
+                                  std::deque<std::shared_ptr<CStandInConnection>>& stalled) {
+    constexpr std::chrono::milliseconds PAUSE{100};
+
+    SteadyTimer timer(acceptor.get_executor());
+    for (int nNumber = 1;;) {
         error_code error;
         TcpSocket socket(acceptor.get_executor());
         co_await acceptor.async_accept(socket, AwaitInto(error));
         if (error) {
             lines.Print({{"problem", error.message()}});
-            co_return;
+            timer.expires_after(PAUSE);
+            co_await timer.async_wait(AwaitInto(error));
+            continue;
         }
-        const auto pConnection = std::make_shared<CStandInConnection>(std::move(socket), nNumber, options, lines);
+        const auto pConnection = std::make_shared<CStandInConnection>(std::move(socket), nNumber++, options, lines);
         if (options.bStall) {
             stalled.push_back(pConnection);
+            if (stalled.size() > MOST_STALLED) {
+                stalled.pop_front();
+            }
         }
         asio::co_spawn(
             acceptor.get_executor(), [pConnection] { return pConnection->Run(); }, asio::detached);
@@ -222,7 +236,7 @@ int RunStandInDevice(const SStandInOptions& options, std::ostream& output) {
         return EXIT_REFUSED;
     }
     asio::io_context context{1};
-    std::vector<std::shared_ptr<CStandInConnection>> stalled;
+    std::deque<std::shared_ptr<CStandInConnection>> stalled;
     TcpAcceptor acceptor(context);
     OpenListener(acceptor, {address, options.nPort}, error);
     if (error) {

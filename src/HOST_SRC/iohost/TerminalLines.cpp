@@ -12,6 +12,15 @@ std::string TextOr(const OrderedJson& object, const char* pszField, const char* 
     return found != object.end() && found->is_string() ? found->get<std::string>() : pszDefault;
 }
 
+/// Which of an output's values its type and control make it show.
+const char* ValueThatCounts(const OrderedJson& output) {
+    const int nType = output.at("type").get<int>();
+    const int nControl = output.at("control").get<int>();
+    return nType == PARAM_STRING.m_nType                                        ? "string"
+           : nType == PARAM_FLOAT.m_nType && nControl == PARAM_FLOAT.m_nControl ? "float"
+                                                                                : "int";
+}
+
 } // namespace
 
 void CTerminalLines::Print(const OrderedJson& happened) {
@@ -55,15 +64,37 @@ void CTerminalLines::ReadNames() {
         }
         for (const OrderedJson& group : details.at("outputs")) {
             for (const OrderedJson& output : group.at("params")) {
-                names.outputs.emplace(output.at("id").get<int>(), TextOr(output, "name", ""));
+                const int nId = output.at("id").get<int>();
+                names.outputs.emplace(nId, TextOr(output, "name", ""));
+                names.values.emplace(nId, ValueThatCounts(output));
             }
         }
     }
 }
 
 std::string CTerminalLines::EventLine(const OrderedJson& posted) const {
-    const std::string strHandle = TextOr(posted, "node", "?");
     const int nOutput = posted.at("output").is_number() ? posted.at("output").get<int>() : 0;
+    return PrintableText("event  " + OutputText(TextOr(posted, "node", "?"), nOutput));
+}
+
+void CTerminalLines::PrintOutputs(const OrderedJson& changed) {
+    ReadNames();
+    for (const auto& [strHandle, outputs] : changed.items()) {
+        const auto names = m_names.find(strHandle);
+        for (const auto& [strId, values] : outputs.items()) {
+            const int nOutput = std::stoi(strId);
+            if (names != m_names.end() && names->second.values.contains(nOutput)) {
+                const OrderedJson& value = values.at(names->second.values.at(nOutput));
+                m_stream << PrintableText("output  " + OutputText(strHandle, nOutput) + " = " + ReplyText(value))
+                         << '\n';
+            }
+        }
+    }
+    m_stream.flush();
+}
+
+/// Clip and graph node of a node, id and name of its output.
+std::string CTerminalLines::OutputText(const std::string& strHandle, int nOutput) const {
     std::string strPlace = strHandle; // of a node that is gone by now
     std::string strOutput;
     if (const auto names = m_names.find(strHandle); names != m_names.end()) {
@@ -72,7 +103,7 @@ std::string CTerminalLines::EventLine(const OrderedJson& posted) const {
             strOutput = " " + output->second;
         }
     }
-    return PrintableText("event  " + strPlace + "  " + std::to_string(nOutput) + strOutput);
+    return strPlace + "  " + std::to_string(nOutput) + strOutput;
 }
 
 std::string PrintableText(const std::string& strText) {

@@ -16,15 +16,20 @@ public:
     /// Prints what happened, in the form in which the session tells it.
     void Print(const OrderedJson& happened);
 
+    /// Prints the new values of outputs, as COutputChanges tells them.
+    void PrintOutputs(const OrderedJson& changed);
+
 private:
     /// How a node and its outputs are called.
     struct SNodeNames {
         std::string strPlace; ///< clip and graph node
         std::map<int, std::string> outputs;
+        std::map<int, const char*> values; ///< which of an output's values counts
     };
 
     void ReadNames();
     std::string EventLine(const OrderedJson& posted) const;
+    std::string OutputText(const std::string& strHandle, int nOutput) const;
 
     CSession& m_session;
     std::ostream& m_stream;

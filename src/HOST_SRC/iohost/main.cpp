@@ -78,6 +78,8 @@ int RunSession(const SOptions& options) {
     int nExitCode = 0;
     if (options.nFront == EFront::Page) {
         nExitCode = RunPageServer(*pSession, options.listen);
+    } else if (options.nFront == EFront::Window) {
+        nExitCode = RunRenderWindow(*pSession, options.window);
     } else {
         RunStdio(*pSession, std::cin, std::cout);
     }
@@ -90,6 +92,7 @@ int RunSession(const SOptions& options) {
 int main(int nArguments, char** ppszArguments) {
     std::ios::sync_with_stdio(false);
     PrepareStandardStreams();
+    AllowManySockets();
     std::string strError;
     const auto options = ParseOptions({ppszArguments + 1, ppszArguments + nArguments}, ProgramFolder(), strError);
     if (!options) {

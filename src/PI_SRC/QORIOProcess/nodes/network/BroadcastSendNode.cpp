@@ -1,5 +1,6 @@
 #include "nodes/network/BroadcastSendNode.h"
 
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -40,7 +41,7 @@ int ReadBroadcastPort() {
 
 } // namespace
 
-CBroadcastIOProcess::CBroadcastIOProcess() : m_nPort(ReadBroadcastPort()) {
+CBroadcastIOProcess::CBroadcastIOProcess() {
     m_nKindCode = KIND_IO_PROCESS;
     m_guidType = GUID_IOPROCESS_BROADCAST_SEND;
     AppendInputGroup(m_lstParamGroup, INPUT_GROUP_ROW);
@@ -63,6 +64,7 @@ int CBroadcastIOProcess::ProcessNode(SGraphNode* pGraphNode) {
 
 /// The host has started Windows Sockets by now; a process where it hasn't gets no socket, and nothing is started.
 void CBroadcastIOProcess::OpenSocket() {
+    m_nPort = ReadBroadcastPort();
     m_hSocket = socket(AF_INET, SOCK_DGRAM, 0);
     if (m_hSocket == INVALID_SOCKET) {
         return;
@@ -114,6 +116,7 @@ void CBroadcastIOProcess::SendText() {
         m_nBufferSize = m_pBuffer != nullptr ? nLength : 0;
     }
     if (m_pBuffer != nullptr) {
+        std::memset(m_pBuffer.get(), 0, static_cast<size_t>(nLength));
         WideCharToMultiByte(CP_ACP, WC_COMPOSITECHECK, m_strText, -1, m_pBuffer.get(), nLength, nullptr, nullptr);
     }
     sendto(m_hSocket, m_pBuffer.get(), nLength, 0, reinterpret_cast<const sockaddr*>(&m_addrDestination),

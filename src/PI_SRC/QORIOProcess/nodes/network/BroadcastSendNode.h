@@ -26,7 +26,7 @@ private:
     CString m_strName;
     CString m_strData;
 
-    int m_nPort; ///< as configured; the low 16 bits count
+    int m_nPort = 0; ///< as configured; the low 16 bits count
     SOCKET m_hSocket = INVALID_SOCKET;
     sockaddr_in m_addrDestination = {}; ///< stays unset without a socket
 

@@ -185,8 +185,11 @@ void CNetParameterSendIOProcess::ReadInputs(SGraphNode& graphNode) {
     };
     readText(INPUT_DEV_ID, m_strDevID);
     readText(INPUT_DEV_NAME, m_strDevName);
-    if (FollowToDev(*this, graphNode, DEVICE_INPUTS, m_bToDev) && m_bToDev == 0) {
-        ForgetDevice();
+    if (FollowToDev(*this, graphNode, DEVICE_INPUTS, m_bToDev)) {
+        if (m_bToDev == 0) {
+            ForgetDevice();
+        }
+        RedrawPanel(*this, graphNode);
     }
     readText(INPUT_CLIP_NAME, m_strClipName);
     readText(INPUT_GROUP_NAME, m_strGroupName);

@@ -7,15 +7,6 @@ namespace {
 /// The notification that makes the editor redraw a node's panel; wParam is 0.
 constexpr LPARAM NOTIFY_REDRAW = 1;
 
-void RedrawPanel(const VEKProperty& node, SGraphNode& graphNode) {
-    if (node.m_pOwnerClip != nullptr) {
-        node.m_pOwnerClip->m_refNodeInfo.UpdateNodeByProperty(&graphNode);
-    }
-    if (node.m_hNotifyWnd != nullptr && node.m_nNotifyMsg != 0) {
-        PostMessageW(node.m_hNotifyWnd, node.m_nNotifyMsg, 0, NOTIFY_REDRAW);
-    }
-}
-
 } // namespace
 
 void OfferDeviceInputs(VEKProperty& node, const DeviceInputs& inputs, int bToDev) {
@@ -29,13 +20,21 @@ void OfferDeviceInputs(VEKProperty& node, const DeviceInputs& inputs, int bToDev
     }
 }
 
-bool FollowToDev(VEKProperty& node, SGraphNode& graphNode, const DeviceInputs& inputs, int& bToDev) {
+bool FollowToDev(VEKProperty& node, const SGraphNode& graphNode, const DeviceInputs& inputs, int& bToDev) {
     const VEKParam* pToDev = FindInput(node, graphNode, inputs.nToDev);
     if (pToDev == nullptr || pToDev->m_nValue == bToDev) {
         return false;
     }
     bToDev = pToDev->m_nValue;
     OfferDeviceInputs(node, inputs, bToDev);
-    RedrawPanel(node, graphNode);
     return true;
+}
+
+void RedrawPanel(const VEKProperty& node, SGraphNode& graphNode) {
+    if (node.m_pOwnerClip != nullptr) {
+        node.m_pOwnerClip->m_refNodeInfo.UpdateNodeByProperty(&graphNode);
+    }
+    if (node.m_hNotifyWnd != nullptr && node.m_nNotifyMsg != 0) {
+        PostMessageW(node.m_hNotifyWnd, node.m_nNotifyMsg, 0, NOTIFY_REDRAW);
+    }
 }

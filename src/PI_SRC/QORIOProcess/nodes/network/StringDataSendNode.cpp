@@ -1,6 +1,7 @@
 #include "nodes/network/StringDataSendNode.h"
 
 #include <iterator>
+#include <new>
 
 #include "host/NodeSupport.h"
 #include "host/NodeTables.h"
@@ -96,7 +97,9 @@ int CStringDataSendIOProcess::UpdateSingleParamValue(const GUID& guid) {
     if (m_pGraphNode == nullptr || !NeedUpdateSingleParam(guid)) {
         return 0;
     }
-    FollowToDev(*this, *m_pGraphNode, DEVICE_INPUTS, m_bToDev);
+    if (FollowToDev(*this, *m_pGraphNode, DEVICE_INPUTS, m_bToDev)) {
+        RedrawPanel(*this, *m_pGraphNode);
+    }
     return 1;
 }
 
@@ -147,9 +150,15 @@ void CStringDataSendIOProcess::Send(const SQORNetPlayCtrlDev* pDevice, const CSt
     const CodeTypeRow& codeType = CODE_TYPES[nCodeType];
     const int nLength = WideCharToMultiByte(codeType.nCodePage, 0, strText, -1, nullptr, 0, nullptr, nullptr);
     const size_t nZero = static_cast<size_t>(nLength) + codeType.nZeroBehind;
-    m_arByte.resize(nZero + 1);
-    WideCharToMultiByte(codeType.nCodePage, 0, strText, -1, reinterpret_cast<char*>(m_arByte.data()), nLength, nullptr,
+    if (nZero >= m_nBufferSize) {
+        m_pBuffer.reset(new (std::nothrow) unsigned char[nZero + 1]);
+        m_nBufferSize = m_pBuffer != nullptr ? nZero + 1 : 0;
+    }
+    if (m_pBuffer == nullptr) {
+        return;
+    }
+    WideCharToMultiByte(codeType.nCodePage, 0, strText, -1, reinterpret_cast<char*>(m_pBuffer.get()), nLength, nullptr,
                         nullptr);
-    m_arByte[nZero] = 0;
-    pDevice->m_pSocket->SendInfo(m_arByte.data(), nLength);
+    m_pBuffer[nZero] = 0;
+    pDevice->m_pSocket->SendInfo(m_pBuffer.get(), nLength);
 }

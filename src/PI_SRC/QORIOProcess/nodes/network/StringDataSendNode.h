@@ -1,7 +1,7 @@
 // String data send node: writes a text as bytes to one or all of the host's play-control devices.
 #pragma once
 
-#include <vector>
+#include <memory>
 
 #include "host/HostNetwork.h"
 
@@ -19,7 +19,10 @@ public:
 private:
     void Send(const SQORNetPlayCtrlDev* pDevice, const CString& strText, int nCodeType);
 
-    SGraphNode* m_pGraphNode = nullptr;  ///< graph node last handed to ProcessNode; not owned
-    int m_bToDev = 0;                    ///< "ToDev" as the panel was last told
-    std::vector<unsigned char> m_arByte; ///< kept from one send to the next, so that a steady sender allocates nothing
+    SGraphNode* m_pGraphNode = nullptr; ///< graph node last handed to ProcessNode; not owned
+    int m_bToDev = 0;                   ///< "ToDev" as the panel was last told
+
+    // Kept from one send to the next, so that a steady sender allocates nothing.
+    std::unique_ptr<unsigned char[]> m_pBuffer;
+    size_t m_nBufferSize = 0;
 };
