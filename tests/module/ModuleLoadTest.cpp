@@ -77,14 +77,6 @@ TEST_F(ModuleLoad, IsInTheFrameworksListOfModulesWhileLoaded) {
     EXPECT_EQ(CompatExtensionModuleCount(), 1);
 }
 
-TEST_F(ModuleLoad, LendsItsIconsToTheProgram) {
-    EXPECT_EQ(AfxFindResourceHandle(MAKEINTRESOURCEW(7000), RT_GROUP_ICON), m_host.Module());
-    EXPECT_NE(AfxFindResourceHandle(MAKEINTRESOURCEW(7008), RT_GROUP_ICON), m_host.Module());
-    const HMODULE hModule = m_host.Module();
-    m_host.Unload();
-    EXPECT_NE(AfxFindResourceHandle(MAKEINTRESOURCEW(7000), RT_GROUP_ICON), hModule);
-}
-
 TEST_F(ModuleLoad, RefusesLoadingWhenTheFrameworkFails) {
     m_host.Unload();
     CompatFailExtensionModuleInit(true);

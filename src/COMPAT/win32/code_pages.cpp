@@ -19,21 +19,10 @@
 namespace {
 
 constexpr wchar_t g_chReplacement = 0xFFFD;
-constexpr unsigned g_nDefaultAnsiCodePage = 1252;
+std::atomic<unsigned> g_nAnsiCodePage = 1252;
 
 std::string IconvName(unsigned nCodePage) {
-    switch (nCodePage) {
-    case 936:
-        return "GBK";
-    case 20127:
-        return "ASCII";
-    case 54936:
-        return "GB18030";
-    default:
-        if (nCodePage >= 28591 && nCodePage <= 28605)
-            return "ISO-8859-" + std::to_string(nCodePage - 28590);
-        return "CP" + std::to_string(nCodePage);
-    }
+    return nCodePage == 936 ? "GBK" : "CP" + std::to_string(nCodePage);
 }
 
 struct SIconvCloser {
@@ -129,19 +118,8 @@ bool IsKnownCodePage(unsigned nCodePage) {
     return nCodePage == CP_UTF8 || FindCodePage(nCodePage) != nullptr;
 }
 
-std::atomic<unsigned>& AnsiCodePage() {
-    static std::atomic<unsigned> nAnsiCodePage = [] {
-        const char* pszSetting = std::getenv("COMPAT_ANSI_CODE_PAGE");
-        const unsigned nSetting =
-            pszSetting == nullptr ? 0 : static_cast<unsigned>(std::strtoul(pszSetting, nullptr, 10));
-        return nSetting != 0 && IsKnownCodePage(nSetting) ? nSetting : g_nDefaultAnsiCodePage;
-    }();
-    return nAnsiCodePage;
-}
-
 unsigned ResolveCodePage(UINT nCodePage) {
-    return nCodePage == CP_ACP || nCodePage == CP_OEMCP || nCodePage == CP_THREAD_ACP ? AnsiCodePage().load()
-                                                                                      : nCodePage;
+    return nCodePage == CP_ACP ? g_nAnsiCodePage.load() : nCodePage;
 }
 
 int FailConversion(DWORD nError) {
@@ -153,19 +131,51 @@ bool IsCharacter(std::uint32_t nValue) {
     return nValue <= 0x10FFFF && (nValue & 0xFFFFF800) != 0xD800;
 }
 
-void AppendUtf8(std::string& strBytes, std::uint32_t nCharacter) {
-    const auto trail = [&](int nShift) { strBytes += static_cast<char>(0x80 | (nCharacter >> nShift & 0x3F)); };
+// Takes a conversion's result piece by piece: writes what there is room for and counts all of it. Nothing is allocated.
+template <class CHARACTER>
+class COutput {
+public:
+    COutput(CHARACTER* pOut, int nRoom) : m_pOut(pOut), m_nRoom(static_cast<std::size_t>(nRoom)) {}
+
+    void Append(CHARACTER ch) {
+        if (m_nCount < m_nRoom)
+            m_pOut[m_nCount] = ch;
+        m_nCount++;
+    }
+
+    void Append(std::basic_string_view<CHARACTER> str) {
+        for (const CHARACTER ch : str)
+            Append(ch);
+    }
+
+    // What the function returns, under the rules for lengths.
+    int Finish() const {
+        if (m_nCount > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+            return FailConversion(ERROR_INVALID_PARAMETER);
+        if (m_nRoom != 0 && m_nCount > m_nRoom)
+            return FailConversion(ERROR_INSUFFICIENT_BUFFER);
+        return static_cast<int>(m_nCount);
+    }
+
+private:
+    CHARACTER* m_pOut;
+    std::size_t m_nRoom; // 0: only counts
+    std::size_t m_nCount = 0;
+};
+
+void AppendUtf8(COutput<char>& output, std::uint32_t nCharacter) {
+    const auto trail = [&](int nShift) { output.Append(static_cast<char>(0x80 | (nCharacter >> nShift & 0x3F))); };
     if (nCharacter < 0x80)
-        strBytes += static_cast<char>(nCharacter);
+        output.Append(static_cast<char>(nCharacter));
     else if (nCharacter < 0x800) {
-        strBytes += static_cast<char>(0xC0 | nCharacter >> 6);
+        output.Append(static_cast<char>(0xC0 | nCharacter >> 6));
         trail(0);
     } else if (nCharacter < 0x10000) {
-        strBytes += static_cast<char>(0xE0 | nCharacter >> 12);
+        output.Append(static_cast<char>(0xE0 | nCharacter >> 12));
         trail(6);
         trail(0);
     } else {
-        strBytes += static_cast<char>(0xF0 | nCharacter >> 18);
+        output.Append(static_cast<char>(0xF0 | nCharacter >> 18));
         trail(12);
         trail(6);
         trail(0);
@@ -198,53 +208,36 @@ bool ReadUtf8(std::string_view strBytes, std::size_t& nPosition, std::uint32_t& 
     return true;
 }
 
-// Hands a finished conversion out under the rules for lengths; both functions end here.
-template <class CHARACTER>
-int Deliver(std::basic_string_view<CHARACTER> strResult, CHARACTER* pOut, int nOut) {
-    if (strResult.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
-        return FailConversion(ERROR_INVALID_PARAMETER);
-    if (nOut == 0)
-        return static_cast<int>(strResult.size());
-    if (strResult.size() > static_cast<std::size_t>(nOut))
-        return FailConversion(ERROR_INSUFFICIENT_BUFFER);
-    std::copy(strResult.begin(), strResult.end(), pOut);
-    return static_cast<int>(strResult.size());
-}
-
 } // namespace
 
 UINT WINAPI GetACP() {
-    return AnsiCodePage();
+    return g_nAnsiCodePage;
 }
 
 bool CompatSetAnsiCodePage(unsigned nCodePage) {
-    if (nCodePage <= CP_THREAD_ACP || !IsKnownCodePage(nCodePage))
+    if (nCodePage == CP_ACP || !IsKnownCodePage(nCodePage))
         return false;
-    AnsiCodePage() = nCodePage;
+    g_nAnsiCodePage = nCodePage;
     return true;
 }
 
 int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, int nWideLength, LPSTR pszBytes,
                                int nBytes, LPCSTR pszDefault, LPBOOL pbUsedDefault) {
-    constexpr DWORD nKnownFlags =
-        WC_DISCARDNS | WC_SEPCHARS | WC_DEFAULTCHAR | WC_ERR_INVALID_CHARS | WC_COMPOSITECHECK | WC_NO_BEST_FIT_CHARS;
     if (pszWide == nullptr || nWideLength == 0 || nBytes < 0 || (pszBytes == nullptr && nBytes != 0))
         return FailConversion(ERROR_INVALID_PARAMETER);
     nCodePage = ResolveCodePage(nCodePage);
-    if ((nFlags & ~nKnownFlags) != 0)
+    if ((nFlags & ~DWORD(WC_COMPOSITECHECK)) != 0)
         return FailConversion(ERROR_INVALID_FLAGS);
     const std::wstring_view strWide(pszWide,
                                     nWideLength < 0 ? std::wcslen(pszWide) + 1 : static_cast<std::size_t>(nWideLength));
-    std::string strResult;
+    COutput<char> output(pszBytes, nBytes);
     BOOL bUsedDefault = FALSE;
     if (nCodePage == CP_UTF8) {
         if (pszDefault != nullptr || pbUsedDefault != nullptr)
             return FailConversion(ERROR_INVALID_PARAMETER);
         for (const wchar_t ch : strWide) {
             const bool bValid = IsCharacter(static_cast<std::uint32_t>(ch));
-            if (!bValid && (nFlags & WC_ERR_INVALID_CHARS) != 0)
-                return FailConversion(ERROR_NO_UNICODE_TRANSLATION);
-            AppendUtf8(strResult, static_cast<std::uint32_t>(bValid ? ch : g_chReplacement));
+            AppendUtf8(output, static_cast<std::uint32_t>(bValid ? ch : g_chReplacement));
         }
     } else {
         const std::lock_guard lock(g_codePageMutex);
@@ -252,36 +245,41 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
         if (pCodePage == nullptr)
             return FailConversion(ERROR_INVALID_PARAMETER);
         for (const wchar_t ch : strWide) {
-            const auto strBytes = pCodePage->FromWide(ch);
-            if (!strBytes)
+            if (static_cast<std::uint32_t>(ch) < 0x80) {
+                output.Append(static_cast<char>(ch)); // in every code page
+                continue;
+            }
+            if (const auto strBytes = pCodePage->FromWide(ch))
+                output.Append(*strBytes);
+            else {
+                output.Append(pszDefault != nullptr ? *pszDefault : '?');
                 bUsedDefault = TRUE;
-            strResult += strBytes ? *strBytes : pszDefault != nullptr ? std::string(1, *pszDefault) : "?";
+            }
         }
     }
     if (pbUsedDefault != nullptr)
         *pbUsedDefault = bUsedDefault;
-    return Deliver<char>(strResult, pszBytes, nBytes);
+    return output.Finish();
 }
 
 int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR pszBytes, int nBytes, LPWSTR pszWide,
                                int nWideLength) {
-    constexpr DWORD nKnownFlags = MB_PRECOMPOSED | MB_COMPOSITE | MB_ERR_INVALID_CHARS;
     if (pszBytes == nullptr || nBytes == 0 || nWideLength < 0 || (pszWide == nullptr && nWideLength != 0))
         return FailConversion(ERROR_INVALID_PARAMETER);
     nCodePage = ResolveCodePage(nCodePage);
-    if ((nFlags & ~nKnownFlags) != 0)
+    if ((nFlags & ~DWORD(MB_ERR_INVALID_CHARS)) != 0)
         return FailConversion(ERROR_INVALID_FLAGS);
     const bool bStrict = (nFlags & MB_ERR_INVALID_CHARS) != 0;
     const std::string_view strBytes(pszBytes,
                                     nBytes < 0 ? std::strlen(pszBytes) + 1 : static_cast<std::size_t>(nBytes));
-    std::wstring strResult;
+    COutput<wchar_t> output(pszWide, nWideLength);
     if (nCodePage == CP_UTF8) {
         for (std::size_t nPosition = 0; nPosition < strBytes.size();) {
             std::uint32_t nCharacter = 0;
             const bool bValid = ReadUtf8(strBytes, nPosition, nCharacter);
             if (!bValid && bStrict)
                 return FailConversion(ERROR_NO_UNICODE_TRANSLATION);
-            strResult += bValid ? static_cast<wchar_t>(nCharacter) : g_chReplacement;
+            output.Append(bValid ? static_cast<wchar_t>(nCharacter) : g_chReplacement);
         }
     } else {
         const std::lock_guard lock(g_codePageMutex);
@@ -292,9 +290,9 @@ int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR pszBytes, in
             const auto character = pCodePage->ToWide(strBytes.substr(nPosition));
             if (!character && bStrict)
                 return FailConversion(ERROR_NO_UNICODE_TRANSLATION);
-            strResult += character ? character->ch : g_chReplacement;
+            output.Append(character ? character->ch : g_chReplacement);
             nPosition += character ? character->nBytes : 1;
         }
     }
-    return Deliver<wchar_t>(strResult, pszWide, nWideLength);
+    return output.Finish();
 }

@@ -4,8 +4,8 @@
 // accepts: '=' is the only separator, ';' comments stand on lines of their own, values keep a ';', lines and values
 // have no length limit, a line does not continue the one before. Its text converter and its order of names are
 // parameters, so code pages and case follow the Win32 functions. What it cannot tell is a section that occurs twice (it
-// joins them, Windows only looks into the first), so the sections are numbered before it reads them. One difference is
-// left: it takes lines that start with '#' as comments.
+// joins them, Windows only looks into the first), so it is given the lines of one section. One difference is left: it
+// takes lines that start with '#' as comments.
 
 #include "text.h"
 
@@ -18,13 +18,14 @@
 #include <iterator>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace {
 
-// The library's two customisation points.
-struct SNoCaseLess {
-    bool operator()(const wchar_t* pszLeft, const wchar_t* pszRight) const { return _wcsicmp(pszLeft, pszRight) < 0; }
+// The library's two customisation points: the order of names, and the text converter.
+struct SNameLess {
+    bool operator()(const wchar_t* pszLeft, const wchar_t* pszRight) const {
+        return FoldCase(pszLeft) < FoldCase(pszRight);
+    }
 };
 
 class CTextConverter {
@@ -42,7 +43,7 @@ public:
     }
 };
 
-typedef CSimpleIniTempl<wchar_t, SNoCaseLess, CTextConverter> IniFile;
+typedef CSimpleIniTempl<wchar_t, SNameLess, CTextConverter> IniFile;
 
 std::wstring Utf16ToWide(const std::string& strBytes, bool bBigEndian) {
     std::wstring strText;
@@ -72,16 +73,9 @@ std::optional<std::wstring> ReadText(const wchar_t* pszFileName) {
         return Utf16ToWide(strBytes, false);
     if (strBytes.starts_with("\xFE\xFF"))
         return Utf16ToWide(strBytes, true);
-    const bool bUtf8 = strBytes.starts_with("\xEF\xBB\xBF");
-    if (bUtf8)
-        return Utf8ToWide(strBytes.substr(3));
-    if (strBytes.empty())
-        return std::wstring();
-    const int nBytes = static_cast<int>(strBytes.size());
-    std::wstring strText(static_cast<std::size_t>(MultiByteToWideChar(CP_ACP, 0, strBytes.data(), nBytes, nullptr, 0)),
-                         L'\0');
-    MultiByteToWideChar(CP_ACP, 0, strBytes.data(), nBytes, strText.data(), static_cast<int>(strText.size()));
-    return strText;
+    if (strBytes.starts_with("\xEF\xBB\xBF"))
+        return ToWide(CP_UTF8, strBytes.substr(3));
+    return ToWide(CP_ACP, strBytes);
 }
 
 std::wstring Trimmed(const std::wstring& strText) {
@@ -92,88 +86,41 @@ std::wstring Trimmed(const std::wstring& strText) {
     return strText.substr(nFirst, strText.find_last_not_of(pszBlanks) - nFirst + 1);
 }
 
-// "[Name]" becomes "[1:Name]", the next section "[2:...]" and so on: each section gets a name of its own.
-std::wstring NumberSections(const std::wstring& strText) {
-    std::wstring strResult;
-    int nSection = 0;
+// The lines of the first section of that name, without the blanks around them; empty without one.
+std::wstring SectionLines(const std::wstring& strText, const wchar_t* pszSection) {
+    const std::wstring strWanted = FoldCase(Trimmed(pszSection));
+    std::wstring strLines;
+    bool bInside = false;
     for (std::size_t nStart = 0; nStart < strText.size();) {
         const std::size_t nEnd = std::min(strText.find_first_of(L"\r\n", nStart), strText.size());
         const std::wstring strLine = Trimmed(strText.substr(nStart, nEnd - nStart));
-        if (strLine.starts_with(L'['))
-            strResult += L"[" + std::to_wstring(++nSection) + L":" + strLine.substr(1) + L"\n";
-        else
-            strResult += strLine + L"\n";
         nStart = nEnd + 1;
+        const std::size_t nNameEnd = strLine.starts_with(L'[') ? strLine.find(L']') : std::wstring::npos;
+        if (nNameEnd == std::wstring::npos) {
+            if (bInside)
+                strLines += strLine + L"\n";
+        } else if (bInside)
+            break;
+        else
+            bInside = FoldCase(Trimmed(strLine.substr(1, nNameEnd - 1))) == strWanted;
     }
-    return strResult;
+    return strLines;
 }
 
-// A loaded file: the library, and its sections in file order with the names they have in the file.
-class CProfile {
-public:
-    explicit CProfile(const wchar_t* pszFileName) {
-        m_ini.SetMultiKey(true); // keeps all keys of one name, so that the first can be taken
-        const std::optional<std::wstring> strText = ReadText(pszFileName);
-        if (!strText)
-            return;
-        const std::string strBytes = WideToUtf8(NumberSections(*strText).c_str());
-        m_ini.LoadData(strBytes.data(), strBytes.size());
-
-        IniFile::TNamesDepend sections;
-        m_ini.GetAllSections(sections);
-        sections.sort(IniFile::Entry::LoadOrder());
-        for (const IniFile::Entry& section : sections) {
-            const wchar_t* pszSeparator = std::wcschr(section.pItem, L':');
-            if (pszSeparator != nullptr)
-                m_sections.push_back({Trimmed(pszSeparator + 1), section.pItem});
-        }
-    }
-
-    std::vector<std::wstring> SectionNames() const {
-        std::vector<std::wstring> names;
-        for (const SSection& section : m_sections)
-            names.push_back(section.strName);
-        return names;
-    }
-
-    std::vector<std::wstring> KeyNames(const wchar_t* pszSection) const {
-        std::vector<std::wstring> names;
-        const wchar_t* pszInternal = FindSection(pszSection);
-        IniFile::TNamesDepend keys;
-        if (pszInternal != nullptr && m_ini.GetAllKeys(pszInternal, keys)) {
-            keys.sort(IniFile::Entry::LoadOrder());
-            for (const IniFile::Entry& key : keys)
-                names.emplace_back(key.pItem);
-        }
-        return names;
-    }
-
-    std::optional<std::wstring> Value(const wchar_t* pszSection, const wchar_t* pszKey) const {
-        const wchar_t* pszInternal = FindSection(pszSection);
-        IniFile::TNamesDepend values;
-        if (pszInternal == nullptr || !m_ini.GetAllValues(pszInternal, Trimmed(pszKey).c_str(), values))
-            return std::nullopt;
-        values.sort(IniFile::Entry::LoadOrder());
-        return values.front().pItem;
-    }
-
-private:
-    struct SSection {
-        std::wstring strName;
-        const wchar_t* pszInternal; // the numbered name; belongs to the library
-    };
-
-    const wchar_t* FindSection(const wchar_t* pszSection) const {
-        const std::wstring strWanted = Trimmed(pszSection);
-        const auto found = std::find_if(m_sections.begin(), m_sections.end(), [&](const SSection& section) {
-            return _wcsicmp(section.strName.c_str(), strWanted.c_str()) == 0;
-        });
-        return found == m_sections.end() ? nullptr : found->pszInternal;
-    }
-
-    IniFile m_ini;
-    std::vector<SSection> m_sections;
-};
+std::optional<std::wstring> ReadValue(const wchar_t* pszSection, const wchar_t* pszKey, const wchar_t* pszFileName) {
+    const std::optional<std::wstring> strText = ReadText(pszFileName);
+    if (!strText)
+        return std::nullopt;
+    const std::string strBytes = WideToUtf8(SectionLines(*strText, pszSection));
+    IniFile section;
+    section.SetMultiKey(true); // keeps all keys of one name, so that the first can be taken
+    section.LoadData(strBytes.data(), strBytes.size());
+    IniFile::TNamesDepend values;
+    if (!section.GetAllValues(L"", Trimmed(pszKey).c_str(), values))
+        return std::nullopt;
+    values.sort(IniFile::Entry::LoadOrder());
+    return values.front().pItem;
+}
 
 std::wstring WithoutQuotes(const std::wstring& strValue) {
     const bool bQuoted = strValue.size() >= 2 && strValue.front() == strValue.back() &&
@@ -181,52 +128,10 @@ std::wstring WithoutQuotes(const std::wstring& strValue) {
     return bQuoted ? strValue.substr(1, strValue.size() - 2) : strValue;
 }
 
-DWORD CopyText(const std::wstring& strText, LPWSTR pszReturned, DWORD nSize) {
-    const std::size_t nLength = std::min<std::size_t>(strText.size(), nSize - 1);
-    std::wmemcpy(pszReturned, strText.data(), nLength);
-    pszReturned[nLength] = 0;
-    return static_cast<DWORD>(nLength);
-}
-
-DWORD CopyNames(const std::vector<std::wstring>& names, LPWSTR pszReturned, DWORD nSize) {
-    std::wstring strNames;
-    for (const std::wstring& strName : names)
-        strNames += strName + L'\0';
-    if (strNames.size() < nSize) {
-        std::wmemcpy(pszReturned, strNames.data(), strNames.size());
-        pszReturned[strNames.size()] = 0;
-        return static_cast<DWORD>(strNames.size());
-    }
-    // Cut: two zeros end the list, and the answer says so.
-    const DWORD nCopied = nSize < 2 ? 0 : nSize - 2;
-    std::wmemcpy(pszReturned, strNames.data(), nCopied);
-    std::wmemset(pszReturned + nCopied, 0, nSize - nCopied);
-    return nCopied;
-}
-
 } // namespace
 
-DWORD WINAPI GetPrivateProfileStringW(LPCWSTR pszSection, LPCWSTR pszKey, LPCWSTR pszDefault, LPWSTR pszReturned,
-                                      DWORD nSize, LPCWSTR pszFileName) {
-    if (pszReturned == nullptr || nSize == 0 || pszFileName == nullptr)
-        return 0;
-    const CProfile profile(pszFileName);
-    if (pszSection == nullptr)
-        return CopyNames(profile.SectionNames(), pszReturned, nSize);
-    if (pszKey == nullptr)
-        return CopyNames(profile.KeyNames(pszSection), pszReturned, nSize);
-
-    if (const auto strValue = profile.Value(pszSection, pszKey))
-        return CopyText(WithoutQuotes(*strValue), pszReturned, nSize);
-    std::wstring strDefault = pszDefault == nullptr ? L"" : pszDefault;
-    strDefault.erase(strDefault.find_last_not_of(L' ') + 1);
-    return CopyText(strDefault, pszReturned, nSize);
-}
-
 UINT WINAPI GetPrivateProfileIntW(LPCWSTR pszSection, LPCWSTR pszKey, INT nDefault, LPCWSTR pszFileName) {
-    if (pszSection == nullptr || pszKey == nullptr || pszFileName == nullptr)
-        return static_cast<UINT>(nDefault);
-    const std::optional<std::wstring> strStored = CProfile(pszFileName).Value(pszSection, pszKey);
+    const std::optional<std::wstring> strStored = ReadValue(pszSection, pszKey, pszFileName);
     const std::wstring strValue = strStored ? WithoutQuotes(*strStored) : std::wstring();
     if (strValue.empty())
         return static_cast<UINT>(nDefault);
