@@ -99,6 +99,21 @@ TEST(CodePageTest, CharactersThatAreMissingBecomeTheDefaultCharacter) {
     EXPECT_EQ(Bytes(g_nGbk, L"\xE9\x0E01"), "\xA8\xA6?");
 }
 
+TEST(CodePageTest, LookAlikesStandForCharactersThatAreMissing) {
+    EXPECT_EQ(Bytes(g_nLatin, L"\x0100\x2002\xFF21\xFF1F\x0301"), "A A?\xB4");
+    EXPECT_EQ(Bytes(g_nLatin, L"\x0100\x2002\xFF21\xFF1F\x0301", WC_NO_BEST_FIT_CHARS), "?????");
+    EXPECT_EQ(Bytes(g_nLatin, L"\U0001F600"), "??");
+}
+
+TEST(CodePageTest, MarksAreComposedOnRequest) {
+    EXPECT_EQ(Bytes(g_nLatin, L"e\x0301x", WC_COMPOSITECHECK), "\xE9x");
+    EXPECT_EQ(Bytes(g_nLatin, L"e\x0301x", WC_NO_BEST_FIT_CHARS), "e?x");
+    EXPECT_EQ(Bytes(g_nGbk, L"a\x030C", WC_COMPOSITECHECK), "\xA8\xA3");
+    // What can't be composed stays apart, and so does what the code page has not composed.
+    EXPECT_EQ(Bytes(g_nLatin, L"4\x0301", WC_COMPOSITECHECK | WC_NO_BEST_FIT_CHARS), "4?");
+    EXPECT_EQ(Bytes(g_nLatin, L"g\x0301z", WC_COMPOSITECHECK), "g\xB4z");
+}
+
 TEST(CodePageTest, UnpairedSurrogatesBecomeTheReplacementInUtf8) {
     const wchar_t surrogates[] = {L'a', wchar_t(0xD83D), L'b', wchar_t(0xDE00)};
     EXPECT_EQ(Bytes(CP_UTF8, std::wstring(surrogates, 4)), "a\xEF\xBF\xBD"

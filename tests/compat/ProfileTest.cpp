@@ -79,6 +79,10 @@ const SIniCase g_cases[] = {
     {"[S]\nKey=<<<END\n5\nEND\n", L"Key", 7, 0},
     {"[S\nKey=1\n", L"Key", 7, 7},
     {"[S] trailing\nKey=1\n", L"Key", 7, 1},
+    {"[S]]\nKey=1\n[[S]\nKey=2\n", L"Key", 7, 7},
+    {"[S]\nKey\nKey=2\n", L"Key", 7, 7},
+    {"[S]\n#Key=1\nKey=\f2\f\n", L"Key", 7, 2},
+    {"[S]\n#Key=1\nKey=2\n", L"#Key", 7, 1},
     // byte order marks
     {"\xEF\xBB\xBF[S]\nKey=12\n", L"Key", 7, 12},
     {"\xEF\xBB\xBF[S]\n\xE4\xB8\xAD=12\n", L"\x4E2D", 7, 12},

@@ -172,6 +172,23 @@ TEST_F(NetworkRequests, ListenOnlyKeepsItemsFromTheDevice) {
     EXPECT_EQ(m_peers.Read(device, RecordFrame("second").size()), RecordFrame("second"));
 }
 
+TEST_F(NetworkRequests, ListenOnlyAlsoHoldsWhatWaits) {
+    SetDevice(3, "framed", m_listener.Address());
+    m_listener.Accept().close();
+    AwaitState("waiting");
+    CreateRecordNodes();
+    Send("send", 410);
+    Do({{"op", "listen_only"}, {"on", true}});
+    AwaitState("connected");
+    auto device = m_listener.Accept();
+    Wait(100);
+    EXPECT_EQ(Device()["queued_items"], 1);
+    EXPECT_EQ(device.available(), 0u);
+    Do({{"op", "listen_only"}, {"on", false}});
+    EXPECT_EQ(m_peers.Read(device, RecordFrame().size()), RecordFrame());
+    EXPECT_EQ(Device()["queued_items"], 0);
+}
+
 TEST_F(NetworkRequests, AnAnswerFromADeviceFiresTheReceiveNode) {
     SetDevice(3, "framed", m_listener.Address());
     auto device = m_listener.Accept();
@@ -261,9 +278,13 @@ TEST_F(NetworkRequests, ADeviceThatStopsReadingCostsNoMoreThanItsQueue) {
     EXPECT_EQ(nRefusedInARow, 50u);
     EXPECT_EQ(nLinesInARow, 1u);
     const OrderedJson state = Device();
-    EXPECT_EQ(state["state"], "connected");
     EXPECT_LE(state["queued_bytes"], 4 << 20);
     EXPECT_GT(state["queued_bytes"], 3 << 20);
+
+    // However long that takes: it's there and says so, though it doesn't read.
+    Wait(12'000);
+    EXPECT_EQ(Device()["state"], "connected");
+    EXPECT_EQ(Device()["lost"], 0);
 
     // It reads again: everything that was taken arrives, whole and in order, and new items are taken.
     const size_t nTaken = nSent - state["refused"].get<size_t>();
@@ -294,6 +315,17 @@ TEST_F(NetworkRequests, ARecordTooLongForAFrameIsRefused) {
     CreateRecordNodes();
     Set("send", 408, "string", std::string(1 << 20, 'x'));
     const OrderedJson reply = Send("send", 410);
+    EXPECT_NE(reply["log"].dump().find("too long"), std::string::npos);
+    EXPECT_EQ(Device()["refused"], 1);
+    EXPECT_EQ(Device()["queued_bytes"], 0);
+}
+
+TEST_F(NetworkRequests, BytesTooLongForTheQueueAreRefused) {
+    SetDevice(3, "direct", m_listener.Address());
+    auto device = m_listener.Accept();
+    CreateStringNode();
+    Set("string", 1505, "string", std::string(4 << 20, 'x')); // and the zero
+    const OrderedJson reply = Send("string", 1507);
     EXPECT_NE(reply["log"].dump().find("too long"), std::string::npos);
     EXPECT_EQ(Device()["refused"], 1);
     EXPECT_EQ(Device()["queued_bytes"], 0);
@@ -454,6 +486,27 @@ TEST_F(NetworkRequests, ATakenPortIsRefusedAndTheOthersStay) {
                   .find("control"),
               std::string::npos);
     m_peers.SendDatagram(nBroadcast, BROADCAST);
+    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
+}
+
+TEST_F(NetworkRequests, AReceiverThatIsKeptUpTriesATakenPortAgain) {
+    boost::asio::ip::udp::socket taken(m_peers.Context(), {boost::asio::ip::address_v4::loopback(), 0});
+    const unsigned short nPort = taken.local_endpoint().port();
+    m_pSession->Peers().KeepReceivingBroadcasts(nPort);
+    EXPECT_NE(Wait(50)["log"].dump().find("trying again"), std::string::npos);
+    const OrderedJson state = Do({{"op", "network"}})["broadcast"];
+    EXPECT_EQ(state["port"], nPort);
+    EXPECT_TRUE(state["problem"].is_string());
+    EXPECT_EQ(state["errors"], 1);
+
+    Wait(1100);
+    EXPECT_EQ(Do({{"op", "network"}})["broadcast"]["errors"], 2);
+    taken.close();
+    for (int i = 0; i < 30 && !Do({{"op", "network"}})["broadcast"]["problem"].is_null(); ++i) {
+        Wait(100);
+    }
+    EXPECT_EQ(Do({{"op", "network"}})["broadcast"]["problem"], nullptr);
+    m_peers.SendDatagram(nPort, BROADCAST);
     EXPECT_EQ(Wait()["dispatched"].size(), 1u);
 }
 

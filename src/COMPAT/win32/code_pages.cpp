@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include "look_alikes.h"
+
 #include <compat/testing.h>
 
 #include <array>
@@ -15,6 +17,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utf8proc.h>
 
 namespace {
 
@@ -40,12 +43,13 @@ class CCodePage {
 public:
     explicit CCodePage(unsigned nCodePage)
         : m_toWide(OpenIconv("WCHAR_T", IconvName(nCodePage))), m_fromWide(OpenIconv(IconvName(nCodePage), "WCHAR_T")),
-          m_bGbk(nCodePage == 936), m_bKeepsControls(nCodePage >= 1250 && nCodePage <= 1258) {}
+          m_bGbk(nCodePage == 936), m_bLatin(nCodePage == 1252),
+          m_bKeepsControls(nCodePage >= 1250 && nCodePage <= 1258) {}
 
     bool IsKnown() const { return m_toWide != nullptr && m_fromWide != nullptr; }
 
-    // Bytes of a character; nothing when the code page does not have it.
-    std::optional<std::string> FromWide(wchar_t ch) const {
+    // Bytes of a character; nothing when the code page does not have it, nor a look-alike where those will do.
+    std::optional<std::string> FromWide(wchar_t ch, bool bLookAlikes) const {
         if (static_cast<std::uint32_t>(ch) < 0x80)
             return std::string(1, static_cast<char>(ch));
         if (m_bGbk && ch == g_chEuro)
@@ -60,7 +64,7 @@ public:
         // Windows maps the bytes that its code pages leave undefined to the control characters of the same value.
         if (m_bKeepsControls && ch >= 0x80 && ch < 0xA0 && !ToWide(std::string(1, static_cast<char>(ch)), false))
             return std::string(1, static_cast<char>(ch));
-        return std::nullopt;
+        return bLookAlikes && m_bLatin ? LookAlike(ch) : std::nullopt;
     }
 
     struct SCharacter {
@@ -89,6 +93,16 @@ public:
     }
 
 private:
+    static std::optional<std::string> LookAlike(wchar_t ch) {
+        if (ch >= 0xFF01 && ch <= 0xFF5E && ch != 0xFF1F)
+            return std::string(1, static_cast<char>(ch - 0xFEE0));
+        for (const SLookAlikes& row : g_lookAlikes) {
+            if (std::wcschr(row.pszCharacters, ch) != nullptr)
+                return std::string(1, row.ch);
+        }
+        return std::nullopt;
+    }
+
     static constexpr wchar_t g_chEuro = 0x20AC;
     static constexpr char g_nGbkEuro = '\x80';
 
@@ -101,6 +115,7 @@ private:
     IconvPointer m_toWide;
     IconvPointer m_fromWide;
     bool m_bGbk;
+    bool m_bLatin;
     bool m_bKeepsControls;
 };
 
@@ -163,6 +178,15 @@ private:
     std::size_t m_nCount = 0;
 };
 
+// The one character that a letter and the mark behind it make; nothing when there is none.
+std::optional<wchar_t> Composed(wchar_t chLetter, wchar_t chMark) {
+    utf8proc_int32_t pair[] = {chLetter, chMark};
+    if (!IsCharacter(static_cast<std::uint32_t>(chLetter)) || !IsCharacter(static_cast<std::uint32_t>(chMark)) ||
+        utf8proc_normalize_utf32(pair, 2, UTF8PROC_COMPOSE) != 1)
+        return std::nullopt;
+    return static_cast<wchar_t>(pair[0]);
+}
+
 void AppendUtf8(COutput<char>& output, std::uint32_t nCharacter) {
     const auto trail = [&](int nShift) { output.Append(static_cast<char>(0x80 | (nCharacter >> nShift & 0x3F))); };
     if (nCharacter < 0x80)
@@ -223,10 +247,11 @@ bool CompatSetAnsiCodePage(unsigned nCodePage) {
 
 int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, int nWideLength, LPSTR pszBytes,
                                int nBytes, LPCSTR pszDefault, LPBOOL pbUsedDefault) {
+    constexpr DWORD nKnownFlags = WC_COMPOSITECHECK | WC_NO_BEST_FIT_CHARS;
     if (pszWide == nullptr || nWideLength == 0 || nBytes < 0 || (pszBytes == nullptr && nBytes != 0))
         return FailConversion(ERROR_INVALID_PARAMETER);
     nCodePage = ResolveCodePage(nCodePage);
-    if ((nFlags & ~DWORD(WC_COMPOSITECHECK)) != 0)
+    if ((nFlags & ~nKnownFlags) != 0)
         return FailConversion(ERROR_INVALID_FLAGS);
     const std::wstring_view strWide(pszWide,
                                     nWideLength < 0 ? std::wcslen(pszWide) + 1 : static_cast<std::size_t>(nWideLength));
@@ -244,17 +269,33 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
         const CCodePage* pCodePage = FindCodePage(nCodePage);
         if (pCodePage == nullptr)
             return FailConversion(ERROR_INVALID_PARAMETER);
-        for (const wchar_t ch : strWide) {
-            if (static_cast<std::uint32_t>(ch) < 0x80) {
+        const bool bLookAlikes = (nFlags & WC_NO_BEST_FIT_CHARS) == 0;
+        const auto useDefault = [&] {
+            output.Append(pszDefault != nullptr ? *pszDefault : '?');
+            bUsedDefault = TRUE;
+        };
+        const auto append = [&](wchar_t ch) {
+            if (static_cast<std::uint32_t>(ch) < 0x80)
                 output.Append(static_cast<char>(ch)); // in every code page
-                continue;
-            }
-            if (const auto strBytes = pCodePage->FromWide(ch))
+            else if (const auto strBytes = pCodePage->FromWide(ch, bLookAlikes))
                 output.Append(*strBytes);
             else {
-                output.Append(pszDefault != nullptr ? *pszDefault : '?');
-                bUsedDefault = TRUE;
+                useDefault();
+                if (static_cast<std::uint32_t>(ch) > 0xFFFF && IsCharacter(static_cast<std::uint32_t>(ch)))
+                    useDefault(); // two units on Windows
             }
+        };
+        for (std::size_t nPosition = 0; nPosition < strWide.size(); nPosition++) {
+            const wchar_t ch = strWide[nPosition];
+            if ((nFlags & WC_COMPOSITECHECK) != 0 && nPosition + 1 < strWide.size()) {
+                const std::optional<wchar_t> chComposed = Composed(ch, strWide[nPosition + 1]);
+                if (chComposed && pCodePage->FromWide(*chComposed, bLookAlikes)) {
+                    append(*chComposed);
+                    nPosition++; // the mark is done with
+                    continue;
+                }
+            }
+            append(ch);
         }
     }
     if (pbUsedDefault != nullptr)

@@ -1,49 +1,14 @@
 // Initialisation files.
-//
-// SimpleIni reads them. It was chosen over the other packaged INI libraries because what it accepts is what Windows
-// accepts: '=' is the only separator, ';' comments stand on lines of their own, values keep a ';', lines and values
-// have no length limit, a line does not continue the one before. Its text converter and its order of names are
-// parameters, so code pages and case follow the Win32 functions. What it cannot tell is a section that occurs twice (it
-// joins them, Windows only looks into the first), so it is given the lines of one section. One difference is left: it
-// takes lines that start with '#' as comments.
 
 #include "text.h"
-
-#define SI_IMPLEMENTATION // the class template is instantiated here,
-#define SI_NO_CONVERSION  // with the converter below
-#include <SimpleIni.h>
 
 #include <algorithm>
 #include <fstream>
 #include <iterator>
-#include <optional>
 #include <string>
+#include <string_view>
 
 namespace {
-
-// The library's two customisation points: the order of names, and the text converter.
-struct SNameLess {
-    bool operator()(const wchar_t* pszLeft, const wchar_t* pszRight) const {
-        return FoldCase(pszLeft) < FoldCase(pszRight);
-    }
-};
-
-class CTextConverter {
-public:
-    explicit CTextConverter(bool) {}
-
-    std::size_t SizeFromStore(const char* pBytes, std::size_t nBytes) {
-        if (nBytes == 0)
-            return 0;
-        return static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, pBytes, static_cast<int>(nBytes), nullptr, 0));
-    }
-    bool ConvertFromStore(const char* pBytes, std::size_t nBytes, wchar_t* pText, std::size_t nText) {
-        return nBytes == 0 ||
-               MultiByteToWideChar(CP_UTF8, 0, pBytes, static_cast<int>(nBytes), pText, static_cast<int>(nText)) != 0;
-    }
-};
-
-typedef CSimpleIniTempl<wchar_t, SNameLess, CTextConverter> IniFile;
 
 std::wstring Utf16ToWide(const std::string& strBytes, bool bBigEndian) {
     std::wstring strText;
@@ -64,10 +29,9 @@ std::wstring Utf16ToWide(const std::string& strBytes, bool bBigEndian) {
     return strText;
 }
 
-std::optional<std::wstring> ReadText(const wchar_t* pszFileName) {
+// Empty for a file that is missing.
+std::wstring ReadText(const wchar_t* pszFileName) {
     std::ifstream file(NativePath(pszFileName), std::ios::binary);
-    if (!file)
-        return std::nullopt;
     const std::string strBytes((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     if (strBytes.starts_with("\xFF\xFE"))
         return Utf16ToWide(strBytes, false);
@@ -78,48 +42,37 @@ std::optional<std::wstring> ReadText(const wchar_t* pszFileName) {
     return ToWide(CP_ACP, strBytes);
 }
 
-std::wstring Trimmed(const std::wstring& strText) {
+std::wstring Trimmed(std::wstring_view text) {
     constexpr const wchar_t* pszBlanks = L" \t\r\n\v\f\x1A";
-    const std::size_t nFirst = strText.find_first_not_of(pszBlanks);
-    if (nFirst == std::wstring::npos)
+    const std::size_t nFirst = text.find_first_not_of(pszBlanks);
+    if (nFirst == std::wstring_view::npos)
         return std::wstring();
-    return strText.substr(nFirst, strText.find_last_not_of(pszBlanks) - nFirst + 1);
+    return std::wstring(text.substr(nFirst, text.find_last_not_of(pszBlanks) - nFirst + 1));
 }
 
-// The lines of the first section of that name, without the blanks around them; empty without one.
-std::wstring SectionLines(const std::wstring& strText, const wchar_t* pszSection) {
-    const std::wstring strWanted = FoldCase(Trimmed(pszSection));
-    std::wstring strLines;
+// Value of the first key of that name in the first section of that name; empty without one, and when its line has no
+// '='. A section's name reaches to the last bracket of its line.
+std::wstring ReadValue(const wchar_t* pszSection, const wchar_t* pszKey, const wchar_t* pszFileName) {
+    const std::wstring strText = ReadText(pszFileName);
+    const std::wstring strSection = FoldCase(Trimmed(pszSection));
+    const std::wstring strKey = FoldCase(Trimmed(pszKey));
     bool bInside = false;
     for (std::size_t nStart = 0; nStart < strText.size();) {
         const std::size_t nEnd = std::min(strText.find_first_of(L"\r\n", nStart), strText.size());
-        const std::wstring strLine = Trimmed(strText.substr(nStart, nEnd - nStart));
+        const std::wstring strLine = Trimmed(std::wstring_view(strText).substr(nStart, nEnd - nStart));
         nStart = nEnd + 1;
-        const std::size_t nNameEnd = strLine.starts_with(L'[') ? strLine.find(L']') : std::wstring::npos;
-        if (nNameEnd == std::wstring::npos) {
+        const std::size_t nBracket = strLine.rfind(L']');
+        const std::size_t nEquals = strLine.find(L'=');
+        if (strLine.starts_with(L'[') && nBracket != std::wstring::npos) {
             if (bInside)
-                strLines += strLine + L"\n";
-        } else if (bInside)
-            break;
-        else
-            bInside = FoldCase(Trimmed(strLine.substr(1, nNameEnd - 1))) == strWanted;
+                break;
+            bInside = FoldCase(Trimmed(strLine.substr(1, nBracket - 1))) == strSection;
+        } else if (bInside && !strLine.empty() && !strLine.starts_with(L';') &&
+                   FoldCase(Trimmed(strLine.substr(0, nEquals))) == strKey) {
+            return nEquals == std::wstring::npos ? std::wstring() : Trimmed(strLine.substr(nEquals + 1));
+        }
     }
-    return strLines;
-}
-
-std::optional<std::wstring> ReadValue(const wchar_t* pszSection, const wchar_t* pszKey, const wchar_t* pszFileName) {
-    const std::optional<std::wstring> strText = ReadText(pszFileName);
-    if (!strText)
-        return std::nullopt;
-    const std::string strBytes = WideToUtf8(SectionLines(*strText, pszSection));
-    IniFile section;
-    section.SetMultiKey(true); // keeps all keys of one name, so that the first can be taken
-    section.LoadData(strBytes.data(), strBytes.size());
-    IniFile::TNamesDepend values;
-    if (!section.GetAllValues(L"", Trimmed(pszKey).c_str(), values))
-        return std::nullopt;
-    values.sort(IniFile::Entry::LoadOrder());
-    return values.front().pItem;
+    return std::wstring();
 }
 
 std::wstring WithoutQuotes(const std::wstring& strValue) {
@@ -131,8 +84,7 @@ std::wstring WithoutQuotes(const std::wstring& strValue) {
 } // namespace
 
 UINT WINAPI GetPrivateProfileIntW(LPCWSTR pszSection, LPCWSTR pszKey, INT nDefault, LPCWSTR pszFileName) {
-    const std::optional<std::wstring> strStored = ReadValue(pszSection, pszKey, pszFileName);
-    const std::wstring strValue = strStored ? WithoutQuotes(*strStored) : std::wstring();
+    const std::wstring strValue = WithoutQuotes(ReadValue(pszSection, pszKey, pszFileName));
     if (strValue.empty())
         return static_cast<UINT>(nDefault);
 

@@ -230,6 +230,7 @@ COMPAT_API UINT WINAPI GetPrivateProfileIntW(LPCWSTR pszSection, LPCWSTR pszKey,
 #define CP_UTF8 65001
 #define MB_ERR_INVALID_CHARS 0x00000008
 #define WC_COMPOSITECHECK 0x00000200
+#define WC_NO_BEST_FIT_CHARS 0x00000400
 
 // The ANSI code page: 1252 unless changed (compat/testing.h).
 COMPAT_API UINT WINAPI GetACP();
@@ -238,10 +239,10 @@ COMPAT_API UINT WINAPI GetACP();
 // bytes written or needed, 0 on failure: ERROR_INSUFFICIENT_BUFFER (nothing useful in the buffer),
 // ERROR_INVALID_PARAMETER (null or empty source, unknown code page, for UTF-8 also a default character),
 // ERROR_INVALID_FLAGS.
-// A character that the code page does not have becomes the default character ('?' when null), and *pbUsedDefault TRUE;
-// no best-fit look-alikes are tried, marks are not composed with their letters (WC_COMPOSITECHECK changes nothing), and
-// the private-use characters of code page 936 are not mapped. Values that are no characters (surrogates, above
-// 0x10FFFF) become U+FFFD in UTF-8.
+// A character that the code page does not have becomes the default character ('?' when null), and *pbUsedDefault TRUE.
+// Look-alikes (those that WC_NO_BEST_FIT_CHARS excludes) are known for code page 1252 only, and the private-use
+// characters of code page 936 are not mapped. Values that are no characters (surrogates, above 0x10FFFF) become U+FFFD
+// in UTF-8.
 COMPAT_API int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, int nWideLength,
                                           LPSTR pszBytes, int nBytes, LPCSTR pszDefault, LPBOOL pbUsedDefault);
 // Bytes to wide text, likewise. Bytes that are no character become U+FFFD, or fail with ERROR_NO_UNICODE_TRANSLATION
@@ -251,6 +252,7 @@ COMPAT_API int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR p
 
 // ---- C run-time -----------------------------------------------------------------------------------------------------
 
-// Number at the start of a text: blanks, sign, decimal digits. 0 without digits, INT_MAX or INT_MIN when out of range.
+// Number at the start of a text: blanks, sign, decimal digits of any script. 0 without digits, INT_MAX or INT_MIN when
+// out of range.
 COMPAT_API int _wtoi(const wchar_t* pszText);
 } // extern "C"

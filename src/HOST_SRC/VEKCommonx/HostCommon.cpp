@@ -41,21 +41,23 @@ CString PXGetPath(int nKind) {
 }
 
 int SplitString(const CString& strText, const CString& strSeparator, CStringArray& arPiece, int nOption) {
-    arPiece.RemoveAll();
-    if (strText.IsEmpty()) {
-        return 0;
-    }
+    int nPieces = 0;
     int nBegin = 0;
-    for (bool bLast = false; !bLast;) {
+    for (bool bLast = strText.IsEmpty(); !bLast;) {
         int nEnd = strSeparator.IsEmpty() ? -1 : strText.Find(strSeparator, nBegin);
         bLast = nEnd < 0;
         nEnd = bLast ? strText.GetLength() : nEnd;
         if (nEnd > nBegin || nOption == SPLIT_KEEP_EMPTY) {
-            arPiece.Add(strText.Mid(nBegin, nEnd - nBegin));
+            // Pieces of the call before are written over, so that splitting again and again allocates nothing.
+            if (nPieces == arPiece.GetSize()) {
+                arPiece.SetSize(nPieces + 1);
+            }
+            arPiece[nPieces++].SetString(strText.GetString() + nBegin, nEnd - nBegin);
         }
         nBegin = nEnd + strSeparator.GetLength();
     }
-    return static_cast<int>(arPiece.GetSize());
+    arPiece.SetSize(nPieces);
+    return nPieces;
 }
 
 void SetAppPath(const CString& strPath) {

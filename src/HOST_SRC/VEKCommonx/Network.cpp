@@ -9,6 +9,9 @@ namespace {
 constexpr const wchar_t* ELEMENT_END = L"/>\r\n";
 constexpr int ELEMENT_END_LENGTH = 4;
 
+/// Room that a document is begun with, so that most never have to grow.
+constexpr int FIRST_ROOM = 500;
+
 bool IsControlCharacter(wchar_t c) {
     return c < 0x20 || (c >= 0x7F && c < 0xA0);
 }
@@ -62,6 +65,7 @@ bool CMarkup::AddElem(const wchar_t* pszName) {
         return false;
     }
     m_nElement = m_strDocument.GetLength();
+    m_strDocument.Preallocate(FIRST_ROOM);
     m_strDocument += L'<';
     m_strDocument += pszName;
     m_strDocument += ELEMENT_END;

@@ -1,5 +1,8 @@
 #include "host/HostJson.h"
 
+#include <charconv>
+#include <cmath>
+#include <iterator>
 #include <string>
 #include <type_traits>
 
@@ -7,12 +10,74 @@
 
 namespace {
 
-CString FromJsonText(const utility::string_t& text) {
+using JsonString = utility::string_t;
+
+CString FromJsonText(const JsonString& text) {
     if constexpr (std::is_same_v<utility::char_t, wchar_t>) {
         return CString(reinterpret_cast<const wchar_t*>(text.data()), static_cast<int>(text.size()));
     } else {
         return FromUtf8(std::string_view(reinterpret_cast<const char*>(text.data()), text.size()));
     }
+}
+
+/// Append a number with no more digits than tell it from all others: the library itself writes 0.1 as
+/// 0.10000000000000001. It reads 1e400 as infinity, for which JSON has no number.
+void AppendNumber(JsonString& text, double fNumber) {
+    char szNumber[32] = "null";
+    const char* pEnd = szNumber + 4;
+    if (std::isfinite(fNumber)) {
+        // Numbers of 15 digits come back from a double, and doubles come back from numbers of 17 digits.
+        for (const int nDigits : {15, 16, 17}) {
+            pEnd = std::to_chars(szNumber, std::end(szNumber), fNumber, std::chars_format::general, nDigits).ptr;
+            double fRead = 0;
+            std::from_chars(szNumber, pEnd, fRead);
+            if (fRead == fNumber) {
+                break;
+            }
+        }
+    }
+    text.append(static_cast<const char*>(szNumber), pEnd);
+}
+
+/// Append the JSON text of a value. The library reads 128 levels at most, so that one call a level is no danger.
+void AppendValue(JsonString& text, const web::json::value& value) {
+    bool bFirst = true;
+    const auto separate = [&] {
+        if (!bFirst) {
+            text += ',';
+        }
+        bFirst = false;
+    };
+    if (value.is_array()) {
+        text += '[';
+        for (const web::json::value& element : value.as_array()) {
+            separate();
+            AppendValue(text, element);
+        }
+        text += ']';
+    } else if (value.is_object()) {
+        text += '{';
+        for (const auto& [name, member] : value.as_object()) {
+            separate();
+            text += web::json::value::string(name).serialize();
+            text += ':';
+            AppendValue(text, member);
+        }
+        text += '}';
+    } else if (value.is_double()) {
+        AppendNumber(text, value.as_double());
+    } else {
+        text += value.serialize();
+    }
+}
+
+CString ValueText(const web::json::value& value) {
+    if (value.is_string()) {
+        return FromJsonText(value.as_string());
+    }
+    JsonString text;
+    AppendValue(text, value);
+    return FromJsonText(text);
 }
 
 } // namespace
@@ -21,9 +86,15 @@ void G_ParseDataFormJsObj(const web::json::value& value, CStringArray& arKey, CS
     if (!value.is_object()) {
         return;
     }
-    for (const auto& [name, member] : value.as_object()) {
-        arKey.Add(FromJsonText(name));
-        arValue.Add(FromJsonText(member.is_string() ? member.as_string() : member.serialize()));
+    const web::json::object& object = value.as_object();
+    INT_PTR nKey = arKey.GetSize();
+    INT_PTR nValue = arValue.GetSize();
+    // Made as long as they will be at once: arrays grow by small steps.
+    arKey.SetSize(nKey + static_cast<INT_PTR>(object.size()));
+    arValue.SetSize(nValue + static_cast<INT_PTR>(object.size()));
+    for (const auto& [name, member] : object) {
+        arKey.SetAt(nKey++, FromJsonText(name));
+        arValue.SetAt(nValue++, ValueText(member));
     }
 }
 

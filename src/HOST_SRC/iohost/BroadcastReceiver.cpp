@@ -60,6 +60,10 @@ OrderedJson CBroadcastReceiver::State() const {
 Awaitable<void> CBroadcastReceiver::Run() {
     while (!m_bStopped) {
         const std::string strProblem = m_socket.is_open() ? std::string() : Open();
+        if (!strProblem.empty()) {
+            ++m_nErrors;
+            m_host.OnStateChanged();
+        }
         if (strProblem != m_strProblem) {
             m_strProblem = strProblem;
             if (strProblem.empty()) {

@@ -25,7 +25,12 @@ constexpr std::chrono::milliseconds LONGEST_PAUSE{5000};
 /// A connection that lasted so long was a good one: the next one is tried without a long pause.
 constexpr std::chrono::seconds GOOD_CONNECTION{1};
 
-constexpr const char* PARSER_NAMES[] = {"none", "direct", "framed"};
+/// How long a device may leave unanswered what it's sent, and how often that is looked at.
+constexpr std::chrono::seconds ANSWER_TIME{10};
+constexpr std::chrono::seconds ANSWER_LOOK{1};
+
+constexpr const char* PARSER_NAMES[] = {"none", "direct", "framed", "json"};
+constexpr const char* NO_ANSWER = "no answer";
 constexpr const char* STATE_NAMES[] = {"unconnected", "connecting", "connected", "waiting"};
 
 } // namespace
@@ -50,6 +55,8 @@ std::unique_ptr<CZtSocketParser> CDeviceLink::MakeParser() {
         return std::make_unique<CZTDirectParser>(&bytes);
     case EDeviceParser::Framed:
         return std::make_unique<CQORPlayCtlParser>(records);
+    case EDeviceParser::Json:
+        return std::make_unique<CZTDirectParser>(&m_textLines); // and so it can be sent texts, too
     case EDeviceParser::None:
         break;
     }
@@ -90,6 +97,9 @@ OrderedJson CDeviceLink::State() const {
     state["lost"] = m_queue.LostCount();
     state["received_bytes"] = m_nReceivedBytes;
     m_counts.AddTo(state);
+    if (m_setup.nParser == EDeviceParser::Json) {
+        state["rejected_lines"] = m_textLines.RefusedByName();
+    }
     state["last_sent_bytes"] = m_lastSent.ToJson();
     state["last_received_bytes"] = m_lastReceived.ToJson();
     return state;
@@ -123,11 +133,12 @@ bool CDeviceLink::Queue(std::span<const unsigned char> bytes) {
         m_lastSent.Set(bytes);
         return true;
     }
-    if (bytes.empty() || !m_queue.Push(bytes)) {
+    const bool bTooLong = bytes.empty() || bytes.size() > CSendQueue::MOST_BYTES;
+    if (bTooLong || !m_queue.Push(bytes)) {
         ++m_nRefused;
         if (m_nRefusedInARow++ == 0) {
-            WriteHostLine(LOG_ERROR, Description() + (bytes.empty() ? ": the item is too long, refused"
-                                                                    : ": the queue is full, the item is refused"));
+            WriteHostLine(LOG_ERROR, Description() + (bTooLong ? ": the item is too long, refused"
+                                                               : ": the queue is full, the item is refused"));
         }
         return false;
     }
@@ -142,7 +153,7 @@ bool CDeviceLink::Queue(std::span<const unsigned char> bytes) {
 }
 
 void CDeviceLink::Write() {
-    if (m_bWriting || m_nState != EState::Connected) {
+    if (m_bWriting || m_nState != EState::Connected || !m_socket.is_open() || m_host.IsListenOnly()) {
         return;
     }
     const auto bytes = m_queue.BeginWrite();
@@ -158,12 +169,33 @@ void CDeviceLink::OnWritten(const error_code& error) {
     m_bWriting = false;
     m_queue.EndWrite(!error);
     m_host.OnStateChanged();
-    if (error) {
-        error_code ignored;
-        m_socket.close(ignored); // reading ends with it
-    } else {
+    if (!error) {
         Write();
+    } else if (m_socket.is_open()) {
+        Disconnect(error.message());
     }
+}
+
+/// Close the connection; reading ends with it.
+void CDeviceLink::Disconnect(std::string strReason) {
+    m_strDisconnectReason = std::move(strReason);
+    error_code ignored;
+    m_socket.close(ignored);
+}
+
+/// Look from time to time whether the device still answers, until the connection ends.
+void CDeviceLink::WatchAnswers() {
+    m_timer.expires_after(ANSWER_LOOK);
+    m_timer.async_wait([pSelf = shared_from_this()](const error_code& error) {
+        if (error || pSelf->m_nState != EState::Connected) {
+            return;
+        }
+        if (HasStoppedAnswering(static_cast<std::uintptr_t>(pSelf->m_socket.native_handle()), ANSWER_TIME)) {
+            pSelf->Disconnect(NO_ANSWER);
+        } else {
+            pSelf->WatchAnswers();
+        }
+    });
 }
 
 // ---- The connection -----------------------------------------------------------------------------------------------
@@ -180,6 +212,7 @@ Awaitable<void> CDeviceLink::Run() {
             if (m_pParser != nullptr) {
                 m_pParser->Reset();
             }
+            WatchAnswers();
             Write();
             strProblem = co_await Read();
             error_code ignored;
@@ -189,8 +222,9 @@ Awaitable<void> CDeviceLink::Run() {
             }
             if (m_pFramedParser != nullptr) {
                 m_pFramedParser->Finish();
-                CountRejected();
             }
+            m_textLines.OnConnectionEnds();
+            CountRejected();
             if (steady_clock::now() - m_tState >= GOOD_CONNECTION) {
                 m_backoff = SHORTEST_PAUSE;
             }
@@ -223,7 +257,7 @@ Awaitable<std::string> CDeviceLink::Connect() {
     co_await m_socket.async_connect(*m_setup.address, AwaitInto(error));
     m_timer.cancel();
     if (error == asio::error::operation_aborted) {
-        co_return "no answer";
+        co_return NO_ANSWER;
     }
     if (error) {
         co_return error.message();
@@ -241,6 +275,9 @@ Awaitable<std::string> CDeviceLink::Read() {
         const size_t nBytes = co_await m_socket.async_read_some(asio::buffer(m_received), AwaitInto(error));
         if (error == asio::error::eof) {
             co_return "closed by the device";
+        }
+        if (error == asio::error::operation_aborted) {
+            co_return m_strDisconnectReason;
         }
         if (error) {
             co_return error.message();
@@ -278,11 +315,21 @@ void CDeviceLink::OnRecord(const CString& /*strClip*/, CQORPanelRemoteCtrlData& 
     }
 }
 
+void CDeviceLink::OnText(const CString& strText) {
+    ++m_counts.nReceived;
+    if (m_host.OnDeviceText(m_setup.nId, strText)) {
+        ++m_counts.nMatched;
+    }
+}
+
 void CDeviceLink::CountRejected() {
     if (m_pFramedParser != nullptr) {
         const CFrameReader& reader = m_pFramedParser->Reader();
         m_counts.nRejected = reader.RefusedCount();
         m_counts.strLastRejected = reader.LastRefusal() ? FrameRefusalName(*reader.LastRefusal()) : "";
+    } else if (m_setup.nParser == EDeviceParser::Json) {
+        m_counts.nRejected = m_textLines.RefusedCount();
+        m_counts.strLastRejected = m_textLines.LastRefusal() ? LineRefusalName(*m_textLines.LastRefusal()) : "";
     }
 }
 

@@ -10,8 +10,9 @@
 #include "PlayControlParser.h"
 #include "SendQueue.h"
 #include "SocketTransport.h"
+#include "TextLines.h"
 
-enum class EDeviceParser { None, Direct, Framed };
+enum class EDeviceParser { None, Direct, Framed, Json };
 
 /// How a device is set up.
 struct SDeviceSetup {
@@ -24,7 +25,8 @@ struct SDeviceSetup {
 class CDeviceLink final : public std::enable_shared_from_this<CDeviceLink>,
                           private ISocketTransport,
                           private IReceivedBytes,
-                          private IRecordReceiver {
+                          private IRecordReceiver,
+                          private ITextReceiver {
 public:
     /// The host must outlive the io_context's handlers.
     CDeviceLink(boost::asio::io_context& context, SDeviceSetup setup, IPeerHost& host);
@@ -33,6 +35,9 @@ public:
     /// Connect, and again whenever the connection is lost, until Stop.
     void Start();
     void Stop();
+
+    /// Write what waits, if it may be written now.
+    void Write();
 
     /// The device as nodes see it.
     SQORNetPlayCtrlDev& Device() { return m_device; }
@@ -52,6 +57,7 @@ private:
     void OnConnectionBegins() override {}
     void OnBytes(std::span<const unsigned char> bytes) override;
     void OnRecord(const CString& strClip, CQORPanelRemoteCtrlData& record) override;
+    void OnText(const CString& strText) override;
 
     std::unique_ptr<CZtSocketParser> MakeParser();
     Awaitable<void> Run();
@@ -59,8 +65,9 @@ private:
     Awaitable<std::string> Read();
     Awaitable<void> Pause();
     bool Queue(std::span<const unsigned char> bytes);
-    void Write();
     void OnWritten(const boost::system::error_code& error);
+    void WatchAnswers();
+    void Disconnect(std::string strReason);
     void SetState(EState nState);
     void CountRejected();
     std::string Description() const;
@@ -68,20 +75,22 @@ private:
     boost::asio::io_context& m_context;
     const SDeviceSetup m_setup;
     IPeerHost& m_host;
+    CTextLines m_textLines{*this};                ///< of a device that sends texts
     std::unique_ptr<CZtSocketParser> m_pParser;   ///< null: what comes in is dropped
     CQORPlayCtlParser* m_pFramedParser = nullptr; ///< the parser, when it is one of frames
     CZTSocket m_deviceSocket;
     SQORNetPlayCtrlDev m_device;
 
     TcpSocket m_socket;
-    SteadyTimer m_timer; ///< ends an attempt to connect, and the pauses between them
+    SteadyTimer m_timer; ///< ends an attempt to connect and the pause before the next; between them, WatchAnswers
     std::chrono::milliseconds m_backoff;
     EState m_nState = EState::Unconnected;
     std::chrono::steady_clock::time_point m_tState; ///< when it became that
     bool m_bTried = false;
     bool m_bStopped = false;
     bool m_bWriting = false;
-    std::string m_strLastProblem; ///< why the connection isn't or wasn't there
+    std::string m_strLastProblem;      ///< why the connection isn't or wasn't there
+    std::string m_strDisconnectReason; ///< why this side closed it
 
     CFrameWriter m_frameWriter;
     CSendQueue m_queue;

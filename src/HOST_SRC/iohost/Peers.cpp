@@ -201,6 +201,9 @@ void CPeers::StopDevices() {
 
 void CPeers::SetListenOnly(bool bOn) {
     m_bListenOnly = bOn;
+    for (const auto& pLink : m_links) {
+        pLink->Write();
+    }
     OnStateChanged();
 }
 

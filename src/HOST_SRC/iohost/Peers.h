@@ -63,7 +63,7 @@ public:
     /// [{"from","device","event","results"}].
     OrderedJson Wait(unsigned nMilliseconds);
 
-    /// While it is on, what nodes send to devices is shown only.
+    /// While it is on, what nodes send to devices is shown only, and what waits to be written goes on waiting.
     void SetListenOnly(bool bOn);
 
     /// {"devices":[...] or null,"broadcast":{...} or null,"control":{...} or null,"listen_only"}

@@ -1,6 +1,7 @@
 // What iohost does differently on each system; one source file per system.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,8 +10,13 @@
 /// clock answers and can't be stopped.
 bool FreezeClock(std::optional<std::uint64_t> nMilliseconds);
 
-/// Let the system give a TCP connection up, as lost, when its peer hasn't answered for about ten seconds.
+/// Let the system ask the peer of a silent TCP connection whether it's still there, and give the connection up, as
+/// lost, when it hasn't answered for about ten seconds.
 void NoticeLostPeer(std::uintptr_t hSocket);
+
+/// Whether the peer of a TCP connection hasn't answered for so long, though it was sent something again and again. One
+/// that only stopped reading goes on answering. False where the system gives such a connection up by itself.
+bool HasStoppedAnswering(std::uintptr_t hSocket, std::chrono::milliseconds patience);
 
 /// Why the last LoadLibraryW failed, in the loader's words (UTF-8); empty when nothing more is known.
 std::string LoadErrorDetail();

@@ -21,14 +21,24 @@ void NoticeLostPeer(std::uintptr_t hSocket) {
     };
     constexpr SOption OPTIONS[] = {
         {SOL_SOCKET, SO_KEEPALIVE, 1},
-        {IPPROTO_TCP, TCP_KEEPIDLE, 5},          // seconds of silence before the first question
-        {IPPROTO_TCP, TCP_KEEPINTVL, 1},         // seconds between questions
-        {IPPROTO_TCP, TCP_KEEPCNT, 5},           // unanswered questions
-        {IPPROTO_TCP, TCP_USER_TIMEOUT, 10'000}, // milliseconds that sent bytes may stay unanswered
+        {IPPROTO_TCP, TCP_KEEPIDLE, 5},  // seconds of silence before the first question
+        {IPPROTO_TCP, TCP_KEEPINTVL, 1}, // seconds between questions
+        {IPPROTO_TCP, TCP_KEEPCNT, 5},   // unanswered questions
     };
     for (const SOption& option : OPTIONS) {
         setsockopt(static_cast<int>(hSocket), option.nLevel, option.nName, &option.nValue, sizeof(option.nValue));
     }
+}
+
+// The system asks only while nothing waits to be sent, and its own time limit for sent bytes (TCP_USER_TIMEOUT) would
+// also end the connection to a device that merely doesn't read for a while.
+bool HasStoppedAnswering(std::uintptr_t hSocket, std::chrono::milliseconds patience) {
+    constexpr int UNANSWERED = 2; // the answer to the first one may be on its way
+    tcp_info info = {};
+    socklen_t nSize = sizeof(info);
+    return getsockopt(static_cast<int>(hSocket), IPPROTO_TCP, TCP_INFO, &info, &nSize) == 0 &&
+           (info.tcpi_retransmits >= UNANSWERED || info.tcpi_probes >= UNANSWERED) &&
+           std::chrono::milliseconds(info.tcpi_last_ack_recv) >= patience;
 }
 
 std::string LoadErrorDetail() {

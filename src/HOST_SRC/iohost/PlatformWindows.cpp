@@ -19,6 +19,10 @@ void NoticeLostPeer(std::uintptr_t hSocket) {
              nullptr, nullptr);
 }
 
+bool HasStoppedAnswering(std::uintptr_t /*hSocket*/, std::chrono::milliseconds /*patience*/) {
+    return false;
+}
+
 std::string LoadErrorDetail() {
     return {};
 }

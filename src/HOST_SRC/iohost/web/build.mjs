@@ -20,6 +20,9 @@ async function buildPage() {
     outdir: outputFolder,
     bundle: true,
     format: "esm",
+    // What a panel alone needs is loaded with it.
+    splitting: true,
+    chunkNames: "[name]-[hash]",
     target: ["es2022"],
     jsx: "automatic",
     jsxImportSource: "preact",

@@ -25,3 +25,12 @@ export function shortestFloat(value: number): string {
   }
   return String(value);
 }
+
+/** How long something has lasted, at a glance: 0.4 s, 12 s, 3 min. */
+export function ageText(milliseconds: number): string {
+  const seconds = Math.max(0, milliseconds) / 1000;
+  if (seconds < 10) {
+    return `${(Math.floor(seconds * 10) / 10).toFixed(1)} s`;
+  }
+  return seconds < 120 ? `${Math.floor(seconds)} s` : `${Math.floor(seconds / 60)} min`;
+}

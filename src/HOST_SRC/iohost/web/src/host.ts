@@ -1,12 +1,28 @@
 import { batch, signal, type Signal } from "@preact/signals";
 import { Connection, type ConnectionListener } from "./connection.ts";
+import { Holders } from "./input/holders.ts";
+import { KeyboardState } from "./input/keyboardState.ts";
+import { VirtualKey } from "./input/virtualKeys.ts";
 import { LogBuffer, type LogLine } from "./log.ts";
 import type { EditValue } from "./params.ts";
-import type { Happened, InputEvent, NodeDetails, OutputValue, Push, Reply, Scene, SceneNode } from "./protocol.ts";
+import type {
+  EventReply,
+  Happened,
+  HeldEntry,
+  InputEvent,
+  Link,
+  NodeDetails,
+  OutputValue,
+  Push,
+  Reply,
+  Scene,
+  SceneNode,
+  SceneObject,
+} from "./protocol.ts";
 
 export type ConnectionState =
   | { is: "connecting" }
-  | { is: "open"; version: string; fps: number; address: string }
+  | { is: "open"; version: string; fps: number; address: string; connection: number }
   | { is: "lost"; retryAt: number };
 
 export type NodeView = SceneNode & { details: NodeDetails };
@@ -63,13 +79,24 @@ export class Host implements ConnectionListener {
   readonly connection = signal<ConnectionState>({ is: "connecting" });
   /** Null until the scene was read for the first time. */
   readonly nodes = signal<NodeView[] | null>(null);
+  readonly links = signal<readonly Link[]>([]);
+  readonly objects = signal<readonly SceneObject[]>([]);
+  /** What all connections hold, and when the page was told, in milliseconds since 1970. */
+  readonly held = signal<{ entries: readonly HeldEntry[]; told: number }>({ entries: [], told: 0 });
+  /** What on this page can hold something. */
+  readonly holders = new Holders();
+  /** The virtual keys that this page holds. */
+  readonly keyboard = new KeyboardState((state) => {
+    this.capsLock.value = state.toggled.includes(VirtualKey.capsLock);
+    this.#connection.send({ op: "keys", ...state });
+  });
+  readonly capsLock = signal(false);
   readonly values = new OutputSignals<OutputValue>(NO_VALUE);
   readonly fired = new OutputSignals<Fired>(NEVER_FIRED);
   readonly log = signal<{ lines: readonly LogLine[]; count: number }>({ lines: [], count: 0 });
 
   readonly #connection: Connection;
   readonly #logBuffer = new LogBuffer();
-  readonly #lostListeners = new Set<() => void>();
   #logScheduled = false;
   #refreshing = false;
   #refreshAgain = false;
@@ -82,8 +109,31 @@ export class Host implements ConnectionListener {
     this.#connection.send({ op: "event", ...event });
   }
 
-  releaseHeld(reason: string): void {
-    this.#connection.send({ op: "release_held", reason });
+  /** Sends an event as sendInput does, and answers with what came of it. */
+  askInput(event: InputEvent): Promise<EventReply> {
+    return this.#connection.request({ op: "event", ...event });
+  }
+
+  /** Lets go of all that this page holds, or everyone does; the reason is for the log. */
+  releaseAll(reason: string, everyone = false): void {
+    this.#forgetHeld();
+    this.#connection.send({ op: "release_held", reason, everyone });
+  }
+
+  /** Lets go of what this page holds of one device, or of one key, pointer or hand of it. */
+  releaseDevice(reason: string, device: number, identity?: string | number): void {
+    this.#connection.send({ op: "release_held", reason, device, ...(identity !== undefined && { identity }) });
+  }
+
+  /** Presses a key of an on-screen keyboard: the node takes each by itself, however fast they come. */
+  typeKey(node: string, inputs: { text: number; event: number }, keyName: string): void {
+    this.#connection.send({ op: "set", node, param: inputs.text, string: keyName });
+    this.#connection.send({ op: "trigger", node, param: inputs.event });
+    this.#connection.send({ op: "process", node });
+  }
+
+  async addObject(clip: string, name: string): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "object", clip, name }));
   }
 
   /** Changes an input as the editor's panel does; answers with what was wrong, or null. */
@@ -104,17 +154,10 @@ export class Host implements ConnectionListener {
     batch(() => this.fired.reset());
   }
 
-  /** Calls back whenever the connection is lost; answers with what ends that. */
-  onLost(listener: () => void): () => void {
-    this.#lostListeners.add(listener);
-    return () => this.#lostListeners.delete(listener);
-  }
-
   lost(retryInMs: number): void {
     this.connection.value = { is: "lost", retryAt: Date.now() + retryInMs };
-    for (const listener of this.#lostListeners) {
-      listener();
-    }
+    this.held.value = { entries: [], told: Date.now() };
+    this.#forgetHeld();
   }
 
   replied(reply: Reply): void {
@@ -124,7 +167,7 @@ export class Host implements ConnectionListener {
   pushed(push: Push): void {
     switch (push.push) {
       case "hello":
-        this.connection.value = { is: "open", version: push.version, fps: push.fps, address: push.address };
+        this.connection.value = { is: "open", ...push };
         void this.#refresh();
         break;
       case "scene":
@@ -132,6 +175,12 @@ export class Host implements ConnectionListener {
         break;
       case "happened":
         this.#happened(push);
+        break;
+      case "objects":
+        this.objects.value = push.objects;
+        break;
+      case "held":
+        this.#heldChanged(push.held, push.released ?? []);
         break;
       case "outputs":
         batch(() => {
@@ -143,6 +192,20 @@ export class Host implements ConnectionListener {
         });
         break;
     }
+  }
+
+  #heldChanged(entries: HeldEntry[], released: number[]): void {
+    this.held.value = { entries, told: Date.now() };
+    const state = this.connection.value;
+    if (state.is === "open" && released.includes(state.connection)) {
+      // What went down here while that was on its way is let go too, since the page forgets it.
+      this.releaseAll("somebody released everything");
+    }
+  }
+
+  #forgetHeld(): void {
+    this.holders.forget();
+    this.keyboard.forget();
   }
 
   #happened({ posted, log }: Happened): void {
@@ -198,7 +261,10 @@ export class Host implements ConnectionListener {
     const handles = new Set(nodes.map(({ node }) => node));
     this.values.keepOnly(handles);
     this.fired.keepOnly(handles);
-    this.nodes.value = nodes;
+    batch(() => {
+      this.nodes.value = nodes;
+      this.links.value = scene.links;
+    });
   }
 
   async #readNode(node: SceneNode): Promise<NodeView | null> {
@@ -220,4 +286,3 @@ export class Host implements ConnectionListener {
 function errorOf(reply: Reply): string | null {
   return reply.ok ? null : reply.error;
 }
-

@@ -11,6 +11,7 @@ import stringDataSend from "../../../../PI_SRC/QORIOProcess/res/svg/string_data_
 import textField from "../../../../PI_SRC/QORIOProcess/res/svg/text_field.svg";
 import touchGesture from "../../../../PI_SRC/QORIOProcess/res/svg/touch_gesture.svg";
 import vrHandle from "../../../../PI_SRC/QORIOProcess/res/svg/vr_handle.svg";
+import { typeByte } from "./nodeTypes.ts";
 
 /** The icons by the last byte of the node type's GUID, in which alone the types differ. */
 const ICONS: Record<string, string> = {
@@ -29,10 +30,8 @@ const ICONS: Record<string, string> = {
   "0F": stringDataSend,
 };
 
-const TYPE_GUID = /^\{8164BB40-6B6A-4707-88B7-386BCB0D1B([0-9A-F]{2})\}$/;
-
 /** The address of a node type's icon, or null for a type that the page has none for. */
 export function iconOf(typeGuid: string): string | null {
-  const match = TYPE_GUID.exec(typeGuid.toUpperCase());
-  return (match?.[1] !== undefined && ICONS[match[1]]) || null;
+  const byte = typeByte(typeGuid);
+  return (byte !== null && ICONS[byte]) || null;
 }

@@ -6,4 +6,10 @@ import { App } from "./view/App.tsx";
 const scheme = location.protocol === "https:" ? "wss" : "ws";
 const host = new Host(`${scheme}://${location.host}/session`);
 
+// What is held when the page can't see any more how it ends is let go.
+const release = (reason: string) => host.holders.any && host.releaseAll(reason);
+window.addEventListener("blur", () => release("the page lost the focus"));
+window.addEventListener("pagehide", () => release("the page was left"));
+document.addEventListener("visibilitychange", () => document.hidden && release("the page was hidden"));
+
 render(<App host={host} />, document.getElementById("app")!);

@@ -76,6 +76,23 @@ std::array<Point, 3> KeyPoints(const CArray<Point>& arPoint) {
     return {arPoint[0], arPoint[nCount / 2], arPoint[nCount - 1]};
 }
 
+/// Append a sample. The framework lets an array grow by 1024 elements at most, which would copy all of them ever more
+/// often while a release fails to come; a long stroke grows by half of its length.
+template <typename Point>
+void AddSample(CArray<Point>& arPoint, const Point& point) {
+    constexpr INT_PTR LONG_STROKE = 8192; // samples
+    if (arPoint.GetSize() >= LONG_STROKE) {
+        arPoint.SetSize(arPoint.GetSize(), arPoint.GetSize() / 2);
+    }
+    arPoint.Add(point);
+}
+
+/// Free all samples; the next stroke grows from the start again.
+template <typename Point>
+void RemoveSamples(CArray<Point>& arPoint) {
+    arPoint.SetSize(0, 0);
+}
+
 EGestureType ClassifyStroke(const CArray<CPoint>& arPoint) {
     return ClassifyPixelStroke(KeyPoints(arPoint));
 }
@@ -123,7 +140,11 @@ void CGestureIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
     const VEKParam* pVersion = FindParam(m_lstParamGroup, MakeParamGuid(PARAM_VERSION));
     if (pVersion != nullptr && pVersion->m_nValue >= VERSION_WITH_SINGLE_TAP &&
         FindOutput(*pGraphNode, OUTPUT_SINGLE_TAP) == nullptr) {
-        pGraphNode->m_lstOutputGroup.GetHead()->m_lstParam.AddTail(MakeOutput(SINGLE_TAP_ROW).release());
+        VEKParamGroup* pGroup = pGraphNode->m_lstOutputGroup.GetHead();
+        if (pGroup == nullptr) {
+            AfxThrowInvalidArgException();
+        }
+        pGroup->m_lstParam.AddTail(MakeOutput(SINGLE_TAP_ROW).release());
     }
 }
 
@@ -170,9 +191,9 @@ int CGestureIOProcess::Press(const SQORMouseData& sample) {
     m_nActivePointer = sample.m_nPointer;
     m_bMoving = 0;
     if (sample.m_bRelative != 0) {
-        m_arRelativePoint.RemoveAll();
+        RemoveSamples(m_arRelativePoint);
     } else {
-        m_arPixelPoint.RemoveAll();
+        RemoveSamples(m_arPixelPoint);
     }
     Append(sample);
     return 1;
@@ -201,8 +222,8 @@ int CGestureIOProcess::Release(const SQORMouseData& sample) {
     }
     Append(sample);
     FireReleased(sample);
-    m_arPixelPoint.RemoveAll();
-    m_arRelativePoint.RemoveAll();
+    RemoveSamples(m_arPixelPoint);
+    RemoveSamples(m_arRelativePoint);
     m_bMoving = 0;
     m_nActivePointer = NO_POINTER;
     return 1;
@@ -210,9 +231,9 @@ int CGestureIOProcess::Release(const SQORMouseData& sample) {
 
 void CGestureIOProcess::Append(const SQORMouseData& sample) {
     if (sample.m_bRelative != 0) {
-        m_arRelativePoint.Add(Gdiplus::PointF(sample.m_fRelativeX, sample.m_fRelativeY));
+        AddSample(m_arRelativePoint, Gdiplus::PointF(sample.m_fRelativeX, sample.m_fRelativeY));
     } else {
-        m_arPixelPoint.Add(sample.m_ptPixel);
+        AddSample(m_arPixelPoint, sample.m_ptPixel);
     }
 }
 

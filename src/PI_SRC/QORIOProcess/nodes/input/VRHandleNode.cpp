@@ -253,6 +253,8 @@ int CVRHandleIOProcess::ProcessNode(SGraphNode* pGraphNode) {
         // The other hand starts with everything released.
         m_nHandleType = pHandleType->m_nValue;
         m_previousSample.clear();
+        m_previousSample.m_bTouchPadPressed = 0;
+        m_previousSample.m_fTouchPadX = 0.0f;
     }
     return 1;
 }
@@ -286,6 +288,9 @@ int CVRHandleIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) {
 }
 
 void CVRHandleIOProcess::MoveObject(const SVRPluginData& sample) const {
+    if (m_strObjectName.IsEmpty()) {
+        return; // an object without name is nobody's
+    }
     if (VEKObject* pObject = m_pOwnerClip->FindObject(m_strObjectName, 0)) {
         std::copy(std::begin(sample.m_fPose), std::end(sample.m_fPose), pObject->m_fMatrix);
     }

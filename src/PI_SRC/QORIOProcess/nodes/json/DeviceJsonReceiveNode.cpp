@@ -1,13 +1,11 @@
 #include "nodes/json/DeviceJsonReceiveNode.h"
 
-#include <exception>
-#include <string>
-#include <type_traits>
+#include <array>
 
-#include "host/HostJson.h"
 #include "host/NodeTables.h"
 #include "host/NodeTypeGuid.h"
 #include "nodes/json/JsonNodes.h"
+#include "nodes/json/JsonText.h"
 
 namespace {
 
@@ -15,7 +13,7 @@ enum : unsigned {
     INPUT_GROUP = 1401,
     INPUT_DEVICE_ID = 1402,
     INPUT_CHECK_KEY_VALUE = 1403,
-    INPUT_KEY_1 = 1404,
+    INPUT_KEY_1 = 1404, // each key's value has the id behind it
     INPUT_VALUE_1 = 1405,
     INPUT_KEY_2 = 1406,
     INPUT_VALUE_2 = 1407,
@@ -71,51 +69,37 @@ constexpr GroupRow OUTPUT_GROUPS[] = {
     {.nId = OUTPUT_GROUP, .pszName = L"Outputs", .pszDisplayKey = L"TOUCH_CONTROL_OUTPUTS", .params = OUTPUTS},
 };
 
-struct PairIds {
-    unsigned nKey;
-    unsigned nValue;
-};
+/// The inputs that decide on a text, each at its id's distance from the first one's.
+using Inputs = std::array<const VEKParam*, INPUT_VALUE_3 - INPUT_DEVICE_ID + 1>;
 
-constexpr PairIds PAIRS[] = {{INPUT_KEY_1, INPUT_VALUE_1}, {INPUT_KEY_2, INPUT_VALUE_2}, {INPUT_KEY_3, INPUT_VALUE_3}};
-
-/// The text as the JSON library takes it, whose strings are wide or UTF-8 depending on how it was built.
-utility::string_t ToJsonText(const CString& strText) {
-    utility::string_t text;
-    if constexpr (std::is_same_v<utility::char_t, wchar_t>) {
-        text.assign(strText.GetString(), strText.GetString() + strText.GetLength());
-    } else {
-        const int nBytes = WideCharToMultiByte(CP_UTF8, 0, strText, strText.GetLength(), nullptr, 0, nullptr, nullptr);
-        text.resize(static_cast<size_t>(nBytes));
-        WideCharToMultiByte(CP_UTF8, 0, strText, strText.GetLength(), reinterpret_cast<char*>(text.data()), nBytes,
-                            nullptr, nullptr);
-    }
-    return text;
+const VEKParam& InputOf(const Inputs& inputs, unsigned nId) {
+    return *inputs[nId - INPUT_DEVICE_ID];
 }
 
-/// The parsed text; the null value when it isn't JSON.
-web::json::value ParseJson(const CString& strText) {
-    web::json::keep_object_element_order(true); // a setting of the process
-    web::json::value value;
-    try {
-        value = web::json::value::parse(ToJsonText(strText));
-    } catch (const std::exception&) {
-        return web::json::value();
+/// Look the inputs up; false when one is missing.
+bool FindInputs(const VEKProperty& node, const SGraphNode& graphNode, Inputs& inputs) {
+    unsigned nId = INPUT_DEVICE_ID;
+    for (const VEKParam*& pInput : inputs) {
+        pInput = FindInput(node, graphNode, nId++);
+        if (pInput == nullptr) {
+            return false;
+        }
     }
-    return value;
+    return true;
 }
 
-/// Whether the object holds all pairs of the node whose key isn't empty.
-bool HoldsPairs(const CDevJsonReceive& node, const SGraphNode& graphNode, const web::json::value& object) {
+/// Whether the object holds all pairs whose key isn't empty.
+bool HoldsPairs(const Inputs& inputs, const web::json::value& object) {
     CStringArray arKey;
     CStringArray arValue;
     G_ParseDataFormJsObj(object, arKey, arValue);
-    for (const PairIds& pair : PAIRS) {
-        const CString& strKey = FindInput(node, graphNode, pair.nKey)->m_strValue;
+    for (const unsigned nKeyId : {INPUT_KEY_1, INPUT_KEY_2, INPUT_KEY_3}) {
+        const CString& strKey = InputOf(inputs, nKeyId).m_strValue;
         if (strKey.IsEmpty()) {
             continue;
         }
         const int nIndex = G_FindString(arKey, strKey);
-        if (nIndex < 0 || arValue.GetAt(nIndex).Compare(FindInput(node, graphNode, pair.nValue)->m_strValue) != 0) {
+        if (nIndex < 0 || arValue.GetAt(nIndex).Compare(InputOf(inputs, nKeyId + 1).m_strValue) != 0) {
             return false;
         }
     }
@@ -159,25 +143,21 @@ int CDevJsonReceive::DevIOEventOccurred(const SIOEventRecord* pRecord) {
         return 0;
     }
     const auto& text = *static_cast<const SDeviceTextData*>(pRecord->m_pPayload);
-    for (unsigned nId = INPUT_DEVICE_ID; nId <= INPUT_VALUE_3; ++nId) {
-        if (FindInput(*this, graphNode, nId) == nullptr) {
-            return 0;
-        }
-    }
-    if (FindInput(*this, graphNode, INPUT_DEVICE_ID)->m_nValue != text.m_nDeviceId) {
+    Inputs inputs = {};
+    if (!FindInputs(*this, graphNode, inputs) || InputOf(inputs, INPUT_DEVICE_ID).m_nValue != text.m_nDeviceId) {
         return 0;
     }
-    const web::json::value value = ParseJson(text.m_strText);
+    const web::json::value value = ParseJsonText(text.m_strText);
     if (value.is_null()) {
         WriteNodeLog(LOG_ERROR, *this, graphNode, L"[%s.%s.%s]DevIOEventOccurred:JSON解析失败");
         return 0;
     }
-    if (FindInput(*this, graphNode, INPUT_CHECK_KEY_VALUE)->m_nValue != 0) {
+    if (InputOf(inputs, INPUT_CHECK_KEY_VALUE).m_nValue != 0) {
         if (!value.is_object()) {
             WriteNodeLog(LOG_ERROR, *this, graphNode, L"[%s.%s.%s]DevIOEventOccurred:不是JSON对象");
             return 0;
         }
-        if (!HoldsPairs(*this, graphNode, value)) {
+        if (!HoldsPairs(inputs, value)) {
             return 0;
         }
     }

@@ -14,7 +14,9 @@ void CheckJsonParams(const P_ExtDevIOProcess& node) {
 int AcceptJsonText(P_ExtDevIOProcess& node, const JsonOutputs& outputs, const CString& strText,
                    const wchar_t* pszLogFormat) {
     SGraphNode& graphNode = *node.m_pBaseGraphNode;
-    WriteOutput(graphNode, outputs.nText, &VEKParam::m_strValue, strText);
+    if (VEKParam* pText = FindOutput(graphNode, outputs.nText)) {
+        pText->m_strValue = strText; // without comparing, which would end at a zero inside the text
+    }
     WriteNodeLog(LOG_INFORMATION, node, graphNode, pszLogFormat);
     PostGeneralEventMessage(&node, node.m_pOwnerClip, nullptr, static_cast<int>(outputs.nEvent));
     return 1;

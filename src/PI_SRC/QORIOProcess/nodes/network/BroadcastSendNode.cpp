@@ -31,6 +31,8 @@ constexpr ParamRow INPUTS[] = {
 constexpr GroupRow INPUT_GROUP_ROW{
     .nId = INPUT_GROUP, .pszName = L"Base param", .pszDisplayKey = L"IO_PROCESS_BROADCAST", .params = INPUTS};
 
+const CString DATA_SEPARATOR = L"|";
+
 int ReadBroadcastPort() {
     const CString strPath = PXGetPath(PATH_CONFIG) + L"\\PortConfig.ini";
     return static_cast<int>(GetPrivateProfileIntW(L"iFable", L"BroadcastPort", 0, strPath));
@@ -89,7 +91,7 @@ void CBroadcastIOProcess::ReadInputs(const SGraphNode& graphNode) {
 /// Make the text of the datagram; false when there is no data to send. The data goes out as one text: its pieces only
 /// decide whether there is any.
 bool CBroadcastIOProcess::MakeText() {
-    if (m_strData.IsEmpty() || SplitString(m_strData, L"|", m_arPiece, SPLIT_KEEP_EMPTY) == 0) {
+    if (m_strData.IsEmpty() || SplitString(m_strData, DATA_SEPARATOR, m_arPiece, SPLIT_KEEP_EMPTY) == 0) {
         return false;
     }
     CMarkup markup;

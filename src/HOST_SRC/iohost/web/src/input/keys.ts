@@ -1,3 +1,5 @@
+import { virtualKeyOf } from "./virtualKeys.ts";
+
 /** What the page reads of a browser's keyboard event. */
 export interface BrowserKey {
   /** The key as it's produced: a character or a name. */
@@ -12,21 +14,31 @@ export function isSurfaceKey(key: BrowserKey): boolean {
   return key.key !== "Tab";
 }
 
+interface HeldKey {
+  text: string;
+  /** Virtual-key code; null for a key without one. */
+  code: number | null;
+}
+
 /** Which keys are down on the surface, by place, with the text that their down had. */
 export class HeldKeys {
-  #texts = new Map<string, string>();
+  #keys = new Map<string, HeldKey>();
 
   get texts(): string[] {
-    return [...this.#texts.values()];
+    return [...this.#keys.values()].map(({ text }) => text);
+  }
+
+  get virtualKeys(): number[] {
+    return [...this.#keys.values()].flatMap(({ code }) => code ?? []);
   }
 
   /** The text to send for a key down; null for a repeat of a key that went down elsewhere or was released by force. */
   down(key: BrowserKey): string | null {
     const place = key.code || key.key;
-    if (key.repeat && !this.#texts.has(place)) {
+    if (key.repeat && !this.#keys.has(place)) {
       return null;
     }
-    this.#texts.set(place, key.key);
+    this.#keys.set(place, { text: key.key, code: virtualKeyOf(key) });
     return key.key;
   }
 
@@ -36,20 +48,20 @@ export class HeldKeys {
    */
   up(key: BrowserKey): string[] {
     const place = key.code || key.key;
-    const text = this.#texts.get(place);
-    if (text === undefined) {
+    const held = this.#keys.get(place);
+    if (held === undefined) {
       return [];
     }
-    this.#texts.delete(place);
-    const released = [text];
-    if (text === "Meta") {
-      released.push(...this.#texts.values());
-      this.#texts.clear();
+    this.#keys.delete(place);
+    const released = [held.text];
+    if (held.text === "Meta") {
+      released.push(...this.texts);
+      this.#keys.clear();
     }
     return released;
   }
 
   clear(): void {
-    this.#texts.clear();
+    this.#keys.clear();
   }
 }

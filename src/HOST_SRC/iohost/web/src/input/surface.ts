@@ -1,94 +1,132 @@
 import { Device, EventId, type InputEvent } from "../protocol.ts";
 import { HeldButtons } from "./buttons.ts";
+import type { Holder } from "./holders.ts";
 import { HoverClock } from "./hover.ts";
+import type { LockReader } from "./keyboardState.ts";
 import { HeldKeys, isSurfaceKey } from "./keys.ts";
+import { PointerNumbers } from "./pointers.ts";
+import type { SampleKind } from "./stroke.ts";
 import { toSurface, type SurfaceBox, type SurfacePoint } from "./units.ts";
 import { wheelEvent } from "./wheel.ts";
 
-/** What the surface shows of its own input. */
-export interface SurfaceEcho {
-  /** Where the pointer is; null while it's elsewhere. */
-  point: SurfacePoint | null;
-  buttons: string[];
-  keys: string[];
+/** A pointer on the surface, as the surface shows it. */
+export interface PointerEcho {
+  number: number;
+  /** "mouse", "touch" or "pen". */
+  type: string;
+  point: SurfacePoint;
+  pressed: boolean;
 }
 
 export interface SurfaceListener {
   send(event: InputEvent): void;
-  /** Whatever is held must be let go, as the page won't see how it ends; the reason is for the log. */
-  releaseHeld(reason: string): void;
-  echo(echo: SurfaceEcho): void;
+  /** The virtual keys that are down. */
+  keys(down: number[], locks: LockReader | null): void;
+  /** Keys, or what one pointer holds, must be let go, as the page won't see how it ends; the reason is for the log. */
+  releaseKeys(reason: string): void;
+  releasePointer(reason: string, pointer: number): void;
+  echo(pointers: PointerEcho[]): void;
+}
+
+interface Pointer {
+  number: number;
+  type: string;
+  buttons: HeldButtons;
+  point: SurfacePoint;
+  /** The kind of its samples. It stays the same for the whole of a stroke. */
+  kind: SampleKind;
+  inside: boolean;
 }
 
 /** Turns what the browser tells of the render surface into input events, in the order it came. */
-export class SurfaceInput {
+export class SurfaceInput implements Holder {
+  /** The kind of samples that strokes begin with from now on. */
+  sampleKind: SampleKind = "pixel";
+
   readonly #surface: HTMLElement;
   readonly #listener: SurfaceListener;
   readonly #keys = new HeldKeys();
-  readonly #buttons = new HeldButtons();
+  readonly #numbers = new PointerNumbers();
+  readonly #pointers = new Map<number, Pointer>();
   readonly #hover = new HoverClock();
   readonly #detach = new AbortController();
   #hoverTimer: ReturnType<typeof setTimeout> | null = null;
-  #lastPoint: SurfacePoint = { x: 0, y: 0, rx: 0, ry: 0 };
-  #inside = false;
+  /** The pointer whose rest is a hover: fingers don't hover. */
+  #hovering: Pointer | null = null;
 
   constructor(surface: HTMLElement, listener: SurfaceListener) {
     this.#surface = surface;
     this.#listener = listener;
 
-    this.#on(surface, "keydown", (event) => this.#keyDown(event));
-    this.#on(surface, "keyup", (event) => this.#keyUp(event));
+    this.#on("keydown", (event) => this.#keyDown(event));
+    this.#on("keyup", (event) => this.#keyUp(event));
 
-    this.#on(surface, "pointerenter", (event) => this.#enter(event));
-    this.#on(surface, "pointerleave", (event) => this.#leave(event));
-    this.#on(surface, "pointerdown", (event) => this.#pointerDown(event));
-    this.#on(surface, "pointermove", (event) => this.#pointerMove(event));
-    this.#on(surface, "pointerup", (event) => this.#sample(event));
-    this.#on(surface, "wheel", (event) => this.#wheel(event));
+    this.#on("pointerenter", (event) => this.#enter(event));
+    this.#on("pointerleave", (event) => this.#leave(event));
+    this.#on("pointerdown", (event) => this.#pointerDown(event));
+    this.#on("pointermove", (event) => this.#pointerMove(event));
+    this.#on("pointerup", (event) => this.#sample(event));
+    this.#on("wheel", (event) => this.#wheel(event));
 
     // The surface has its own use for what the browser does with buttons: menu, scrolling, selection, history.
     for (const type of ["mousedown", "mouseup", "auxclick", "contextmenu", "dragstart"] as const) {
-      this.#on(surface, type, (event) => event.preventDefault());
+      this.#on(type, (event) => event.preventDefault());
     }
 
-    this.#on(surface, "blur", () => this.#release("the surface lost the focus"));
-    this.#on(surface, "pointercancel", () => this.#release("the pointer was cancelled"));
-    this.#on(surface, "lostpointercapture", () => this.#release("the pointer was taken away"));
-    const { signal } = this.#detach;
-    window.addEventListener("blur", () => this.#release("the page lost the focus"), { signal });
-    window.addEventListener("pagehide", () => this.#release("the page was left"), { signal });
-    document.addEventListener("visibilitychange", () => document.hidden && this.#release("the page was hidden"), { signal });
+    this.#on("blur", () => this.#releaseKeys("the surface lost the focus"));
+    this.#on("pointercancel", (event) => this.#releasePointer(event, "the pointer was cancelled"));
+    this.#on("lostpointercapture", (event) => this.#releasePointer(event, "the pointer was taken away"));
   }
 
+  /** Lets go of what is held, and listens no longer. */
   detach(): void {
-    this.#release("the surface is gone");
+    this.#releaseKeys("the surface is gone");
+    for (const pointer of this.#pointers.values()) {
+      this.#releaseButtons(pointer, "the surface is gone");
+    }
     this.#detach.abort();
     if (this.#hoverTimer !== null) {
       clearTimeout(this.#hoverTimer);
     }
   }
 
-  /** Forgets what is held without telling: the host has already let go of it, as when the connection was lost. */
+  holds(): boolean {
+    return this.#keys.texts.length > 0 || [...this.#pointers.values()].some(({ buttons }) => buttons.any);
+  }
+
   forget(): void {
     this.#keys.clear();
-    this.#buttons.clear();
+    for (const { buttons } of this.#pointers.values()) {
+      buttons.clear();
+    }
     this.#echo();
   }
 
-  /** Lets go of what is held, if anything is. */
-  #release(reason: string): void {
-    if (this.#buttons.any || this.#keys.texts.length > 0) {
-      this.forget();
-      this.#listener.releaseHeld(reason);
+  #releaseKeys(reason: string): void {
+    if (this.#keys.texts.length > 0) {
+      this.#keys.clear();
+      this.#listener.releaseKeys(reason);
+      this.#listener.keys([], null);
     }
   }
 
-  #on<Type extends keyof HTMLElementEventMap>(
-    target: HTMLElement,
-    type: Type,
-    handle: (event: HTMLElementEventMap[Type]) => void,
-  ): void {
-    target.addEventListener(type, handle, { signal: this.#detach.signal, passive: false });
+  #releasePointer({ pointerId }: PointerEvent, reason: string): void {
+    const pointer = this.#pointers.get(pointerId);
+    if (pointer !== undefined) {
+      this.#releaseButtons(pointer, reason);
+    }
+  }
+
+  #releaseButtons(pointer: Pointer, reason: string): void {
+    if (pointer.buttons.any) {
+      pointer.buttons.clear();
+      this.#listener.releasePointer(reason, pointer.number);
+      this.#echo();
+    }
+  }
+
+  #on<Type extends keyof HTMLElementEventMap>(type: Type, handle: (event: HTMLElementEventMap[Type]) => void): void {
+    this.#surface.addEventListener(type, handle, { signal: this.#detach.signal, passive: false });
   }
 
   #keyDown(event: KeyboardEvent): void {
@@ -100,6 +138,7 @@ export class SurfaceInput {
     if (text !== null) {
       this.#sendKey(EventId.keyDown, text);
     }
+    this.#listener.keys(this.#keys.virtualKeys, event);
   }
 
   #keyUp(event: KeyboardEvent): void {
@@ -110,36 +149,62 @@ export class SurfaceInput {
     for (const text of this.#keys.up(event)) {
       this.#sendKey(EventId.keyUp, text);
     }
+    this.#listener.keys(this.#keys.virtualKeys, event);
   }
 
   #sendKey(id: number, text: string): void {
     this.#listener.send({ device: Device.keyboard, event: id, payload: { is: "key", text } });
-    this.#echo();
   }
 
-  #enter(event: PointerEvent): void {
-    if (!event.isPrimary) {
-      return;
+  #pointer({ pointerId, pointerType }: PointerEvent): Pointer {
+    let pointer = this.#pointers.get(pointerId);
+    if (pointer === undefined) {
+      pointer = {
+        number: this.#numbers.of(pointerId, pointerType),
+        type: pointerType,
+        buttons: new HeldButtons(),
+        point: { x: 0, y: 0, rx: 0, ry: 0 },
+        kind: this.sampleKind,
+        inside: false,
+      };
+      this.#pointers.set(pointerId, pointer);
     }
-    this.#inside = true;
-    this.#buttons.ignore(event.buttons);
-    this.#place(event);
-    this.#sendPointer(EventId.enter);
+    return pointer;
+  }
+
+  get #anyInside(): boolean {
+    return [...this.#pointers.values()].some(({ inside }) => inside);
+  }
+
+  /** The surface is entered with the first pointer and left with the last one. */
+  #enter(event: PointerEvent): void {
+    const pointer = this.#pointer(event);
+    const isFirst = !this.#anyInside;
+    pointer.inside = true;
+    pointer.buttons.ignore(event.buttons);
+    this.#place(pointer, event);
+    if (isFirst) {
+      this.#sendPointer(pointer, EventId.enter);
+    }
   }
 
   #leave(event: PointerEvent): void {
-    if (!event.isPrimary) {
-      return;
+    const pointer = this.#pointer(event);
+    pointer.inside = false;
+    if (this.#hovering === pointer) {
+      this.#hover.left();
+      this.#hovering = null;
     }
-    this.#inside = false;
-    this.#hover.left();
-    this.#sendPointer(EventId.leave);
+    this.#releaseButtons(pointer, "the pointer was taken away");
+    this.#pointers.delete(event.pointerId);
+    this.#numbers.free(event.pointerId);
+    if (!this.#anyInside) {
+      this.#sendPointer(pointer, EventId.leave);
+    }
+    this.#echo();
   }
 
   #pointerDown(event: PointerEvent): void {
-    if (!event.isPrimary) {
-      return;
-    }
     this.#surface.focus({ preventScroll: true });
     // A drag that ends outside the surface still brings its release here.
     this.#surface.setPointerCapture(event.pointerId);
@@ -156,13 +221,14 @@ export class SurfaceInput {
 
   /** A place and a set of held buttons: the movement goes first, so that a button event has its place. */
   #sample(event: PointerEvent): void {
-    if (!event.isPrimary) {
-      return;
+    const pointer = this.#pointer(event);
+    if (!pointer.buttons.any) {
+      pointer.kind = this.sampleKind;
     }
-    this.#place(event);
-    this.#sendPointer(EventId.move);
-    for (const id of this.#buttons.change(event.buttons)) {
-      this.#sendPointer(id);
+    this.#place(pointer, event);
+    this.#sendPointer(pointer, EventId.move);
+    for (const id of pointer.buttons.change(event.buttons)) {
+      this.#sendPointer(pointer, id);
     }
   }
 
@@ -170,14 +236,15 @@ export class SurfaceInput {
     event.preventDefault();
     const id = wheelEvent(event.deltaY);
     if (id !== null) {
-      this.#lastPoint = toSurface(event.clientX, event.clientY, this.#box());
-      this.#sendPointer(id);
+      const point = toSurface(event.clientX, event.clientY, this.#box());
+      this.#send(id, 0, point, this.sampleKind);
     }
   }
 
-  #place(event: PointerEvent): void {
-    this.#lastPoint = toSurface(event.clientX, event.clientY, this.#box());
-    if (this.#inside) {
+  #place(pointer: Pointer, event: PointerEvent): void {
+    pointer.point = toSurface(event.clientX, event.clientY, this.#box());
+    if (pointer.inside && pointer.type !== "touch") {
+      this.#hovering = pointer;
       this.#hover.moved(event.clientX, event.clientY, performance.now());
       this.#awaitHover();
     }
@@ -191,29 +258,32 @@ export class SurfaceInput {
     // One timer follows the rest: it looks again when the pointer has moved in between.
     this.#hoverTimer = setTimeout(() => {
       this.#hoverTimer = null;
-      if (this.#hover.take(performance.now())) {
-        this.#sendPointer(EventId.hover);
+      if (this.#hovering !== null && this.#hover.take(performance.now())) {
+        this.#sendPointer(this.#hovering, EventId.hover);
       }
       this.#awaitHover();
     }, Math.ceil(due));
   }
 
-  #sendPointer(id: number): void {
-    const { x, y, rx, ry } = this.#lastPoint;
-    this.#listener.send({
-      device: Device.pointer,
-      event: id,
-      payload: { is: "pointer", rx, ry, x, y, pointer: 0, relative: 0 },
-    });
+  #sendPointer(pointer: Pointer, id: number): void {
+    this.#send(id, pointer.number, pointer.point, pointer.kind);
     this.#echo();
   }
 
-  #echo(): void {
-    this.#listener.echo({
-      point: this.#inside || this.#buttons.any ? this.#lastPoint : null,
-      buttons: this.#buttons.names,
-      keys: this.#keys.texts,
+  #send(id: number, pointer: number, { x, y, rx, ry }: SurfacePoint, kind: SampleKind): void {
+    this.#listener.send({
+      device: Device.pointer,
+      event: id,
+      payload: { is: "pointer", rx, ry, x, y, pointer, relative: kind === "relative" ? 1 : 0 },
     });
+  }
+
+  #echo(): void {
+    this.#listener.echo(
+      [...this.#pointers.values()]
+        .filter(({ inside, buttons }) => inside || buttons.any)
+        .map(({ number, type, point, buttons }) => ({ number, type, point, pressed: buttons.any })),
+    );
   }
 
   #box(): SurfaceBox {

@@ -37,7 +37,7 @@ export function Dock({ host }: { host: Host }) {
   };
 
   return (
-    <section class="panel dock" aria-label="Panels" data-height={PANELS.find(({ id }) => id === front)?.height ?? "third"}>
+    <section class="panel dock" aria-label="Panels" style={{ height: PANELS.find(({ id }) => id === front)?.height }}>
       <div class="tabs" role="tablist" ref={tabs} onKeyDown={step}>
         {PANELS.map(({ id, title }) => (
           <button

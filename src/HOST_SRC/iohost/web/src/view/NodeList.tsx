@@ -16,6 +16,7 @@ export function NodeList({ host }: { host: Host }) {
           Reset counts
         </button>
       </div>
+      {nodes !== null && nodes.length > 1 && <NodeIndex host={host} nodes={nodes} />}
       <div class="cards">
         {nodes?.length === 0 && <p class="empty">The scene has no nodes.</p>}
         {nodes?.map((node) => (
@@ -26,11 +27,39 @@ export function NodeList({ host }: { host: Host }) {
   );
 }
 
+/** Leads to each node's card, and flashes when the node fires, so that it's seen wherever the cards are scrolled to. */
+function NodeIndex({ host, nodes }: { host: Host; nodes: readonly NodeView[] }) {
+  return (
+    <nav class="node-index" aria-label="Nodes">
+      {nodes.map((node) => (
+        <NodeIndexEntry key={node.node} host={host} node={node} />
+      ))}
+    </nav>
+  );
+}
+
+function NodeIndexEntry({ host, node }: { host: Host; node: NodeView }) {
+  const events = node.details.outputs.flatMap(({ params }) => params).filter((param) => kindOf(param) === "event");
+  const count = events.reduce((sum, { id }) => sum + host.fired.of(node.node, id).value.count, 0);
+  return (
+    <button
+      type="button"
+      title={`${node.graph} (${node.details.name})`}
+      aria-label={node.graph}
+      onClick={() => document.getElementById(`node-${node.node}`)?.scrollIntoView({ behavior: "smooth", block: "start" })}
+    >
+      <NodeIcon type={node.type} />
+      {/* A new key makes a new element, whose flash starts afresh. */}
+      {count > 0 && <span class="index-flash" key={count} aria-hidden="true" />}
+    </button>
+  );
+}
+
 function NodeCard({ host, node }: { host: Host; node: NodeView }) {
   const { inputs, outputs } = node.details;
   const place = node.clip === null ? "no clip" : node.clip;
   return (
-    <article class="panel card" data-node={node.node}>
+    <article class="panel card" id={`node-${node.node}`} data-node={node.node}>
       <header class="card-head">
         <NodeIcon type={node.type} />
         <div class="card-names">

@@ -2,6 +2,7 @@ import { timeOfDay } from "../format.ts";
 import type { Host } from "../host.ts";
 import { kindOf, valueText } from "../params.ts";
 import type { Param } from "../protocol.ts";
+import { LinkTargets } from "./Links.tsx";
 
 interface OutputProps {
   host: Host;
@@ -25,6 +26,7 @@ export function EventOutput({ host, node, param }: OutputProps) {
       <span class="output-name">{param.display}</span>
       <span class="event-count">{count}</span>
       <span class="event-time">{last === null ? "not yet fired" : timeOfDay(last)}</span>
+      <LinkTargets host={host} node={node} output={param.id} />
     </div>
   );
 }
@@ -45,6 +47,7 @@ export function ValueOutput({ host, node, param }: OutputProps) {
       <span class={kind === "switch" && value.int !== 0 ? "value-text value-on" : "value-text"}>
         {text === "" ? <span class="none">empty</span> : text}
       </span>
+      <LinkTargets host={host} node={node} output={param.id} />
     </div>
   );
 }

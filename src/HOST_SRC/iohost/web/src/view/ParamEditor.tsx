@@ -2,8 +2,11 @@ import type { ComponentChildren } from "preact";
 import { useState } from "preact/hooks";
 import { shortestFloat } from "../format.ts";
 import type { Host } from "../host.ts";
+import { CombinationCapture } from "../input/capture.ts";
+import { keyValueText, virtualKeyName } from "../input/virtualKeys.ts";
 import { boundsOf, kindOf, parseNumber, valueText, type EditValue, type ParamKind } from "../params.ts";
 import type { Param } from "../protocol.ts";
+import { LinkSources } from "./Links.tsx";
 
 interface EditorProps {
   host: Host;
@@ -24,8 +27,10 @@ export function ParamEditor({ host, node, param }: EditorProps) {
     case "switch":
       control = <Switch {...common} onEdit={edit} />;
       break;
-    case "integer":
     case "keyCode":
+      control = <KeyCombination {...common} onEdit={edit} />;
+      break;
+    case "integer":
     case "float":
       control = <NumberField {...common} kind={kind} onEdit={edit} />;
       break;
@@ -47,17 +52,77 @@ export function ParamEditor({ host, node, param }: EditorProps) {
       break;
   }
   // A button isn't labelled by what it stands in: a click beside it must not fire.
-  const Frame = kind === "event" ? "div" : "label";
+  const Frame = kind === "event" || kind === "keyCode" ? "div" : "label";
   return (
     <Frame class="input" title={`${param.name}, ${param.id}`}>
       <span class="output-name">{param.display}</span>
       {control}
+      <LinkSources host={host} node={node} input={param.id} />
       {error !== null && (
         <span class="input-error" role="alert">
           {error}
         </span>
       )}
     </Frame>
+  );
+}
+
+/**
+ * The key that a key check node looks for. It's set by pressing it, together with the modifiers that it needs; leaving
+ * the field without a press changes nothing.
+ */
+function KeyCombination({ node, param, onEdit }: ControlProps) {
+  const [capture, setCapture] = useState<CombinationCapture | null>(null);
+  const [held, setHeld] = useState<readonly number[]>([]);
+
+  const finish = (value: number | null) => {
+    if (value !== null) {
+      onEdit({ int: value });
+      setCapture(null);
+    }
+    setHeld(value === null ? (capture?.held ?? []) : []);
+  };
+  const follow = (step: (event: KeyboardEvent) => number | null) => (event: KeyboardEvent) => {
+    if (capture !== null) {
+      event.preventDefault();
+      event.stopPropagation();
+      finish(step(event));
+    }
+  };
+  const text = keyValueText(param.int);
+  const waiting = held.length > 0 ? `${held.map(virtualKeyName).join(" + ")} + …` : "Press the keys…";
+  return (
+    <span class="combination">
+      <button
+        type="button"
+        class={capture !== null ? "combination-field capturing" : "combination-field"}
+        disabled={!param.available}
+        data-node={node}
+        data-param={param.id}
+        data-key-value={param.int}
+        onClick={() => setCapture(capture ?? new CombinationCapture())}
+        onBlur={() => {
+          setCapture(null);
+          setHeld([]);
+        }}
+        onKeyDown={follow((event) => capture!.down(event))}
+        onKeyUp={follow((event) => capture!.up(event))}
+      >
+        {capture !== null ? waiting : text === "" ? <span class="none">none: click and press</span> : text}
+      </button>
+      {text !== "" && (
+        <button
+          type="button"
+          class="icon-button"
+          title="No key"
+          aria-label={`${param.display}: no key`}
+          disabled={!param.available}
+          onClick={() => onEdit({ int: 0 })}
+        >
+          ×
+        </button>
+      )}
+    </span>
   );
 }
 

@@ -2,36 +2,98 @@ import { useSignal } from "@preact/signals";
 import { useEffect, useRef } from "preact/hooks";
 import { floatText } from "../format.ts";
 import type { Host } from "../host.ts";
-import { SurfaceInput, type SurfaceEcho } from "../input/surface.ts";
+import type { SampleKind } from "../input/stroke.ts";
+import { Strokes, type StrokeView } from "../input/strokes.ts";
+import { SurfaceInput, type PointerEcho } from "../input/surface.ts";
+import { NodeType, nodesOf, outputNames } from "../nodeTypes.ts";
+import { Device } from "../protocol.ts";
+import { HeldBar } from "./HeldBar.tsx";
+import { StrokeOverlay } from "./StrokeOverlay.tsx";
 
-const NOTHING: SurfaceEcho = { point: null, buttons: [], keys: [] };
+const KINDS: readonly { kind: SampleKind; label: string }[] = [
+  { kind: "pixel", label: "Pixels" },
+  { kind: "relative", label: "Relative" },
+];
 
 /** The stand-in for the host's render window: what happens on it goes to the nodes. */
 export function RenderSurface({ host }: { host: Host }) {
   const surface = useRef<HTMLDivElement>(null);
-  const echo = useSignal(NOTHING);
+  const input = useRef<SurfaceInput | null>(null);
+  const pointers = useSignal<readonly PointerEcho[]>([]);
+  const strokes = useSignal<readonly StrokeView[]>([]);
+  const sampleKind = useSignal<SampleKind>("pixel");
 
   useEffect(() => {
-    const input = new SurfaceInput(surface.current!, {
-      send: (event) => host.sendInput(event),
-      releaseHeld: (reason) => host.releaseHeld(reason),
-      echo: (now) => (echo.value = now),
+    const tracked = new Strokes(
+      () => nodesOf(host.nodes.peek(), NodeType.gesture).map((node) => ({ node: node.node, outputs: outputNames(node) })),
+      (views) => (strokes.value = views),
+    );
+    const keyboard = {};
+    const made = new SurfaceInput(surface.current!, {
+      send: (event) => {
+        const asks = event.device === Device.pointer && Strokes.asks(event.event);
+        const answer = asks ? host.askInput(event) : null;
+        if (!asks) {
+          host.sendInput(event);
+        }
+        if (event.device === Device.pointer) {
+          tracked.follow(event.event, event.payload, answer);
+        }
+      },
+      keys: (down, locks) => {
+        host.keyboard.setDown(keyboard, down);
+        if (locks !== null) {
+          host.keyboard.readLocks(locks);
+        }
+      },
+      releaseKeys: (reason) => host.releaseDevice(reason, Device.keyboard),
+      releasePointer: (reason, pointer) => {
+        host.releaseDevice(reason, Device.pointer, pointer);
+        tracked.drop(pointer);
+      },
+      echo: (now) => (pointers.value = now),
     });
-    const stopListening = host.onLost(() => input.forget());
+    input.current = made;
+    const stopHolding = host.holders.add({
+      holds: () => made.holds(),
+      forget: () => {
+        made.forget();
+        tracked.drop();
+      },
+    });
     return () => {
-      stopListening();
-      input.detach();
+      stopHolding();
+      made.detach();
     };
   }, [host]);
 
-  const { point, buttons, keys } = echo.value;
+  const chooseKind = (kind: SampleKind) => {
+    sampleKind.value = kind;
+    input.current!.sampleKind = kind;
+  };
+  const first = pointers.value[0];
+  const ended = strokes.value.filter(({ verdict }) => verdict !== null).at(-1);
   return (
     <section class="panel surface-panel" aria-labelledby="surface-title">
       <div class="panel-head">
         <h2 id="surface-title">Render surface</h2>
         <span class="hint" id="surface-hint">
-          Keys go to the nodes while the surface has the focus. <kbd>Tab</kbd> leaves it.
+          Keys go to the nodes while it has the focus. <kbd>Tab</kbd> leaves it.
         </span>
+        <span class="switch-label">Samples</span>
+        <div class="segments" role="group" aria-label="Samples">
+          {KINDS.map(({ kind, label }) => (
+            <button
+              type="button"
+              key={kind}
+              aria-pressed={sampleKind.value === kind}
+              data-samples-in={kind}
+              onClick={() => chooseKind(kind)}
+            >
+              {label}
+            </button>
+          ))}
+        </div>
       </div>
       <div
         class="surface"
@@ -44,30 +106,28 @@ export function RenderSurface({ host }: { host: Host }) {
       >
         <span class="axis axis-top">1000</span>
         <span class="axis axis-origin">0, 0</span>
-        <p class="surface-call">
-          <span class="call-blurred">Click here, then type, move, click and scroll</span>
-          <span class="call-focused">Type, move, click and scroll</span>
-        </p>
-        {point !== null && <Crosshair x={point.x} y={point.y} pressed={buttons.length > 0} />}
+        {strokes.value.length === 0 && (
+          <p class="surface-call">
+            <span class="call-blurred">Click here, then type, move, click, scroll and swipe</span>
+            <span class="call-focused">Type, move, click, scroll and swipe</span>
+          </p>
+        )}
+        <StrokeOverlay strokes={strokes.value} height={surface.current?.clientHeight ?? 0} />
+        {pointers.value.map((pointer) => (
+          <PointerMark key={pointer.number} pointer={pointer} />
+        ))}
+        {ended !== undefined && <VerdictCard view={ended} />}
       </div>
       <dl class="readout">
-        <Reading label="Pixels" value={point && `${point.x}, ${point.y}`} data="pixels" />
-        <Reading label="Relative" value={point && `${floatText(round(point.rx))}, ${floatText(round(point.ry))}`} data="relative" />
-        <div class="reading reading-held">
-          <dt>Held</dt>
-          <dd data-readout="held">
-            {buttons.length + keys.length === 0 && <span class="none">nothing</span>}
-            {buttons.map((name) => (
-              <span class="chip" key={`button ${name}`}>
-                {name} button
-              </span>
-            ))}
-            {keys.map((text, index) => (
-              <kbd key={`key ${index}`}>{text === " " ? "Space" : text}</kbd>
-            ))}
-          </dd>
-        </div>
+        <Reading label="Pixels" value={first && `${first.point.x}, ${first.point.y}`} data="pixels" />
+        <Reading
+          label="Relative"
+          value={first && `${floatText(round(first.point.rx))}, ${floatText(round(first.point.ry))}`}
+          data="relative"
+        />
+        <Reading label="Pointers" value={pointersText(pointers.value)} data="pointers" />
       </dl>
+      <HeldBar host={host} />
     </section>
   );
 }
@@ -76,7 +136,11 @@ function round(value: number): number {
   return Math.round(value * 10) / 10;
 }
 
-function Reading({ label, value, data }: { label: string; value: string | null; data: string }) {
+function pointersText(pointers: readonly PointerEcho[]): string | undefined {
+  return pointers.length === 0 ? undefined : pointers.map(({ number, type }) => `${number} ${type}`).join(", ");
+}
+
+function Reading({ label, value, data }: { label: string; value: string | undefined; data: string }) {
   return (
     <div class="reading">
       <dt>{label}</dt>
@@ -85,12 +149,38 @@ function Reading({ label, value, data }: { label: string; value: string | null; 
   );
 }
 
-function Crosshair({ x, y, pressed }: { x: number; y: number; pressed: boolean }) {
+/** The event that a lifted pointer fired, or why it fired none. */
+function VerdictCard({ view: { pointer, stroke, verdict } }: { view: StrokeView }) {
+  const { fired, reason } = verdict!;
   return (
-    <svg class={pressed ? "crosshair crosshair-pressed" : "crosshair"} aria-hidden="true">
-      <line x1="0" x2="100%" y1={y + 0.5} y2={y + 0.5} />
-      <line x1={x + 0.5} x2={x + 0.5} y1="0" y2="100%" />
-      <circle cx={x + 0.5} cy={y + 0.5} r={pressed ? 9 : 6} />
+    <div class={fired.length > 0 ? "verdict verdict-fired" : "verdict"} role="status" data-verdict={fired.join(", ")}>
+      <strong>{fired.length > 0 ? fired.join(" · ") : "No event"}</strong>
+      <span>{reason}</span>
+      <span class="verdict-stroke">
+        pointer {pointer}, {stroke.count} samples
+      </span>
+    </div>
+  );
+}
+
+/** A pointer with its cross hair; fingers have a ring with their number. */
+function PointerMark({ pointer: { number, type, point, pressed } }: { pointer: PointerEcho }) {
+  const x = point.x + 0.5;
+  const y = point.y + 0.5;
+  return (
+    <svg class={pressed ? "crosshair crosshair-pressed" : "crosshair"} aria-hidden="true" data-pointer={number}>
+      {type !== "touch" && (
+        <>
+          <line x1="0" x2="100%" y1={y} y2={y} />
+          <line x1={x} x2={x} y1="0" y2="100%" />
+        </>
+      )}
+      <circle cx={x} cy={y} r={type === "touch" ? 26 : pressed ? 9 : 6} />
+      {number > 0 && (
+        <text x={x + 30} y={y - 16}>
+          {number}
+        </text>
+      )}
     </svg>
   );
 }

@@ -1,5 +1,7 @@
 import type { ComponentType } from "preact";
 import type { Host } from "../host.ts";
+import { HandsPanel } from "./HandsPanel.tsx";
+import { KeyboardPanel } from "./KeyboardPanel.tsx";
 import { LogPanel } from "./LogPanel.tsx";
 
 export interface PanelProps {
@@ -14,9 +16,13 @@ export interface Panel {
   id: string;
   title: string;
   View: ComponentType<PanelProps>;
-  /** How much of the page's height it takes: a third unless it says otherwise. */
-  height?: "half";
+  /** How much of the page's height it takes, when that isn't the usual third: a length of CSS. */
+  height?: string;
 }
 
 /** In the order of the tabs; the first one is in front at first. */
-export const PANELS: readonly Panel[] = [{ id: "log", title: "Log", View: LogPanel }];
+export const PANELS: readonly Panel[] = [
+  { id: "log", title: "Log", View: LogPanel },
+  { id: "keyboard", title: "On-screen keyboard", View: KeyboardPanel, height: "46%" },
+  { id: "hands", title: "VR hands", View: HandsPanel, height: "56%" },
+];

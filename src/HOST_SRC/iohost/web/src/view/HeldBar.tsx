@@ -1,0 +1,65 @@
+import { useEffect, useState } from "preact/hooks";
+import { ageText } from "../format.ts";
+import { heldLabel, isKeyboardState } from "../held.ts";
+import type { Host } from "../host.ts";
+import type { HeldEntry } from "../protocol.ts";
+
+const AGE_STEP_MS = 100;
+
+/** What is held in the host, by this page and everybody else, since when; and the button that lets go of it. */
+export function HeldBar({ host }: { host: Host }) {
+  const { entries, told } = host.held.value;
+  const [now, setNow] = useState(Date.now());
+  const isAny = entries.length > 0;
+  useEffect(() => {
+    setNow(Date.now());
+    if (isAny) {
+      const timer = setInterval(() => setNow(Date.now()), AGE_STEP_MS);
+      return () => clearInterval(timer);
+    }
+    return undefined;
+  }, [isAny, told]);
+
+  const state = host.connection.value;
+  const chip = (entry: HeldEntry) => {
+    const { cap, text } = heldLabel(entry);
+    const isOwn = state.is === "open" && state.connection === entry.connection;
+    return (
+      <span
+        class={cap ? "held held-key" : "held"}
+        key={`${entry.connection} ${entry.what} ${entry.identity}`}
+        title={isOwn ? "Held on this page" : `Held by connection ${entry.connection}`}
+        data-held={`${entry.what} ${entry.identity}`}
+      >
+        {text} <span class="held-age">{ageText(entry.ms + now - told)}</span>
+        {!isOwn && <span class="held-other"> elsewhere</span>}
+      </span>
+    );
+  };
+  const keyboard = entries.filter(isKeyboardState);
+  return (
+    <div class="held-bar" role="group" aria-label="Held">
+      <span class="held-title">Held</span>
+      <span class="held-list" data-readout="held">
+        {!isAny && <span class="none">nothing</span>}
+        {entries.filter((entry) => !isKeyboardState(entry)).map(chip)}
+      </span>
+      {keyboard.length > 0 && (
+        <>
+          <span class="held-title">Keyboard state</span>
+          <span class="held-list" data-readout="keyboard">
+            {keyboard.map(chip)}
+          </span>
+        </>
+      )}
+      <button
+        type="button"
+        class="held-release"
+        disabled={!isAny}
+        onClick={() => host.releaseAll("somebody released everything", true)}
+      >
+        Release all
+      </button>
+    </div>
+  );
+}

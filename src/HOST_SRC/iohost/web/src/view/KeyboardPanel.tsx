@@ -1,0 +1,78 @@
+import { useEffect, useRef, useState } from "preact/hooks";
+import "simple-keyboard/build/css/index.css";
+import { ScreenKeyboard } from "../input/screenKeyboard.ts";
+import { VirtualKey } from "../input/virtualKeys.ts";
+import { NodeType, nodesOf, TextFieldPin } from "../nodeTypes.ts";
+import type { PanelProps } from "./panels.ts";
+
+/** The on-screen keyboard. It types into one text field node of the scene, whose text is shown above it. */
+export function KeyboardPanel({ host }: PanelProps) {
+  const place = useRef<HTMLDivElement>(null);
+  const keyboard = useRef<ScreenKeyboard | null>(null);
+  const nodes = nodesOf(host.nodes.value, NodeType.textField);
+  const [chosen, setChosen] = useState<string | null>(null);
+  const target = nodes.find(({ node }) => node === chosen) ?? nodes[0];
+  const targetNode = useRef(target?.node);
+  targetNode.current = target?.node;
+  const [lastName, setLastName] = useState<string | null>(null);
+  const text = target === undefined ? "" : host.values.of(target.node, TextFieldPin.output).value.string;
+
+  useEffect(() => {
+    const made = new ScreenKeyboard(place.current!, {
+      type: (name) => {
+        setLastName(name);
+        if (targetNode.current !== undefined) {
+          host.typeKey(targetNode.current, TextFieldPin, name);
+        }
+      },
+      clear: () => {
+        setLastName(null);
+        if (targetNode.current !== undefined) {
+          void host.trigger(targetNode.current, TextFieldPin.clear);
+        }
+      },
+      toggleCapsLock: () => host.keyboard.setToggled(VirtualKey.capsLock, !host.keyboard.isToggled(VirtualKey.capsLock)),
+      keys: (down) => host.keyboard.setDown(made, down),
+    });
+    keyboard.current = made;
+    const stopHolding = host.holders.add(made);
+    const stopFollowing = host.capsLock.subscribe((on) => (made.capsLock = on));
+    return () => {
+      stopFollowing();
+      stopHolding();
+      made.detach();
+    };
+  }, [host]);
+
+  return (
+    <>
+      <div class="panel-head keyboard-head">
+        {nodes.length === 0 ? (
+          <span class="hint">The scene has no text field node: keys set the keyboard state only.</span>
+        ) : (
+          <label class="keyboard-target">
+            Types into
+            <select value={target!.node} onChange={(event) => setChosen(event.currentTarget.value)}>
+              {nodes.map(({ node, graph }) => (
+                <option key={node} value={node}>
+                  {graph}
+                </option>
+              ))}
+            </select>
+          </label>
+        )}
+        <output class="keyboard-text" aria-label="Text" data-keyboard-text={text}>
+          {text}
+          <span class="keyboard-caret" aria-hidden="true" />
+        </output>
+        <span class="hint keyboard-last">
+          {lastName === null ? "Key name –" : "Key name "}
+          {lastName !== null && <code data-key-name={lastName}>{lastName}</code>}
+        </span>
+      </div>
+      <div class="keyboard-place">
+        <div class="screen-keyboard" ref={place} />
+      </div>
+    </>
+  );
+}

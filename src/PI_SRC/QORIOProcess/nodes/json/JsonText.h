@@ -1,0 +1,8 @@
+// JSON text on its way to the JSON library, which reads wide strings on Windows and UTF-8 elsewhere.
+#pragma once
+
+#include "host/HostJson.h"
+
+/// The value that the text says as a whole; the null value, too, for text that isn't JSON. Every build of the library
+/// reads the same text as the same value.
+web::json::value ParseJsonText(const CString& strText);

@@ -1,0 +1,358 @@
+// Which texts the device JSON receive node takes for JSON: every part of the grammar, kept and broken, and what is too
+// long or too deep. The verdicts are the same in every build; docs/json.md tells where they aren't the standard's.
+#include "ModuleHost.h"
+
+namespace {
+
+using namespace std::string_view_literals;
+
+enum : unsigned { CHECK_KEY_VALUE = 1403, KEY_1 = 1404, VALUE_1 = 1405, RECEIVE_DATA = 1452 };
+
+enum Verdict { TAKEN, REFUSED };
+
+/// Text in which what isn't plain stands as a number.
+std::string Readable(std::wstring_view text) {
+    std::string readable;
+    for (const wchar_t c : text.substr(0, 60)) {
+        if (c >= 0x20 && c < 0x7F) {
+            readable += static_cast<char>(c);
+        } else {
+            char szNumber[16];
+            std::snprintf(szNumber, sizeof(szNumber), "<%X>", static_cast<unsigned>(c));
+            readable += szNumber;
+        }
+    }
+    return readable + (text.size() > 60 ? "... of " + std::to_string(text.size()) : "");
+}
+
+class JsonTexts : public ModuleTest {
+protected:
+    JsonTexts() { m_scene.Evaluate(); }
+
+    int Send(std::wstring_view text) {
+        SDeviceTextData data;
+        data.m_nDeviceId = 1;
+        data.m_strText = CString(text.data(), static_cast<int>(text.size()));
+        return m_scene.Send(5, 0, &data);
+    }
+
+    void Expect(std::wstring_view text, Verdict verdict) {
+        SCOPED_TRACE(Readable(text));
+        m_scene.Output(RECEIVE_DATA).m_strValue = L"before";
+        const int nResult = Send(text);
+        const std::vector<LogLine> log = m_host.TakeLog();
+        const std::vector<ReportedEvent> events = m_host.TakeReportedEvents();
+        const CString& strReceived = m_scene.Output(RECEIVE_DATA).m_strValue;
+        if (verdict == TAKEN) {
+            EXPECT_EQ(nResult, 1);
+            EXPECT_EQ(log, std::vector{Information("[Clip.Graph.Node 触发[接收设备json]事件]")});
+            EXPECT_EQ(events.size(), 1u);
+            EXPECT_TRUE(strReceived == CString(text.data(), static_cast<int>(text.size())));
+        } else {
+            EXPECT_EQ(nResult, 0);
+            EXPECT_EQ(log, std::vector{Error("[Clip.Graph.Node]DevIOEventOccurred:JSON解析失败")});
+            EXPECT_TRUE(events.empty());
+            EXPECT_EQ(Utf8(strReceived), "before");
+        }
+    }
+
+    void ExpectAll(Verdict verdict, std::initializer_list<std::wstring_view> texts) {
+        for (const std::wstring_view text : texts) {
+            Expect(text, verdict);
+        }
+    }
+
+    /// Whether the text, an object, holds this value under the key "v".
+    bool Holds(std::wstring_view text, const wchar_t* pszValue) {
+        m_scene.Input(CHECK_KEY_VALUE).m_nValue = 1;
+        m_scene.Input(KEY_1).m_strValue = L"v";
+        m_scene.Input(VALUE_1).m_strValue = pszValue;
+        const int nResult = Send(text);
+        m_scene.Input(CHECK_KEY_VALUE).m_nValue = 0;
+        m_host.TakeLog();
+        m_host.TakeReportedEvents();
+        return nResult == 1;
+    }
+
+    NodeScene m_scene{m_host, TYPE_DEVICE_JSON_RECEIVE};
+};
+
+std::wstring Repeat(std::wstring_view part, size_t nTimes) {
+    std::wstring text;
+    text.reserve(part.size() * nTimes);
+    for (size_t i = 0; i < nTimes; ++i) {
+        text += part;
+    }
+    return text;
+}
+
+// ---- Values and structure ------------------------------------------------------------------------------------------
+
+TEST_F(JsonTexts, Words) {
+    ExpectAll(TAKEN, {L"true", L"false", L"[null]", L"{\"a\":null}", L" true ", L"\ttrue\r\n"});
+    ExpectAll(REFUSED, {L"null", L" null ", L"True", L"TRUE", L"nul", L"tru", L"fals", L"nulls", L"truex", L"true1",
+                        L"truefalse", L"true false", L"undefined", L"NaN", L"nan", L"Infinity", L"-Infinity", L"a"});
+}
+
+TEST_F(JsonTexts, Numbers) {
+    ExpectAll(TAKEN, {L"0",
+                      L"-0",
+                      L"1",
+                      L"-1",
+                      L"10",
+                      L"1234567890",
+                      L"0.5",
+                      L"-0.5",
+                      L"0.0",
+                      L"1.25",
+                      L"1e5",
+                      L"1E5",
+                      L"1e+5",
+                      L"1e-5",
+                      L"1.5E-05",
+                      L"0e0",
+                      L"0E+1",
+                      L"1e00",
+                      L"9223372036854775807",
+                      L"-9223372036854775808",
+                      L"-9223372036854775809",
+                      L"18446744073709551615",
+                      L"18446744073709551616",
+                      L"123456789012345678901234567890",
+                      L"1.7976931348623157e308",
+                      L"4.9406564584124654e-324",
+                      L"1e400",
+                      L"-1e400",
+                      L"1e-400",
+                      L"1e99999999999999999999",
+                      L"1e-99999999999999999999"});
+    ExpectAll(REFUSED, {L"-",   L"--1",   L"+1",  L"-a",    L".5",    L"-.5",    L"1.",    L"1.e5", L"1.5.5",
+                        L"1e",  L"1e+",   L"1e-", L"1e5.5", L"e5",    L"1a",     L"0x10",  L"1,5",  L"1 2",
+                        L"1-2", L"1e5e5", L"00",  L"-00",   L"1_000", L"\xFF11", L"\x0661"});
+    ExpectAll(TAKEN, {L"01", L"-01", L"[01.5]"}); // not in the standard
+}
+
+TEST_F(JsonTexts, Strings) {
+    ExpectAll(TAKEN,
+              {L"\"\"", L"\" \"", L"\"a\"", L"\"'\"", L"\"/\"", L"\"名😀\"", L"\"\x7F\"", L"\"\x85\xA0\"",
+               L"\"\x2028\x2029\"", L"\"\x3000\"", L"\"\xFEFF\"", L"\"\xFFFE\"", L"\"\xFFFF\"", L"\"a\xFFFFz\xFFFF\""});
+    ExpectAll(REFUSED, {L"\"", L"\"a", L"a\"", L"'a'", L"\"a\"\"", L"\"a\" \"b\"", L"\"\"\"", L"\"a\xFFFF"});
+}
+
+TEST_F(JsonTexts, Escapes) {
+    ExpectAll(TAKEN,
+              {LR"("\"")", LR"("\\")", LR"("\/")", LR"("\b\f\n\r\t")", LR"("\u0041")", LR"("\u00e9")", LR"("\u00E9")",
+               LR"("\uABCD\uabcd")", LR"("\u0000")", LR"("\u007F")", LR"("\u0085")", LR"("\uFEFF")", LR"("\uFFFE")",
+               LR"("\uFFFF")", LR"("\\u")", LR"("\\uD800\\u0041")", LR"("\\\\")", LR"("\\\"")"});
+    ExpectAll(REFUSED, {LR"("\)",
+                        LR"("\")",
+                        LR"("\\\")",
+                        LR"("\a")",
+                        LR"("\v")",
+                        LR"("\0")",
+                        LR"("\'")",
+                        LR"("\ ")",
+                        LR"("\x41")",
+                        LR"("\U0041")",
+                        LR"("\u")",
+                        LR"("\u1")",
+                        LR"("\u12")",
+                        LR"("\u123")",
+                        LR"("\u123)",
+                        LR"("\u123g")",
+                        LR"("\u 123")",
+                        LR"("\u+123")",
+                        LR"("\u-123")",
+                        LR"("\u00E")",
+                        L"\"\\\xA0\"",
+                        L"\"\\\xFFFF\"",
+                        L"\"\\\n\"",
+                        L"\"\\\0\""sv,
+                        L"\"\\u\xFF11\xFF11\xFF11\xFF11\"",
+                        LR"(\u0022a\u0022)",
+                        LR"(\)",
+                        LR"(\u0031)"});
+}
+
+TEST_F(JsonTexts, SurrogateEscapes) {
+    ExpectAll(TAKEN, {LR"("\uD83D\uDE00")", LR"("\ud83d\ude00")", LR"("a\uD800\uDC00\uDBFF\uDFFFz")"});
+    ExpectAll(REFUSED, {LR"("\uD83D")", LR"("\uD83Dx")", LR"("\uD83D ")", LR"("\uD83D\n")", LR"("\uD83D\\")",
+                        LR"("\uD83D\u")", LR"("\uD83D\uDE0")", LR"("\uD83D\u0041")", LR"("\uD83D\uD83D")",
+                        LR"("\uD83D\uD83D\uDE00")", LR"("\uDBFF\uE000")", LR"("\uD800\uDBFF")", LR"("\uD800\uFFFF")",
+                        LR"("\uDE00\uD83D")", LR"(["\uD83D\uDE00","\uD83D\u0041"])", LR"({"\uD83D\u0041":1})"});
+    ExpectAll(TAKEN, {LR"("\uDE00")", LR"("x\uDFFFx")", LR"("\uD83D\uDE00\uDE00")"}); // second halves alone
+    EXPECT_TRUE(Holds(LR"({"v":"\uD83D\uDE00"})", L"😀"));
+}
+
+TEST_F(JsonTexts, SurrogatesThatAreNoEscapes) {
+    ExpectAll(TAKEN, {L"\"\xD83D\"", L"\"\xDE00\"", L"\"\xD83Dx\xDE00\"", L"\"\xDE00\xD83D\""});
+    ExpectAll(REFUSED, {L"\xD83D", L"[\xDE00]", L"1\xD83D", L"\"\\\xD83D\""});
+}
+
+TEST_F(JsonTexts, Arrays) {
+    ExpectAll(TAKEN,
+              {L"[]", L"[ ]", L"[1]", L"[1,2]", L"[ 1 , 2 ]", L"[[]]", L"[[],[[]],{}]", L"[1,\"a\",true,null,[],{}]"});
+    ExpectAll(REFUSED, {L"[", L"]", L"[1", L"1]", L"[1,", L"[,", L"[,]", L"[1,]", L"[,1]", L"[1,,2]", L"[1 2]",
+                        L"[1:2]", L"[1}", L"[[]", L"[]]", L"[][]", L"[],", L"(1)"});
+}
+
+TEST_F(JsonTexts, Objects) {
+    ExpectAll(TAKEN, {L"{}", L"{ }", LR"({"a":1})", LR"({"a":1,"b":2})", LR"( { "a" : 1 , "b" : { } } )", LR"({"":1})",
+                      LR"({"\u0061\n":1})", LR"({"a":{"a":{"a":[]}}})"});
+    ExpectAll(REFUSED, {L"{",
+                        L"}",
+                        L"{]",
+                        LR"({"a"})",
+                        LR"({"a":})",
+                        LR"({"a":1)",
+                        LR"({"a":1,)",
+                        LR"({"a":1,})",
+                        LR"({,"a":1})",
+                        LR"({"a":1,,"b":2})",
+                        LR"({"a" 1})",
+                        LR"({"a","b"})",
+                        LR"({"a":1 "b":2})",
+                        LR"({"a"::1})",
+                        LR"({a:1})",
+                        LR"({'a':1})",
+                        LR"({1:2})",
+                        LR"({null:1})",
+                        LR"({[]:1})",
+                        LR"({{}:1})",
+                        LR"({"a":1]})",
+                        LR"({"a":1])",
+                        LR"({"a":1}})",
+                        LR"("a":1)",
+                        LR"({"a":b})"});
+}
+
+TEST_F(JsonTexts, MembersOfOneName) {
+    ExpectAll(TAKEN, {LR"({"v":1,"v":2})", LR"({"v":1,"v":1,"v":{"v":1,"v":2}})"});
+    EXPECT_TRUE(Holds(LR"({"v":1,"v":2})", L"1")) << "the first one counts";
+    EXPECT_FALSE(Holds(LR"({"v":1,"v":2})", L"2"));
+    EXPECT_TRUE(Holds(LR"({"\u0076":1,"v":2})", L"1")) << "names are compared by what they mean";
+}
+
+TEST_F(JsonTexts, WhatFollowsTheValue) {
+    ExpectAll(REFUSED, {L"{}x", L"{}{}", L"[1]1", L"1 1", L"true,", L"\"a\"b", L"{}:", L"{}null", L"{} {", L"{}\"",
+                        L"1\"", L"{}\\", L"{};"});
+    ExpectAll(TAKEN, {L"{} ", L"{}\n\n\r\n", L"1\t"});
+}
+
+TEST_F(JsonTexts, NothingAtAll) {
+    ExpectAll(REFUSED, {L"", L" ", L"\t\r\n", L"//", L"/**/", L"// 1", L",", L":", L"\xFEFF", L"\xFFFF"});
+}
+
+// ---- What stands between the tokens --------------------------------------------------------------------------------
+
+TEST_F(JsonTexts, WhiteSpace) {
+    ExpectAll(TAKEN, {L" \t\r\n[ \t\r\n1 \t\r\n, \t\r\n2 \t\r\n] \t\r\n"});
+    ExpectAll(TAKEN, {L"\v{}\f", L"[1,\v2\f]"}); // not in the standard
+    for (const wchar_t c : L"\x80\x85\x9F\xA0\x1680\x180E\x2000\x2007\x200B\x2028\x2029\x202F\x205F\x2060\x3000"sv) {
+        const std::wstring strSpace(1, c);
+        ExpectAll(REFUSED,
+                  {strSpace, strSpace + L"{}", L"{}" + strSpace, L"[1" + strSpace + L"]", L"[" + strSpace + L"1]",
+                   L"{" + strSpace + L"\"a\":1}", L"{\"a\"" + strSpace + L":1}", L"1" + strSpace + L"1"});
+        ExpectAll(TAKEN, {L"\"" + strSpace + L"\"", L"{\"a" + strSpace + L"\":1}"});
+    }
+}
+
+TEST_F(JsonTexts, ByteOrderMarks) {
+    ExpectAll(REFUSED, {L"\xFEFF{}", L"{}\xFEFF", L" \xFEFF[1]", L"[\xFEFF]", L"\xFFFE{}", L"\xEF\xBB\xBF{}"});
+}
+
+TEST_F(JsonTexts, TheLastCharacterOfThePlaneEndsNothing) {
+    ExpectAll(REFUSED, {L"{}\xFFFF", L"{}\xFFFFx", L"[1]\xFFFF[", L"\xFFFF{}", L"1\xFFFF", L"[1,\xFFFF", L"-\xFFFF"});
+    EXPECT_TRUE(Holds(L"{\"v\":\"a\xFFFFz\"}", L"a\xFFFFz"));
+    EXPECT_FALSE(Holds(L"{\"v\":\"a\xFFFFz\"}", L"a"));
+}
+
+TEST_F(JsonTexts, ControlCharacters) {
+    for (wchar_t c = 0; c < 0x20; ++c) {
+        const std::wstring strControl(1, c);
+        ExpectAll(REFUSED, {L"\"" + strControl + L"\"", L"\"a" + strControl + L"z\"", L"{\"" + strControl + L"\":1}"});
+        const bool bSpace = c >= 9 && c <= 13;
+        ExpectAll(bSpace ? TAKEN : REFUSED, {strControl + L"{}", L"{}" + strControl, L"[1" + strControl + L",2]"});
+        Expect(L"1" + strControl + L"2", REFUSED);
+    }
+    ExpectAll(REFUSED, {L"\0"sv, L"{}\0"sv, L"{\0}"sv, L"\0{}"sv, L"tru\0"sv, L"1\0"sv, L"{}\x7F"});
+}
+
+TEST_F(JsonTexts, Comments) { // not in the standard
+    ExpectAll(TAKEN, {L"/**/1", L"1/**/", L"/***/1", L"/* * / \" { */1", L"// a\n1", L"1// a", L"1//", L"1//\n",
+                      L"{/*a*/\"a\"/*b*/:/*c*/1/*d*/}", L"[1,// a\n2]", L"//\x3000\x2028\n1", L"/*\xFFFF\\*/1",
+                      L"// \" \\\n1", L"/*/**/1", L"/*\n\0*/1"sv});
+    ExpectAll(REFUSED, {L"/", L"1/", L"/1", L"/*", L"1/*", L"/*/", L"1/*/", L"1/*a*", L"//1", L"/ /1", L"#1", L"1 # a",
+                        L"<!--a-->1", L"/**//", L"1 */"});
+}
+
+// ---- Too deep, too long --------------------------------------------------------------------------------------------
+
+std::wstring Nested(std::wstring_view open, std::wstring_view inner, std::wstring_view close, size_t nLevels) {
+    return Repeat(open, nLevels) + std::wstring(inner) + Repeat(close, nLevels);
+}
+
+TEST_F(JsonTexts, HundredAndTwentyEightLevelsAreTheDeepest) {
+    for (const size_t nLevels : {1, 2, 64, 127, 128}) {
+        Expect(Nested(L"[", L"", L"]", nLevels), TAKEN);
+        Expect(Nested(L"{\"a\":", L"1", L"}", nLevels), TAKEN);
+    }
+    for (const size_t nLevels : {129, 130, 1000, 100'000}) {
+        Expect(Nested(L"[", L"", L"]", nLevels), REFUSED);
+        Expect(Nested(L"{\"a\":", L"1", L"}", nLevels), REFUSED);
+        Expect(Nested(L"[{\"a\":", L"[]", L"}]", nLevels / 2 + 1), REFUSED);
+    }
+    Expect(L"[" + Repeat(L"[[]],", 1000) + L"[]]", TAKEN); // levels that end don't count
+}
+
+TEST_F(JsonTexts, LevelsWithoutAnEnd) {
+    for (const std::wstring_view part : {L"["sv, L"{\"a\":"sv, L"]"sv, L"}"sv, L"[1,"sv, L"{"sv, L"[]"sv, L"[]],"sv}) {
+        Expect(Repeat(part, 100'000), REFUSED);
+    }
+    Expect(Nested(L"[", L"1", L"}", 100), REFUSED);
+}
+
+TEST_F(JsonTexts, TheDeepestObjectIsCompared) {
+    const std::wstring strValue = Nested(L"[", L"", L"]", 127);
+    EXPECT_TRUE(Holds(L"{\"v\":" + strValue + L"}", strValue.c_str()));
+}
+
+constexpr size_t TEN_MEGABYTES = 10'000'000;
+
+TEST_F(JsonTexts, TenMegabytes) {
+    Expect(L"\"" + Repeat(L"a", TEN_MEGABYTES) + L"\"", TAKEN);
+    Expect(L"[" + Repeat(L"123456789,", TEN_MEGABYTES / 10) + L"1]", TAKEN);
+    Expect(Repeat(L" ", TEN_MEGABYTES) + L"1", TAKEN);
+    Expect(Repeat(L"1", TEN_MEGABYTES), TAKEN);
+
+    Expect(L"\"" + Repeat(L"a", TEN_MEGABYTES), REFUSED);
+    Expect(Repeat(L"[", TEN_MEGABYTES), REFUSED);
+    Expect(Repeat(L"\\", TEN_MEGABYTES), REFUSED);
+}
+
+TEST_F(JsonTexts, AMegabyteOfWhatCostsMost) {
+    constexpr size_t MEGABYTE = TEN_MEGABYTES / 10;
+    Expect(L"\"" + Repeat(L"\\uD83D\\uDE00", MEGABYTE / 12) + L"\"", TAKEN);
+    Expect(L"\"" + Repeat(L"\xA0", MEGABYTE) + L"\"", TAKEN);
+    Expect(L"1e" + Repeat(L"1", MEGABYTE), TAKEN);
+    Expect(L"0." + Repeat(L"1", MEGABYTE), TAKEN);
+    Expect(L"[" + Repeat(L"[],", MEGABYTE / 3) + L"{}]", TAKEN);
+    Expect(L"/*" + Repeat(L"*", MEGABYTE) + L"*/1", TAKEN);
+    Expect(Repeat(L"//\n", MEGABYTE / 3) + L"1", TAKEN);
+
+    Expect(L"[" + Repeat(L"[],", MEGABYTE / 3), REFUSED);
+    Expect(L"/*" + Repeat(L"*", MEGABYTE), REFUSED);
+    Expect(Repeat(L"\xFFFF", MEGABYTE), REFUSED);
+    Expect(Repeat(L"\0"sv, MEGABYTE), REFUSED);
+}
+
+TEST_F(JsonTexts, ManyMembers) {
+    std::wstring strText = L"{";
+    for (int i = 0; i < 100'000; ++i) {
+        strText += L"\"key" + std::to_wstring(i) + L"\":" + std::to_wstring(i) + L",";
+    }
+    EXPECT_TRUE(Holds(strText + L"\"v\":\"last\"}", L"last"));
+    EXPECT_FALSE(Holds(strText + L"\"v\":\"last\"}", L"first"));
+}
+
+} // namespace

@@ -1,0 +1,59 @@
+// Broadcasts in the code pages that hosts are set to: every character that the page holds goes over whole.
+#include <compat/testing.h>
+
+#include "BroadcastDatagram.h"
+#include "NetworkTest.h"
+
+namespace {
+
+class CodePage : public testing::TestWithParam<unsigned> {
+protected:
+    CodePage() : m_nFormer(GetACP()) { EXPECT_TRUE(CompatSetAnsiCodePage(GetParam())); }
+    ~CodePage() override { CompatSetAnsiCodePage(m_nFormer); }
+
+    /// Whether the page holds the character, and gives the same one back.
+    static bool Holds(wchar_t c) {
+        char bytes[8];
+        wchar_t cBack[4] = {};
+        BOOL bUsedDefault = FALSE;
+        BOOL* pUsedDefault = GetParam() == CP_UTF8 ? nullptr : &bUsedDefault; // UTF-8 takes none
+        const int nBytes = WideCharToMultiByte(CP_ACP, 0, &c, 1, bytes, sizeof(bytes), nullptr, pUsedDefault);
+        return nBytes > 0 && !bUsedDefault && MultiByteToWideChar(CP_ACP, 0, bytes, nBytes, cBack, 4) == 1 &&
+               cBack[0] == c;
+    }
+
+    const UINT m_nFormer;
+};
+
+std::string NameOf(const testing::TestParamInfo<unsigned>& info) {
+    return "Page" + std::to_string(info.param);
+}
+
+INSTANTIATE_TEST_SUITE_P(Pages, CodePage, testing::Values(1252u, 1251u, 932u, 936u, 949u, 950u, 65001u), NameOf);
+
+TEST_P(CodePage, EveryCharacterOfABroadcastComesBack) {
+    CString strAll;
+    for (wchar_t c = 1; c < 0xD800; ++c) {
+        if (Holds(c)) {
+            strAll += c;
+        }
+    }
+    ASSERT_GT(strAll.GetLength(), 200);
+    CMarkup markup;
+    markup.AddElem(L"Broadcast");
+    for (const wchar_t* pszName : {L"Flag", L"ClipName", L"Name", L"Data"}) {
+        markup.SetAttrib(pszName, strAll);
+    }
+    const CString strText = L"[.{" + markup.GetDoc() + L"}.]";
+    Bytes datagram(static_cast<size_t>(WideCharToMultiByte(CP_ACP, 0, strText, -1, nullptr, 0, nullptr, nullptr)));
+    WideCharToMultiByte(CP_ACP, 0, strText, -1, reinterpret_cast<char*>(datagram.data()),
+                        static_cast<int>(datagram.size()), nullptr, nullptr);
+
+    SBroadcastItem item;
+    EBroadcastRefusal nRefusal{};
+    ASSERT_TRUE(ReadBroadcast(datagram, item, nRefusal)) << BroadcastRefusalName(nRefusal);
+    EXPECT_TRUE(item.m_strFlag == strAll && item.m_strClipName == strAll && item.m_strName == strAll &&
+                item.m_strData == strAll);
+}
+
+} // namespace
