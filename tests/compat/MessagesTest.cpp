@@ -94,7 +94,11 @@ TEST_F(MessagesTest, PeekingCanLeaveOrFilterMessages) {
 }
 
 TEST_F(MessagesTest, DispatchingAnswersWhatTheProcedureDoes) {
-    const MSG message = {m_hWnd, WM_USER + 7, 5, 6};
+    MSG message{};
+    message.hwnd = m_hWnd;
+    message.message = WM_USER + 7;
+    message.wParam = 5;
+    message.lParam = 6;
     EXPECT_EQ(DispatchMessageW(&message), 77);
     EXPECT_EQ(g_received, (std::vector<SReceived>{{WM_USER + 7, 5, 6}}));
 }

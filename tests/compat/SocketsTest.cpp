@@ -1,6 +1,9 @@
 #include "CompatTest.h"
 
 #include <winsock2.h>
+#if defined(_WIN32)
+#include <ws2tcpip.h> // socklen_t
+#endif
 
 TEST(SocketsTest, DatagramsTravelOverLoopback) {
     WSADATA data;
