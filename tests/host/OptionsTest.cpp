@@ -45,6 +45,15 @@ TEST(Options, AllAreRead) {
     EXPECT_EQ(Parse({"--listen", "127.0.0.1:1"}).listen.fFps, 60);
 }
 
+TEST(Options, RecordingsHaveTheirFiles) {
+    EXPECT_EQ(Parse({"--stdio", "--record", "r.jsonl"}).recordFile, "r.jsonl");
+    EXPECT_EQ(Parse({"--record", "r.jsonl", "--listen", "a:1"}).recordFile, "r.jsonl");
+    const SOptions options = Parse({"--replay", "r.jsonl", "--texts", "zh"});
+    EXPECT_EQ(options.nFront, EFront::Replay);
+    EXPECT_EQ(options.replayFile, "r.jsonl");
+    EXPECT_EQ(Parse({"--describe", "markdown"}).nFront, EFront::Describe);
+}
+
 TEST(Options, TheLastOfTwoCounts) {
     EXPECT_EQ(Parse({"--listen", "127.0.0.1:1", "--listen", "127.0.0.1:2"}).listen.nPort, 2);
 }
@@ -60,10 +69,11 @@ TEST(Options, WrongOnesAreNamed) {
         std::vector<std::string> arguments;
         const char* pszError;
     } cases[] = {
-        {{}, "one of --stdio and --listen is needed; --help tells more"},
+        {{}, "one of --stdio, --listen, --device, --describe and --replay is needed; --help tells more"},
         {{"--fly"}, R"(there is no option "--fly"; --help tells more)"},
         {{"stdio"}, R"(there is no option "stdio"; --help tells more)"},
-        {{"--stdio", "--listen", "127.0.0.1:1"}, "--listen: --stdio and --listen exclude each other"},
+        {{"--stdio", "--listen", "127.0.0.1:1"},
+         "--listen: --stdio, --listen, --device, --describe and --replay exclude each other"},
         {{"--stdio", "--app"}, "--app: needs a value"},
         {{"--stdio", "--module", ""}, "--module: needs a value"},
         {{"--stdio", "--texts", "fr"}, R"(--texts: "fr" is none of keys, en, zh)"},
@@ -76,6 +86,13 @@ TEST(Options, WrongOnesAreNamed) {
         {{"--listen", "a:1", "--fps", "1001"}, R"(--fps: "1001" isn't a number above 0 and up to 1000)"},
         {{"--stdio", "--fps", "30"}, "--fps: goes with --listen only"},
         {{"--stdio", "--web", "w"}, "--web: goes with --listen only"},
+        {{"--stdio", "--say", "t"}, "--say: goes with --device only"},
+        {{"--describe"}, "--describe: needs a value"},
+        {{"--describe", "html"}, R"(--describe: "html" isn't markdown, the only form there is)"},
+        {{"--describe", "markdown", "--scene", "s"}, "--scene: goes with --stdio and --listen only"},
+        {{"--replay", "r", "--record", "s"}, "--record: goes with --stdio and --listen only"},
+        {{"--replay", "r", "--stdio"},
+         "--stdio: --stdio, --listen, --device, --describe and --replay exclude each other"},
     };
     for (const auto& [arguments, pszError] : cases) {
         EXPECT_EQ(Error(arguments), pszError);

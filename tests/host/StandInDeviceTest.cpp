@@ -129,6 +129,14 @@ TEST_F(StandInDevice, PrintsBytes) {
     EXPECT_EQ(Line(), (OrderedJson{{"connection", 1}, {"size", 6}, {"text", "12|..."}, {"hex", "31327cc3a900"}}));
 }
 
+TEST_F(StandInDevice, SaysItsTextToEachConnection) {
+    Start({.strSay = R"({"a":1})"});
+    auto first = Connect();
+    auto second = Connect();
+    EXPECT_EQ(m_peers.Read(second, 8), "{\"a\":1}\n");
+    EXPECT_EQ(m_peers.Read(first, 8), "{\"a\":1}\n");
+}
+
 TEST_F(StandInDevice, NamesWhatItRejects) {
     Start({});
     auto sender = Connect();
@@ -174,6 +182,23 @@ TEST_F(StandInDevice, DropsAfterSoManyBytes) {
     EXPECT_EQ(Line()["size"], 5);
     EXPECT_EQ(Line()["closed"], "dropped after 10 bytes");
     EXPECT_TRUE(m_peers.IsClosed(sender));
+}
+
+TEST_F(StandInDevice, DropsWithinWhatComesAtOnce) {
+    Start({.bFramed = false, .dropAfter = 10});
+    auto sender = Connect();
+    CTestPeers::Write(sender, "123456789012345");
+    EXPECT_EQ(Line()["hex"], "31323334353637383930");
+    EXPECT_EQ(Line()["closed"], "dropped after 10 bytes");
+}
+
+TEST_F(StandInDevice, StallsSoManyConnectionsOnly) {
+    Start({.bStall = true});
+    auto first = Connect();
+    for (int i = 0; i < 64; ++i) {
+        Connect().close();
+    }
+    EXPECT_TRUE(m_peers.IsClosed(first));
 }
 
 TEST_F(StandInDevice, Stalls) {

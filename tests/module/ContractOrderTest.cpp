@@ -374,4 +374,94 @@ TEST_F(ContractOrderOfNodes, MouseOverridesStandAtTheirPlaces) {
     DestroyAndFree(Main(scene.m_pNode.release(), 4));
 }
 
+// ---- Which operations each class overrides -------------------------------------------------------------------------
+
+/// Address of the code at one place of an object's virtual table.
+std::uintptr_t CodeAt(const void* pObject, int nPlace) {
+    const std::uintptr_t* pTable;
+    std::memcpy(&pTable, pObject, sizeof pTable);
+    return pTable[nPlace];
+}
+
+/// Operations by their number in the main table, and whether all of the second table's but the height are overridden.
+struct Overrides {
+    unsigned char nTypeByte;
+    std::vector<int> operations;
+    bool bLayout = false;
+};
+
+constexpr int INIT_PARAM = 7;
+constexpr int NEED_UPDATE_SINGLE_PARAM = 10;
+constexpr int UPDATE_SINGLE_PARAM_VALUE = 11;
+constexpr int GET_NODE_OUTPUT = 15;
+constexpr int PROCESS_NODE = 16;
+constexpr int DEV_IO_EVENT_OCCURRED = 48;
+
+const Overrides OVERRIDES[] = {
+    {TYPE_KEYBOARD, {DESTRUCTOR_OPERATION, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}},
+    {TYPE_KEY_CHECK, {DESTRUCTOR_OPERATION, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}},
+    {TYPE_TEXT_FIELD, {DESTRUCTOR_OPERATION, GET_NODE_OUTPUT, PROCESS_NODE}},
+    {TYPE_MOUSE, {DESTRUCTOR_OPERATION, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}, true},
+    {TYPE_GESTURE, {DESTRUCTOR_OPERATION, INIT_PARAM, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}, true},
+    {TYPE_VR_HANDLE, {DESTRUCTOR_OPERATION, INIT_PARAM, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}, true},
+    {TYPE_NET_PARAMETER_SEND, {DESTRUCTOR_OPERATION, INIT_PARAM, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}, true},
+    {TYPE_DEVICE_JSON_RECEIVE,
+     {DESTRUCTOR_OPERATION, INIT_PARAM, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED},
+     true},
+    {TYPE_OBJECT_JSON_RECEIVE,
+     {DESTRUCTOR_OPERATION, INIT_PARAM, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}},
+    {TYPE_BROADCAST_SEND, {DESTRUCTOR_OPERATION, PROCESS_NODE}},
+    {TYPE_BROADCAST_RECEIVE, {DESTRUCTOR_OPERATION, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}},
+    {TYPE_NET_PARAMETER_RECEIVE,
+     {DESTRUCTOR_OPERATION, INIT_PARAM, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}},
+    {TYPE_STRING_DATA_SEND,
+     {DESTRUCTOR_OPERATION, INIT_PARAM, NEED_UPDATE_SINGLE_PARAM, UPDATE_SINGLE_PARAM_VALUE, PROCESS_NODE,
+      DEV_IO_EVENT_OCCURRED}},
+};
+static_assert(std::size(OVERRIDES) == 13);
+
+/// Code at one place of each type's table: the types that don't override it share the inherited one, which none of the
+/// others has.
+void ExpectOverridden(const std::vector<std::uintptr_t>& code, const std::vector<bool>& overridden) {
+    std::vector<std::uintptr_t> inherited;
+    std::vector<std::uintptr_t> own;
+    for (size_t i = 0; i < code.size(); ++i) {
+        (overridden[i] ? own : inherited).push_back(code[i]);
+    }
+    std::sort(own.begin(), own.end());
+    EXPECT_EQ(std::adjacent_find(own.begin(), own.end()), own.end()) << "two classes with the same override";
+    for (const std::uintptr_t nCode : inherited) {
+        EXPECT_EQ(nCode, inherited.front()) << "an override too many";
+        EXPECT_FALSE(std::binary_search(own.begin(), own.end(), nCode)) << "an override too few";
+    }
+}
+
+TEST_F(ContractOrderOfNodes, EachClassOverridesItsOperationsAndInheritsTheOthers) {
+    std::vector<NodePtr> nodes;
+    for (const Overrides& type : OVERRIDES) {
+        nodes.push_back(m_host.CreateNode(type.nTypeByte));
+    }
+    for (int nOperation = 0; nOperation < 49; ++nOperation) {
+        SCOPED_TRACE(MAIN_TABLE[nOperation].pszExpectedCall);
+        std::vector<std::uintptr_t> code;
+        std::vector<bool> overridden;
+        for (size_t i = 0; i < nodes.size(); ++i) {
+            const auto& operations = OVERRIDES[i].operations;
+            code.push_back(CodeAt(static_cast<BaseStruct*>(nodes[i].get()), PlaceOf(nOperation)));
+            overridden.push_back(std::find(operations.begin(), operations.end(), nOperation) != operations.end());
+        }
+        ExpectOverridden(code, overridden);
+    }
+    for (int nOperation = 0; nOperation < 5; ++nOperation) {
+        SCOPED_TRACE(SECOND_TABLE[nOperation].pszExpectedCall);
+        std::vector<std::uintptr_t> code;
+        std::vector<bool> overridden;
+        for (size_t i = 0; i < nodes.size(); ++i) {
+            code.push_back(CodeAt(static_cast<SParamGrpPosAdjust*>(nodes[i].get()), nOperation));
+            overridden.push_back(OVERRIDES[i].bLayout && nOperation != 2);
+        }
+        ExpectOverridden(code, overridden);
+    }
+}
+
 } // namespace

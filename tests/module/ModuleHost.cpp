@@ -264,6 +264,16 @@ void NodeScene::RemoveOutput(unsigned nId) {
     delete pOutput;
 }
 
+ExpectedParam EventPin(unsigned nId, const char* pszName, const char* pszDisplay) {
+    return {.nId = nId,
+            .pszName = pszName,
+            .pszDisplay = pszDisplay,
+            .nType = 26,
+            .nControl = 7,
+            .range = ExpectedRange{0, 0, 1, 1},
+            .flags = ExpectedFlags{0, 0, 1, 0}};
+}
+
 void ExpectParam(const VEKParam& param, const ExpectedParam& expected) {
     SCOPED_TRACE("parameter " + std::to_string(expected.nId) + " \"" + expected.pszName + "\"");
     EXPECT_EQ(GuidWords(param.m_guid), (std::array<unsigned, 4>{expected.nId, 0, 0, 0}));

@@ -222,6 +222,9 @@ struct ExpectedParam {
     int bAvailable = 1;
 };
 
+/// An event output as most node types carry it.
+ExpectedParam EventPin(unsigned nId, const char* pszName, const char* pszDisplay);
+
 struct ExpectedGroup {
     unsigned nId;
     const char* pszName;

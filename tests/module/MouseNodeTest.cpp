@@ -1,4 +1,4 @@
-// The mouse node: its tables, what it fires, logs and writes, and its control layout.
+// The mouse node: its tables, what it fires, logs and writes.
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -99,16 +99,6 @@ TEST_F(MouseNode, Inputs) {
                                                             .range = ExpectedRange{0, 0, 1, 1},
                                                             .flags = ExpectedFlags{0, 0, 1, 0},
                                                             .nValue = 1}}}});
-}
-
-ExpectedParam EventPin(unsigned nId, const char* pszName, const char* pszDisplay) {
-    return {.nId = nId,
-            .pszName = pszName,
-            .pszDisplay = pszDisplay,
-            .nType = 26,
-            .nControl = 7,
-            .range = ExpectedRange{0, 0, 1, 1},
-            .flags = ExpectedFlags{0, 0, 1, 0}};
 }
 
 ExpectedParam ButtonPin(unsigned nId, const char* pszName, const char* pszDisplay) {
@@ -692,158 +682,6 @@ TEST_F(MouseNode, EvaluationNeverWritesTheEventOutputs) {
             EXPECT_EQ(m_scene.Output(nId).m_nValue, 77) << nId;
         }
     }
-}
-
-// ---- Control layout ------------------------------------------------------------------------------------------------
-
-class MouseNodeLayout : public MouseNode {
-protected:
-    void WriteLayout(std::string_view text) { m_host.WriteFile("Plugins/NodePlugin/IOProcess/CVEKIOMouse.XML", text); }
-
-    void ExpectLayoutOfTheFile() {
-        const NodeParamInfoGrpArray& arGroup = *m_scene.m_pNode->GetNodeParamInfoGrpAr();
-        ASSERT_EQ(arGroup.GetSize(), 2);
-        EXPECT_EQ(GuidWords(arGroup[0]->m_guid), (std::array<unsigned, 4>{301, 0, 0, 0}));
-        EXPECT_EQ(Utf8(arGroup[0]->m_strName), "Base param");
-        ASSERT_EQ(arGroup[0]->m_arParam.GetSize(), 1);
-        const SNodeParamInfo& info = arGroup[0]->m_arParam[0];
-        EXPECT_EQ(GuidWords(info.m_guid), (std::array<unsigned, 4>{2, 0, 0, 0}));
-        EXPECT_EQ(info.m_nX, 8);
-        EXPECT_EQ(info.m_nY, 9);
-        EXPECT_EQ(info.m_nWidth, 220);
-        EXPECT_EQ(info.m_nHeight, 24);
-        EXPECT_EQ(info.m_nLabelWidth, 90);
-        EXPECT_EQ(GuidWords(arGroup[1]->m_guid), (std::array<unsigned, 4>{302, 0, 0, 0}));
-        EXPECT_EQ(arGroup[1]->m_arParam.GetSize(), 0);
-    }
-
-    static constexpr std::string_view LAYOUT = R"(<?xml version="1.0" encoding="UTF-8"?>
-<ParamLayout class="CMouseIOProcess" version="1">
-  <Group id="301" name="Base param">
-    <Param id="2" x="8" y="9" width="220" height="24" labelWidth="90"/>
-  </Group>
-  <Group id="302" name="Empty"/>
-</ParamLayout>
-)";
-};
-
-/// A layout group that tells when it's deleted.
-class CTracedGroup : public SNodeParamInfoGrp {
-public:
-    CTracedGroup(int nNumber, std::vector<int>& deleted) : m_nNumber(nNumber), m_deleted(deleted) {}
-    ~CTracedGroup() override { m_deleted.push_back(m_nNumber); }
-
-private:
-    int m_nNumber;
-    std::vector<int>& m_deleted;
-};
-
-TEST_F(MouseNodeLayout, PathLiesInTheModuleFolder) {
-    const std::string folder = Utf8(G_GetModulePath());
-    EXPECT_EQ(Utf8(m_scene.m_pNode->GetCtrlPosXmlPath()), folder + "\\Plugins\\NodePlugin\\IOProcess\\CVEKIOMouse.XML");
-    EXPECT_EQ(folder, m_host.AppFolder().string());
-}
-
-TEST_F(MouseNodeLayout, IsOnePerClass) {
-    const NodePtr pOther = m_host.CreateNode(TYPE_MOUSE);
-    EXPECT_NE(m_scene.m_pNode->GetXmlReader(), nullptr);
-    EXPECT_NE(m_scene.m_pNode->GetXmlLoadStatePtr(), nullptr);
-    EXPECT_NE(m_scene.m_pNode->GetNodeParamInfoGrpAr(), nullptr);
-    EXPECT_EQ(pOther->GetXmlReader(), m_scene.m_pNode->GetXmlReader());
-    EXPECT_EQ(pOther->GetXmlLoadStatePtr(), m_scene.m_pNode->GetXmlLoadStatePtr());
-    EXPECT_EQ(pOther->GetNodeParamInfoGrpAr(), m_scene.m_pNode->GetNodeParamInfoGrpAr());
-}
-
-TEST_F(MouseNodeLayout, IsReadFromTheFile) {
-    WriteLayout(LAYOUT);
-    EXPECT_EQ(*m_scene.m_pNode->GetXmlLoadStatePtr(), 0) << "nothing is read before it's asked for";
-    ExpectLayoutOfTheFile();
-    EXPECT_EQ(*m_scene.m_pNode->GetXmlLoadStatePtr(), 1);
-}
-
-TEST_F(MouseNodeLayout, IsFilledOnce) {
-    WriteLayout(LAYOUT);
-    NodeParamInfoGrpArray* pArray = m_scene.m_pNode->GetNodeParamInfoGrpAr();
-    SNodeParamInfoGrp* const pFirst = pArray->GetAt(0);
-    WriteLayout("<ParamLayout/>");
-    const NodePtr pOther = m_host.CreateNode(TYPE_MOUSE);
-    EXPECT_EQ(pOther->GetNodeParamInfoGrpAr(), pArray);
-    ASSERT_EQ(pArray->GetSize(), 2);
-    EXPECT_EQ(pArray->GetAt(0), pFirst);
-}
-
-TEST_F(MouseNodeLayout, OutlivesItsNodes) {
-    WriteLayout(LAYOUT);
-    {
-        const NodePtr pOther = m_host.CreateNode(TYPE_MOUSE);
-        pOther->GetNodeParamInfoGrpAr();
-    }
-    ExpectLayoutOfTheFile();
-}
-
-TEST_F(MouseNodeLayout, IsReleasedWithItsStorageAndFilledAgain) {
-    WriteLayout(LAYOUT);
-    NodeParamInfoGrpArray* pArray = m_scene.m_pNode->GetNodeParamInfoGrpAr();
-    ASSERT_EQ(pArray->GetSize(), 2);
-    EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);
-    EXPECT_EQ(pArray->GetSize(), 0);
-    EXPECT_EQ(pArray->GetData(), nullptr);
-    EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1) << "an empty one is released too";
-    EXPECT_EQ(m_scene.m_pNode->GetNodeParamInfoGrpAr(), pArray);
-    ExpectLayoutOfTheFile();
-}
-
-TEST_F(MouseNodeLayout, IsReleasedFromTheLastToTheFirst) {
-    WriteLayout(LAYOUT);
-    NodeParamInfoGrpArray* pArray = m_scene.m_pNode->GetNodeParamInfoGrpAr();
-    std::vector<int> deleted;
-    for (int i = 1; i <= 3; ++i) {
-        pArray->Add(new CTracedGroup(i, deleted));
-        pArray->Add(nullptr); // elements may be missing
-    }
-    m_host.Call(1, nullptr, nullptr);
-    EXPECT_EQ(deleted, (std::vector<int>{3, 2, 1}));
-    EXPECT_EQ(pArray->GetSize(), 0);
-}
-
-TEST_F(MouseNodeLayout, MissingFileLeavesItEmpty) {
-    NodeParamInfoGrpArray* pArray = m_scene.m_pNode->GetNodeParamInfoGrpAr();
-    ASSERT_NE(pArray, nullptr);
-    EXPECT_EQ(pArray->GetSize(), 0);
-    EXPECT_EQ(*m_scene.m_pNode->GetXmlLoadStatePtr(), 2);
-    EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);
-}
-
-TEST_F(MouseNodeLayout, BrokenFilesLeaveItEmpty) {
-    for (const std::string_view text :
-         {std::string_view(""), std::string_view("no XML"),
-          std::string_view("<ParamLayout><Group id=\"301\"></ParamLayout>"),
-          std::string_view("<ParamLayout><Group id=\"30"), std::string_view("\x00\xFF\xFE<\x01", 5)}) {
-        SCOPED_TRACE(text);
-        WriteLayout(text);
-        EXPECT_EQ(m_scene.m_pNode->GetNodeParamInfoGrpAr()->GetSize(), 0);
-    }
-}
-
-TEST_F(MouseNodeLayout, ForeignXmlLeavesItEmpty) {
-    WriteLayout("<Other><Group id=\"301\" name=\"Base param\"/></Other>");
-    EXPECT_EQ(m_scene.m_pNode->GetNodeParamInfoGrpAr()->GetSize(), 0);
-}
-
-TEST_F(MouseNodeLayout, IsReadOnceTheFileIsThere) {
-    EXPECT_EQ(m_scene.m_pNode->GetNodeParamInfoGrpAr()->GetSize(), 0);
-    WriteLayout(LAYOUT);
-    ExpectLayoutOfTheFile();
-}
-
-TEST_F(MouseNodeLayout, IsFreedWhenTheModuleIsUnloadedUnreleased) {
-    WriteLayout(LAYOUT);
-    ASSERT_EQ(m_scene.m_pNode->GetNodeParamInfoGrpAr()->GetSize(), 2);
-    m_scene.m_pNode.reset();
-    m_host.Unload();
-    m_host.Load();
-    const NodePtr pNode = m_host.CreateNode(TYPE_MOUSE);
-    EXPECT_EQ(*pNode->GetXmlLoadStatePtr(), 0) << "a module loaded anew knows nothing";
 }
 
 } // namespace

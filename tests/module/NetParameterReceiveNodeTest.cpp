@@ -6,7 +6,7 @@ namespace {
 
 enum : unsigned {
     VERSION = 7,
-    GROUP_NAME = 502,
+    NAME_OF_GROUP = 502,
     KEY_NAME = 503,
     KEY_NUMBER = 504,
     KEY_VALUE = 552,
@@ -17,7 +17,7 @@ enum : unsigned {
 class NetParameterReceiveNode : public ModuleTest {
 protected:
     NetParameterReceiveNode() {
-        m_scene.Input(GROUP_NAME).m_strValue = L"group";
+        m_scene.Input(NAME_OF_GROUP).m_strValue = L"group";
         m_scene.Input(KEY_NAME).m_strValue = L"key";
         m_scene.Input(KEY_NUMBER).m_nValue = 42;
         m_record.m_strClipName = L"Clip";
@@ -189,7 +189,7 @@ TEST_F(NetParameterReceiveNode, TheGraphsInputsComeFirst) {
 
 TEST_F(NetParameterReceiveNode, TwoNodesOfTheSameKeyBothFire) {
     NodeScene second(m_host, TYPE_NET_PARAMETER_RECEIVE);
-    second.Input(GROUP_NAME).m_strValue = L"group";
+    second.Input(NAME_OF_GROUP).m_strValue = L"group";
     second.Input(KEY_NAME).m_strValue = L"key";
     second.Input(KEY_NUMBER).m_nValue = 42;
     second.Evaluate();
@@ -199,7 +199,7 @@ TEST_F(NetParameterReceiveNode, TwoNodesOfTheSameKeyBothFire) {
 }
 
 TEST_F(NetParameterReceiveNode, MissingInputsRefuseTheRecord) {
-    for (const unsigned nId : {GROUP_NAME, KEY_NAME, KEY_NUMBER}) {
+    for (const unsigned nId : {NAME_OF_GROUP, KEY_NAME, KEY_NUMBER}) {
         NodeScene scene(m_host, TYPE_NET_PARAMETER_RECEIVE);
         scene.Evaluate();
         CQORPanelRemoteCtrlData record;

@@ -11,7 +11,7 @@ enum : unsigned {
     DEV_ID = 402,
     DEV_NAME = 403,
     CLIP_NAME = 404,
-    GROUP_NAME = 405,
+    NAME_OF_GROUP = 405,
     KEY_NAME = 406,
     KEY_NUMBER = 407,
     KEY_VALUE = 408,
@@ -313,7 +313,7 @@ TEST_F(NetParameterSendNode, SendsTheRecordToTheDevice) {
     Input(DEV_ID).m_strValue = L" 3rd";
     Input(DEV_NAME).m_strValue = L"not the device's";
     Input(CLIP_NAME).m_strValue = L"Intro";
-    Input(GROUP_NAME).m_strValue = L"group";
+    Input(NAME_OF_GROUP).m_strValue = L"group";
     Input(KEY_NAME).m_strValue = L"key";
     Input(KEY_NUMBER).m_nValue = 42;
     Input(KEY_VALUE).m_strValue = L"value";

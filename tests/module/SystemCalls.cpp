@@ -23,9 +23,15 @@ std::vector<ImageCall> TakeImageCalls() {
 
 #if defined(_WIN32)
 
-// The module's import of the function is led here.
+// The module's imports of the functions are led here.
 
 namespace {
+
+std::optional<DWORD> s_nStoppedTick;
+
+DWORD WINAPI StoppableTickCount() {
+    return s_nStoppedTick ? *s_nStoppedTick : GetTickCount();
+}
 
 HANDLE WINAPI WatchedLoadImage(HINSTANCE hInstance, LPCWSTR pszName, UINT nType, int nWidth, int nHeight, UINT nFlags) {
     return LoadImageAndRecord(LoadImageW, hInstance, pszName, nType, nWidth, nHeight, nFlags);
@@ -36,27 +42,42 @@ T* At(HMODULE hModule, DWORD nOffset) {
     return reinterpret_cast<T*>(reinterpret_cast<BYTE*>(hModule) + nOffset);
 }
 
+ULONG_PTR Exported(const wchar_t* pszLibrary, const char* pszName) {
+    return reinterpret_cast<ULONG_PTR>(GetProcAddress(GetModuleHandleW(pszLibrary), pszName));
+}
+
 } // namespace
 
 void WatchSystemCalls(HMODULE hModule) {
     const auto* pHeader = At<IMAGE_NT_HEADERS>(hModule, static_cast<DWORD>(At<IMAGE_DOS_HEADER>(hModule, 0)->e_lfanew));
     const DWORD nImports = pHeader->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
-    const auto pLoadImage = reinterpret_cast<ULONG_PTR>(GetProcAddress(GetModuleHandleW(L"user32.dll"), "LoadImageW"));
+    const std::pair<ULONG_PTR, ULONG_PTR> replacements[] = {
+        {Exported(L"user32.dll", "LoadImageW"), reinterpret_cast<ULONG_PTR>(&WatchedLoadImage)},
+        {Exported(L"kernel32.dll", "GetTickCount"), reinterpret_cast<ULONG_PTR>(&StoppableTickCount)}};
     for (auto* pImport = At<IMAGE_IMPORT_DESCRIPTOR>(hModule, nImports); pImport->Name != 0; ++pImport) {
         for (auto* pAddress = At<ULONG_PTR>(hModule, pImport->FirstThunk); *pAddress != 0; ++pAddress) {
-            if (*pAddress == pLoadImage) {
-                DWORD nProtection;
-                VirtualProtect(pAddress, sizeof *pAddress, PAGE_READWRITE, &nProtection);
-                *pAddress = reinterpret_cast<ULONG_PTR>(&WatchedLoadImage);
-                VirtualProtect(pAddress, sizeof *pAddress, nProtection, &nProtection);
+            for (const auto& [nOriginal, nReplacement] : replacements) {
+                if (*pAddress == nOriginal) {
+                    DWORD nProtection;
+                    VirtualProtect(pAddress, sizeof *pAddress, PAGE_READWRITE, &nProtection);
+                    *pAddress = nReplacement;
+                    VirtualProtect(pAddress, sizeof *pAddress, nProtection, &nProtection);
+                    break;
+                }
             }
         }
     }
 }
 
+void StopTickCount(std::optional<DWORD> nTick) {
+    s_nStoppedTick = nTick;
+}
+
 #else
 
 // The program's own definitions come before those of its libraries, for every caller.
+
+#include <compat/testing.h>
 
 #include <dlfcn.h>
 
@@ -72,6 +93,10 @@ Function* Next(const char* pszName) {
 } // namespace
 
 void WatchSystemCalls(HMODULE /*hModule*/) {}
+
+void StopTickCount(std::optional<DWORD> nTick) {
+    CompatFreezeTickCount(nTick);
+}
 
 std::vector<std::wstring> TakeRegisteredMessages() {
     return std::exchange(s_registeredMessages, {});

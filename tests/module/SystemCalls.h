@@ -1,6 +1,8 @@
 // Sees the system calls by which the module reaches for what cannot be read back: icon resources and message names.
+// Stops the tick count that it reads.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,6 +20,9 @@ struct ImageCall {
 
 /// Start watching a module that has just been loaded.
 void WatchSystemCalls(HMODULE hModule);
+
+/// The tick count that the module reads stands still at this value; it runs again for nullopt.
+void StopTickCount(std::optional<DWORD> nTick);
 
 /// The calls of LoadImageW since the last question.
 std::vector<ImageCall> TakeImageCalls();

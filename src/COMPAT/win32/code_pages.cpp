@@ -247,10 +247,10 @@ bool CompatSetAnsiCodePage(unsigned nCodePage) {
 
 int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, int nWideLength, LPSTR pszBytes,
                                int nBytes, LPCSTR pszDefault, LPBOOL pbUsedDefault) {
-    constexpr DWORD nKnownFlags = WC_COMPOSITECHECK | WC_NO_BEST_FIT_CHARS;
     if (pszWide == nullptr || nWideLength == 0 || nBytes < 0 || (pszBytes == nullptr && nBytes != 0))
         return FailConversion(ERROR_INVALID_PARAMETER);
     nCodePage = ResolveCodePage(nCodePage);
+    const DWORD nKnownFlags = nCodePage == CP_UTF8 ? 0 : WC_COMPOSITECHECK | WC_NO_BEST_FIT_CHARS;
     if ((nFlags & ~nKnownFlags) != 0)
         return FailConversion(ERROR_INVALID_FLAGS);
     const std::wstring_view strWide(pszWide,

@@ -12,6 +12,7 @@ namespace {
 
 struct SHostSetup {
     CString strAppPath;
+    bool bConfigurationHidden = false;
     std::map<std::wstring, CString, std::less<>> texts;
 };
 
@@ -37,7 +38,8 @@ CString PXGetAppPath() {
 }
 
 CString PXGetPath(int nKind) {
-    return nKind == PATH_CONFIG ? Setup().strAppPath + L"\\Config" : CString();
+    const bool bKnown = nKind == PATH_CONFIG && !Setup().bConfigurationHidden;
+    return bKnown ? Setup().strAppPath + L"\\Config" : CString();
 }
 
 int SplitString(const CString& strText, const CString& strSeparator, CStringArray& arPiece, int nOption) {
@@ -62,6 +64,11 @@ int SplitString(const CString& strText, const CString& strSeparator, CStringArra
 
 void SetAppPath(const CString& strPath) {
     Setup().strAppPath = strPath;
+    Setup().bConfigurationHidden = false;
+}
+
+void HideConfiguration() {
+    Setup().bConfigurationHidden = true;
 }
 
 bool SetTextTable(ETextTable nTable) {

@@ -22,6 +22,9 @@ VEKCOMMON_API void SetAppPath(const CString& strPath);
 /// file is missing or isn't a JSON object of strings.
 VEKCOMMON_API bool SetTextTable(ETextTable nTable);
 
+/// From now on PXGetPath answers no folder, so that no configuration is found; until the next SetAppPath.
+VEKCOMMON_API void HideConfiguration();
+
 /// UTF-8 of a wide text and back. Unpaired surrogates and invalid bytes become U+FFFD.
 VEKCOMMON_API std::string ToUtf8(const wchar_t* pszText, int nLength = -1);
 VEKCOMMON_API CString FromUtf8(std::string_view text);

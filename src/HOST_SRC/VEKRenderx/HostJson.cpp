@@ -7,10 +7,13 @@
 #include <type_traits>
 
 #include "HostSetup.h"
+#include "JsonSink.h"
 
 namespace {
 
 using JsonString = utility::string_t;
+
+IJsonSink* s_pSink = nullptr;
 
 CString FromJsonText(const JsonString& text) {
     if constexpr (std::is_same_v<utility::char_t, wchar_t>) {
@@ -96,13 +99,26 @@ void G_ParseDataFormJsObj(const web::json::value& value, CStringArray& arKey, CS
         arKey.SetAt(nKey++, FromJsonText(name));
         arValue.SetAt(nValue++, ValueText(member));
     }
+    if (s_pSink != nullptr) {
+        s_pSink->OnObjectSplit(arKey, arValue);
+    }
 }
 
 int G_FindString(const CStringArray& arText, const CString& strText) {
-    for (INT_PTR i = 0; i < arText.GetSize(); ++i) {
-        if (arText.GetAt(i) == strText) {
-            return static_cast<int>(i);
-        }
+    const auto nCount = static_cast<int>(arText.GetSize());
+    int nIndex = 0;
+    while (nIndex < nCount && arText.GetAt(nIndex) != strText) {
+        ++nIndex;
     }
-    return -1;
+    if (nIndex == nCount) {
+        nIndex = -1;
+    }
+    if (s_pSink != nullptr) {
+        s_pSink->OnStringSought(strText, nIndex);
+    }
+    return nIndex;
+}
+
+void SetJsonSink(IJsonSink* pSink) {
+    s_pSink = pSink;
 }

@@ -1,11 +1,15 @@
 #include "Happened.h"
 
+#include <algorithm>
 #include <cwchar>
+#include <iterator>
 #include <utility>
 
 #include "TextUtf8.h"
 
 namespace {
+
+constexpr const char* LIST_NAMES[] = {"posted", "log", "notified", "sent", "redrawn"};
 
 bool PointsAtType(const VEKParam& param, const wchar_t* pszTypeName) {
     return std::wcscmp(param.m_szTypeName, pszTypeName) == 0;
@@ -25,6 +29,8 @@ const VEKParam* FindPointer(const SQOREvent& event, const wchar_t* pszTypeName) 
 } // namespace
 
 CHappened::CHappened(CScene& scene) : m_scene(scene) {
+    static_assert(std::size(LIST_NAMES) == LIST_COUNT);
+    m_lists.fill(OrderedJson::array());
     SetLogSink(this);
     SetRenderSink(this);
 }
@@ -53,7 +59,7 @@ void CHappened::OnEventMessage(const SQOREvent& event, WPARAM wParam) {
                           {"type_name", ToUtf8(param.m_szTypeName)},
                           {"points", PointsAt(param)}});
     }
-    m_posted.push_back({{"node", Handle(m_scene.Find(pNode))},
+    m_lists[POSTED].push_back({{"node", Handle(m_scene.Find(pNode))},
                         {"output", pOutputId != nullptr ? Json(*pOutputId) : Json()},
                         {"via", "window"},
                         {"name", Utf8(event.m_strName)},
@@ -63,17 +69,17 @@ void CHappened::OnEventMessage(const SQOREvent& event, WPARAM wParam) {
 }
 
 void CHappened::OnNotifyMessage(WPARAM wParam, LPARAM lParam) {
-    m_notified.push_back({{"node", Handle(m_pCalledNode)}, {"wparam", wParam}, {"lparam", lParam}});
+    m_lists[NOTIFIED].push_back({{"node", Handle(m_pCalledNode)}, {"wparam", wParam}, {"lparam", lParam}});
 }
 
 void CHappened::OnLogLine(const SLogLine& line) {
-    m_log.push_back(
+    m_lists[LOG].push_back(
         {{"level", static_cast<int>(line.nLevel)}, {"args", line.nArguments}, {"text", Utf8(line.strText)}});
 }
 
 void CHappened::OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) {
     m_scene.Fire(pNode, static_cast<unsigned>(nOutput));
-    m_posted.push_back({{"node", Handle(m_scene.Find(pNode))},
+    m_lists[POSTED].push_back({{"node", Handle(m_scene.Find(pNode))},
                         {"output", nOutput},
                         {"via", "host"},
                         {"clip", ClipName(pClip)},
@@ -81,16 +87,31 @@ void CHappened::OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pO
 }
 
 void CHappened::OnNodeRedraw(SGraphNode* pGraphNode) {
-    m_redrawn.push_back({{"node", Handle(m_scene.Find(pGraphNode))}});
+    m_lists[REDRAWN].push_back({{"node", Handle(m_scene.Find(pGraphNode))}});
 }
 
 OrderedJson CHappened::Take() {
     OrderedJson happened = OrderedJson::object();
-    const std::pair<const char*, OrderedJson*> lists[] = {
-        {"posted", &m_posted}, {"log", &m_log}, {"notified", &m_notified}, {"sent", &m_sent}, {"redrawn", &m_redrawn}};
-    for (const auto& [pszName, pList] : lists) {
-        if (!pList->empty()) {
-            happened[pszName] = std::exchange(*pList, OrderedJson::array());
+    for (size_t i = 0; i < m_lists.size(); ++i) {
+        if (!m_lists[i].empty()) {
+            happened[LIST_NAMES[i]] = std::exchange(m_lists[i], OrderedJson::array());
+        }
+    }
+    return happened;
+}
+
+CHappened::Mark CHappened::Now() const {
+    Mark mark{};
+    std::ranges::transform(m_lists, mark.begin(), [](const OrderedJson& list) { return list.size(); });
+    return mark;
+}
+
+OrderedJson CHappened::Since(const Mark& mark) const {
+    OrderedJson happened = OrderedJson::object();
+    for (size_t i = 0; i < m_lists.size(); ++i) {
+        if (m_lists[i].size() > mark[i]) {
+            const auto begin = m_lists[i].begin() + static_cast<std::ptrdiff_t>(mark[i]);
+            happened[LIST_NAMES[i]] = OrderedJson::array_t(begin, m_lists[i].end());
         }
     }
     return happened;

@@ -1,6 +1,7 @@
 // Collects what the module does while the host works: fired events, log lines, notifications, items sent, redraws.
 #pragma once
 
+#include <array>
 #include <string>
 
 #include "Fields.h"
@@ -9,6 +10,8 @@
 #include "Scene.h"
 
 class CHappened final : public ILogSink, public IRenderSink {
+    enum { POSTED, LOG, NOTIFIED, SENT, REDRAWN, LIST_COUNT };
+
 public:
     /// Registers itself with the host libraries until it is destroyed. The scene tells which node a pointer means.
     explicit CHappened(CScene& scene);
@@ -27,7 +30,7 @@ public:
     void OnNotifyMessage(WPARAM wParam, LPARAM lParam);
 
     /// A node handed something to a device's socket; the entry of the list "sent".
-    void OnSent(OrderedJson entry) { m_sent.push_back(std::move(entry)); }
+    void OnSent(OrderedJson entry) { m_lists[SENT].push_back(std::move(entry)); }
 
     void OnLogLine(const SLogLine& line) override;
     void OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) override;
@@ -36,6 +39,13 @@ public:
     /// What happened since the last call, as one object of lists; lists without entries are left out.
     OrderedJson Take();
 
+    /// A point in time, good until the next Take: the length of each list.
+    using Mark = std::array<size_t, LIST_COUNT>;
+    Mark Now() const;
+
+    /// What happened since then, in the form of Take, which will tell it too.
+    OrderedJson Since(const Mark& mark) const;
+
 private:
     Json Handle(const SNode* pNode) const;
     Json ClipName(const void* pClip) const;
@@ -43,11 +53,7 @@ private:
 
     CScene& m_scene;
     const SNode* m_pCalledNode = nullptr;
-    OrderedJson m_posted = OrderedJson::array();
-    OrderedJson m_log = OrderedJson::array();
-    OrderedJson m_notified = OrderedJson::array();
-    OrderedJson m_sent = OrderedJson::array();
-    OrderedJson m_redrawn = OrderedJson::array();
+    std::array<OrderedJson, LIST_COUNT> m_lists;
 };
 
 /// Append the lists of one such object to those of another.

@@ -40,6 +40,7 @@ CHost::CCallScope::~CCallScope() {
 
 CHost::CHost()
     : m_pMainWindow(std::make_unique<CMainWindow>()), m_pHappened(std::make_unique<CHappened>(m_scene)),
+      m_pJsonVerdicts(std::make_unique<CJsonVerdicts>(*m_pHappened)),
       m_pWindows(std::make_unique<CEventWindows>(*m_pHappened)), m_pPeers(std::make_unique<CPeers>(*this)) {
     SetNodeSink(this);
     s_bOpen = true;
@@ -62,6 +63,10 @@ std::unique_ptr<CHost> CHost::Open(const SSessionOptions& options, std::string& 
             strError = "the application folder " + Utf8(options.appFolder) +
                        " has no readable text table of that language in Config/Texts";
             return nullptr;
+        }
+        pHost->m_nTexts = options.texts;
+        if (!options.bMayBroadcast) {
+            HideConfiguration();
         }
         pHost->m_pModule = CModule::Load(options.moduleFile, strError);
         if (pHost->m_pModule == nullptr) {
@@ -216,7 +221,10 @@ int CHost::Evaluate(SNode& node, bool bGraph) {
 }
 
 int CHost::Deliver(SNode& node, const SIOEventRecord* pRecord) {
-    return Call(&node, [&] { return node.pNode->DevIOEventOccurred(pRecord); });
+    m_pJsonVerdicts->Begin();
+    const int nResult = Call(&node, [&] { return node.pNode->DevIOEventOccurred(pRecord); });
+    m_pJsonVerdicts->End(node, pRecord, nResult);
+    return nResult;
 }
 
 void CHost::ThrowFault(CException* pException) {
@@ -227,4 +235,5 @@ void CHost::ThrowFault(CException* pException) {
 
 void CHost::OnNodeDestroyed(const VEKProperty* pNode) {
     m_pLastDestroyed = pNode;
+    m_pJsonVerdicts->Forget(pNode);
 }

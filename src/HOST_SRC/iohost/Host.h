@@ -8,6 +8,7 @@
 #include "EventWindows.h"
 #include "Happened.h"
 #include "HostSetup.h"
+#include "JsonVerdicts.h"
 #include "MainWindow.h"
 #include "Module.h"
 #include "Scene.h"
@@ -20,6 +21,7 @@ struct SSessionOptions {
     std::filesystem::path appFolder;        ///< application folder
     std::filesystem::path moduleFile;       ///< the module's library
     ETextTable texts = ETextTable::English; ///< where display texts come from
+    bool bMayBroadcast = true;              ///< false: nodes find no port, so that their broadcasts go nowhere
 };
 
 /// The module raised an exception; what() names it. What the call did until then stays done.
@@ -73,8 +75,12 @@ public:
     void Close();
     bool IsClosed() const { return m_pModule == nullptr; }
 
+    /// Where display texts come from.
+    ETextTable Texts() const { return m_nTexts; }
+
     CScene& Scene() { return m_scene; }
     CHappened& Happened() { return *m_pHappened; }
+    CJsonVerdicts& JsonVerdicts() { return *m_pJsonVerdicts; }
     CMainWindow& MainWindow() { return *m_pMainWindow; }
     CPeers& Peers() { return *m_pPeers; }
     const CArray<SIOProcessNodeInfo>& Catalogue() const { return m_data.arNodeInfo; }
@@ -136,9 +142,11 @@ private:
     CScene m_scene;
     std::unique_ptr<CMainWindow> m_pMainWindow;
     std::unique_ptr<CHappened> m_pHappened;
+    std::unique_ptr<CJsonVerdicts> m_pJsonVerdicts;
     std::unique_ptr<CEventWindows> m_pWindows;
     std::unique_ptr<CModule> m_pModule; ///< null once closed
     std::unique_ptr<CPeers> m_pPeers;
     SIOProcessPluginData m_data;
+    ETextTable m_nTexts = ETextTable::Keys;
     const VEKProperty* m_pLastDestroyed = nullptr;
 };

@@ -8,11 +8,16 @@
 #include <boost/beast/http/write.hpp>
 #include <boost/beast/websocket/rfc6455.hpp>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <optional>
 #include <string_view>
 
 #include "RequestOrigin.h"
+#include "Session.h"
+#include "TextLines.h"
+#include "TextUtf8.h"
 
 namespace asio = boost::asio;
 namespace beast = boost::beast;
@@ -22,10 +27,12 @@ using boost::system::error_code;
 namespace {
 
 using Request = http::request<http::empty_body>;
+using RequestParser = http::request_parser<http::empty_body>;
 using Response = http::response<http::string_body>;
 
 constexpr std::uint32_t LONGEST_HEADER = 16 * 1024;
 constexpr std::chrono::seconds REQUEST_TIME{30};
+constexpr std::chrono::seconds GOODBYE_TIME{1};
 constexpr std::string_view SESSION_TARGET = "/session";
 
 std::string_view View(beast::string_view text) {
@@ -90,20 +97,76 @@ std::string AddressText(asio::ip::address address) {
     return address.to_string();
 }
 
-/// Reads one request, which has no body. Empty when the connection ended or what came is no such request; the error
-/// says which.
-Awaitable<std::optional<Request>> ReadRequest(TcpStream& stream, beast::flat_buffer& buffer, error_code& error) {
-    http::request_parser<http::empty_body> parser;
+/// Whether the request brings a text for an object; no other one may have a body.
+bool IsObjectText(const Request& request) {
+    return request.method() == http::verb::post && IsObjectTextTarget(View(request.target()));
+}
+
+/// Reads the head of one request.
+Awaitable<void> ReadHead(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& parser, error_code& error) {
     parser.header_limit(LONGEST_HEADER);
+    parser.body_limit(boost::none); // only a head is read
     stream.expires_after(REQUEST_TIME);
     co_await http::async_read_header(stream, buffer, parser, AwaitInto(error));
-    if (!error && !parser.is_done()) {
+    if (!error && !parser.is_done() && !IsObjectText(parser.get())) {
         error = http::error::unexpected_body;
     }
-    if (error) {
-        co_return std::nullopt;
+}
+
+/// Reads the body behind a head.
+Awaitable<std::string> ReadBody(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head, error_code& error) {
+    if (head.content_length().value_or(0) > LONGEST_TEXT_LINE) {
+        error = http::error::body_limit;
+        co_return std::string();
     }
-    co_return parser.release();
+    if (View(head.get()[http::field::expect]) == "100-continue") {
+        http::response<http::empty_body> goOn{http::status::continue_, head.get().version()};
+        co_await http::async_write(stream, goOn, AwaitInto(error));
+    }
+    http::request_parser<http::string_body> parser(std::move(head));
+    parser.body_limit(LONGEST_TEXT_LINE);
+    co_await http::async_read(stream, buffer, parser, AwaitInto(error));
+    co_return parser.get().body();
+}
+
+/// Reads the text for an object and hands it over. The reply says what became of it. A request whose body isn't there
+/// to its end leaves the connection useless, which then is closed.
+Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head,
+                                   const SHttpSite& site, error_code& error) {
+    const Request request = head.get();
+    const std::string strText = co_await ReadBody(stream, buffer, head, error);
+    OrderedJson reply;
+    auto status = http::status::bad_request;
+    std::string strProblem;
+    if (error == http::error::body_limit) {
+        status = http::status::payload_too_large;
+        reply = ErrorReply("the text is longer than " + std::to_string(LONGEST_TEXT_LINE) + " bytes");
+    } else if (error) {
+        reply = ErrorReply("the request's body can't be read: " + error.message());
+    } else if (!WellFormedText(strText)) {
+        reply = ErrorReply("the text isn't UTF-8");
+    } else if (const auto address = ParseObjectAddress(View(request.target()), strProblem)) {
+        reply = site.takeObjectText(*address, strText);
+        status = reply["ok"] ? http::status::ok : http::status::bad_request;
+    } else {
+        reply = ErrorReply(strProblem);
+    }
+    Response response = MakeResponse(request, status, "application/json", ReplyText(reply) + "\n");
+    response.keep_alive(!error && request.keep_alive());
+    co_return response;
+}
+
+/// Says that nothing follows, and reads on for a moment: a client that is still sending when the connection is closed
+/// would lose the response.
+Awaitable<void> CloseGently(TcpStream& stream) {
+    error_code error;
+    stream.socket().shutdown(TcpSocket::shutdown_send, error);
+    std::array<char, 65536> dropped;
+    size_t nLeft = 2 * LONGEST_TEXT_LINE;
+    stream.expires_after(GOODBYE_TIME);
+    while (!error && nLeft > 0) {
+        nLeft -= std::min(nLeft, co_await stream.async_read_some(asio::buffer(dropped), AwaitInto(error)));
+    }
 }
 
 /// Whether the error is about what the client sent, so that it's told, rather than about the connection.
@@ -126,27 +189,32 @@ Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
     TcpStream stream(std::move(socket));
     beast::flat_buffer buffer;
     for (;;) {
-        std::optional<Request> request = co_await ReadRequest(stream, buffer, error);
-        if (!request && !IsBadRequest(error)) {
+        RequestParser parser;
+        co_await ReadHead(stream, buffer, parser, error);
+        if (error && !IsBadRequest(error)) {
             co_return;
         }
+        const Request& request = parser.get();
+        const bool bHeaderOnly = !error && request.method() == http::verb::head;
         std::optional<Response> response;
-        if (!request) {
+        if (error) {
             response =
                 MakeRefusal(Request{}, http::status::bad_request, "This is no HTTP request that is answered here.");
             response->keep_alive(false);
-        } else if (const auto foreign = FindForeign(*request, origin)) {
-            response = MakeRefusal(*request, http::status::forbidden, *foreign);
-        } else if (View(request->target()) == SESSION_TARGET && beast::websocket::is_upgrade(*request)) {
+        } else if (const auto foreign = FindForeign(request, origin)) {
+            response = MakeRefusal(request, http::status::forbidden, *foreign);
+            response->keep_alive(parser.is_done() && request.keep_alive()); // a body isn't read
+        } else if (View(request.target()) == SESSION_TARGET && beast::websocket::is_upgrade(request)) {
             const auto pClient = std::make_shared<CWebSocketClient>(std::move(stream), site.listener);
-            co_await pClient->Run(std::move(*request));
+            co_await pClient->Run(parser.release());
             co_return;
+        } else if (IsObjectText(request)) {
+            response = co_await TakeObjectText(stream, buffer, parser, site, error);
         } else {
-            response = MakeFileResponse(*request, site.files);
+            response = MakeFileResponse(request, site.files);
         }
 
         http::response_serializer<http::string_body> serializer(*response);
-        const bool bHeaderOnly = request && request->method() == http::verb::head;
         serializer.split(bHeaderOnly);
         stream.expires_after(REQUEST_TIME);
         if (bHeaderOnly) {
@@ -155,7 +223,7 @@ Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
             co_await http::async_write(stream, serializer, AwaitInto(error));
         }
         if (error || !response->keep_alive()) {
-            stream.socket().shutdown(TcpSocket::shutdown_send, error);
+            co_await CloseGently(stream);
             co_return;
         }
     }

@@ -1,11 +1,15 @@
-// One connection of the page's server: answers requests for the page's files, and hands a WebSocket over to its client.
+// One connection of the page's server: answers requests for the page's files, takes texts for objects, and hands a
+// WebSocket over to its client.
 #pragma once
 
 #include "Network.h"
 
+#include <functional>
 #include <string>
 
+#include "Fields.h"
 #include "HttpFiles.h"
+#include "ObjectAddress.h"
 #include "WebSocketClient.h"
 
 /// What every connection is served from.
@@ -14,6 +18,9 @@ struct SHttpSite {
     std::string strBoundAddress; ///< as text, without brackets
     unsigned short nPort;
     IWebSocketListener& listener; ///< of the WebSocket /session
+
+    /// Hands a posted text to the nodes; returns the reply to whom posted it, whose "ok" tells whether that was done.
+    std::function<OrderedJson(const SObjectAddress& address, const std::string& strText)> takeObjectText;
 };
 
 /// Serves the connection until it ends. The site outlives it.

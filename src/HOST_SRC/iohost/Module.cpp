@@ -51,8 +51,11 @@ std::unique_ptr<CModule> CModule::Load(const std::filesystem::path& file, std::s
     return std::unique_ptr<CModule>(new CModule(hModule, pFunction));
 }
 
-CModule::CModule(HMODULE hModule, IOProcessFuncType pFunction) : m_hModule(hModule), m_pFunction(pFunction) {}
+CModule::CModule(HMODULE hModule, IOProcessFuncType pFunction) : m_hModule(hModule), m_pFunction(pFunction) {
+    SetClockModule(hModule);
+}
 
 CModule::~CModule() {
+    SetClockModule(nullptr);
     FreeLibrary(m_hModule);
 }

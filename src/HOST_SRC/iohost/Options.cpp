@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "Fields.h"
+#include "TextTables.h"
 #include "TextUtf8.h"
 
 const char* const HELP_TEXT =
@@ -13,12 +14,16 @@ const char* const HELP_TEXT =
   iohost --stdio [options]               one JSON request a line on standard input, one reply a line on standard output
   iohost --listen ADDR:PORT [options]    serves the page and its WebSocket, for example 127.0.0.1:8040
   iohost --device [ADDR:]PORT [options]  stands in for a play-control device: prints what it's sent, one JSON object a line
+  iohost --describe markdown [options]   writes the reference of the node types, from the module itself
+  iohost --replay FILE [options]         replays a recording with the clock as recorded, names each reply that isn't the
+                                         recorded one, and ends with 3 if there is any
 
 options
   --app DIR          application folder (default: app beside this program)
   --module FILE      the module (default: beside this program)
   --texts TABLE      display texts: keys, en or zh (default: en)
   --scene FILE       scene to start with (default: an empty one)
+  --record FILE      writes what comes in, with the replies, as a recording; with --stdio and --listen
   --fps N            evaluations of the graph a second, with --listen (default: 60)
   --web DIR          the page's files, with --listen (default: web beside this program)
   --control ADDR:PORT  takes remote-control records from other hosts, with --listen (default: takes none)
@@ -28,6 +33,7 @@ options
 options of --device
   --parser KIND      framed or direct (default: framed)
   --delay MS         send back what it's sent, after MS milliseconds (default: send nothing)
+  --say TEXT         send TEXT and a line feed when a connection opens
   --refuse           close each connection at once
   --drop-after N     close each connection after N bytes
   --stall            take connections and never read
@@ -46,7 +52,7 @@ public:
             ParseOption(m_arguments[m_nNext++]);
         }
         if (!m_front) {
-            throw CRefusal("one of --stdio, --listen and --device is needed; --help tells more");
+            throw CRefusal("one of --stdio, --listen, --device, --describe and --replay is needed; --help tells more");
         }
         m_options.nFront = *m_front;
         const bool bHelp = m_front == EFront::Help || m_front == EFront::Version;
@@ -55,6 +61,12 @@ public:
         }
         if (m_pszDeviceOption != nullptr && m_front != EFront::Device && !bHelp) {
             Refuse(m_pszDeviceOption, "goes with --device only");
+        }
+        if (!m_options.recordFile.empty() && m_front != EFront::Stdio && m_front != EFront::Page && !bHelp) {
+            Refuse("--record", "goes with --stdio and --listen only");
+        }
+        if (!m_options.sceneFile.empty() && (m_front == EFront::Describe || m_front == EFront::Replay)) {
+            Refuse("--scene", "goes with --stdio and --listen only");
         }
     }
 
@@ -68,6 +80,14 @@ private:
         } else if (strName == "--device") {
             ChooseFront(EFront::Device, strName);
             ParseDevice(Value(strName));
+        } else if (strName == "--describe") {
+            ChooseFront(EFront::Describe, strName);
+            if (Value(strName) != "markdown") {
+                Refuse(strName, Quoted(m_arguments[m_nNext - 1]) + " isn't markdown, the only form there is");
+            }
+        } else if (strName == "--replay") {
+            ChooseFront(EFront::Replay, strName);
+            m_options.replayFile = Value(strName);
         } else if (strName == "--help" || strName == "--version") {
             m_front = strName == "--help" ? EFront::Help : EFront::Version;
             m_nNext = m_arguments.size();
@@ -77,6 +97,8 @@ private:
             m_options.moduleFile = Value(strName);
         } else if (strName == "--scene") {
             m_options.sceneFile = Value(strName);
+        } else if (strName == "--record") {
+            m_options.recordFile = Value(strName);
         } else if (strName == "--texts") {
             ParseTexts(Value(strName));
         } else if (strName == "--fps") {
@@ -94,6 +116,9 @@ private:
         } else if (strName == "--delay") {
             m_pszDeviceOption = "--delay";
             m_options.device.delay = ParseCount<unsigned>(strName);
+        } else if (strName == "--say") {
+            m_pszDeviceOption = "--say";
+            m_options.device.strSay = Value(strName);
         } else if (strName == "--refuse") {
             m_pszDeviceOption = "--refuse";
             m_options.device.bRefuse = true;
@@ -110,7 +135,7 @@ private:
 
     void ChooseFront(EFront nFront, const std::string& strName) {
         if (m_front && m_front != nFront) {
-            Refuse(strName, "--stdio, --listen and --device exclude each other");
+            Refuse(strName, "--stdio, --listen, --device, --describe and --replay exclude each other");
         }
         m_front = nFront;
     }
@@ -159,13 +184,8 @@ private:
     }
 
     void ParseTexts(const std::string& strValue) {
-        if (strValue == "keys") {
-            m_options.texts = ETextTable::Keys;
-        } else if (strValue == "en") {
-            m_options.texts = ETextTable::English;
-        } else if (strValue == "zh") {
-            m_options.texts = ETextTable::Chinese;
-        } else {
+        m_options.texts = FindTextTable(strValue);
+        if (!m_options.texts) {
             Refuse("--texts", Quoted(strValue) + " is none of keys, en, zh");
         }
     }

@@ -10,7 +10,7 @@
 #include "PageServer.h"
 #include "StandInDevice.h"
 
-enum class EFront { Stdio, Page, Device, Help, Version };
+enum class EFront { Stdio, Page, Device, Describe, Replay, Help, Version };
 
 struct SOptions {
     EFront nFront = EFront::Stdio;
@@ -18,6 +18,8 @@ struct SOptions {
     std::filesystem::path moduleFile;
     std::optional<ETextTable> texts; ///< none: English where the application folder has it, keys elsewhere
     std::filesystem::path sceneFile; ///< loaded at the start; empty: none
+    std::filesystem::path recordFile; ///< for EFront::Stdio and Page; empty: nothing is recorded
+    std::filesystem::path replayFile; ///< for EFront::Replay
     SListenOptions listen;           ///< for EFront::Page
     SStandInOptions device;          ///< for EFront::Device
 };

@@ -4,6 +4,7 @@
 
 #include "HostSetup.h"
 #include "RecordJson.h"
+#include "TextUtf8.h"
 #include "host/NodeTypeGuid.h"
 
 namespace {
@@ -141,7 +142,7 @@ struct NodeRecords {
 constexpr NodeRecords NODE_RECORDS[] = {
     {GUID_IOPROCESS_KEYBOARD, DEVICE_KEYBOARD},
     {GUID_IOPROCESS_KEY_CHECK, READS_NOTHING},
-    {GUID_IOPROCESS_TEXT_FIELD, DEVICE_KEYBOARD},
+    {GUID_IOPROCESS_TEXT_FIELD, READS_NOTHING},
     {GUID_IOPROCESS_MOUSE, DEVICE_POINTER},
     {GUID_IOPROCESS_NET_PARAMETER_SEND, READS_NOTHING},
     {GUID_IOPROCESS_NET_PARAMETER_RECEIVE, DEVICE_NETWORK, EVENT_REMOTE_CONTROL},
@@ -185,6 +186,37 @@ std::unique_ptr<CPayload> MakePayload(const CFields& request) {
     }
     const CFields fields(*pPayload, "payload.");
     return KindOf(fields).pMake(fields);
+}
+
+OrderedJson PayloadToJson(const SIOEventRecord& record) {
+    switch (record.m_nDevice) {
+    case DEVICE_TEXT: {
+        const auto& text = *static_cast<const SDeviceTextData*>(record.m_pPayload);
+        return {{"is", "device_text"}, {"device", text.m_nDeviceId}, {"text", Utf8(text.m_strText)}};
+    }
+    case DEVICE_OBJECT_TEXT: {
+        const auto& text = *static_cast<const SObjectTextData*>(record.m_pPayload);
+        return {{"is", "object_text"},
+                {"clip", Utf8(text.m_strClipName)},
+                {"object", Utf8(text.m_strObjectName)},
+                {"text", Utf8(text.m_strText)}};
+    }
+    default:
+        break;
+    }
+    if (record.m_nEvent == EVENT_BROADCAST) {
+        const auto& item = *static_cast<const SBroadcastItem*>(record.m_pPayload);
+        return {{"is", "broadcast"},
+                {"flag", Utf8(item.m_strFlag)},
+                {"clip", Utf8(item.m_strClipName)},
+                {"name", Utf8(item.m_strName)},
+                {"data", Utf8(item.m_strData)}};
+    }
+    // The payload is one base of the record.
+    const auto* pAttached = static_cast<const CQORIOAttachedData*>(record.m_pPayload);
+    OrderedJson payload = {{"is", "record"}};
+    payload.update(RecordToJson(static_cast<const CQORPanelRemoteCtrlData&>(*pAttached)));
+    return payload;
 }
 
 void CheckPayloadFits(const CFields& request, const GUID& guidType, const std::string& strHandle) {

@@ -19,6 +19,9 @@ public:
 /// wrong kind are refused.
 std::unique_ptr<CPayload> MakePayload(const CFields& request);
 
+/// The payload of a network item's record, in the form in which MakePayload reads it.
+OrderedJson PayloadToJson(const SIOEventRecord& record);
+
 /// Refuse a payload that this node type would take for one of another kind: nodes trust the device to tell what the
 /// record points at.
 void CheckPayloadFits(const CFields& request, const GUID& guidType, const std::string& strHandle);

@@ -49,10 +49,13 @@ EDeviceParser ReadParser(const std::string& strText, const std::string& strField
     if (strText == "direct") {
         return EDeviceParser::Direct;
     }
+    if (strText == "json") {
+        return EDeviceParser::JsonLines;
+    }
     if (strText == "none") {
         return EDeviceParser::None;
     }
-    Refuse(strField, Quoted(strText) + " is none of framed, direct, none");
+    Refuse(strField, Quoted(strText) + " is none of framed, direct, json, none");
 }
 
 asio::ip::address ReadAddress(const SListenSetup& setup, const char* pszDefault) {
@@ -259,12 +262,23 @@ bool CPeers::OnBroadcast(SBroadcastItem& item) {
     return Dispatch(EPeer::Broadcast, {DEVICE_NETWORK, EVENT_BROADCAST, &item});
 }
 
+bool CPeers::OnDeviceText(int nDeviceId, const CString& strText) {
+    constexpr int EVENT_TEXT = 0; // there is only one kind
+    SDeviceTextData text;
+    text.m_nDeviceId = nDeviceId;
+    text.m_strText = strText;
+    return Dispatch(EPeer::Device, {DEVICE_TEXT, EVENT_TEXT, &text});
+}
+
 void CPeers::OnSent(OrderedJson entry) {
     m_host.Happened().OnSent(std::move(entry));
 }
 
 /// Hand an item to all nodes; whether one of them took it.
 bool CPeers::Dispatch(EPeer nFrom, const SIOEventRecord& record) {
+    if (m_pItemObserver != nullptr) {
+        m_pItemObserver->OnItemComes();
+    }
     bool bTaken = false;
     OrderedJson results = OrderedJson::object();
     for (auto& [nOrder, node] : m_host.Scene().Nodes()) {
@@ -278,11 +292,16 @@ bool CPeers::Dispatch(EPeer nFrom, const SIOEventRecord& record) {
         }
         results[node.strHandle] = result;
     }
+    OrderedJson item = {{"from", PEER_NAMES[static_cast<size_t>(nFrom)]},
+                        {"device", record.m_nDevice},
+                        {"event", record.m_nEvent},
+                        {"results", std::move(results)}};
     if (m_dispatched.is_array()) {
-        m_dispatched.push_back({{"from", PEER_NAMES[static_cast<size_t>(nFrom)]},
-                                {"device", record.m_nDevice},
-                                {"event", record.m_nEvent},
-                                {"results", std::move(results)}});
+        m_dispatched.push_back(item);
+    }
+    if (m_pItemObserver != nullptr) {
+        item["payload"] = PayloadToJson(record);
+        m_pItemObserver->OnItemHandled(item);
     }
     return bTaken;
 }

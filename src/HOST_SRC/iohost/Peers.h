@@ -22,6 +22,18 @@ struct SListenSetup {
     std::optional<unsigned short> control;   ///< TCP port, 0: any
 };
 
+/// Hears of each item that came from the network and is handed to the nodes.
+class IItemObserver {
+public:
+    virtual void OnItemComes() = 0;
+
+    /// {"from","device","event","payload","results"}
+    virtual void OnItemHandled(const OrderedJson& item) = 0;
+
+protected:
+    ~IItemObserver() = default;
+};
+
 class CPeers final : private IPeerHost {
 public:
     explicit CPeers(CHost& host) : m_host(host) {}
@@ -72,6 +84,9 @@ public:
     /// Grows whenever State would tell something else but times.
     unsigned long long StateVersion() const { return m_nStateVersion; }
 
+    /// Null for none. It isn't owned.
+    void SetItemObserver(IItemObserver* pObserver) { m_pItemObserver = pObserver; }
+
     /// End all connections.
     void Close();
 
@@ -79,6 +94,7 @@ private:
     CReadGate& Gate() override { return m_gate; }
     bool OnRecord(EPeer nFrom, EIODevice nDevice, CQORPanelRemoteCtrlData& record) override;
     bool OnBroadcast(SBroadcastItem& item) override;
+    bool OnDeviceText(int nDeviceId, const CString& strText) override;
     void OnSent(OrderedJson entry) override;
     bool IsListenOnly() const override { return m_bListenOnly; }
     void OnStateChanged() override { ++m_nStateVersion; }
@@ -98,6 +114,7 @@ private:
     std::shared_ptr<CControlListener> m_pControl;
     OrderedJson m_dispatched; ///< an array while Wait collects
     unsigned long long m_nStateVersion = 0;
+    IItemObserver* m_pItemObserver = nullptr;
 };
 
 /// The port of broadcasts in the application folder's configuration; 0 without one.

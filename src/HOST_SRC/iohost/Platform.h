@@ -6,9 +6,20 @@
 #include <optional>
 #include <string>
 
-/// Make GetTickCount answer a fixed number of milliseconds, or the running clock again. False where the system's own
-/// clock answers and can't be stopped.
+#include <afxwin.h>
+
+/// Make GetTickCount answer the module a fixed number of milliseconds, or the running clock again. False where the
+/// system's own clock answers and can't be stopped.
 bool FreezeClock(std::optional<std::uint64_t> nMilliseconds);
+
+/// Tell which library is the module, as soon as it's loaded and before it's unloaded (null).
+void SetClockModule(HMODULE hModule);
+
+/// Let the process have as many sockets open as the system allows: nodes that broadcast never close theirs.
+void AllowManySockets();
+
+/// Let a port be listened on though connections of a program that has just ended linger there.
+void LetPortBeReused(std::uintptr_t hSocket);
 
 /// Let the system ask the peer of a silent TCP connection whether it's still there, and give the connection up, as
 /// lost, when it hasn't answered for about ten seconds.

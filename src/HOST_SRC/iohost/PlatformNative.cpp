@@ -4,6 +4,7 @@
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 
 #include <compat/testing.h>
@@ -11,6 +12,21 @@
 bool FreezeClock(std::optional<std::uint64_t> nMilliseconds) {
     CompatFreezeTickCount(nMilliseconds);
     return true;
+}
+
+void SetClockModule(HMODULE /*hModule*/) {} // there is one clock in the process
+
+void AllowManySockets() {
+    rlimit limit = {};
+    if (getrlimit(RLIMIT_NOFILE, &limit) == 0) {
+        limit.rlim_cur = limit.rlim_max;
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+}
+
+void LetPortBeReused(std::uintptr_t hSocket) {
+    const int nOn = 1;
+    setsockopt(static_cast<int>(hSocket), SOL_SOCKET, SO_REUSEADDR, &nOn, sizeof(nOn));
 }
 
 void NoticeLostPeer(std::uintptr_t hSocket) {

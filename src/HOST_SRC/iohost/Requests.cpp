@@ -5,13 +5,16 @@
 #include <vector>
 
 #include "GuidText.h"
+#include "HostLine.h"
 #include "Inspect.h"
 #include "ParamSet.h"
 #include "Payloads.h"
 #include "Peers.h"
 #include "Platform.h"
+#include "Recorder.h"
 #include "SavedSet.h"
 #include "SceneFile.h"
+#include "TextTables.h"
 #include "TextUtf8.h"
 
 namespace {
@@ -191,6 +194,15 @@ OrderedJson Destroy(SRequestContext& context) {
 // ---- Evaluation and events --------------------------------------------------------------------------------------
 
 OrderedJson Process(SRequestContext& context) {
+    if (context.fields.Bool("frame", false)) {
+        OrderedJson results = OrderedJson::object();
+        EvaluateFrame(context.host, &results);
+        OrderedJson reply = {{"results", std::move(results)}};
+        if (OrderedJson changed = context.pFrameOutputs->Take(context.host.Scene()); !changed.empty()) {
+            reply["outputs"] = std::move(changed);
+        }
+        return reply;
+    }
     const bool bGraph = context.fields.Bool("graph", true);
     OrderedJson results = OrderedJson::object();
     for (SNode* pNode : NodeOrAll(context)) {
@@ -221,7 +233,7 @@ OrderedJson Event(SRequestContext& context) {
         }
     }
     if (context.pHeld != nullptr && pRecord != nullptr) {
-        context.pHeld->Note(fields);
+        context.pHeld->NoteEvent(fields);
     }
     OrderedJson results = OrderedJson::object();
     for (SNode* pNode : nodes) {
@@ -230,12 +242,36 @@ OrderedJson Event(SRequestContext& context) {
     return {{"results", std::move(results)}};
 }
 
+OrderedJson JsonVerdicts(SRequestContext& context) {
+    return {{"nodes", context.host.JsonVerdicts().All(context.host.Scene())}};
+}
+
 OrderedJson ReleaseHeld(SRequestContext& context) {
     const std::string strReason = context.fields.Has("reason") ? context.fields.Text("reason") : "the page asks for it";
     if (context.pHeld == nullptr) {
         Refuse("op", "release_held is for connections of the page");
     }
-    return {{"released", ReleaseHeldInput(context.host, *context.pHeld, strReason)}};
+    SHeldFilter filter;
+    if (context.fields.Has("device")) {
+        filter.nDevice = context.fields.Int("device");
+    }
+    if (const Json* pIdentity = context.fields.Find("identity")) {
+        if (!pIdentity->is_string() && !pIdentity->is_number_integer()) {
+            Refuse("identity", "must be the text of a key or the number of a pointer, hand or virtual key");
+        }
+        filter.identity = *pIdentity;
+    }
+    OrderedJson released = ReleaseHeldInput(context.host, context.held, *context.pHeld, strReason, filter);
+    if (context.fields.Bool("everyone", false)) {
+        for (CHeldInput& other : context.held.Connections()) {
+            OrderedJson others = ReleaseHeldInput(context.host, context.held, other, strReason, filter);
+            if (!others.empty()) {
+                context.held.NoteReleasedByOther(other);
+                released.insert(released.end(), others.begin(), others.end());
+            }
+        }
+    }
+    return {{"released", std::move(released)}};
 }
 
 // ---- Parameters and links ---------------------------------------------------------------------------------------
@@ -310,24 +346,39 @@ OrderedJson Link(SRequestContext& context) {
 
 // ---- The machine around the nodes -------------------------------------------------------------------------------
 
-OrderedJson Keys(SRequestContext& context) {
+void SetKeyboard(const KeySet& down, const KeySet& toggled) {
     constexpr BYTE DOWN = 0x80;
     constexpr BYTE TOGGLED = 0x01;
     BYTE state[256] = {};
-    const auto mark = [&](const char* pszName, BYTE nFlag) {
+    for (size_t nCode = 0; nCode < std::size(state); ++nCode) {
+        state[nCode] = static_cast<BYTE>((down[nCode] ? DOWN : 0) | (toggled[nCode] ? TOGGLED : 0));
+    }
+    SetKeyboardState(state);
+}
+
+OrderedJson Keys(SRequestContext& context) {
+    const auto read = [&](const char* pszName) {
+        KeySet keys;
         if (const Json* pList = context.fields.OptionalArray(pszName)) {
             for (const Json& code : *pList) {
                 const unsigned nCode = ReadUnsigned(code, pszName);
-                if (nCode >= std::size(state)) {
+                if (nCode >= keys.size()) {
                     Refuse(pszName, std::to_string(nCode) + " isn't a virtual-key code");
                 }
-                state[nCode] |= nFlag;
+                keys.set(nCode);
             }
         }
+        return keys;
     };
-    mark("down", DOWN);
-    mark("toggled", TOGGLED);
-    SetKeyboardState(state);
+    KeySet down = read("down");
+    const KeySet toggled = read("toggled");
+    if (context.pHeld != nullptr) {
+        // Several people may press keys at once: a key is up when nobody holds it.
+        context.pHeld->NoteKeys(down);
+        context.held.SetToggledKeys(toggled);
+        down = context.held.VirtualKeys();
+    }
+    SetKeyboard(down, toggled);
     return OrderedJson::object();
 }
 
@@ -362,15 +413,7 @@ OrderedJson Object(SRequestContext& context) {
 }
 
 OrderedJson Objects(SRequestContext& context) {
-    OrderedJson objects = OrderedJson::array();
-    for (const VEKClip& clip : context.host.Scene().Clips()) {
-        for (POSITION pos = clip.m_lstObject.GetHeadPosition(); pos != nullptr;) {
-            const VEKObject& object = *clip.m_lstObject.GetNext(pos);
-            objects.push_back(
-                {{"clip", Utf8(clip.m_strName)}, {"name", Utf8(object.m_strName)}, {"matrix", object.m_fMatrix}});
-        }
-    }
-    return {{"objects", std::move(objects)}};
+    return {{"objects", ObjectsToJson(context.host.Scene())}};
 }
 
 // ---- The network ------------------------------------------------------------------------------------------------
@@ -452,7 +495,11 @@ OrderedJson Save(SRequestContext& context) {
 }
 
 OrderedJson Load(SRequestContext& context) {
-    LoadScene(context.host, PathFromUtf8(context.fields.Text("file")));
+    if (const Json* pScene = context.fields.Find("scene")) {
+        LoadScene(context.host, *pScene, "scene");
+    } else {
+        LoadScene(context.host, ReadSceneFile(PathFromUtf8(context.fields.Text("file"))), "file");
+    }
     AwaitDevices(context.host);
     return OrderedJson::object();
 }
@@ -477,6 +524,18 @@ OrderedJson Scene(SRequestContext& context) {
     return {{"version", context.nSceneVersion}, {"nodes", std::move(nodes)}, {"links", std::move(links)}};
 }
 
+/// The first request of a recording: refused by a session that would answer the others differently.
+OrderedJson Recording(SRequestContext& context) {
+    if (context.fields.Int("version") != RECORDING_VERSION) {
+        Refuse("version", "this program reads recordings of version " + std::to_string(RECORDING_VERSION));
+    }
+    const std::string strTexts = TextTableName(context.host.Texts());
+    if (context.fields.Text("texts") != strTexts) {
+        Refuse("texts", "this session's are " + strTexts);
+    }
+    return OrderedJson::object();
+}
+
 constexpr RequestRow REQUESTS[] = {
     {.pszOp = "catalogue", .pCarryOut = Catalogue},
     {.pszOp = "call", .pCarryOut = Call},
@@ -486,6 +545,7 @@ constexpr RequestRow REQUESTS[] = {
     {.pszOp = "outputs", .pCarryOut = Outputs, .bChangesScene = true},
     {.pszOp = "process", .pCarryOut = Process},
     {.pszOp = "event", .pCarryOut = Event},
+    {.pszOp = "json", .pCarryOut = JsonVerdicts},
     {.pszOp = "release_held", .pCarryOut = ReleaseHeld},
     {.pszOp = "set", .pCarryOut = Set, .bChangesScene = true},
     {.pszOp = "edit", .pCarryOut = Edit, .bChangesScene = true},
@@ -507,6 +567,7 @@ constexpr RequestRow REQUESTS[] = {
     {.pszOp = "save", .pCarryOut = Save},
     {.pszOp = "load", .pCarryOut = Load, .bChangesScene = true},
     {.pszOp = "scene", .pCarryOut = Scene},
+    {.pszOp = "recording", .pCarryOut = Recording},
     {.pszOp = "quit", .pCarryOut = Quit, .bChangesScene = true},
 };
 
@@ -517,16 +578,36 @@ const RequestRow* FindRequest(std::string_view op) {
     return pRow != std::end(REQUESTS) ? pRow : nullptr;
 }
 
-OrderedJson ReleaseHeldInput(CHost& host, CHeldInput& held, const std::string& strReason) {
+void EvaluateFrame(CHost& host, OrderedJson* pResults) {
+    for (auto& [nOrder, node] : host.Scene().Nodes()) {
+        OrderedJson result;
+        try {
+            result = host.Evaluate(node, true);
+        } catch (const CModuleFault& fault) {
+            WriteHostLine(LOG_ERROR, fault.what());
+        }
+        if (pResults != nullptr) {
+            (*pResults)[node.strHandle] = std::move(result);
+        }
+    }
+}
+
+OrderedJson ReleaseHeldInput(CHost& host, CHeldInputs& all, CHeldInput& held, const std::string& strReason,
+                             const SHeldFilter& filter) {
     OrderedJson released = OrderedJson::array();
-    for (const SRelease& release : held.TakeReleases()) {
+    for (const SRelease& release : held.TakeReleases(filter)) {
         const CString strLine = FromUtf8("synthetic release of the " + release.strDescription + ": " + strReason);
         NSVEKLog::WriteLog(LOG_INFORMATION, 0, 0, 0, 0, L"%s", strLine.GetString());
+        if (release.nVirtualKey) {
+            released.push_back({{"virtual_key", *release.nVirtualKey}});
+            SetKeyboard(all.VirtualKeys(), all.ToggledKeys());
+            continue;
+        }
         released.push_back({{"device", release.request["device"]},
                             {"event", release.request["event"]},
                             {"payload", release.request["payload"]}});
         const CFields fields(release.request);
-        SRequestContext context{host, fields, nullptr, 0};
+        SRequestContext context{host, fields, all, nullptr, 0};
         try {
             Event(context);
         } catch (const CRefusal& refusal) {

@@ -4,13 +4,16 @@
 #include "Fields.h"
 #include "HeldInput.h"
 #include "Host.h"
+#include "OutputChanges.h"
 
 /// What an operation works on.
 struct SRequestContext {
     CHost& host;
     const CFields& fields; ///< the request
-    CHeldInput* pHeld;     ///< what the connection holds; null for a front that keeps no account of it
+    CHeldInputs& held;     ///< what the connections hold
+    CHeldInput* pHeld;     ///< what this one holds; null for a front that keeps no account of it
     unsigned long long nSceneVersion;
+    COutputChanges* pFrameOutputs = nullptr; ///< what requests for a frame told of outputs
 };
 
 /// One operation: carries the request out and returns the reply's own fields, or throws a CRefusal.
@@ -23,5 +26,11 @@ struct RequestRow {
 /// The operation of that name; null for an unknown one.
 const RequestRow* FindRequest(std::string_view op);
 
-/// Send the releases of all that is held, and log each as synthetic with the reason. Returns the list of what was sent.
-OrderedJson ReleaseHeldInput(CHost& host, CHeldInput& held, const std::string& strReason);
+/// Evaluate all nodes, as for a frame: a fault of one is logged and the others go on. Adds each node's result, null after
+/// a fault, to the object pResults; null: nobody asks.
+void EvaluateFrame(CHost& host, OrderedJson* pResults);
+
+/// Send the releases of what a connection holds, and log each as synthetic with the reason. Returns the list of what
+/// was released.
+OrderedJson ReleaseHeldInput(CHost& host, CHeldInputs& all, CHeldInput& held, const std::string& strReason,
+                             const SHeldFilter& filter = {});

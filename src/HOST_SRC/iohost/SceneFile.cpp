@@ -121,9 +121,6 @@ void ForEachElement(const CFields& document, const char* pszName, Load load) {
 }
 
 void BuildScene(CHost& host, const CFields& document) {
-    if (document.Text("format") != FORMAT || document.Int("version") != VERSION) {
-        Refuse("file", "isn't a scene of this version");
-    }
     CScene& scene = host.Scene();
     ForEachElement(document, "clips", [&](const CFields& clip) { LoadClip(scene, clip); });
     ForEachElement(document, "nodes", [&](const CFields& node) { LoadNode(host, node); });
@@ -172,9 +169,27 @@ void SaveScene(CHost& host, const std::filesystem::path& file) {
     }
 }
 
-void LoadScene(CHost& host, const std::filesystem::path& file) {
-    const Json document = ParseJson(ReadFile(file), "file");
-    const CFields fields(document, "file.");
+Json ReadSceneFile(const std::filesystem::path& file) {
+    return ParseJson(ReadFile(file), "file");
+}
+
+Json WithSceneInside(Json request) {
+    if (request.is_object() && request.value("op", Json()) == "load" && request.value("file", Json()).is_string()) {
+        try {
+            request["scene"] = ReadSceneFile(PathFromUtf8(request["file"]));
+            request.erase("file");
+        } catch (const CRefusal&) {
+            // Carrying the request out refuses it.
+        }
+    }
+    return request;
+}
+
+void LoadScene(CHost& host, const Json& document, const std::string& strPath) {
+    const CFields fields(document, strPath + ".");
+    if (fields.Text("format") != FORMAT || fields.Int("version") != VERSION) {
+        Refuse(strPath, "isn't a scene of this version");
+    }
     const Json* pDevices = fields.Find("devices");
     auto devices = CPeers::ReadDevices(pDevices != nullptr ? *pDevices : Json(), fields.Path("devices"));
     CScene former;

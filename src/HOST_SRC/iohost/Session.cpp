@@ -1,11 +1,10 @@
 #include "Session.h"
 
-#include <bit>
+#include <utility>
 
-#include "Inspect.h"
-#include "Peers.h"
 #include "Requests.h"
-#include "TextUtf8.h"
+#include "SceneFile.h"
+#include "TextTables.h"
 
 namespace {
 
@@ -30,9 +29,28 @@ std::unique_ptr<CSession> CSession::Open(const SSessionOptions& options, std::st
 
 CSession::CSession(std::unique_ptr<CHost> pHost) : m_pHost(std::move(pHost)) {}
 
-CSession::~CSession() = default;
+CSession::~CSession() {
+    Peers().SetItemObserver(nullptr);
+}
+
+void CSession::Record(std::unique_ptr<CRecorder> pRecorder) {
+    m_pRecorder = std::move(pRecorder);
+    Peers().SetItemObserver(this);
+    Handle({{"op", "recording"}, {"version", RECORDING_VERSION}, {"texts", TextTableName(m_pHost->Texts())}});
+}
 
 OrderedJson CSession::Handle(const Json& request, CHeldInput* pHeld) {
+    if (m_pRecorder == nullptr) {
+        return CarryOut(request, pHeld);
+    }
+    m_pRecorder->StopClock();
+    const Json whole = WithSceneInside(request);
+    OrderedJson reply = CarryOut(whole, pHeld);
+    m_pRecorder->Keep(whole, pHeld != nullptr ? pHeld->Connection() : 0, reply);
+    return reply;
+}
+
+OrderedJson CSession::CarryOut(const Json& request, CHeldInput* pHeld) {
     OrderedJson id = OrderedJson::value_t::discarded;
     return Reply(id, [&] {
         const CFields fields(request);
@@ -45,7 +63,7 @@ OrderedJson CSession::Handle(const Json& request, CHeldInput* pHeld) {
         if (pRow == nullptr) {
             Refuse("op", "unknown op " + Quoted(strOp));
         }
-        SRequestContext context{*m_pHost, fields, pHeld, m_nSceneVersion};
+        SRequestContext context{*m_pHost, fields, m_held, pHeld, m_nSceneVersion, &m_frameOutputs};
         try {
             Peers().Poll();
             OrderedJson reply = pRow->pCarryOut(context);
@@ -69,13 +87,10 @@ std::string CSession::HandleText(std::string_view text, CHeldInput* pHeld) {
     return ReplyText(Handle(request, pHeld));
 }
 
-OrderedJson CSession::ReleaseHeld(CHeldInput& held, const std::string& strReason) {
-    return Reply(OrderedJson::value_t::discarded, [&]() -> OrderedJson {
-        if (HasQuit()) {
-            Refuse("op", "the session has ended");
-        }
-        return {{"released", ReleaseHeldInput(*m_pHost, held, strReason)}};
-    });
+OrderedJson CSession::CloseConnection(CHeldInput& held, const std::string& strReason) {
+    OrderedJson reply = Handle({{"op", "release_held"}, {"reason", strReason}}, &held);
+    m_held.Close(held);
+    return reply;
 }
 
 OrderedJson CSession::Frame() {
@@ -83,15 +98,15 @@ OrderedJson CSession::Frame() {
     if (HasQuit()) {
         return OrderedJson::object();
     }
-    for (auto& [nOrder, node] : m_pHost->Scene().Nodes()) {
-        try {
-            m_pHost->Evaluate(node, true);
-        } catch (const CModuleFault& fault) {
-            const CString strLine = FromUtf8(fault.what());
-            NSVEKLog::WriteLog(LOG_ERROR, 0, 0, 0, 0, L"%s", strLine.GetString());
-        }
+    if (m_pRecorder == nullptr) {
+        EvaluateFrame(*m_pHost, nullptr);
+        return m_pHost->Happened().Take();
     }
-    return m_pHost->Happened().Take();
+    OrderedJson happened = Handle({{"op", "process"}, {"frame", true}});
+    for (const char* pszField : {"ok", "results", "outputs"}) {
+        happened.erase(pszField);
+    }
+    return happened;
 }
 
 OrderedJson CSession::TakeHappened() {
@@ -99,33 +114,10 @@ OrderedJson CSession::TakeHappened() {
     return std::exchange(m_aside, OrderedJson::object());
 }
 
-OrderedJson CSession::ChangedOutputs() {
-    OrderedJson changed = OrderedJson::object();
-    CScene& scene = m_pHost->Scene();
-    std::erase_if(m_sentOutputs, [&](const auto& sent) { return scene.Find(sent.first) == nullptr; });
-    for (const auto& [nOrder, node] : scene.Nodes()) {
-        auto& sent = m_sentOutputs[node.strHandle];
-        const VEKParamGroupList& lstGroup = node.pGraphNode->m_lstOutputGroup;
-        for (POSITION pos = lstGroup.GetHeadPosition(); pos != nullptr;) {
-            const VEKParamGroup& group = *lstGroup.GetNext(pos);
-            for (POSITION posParam = group.m_lstParam.GetHeadPosition(); posParam != nullptr;) {
-                const VEKParam& output = *group.m_lstParam.GetNext(posParam);
-                if (output.m_nType == PARAM_EVENT.m_nType) {
-                    continue;
-                }
-                const unsigned nId = output.m_guid.Data1;
-                const auto [entry, bNew] = sent.try_emplace(nId);
-                SOutputValue& value = entry->second;
-                // Bit by bit: an undefined number counts as unchanged.
-                if (bNew || value.nValue != output.m_nValue || value.strValue != output.m_strValue ||
-                    std::bit_cast<unsigned>(value.fValue) != std::bit_cast<unsigned>(output.m_fValue)) {
-                    value = {output.m_nValue, output.m_fValue, output.m_strValue};
-                    changed[node.strHandle][std::to_string(nId)] = ValuesToJson(output);
-                }
-            }
-        }
-    }
-    return changed;
+void CSession::ForgetSent() {
+    m_sentOutputs.Forget();
+    m_sentObjects.Forget();
+    m_pHost->JsonVerdicts().ForgetTaken();
 }
 
 OrderedJson CSession::Reply(const OrderedJson& id, const std::function<OrderedJson()>& carryOut) {
@@ -144,6 +136,20 @@ OrderedJson CSession::Reply(const OrderedJson& id, const std::function<OrderedJs
     reply.update(fields);
     reply.update(m_pHost->Happened().Take());
     return reply;
+}
+
+void CSession::OnItemComes() {
+    m_pRecorder->StopClock();
+    m_beforeItem = m_pHost->Happened().Now();
+}
+
+void CSession::OnItemHandled(const OrderedJson& item) {
+    OrderedJson event = {{"op", "event"}};
+    event.update(item);
+    event.erase("results");
+    OrderedJson reply = {{"ok", true}, {"results", item.at("results")}};
+    reply.update(m_pHost->Happened().Since(m_beforeItem));
+    m_pRecorder->Keep(event, 0, reply);
 }
 
 void CSession::KeepAside() {

@@ -64,6 +64,7 @@ public:
             co_return; // the connection stays open with the program; nobody reads from it
         }
         if (!m_options.bRefuse) {
+            Say();
             strReason = co_await Read();
         }
         m_socket.close(error);
@@ -76,8 +77,15 @@ public:
 private:
     struct SAnswer {
         steady_clock::time_point tDue;
-        std::vector<unsigned char> bytes;
+        std::vector<std::byte> bytes;
     };
+
+    void Say() {
+        if (!m_options.strSay.empty()) {
+            const std::string strLine = m_options.strSay + "\n";
+            Send(std::as_bytes(std::span(strLine)), steady_clock::now());
+        }
+    }
 
     /// Read until the connection ends; returns why it did.
     Awaitable<std::string> Read() {
@@ -134,10 +142,15 @@ private:
     }
 
     void Answer(std::span<const unsigned char> bytes) {
-        if (!m_options.delay || m_nAnswerBytes + bytes.size() > MOST_ANSWER_BYTES) {
+        if (m_options.delay) {
+            Send(std::as_bytes(bytes), steady_clock::now() + std::chrono::milliseconds(*m_options.delay));
+        }
+    }
+
+    void Send(std::span<const std::byte> bytes, steady_clock::time_point tDue) {
+        if (m_nAnswerBytes + bytes.size() > MOST_ANSWER_BYTES) {
             return;
         }
-        const auto tDue = steady_clock::now() + std::chrono::milliseconds(*m_options.delay);
         m_answers.push_back({tDue, {bytes.begin(), bytes.end()}});
         m_nAnswerBytes += bytes.size();
         if (!m_bAnswering) {

@@ -14,8 +14,11 @@ struct SStandInOptions {
     bool bRefuse = false;                 ///< closes each connection at once
     bool bStall = false;                  ///< takes connections and never reads
 
-    /// Sends back what it's sent, after so many milliseconds; none: sends nothing.
+    /// Sends back what it's sent, after so many milliseconds; none: sends nothing back.
     std::optional<unsigned> delay = std::nullopt;
+
+    /// Sends this and a line feed when a connection opens; empty: nothing.
+    std::string strSay = {};
 
     /// Closes each connection after so many bytes.
     std::optional<std::uint64_t> dropAfter = std::nullopt;

@@ -4,10 +4,9 @@
 #include <cstddef>
 #include <iosfwd>
 
-class CSession;
+#include "LineReader.h"
 
-/// Longest request line; longer ones are refused and read past.
-inline constexpr std::size_t LONGEST_LINE = std::size_t{64} << 20;
+class CSession;
 
 /// Serve until the request `quit`, the end of the input or the loss of the output.
 void RunStdio(CSession& session, std::istream& input, std::ostream& output, std::size_t nLongestLine = LONGEST_LINE);

@@ -41,7 +41,7 @@ void CTerminalLines::ReadNames() {
     m_names.clear();
     m_nNamesVersion = m_session.SceneVersion();
     m_bNamesRead = true;
-    const OrderedJson scene = m_session.Handle({{"op", "scene"}});
+    const OrderedJson scene = m_session.Query({{"op", "scene"}});
     if (!scene.at("ok").get<bool>()) {
         return;
     }
@@ -49,7 +49,7 @@ void CTerminalLines::ReadNames() {
         const std::string strHandle = node.at("node").get<std::string>();
         SNodeNames& names = m_names[strHandle];
         names.strPlace = TextOr(node, "clip", "-") + "." + TextOr(node, "graph", "");
-        const OrderedJson details = m_session.Handle({{"op", "inspect"}, {"node", strHandle}});
+        const OrderedJson details = m_session.Query({{"op", "inspect"}, {"node", strHandle}});
         if (!details.at("ok").get<bool>()) {
             continue;
         }

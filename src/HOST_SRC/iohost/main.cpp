@@ -1,16 +1,19 @@
 // iohost: the reference host.
 #include <iostream>
 
+#include "Describe.h"
 #include "Options.h"
 #include "Platform.h"
+#include "Replay.h"
 #include "Session.h"
 #include "StdioFront.h"
 #include "TextUtf8.h"
 
 namespace {
 
-constexpr int EXIT_SESSION = 1; ///< the session can't be opened, or its scene not loaded
+constexpr int EXIT_SESSION = 1; ///< the session can't be opened, its scene not loaded, a file not read or written
 constexpr int EXIT_OPTIONS = 2; ///< the command line is wrong
+constexpr int EXIT_REPLAY = 3;  ///< replies differ from the recorded ones
 
 std::filesystem::path ProgramFolder() {
     wchar_t szFile[4096];
@@ -23,6 +26,63 @@ ETextTable DefaultTexts(const std::filesystem::path& appFolder) {
     std::error_code error;
     return std::filesystem::exists(appFolder / "Config" / "Texts" / "en.json", error) ? ETextTable::English
                                                                                       : ETextTable::Keys;
+}
+
+int Fail(const std::string& strError) {
+    std::cerr << "iohost: " << strError << '\n';
+    return EXIT_SESSION;
+}
+
+/// The fronts that have a session with the module.
+int RunSession(const SOptions& options) {
+    std::string strError;
+    std::unique_ptr<CReplay> pReplay;
+    if (options.nFront == EFront::Replay) {
+        pReplay = CReplay::Open(options.replayFile, strError);
+        if (pReplay == nullptr) {
+            return Fail("--replay: " + strError);
+        }
+    }
+    const ETextTable nDefaultTexts = pReplay != nullptr ? pReplay->Texts() : DefaultTexts(options.appFolder);
+    const auto pSession = CSession::Open({.appFolder = options.appFolder,
+                                          .moduleFile = options.moduleFile,
+                                          .texts = options.texts.value_or(nDefaultTexts),
+                                          .bMayBroadcast = pReplay == nullptr},
+                                         strError);
+    if (pSession == nullptr) {
+        return Fail(strError);
+    }
+    if (pReplay != nullptr) {
+        const CReplay::EResult nResult = pReplay->Run(*pSession, std::cout);
+        return nResult == CReplay::EResult::Same        ? 0
+               : nResult == CReplay::EResult::Different ? EXIT_REPLAY
+                                                        : EXIT_SESSION;
+    }
+    if (options.nFront == EFront::Describe) {
+        std::cout << NodeTypesMarkdown(*pSession) << std::flush;
+        return std::cout ? 0 : EXIT_SESSION;
+    }
+    if (!options.recordFile.empty()) {
+        auto pRecorder = CRecorder::Open(options.recordFile, strError);
+        if (pRecorder == nullptr) {
+            return Fail("--record: " + strError);
+        }
+        pSession->Record(std::move(pRecorder));
+    }
+    if (!options.sceneFile.empty()) {
+        const OrderedJson reply = pSession->Handle({{"op", "load"}, {"file", Utf8(options.sceneFile)}});
+        if (!reply["ok"]) {
+            return Fail("--scene " + Utf8(options.sceneFile) + ": " + reply["error"].get<std::string>());
+        }
+    }
+    int nExitCode = 0;
+    if (options.nFront == EFront::Page) {
+        nExitCode = RunPageServer(*pSession, options.listen);
+    } else {
+        RunStdio(*pSession, std::cin, std::cout);
+    }
+    const bool bLost = pSession->Recorder() != nullptr && !pSession->Recorder()->IsComplete();
+    return nExitCode == 0 && bLost ? EXIT_SESSION : nExitCode;
 }
 
 } // namespace
@@ -47,25 +107,5 @@ int main(int nArguments, char** ppszArguments) {
     if (options->nFront == EFront::Device) {
         return RunStandInDevice(options->device, std::cout);
     }
-    const auto pSession = CSession::Open({.appFolder = options->appFolder,
-                                          .moduleFile = options->moduleFile,
-                                          .texts = options->texts.value_or(DefaultTexts(options->appFolder))},
-                                         strError);
-    if (pSession == nullptr) {
-        std::cerr << "iohost: " << strError << '\n';
-        return EXIT_SESSION;
-    }
-    if (!options->sceneFile.empty()) {
-        const OrderedJson reply = pSession->Handle({{"op", "load"}, {"file", Utf8(options->sceneFile)}});
-        if (!reply["ok"]) {
-            std::cerr << "iohost: --scene " << Utf8(options->sceneFile) << ": " << reply["error"].get<std::string>()
-                      << '\n';
-            return EXIT_SESSION;
-        }
-    }
-    if (options->nFront == EFront::Page) {
-        return RunPageServer(*pSession, options->listen);
-    }
-    RunStdio(*pSession, std::cin, std::cout);
-    return 0;
+    return RunSession(*options);
 }

@@ -6,6 +6,8 @@
 
 #include <crtdbg.h>
 #include <intrin.h>
+#include <winsock2.h> // must precede windows.h for sources that use both
+
 #include <windows.h>
 
 #if !defined(_MSC_VER)

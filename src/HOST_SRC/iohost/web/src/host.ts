@@ -4,7 +4,11 @@ import { Holders } from "./input/holders.ts";
 import { KeyboardState } from "./input/keyboardState.ts";
 import { VirtualKey } from "./input/virtualKeys.ts";
 import { LogBuffer, type LogLine } from "./log.ts";
+import type { NetworkState } from "./network.ts";
+import { NodeType, nodesOf } from "./nodeTypes.ts";
 import type { EditValue } from "./params.ts";
+import type { JsonVerdict } from "./json.ts";
+import { Device, EventId } from "./protocol.ts";
 import type {
   EventReply,
   Happened,
@@ -81,6 +85,10 @@ export class Host implements ConnectionListener {
   readonly nodes = signal<NodeView[] | null>(null);
   readonly links = signal<readonly Link[]>([]);
   readonly objects = signal<readonly SceneObject[]>([]);
+  /** How the network stands, and when the page was told, in milliseconds since 1970. */
+  readonly network = signal<{ state: NetworkState; told: number } | null>(null);
+  /** What the JSON nodes made of their last texts, by node. */
+  readonly jsonVerdicts = signal<Readonly<Record<string, JsonVerdict>>>({});
   /** What all connections hold, and when the page was told, in milliseconds since 1970. */
   readonly held = signal<{ entries: readonly HeldEntry[]; told: number }>({ entries: [], told: 0 });
   /** What on this page can hold something. */
@@ -127,9 +135,25 @@ export class Host implements ConnectionListener {
 
   /** Presses a key of an on-screen keyboard: the node takes each by itself, however fast they come. */
   typeKey(node: string, inputs: { text: number; event: number }, keyName: string): void {
+    const keyboard = this.#keyboardBehind(node, inputs.text);
+    if (keyboard !== null) {
+      const key = { device: Device.keyboard, payload: { is: "key", text: keyName } };
+      this.#connection.send({ op: "event", node: keyboard, event: EventId.keyDown, ...key });
+      this.#connection.send({ op: "process", node: keyboard });
+      this.#connection.send({ op: "process", node });
+      this.#connection.send({ op: "event", node: keyboard, event: EventId.keyUp, ...key });
+      return;
+    }
     this.#connection.send({ op: "set", node, param: inputs.text, string: keyName });
     this.#connection.send({ op: "trigger", node, param: inputs.event });
     this.#connection.send({ op: "process", node });
+  }
+
+  /** The keyboard node that an input is linked to, which alone decides what it holds; null without one. */
+  #keyboardBehind(node: string, input: number): string | null {
+    const link = this.links.peek().find(({ to, input: linked }) => to === node && linked === input);
+    const keyboards = nodesOf(this.nodes.peek(), NodeType.keyboard);
+    return keyboards.find((keyboard) => keyboard.node === link?.from)?.node ?? null;
   }
 
   async addObject(clip: string, name: string): Promise<string | null> {
@@ -143,6 +167,11 @@ export class Host implements ConnectionListener {
 
   async trigger(node: string, param: number): Promise<string | null> {
     return errorOf(await this.#connection.request({ op: "trigger", node, param }));
+  }
+
+  /** While it is on, what nodes send to devices is shown only. */
+  setListenOnly(on: boolean): void {
+    this.#connection.send({ op: "listen_only", on });
   }
 
   clearLog(): void {
@@ -169,12 +198,19 @@ export class Host implements ConnectionListener {
       case "hello":
         this.connection.value = { is: "open", ...push };
         void this.#refresh();
+        void this.#readNetwork();
         break;
       case "scene":
         void this.#refresh();
         break;
       case "happened":
         this.#happened(push);
+        break;
+      case "json":
+        this.jsonVerdicts.value = { ...this.jsonVerdicts.value, ...push.nodes };
+        break;
+      case "network":
+        this.network.value = { state: push, told: Date.now() };
         break;
       case "objects":
         this.objects.value = push.objects;
@@ -208,8 +244,11 @@ export class Host implements ConnectionListener {
     this.keyboard.forget();
   }
 
-  #happened({ posted, log }: Happened): void {
+  #happened({ posted, log, redrawn }: Happened): void {
     const now = Date.now();
+    if (redrawn !== undefined) {
+      void this.#refresh();
+    }
     if (posted !== undefined) {
       batch(() => {
         for (const { node, output } of posted) {
@@ -263,8 +302,18 @@ export class Host implements ConnectionListener {
     this.fired.keepOnly(handles);
     batch(() => {
       this.nodes.value = nodes;
+      this.jsonVerdicts.value = Object.fromEntries(
+        Object.entries(this.jsonVerdicts.value).filter(([node]) => handles.has(node)),
+      );
       this.links.value = scene.links;
     });
+  }
+
+  async #readNetwork(): Promise<void> {
+    const state = await this.#connection.request<NetworkState>({ op: "network" });
+    if (state.ok) {
+      this.network.value = { state, told: Date.now() };
+    }
   }
 
   async #readNode(node: SceneNode): Promise<NodeView | null> {
@@ -279,6 +328,11 @@ export class Host implements ConnectionListener {
         }
       }
     });
+    // Which inputs its panel offers, a node says by its own parameters; the graph's inputs are copies of them.
+    const own = new Map(details.own.flatMap(({ params }) => params).map(({ id, available }) => [id, available]));
+    for (const param of details.inputs.flatMap(({ params }) => params)) {
+      param.available = own.get(param.id) ?? param.available;
+    }
     return { ...node, details };
   }
 }

@@ -24,7 +24,7 @@ const CString* SecondOfTwo(const CString& strText, const wchar_t* pszSeparator, 
 /// Whether the text is no key name, such as Chinese.
 bool HasWideCharacter(const CString& strText) {
     const wchar_t* pBegin = strText.GetString();
-    return std::any_of(pBegin, pBegin + strText.GetLength(), [](wchar_t c) { return c < 0 || c > 255; });
+    return std::any_of(pBegin, pBegin + strText.GetLength(), [](wchar_t c) { return static_cast<unsigned>(c) > 255; });
 }
 
 CString InCase(CString strCharacter, bool bUpper) {

@@ -4,7 +4,8 @@
 
 namespace {
 
-/// The float nearest to 30 degrees (pi / 6), widened.
+/// 30 degrees. A little above pi / 6 and the float nearest to it, so that a deviation that rounds to that float is
+/// below.
 constexpr double MAXIMUM_DEVIATION = 0.5235987912027583;
 
 /// A 32-bit integer whose arithmetic wraps as two's complement does.
