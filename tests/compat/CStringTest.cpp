@@ -83,6 +83,11 @@ TEST(CStringTest, AssignsTextAndNull) {
     EXPECT_EQ(strText, L"new");
     strText = static_cast<const wchar_t*>(nullptr);
     EXPECT_EQ(strText, L"");
+    strText.SetString(L"part", 3);
+    EXPECT_EQ(strText, L"par");
+    strText.SetString(nullptr, 0);
+    EXPECT_EQ(strText, L"");
+    EXPECT_THROWS_FRAMEWORK(strText.SetString(nullptr, 1), CInvalidArgException);
 }
 
 TEST(CStringTest, ConcatenatesAllCombinations) {
@@ -101,6 +106,18 @@ TEST(CStringTest, ConcatenatesAllCombinations) {
     strText.Append(L"zzz", 1);
     EXPECT_EQ(strText, L"left-xyz");
     EXPECT_THROWS_FRAMEWORK(strText.Append(nullptr, 1), CInvalidArgException);
+}
+
+TEST(CStringTest, AppendsIntoPreallocatedRoomWithoutMoving) {
+    const CString strOriginal(L"ab");
+    CString strText(strOriginal);
+    strText.Preallocate(100);
+    EXPECT_EQ(strText, L"ab");
+    const wchar_t* const pszBefore = strText;
+    EXPECT_NE(pszBefore, strOriginal.GetString());
+    strText += CString(L'x', 98);
+    EXPECT_EQ(strText.GetString(), pszBefore);
+    EXPECT_EQ(strText.GetLength(), 100);
 }
 
 TEST(CStringTest, AppendingManyTimesReallocatesSeldom) {

@@ -119,6 +119,9 @@ TEST(CodePageTest, UnpairedSurrogatesBecomeTheReplacementInUtf8) {
     const wchar_t surrogates[] = {L'a', wchar_t(0xD83D), L'b', wchar_t(0xDE00)};
     EXPECT_EQ(Bytes(CP_UTF8, std::wstring(surrogates, 4)), "a\xEF\xBF\xBD"
                                                            "b\xEF\xBF\xBD");
+    SetLastError(0);
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, WC_ERR_INVALID_CHARS, surrogates, 4, nullptr, 0, nullptr, nullptr), 0);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NO_UNICODE_TRANSLATION));
     EXPECT_EQ(Bytes(g_nLatin, std::wstring(surrogates, 4)), "a?b?");
 }
 

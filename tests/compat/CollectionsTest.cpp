@@ -104,8 +104,9 @@ TEST(CArrayTest, AddsAndReads) {
     CArray<CString> array;
     EXPECT_EQ(array.Add(L"zero"), 0);
     EXPECT_EQ(array.Add(L"one"), 1);
+    array.SetAt(0, L"null");
     array[1] += L"!";
-    EXPECT_EQ(array.GetAt(0), L"zero");
+    EXPECT_EQ(array.GetAt(0), L"null");
     EXPECT_EQ(array[1], L"one!");
     EXPECT_EQ(array.GetSize(), 2);
     EXPECT_EQ(array.GetUpperBound(), 1);
@@ -154,6 +155,7 @@ TEST(CArrayTest, WrongIndicesAndSizesAreRefused) {
     EXPECT_THROWS_FRAMEWORK(array[-1], CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(constant[2], CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(array.GetAt(2), CInvalidArgException);
+    EXPECT_THROWS_FRAMEWORK(array.SetAt(2, 0), CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(array.SetSize(-1), CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(array.SetSize(std::numeric_limits<INT_PTR>::max()), CInvalidArgException);
     ExpectElements(array, {1, 2});
@@ -197,15 +199,17 @@ TEST(CStringArrayTest, HoldsAndCopiesStrings) {
     EXPECT_EQ(copy[1], L"b");
 }
 
-TEST(CListTest, AddsAtTheTailAndTakesFromTheHead) {
+TEST(CListTest, AddsAtBothEndsAndTakesFromTheHead) {
     CList<int> list;
     EXPECT_TRUE(list.IsEmpty());
     EXPECT_EQ(list.GetHeadPosition(), nullptr);
     list.AddTail(1);
     list.AddTail(2);
-    EXPECT_EQ(list.GetCount(), 2);
-    EXPECT_EQ(list.GetHead(), 1);
+    list.AddHead(0);
+    EXPECT_EQ(list.GetCount(), 3);
+    EXPECT_EQ(list.GetHead(), 0);
     EXPECT_EQ(list.GetTail(), 2);
+    EXPECT_EQ(list.RemoveHead(), 0);
     EXPECT_EQ(list.RemoveHead(), 1);
     EXPECT_EQ(list.GetHead(), 2);
     EXPECT_EQ(list.RemoveHead(), 2);

@@ -23,6 +23,10 @@ TEST(HooksTest, TheAnsiCodePageCanBeSet) {
     EXPECT_FALSE(CompatSetAnsiCodePage(12345));
     EXPECT_FALSE(CompatSetAnsiCodePage(CP_ACP));
     EXPECT_EQ(GetACP(), 936u);
+    ASSERT_TRUE(CompatSetAnsiCodePage(54936)); // has all of Unicode
+    EXPECT_EQ(WideCharToMultiByte(CP_ACP, 0, L"\U0001F600", 1, bytes, 10, nullptr, nullptr), 4);
+    EXPECT_EQ(std::string(bytes, 4), "\x94\x39\xFC\x36");
+    EXPECT_EQ(WideCharToMultiByte(CP_ACP, WC_COMPOSITECHECK, L"a", 1, bytes, 10, nullptr, nullptr), 0);
     ASSERT_TRUE(CompatSetAnsiCodePage(1252));
 }
 

@@ -97,7 +97,7 @@ CString::CString(CString&& strOther) noexcept : m_pszData(std::exchange(strOther
 CString::CString(const wchar_t* pszText) : CString(pszText, TextLength(pszText)) {}
 
 CString::CString(const wchar_t* pchText, int nLength) : CString() {
-    Append(pchText, nLength);
+    SetString(pchText, nLength);
 }
 
 CString::CString(wchar_t chRepeated, int nCount) : CString() {
@@ -126,7 +126,7 @@ CString& CString::operator=(CString&& strOther) noexcept {
 }
 
 CString& CString::operator=(const wchar_t* pszText) {
-    ReplaceRange(0, GetLength(), pszText, TextLength(pszText));
+    SetString(pszText, TextLength(pszText));
     return *this;
 }
 
@@ -218,11 +218,20 @@ void CString::ReleaseBuffer(int nNewLength) {
     ReplaceRange(nNewLength, GetLength() - nNewLength, nullptr, 0);
 }
 
+void CString::Preallocate(int nLength) {
+    MakeWritable(std::max(nLength, GetLength()));
+}
+
 // ---- Characters and parts -------------------------------------------------------------------------------------------
 
 wchar_t CString::GetAt(int nIndex) const {
     ENSURE(nIndex >= 0 && nIndex <= GetLength());
     return m_pszData[nIndex];
+}
+
+void CString::SetString(const wchar_t* pchText, int nLength) {
+    ENSURE(nLength >= 0 && (pchText != nullptr || nLength == 0));
+    ReplaceRange(0, GetLength(), pchText, nLength);
 }
 
 void CString::Append(const wchar_t* pszText) {
@@ -312,7 +321,7 @@ void CString::Format(const wchar_t* pszFormat, ...) {
 
 void CString::FormatV(const wchar_t* pszFormat, va_list args) {
     const std::wstring strText = FormatText(pszFormat, args);
-    *this = CString(strText.data(), static_cast<int>(strText.size()));
+    SetString(strText.data(), static_cast<int>(strText.size()));
 }
 
 void CString::AppendFormat(const wchar_t* pszFormat, ...) {

@@ -56,6 +56,7 @@ public:
     wchar_t GetAt(int nIndex) const;
     wchar_t operator[](int nIndex) const { return GetAt(nIndex); }
 
+    void SetString(const wchar_t* pchText, int nLength);
     void Append(const wchar_t* pszText);
     void Append(const wchar_t* pchText, int nLength);
 
@@ -88,6 +89,8 @@ public:
     // Own, writable characters of the given number; ReleaseBuffer then sets the length, which must not be larger.
     wchar_t* GetBufferSetLength(int nLength);
     void ReleaseBuffer(int nNewLength);
+    // Makes room for so many characters, so that what is appended up to there moves nothing.
+    void Preallocate(int nLength);
 
     // The other comparisons for equality follow from these.
     friend bool operator==(const CString& strLeft, const CString& strRight) { return strLeft.Compare(strRight) == 0; }

@@ -48,6 +48,7 @@ public:
     void RemoveAll() { SetSize(0); }
 
     const TYPE& GetAt(INT_PTR nIndex) const { return m_pData[Checked(nIndex)]; }
+    void SetAt(INT_PTR nIndex, ARG_TYPE newElement) { m_pData[Checked(nIndex)] = newElement; }
     const TYPE& operator[](INT_PTR nIndex) const { return m_pData[Checked(nIndex)]; }
     TYPE& operator[](INT_PTR nIndex) { return m_pData[Checked(nIndex)]; }
 
@@ -155,6 +156,7 @@ public:
         return element;
     }
 
+    POSITION AddHead(ARG_TYPE newElement) { return Link(newElement, nullptr, m_pNodeHead); }
     POSITION AddTail(ARG_TYPE newElement) { return Link(newElement, m_pNodeTail, nullptr); }
     // The source must be another list.
     void AddTail(CList* pNewList) {
@@ -187,7 +189,7 @@ public:
     // With a null position: before the head, or after the tail.
     POSITION InsertBefore(POSITION position, ARG_TYPE newElement) {
         if (position == nullptr)
-            return Link(newElement, nullptr, m_pNodeHead);
+            return AddHead(newElement);
         CNode* pNode = NodeOf(position);
         return Link(newElement, pNode->pPrev, pNode);
     }

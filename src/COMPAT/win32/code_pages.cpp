@@ -24,8 +24,10 @@ namespace {
 constexpr wchar_t g_chReplacement = 0xFFFD;
 std::atomic<unsigned> g_nAnsiCodePage = 1252;
 
+constexpr unsigned g_nGb18030 = 54936;
+
 std::string IconvName(unsigned nCodePage) {
-    return nCodePage == 936 ? "GBK" : "CP" + std::to_string(nCodePage);
+    return nCodePage == 936 ? "GBK" : nCodePage == g_nGb18030 ? "GB18030" : "CP" + std::to_string(nCodePage);
 }
 
 struct SIconvCloser {
@@ -250,7 +252,8 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
     if (pszWide == nullptr || nWideLength == 0 || nBytes < 0 || (pszBytes == nullptr && nBytes != 0))
         return FailConversion(ERROR_INVALID_PARAMETER);
     nCodePage = ResolveCodePage(nCodePage);
-    const DWORD nKnownFlags = nCodePage == CP_UTF8 ? 0 : WC_COMPOSITECHECK | WC_NO_BEST_FIT_CHARS;
+    const bool bWholeUnicode = nCodePage == CP_UTF8 || nCodePage == g_nGb18030;
+    const DWORD nKnownFlags = bWholeUnicode ? WC_ERR_INVALID_CHARS : WC_COMPOSITECHECK | WC_NO_BEST_FIT_CHARS;
     if ((nFlags & ~nKnownFlags) != 0)
         return FailConversion(ERROR_INVALID_FLAGS);
     const std::wstring_view strWide(pszWide,
@@ -262,6 +265,8 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
             return FailConversion(ERROR_INVALID_PARAMETER);
         for (const wchar_t ch : strWide) {
             const bool bValid = IsCharacter(static_cast<std::uint32_t>(ch));
+            if (!bValid && (nFlags & WC_ERR_INVALID_CHARS) != 0)
+                return FailConversion(ERROR_NO_UNICODE_TRANSLATION);
             AppendUtf8(output, static_cast<std::uint32_t>(bValid ? ch : g_chReplacement));
         }
     } else {

@@ -229,6 +229,7 @@ COMPAT_API UINT WINAPI GetPrivateProfileIntW(LPCWSTR pszSection, LPCWSTR pszKey,
 #define CP_ACP 0
 #define CP_UTF8 65001
 #define MB_ERR_INVALID_CHARS 0x00000008
+#define WC_ERR_INVALID_CHARS 0x00000080
 #define WC_COMPOSITECHECK 0x00000200
 #define WC_NO_BEST_FIT_CHARS 0x00000400
 
@@ -238,7 +239,8 @@ COMPAT_API UINT WINAPI GetACP();
 // Wide text to bytes. nWideLength -1: up to and including the zero. nBytes 0 asks for the length needed. Returns the
 // bytes written or needed, 0 on failure: ERROR_INSUFFICIENT_BUFFER (nothing useful in the buffer),
 // ERROR_INVALID_PARAMETER (null or empty source, unknown code page, for UTF-8 also a default character),
-// ERROR_INVALID_FLAGS.
+// ERROR_INVALID_FLAGS, ERROR_NO_UNICODE_TRANSLATION (with WC_ERR_INVALID_CHARS, which the code pages that have all of
+// Unicode take; the other flags are for the others).
 // A character that the code page does not have becomes the default character ('?' when null), and *pbUsedDefault TRUE.
 // Look-alikes (those that WC_NO_BEST_FIT_CHARS excludes) are known for code page 1252 only, and the private-use
 // characters of code page 936 are not mapped. Values that are no characters (surrogates, above 0x10FFFF) become U+FFFD
