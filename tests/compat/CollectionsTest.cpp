@@ -100,31 +100,16 @@ TEST(CArrayTest, SizeZeroFreesTheStorageAndKeepsGrowBy) {
     EXPECT_EQ(array.GetUpperBound(), -1);
 }
 
-TEST(CArrayTest, FreeExtraGivesBackUnusedStorage) {
-    CArray<int> array;
-    array.SetSize(3, 50);
-    array[2] = 9;
-    array.FreeExtra();
-    EXPECT_EQ(LayoutOf(array).nMaxSize, 3);
-    EXPECT_EQ(array[2], 9);
-    array.RemoveAt(0, 3);
-    array.FreeExtra();
-    EXPECT_EQ(array.GetData(), nullptr);
-}
-
-TEST(CArrayTest, AddsSetsAndReads) {
+TEST(CArrayTest, AddsAndReads) {
     CArray<CString> array;
     EXPECT_EQ(array.Add(L"zero"), 0);
     EXPECT_EQ(array.Add(L"one"), 1);
     array.SetAt(0, L"null");
-    array.ElementAt(1) += L"!";
+    array[1] += L"!";
     EXPECT_EQ(array.GetAt(0), L"null");
     EXPECT_EQ(array[1], L"one!");
-    EXPECT_EQ(array.GetCount(), 2);
-    array.SetAtGrow(4, L"four");
-    EXPECT_EQ(array.GetSize(), 5);
-    EXPECT_EQ(array[3], L"");
-    EXPECT_EQ(array[4], L"four");
+    EXPECT_EQ(array.GetSize(), 2);
+    EXPECT_EQ(array.GetUpperBound(), 1);
 }
 
 TEST(CArrayTest, AddsAnElementOfItself) {
@@ -133,26 +118,6 @@ TEST(CArrayTest, AddsAnElementOfItself) {
     for (int nRound = 0; nRound < 20; nRound++)
         array.Add(array[0]);
     EXPECT_EQ(array[20], array[0]);
-    array.InsertAt(0, array[20], 50);
-    EXPECT_EQ(array[49], L"long enough to live in a buffer of its own");
-    EXPECT_EQ(array.GetSize(), 71);
-}
-
-TEST(CArrayTest, InsertsInsideAtTheEndAndPastIt) {
-    CArray<int> array;
-    Filled(array, {1, 2, 3});
-    array.InsertAt(1, 9, 2);
-    ExpectElements(array, {1, 9, 9, 2, 3});
-    array.InsertAt(5, 4);
-    array.InsertAt(8, 5);
-    ExpectElements(array, {1, 9, 9, 2, 3, 4, 0, 0, 5});
-
-    CArray<int> other;
-    Filled(other, {7, 8});
-    array.InsertAt(0, &other);
-    ExpectElements(array, {7, 8, 1, 9, 9, 2, 3, 4, 0, 0, 5});
-    EXPECT_THROWS_FRAMEWORK(array.InsertAt(0, 1, 0), CInvalidArgException);
-    EXPECT_THROWS_FRAMEWORK(array.InsertAt(-1, 1), CInvalidArgException);
 }
 
 TEST(CArrayTest, RemovesRanges) {
@@ -170,18 +135,15 @@ TEST(CArrayTest, RemovesRanges) {
     ExpectElements(array, {0, 3});
 }
 
-TEST(CArrayTest, CopiesAndAppends) {
+TEST(CArrayTest, Copies) {
     CArray<int> source;
     Filled(source, {1, 2});
     CArray<int> array;
     Filled(array, {9, 9, 9});
     array.Copy(source);
     ExpectElements(array, {1, 2});
-    EXPECT_EQ(array.Append(source), 2);
-    ExpectElements(array, {1, 2, 1, 2});
     array.Copy(array);
-    ExpectElements(array, {1, 2, 1, 2});
-    EXPECT_THROWS_FRAMEWORK(array.Append(array), CInvalidArgException);
+    ExpectElements(array, {1, 2});
 }
 
 TEST(CArrayTest, WrongIndicesAndSizesAreRefused) {
@@ -193,12 +155,9 @@ TEST(CArrayTest, WrongIndicesAndSizesAreRefused) {
     EXPECT_THROWS_FRAMEWORK(array[-1], CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(constant[2], CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(array.GetAt(2), CInvalidArgException);
-    EXPECT_THROWS_FRAMEWORK(array.ElementAt(-1), CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(array.SetAt(2, 0), CInvalidArgException);
-    EXPECT_THROWS_FRAMEWORK(array.SetAtGrow(-1, 0), CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(array.SetSize(-1), CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(array.SetSize(std::numeric_limits<INT_PTR>::max()), CInvalidArgException);
-    EXPECT_THROWS_FRAMEWORK(array.SetAtGrow(std::numeric_limits<INT_PTR>::max(), 0), CInvalidArgException);
     ExpectElements(array, {1, 2});
 }
 
@@ -211,8 +170,6 @@ TEST(CArrayTest, DestroysEveryElementOnce) {
         EXPECT_EQ(SCounted::s_nAlive, 30);
         array.RemoveAt(5, 10);
         EXPECT_EQ(SCounted::s_nAlive, 20);
-        array.InsertAt(0, SCounted(1), 3);
-        EXPECT_EQ(SCounted::s_nAlive, 23);
         array.SetSize(2);
         EXPECT_EQ(SCounted::s_nAlive, 2);
     }
@@ -221,51 +178,46 @@ TEST(CArrayTest, DestroysEveryElementOnce) {
 
 TEST(CArrayTest, HoldsPoints) {
     CArray<CPoint> pixels;
+    pixels.SetSize(1);
     pixels.Add(CPoint(3, 4));
-    EXPECT_EQ(pixels[0], CPoint(3, 4));
-    EXPECT_EQ(pixels[0] - CPoint(1, 1), CSize(2, 3));
+    EXPECT_TRUE(pixels[0].x == 0 && pixels[0].y == 0);
+    EXPECT_TRUE(pixels[1].x == 3 && pixels[1].y == 4);
     CArray<Gdiplus::PointF> relative;
+    relative.SetSize(1);
     relative.Add(Gdiplus::PointF(0.5f, 0.25f));
-    EXPECT_TRUE(relative[0].Equals(Gdiplus::PointF(0.5f, 0.25f)));
-    EXPECT_FALSE(relative[0].Equals(Gdiplus::PointF(0.5f, 0.5f)));
-    EXPECT_TRUE((relative[0] + Gdiplus::PointF(1.0f, 1.0f)).Equals(Gdiplus::PointF(1.5f, 1.25f)));
-    EXPECT_TRUE((relative[0] - relative[0]).Equals(Gdiplus::PointF()));
+    EXPECT_TRUE(relative[0].X == 0.0f && relative[0].Y == 0.0f);
+    EXPECT_TRUE(relative[1].X == 0.5f && relative[1].Y == 0.25f);
 }
 
-TEST(CStringArrayTest, CopiesAppendAndKnowTheirClass) {
+TEST(CStringArrayTest, HoldsAndCopiesStrings) {
     CStringArray array;
     array.Add(L"a");
     array.Add(CString(L"b"));
     CStringArray copy;
     copy.Copy(array);
-    EXPECT_EQ(copy.Append(array), 2);
-    EXPECT_EQ(copy.GetSize(), 4);
-    EXPECT_EQ(copy[3], L"b");
-    EXPECT_TRUE(array.IsKindOf(RUNTIME_CLASS(CStringArray)));
-    EXPECT_FALSE(array.IsKindOf(RUNTIME_CLASS(CUIntArray)));
-    CUIntArray numbers;
-    numbers.Add(7);
-    EXPECT_EQ(numbers[0], 7u);
+    EXPECT_EQ(copy.GetSize(), 2);
+    EXPECT_EQ(copy[1], L"b");
 }
 
-TEST(CListTest, AddsAndTakesAtBothEnds) {
+TEST(CListTest, AddsAtBothEndsAndTakesFromTheHead) {
     CList<int> list;
+    EXPECT_TRUE(list.IsEmpty());
+    EXPECT_EQ(list.GetHeadPosition(), nullptr);
+    list.AddTail(1);
     list.AddTail(2);
-    list.AddTail(3);
-    list.AddHead(1);
+    list.AddHead(0);
     EXPECT_EQ(list.GetCount(), 3);
-    EXPECT_EQ(list.GetHead(), 1);
-    EXPECT_EQ(list.GetTail(), 3);
+    EXPECT_EQ(list.GetHead(), 0);
+    EXPECT_EQ(list.GetTail(), 2);
+    EXPECT_EQ(list.RemoveHead(), 0);
     EXPECT_EQ(list.RemoveHead(), 1);
-    EXPECT_EQ(list.RemoveTail(), 3);
     EXPECT_EQ(list.GetHead(), 2);
     EXPECT_EQ(list.RemoveHead(), 2);
     EXPECT_TRUE(list.IsEmpty());
     EXPECT_EQ(list.GetHeadPosition(), nullptr);
-    EXPECT_EQ(list.GetTailPosition(), nullptr);
 }
 
-TEST(CListTest, WalksInBothDirections) {
+TEST(CListTest, WalksFromTheHead) {
     CList<int> list;
     for (int nValue = 0; nValue < 5; nValue++)
         list.AddTail(nValue);
@@ -273,10 +225,14 @@ TEST(CListTest, WalksInBothDirections) {
     for (POSITION position = list.GetHeadPosition(); position != nullptr;)
         EXPECT_EQ(list.GetNext(position), nExpected++);
     EXPECT_EQ(nExpected, 5);
+
     const CList<int>& constant = list;
-    for (POSITION position = constant.GetTailPosition(); position != nullptr;)
-        EXPECT_EQ(constant.GetPrev(position), --nExpected);
-    EXPECT_EQ(nExpected, 0);
+    EXPECT_EQ(constant.GetHead(), 0);
+    EXPECT_EQ(constant.GetTail(), 4);
+    POSITION position = constant.GetHeadPosition();
+    EXPECT_EQ(constant.GetAt(position), 0);
+    EXPECT_EQ(constant.GetNext(position), 0);
+    EXPECT_EQ(constant.GetAt(position), 1);
 }
 
 TEST(CListTest, InsertsFindsAndRemovesAtPositions) {
@@ -291,17 +247,14 @@ TEST(CListTest, InsertsFindsAndRemovesAtPositions) {
         EXPECT_EQ(list.GetAt(list.FindIndex(nIndex)), expected[nIndex]);
     EXPECT_EQ(list.FindIndex(5), nullptr);
     EXPECT_EQ(list.Find(L"b"), middle);
-    EXPECT_EQ(list.Find(L"b", middle), nullptr);
     EXPECT_EQ(list.Find(L"x"), nullptr);
 
-    list.SetAt(middle, L"B");
-    EXPECT_EQ(list.GetAt(middle), L"B");
     list.RemoveAt(middle);
     list.RemoveAt(list.GetHeadPosition());
-    list.RemoveAt(list.GetTailPosition());
+    list.RemoveAt(list.Find(L"last"));
     EXPECT_EQ(list.GetHead(), L"a");
     EXPECT_EQ(list.GetTail(), L"c");
-    EXPECT_EQ(list.GetSize(), 2);
+    EXPECT_EQ(list.GetCount(), 2);
 }
 
 TEST(CListTest, TakesOverTheElementsOfAnotherList) {
@@ -310,12 +263,13 @@ TEST(CListTest, TakesOverTheElementsOfAnotherList) {
     source.AddTail(2);
     CList<int> list;
     list.AddTail(9);
-    list.AddHead(&source);
     list.AddTail(&source);
-    const int expected[] = {1, 2, 9, 1, 2};
-    for (INT_PTR nIndex = 0; nIndex < 5; nIndex++)
+    const int expected[] = {9, 1, 2};
+    ASSERT_EQ(list.GetCount(), 3);
+    for (INT_PTR nIndex = 0; nIndex < 3; nIndex++)
         EXPECT_EQ(list.GetAt(list.FindIndex(nIndex)), expected[nIndex]);
     EXPECT_EQ(source.GetCount(), 2);
+    EXPECT_THROWS_FRAMEWORK(list.AddTail(&list), CInvalidArgException);
 }
 
 TEST(CListTest, EmptyListsAndNullPositionsAreRefused) {
@@ -324,12 +278,9 @@ TEST(CListTest, EmptyListsAndNullPositionsAreRefused) {
     EXPECT_THROWS_FRAMEWORK(list.GetHead(), CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(list.GetTail(), CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(list.RemoveHead(), CInvalidArgException);
-    EXPECT_THROWS_FRAMEWORK(list.RemoveTail(), CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(list.GetAt(nullptr), CInvalidArgException);
-    EXPECT_THROWS_FRAMEWORK(list.SetAt(nullptr, 1), CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(list.RemoveAt(nullptr), CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(list.GetNext(position), CInvalidArgException);
-    EXPECT_THROWS_FRAMEWORK(list.GetPrev(position), CInvalidArgException);
     EXPECT_THROWS_FRAMEWORK(list.FindIndex(-1), CInvalidArgException);
 }
 
@@ -346,15 +297,4 @@ TEST(CListTest, FreesEveryElement) {
         list.AddTail(SCounted(1));
     }
     EXPECT_EQ(SCounted::s_nAlive, 0);
-}
-
-TEST(CRectTest, RightAndBottomEdgeLieOutside) {
-    const CRect rect(1, 2, 4, 6);
-    EXPECT_EQ(rect.Size(), CSize(3, 4));
-    EXPECT_TRUE(rect.PtInRect(CPoint(1, 2)));
-    EXPECT_FALSE(rect.PtInRect(CPoint(4, 5)));
-    EXPECT_FALSE(rect.PtInRect(CPoint(3, 6)));
-    EXPECT_TRUE(CRect().IsRectEmpty());
-    EXPECT_EQ(rect, CRect(CPoint(1, 2), CSize(3, 4)));
-    EXPECT_EQ(rect.CenterPoint(), CPoint(2, 4));
 }

@@ -173,17 +173,12 @@ public:
     void LookInto(std::filesystem::path file) {
         const std::wstring strFile = file.make_preferred().wstring();
         for (const SProfileLookup& lookup : PROFILE_LOOKUPS) {
-            wchar_t szText[64];
             const UINT nValue =
                 GetPrivateProfileIntW(lookup.pszSection, lookup.pszKey, lookup.nDefault, strFile.c_str());
-            const DWORD nLength = GetPrivateProfileStringW(lookup.pszSection, lookup.pszKey, L"none", szText,
-                                                           static_cast<DWORD>(std::size(szText)), strFile.c_str());
             std::printf("  ");
             Print(lookup.pszSection);
             Print(lookup.pszKey);
-            std::printf(" %u %u ", nValue, static_cast<unsigned>(nLength));
-            Print(std::wstring_view(szText));
-            std::putchar('\n');
+            std::printf(" %u\n", nValue);
         }
     }
 
@@ -227,7 +222,7 @@ void PrintProfiles(const std::filesystem::path& folder) {
 void PrintBytes(UINT nCodePage, DWORD nFlags, std::wstring_view text, int nRoom = 64) {
     char bytes[64];
     std::memset(bytes, '#', sizeof(bytes));
-    SetLastError(NO_ERROR);
+    SetLastError(0);
     const int nLength = WideCharToMultiByte(nCodePage, nFlags, text.data(), static_cast<int>(text.size()),
                                             nRoom == 0 ? nullptr : bytes, nRoom, nullptr, nullptr);
     std::printf("bytes %u %X ", nCodePage, static_cast<unsigned>(nFlags));
@@ -268,15 +263,9 @@ void PrintCodePages() {
     for (const UINT nCodePage : {UINT(CP_UTF8), UINT(CP_ACP), CODE_PAGE_LATIN, CODE_PAGE_GBK}) {
         std::vector<DWORD> flags;
         if (nCodePage == CP_UTF8) {
-            flags = {0, WC_ERR_INVALID_CHARS};
+            flags = {0};
         } else {
-            flags = {0,
-                     WC_COMPOSITECHECK,
-                     WC_COMPOSITECHECK | WC_DISCARDNS,
-                     WC_COMPOSITECHECK | WC_SEPCHARS,
-                     WC_COMPOSITECHECK | WC_DEFAULTCHAR,
-                     WC_NO_BEST_FIT_CHARS,
-                     WC_NO_BEST_FIT_CHARS | WC_COMPOSITECHECK};
+            flags = {0, WC_COMPOSITECHECK, WC_NO_BEST_FIT_CHARS, WC_NO_BEST_FIT_CHARS | WC_COMPOSITECHECK};
         }
         if (nCodePage == CODE_PAGE_GBK) {
             for (DWORD& nFlags : flags) {

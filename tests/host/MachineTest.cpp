@@ -46,7 +46,7 @@ TEST_F(Machine, ClockStandsStillOrSaysThatItCannot) {
         Must(R"({"op":"clock","ms":4294967297})");
         EXPECT_EQ(GetTickCount(), 1u);
         EXPECT_EQ(Ask(R"({"op":"clock","ms":null})"), R"({"ok":true})");
-        EXPECT_NE(GetTickCount64(), 123456u);
+        EXPECT_NE(GetTickCount(), 1u);
     } else {
         EXPECT_EQ(reply["error"], "op: the clock of this system can't be set");
     }

@@ -79,12 +79,9 @@ TEST(SessionClose, IconsOfTheCatalogueAreDestroyed) {
     const auto pHost = CHost::Open({folder.Path(), MODULE_FILE, ETextTable::Keys}, strError);
     ASSERT_NE(pHost, nullptr) << strError;
     const HICON hIcon = pHost->Catalogue()[0].hIcon;
-    ICONINFO info = {};
-    ASSERT_TRUE(GetIconInfo(hIcon, &info));
-    DeleteObject(info.hbmMask);
-    DeleteObject(info.hbmColor);
+    ASSERT_NE(hIcon, nullptr);
     pHost->Close();
-    EXPECT_FALSE(GetIconInfo(hIcon, &info));
+    EXPECT_FALSE(DestroyIcon(hIcon));
 }
 
 TEST_F(Session, ReplyCarriesTheId) {

@@ -128,7 +128,9 @@ TEST_F(BroadcastReceiveNode, TheFlagIsReadByEvaluations) {
 
 TEST_F(BroadcastReceiveNode, WithoutTheInputTheFlagStays) {
     CList<VEKParam*>& lstParam = m_scene.m_pNode->m_lstParamGroup.GetHead()->m_lstParam;
-    delete lstParam.RemoveTail();
+    VEKParam* const pFlag = lstParam.GetTail();
+    lstParam.RemoveAt(lstParam.Find(pFlag));
+    delete pFlag;
     EXPECT_EQ(m_scene.Evaluate(), 1);
     EXPECT_EQ(Send(), 1);
 }

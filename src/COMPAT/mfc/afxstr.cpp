@@ -1,13 +1,12 @@
 #include <afx.h>
 
-#include "wide_format.h"
-
 #include <algorithm>
 #include <atomic>
 #include <climits>
 #include <cwchar>
 #include <cwctype>
 #include <functional>
+#include <string>
 #include <utility>
 
 namespace {
@@ -56,10 +55,31 @@ bool IsShared(CStringData* pData) noexcept {
     return std::atomic_ref<long>(pData->nRefs).load(std::memory_order_acquire) != 1;
 }
 
-constexpr const wchar_t* g_pszWhiteSpace = L" \t\n\v\f\r\x85\xA0\x3000";
-
-bool Contains(const wchar_t* pszCharacters, wchar_t ch) {
-    return pszCharacters != nullptr && ch != 0 && std::wcschr(pszCharacters, ch) != nullptr;
+std::wstring FormatText(const wchar_t* pszFormat, va_list args) {
+    ENSURE(pszFormat != nullptr);
+    std::wstring strResult;
+    for (const wchar_t* pch = pszFormat; *pch != 0; pch++) {
+        if (*pch != L'%') {
+            strResult += *pch;
+            continue;
+        }
+        switch (*++pch) {
+        case L's': {
+            const wchar_t* pszText = va_arg(args, const wchar_t*);
+            strResult += pszText != nullptr ? pszText : L"(null)";
+            break;
+        }
+        case L'd':
+            strResult += std::to_wstring(va_arg(args, int));
+            break;
+        case L'%':
+            strResult += L'%';
+            break;
+        default: // what it would take from the arguments is unknown
+            AfxThrowInvalidArgException();
+        }
+    }
+    return strResult;
 }
 
 } // namespace
@@ -74,9 +94,7 @@ CString::CString(const CString& strOther) noexcept : m_pszData(strOther.m_pszDat
 
 CString::CString(CString&& strOther) noexcept : m_pszData(std::exchange(strOther.m_pszData, EmptyText())) {}
 
-CString::CString(const wchar_t* pszText) : CString() {
-    SetString(pszText);
-}
+CString::CString(const wchar_t* pszText) : CString(pszText, TextLength(pszText)) {}
 
 CString::CString(const wchar_t* pchText, int nLength) : CString() {
     SetString(pchText, nLength);
@@ -108,17 +126,15 @@ CString& CString::operator=(CString&& strOther) noexcept {
 }
 
 CString& CString::operator=(const wchar_t* pszText) {
-    SetString(pszText);
-    return *this;
-}
-
-CString& CString::operator=(wchar_t ch) {
-    SetString(&ch, 1);
+    SetString(pszText, TextLength(pszText));
     return *this;
 }
 
 CString& CString::operator+=(const CString& strText) {
-    Append(strText);
+    if (IsEmpty())
+        *this = strText;
+    else
+        Append(strText.m_pszData, strText.GetLength());
     return *this;
 }
 
@@ -128,7 +144,7 @@ CString& CString::operator+=(const wchar_t* pszText) {
 }
 
 CString& CString::operator+=(wchar_t ch) {
-    AppendChar(ch);
+    Append(&ch, 1);
     return *this;
 }
 
@@ -139,7 +155,7 @@ void CString::Empty() noexcept {
 
 // ---- The buffer -----------------------------------------------------------------------------------------------------
 
-// Makes the buffer this string's own, with room for nMinLength characters; contents and length stay (cut to the room).
+// Makes the buffer this string's own, with room for nMinLength characters; contents and length stay.
 void CString::MakeWritable(int nMinLength) {
     if (nMinLength < 0)
         AfxThrowInvalidArgException();
@@ -191,16 +207,6 @@ void CString::ReplaceRange(int nFirst, int nRemoved, const wchar_t* pchInserted,
     SetLength(nNewLength);
 }
 
-wchar_t* CString::GetBuffer() {
-    MakeWritable(GetLength());
-    return m_pszData;
-}
-
-wchar_t* CString::GetBuffer(int nMinLength) {
-    MakeWritable(std::max(nMinLength, GetLength()));
-    return m_pszData;
-}
-
 wchar_t* CString::GetBufferSetLength(int nLength) {
     MakeWritable(nLength);
     SetLength(nLength);
@@ -208,30 +214,12 @@ wchar_t* CString::GetBufferSetLength(int nLength) {
 }
 
 void CString::ReleaseBuffer(int nNewLength) {
-    const int nRoom = GetData()->nAllocLength;
-    if (nNewLength == -1)
-        nNewLength = static_cast<int>(std::find(m_pszData, m_pszData + nRoom, L'\0') - m_pszData);
-    ENSURE(nNewLength >= 0 && nNewLength <= nRoom);
-    if (m_pszData != EmptyText())
-        SetLength(nNewLength);
+    ENSURE(nNewLength >= 0 && nNewLength <= GetLength());
+    ReplaceRange(nNewLength, GetLength() - nNewLength, nullptr, 0);
 }
 
 void CString::Preallocate(int nLength) {
     MakeWritable(std::max(nLength, GetLength()));
-}
-
-void CString::FreeExtra() {
-    CStringData* pOldData = GetData();
-    if (pOldData->nAllocLength == pOldData->nDataLength)
-        return;
-    CString strExact;
-    if (!IsEmpty()) {
-        CStringData* pNewData = AllocateBuffer(pOldData->nDataLength);
-        std::wmemcpy(pNewData->data(), m_pszData, static_cast<std::size_t>(pOldData->nDataLength) + 1);
-        pNewData->nDataLength = pOldData->nDataLength;
-        strExact.m_pszData = pNewData->data();
-    }
-    *this = std::move(strExact);
 }
 
 // ---- Characters and parts -------------------------------------------------------------------------------------------
@@ -241,26 +229,9 @@ wchar_t CString::GetAt(int nIndex) const {
     return m_pszData[nIndex];
 }
 
-void CString::SetAt(int nIndex, wchar_t ch) {
-    ENSURE(nIndex >= 0 && nIndex < GetLength());
-    MakeWritable(GetLength());
-    m_pszData[nIndex] = ch;
-}
-
-void CString::SetString(const wchar_t* pszText) {
-    SetString(pszText, TextLength(pszText));
-}
-
 void CString::SetString(const wchar_t* pchText, int nLength) {
     ENSURE(nLength >= 0 && (pchText != nullptr || nLength == 0));
     ReplaceRange(0, GetLength(), pchText, nLength);
-}
-
-void CString::Append(const CString& strText) {
-    if (IsEmpty())
-        *this = strText;
-    else
-        ReplaceRange(GetLength(), 0, strText.m_pszData, strText.GetLength());
 }
 
 void CString::Append(const wchar_t* pszText) {
@@ -270,10 +241,6 @@ void CString::Append(const wchar_t* pszText) {
 void CString::Append(const wchar_t* pchText, int nLength) {
     ENSURE(nLength >= 0 && (pchText != nullptr || nLength == 0));
     ReplaceRange(GetLength(), 0, pchText, nLength);
-}
-
-void CString::AppendChar(wchar_t ch) {
-    Append(&ch, 1);
 }
 
 CString CString::Left(int nCount) const {
@@ -312,27 +279,8 @@ int CString::Find(const wchar_t* pszText, int nStart) const noexcept {
     return pszFound == nullptr ? -1 : static_cast<int>(pszFound - m_pszData);
 }
 
-int CString::FindOneOf(const wchar_t* pszCharacters) const noexcept {
-    if (pszCharacters == nullptr)
-        return -1;
-    const wchar_t* pchFound = std::wcspbrk(m_pszData, pszCharacters);
-    return pchFound == nullptr ? -1 : static_cast<int>(pchFound - m_pszData);
-}
-
-int CString::ReverseFind(wchar_t ch) const noexcept {
-    for (int nIndex = GetLength() - 1; nIndex >= 0; nIndex--) {
-        if (m_pszData[nIndex] == ch)
-            return nIndex;
-    }
-    return -1;
-}
-
 int CString::Compare(const wchar_t* pszText) const noexcept {
     return std::wcscmp(m_pszData, pszText == nullptr ? L"" : pszText);
-}
-
-int CString::CompareNoCase(const wchar_t* pszText) const noexcept {
-    return _wcsicmp(m_pszData, pszText == nullptr ? L"" : pszText);
 }
 
 // ---- Changes --------------------------------------------------------------------------------------------------------
@@ -355,131 +303,11 @@ CString& CString::MakeLower() {
     return *this;
 }
 
-CString& CString::MakeReverse() {
-    if (!IsEmpty()) {
-        MakeWritable(GetLength());
-        std::reverse(m_pszData, m_pszData + GetLength());
-    }
-    return *this;
-}
-
-int CString::Replace(wchar_t chOld, wchar_t chNew) {
-    const int nFound = static_cast<int>(std::count(m_pszData, m_pszData + GetLength(), chOld));
-    if (nFound == 0 || chOld == chNew)
-        return 0;
-    MakeWritable(GetLength());
-    std::replace(m_pszData, m_pszData + GetLength(), chOld, chNew);
-    return nFound;
-}
-
-int CString::Replace(const wchar_t* pszOld, const wchar_t* pszNew) {
-    const int nOldLength = TextLength(pszOld);
-    if (nOldLength == 0)
-        return 0;
-    CString strResult;
-    int nReplaced = 0;
-    int nDone = 0;
-    for (int nFound = Find(pszOld, 0); nFound != -1; nFound = Find(pszOld, nDone)) {
-        strResult.Append(m_pszData + nDone, nFound - nDone);
-        strResult.Append(pszNew);
-        nDone = nFound + nOldLength;
-        nReplaced++;
-    }
-    if (nReplaced > 0) {
-        strResult.Append(m_pszData + nDone, GetLength() - nDone);
-        *this = std::move(strResult);
-    }
-    return nReplaced;
-}
-
-int CString::Remove(wchar_t ch) {
-    const int nOldLength = GetLength();
-    if (Find(ch) == -1)
-        return 0;
-    MakeWritable(nOldLength);
-    const int nNewLength = static_cast<int>(std::remove(m_pszData, m_pszData + nOldLength, ch) - m_pszData);
-    SetLength(nNewLength);
-    return nOldLength - nNewLength;
-}
-
-int CString::Insert(int nIndex, wchar_t ch) {
-    ReplaceRange(std::clamp(nIndex, 0, GetLength()), 0, &ch, 1);
-    return GetLength();
-}
-
-int CString::Insert(int nIndex, const wchar_t* pszText) {
-    if (const int nLength = TextLength(pszText); nLength > 0)
-        ReplaceRange(std::clamp(nIndex, 0, GetLength()), 0, pszText, nLength);
-    return GetLength();
-}
-
 int CString::Delete(int nIndex, int nCount) {
     nIndex = std::max(nIndex, 0);
     if (nCount > 0 && nIndex < GetLength())
         ReplaceRange(nIndex, std::min(nCount, GetLength() - nIndex), nullptr, 0);
     return GetLength();
-}
-
-CString& CString::Trim() {
-    return TrimRight().TrimLeft();
-}
-
-CString& CString::Trim(wchar_t ch) {
-    return TrimRight(ch).TrimLeft(ch);
-}
-
-CString& CString::Trim(const wchar_t* pszCharacters) {
-    return TrimRight(pszCharacters).TrimLeft(pszCharacters);
-}
-
-CString& CString::TrimLeft() {
-    return TrimLeft(g_pszWhiteSpace);
-}
-
-CString& CString::TrimLeft(wchar_t ch) {
-    const wchar_t szCharacters[] = {ch, 0};
-    return TrimLeft(szCharacters);
-}
-
-CString& CString::TrimLeft(const wchar_t* pszCharacters) {
-    int nCount = 0;
-    while (nCount < GetLength() && Contains(pszCharacters, m_pszData[nCount]))
-        nCount++;
-    Delete(0, nCount);
-    return *this;
-}
-
-CString& CString::TrimRight() {
-    return TrimRight(g_pszWhiteSpace);
-}
-
-CString& CString::TrimRight(wchar_t ch) {
-    const wchar_t szCharacters[] = {ch, 0};
-    return TrimRight(szCharacters);
-}
-
-CString& CString::TrimRight(const wchar_t* pszCharacters) {
-    int nLength = GetLength();
-    while (nLength > 0 && Contains(pszCharacters, m_pszData[nLength - 1]))
-        nLength--;
-    Delete(nLength, GetLength() - nLength);
-    return *this;
-}
-
-CString CString::Tokenize(const wchar_t* pszSeparators, int& nStart) const {
-    ENSURE(nStart >= 0);
-    int nFirst = nStart;
-    while (nFirst < GetLength() && Contains(pszSeparators, m_pszData[nFirst]))
-        nFirst++;
-    if (nFirst >= GetLength()) {
-        nStart = -1;
-        return CString();
-    }
-    int nEnd = nFirst;
-    while (nEnd < GetLength() && !Contains(pszSeparators, m_pszData[nEnd]))
-        nEnd++;
-    nStart = nEnd + 1;
-    return Mid(nFirst, nEnd - nFirst);
 }
 
 // ---- Formatting -----------------------------------------------------------------------------------------------------
@@ -492,21 +320,15 @@ void CString::Format(const wchar_t* pszFormat, ...) {
 }
 
 void CString::FormatV(const wchar_t* pszFormat, va_list args) {
-    ENSURE(pszFormat != nullptr);
-    const std::wstring strText = FormatWide(pszFormat, args);
+    const std::wstring strText = FormatText(pszFormat, args);
     SetString(strText.data(), static_cast<int>(strText.size()));
 }
 
 void CString::AppendFormat(const wchar_t* pszFormat, ...) {
     va_list args;
     va_start(args, pszFormat);
-    AppendFormatV(pszFormat, args);
+    const std::wstring strText = FormatText(pszFormat, args);
     va_end(args);
-}
-
-void CString::AppendFormatV(const wchar_t* pszFormat, va_list args) {
-    ENSURE(pszFormat != nullptr);
-    const std::wstring strText = FormatWide(pszFormat, args);
     Append(strText.data(), static_cast<int>(strText.size()));
 }
 
@@ -514,7 +336,7 @@ void CString::AppendFormatV(const wchar_t* pszFormat, va_list args) {
 
 CString operator+(const CString& strLeft, const CString& strRight) {
     CString strResult(strLeft);
-    strResult.Append(strRight);
+    strResult += strRight;
     return strResult;
 }
 
@@ -526,18 +348,6 @@ CString operator+(const CString& strLeft, const wchar_t* pszRight) {
 
 CString operator+(const wchar_t* pszLeft, const CString& strRight) {
     CString strResult(pszLeft);
-    strResult.Append(strRight);
-    return strResult;
-}
-
-CString operator+(const CString& strLeft, wchar_t chRight) {
-    CString strResult(strLeft);
-    strResult.AppendChar(chRight);
-    return strResult;
-}
-
-CString operator+(wchar_t chLeft, const CString& strRight) {
-    CString strResult(chLeft);
-    strResult.Append(strRight);
+    strResult += strRight;
     return strResult;
 }

@@ -6,8 +6,6 @@
 #endif
 #include <windows.h>
 
-#include <tchar.h>
-
 #include <cstdarg>
 
 // What lies in front of the characters of every CString. Strings of one buffer share it; a writer takes a copy first.
@@ -30,10 +28,6 @@ struct CStringData {
 // GetString().
 class COMPAT_API CString {
 public:
-    typedef wchar_t XCHAR;
-    typedef wchar_t* PXSTR;
-    typedef const wchar_t* PCXSTR;
-
     CString() noexcept;
     CString(const CString& strOther) noexcept;
     CString(CString&& strOther) noexcept;
@@ -45,7 +39,6 @@ public:
     CString& operator=(const CString& strOther) noexcept;
     CString& operator=(CString&& strOther) noexcept;
     CString& operator=(const wchar_t* pszText);
-    CString& operator=(wchar_t ch);
 
     CString& operator+=(const CString& strText);
     CString& operator+=(const wchar_t* pszText);
@@ -56,22 +49,16 @@ public:
     const wchar_t* GetString() const noexcept { return m_pszData; }
 
     int GetLength() const noexcept { return GetData()->nDataLength; }
-    int GetAllocLength() const noexcept { return GetData()->nAllocLength; }
     bool IsEmpty() const noexcept { return GetLength() == 0; }
     void Empty() noexcept;
 
     // nIndex == GetLength() reads the terminating zero.
     wchar_t GetAt(int nIndex) const;
     wchar_t operator[](int nIndex) const { return GetAt(nIndex); }
-    // nIndex must lie below GetLength().
-    void SetAt(int nIndex, wchar_t ch);
 
-    void SetString(const wchar_t* pszText);
     void SetString(const wchar_t* pchText, int nLength);
-    void Append(const CString& strText);
     void Append(const wchar_t* pszText);
     void Append(const wchar_t* pchText, int nLength);
-    void AppendChar(wchar_t ch);
 
     // Negative counts and positions are taken as 0, those past the end as the end.
     CString Left(int nCount) const;
@@ -82,78 +69,32 @@ public:
     // Position of the first occurrence at or after nStart, -1 without one.
     int Find(wchar_t ch, int nStart = 0) const noexcept;
     int Find(const wchar_t* pszText, int nStart = 0) const noexcept;
-    int FindOneOf(const wchar_t* pszCharacters) const noexcept;
-    int ReverseFind(wchar_t ch) const noexcept;
 
     // Negative, 0 or positive, by character value.
     int Compare(const wchar_t* pszText) const noexcept;
-    int CompareNoCase(const wchar_t* pszText) const noexcept;
 
     CString& MakeUpper();
     CString& MakeLower();
-    CString& MakeReverse();
 
-    // Number of replacements or of removed characters.
-    int Replace(wchar_t chOld, wchar_t chNew);
-    int Replace(const wchar_t* pszOld, const wchar_t* pszNew);
-    int Remove(wchar_t ch);
-    // New length. Insert takes a negative position as 0 and one past the end as the end; Delete ignores counts that
-    // are not positive.
-    int Insert(int nIndex, wchar_t ch);
-    int Insert(int nIndex, const wchar_t* pszText);
+    // Takes characters out, nothing for a count that is not positive. Returns the new length.
     int Delete(int nIndex, int nCount = 1);
 
-    // Without argument white space is removed, otherwise the given characters.
-    CString& Trim();
-    CString& Trim(wchar_t ch);
-    CString& Trim(const wchar_t* pszCharacters);
-    CString& TrimLeft();
-    CString& TrimLeft(wchar_t ch);
-    CString& TrimLeft(const wchar_t* pszCharacters);
-    CString& TrimRight();
-    CString& TrimRight(wchar_t ch);
-    CString& TrimRight(const wchar_t* pszCharacters);
-
-    // Next piece between separator characters, from nStart on; empty pieces are skipped. nStart is moved behind the
-    // piece, and becomes -1 (with an empty result) when there is none left.
-    CString Tokenize(const wchar_t* pszSeparators, int& nStart) const;
-
-    // printf-like formatting with the Windows meaning on every platform: %s and %c take wide text or characters (%S,
-    // %C, %hs, %hc narrow ones in ASCII), `l` means 32 bits, `ll` and `I64` 64 bits, `I` and `z` pointer size. A null
-    // text prints "(null)". Arguments may point into this string.
+    // printf-like formatting with the Windows meaning on every platform. Of the conversions there are %s (wide text; a
+    // null text prints "(null)"), %d and %%, without flags or widths; any other raises CInvalidArgException. Arguments
+    // may point into this string.
     void Format(const wchar_t* pszFormat, ...);
     void FormatV(const wchar_t* pszFormat, va_list args);
     void AppendFormat(const wchar_t* pszFormat, ...);
-    void AppendFormatV(const wchar_t* pszFormat, va_list args);
 
-    // Own, writable characters, with room for nMinLength and a zero. After writing, ReleaseBuffer sets the length: the
-    // given one, or up to the first zero for -1.
-    wchar_t* GetBuffer();
-    wchar_t* GetBuffer(int nMinLength);
+    // Own, writable characters of the given number; ReleaseBuffer then sets the length, which must not be larger.
     wchar_t* GetBufferSetLength(int nLength);
-    void ReleaseBuffer(int nNewLength = -1);
+    void ReleaseBuffer(int nNewLength);
+    // Makes room for so many characters, so that what is appended up to there moves nothing.
     void Preallocate(int nLength);
-    // Gives back unused room.
-    void FreeExtra();
 
+    // The other comparisons for equality follow from these.
     friend bool operator==(const CString& strLeft, const CString& strRight) { return strLeft.Compare(strRight) == 0; }
     friend bool operator==(const CString& strLeft, const wchar_t* pszRight) { return strLeft.Compare(pszRight) == 0; }
-    friend bool operator==(const wchar_t* pszLeft, const CString& strRight) { return strRight.Compare(pszLeft) == 0; }
-    friend bool operator!=(const CString& strLeft, const CString& strRight) { return strLeft.Compare(strRight) != 0; }
-    friend bool operator!=(const CString& strLeft, const wchar_t* pszRight) { return strLeft.Compare(pszRight) != 0; }
-    friend bool operator!=(const wchar_t* pszLeft, const CString& strRight) { return strRight.Compare(pszLeft) != 0; }
-    friend bool operator<(const CString& strLeft, const CString& strRight) { return strLeft.Compare(strRight) < 0; }
-    friend bool operator<(const CString& strLeft, const wchar_t* pszRight) { return strLeft.Compare(pszRight) < 0; }
-    friend bool operator<(const wchar_t* pszLeft, const CString& strRight) { return strRight.Compare(pszLeft) > 0; }
-    friend bool operator>(const CString& strLeft, const CString& strRight) { return strLeft.Compare(strRight) > 0; }
-    friend bool operator>(const CString& strLeft, const wchar_t* pszRight) { return strLeft.Compare(pszRight) > 0; }
-    friend bool operator>(const wchar_t* pszLeft, const CString& strRight) { return strRight.Compare(pszLeft) < 0; }
-    friend bool operator<=(const CString& strLeft, const CString& strRight) { return strLeft.Compare(strRight) <= 0; }
-    friend bool operator<=(const CString& strLeft, const wchar_t* pszRight) { return strLeft.Compare(pszRight) <= 0; }
-    friend bool operator<=(const wchar_t* pszLeft, const CString& strRight) { return strRight.Compare(pszLeft) >= 0; }
-    friend bool operator>=(const CString& strLeft, const CString& strRight) { return strLeft.Compare(strRight) >= 0; }
-    friend bool operator>=(const CString& strLeft, const wchar_t* pszRight) { return strLeft.Compare(pszRight) >= 0; }
-    friend bool operator>=(const wchar_t* pszLeft, const CString& strRight) { return strRight.Compare(pszLeft) <= 0; }
 
 private:
     CStringData* GetData() const noexcept { return reinterpret_cast<CStringData*>(m_pszData) - 1; }
@@ -168,7 +109,3 @@ private:
 COMPAT_API CString operator+(const CString& strLeft, const CString& strRight);
 COMPAT_API CString operator+(const CString& strLeft, const wchar_t* pszRight);
 COMPAT_API CString operator+(const wchar_t* pszLeft, const CString& strRight);
-COMPAT_API CString operator+(const CString& strLeft, wchar_t chRight);
-COMPAT_API CString operator+(wchar_t chLeft, const CString& strRight);
-
-typedef CString CStringW;

@@ -18,7 +18,6 @@ public:
     ~CArray() override { RemoveAll(); }
 
     INT_PTR GetSize() const { return m_nSize; }
-    INT_PTR GetCount() const { return m_nSize; }
     BOOL IsEmpty() const { return m_nSize == 0; }
     INT_PTR GetUpperBound() const { return m_nSize - 1; }
 
@@ -46,20 +45,10 @@ public:
         m_nSize = nNewSize;
     }
 
-    // Gives back storage that no element uses.
-    void FreeExtra() {
-        if (m_nSize == 0)
-            RemoveAll();
-        else if (m_nSize != m_nMaxSize)
-            Reallocate(m_nSize);
-    }
     void RemoveAll() { SetSize(0); }
 
     const TYPE& GetAt(INT_PTR nIndex) const { return m_pData[Checked(nIndex)]; }
-    TYPE& GetAt(INT_PTR nIndex) { return m_pData[Checked(nIndex)]; }
     void SetAt(INT_PTR nIndex, ARG_TYPE newElement) { m_pData[Checked(nIndex)] = newElement; }
-    const TYPE& ElementAt(INT_PTR nIndex) const { return m_pData[Checked(nIndex)]; }
-    TYPE& ElementAt(INT_PTR nIndex) { return m_pData[Checked(nIndex)]; }
     const TYPE& operator[](INT_PTR nIndex) const { return m_pData[Checked(nIndex)]; }
     TYPE& operator[](INT_PTR nIndex) { return m_pData[Checked(nIndex)]; }
 
@@ -67,52 +56,19 @@ public:
     const TYPE* GetData() const { return m_pData; }
     TYPE* GetData() { return m_pData; }
 
-    // Like SetAt, but an index past the end makes the array long enough first.
-    void SetAtGrow(INT_PTR nIndex, ARG_TYPE newElement) {
-        ENSURE(nIndex >= 0 && nIndex < MaxCount());
-        if (nIndex < m_nSize) {
-            m_pData[nIndex] = newElement;
-            return;
-        }
-        TYPE copyOfElement(newElement); // the argument may lie in this array
-        SetSize(nIndex + 1);
-        m_pData[nIndex] = std::move(copyOfElement);
-    }
     // Index of the new element.
     INT_PTR Add(ARG_TYPE newElement) {
-        const INT_PTR nIndex = m_nSize;
-        SetAtGrow(nIndex, newElement);
-        return nIndex;
-    }
-    // Index of the first appended element. The source must be another array.
-    INT_PTR Append(const CArray& source) {
-        ENSURE(this != &source);
-        const INT_PTR nOldSize = m_nSize;
-        SetSize(m_nSize + source.m_nSize);
-        std::copy(source.m_pData, source.m_pData + source.m_nSize, m_pData + nOldSize);
-        return nOldSize;
+        ENSURE(m_nSize < MaxCount());
+        TYPE copyOfElement(newElement); // the argument may lie in this array
+        SetSize(m_nSize + 1);
+        m_pData[m_nSize - 1] = std::move(copyOfElement);
+        return m_nSize - 1;
     }
     void Copy(const CArray& source) {
         if (this == &source)
             return;
         SetSize(source.m_nSize);
         std::copy(source.m_pData, source.m_pData + source.m_nSize, m_pData);
-    }
-
-    // nIndex may lie past the end: the gap is filled with value-initialised elements.
-    void InsertAt(INT_PTR nIndex, ARG_TYPE newElement, INT_PTR nCount = 1) {
-        ENSURE(nIndex >= 0 && nIndex <= MaxCount() && nCount > 0 && nCount <= MaxCount() - std::max(nIndex, m_nSize));
-        const TYPE copyOfElement(newElement); // the argument may lie in this array
-        OpenGap(nIndex, nCount);
-        std::fill(m_pData + nIndex, m_pData + nIndex + nCount, copyOfElement);
-    }
-    void InsertAt(INT_PTR nStartIndex, CArray* pNewArray) {
-        ENSURE(pNewArray != nullptr && pNewArray != this && nStartIndex >= 0);
-        if (pNewArray->m_nSize == 0)
-            return;
-        ENSURE(nStartIndex <= MaxCount() && pNewArray->m_nSize <= MaxCount() - std::max(nStartIndex, m_nSize));
-        OpenGap(nStartIndex, pNewArray->m_nSize);
-        std::copy(pNewArray->m_pData, pNewArray->m_pData + pNewArray->m_nSize, m_pData + nStartIndex);
     }
     void RemoveAt(INT_PTR nIndex, INT_PTR nCount = 1) {
         ENSURE(nIndex >= 0 && nCount >= 0 && nIndex <= m_nSize && nCount <= m_nSize - nIndex);
@@ -158,16 +114,6 @@ private:
         m_nMaxSize = nCapacity;
     }
 
-    void OpenGap(INT_PTR nIndex, INT_PTR nCount) {
-        const INT_PTR nOldSize = m_nSize;
-        if (nIndex >= nOldSize) {
-            SetSize(nIndex + nCount);
-            return;
-        }
-        SetSize(nOldSize + nCount);
-        std::move_backward(m_pData + nIndex, m_pData + nOldSize, m_pData + m_nSize);
-    }
-
     static void ConstructElements(TYPE* pElements, INT_PTR nCount) {
         for (INT_PTR nIndex = 0; nIndex < nCount; nIndex++)
             ::new (static_cast<void*>(pElements + nIndex)) TYPE();
@@ -192,12 +138,10 @@ class CList : public CObject {
     };
 
 public:
-    // Each element is allocated by itself; the block size is taken for compatibility.
-    explicit CList(INT_PTR nBlockSize = 10) { static_cast<void>(nBlockSize); }
+    CList() = default;
     ~CList() override { RemoveAll(); }
 
     INT_PTR GetCount() const { return m_nCount; }
-    INT_PTR GetSize() const { return m_nCount; }
     BOOL IsEmpty() const { return m_nCount == 0; }
 
     TYPE& GetHead() { return NodeOf(m_pNodeHead)->data; }
@@ -211,21 +155,10 @@ public:
         Unlink(pNode);
         return element;
     }
-    TYPE RemoveTail() {
-        CNode* pNode = NodeOf(m_pNodeTail);
-        TYPE element(std::move(pNode->data));
-        Unlink(pNode);
-        return element;
-    }
 
     POSITION AddHead(ARG_TYPE newElement) { return Link(newElement, nullptr, m_pNodeHead); }
     POSITION AddTail(ARG_TYPE newElement) { return Link(newElement, m_pNodeTail, nullptr); }
     // The source must be another list.
-    void AddHead(CList* pNewList) {
-        ENSURE(pNewList != nullptr && pNewList != this);
-        for (CNode* pNode = pNewList->m_pNodeTail; pNode != nullptr; pNode = pNode->pPrev)
-            AddHead(pNode->data);
-    }
     void AddTail(CList* pNewList) {
         ENSURE(pNewList != nullptr && pNewList != this);
         for (CNode* pNode = pNewList->m_pNodeHead; pNode != nullptr; pNode = pNode->pNext)
@@ -237,8 +170,7 @@ public:
     }
 
     POSITION GetHeadPosition() const { return m_pNodeHead; }
-    POSITION GetTailPosition() const { return m_pNodeTail; }
-    // Element at the position, which then moves on (null behind the last, or before the first).
+    // Element at the position, which then moves on (null behind the last).
     TYPE& GetNext(POSITION& rPosition) {
         CNode* pNode = NodeOf(rPosition);
         rPosition = pNode->pNext;
@@ -249,20 +181,9 @@ public:
         rPosition = pNode->pNext;
         return pNode->data;
     }
-    TYPE& GetPrev(POSITION& rPosition) {
-        CNode* pNode = NodeOf(rPosition);
-        rPosition = pNode->pPrev;
-        return pNode->data;
-    }
-    const TYPE& GetPrev(POSITION& rPosition) const {
-        CNode* pNode = NodeOf(rPosition);
-        rPosition = pNode->pPrev;
-        return pNode->data;
-    }
 
     TYPE& GetAt(POSITION position) { return NodeOf(position)->data; }
     const TYPE& GetAt(POSITION position) const { return NodeOf(position)->data; }
-    void SetAt(POSITION position, ARG_TYPE newElement) { NodeOf(position)->data = newElement; }
     void RemoveAt(POSITION position) { Unlink(NodeOf(position)); }
 
     // With a null position: before the head, or after the tail.
@@ -279,9 +200,9 @@ public:
         return Link(newElement, pNode, pNode->pNext);
     }
 
-    // First element equal (==) to searchValue after startAfter, from the head for null. Null without one.
-    POSITION Find(ARG_TYPE searchValue, POSITION startAfter = nullptr) const {
-        CNode* pNode = startAfter == nullptr ? m_pNodeHead : NodeOf(startAfter)->pNext;
+    // First element equal (==) to searchValue. Null without one.
+    POSITION Find(ARG_TYPE searchValue) const {
+        CNode* pNode = m_pNodeHead;
         while (pNode != nullptr && !(pNode->data == searchValue))
             pNode = pNode->pNext;
         return pNode;

@@ -22,21 +22,12 @@
 namespace {
 
 constexpr wchar_t g_chReplacement = 0xFFFD;
-constexpr unsigned g_nDefaultAnsiCodePage = 1252;
+std::atomic<unsigned> g_nAnsiCodePage = 1252;
+
+constexpr unsigned g_nGb18030 = 54936;
 
 std::string IconvName(unsigned nCodePage) {
-    switch (nCodePage) {
-    case 936:
-        return "GBK";
-    case 20127:
-        return "ASCII";
-    case 54936:
-        return "GB18030";
-    default:
-        if (nCodePage >= 28591 && nCodePage <= 28605)
-            return "ISO-8859-" + std::to_string(nCodePage - 28590);
-        return "CP" + std::to_string(nCodePage);
-    }
+    return nCodePage == 936 ? "GBK" : nCodePage == g_nGb18030 ? "GB18030" : "CP" + std::to_string(nCodePage);
 }
 
 struct SIconvCloser {
@@ -144,19 +135,8 @@ bool IsKnownCodePage(unsigned nCodePage) {
     return nCodePage == CP_UTF8 || FindCodePage(nCodePage) != nullptr;
 }
 
-std::atomic<unsigned>& AnsiCodePage() {
-    static std::atomic<unsigned> nAnsiCodePage = [] {
-        const char* pszSetting = std::getenv("COMPAT_ANSI_CODE_PAGE");
-        const unsigned nSetting =
-            pszSetting == nullptr ? 0 : static_cast<unsigned>(std::strtoul(pszSetting, nullptr, 10));
-        return nSetting != 0 && IsKnownCodePage(nSetting) ? nSetting : g_nDefaultAnsiCodePage;
-    }();
-    return nAnsiCodePage;
-}
-
 unsigned ResolveCodePage(UINT nCodePage) {
-    return nCodePage == CP_ACP || nCodePage == CP_OEMCP || nCodePage == CP_THREAD_ACP ? AnsiCodePage().load()
-                                                                                      : nCodePage;
+    return nCodePage == CP_ACP ? g_nAnsiCodePage.load() : nCodePage;
 }
 
 int FailConversion(DWORD nError) {
@@ -257,25 +237,24 @@ bool ReadUtf8(std::string_view strBytes, std::size_t& nPosition, std::uint32_t& 
 } // namespace
 
 UINT WINAPI GetACP() {
-    return AnsiCodePage();
+    return g_nAnsiCodePage;
 }
 
 bool CompatSetAnsiCodePage(unsigned nCodePage) {
-    if (nCodePage <= CP_THREAD_ACP || !IsKnownCodePage(nCodePage))
+    if (nCodePage == CP_ACP || !IsKnownCodePage(nCodePage))
         return false;
-    AnsiCodePage() = nCodePage;
+    g_nAnsiCodePage = nCodePage;
     return true;
 }
 
 int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, int nWideLength, LPSTR pszBytes,
                                int nBytes, LPCSTR pszDefault, LPBOOL pbUsedDefault) {
-    constexpr DWORD nKnownFlags =
-        WC_DISCARDNS | WC_SEPCHARS | WC_DEFAULTCHAR | WC_ERR_INVALID_CHARS | WC_COMPOSITECHECK | WC_NO_BEST_FIT_CHARS;
     if (pszWide == nullptr || nWideLength == 0 || nBytes < 0 || (pszBytes == nullptr && nBytes != 0))
         return FailConversion(ERROR_INVALID_PARAMETER);
     nCodePage = ResolveCodePage(nCodePage);
-    const bool bWholeUnicode = nCodePage == CP_UTF8 || nCodePage == 54936;
-    if ((nFlags & ~(bWholeUnicode ? WC_ERR_INVALID_CHARS : nKnownFlags)) != 0)
+    const bool bWholeUnicode = nCodePage == CP_UTF8 || nCodePage == g_nGb18030;
+    const DWORD nKnownFlags = bWholeUnicode ? WC_ERR_INVALID_CHARS : WC_COMPOSITECHECK | WC_NO_BEST_FIT_CHARS;
+    if ((nFlags & ~nKnownFlags) != 0)
         return FailConversion(ERROR_INVALID_FLAGS);
     const std::wstring_view strWide(pszWide,
                                     nWideLength < 0 ? std::wcslen(pszWide) + 1 : static_cast<std::size_t>(nWideLength));
@@ -313,22 +292,15 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
         };
         for (std::size_t nPosition = 0; nPosition < strWide.size(); nPosition++) {
             const wchar_t ch = strWide[nPosition];
-            std::optional<wchar_t> chComposed;
-            if ((nFlags & WC_COMPOSITECHECK) != 0 && nPosition + 1 < strWide.size())
-                chComposed = Composed(ch, strWide[nPosition + 1]);
-            if (!chComposed) {
-                append(ch);
-                continue;
+            if ((nFlags & WC_COMPOSITECHECK) != 0 && nPosition + 1 < strWide.size()) {
+                const std::optional<wchar_t> chComposed = Composed(ch, strWide[nPosition + 1]);
+                if (chComposed && pCodePage->FromWide(*chComposed, bLookAlikes)) {
+                    append(*chComposed);
+                    nPosition++; // the mark is done with
+                    continue;
+                }
             }
-            const bool bHasComposed = pCodePage->FromWide(*chComposed, bLookAlikes).has_value();
-            if (bHasComposed)
-                append(*chComposed);
-            else if ((nFlags & WC_DEFAULTCHAR) != 0)
-                useDefault();
-            else
-                append(ch);
-            if (bHasComposed || (nFlags & (WC_DEFAULTCHAR | WC_DISCARDNS)) != 0)
-                nPosition++; // the mark is done with
+            append(ch);
         }
     }
     if (pbUsedDefault != nullptr)
@@ -338,11 +310,10 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
 
 int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR pszBytes, int nBytes, LPWSTR pszWide,
                                int nWideLength) {
-    constexpr DWORD nKnownFlags = MB_PRECOMPOSED | MB_COMPOSITE | MB_ERR_INVALID_CHARS;
     if (pszBytes == nullptr || nBytes == 0 || nWideLength < 0 || (pszWide == nullptr && nWideLength != 0))
         return FailConversion(ERROR_INVALID_PARAMETER);
     nCodePage = ResolveCodePage(nCodePage);
-    if ((nFlags & ~nKnownFlags) != 0)
+    if ((nFlags & ~DWORD(MB_ERR_INVALID_CHARS)) != 0)
         return FailConversion(ERROR_INVALID_FLAGS);
     const bool bStrict = (nFlags & MB_ERR_INVALID_CHARS) != 0;
     const std::string_view strBytes(pszBytes,

@@ -3,11 +3,8 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <climits>
-#include <cwctype>
 #include <optional>
-#include <strings.h>
 
 namespace {
 
@@ -29,9 +26,7 @@ std::optional<int> DigitValue(wchar_t ch) {
 
 } // namespace
 
-int __cdecl _wtoi(const wchar_t* pszText) {
-    if (pszText == nullptr)
-        return 0;
+int _wtoi(const wchar_t* pszText) {
     while (IsBlank(*pszText))
         pszText++;
     const bool bNegative = *pszText == L'-';
@@ -43,28 +38,4 @@ int __cdecl _wtoi(const wchar_t* pszText) {
     for (std::optional<int> nDigit; (nDigit = DigitValue(*pszText)) && nValue < nLimit; pszText++)
         nValue = std::min(nValue * 10 + *nDigit, nLimit);
     return static_cast<int>(bNegative ? -nValue : nValue);
-}
-
-double __cdecl _wtof(const wchar_t* pszText) {
-    return pszText == nullptr ? 0.0 : std::wcstod(pszText, nullptr);
-}
-
-int __cdecl _wcsnicmp(const wchar_t* pszLeft, const wchar_t* pszRight, std::size_t nCount) {
-    for (; nCount > 0; nCount--, pszLeft++, pszRight++) {
-        const std::wint_t nLeft = std::towlower(static_cast<std::wint_t>(*pszLeft));
-        const std::wint_t nRight = std::towlower(static_cast<std::wint_t>(*pszRight));
-        if (nLeft != nRight)
-            return nLeft < nRight ? -1 : 1;
-        if (nLeft == 0)
-            break;
-    }
-    return 0;
-}
-
-int __cdecl _wcsicmp(const wchar_t* pszLeft, const wchar_t* pszRight) {
-    return _wcsnicmp(pszLeft, pszRight, static_cast<std::size_t>(-1));
-}
-
-int __cdecl _stricmp(const char* pszLeft, const char* pszRight) {
-    return strcasecmp(pszLeft, pszRight);
 }

@@ -1,13 +1,8 @@
-// Last error, process and thread numbers, debugger output.
-
-#include "text.h"
-
-#include <cstdio>
-#include <unistd.h>
+#include <windows.h>
 
 namespace {
 
-thread_local DWORD t_nLastError = ERROR_SUCCESS;
+thread_local DWORD t_nLastError = 0;
 
 } // namespace
 
@@ -17,16 +12,4 @@ DWORD WINAPI GetLastError() {
 
 void WINAPI SetLastError(DWORD nError) {
     t_nLastError = nError;
-}
-
-DWORD WINAPI GetCurrentThreadId() {
-    return static_cast<DWORD>(gettid());
-}
-
-DWORD WINAPI GetCurrentProcessId() {
-    return static_cast<DWORD>(getpid());
-}
-
-void WINAPI OutputDebugStringW(LPCWSTR pszText) {
-    std::fputs(WideToUtf8(pszText).c_str(), stderr);
 }

@@ -20,21 +20,7 @@ SHORT WINAPI GetKeyState(int nVirtKey) {
     return static_cast<SHORT>(((nState & 0x80) != 0 ? 0xFF80 : 0) | (nState & 0x01));
 }
 
-BOOL WINAPI GetKeyboardState(PBYTE pKeyState) {
-    if (pKeyState == nullptr) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
-    const std::lock_guard lock(g_keyboardMutex);
-    std::copy(g_keyState.begin(), g_keyState.end(), pKeyState);
-    return TRUE;
-}
-
 BOOL WINAPI SetKeyboardState(LPBYTE pKeyState) {
-    if (pKeyState == nullptr) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return FALSE;
-    }
     const std::lock_guard lock(g_keyboardMutex);
     std::copy_n(pKeyState, g_nKeys, g_keyState.begin());
     return TRUE;

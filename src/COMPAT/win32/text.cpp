@@ -3,36 +3,29 @@
 #include <algorithm>
 #include <cwctype>
 
-std::string WideToUtf8(const wchar_t* pszText) {
-    if (pszText == nullptr || *pszText == 0)
-        return std::string();
-    const int nLength = static_cast<int>(std::wcslen(pszText));
-    std::string strBytes(
-        static_cast<std::size_t>(WideCharToMultiByte(CP_UTF8, 0, pszText, nLength, nullptr, 0, nullptr, nullptr)),
-        '\0');
-    WideCharToMultiByte(CP_UTF8, 0, pszText, nLength, strBytes.data(), static_cast<int>(strBytes.size()), nullptr,
-                        nullptr);
+std::string WideToUtf8(const std::wstring& strText) {
+    const int nLength = static_cast<int>(strText.size());
+    const int nBytes = WideCharToMultiByte(CP_UTF8, 0, strText.data(), nLength, nullptr, 0, nullptr, nullptr);
+    std::string strBytes(static_cast<std::size_t>(nBytes), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, strText.data(), nLength, strBytes.data(), nBytes, nullptr, nullptr);
     return strBytes;
 }
 
-std::wstring Utf8ToWide(const std::string& strText) {
-    if (strText.empty())
-        return std::wstring();
-    const int nBytes = static_cast<int>(strText.size());
-    std::wstring strWide(static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, strText.data(), nBytes, nullptr, 0)),
-                         L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, strText.data(), nBytes, strWide.data(), static_cast<int>(strWide.size()));
-    return strWide;
+std::wstring ToWide(UINT nCodePage, const std::string& strBytes) {
+    const int nBytes = static_cast<int>(strBytes.size());
+    const int nLength = MultiByteToWideChar(nCodePage, 0, strBytes.data(), nBytes, nullptr, 0);
+    std::wstring strText(static_cast<std::size_t>(nLength), L'\0');
+    MultiByteToWideChar(nCodePage, 0, strBytes.data(), nBytes, strText.data(), nLength);
+    return strText;
 }
 
-std::string NativePath(const wchar_t* pszPath) {
-    std::string strPath = WideToUtf8(pszPath);
-    std::replace(strPath.begin(), strPath.end(), '\\', '/');
-    return strPath;
+std::string NativePath(const std::wstring& strPath) {
+    std::string strNative = WideToUtf8(strPath);
+    std::replace(strNative.begin(), strNative.end(), '\\', '/');
+    return strNative;
 }
 
-std::wstring FoldCase(const wchar_t* pszName) {
-    std::wstring strName(pszName);
+std::wstring FoldCase(std::wstring strName) {
     std::transform(strName.begin(), strName.end(), strName.begin(),
                    [](wchar_t ch) { return static_cast<wchar_t>(std::towupper(static_cast<std::wint_t>(ch))); });
     return strName;

@@ -5,11 +5,12 @@
 
 #include <string>
 
-std::string WideToUtf8(const wchar_t* pszText);
-std::wstring Utf8ToWide(const std::string& strText);
+std::string WideToUtf8(const std::wstring& strText);
+// Bytes of a code page; what is no character of it becomes U+FFFD.
+std::wstring ToWide(UINT nCodePage, const std::string& strBytes);
 
 // A Windows path as the system takes it: UTF-8, '\' turned into '/'.
-std::string NativePath(const wchar_t* pszPath);
+std::string NativePath(const std::wstring& strPath);
 
 // For names that are compared without case.
-std::wstring FoldCase(const wchar_t* pszName);
+std::wstring FoldCase(std::wstring strName);

@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <mutex>
-#include <thread>
 
 namespace {
 
@@ -18,20 +17,12 @@ void CompatFreezeTickCount(std::optional<std::uint64_t> nMilliseconds) {
     g_nFrozenMilliseconds = nMilliseconds;
 }
 
-ULONGLONG WINAPI GetTickCount64() {
+DWORD WINAPI GetTickCount() {
     {
         const std::lock_guard lock(g_frozenMutex);
         if (g_nFrozenMilliseconds)
-            return *g_nFrozenMilliseconds;
+            return static_cast<DWORD>(*g_nFrozenMilliseconds);
     }
     const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch(); // CLOCK_MONOTONIC
-    return static_cast<ULONGLONG>(std::chrono::duration_cast<std::chrono::milliseconds>(sinceStart).count());
-}
-
-DWORD WINAPI GetTickCount() {
-    return static_cast<DWORD>(GetTickCount64());
-}
-
-void WINAPI Sleep(DWORD nMilliseconds) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(nMilliseconds));
+    return static_cast<DWORD>(std::chrono::duration_cast<std::chrono::milliseconds>(sinceStart).count());
 }

@@ -10,8 +10,7 @@ int g_nCalls = 0;
 } // namespace
 
 extern "C" BOOL WINAPI DllMain(HINSTANCE hInstance, DWORD nReason, LPVOID) {
-    if (nReason == DLL_PROCESS_ATTACH || nReason == DLL_PROCESS_DETACH)
-        PostMessageW(nullptr, WM_APP, nReason, 0);
+    PostMessageW(nullptr, WM_APP, nReason, 0);
     if (nReason == DLL_PROCESS_ATTACH) {
         if (!AfxInitExtensionModule(g_extensionModule, hInstance))
             return FALSE;

@@ -9,16 +9,9 @@
 #undef __declspec
 #undef dllexport
 #undef dllimport
-#undef novtable
-#undef selectany
-#undef noreturn
 
 #define COMPAT_DECLSPEC_dllexport __attribute__((visibility("default")))
 #define COMPAT_DECLSPEC_dllimport __attribute__((visibility("default")))
-#define COMPAT_DECLSPEC_noreturn __attribute__((noreturn))
-#define COMPAT_DECLSPEC_selectany __attribute__((weak))
-#define COMPAT_DECLSPEC_noinline __attribute__((noinline))
-#define COMPAT_DECLSPEC_novtable
 #define __declspec(x) COMPAT_DECLSPEC_##x
 
 #endif

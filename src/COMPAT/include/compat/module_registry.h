@@ -16,10 +16,10 @@ private:
     HMODULE m_hModule;
 };
 
-// Announces one icon resource: the bytes of an .ico file, which lie in the library.
+// Announces one icon resource. The object lies in the library, which it is known by.
 class COMPAT_API CompatIconResource {
 public:
-    CompatIconResource(WORD nId, const BYTE* pBegin, const BYTE* pEnd);
+    explicit CompatIconResource(WORD nId);
     ~CompatIconResource();
     CompatIconResource(const CompatIconResource&) = delete;
     CompatIconResource& operator=(const CompatIconResource&) = delete;

@@ -3,6 +3,10 @@
 
 #include <compat/api.h>
 
+#if !defined(_WIN32)
+#include <windows.h>
+#endif
+
 #include <cstdint>
 #include <optional>
 
@@ -14,11 +18,15 @@ COMPAT_API int CompatExtensionModuleCount();
 
 #if !defined(_WIN32)
 
-// Makes GetTickCount and GetTickCount64 answer this fixed value; the running clock again for nullopt.
+// Makes GetTickCount answer the low 32 bits of this fixed value; the running clock again for nullopt.
 COMPAT_API void CompatFreezeTickCount(std::optional<std::uint64_t> nMilliseconds);
 
 // Sets the ANSI code page (CP_ACP): 1252, 936, 65001 ... False, and no change, for one that is unknown.
 COMPAT_API bool CompatSetAnsiCodePage(unsigned nCodePage);
+
+// Calls the DllMain of a loaded library, as the loader of Windows does on more occasions than LoadLibraryW and
+// FreeLibrary. Answers what it answers.
+COMPAT_API bool CompatCallModuleEntry(HMODULE hModule, DWORD nReason);
 
 // Why the calling thread's last LoadLibraryW failed, in the loader's words (UTF-8); empty when it did not.
 COMPAT_API const char* CompatLoadErrorText();

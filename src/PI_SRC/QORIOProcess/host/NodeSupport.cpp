@@ -15,7 +15,8 @@ void AppendPointerParam(SQOREvent& event, unsigned nId, const wchar_t* pszName, 
                                              PARAM_POINTER.m_nControl);
     pParam->m_pValue = pValue;
     std::copy(typeName.begin(), typeName.end(), pParam->m_szTypeName);
-    event.m_lstParam.AddTail(pParam.release());
+    event.m_lstParam.AddTail(pParam.get());
+    static_cast<void>(pParam.release());
 }
 
 } // namespace
@@ -28,7 +29,9 @@ void FireGeneralEvent(VEKProperty* pNode, int nOutput) {
     AppendPointerParam(*pEvent, 0, L"OwnerClip", L"TOUCH_CONTROL_OWNER_CLIP", pNode->m_pOwnerClip, L"VEKClip");
     AppendPointerParam(*pEvent, 1, L"OwnerObject", L"TOUCH_CONTROL_OWNER_OBJECT", nullptr, L"VEKObject");
     AppendPointerParam(*pEvent, 2, L"OwnerProperty", L"TOUCH_CONTROL_OWNER_PROPERTY", pNode, L"VEKProperty");
-    AppendPointerParam(*pEvent, 3, L"OwnerEventID", L"QOR_EXTRADATA_EVENT_ID", new int(nOutput), L"EventID");
+    auto pOutput = std::make_unique<int>(nOutput);
+    AppendPointerParam(*pEvent, 3, L"OwnerEventID", L"QOR_EXTRADATA_EVENT_ID", pOutput.get(), L"EventID");
+    static_cast<void>(pOutput.release()); // freed with the event
     // A full queue or a window that is gone refuses the message; the event then stays ours and is freed here.
     if (PostMessageW(pNode->m_hEventWnd, pNode->m_nEventMsg, 1, reinterpret_cast<LPARAM>(pEvent.get()))) {
         static_cast<void>(pEvent.release());

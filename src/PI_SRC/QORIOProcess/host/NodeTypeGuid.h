@@ -3,12 +3,14 @@
 
 #include <afxwin.h>
 
-/// {8164BB40-6B6A-4707-88B7-386BCB0D1Bxx}
-constexpr GUID MakeNodeTypeGuid(unsigned char nTypeByte) {
-    return GUID{0x8164BB40, 0x6B6A, 0x4707, {0x88, 0xB7, 0x38, 0x6B, 0xCB, 0x0D, 0x1B, nTypeByte}};
-}
+/// {8164BB40-6B6A-4707-88B7-386BCB0D1Bxx}, here with the byte 0, which names no type.
+inline constexpr GUID GUID_IOPROCESS_BASE{0x8164BB40, 0x6B6A, 0x4707, {0x88, 0xB7, 0x38, 0x6B, 0xCB, 0x0D, 0x1B, 0x00}};
 
-inline constexpr GUID GUID_IOPROCESS_BASE = MakeNodeTypeGuid(0x00);
+constexpr GUID MakeNodeTypeGuid(unsigned char nTypeByte) {
+    GUID guidType = GUID_IOPROCESS_BASE;
+    guidType.Data4[7] = nTypeByte;
+    return guidType;
+}
 
 inline constexpr GUID GUID_IOPROCESS_KEYBOARD = MakeNodeTypeGuid(0x01);
 inline constexpr GUID GUID_IOPROCESS_TEXT_FIELD = MakeNodeTypeGuid(0x02);

@@ -39,7 +39,7 @@ struct SIOProcessNodeInfo {
     CString strName; ///< display name
     CString strAux = L"";
     CString strTip;        ///< tool tip: the display name again
-    HICON hIcon = nullptr; ///< owned by the module's resources
+    HICON hIcon = nullptr; ///< loaded for the host, which destroys it (DestroyIcon)
     HANDLE hAux = nullptr;
     int bEnable = 1; ///< 1: offered in the editor, 0: hidden
     CStringArray arAux;

@@ -1,0 +1,101 @@
+// What comes of an allocation that fails in the module. Here the program's own operator new comes before that of the
+// libraries, for every caller, and can be made to fail.
+#include <new>
+
+#include <dlfcn.h>
+
+#include "HeapUse.h"
+#include "HostSetup.h"
+#include "ModuleHost.h"
+#include "SocketCalls.h"
+
+namespace {
+
+constexpr int NEVER = -1;
+
+/// How many allocations succeed before one fails.
+int s_nUntilFailure = NEVER;
+
+} // namespace
+
+void* operator new(std::size_t nBytes) {
+    static const auto s_pNext = reinterpret_cast<void* (*)(std::size_t)>(dlsym(RTLD_NEXT, "_Znwm"));
+    if (s_nUntilFailure != NEVER && --s_nUntilFailure == NEVER) {
+        throw std::bad_alloc();
+    }
+    return s_pNext(nBytes);
+}
+
+namespace {
+
+class AllocationFailure : public ModuleTest {
+protected:
+    AllocationFailure() { SetLogSink(nullptr); }
+    ~AllocationFailure() override { s_nUntilFailure = NEVER; }
+
+    /// Whether the call raises the allocator's exception when an allocation fails after so many that succeed.
+    template <typename Function>
+    static bool Raises(int nSucceeding, Function function) {
+        s_nUntilFailure = nSucceeding;
+        try {
+            function();
+        } catch (const std::bad_alloc&) {
+            return true;
+        }
+        s_nUntilFailure = NEVER;
+        return false;
+    }
+};
+
+const unsigned char TYPES[] = {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0x0B, 0x0C, 0x0D, 0x0E, 0x0F};
+
+TEST_F(AllocationFailure, OfANodeGoesOutOfTheFunction) {
+    for (const unsigned char nTypeByte : TYPES) {
+        SCOPED_TRACE(static_cast<int>(nTypeByte));
+        P_ExtDevIOProcess before;
+        GUID guidType = TypeGuid(nTypeByte);
+        SIOProcessPluginData data;
+        data.pNode = &before;
+        EXPECT_TRUE(Raises(0, [&] { m_host.Call(2, &guidType, &data); }));
+        EXPECT_EQ(data.pNode, &before) << "the slot stays as it was";
+    }
+}
+
+TEST_F(AllocationFailure, LeavesNothingOfAnUnfinishedNode) {
+    for (const unsigned char nTypeByte : TYPES) {
+        SCOPED_TRACE(static_cast<int>(nTypeByte));
+        GUID guidType = TypeGuid(nTypeByte);
+        SIOProcessPluginData data;
+        const auto create = [&] { m_host.Call(2, &guidType, &data); };
+        create(); // whatever is allocated once is allocated now
+        delete std::exchange(data.pNode, nullptr);
+        TakeSocketCalls();
+        const size_t nBefore = HeapBytesInUse();
+        int nSucceeding = 0;
+        for (; Raises(nSucceeding, create); ++nSucceeding) {
+            TakeSocketCalls();
+            ASSERT_EQ(HeapBytesInUse(), nBefore) << "after " << nSucceeding << " allocations";
+            ASSERT_EQ(data.pNode, nullptr);
+        }
+        EXPECT_GT(nSucceeding, 1);
+        ASSERT_NE(data.pNode, nullptr);
+        delete data.pNode;
+    }
+}
+
+TEST_F(AllocationFailure, LeavesNothingOfAnUnfinishedEvent) {
+    NodeScene scene(m_host, TYPE_KEYBOARD);
+    scene.Evaluate();
+    const auto fire = [&] { scene.Send(0, 2003); };
+    fire();
+    ASSERT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{153});
+    const size_t nBefore = HeapBytesInUse();
+    int nSucceeding = 0;
+    for (; Raises(nSucceeding, fire); ++nSucceeding) {
+        ASSERT_EQ(HeapBytesInUse(), nBefore) << "after " << nSucceeding << " allocations";
+    }
+    EXPECT_GT(nSucceeding, 8) << "the event, its four parameters and their places in the list";
+    EXPECT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{153});
+}
+
+} // namespace
