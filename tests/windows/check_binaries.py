@@ -15,7 +15,7 @@ import tempfile
 MODULE_EXPORTS = ["IOProcessFunc"]
 HOST_LIBRARIES = {"vekcommonx.dll", "vekrenderx.dll", "veklogdllx.dll"}
 # What Windows itself brings; msvcrt.dll is its C run-time.
-SYSTEM_LIBRARIES = {"kernel32.dll", "user32.dll", "msvcrt.dll", "ws2_32.dll", "mswsock.dll"}
+SYSTEM_LIBRARIES = {"kernel32.dll", "user32.dll", "gdi32.dll", "msvcrt.dll", "ws2_32.dll", "mswsock.dll"}
 LOADER_FLAGS = {"DYNAMIC_BASE", "NX_COMPAT", "HIGH_ENTROPY_VA"}
 
 
