@@ -93,3 +93,20 @@ TEST(ExtensionModuleTest, InitialisationCanBeMadeToFail) {
     EXPECT_TRUE(AfxInitExtensionModule(state, GetModuleHandleW(nullptr)));
     AfxTermExtensionModule(state);
 }
+
+namespace {
+
+class CChoosingApplication : public CWinApp {
+public:
+    CWnd* GetMainWnd() override { return &m_window; }
+
+    CWnd m_window;
+};
+
+} // namespace
+
+TEST(ApplicationTest, AProgramChoosesItsMainWindow) {
+    CChoosingApplication application;
+    EXPECT_EQ(application.m_pMainWnd, nullptr);
+    EXPECT_EQ(AfxGetApp()->GetMainWnd(), &application.m_window);
+}

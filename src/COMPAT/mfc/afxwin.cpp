@@ -48,6 +48,10 @@ CWinApp::~CWinApp() {
         g_pApp = nullptr;
 }
 
+CWnd* CWinApp::GetMainWnd() {
+    return m_pMainWnd;
+}
+
 CWinApp* AfxGetApp() {
     return g_pApp;
 }

@@ -31,12 +31,12 @@ class COMPAT_API CWinApp {
 public:
     // The name is taken for compatibility.
     explicit CWinApp(LPCTSTR pszAppName = nullptr);
-    ~CWinApp();
+    virtual ~CWinApp();
     CWinApp(const CWinApp&) = delete;
     CWinApp& operator=(const CWinApp&) = delete;
 
-    // The window that stands for the program; may be null.
-    CWnd* GetMainWnd() const { return m_pMainWnd; }
+    // The window that stands for the program: m_pMainWnd unless overridden. May be null.
+    virtual CWnd* GetMainWnd();
 
     CWnd* m_pMainWnd = nullptr; // not owned
 };

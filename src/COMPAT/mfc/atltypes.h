@@ -8,6 +8,8 @@ public:
     CPoint() noexcept = default;
     CPoint(int nX, int nY) noexcept : x(nX), y(nY) {}
 
+    bool operator==(const CPoint& point) const noexcept { return x == point.x && y == point.y; }
+
     LONG x = 0;
     LONG y = 0;
 };
