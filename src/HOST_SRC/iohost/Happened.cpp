@@ -60,12 +60,12 @@ void CHappened::OnEventMessage(const SQOREvent& event, WPARAM wParam) {
                           {"points", PointsAt(param)}});
     }
     m_lists[POSTED].push_back({{"node", Handle(m_scene.Find(pNode))},
-                        {"output", pOutputId != nullptr ? Json(*pOutputId) : Json()},
-                        {"via", "window"},
-                        {"name", Utf8(event.m_strName)},
-                        {"event_id", static_cast<int>(event.m_nId)},
-                        {"wparam", wParam},
-                        {"params", std::move(params)}});
+                               {"output", pOutputId != nullptr ? Json(*pOutputId) : Json()},
+                               {"via", "window"},
+                               {"name", Utf8(event.m_strName)},
+                               {"event_id", static_cast<int>(event.m_nId)},
+                               {"wparam", wParam},
+                               {"params", std::move(params)}});
 }
 
 void CHappened::OnNotifyMessage(WPARAM wParam, LPARAM lParam) {
@@ -80,10 +80,10 @@ void CHappened::OnLogLine(const SLogLine& line) {
 void CHappened::OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) {
     m_scene.Fire(pNode, static_cast<unsigned>(nOutput));
     m_lists[POSTED].push_back({{"node", Handle(m_scene.Find(pNode))},
-                        {"output", nOutput},
-                        {"via", "host"},
-                        {"clip", ClipName(pClip)},
-                        {"object", pObject != nullptr ? Json(Utf8(pObject->m_strName)) : Json()}});
+                               {"output", nOutput},
+                               {"via", "host"},
+                               {"clip", ClipName(pClip)},
+                               {"object", pObject != nullptr ? Json(Utf8(pObject->m_strName)) : Json()}});
 }
 
 void CHappened::OnNodeRedraw(SGraphNode* pGraphNode) {

@@ -26,8 +26,8 @@ struct RequestRow {
 /// The operation of that name; null for an unknown one.
 const RequestRow* FindRequest(std::string_view op);
 
-/// Evaluate all nodes, as for a frame: a fault of one is logged and the others go on. Adds each node's result, null after
-/// a fault, to the object pResults; null: nobody asks.
+/// Evaluate all nodes, as for a frame: a fault of one is logged and the others go on. Adds each node's result, null
+/// after a fault, to the object pResults; null: nobody asks.
 void EvaluateFrame(CHost& host, OrderedJson* pResults);
 
 /// Send the releases of what a connection holds, and log each as synthetic with the reason. Returns the list of what

@@ -19,8 +19,8 @@ void SaveScene(CHost& host, const std::filesystem::path& file);
 /// A scene file's content; refused where there is no JSON to be read.
 Json ReadSceneFile(const std::filesystem::path& file);
 
-/// Replace the scene by that of a file's content. On a refusal, which names the fields by strPath, the scene stays as it
-/// was.
+/// Replace the scene by that of a file's content. On a refusal, which names the fields by strPath, the scene stays as
+/// it was.
 void LoadScene(CHost& host, const Json& document, const std::string& strPath);
 
 /// The request; a `load` request with the scene itself in place of the file's name, if that can be read.
