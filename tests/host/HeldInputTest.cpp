@@ -199,7 +199,7 @@ TEST_F(HeldInput, VirtualKeysAreDownAsLongAsAnybodyHoldsThem) {
     Keys({16, 65}, {20});
     m_pSession->Handle({{"op", "keys"}, {"down", {65}}, {"toggled", {20}}}, &other);
     EXPECT_LT(GetKeyState(16), 0);
-    Keys({}, {20});
+    Keys(Json::array(), {20});
     EXPECT_EQ(GetKeyState(16), 0);
     EXPECT_LT(GetKeyState(65), 0);
     m_pSession->CloseConnection(other, "it closed");

@@ -43,7 +43,7 @@ CString PXGetPath(int nKind) {
     }
     if (Setup().bConfigurationHidden) {
         // No file system has names of that length. An empty answer would lead to the root folder.
-        return Setup().strAppPath + L'\\' + CString(L'x', 300);
+        return Setup().strAppPath + L"\\" + CString(L'x', 300);
     }
     return Setup().strAppPath + L"\\Config";
 }

@@ -87,7 +87,7 @@ bool CMarkup::SetAttrib(const wchar_t* pszName, const CString& strValue) {
     if (m_nElement < 0 || pszName == nullptr || *pszName == L'\0') {
         return false;
     }
-    const CString strKept = strValue; // which may be the document
+    const CString strKept = strValue; // which may be the document; NOLINT(performance-unnecessary-copy-initialization)
     const int nValue = FindValue(m_strDocument, m_nElement, pszName);
     if (nValue >= 0) {
         const CString strBehind = m_strDocument.Mid(m_strDocument.Find(L'"', nValue));

@@ -49,6 +49,7 @@ void CVEKXml::ReadParamLayout(NodeParamInfoGrpArray& arGroup) const {
                                    param.attribute("y").as_int(), param.attribute("width").as_int(),
                                    param.attribute("height").as_int(), param.attribute("labelWidth").as_int()});
         }
-        arGroup.Add(pGroup.release());
+        arGroup.Add(pGroup.get());
+        static_cast<void>(pGroup.release());
     }
 }

@@ -35,7 +35,8 @@ std::unique_ptr<Param> MakeParam(const ParamRow& row) {
 /// Append to a list of owned pointers; the list owns the element once it is in.
 template <typename T>
 void AppendOwned(CList<T*>& list, std::unique_ptr<T> pElement) {
-    list.AddTail(pElement.release());
+    list.AddTail(pElement.get());
+    static_cast<void>(pElement.release()); // the list's, now that it has room for it
 }
 
 std::unique_ptr<VEKParamGroup> MakeGroup(const GroupRow& group, std::unique_ptr<VEKParam> (*pMake)(const ParamRow&)) {

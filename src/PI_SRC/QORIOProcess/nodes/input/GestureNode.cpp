@@ -144,7 +144,9 @@ void CGestureIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
         if (pGroup == nullptr) {
             AfxThrowInvalidArgException();
         }
-        pGroup->m_lstParam.AddTail(MakeOutput(SINGLE_TAP_ROW).release());
+        auto pSingleTap = MakeOutput(SINGLE_TAP_ROW);
+        pGroup->m_lstParam.AddTail(pSingleTap.get());
+        static_cast<void>(pSingleTap.release());
     }
 }
 

@@ -223,7 +223,9 @@ void CVRHandleIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
         return;
     }
     if (const POSITION posPosition = FindGroupPosition(lstOutputGroup, OUTPUT_POSITION_GROUP)) {
-        lstOutputGroup.InsertAfter(posPosition, MakeOutputGroup(HIT_GROUP_ROW).release());
+        auto pHitGroup = MakeOutputGroup(HIT_GROUP_ROW);
+        lstOutputGroup.InsertAfter(posPosition, pHitGroup.get());
+        static_cast<void>(pHitGroup.release());
     }
 }
 

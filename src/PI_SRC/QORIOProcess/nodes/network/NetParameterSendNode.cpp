@@ -118,10 +118,14 @@ void CNetParameterSendIOProcess::InitParam() {
     VEKParam* pVersion = find(PARAM_VERSION);
     const int nVersion = pVersion != nullptr ? pVersion->m_nValue : 0;
     if (nVersion < VERSION_WITH_LAYER && find(INPUT_LAYER) == nullptr) {
-        lstParam.InsertAfter(FindPosition(group, INPUT_CLIP_NAME), MakeInput(Added(LAYER_ROW, m_nLayer)).release());
+        auto pLayer = MakeInput(Added(LAYER_ROW, m_nLayer));
+        lstParam.InsertAfter(FindPosition(group, INPUT_CLIP_NAME), pLayer.get());
+        static_cast<void>(pLayer.release());
     }
     if (nVersion < VERSION_WITH_TO_DEV && find(INPUT_TO_DEV) == nullptr) {
-        lstParam.InsertBefore(FindPosition(group, INPUT_CLIP_NAME), MakeInput(Added(TO_DEV_ROW, 0)).release());
+        auto pNewToDev = MakeInput(Added(TO_DEV_ROW, 0));
+        lstParam.InsertBefore(FindPosition(group, INPUT_CLIP_NAME), pNewToDev.get());
+        static_cast<void>(pNewToDev.release());
     }
     VEKParam* pToDev = find(INPUT_TO_DEV);
     if (nVersion < VERSION_WITH_HIDDEN_DEVICE && pToDev != nullptr) {
