@@ -12,9 +12,9 @@
 
 inline constexpr std::string_view FRAME_MAGIC = "QPCF";
 inline constexpr unsigned FRAME_VERSION = 1;
-inline constexpr size_t FRAME_HEADER_SIZE = 16;         ///< bytes
+inline constexpr size_t FRAME_HEADER_SIZE = 16;                 ///< bytes
 inline constexpr size_t FRAME_BODY_LIMIT = size_t{1024} * 1024; ///< longest body, bytes
-inline constexpr size_t FRAME_CLIP_LIMIT = 0xFFFF;      ///< longest clip name, bytes
+inline constexpr size_t FRAME_CLIP_LIMIT = 0xFFFF;              ///< longest clip name, bytes
 
 /// One frame. The texts are UTF-8, unchecked in frames that were read.
 struct SPlayControlFrame {
