@@ -116,7 +116,7 @@ test("without a text field node the keyboard says so, and keys are still held", 
   await must(script, { op: "destroy", node: "t" });
   await page.page.getByText("The scene has no text field node").waitFor();
   await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 81 });
-  await type("q");
+  await key("q").click({ delay: 100 }); // key check nodes poll: the key is down for a frame at least
   await page.fires(is.CHECK_UP, 1);
 });
 

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -105,7 +106,8 @@ bool IsObjectText(const Request& request) {
 /// Reads the head of one request.
 Awaitable<void> ReadHead(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& parser, error_code& error) {
     parser.header_limit(LONGEST_HEADER);
-    parser.body_limit(boost::none); // only a head is read
+    // Only a head is read. No limit at all would refuse every announced length in this version of the library.
+    parser.body_limit(std::numeric_limits<std::uint64_t>::max());
     stream.expires_after(REQUEST_TIME);
     co_await http::async_read_header(stream, buffer, parser, AwaitInto(error));
     if (!error && !parser.is_done() && !IsObjectText(parser.get())) {
