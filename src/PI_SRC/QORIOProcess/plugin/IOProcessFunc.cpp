@@ -49,7 +49,7 @@ void RegisterTypes(CArray<SIOProcessNodeInfo>& arNodeInfo) {
 
 void CreateNode(const GUID& guidType, SIOProcessPluginData& data) {
     const NodeTypeRow* pRow = FindNodeType(guidType);
-    if (pRow == nullptr || pRow->pCreate == nullptr) {
+    if (pRow == nullptr) {
         return;
     }
     std::unique_ptr<P_ExtDevIOProcess> pNode(pRow->pCreate());

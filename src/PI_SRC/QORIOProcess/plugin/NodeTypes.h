@@ -23,7 +23,7 @@ struct NodeTypeRow {
     const wchar_t* pszNameKey; ///< key of the text table for name and tool tip
     WORD nIconId;              ///< icon resource
     Visibility visibility;
-    P_ExtDevIOProcess* (*pCreate)(); ///< makes a node that the caller owns; null: a class that is not there yet
+    P_ExtDevIOProcess* (*pCreate)(); ///< makes a node that the caller owns
     bool bDestroyed;                 ///< false: destroying a node of this type only unlinks it
 };
 
