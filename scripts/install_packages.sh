@@ -1,7 +1,7 @@
 # Sourced by the commands at the root: installs the Debian packages that a command lacks.
 
 # Packages that building and running need, and the further ones that testing needs.
-run_packages=(g++ cmake ninja-build ccache libboost-dev nlohmann-json3-dev libpugixml-dev libutf8proc-dev
+run_packages=(g++ cmake ninja-build ccache libboost-dev nlohmann-json3-dev libpugixml-dev libsimpleini-dev libutf8proc-dev
               libcpprest-dev librsvg2-bin icoutils)
 test_packages=(googletest clang-format clang-tidy python3 iproute2 binutils chromium)
 

@@ -96,6 +96,9 @@ TEST(CStringTest, ConcatenatesAllCombinations) {
     EXPECT_EQ(strLeft + strRight, L"leftright");
     EXPECT_EQ(strLeft + L"right", L"leftright");
     EXPECT_EQ(L"left" + strRight, L"leftright");
+    EXPECT_EQ(strLeft + L'-', L"left-");
+    EXPECT_EQ(L'-' + strRight, L"-right");
+    EXPECT_EQ(strLeft + L'\0' + strRight, CString(L"left\0right", 10));
     EXPECT_EQ(strLeft, L"left");
 
     CString strText;

@@ -30,6 +30,16 @@ TEST(HooksTest, TheAnsiCodePageCanBeSet) {
     ASSERT_TRUE(CompatSetAnsiCodePage(1252));
 }
 
+TEST(HooksTest, TheAnsiCodePageComesFromTheEnvironment) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // each try is a process of its own
+    const std::pair<const char*, unsigned> rows[] = {{"936", 936}, {"65001", 65001}, {"12345", 1252}, {"", 1252}};
+    for (const auto& [pszSetting, nExpected] : rows) {
+        setenv("COMPAT_ANSI_CODE_PAGE", pszSetting, 1);
+        EXPECT_EXIT(std::exit(GetACP() == nExpected ? 0 : 1), testing::ExitedWithCode(0), "") << pszSetting;
+    }
+    unsetenv("COMPAT_ANSI_CODE_PAGE");
+}
+
 TEST(HooksTest, ValuesThatAreNoCharactersAreReplaced) {
     const wchar_t values[] = {wchar_t(0x110000), wchar_t(0x7FFFFFFF), wchar_t(-1), wchar_t(0xDFFF)};
     char bytes[20];

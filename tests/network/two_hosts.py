@@ -6,6 +6,7 @@
 Ends with 77 where namespaces can't be made.
 """
 
+import statistics
 import subprocess
 import sys
 import time
@@ -134,24 +135,29 @@ class TwoHosts(unittest.TestCase):
 
     def test_a_device_that_stops_reading_costs_no_time_and_no_memory(self):
         self.far_program(hosts.iohost(), "--device", f"0.0.0.0:{DEVICE_PORT}", "--stall")
-        self.a.create("send", NET_SEND, p402="3", p404="Clip", p406="key", p408="x" * 10_000)
-
-        def p99():
-            times = []
-            for _ in range(200):
-                started = time.perf_counter()
-                self.a.send("send", 410)
-                times.append(time.perf_counter() - started)
-            return sorted(times)[198]
-
-        # Other programs may get in between: the best of some tries is what the host itself takes.
-        self.a.ask("devices", list=[{"id": 3, "name": "None", "parser": "framed"}])
-        without_device = min(p99() for _ in range(4))
+        idle = Host()
+        self.addCleanup(idle.close)
+        for host in (self.a, idle):
+            host.create("send", NET_SEND, p402="3", p404="Clip", p406="key", p408="x" * 10_000)
+        idle.ask("devices", list=[{"id": 3, "name": "None", "parser": "framed"}])
         self.connect(self.a, port=DEVICE_PORT)
+
+        def extra_p99():
+            """By how much the slowest sends but one in a hundred take longer with the device than without. The two hosts
+            take turns, so that whatever else the machine does slows both down."""
+            times = {self.a: [], idle: []}
+            for _ in range(200):
+                for host, took in times.items():
+                    started = time.perf_counter()
+                    host.send("send", 410)
+                    took.append(time.perf_counter() - started)
+            with_device, without_device = (sorted(took)[198] for took in times.values())
+            return with_device - without_device
+
         while self.a.device()["refused"] == 0:  # until the network's buffers and the queue are full
-            p99()
+            self.a.send("send", 410)
         memory = self.a.memory()
-        self.assertLess(min(p99() for _ in range(4)) - without_device, 0.001)
+        self.assertLess(statistics.median(extra_p99() for _ in range(5)), 0.001)
         state = self.a.device()
         self.assertGreater(state["refused"], 800, state)
         self.assertLessEqual(state["queued_bytes"], MOST_QUEUED)

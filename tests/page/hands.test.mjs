@@ -3,6 +3,7 @@ import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { after, afterEach, before, beforeEach, test } from "node:test";
+import { isDeepStrictEqual } from "node:util";
 import { startBrowser } from "./support/browser.mjs";
 import { startHost } from "./support/host.mjs";
 import * as is from "./support/page.mjs";
@@ -116,17 +117,16 @@ test("dragging a hand moves the object that follows it, and the node's position"
   await page.mouse.down();
   await page.mouse.move(x + 20, y - 30, { steps: 5 });
   await page.mouse.up();
-  await until("a position", async () => (await number(is.POSITION[1])) > 1.25);
-  const place = (await matrix()).slice(12, 15);
-  for (const [axis, output] of is.POSITION.entries()) {
-    assert.ok(Math.abs((await number(output)) - place[axis]) < 0.001);
-  }
-  assert.notEqual(place[0], 0);
+  await until("the node's position at the object's", async () => {
+    const [shown, place] = [await Promise.all(is.POSITION.map(number)), (await matrix()).slice(12, 15)];
+    return shown[1] > 1.25 && place[0] !== 0 && shown.every((value, axis) => Math.abs(value - place[axis]) < 0.001);
+  });
 });
 
 test("dragging the hit point turns the hand towards it", async () => {
   await hand(1).locator(".trigger").click();
   await page.fires(is.TRIGGER_UP, 1);
+  await until("the hand's place", async () => (await number(is.POSITION[0])) !== 0 && (await number(is.HIT[2])) === -3);
   const before = [await number(is.POSITION[0]), await number(is.HIT[0])];
   const turned = (await matrix()).slice(0, 12);
   const ring = await page.page.locator(".space-hit-1").boundingBox();
@@ -136,9 +136,9 @@ test("dragging the hit point turns the hand towards it", async () => {
   await page.mouse.move(x - 40, y + 10, { steps: 5 });
   await page.mouse.up();
   await until("another hit point", async () => (await number(is.HIT[0])) < before[1] - 0.1);
+  await until("the object turned", async () => !isDeepStrictEqual((await matrix()).slice(0, 12), turned));
   assert.equal(await number(is.POSITION[0]), before[0]);
   assert.equal(await number(is.HIT[2]), -3);
-  assert.notDeepEqual((await matrix()).slice(0, 12), turned);
 });
 
 test("the hands can be worked by keys", async () => {

@@ -351,3 +351,15 @@ CString operator+(const wchar_t* pszLeft, const CString& strRight) {
     strResult += strRight;
     return strResult;
 }
+
+CString operator+(const CString& strLeft, wchar_t chRight) {
+    CString strResult(strLeft);
+    strResult += chRight;
+    return strResult;
+}
+
+CString operator+(wchar_t chLeft, const CString& strRight) {
+    CString strResult(chLeft, 1);
+    strResult += strRight;
+    return strResult;
+}

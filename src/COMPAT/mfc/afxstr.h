@@ -109,3 +109,5 @@ private:
 COMPAT_API CString operator+(const CString& strLeft, const CString& strRight);
 COMPAT_API CString operator+(const CString& strLeft, const wchar_t* pszRight);
 COMPAT_API CString operator+(const wchar_t* pszLeft, const CString& strRight);
+COMPAT_API CString operator+(const CString& strLeft, wchar_t chRight);
+COMPAT_API CString operator+(wchar_t chLeft, const CString& strRight);

@@ -9,6 +9,7 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <cstdlib>
 #include <iconv.h>
 #include <limits>
 #include <map>
@@ -22,7 +23,6 @@
 namespace {
 
 constexpr wchar_t g_chReplacement = 0xFFFD;
-std::atomic<unsigned> g_nAnsiCodePage = 1252;
 
 constexpr unsigned g_nGb18030 = 54936;
 
@@ -135,8 +135,17 @@ bool IsKnownCodePage(unsigned nCodePage) {
     return nCodePage == CP_UTF8 || FindCodePage(nCodePage) != nullptr;
 }
 
+std::atomic<unsigned>& AnsiCodePage() {
+    static std::atomic<unsigned> nAnsiCodePage = [] {
+        const char* pszSetting = std::getenv("COMPAT_ANSI_CODE_PAGE");
+        const auto nSetting = pszSetting == nullptr ? 0 : static_cast<unsigned>(std::strtoul(pszSetting, nullptr, 10));
+        return nSetting != CP_ACP && IsKnownCodePage(nSetting) ? nSetting : 1252u;
+    }();
+    return nAnsiCodePage;
+}
+
 unsigned ResolveCodePage(UINT nCodePage) {
-    return nCodePage == CP_ACP ? g_nAnsiCodePage.load() : nCodePage;
+    return nCodePage == CP_ACP ? GetACP() : nCodePage;
 }
 
 int FailConversion(DWORD nError) {
@@ -237,13 +246,13 @@ bool ReadUtf8(std::string_view strBytes, std::size_t& nPosition, std::uint32_t& 
 } // namespace
 
 UINT WINAPI GetACP() {
-    return g_nAnsiCodePage;
+    return AnsiCodePage();
 }
 
 bool CompatSetAnsiCodePage(unsigned nCodePage) {
     if (nCodePage == CP_ACP || !IsKnownCodePage(nCodePage))
         return false;
-    g_nAnsiCodePage = nCodePage;
+    AnsiCodePage() = nCodePage;
     return true;
 }
 

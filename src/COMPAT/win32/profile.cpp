@@ -1,10 +1,20 @@
 // Initialisation files.
+//
+// SimpleIni reads them, after two steps that make it answer as Windows does. Names are spelt so that no character in
+// them has a meaning to the library and that names which differ in case only are one: Windows knows no '#' comments,
+// takes a line without '=' as a key, and lets a section's name reach to the last bracket of its line. And a section
+// that occurs again gets a name that nobody asks for: Windows looks into the first one only, the library would join
+// them.
 
 #include "text.h"
 
+#define SI_IMPLEMENTATION // the class template is instantiated here,
+#define SI_NO_CONVERSION  // for text as it is
+#include <SimpleIni.h>
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -50,29 +60,51 @@ std::wstring Trimmed(std::wstring_view text) {
     return std::wstring(text.substr(nFirst, text.find_last_not_of(pszBlanks) - nFirst + 1));
 }
 
-// Value of the first key of that name in the first section of that name; empty without one, and when its line has no
-// '='. A section's name reaches to the last bracket of its line.
-std::wstring ReadValue(const wchar_t* pszSection, const wchar_t* pszKey, const wchar_t* pszFileName) {
-    const std::wstring strText = ReadText(pszFileName);
-    const std::wstring strSection = FoldCase(Trimmed(pszSection));
-    const std::wstring strKey = FoldCase(Trimmed(pszKey));
-    bool bInside = false;
+// A section's or key's name as the library gets it: ASCII letters, digits and '_' only.
+std::string LibraryName(std::wstring_view name) {
+    std::string strResult = "_";
+    for (const wchar_t ch : FoldCase(Trimmed(name))) {
+        if ((ch >= L'0' && ch <= L'9') || (ch >= L'a' && ch <= L'z') || (ch >= L'A' && ch <= L'Z'))
+            strResult += static_cast<char>(ch);
+        else
+            strResult += '_' + std::to_string(static_cast<unsigned>(ch)) + '_';
+    }
+    return strResult;
+}
+
+// The file as the library gets it. A value ends at a zero.
+std::string LibraryText(const std::wstring& strText) {
+    std::string strResult;
+    std::set<std::string> sections;
     for (std::size_t nStart = 0; nStart < strText.size();) {
         const std::size_t nEnd = std::min(strText.find_first_of(L"\r\n", nStart), strText.size());
         const std::wstring strLine = Trimmed(std::wstring_view(strText).substr(nStart, nEnd - nStart));
         nStart = nEnd + 1;
         const std::size_t nBracket = strLine.rfind(L']');
         const std::size_t nEquals = strLine.find(L'=');
+        if (strLine.empty() || strLine.starts_with(L';'))
+            continue;
         if (strLine.starts_with(L'[') && nBracket != std::wstring::npos) {
-            if (bInside)
-                break;
-            bInside = FoldCase(Trimmed(strLine.substr(1, nBracket - 1))) == strSection;
-        } else if (bInside && !strLine.empty() && !strLine.starts_with(L';') &&
-                   FoldCase(Trimmed(strLine.substr(0, nEquals))) == strKey) {
-            return nEquals == std::wstring::npos ? std::wstring() : Trimmed(strLine.substr(nEquals + 1));
+            const std::string strSection = LibraryName(strLine.substr(1, nBracket - 1));
+            strResult += '[' + (sections.insert(strSection).second ? strSection : "again") + "]\n";
+        } else {
+            const std::wstring strValue = nEquals == std::wstring::npos ? L"" : strLine.substr(nEquals + 1);
+            strResult += LibraryName(strLine.substr(0, nEquals)) + '=' + WideToUtf8(strValue.c_str()) + '\n';
         }
     }
-    return std::wstring();
+    return strResult;
+}
+
+// Value of the first key of that name; empty without one.
+std::wstring ReadValue(const wchar_t* pszSection, const wchar_t* pszKey, const wchar_t* pszFileName) {
+    CSimpleIniA ini;
+    ini.SetMultiKey(true); // keeps all keys of a name, so that the first can be taken
+    CSimpleIniA::TNamesDepend values;
+    if (ini.LoadData(LibraryText(ReadText(pszFileName))) < SI_OK ||
+        !ini.GetAllValues(LibraryName(pszSection).c_str(), LibraryName(pszKey).c_str(), values))
+        return std::wstring();
+    values.sort(CSimpleIniA::Entry::LoadOrder());
+    return Trimmed(ToWide(CP_UTF8, values.front().pItem));
 }
 
 std::wstring WithoutQuotes(const std::wstring& strValue) {

@@ -233,7 +233,8 @@ COMPAT_API UINT WINAPI GetPrivateProfileIntW(LPCWSTR pszSection, LPCWSTR pszKey,
 #define WC_COMPOSITECHECK 0x00000200
 #define WC_NO_BEST_FIT_CHARS 0x00000400
 
-// The ANSI code page: 1252 unless changed (compat/testing.h).
+// The ANSI code page: that of the environment variable COMPAT_ANSI_CODE_PAGE, read once; 1252 when it is missing or
+// names none that is known. Tests change it (compat/testing.h).
 COMPAT_API UINT WINAPI GetACP();
 
 // Wide text to bytes. nWideLength -1: up to and including the zero. nBytes 0 asks for the length needed. Returns the
