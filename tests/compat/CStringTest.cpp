@@ -146,6 +146,23 @@ TEST(CStringTest, ComparesByCharacterValue) {
     EXPECT_GT(strText.Compare(nullptr), 0);
 }
 
+TEST(CStringTest, OrdersByCharacterValueNotByAddress) {
+    const CString strLow(L"abc");
+    const CString strHigh(L"abd");
+    const CString strSame(L"abc", 3);
+    ASSERT_NE(strLow.GetString(), strSame.GetString());
+    EXPECT_TRUE(strLow <= strSame && strLow >= strSame);
+    EXPECT_FALSE(strLow < strSame || strLow > strSame);
+    EXPECT_TRUE(strLow < strHigh && strHigh > strLow && strLow <= strHigh && strHigh >= strLow);
+    EXPECT_FALSE(strHigh < strLow || strLow > strHigh || strHigh <= strLow || strLow >= strHigh);
+
+    const wchar_t szSame[] = L"abc";
+    EXPECT_TRUE(strLow <= szSame && strLow >= szSame && szSame <= strLow && szSame >= strLow);
+    EXPECT_TRUE(strHigh > szSame && szSame < strHigh && strHigh >= szSame && szSame <= strHigh);
+    EXPECT_FALSE(strHigh < szSame || szSame > strHigh || strHigh <= szSame || szSame >= strHigh);
+    EXPECT_TRUE(CString(L"B") < L"a" && CString(L"ab") < L"abc" && CString() < L"a");
+}
+
 TEST(CStringTest, ReadsTheZeroAtTheEndButNothingBehind) {
     CString strText(L"ab");
     EXPECT_EQ(strText.GetAt(1), L'b');

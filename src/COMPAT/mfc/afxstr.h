@@ -6,6 +6,7 @@
 #endif
 #include <windows.h>
 
+#include <compare>
 #include <cstdarg>
 
 // What lies in front of the characters of every CString. Strings of one buffer share it; a writer takes a copy first.
@@ -92,9 +93,15 @@ public:
     // Makes room for so many characters, so that what is appended up to there moves nothing.
     void Preallocate(int nLength);
 
-    // The other comparisons for equality follow from these.
+    // The other comparisons follow from these. Without the ones for the order, '<' would compare addresses.
     friend bool operator==(const CString& strLeft, const CString& strRight) { return strLeft.Compare(strRight) == 0; }
     friend bool operator==(const CString& strLeft, const wchar_t* pszRight) { return strLeft.Compare(pszRight) == 0; }
+    friend std::weak_ordering operator<=>(const CString& strLeft, const CString& strRight) {
+        return strLeft.Compare(strRight) <=> 0;
+    }
+    friend std::weak_ordering operator<=>(const CString& strLeft, const wchar_t* pszRight) {
+        return strLeft.Compare(pszRight) <=> 0;
+    }
 
 private:
     CStringData* GetData() const noexcept { return reinterpret_cast<CStringData*>(m_pszData) - 1; }
