@@ -1,5 +1,8 @@
 # Libraries from the system; why each is there stands in docs/architecture.md.
 
+if(MSVC)
+  return() # the host brings them: host_sdk.cmake
+endif()
 if(CMAKE_CROSSCOMPILING)
   include(${CMAKE_CURRENT_LIST_DIR}/windows_dependencies.cmake)
   return()

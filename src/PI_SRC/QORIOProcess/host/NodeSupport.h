@@ -3,9 +3,9 @@
 
 #include <utility>
 
-#include "EventRecord.h"
-#include "HostLog.h"
-#include "HostRender.h"
+#include "host/EventRecord.h"
+#include "host/HostLog.h"
+#include "host/HostRender.h"
 
 /// The node's input as the graph supplies it (the graph node's inputs first, then the node's own groups); null if
 /// absent.

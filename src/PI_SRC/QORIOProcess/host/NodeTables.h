@@ -5,7 +5,7 @@
 #include <optional>
 #include <span>
 
-#include "NodeBase.h"
+#include "host/NodeBase.h"
 
 /// The four numbers given to SetParamValue.
 struct ParamRange {
