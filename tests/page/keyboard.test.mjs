@@ -191,6 +191,19 @@ test("a held key fires the press once, the hold at its interval, and the release
   assert.equal(await page.count(is.CHECK_HOLD), seen);
 });
 
+test("presses and releases that come faster than frames are missed by no key check node", async () => {
+  await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 65 });
+  const PRESSES = 50;
+  await Promise.all(
+    Array.from({ length: PRESSES }, () => [
+      must(script, { op: "keys", down: [65] }),
+      must(script, { op: "keys", down: [] }),
+    ]).flat(),
+  );
+  await page.fires(is.CHECK_DOWN, PRESSES);
+  await page.fires(is.CHECK_UP, PRESSES);
+});
+
 test("a key check node's modifiers are those that are held on the page", async () => {
   await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 0x241 });
   await page.focus();

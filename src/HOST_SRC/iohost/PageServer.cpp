@@ -72,6 +72,7 @@ private:
 
     OrderedJson TakeObjectText(const SObjectAddress& object, const std::string& strText);
     void Frame();
+    void ShowKeysToNodes(const KeySet& keysBefore);
     void GuardedFrame();
     void TellHappened(const OrderedJson& happened, const CWebSocketClient* pButFor);
     void TellSceneChange();
@@ -206,6 +207,7 @@ void CPageServer::OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClien
 
 void CPageServer::OnClientText(CWebSocketClient& client, std::string_view text) {
     SClient& known = m_clients.at(&client);
+    const KeySet keysBefore = m_session.Held().VirtualKeys();
     OrderedJson reply;
     try {
         reply = m_session.Handle(ParseJson(text, "request"), &known.held);
@@ -216,6 +218,7 @@ void CPageServer::OnClientText(CWebSocketClient& client, std::string_view text) 
     TellHappened(HappenedIn(reply), &client);
     TellSceneChange();
     TellHeld();
+    ShowKeysToNodes(keysBefore);
     if (m_session.HasQuit()) {
         Stop();
     }
@@ -223,9 +226,11 @@ void CPageServer::OnClientText(CWebSocketClient& client, std::string_view text) 
 
 void CPageServer::OnClientClosed(CWebSocketClient& client) {
     CHeldInput& held = m_clients.at(&client).held;
+    const KeySet keysBefore = m_session.Held().VirtualKeys();
     m_clients.erase(&client);
     TellHappened(HappenedIn(m_session.CloseConnection(held, "its connection closed")), nullptr);
     TellHeld();
+    ShowKeysToNodes(keysBefore);
     if (m_bStopping && m_clients.empty()) {
         m_context.stop();
     }
@@ -241,6 +246,14 @@ OrderedJson CPageServer::TakeObjectText(const SObjectAddress& object, const std:
     TellHappened(HappenedIn(reply), nullptr);
     TellSceneChange();
     return reply;
+}
+
+/// Nodes look at the keyboard when they are evaluated: a frame right after each change lets them miss none of those that
+/// come between two frames.
+void CPageServer::ShowKeysToNodes(const KeySet& keysBefore) {
+    if (m_session.Held().VirtualKeys() != keysBefore) {
+        GuardedFrame();
+    }
 }
 
 /// The next frame comes whatever becomes of this one.

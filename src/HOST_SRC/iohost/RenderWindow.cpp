@@ -152,6 +152,14 @@ void CRenderWindow::HandleMessages() {
     MSG message;
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
         DispatchMessageW(&message);
+        const bool bKey = message.message == WM_KEYDOWN || message.message == WM_KEYUP ||
+                          message.message == WM_SYSKEYDOWN || message.message == WM_SYSKEYUP;
+        if (bKey) {
+            // The keyboard's state changes with each of these messages, and nodes look at it when they are evaluated: a
+            // frame right after each lets them miss none of those that come between two frames.
+            HandleInput();
+            Frame();
+        }
     }
 }
 
