@@ -4,6 +4,7 @@
 #include <cmath>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <type_traits>
 
 #include "HostSetup.h"
@@ -15,11 +16,26 @@ using JsonString = utility::string_t;
 
 IJsonSink* s_pSink = nullptr;
 
+/// The text of UTF-8 in which halves of surrogate pairs may stand alone, three bytes each: JSON has escapes for them.
+CString FromJsonUtf8(std::string_view text) {
+    CString strText;
+    size_t nDone = 0;
+    for (size_t i = text.find('\xED'); i != std::string_view::npos; i = text.find('\xED', i + 1)) {
+        const std::string_view trail = text.substr(i + 1, 2);
+        if (trail.size() == 2 && (trail[0] & 0xE0) == 0xA0 && (trail[1] & 0xC0) == 0x80) {
+            strText += FromUtf8(text.substr(nDone, i - nDone));
+            strText += static_cast<wchar_t>(0xD000 | (trail[0] & 0x3F) << 6 | (trail[1] & 0x3F));
+            nDone = i + 3;
+        }
+    }
+    return nDone == 0 ? FromUtf8(text) : strText + FromUtf8(text.substr(nDone));
+}
+
 CString FromJsonText(const JsonString& text) {
     if constexpr (std::is_same_v<utility::char_t, wchar_t>) {
         return CString(reinterpret_cast<const wchar_t*>(text.data()), static_cast<int>(text.size()));
     } else {
-        return FromUtf8(std::string_view(reinterpret_cast<const char*>(text.data()), text.size()));
+        return FromJsonUtf8(std::string_view(reinterpret_cast<const char*>(text.data()), text.size()));
     }
 }
 

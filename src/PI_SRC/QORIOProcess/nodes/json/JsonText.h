@@ -3,6 +3,6 @@
 
 #include "host/HostJson.h"
 
-/// The value that the text says as a whole; the null value, too, for text that isn't JSON. Every build of the library
-/// reads the same text as the same value.
+/// The value that the text says as a whole; the null value, too, for text that isn't JSON. The wide build of the
+/// library reads the text itself; the UTF-8 build reads it as the wide one does.
 web::json::value ParseJsonText(const CString& strText);
