@@ -70,6 +70,29 @@ TEST(Options, TheWindowHasASizeAndAFrameRate) {
     EXPECT_EQ(chosen.window.fFps, 30);
 }
 
+TEST(Options, TheStandInDeviceCanMisbehave) {
+    const SOptions plain = Parse({"--device", "9000"});
+    EXPECT_EQ(plain.nFront, EFront::Device);
+    EXPECT_EQ(plain.device.strAddress, "127.0.0.1");
+    EXPECT_EQ(plain.device.nPort, 9000);
+    EXPECT_TRUE(plain.device.bFramed);
+    EXPECT_FALSE(plain.device.delay);
+    EXPECT_FALSE(plain.device.dropAfter);
+    EXPECT_FALSE(plain.device.bRefuse);
+    EXPECT_FALSE(plain.device.bStall);
+    EXPECT_TRUE(plain.device.strSay.empty());
+    const SOptions direct =
+        Parse({"--device", "[::1]:9001", "--parser", "direct", "--delay", "250", "--say", "{}", "--drop-after", "7"});
+    EXPECT_EQ(direct.device.strAddress, "::1");
+    EXPECT_EQ(direct.device.nPort, 9001);
+    EXPECT_FALSE(direct.device.bFramed);
+    EXPECT_EQ(direct.device.delay, 250u);
+    EXPECT_EQ(direct.device.strSay, "{}");
+    EXPECT_EQ(direct.device.dropAfter, 7u);
+    EXPECT_TRUE(Parse({"--device", "1", "--refuse"}).device.bRefuse);
+    EXPECT_TRUE(Parse({"--device", "1", "--stall"}).device.bStall);
+}
+
 TEST(Options, HelpAndVersionNeedNoFront) {
     EXPECT_EQ(Parse({"--help"}).nFront, EFront::Help);
     EXPECT_EQ(Parse({"--version"}).nFront, EFront::Version);
@@ -105,6 +128,12 @@ TEST(Options, WrongOnesAreNamed) {
          "--listen: --stdio, --listen, --window, --device, --describe and --replay exclude each other"},
         {{"--stdio", "--web", "w"}, "--web: goes with --listen only"},
         {{"--stdio", "--say", "t"}, "--say: goes with --device only"},
+        {{"--stdio", "--stall"}, "--stall: goes with --device only"},
+        {{"--device", "65536"}, R"(--device: "65536" isn't an address and a port, as in 127.0.0.1:8040)"},
+        {{"--device", "1", "--parser", "json"}, R"(--parser: "json" is none of framed, direct)"},
+        {{"--device", "1", "--delay", "soon"}, R"(--delay: "soon" isn't a whole number)"},
+        {{"--device", "1", "--delay", "-1"}, R"(--delay: "-1" isn't a whole number)"},
+        {{"--device", "1", "--drop-after"}, "--drop-after: needs a value"},
         {{"--describe"}, "--describe: needs a value"},
         {{"--describe", "html"}, R"(--describe: "html" isn't markdown, the only form there is)"},
         {{"--describe", "markdown", "--scene", "s"}, "--scene: goes with --stdio, --listen and --window only"},

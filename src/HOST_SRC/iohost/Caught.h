@@ -34,10 +34,10 @@ void RunLoop(Run run) {
     }
 }
 
-/// Start a coroutine; what it throws is logged.
-template <typename Function>
-void Spawn(boost::asio::io_context& context, const char* pszWhat, Function function) {
-    boost::asio::co_spawn(context, std::move(function), [pszWhat](std::exception_ptr pThrown) {
+/// Start a coroutine on an executor or in a loop; what it throws is logged.
+template <typename Place, typename Function>
+void Spawn(Place&& place, const char* pszWhat, Function function) {
+    boost::asio::co_spawn(std::forward<Place>(place), std::move(function), [pszWhat](std::exception_ptr pThrown) {
         if (pThrown != nullptr) {
             try {
                 std::rethrow_exception(pThrown);

@@ -2,8 +2,6 @@
 
 #include "Listener.h"
 
-#include <boost/asio/co_spawn.hpp>
-#include <boost/asio/detached.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/write.hpp>
 
@@ -15,6 +13,7 @@
 #include <memory>
 #include <vector>
 
+#include "Caught.h"
 #include "PeerLoop.h"
 #include "PlayControlParser.h"
 #include "RecordJson.h"
@@ -161,9 +160,8 @@ private:
         m_nAnswerBytes += bytes.size();
         if (!m_bAnswering) {
             m_bAnswering = true;
-            asio::co_spawn(
-                m_socket.get_executor(), [pSelf = shared_from_this()] { return pSelf->WriteAnswers(); },
-                asio::detached);
+            Spawn(m_socket.get_executor(), "a connection isn't answered any longer",
+                  [pSelf = shared_from_this()] { return pSelf->WriteAnswers(); });
         }
     }
 
@@ -219,8 +217,7 @@ Awaitable<void> AcceptConnections(TcpAcceptor& acceptor, const SStandInOptions& 
                 stalled.pop_front();
             }
         }
-        asio::co_spawn(
-            acceptor.get_executor(), [pConnection] { return pConnection->Run(); }, asio::detached);
+        Spawn(acceptor.get_executor(), "a connection failed", [pConnection] { return pConnection->Run(); });
     }
 }
 
@@ -252,8 +249,8 @@ int RunStandInDevice(const SStandInOptions& options, std::ostream& output) {
             context.stop();
         }
     });
-    asio::co_spawn(
-        context, [&] { return AcceptConnections(acceptor, options, lines, stalled); }, asio::detached);
+    Spawn(context, "connections aren't taken any longer",
+          [&] { return AcceptConnections(acceptor, options, lines, stalled); });
     context.run();
     return 0;
 }

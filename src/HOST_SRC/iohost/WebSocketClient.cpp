@@ -1,9 +1,9 @@
 #include "WebSocketClient.h"
 
-#include <boost/asio/co_spawn.hpp>
-#include <boost/asio/detached.hpp>
 #include <boost/beast/core/buffers_to_string.hpp>
 #include <boost/beast/websocket/rfc6455.hpp>
+
+#include "Caught.h"
 
 namespace asio = boost::asio;
 namespace beast = boost::beast;
@@ -17,6 +17,8 @@ constexpr size_t MOST_QUEUED_BYTES = size_t{8} * 1024 * 1024;
 constexpr std::chrono::seconds HANDSHAKE_TIME{10};
 constexpr std::chrono::seconds PING_PERIOD{10};
 constexpr std::chrono::seconds LONGEST_SILENCE{30};
+
+constexpr char CANT_WRITE[] = "a page isn't written to any longer";
 
 } // namespace
 
@@ -39,8 +41,8 @@ Awaitable<void> CWebSocketClient::Run(UpgradeRequest request) {
     }
     m_socket.text(true);
     Heard();
-    asio::co_spawn(
-        m_socket.get_executor(), [pSelf] { return pSelf->WatchSilence(); }, asio::detached);
+    Spawn(m_socket.get_executor(), "a page's silence isn't noticed any longer",
+          [pSelf] { return pSelf->WatchSilence(); });
     m_listener.OnClientOpened(pSelf);
     co_await ReadTexts();
     m_silenceTimer.cancel();
@@ -71,8 +73,7 @@ void CWebSocketClient::Send(std::shared_ptr<const std::string> pText) {
         Drop();
     } else if (!m_bWriting) {
         m_bWriting = true;
-        asio::co_spawn(
-            m_socket.get_executor(), [pSelf = shared_from_this()] { return pSelf->WriteQueue(); }, asio::detached);
+        Spawn(m_socket.get_executor(), CANT_WRITE, [pSelf = shared_from_this()] { return pSelf->WriteQueue(); });
     }
 }
 
@@ -101,8 +102,7 @@ void CWebSocketClient::Close() {
     }
     m_bClosing = true;
     if (!m_bWriting) {
-        asio::co_spawn(
-            m_socket.get_executor(), [pSelf = shared_from_this()] { return pSelf->WriteQueue(); }, asio::detached);
+        Spawn(m_socket.get_executor(), CANT_WRITE, [pSelf = shared_from_this()] { return pSelf->WriteQueue(); });
     }
 }
 
