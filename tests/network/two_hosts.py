@@ -29,7 +29,9 @@ while data := connection.recv(65536):
 """
 
 
-class TwoHosts(unittest.TestCase):
+class OverACable(unittest.TestCase):
+    """Host "a" is here, host "b" in the other namespace."""
+
     @classmethod
     def setUpClass(cls):
         cls.far = Namespace()
@@ -64,6 +66,8 @@ class TwoHosts(unittest.TestCase):
             time.sleep(0.01)
         self.assertEqual(host.device()["state"], "connected", host.device())
 
+
+class TwoHosts(OverACable):
     def create_record_nodes(self):
         self.a.create("send", NET_SEND, p402="3", p404="Clip", p406="key", p408="first")
         self.b.create("receive", NET_RECEIVE, p503="key")
@@ -133,6 +137,8 @@ class TwoHosts(unittest.TestCase):
                             break
                 self.assertEqual(self.b.output("receive", 552), f"after {seconds}", self.a.device())
 
+
+class FrameTimes(OverACable):
     def test_a_device_that_stops_reading_costs_no_time_and_no_memory(self):
         self.far_program(hosts.iohost(), "--device", f"0.0.0.0:{DEVICE_PORT}", "--stall")
         idle = Host()

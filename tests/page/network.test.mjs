@@ -201,7 +201,7 @@ test("the listen-only switch shows what would be sent instead of sending it, on 
   const other = await is.openPage(browser, host);
   await other.page.locator("[data-tab=network]").click();
 
-  await page.page.locator("[data-listen-only]").check();
+  await is.turn(page.page.locator("[data-listen-only]"), true);
   await until("the other page's switch", () => other.page.locator("[data-listen-only]").isChecked());
   await pressSend("text", STRING_SEND.send);
   await shows("device-3", "shown", "1");
@@ -210,7 +210,7 @@ test("the listen-only switch shows what would be sent instead of sending it, on 
   assert.equal(await bytes.locator("[data-bytes=text]").innerText(), "first.");
   assert.equal(await bytes.locator("[data-bytes=hex]").innerText(), "66 69 72 73 74 00");
 
-  await other.page.locator("[data-listen-only]").uncheck();
+  await is.turn(other.page.locator("[data-listen-only]"), false);
   await until("this page's switch", async () => !(await page.page.locator("[data-listen-only]").isChecked()));
   await ask({ op: "set", node: "text", param: STRING_SEND.text, string: "second" });
   await pressSend("text", STRING_SEND.send);
@@ -250,9 +250,9 @@ test("the device of a send node is chosen from the list, and its name follows", 
   await pressSend("text", STRING_SEND.send);
   await until("the text", () => desk.received.equals(Buffer.from("GO\0")));
 
-  await input("send", NET_SEND.toDev).uncheck(); // to all: there is nothing to choose
+  await is.turn(input("send", NET_SEND.toDev), false); // to all: there is nothing to choose
   await until("the choice to be closed", () => input("send", NET_SEND.devId).isDisabled());
-  await input("send", NET_SEND.toDev).check();
+  await is.turn(input("send", NET_SEND.toDev), true);
   await until("the choice to be open", () => input("send", NET_SEND.devId).isEnabled());
 });
 

@@ -42,14 +42,14 @@ test("each node has its icon, its graph node's name and its clip", async () => {
 
 test("switching a node off stops its events, and every page shows the switch", async () => {
   const other = await is.openPage(browser, host);
-  await enable(page, "k").uncheck();
+  await is.turn(enable(page, "k"), false);
   await until("the other page's switch", async () => !(await enable(other, "k").isChecked()));
   await page.focus();
   await page.keyboard.press("a");
   await page.fires(is.LEFT_UP, 1);
   assert.equal(await page.count(is.KEY_DOWN), 0);
 
-  await enable(other, "k").check();
+  await is.turn(enable(other, "k"), true);
   await until("this page's switch", () => enable(page, "k").isChecked());
   await page.keyboard.press("a");
   await page.fires(is.KEY_DOWN, 1);

@@ -1,5 +1,5 @@
 // What the tests read off the page and do to it.
-import { expectEventually } from "./session.mjs";
+import { expectEventually, until } from "./session.mjs";
 
 export const KEY_DOWN = ["k", 152];
 export const KEY_UP = ["k", 153];
@@ -102,6 +102,13 @@ export async function openPage(browser, host, { panel = "log", scripts = [] } = 
     logs: (text) => page.locator("[data-log] .line-text", { hasText: text }).first().waitFor({ timeout: 15000 }),
     close: () => context.close(),
   };
+}
+
+/** Clicks a switch that isn't so yet, and waits until it shows it: switches follow the host's answer. */
+export async function turn(locator, on) {
+  await until(`a switch that is ${on ? "off" : "on"}`, async () => (await locator.isChecked()) !== on);
+  await locator.click();
+  await until(`a switch that is ${on ? "on" : "off"}`, async () => (await locator.isChecked()) === on);
 }
 
 async function touchScreen(context, page, box) {
