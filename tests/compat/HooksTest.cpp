@@ -61,6 +61,13 @@ TEST(HooksTest, Utf8HasNoDefaultCharacter) {
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
 }
 
+TEST(HooksTest, Utf8ComposesNothing) {
+    char bytes[4];
+    SetLastError(0);
+    EXPECT_EQ(WideCharToMultiByte(CP_UTF8, WC_COMPOSITECHECK, L"a", 1, bytes, 4, nullptr, nullptr), 0);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_FLAGS));
+}
+
 TEST(HooksTest, EachByteOfAnEncodedSurrogateOrOverlongFormIsReplaced) {
     for (const std::string strBytes : {"\xED\xA0\x80", "\xE0\x80\x80", "\xF0\x80\x80\x80", "\xF4\x90\x80\x80"}) {
         wchar_t wide[4];

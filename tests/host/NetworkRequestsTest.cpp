@@ -14,6 +14,7 @@ const char* const RECEIVE_TYPE = "{8164BB40-6B6A-4707-88B7-386BCB0D1B05}";
 const char* const BROADCAST_RECEIVE_TYPE = "{8164BB40-6B6A-4707-88B7-386BCB0D1B0D}";
 const char* const STRING_SEND_TYPE = "{8164BB40-6B6A-4707-88B7-386BCB0D1B0F}";
 
+const char* const NOBODYS_ADDRESS = "192.0.2.1"; // kept free for documents
 const char* const BROADCAST = "[.{<Broadcast Flag=\"1\" ClipName=\"Intro\" Name=\"score\" Data=\"12|7\"/>\r\n}.]";
 
 class NetworkRequests : public CHostTest {
@@ -701,18 +702,31 @@ TEST_F(NetworkRequests, ListeningMovesToAnotherAddressOfTheSamePort) {
 
     // An address that this machine doesn't have is refused, and the one that there is stays.
     Json nowhere = same;
-    nowhere["address"] = "192.0.2.1";
-    EXPECT_NE(RefusalOf(nowhere).find("broadcast"), std::string::npos);
-    m_peers.SendDatagram(first["broadcast"], BROADCAST);
-    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
+    nowhere["address"] = NOBODYS_ADDRESS;
     nowhere["broadcast"] = nullptr;
     EXPECT_NE(RefusalOf(nowhere).find("control"), std::string::npos);
+    m_peers.SendDatagram(first["broadcast"], BROADCAST);
+    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
     auto other = m_peers.Connect(first["control"]);
     CTestPeers::Write(other, RecordFrame());
     EXPECT_EQ(Wait()["dispatched"].size(), 1u);
     const OrderedJson state = Do({{"op", "network"}});
     EXPECT_EQ(state["broadcast"]["errors"], 0);
     EXPECT_EQ(state["control"]["errors"], 0);
+}
+
+TEST_F(NetworkRequests, BroadcastsOnAnAddressOfAnotherMachineAreRefused) {
+    boost::asio::ip::udp::socket socket(m_peers.Context(), boost::asio::ip::udp::v4());
+    boost::system::error_code error;
+    if (!socket.bind({boost::asio::ip::make_address(NOBODYS_ADDRESS), 0}, error)) {
+        GTEST_SKIP() << "this system gives datagram sockets any address";
+    }
+    const OrderedJson first = Do({{"op", "listen"}, {"address", "127.0.0.1"}, {"broadcast", 0}});
+    const std::string strError =
+        RefusalOf({{"op", "listen"}, {"address", NOBODYS_ADDRESS}, {"broadcast", first["broadcast"]}});
+    EXPECT_NE(strError.find("broadcast"), std::string::npos);
+    m_peers.SendDatagram(first["broadcast"], BROADCAST);
+    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
 }
 
 /// Fails on the first items of each kind of exception.

@@ -1,6 +1,7 @@
 #include "host/HostCommon.h"
 
 #include <fstream>
+#include <iterator>
 #include <map>
 
 #include <nlohmann/json.hpp>
@@ -42,8 +43,10 @@ CString PXGetPath(int nKind) {
         return CString();
     }
     if (Setup().bConfigurationHidden) {
-        // No file system has names of that length. An empty answer would lead to the root folder.
-        return Setup().strAppPath + L"\\" + CString(L'x', 300);
+        // The program's own file: nothing lies in a file. An empty answer would lead to the root folder.
+        wchar_t szFile[4096];
+        return CString(szFile,
+                       static_cast<int>(GetModuleFileNameW(nullptr, szFile, static_cast<DWORD>(std::size(szFile)))));
     }
     return Setup().strAppPath + L"\\Config";
 }

@@ -134,7 +134,7 @@ bool CWindowInput::OnMessage(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lPa
         OnLeave(hWnd);
         return true;
     case WM_CAPTURECHANGED:
-        OnCaptureLost();
+        OnCaptureLost(hWnd);
         return true;
     default:
         if (const SButton* pButton = SButton::Find(nMessage)) {
@@ -196,6 +196,7 @@ void CWindowInput::OnButton(HWND hWnd, const SButton& button, bool bDown) {
         SendPointer(hWnd, button.nUpEvent);
         if (m_nButtons == 0) {
             ReleaseCapture();
+            OnDragEnded(hWnd);
         }
     }
 }
@@ -218,15 +219,28 @@ void CWindowInput::OnHover(HWND hWnd) {
     }
 }
 
+/// While a button is down the pointer stays the window's, wherever it goes.
 void CWindowInput::OnLeave(HWND hWnd) {
-    if (std::exchange(m_bInside, false)) {
+    if (m_nButtons == 0 && std::exchange(m_bInside, false)) {
         SendPointer(hWnd, EVENT_LEAVE_WINDOW);
     }
 }
 
-void CWindowInput::OnCaptureLost() {
+void CWindowInput::OnCaptureLost(HWND hWnd) {
     if (std::exchange(m_nButtons, 0) != 0) {
         Release(DEVICE_POINTER, "the pointer was taken away");
+        OnDragEnded(hWnd);
+    }
+}
+
+/// The system has told, or will not tell, that the pointer left during the drag.
+void CWindowInput::OnDragEnded(HWND hWnd) {
+    RECT area = {};
+    GetClientRect(hWnd, &area);
+    if (PtInRect(&area, m_ptPlace)) {
+        TrackPointer(hWnd);
+    } else {
+        OnLeave(hWnd);
     }
 }
 

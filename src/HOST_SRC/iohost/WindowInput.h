@@ -33,7 +33,8 @@ private:
     void OnWheel(HWND hWnd, int nDelta, POINT ptScreen);
     void OnHover(HWND hWnd);
     void OnLeave(HWND hWnd);
-    void OnCaptureLost();
+    void OnCaptureLost(HWND hWnd);
+    void OnDragEnded(HWND hWnd);
 
     void SendKey(int nEvent, const std::string& strText);
     void SendPointer(HWND hWnd, int nEvent);
