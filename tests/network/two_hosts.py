@@ -6,7 +6,6 @@
 Ends with 77 where namespaces can't be made.
 """
 
-import statistics
 import subprocess
 import sys
 import time
@@ -148,22 +147,23 @@ class FrameTimes(OverACable):
         idle.ask("devices", list=[{"id": 3, "name": "None", "parser": "framed"}])
         self.connect(self.a, port=DEVICE_PORT)
 
-        def extra_p99():
-            """By how much the slowest sends but one in a hundred take longer with the device than without. The two hosts
-            take turns, so that whatever else the machine does slows both down."""
+        def p99s():
+            """How long the slowest sends but one in a hundred take with the device and without. The two hosts take turns,
+            so that whatever else the machine does slows both down."""
             times = {self.a: [], idle: []}
-            for _ in range(200):
+            for _ in range(100):
                 for host, took in times.items():
                     started = time.perf_counter()
                     host.send("send", 410)
                     took.append(time.perf_counter() - started)
-            with_device, without_device = (sorted(took)[198] for took in times.values())
-            return with_device - without_device
+            return [sorted(took)[98] for took in times.values()]
 
         while self.a.device()["refused"] == 0:  # until the network's buffers and the queue are full
             self.a.send("send", 410)
         memory = self.a.memory()
-        self.assertLess(statistics.median(extra_p99() for _ in range(5)), 0.001)
+        # Other programs may get in between: the best of the tries is what the hosts themselves take.
+        with_device, without_device = map(min, zip(*(p99s() for _ in range(15))))
+        self.assertLess(with_device - without_device, 0.001)
         state = self.a.device()
         self.assertGreater(state["refused"], 800, state)
         self.assertLessEqual(state["queued_bytes"], MOST_QUEUED)
@@ -176,7 +176,7 @@ class FrameTimes(OverACable):
         host.create("send", NET_SEND, p402="3", p404="Clip", p406="key", p408="x" * 10_000)
         host.ask("set", node="send", param=410, int=1)  # in every frame
 
-        def frames(seconds=2):
+        def frames(seconds=1):
             """How many frames there were, and how long the slowest one took to come."""
             came = [(at, push["frame"]) for at, push in host.take_pushes(seconds) if push.get("push") == "happened"]
             return came[-1][1] - came[0][1], max(later[0] - earlier[0] for earlier, later in zip(came, came[1:]))
@@ -184,10 +184,12 @@ class FrameTimes(OverACable):
         host.ask("devices", list=[{"id": 3, "name": "None", "parser": "framed"}])
         without_device = max(frames() for _ in range(3))
         self.connect(host, port=DEVICE_PORT)
-        while host.device()["refused"] == 0:
-            frames(1)
+        host.ask("set", node="send", param=408, string="x" * 60_000)
+        while host.device()["refused"] == 0:  # until the network's buffers and the queue are full
+            time.sleep(0.1)
+        host.ask("set", node="send", param=408, string="x" * 10_000)
         tries = [frames() for _ in range(3)]
-        self.assertGreaterEqual(max(count for count, _ in tries), without_device[0] - 2)
+        self.assertGreaterEqual(max(count for count, _ in tries), without_device[0] - 1)
         self.assertLess(min(longest for _, longest in tries), 0.1)
 
 
