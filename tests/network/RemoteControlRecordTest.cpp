@@ -130,6 +130,10 @@ TEST(RemoteControlRecord, TakesReferencesOfEveryForm) {
     ASSERT_TRUE(record.SetXmlDoc(
         FromUtf8(Replaced(SAMPLE_XML, "Intro", "&apos;&#39;&#x27;&#x4E2d;&#0000065;&amp;amp;&#x1F600;&#x10FFFF;"))));
     EXPECT_EQ(Utf8(record.m_strClipName), "'''\u4e2dA&amp;\U0001F600\U0010FFFF");
+    // The last and the first character of each length in bytes.
+    ASSERT_TRUE(record.SetXmlDoc(
+        FromUtf8(Replaced(SAMPLE_XML, "Intro", "&#x7F;&#x80;&#x7FF;&#x800;&#xD7FF;&#xE000;&#xFFFF;&#x10000;"))));
+    EXPECT_EQ(Utf8(record.m_strClipName), "\x7F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000");
 }
 
 TEST(RemoteControlRecord, LineEndsAndTabsWithinAValueAreSpaces) {
