@@ -49,15 +49,6 @@ const void* Find(const CPlacedNode& placed, const LookUp& lookUp) {
     return nullptr;
 }
 
-void AddParam(SQOREvent& event, unsigned nId, const wchar_t* pszName, const wchar_t* pszDisplayKey, void* pValue,
-              std::wstring_view typeName) {
-    auto* pParam =
-        new VEKParam(nId, pszName, PXLoadString(pszDisplayKey), PARAM_POINTER.m_nType, PARAM_POINTER.m_nControl);
-    pParam->m_pValue = pValue;
-    std::copy(typeName.begin(), typeName.end(), pParam->m_szTypeName);
-    event.m_lstParam.AddTail(pParam);
-}
-
 void PostSameEvent(const CPlacedNode& placed, const Fired& fired) {
     VEKProperty* pNode = placed.m_pNode;
     if (fired.pszLogFormat != nullptr) {
@@ -65,12 +56,11 @@ void PostSameEvent(const CPlacedNode& placed, const Fired& fired) {
                            pNode->m_pOwnerClip->m_strName.GetString(), placed.m_graphNode.m_strName.GetString(),
                            pNode->m_strName.GetString(), fired.pszLogText);
     }
-    auto* pEvent = new SQOREvent(QOR_EVENT_GENERAL, L"GeneralEvent");
-    AddParam(*pEvent, 0, L"OwnerClip", L"TOUCH_CONTROL_OWNER_CLIP", pNode->m_pOwnerClip, L"VEKClip");
-    AddParam(*pEvent, 1, L"OwnerObject", L"TOUCH_CONTROL_OWNER_OBJECT", nullptr, L"VEKObject");
-    AddParam(*pEvent, 2, L"OwnerProperty", L"TOUCH_CONTROL_OWNER_PROPERTY", pNode, L"VEKProperty");
-    AddParam(*pEvent, 3, L"OwnerEventID", L"QOR_EXTRADATA_EVENT_ID", new int(fired.nOutput), L"EventID");
-    PostMessageW(pNode->m_hEventWnd, pNode->m_nEventMsg, 1, reinterpret_cast<LPARAM>(pEvent));
+    if (fired.bByHost) {
+        PostGeneralEventMessage(pNode, pNode->m_pOwnerClip, nullptr, fired.nOutput);
+    } else {
+        PostGeneralEvent(*pNode, pNode->m_pOwnerClip, nullptr, fired.nOutput);
+    }
 }
 
 void SendRecords(const CPlacedNode& placed, const FiringEvent& firing) {
@@ -207,7 +197,7 @@ Comparison CompareEvent(const MeasuredType& type, const FiringEvent& firing, con
 
 std::vector<Comparison> MakeComparisons(const MeasuredType& type, CBenchHost& host, const CPopulation& population) {
     // A node takes no events before its first evaluation.
-    for (const auto& pPlaced : population.First(type.nMostNodes)) {
+    for (const auto& pPlaced : population.First(LARGEST_NODE_COUNT)) {
         if (pPlaced->m_pNode->ProcessNode(&pPlaced->m_graphNode) == 0) {
             throw std::runtime_error(std::string(type.pszName) + ": ProcessNode does nothing");
         }
@@ -216,9 +206,7 @@ std::vector<Comparison> MakeComparisons(const MeasuredType& type, CBenchHost& ho
 
     std::vector<Comparison> comparisons;
     for (const Size& size : SIZES) {
-        if (size.nNodes <= type.nMostNodes) {
-            comparisons.push_back(CompareProcessNode(type, size, population.First(size.nNodes)));
-        }
+        comparisons.push_back(CompareProcessNode(type, size, population.First(size.nNodes)));
     }
     for (const FiringEvent& firing : type.events) {
         for (const Size& size : SIZES) {

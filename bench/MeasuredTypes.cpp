@@ -1,5 +1,6 @@
 #include "MeasuredTypes.h"
 
+#include "host/HostNetwork.h"
 #include "host/NodeTypeGuid.h"
 
 namespace {
@@ -85,8 +86,37 @@ constexpr LookUp BROADCAST_SEND_LOOK_UPS[] = {
 
 constexpr LookUp BROADCAST_RECEIVE_LOOK_UPS[] = {{Place::Input, 1302}};
 
+CQORPanelRemoteCtrlData Record() {
+    CQORPanelRemoteCtrlData record;
+    record.m_strClipName = MEASURED_CLIP;
+    record.m_strGroupName = L"group";
+    record.m_strKeyName = L"key";
+    record.m_nKeyNumber = 7;
+    record.m_strKeyValue = L"value";
+    record.m_strHelpParameter = L"help";
+    return record;
+}
+CQORPanelRemoteCtrlData s_record = Record();
+
+const SIOEventRecord REMOTE_CONTROL[] = {
+    {DEVICE_NETWORK, EVENT_REMOTE_CONTROL, static_cast<CQORIOAttachedData*>(&s_record)}};
+constexpr Fired REMOTE_CONTROL_FIRED[] = {{554, L"[%s.%s.%s 触发[网络触发]事件]", L"", true}};
+const FiringEvent NET_PARAMETER_RECEIVE_EVENTS[] = {{"Record", REMOTE_CONTROL, REMOTE_CONTROL_FIRED}};
+
+constexpr Setting NET_PARAMETER_RECEIVE_SETTINGS[] = {{502, 0, L"group"}, {503, 0, L"key"}, {504, 7, nullptr}};
+
 constexpr LookUp STRING_DATA_SEND_LOOK_UPS[] = {
     {Place::Input, 1505}, {Place::Input, 1506}, {Place::Input, 1502}, {Place::Input, 1503}, {Place::Trigger, 1507}};
+
+// ---- JSON -----------------------------------------------------------------------------------------------------------
+
+SObjectTextData s_objectText{nullptr, MEASURED_CLIP, MEASURED_OBJECT, L"{\"zoom\":3}"};
+
+const SIOEventRecord OBJECT_TEXT[] = {{DEVICE_OBJECT_TEXT, 0, &s_objectText}};
+constexpr Fired OBJECT_TEXT_FIRED[] = {{1253, L"[%s.%s.%s 触发[地图反馈]事件]", L"", true}};
+const FiringEvent OBJECT_JSON_EVENTS[] = {{"Text", OBJECT_TEXT, OBJECT_TEXT_FIRED}};
+
+constexpr Setting OBJECT_JSON_SETTINGS[] = {{1202, 0, MEASURED_CLIP}, {1203, 0, MEASURED_OBJECT}};
 
 // ---- All ------------------------------------------------------------------------------------------------------------
 
@@ -99,13 +129,13 @@ const MeasuredType MEASURED_TYPES[] = {
     {"TextField", GUID_IOPROCESS_TEXT_FIELD, TEXT_FIELD_LOOK_UPS},
     {"Mouse", GUID_IOPROCESS_MOUSE, MOUSE_LOOK_UPS, MOUSE_EVENTS},
     {"NetParameterSend", GUID_IOPROCESS_NET_PARAMETER_SEND, NET_PARAMETER_SEND_LOOK_UPS},
-    {"NetParameterReceive", GUID_IOPROCESS_NET_PARAMETER_RECEIVE, NO_LOOK_UPS},
-    // Every node of it takes a socket for good.
-    {"BroadcastSend", GUID_IOPROCESS_BROADCAST_SEND, BROADCAST_SEND_LOOK_UPS, {}, {}, 100},
+    {"NetParameterReceive", GUID_IOPROCESS_NET_PARAMETER_RECEIVE, NO_LOOK_UPS, NET_PARAMETER_RECEIVE_EVENTS,
+     NET_PARAMETER_RECEIVE_SETTINGS},
+    {"BroadcastSend", GUID_IOPROCESS_BROADCAST_SEND, BROADCAST_SEND_LOOK_UPS},
     {"BroadcastReceive", GUID_IOPROCESS_BROADCAST_RECEIVE, BROADCAST_RECEIVE_LOOK_UPS},
     {"Gesture", GUID_IOPROCESS_GESTURE, GESTURE_LOOK_UPS, GESTURE_EVENTS},
     {"VRHandle", GUID_IOPROCESS_VR_HANDLE, VR_HANDLE_LOOK_UPS, VR_HANDLE_EVENTS, VR_HANDLE_SETTINGS},
-    {"ObjectJsonReceive", GUID_IOPROCESS_OBJECT_JSON_RECEIVE, NO_LOOK_UPS},
+    {"ObjectJsonReceive", GUID_IOPROCESS_OBJECT_JSON_RECEIVE, NO_LOOK_UPS, OBJECT_JSON_EVENTS, OBJECT_JSON_SETTINGS},
     {"DeviceJsonReceive", GUID_IOPROCESS_DEVICE_JSON_RECEIVE, NO_LOOK_UPS},
     {"StringDataSend", GUID_IOPROCESS_STRING_DATA_SEND, STRING_DATA_SEND_LOOK_UPS},
 };

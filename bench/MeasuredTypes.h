@@ -32,6 +32,7 @@ struct Fired {
     int nOutput;
     const wchar_t* pszLogFormat; ///< takes the names of clip, graph node and node, then pszLogText; null: no line
     const wchar_t* pszLogText;
+    bool bByHost = false; ///< by PostGeneralEventMessage, which has the host build and post the event
 };
 
 /// Records that fire outputs, whenever they are handed over one after the other.
@@ -45,7 +46,8 @@ struct FiringEvent {
 /// The largest number of nodes that operations are measured with.
 inline constexpr size_t LARGEST_NODE_COUNT = 10000;
 
-/// Name of the scene object in the nodes' clip.
+/// Name of the nodes' clip, and of the scene object in it.
+inline constexpr wchar_t MEASURED_CLIP[] = L"Clip";
 inline constexpr wchar_t MEASURED_OBJECT[] = L"Hand";
 
 struct MeasuredType {
@@ -56,7 +58,6 @@ struct MeasuredType {
     std::span<const LookUp> lookUps;
     std::span<const FiringEvent> events = {};
     std::span<const Setting> settings = {};
-    size_t nMostNodes = LARGEST_NODE_COUNT;
 };
 
 std::span<const MeasuredType> MeasuredTypes();

@@ -1,10 +1,14 @@
 #include "Population.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "HostSetup.h"
+#include "host/HostCommon.h"
 #include "host/NodeTypeGuid.h"
 
 namespace {
@@ -65,6 +69,7 @@ CBenchHost::~CBenchHost() {
     FreeLibrary(m_hModule);
     ReceiveEvents();
     DestroyWindow(m_hWnd);
+    SetRenderSink(nullptr);
     SetLogSink(nullptr);
 }
 
@@ -82,6 +87,9 @@ void CBenchHost::DestroyNode(const GUID& guidType, P_ExtDevIOProcess* pNode) con
 void CBenchHost::GetCatalogue(CArray<SIOProcessNodeInfo>& arNodeInfo) const {
     SIOProcessPluginData data;
     m_pIOProcessFunc(IOP_REGISTER_TYPES, nullptr, &data);
+    for (INT_PTR i = 0; i < data.arNodeInfo.GetSize(); ++i) {
+        DestroyIcon(std::exchange(data.arNodeInfo[i].hIcon, nullptr)); // nothing is shown here
+    }
     arNodeInfo.Copy(data.arNodeInfo);
 }
 
@@ -107,6 +115,34 @@ void CBenchHost::OnLogLine(const SLogLine& line) {
     if (m_pLogText != nullptr) {
         *m_pLogText += line.strText;
     }
+}
+
+void CBenchHost::OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) {
+    PostGeneralEvent(*pNode, pClip, pObject, nOutput);
+}
+
+void CBenchHost::OnNodeRedraw(SGraphNode* /*pGraphNode*/) {}
+
+namespace {
+
+void AddParam(SQOREvent& event, unsigned nId, const wchar_t* pszName, const wchar_t* pszDisplayKey, void* pValue,
+              std::wstring_view typeName) {
+    auto* pParam =
+        new VEKParam(nId, pszName, PXLoadString(pszDisplayKey), PARAM_POINTER.m_nType, PARAM_POINTER.m_nControl);
+    pParam->m_pValue = pValue;
+    std::copy(typeName.begin(), typeName.end(), pParam->m_szTypeName);
+    event.m_lstParam.AddTail(pParam);
+}
+
+} // namespace
+
+void PostGeneralEvent(VEKProperty& node, VEKClip* pClip, VEKObject* pObject, int nOutput) {
+    auto* pEvent = new SQOREvent(QOR_EVENT_GENERAL, L"GeneralEvent");
+    AddParam(*pEvent, 0, L"OwnerClip", L"TOUCH_CONTROL_OWNER_CLIP", pClip, L"VEKClip");
+    AddParam(*pEvent, 1, L"OwnerObject", L"TOUCH_CONTROL_OWNER_OBJECT", pObject, L"VEKObject");
+    AddParam(*pEvent, 2, L"OwnerProperty", L"TOUCH_CONTROL_OWNER_PROPERTY", &node, L"VEKProperty");
+    AddParam(*pEvent, 3, L"OwnerEventID", L"QOR_EXTRADATA_EVENT_ID", new int(nOutput), L"EventID");
+    PostMessageW(node.m_hEventWnd, node.m_nEventMsg, 1, reinterpret_cast<LPARAM>(pEvent));
 }
 
 // ---- Nodes ----------------------------------------------------------------------------------------------------------
@@ -161,10 +197,10 @@ void SupplyInputs(CPlacedNode& placed, std::span<const Setting> settings) {
 
 } // namespace
 
-CPopulation::CPopulation(const CBenchHost& host, const MeasuredType& type) : m_clip(L"Clip") {
+CPopulation::CPopulation(const CBenchHost& host, const MeasuredType& type) : m_clip(MEASURED_CLIP) {
     m_clip.m_lstObject.AddTail(new VEKObject(MEASURED_OBJECT));
-    m_nodes.reserve(type.nMostNodes);
-    for (size_t i = 0; i < type.nMostNodes; ++i) {
+    m_nodes.reserve(LARGEST_NODE_COUNT);
+    for (size_t i = 0; i < LARGEST_NODE_COUNT; ++i) {
         m_nodes.push_back(std::make_unique<CPlacedNode>(host, type.guidType, m_clip));
         SupplyInputs(*m_nodes.back(), type.settings);
     }

@@ -8,12 +8,13 @@
 #include "LogSink.h"
 #include "MainWindow.h"
 #include "MeasuredTypes.h"
+#include "RenderSink.h"
 #include "host/HostRender.h"
 #include "host/PluginContract.h"
 
 /// Plays the host: loads the module that lies beside the program, and has the window that events are posted to and the
 /// application's main window.
-class CBenchHost final : ILogSink {
+class CBenchHost final : ILogSink, IRenderSink {
 public:
     static constexpr UINT EVENT_MESSAGE = WM_APP + 1;
 
@@ -28,7 +29,7 @@ public:
     P_ExtDevIOProcess* CreateNode(GUID guidType) const;
     void DestroyNode(const GUID& guidType, P_ExtDevIOProcess* pNode) const;
 
-    /// What the module offers.
+    /// What the module offers, without the icons.
     void GetCatalogue(CArray<SIOProcessNodeInfo>& arNodeInfo) const;
 
     HWND Window() const { return m_hWnd; }
@@ -38,11 +39,17 @@ public:
     /// The one event that was posted; null when there is none.
     std::unique_ptr<SQOREvent> TakeEvent() const;
 
+    /// From now on build and post the events that nodes report by PostGeneralEventMessage, too, as a host does; until
+    /// then they're dropped.
+    void PostReportedEvents() { SetRenderSink(this); }
+
     /// Keep log lines in the text, or drop them for null, which is how measuring begins. The text isn't owned.
     void KeepLog(CString* pText) { m_pLogText = pText; }
 
 private:
     void OnLogLine(const SLogLine& line) override;
+    void OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) override;
+    void OnNodeRedraw(SGraphNode* pGraphNode) override;
 
     HMODULE m_hModule = nullptr;
     IOProcessFuncType m_pIOProcessFunc = nullptr;
@@ -50,6 +57,9 @@ private:
     CMainWindow m_mainWindow;
     CString* m_pLogText = nullptr;
 };
+
+/// Post a general event to the node's event window.
+void PostGeneralEvent(VEKProperty& node, VEKClip* pClip, VEKObject* pObject, int nOutput);
 
 /// A node at its place: owned by a clip, standing at a graph node with its outputs, connected to the event window.
 class CPlacedNode {

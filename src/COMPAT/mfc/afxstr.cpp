@@ -55,22 +55,27 @@ bool IsShared(CStringData* pData) noexcept {
     return std::atomic_ref<long>(pData->nRefs).load(std::memory_order_acquire) != 1;
 }
 
-std::wstring FormatText(const wchar_t* pszFormat, va_list args) {
+CString FormatText(const wchar_t* pszFormat, va_list args) {
+    constexpr int ROOM_FOR_ARGUMENTS = 32; // to begin with
     ENSURE(pszFormat != nullptr);
-    std::wstring strResult;
-    for (const wchar_t* pch = pszFormat; *pch != 0; pch++) {
-        if (*pch != L'%') {
-            strResult += *pch;
-            continue;
+    CString strResult;
+    strResult.Preallocate(TextLength(pszFormat) + ROOM_FOR_ARGUMENTS);
+    while (*pszFormat != 0) {
+        const wchar_t* pszConversion = std::wcschr(pszFormat, L'%');
+        if (pszConversion == nullptr) {
+            strResult.Append(pszFormat);
+            break;
         }
-        switch (*++pch) {
+        strResult.Append(pszFormat, static_cast<int>(pszConversion - pszFormat));
+        pszFormat = pszConversion;
+        switch (pszFormat[1]) {
         case L's': {
             const wchar_t* pszText = va_arg(args, const wchar_t*);
-            strResult += pszText != nullptr ? pszText : L"(null)";
+            strResult.Append(pszText != nullptr ? pszText : L"(null)");
             break;
         }
         case L'd':
-            strResult += std::to_wstring(va_arg(args, int));
+            strResult.Append(std::to_wstring(va_arg(args, int)).c_str());
             break;
         case L'%':
             strResult += L'%';
@@ -78,6 +83,7 @@ std::wstring FormatText(const wchar_t* pszFormat, va_list args) {
         default: // what it would take from the arguments is unknown
             AfxThrowInvalidArgException();
         }
+        pszFormat += 2;
     }
     return strResult;
 }
@@ -240,7 +246,15 @@ void CString::Append(const wchar_t* pszText) {
 
 void CString::Append(const wchar_t* pchText, int nLength) {
     ENSURE(nLength >= 0 && (pchText != nullptr || nLength == 0));
-    ReplaceRange(GetLength(), 0, pchText, nLength);
+    if (nLength == 0)
+        return;
+    const int nOldLength = GetLength();
+    if (nLength <= GetData()->nAllocLength - nOldLength && !IsShared(GetData())) {
+        std::wmemmove(m_pszData + nOldLength, pchText, static_cast<std::size_t>(nLength)); // most texts grow like this
+        SetLength(nOldLength + nLength);
+        return;
+    }
+    ReplaceRange(nOldLength, 0, pchText, nLength);
 }
 
 CString CString::Left(int nCount) const {
@@ -320,16 +334,15 @@ void CString::Format(const wchar_t* pszFormat, ...) {
 }
 
 void CString::FormatV(const wchar_t* pszFormat, va_list args) {
-    const std::wstring strText = FormatText(pszFormat, args);
-    SetString(strText.data(), static_cast<int>(strText.size()));
+    *this = FormatText(pszFormat, args);
 }
 
 void CString::AppendFormat(const wchar_t* pszFormat, ...) {
     va_list args;
     va_start(args, pszFormat);
-    const std::wstring strText = FormatText(pszFormat, args);
+    const CString strText = FormatText(pszFormat, args);
     va_end(args);
-    Append(strText.data(), static_cast<int>(strText.size()));
+    *this += strText;
 }
 
 // ---- Concatenation --------------------------------------------------------------------------------------------------

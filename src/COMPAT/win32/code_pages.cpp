@@ -191,6 +191,8 @@ private:
 
 // The one character that a letter and the mark behind it make; nothing when there is none.
 std::optional<wchar_t> Composed(wchar_t chLetter, wchar_t chMark) {
+    if (static_cast<std::uint32_t>(chMark) < 0x300)
+        return std::nullopt; // no mark: most text is done with here
     utf8proc_int32_t pair[] = {chLetter, chMark};
     if (!IsCharacter(static_cast<std::uint32_t>(chLetter)) || !IsCharacter(static_cast<std::uint32_t>(chMark)) ||
         utf8proc_normalize_utf32(pair, 2, UTF8PROC_COMPOSE) != 1)

@@ -16,36 +16,50 @@ bool IsWideSpace(wchar_t c) {
            c == 0x205F || c == 0x3000;
 }
 
-/// Halves of surrogate pairs are written like other characters, since the wide build keeps them. U+FFFF is the end of
-/// the text to the wide build, as the byte FF is to the other.
-void AppendUtf8(std::string& utf8, unsigned nCharacter) {
-    static_assert(std::is_signed_v<char>, "the byte FF would be no end to the library");
-    const auto append = [&utf8](unsigned nByte) { utf8 += static_cast<char>(nByte); };
-    if (nCharacter < 0x80) {
-        append(nCharacter);
-    } else if (nCharacter < 0x800) {
-        append(0xC0 | nCharacter >> 6);
-        append(0x80 | (nCharacter & 0x3F));
-    } else if (nCharacter == 0xFFFF) {
-        append(0xFF);
-    } else if (nCharacter < 0x10000) {
-        append(0xE0 | nCharacter >> 12);
-        append(0x80 | (nCharacter >> 6 & 0x3F));
-        append(0x80 | (nCharacter & 0x3F));
-    } else if (nCharacter > 0x10FFFF) {
-        AppendUtf8(utf8, 0xFFFD);
-    } else {
-        append(0xF0 | nCharacter >> 18);
-        append(0x80 | (nCharacter >> 12 & 0x3F));
-        append(0x80 | (nCharacter >> 6 & 0x3F));
-        append(0x80 | (nCharacter & 0x3F));
-    }
+bool IsHalf(unsigned nCharacter) {
+    return (nCharacter & ~0x7FFU) == 0xD800;
 }
 
-void AppendUtf8(std::string& utf8, std::wstring_view text) {
-    for (const wchar_t c : text) {
-        AppendUtf8(utf8, static_cast<unsigned>(c));
+/// Whether the builds differ about a character, or what a half of a surrogate pair is in UTF-8 is ours to say.
+bool IsPeculiar(wchar_t c) {
+    const auto nCharacter = static_cast<unsigned>(c);
+    return nCharacter >= 0xA0 && (IsWideSpace(c) || IsHalf(nCharacter) || nCharacter == 0xFFFF);
+}
+
+/// Write a character; where it ends. Halves of surrogate pairs are written like other characters, since the wide build
+/// keeps them. U+FFFF is the end of the text to the wide build, as the byte FF is to the other.
+char* PutUtf8(char* pBytes, wchar_t c) {
+    static_assert(std::is_signed_v<char>, "the byte FF would be no end to the library");
+    const auto nCharacter = static_cast<unsigned>(c);
+    const auto put = [&pBytes](unsigned nByte) { *pBytes++ = static_cast<char>(nByte); };
+    const auto putTrail = [&put](unsigned nBits) { put(0x80 | (nBits & 0x3F)); };
+    if (nCharacter < 0x80) {
+        put(nCharacter);
+    } else if (nCharacter < 0x800) {
+        put(0xC0 | nCharacter >> 6);
+        putTrail(nCharacter);
+    } else if (nCharacter == 0xFFFF) {
+        put(0xFF);
+    } else if (nCharacter < 0x10000) {
+        put(0xE0 | nCharacter >> 12);
+        putTrail(nCharacter >> 6);
+        putTrail(nCharacter);
+    } else if (nCharacter > 0x10FFFF) {
+        return PutUtf8(pBytes, L'\xFFFD');
+    } else {
+        put(0xF0 | nCharacter >> 18);
+        putTrail(nCharacter >> 12);
+        putTrail(nCharacter >> 6);
+        putTrail(nCharacter);
     }
+    return pBytes;
+}
+
+char* PutUtf8(char* pBytes, std::wstring_view text) {
+    for (const wchar_t c : text) {
+        pBytes = PutUtf8(pBytes, c);
+    }
+    return pBytes;
 }
 
 constexpr size_t UNIT_ESCAPE_LENGTH = 6;
@@ -77,21 +91,21 @@ bool IsSecondHalf(int nUnit) {
     return nUnit >= 0xDC00 && nUnit <= 0xDFFF;
 }
 
-/// Append the escape that the text begins with; the number of characters that it takes. The wide build takes any code
+/// Write the escape that the text begins with; the number of characters that it takes. The wide build takes any code
 /// unit behind the first half of a surrogate pair, which the other refuses: there the halves are written themselves.
-size_t AppendEscape(std::string& utf8, std::wstring_view text) {
+size_t PutEscape(char*& pBytes, std::wstring_view text) {
     const int nFirst = EscapedUnit(text);
     const int nSecond = IsFirstHalf(nFirst) ? EscapedUnit(text.substr(UNIT_ESCAPE_LENGTH)) : -1;
     if (nSecond < 0 || IsSecondHalf(nSecond)) {
         const std::wstring_view escape = text.substr(0, nSecond < 0 ? 2 : 2 * UNIT_ESCAPE_LENGTH);
-        AppendUtf8(utf8, escape);
+        pBytes = PutUtf8(pBytes, escape);
         return escape.size();
     }
-    AppendUtf8(utf8, static_cast<unsigned>(nFirst));
+    pBytes = PutUtf8(pBytes, static_cast<wchar_t>(nFirst));
     if (IsFirstHalf(nSecond)) {
-        AppendUtf8(utf8, static_cast<unsigned>(nSecond));
+        pBytes = PutUtf8(pBytes, static_cast<wchar_t>(nSecond));
     } else {
-        AppendUtf8(utf8, text.substr(UNIT_ESCAPE_LENGTH, UNIT_ESCAPE_LENGTH));
+        pBytes = PutUtf8(pBytes, text.substr(UNIT_ESCAPE_LENGTH, UNIT_ESCAPE_LENGTH));
     }
     return 2 * UNIT_ESCAPE_LENGTH;
 }
@@ -110,50 +124,85 @@ size_t CommentLength(std::wstring_view text) {
     return nLast == std::wstring_view::npos ? text.size() : nLast + 1;
 }
 
-std::string Utf8Text(std::wstring_view text) {
-    if (std::ranges::all_of(text, [](wchar_t c) { return static_cast<unsigned>(c) < 0x80 && c != L'\\'; })) {
-        return {text.begin(), text.end()};
-    }
-    std::string utf8;
-    utf8.reserve(text.size() * 2);
+/// Write the text with the peculiar parts of it as the wide build would read them.
+char* PutPeculiar(char* pBytes, std::wstring_view text) {
     bool bInString = false;
     for (size_t i = 0; i < text.size();) {
         const wchar_t c = text[i];
         if (const size_t nComment = bInString ? 0 : CommentLength(text.substr(i))) {
-            AppendUtf8(utf8, text.substr(i, nComment));
+            pBytes = PutUtf8(pBytes, text.substr(i, nComment));
             i += nComment;
         } else if (c == L'\\') {
-            i += AppendEscape(utf8, text.substr(i));
+            i += PutEscape(pBytes, text.substr(i));
         } else {
             bInString ^= c == L'"';
-            AppendUtf8(utf8, static_cast<unsigned>(!bInString && IsWideSpace(c) ? L' ' : c));
+            pBytes = PutUtf8(pBytes, !bInString && IsWideSpace(c) ? L' ' : c);
             ++i;
         }
     }
-    return utf8;
+    return pBytes;
 }
 
-// ---- The library's string -------------------------------------------------------------------------------------------
+/// Write a text in which no character is peculiar; null when one is.
+char* PutPlain(char* pBytes, std::wstring_view text) {
+    for (const wchar_t c : text) {
+        if (static_cast<unsigned>(c) < 0x80) { // most of any text
+            *pBytes++ = static_cast<char>(c);
+        } else if (IsPeculiar(c)) {
+            return nullptr;
+        } else {
+            pBytes = PutUtf8(pBytes, c);
+        }
+    }
+    return pBytes;
+}
+
+[[maybe_unused]] void WriteUtf8(std::string& utf8, std::wstring_view text) {
+    size_t nBytes = text.size(); // at most
+    for (const wchar_t c : text) {
+        const auto nCharacter = static_cast<unsigned>(c);
+        nBytes += (nCharacter >= 0x80 ? 1U : 0U) + (nCharacter >= 0x800 ? 1U : 0U) + (nCharacter >= 0x10000 ? 1U : 0U);
+    }
+    const bool bAscii = nBytes == text.size();
+    const bool bUnitEscapes = text.find(L"\\u") != std::wstring_view::npos;
+    utf8.resize(nBytes);
+    if (bAscii && !bUnitEscapes) {
+        std::ranges::transform(text, utf8.begin(), [](wchar_t c) { return static_cast<char>(c); });
+        return;
+    }
+    const char* pEnd = bUnitEscapes ? nullptr : PutPlain(utf8.data(), text);
+    if (pEnd == nullptr) {
+        pEnd = PutPeculiar(utf8.data(), text);
+    }
+    utf8.resize(static_cast<size_t>(pEnd - utf8.data()));
+}
 
 template <typename LibraryChar>
-std::basic_string<LibraryChar> LibraryText(std::wstring_view text) {
+void WriteText(std::basic_string<LibraryChar>& libraryText, std::wstring_view text) {
     if constexpr (std::is_same_v<LibraryChar, wchar_t>) {
-        return std::wstring(text);
+        libraryText = text;
     } else {
-        return Utf8Text(text);
+        WriteUtf8(libraryText, text);
     }
 }
 
 } // namespace
 
 web::json::value ParseJsonText(const CString& strText) {
+    // Kept from text to text, which one thread delivers: long pieces of memory that come and go slow the library down.
+    static utility::string_t s_text;
+    constexpr size_t MOST_KEPT = 65536;
+
     web::json::keep_object_element_order(true); // a setting of the process
     web::json::value value;
     try {
-        const std::wstring_view text(strText.GetString(), static_cast<size_t>(strText.GetLength()));
-        value = web::json::value::parse(LibraryText<utility::char_t>(text));
+        WriteText(s_text, {strText.GetString(), static_cast<size_t>(strText.GetLength())});
+        value = web::json::value::parse(s_text);
     } catch (const std::exception&) {
-        return web::json::value();
+        value = web::json::value();
+    }
+    if (s_text.capacity() > MOST_KEPT) {
+        utility::string_t().swap(s_text);
     }
     return value;
 }
