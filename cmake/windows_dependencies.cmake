@@ -42,4 +42,4 @@ include(${CMAKE_CURRENT_LIST_DIR}/cpprest_json.cmake)
 
 # Programs of this build run under Wine, in a folder of its own for its registry and its C: drive, and on nobody's display.
 set(CMAKE_CROSSCOMPILING_EMULATOR
-  ${CMAKE_COMMAND} -E env --unset=DISPLAY ${PROJECT_SOURCE_DIR}/cmake/windows_emulator.sh ${PROJECT_BINARY_DIR}/wine)
+  env -u DISPLAY ${PROJECT_SOURCE_DIR}/cmake/windows_emulator.sh ${PROJECT_BINARY_DIR}/wine)

@@ -9,17 +9,20 @@ export WINEARCH=win64
 # No offer to download what the programs here don't use, no entries in the desktop's menus.
 export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
 
-# Several programs may start at once; one of them starts Wine. It outlives the program by a minute, since its services and
-# its desktop take seconds to start. Meanwhile a program that wants a window would wait for some seconds and then get none,
-# so they are started by one that has nothing else to do.
+# Several programs may start at once; one of them starts Wine. It outlives the program by a minute, since its services take
+# seconds to start. So does its desktop at first: a program that wants a window waits for it for some seconds only. It would
+# also keep the output of the program that starts it open. So a program that does nothing starts it before each.
 mkdir -p "$WINEPREFIX"
 (
+  start_desktop() { wine taskkill /im none.exe 9>&- || true; }
   flock 9
   if wineserver -p60 9>&-; then # fails where it runs already
     [ -e "$WINEPREFIX/ready" ] || wine wineboot --init 9>&-
-    for _ in 1 2 3; do wine taskkill /im none.exe 9>&- || true; done
     touch "$WINEPREFIX/ready"
+    start_desktop
+    start_desktop
   fi
+  start_desktop
 ) 9>"$WINEPREFIX.lock" </dev/null >/dev/null 2>&1
 
 export WINEDEBUG=${WINEDEBUG:--all}

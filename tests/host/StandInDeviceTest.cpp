@@ -64,7 +64,10 @@ protected:
     ~StandInDevice() override {
         m_channel.Close();
         if (m_thread.joinable()) {
-            auto last = m_peers.Connect(m_nPort); // whose line can't be printed any more
+            // A connection whose line can't be printed any more; refused, when another's line was the first such.
+            CTestPeers::Socket last(m_peers.Context());
+            boost::system::error_code error;
+            last.connect({boost::asio::ip::address_v4::loopback(), m_nPort}, error);
             m_thread.join();
         }
     }
