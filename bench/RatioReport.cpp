@@ -47,8 +47,8 @@ bool CRatioReport::PrintTable(std::span<const Comparison> comparisons) {
     bool bWithinLimits = !m_bFailed;
     if (!m_samples.empty() && !m_bHeaderShown) {
         m_bHeaderShown = true;
-        std::printf("%-28s %23s %14s %19s\n", "", "ns per node (median)", "ratio", "allocations");
-        std::printf("%-28s %11s %11s %7s %6s %12s %6s\n", "what / number of nodes", "measured", "floor", "", "limit",
+        std::printf("%-36s %23s %15s %19s\n", "", "ns per node (median)", "ratio", "allocations");
+        std::printf("%-36s %11s %11s %7s %7s %12s %6s\n", "what / number of nodes", "measured", "floor", "", "limit",
                     "per node", "limit");
     }
     for (const Comparison& comparison : comparisons) {
@@ -78,7 +78,7 @@ bool CRatioReport::PrintLine(const Comparison& comparison, const Samples& measur
         bTooManyAllocations = fAllocations > fAllocationLimit + QUEUE_SHARE;
     }
 
-    std::printf("%-28s %11.1f %11.1f %7.2f %6.1f %12.3g %6.3g%s%s\n", comparison.strName.c_str(), fMeasured, fFloor,
+    std::printf("%-36s %11.1f %11.1f %7.2f %7.2f %12.3g %6.3g%s%s\n", comparison.strName.c_str(), fMeasured, fFloor,
                 fRatio, comparison.fRatioLimit, fAllocations, fAllocationLimit, bTooSlow ? "  RATIO EXCEEDS LIMIT" : "",
                 bTooManyAllocations ? "  TOO MANY ALLOCATIONS" : "");
     std::fflush(stdout);

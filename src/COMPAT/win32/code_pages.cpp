@@ -24,6 +24,8 @@ namespace {
 
 constexpr wchar_t g_chReplacement = 0xFFFD;
 
+constexpr std::uint32_t g_chFirstMark = 0x300; // of those that make one character with the letter before them
+
 constexpr unsigned g_nGb18030 = 54936;
 
 std::string IconvName(unsigned nCodePage) {
@@ -191,8 +193,6 @@ private:
 
 // The one character that a letter and the mark behind it make; nothing when there is none.
 std::optional<wchar_t> Composed(wchar_t chLetter, wchar_t chMark) {
-    if (static_cast<std::uint32_t>(chMark) < 0x300)
-        return std::nullopt; // no mark: most text is done with here
     utf8proc_int32_t pair[] = {chLetter, chMark};
     if (!IsCharacter(static_cast<std::uint32_t>(chLetter)) || !IsCharacter(static_cast<std::uint32_t>(chMark)) ||
         utf8proc_normalize_utf32(pair, 2, UTF8PROC_COMPOSE) != 1)
@@ -303,8 +303,9 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
         };
         for (std::size_t nPosition = 0; nPosition < strWide.size(); nPosition++) {
             const wchar_t ch = strWide[nPosition];
-            if ((nFlags & WC_COMPOSITECHECK) != 0 && nPosition + 1 < strWide.size()) {
-                const std::optional<wchar_t> chComposed = Composed(ch, strWide[nPosition + 1]);
+            const wchar_t chNext = nPosition + 1 < strWide.size() ? strWide[nPosition + 1] : 0;
+            if ((nFlags & WC_COMPOSITECHECK) != 0 && static_cast<std::uint32_t>(chNext) >= g_chFirstMark) {
+                const std::optional<wchar_t> chComposed = Composed(ch, chNext);
                 if (chComposed && pCodePage->FromWide(*chComposed, bLookAlikes)) {
                     append(*chComposed);
                     nPosition++; // the mark is done with

@@ -9,9 +9,10 @@ namespace {
 
 constexpr const wchar_t* ELEMENT_END = L"/>\r\n";
 constexpr int ELEMENT_END_LENGTH = 4;
+constexpr const wchar_t* LAST_VALUE_END = L"\"/>\r\n"; // with the element's
 
-/// Room that a document is begun with, so that most never have to grow.
-constexpr int FIRST_ROOM = 500;
+/// Room that a document is begun with, so that most never have to grow; allocators have pieces of a kilobyte at hand.
+constexpr int FIRST_ROOM = 250;
 
 bool IsControlCharacter(wchar_t c) {
     return c < 0x20 || (c >= 0x7F && c < 0xA0);
@@ -101,8 +102,7 @@ bool CMarkup::SetAttrib(const wchar_t* pszName, const CString& strValue) {
     m_strDocument += pszName;
     m_strDocument += L"=\"";
     AppendEscaped(m_strDocument, strKept);
-    m_strDocument += L'"';
-    m_strDocument += ELEMENT_END;
+    m_strDocument += LAST_VALUE_END;
     return true;
 }
 

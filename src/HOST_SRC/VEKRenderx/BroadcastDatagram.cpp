@@ -37,13 +37,13 @@ bool ReadBroadcast(std::span<const unsigned char> datagram, SBroadcastItem& item
     // Converted first: in some code pages the bytes of the closing mark also stand within other characters.
     const char* pBytes = reinterpret_cast<const char*>(datagram.data());
     const int nBytes = static_cast<int>(datagram.size());
-    const int nLength = MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, pBytes, nBytes, nullptr, 0);
+    CString strText; // of no more characters than bytes
+    const int nLength =
+        MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, pBytes, nBytes, strText.GetBufferSetLength(nBytes), nBytes);
     if (nLength == 0) {
         nRefusal = EBroadcastRefusal::NotText;
         return false;
     }
-    CString strText;
-    MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, pBytes, nBytes, strText.GetBufferSetLength(nLength), nLength);
     strText.ReleaseBuffer(nLength);
     if (nLength < 2 * FRAME_MARK_LENGTH || strText.Left(FRAME_MARK_LENGTH) != FRAME_BEGIN ||
         strText.Right(FRAME_MARK_LENGTH) != FRAME_END) {

@@ -32,6 +32,13 @@ void AssignIfDifferent(T& target, const T& value) {
     }
 }
 
+/// Strings that were assigned to one another share their characters: those needn't be compared.
+inline void AssignIfDifferent(CString& strTarget, const CString& strValue) {
+    if (strTarget.GetString() != strValue.GetString() && strTarget != strValue) {
+        strTarget = strValue;
+    }
+}
+
 /// Write one member of an output pin when it differs; a missing pin is skipped.
 template <typename T>
 void WriteOutput(const SGraphNode& graphNode, unsigned nId, T VEKParam::*pMember, const T& value) {
