@@ -1,6 +1,5 @@
-# The package for Windows: an application folder with the module in it, and beside it the reference host.
-#
-#   cmake --build --preset windows --target package      makes build/windows/QORIOProcessx-<version>-win64.zip
+# The package for Windows: an application folder with the module in it, and beside it the reference host. The target
+# package makes QORIOProcessx-<version>-win64.zip in the build folder; ./package builds what belongs in it, and that.
 
 set(PackageDocs ${PROJECT_BINARY_DIR}/package)
 foreach(Document IN ITEMS readme.txt run.cmd)

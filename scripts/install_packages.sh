@@ -1,10 +1,11 @@
 # Sourced by the commands at the root: installs the Debian packages that a command lacks.
 
-# Packages that building and running need, the further ones that testing needs, and those for the Windows build.
+# Packages that building and running need, the further ones that testing needs, and those for the Windows build and its tests.
 run_packages=(g++ cmake ninja-build ccache libboost-dev nlohmann-json3-dev libpugixml-dev libsimpleini-dev libutf8proc-dev
               libcpprest-dev librsvg2-bin icoutils)
 test_packages=(googletest clang-format clang-tidy python3 iproute2 binutils chromium)
-windows_packages=(g++-mingw-w64-x86-64-posix dpkg-dev wine wine64 clang-19 xvfb xdotool)
+windows_packages=(g++-mingw-w64-x86-64-posix dpkg-dev)
+windows_test_packages=(wine wine64 clang-19 xvfb xdotool)
 
 # install_packages PACKAGE...: needs root or sudo only when something is missing.
 install_packages() {

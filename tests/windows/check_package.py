@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Make the Windows package, unpack it into an empty folder and use what came out.
 
-    check_package.py BUILD_FOLDER CPACK VERSION EMULATOR...
+    check_package.py CMAKE BUILD_FOLDER VERSION EMULATOR...
 """
 
 import json
@@ -38,12 +38,12 @@ def run(command, folder, requests=""):
 
 
 def main():
-    build_folder, cpack, version, *emulator = sys.argv[1:]
+    cmake, build_folder, version, *emulator = sys.argv[1:]
     with tempfile.TemporaryDirectory() as work:
-        run([cpack, "--config", f"{build_folder}/CPackConfig.cmake", "-B", work], build_folder)
+        run([cmake, "--build", build_folder, "--target", "package"], build_folder)
         name = f"QORIOProcessx-{version}-win64"
         unpacked = pathlib.Path(work) / "unpacked"
-        with zipfile.ZipFile(pathlib.Path(work) / f"{name}.zip") as package:
+        with zipfile.ZipFile(pathlib.Path(build_folder) / f"{name}.zip") as package:
             package.extractall(unpacked)
         (folder,) = unpacked.iterdir()
         assert folder.name == name, folder
