@@ -23,7 +23,7 @@ struct Size {
     double fProcessNodeLimit;
     double fEventLimit;
 };
-constexpr Size SIZES[] = {{1, 1.5, 1.3}, {100, 1.5, 1.3}, {LARGEST_NODE_COUNT, 3.5, 2.0}};
+constexpr Size SIZES[] = {{1, 1.5, 1.4}, {100, 1.5, 1.4}, {LARGEST_NODE_COUNT, 3.5, 2.0}};
 
 /// A message queue takes 10,000.
 constexpr size_t MOST_PENDING_EVENTS = 5000;

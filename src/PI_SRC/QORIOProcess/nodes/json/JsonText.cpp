@@ -143,33 +143,32 @@ char* PutPeculiar(char* pBytes, std::wstring_view text) {
     return pBytes;
 }
 
-/// Write a text in which no character is peculiar; null when one is.
+/// Write a text in which no character is peculiar; null when one is. Most of any text is ASCII, which whole blocks are
+/// written of at once.
 char* PutPlain(char* pBytes, std::wstring_view text) {
-    for (const wchar_t c : text) {
-        if (static_cast<unsigned>(c) < 0x80) { // most of any text
-            *pBytes++ = static_cast<char>(c);
-        } else if (IsPeculiar(c)) {
-            return nullptr;
+    constexpr size_t BLOCK_LENGTH = 32;
+    while (!text.empty()) {
+        const std::wstring_view block = text.substr(0, BLOCK_LENGTH);
+        text.remove_prefix(block.size());
+        unsigned nAll = 0; // bits of all its characters
+        for (const wchar_t c : block) {
+            nAll |= static_cast<unsigned>(c);
+        }
+        if (nAll < 0x80) {
+            pBytes = std::ranges::transform(block, pBytes, [](wchar_t c) { return static_cast<char>(c); }).out;
+        } else if (std::ranges::none_of(block, [](wchar_t c) { return IsPeculiar(c); })) {
+            pBytes = PutUtf8(pBytes, block);
         } else {
-            pBytes = PutUtf8(pBytes, c);
+            return nullptr;
         }
     }
     return pBytes;
 }
 
 [[maybe_unused]] void WriteUtf8(std::string& utf8, std::wstring_view text) {
-    size_t nBytes = text.size(); // at most
-    for (const wchar_t c : text) {
-        const auto nCharacter = static_cast<unsigned>(c);
-        nBytes += (nCharacter >= 0x80 ? 1U : 0U) + (nCharacter >= 0x800 ? 1U : 0U) + (nCharacter >= 0x10000 ? 1U : 0U);
-    }
-    const bool bAscii = nBytes == text.size();
+    constexpr size_t MOST_BYTES = 4; // of a character
+    utf8.resize(text.size() * MOST_BYTES);
     const bool bUnitEscapes = text.find(L"\\u") != std::wstring_view::npos;
-    utf8.resize(nBytes);
-    if (bAscii && !bUnitEscapes) {
-        std::ranges::transform(text, utf8.begin(), [](wchar_t c) { return static_cast<char>(c); });
-        return;
-    }
     const char* pEnd = bUnitEscapes ? nullptr : PutPlain(utf8.data(), text);
     if (pEnd == nullptr) {
         pEnd = PutPeculiar(utf8.data(), text);
@@ -191,7 +190,7 @@ void WriteText(std::basic_string<LibraryChar>& libraryText, std::wstring_view te
 web::json::value ParseJsonText(const CString& strText) {
     // Kept from text to text, which one thread delivers: long pieces of memory that come and go slow the library down.
     static utility::string_t s_text;
-    constexpr size_t MOST_KEPT = 65536;
+    constexpr size_t MOST_KEPT = 262'144;
 
     web::json::keep_object_element_order(true); // a setting of the process
     web::json::value value;
