@@ -202,10 +202,10 @@ TEST_F(NetworkRequests, ListenOnlyKeepsItemsFromTheDevice) {
 }
 
 TEST_F(NetworkRequests, ListenOnlyAlsoHoldsWhatWaits) {
+    CreateRecordNodes();
     SetDevice(3, "framed", m_listener.Address());
     m_listener.Accept().close();
     AwaitState("waiting");
-    CreateRecordNodes();
     Send("send", 410);
     Do({{"op", "listen_only"}, {"on", true}});
     AwaitState("connected");
@@ -256,10 +256,10 @@ TEST_F(NetworkRequests, ADeviceThatIsOutOfStepIsConnectedAnew) {
 }
 
 TEST_F(NetworkRequests, ALostConnectionComesBackAndWhatWasQueuedGoesOut) {
+    CreateRecordNodes();
     SetDevice(3, "framed", m_listener.Address());
     m_listener.Accept().close();
     AwaitState("waiting");
-    CreateRecordNodes();
     Send("send", 410);
     EXPECT_EQ(Device()["queued_items"], 1);
     AwaitState("connected");
@@ -284,6 +284,24 @@ TEST_F(NetworkRequests, ADeviceThatIsNotThereIsTriedAgain) {
         nLines += reply.contains("log") ? reply["log"].size() : 0;
     }
     EXPECT_EQ(nLines, 0u);
+}
+
+TEST_F(NetworkRequests, ADeviceThatClosesEachConnectionIsTriedEverMoreSeldom) {
+    using std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds SEEN_LATE{40};
+    const auto pause = [this] {
+        m_listener.Accept().close();
+        AwaitState("waiting");
+        const auto tBegin = steady_clock::now();
+        AwaitState("connected");
+        return steady_clock::now() - tBegin;
+    };
+    SetDevice(3, "framed", m_listener.Address());
+    for (std::chrono::milliseconds expected{100}; expected.count() <= 800; expected *= 2) {
+        EXPECT_GT(pause(), expected - SEEN_LATE);
+    }
+    Wait(1100); // a connection that lasts a second was a good one
+    EXPECT_LT(pause(), std::chrono::milliseconds(800));
 }
 
 TEST_F(NetworkRequests, ADeviceThatStopsReadingCostsNoMoreThanItsQueue) {

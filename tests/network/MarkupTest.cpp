@@ -54,6 +54,21 @@ TEST(Markup, AnAttributeSetAgainKeepsItsPlace) {
     EXPECT_EQ(Utf8(markup.GetDoc()), "<E Name=\"three\" ClipName=\"\"/>\r\n");
 }
 
+TEST(Markup, AValueThatEndsLikeTheNextAttributeStaysAValue) {
+    CMarkup markup;
+    markup.AddElem(L"E");
+    markup.SetAttrib(L"A", L"x Name=");
+    markup.SetAttrib(L"Name", L" B=");
+    markup.SetAttrib(L"B", L"2");
+    markup.SetAttrib(L"Name", L"again A=");
+    EXPECT_EQ(Utf8(markup.GetDoc()), "<E A=\"x Name=\" Name=\"again A=\" B=\"2\"/>\r\n");
+    markup.SetAttrib(L"A", L"");
+    EXPECT_EQ(Utf8(markup.GetDoc()), "<E A=\"\" Name=\"again A=\" B=\"2\"/>\r\n");
+    markup.AddElem(L"F");
+    markup.SetAttrib(L"A", L"of another element");
+    EXPECT_EQ(Utf8(markup.GetDoc()), "<E A=\"\" Name=\"again A=\" B=\"2\"/>\r\n<F A=\"of another element\"/>\r\n");
+}
+
 TEST(Markup, RefusesAttributesWithoutElementAndEmptyNames) {
     CMarkup markup;
     EXPECT_FALSE(markup.SetAttrib(L"A", L"1"));

@@ -31,6 +31,9 @@ def texts():
         yield character
         yield f"<{character}&{character}\"{character}'>"
     yield "".join(CHARACTERS)
+    for name in ("Flag", "ClipName", "Name", "Data", "DevID", "DevName", "GroupName", "KeyName", "KeyNumber", "KeyValue",
+                 "HelpParameter", "Layer"):
+        yield f"what ends like an attribute {name}="
     yield "&amp;&#13;&#x41;&lt;![CDATA[<x a=\"1\"/>]]><!-- --><?x?>"
 
 

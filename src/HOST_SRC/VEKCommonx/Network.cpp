@@ -54,15 +54,20 @@ void AppendEscaped(CString& strText, const CString& strValue) {
     strText.Append(pszValue + nPlainBegin, nLength - nPlainBegin);
 }
 
-/// Where the value of an attribute begins, in the part of the document from nElement on; -1 without the attribute.
-/// Values hold no quotation mark, so a name between a space and ="" is always an attribute's.
+/// Where the value of an attribute begins, in the element that begins at nElement and ends the document; -1 without the
+/// attribute. The way leads from value to value: within one anything may stand, but no quotation mark.
 int FindValue(const CString& strDocument, int nElement, const wchar_t* pszName) {
     const int nNameLength = static_cast<int>(std::wcslen(pszName));
-    for (int nName = strDocument.Find(pszName, nElement); nName > 0; nName = strDocument.Find(pszName, nName + 1)) {
-        const wchar_t* pszEnd = strDocument.GetString() + nName + nNameLength;
-        if (strDocument[nName - 1] == L' ' && pszEnd[0] == L'=' && pszEnd[1] == L'"') {
-            return nName + nNameLength + 2;
+    int nSpace = strDocument.Find(L' ', nElement);
+    while (nSpace >= 0 && strDocument[nSpace] == L' ') {
+        const int nName = nSpace + 1;
+        const int nEquals = strDocument.Find(L'=', nName);
+        const int nValue = nEquals + 2;
+        if (nEquals - nName == nNameLength &&
+            std::wmemcmp(strDocument.GetString() + nName, pszName, static_cast<size_t>(nNameLength)) == 0) {
+            return nValue;
         }
+        nSpace = strDocument.Find(L'"', nValue) + 1;
     }
     return -1;
 }
