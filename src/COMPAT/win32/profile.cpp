@@ -89,7 +89,8 @@ std::string LibraryText(const std::wstring& strText) {
             strResult += '[' + (sections.insert(strSection).second ? strSection : "again") + "]\n";
         } else {
             const std::wstring strValue = nEquals == std::wstring::npos ? L"" : strLine.substr(nEquals + 1);
-            strResult += LibraryName(strLine.substr(0, nEquals)) + '=' + WideToUtf8(strValue.c_str()) + '\n';
+            strResult += LibraryName(strLine.substr(0, nEquals)) + '=' +
+                         WideToUtf8(strValue.substr(0, strValue.find(L'\0'))) + '\n';
         }
     }
     return strResult;

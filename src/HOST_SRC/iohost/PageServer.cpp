@@ -248,8 +248,8 @@ OrderedJson CPageServer::TakeObjectText(const SObjectAddress& object, const std:
     return reply;
 }
 
-/// Nodes look at the keyboard when they are evaluated: a frame right after each change lets them miss none of those that
-/// come between two frames.
+/// Nodes look at the keyboard when they are evaluated: a frame right after each change lets them miss none of those
+/// that come between two frames.
 void CPageServer::ShowKeysToNodes(const KeySet& keysBefore) {
     if (m_session.Held().VirtualKeys() != keysBefore) {
         GuardedFrame();
