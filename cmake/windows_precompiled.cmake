@@ -10,6 +10,8 @@ function(precompile TARGET)
 endfunction()
 
 precompile(QORIOProcessx <afxwin.h> <afxtempl.h> <algorithm> <string> <vector>)
+precompile(iohost_core <afxwin.h> <afxtempl.h> <boost/asio.hpp> <boost/beast/core.hpp> <nlohmann/json.hpp>
+  <algorithm> <filesystem> <functional> <iostream> <map> <memory> <string> <vector>)
 if(BUILD_TESTING)
   precompile(compat_tests <gtest/gtest.h> <afxwin.h> <afxtempl.h> <string> <vector>)
   precompile(module_tests <gtest/gtest.h> <afxwin.h> <afxtempl.h> <functional> <map> <string> <vector>)

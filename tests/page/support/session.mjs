@@ -19,6 +19,8 @@ export async function openSession(address, options = {}) {
     }
   });
   await once(socket, "open");
+  // The host has it among its clients, and pushes to it, from its greeting on.
+  await until("the greeting", () => pushes.length > 0);
   return {
     socket,
     pushes,
