@@ -8,6 +8,7 @@
 #include "HostSetup.h"
 #include "ModuleHost.h"
 #include "SocketCalls.h"
+#include "TestDevices.h"
 
 namespace {
 
@@ -15,6 +16,9 @@ constexpr int NEVER = -1;
 
 /// How many allocations succeed before one fails.
 int s_nUntilFailure = NEVER;
+
+/// Whether arrays that are asked for without exceptions aren't had.
+bool s_bNoArrays = false;
 
 } // namespace
 
@@ -26,12 +30,21 @@ void* operator new(std::size_t nBytes) {
     return s_pNext(nBytes);
 }
 
+void* operator new[](std::size_t nBytes, const std::nothrow_t& nothrow) noexcept {
+    static const auto s_pNext =
+        reinterpret_cast<void* (*)(std::size_t, const std::nothrow_t&)>(dlsym(RTLD_NEXT, "_ZnamRKSt9nothrow_t"));
+    return s_bNoArrays ? nullptr : s_pNext(nBytes, nothrow);
+}
+
 namespace {
 
 class AllocationFailure : public ModuleTest {
 protected:
     AllocationFailure() { SetLogSink(nullptr); }
-    ~AllocationFailure() override { s_nUntilFailure = NEVER; }
+    ~AllocationFailure() override {
+        s_nUntilFailure = NEVER;
+        s_bNoArrays = false;
+    }
 
     /// Whether the call raises the allocator's exception when an allocation fails after so many that succeed.
     template <typename Function>
@@ -99,6 +112,41 @@ TEST_F(AllocationFailure, LeavesNothingOfAnUnfinishedEvent) {
     }
     EXPECT_GT(nSucceeding, 8) << "the event, its four parameters and their places in the list";
     EXPECT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{153});
+}
+
+TEST_F(AllocationFailure, OfABroadcastsBufferSendsTheLengthFromNowhere) {
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    scene.Input(605).m_strValue = L"12|7";
+    scene.AddGraphInput(606, 26, 7).m_nValue = 1;
+    TakeDatagrams();
+    s_bNoArrays = true;
+    EXPECT_EQ(scene.Evaluate(), 1);
+    s_bNoArrays = false;
+    EXPECT_EQ(scene.Evaluate(), 1);
+    const std::vector<SentDatagram> datagrams = TakeDatagrams();
+    ASSERT_EQ(datagrams.size(), 2u);
+    const std::string whole =
+        std::string("[.{<Broadcast Flag=\"\" ClipName=\"\" Name=\"\" Data=\"12|7\"/>\r\n}.]") + '\0';
+    EXPECT_TRUE(datagrams[0].bNowhere);
+    EXPECT_EQ(datagrams[0].nSize, whole.size());
+    EXPECT_EQ(datagrams[1].bytes, whole);
+}
+
+TEST_F(AllocationFailure, OfAStringsBufferSendsNothing) {
+    NodeScene scene(m_host, TYPE_STRING_DATA_SEND);
+    TestDevices devices;
+    devices.Add(0, L"Zero", ParserKind::Direct);
+    devices.Publish();
+    scene.Input(1505).m_strValue = L"GO";
+    scene.AddGraphInput(1507, 26, 7).m_nValue = 1;
+    s_bNoArrays = true;
+    EXPECT_EQ(scene.Evaluate(), 1);
+    EXPECT_TRUE(devices.TakeSent().empty());
+    s_bNoArrays = false;
+    EXPECT_EQ(scene.Evaluate(), 1);
+    const std::vector<SentItem> sent = devices.TakeSent();
+    ASSERT_EQ(sent.size(), 1u);
+    EXPECT_EQ(sent[0].bytes, std::string("GO\0", 3));
 }
 
 } // namespace

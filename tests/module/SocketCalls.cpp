@@ -40,7 +40,11 @@ void RecordDatagram(SOCKET hSocket, const void* pBytes, size_t nBytes, int nFlag
                     int nAddressSize) {
     SentDatagram datagram{};
     datagram.hSocket = hSocket;
-    datagram.bytes.assign(static_cast<const char*>(pBytes), nBytes);
+    datagram.bNowhere = pBytes == nullptr;
+    datagram.nSize = nBytes;
+    if (!datagram.bNowhere) {
+        datagram.bytes.assign(static_cast<const char*>(pBytes), nBytes);
+    }
     datagram.nFlags = nFlags;
     datagram.nAddressSize = nAddressSize;
     std::memcpy(&datagram.address, pAddress, sizeof(datagram.address));

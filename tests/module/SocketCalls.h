@@ -11,7 +11,9 @@
 /// A call of sendto.
 struct SentDatagram {
     SOCKET hSocket;
-    std::string bytes;
+    std::string bytes; ///< none when they weren't anywhere
+    bool bNowhere;     ///< a null buffer was given
+    size_t nSize;
     int nFlags;
     sockaddr_in address;
     int nAddressSize;
