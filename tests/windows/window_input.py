@@ -249,6 +249,7 @@ class WindowInput(unittest.TestCase):
 
     def test_the_pointer_enters_moves_rests_and_leaves(self):
         self.host.move(100, 50)
+        self.wait_for_output("370", lambda x: x == 100, "the pointer is over the window")  # else the system joins both
         self.host.move(250, 300)
         until(lambda: HOVER in [event for event, _, _ in events_in(self.lines(), POINTER)], "the pointer rests")
         self.display.do("mousemove", *NOWHERE)
