@@ -27,6 +27,15 @@ while data := connection.recv(65536):
     print(data.hex(), flush=True)
 """
 
+SINK = """
+import socket, sys
+server = socket.create_server(("0.0.0.0", int(sys.argv[1])))
+print("listening", flush=True)
+connection, _ = server.accept()
+while connection.recv(65536):
+    pass
+"""
+
 
 class OverACable(unittest.TestCase):
     """Host "a" is here, host "b" in the other namespace."""
@@ -161,36 +170,60 @@ class FrameTimes(OverACable):
         while self.a.device()["refused"] == 0:  # until the network's buffers and the queue are full
             self.a.send("send", 410)
         memory = self.a.memory()
-        # Other programs may get in between: the best of the tries is what the hosts themselves take.
-        with_device, without_device = map(min, zip(*(p99s() for _ in range(15))))
-        self.assertLess(with_device - without_device, 0.001)
+        # Other programs may get in between: the best of the tries is what the hosts themselves take. On a busy machine
+        # it takes more of them.
+        best = p99s()
+        for tries in range(60):
+            if tries >= 5 and best[0] - best[1] < 0.001:
+                break
+            best = list(map(min, best, p99s()))
+        self.assertLess(best[0] - best[1], 0.001)
         state = self.a.device()
         self.assertGreater(state["refused"], 800, state)
         self.assertLessEqual(state["queued_bytes"], MOST_QUEUED)
         self.assertLess(self.a.memory() - memory, 2 << 20)
 
-    def test_a_device_that_stops_reading_leaves_the_frames_their_rate(self):
-        self.far_program(hosts.iohost(), "--device", f"0.0.0.0:{DEVICE_PORT}", "--stall")
+    def running_host(self, text):
+        """A host with frames of its own, which sends the text to device 3 in every frame."""
         host = RunningHost()
         self.addCleanup(host.close)
-        host.create("send", NET_SEND, p402="3", p404="Clip", p406="key", p408="x" * 10_000)
-        host.ask("set", node="send", param=410, int=1)  # in every frame
-
-        def frames(seconds=1):
-            """How many frames there were, and how long the slowest one took to come."""
-            came = [(at, push["frame"]) for at, push in host.take_pushes(seconds) if push.get("push") == "happened"]
-            return came[-1][1] - came[0][1], max(later[0] - earlier[0] for earlier, later in zip(came, came[1:]))
-
+        host.create("send", NET_SEND, p402="3", p404="Clip", p406="key", p408=text)
+        host.ask("set", node="send", param=410, int=1)
         host.ask("devices", list=[{"id": 3, "name": "None", "parser": "framed"}])
-        without_device = max(frames() for _ in range(3))
+        return host
+
+    @staticmethod
+    def frames(host):
+        """How many frames there were in a second, and how long the slowest one took to come."""
+        came = [(at, push["frame"]) for at, push in host.take_pushes(1) if push.get("push") == "happened"]
+        return came[-1][1] - came[0][1], max(later[0] - earlier[0] for earlier, later in zip(came, came[1:]))
+
+    def assert_as_fast(self, tries, before):
+        """Other programs may get in between: the best of the tries is what the host itself does."""
+        self.assertGreaterEqual(max(count for count, _ in tries), max(count for count, _ in before) - 1)
+        self.assertLess(min(longest for _, longest in tries), 0.1)
+
+    def test_a_device_that_stops_reading_leaves_the_frames_their_rate(self):
+        self.far_program(hosts.iohost(), "--device", f"0.0.0.0:{DEVICE_PORT}", "--stall")
+        host = self.running_host("x" * 10_000)
+        before = [self.frames(host) for _ in range(3)]
         self.connect(host, port=DEVICE_PORT)
         host.ask("set", node="send", param=408, string="x" * 60_000)
         while host.device()["refused"] == 0:  # until the network's buffers and the queue are full
             time.sleep(0.1)
         host.ask("set", node="send", param=408, string="x" * 10_000)
-        tries = [frames() for _ in range(3)]
-        self.assertGreaterEqual(max(count for count, _ in tries), without_device[0] - 1)
-        self.assertLess(min(longest for _, longest in tries), 0.1)
+        self.assert_as_fast([self.frames(host) for _ in range(3)], before)
+
+    def test_a_pulled_cable_leaves_the_frames_their_rate(self):
+        self.far_program(sys.executable, "-c", SINK, str(DEVICE_PORT))
+        host = self.running_host("first")
+        self.connect(host, port=DEVICE_PORT)
+        before = [self.frames(host) for _ in range(3)]
+        run(*self.far.inside("ip", "link", "set", "cable-b", "down"))
+        self.addCleanup(run, *self.far.inside("ip", "link", "set", "cable-b", "up"))
+        pulled = self.frames(host)
+        self.assert_as_fast([pulled, self.frames(host), self.frames(host)], before)
+        self.assertLess(pulled[1], 0.5)  # not in the moment of the pull either
 
 
 if __name__ == "__main__":
