@@ -157,6 +157,95 @@ test("the hands can be worked by keys", async () => {
   assert.equal(await page.count(is.KEY_DOWN), 0);
 });
 
+/** Puts another panel in front, as a second finger does while the first one presses. */
+const openLog = () => page.page.evaluate(() => document.querySelector("[data-tab=log]").click());
+const openHandsAgain = () => page.page.evaluate(() => document.querySelector("[data-tab=hands]").click());
+
+test("a trigger that is pressed while its panel is hidden is let go of", async () => {
+  await hand(1).locator(".trigger").hover();
+  await page.mouse.down();
+  await page.held("trigger of hand 1").waitFor();
+  await openLog();
+  await page.fires(is.TRIGGER_UP, 1);
+  await page.held("trigger of hand 1").waitFor({ state: "detached" });
+  await page.logs("the panel was hidden");
+  await page.mouse.up();
+  await openHandsAgain();
+  await hand(1).locator(".trigger").click();
+  await page.fires(is.TRIGGER_UP, 2);
+});
+
+test("a touch-pad that is pressed while its panel is hidden is let go of", async () => {
+  await thumbTo(1, 0.8, 0.2);
+  await page.mouse.down();
+  await page.held("touch-pad of hand 1").waitFor();
+  await openLog();
+  await page.fires(is.PAD_UP, 1);
+  await page.held("touch-pad of hand 1").waitFor({ state: "detached" });
+  await page.mouse.up();
+});
+
+test("a trigger and a touch-pad whose pointer is taken away are let go of", async () => {
+  const [trigger, pad] = [hand(1).locator(".trigger"), hand(1).locator(".pad")];
+  for (const [button, held, released] of [
+    [trigger, "trigger of hand 1", is.TRIGGER_UP],
+    [pad, "touch-pad of hand 1", is.PAD_UP],
+  ]) {
+    await button.evaluate((element) =>
+      element.addEventListener("gotpointercapture", ({ pointerId }) => element.releasePointerCapture(pointerId), { once: true }));
+    await button.hover();
+    await page.mouse.down();
+    await page.held(held).waitFor();
+    await page.moveTo(50, 50);
+    await page.mouse.up();
+    await page.fires(released, 1);
+    await page.held(held).waitFor({ state: "detached" });
+  }
+  await page.page.locator("[data-tab=log]").click();
+  await page.logs("the pointer was taken away");
+});
+
+test("letting go of the trigger leaves a touch-pad that another finger presses as it is", async () => {
+  const wire = await page.page.context().newCDPSession(page.page);
+  const at = async (name, id) => {
+    const { x, y, width, height } = await hand(1).locator(name).boundingBox();
+    return { id, x: x + width / 2, y: y + height / 2 };
+  };
+  const [pad, trigger] = [await at(".pad", 0), await at(".trigger", 1)];
+  const touch = (type, touchPoints) => wire.send("Input.dispatchTouchEvent", { type, touchPoints });
+  await touch("touchStart", [pad]);
+  await touch("touchStart", [pad, trigger]);
+  await page.held("touch-pad of hand 1").waitFor();
+  await page.held("trigger of hand 1").waitFor();
+  await touch("touchEnd", [trigger]);
+  await page.fires(is.TRIGGER_UP, 1);
+  assert.equal(await page.count(is.PAD_UP), 0);
+  await touch("touchEnd", [pad]);
+  await page.fires(is.PAD_UP, 1);
+});
+
+test("a hand that is dragged while its panel is hidden isn't dragged any longer, nor is the room turned", async () => {
+  const letter = await page.page.locator(".space-hand").nth(1).boundingBox();
+  const [x, y] = [letter.x + letter.width / 2, letter.y + letter.height / 2 + 26];
+  const canvas = await page.page.locator("[data-space]").boundingBox();
+  for (const [fromX, fromY] of [[x, y], [canvas.x + 20, canvas.y + canvas.height - 20]]) {
+    await page.mouse.move(fromX, fromY);
+    await page.mouse.down();
+    await page.mouse.move(fromX + 2, fromY);
+    await page.page.waitForTimeout(200);
+    const before = await page.page.locator(".space-hand").nth(1).boundingBox();
+    await openLog();
+    await page.page.locator("[data-space]").waitFor({ state: "hidden" });
+    await page.mouse.move(fromX + 30, fromY - 30, { steps: 5 });
+    await page.mouse.up();
+    await openHandsAgain();
+    await page.page.locator("[data-space]").waitFor();
+    await page.mouse.move(fromX + 40, fromY - 40, { steps: 5 });
+    await page.page.waitForTimeout(200);
+    assert.deepEqual(await page.page.locator(".space-hand").nth(1).boundingBox(), before);
+  }
+});
+
 test("an object that isn't there can be added", async () => {
   await must(script, { op: "set", node: "v", param: 802, string: "Door" });
   await hand(1).getByText("no object “Door”").waitFor();

@@ -50,6 +50,17 @@ export function HandsView({ host, shown }: PanelProps) {
     }
   }, [hands]);
 
+  // A headset's controllers need no panel.
+  const canPress = shown || headset !== null;
+  useEffect(() => {
+    space.current?.setShown(shown);
+    if (!canPress) {
+      for (const side of SIDES) {
+        hands.release(side, "the panel was hidden");
+      }
+    }
+  }, [hands, shown, canPress]);
+
   const [left, right] = [samples[0]!.value, samples[1]!.value];
   useEffect(() => {
     const made = space.current;
@@ -211,6 +222,13 @@ class Hands {
     }
   }
 
+  /** The pointer that pressed one of a hand's buttons was taken away, perhaps in mid-press. */
+  lostPointer(side: Side, button: "trigger" | "pad"): void {
+    if (this.#hands[side]!.sample[button] !== 0) {
+      this.release(side, "the pointer was taken away");
+    }
+  }
+
   holds(): boolean {
     return this.#hands.some((hand) => hand.holds);
   }
@@ -286,6 +304,7 @@ function HandCard({ side, host, hands, sample, fired, followers }: HandCardProps
         }}
         onPointerUp={() => hands.trigger(side, false)}
         onPointerCancel={() => hands.release(side, "the pointer was cancelled")}
+        onLostPointerCapture={() => hands.lostPointer(side, "trigger")}
         onMouseDown={(event) => event.preventDefault()}
         onContextMenu={(event) => event.preventDefault()}
         onKeyDown={(event) => isPress(event) && hands.trigger(side, true)}
@@ -378,6 +397,7 @@ function Pad({ side, hands, sample: { pad, padx, pady } }: { side: Side; hands: 
         hands.pad(side, false, x, y);
       }}
       onPointerCancel={() => hands.release(side, "the pointer was cancelled")}
+      onLostPointerCapture={() => hands.lostPointer(side, "pad")}
       onMouseDown={(event) => event.preventDefault()}
       onKeyDown={(event) => {
         const by = keyStep(event.key);

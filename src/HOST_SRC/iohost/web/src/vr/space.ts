@@ -110,7 +110,7 @@ export class Space {
     const { signal } = this.#detach;
     canvas.addEventListener("pointerdown", (event) => this.#pointerDown(event), { signal, capture: true });
     canvas.addEventListener("pointermove", (event) => this.#pointerMove(event), { signal });
-    for (const type of ["pointerup", "pointercancel"] as const) {
+    for (const type of ["pointerup", "pointercancel", "lostpointercapture"] as const) {
       canvas.addEventListener(type, (event) => this.#pointerUp(event), { signal });
     }
     this.#resizing = new ResizeObserver(() => this.#resize(place));
@@ -124,6 +124,14 @@ export class Space {
     this.renderer.dispose();
     this.renderer.domElement.remove();
     this.#labels.domElement.remove();
+  }
+
+  /** Nothing is dragged and the room isn't turned while it's hidden: the canvas has no size then to reckon with. */
+  setShown(shown: boolean): void {
+    this.#orbit.enabled = shown;
+    if (!shown) {
+      this.#drag = null;
+    }
   }
 
   /** In a headset the frames come from there. */
