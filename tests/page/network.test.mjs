@@ -286,6 +286,45 @@ test("broadcasts on the configured port and records of other hosts reach the nod
   await until("its end to be shown", async () => /0 connected/.test(await peer("control").innerText()));
 });
 
+test("errors of receiving broadcasts are counted with the last one", async () => {
+  await shows("broadcast", "errors", "0");
+  const other = await startHost({ options: ["--app", folder] });
+  const second = await browser.newContext();
+  const opened = await second.newPage();
+  await opened.goto(`${other.page}#network`);
+  const broadcast = opened.locator("[data-peer=broadcast]");
+  await until("the taken port", async () =>
+    /^[1-9]\d* \(.*in use.*\)$/.test(await broadcast.locator("dd[data-field=errors]").innerText()));
+  assert.match(await broadcast.locator("[data-field=problem]").innerText(), /in use/);
+  await second.close();
+  assert.equal(await other.end(), 0);
+});
+
+test("errors of the control port and of a device are counted, with the last one where it is told", async () => {
+  await setDevices({ id: 3, name: "Wall", parser: "framed" });
+  await shows("control", "errors", "0");
+  await shows("device-3", "errors", "0");
+  // Such errors are the system's: they are put into what the host tells.
+  const context = await browser.newContext();
+  const opened = await context.newPage();
+  await opened.routeWebSocket(/\/session$/, (socket) => {
+    const toHost = socket.connectToServer();
+    toHost.onMessage((text) => {
+      const message = JSON.parse(text);
+      if (message.control) {
+        Object.assign(message.control, { errors: 2, last_error: "Too many open files" });
+        message.devices[0].errors = 5;
+      }
+      socket.send(JSON.stringify(message));
+    });
+  });
+  await opened.goto(`${host.page}#network`);
+  const errors = (name) => opened.locator(`[data-peer="${name}"] .count-trouble dd[data-field=errors]`).innerText();
+  assert.equal(await errors("control"), "2 (Too many open files)");
+  assert.equal(await errors("device-3"), "5");
+  await context.close();
+});
+
 test("the devices of a scene are connected, and a page that comes back shows them", async () => {
   const wall = await startDevice();
   await setDevices({ id: 3, name: "Wall", parser: "framed", address: wall.address });

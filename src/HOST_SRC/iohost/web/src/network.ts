@@ -32,19 +32,26 @@ export interface DeviceState extends ItemCounts {
   lost: number;
   /** Items that were shown instead of sent. */
   shown: number;
+  /** Failures of this host over a connection. */
+  errors: number;
   received_bytes: number;
   last_sent_bytes: (MessageBytes & { sent: boolean }) | null;
   last_received_bytes: MessageBytes | null;
 }
 
-export interface BroadcastState extends ItemCounts {
+/** What went wrong with receiving. */
+export interface ErrorCounts {
+  errors: number;
+  last_error: string | null;
+}
+
+export interface BroadcastState extends ItemCounts, ErrorCounts {
   port: number;
   problem: string | null;
-  errors: number;
   last_received_bytes: MessageBytes | null;
 }
 
-export interface ControlState extends ItemCounts {
+export interface ControlState extends ItemCounts, ErrorCounts {
   port: number;
   connections: number;
   turned_away: number;
@@ -78,7 +85,11 @@ export function queueText({ queued_items: items, queued_bytes: bytes }: DeviceSt
 }
 
 export function rejectedText({ rejected, last_rejected: reason }: ItemCounts): string {
-  return reason === null ? String(rejected) : `${rejected} (${reason})`;
+  return withReason(rejected, reason);
+}
+
+export function errorsText({ errors, last_error: reason }: ErrorCounts): string {
+  return withReason(errors, reason);
 }
 
 /** Hexadecimal in pairs: "31 32 7c". */
@@ -93,6 +104,10 @@ export function deviceChoices(devices: readonly DeviceState[], current: string):
     choices.unshift({ value: current, label: current === "" ? "none" : `${current} · no such device` });
   }
   return choices;
+}
+
+function withReason(count: number, reason: string | null): string {
+  return reason === null ? String(count) : `${count} (${reason})`;
 }
 
 function bytesText(bytes: number): string {

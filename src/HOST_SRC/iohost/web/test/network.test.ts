@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { timeOfDay } from "../src/format.ts";
-import { deviceChoices, pairedHex, queueText, rejectedText, stateText, type DeviceState } from "../src/network.ts";
+import { deviceChoices, errorsText, pairedHex, queueText, rejectedText, stateText, type DeviceState } from "../src/network.ts";
 
 const DEVICE: DeviceState = {
   id: 3,
@@ -17,6 +17,7 @@ const DEVICE: DeviceState = {
   refused: 0,
   lost: 0,
   shown: 0,
+  errors: 0,
   received_bytes: 0,
   received: 0,
   matched: 0,
@@ -46,6 +47,11 @@ test("a queue is told in items and in bytes", () => {
 test("what was rejected is told with the last reason", () => {
   assert.equal(rejectedText(DEVICE), "0");
   assert.equal(rejectedText({ ...DEVICE, rejected: 2, last_rejected: "bad magic" }), "2 (bad magic)");
+});
+
+test("errors are told with the last one, where the host tells it", () => {
+  assert.equal(errorsText({ errors: 0, last_error: null }), "0");
+  assert.equal(errorsText({ errors: 3, last_error: "port taken" }), "3 (port taken)");
 });
 
 test("hexadecimal stands in pairs", () => {

@@ -1,5 +1,6 @@
 import type { ComponentChildren } from "preact";
 import {
+  errorsText,
   pairedHex,
   queueText,
   rejectedText,
@@ -7,6 +8,7 @@ import {
   type BroadcastState,
   type ControlState,
   type DeviceState,
+  type ErrorCounts,
   type ItemCounts,
   type MessageBytes,
 } from "../network.ts";
@@ -72,6 +74,7 @@ function Device({ device, told }: { device: DeviceState; told: number }) {
         <Count label="Lost" field="lost" value={device.lost} isTrouble={device.lost > 0} />
         <Count label="Shown only" field="shown" value={device.shown} />
         <Received counts={device} />
+        <Count label="Errors" field="errors" value={device.errors} isTrouble={device.errors > 0} />
       </dl>
       <Bytes
         label={device.last_sent_bytes?.sent === false ? "Would be sent" : "Last sent"}
@@ -98,7 +101,7 @@ function Broadcasts({ state }: { state: BroadcastState }) {
       </p>
       <dl class="counts">
         <Received counts={state} />
-        <Count label="Errors" field="errors" value={state.errors} isTrouble={state.errors > 0} />
+        <Errors counts={state} />
       </dl>
       <Bytes label="Last received" field="received-bytes" bytes={state.last_received_bytes} />
     </Peer>
@@ -114,6 +117,7 @@ function Control({ state }: { state: ControlState }) {
       <dl class="counts">
         <Received counts={state} />
         <Count label="Turned away" field="turned-away" value={state.turned_away} isTrouble={state.turned_away > 0} />
+        <Errors counts={state} />
       </dl>
     </Peer>
   );
@@ -139,6 +143,10 @@ function Received({ counts }: { counts: ItemCounts }) {
       <Count label="Rejected" field="rejected" value={rejectedText(counts)} isTrouble={counts.rejected > 0} />
     </>
   );
+}
+
+function Errors({ counts }: { counts: ErrorCounts }) {
+  return <Count label="Errors" field="errors" value={errorsText(counts)} isTrouble={counts.errors > 0} />;
 }
 
 function Count(props: { label: string; field: string; value: string | number; isTrouble?: boolean }) {
