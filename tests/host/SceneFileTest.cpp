@@ -122,10 +122,23 @@ TEST_F(SceneFile, WrongFilesLeaveTheSceneAsItWas) {
          "file.clips[0].objects[0].matrix: must hold 16 numbers"},
         {strHead + R"("nodes":[)" + strNode + R"(}],"links":[{"from":"n","output":1,"to":"z","input":1}]})",
          R"(file.links[0].to: there is no node "z")"},
+        {strHead + R"("nodes":[)" + strNode + R"(}],"links":[{"from":"n","output":99999,"to":"n","input":2}]})",
+         "file.links[0].output: there is no parameter 99999 among the node's outputs"},
+        {strHead + R"("nodes":[)" + strNode + R"(}],"links":[{"from":"n","output":366,"to":"n","input":88888}]})",
+         "file.links[0].input: there is no parameter 88888 among the node's graph inputs"},
+        {strHead + R"("nodes":[)" + strNode + R"(}],"links":[{"from":"n","output":2,"to":"n","input":2}]})",
+         "file.links[0].output: there is no parameter 2 among the node's outputs"},
+        {strHead + R"("clips":[{"name":"C","objects":[{"name":"O"},{"name":"P"},{"name":"O"}]}]})",
+         R"(file.clips[0].objects[2].name: the clip has an object "O" already)"},
+        {strHead + R"("clips":[{"name":"C","objects":[{"name":"O"}]},{"name":"C","objects":[{"name":"O"}]}]})",
+         R"(file.clips[1].objects[0].name: the clip has an object "O" already)"},
     };
+    const OrderedJson before = WholeScene();
     for (const auto& [strContent, strError] : cases) {
         EXPECT_EQ(Refusal(Load(strContent)).substr(0, strError.size()), strError) << strContent;
     }
+    EXPECT_EQ(WholeScene(), before);
+    EXPECT_EQ(Must(R"({"op":"objects"})")["objects"], OrderedJson::array());
     EXPECT_EQ(Must(R"({"op":"process"})")["results"].dump(), R"({"m":1,"k":0})"); // disabled by the link
 }
 
@@ -159,6 +172,63 @@ TEST_F(ProbeSceneFile, ParametersAndPinsThatTheNodeDoesNotMakeComeBack) {
     EXPECT_EQ(text, "");
     text = "+init";
     EXPECT_EQ(WholeScene(), before);
+}
+
+TEST_F(ProbeSceneFile, LinksOfDroppedPinsComeBack) {
+    Must(CREATE_PROBE);
+    Must(CREATE_SECOND_PROBE);
+    Must(R"({"op":"link","from":"p","output":104,"to":"q","input":12})");
+    Must(R"({"op":"link","from":"p","output":101,"to":"q","input":14})");
+    Must(R"({"op":"link","from":"q","output":103,"to":"p","input":11})");
+    Must(R"({"op":"drop","node":"p","param":104,"from":["outputs"]})");
+    Must(R"({"op":"drop","node":"p","param":101,"from":["outputs"]})");
+    Must(R"({"op":"drop","node":"p","param":11,"from":["own","inputs"]})");
+    Must(R"({"op":"set","node":"p","param":10,"int":6})");
+    const OrderedJson links = WholeScene()["links"];
+    EXPECT_EQ(links.size(), 3u);
+    const std::string strFile = Quote(m_folder.Path() / "saved.json");
+    for (int nTimes = 0; nTimes < 2; ++nTimes) {
+        Must(R"({"op":"save","file":)" + strFile + "}");
+        Must(R"({"op":"load","file":)" + strFile + "}");
+        EXPECT_EQ(WholeScene()["links"], links);
+    }
+
+    // The link of the dropped event is one of an event still.
+    const auto seen = [this] {
+        return Must(R"({"op":"inspect","node":"q"})")["outputs"][0]["params"][1]["int"].get<int>();
+    };
+    const int nSeen = seen();
+    Must(R"({"op":"process"})");
+    EXPECT_EQ(seen(), nSeen + 1);
+}
+
+TEST_F(ProbeSceneFile, LinksOfPinsThatAreGoneForGoodAreNotSaved) {
+    Json request = Json::parse(CREATE_PROBE);
+    request["saved"] = {{"pins", {{{"group", 999}, {"ids", {998, 102}}}}}};
+    Must(request.dump());
+    Must(R"({"op":"link","from":"p","output":998,"to":"p","input":14})");
+    Must(R"({"op":"link","from":"p","output":102,"to":"p","input":10})");
+    const std::string strFile = Quote(m_folder.Path() / "saved.json");
+    Must(R"({"op":"save","file":)" + strFile + "}");
+    Must(R"({"op":"load","file":)" + strFile + "}");
+    EXPECT_EQ(Must(R"({"op":"scene"})")["links"].size(), 2u);
+    Must(R"({"op":"drop","node":"p","param":998,"from":["outputs"]})");
+    Must(R"({"op":"save","file":)" + strFile + "}");
+    Must(R"({"op":"load","file":)" + strFile + "}");
+    EXPECT_EQ(Must(R"({"op":"scene"})")["links"].dump(), R"([{"from":"p","output":102,"to":"p","input":10}])");
+}
+
+TEST_F(ProbeSceneFile, LinksOfPinsThatWereMadeLaterComeBack) {
+    Json request = Json::parse(CREATE_PROBE);
+    request["outputs"] = false;
+    Must(request.dump());
+    Must(R"({"op":"outputs","node":"p"})");
+    Must(R"({"op":"link","from":"p","output":101,"to":"p","input":14})");
+    Must(R"({"op":"drop","node":"p","param":101,"from":["outputs"]})");
+    const std::string strFile = Quote(m_folder.Path() / "saved.json");
+    Must(R"({"op":"save","file":)" + strFile + "}");
+    Must(R"({"op":"load","file":)" + strFile + "}");
+    EXPECT_EQ(Must(R"({"op":"scene"})")["links"].dump(), R"([{"from":"p","output":101,"to":"p","input":14}])");
 }
 
 TEST_F(ProbeSceneFile, NodeThatRaisesWhileLoadingIsRefused) {

@@ -27,6 +27,18 @@ CString AppPath(const std::filesystem::path& folder) {
     return path.wstring().c_str();
 }
 
+PinTypes TypesOf(const VEKParamGroupList& lstGroup) {
+    PinTypes types;
+    for (POSITION pos = lstGroup.GetHeadPosition(); pos != nullptr;) {
+        const VEKParamGroup& group = *lstGroup.GetNext(pos);
+        for (POSITION posParam = group.m_lstParam.GetHeadPosition(); posParam != nullptr;) {
+            const VEKParam& param = *group.m_lstParam.GetNext(posParam);
+            types.emplace(static_cast<unsigned>(param.m_guid.Data1), param.m_nType);
+        }
+    }
+    return types;
+}
+
 } // namespace
 
 CHost::CCallScope::CCallScope(CHost& host, const SNode* pNode) : m_host(host) {
@@ -169,6 +181,7 @@ void CHost::Prepare(SNode& node, const SNodeRequest& request) {
     if (request.clip) {
         object.m_pOwnerClip = &m_scene.Clip(FromUtf8(*request.clip));
     }
+    node.ownInputs = TypesOf(object.m_lstParamGroup);
     if (request.loadOwn) {
         request.loadOwn(object.m_lstParamGroup);
         Call(&node, [&] { object.InitParam(); });
@@ -181,11 +194,20 @@ void CHost::Prepare(SNode& node, const SNodeRequest& request) {
     }
     if (request.loadOutputs) {
         // The node knows its pins' names and types: let it make them all, then keep those that the project holds.
-        Call(&node, [&] { object.GetNodeOutput(&graphNode); });
+        MakeOutputs(node);
         request.loadOutputs(graphNode.m_lstOutputGroup);
     }
     if (request.bOutputs) {
-        Call(&node, [&] { object.GetNodeOutput(&graphNode); });
+        MakeOutputs(node);
+    }
+}
+
+void CHost::MakeOutputs(SNode& node) {
+    const VEKParamGroupList& lstOutput = node.pGraphNode->m_lstOutputGroup;
+    const bool bNoneYet = lstOutput.IsEmpty();
+    Call(&node, [&] { node.pNode->GetNodeOutput(node.pGraphNode.get()); });
+    if (bNoneYet) {
+        node.ownOutputs = TypesOf(lstOutput); // all that are there are the node's own
     }
 }
 

@@ -91,6 +91,9 @@ public:
     /// Make a node. On a refusal or a fault nothing is left of it.
     SCreated Create(const SNodeRequest& request);
 
+    /// Let the node make its outputs.
+    void MakeOutputs(SNode& node);
+
     /// Operation 3 with this type, and the node's pointer or null, in the record. The node leaves the scene when it was
     /// freed, and when it was handed over as what it is: the module then only unlinked it and the host lets it be.
     SDestroyed Destroy(SNode& node, const GUID& guidType, bool bPointer);

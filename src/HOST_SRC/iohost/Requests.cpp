@@ -159,7 +159,7 @@ OrderedJson Init(SRequestContext& context) {
 
 OrderedJson Outputs(SRequestContext& context) {
     SNode& node = NodeField(context);
-    context.host.Call(&node, [&] { node.pNode->GetNodeOutput(node.pGraphNode.get()); });
+    context.host.MakeOutputs(node);
     return OrderedJson::object();
 }
 

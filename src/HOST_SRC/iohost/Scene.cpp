@@ -16,7 +16,23 @@ void CopyValue(const VEKParam& from, VEKParam& to) {
     to.m_strValue = from.m_strValue;
 }
 
+std::optional<int> PinType(const VEKParamGroupList& lstGroup, const PinTypes& own, unsigned nId) {
+    if (const VEKParam* pParam = FindParam(lstGroup, MakeParamGuid(nId))) {
+        return pParam->m_nType;
+    }
+    const auto pin = own.find(nId);
+    return pin != own.end() ? std::optional(pin->second) : std::nullopt;
+}
+
 } // namespace
+
+std::optional<int> SNode::InputType(unsigned nInput) const {
+    return PinType(pGraphNode->m_lstInputGroup, ownInputs, nInput);
+}
+
+std::optional<int> SNode::OutputType(unsigned nOutput) const {
+    return PinType(pGraphNode->m_lstOutputGroup, ownOutputs, nOutput);
+}
 
 SNode& CScene::Add(SNode node) {
     node.nOrder = m_nNextOrder++;
@@ -68,8 +84,7 @@ VEKClip& CScene::Clip(const CString& strName) {
 }
 
 void CScene::Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput) {
-    const VEKParam* pOutput = FindParam(from.pGraphNode->m_lstOutputGroup, MakeParamGuid(nOutput));
-    const SLink link{&from, nOutput, &to, nInput, pOutput != nullptr && pOutput->m_nType == PARAM_EVENT.m_nType};
+    const SLink link{&from, nOutput, &to, nInput, from.OutputType(nOutput) == PARAM_EVENT.m_nType};
     if (std::ranges::find(from.arOutgoing, link) == from.arOutgoing.end()) {
         from.arOutgoing.push_back(link);
         to.arIncoming.push_back(link);

@@ -4,6 +4,7 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -25,6 +26,9 @@ struct SLink {
     bool operator==(const SLink&) const = default;
 };
 
+/// Pins by their ids, with their types.
+using PinTypes = std::map<unsigned, int>;
+
 /// One node of the scene. The module's object belongs to the scene until it is handed to operation 3.
 struct SNode {
     std::string strHandle;
@@ -33,10 +37,16 @@ struct SNode {
     std::unique_ptr<SGraphNode> pGraphNode;
     bool bEventWindow;               ///< the node was given the event window
     bool bNotifyWindow;              ///< the node was given the notification window
+    PinTypes ownInputs;              ///< the inputs that the node makes by itself, also when they were dropped since
+    PinTypes ownOutputs;             ///< the outputs, likewise
     std::set<unsigned> setTriggered; ///< inputs that the next evaluation finds triggered
     std::vector<SLink> arIncoming;   ///< links into this node, in the order in which they were made
     std::vector<SLink> arOutgoing;   ///< links out of this node, likewise
     unsigned long long nOrder;       ///< place in the order of creation
+
+    /// The type of a pin that is there, or was dropped and may come back; none for any other.
+    std::optional<int> InputType(unsigned nInput) const;
+    std::optional<int> OutputType(unsigned nOutput) const;
 };
 
 /// Nodes in the order of their creation.
@@ -77,7 +87,7 @@ public:
     /// Takes away the clip made last. No node may belong to it.
     void RemoveLastClip() { m_clips.pop_back(); }
 
-    /// Make a link; the same link twice is one. The pins must exist.
+    /// Make a link; the same link twice is one. The pins must have a type.
     void Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput);
 
     /// A node fired an event output: the inputs linked to it are triggered for their nodes' next evaluation.

@@ -43,6 +43,9 @@ OrderedJson SceneToJson(const CScene& scene, const CPeers& peers) {
                          {"inputs", GroupsToJson(node.pGraphNode->m_lstInputGroup)},
                          {"outputs", GroupsToJson(node.pGraphNode->m_lstOutputGroup)}});
         for (const SLink& link : node.arOutgoing) {
+            if (!link.pFrom->OutputType(link.nOutput) || !link.pTo->InputType(link.nInput)) {
+                continue; // of a pin that was dropped and that no node makes again
+            }
             links.push_back({{"from", link.pFrom->strHandle},
                              {"output", link.nOutput},
                              {"to", link.pTo->strHandle},
@@ -58,7 +61,11 @@ void LoadClip(CScene& scene, const CFields& fields) {
     const Json& objects = fields.Array("objects");
     for (size_t i = 0; i < objects.size(); ++i) {
         const CFields object(objects[i], fields.Path("objects") + "[" + std::to_string(i) + "].");
-        auto pObject = std::make_unique<VEKObject>(FromUtf8(object.Text("name")));
+        const CString strName = FromUtf8(object.Text("name"));
+        if (clip.FindObject(strName, 0) != nullptr) {
+            Refuse(object.Path("name"), "the clip has an object " + Quoted(Utf8(strName)) + " already");
+        }
+        auto pObject = std::make_unique<VEKObject>(strName);
         if (const Json* pMatrix = object.OptionalArray("matrix")) {
             if (pMatrix->size() != std::size(pObject->m_fMatrix)) {
                 Refuse(object.Path("matrix"), "must hold 16 numbers");
@@ -111,6 +118,25 @@ SNode& LinkedNode(CScene& scene, const CFields& fields, const char* pszName) {
     return *pNode;
 }
 
+/// A pin's number; one that the node neither has nor makes by itself is refused.
+unsigned LinkedPin(const SNode& node, std::optional<int> (SNode::*pTypeOf)(unsigned) const, const CFields& fields,
+                   const char* pszName, const char* pszPlace) {
+    const unsigned nPin = fields.Unsigned(pszName);
+    if (!(node.*pTypeOf)(nPin)) {
+        Refuse(fields.Path(pszName), "there is no parameter " + std::to_string(nPin) + " among the node's " + pszPlace);
+    }
+    return nPin;
+}
+
+/// Pins that the file's nodes lack are linked all the same when the nodes make them by themselves: links outlive pins.
+void LoadLink(CScene& scene, const CFields& fields) {
+    SNode& from = LinkedNode(scene, fields, "from");
+    SNode& to = LinkedNode(scene, fields, "to");
+    const unsigned nOutput = LinkedPin(from, &SNode::OutputType, fields, "output", "outputs");
+    const unsigned nInput = LinkedPin(to, &SNode::InputType, fields, "input", "graph inputs");
+    scene.Link(from, nOutput, to, nInput);
+}
+
 template <typename Load>
 void ForEachElement(const CFields& document, const char* pszName, Load load) {
     if (const Json* pList = document.OptionalArray(pszName)) {
@@ -124,10 +150,7 @@ void BuildScene(CHost& host, const CFields& document) {
     CScene& scene = host.Scene();
     ForEachElement(document, "clips", [&](const CFields& clip) { LoadClip(scene, clip); });
     ForEachElement(document, "nodes", [&](const CFields& node) { LoadNode(host, node); });
-    ForEachElement(document, "links", [&](const CFields& link) {
-        scene.Link(LinkedNode(scene, link, "from"), link.Unsigned("output"), LinkedNode(scene, link, "to"),
-                   link.Unsigned("input"));
-    });
+    ForEachElement(document, "links", [&](const CFields& link) { LoadLink(scene, link); });
 }
 
 std::string ReadFile(const std::filesystem::path& file) {

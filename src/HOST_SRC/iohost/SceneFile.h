@@ -6,6 +6,7 @@
 //    "devices": [{"id", "name", "parser", "address"}] or null}
 // "own", "inputs" and "outputs" are groups as `inspect` shows them; only their ids, values, choices and availability
 // matter for parameters that the node makes itself. Where one of the three is missing, the node has what a new one has.
+// A link may name a pin that "inputs" or "outputs" lack, when the node makes it by itself: it was dropped.
 #pragma once
 
 #include <filesystem>
