@@ -59,6 +59,16 @@ protected:
         return Device();
     }
 
+    /// Device 3 has just lost its connection and isn't tried again for 0.8 s: it was lost a few times in a row.
+    void LoseConnection() {
+        SetDevice(3, "framed", m_listener.Address());
+        for (int i = 0; i < 4; ++i) {
+            AwaitState("connected");
+            m_listener.Accept().close();
+            AwaitState("waiting");
+        }
+    }
+
     /// A send node for device 3 and a receive node of the same key.
     void CreateRecordNodes() {
         Create("send", SEND_TYPE);
@@ -203,9 +213,7 @@ TEST_F(NetworkRequests, ListenOnlyKeepsItemsFromTheDevice) {
 
 TEST_F(NetworkRequests, ListenOnlyAlsoHoldsWhatWaits) {
     CreateRecordNodes();
-    SetDevice(3, "framed", m_listener.Address());
-    m_listener.Accept().close();
-    AwaitState("waiting");
+    LoseConnection();
     Send("send", 410);
     Do({{"op", "listen_only"}, {"on", true}});
     AwaitState("connected");
@@ -257,9 +265,7 @@ TEST_F(NetworkRequests, ADeviceThatIsOutOfStepIsConnectedAnew) {
 
 TEST_F(NetworkRequests, ALostConnectionComesBackAndWhatWasQueuedGoesOut) {
     CreateRecordNodes();
-    SetDevice(3, "framed", m_listener.Address());
-    m_listener.Accept().close();
-    AwaitState("waiting");
+    LoseConnection();
     Send("send", 410);
     EXPECT_EQ(Device()["queued_items"], 1);
     AwaitState("connected");
@@ -420,10 +426,8 @@ TEST_F(NetworkRequests, ASlowDeviceDoesNotFillTheLog) {
 }
 
 TEST_F(NetworkRequests, ItemsThatGoWithTheirDeviceAreLogged) {
-    SetDevice(3, "framed", m_listener.Address());
-    m_listener.Accept().close();
-    AwaitState("waiting");
     CreateRecordNodes();
+    LoseConnection();
     Send("send", 410);
     Send("send", 410);
     const OrderedJson reply = Do({{"op", "devices"}, {"list", nullptr}});
