@@ -294,7 +294,6 @@ TEST_F(NetworkRequests, ADeviceThatIsNotThereIsTriedAgain) {
 
 TEST_F(NetworkRequests, ADeviceThatClosesEachConnectionIsTriedEverMoreSeldom) {
     using std::chrono::steady_clock;
-    constexpr std::chrono::milliseconds SEEN_LATE{40};
     const auto pause = [this] {
         m_listener.Accept().close();
         AwaitState("waiting");
@@ -304,7 +303,7 @@ TEST_F(NetworkRequests, ADeviceThatClosesEachConnectionIsTriedEverMoreSeldom) {
     };
     SetDevice(3, "framed", m_listener.Address());
     for (std::chrono::milliseconds expected{100}; expected.count() <= 800; expected *= 2) {
-        EXPECT_GT(pause(), expected - SEEN_LATE);
+        EXPECT_GT(pause(), expected / 2); // its beginning is seen late
     }
     Wait(1100); // a connection that lasts a second was a good one
     EXPECT_LT(pause(), std::chrono::milliseconds(800));

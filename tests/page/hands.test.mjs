@@ -187,19 +187,19 @@ test("a touch-pad that is pressed while its panel is hidden is let go of", async
 
 test("a trigger and a touch-pad whose pointer is taken away are let go of", async () => {
   const [trigger, pad] = [hand(1).locator(".trigger"), hand(1).locator(".pad")];
-  for (const [button, held, released] of [
-    [trigger, "trigger of hand 1", is.TRIGGER_UP],
-    [pad, "touch-pad of hand 1", is.PAD_UP],
+  for (const [button, held, pressed, released] of [
+    [trigger, "trigger of hand 1", is.TRIGGER_DOWN, is.TRIGGER_UP],
+    [pad, "touch-pad of hand 1", is.PAD_DOWN, is.PAD_UP],
   ]) {
     await button.evaluate((element) =>
       element.addEventListener("gotpointercapture", ({ pointerId }) => element.releasePointerCapture(pointerId), { once: true }));
     await button.hover();
     await page.mouse.down();
-    await page.held(held).waitFor();
+    await page.fires(pressed, 1); // held only until the pointer is taken away, which may be at once
     await page.moveTo(50, 50);
-    await page.mouse.up();
     await page.fires(released, 1);
     await page.held(held).waitFor({ state: "detached" });
+    await page.mouse.up();
   }
   await page.page.locator("[data-tab=log]").click();
   await page.logs("the pointer was taken away");
