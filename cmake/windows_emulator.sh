@@ -6,6 +6,8 @@ set -euo pipefail
 export WINEPREFIX=$1
 shift
 export WINEARCH=win64
+# Wine takes its ANSI code page from the language: with this one it is 1252 for everybody, and names of files are UTF-8.
+export LC_ALL=C.UTF-8
 # No offer to download what the programs here don't use, no entries in the desktop's menus.
 export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
 

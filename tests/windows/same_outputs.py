@@ -20,8 +20,8 @@ def output_of(command, environment):
 
 def main():
     native, windows, *emulator = sys.argv[1:]
-    # The ANSI code page is pinned: the native build reads it from the one variable, Wine makes it from the other.
-    environment = {**os.environ, "COMPAT_ANSI_CODE_PAGE": "1252", "LC_ALL": "C"}
+    # The ANSI code page of the native build; Wine's is pinned by the emulator's script.
+    environment = {**os.environ, "COMPAT_ANSI_CODE_PAGE": "1252"}
     native_lines = output_of([native], environment)
     windows_lines = output_of([*emulator, windows], environment)
     kinds = {line.split()[0] for line in native_lines if not line.startswith(" ")}

@@ -229,8 +229,8 @@ def first_differences(requests, replies, other_replies):
 
 def main():
     native, windows, app, *emulator = sys.argv[1:]
-    # What the machine calls its own code page must not matter.
-    environment = {**os.environ, "LC_ALL": "C", "COMPAT_ANSI_CODE_PAGE": "1252"}
+    # The ANSI code page of the native build; Wine's is pinned by the emulator's script.
+    environment = {**os.environ, "COMPAT_ANSI_CODE_PAGE": "1252"}
     with tempfile.TemporaryDirectory() as folder:
         # Without a port, broadcasts go nowhere.
         copy = pathlib.Path(folder) / "app"
