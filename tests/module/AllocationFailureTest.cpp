@@ -62,6 +62,61 @@ protected:
 
 const unsigned char TYPES[] = {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0x0B, 0x0C, 0x0D, 0x0E, 0x0F};
 
+TEST_F(AllocationFailure, OfTheCatalogueStaysInside) {
+    SIOProcessPluginData whole;
+    m_host.Call(0, nullptr, &whole); // whatever is allocated once is allocated now
+    ASSERT_EQ(whole.arNodeInfo.GetSize(), 13);
+    int nSucceeding = 0;
+    for (bool bFailed = true; bFailed; ++nSucceeding) {
+        SCOPED_TRACE(nSucceeding);
+        ASSERT_LT(nSucceeding, 10000);
+        SIOProcessPluginData data;
+        SIOProcessNodeInfo before;
+        before.strName = L"before";
+        data.arNodeInfo.Add(before);
+        int nResult = 0;
+        s_nUntilFailure = nSucceeding;
+        EXPECT_NO_THROW(nResult = m_host.Call(0, nullptr, &data));
+        bFailed = s_nUntilFailure == NEVER;
+        s_nUntilFailure = NEVER;
+        EXPECT_EQ(nResult, 1);
+        // The types up to the one that couldn't be added, each of them whole.
+        const INT_PTR nAdded = data.arNodeInfo.GetSize() - 1;
+        ASSERT_GE(nAdded, 0);
+        ASSERT_LE(nAdded, 13);
+        EXPECT_TRUE(bFailed || nAdded == 13);
+        EXPECT_EQ(Utf8(data.arNodeInfo[0].strName), "before");
+        for (INT_PTR i = 0; i < nAdded; ++i) {
+            const SIOProcessNodeInfo& info = data.arNodeInfo[i + 1];
+            EXPECT_EQ(GuidWords(info.guidType), GuidWords(whole.arNodeInfo[i].guidType));
+            EXPECT_EQ(Utf8(info.strName), Utf8(whole.arNodeInfo[i].strName));
+            EXPECT_EQ(Utf8(info.strTip), Utf8(whole.arNodeInfo[i].strTip));
+            EXPECT_EQ(info.bEnable, whole.arNodeInfo[i].bEnable);
+            EXPECT_NE(info.hIcon, nullptr);
+        }
+        if (HasFailure()) {
+            return; // one place says enough
+        }
+    }
+    EXPECT_GT(nSucceeding, 13);
+}
+
+TEST_F(AllocationFailure, DoesNotConcernReleasingAndDestroying) {
+    for (const unsigned char nTypeByte : TYPES) {
+        if (nTypeByte == TYPE_BROADCAST_SEND) {
+            continue; // its socket calls are recorded by these tests, which allocates where nothing may be thrown
+        }
+        SCOPED_TRACE(static_cast<int>(nTypeByte));
+        const NodePtr pKeyCheck = nTypeByte == TYPE_KEY_CHECK ? m_host.CreateNode(nTypeByte) : nullptr;
+        SIOProcessNodeRef ref{TypeGuid(nTypeByte),
+                              pKeyCheck ? pKeyCheck.get() : m_host.CreateNode(nTypeByte).release()};
+        EXPECT_FALSE(Raises(0, [&] { m_host.Call(3, &ref, nullptr); }));
+        EXPECT_EQ(ref.pNode, nullptr);
+    }
+    EXPECT_FALSE(Raises(0, [&] { m_host.Call(1, nullptr, nullptr); }));
+    EXPECT_FALSE(Raises(0, [&] { m_host.Call(4, nullptr, nullptr); }));
+}
+
 TEST_F(AllocationFailure, OfANodeGoesOutOfTheFunction) {
     for (const unsigned char nTypeByte : TYPES) {
         SCOPED_TRACE(static_cast<int>(nTypeByte));

@@ -1,6 +1,7 @@
 // The module's one exported function.
 
 #include <memory>
+#include <new>
 
 #include "host/HostCommon.h"
 #include "host/PluginContract.h"
@@ -47,6 +48,17 @@ void RegisterTypes(CArray<SIOProcessNodeInfo>& arNodeInfo) {
     }
 }
 
+/// The same for a host that may be out of memory, which this operation has no way to tell: the catalogue then ends with
+/// the last entry that could be added.
+void RegisterTypesWithinMemory(CArray<SIOProcessNodeInfo>& arNodeInfo) {
+    try {
+        RegisterTypes(arNodeInfo);
+    } catch (const std::bad_alloc&) {
+    } catch (CMemoryException* pException) {
+        pException->Delete();
+    }
+}
+
 void CreateNode(const GUID& guidType, SIOProcessPluginData& data) {
     const NodeTypeRow* pRow = FindNodeType(guidType);
     if (pRow == nullptr) {
@@ -75,7 +87,7 @@ extern "C" __declspec(dllexport) int WINAPI
     switch (nOperation) {
     case IOP_REGISTER_TYPES:
         if (pData != nullptr) {
-            RegisterTypes(pData->arNodeInfo);
+            RegisterTypesWithinMemory(pData->arNodeInfo);
         }
         return 1;
     case IOP_RELEASE_GLOBALS:
