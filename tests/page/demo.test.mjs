@@ -128,6 +128,7 @@ test("the mouse has its buttons, wheel and place; the right button sends to the 
   await until("the place", async () => Math.abs(Number(await output("mouse", 370).getAttribute("data-value")) - 123) < 2);
   await until("another line of the Stage", () => linesOf("Stage").length > sent);
   await expectEventually("the Stage's answer", () => count("net_receive", 554), answered + 1);
+  await picture("mouse", "mouse");
 });
 
 test("the right hand moves the Lamp", async () => {
@@ -157,6 +158,7 @@ test("text for the Lamp is passed on, and goes to the Stage with the next record
   await fires("object_json", 1253, () => page.locator("[data-json=send]").click());
   await shows("object_json", 1252, '{"on":true}');
   await picture("json", "object_json");
+  await picture("device_json", "device_json");
   await page.locator('button[data-node=net_send][data-param="410"]').click();
   await shows("net_receive", 553, '{"on":true}');
 });
