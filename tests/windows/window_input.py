@@ -32,18 +32,19 @@ GUID = "{{8164BB40-6B6A-4707-88B7-386BCB0D1B{:02X}}}"
 
 
 def scene():
-    """A keyboard that fills a text field, a check of the key K, a mouse."""
+    """A keyboard that fills a text field, a check of the key K, a mouse whose left button gives a sender a device."""
     def node(handle, type_byte, **fields):
         return {"node": handle, "type": GUID.format(type_byte), "clip": "Clip", "graph": f"{handle} 1", **fields}
 
-    def link(output, node_input):
-        return {"from": "keyboard", "output": output, "to": "text", "input": node_input}
+    def link(source, output, target, node_input):
+        return {"from": source, "output": output, "to": target, "input": node_input}
 
     key = {"id": 1101, "params": [{"id": 2}, {"id": 1102, "int": ord("K")}, {"id": 1103, "int": 100}]}
     return {"format": "iohost scene", "version": 1, "clips": [{"name": "Clip", "objects": []}],
             "nodes": [node("keyboard", 0x01), node("check", 0x0B, inputs=[key]), node("text", 0x02),
-                      node("mouse", 0x03)],
-            "links": [link(154, 202), link(152, 203)]}
+                      node("mouse", 0x03), node("sender", 0x04)],
+            "links": [link("keyboard", 154, "text", 202), link("keyboard", 152, "text", 203),
+                      link("mouse", 366, "sender", 412)]}
 
 
 class Display:
@@ -73,7 +74,7 @@ class Display:
 class Host:
     """iohost with its window, and what its recording tells."""
 
-    def __init__(self, display, folder, name, place, extra_environment=None):
+    def __init__(self, display, folder, name, place, extra_environment=None, started_by=()):
         self.display = display
         self.recording = folder / f"{name}.jsonl"
         scene_file = folder / f"{name}.json"
@@ -81,7 +82,7 @@ class Host:
         windows_before = self.windows()
         self.errors = open(folder / f"{name}.log", "w+", encoding="utf-8", errors="replace")
         self.program = subprocess.Popen(
-            [*EMULATOR, IOHOST, "--window", "--size", f"{WIDTH}x{HEIGHT}", "--app", str(folder / "app"),
+            [*EMULATOR, *started_by, IOHOST, "--window", "--size", f"{WIDTH}x{HEIGHT}", "--app", str(folder / "app"),
              "--scene", str(scene_file), "--record", str(self.recording)],
             env={**display.environment, **(extra_environment or {})}, stdin=subprocess.DEVNULL,
             stdout=subprocess.DEVNULL, stderr=self.errors)
@@ -107,6 +108,14 @@ class Host:
         self.move(WIDTH - 10, HEIGHT - 10)
         self.display.do("click", 1)
         self.display.do("windowfocus", "--sync", self.window)
+
+    def size(self):
+        """With its frame if the system draws one."""
+        text = self.display.do("getwindowgeometry", "--shell", self.window)
+        return tuple(int(re.search(rf"^{name}=(\d+)$", text, re.MULTILINE)[1]) for name in ("WIDTH", "HEIGHT"))
+
+    def frames(self):
+        return sum(line["op"] == "process" for line in self.lines())
 
     def move(self, x, y):
         self.display.do("mousemove", "--window", self.window, x, y)
@@ -283,6 +292,17 @@ class WindowInput(unittest.TestCase):
             self.wait_for_output(value, lambda state: state == 0, f"button {button} is up")
             self.assertEqual(mouse_outputs(self.lines())[-1], released)
 
+    def test_a_node_that_changes_its_panel_notifies_the_editor(self):
+        def notified():
+            return [entry for line in self.lines() for entry in line["reply"].get("notified", [])]
+
+        self.host.move(100, 100)
+        for action in ("mousedown", "mouseup"):
+            count = len(notified())
+            self.display.do(action, 1)
+            until(lambda: len(notified()) > count, "the sender notifies the editor")
+        self.assertEqual([(entry["wparam"], entry["lparam"]) for entry in notified()], [(0, 1), (0, 1)])
+
     def test_the_wheel_turns_both_ways(self):
         self.host.move(100, 100)
         self.display.do("click", "--repeat", 2, 4)
@@ -341,6 +361,42 @@ class WindowInput(unittest.TestCase):
             self.assertEqual(len(dispatched), len(posted), "messages that the system dispatched")
         finally:
             other.end()
+
+    def test_frames_go_on_while_the_window_is_dragged_and_sized(self):
+        # A desktop of Wine's own draws frames around its windows, which no window manager does here.
+        other = Host(self.display, self.folder, "dragged", (0, 0),
+                     started_by=["explorer", "/desktop=frames,900x700"])
+        try:
+            width, height = other.size()
+            place = self.place_in_window(other, (100, 100))
+            self.drag_with_frames(other, (width // 2, 12), (width // 2 + 200, 112))
+            self.assertEqual(self.place_in_window(other, (300, 200)), place)
+            corner = width + 198, height + 98
+            self.drag_with_frames(other, corner, (corner[0] + 50, corner[1] + 30))
+            until(lambda: other.size() == (width + 50, height + 30), "the window has grown")
+            self.display.do("key", "alt+F4")
+            self.assertEqual(other.program.wait(TIME_LIMIT), 0)
+        finally:
+            other.end()
+
+    def place_in_window(self, host, on_screen):
+        """Where a window sees the pointer that comes to this place of the screen."""
+        def samples():
+            return [payload for event, payload, _ in events_in(host.lines(), POINTER) if event == SAMPLE]
+
+        before = len(samples())
+        self.display.do("mousemove", *on_screen)
+        until(lambda: len(samples()) > before, "the window sees the pointer")
+        return samples()[-1]["x"], samples()[-1]["y"]
+
+    def drag_with_frames(self, host, start, end):
+        self.display.do("mousemove", *start)
+        self.display.do("mousedown", 1)
+        self.display.do("mousemove", *end)
+        time.sleep(0.5)  # what was under way before is over
+        before = host.frames()
+        until(lambda: host.frames() > before + 20, "frames go on in a drag")
+        self.display.do("mouseup", 1)
 
     def host_is_quiet(self):
         before = len(events_in(self.lines(), KEYBOARD))

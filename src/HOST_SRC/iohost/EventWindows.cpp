@@ -1,6 +1,5 @@
 #include "EventWindows.h"
 
-#include <algorithm>
 #include <memory>
 #include <stdexcept>
 
@@ -36,10 +35,11 @@ CEventWindows::~CEventWindows() {
 
 void CEventWindows::Pump() {
     // Only these two: whatever else waits must not be handled in the middle of a request.
-    const auto [nFirst, nLast] = std::minmax(m_nEventMsg, m_nNotifyMsg);
     MSG message;
-    while (PeekMessageW(&message, nullptr, nFirst, nLast, PM_REMOVE)) {
-        DispatchMessageW(&message);
+    for (const UINT nMessage : {m_nEventMsg, m_nNotifyMsg}) {
+        while (PeekMessageW(&message, nullptr, nMessage, nMessage, PM_REMOVE)) {
+            DispatchMessageW(&message);
+        }
     }
 }
 

@@ -20,6 +20,7 @@ namespace {
 
 constexpr wchar_t WINDOW_CLASS[] = L"iohost render window";
 constexpr size_t MOST_LINES = 200;
+constexpr UINT_PTR MODAL_TIMER = 1;
 
 /// Joins the window, the frames and the session: one thread, one loop.
 class CRenderWindow {
@@ -38,6 +39,7 @@ private:
     LRESULT OnMessage(UINT nMessage, WPARAM wParam, LPARAM lParam);
 
     void HandleMessages();
+    void Advance();
     void HandleInput();
     void HandleNetwork();
     void Frame();
@@ -48,6 +50,8 @@ private:
     CSession& m_session;
     CHeldInput& m_held;
     const double m_fFps;
+    FrameTime m_tStart; ///< of the frames
+    FrameTime m_tNext;  ///< when the next one is due
     HWND m_hWnd = nullptr;
     CWindowInput m_input;
     std::ostringstream m_printed;
@@ -96,17 +100,12 @@ void CRenderWindow::Run() {
     std::cout << "iohost: the window is open\n" << std::flush;
 
     using std::chrono::steady_clock;
-    const FrameTime tStart = steady_clock::now();
-    FrameTime tNext = tStart;
+    m_tStart = steady_clock::now();
+    m_tNext = m_tStart;
     while (!m_bEnding && !m_session.HasQuit()) {
         HandleMessages();
-        HandleInput();
-        HandleNetwork();
-        if (steady_clock::now() >= tNext) {
-            Frame();
-            tNext = NextFrameTime(tStart, m_fFps, steady_clock::now());
-        }
-        const auto rest = std::chrono::ceil<std::chrono::milliseconds>(tNext - steady_clock::now());
+        Advance();
+        const auto rest = std::chrono::ceil<std::chrono::milliseconds>(m_tNext - steady_clock::now());
         MsgWaitForMultipleObjectsEx(0, nullptr, static_cast<DWORD>(std::max<long long>(rest.count(), 0)), QS_ALLINPUT,
                                     MWMO_INPUTAVAILABLE);
     }
@@ -137,6 +136,18 @@ LRESULT CRenderWindow::OnMessage(UINT nMessage, WPARAM wParam, LPARAM lParam) {
             return 0; // Alt and F10 are keys like others here
         }
         break;
+    // While the window is moved, sized or its menu is open, the system runs a message loop of its own.
+    case WM_ENTERSIZEMOVE:
+    case WM_ENTERMENULOOP:
+        SetTimer(m_hWnd, MODAL_TIMER, USER_TIMER_MINIMUM, nullptr);
+        break;
+    case WM_EXITSIZEMOVE:
+    case WM_EXITMENULOOP:
+        KillTimer(m_hWnd, MODAL_TIMER);
+        break;
+    case WM_TIMER:
+        Advance();
+        return 0;
     case WM_ERASEBKGND:
         return 1; // painted as a whole
     case WM_PAINT:
@@ -160,6 +171,17 @@ void CRenderWindow::HandleMessages() {
             HandleInput();
             Frame();
         }
+    }
+}
+
+/// What waits is handled, and a frame runs when it's due.
+void CRenderWindow::Advance() {
+    using std::chrono::steady_clock;
+    HandleInput();
+    HandleNetwork();
+    if (steady_clock::now() >= m_tNext) {
+        Frame();
+        m_tNext = NextFrameTime(m_tStart, m_fFps, steady_clock::now());
     }
 }
 
