@@ -97,4 +97,6 @@ RECORDS = {
     "struct SIOProcessNodeRef": (24, {"guidType": 0, "pNode": 16}),
     "struct SIOEventRecord": (16, {"m_nDevice": 0, "m_nEvent": 4, "m_pPayload": 8}),
     "struct SKeyEventData": (16, {"m_pReserved": 0, "m_strText": 8}),
+    "struct SDeviceTextData": (24, {"m_pReserved": 0, "m_nDeviceId": 8, "m_strText": 16}),
+    "struct SObjectTextData": (32, {"m_pReserved": 0, "m_strClipName": 8, "m_strObjectName": 16, "m_strText": 24}),
 }

@@ -10,4 +10,4 @@ struct SSizes {
 
 // A compiler lays out what it's asked the size of.
 static_assert(SSizes<CString, CStringArray, CArray<SIOProcessNodeInfo>, SIOProcessNodeInfo, SIOProcessPluginData,
-                     SIOProcessNodeRef, SIOEventRecord, SKeyEventData>::TOTAL > 0);
+                     SIOProcessNodeRef, SIOEventRecord, SKeyEventData, SDeviceTextData, SObjectTextData>::TOTAL > 0);
