@@ -55,37 +55,61 @@ bool IsShared(CStringData* pData) noexcept {
     return std::atomic_ref<long>(pData->nRefs).load(std::memory_order_acquire) != 1;
 }
 
+// Text that is gathered by single characters, in a place on the stack that most texts fit into.
+class CGatheredText {
+public:
+    void Add(wchar_t ch) {
+        if (m_nCount == ROOM)
+            Flush();
+        m_szGathered[m_nCount++] = ch;
+    }
+    void Add(const wchar_t* pszText) {
+        while (*pszText != 0)
+            Add(*pszText++);
+    }
+    CString Take() {
+        Flush();
+        return std::move(m_strText);
+    }
+
+private:
+    static constexpr int ROOM = 256;
+
+    void Flush() {
+        m_strText.Append(m_szGathered, m_nCount);
+        m_nCount = 0;
+    }
+
+    wchar_t m_szGathered[ROOM];
+    int m_nCount = 0;
+    CString m_strText;
+};
+
 CString FormatText(const wchar_t* pszFormat, va_list args) {
-    constexpr int ROOM_FOR_ARGUMENTS = 32; // to begin with
     ENSURE(pszFormat != nullptr);
-    CString strResult;
-    strResult.Preallocate(TextLength(pszFormat) + ROOM_FOR_ARGUMENTS);
-    while (*pszFormat != 0) {
-        const wchar_t* pszConversion = std::wcschr(pszFormat, L'%');
-        if (pszConversion == nullptr) {
-            strResult.Append(pszFormat);
-            break;
+    CGatheredText result;
+    for (; *pszFormat != 0; ++pszFormat) {
+        if (*pszFormat != L'%') {
+            result.Add(*pszFormat);
+            continue;
         }
-        strResult.Append(pszFormat, static_cast<int>(pszConversion - pszFormat));
-        pszFormat = pszConversion;
-        switch (pszFormat[1]) {
+        switch (*++pszFormat) {
         case L's': {
             const wchar_t* pszText = va_arg(args, const wchar_t*);
-            strResult.Append(pszText != nullptr ? pszText : L"(null)");
+            result.Add(pszText != nullptr ? pszText : L"(null)");
             break;
         }
         case L'd':
-            strResult.Append(std::to_wstring(va_arg(args, int)).c_str());
+            result.Add(std::to_wstring(va_arg(args, int)).c_str());
             break;
         case L'%':
-            strResult += L'%';
+            result.Add(L'%');
             break;
         default: // what it would take from the arguments is unknown
             AfxThrowInvalidArgException();
         }
-        pszFormat += 2;
     }
-    return strResult;
+    return result.Take();
 }
 
 } // namespace

@@ -146,20 +146,29 @@ char* PutPeculiar(char* pBytes, std::wstring_view text) {
 /// Write a text in which no character is peculiar; null when one is. Most of any text is ASCII, which whole blocks are
 /// written of at once.
 char* PutPlain(char* pBytes, std::wstring_view text) {
-    constexpr size_t BLOCK_LENGTH = 32;
+    constexpr size_t BLOCK_LENGTH = 32; // compilers make single steps of shorter ones
     while (!text.empty()) {
         const std::wstring_view block = text.substr(0, BLOCK_LENGTH);
         text.remove_prefix(block.size());
-        unsigned nAll = 0; // bits of all its characters
-        for (const wchar_t c : block) {
-            nAll |= static_cast<unsigned>(c);
+        if (block.size() == BLOCK_LENGTH) {
+            unsigned nAll = 0; // bits of all its characters
+            for (size_t i = 0; i < BLOCK_LENGTH; ++i) {
+                nAll |= static_cast<unsigned>(block[i]);
+            }
+            if (nAll < 0x80) {
+                pBytes = std::transform(block.data(), block.data() + BLOCK_LENGTH, pBytes,
+                                        [](wchar_t c) { return static_cast<char>(c); });
+                continue;
+            }
         }
-        if (nAll < 0x80) {
-            pBytes = std::ranges::transform(block, pBytes, [](wchar_t c) { return static_cast<char>(c); }).out;
-        } else if (std::ranges::none_of(block, [](wchar_t c) { return IsPeculiar(c); })) {
-            pBytes = PutUtf8(pBytes, block);
-        } else {
-            return nullptr;
+        for (const wchar_t c : block) {
+            if (static_cast<unsigned>(c) < 0x80) {
+                *pBytes++ = static_cast<char>(c);
+            } else if (!IsPeculiar(c)) {
+                pBytes = PutUtf8(pBytes, c);
+            } else {
+                return nullptr;
+            }
         }
     }
     return pBytes;
@@ -185,6 +194,17 @@ void WriteText(std::basic_string<LibraryChar>& libraryText, std::wstring_view te
     }
 }
 
+/// The value that the text says, which is written for the library first. Nothing is made beside the library's own
+/// value: a short text is soon parsed.
+web::json::value Parse(utility::string_t& libraryText, std::wstring_view text) {
+    try {
+        WriteText(libraryText, text);
+        return web::json::value::parse(libraryText);
+    } catch (const std::exception&) {
+        return web::json::value();
+    }
+}
+
 } // namespace
 
 web::json::value ParseJsonText(const CString& strText) {
@@ -193,13 +213,7 @@ web::json::value ParseJsonText(const CString& strText) {
     constexpr size_t MOST_KEPT = 262'144;
 
     web::json::keep_object_element_order(true); // a setting of the process
-    web::json::value value;
-    try {
-        WriteText(s_text, {strText.GetString(), static_cast<size_t>(strText.GetLength())});
-        value = web::json::value::parse(s_text);
-    } catch (const std::exception&) {
-        value = web::json::value();
-    }
+    web::json::value value = Parse(s_text, {strText.GetString(), static_cast<size_t>(strText.GetLength())});
     if (s_text.capacity() > MOST_KEPT) {
         utility::string_t().swap(s_text);
     }
