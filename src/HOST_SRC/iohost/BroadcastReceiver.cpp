@@ -11,15 +11,6 @@ namespace {
 
 constexpr std::chrono::seconds RETRY_PAUSE{1};
 
-/// Errors one after another, each about one datagram, before there is a pause.
-constexpr unsigned MOST_ERRORS_IN_A_ROW = 10;
-
-/// Windows reports that way that an answer reached nobody, and a datagram that is too long.
-bool IsAboutOneDatagram(const error_code& error) {
-    return error == asio::error::connection_reset || error == asio::error::connection_refused ||
-           error == asio::error::message_size;
-}
-
 } // namespace
 
 CBroadcastReceiver::CBroadcastReceiver(asio::io_context& context, const asio::ip::udp::endpoint& endpoint,
@@ -113,9 +104,10 @@ void CBroadcastReceiver::CountError(const std::string& strError) {
     m_host.OnStateChanged();
 }
 
-/// Receive until an error that isn't about one datagram, or too many of those.
+/// Receive until an error. None is about one datagram: the buffer takes the longest, and nothing is sent from this
+/// socket that somebody could refuse.
 Awaitable<void> CBroadcastReceiver::Receive() {
-    for (unsigned nErrorsInARow = 0; nErrorsInARow < MOST_ERRORS_IN_A_ROW;) {
+    for (;;) {
         error_code error;
         asio::ip::udp::endpoint sender;
         const size_t nBytes = co_await m_socket.async_receive_from(asio::buffer(m_datagram), sender, AwaitInto(error));
@@ -126,20 +118,15 @@ Awaitable<void> CBroadcastReceiver::Receive() {
             continue; // it was given back and opened again
         }
         if (error) {
-            ++nErrorsInARow;
             CountError(error.message());
-            if (!IsAboutOneDatagram(error)) {
-                CloseSocket();
-                co_return;
-            }
-        } else {
-            nErrorsInARow = 0;
-            co_await m_host.Gate().Pass(m_socket);
-            if (m_bStopped) {
-                co_return;
-            }
-            Take({m_datagram.data(), nBytes});
+            CloseSocket();
+            co_return;
         }
+        co_await m_host.Gate().Pass(m_socket);
+        if (m_bStopped) {
+            co_return;
+        }
+        Take({m_datagram.data(), nBytes});
     }
 }
 
