@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "Caught.h"
+#include "LogSink.h"
 #include "PeerLoop.h"
 #include "PlayControlParser.h"
 #include "RecordJson.h"
@@ -46,6 +47,19 @@ public:
 private:
     asio::io_context& m_context;
     std::ostream& m_output;
+};
+
+/// What the program has to say about itself, such as a connection that failed, beside what it prints.
+class CErrorLines final : ILogSink {
+public:
+    CErrorLines() { SetLogSink(this); }
+    ~CErrorLines() { SetLogSink(nullptr); }
+
+    CErrorLines(const CErrorLines&) = delete;
+    CErrorLines& operator=(const CErrorLines&) = delete;
+
+private:
+    void OnLogLine(const SLogLine& line) override { std::cerr << "iohost: " << Utf8(line.strText) << std::endl; }
 };
 
 /// One sender.
@@ -241,6 +255,7 @@ int RunStandInDevice(const SStandInOptions& options, std::ostream& output) {
                   << error.message() << "; --device PORT chooses another port\n";
         return EXIT_REFUSED;
     }
+    const CErrorLines errorLines;
     CLines lines(context, output);
     lines.Print({{"listening", EndpointText(acceptor.local_endpoint())}});
     asio::signal_set signals(context, SIGINT, SIGTERM);
