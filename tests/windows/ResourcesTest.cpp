@@ -106,6 +106,29 @@ TEST_F(Resources, EachIconLoadsInEachSizeAndNoOtherId) {
     }
 }
 
+TEST_F(Resources, WithoutASizeAnIconHasTheSystemsOrOneOfItsOwn) {
+    const auto SizeOf = [&](int nId, UINT nFlags) {
+        const auto hIcon = static_cast<HICON>(LoadImageW(m_hModule, MAKEINTRESOURCEW(nId), IMAGE_ICON, 0, 0, nFlags));
+        ICONINFO info = {};
+        EXPECT_TRUE(GetIconInfo(hIcon, &info)) << nId;
+        BITMAP bitmap = {};
+        GetObjectW(info.hbmColor, sizeof(bitmap), &bitmap);
+        DeleteObject(info.hbmColor);
+        DeleteObject(info.hbmMask);
+        DestroyIcon(hIcon);
+        return std::pair(bitmap.bmWidth, bitmap.bmHeight);
+    };
+    for (const int nId : ICON_IDS) {
+        EXPECT_EQ(SizeOf(nId, LR_DEFAULTSIZE),
+                  std::pair(LONG{GetSystemMetrics(SM_CXICON)}, LONG{GetSystemMetrics(SM_CYICON)}))
+            << nId;
+        // One of the group's pictures as it is; which one, the system chooses.
+        const auto [nWidth, nHeight] = SizeOf(nId, 0);
+        EXPECT_EQ(nWidth, nHeight) << nId;
+        EXPECT_NE(std::find(ICON_SIZES.begin(), ICON_SIZES.end(), nWidth), ICON_SIZES.end()) << nId << ", " << nWidth;
+    }
+}
+
 TEST_F(Resources, VersionRecordNamesTheModule) {
     DWORD nIgnored = 0;
     const DWORD nSize = GetFileVersionInfoSizeW(MODULE_FILE, &nIgnored);
@@ -142,12 +165,12 @@ TEST_F(Resources, VersionRecordNamesTheModule) {
         }
         return std::wstring(static_cast<const wchar_t*>(pText), nCharacters - 1);
     };
-    EXPECT_EQ(Text(L"ProductName"), L"QORIOProcess");
-    EXPECT_EQ(Text(L"InternalName"), L"QORIOProcessx");
+    EXPECT_EQ(Text(L"ProductName"), MODULE_NAME);
+    EXPECT_EQ(Text(L"InternalName"), MODULE_NAME);
     EXPECT_EQ(Text(L"OriginalFilename"), L"QORIOProcessx.dll");
     EXPECT_EQ(Text(L"FileVersion"), MODULE_VERSION);
     EXPECT_EQ(Text(L"ProductVersion"), MODULE_VERSION);
-    EXPECT_NE(Text(L"FileDescription"), L"");
+    EXPECT_EQ(Text(L"FileDescription"), MODULE_DESCRIPTION);
 }
 
 } // namespace
