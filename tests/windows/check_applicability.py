@@ -1,14 +1,15 @@
 #!/usr/bin/env python3
 """Hold the tests that don't run on Windows against the list of those that can't apply there.
 
-    check_applicability.py LIST SOURCE_FOLDER... -- TEST_PROGRAM... -- EMULATOR...
+    check_applicability.py LIST SOURCE_FOLDER... -- TEST_PROGRAM... -- EMULATOR... -- CTEST NATIVE_BUILD WINDOWS_BUILD
 
 Every test in the sources must be in one of the programs and must not skip itself, or must stand in LIST; and what stands
-in LIST must be so. A line of LIST is a test's name, or a suite's name and ".*", then a colon and the reason; the tests
-that aren't in any program's sources stand after a line "[other]" and aren't checked.
+in LIST must be so. A line of LIST is a test's name, or a suite's name and ".*", then a colon and the reason. After a
+line "[other]" stand CTest's tests, by the names behind the build's, that only the native build has.
 """
 
 import fnmatch
+import json
 import pathlib
 import re
 import subprocess
@@ -18,16 +19,17 @@ TEST = re.compile(r"^(?:TYPED_)?TEST(?:_F|_P)?\((\w+),\s*(\w+)\)(.*?)^}", re.MUL
 
 
 def read_list(path):
-    reasons = {}
+    reasons, other_reasons = {}, {}
+    section = reasons
     for line in path.read_text(encoding="utf-8").splitlines():
         if line.startswith("[other]"):
-            break
-        if line and not line.startswith("#"):
+            section = other_reasons
+        elif line and not line.startswith("#"):
             name, colon, reason = line.partition(": ")
             if not colon or not reason.strip():
                 sys.exit(f"{path.name}: no reason in '{line}'")
-            reasons[name] = reason
-    return reasons
+            section[name] = reason
+    return reasons, other_reasons
 
 
 def tests_in_sources(folders):
@@ -69,6 +71,24 @@ def skipped_by_program(command, names):
     return {plain_name(name) for name in re.findall(r"^\[  SKIPPED \] (\S+?)(?: \(|\r?$)", output, re.MULTILINE)}
 
 
+def tests_of_build(ctest, folder, prefix):
+    listing = subprocess.run([ctest, "--test-dir", folder, "--show-only=json-v1"], stdout=subprocess.PIPE, check=True)
+    return {test["name"].removeprefix(prefix) for test in json.loads(listing.stdout)["tests"]}
+
+
+def faults_of_builds(native, windows, reasons, list_name):
+    """Whether the native build's tests without a twin are those that the list names."""
+    faults = [] if native and windows else ["a build has no tests at all"]
+    alone = native - windows
+    for name in sorted(alone):
+        if not any(fnmatch.fnmatchcase(name, pattern) for pattern in reasons):
+            faults.append(f"only the native build has {name}, which is not in {list_name}")
+    for pattern in reasons:
+        if not fnmatch.filter(alone, pattern):
+            faults.append(f"{list_name} names {pattern}, which is no test of the native build alone")
+    return faults
+
+
 def main():
     list_path = pathlib.Path(sys.argv[1])
     groups, group = [], []
@@ -78,9 +98,9 @@ def main():
             group = []
         else:
             group.append(argument)
-    folders, programs, emulator = groups
+    folders, programs, emulator, (ctest, native_build, windows_build) = groups
 
-    reasons = read_list(list_path)
+    reasons, other_reasons = read_list(list_path)
     in_sources = tests_in_sources(folders)
     in_programs, skipped = set(), set()
     for program in programs:
@@ -88,7 +108,8 @@ def main():
         in_programs |= names
         skipped |= skipped_by_program([*emulator, program], {name for name in names if in_sources.get(name)})
 
-    faults = []
+    faults = faults_of_builds(tests_of_build(ctest, native_build, "native."),
+                              tests_of_build(ctest, windows_build, "windows."), other_reasons, list_path.name)
     if not in_sources or not in_programs:
         faults.append("no tests found at all")
     not_run = {name for name in in_sources if name not in in_programs} | skipped
