@@ -47,7 +47,9 @@ void AddRef(CStringData* pData) noexcept {
 }
 
 void Release(CStringData* pData) noexcept {
-    if (pData->nRefs >= 0 && std::atomic_ref<long>(pData->nRefs).fetch_sub(1, std::memory_order_acq_rel) == 1)
+    // Asked by its place, the empty text's buffer is seen by the compiler too to be never freed.
+    if (pData != &g_emptyBuffer.header &&
+        std::atomic_ref<long>(pData->nRefs).fetch_sub(1, std::memory_order_acq_rel) == 1)
         std::free(pData);
 }
 
