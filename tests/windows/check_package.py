@@ -6,11 +6,15 @@
 
 import json
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
+import time
+import urllib.request
 import zipfile
 
+TIME_LIMIT = 30  # seconds for the host to do anything
 FILES = {
     "app/Plugins/NodePlugin/QORIOProcessx.dll",
     "app/Plugins/NodePlugin/NodePlugin.ini",
@@ -19,12 +23,16 @@ FILES = {
     "app/Plugins/NodePlugin/IOProcess/CVEKIONetParameterSend.XML",
     "app/Plugins/NodePlugin/IOProcess/CVEKIOVRHandle.XML",
     "app/Plugins/NodePlugin/IOProcess/CVEKIODevJsonReceive.XML",
+    "app/Config/PortConfig.ini",
+    "app/Config/Texts/en.json",
+    "app/Config/Texts/zh.json",
     "app/scenes/demo.json",
     "iohost.exe",
     "VEKCommonx.dll",
     "VEKLogDllx.dll",
     "VEKRenderx.dll",
     "web/index.html",
+    "web/icons/mouse.svg",
     "run.cmd",
     "readme.txt",
 }
@@ -35,6 +43,40 @@ def run(command, folder, requests=""):
     if result.returncode != 0:
         sys.exit(f"{command} ended with {result.returncode}:\n{result.stdout}{result.stderr}")
     return result.stdout
+
+
+def fetch(address, path):
+    with urllib.request.urlopen(f"http://{address}/{path}", timeout=TIME_LIMIT) as answer:
+        return answer.read()
+
+
+def use_page(folder, emulator):
+    """Start the host as run.cmd does, but on a port that is free, and look at what it serves and what it loaded."""
+    (command,) = re.findall(r"^iohost\.exe (.*) %\*$", (folder / "run.cmd").read_text(encoding="ascii"), re.MULTILINE)
+    arguments = command.replace(":8040", ":0").split()
+    assert "127.0.0.1:0" in arguments, command
+    recording = folder / "recording.jsonl"
+    # Broadcasts that others send have nothing to do here.
+    (folder / "app/Config/PortConfig.ini").unlink()
+    with subprocess.Popen([*emulator, "iohost.exe", *arguments, "--record", recording.name], cwd=folder,
+                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True) as host:
+        try:
+            address = re.search(r"http://(127\.0\.0\.1:\d+)/", host.stdout.readline())[1]
+            assert fetch(address, "") == (folder / "web/index.html").read_bytes()
+            assert fetch(address, "icons/mouse.svg") == (folder / "web/icons/mouse.svg").read_bytes()
+            end = time.monotonic() + TIME_LIMIT
+            while recording.read_text(encoding="utf-8").count("\n") < 10 and time.monotonic() < end:
+                time.sleep(0.05)
+        finally:
+            host.terminate()
+    lines = [json.loads(line) for line in recording.read_text(encoding="utf-8").splitlines()[:10]]
+    (load,) = [line for line in lines if line["op"] == "load"]
+    assert load["reply"]["ok"], load["reply"]
+    demo = json.loads((folder / "app/scenes/demo.json").read_text(encoding="utf-8"))
+    loaded = {node["node"] for node in load["scene"]["nodes"]}
+    assert loaded == {node["node"] for node in demo["nodes"]}, loaded
+    (results, *_) = [line["reply"]["results"] for line in lines if line["op"] == "process"]
+    assert set(results) == loaded, results
 
 
 def main():
@@ -73,6 +115,7 @@ def main():
 
         demo = run([*emulator, "cmd", "/c", "run.cmd", "--help"], folder)
         assert "iohost - the reference host" in demo, demo
+        use_page(folder, emulator)
 
 
 if __name__ == "__main__":
