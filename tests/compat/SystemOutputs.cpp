@@ -232,6 +232,23 @@ void PrintBytes(UINT nCodePage, DWORD nFlags, std::wstring_view text, int nRoom 
     std::putchar('\n');
 }
 
+/// As PrintBytes, with a length of -1, a replacement of the caller's (or none), and whether it was needed.
+void PrintReplaced(UINT nCodePage, DWORD nFlags, const wchar_t* pszText, const char* pszDefault, int nRoom = 64) {
+    char bytes[64];
+    std::memset(bytes, '#', sizeof(bytes));
+    BOOL bReplaced = -1;
+    SetLastError(0);
+    const int nLength = WideCharToMultiByte(nCodePage, nFlags, pszText, -1, nRoom == 0 ? nullptr : bytes, nRoom,
+                                            pszDefault, &bReplaced);
+    const DWORD nError = nLength == 0 ? GetLastError() : 0;
+    std::printf("replaced %u %X ", nCodePage, static_cast<unsigned>(nFlags));
+    Print(std::wstring_view(pszText));
+    Print(std::string_view(pszDefault != nullptr ? pszDefault : "none"));
+    std::printf(" in %d: %d, %u, %d ", nRoom, nLength, static_cast<unsigned>(nError), bReplaced);
+    Print(std::string_view(bytes, nRoom == 0 ? 0 : static_cast<size_t>(nLength)));
+    std::putchar('\n');
+}
+
 const std::wstring_view TEXTS[] = {
     L"a",
     L"plain text",
@@ -283,6 +300,19 @@ void PrintCodePages() {
             for (const std::vector<wchar_t>& units : std::vector<std::vector<wchar_t>>{
                      {HIGH}, {LOW}, {'a', HIGH, 'b'}, {LOW, HIGH}, {HIGH, HIGH, 'a'}, {'a', LOW, LOW}}) {
                 PrintBytes(nCodePage, nFlags, {units.data(), units.size()});
+            }
+        }
+        for (const DWORD nFlags : flags) {
+            if (nCodePage == CP_UTF8) {
+                break; // Windows refuses replacements there, Wine doesn't
+            }
+            for (const wchar_t* pszText :
+                 {L"", L"plain", L"\x4E2D a \xE9", L"a\x0E01", L"\x0100\x2460", L"z\U0001F600", L"e\x0301"}) {
+                for (const char* pszDefault : {static_cast<const char*>(nullptr), "!", "?", "\xB0\xA1"}) {
+                    PrintReplaced(nCodePage, nFlags, pszText, pszDefault);
+                    PrintReplaced(nCodePage, nFlags, pszText, pszDefault, 0);
+                    PrintReplaced(nCodePage, nFlags, pszText, pszDefault, 3);
+                }
             }
         }
         for (int nRoom = 0; nRoom < 12; ++nRoom) {

@@ -6,10 +6,12 @@
 
 #include <compat/testing.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <iconv.h>
 #include <limits>
 #include <map>
@@ -286,8 +288,15 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
         if (pCodePage == nullptr)
             return FailConversion(ERROR_INVALID_PARAMETER);
         const bool bLookAlikes = (nFlags & WC_NO_BEST_FIT_CHARS) == 0;
+        // One character, which may have two bytes.
+        std::string_view strDefault = "?";
+        if (pszDefault != nullptr) {
+            strDefault = {pszDefault, std::max<std::size_t>(std::strlen(pszDefault), 1)};
+            const auto character = pCodePage->ToWide(strDefault);
+            strDefault = strDefault.substr(0, character ? character->nBytes : 1);
+        }
         const auto useDefault = [&] {
-            output.Append(pszDefault != nullptr ? *pszDefault : '?');
+            output.Append(strDefault);
             bUsedDefault = TRUE;
         };
         const auto append = [&](wchar_t ch) {
