@@ -183,13 +183,21 @@ private:
     VEKParam& m_textClear = m_textField.AddGraphInput(204, 26, 7);
 };
 
-TEST_F(Soak, MillionEventsAndEvaluationsLeaveTheHeapAsItWas) {
+// A step that looks at keys or windows asks the window server; under Wine that's a process of its own, and the question
+// takes far longer than the step.
+#ifdef WIN32
+constexpr int STEPS = 100'000;
+#else
+constexpr int STEPS = 1'000'000;
+#endif
+
+TEST_F(Soak, EventsAndEvaluationsLeaveTheHeapAsItWas) {
     Run(1'000);
     const size_t nBefore = RestingHeap();
     const long long nEventsBefore = m_host.EventCount();
-    Run(999'000);
+    Run(STEPS - 1'000);
     EXPECT_EQ(RestingHeap(), nBefore);
-    EXPECT_GT(m_host.EventCount() - nEventsBefore, 50'000) << "the run has to fire";
+    EXPECT_GT(m_host.EventCount() - nEventsBefore, STEPS / 20) << "the run has to fire";
     EXPECT_GT(m_host.LogCount(), m_host.EventCount());
 }
 

@@ -174,12 +174,12 @@ class FrameTimes(OverACable):
         # it takes more of them.
         best = p99s()
         for tries in range(60):
-            if tries >= 10 and best[0] - best[1] < 0.001:
+            if tries >= 3 and best[0] - best[1] < 0.001:
                 break
             best = list(map(min, best, p99s()))
         self.assertLess(best[0] - best[1], 0.001)
         state = self.a.device()
-        self.assertGreater(state["refused"], 800, state)
+        self.assertGreater(state["refused"], 300, state)  # all of the sends after the first that was
         self.assertLessEqual(state["queued_bytes"], MOST_QUEUED)
         self.assertLess(self.a.memory() - memory, 2 << 20)
 
@@ -194,8 +194,8 @@ class FrameTimes(OverACable):
 
     @staticmethod
     def frames(host):
-        """How many frames there were in a second, and how long the slowest one took to come."""
-        came = [(at, push["frame"]) for at, push in host.take_pushes(1) if push.get("push") == "happened"]
+        """How many frames there were in half a second, and how long the slowest one took to come."""
+        came = [(at, push["frame"]) for at, push in host.take_pushes(0.5) if push.get("push") == "happened"]
         return came[-1][1] - came[0][1], max(later[0] - earlier[0] for earlier, later in zip(came, came[1:]))
 
     def assert_as_fast(self, tries, before):

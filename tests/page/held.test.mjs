@@ -1,31 +1,11 @@
 // Nothing stays held when the page can't see any more how it ends.
 import assert from "node:assert/strict";
-import { after, afterEach, before, beforeEach, test } from "node:test";
-import { startBrowser } from "./support/browser.mjs";
-import { startHost } from "./support/host.mjs";
+import { test } from "node:test";
 import * as is from "./support/page.mjs";
-import { createNode, createScene, logIn, must, openSession, postedIn, Type, until } from "./support/session.mjs";
+import { browser, host, page, script, useScene } from "./support/scene.mjs";
+import { createNode, logIn, must, openSession, postedIn, Type, until } from "./support/session.mjs";
 
-let browser;
-let host;
-let script;
-let page;
-
-before(async () => {
-  browser = await startBrowser();
-});
-after(() => browser.close());
-
-beforeEach(async () => {
-  host = await startHost();
-  script = await createScene(host.address);
-  page = await is.openPage(browser, host);
-});
-afterEach(async () => {
-  await page.close();
-  await script.close();
-  assert.equal(await host.end(), 0);
-});
+useScene();
 
 test("the surface losing the focus releases held keys, says so in the log, and the real ups do nothing more", async () => {
   await page.focus();

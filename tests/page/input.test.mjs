@@ -1,33 +1,11 @@
 // A person's input on the render surface reaches the nodes, and the page shows what came of it.
 import assert from "node:assert/strict";
-import { after, afterEach, before, beforeEach, test } from "node:test";
-import { startBrowser } from "./support/browser.mjs";
-import { startHost } from "./support/host.mjs";
+import { test } from "node:test";
 import * as is from "./support/page.mjs";
-import { createScene, postedIn, until } from "./support/session.mjs";
+import { browser, host, page, script, useScene } from "./support/scene.mjs";
+import { postedIn, until } from "./support/session.mjs";
 
-let browser;
-let host;
-let script;
-let page;
-
-before(async () => {
-  browser = await startBrowser();
-});
-after(() => browser.close());
-
-beforeEach(async () => {
-  host = await startHost();
-  script = await createScene(host.address);
-  page = await is.openPage(browser, host);
-});
-afterEach(async () => {
-  assert.deepEqual(page.problems, []);
-  await page.close();
-  await script.close();
-  assert.equal(await host.end(), 0);
-  assert.equal(host.output.stderr, "");
-});
+useScene();
 
 test("a key fires down and up once each, shows its text, and is logged", async () => {
   await page.focus();

@@ -2,11 +2,10 @@
 import assert from "node:assert/strict";
 import http from "node:http";
 import net from "node:net";
-import { after, afterEach, before, beforeEach, test } from "node:test";
-import { startBrowser } from "./support/browser.mjs";
-import { startHost } from "./support/host.mjs";
+import { test } from "node:test";
 import * as is from "./support/page.mjs";
-import { createNode, createScene, expectEventually, must, until } from "./support/session.mjs";
+import { browser, host, page, script, useScene } from "./support/scene.mjs";
+import { createNode, expectEventually, must, until } from "./support/session.mjs";
 
 const DEVICE_TEXT = ["j", 1452];
 const DEVICE_EVENT = ["j", 1453];
@@ -14,30 +13,14 @@ const OBJECT_TEXT = ["o", 1252];
 const OBJECT_EVENT = ["o", 1253];
 const LONGEST_TEXT = 1 << 20;
 
-let browser;
-let host;
-let script;
-let page;
-
-before(async () => {
-  browser = await startBrowser();
-});
-after(() => browser.close());
-
-beforeEach(async () => {
-  host = await startHost();
-  script = await createScene(host.address);
-  await createNode(script, "j", "0E", "Device text");
-  await createNode(script, "o", "0C", "Object text");
-  await set("o", 1202, { string: "Demo" });
-  await set("o", 1203, { string: "Map" });
-  page = await is.openPage(browser, host, { panel: "json" });
-});
-afterEach(async () => {
-  assert.deepEqual(page.problems, []);
-  await page.close();
-  await script.close();
-  await host.end();
+useScene({
+  panel: "json",
+  async prepare() {
+    await createNode(script, "j", "0E", "Device text");
+    await createNode(script, "o", "0C", "Object text");
+    await set("o", 1202, { string: "Demo" });
+    await set("o", 1203, { string: "Map" });
+  },
 });
 
 const set = (node, param, value) => must(script, { op: "set", node, param, ...value });

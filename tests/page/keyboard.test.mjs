@@ -1,35 +1,20 @@
 // The on-screen keyboard types into text field nodes; key check nodes look at the keys that the page holds.
 import assert from "node:assert/strict";
-import { after, afterEach, before, beforeEach, test } from "node:test";
-import { startBrowser } from "./support/browser.mjs";
-import { startHost } from "./support/host.mjs";
+import { test } from "node:test";
 import * as is from "./support/page.mjs";
-import { createNode, createScene, must, Type, until } from "./support/session.mjs";
+import { page, script, useScene } from "./support/scene.mjs";
+import { createNode, must, Type, until } from "./support/session.mjs";
 
-let browser;
-let host;
-let script;
-let page;
-
-before(async () => {
-  browser = await startBrowser();
-});
-after(() => browser.close());
-
-beforeEach(async () => {
-  host = await startHost();
-  script = await createScene(host.address);
-  await createNode(script, "t", Type.textField, "Text field 1");
-  await createNode(script, "c", Type.keyCheck, "Key check 1");
-  page = await is.openPage(browser, host, { panel: "keyboard" });
-  await page.page.locator("article[data-node=c]").waitFor();
-  await page.page.locator("[data-skbtn=a]").waitFor();
-});
-afterEach(async () => {
-  assert.deepEqual(page.problems, []);
-  await page.close();
-  await script.close();
-  assert.equal(await host.end(), 0);
+useScene({
+  panel: "keyboard",
+  async prepare() {
+    await createNode(script, "t", Type.textField, "Text field 1");
+    await createNode(script, "c", Type.keyCheck, "Key check 1");
+  },
+  async look() {
+    await page.page.locator("article[data-node=c]").waitFor();
+    await page.page.locator("[data-skbtn=a]").waitFor();
+  },
 });
 
 /** A key of the on-screen keyboard, by what the keyboard calls it. */

@@ -6,11 +6,11 @@ import { mkdirSync, mkdtempSync, rmSync, writeFileSync } from "node:fs";
 import { createServer, connect } from "node:net";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
-import { after, afterEach, before, beforeEach, test } from "node:test";
-import { startBrowser } from "./support/browser.mjs";
+import { afterEach, test } from "node:test";
 import { startHost } from "./support/host.mjs";
 import * as is from "./support/page.mjs";
-import { createScene, expectEventually, until } from "./support/session.mjs";
+import { browser, host, page, script, useScene } from "./support/scene.mjs";
+import { expectEventually, until } from "./support/session.mjs";
 
 const nodeType = (byte) => `{8164BB40-6B6A-4707-88B7-386BCB0D1B${byte}}`;
 const NET_SEND = { type: nodeType("04"), devId: 402, devName: 403, keyValue: 408, send: 410, toDev: 412 };
@@ -74,35 +74,22 @@ function recordFrame(keyName, keyValue) {
   return Buffer.concat([header, clip, body]);
 }
 
-let browser;
 let folder;
 let broadcastPort;
-let host;
-let script;
-let page;
 let devices;
 
-before(async () => {
-  browser = await startBrowser();
-});
-after(() => browser.close());
-
-beforeEach(async () => {
+/** The folder names a broadcast port that is free. */
+async function useFolder() {
   folder = mkdtempSync(join(tmpdir(), "iohost-network-"));
   broadcastPort = await freeUdpPort();
   mkdirSync(join(folder, "Config"));
   writeFileSync(join(folder, "Config", "PortConfig.ini"), `[iFable]\nBroadcastPort=${broadcastPort}\n`);
-  host = await startHost({ options: ["--app", folder, "--control", "127.0.0.1:0"] });
-  script = await createScene(host.address);
-  page = await is.openPage(browser, host);
-  await page.page.locator("[data-tab=network]").click();
   devices = [];
-});
+  return { options: ["--app", folder, "--control", "127.0.0.1:0"] };
+}
+
+useScene({ panel: "network", start: useFolder });
 afterEach(async () => {
-  assert.deepEqual(page.problems, []);
-  await page.close();
-  await script.close();
-  assert.equal(await host.end(), 0);
   await Promise.all(devices.map((device) => device.close()));
   rmSync(folder, { recursive: true });
 });
@@ -184,7 +171,7 @@ test("a device that isn't there waits with the reason, queues, refuses when full
   }
   await ask({ op: "set", node: "text", param: STRING_SEND.send, int: 0 });
   await shows("device-3", "queue", "1024 items, 1000.0 KiB");
-  assert.ok(Number(await field("device-3", "refused").innerText()) >= 76);
+  await until("what was refused", async () => Number(await field("device-3", "refused").innerText()) >= 76);
   const wall = await startDevice(gone.port);
   await until("all that was queued", () => wall.received.length === 1024 * 1000);
   await shows("device-3", "queue", "empty");

@@ -1,31 +1,11 @@
 // The node cards, the log and the state of the connection.
 import assert from "node:assert/strict";
-import { after, afterEach, before, beforeEach, test } from "node:test";
-import { startBrowser } from "./support/browser.mjs";
-import { startHost } from "./support/host.mjs";
+import { test } from "node:test";
 import * as is from "./support/page.mjs";
-import { createScene, expectEventually, until } from "./support/session.mjs";
+import { browser, endScene, host, page, script, startScene, useScene } from "./support/scene.mjs";
+import { expectEventually, until } from "./support/session.mjs";
 
-let browser;
-let host;
-let script;
-let page;
-
-before(async () => {
-  browser = await startBrowser();
-});
-after(() => browser.close());
-
-beforeEach(async () => {
-  host = await startHost();
-  script = await createScene(host.address);
-  page = await is.openPage(browser, host);
-});
-afterEach(async () => {
-  await page.close();
-  await script.close();
-  await host.end();
-});
+useScene();
 
 const enable = (view, node) => view.page.locator(`[data-node=${node}][data-param="${is.ENABLE}"]`);
 const lines = () => page.page.locator("[data-log] .line");
@@ -118,18 +98,17 @@ test("the log keeps its newest thousand lines", async () => {
 
 test("a page without its host says so, and comes back by itself with the host", async () => {
   const port = Number(host.address.split(":")[1]);
-  await script.close();
-  await host.end();
+  await endScene();
   await page.page.locator("[data-connection=lost]").waitFor();
   assert.match(await page.page.getByRole("alert").innerText(), /Connection lost/);
 
-  host = await startHost({ port });
-  script = await createScene(host.address);
+  await startScene({ port });
   await page.page.locator("[data-connection=open]").waitFor({ timeout: 15000 });
   assert.equal(await page.page.getByRole("alert").count(), 0);
   await page.focus();
   await page.keyboard.press("a");
   await page.fires(is.KEY_UP, 1);
+  page.problems.length = 0; // the browser tells of each connection that failed
 });
 
 test("no script or style of the page is refused by its own policy", async () => {

@@ -1,34 +1,14 @@
 // Fingers, pens and the mouse draw strokes; the touch gesture node decides what they are, and the page says why.
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
-import { after, afterEach, before, beforeEach, test } from "node:test";
-import { startBrowser } from "./support/browser.mjs";
-import { startHost } from "./support/host.mjs";
+import { test } from "node:test";
 import * as is from "./support/page.mjs";
-import { createNode, createScene, must, openSession, Type, until } from "./support/session.mjs";
+import { browser, host, page, script, useScene } from "./support/scene.mjs";
+import { createNode, must, openSession, Type, until } from "./support/session.mjs";
 
-let browser;
-let host;
-let script;
-let page;
-
-before(async () => {
-  browser = await startBrowser();
-});
-after(() => browser.close());
-
-beforeEach(async () => {
-  host = await startHost();
-  script = await createScene(host.address);
-  await createNode(script, "g", Type.gesture, "Touch gesture 1");
-  page = await is.openPage(browser, host);
-  await page.page.locator("article[data-node=g]").waitFor();
-});
-afterEach(async () => {
-  assert.deepEqual(page.problems, []);
-  await page.close();
-  await script.close();
-  assert.equal(await host.end(), 0);
+useScene({
+  prepare: () => createNode(script, "g", Type.gesture, "Touch gesture 1"),
+  look: () => page.page.locator("article[data-node=g]").waitFor(),
 });
 
 /** One finger along these places. */

@@ -6,9 +6,8 @@ const DRAWING_IN_SPACE = ["--use-angle=swiftshader", "--enable-unsafe-swiftshade
 
 export function startBrowser({ space = false } = {}) {
   return chromium.launch({
-    executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium",
+    executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium-headless-shell",
     args: [
-      "--headless=new",
       "--no-sandbox",
       ...(space ? DRAWING_IN_SPACE : ["--disable-gpu"]),
       "--disable-quic",

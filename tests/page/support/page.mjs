@@ -46,10 +46,10 @@ export const ENABLE = 2;
 
 /**
  * Opens the page, with a panel in front, and waits until it shows the scene. Frames that it sends gather in `sent`.
- * Scripts run before those of the page.
+ * Scripts run before those of the page. All pages are tabs of one window: each host's address is an origin of its own.
  */
 export async function openPage(browser, host, { panel = "log", scripts = [] } = {}) {
-  const context = await browser.newContext({ viewport: { width: 1280, height: 800 } });
+  const context = browser.contexts()[0] ?? (await browser.newContext({ viewport: { width: 1280, height: 800 } }));
   const page = await context.newPage();
   for (const script of scripts) {
     await page.addInitScript(script);
@@ -100,7 +100,7 @@ export async function openPage(browser, host, { panel = "log", scripts = [] } = 
     shows: (which, value) =>
       expectEventually(`${which} shows ${value}`, () => output(which).getAttribute("data-value"), value),
     logs: (text) => page.locator("[data-log] .line-text", { hasText: text }).first().waitFor({ timeout: 15000 }),
-    close: () => context.close(),
+    close: () => page.close(),
   };
 }
 

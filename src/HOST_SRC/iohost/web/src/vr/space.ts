@@ -83,10 +83,14 @@ export class Space {
   /** Raises an error where the browser can't draw in space. */
   constructor(place: HTMLElement, listener: SpaceListener) {
     this.#listener = listener;
-    this.renderer = new WebGLRenderer({ antialias: true, alpha: true });
+    const canvas = document.createElement("canvas");
+    const context = canvas.getContext("webgl2", { antialias: true, alpha: true });
+    if (context === null) {
+      throw new Error("it has no WebGL 2");
+    }
+    this.renderer = new WebGLRenderer({ canvas, context });
     this.renderer.xr.enabled = true;
     this.renderer.setPixelRatio(Math.min(window.devicePixelRatio, 2));
-    const canvas = this.renderer.domElement;
     canvas.classList.add("space-canvas");
     canvas.dataset["space"] = "";
     this.#labels.domElement.classList.add("space-labels");

@@ -1,0 +1,140 @@
+// The hands in space: where they are, the objects that follow them, and a headset's real controllers.
+import assert from "node:assert/strict";
+import { readFileSync } from "node:fs";
+import { createRequire } from "node:module";
+import { test } from "node:test";
+import { isDeepStrictEqual } from "node:util";
+import { hand, openHands, openHandsAgain, openLog, useHands } from "./support/hands.mjs";
+import * as is from "./support/page.mjs";
+import { page, script } from "./support/scene.mjs";
+import { must, until } from "./support/session.mjs";
+
+// A WebXR runtime without a headset, with controllers that a script moves.
+const HEADSET = readFileSync(createRequire(import.meta.url).resolve("iwer/build/iwer.min.js"), "utf8");
+
+useHands({ space: true });
+
+const number = async (output) => Number(await page.value(output));
+const matrix = async () => (await must(script, { op: "objects" })).objects[0].matrix;
+
+test("dragging a hand moves the object that follows it, and the node's position", async () => {
+  // The hand's letter stands above it.
+  const letter = await page.page.locator(".space-hand").nth(1).boundingBox();
+  const [x, y] = [letter.x + letter.width / 2, letter.y + letter.height / 2 + 26];
+  await page.mouse.move(x, y);
+  await page.mouse.down();
+  await page.mouse.move(x + 20, y - 30, { steps: 5 });
+  await page.mouse.up();
+  await until("the node's position at the object's", async () => {
+    const [shown, place] = [await Promise.all(is.POSITION.map(number)), (await matrix()).slice(12, 15)];
+    return shown[1] > 1.25 && place[0] !== 0 && shown.every((value, axis) => Math.abs(value - place[axis]) < 0.001);
+  });
+});
+
+test("dragging the hit point turns the hand towards it", async () => {
+  await hand(1).locator(".trigger").click();
+  await page.fires(is.TRIGGER_UP, 1);
+  await until("the hand's place", async () => (await number(is.POSITION[0])) !== 0 && (await number(is.HIT[2])) === -3);
+  const before = [await number(is.POSITION[0]), await number(is.HIT[0])];
+  const turned = (await matrix()).slice(0, 12);
+  const ring = await page.page.locator(".space-hit-1").boundingBox();
+  const [x, y] = [ring.x + ring.width / 2, ring.y + ring.height / 2];
+  await page.mouse.move(x, y);
+  await page.mouse.down();
+  await page.mouse.move(x - 40, y + 10, { steps: 5 });
+  await page.mouse.up();
+  await until("another hit point", async () => (await number(is.HIT[0])) < before[1] - 0.1);
+  await until("the object turned", async () => !isDeepStrictEqual((await matrix()).slice(0, 12), turned));
+  assert.equal(await number(is.POSITION[0]), before[0]);
+  assert.equal(await number(is.HIT[2]), -3);
+});
+
+test("the hands can be worked by keys", async () => {
+  await page.page.locator(".space-place").focus();
+  await page.keyboard.press("ArrowUp");
+  await until("a position", async () => Math.abs((await number(is.POSITION[1])) - 1.25) < 0.001);
+  await hand(1).locator(".trigger").focus();
+  await page.keyboard.press("Space");
+  await page.fires(is.TRIGGER_UP, 1);
+  await hand(1).locator(".pad").focus();
+  for (let step = 0; step < 6; ++step) {
+    await page.keyboard.press("ArrowRight");
+  }
+  await page.keyboard.press("Enter");
+  await page.fires(is.PAD_RIGHT_CLICK, 1);
+  assert.equal(await page.count(is.KEY_DOWN), 0);
+});
+
+test("a hand that is dragged while its panel is hidden isn't dragged any longer, nor is the room turned", async () => {
+  const letter = await page.page.locator(".space-hand").nth(1).boundingBox();
+  const [x, y] = [letter.x + letter.width / 2, letter.y + letter.height / 2 + 26];
+  const canvas = await page.page.locator("[data-space]").boundingBox();
+  for (const [fromX, fromY] of [[x, y], [canvas.x + 20, canvas.y + canvas.height - 20]]) {
+    await page.mouse.move(fromX, fromY);
+    await page.mouse.down();
+    await page.mouse.move(fromX + 2, fromY);
+    await page.page.waitForTimeout(200);
+    const before = await page.page.locator(".space-hand").nth(1).boundingBox();
+    await openLog();
+    await page.page.locator("[data-space]").waitFor({ state: "hidden" });
+    await page.mouse.move(fromX + 30, fromY - 30, { steps: 5 });
+    await page.mouse.up();
+    await openHandsAgain();
+    await page.page.locator("[data-space]").waitFor();
+    await page.mouse.move(fromX + 40, fromY - 40, { steps: 5 });
+    await page.page.waitForTimeout(200);
+    assert.deepEqual(await page.page.locator(".space-hand").nth(1).boundingBox(), before);
+  }
+});
+
+test("an object that isn't there can be added", async () => {
+  await must(script, { op: "set", node: "v", param: 802, string: "Door" });
+  await hand(1).getByText("no object “Door”").waitFor();
+  await hand(1).getByRole("button", { name: "Add it" }).click();
+  await hand(1).getByText("VR hand 1 moves Door").waitFor();
+  await page.page.locator(".space-object", { hasText: "Door" }).waitFor();
+});
+
+test("objects that others move move on the page", async () => {
+  const label = page.page.locator(".space-object", { hasText: "Lamp" });
+  const before = await label.boundingBox();
+  const pose = [1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 1, 1, -1, 1];
+  const payload = { is: "vr", hand: 1, trigger: 0, pad: 0, padx: 0, pady: 0, pose, hit: [0, 0, 0], press: 0, release: 0 };
+  await must(script, { op: "event", device: 3, event: 0, payload });
+  await until("the moved object", async () => (await label.boundingBox()).y < before.y - 20);
+});
+
+test("a headset's real controllers move the hands and press their buttons", async () => {
+  const start = "globalThis.headset = new IWER.XRDevice(IWER.metaQuest3); headset.installRuntime({ forceInstall: true });";
+  const other = await openHands({ scripts: [`${HEADSET};${start}`] });
+  await other.page.locator("[data-enter-headset]:enabled").click();
+  await other.page.getByRole("button", { name: "Leave the headset" }).waitFor();
+  await other.page.evaluate(() => {
+    const { right } = globalThis.headset.controllers;
+    right.position.set(0.25, 1.5, -0.5);
+    right.quaternion.set(0, 0, 0, 1);
+  });
+  await until("the controller's position", async () => Math.abs((await number(is.POSITION[0])) - 0.25) < 0.1);
+  assert.ok((await number(is.HIT[2])) <= -0.5);
+  const press = (id, value) =>
+    other.page.evaluate(([button, down]) => globalThis.headset.controllers.right.updateButtonValue(button, down), [id, value]);
+  await press("trigger", 1);
+  await page.fires(is.TRIGGER_DOWN, 1);
+  await page.held("trigger of hand 1").waitFor();
+  await press("trigger", 0);
+  await page.fires(is.TRIGGER_UP, 1);
+  await other.page.evaluate(() => globalThis.headset.controllers.right.updateAxes("thumbstick", 0.9, 0));
+  await press("thumbstick", 1);
+  await page.fires(is.PAD_DOWN, 1);
+  await press("thumbstick", 0);
+  await page.fires(is.PAD_RIGHT_CLICK, 1);
+
+  // What is pressed when the headset is left is let go of.
+  await press("trigger", 1);
+  await page.fires(is.TRIGGER_DOWN, 2);
+  await other.page.getByRole("button", { name: "Leave the headset" }).dispatchEvent("click");
+  await page.fires(is.TRIGGER_UP, 2);
+  await other.page.locator("[data-enter-headset]").waitFor();
+  assert.deepEqual(other.problems, []);
+  await other.close();
+});

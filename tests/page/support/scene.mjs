@@ -1,0 +1,47 @@
+// What most tests of the page begin and end with: a host with a keyboard and a mouse node, a script, and the page.
+import assert from "node:assert/strict";
+import { after, afterEach, before, beforeEach } from "node:test";
+import { startBrowser } from "./browser.mjs";
+import { startHost } from "./host.mjs";
+import { openPage } from "./page.mjs";
+import { createScene } from "./session.mjs";
+
+/** Those of the test that runs. */
+export let browser;
+export let host;
+export let script;
+export let page;
+
+/**
+ * Each test of the file gets a host and a page of its own, in one browser that draws in `space` or not. What `start` answers
+ * are the host's options; `prepare` adds to the scene before the page opens with `panel` in front, and `look` waits for what
+ * it added.
+ */
+export function useScene({ space, panel, scripts, start = () => {}, prepare = () => {}, look = () => {} } = {}) {
+  before(async () => {
+    browser = await startBrowser({ space });
+  });
+  after(() => browser.close());
+  beforeEach(async () => {
+    await startScene(await start());
+    await prepare();
+    page = await openPage(browser, host, { panel, scripts });
+    await look();
+  });
+  afterEach(async () => {
+    assert.deepEqual(page.problems, []);
+    await page.close();
+    await endScene();
+  });
+}
+
+export async function startScene(options) {
+  host = await startHost(options);
+  script = await createScene(host.address);
+}
+
+export async function endScene() {
+  await script.close();
+  assert.equal(await host.end(), 0);
+  assert.equal(host.output.stderr, "");
+}
