@@ -211,8 +211,20 @@ TEST_F(Catalogue, ArrayOfImpossibleSizeRaisesInvalidArgument) {
     EXPECT_TRUE(bRaised);
     parts[2] = 0;
     std::memcpy(pArray, parts, sizeof parts);
-    for (const ImageCall& call : TakeImageCalls()) {
-        DestroyIcon(static_cast<HICON>(call.hResult));
+    const std::vector<ImageCall> images = TakeImageCalls();
+    ASSERT_EQ(images.size(), 1u);
+    ASSERT_NE(images[0].hResult, nullptr);
+    EXPECT_FALSE(DestroyIcon(static_cast<HICON>(images[0].hResult))) << "nobody's icon is destroyed already";
+}
+
+TEST_F(Catalogue, IgnoresItsArgument) {
+    GUID guidArgument = TypeGuid(TYPE_MOUSE);
+    EXPECT_EQ(m_host.Call(0, &guidArgument, &m_data), 1);
+    EXPECT_EQ(GuidWords(guidArgument), GuidWords(TypeGuid(TYPE_MOUSE)));
+    ASSERT_EQ(m_data.arNodeInfo.GetSize(), static_cast<INT_PTR>(ROW_COUNT));
+    for (size_t i = 0; i < ROW_COUNT; ++i) {
+        EXPECT_EQ(GuidWords(Row(i).guidType), GuidWords(TypeGuid(ROWS[i].nTypeByte)));
+        EXPECT_EQ(Utf8(Row(i).strName), ROWS[i].pszNameKey);
     }
 }
 

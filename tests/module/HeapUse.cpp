@@ -1,5 +1,21 @@
 #include "HeapUse.h"
 
+#if !defined(_WIN32)
+
+namespace {
+
+bool (*s_pMallocFails)() = nullptr;
+
+} // namespace
+
+void LetMallocFail(bool (*pFails)()) {
+    s_pMallocFails = pFails;
+}
+
+#endif
+
+// Where malloc is defined here, the program's own definition comes before that of its libraries, for every caller.
+
 #if defined(__SANITIZE_ADDRESS__)
 
 #include <atomic>
@@ -17,6 +33,13 @@ std::atomic<unsigned long long> s_nAllocations = 0;
     [](const volatile void*, size_t) { ++s_nAllocations; }, [](const volatile void*) {});
 
 } // namespace
+
+// The sanitizer's malloc by its other name.
+extern "C" void* __interceptor_malloc(std::size_t nBytes);
+
+extern "C" void* malloc(std::size_t nBytes) {
+    return s_pMallocFails != nullptr && s_pMallocFails() ? nullptr : __interceptor_malloc(nBytes);
+}
 
 std::size_t HeapBytesInUse() {
     return __sanitizer_get_current_allocated_bytes();
@@ -38,10 +61,13 @@ std::atomic<unsigned long long> s_nAllocations = 0;
 
 } // namespace
 
-// The program's own definition comes before the C library's, for every caller; operator new rests on it.
+// Operator new rests on it.
 extern "C" void* __libc_malloc(std::size_t nBytes);
 
 extern "C" void* malloc(std::size_t nBytes) {
+    if (s_pMallocFails != nullptr && s_pMallocFails()) {
+        return nullptr;
+    }
     ++s_nAllocations;
     return __libc_malloc(nBytes);
 }

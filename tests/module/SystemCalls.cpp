@@ -10,9 +10,9 @@ using LoadImageType = decltype(&LoadImageW);
 
 HANDLE LoadImageAndRecord(LoadImageType pLoadImage, HINSTANCE hInstance, LPCWSTR pszName, UINT nType, int nWidth,
                           int nHeight, UINT nFlags) {
-    const HANDLE hImage = pLoadImage(hInstance, pszName, nType, nWidth, nHeight, nFlags);
-    s_imageCalls.push_back({hInstance, reinterpret_cast<ULONG_PTR>(pszName), nType, nWidth, nHeight, nFlags, hImage});
-    return hImage;
+    // Recorded first: should there be no memory for it, no image is lost.
+    s_imageCalls.push_back({hInstance, reinterpret_cast<ULONG_PTR>(pszName), nType, nWidth, nHeight, nFlags, nullptr});
+    return s_imageCalls.back().hResult = pLoadImage(hInstance, pszName, nType, nWidth, nHeight, nFlags);
 }
 
 } // namespace

@@ -1,9 +1,14 @@
 // The host's own answers to the virtual operations; a node overrides what it needs.
 #include "host/NodeBase.h"
 
+#include <memory>
+#include <utility>
+
 #include "HostSetup.h"
 
 namespace {
+
+using ParamList = CList<VEKParam*>;
 
 INodeSink* s_pSink = nullptr;
 
@@ -77,6 +82,7 @@ void VEKProperty::Empty() {
     while (!m_lstParamGroup.IsEmpty()) {
         delete m_lstParamGroup.RemoveHead();
     }
+    delete std::exchange(m_pStoredParams, nullptr);
 }
 
 void VEKProperty::Init() {}
@@ -203,8 +209,33 @@ void VEKProperty::DoParamInit() {
 }
 
 void VEKProperty::PreRender() {}
-void VEKProperty::StoreParameters() {}
-void VEKProperty::RestoreParameters() {}
+
+void VEKProperty::StoreParameters() {
+    auto pStored = std::make_unique<VEKParamGroup>();
+    for (POSITION posGroup = m_lstParamGroup.GetHeadPosition(); posGroup != nullptr;) {
+        const ParamList& lstParam = m_lstParamGroup.GetNext(posGroup)->m_lstParam;
+        for (POSITION pos = lstParam.GetHeadPosition(); pos != nullptr;) {
+            std::unique_ptr<VEKParam> pCopy(lstParam.GetNext(pos)->Clone());
+            pStored->m_lstParam.AddTail(pCopy.get());
+            static_cast<void>(pCopy.release());
+        }
+    }
+    delete std::exchange(m_pStoredParams, pStored.release());
+}
+
+void VEKProperty::RestoreParameters() {
+    for (POSITION posGroup = m_lstParamGroup.GetHeadPosition(); posGroup != nullptr;) {
+        const ParamList& lstParam = m_lstParamGroup.GetNext(posGroup)->m_lstParam;
+        for (POSITION pos = lstParam.GetHeadPosition(); pos != nullptr;) {
+            VEKParam* pParam = lstParam.GetNext(pos);
+            if (const VEKParam* pStored = FindParam(m_pStoredParams, pParam->m_guid)) {
+                pParam->m_pValue = pStored->m_pValue; // the slot that the integer is in, too
+                pParam->m_fValue = pStored->m_fValue;
+                pParam->m_strValue = pStored->m_strValue;
+            }
+        }
+    }
+}
 
 P_ExtDevIOProcess::P_ExtDevIOProcess() = default;
 P_ExtDevIOProcess::~P_ExtDevIOProcess() = default;

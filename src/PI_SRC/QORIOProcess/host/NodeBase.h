@@ -55,13 +55,16 @@ private:
 /// What GetXmlLoadStatePtr points at: whether the class's layout file was read.
 enum EXmlLoadState : int { XML_NOT_LOADED = 0, XML_LOADED = 1, XML_FAILED = 2 };
 
-/// Root: the versions of the project format that an object was written with.
+/// Root: the versions of the project format that an object was written with. Both are 0 until they are set.
 class VEKCOMMON_API BaseStruct {
 public:
     BaseStruct();
 
-    virtual int GetLowVersion();     ///< lowest host version that can read the object
-    virtual int GetReleaseVersion(); ///< version that wrote the object
+    /// Lowest host version that can read the object.
+    virtual int GetLowVersion();
+    /// Host version that wrote the object.
+    virtual int GetReleaseVersion();
+    /// The host sets them when it loads the object; they are kept as they are.
     virtual void SetLowVersion(int nVersion);
     virtual void SetReleaseVersion(int nVersion);
     virtual ~BaseStruct();
@@ -92,52 +95,117 @@ protected:
 };
 
 /// A node's property object: names, parameter groups, playing interface.
+///
+/// The host calls the operations, all on the thread that drives the graph. Its own answers are those of a node that has
+/// nothing to do or to tell there; a node overrides what it needs. What is handed over or answered by pointer stays its
+/// owner's, and a node keeps none of it beyond the call but the graph node. A node's operations raise nothing but the
+/// framework's invalid-argument exception, for what breaks this contract; a call that fails for want of memory answers
+/// as one that did nothing, and can be made again.
 class VEKCOMMON_API VEKProperty : public BaseStruct, public SParamGrpPosAdjust {
 public:
     VEKProperty();
     ~VEKProperty() override;
 
-    virtual void Empty();                                 ///< delete all parameter groups
-    virtual void Init();                                  ///< once after creation, before the first use
-    virtual void InitParam();                             ///< after loading: bring an older parameter set up to date
-    virtual void ApplyFromParam();                        ///< take over the parameters' values
-    virtual void ApplyToParam();                          ///< write the current values into the parameters
-    virtual BOOL NeedUpdateSingleParam(const GUID& guid); ///< whether an edit of this parameter must be reported
-    virtual int UpdateSingleParamValue(const GUID& guid); ///< an edit of that parameter; 1 handled
+    // Life and parameters.
+
+    /// Delete all parameter groups, and the values that StoreParameters kept.
+    virtual void Empty();
+    /// Once after creation, before the first use.
+    virtual void Init();
+    /// After loading: bring an older parameter set up to date.
+    virtual void InitParam();
+    /// The parameters' values have been changed as a whole: take them over. Nodes that read them at each evaluation
+    /// have nothing to do.
+    virtual void ApplyFromParam();
+    /// The parameters' values are about to be read as a whole: write the current ones into them.
+    virtual void ApplyToParam();
+    /// Whether an edit of this parameter must be reported at once, by the operation that follows.
+    virtual BOOL NeedUpdateSingleParam(const GUID& guid);
+    /// The editor changed that parameter: 1 when the node acted on it, else 0.
+    virtual int UpdateSingleParamValue(const GUID& guid);
+    /// Whether the editor may give that parameter another type; by default none.
     virtual BOOL IsParamTypeChangeable(const GUID& guid);
-    virtual BOOL NeedPIGetNodeInput(); ///< whether the node builds its graph inputs itself
+
+    // The node's place in the graph.
+
+    /// Whether the node builds its graph inputs itself, in GetNodeInput; else the host makes them of its groups.
+    virtual BOOL NeedPIGetNodeInput();
+    /// Add the input groups to the graph node, which then owns them; asked only when NeedPIGetNodeInput says so.
     virtual void GetNodeInput(SGraphNode* pGraphNode);
-    virtual void GetNodeOutput(SGraphNode* pGraphNode); ///< add the output groups, once; null does nothing
-    virtual int ProcessNode(SGraphNode* pGraphNode);    ///< one evaluation in the graph: 1 handled, 0 nothing done
+    /// Add the output groups to the graph node, which then owns them: once, all or none. Null does nothing.
+    virtual void GetNodeOutput(SGraphNode* pGraphNode);
+    /// One evaluation in the graph: 1 handled, 0 nothing done. Null tells the node that it has no place any more.
+    virtual int ProcessNode(SGraphNode* pGraphNode);
+
+    // Sub types: variants that one node type may offer. By default there are none, and the number is 0.
+
+    /// The names of the sub types, in the order of their numbers, in place of what the array holds.
     virtual void GetSubTypes(CStringArray& arSubType);
+    /// The editor chose a sub type, by its number or by its name; an unknown one changes nothing.
     VEK_OVERLOADS_IN_TABLE_ORDER(virtual void SetSubType(int nSubType);, virtual void SetSubType(CString strSubType);)
+    /// Number of the chosen sub type.
     virtual int GetSubType();
+
+    // Playing: for nodes that refer to a clip or play something step by step. IO-process nodes don't.
+
+    /// The clip that the node refers to, not the one that owns it; null for none. Not the caller's.
     virtual VEKClip* GetNodeRefClip();
-    virtual float GetEventDuration(int nEvent); ///< seconds
+    /// How long that event of the node plays; seconds.
+    virtual float GetEventDuration(int nEvent);
+    /// Go to where that event begins: 1 when there is such a place, else 0.
     virtual int SeekEventBegin(int nEvent);
+    /// Begin playing, go on to the next step, go to the step of that index (from 0), end: 1 when something played,
+    /// else 0.
     virtual int PlayIn();
     virtual int PlayNext();
     virtual int PlayByIndex(int nIndex);
     virtual int PlayOut();
+    /// The step that plays (from 0) and the number of steps; both are written, 0 and 0 without any.
     virtual void GetPlayIndexAndTotalCount(int& nIndex, int& nTotal);
+    /// End the threads that the node started, before it's taken out of the graph. IO-process nodes start none.
     virtual void StopPiThread();
+    /// The graph starts anew: forget what was put out so far. The graph node's pins are the host's to reset.
     virtual void ClearOutPutData();
+
+    // What the editor shows, and how groups are saved.
+
+    /// Name of the node's type as the editor shows it; by default the node's name.
     virtual CString GetTypeName();
+    /// Name of the event that this output stands for, where it isn't the pin's own; empty: it is.
     virtual CString GetOutputEventName(int nOutput);
+    /// Whether the number of inputs, or of outputs, is the user's to choose.
     virtual BOOL IsInputMulParams();
     virtual BOOL IsOutputMulParams();
+    /// Where it is, the number of parameters at the beginning that stay.
     virtual int GetFixedMulParams();
-    virtual VEKParamGroup* GetSave40ParamGrp(); ///< group written for project format 4.0; null: none
+    /// Group written for project format 4.0, which stays the node's; null: none.
+    virtual VEKParamGroup* GetSave40ParamGrp();
+    /// The small id that the group's GUID was made of; 0 for null.
     virtual int GetIDFromGrp(const VEKParamGroup* pGroup);
+
+    // Vector parameters: one parameter that stands for several, whose number can change. By default there are none, so
+    // that each parameter is its own and only element.
+
+    /// The user chose so many elements: change the own groups.
     virtual void ChangeVectorParam(int nCount);
+    /// The same for the graph node's inputs and outputs.
     virtual void ChangeNodeVectorParam(SGraphNode* pGraphNode, int nCount);
+    /// Both changed: connect the graph node's parameters to the own ones again.
     virtual void DealWithChangeVectorParam(SGraphNode* pGraphNode);
+    /// The GUID of an element (from 0) of the parameter, and the index of the element that has that GUID.
     virtual GUID CalVectorParamGuid(const GUID& guid, int nIndex);
     virtual int CalVectorParamIndex(const GUID& guid);
-    virtual BOOL IsParamGroupByGUID(const GUID& guid); ///< whether one of the own groups has this GUID
+
+    /// Whether one of the own groups has this GUID.
+    virtual BOOL IsParamGroupByGUID(const GUID& guid);
+    /// The editor resets the parameters or has loaded them: InitParam, and what else a node has to do then.
     virtual void DoParamInit();
+    /// A frame is about to be rendered, after the graph's evaluation.
     virtual void PreRender();
+    /// Keep the values of all own parameters, in place of those kept before. For an editor that tries values out.
     virtual void StoreParameters();
+    /// Give the kept values back to the parameters that are still there; the others stay as they are. What is kept
+    /// stays kept; nothing happens when nothing is.
     virtual void RestoreParameters();
 
     CString m_strName;                 ///< the node's name; stands in log lines
@@ -150,6 +218,9 @@ public:
     HWND m_hNotifyWnd = nullptr; ///< target of "redraw the panel"; posted only if this and the message aren't 0
     UINT m_nNotifyMsg = 0;
     VEKClip* m_pOwnerClip = nullptr; ///< clip that owns the node; not owned; set by the host
+
+private:
+    VEKParamGroup* m_pStoredParams = nullptr; ///< copies of the parameters that StoreParameters kept; owned
 };
 
 /// Kind code of every IO-process node.

@@ -43,9 +43,26 @@ int RejectNullRecord(const VEKProperty& node, const SGraphNode& graphNode) {
     return 0;
 }
 
+int RejectFailure() {
+    try {
+        throw;
+    } catch (CInvalidArgException*) {
+        throw;
+    } catch (CException* pException) {
+        pException->Delete();
+    } catch (...) { // the standard library's and whatever else: there is nothing to free
+    }
+    return 0;
+}
+
 NodeParamInfoGrpArray* CParamLayout::Groups(SParamGrpPosAdjust& node) {
     if (m_arGroup.IsEmpty()) {
-        node.FillNodeParamInfoGrpAr(m_arGroup);
+        try {
+            node.FillNodeParamInfoGrpAr(m_arGroup);
+        } catch (...) {
+            Release(); // a part of the layout would be taken for all of it
+            RejectFailure();
+        }
     }
     return &m_arGroup;
 }
@@ -57,6 +74,9 @@ void CParamLayout::Release() {
     m_arGroup.RemoveAll();
 }
 
-CString ParamLayoutPath(const wchar_t* pszFileName) {
+CString ParamLayoutPath(const wchar_t* pszFileName) try {
     return G_GetModulePath() + L"\\Plugins\\NodePlugin\\IOProcess\\" + pszFileName;
+} catch (...) {
+    RejectFailure();
+    return CString();
 }

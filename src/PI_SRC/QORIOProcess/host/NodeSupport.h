@@ -69,6 +69,11 @@ void WriteNodeLog(EVEKLogLevel nLevel, const VEKProperty& node, const SGraphNode
 /// The answer to a null event record: one error line, result 0.
 int RejectNullRecord(const VEKProperty& node, const SGraphNode& graphNode);
 
+/// In the catch block of an operation that the host calls: what was raised ends here, since hosts rest on getting an
+/// answer, and the result is 0. The one exception is the framework's for invalid arguments, which goes on: by it the
+/// host learns that what it handed over, or what the node holds, can't be.
+int RejectFailure();
+
 /// A class's static control layout: the reader, its state and the layout groups.
 class CParamLayout {
 public:
@@ -81,7 +86,8 @@ public:
     CVEKXml* Reader() { return &m_xmlReader; }
     int* LoadState() { return &m_nLoadState; }
 
-    /// The layout groups; read through the node's layout operations while the array is empty.
+    /// The layout groups; read through the node's layout operations while the array is empty, as it stays when that
+    /// fails.
     NodeParamInfoGrpArray* Groups(SParamGrpPosAdjust& node);
 
     /// Delete the groups, from the last to the first, and free the storage. Groups() fills the array again.
@@ -93,5 +99,5 @@ private:
     NodeParamInfoGrpArray m_arGroup;
 };
 
-/// Path of a control-layout file of this module.
+/// Path of a control-layout file of this module; empty when there is no memory for it.
 CString ParamLayoutPath(const wchar_t* pszFileName);

@@ -1,6 +1,7 @@
 #include "host/NodeTables.h"
 
 #include "host/HostCommon.h"
+#include "host/NodeSupport.h"
 
 namespace {
 
@@ -52,6 +53,15 @@ std::unique_ptr<VEKParamGroup> MakeGroup(const GroupRow& group, std::unique_ptr<
 
 } // namespace
 
+void FillChoicesOnce(VEKParam* pParam, FillChoices* pFillChoices) {
+    if (pParam == nullptr || !pParam->m_arChoice.IsEmpty()) {
+        return;
+    }
+    CStringArray arChoice; // a parameter with some of the labels would be taken for one that has them
+    pFillChoices(arChoice);
+    pParam->m_arChoice.Copy(arChoice);
+}
+
 std::unique_ptr<VEKParam> MakeInput(const ParamRow& row) {
     return MakeParam<VEKParam>(row);
 }
@@ -74,7 +84,14 @@ void AppendOutputGroupsOnce(SGraphNode* pGraphNode, std::span<const GroupRow> gr
     if (pGraphNode == nullptr || !pGraphNode->m_lstOutputGroup.IsEmpty()) {
         return;
     }
-    for (const GroupRow& group : groups) {
-        AppendOwned(pGraphNode->m_lstOutputGroup, MakeOutputGroup(group));
+    try {
+        for (const GroupRow& group : groups) {
+            AppendOwned(pGraphNode->m_lstOutputGroup, MakeOutputGroup(group));
+        }
+    } catch (...) {
+        while (!pGraphNode->m_lstOutputGroup.IsEmpty()) {
+            delete pGraphNode->m_lstOutputGroup.RemoveHead();
+        }
+        RejectFailure();
     }
 }

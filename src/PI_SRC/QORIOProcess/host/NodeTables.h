@@ -36,6 +36,9 @@ enum class DisplayText {
 /// Appends the labels of a choice parameter, in index order.
 using FillChoices = void(CStringArray& arChoice);
 
+/// Give a choice parameter without labels all of them; nothing happens to one with labels, or when it's null.
+void FillChoicesOnce(VEKParam* pParam, FillChoices* pFillChoices);
+
 /// One input parameter or output pin.
 struct ParamRow {
     unsigned nId;
@@ -112,5 +115,6 @@ std::unique_ptr<VEKParamGroup> MakeOutputGroup(const GroupRow& group);
 /// A new output pin made from its row; the caller owns it.
 std::unique_ptr<VEKParam> MakeOutput(const ParamRow& row);
 
-/// Append the output groups to the graph node, in order, if it isn't null and holds no output group yet.
+/// Append the output groups to the graph node, in order, if it isn't null and holds no output group yet: all of them,
+/// or none when that fails.
 void AppendOutputGroupsOnce(SGraphNode* pGraphNode, std::span<const GroupRow> groups);

@@ -33,6 +33,12 @@ int ReadVisibility(const Visibility& visibility, int nCarriedOver, const CString
     return nCarriedOver;
 }
 
+/// Destroys an icon that no entry took over.
+struct IconDestroyer {
+    using pointer = HICON;
+    void operator()(HICON hIcon) const { DestroyIcon(hIcon); }
+};
+
 void RegisterTypes(CArray<SIOProcessNodeInfo>& arNodeInfo) {
     const CString strIniPath = PXGetAppPath() + L"\\Plugins\\NodePlugin\\NodePlugin.ini";
     // One record serves all rows, so a member that a row doesn't set keeps the value of the row before.
@@ -41,10 +47,12 @@ void RegisterTypes(CArray<SIOProcessNodeInfo>& arNodeInfo) {
         info.strName = PXLoadString(row.pszNameKey);
         info.guidType = row.guidType;
         info.strTip = PXLoadString(row.pszNameKey);
-        info.hIcon =
-            static_cast<HICON>(LoadImageW(ModuleInstance(), MAKEINTRESOURCEW(row.nIconId), IMAGE_ICON, 0, 0, 0));
+        std::unique_ptr<HICON, IconDestroyer> icon(
+            static_cast<HICON>(LoadImageW(ModuleInstance(), MAKEINTRESOURCEW(row.nIconId), IMAGE_ICON, 0, 0, 0)));
+        info.hIcon = icon.get();
         info.bEnable = ReadVisibility(row.visibility, info.bEnable, strIniPath);
         arNodeInfo.Add(info);
+        static_cast<void>(icon.release()); // the host's, with the entry
     }
 }
 

@@ -116,7 +116,7 @@ CGestureIOProcess::CGestureIOProcess() {
 
 CGestureIOProcess::~CGestureIOProcess() = default;
 
-void CGestureIOProcess::InitParam() {
+void CGestureIOProcess::InitParam() try {
     VEKParam* pVersion = FindParam(m_lstParamGroup, MakeParamGuid(PARAM_VERSION));
     const int nVersion = pVersion != nullptr ? pVersion->m_nValue : 0;
     if (nVersion < VERSION_CURRENT) {
@@ -127,9 +127,11 @@ void CGestureIOProcess::InitParam() {
     if (pVersion != nullptr) {
         pVersion->m_nValue = VERSION_CURRENT;
     }
+} catch (...) {
+    RejectFailure();
 }
 
-void CGestureIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
+void CGestureIOProcess::GetNodeOutput(SGraphNode* pGraphNode) try {
     if (pGraphNode == nullptr) {
         return;
     }
@@ -148,9 +150,11 @@ void CGestureIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
         pGroup->m_lstParam.AddTail(pSingleTap.get());
         static_cast<void>(pSingleTap.release());
     }
+} catch (...) {
+    RejectFailure();
 }
 
-int CGestureIOProcess::ProcessNode(SGraphNode* pGraphNode) {
+int CGestureIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;
     if (pGraphNode == nullptr) {
         return 0;
@@ -161,9 +165,11 @@ int CGestureIOProcess::ProcessNode(SGraphNode* pGraphNode) {
     }
     m_bEnable = pEnable->m_nValue;
     return m_bEnable != 0 ? 1 : 0;
+} catch (...) {
+    return RejectFailure();
 }
 
-int CGestureIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) {
+int CGestureIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) try {
     if (m_pOwnerClip == nullptr || m_pGraphNode == nullptr) {
         return 0;
     }
@@ -184,20 +190,22 @@ int CGestureIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) {
     default:
         return 1;
     }
+} catch (...) {
+    return RejectFailure();
 }
 
 int CGestureIOProcess::Press(const SQORMouseData& sample) {
     if (m_nActivePointer != NO_POINTER) {
         return 0;
     }
-    m_nActivePointer = sample.m_nPointer;
-    m_bMoving = 0;
     if (sample.m_bRelative != 0) {
         RemoveSamples(m_arRelativePoint);
     } else {
         RemoveSamples(m_arPixelPoint);
     }
     Append(sample);
+    m_nActivePointer = sample.m_nPointer; // once the stroke has its first sample
+    m_bMoving = 0;
     return 1;
 }
 
@@ -212,8 +220,8 @@ int CGestureIOProcess::Move(const SQORMouseData& sample) {
     const bool bFarEnough =
         sample.m_bRelative != 0 ? HasStartedMoving(m_arRelativePoint) : HasStartedMoving(m_arPixelPoint);
     if (bFarEnough && m_bMoving == 0) {
-        m_bMoving = 1;
         Fire(OUTPUT_START_MOVE);
+        m_bMoving = 1;
     }
     return 1;
 }
@@ -222,13 +230,22 @@ int CGestureIOProcess::Release(const SQORMouseData& sample) {
     if (sample.m_nPointer != m_nActivePointer) {
         return 0;
     }
-    Append(sample);
-    FireReleased(sample);
+    try {
+        Append(sample);
+        FireReleased(sample);
+    } catch (...) {
+        EndStroke(); // in any case: no other release would come
+        throw;
+    }
+    EndStroke();
+    return 1;
+}
+
+void CGestureIOProcess::EndStroke() {
     RemoveSamples(m_arPixelPoint);
     RemoveSamples(m_arRelativePoint);
     m_bMoving = 0;
     m_nActivePointer = NO_POINTER;
-    return 1;
 }
 
 void CGestureIOProcess::Append(const SQORMouseData& sample) {

@@ -29,6 +29,7 @@ private:
     int Press(const SQORMouseData& sample);
     int Move(const SQORMouseData& sample);
     int Release(const SQORMouseData& sample);
+    void EndStroke();
     void Append(const SQORMouseData& sample);
     void FireReleased(const SQORMouseData& sample);
     void Fire(unsigned nOutput);

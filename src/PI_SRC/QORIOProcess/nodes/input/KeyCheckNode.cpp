@@ -84,7 +84,8 @@ void CKeyCheckProcess::GetNodeOutput(SGraphNode* pGraphNode) {
     AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
 }
 
-int CKeyCheckProcess::ProcessNode(SGraphNode* pGraphNode) {
+/// What was fired is remembered after it: what couldn't be is fired at the next evaluation.
+int CKeyCheckProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;
     if (pGraphNode == nullptr || !HostTakesInput()) {
         return 0;
@@ -102,8 +103,8 @@ int CKeyCheckProcess::ProcessNode(SGraphNode* pGraphNode) {
     for (const ModifierRow& modifier : MODIFIERS) {
         if ((pKeyValue->m_nValue & modifier.nBit) != 0 && !IsKeyDown(modifier.nVirtualKey)) {
             if (m_bKeyDown) {
-                m_bKeyDown = false;
                 FireGeneralEvent(this, OUTPUT_KEY_UP);
+                m_bKeyDown = false;
             }
             return 0;
         }
@@ -115,12 +116,14 @@ int CKeyCheckProcess::ProcessNode(SGraphNode* pGraphNode) {
         // The press doesn't restart the interval: it runs from the last "HoldDown", in wrapping 32-bit ticks.
         const DWORD nTick = GetTickCount();
         if (nTick >= m_nLastHoldTick + static_cast<DWORD>(pInterval->m_nValue)) {
-            m_nLastHoldTick = nTick;
             FireGeneralEvent(this, OUTPUT_HOLD_DOWN);
+            m_nLastHoldTick = nTick;
         }
     }
     m_bKeyDown = bDown;
     return 1;
+} catch (...) {
+    return RejectFailure();
 }
 
 int CKeyCheckProcess::DevIOEventOccurred(const SIOEventRecord* /*pRecord*/) {

@@ -54,7 +54,7 @@ void CKeyboardIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
     AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
 }
 
-int CKeyboardIOProcess::ProcessNode(SGraphNode* pGraphNode) {
+int CKeyboardIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;
     if (pGraphNode == nullptr) {
         return 0;
@@ -73,9 +73,11 @@ int CKeyboardIOProcess::ProcessNode(SGraphNode* pGraphNode) {
     }
     AssignIfDifferent(pText->m_strValue, m_strKeyText);
     return 1;
+} catch (...) {
+    return RejectFailure();
 }
 
-int CKeyboardIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) {
+int CKeyboardIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) try {
     if (m_pOwnerClip == nullptr || m_pGraphNode == nullptr) {
         return 0;
     }
@@ -98,4 +100,6 @@ int CKeyboardIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) {
         }
     }
     return 1;
+} catch (...) {
+    return RejectFailure();
 }

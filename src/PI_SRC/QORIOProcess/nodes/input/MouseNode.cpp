@@ -158,7 +158,7 @@ void CMouseIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
     AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
 }
 
-int CMouseIOProcess::ProcessNode(SGraphNode* pGraphNode) {
+int CMouseIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;
     if (pGraphNode == nullptr) {
         return 0;
@@ -179,9 +179,11 @@ int CMouseIOProcess::ProcessNode(SGraphNode* pGraphNode) {
     WriteOutput(*pGraphNode, OUTPUT_RELATIVE_X, &VEKParam::m_fValue, m_mouseData.m_fRelativeX);
     WriteOutput(*pGraphNode, OUTPUT_RELATIVE_Y, &VEKParam::m_fValue, m_mouseData.m_fRelativeY);
     return 1;
+} catch (...) {
+    return RejectFailure();
 }
 
-int CMouseIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) {
+int CMouseIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) try {
     if (m_pOwnerClip == nullptr || m_pGraphNode == nullptr) {
         return 0;
     }
@@ -204,6 +206,8 @@ int CMouseIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) {
         }
     }
     return 1;
+} catch (...) {
+    return RejectFailure();
 }
 
 CVEKXml* CMouseIOProcess::GetXmlReader() {

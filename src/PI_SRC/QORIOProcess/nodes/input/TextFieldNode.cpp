@@ -56,7 +56,7 @@ void CTextFieldInputProcess::GetNodeOutput(SGraphNode* pGraphNode) {
     AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
 }
 
-int CTextFieldInputProcess::ProcessNode(SGraphNode* pGraphNode) {
+int CTextFieldInputProcess::ProcessNode(SGraphNode* pGraphNode) try {
     if (pGraphNode == nullptr || m_pOwnerClip == nullptr) {
         return 0;
     }
@@ -83,4 +83,6 @@ int CTextFieldInputProcess::ProcessNode(SGraphNode* pGraphNode) {
     WriteOutput(*pGraphNode, OUTPUT_HAS_TEXT, &VEKParam::m_nValue, m_strText.IsEmpty() ? 0 : 1);
     WriteOutput(*pGraphNode, OUTPUT_TEXT, &VEKParam::m_strValue, m_strText);
     return 1;
+} catch (...) {
+    return RejectFailure();
 }

@@ -195,20 +195,19 @@ CVRHandleIOProcess::CVRHandleIOProcess() {
 
 CVRHandleIOProcess::~CVRHandleIOProcess() = default;
 
-void CVRHandleIOProcess::InitParam() {
+void CVRHandleIOProcess::InitParam() try {
     if (m_lstParamGroup.IsEmpty()) {
         AfxThrowInvalidArgException();
     }
-    VEKParam* pHandleType = FindParam(m_lstParamGroup, MakeParamGuid(INPUT_HANDLE_TYPE));
-    if (pHandleType != nullptr && pHandleType->m_arChoice.IsEmpty()) {
-        FillHandleTypes(pHandleType->m_arChoice);
-    }
+    FillChoicesOnce(FindParam(m_lstParamGroup, MakeParamGuid(INPUT_HANDLE_TYPE)), FillHandleTypes);
     if (VEKParam* pVersion = FindParam(m_lstParamGroup, MakeParamGuid(PARAM_VERSION))) {
         pVersion->m_nValue = VERSION_WITH_HIT_POSITION;
     }
+} catch (...) {
+    RejectFailure();
 }
 
-void CVRHandleIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
+void CVRHandleIOProcess::GetNodeOutput(SGraphNode* pGraphNode) try {
     if (pGraphNode == nullptr) {
         return;
     }
@@ -227,9 +226,11 @@ void CVRHandleIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
         lstOutputGroup.InsertAfter(posPosition, pHitGroup.get());
         static_cast<void>(pHitGroup.release());
     }
+} catch (...) {
+    RejectFailure();
 }
 
-int CVRHandleIOProcess::ProcessNode(SGraphNode* pGraphNode) {
+int CVRHandleIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;
     if (pGraphNode == nullptr) {
         return 0;
@@ -259,9 +260,11 @@ int CVRHandleIOProcess::ProcessNode(SGraphNode* pGraphNode) {
         m_previousSample.m_fTouchPadX = 0.0f;
     }
     return 1;
+} catch (...) {
+    return RejectFailure();
 }
 
-int CVRHandleIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) {
+int CVRHandleIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) try {
     if (m_pOwnerClip == nullptr || m_bEnable == 0 || m_pGraphNode == nullptr) {
         return 0;
     }
@@ -282,11 +285,13 @@ int CVRHandleIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) {
     MoveObject(sample);
     WriteOutputs(sample);
     const FiredOutputs fired = CompareSamples(m_previousSample, sample);
-    m_previousSample = sample;
     for (const unsigned nOutput : fired) {
         FireGeneralEvent(this, static_cast<int>(nOutput));
     }
+    m_previousSample = sample; // at last: what couldn't be fired is fired with the next sample
     return 1;
+} catch (...) {
+    return RejectFailure();
 }
 
 void CVRHandleIOProcess::MoveObject(const SVRPluginData& sample) const {

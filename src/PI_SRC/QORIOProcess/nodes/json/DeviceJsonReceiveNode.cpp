@@ -130,7 +130,7 @@ int CDevJsonReceive::ProcessNode(SGraphNode* pGraphNode) {
     return ProcessJsonNode(*this, pGraphNode);
 }
 
-int CDevJsonReceive::DevIOEventOccurred(const SIOEventRecord* pRecord) {
+int CDevJsonReceive::DevIOEventOccurred(const SIOEventRecord* pRecord) try {
     if (m_pOwnerClip == nullptr || m_pBaseGraphNode == nullptr) {
         return 0;
     }
@@ -163,6 +163,8 @@ int CDevJsonReceive::DevIOEventOccurred(const SIOEventRecord* pRecord) {
     }
     return AcceptJsonText(*this, {OUTPUT_RECEIVE_DATA, OUTPUT_EVENT}, text.m_strText,
                           L"[%s.%s.%s 触发[接收设备json]事件]");
+} catch (...) {
+    return RejectFailure();
 }
 
 CVEKXml* CDevJsonReceive::GetXmlReader() {

@@ -58,7 +58,7 @@ int CObjJsonReceive::ProcessNode(SGraphNode* pGraphNode) {
     return ProcessJsonNode(*this, pGraphNode);
 }
 
-int CObjJsonReceive::DevIOEventOccurred(const SIOEventRecord* pRecord) {
+int CObjJsonReceive::DevIOEventOccurred(const SIOEventRecord* pRecord) try {
     if (m_pOwnerClip == nullptr || m_pBaseGraphNode == nullptr) {
         return 0;
     }
@@ -80,4 +80,6 @@ int CObjJsonReceive::DevIOEventOccurred(const SIOEventRecord* pRecord) {
         return 0;
     }
     return AcceptJsonText(*this, {OUTPUT_RECEIVE_DATA, OUTPUT_EVENT}, text.m_strText, L"[%s.%s.%s 触发[地图反馈]事件]");
+} catch (...) {
+    return RejectFailure();
 }

@@ -46,7 +46,7 @@ void CBroadcastRevIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
     AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
 }
 
-int CBroadcastRevIOProcess::ProcessNode(SGraphNode* pGraphNode) {
+int CBroadcastRevIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;
     if (pGraphNode == nullptr || m_pOwnerClip == nullptr) {
         return 0;
@@ -55,9 +55,11 @@ int CBroadcastRevIOProcess::ProcessNode(SGraphNode* pGraphNode) {
         AssignIfDifferent(m_strFlag, pFlag->m_strValue);
     }
     return 1;
+} catch (...) {
+    return RejectFailure();
 }
 
-int CBroadcastRevIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) {
+int CBroadcastRevIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) try {
     if (m_pOwnerClip == nullptr || m_pGraphNode == nullptr) {
         return 0;
     }
@@ -75,4 +77,6 @@ int CBroadcastRevIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) {
     WriteOutput(*m_pGraphNode, OUTPUT_NAME, &VEKParam::m_strValue, item.m_strName);
     WriteOutput(*m_pGraphNode, OUTPUT_DATA, &VEKParam::m_strValue, item.m_strData);
     return 1;
+} catch (...) {
+    return RejectFailure();
 }

@@ -51,7 +51,7 @@ CBroadcastIOProcess::CBroadcastIOProcess() {
 /// The socket stays open and Windows Sockets started: both belong to the process until it ends.
 CBroadcastIOProcess::~CBroadcastIOProcess() = default;
 
-int CBroadcastIOProcess::ProcessNode(SGraphNode* pGraphNode) {
+int CBroadcastIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     if (pGraphNode == nullptr || m_pOwnerClip == nullptr) {
         return 0;
     }
@@ -60,6 +60,8 @@ int CBroadcastIOProcess::ProcessNode(SGraphNode* pGraphNode) {
         SendText();
     }
     return 1;
+} catch (...) {
+    return RejectFailure();
 }
 
 /// The host has started Windows Sockets by now; a process where it hasn't gets no socket, and nothing is started.

@@ -33,6 +33,6 @@ private:
     // Kept from one send to the next, so that a steady sender allocates nothing for them.
     CStringArray m_arPiece;
     CString m_strText;
-    std::unique_ptr<char[]> m_pBuffer;
     int m_nBufferSize = 0;
+    std::unique_ptr<char[]> m_pBuffer;
 };

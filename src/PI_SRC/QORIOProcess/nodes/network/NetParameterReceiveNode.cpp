@@ -69,7 +69,7 @@ CNetParameterReceiveIOProcess::CNetParameterReceiveIOProcess() {
 
 CNetParameterReceiveIOProcess::~CNetParameterReceiveIOProcess() = default;
 
-void CNetParameterReceiveIOProcess::InitParam() {
+void CNetParameterReceiveIOProcess::InitParam() try {
     VEKParam* pVersion = FindParam(m_lstParamGroup, MakeParamGuid(PARAM_VERSION));
     if (pVersion == nullptr || pVersion->m_nValue < VERSION_CURRENT) {
         for (const unsigned nId : FORMER_INPUTS) {
@@ -81,6 +81,8 @@ void CNetParameterReceiveIOProcess::InitParam() {
     if (pVersion != nullptr) {
         pVersion->m_nValue = VERSION_CURRENT;
     }
+} catch (...) {
+    RejectFailure();
 }
 
 void CNetParameterReceiveIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
@@ -92,7 +94,7 @@ int CNetParameterReceiveIOProcess::ProcessNode(SGraphNode* pGraphNode) {
     return pGraphNode != nullptr && m_pOwnerClip != nullptr ? 1 : 0;
 }
 
-int CNetParameterReceiveIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) {
+int CNetParameterReceiveIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) try {
     if (m_pOwnerClip == nullptr || m_pGraphNode == nullptr) {
         return 0;
     }
@@ -118,4 +120,6 @@ int CNetParameterReceiveIOProcess::DevIOEventOccurred(const SIOEventRecord* pRec
     WriteNodeLog(LOG_INFORMATION, *this, *m_pGraphNode, L"[%s.%s.%s 触发[网络触发]事件]");
     PostGeneralEventMessage(this, m_pOwnerClip, nullptr, static_cast<int>(OUTPUT_EVENT));
     return 1;
+} catch (...) {
+    return RejectFailure();
 }

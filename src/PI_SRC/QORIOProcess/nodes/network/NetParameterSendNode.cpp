@@ -107,7 +107,7 @@ CNetParameterSendIOProcess::CNetParameterSendIOProcess() {
 
 CNetParameterSendIOProcess::~CNetParameterSendIOProcess() = default;
 
-void CNetParameterSendIOProcess::InitParam() {
+void CNetParameterSendIOProcess::InitParam() try {
     if (m_lstParamGroup.IsEmpty()) {
         return;
     }
@@ -135,21 +135,22 @@ void CNetParameterSendIOProcess::InitParam() {
         }
     }
     if (nVersion < VERSION_WITH_TO_DEV_FIRST && pToDev != nullptr && pVersion != nullptr) {
-        lstParam.RemoveAt(lstParam.Find(pToDev));
+        const POSITION posBefore = lstParam.Find(pToDev);
         lstParam.InsertAfter(lstParam.Find(pVersion), pToDev);
+        lstParam.RemoveAt(posBefore); // at last: the parameter is in the list at any time
     }
     if (VEKParam* pLayer = find(INPUT_LAYER)) {
-        if (pLayer->m_arChoice.IsEmpty()) {
-            FillLayerLabels(pLayer->m_arChoice);
-        }
+        FillChoicesOnce(pLayer, FillLayerLabels);
         pLayer->m_nValue = std::min(pLayer->m_nValue, LAYER_CHOICE_COUNT - 1);
     }
     if (pVersion != nullptr) {
         pVersion->m_nValue = VERSION_CURRENT;
     }
+} catch (...) {
+    RejectFailure();
 }
 
-int CNetParameterSendIOProcess::ProcessNode(SGraphNode* pGraphNode) {
+int CNetParameterSendIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     if (pGraphNode == nullptr || m_pOwnerClip == nullptr) {
         return 0;
     }
@@ -170,6 +171,8 @@ int CNetParameterSendIOProcess::ProcessNode(SGraphNode* pGraphNode) {
         SendToAll(*pGraphNode);
     }
     return 1;
+} catch (...) {
+    return RejectFailure();
 }
 
 int CNetParameterSendIOProcess::DevIOEventOccurred(const SIOEventRecord* /*pRecord*/) {
@@ -189,11 +192,8 @@ void CNetParameterSendIOProcess::ReadInputs(SGraphNode& graphNode) {
     };
     readText(INPUT_DEV_ID, m_strDevID);
     readText(INPUT_DEV_NAME, m_strDevName);
-    if (FollowToDev(*this, graphNode, DEVICE_INPUTS, m_bToDev)) {
-        if (m_bToDev == 0) {
-            ForgetDevice();
-        }
-        RedrawPanel(*this, graphNode);
+    if (FollowToDev(*this, graphNode, DEVICE_INPUTS, m_bToDev) && m_bToDev == 0) {
+        ForgetDevice();
     }
     readText(INPUT_CLIP_NAME, m_strClipName);
     readText(INPUT_GROUP_NAME, m_strGroupName);

@@ -1,11 +1,22 @@
 #include "nodes/network/NetworkNodes.h"
 
+#include <utility>
+
 #include "host/NodeSupport.h"
 
 namespace {
 
 /// The notification that makes the editor redraw a node's panel; wParam is 0.
 constexpr LPARAM NOTIFY_REDRAW = 1;
+
+void RedrawPanel(const VEKProperty& node, SGraphNode& graphNode) {
+    if (node.m_pOwnerClip != nullptr) {
+        node.m_pOwnerClip->m_refNodeInfo.UpdateNodeByProperty(&graphNode);
+    }
+    if (node.m_hNotifyWnd != nullptr && node.m_nNotifyMsg != 0) {
+        PostMessageW(node.m_hNotifyWnd, node.m_nNotifyMsg, 0, NOTIFY_REDRAW);
+    }
+}
 
 } // namespace
 
@@ -20,21 +31,18 @@ void OfferDeviceInputs(VEKProperty& node, const DeviceInputs& inputs, int bToDev
     }
 }
 
-bool FollowToDev(VEKProperty& node, const SGraphNode& graphNode, const DeviceInputs& inputs, int& bToDev) {
+bool FollowToDev(VEKProperty& node, SGraphNode& graphNode, const DeviceInputs& inputs, int& bToDev) {
     const VEKParam* pToDev = FindInput(node, graphNode, inputs.nToDev);
     if (pToDev == nullptr || pToDev->m_nValue == bToDev) {
         return false;
     }
-    bToDev = pToDev->m_nValue;
+    const int bBefore = std::exchange(bToDev, pToDev->m_nValue);
     OfferDeviceInputs(node, inputs, bToDev);
+    try {
+        RedrawPanel(node, graphNode);
+    } catch (...) {
+        bToDev = bBefore;
+        throw;
+    }
     return true;
-}
-
-void RedrawPanel(const VEKProperty& node, SGraphNode& graphNode) {
-    if (node.m_pOwnerClip != nullptr) {
-        node.m_pOwnerClip->m_refNodeInfo.UpdateNodeByProperty(&graphNode);
-    }
-    if (node.m_hNotifyWnd != nullptr && node.m_nNotifyMsg != 0) {
-        PostMessageW(node.m_hNotifyWnd, node.m_nNotifyMsg, 0, NOTIFY_REDRAW);
-    }
 }

@@ -13,9 +13,7 @@ struct DeviceInputs {
 /// Offer the node's own device inputs in the editor; with bToDev 0 they are hidden and their texts emptied.
 void OfferDeviceInputs(VEKProperty& node, const DeviceInputs& inputs, int bToDev);
 
-/// Take over the "ToDev" input as the graph supplies it. Where it differs from bToDev the device inputs follow it.
-/// Whether it differed, so that the panel must be redrawn.
-bool FollowToDev(VEKProperty& node, const SGraphNode& graphNode, const DeviceInputs& inputs, int& bToDev);
-
-/// Tell the editor to redraw the node's panel.
-void RedrawPanel(const VEKProperty& node, SGraphNode& graphNode);
+/// Take over the "ToDev" input as the graph supplies it. Where it differs from bToDev the device inputs follow it and
+/// the editor is told to redraw the node's panel; where it can't be told, bToDev stays as it was, so that the next call
+/// tells it. Whether it differed.
+bool FollowToDev(VEKProperty& node, SGraphNode& graphNode, const DeviceInputs& inputs, int& bToDev);

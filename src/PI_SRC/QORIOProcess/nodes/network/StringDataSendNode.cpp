@@ -82,28 +82,27 @@ CStringDataSendIOProcess::CStringDataSendIOProcess() {
 
 CStringDataSendIOProcess::~CStringDataSendIOProcess() = default;
 
-void CStringDataSendIOProcess::InitParam() {
-    VEKParam* pCodeType = FindParam(m_lstParamGroup, MakeParamGuid(INPUT_CODE_TYPE));
-    if (pCodeType != nullptr && pCodeType->m_arChoice.IsEmpty()) {
-        FillCodeTypes(pCodeType->m_arChoice);
-    }
+void CStringDataSendIOProcess::InitParam() try {
+    FillChoicesOnce(FindParam(m_lstParamGroup, MakeParamGuid(INPUT_CODE_TYPE)), FillCodeTypes);
+} catch (...) {
+    RejectFailure();
 }
 
 BOOL CStringDataSendIOProcess::NeedUpdateSingleParam(const GUID& guid) {
     return IsEqualGUID(guid, MakeParamGuid(INPUT_TO_DEV)) ? TRUE : FALSE;
 }
 
-int CStringDataSendIOProcess::UpdateSingleParamValue(const GUID& guid) {
+int CStringDataSendIOProcess::UpdateSingleParamValue(const GUID& guid) try {
     if (m_pGraphNode == nullptr || !NeedUpdateSingleParam(guid)) {
         return 0;
     }
-    if (FollowToDev(*this, *m_pGraphNode, DEVICE_INPUTS, m_bToDev)) {
-        RedrawPanel(*this, *m_pGraphNode);
-    }
+    FollowToDev(*this, *m_pGraphNode, DEVICE_INPUTS, m_bToDev);
     return 1;
+} catch (...) {
+    return RejectFailure();
 }
 
-int CStringDataSendIOProcess::ProcessNode(SGraphNode* pGraphNode) {
+int CStringDataSendIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;
     if (pGraphNode == nullptr || m_pOwnerClip == nullptr) {
         return 0;
@@ -133,6 +132,8 @@ int CStringDataSendIOProcess::ProcessNode(SGraphNode* pGraphNode) {
         }
     }
     return 1;
+} catch (...) {
+    return RejectFailure();
 }
 
 int CStringDataSendIOProcess::DevIOEventOccurred(const SIOEventRecord* /*pRecord*/) {

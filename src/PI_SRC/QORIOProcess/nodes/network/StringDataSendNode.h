@@ -23,6 +23,6 @@ private:
     int m_bToDev = 0;                   ///< "ToDev" as the panel was last told
 
     // Kept from one send to the next, so that a steady sender allocates nothing.
-    std::unique_ptr<unsigned char[]> m_pBuffer;
     size_t m_nBufferSize = 0;
+    std::unique_ptr<unsigned char[]> m_pBuffer;
 };
