@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Compare the module's binary interface, as a compiler for the Microsoft C++ ABI lays it out, with expected_abi.py.
 
-    check_msvc_abi.py check MODULE_DIR SOURCE... -- COMPILER...   the records that cross the boundary, the virtual tables
-                                                                  of the base of all nodes and of the class in each SOURCE
+    check_msvc_abi.py check MODULE_DIR SOURCE... -- COMPILER...   the records that cross the boundary, the members of nodes,
+                                                                  the virtual tables of the base of all nodes and of the
+                                                                  class in each SOURCE
     check_msvc_abi.py self-test MODULE_DIR -- COMPILER...         whether the checks notice damage done to a copy
 
 MODULE_DIR holds the module's sources. COMPILER is a clang with its options, without those for what to compile.
@@ -184,6 +185,9 @@ def self_test(compiler, module_dir):
                                        "int PlayIn() override; int ProcessNode(SGraphNode* pGraphNode)"), mouse),
         "two members swapped":
             (lambda copy: swap_lines(copy / "host/PluginContract.h", "CString strName;", "HICON hIcon"),
+             check_records),
+        "two members of a node swapped":
+            (lambda copy: swap_lines(copy / "nodes/input/MouseNode.h", "int m_bButtonRight", "int m_bButtonMiddle"),
              check_records),
         "a member widened":
             (lambda copy: replace_text(copy / "host/EventRecord.h", "int m_nEvent;", "long long m_nEvent;"),

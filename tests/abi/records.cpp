@@ -1,7 +1,21 @@
-// The records that cross the boundary between host and module; compiled only for the layouts that the compiler prints.
+// The records that cross the boundary between host and module, and the nodes; compiled only for the layouts that the
+// compiler prints.
 
-#include "host/EventRecord.h"
+#include "host/HostNetwork.h"
 #include "host/PluginContract.h"
+#include "nodes/input/GestureNode.h"
+#include "nodes/input/KeyCheckNode.h"
+#include "nodes/input/KeyboardNode.h"
+#include "nodes/input/MouseNode.h"
+#include "nodes/input/TextFieldNode.h"
+#include "nodes/input/VRHandleNode.h"
+#include "nodes/json/DeviceJsonReceiveNode.h"
+#include "nodes/json/ObjectJsonReceiveNode.h"
+#include "nodes/network/BroadcastReceiveNode.h"
+#include "nodes/network/BroadcastSendNode.h"
+#include "nodes/network/NetParameterReceiveNode.h"
+#include "nodes/network/NetParameterSendNode.h"
+#include "nodes/network/StringDataSendNode.h"
 
 template <typename... Records>
 struct SSizes {
@@ -10,4 +24,9 @@ struct SSizes {
 
 // A compiler lays out what it's asked the size of.
 static_assert(SSizes<CString, CStringArray, CArray<SIOProcessNodeInfo>, SIOProcessNodeInfo, SIOProcessPluginData,
-                     SIOProcessNodeRef, SIOEventRecord, SKeyEventData, SDeviceTextData, SObjectTextData>::TOTAL > 0);
+                     SIOProcessNodeRef, SIOEventRecord, SKeyEventData, SDeviceTextData, SObjectTextData, SQORMouseData,
+                     SVRPluginData, SBroadcastItem, CQORPanelRemoteCtrlData>::TOTAL > 0);
+static_assert(SSizes<P_ExtDevIOProcess, CKeyboardIOProcess, CKeyCheckProcess, CTextFieldInputProcess, CMouseIOProcess,
+                     CGestureIOProcess, CVRHandleIOProcess, CNetParameterSendIOProcess, CNetParameterReceiveIOProcess,
+                     CBroadcastIOProcess, CBroadcastRevIOProcess, CStringDataSendIOProcess, CDevJsonReceive,
+                     CObjJsonReceive>::TOTAL > 0);
