@@ -23,14 +23,18 @@ protected:
         m_handle.m_clip.m_lstObject.AddTail(new VEKObject(L"Hand"));
     }
 
-    void Run(int nSteps) {
-        for (int i = 1; i <= nSteps; ++i) {
+    /// Take steps until there were so many events and evaluations together, counted from the beginning.
+    void RunUntil(long long nCalls) {
+        for (int i = 1; m_nEvents + m_nEvaluations < nCalls; ++i) {
             Step();
             if (i % STEPS_BETWEEN_PUMPING == 0) {
                 m_host.Pump();
             }
         }
     }
+
+    long long EventsHandedOver() const { return m_nEvents; }
+    long long Evaluations() const { return m_nEvaluations; }
 
     /// Heap in use with the nodes in one and the same state.
     size_t RestingHeap() {
@@ -62,6 +66,16 @@ protected:
 private:
     static constexpr int MOST_POINTER = 2;
 
+    int Evaluate(NodeScene& scene) {
+        ++m_nEvaluations;
+        return scene.Evaluate();
+    }
+
+    int Send(NodeScene& scene, int nDevice, int nEvent, void* pPayload) {
+        ++m_nEvents;
+        return scene.Send(nDevice, nEvent, pPayload);
+    }
+
     int Random(int nLeast, int nMost) { return std::uniform_int_distribution(nLeast, nMost)(m_random); }
     bool OneIn(int nChances) { return Random(1, nChances) == 1; }
     float RandomFloat(float fMost) { return static_cast<float>(Random(-1000, 1000)) / 1000.0f * fMost; }
@@ -73,9 +87,11 @@ private:
             scene.Input(2).m_nValue = !OneIn(4);
             break;
         case 1:
+            ++m_nEvents;
             scene.m_pNode->DevIOEventOccurred(nullptr);
             break;
         case 2:
+            ++m_nEvaluations;
             scene.m_pNode->ProcessNode(OneIn(4) ? nullptr : &scene.m_graphNode);
             break;
         case 3:
@@ -87,7 +103,7 @@ private:
         case 5:
         case 6:
         case 7:
-            scene.Evaluate();
+            Evaluate(scene);
             break;
         case 8:
             if (OneIn(100)) {
@@ -118,7 +134,7 @@ private:
         SKeyEventData key;
         key.m_strText = CString(L'x', Random(0, 40));
         const bool bKeyboard = &scene == &m_keyboard;
-        scene.Send(0, Random(2001, 2004), bKeyboard && !OneIn(8) ? &key : nullptr);
+        Send(scene, 0, Random(2001, 2004), bKeyboard && !OneIn(8) ? &key : nullptr);
     }
 
     void SendPointer(NodeScene& scene) {
@@ -127,7 +143,7 @@ private:
         const bool bPointer = &scene == &m_mouse || &scene == &m_gesture;
         // Presses and releases come up more often than other events.
         const int nEvent = OneIn(2) ? Random(3000, 3014) : Random(3005, 3006);
-        scene.Send(OneIn(8) ? 0 : 1, nEvent, bPointer && !OneIn(8) ? &sample : nullptr);
+        Send(scene, OneIn(8) ? 0 : 1, nEvent, bPointer && !OneIn(8) ? &sample : nullptr);
     }
 
     /// Keyboard, main window and the key that is checked.
@@ -140,7 +156,7 @@ private:
         m_application.ShowMainWindow(!OneIn(8));
         m_keyCheck.Input(1102).m_nValue = OneIn(8) ? 0 : 65;
         m_keyCheck.Input(1103).m_nValue = Random(0, 2);
-        m_keyCheck.Evaluate();
+        Evaluate(m_keyCheck);
     }
 
     void TypeKey() {
@@ -148,7 +164,7 @@ private:
         m_inputText.m_strValue = NAMES[Random(0, 6)];
         m_inputEvent.m_nValue = Random(0, 1);
         m_textClear.m_nValue = OneIn(20);
-        m_textField.Evaluate();
+        Evaluate(m_textField);
         m_inputEvent.m_nValue = 0;
         m_textClear.m_nValue = 0;
     }
@@ -164,9 +180,11 @@ private:
         sample.m_nReleaseTime = static_cast<unsigned>(Random(0, 1000));
         m_handle.Input(802).m_strValue = OneIn(2) ? L"Hand" : L"Nobody";
         m_handle.Input(803).m_nValue = OneIn(20);
-        m_handle.Send(3, 0, OneIn(8) ? nullptr : &sample);
+        Send(m_handle, 3, 0, OneIn(8) ? nullptr : &sample);
     }
 
+    long long m_nEvents = 0;
+    long long m_nEvaluations = 0;
     std::mt19937 m_random{20240229};
     TestApplication m_application;
     TestKeyboard m_keyboardState;
@@ -183,21 +201,24 @@ private:
     VEKParam& m_textClear = m_textField.AddGraphInput(204, 26, 7);
 };
 
-// A step that looks at keys or windows asks the window server; under Wine that's a process of its own, and the question
-// takes far longer than the step.
+// A call that looks at keys or windows asks the window server; under Wine that's a process of its own, and the question
+// takes far longer than the call.
 #ifdef WIN32
-constexpr int STEPS = 100'000;
+constexpr long long CALLS = 100'000;
 #else
-constexpr int STEPS = 1'000'000;
+constexpr long long CALLS = 1'000'000;
 #endif
 
 TEST_F(Soak, EventsAndEvaluationsLeaveTheHeapAsItWas) {
-    Run(1'000);
+    constexpr long long FIRST_CALLS = 1'000;
+    RunUntil(FIRST_CALLS);
     const size_t nBefore = RestingHeap();
-    const long long nEventsBefore = m_host.EventCount();
-    Run(STEPS - 1'000);
+    const long long nFiredBefore = m_host.EventCount();
+    RunUntil(FIRST_CALLS + CALLS);
     EXPECT_EQ(RestingHeap(), nBefore);
-    EXPECT_GT(m_host.EventCount() - nEventsBefore, STEPS / 20) << "the run has to fire";
+    EXPECT_GT(EventsHandedOver(), CALLS / 4);
+    EXPECT_GT(Evaluations(), CALLS / 4);
+    EXPECT_GT(m_host.EventCount() - nFiredBefore, CALLS / 20) << "the run has to fire";
     EXPECT_GT(m_host.LogCount(), m_host.EventCount());
 }
 
