@@ -101,16 +101,15 @@ TEST(CodePageTest, CharactersThatAreMissingBecomeTheDefaultCharacter) {
 
 TEST(CodePageTest, LookAlikesStandForCharactersThatAreMissing) {
     EXPECT_EQ(Bytes(g_nLatin, L"\x0100\x2002\xFF21\xFF1F\x0301"), "A A?\xB4");
-    EXPECT_EQ(Bytes(g_nLatin, L"\x0100\x2002\xFF21\xFF1F\x0301", WC_NO_BEST_FIT_CHARS), "?????");
     EXPECT_EQ(Bytes(g_nLatin, L"\U0001F600"), "??");
 }
 
 TEST(CodePageTest, MarksAreComposedOnRequest) {
     EXPECT_EQ(Bytes(g_nLatin, L"e\x0301x", WC_COMPOSITECHECK), "\xE9x");
-    EXPECT_EQ(Bytes(g_nLatin, L"e\x0301x", WC_NO_BEST_FIT_CHARS), "e?x");
+    EXPECT_EQ(Bytes(g_nLatin, L"e\x0301x"), "e\xB4x");
     EXPECT_EQ(Bytes(g_nGbk, L"a\x030C", WC_COMPOSITECHECK), "\xA8\xA3");
     // What can't be composed stays apart, and so does what the code page has not composed.
-    EXPECT_EQ(Bytes(g_nLatin, L"4\x0301", WC_COMPOSITECHECK | WC_NO_BEST_FIT_CHARS), "4?");
+    EXPECT_EQ(Bytes(g_nLatin, L"4\x0301", WC_COMPOSITECHECK), "4\xB4");
     EXPECT_EQ(Bytes(g_nLatin, L"g\x0301z", WC_COMPOSITECHECK), "g\xB4z");
 }
 

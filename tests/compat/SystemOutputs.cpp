@@ -219,12 +219,23 @@ void PrintProfiles(const std::filesystem::path& folder) {
 
 // ---- Code pages
 
+/// Windows alone takes characters for others in code page 936; what it has of its own there is left out.
+DWORD WithoutGbkLookAlikes(UINT nCodePage, DWORD nFlags) {
+#if defined(_WIN32)
+    return nCodePage == CODE_PAGE_GBK ? nFlags | WC_NO_BEST_FIT_CHARS : nFlags;
+#else
+    static_cast<void>(nCodePage);
+    return nFlags;
+#endif
+}
+
 void PrintBytes(UINT nCodePage, DWORD nFlags, std::wstring_view text, int nRoom = 64) {
     char bytes[64];
     std::memset(bytes, '#', sizeof(bytes));
     SetLastError(0);
-    const int nLength = WideCharToMultiByte(nCodePage, nFlags, text.data(), static_cast<int>(text.size()),
-                                            nRoom == 0 ? nullptr : bytes, nRoom, nullptr, nullptr);
+    const int nLength =
+        WideCharToMultiByte(nCodePage, WithoutGbkLookAlikes(nCodePage, nFlags), text.data(),
+                            static_cast<int>(text.size()), nRoom == 0 ? nullptr : bytes, nRoom, nullptr, nullptr);
     std::printf("bytes %u %X ", nCodePage, static_cast<unsigned>(nFlags));
     Print(text);
     std::printf(" in %d: %d, %u ", nRoom, nLength, nLength == 0 ? static_cast<unsigned>(GetLastError()) : 0);
@@ -238,8 +249,8 @@ void PrintReplaced(UINT nCodePage, DWORD nFlags, const wchar_t* pszText, const c
     std::memset(bytes, '#', sizeof(bytes));
     BOOL bReplaced = -1;
     SetLastError(0);
-    const int nLength = WideCharToMultiByte(nCodePage, nFlags, pszText, -1, nRoom == 0 ? nullptr : bytes, nRoom,
-                                            pszDefault, &bReplaced);
+    const int nLength = WideCharToMultiByte(nCodePage, WithoutGbkLookAlikes(nCodePage, nFlags), pszText, -1,
+                                            nRoom == 0 ? nullptr : bytes, nRoom, pszDefault, &bReplaced);
     const DWORD nError = nLength == 0 ? GetLastError() : 0;
     std::printf("replaced %u %X ", nCodePage, static_cast<unsigned>(nFlags));
     Print(std::wstring_view(pszText));
@@ -282,12 +293,7 @@ void PrintCodePages() {
         if (nCodePage == CP_UTF8) {
             flags = {0};
         } else {
-            flags = {0, WC_COMPOSITECHECK, WC_NO_BEST_FIT_CHARS, WC_NO_BEST_FIT_CHARS | WC_COMPOSITECHECK};
-        }
-        if (nCodePage == CODE_PAGE_GBK) {
-            for (DWORD& nFlags : flags) {
-                nFlags |= WC_NO_BEST_FIT_CHARS; // its look-alikes are Windows' own
-            }
+            flags = {0, WC_COMPOSITECHECK};
         }
         for (const DWORD nFlags : flags) {
             for (const std::wstring_view text : TEXTS) {
@@ -326,8 +332,8 @@ void PrintCodePages() {
             const auto c = static_cast<wchar_t>(nCharacter);
             char bytes[8];
             BOOL bDefault = FALSE;
-            const int nLength = WideCharToMultiByte(nCodePage, nCodePage == CODE_PAGE_GBK ? WC_NO_BEST_FIT_CHARS : 0,
-                                                    &c, 1, bytes, sizeof(bytes), nullptr, &bDefault);
+            const int nLength = WideCharToMultiByte(nCodePage, WithoutGbkLookAlikes(nCodePage, 0), &c, 1, bytes,
+                                                    sizeof(bytes), nullptr, &bDefault);
             if (!bDefault && !IsPrivate(c)) {
                 std::printf("character %u %04X ", nCodePage, nCharacter);
                 Print(std::string_view(bytes, static_cast<size_t>(nLength)));

@@ -54,8 +54,8 @@ public:
 
     bool IsKnown() const { return m_toWide != nullptr && m_fromWide != nullptr; }
 
-    // Bytes of a character; nothing when the code page does not have it, nor a look-alike where those will do.
-    std::optional<std::string> FromWide(wchar_t ch, bool bLookAlikes) const {
+    // Bytes of a character or of its look-alike; nothing when the code page has neither.
+    std::optional<std::string> FromWide(wchar_t ch) const {
         if (static_cast<std::uint32_t>(ch) < 0x80)
             return std::string(1, static_cast<char>(ch));
         if (m_bGbk && ch == g_chEuro)
@@ -70,7 +70,7 @@ public:
         // Windows maps the bytes that its code pages leave undefined to the control characters of the same value.
         if (m_bKeepsControls && ch >= 0x80 && ch < 0xA0 && !ToWide(std::string(1, static_cast<char>(ch)), false))
             return std::string(1, static_cast<char>(ch));
-        return bLookAlikes && m_bLatin ? LookAlike(ch) : std::nullopt;
+        return m_bLatin ? LookAlike(ch) : std::nullopt;
     }
 
     struct SCharacter {
@@ -266,7 +266,7 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
         return FailConversion(ERROR_INVALID_PARAMETER);
     nCodePage = ResolveCodePage(nCodePage);
     const bool bWholeUnicode = nCodePage == CP_UTF8 || nCodePage == g_nGb18030;
-    const DWORD nKnownFlags = bWholeUnicode ? WC_ERR_INVALID_CHARS : WC_COMPOSITECHECK | WC_NO_BEST_FIT_CHARS;
+    const DWORD nKnownFlags = bWholeUnicode ? WC_ERR_INVALID_CHARS : WC_COMPOSITECHECK;
     if ((nFlags & ~nKnownFlags) != 0)
         return FailConversion(ERROR_INVALID_FLAGS);
     const std::wstring_view strWide(pszWide,
@@ -287,7 +287,6 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
         const CCodePage* pCodePage = FindCodePage(nCodePage);
         if (pCodePage == nullptr)
             return FailConversion(ERROR_INVALID_PARAMETER);
-        const bool bLookAlikes = (nFlags & WC_NO_BEST_FIT_CHARS) == 0;
         // One character, which may have two bytes.
         std::string_view strDefault = "?";
         if (pszDefault != nullptr) {
@@ -302,7 +301,7 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
         const auto append = [&](wchar_t ch) {
             if (static_cast<std::uint32_t>(ch) < 0x80)
                 output.Append(static_cast<char>(ch)); // in every code page
-            else if (const auto strBytes = pCodePage->FromWide(ch, bLookAlikes))
+            else if (const auto strBytes = pCodePage->FromWide(ch))
                 output.Append(*strBytes);
             else {
                 useDefault();
@@ -315,7 +314,7 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
             const wchar_t chNext = nPosition + 1 < strWide.size() ? strWide[nPosition + 1] : 0;
             if ((nFlags & WC_COMPOSITECHECK) != 0 && static_cast<std::uint32_t>(chNext) >= g_chFirstMark) {
                 const std::optional<wchar_t> chComposed = Composed(ch, chNext);
-                if (chComposed && pCodePage->FromWide(*chComposed, bLookAlikes)) {
+                if (chComposed && pCodePage->FromWide(*chComposed)) {
                     append(*chComposed);
                     nPosition++; // the mark is done with
                     continue;

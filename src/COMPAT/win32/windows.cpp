@@ -128,7 +128,7 @@ BOOL WINAPI PostMessageW(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
     return TRUE;
 }
 
-BOOL WINAPI PeekMessageW(MSG* pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax, UINT nRemove) {
+BOOL WINAPI PeekMessageW(MSG* pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax, UINT) {
     SWindowSystem& system = System();
     const std::lock_guard lock(system.mutex);
     const auto found = std::find_if(system.queue.begin(), system.queue.end(), [&](const MSG& message) {
@@ -139,8 +139,7 @@ BOOL WINAPI PeekMessageW(MSG* pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax,
     if (found == system.queue.end())
         return FALSE;
     *pMsg = *found;
-    if ((nRemove & PM_REMOVE) != 0)
-        system.queue.erase(found);
+    system.queue.erase(found);
     return TRUE;
 }
 

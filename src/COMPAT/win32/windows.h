@@ -149,7 +149,6 @@ COMPAT_API BOOL WINAPI DestroyIcon(HICON hIcon);
 #define WM_APP 0x8000
 
 #define HWND_MESSAGE ((HWND)-3)
-#define PM_NOREMOVE 0x0000
 #define PM_REMOVE 0x0001
 #define GWLP_USERDATA (-21)
 
@@ -191,7 +190,8 @@ COMPAT_API BOOL WINAPI IsWindowEnabled(HWND hWnd);
 // Queues a message; what the parameters point at stays the affair of sender and receiver. 0 for an unknown window, and
 // when 10000 messages wait. A null window queues a message that no window receives.
 COMPAT_API BOOL WINAPI PostMessageW(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
-// hWnd null: messages of all windows; otherwise of that window only. nFilterMin and nFilterMax both 0: all messages.
+// Takes the first message off the queue. hWnd null: messages of all windows; otherwise of that window only. nFilterMin
+// and nFilterMax both 0: all messages. nRemove must be PM_REMOVE.
 COMPAT_API BOOL WINAPI PeekMessageW(MSG* pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax, UINT nRemove);
 COMPAT_API LRESULT WINAPI DispatchMessageW(const MSG* pMsg);
 
@@ -231,7 +231,6 @@ COMPAT_API UINT WINAPI GetPrivateProfileIntW(LPCWSTR pszSection, LPCWSTR pszKey,
 #define MB_ERR_INVALID_CHARS 0x00000008
 #define WC_ERR_INVALID_CHARS 0x00000080
 #define WC_COMPOSITECHECK 0x00000200
-#define WC_NO_BEST_FIT_CHARS 0x00000400
 
 // The ANSI code page: that of the environment variable COMPAT_ANSI_CODE_PAGE, read once; 1252 when it is missing or
 // names none that is known. Tests change it (compat/testing.h).
@@ -243,9 +242,8 @@ COMPAT_API UINT WINAPI GetACP();
 // ERROR_INVALID_FLAGS, ERROR_NO_UNICODE_TRANSLATION (with WC_ERR_INVALID_CHARS, which the code pages that have all of
 // Unicode take; the other flags are for the others).
 // A character that the code page does not have becomes the default character ('?' when null), and *pbUsedDefault TRUE.
-// Look-alikes (those that WC_NO_BEST_FIT_CHARS excludes) are known for code page 1252 only, and the private-use
-// characters of code page 936 are not mapped. Values that are no characters (surrogates, above 0x10FFFF) become U+FFFD
-// in UTF-8.
+// Look-alikes of characters are known for code page 1252 only, and the private-use characters of code page 936 are not
+// mapped. Values that are no characters (surrogates, above 0x10FFFF) become U+FFFD in UTF-8.
 COMPAT_API int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, int nWideLength,
                                           LPSTR pszBytes, int nBytes, LPCSTR pszDefault, LPBOOL pbUsedDefault);
 // Bytes to wide text, likewise. Bytes that are no character become U+FFFD, or fail with ERROR_NO_UNICODE_TRANSLATION
