@@ -95,6 +95,8 @@ TEST_F(Create, MalformedRequestsAreRefusedByField) {
         {"saved", {{"drop", 2}}, "saved.drop: must be a list"},
         {"saved", {{"drop", {"2"}}}, "saved.drop: must be an integer"},
         {"saved", {{"drop", {77}}}, "saved.drop: the node has no parameter 77"},
+        {"saved", {{"drop", {2, 2}}}, "saved.drop: names parameter 2 twice"},
+        {"saved", {{"drop", {2}}, {"choices", {2}}}, "saved.choices: parameter 2 is dropped"},
         {"saved", {{"available", {{"2", "no"}}}}, "saved.available.2: must be an integer"},
         {"saved", {{"choices", {77}}}, "saved.choices: the node has no parameter 77"},
         {"saved", {{"groups", 0}}, "saved.groups: must be true or false"},
@@ -118,6 +120,20 @@ TEST_F(Create, MalformedRequestsAreRefusedByField) {
     Must(R"({"op":"save","file":)" + Quote(file) + "}");
     EXPECT_EQ(Json::parse(ReadAll(file))["clips"].dump(), R"([{"name":"Intro","objects":[]}])");
     EXPECT_EQ(Must(R"({"op":"scene"})")["nodes"].size(), 1u);
+}
+
+TEST_F(Create, WhatFitsNoNodeIsRefusedBeforeOneIsMade) {
+    // No node of this type is made at all.
+    Json request = Json::parse(CREATE_MOUSE);
+    request["type"] = "{8164BB40-6B6A-4707-88B7-386BCB0D1B09}";
+    request["saved"] = {{"drop", {2}}};
+    EXPECT_EQ(Must(request.dump())["created"], false);
+    request["saved"]["drop"] = {2, 2};
+    EXPECT_EQ(Refusal(request.dump()), "saved.drop: names parameter 2 twice");
+    request["saved"] = {{"drop", {2}}, {"choices", {2}}};
+    EXPECT_EQ(Refusal(request.dump()), "saved.choices: parameter 2 is dropped");
+    request["saved"]["available"] = {{"2", 0}};
+    Must(request.dump());
 }
 
 TEST_F(Create, WithoutOwnerClipTheNodeIgnoresEvents) {

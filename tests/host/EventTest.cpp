@@ -145,6 +145,18 @@ TEST_F(Graph, ProcessMayHandOverANullGraphNode) {
     EXPECT_EQ(Refusal(R"({"op":"process","node":7})"), "node: must be a string");
 }
 
+TEST_F(Graph, AFrameIsOfAllNodes) {
+    Must(CREATE_PROBE);
+    Must(CREATE_SECOND_PROBE);
+    EXPECT_EQ(Must(R"({"op":"process","frame":true})")["results"].dump(), R"({"p":1,"q":1})");
+    EXPECT_EQ(Refusal(R"({"op":"process","frame":true,"node":"p"})"),
+              "node: doesn't go with frame, which evaluates the whole scene");
+    EXPECT_EQ(Refusal(R"({"op":"process","frame":true,"graph":false})"),
+              "graph: doesn't go with frame, which evaluates the whole scene");
+    EXPECT_EQ(Refusal(R"({"op":"process","frame":1})"), "frame: must be true or false");
+    EXPECT_EQ(Must(R"({"op":"process","frame":false,"node":"p"})")["results"].dump(), R"({"p":1})");
+}
+
 TEST_F(Graph, TriggerLastsOneEvaluation) {
     Must(CREATE_PROBE);
     EXPECT_EQ(Ask(R"({"op":"trigger","node":"p","param":14})"), R"({"ok":true})");

@@ -287,6 +287,27 @@ TEST_F(HeldInput, ReleaseOfEveryoneReachesAllConnectionsAndSaysWhose) {
     EXPECT_TRUE(m_pSession->Held().TakeReleasedByOthers().empty());
 }
 
+TEST_F(HeldInput, ARefusedReleaseReleasesNothing) {
+    Key(2002, "a");
+    Keys({65});
+    const struct {
+        const char* pszField;
+        Json value;
+        const char* pszError;
+    } cases[] = {
+        {"reason", 1, "reason: must be a string"},
+        {"device", "0", "device: must be an integer"},
+        {"identity", 0.5, "identity: must be the text of a key or the number of a pointer, hand or virtual key"},
+        {"everyone", 1, "everyone: must be true or false"},
+    };
+    for (const auto& [pszField, value, pszError] : cases) {
+        const OrderedJson reply = m_pSession->Handle({{"op", "release_held"}, {pszField, value}}, &m_held);
+        EXPECT_EQ(reply["error"], pszError);
+        EXPECT_FALSE(reply.contains("log")) << pszField;
+        EXPECT_EQ(State().size(), 2u) << pszField;
+    }
+}
+
 TEST_F(HeldInput, AccountIsBounded) {
     for (size_t i = 0; i < CHeldInput::MOST_HELD; ++i) {
         EXPECT_EQ(Key(2002, std::to_string(i).c_str())["ok"], true);

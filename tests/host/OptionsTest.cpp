@@ -43,6 +43,8 @@ TEST(Options, AllAreRead) {
     EXPECT_EQ(options.sceneFile, "s.json");
     EXPECT_EQ(Parse({"--listen", "[::1]:0"}).listen.strAddress, "::1");
     EXPECT_EQ(Parse({"--listen", "127.0.0.1:1"}).listen.fFps, 60);
+    EXPECT_EQ(Parse({"--listen", "127.0.0.1:1", "--fps", "0.01"}).listen.fFps, 0.01);
+    EXPECT_EQ(Parse({"--listen", "127.0.0.1:1", "--fps", "1000"}).listen.fFps, 1000);
 }
 
 TEST(Options, RecordingsHaveTheirFiles) {
@@ -116,9 +118,12 @@ TEST(Options, WrongOnesAreNamed) {
         {{"--listen", ":8040"}, R"(--listen: ":8040" isn't an address and a port, as in 127.0.0.1:8040)"},
         {{"--listen", "a:65536"}, R"(--listen: "a:65536" isn't an address and a port, as in 127.0.0.1:8040)"},
         {{"--listen", "a:1x"}, R"(--listen: "a:1x" isn't an address and a port, as in 127.0.0.1:8040)"},
-        {{"--listen", "a:1", "--fps", "0"}, R"(--fps: "0" isn't a number above 0 and up to 1000)"},
-        {{"--listen", "a:1", "--fps", "nan"}, R"(--fps: "nan" isn't a number above 0 and up to 1000)"},
-        {{"--listen", "a:1", "--fps", "1001"}, R"(--fps: "1001" isn't a number above 0 and up to 1000)"},
+        {{"--listen", "a:1", "--fps", "0"}, R"(--fps: "0" isn't a number from 0.01 to 1000)"},
+        {{"--listen", "a:1", "--fps", "0.009"}, R"(--fps: "0.009" isn't a number from 0.01 to 1000)"},
+        {{"--listen", "a:1", "--fps", "1e-11"}, R"(--fps: "1e-11" isn't a number from 0.01 to 1000)"},
+        {{"--listen", "a:1", "--fps", "-1"}, R"(--fps: "-1" isn't a number from 0.01 to 1000)"},
+        {{"--listen", "a:1", "--fps", "nan"}, R"(--fps: "nan" isn't a number from 0.01 to 1000)"},
+        {{"--listen", "a:1", "--fps", "1001"}, R"(--fps: "1001" isn't a number from 0.01 to 1000)"},
         {{"--stdio", "--fps", "30"}, "--fps: goes with --listen and --window only"},
         {{"--stdio", "--size", "1x1"}, "--size: goes with --window only"},
         {{"--window", "--size", "100"}, R"(--size: "100" isn't a width and a height, as in 1280x720)"},

@@ -40,6 +40,11 @@ TEST_F(Parameter, SetChangesOneMemberOnly) {
     EXPECT_EQ(Param("inputs", 1)["int"], 1);
 }
 
+TEST_F(Parameter, AChoiceIsSetWhateverTheLabels) {
+    Must(R"({"op":"set","node":"p","param":13,"choice":7})");
+    EXPECT_EQ(Param("inputs", 3)["int"], 7);
+}
+
 TEST_F(Parameter, MalformedValuesAreRefusedByField) {
     const struct {
         const char* pszFields;

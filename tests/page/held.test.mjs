@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import * as is from "./support/page.mjs";
-import { browser, host, page, script, useScene } from "./support/scene.mjs";
+import { browser, endScene, host, page, script, startScene, useScene } from "./support/scene.mjs";
 import { createNode, logIn, must, openSession, postedIn, Type, until } from "./support/session.mjs";
 
 useScene();
@@ -46,6 +46,55 @@ test("the page losing the focus releases keys and buttons at the pointer's last 
   await page.mouse.down();
   await page.fires(is.LEFT_DOWN, 2);
   await page.mouse.up();
+});
+
+test("a minimized window takes the focus from the page, and with it what is held", async () => {
+  await page.moveTo(40, 50);
+  await page.mouse.down();
+  await page.keyboard.down("a");
+  await page.fires(is.KEY_DOWN, 1);
+  const browserSession = await page.page.context().newCDPSession(page.page);
+  // Otherwise the browser tells each page that it has the focus.
+  await browserSession.send("Emulation.setFocusEmulationEnabled", { enabled: false });
+  const { windowId } = await browserSession.send("Browser.getWindowForTarget");
+  await browserSession.send("Browser.setWindowBounds", { windowId, bounds: { windowState: "minimized" } });
+  await until("the loss of the focus", async () => !(await page.page.evaluate(() => document.hasFocus())));
+  await page.fires(is.KEY_UP, 1);
+  await page.fires(is.LEFT_UP, 1);
+  // With the page's focus its surface's goes, too, and that first.
+  await page.logs('synthetic release of the key "a": the surface lost the focus');
+  await page.logs("synthetic release of the left button of pointer 0: the page lost the focus");
+  await page.held("virtual key 65").waitFor({ state: "detached" });
+});
+
+test("a key and a button that went down while the host was away aren't released to the host that came back", async () => {
+  const port = Number(host.address.split(":")[1]);
+  await endScene();
+  await page.page.locator("[data-connection=lost]").waitFor();
+  await page.surface.click({ position: { x: 20, y: 20 } }); // the alert has moved it
+  await page.mouse.down();
+  await page.keyboard.down("a");
+  await startScene({ port });
+  await page.page.locator("[data-connection=open]").waitFor();
+  page.sent.length = 0;
+  await page.keyboard.up("a");
+  await page.mouse.up();
+  await page.keyboard.press("b");
+  await page.mouse.down();
+  await page.mouse.up();
+  await page.fires(is.LEFT_UP, 1);
+  const pressesAndReleases = page.sentEvents().filter(([event]) => [2002, 2003, 3005, 3006].includes(event));
+  assert.deepEqual(
+    pressesAndReleases.map(([event, payload]) => [event, payload.text ?? payload.pointer]),
+    [
+      [2002, "b"],
+      [2003, "b"],
+      [3005, 0],
+      [3006, 0],
+    ],
+  );
+  assert.equal(await page.count(is.KEY_UP), 1);
+  page.problems.length = 0; // the browser tells of each connection that failed
 });
 
 test("a hidden page and a cancelled pointer release what is held", async () => {

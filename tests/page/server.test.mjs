@@ -9,7 +9,7 @@ import { after, before, test } from "node:test";
 import { once } from "node:events";
 import WebSocket from "ws";
 import { runHost, startHost } from "./support/host.mjs";
-import { createScene, openSession, postedIn, until } from "./support/session.mjs";
+import { createScene, logIn, openSession, postedIn, until } from "./support/session.mjs";
 
 let host;
 let script;
@@ -272,6 +272,42 @@ test("an address that is none, and a folder without a page, are told together wi
     assert.match(stderr, /--web/);
   }
   rmSync(folder, { recursive: true });
+});
+
+test("a connection too many is told so, and the host goes on", async () => {
+  const own = await startHost();
+  const client = await createScene(own.address);
+  const [name, ownPort] = own.address.split(":");
+  const ask = async (method, headers = {}) => {
+    const request = http.request({ host: name, port: ownPort, path: "/", method, headers, agent: false });
+    request.end();
+    const [response] = await once(request, "response");
+    const text = (await response.toArray()).join("");
+    return [response.statusCode, response.headers.connection, text];
+  };
+  const sockets = Array.from({ length: 63 }, () => net.connect(Number(ownPort), name));
+  await Promise.all(sockets.map((socket) => once(socket, "connect")));
+  const text = "the page's server has 64 connections, which is its most\n";
+  assert.deepEqual(await ask("GET"), [503, "close", text]);
+  assert.deepEqual(await ask("GET", { host: "evil.example" }), [503, "close", text]);
+  assert.deepEqual(await ask("HEAD"), [503, "close", ""]);
+  const refused = new WebSocket(`ws://${own.address}/session`);
+  const [, response] = await once(refused, "unexpected-response");
+  assert.equal(response.statusCode, 503);
+  response.resume();
+  // Those who say nothing aren't waited for, however many come.
+  const silent = Array.from({ length: 200 }, () => net.connect(Number(ownPort), name).on("error", () => {}).resume());
+  await Promise.all(silent.map((socket) => once(socket, "close")));
+  const lines = () => logIn(client.pushes).filter((line) => line.includes("turned away"));
+  await until("the line in the log", () => lines().length > 0);
+  assert.deepEqual(lines(), [`a connection was turned away: ${text.trimEnd()}`]);
+  assert.equal((await client.request({ op: "scene" })).ok, true);
+
+  sockets.forEach((socket) => socket.destroy());
+  await until("room again", async () => (await ask("GET"))[0] === 200);
+  await client.close();
+  assert.equal(await own.end(), 0);
+  assert.equal(own.output.stderr, "");
 });
 
 test("quit by a client ends the host cleanly", async () => {

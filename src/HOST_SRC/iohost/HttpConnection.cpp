@@ -104,11 +104,12 @@ bool IsObjectText(const Request& request) {
 }
 
 /// Reads the head of one request.
-Awaitable<void> ReadHead(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& parser, error_code& error) {
+Awaitable<void> ReadHead(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& parser,
+                         std::chrono::seconds tLongest, error_code& error) {
     parser.header_limit(LONGEST_HEADER);
     // Only a head is read. No limit at all would refuse every announced length in this version of the library.
     parser.body_limit(std::numeric_limits<std::uint64_t>::max());
-    stream.expires_after(REQUEST_TIME);
+    stream.expires_after(tLongest);
     co_await http::async_read_header(stream, buffer, parser, AwaitInto(error));
     if (!error && !parser.is_done() && !IsObjectText(parser.get())) {
         error = http::error::unexpected_body;
@@ -158,6 +159,18 @@ Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer
     co_return response;
 }
 
+/// Writes a response, or the head of it only.
+Awaitable<void> WriteResponse(TcpStream& stream, Response& response, bool bHeaderOnly, error_code& error) {
+    http::response_serializer<http::string_body> serializer(response);
+    serializer.split(bHeaderOnly);
+    stream.expires_after(REQUEST_TIME);
+    if (bHeaderOnly) {
+        co_await http::async_write_header(stream, serializer, AwaitInto(error));
+    } else {
+        co_await http::async_write(stream, serializer, AwaitInto(error));
+    }
+}
+
 /// Says that nothing follows, and reads on for a moment: a client that is still sending when the connection is closed
 /// would lose the response.
 Awaitable<void> CloseGently(TcpStream& stream) {
@@ -192,7 +205,7 @@ Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
     beast::flat_buffer buffer;
     for (;;) {
         RequestParser parser;
-        co_await ReadHead(stream, buffer, parser, error);
+        co_await ReadHead(stream, buffer, parser, REQUEST_TIME, error);
         if (error && !IsBadRequest(error)) {
             co_return;
         }
@@ -216,17 +229,26 @@ Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
             response = MakeFileResponse(request, site.files);
         }
 
-        http::response_serializer<http::string_body> serializer(*response);
-        serializer.split(bHeaderOnly);
-        stream.expires_after(REQUEST_TIME);
-        if (bHeaderOnly) {
-            co_await http::async_write_header(stream, serializer, AwaitInto(error));
-        } else {
-            co_await http::async_write(stream, serializer, AwaitInto(error));
-        }
+        co_await WriteResponse(stream, *response, bHeaderOnly, error);
         if (error || !response->keep_alive()) {
             co_await CloseGently(stream);
             co_return;
         }
     }
+}
+
+Awaitable<void> TurnAwayHttpConnection(TcpSocket socket, std::string strReason) {
+    TcpStream stream(std::move(socket));
+    beast::flat_buffer buffer;
+    RequestParser parser;
+    error_code error;
+    co_await ReadHead(stream, buffer, parser, GOODBYE_TIME, error);
+    if (error && !IsBadRequest(error)) {
+        co_return;
+    }
+    const Request request = error ? Request() : parser.get();
+    Response response = MakeRefusal(request, http::status::service_unavailable, strReason);
+    response.keep_alive(false);
+    co_await WriteResponse(stream, response, request.method() == http::verb::head, error);
+    co_await CloseGently(stream);
 }

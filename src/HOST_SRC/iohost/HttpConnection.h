@@ -25,3 +25,6 @@ struct SHttpSite {
 
 /// Serves the connection until it ends. The site outlives it.
 Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site);
+
+/// Answers whatever the connection asks for by 503 with this reason, and closes it.
+Awaitable<void> TurnAwayHttpConnection(TcpSocket socket, std::string strReason);

@@ -22,10 +22,11 @@ const char* const HELP_TEXT =
 options
   --app DIR          application folder (default: app beside this program)
   --module FILE      the module (default: beside this program)
-  --texts TABLE      display texts: keys, en or zh (default: en)
+  --texts TABLE      display texts: keys, en or zh (default: en; keys where the application folder has no
+                     Config/Texts/en.json; with --replay the recording's)
   --scene FILE       scene to start with (default: an empty one)
   --record FILE      writes what comes in, with the replies, as a recording; with --stdio, --listen and --window
-  --fps N            evaluations of the graph a second, with --listen and --window (default: 60)
+  --fps N            evaluations of the graph a second, 0.01 to 1000, with --listen and --window (default: 60)
   --size WxH         pixels of the window's inside, with --window (default: 1280x720)
   --web DIR          the page's files, with --listen (default: web beside this program)
   --control ADDR:PORT  takes remote-control records from other hosts, with --listen (default: takes none)
@@ -206,10 +207,11 @@ private:
     }
 
     void ParseFps(const std::string& strValue) {
+        constexpr double LEAST_FPS = 0.01;
         constexpr double MOST_FPS = 1000;
         double fFps = 0;
-        if (!ReadNumber(strValue, fFps) || !(fFps > 0 && fFps <= MOST_FPS)) {
-            Refuse("--fps", Quoted(strValue) + " isn't a number above 0 and up to 1000");
+        if (!ReadNumber(strValue, fFps) || !(fFps >= LEAST_FPS && fFps <= MOST_FPS)) {
+            Refuse("--fps", Quoted(strValue) + " isn't a number from 0.01 to 1000");
         }
         m_options.listen.fFps = fFps;
         m_options.window.fFps = fFps;

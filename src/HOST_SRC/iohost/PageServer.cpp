@@ -24,9 +24,14 @@ using boost::system::error_code;
 namespace {
 
 constexpr size_t MOST_CONNECTIONS = 64;
+constexpr size_t MOST_TURNED_AWAY = 64; ///< at once; those beyond are closed without an answer
 constexpr std::chrono::seconds GOODBYE_TIME{1};
 constexpr std::chrono::milliseconds ACCEPT_PAUSE{100};
 constexpr std::chrono::milliseconds NETWORK_PAUSE{250};
+
+std::string FullText() {
+    return "the page's server has " + std::to_string(MOST_CONNECTIONS) + " connections, which is its most";
+}
 
 /// What a reply or a frame tells of the module's doings.
 constexpr const char* HAPPENED_KEYS[] = {"posted", "log", "notified", "sent", "redrawn"};
@@ -66,7 +71,9 @@ private:
     };
 
     Awaitable<void> AcceptConnections();
+    void Take(TcpSocket socket);
     Awaitable<void> Serve(TcpSocket socket);
+    Awaitable<void> TurnAway(TcpSocket socket);
     void AwaitSignal();
     void Stop();
 
@@ -91,10 +98,12 @@ private:
     SteadyTimer m_acceptTimer{m_context};
     CFrameTimer m_frameTimer;
     CLimitedLine m_frameLine{LOG_ERROR};
+    CLimitedLine m_fullLine{LOG_ERROR};
     std::unique_ptr<const SHttpSite> m_pSite; ///< once it listens
     std::string m_strAddress;
     std::map<const CWebSocketClient*, SClient> m_clients;
     size_t m_nConnections = 0;
+    size_t m_nTurnedAway = 0; ///< that aren't closed yet
     unsigned long long m_nFrame = 0;
     unsigned long long m_nToldSceneVersion = 0;
     unsigned long long m_nToldNetworkVersion = 0;
@@ -150,11 +159,24 @@ Awaitable<void> CPageServer::AcceptConnections() {
             // The system is short of something: a pause leaves it the time to get over that.
             m_acceptTimer.expires_after(ACCEPT_PAUSE);
             co_await m_acceptTimer.async_wait(AwaitInto(error));
-        } else if (m_nConnections < MOST_CONNECTIONS) {
-            ++m_nConnections;
-            Spawn(m_context, "a connection of the page",
-                  [this, socket = std::move(socket)]() mutable { return Serve(std::move(socket)); });
+        } else {
+            Take(std::move(socket));
         }
+    }
+}
+
+void CPageServer::Take(TcpSocket socket) {
+    if (m_nConnections < MOST_CONNECTIONS) {
+        ++m_nConnections;
+        Spawn(m_context, "a connection of the page",
+              [this, socket = std::move(socket)]() mutable { return Serve(std::move(socket)); });
+        return;
+    }
+    m_fullLine.Write("a connection was turned away: " + FullText());
+    if (m_nTurnedAway < MOST_TURNED_AWAY) {
+        ++m_nTurnedAway;
+        Spawn(m_context, "a connection that is turned away",
+              [this, socket = std::move(socket)]() mutable { return TurnAway(std::move(socket)); });
     }
 }
 
@@ -165,6 +187,15 @@ Awaitable<void> CPageServer::Serve(TcpSocket socket) {
         WriteHostLine(LOG_ERROR, "a connection of the page failed: " + CaughtText());
     }
     --m_nConnections;
+}
+
+Awaitable<void> CPageServer::TurnAway(TcpSocket socket) {
+    try {
+        co_await TurnAwayHttpConnection(std::move(socket), FullText());
+    } catch (...) {
+        m_fullLine.Write("a connection couldn't be turned away: " + CaughtText());
+    }
+    --m_nTurnedAway;
 }
 
 void CPageServer::AwaitSignal() {

@@ -195,6 +195,11 @@ OrderedJson Destroy(SRequestContext& context) {
 
 OrderedJson Process(SRequestContext& context) {
     if (context.fields.Bool("frame", false)) {
+        for (const char* pszName : {"node", "graph"}) {
+            if (context.fields.Has(pszName)) {
+                Refuse(pszName, "doesn't go with frame, which evaluates the whole scene");
+            }
+        }
         OrderedJson results = OrderedJson::object();
         EvaluateFrame(context.host, &results);
         OrderedJson reply = {{"results", std::move(results)}};
@@ -261,8 +266,9 @@ OrderedJson ReleaseHeld(SRequestContext& context) {
         }
         filter.identity = *pIdentity;
     }
+    const bool bEveryone = context.fields.Bool("everyone", false);
     OrderedJson released = ReleaseHeldInput(context.host, context.held, *context.pHeld, strReason, filter);
-    if (context.fields.Bool("everyone", false)) {
+    if (bEveryone) {
         for (CHeldInput& other : context.held.Connections()) {
             OrderedJson others = ReleaseHeldInput(context.host, context.held, other, strReason, filter);
             if (!others.empty()) {

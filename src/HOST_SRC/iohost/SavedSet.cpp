@@ -1,5 +1,7 @@
 #include "SavedSet.h"
 
+#include <set>
+
 #include "HostSetup.h"
 #include "ParamSet.h"
 
@@ -68,6 +70,24 @@ void SetValue(VEKParam& param, const Json& value) {
     }
 }
 
+/// Refuses what no node fits, so that none is made in vain.
+void CheckTaken(const SSavedSet& saved) {
+    std::set<unsigned> dropped;
+    for (const unsigned nId : saved.arDrop) {
+        if (!dropped.insert(nId).second) {
+            Refuse("saved.drop", "names parameter " + std::to_string(nId) + " twice");
+        }
+    }
+    for (const auto& [nId, bAvailable] : saved.arAvailable) {
+        dropped.erase(nId); // it's made anew
+    }
+    for (const unsigned nId : saved.arEmptyChoices) {
+        if (dropped.contains(nId)) {
+            Refuse("saved.choices", "parameter " + std::to_string(nId) + " is dropped");
+        }
+    }
+}
+
 } // namespace
 
 SSavedSet ReadSavedSet(const CFields& saved) {
@@ -92,6 +112,7 @@ SSavedSet ReadSavedSet(const CFields& saved) {
     if (const Json* pPins = saved.OptionalArray("pins")) {
         set.pins = ReadPins(*pPins);
     }
+    CheckTaken(set);
     return set;
 }
 

@@ -15,6 +15,8 @@ export class Connection {
   readonly #address: string;
   readonly #listener: ConnectionListener;
   #socket: WebSocket | null = null;
+  /** The host knows this connection: from its greeting on it takes requests. */
+  #greeted = false;
   #failures = 0;
   #nextId = 1;
   #waiting = new Map<number, Resolve>();
@@ -27,7 +29,7 @@ export class Connection {
 
   /** Sends a request whose reply matters only for what happened; false when there is no connection. */
   send(request: object): boolean {
-    if (this.#socket?.readyState !== WebSocket.OPEN) {
+    if (!this.#greeted || this.#socket?.readyState !== WebSocket.OPEN) {
       return false;
     }
     this.#socket.send(JSON.stringify(request));
@@ -57,6 +59,7 @@ export class Connection {
     if ("push" in message) {
       if (message.push === "hello") {
         this.#failures = 0;
+        this.#greeted = true;
       }
       this.#listener.pushed(message);
       return;
@@ -70,6 +73,7 @@ export class Connection {
 
   #lose(): void {
     this.#socket = null;
+    this.#greeted = false;
     const waiting = [...this.#waiting.values()];
     this.#waiting.clear();
     for (const resolve of waiting) {

@@ -196,6 +196,8 @@ export class Host implements ConnectionListener {
   pushed(push: Push): void {
     switch (push.push) {
       case "hello":
+        // What went down while there was no connection was told to nobody, so its end isn't either.
+        this.#forgetHeld();
         this.connection.value = { is: "open", ...push };
         void this.#refresh();
         void this.#readNetwork();

@@ -1,0 +1,123 @@
+import assert from "node:assert/strict";
+import { afterEach, beforeEach, mock, test } from "node:test";
+import { Host } from "../src/host.ts";
+import { HeldKeys } from "../src/input/keys.ts";
+import { Device, EventId } from "../src/protocol.ts";
+
+/** The connections that the host's page opened, the last one at the end. */
+let sockets: StandInSocket[];
+/** Opens the next one, which the page does after a while. */
+let retry: () => void;
+
+class StandInSocket extends EventTarget {
+  static readonly OPEN = 1;
+  readyState = 0;
+  readonly sent: { op: string; event?: number; down?: number[] }[] = [];
+
+  constructor() {
+    super();
+    sockets.push(this);
+  }
+
+  send(text: string): void {
+    this.sent.push(JSON.parse(text));
+  }
+
+  open(): void {
+    this.readyState = StandInSocket.OPEN;
+  }
+
+  greet(): void {
+    const hello = { push: "hello", version: "1.0.0", fps: 60, address: "127.0.0.1:1", connection: sockets.length };
+    this.dispatchEvent(new MessageEvent("message", { data: JSON.stringify(hello) }));
+  }
+
+  lose(): void {
+    this.readyState = 3;
+    this.dispatchEvent(new Event("close"));
+  }
+
+  /** What it sent of keys: the event of a key, or the keyboard's state. */
+  get keys(): unknown[] {
+    return this.sent.filter(({ op }) => op === "event" || op === "keys").map(({ event, down }) => event ?? down);
+  }
+}
+
+const realWebSocket = globalThis.WebSocket;
+
+beforeEach(() => {
+  sockets = [];
+  globalThis.WebSocket = StandInSocket as unknown as typeof WebSocket;
+  mock.method(globalThis, "setTimeout", (action: () => void) => (retry = action));
+});
+afterEach(() => {
+  mock.restoreAll();
+  globalThis.WebSocket = realWebSocket;
+});
+
+/** A page with a keyboard. */
+function openPage() {
+  const host = new Host("ws://127.0.0.1:1/session");
+  const held = new HeldKeys();
+  const keyboard = {};
+  host.holders.add({ holds: () => held.texts.length > 0, forget: () => held.clear() });
+  const a = { key: "a", code: "KeyA", repeat: false };
+  const send = (event: number, text: string) =>
+    host.sendInput({ device: Device.keyboard, event, payload: { is: "key", text } });
+  return {
+    host,
+    press() {
+      const text = held.down(a);
+      if (text !== null) {
+        send(EventId.keyDown, text);
+      }
+      host.keyboard.setDown(keyboard, held.virtualKeys);
+    },
+    release() {
+      held.up(a).forEach((text) => send(EventId.keyUp, text));
+      host.keyboard.setDown(keyboard, held.virtualKeys);
+    },
+  };
+}
+
+function connect(): StandInSocket {
+  const socket = sockets.at(-1)!;
+  socket.open();
+  socket.greet();
+  return socket;
+}
+
+test("a key is told down and up, with the keyboard's state", () => {
+  const page = openPage();
+  const socket = connect();
+  page.press();
+  page.release();
+  assert.deepEqual(socket.keys, [EventId.keyDown, [65], EventId.keyUp, []]);
+});
+
+test("a key that went down while there was no connection is held nowhere, and its up is told to nobody", () => {
+  const page = openPage();
+  connect().lose();
+  page.press();
+  assert.equal(page.host.holders.any, true);
+  retry();
+  assert.equal(sockets.length, 2);
+  const socket = connect();
+  assert.equal(page.host.holders.any, false);
+  page.release();
+  assert.equal(socket.keys.includes(EventId.keyUp), false);
+  page.press();
+  page.release();
+  assert.deepEqual(socket.keys.slice(-4), [EventId.keyDown, [65], EventId.keyUp, []]);
+});
+
+test("nothing is sent before the host's greeting", () => {
+  const page = openPage();
+  const [socket] = sockets;
+  socket!.open();
+  page.press();
+  assert.deepEqual(socket!.sent, []);
+  socket!.greet();
+  page.release();
+  assert.equal(socket!.keys.includes(EventId.keyUp), false);
+});
