@@ -1,6 +1,6 @@
-# Much of a build's time goes into reading the same headers again and again: the test framework's, JSON's, Windows', Asio's.
-# They are read once for each target that has many sources: for the test programs of all builds, and for all of the cross
-# build. The product's own sources include what they use, as the native builds show, which compile them without.
+# Of the cross build most of the time goes into reading the same headers again and again: Windows', Asio's, JSON's. They are
+# read once for each target that has many sources. The sources themselves include what they use, as the native build shows,
+# which has no precompiled headers: its objects come from the cache in another clone too, which they can't with such headers.
 
 function(precompile TARGET)
   target_precompile_headers(${TARGET} PRIVATE ${ARGN})
@@ -11,11 +11,9 @@ function(precompile TARGET)
   endif()
 endfunction()
 
-if(CMAKE_CROSSCOMPILING)
-  precompile(QORIOProcessx <afxwin.h> <afxtempl.h> <algorithm> <string> <vector>)
-  precompile(iohost_core <afxwin.h> <afxtempl.h> <boost/asio.hpp> <boost/beast/core.hpp> <nlohmann/json.hpp>
-    <algorithm> <filesystem> <functional> <iostream> <map> <memory> <string> <vector>)
-endif()
+precompile(QORIOProcessx <afxwin.h> <afxtempl.h> <algorithm> <string> <vector>)
+precompile(iohost_core <afxwin.h> <afxtempl.h> <boost/asio.hpp> <boost/beast/core.hpp> <nlohmann/json.hpp>
+  <algorithm> <filesystem> <functional> <iostream> <map> <memory> <string> <vector>)
 if(BUILD_TESTING)
   precompile(compat_tests <gtest/gtest.h> <afxwin.h> <afxtempl.h> <string> <vector>)
   precompile(module_tests <gtest/gtest.h> <afxwin.h> <afxtempl.h> <functional> <map> <string> <vector>)
