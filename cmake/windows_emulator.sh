@@ -11,7 +11,7 @@ export LC_ALL=C.UTF-8
 # No offer to download what the programs here don't use, no entries in the desktop's menus.
 export WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe="
 
-# Several programs may start at once; one of them starts Wine. It outlives the program by ten minutes, longer than the gaps
+# Several programs may start at once; one of them starts Wine. It outlives the program by three minutes, longer than the gaps
 # between tests, since its services take seconds to start. So does its desktop at first: a program that wants a window waits
 # for it for some seconds only. It would also keep the output of the program that starts it open. So a program that does
 # nothing starts it before each. Twice: the first one may find the desktop that another program's end is closing.
@@ -19,7 +19,7 @@ mkdir -p "$WINEPREFIX"
 (
   start_desktop() { wine taskkill /im none.exe 9>&- || true; }
   flock 9
-  if wineserver -p600 9>&-; then # fails where it runs already
+  if wineserver -p180 9>&-; then # fails where it runs already
     [ -e "$WINEPREFIX/ready" ] || wine wineboot --init 9>&-
     touch "$WINEPREFIX/ready"
     start_desktop
