@@ -100,7 +100,8 @@ protected:
 /// nothing to do or to tell there; a node overrides what it needs. What is handed over or answered by pointer stays its
 /// owner's, and a node keeps none of it beyond the call but the graph node. A node's operations raise nothing but the
 /// framework's invalid-argument exception, for what breaks this contract; a call that fails for want of memory answers
-/// as one that did nothing, and can be made again.
+/// as one that did nothing, and can be made again. Only a record to send for which there is no memory raises a
+/// std::bad_alloc.
 class VEKCOMMON_API VEKProperty : public BaseStruct, public SParamGrpPosAdjust {
 public:
     VEKProperty();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <new>
 
 #include "host/NodeSupport.h"
 #include "host/NodeTables.h"
@@ -95,6 +96,16 @@ POSITION FindPosition(const VEKParamGroup& group, unsigned nId) {
     return pParam != nullptr ? group.m_lstParam.Find(pParam) : nullptr;
 }
 
+/// There was no memory for a record.
+class NoRecord : public std::bad_alloc {};
+
+std::unique_ptr<CQORPanelRemoteCtrlData> MakeRecord() try {
+    return std::make_unique<CQORPanelRemoteCtrlData>();
+} catch (...) {
+    RejectFailure();
+    throw NoRecord();
+}
+
 CParamLayout s_layout;
 
 } // namespace
@@ -129,10 +140,7 @@ void CNetParameterSendIOProcess::InitParam() try {
     }
     VEKParam* pToDev = find(INPUT_TO_DEV);
     if (nVersion < VERSION_WITH_HIDDEN_DEVICE && pToDev != nullptr) {
-        OfferDeviceInputs(*this, DEVICE_INPUTS, pToDev->m_nValue);
-        if (pToDev->m_nValue == 0) {
-            ForgetDevice();
-        }
+        OfferDeviceInputs(*this, DEVICE_INPUTS, pToDev->m_nValue, {&m_strDevID, &m_strDevName});
     }
     if (nVersion < VERSION_WITH_TO_DEV_FIRST && pToDev != nullptr && pVersion != nullptr) {
         const POSITION posBefore = lstParam.Find(pToDev);
@@ -171,6 +179,8 @@ int CNetParameterSendIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
         SendToAll(*pGraphNode);
     }
     return 1;
+} catch (const NoRecord&) {
+    throw;
 } catch (...) {
     return RejectFailure();
 }
@@ -192,9 +202,7 @@ void CNetParameterSendIOProcess::ReadInputs(SGraphNode& graphNode) {
     };
     readText(INPUT_DEV_ID, m_strDevID);
     readText(INPUT_DEV_NAME, m_strDevName);
-    if (FollowToDev(*this, graphNode, DEVICE_INPUTS, m_bToDev) && m_bToDev == 0) {
-        ForgetDevice();
-    }
+    FollowToDev(*this, graphNode, DEVICE_INPUTS, m_bToDev, {&m_strDevID, &m_strDevName});
     readText(INPUT_CLIP_NAME, m_strClipName);
     readText(INPUT_GROUP_NAME, m_strGroupName);
     readText(INPUT_KEY_NAME, m_strKeyName);
@@ -232,7 +240,7 @@ void CNetParameterSendIOProcess::Send(const SQORNetPlayCtrlDev* pDevice) const {
     if (pDevice == nullptr) {
         return;
     }
-    auto pRecord = std::make_unique<CQORPanelRemoteCtrlData>();
+    auto pRecord = MakeRecord();
     pRecord->m_strDevID = QORIntToStr(pDevice->m_nId);
     pRecord->m_strDevName = pDevice->m_strName;
     pRecord->m_strClipName = m_strClipName;
@@ -248,11 +256,6 @@ void CNetParameterSendIOProcess::Send(const SQORNetPlayCtrlDev* pDevice) const {
     protocol.m_pAttachedData = pRecord.release();
     protocol.m_pClip = m_pOwnerClip;
     pDevice->m_pSocket->SendInfo(&protocol);
-}
-
-void CNetParameterSendIOProcess::ForgetDevice() {
-    m_strDevID.Empty();
-    m_strDevName.Empty();
 }
 
 CVEKXml* CNetParameterSendIOProcess::GetXmlReader() {

@@ -9,6 +9,7 @@ public:
     ~CNetParameterSendIOProcess() override;
 
     void InitParam() override;
+    /// Raises a std::bad_alloc when there is no memory for a record; those before it have been sent.
     int ProcessNode(SGraphNode* pGraphNode) override;
     int DevIOEventOccurred(const SIOEventRecord* pRecord) override;
 
@@ -25,7 +26,6 @@ private:
     void SendToAll(const SGraphNode& graphNode) const;
     void SendToOne(const SGraphNode& graphNode, const CString& strDevID) const;
     void Send(const SQORNetPlayCtrlDev* pDevice) const;
-    void ForgetDevice();
 
     // The inputs as last read by ProcessNode.
     CString m_strDevID;

@@ -20,7 +20,12 @@ void RedrawPanel(const VEKProperty& node, SGraphNode& graphNode) {
 
 } // namespace
 
-void OfferDeviceInputs(VEKProperty& node, const DeviceInputs& inputs, int bToDev) {
+void OfferDeviceInputs(VEKProperty& node, const DeviceInputs& inputs, int bToDev, DeviceTexts texts) {
+    if (bToDev == 0) {
+        for (CString* pText : texts) {
+            pText->Empty();
+        }
+    }
     for (const unsigned nId : {inputs.nDevID, inputs.nDevName}) {
         if (VEKParam* pParam = FindParam(node.m_lstParamGroup, MakeParamGuid(nId))) {
             pParam->m_bAvailable = bToDev;
@@ -31,18 +36,17 @@ void OfferDeviceInputs(VEKProperty& node, const DeviceInputs& inputs, int bToDev
     }
 }
 
-bool FollowToDev(VEKProperty& node, SGraphNode& graphNode, const DeviceInputs& inputs, int& bToDev) {
+void FollowToDev(VEKProperty& node, SGraphNode& graphNode, const DeviceInputs& inputs, int& bToDev, DeviceTexts texts) {
     const VEKParam* pToDev = FindInput(node, graphNode, inputs.nToDev);
     if (pToDev == nullptr || pToDev->m_nValue == bToDev) {
-        return false;
+        return;
     }
     const int bBefore = std::exchange(bToDev, pToDev->m_nValue);
-    OfferDeviceInputs(node, inputs, bToDev);
+    OfferDeviceInputs(node, inputs, bToDev, texts);
     try {
         RedrawPanel(node, graphNode);
     } catch (...) {
         bToDev = bBefore;
         throw;
     }
-    return true;
 }
