@@ -1,12 +1,11 @@
 #!/usr/bin/env python3
 """Compare the module's binary interface, as a compiler for the Microsoft C++ ABI lays it out, with expected_abi.py.
 
-    check_msvc_abi.py check MODULE_DIR SOURCE... -- COMPILER...   the records that cross the boundary, the members of nodes,
-                                                                  the virtual tables of the base of all nodes and of the
-                                                                  class in each SOURCE
-    check_msvc_abi.py self-test MODULE_DIR -- COMPILER...         whether the checks notice damage done to a copy
+    check_msvc_abi.py check MODULE_DIR -- COMPILER...       the records that cross the boundary, the members of nodes, the
+                                                            virtual tables of all nodes and of their base
+    check_msvc_abi.py self-test MODULE_DIR -- COMPILER...   whether the check notices damage done to a copy
 
-MODULE_DIR holds the module's sources. COMPILER is a clang with its options, without those for what to compile.
+MODULE_DIR holds the module's headers. COMPILER is a clang with its options, without those for what to compile.
 """
 
 import pathlib
@@ -20,7 +19,6 @@ import expected_abi
 
 HERE = pathlib.Path(__file__).resolve().parent
 PRECOMPILED = ["afxwin.h", "afxtempl.h", "algorithm", "string", "vector", "cpprest/json.h"]
-CONTRACT_SOURCE = "nodes/input/KeyboardNode.cpp"  # any node shows the tables of its base too
 
 
 class Mismatch(Exception):
@@ -46,13 +44,8 @@ def with_precompiled_headers(compiler, folder):
     return [*compiler, "-include-pch", f"{headers}.pch"]
 
 
-def compiler_output(compiler, module_dir, source, option):
-    return run_compiler([*compiler, f"-I{module_dir}", "-Xclang", option, "-S", "-o", "/dev/null"], source)
-
-
-def virtual_tables(compiler, module_dir, source):
+def virtual_tables(output):
     """Table's name as the compiler writes it, e.g. 'BaseStruct' in 'VEKProperty' -> operations in order."""
-    output = compiler_output(compiler, module_dir, source, "-fdump-vtable-layouts")
     tables = {}
     for block in output.split("\n\n"):
         heading = re.match(r"VFTable for (.*) \(\d+ entr(?:y|ies)\)\.\n", block)
@@ -63,12 +56,14 @@ def virtual_tables(compiler, module_dir, source):
     return tables
 
 
-def record_layouts(compiler, module_dir):
+def record_layouts(output):
     """Record's name -> (size, {member: offset}); members of bases count, members of members don't."""
-    output = compiler_output(compiler, module_dir, HERE / "records.cpp", "-fdump-record-layouts")
     layouts = {}
     for block in output.split("*** Dumping AST Record Layout\n")[1:]:
+        block, _, size = block.partition("[sizeof=")
         lines = re.findall(r"^ *(\d+) \|( +)(.*)$", block, re.MULTILINE)
+        if not lines:
+            continue  # nothing but bit fields
         name = lines[0][2]
         members = {}
         bases = [1]  # indentations of the record itself and of the bases around the current line
@@ -82,7 +77,7 @@ def record_layouts(compiler, module_dir):
             else:
                 member = text if text.endswith("vftable pointer)") else text.split()[-1]
                 members[member] = int(offset)
-        layouts[name] = (int(re.search(r"sizeof=(\d+)", block)[1]), members)
+        layouts[name] = (int(re.match(r"\d+", size)[0]), members)
     return layouts
 
 
@@ -118,22 +113,7 @@ def check_tables(tables, class_name):
         compare(f"{class_name}, table of {base}", expected_table(table, class_name), tables[name])
 
 
-def check_contract(compiler, module_dir):
-    check_tables(virtual_tables(compiler, module_dir, module_dir / CONTRACT_SOURCE), "P_ExtDevIOProcess")
-
-
-def check_node(compiler, module_dir, source):
-    tables = virtual_tables(compiler, module_dir, source)
-    nodes = [name.split("'")[-2] for name in tables if name.startswith("'BaseStruct' in") and "' in 'C" in name]
-    if len(nodes) != 1:
-        raise Mismatch(f"{source} defines {len(nodes)} node classes instead of one: {nodes}")
-    if nodes[0] not in expected_abi.OVERRIDES:
-        raise Mismatch(f"{nodes[0]} in {source} is not expected")
-    check_tables(tables, nodes[0])
-
-
-def check_records(compiler, module_dir):
-    layouts = record_layouts(compiler, module_dir)
+def check_records(layouts):
     for name, (expected_size, expected_members) in expected_abi.RECORDS.items():
         if name not in layouts:
             raise Mismatch(f"no layout of {name}")
@@ -159,42 +139,31 @@ def replace_text(path, old, new):
 
 
 def self_test(compiler, module_dir):
-    """Each damage, done to a copy of the sources, must be noticed."""
-    def mouse(compiler, copy):
-        check_node(compiler, copy, copy / "nodes/input/MouseNode.cpp")
+    """Each damage, done to a copy of the headers, must be noticed."""
+    def swap(file, first, second):
+        return lambda copy: swap_lines(copy / file, first, second)
+
+    def replace(file, old, new):
+        return lambda copy: replace_text(copy / file, old, new)
 
     damages = {
-        "two operations swapped":
-            (lambda copy: swap_lines(copy / "host/NodeBase.h", "int PlayIn();", "int PlayNext();"), check_contract),
-        "two operations of the second table swapped":
-            (lambda copy: swap_lines(copy / "host/NodeBase.h", "GetXmlReader();", "ShouldReCalHeight();"), mouse),
+        "two operations swapped": swap("host/NodeBase.h", "int PlayIn();", "int PlayNext();"),
+        "two operations of the second table swapped": swap("host/NodeBase.h", "GetXmlReader();", "ShouldReCalHeight();"),
         "two overloads in their order of declaration":
-            (lambda copy: replace_text(copy / "host/NodeBase.h",
-                                       "VEK_OVERLOADS_IN_TABLE_ORDER(virtual void SetSubType(int nSubType);, "
-                                       "virtual void SetSubType(CString strSubType);)",
-                                       "virtual void SetSubType(int nSubType); "
-                                       "virtual void SetSubType(CString strSubType);"), check_contract),
-        "an operation dropped":
-            (lambda copy: replace_text(copy / "host/NodeBase.h", "virtual void PreRender();", "void PreRender();"),
-             check_contract),
-        "a parameter's type changed":
-            (lambda copy: replace_text(copy / "host/NodeBase.h", "SeekEventBegin(int", "SeekEventBegin(unsigned"),
-             check_contract),
-        "an override too many":
-            (lambda copy: replace_text(copy / "nodes/input/MouseNode.h", "int ProcessNode(SGraphNode* pGraphNode)",
-                                       "int PlayIn() override; int ProcessNode(SGraphNode* pGraphNode)"), mouse),
-        "two members swapped":
-            (lambda copy: swap_lines(copy / "host/PluginContract.h", "CString strName;", "HICON hIcon"),
-             check_records),
-        "two members of a node swapped":
-            (lambda copy: swap_lines(copy / "nodes/input/MouseNode.h", "int m_bButtonRight", "int m_bButtonMiddle"),
-             check_records),
-        "a member widened":
-            (lambda copy: replace_text(copy / "host/EventRecord.h", "int m_nEvent;", "long long m_nEvent;"),
-             check_records),
+            replace("host/NodeBase.h",
+                    "VEK_OVERLOADS_IN_TABLE_ORDER(virtual void SetSubType(int nSubType);, "
+                    "virtual void SetSubType(CString strSubType);)",
+                    "virtual void SetSubType(int nSubType); virtual void SetSubType(CString strSubType);"),
+        "an operation dropped": replace("host/NodeBase.h", "virtual void PreRender();", "void PreRender();"),
+        "a parameter's type changed": replace("host/NodeBase.h", "SeekEventBegin(int", "SeekEventBegin(unsigned"),
+        "an override too many": replace("nodes/input/MouseNode.h", "int ProcessNode(SGraphNode* pGraphNode)",
+                                        "int PlayIn() override; int ProcessNode(SGraphNode* pGraphNode)"),
+        "two members swapped": swap("host/PluginContract.h", "CString strName;", "HICON hIcon"),
+        "two members of a node swapped": swap("nodes/input/MouseNode.h", "int m_bButtonRight", "int m_bButtonMiddle"),
+        "a member widened": replace("host/EventRecord.h", "int m_nEvent;", "long long m_nEvent;"),
     }
     unnoticed = []
-    for name, (damage, check) in damages.items():
+    for name, damage in damages.items():
         with tempfile.TemporaryDirectory() as folder:
             copy = pathlib.Path(folder) / "module"
             shutil.copytree(module_dir, copy)
@@ -208,24 +177,23 @@ def self_test(compiler, module_dir):
         raise Mismatch("not noticed: " + ", ".join(unnoticed))
 
 
-def check_all(compiler, module_dir, sources):
-    check_records(compiler, module_dir)
-    check_contract(compiler, module_dir)
-    for source in sources:
-        check_node(compiler, module_dir, module_dir / source)
+def check(compiler, module_dir):
+    options = [f"-I{module_dir}", "-Xclang", "-fdump-record-layouts", "-Xclang", "-fdump-vtable-layouts", "-S", "-o", "/dev/null"]
+    output = run_compiler([*compiler, *options], HERE / "interface.cpp")
+    check_records(record_layouts(output))
+    tables = virtual_tables(output)
+    for class_name in expected_abi.OVERRIDES:
+        check_tables(tables, class_name)
 
 
 def main():
-    what, module_dir, *sources = sys.argv[1 : sys.argv.index("--")]
-    compiler = sys.argv[sys.argv.index("--") + 1 :]
+    what, module_dir, separator, *compiler = sys.argv[1:]
+    assert separator == "--"
     module_dir = pathlib.Path(module_dir).resolve()
     try:
         with tempfile.TemporaryDirectory() as folder:
             compiler = with_precompiled_headers(compiler, pathlib.Path(folder))
-            if what == "self-test":
-                self_test(compiler, module_dir)
-            else:
-                check_all(compiler, module_dir, sources)
+            {"check": check, "self-test": self_test}[what](compiler, module_dir)
     except (Mismatch, CompileError) as error:
         sys.exit(str(error))
 

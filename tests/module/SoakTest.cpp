@@ -204,7 +204,7 @@ private:
 // A call that looks at keys or windows asks the window server; under Wine that's a process of its own, and the question
 // takes far longer than the call.
 #ifdef WIN32
-constexpr long long CALLS = 100'000;
+constexpr long long CALLS = 20'000;
 #else
 constexpr long long CALLS = 1'000'000;
 #endif

@@ -1,5 +1,5 @@
-// The records that cross the boundary between host and module, and the nodes; compiled only for the layouts that the
-// compiler prints.
+// The records that cross the boundary between host and module, and the nodes; compiled only for the layouts and the
+// virtual tables that the compiler prints.
 
 #include "host/HostNetwork.h"
 #include "host/PluginContract.h"
@@ -26,7 +26,17 @@ struct SSizes {
 static_assert(SSizes<CString, CStringArray, CArray<SIOProcessNodeInfo>, SIOProcessNodeInfo, SIOProcessPluginData,
                      SIOProcessNodeRef, SIOEventRecord, SKeyEventData, SDeviceTextData, SObjectTextData, SQORMouseData,
                      SVRPluginData, SBroadcastItem, CQORPanelRemoteCtrlData>::TOTAL > 0);
-static_assert(SSizes<P_ExtDevIOProcess, CKeyboardIOProcess, CKeyCheckProcess, CTextFieldInputProcess, CMouseIOProcess,
-                     CGestureIOProcess, CVRHandleIOProcess, CNetParameterSendIOProcess, CNetParameterReceiveIOProcess,
-                     CBroadcastIOProcess, CBroadcastRevIOProcess, CStringDataSendIOProcess, CDevJsonReceive,
-                     CObjJsonReceive>::TOTAL > 0);
+
+// And makes the virtual tables of what is constructed, and of its bases: whatever a class's own constructor is, this one
+// is here.
+template <typename Node>
+class CDerived : public Node {};
+
+template <typename... Nodes>
+void Construct() {
+    (CDerived<Nodes>(), ...);
+}
+template void Construct<P_ExtDevIOProcess, CKeyboardIOProcess, CKeyCheckProcess, CTextFieldInputProcess,
+                        CMouseIOProcess, CGestureIOProcess, CVRHandleIOProcess, CNetParameterSendIOProcess,
+                        CNetParameterReceiveIOProcess, CBroadcastIOProcess, CBroadcastRevIOProcess,
+                        CStringDataSendIOProcess, CDevJsonReceive, CObjJsonReceive>();
