@@ -27,8 +27,8 @@ static_assert(SSizes<CString, CStringArray, CArray<SIOProcessNodeInfo>, SIOProce
                      SIOProcessNodeRef, SIOEventRecord, SKeyEventData, SDeviceTextData, SObjectTextData, SQORMouseData,
                      SVRPluginData, SBroadcastItem, CQORPanelRemoteCtrlData>::TOTAL > 0);
 
-// And makes the virtual tables of what is constructed, and of its bases: whatever a class's own constructor is, this one
-// is here.
+// And makes the virtual tables of what is constructed, and of its bases: whatever a class's own constructor is, this
+// one is here.
 template <typename Node>
 class CDerived : public Node {};
 
@@ -36,7 +36,7 @@ template <typename... Nodes>
 void Construct() {
     (CDerived<Nodes>(), ...);
 }
-template void Construct<P_ExtDevIOProcess, CKeyboardIOProcess, CKeyCheckProcess, CTextFieldInputProcess,
-                        CMouseIOProcess, CGestureIOProcess, CVRHandleIOProcess, CNetParameterSendIOProcess,
-                        CNetParameterReceiveIOProcess, CBroadcastIOProcess, CBroadcastRevIOProcess,
-                        CStringDataSendIOProcess, CDevJsonReceive, CObjJsonReceive>();
+template void
+Construct<P_ExtDevIOProcess, CKeyboardIOProcess, CKeyCheckProcess, CTextFieldInputProcess, CMouseIOProcess,
+          CGestureIOProcess, CVRHandleIOProcess, CNetParameterSendIOProcess, CNetParameterReceiveIOProcess,
+          CBroadcastIOProcess, CBroadcastRevIOProcess, CStringDataSendIOProcess, CDevJsonReceive, CObjJsonReceive>();
