@@ -27,7 +27,7 @@ before(async () => {
   demo.stderr.on("data", (data) => (printed += data));
   await until("the page's address", () => /page at http/.test(printed));
   browser = await startBrowser();
-  page = await (await browser.newContext({ viewport: { width: 1280, height: 800 } })).newPage();
+  page = await browser.contexts()[0].newPage();
   await page.goto(/page at (http:\S+)/.exec(printed)[1]);
   await page.locator("article[data-node=broadcast_receive]").waitFor();
   surface = page.locator("[data-surface]");

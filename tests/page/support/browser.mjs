@@ -4,8 +4,9 @@ import { chromium } from "playwright-core";
 // Drawing in space by the processor alone takes a lot of it, also for the rest of the page.
 const DRAWING_IN_SPACE = ["--use-angle=swiftshader", "--enable-unsafe-swiftshader"];
 
-export function startBrowser({ space = false } = {}) {
-  return chromium.launch({
+/** Pages of its first context are tabs of one window; where they draw in space it's a small one. */
+export async function startBrowser({ space = false } = {}) {
+  const browser = await chromium.launch({
     executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium-headless-shell",
     args: [
       "--no-sandbox",
@@ -17,4 +18,6 @@ export function startBrowser({ space = false } = {}) {
       "--disable-sync",
     ],
   });
+  await browser.newContext({ viewport: space ? { width: 1024, height: 560 } : { width: 1280, height: 800 } });
+  return browser;
 }

@@ -49,7 +49,7 @@ export const ENABLE = 2;
  * Scripts run before those of the page. All pages are tabs of one window: each host's address is an origin of its own.
  */
 export async function openPage(browser, host, { panel = "log", scripts = [] } = {}) {
-  const context = browser.contexts()[0] ?? (await browser.newContext({ viewport: { width: 1280, height: 800 } }));
+  const [context] = browser.contexts();
   const page = await context.newPage();
   for (const script of scripts) {
     await page.addInitScript(script);
