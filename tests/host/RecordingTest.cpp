@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "NetworkPeers.h"
+#include "Peers.h"
 #include "Replay.h"
 
 namespace {

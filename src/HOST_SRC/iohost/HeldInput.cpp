@@ -16,7 +16,7 @@ struct HeldKind {
     const char* pszWhat;
 };
 
-constexpr HeldKind KINDS[] = {
+constexpr HeldKind HELD_KINDS[] = {
     {DEVICE_KEYBOARD, EVENT_KEY_DOWN, EVENT_KEY_UP, nullptr, "key"},
     {DEVICE_POINTER, EVENT_LEFT_DOWN, EVENT_LEFT_UP, nullptr, "left button of pointer"},
     {DEVICE_POINTER, EVENT_MIDDLE_DOWN, EVENT_MIDDLE_UP, nullptr, "middle button of pointer"},
@@ -25,7 +25,7 @@ constexpr HeldKind KINDS[] = {
     {DEVICE_VR_HANDLE, 0, 0, "pad", "touch-pad of hand"},
     {DEVICE_KEYBOARD, 0, 0, nullptr, "virtual key"},
 };
-constexpr size_t VIRTUAL_KEY = std::size(KINDS) - 1;
+constexpr size_t VIRTUAL_KEY = std::size(HELD_KINDS) - 1;
 
 /// The field by which one key, pointer or hand of a device is told from another.
 const char* IdentityField(int nDevice) {
@@ -95,14 +95,14 @@ bool CHeldInput::Follow(std::vector<SHeld>& arHeld, const CFields& request) {
 
     if (nDevice != DEVICE_KEYBOARD && payload.is_object()) {
         for (SHeld& held : arHeld) {
-            if (KINDS[held.nKind].nDevice == nDevice && held.identity == identity) {
+            if (HELD_KINDS[held.nKind].nDevice == nDevice && held.identity == identity) {
                 held.payload = payload;
             }
         }
     }
     bool bChanged = false;
-    for (size_t nKind = 0; nKind < std::size(KINDS); ++nKind) {
-        const HeldKind& kind = KINDS[nKind];
+    for (size_t nKind = 0; nKind < std::size(HELD_KINDS); ++nKind) {
+        const HeldKind& kind = HELD_KINDS[nKind];
         const std::optional<bool> bDown = kind.nDevice == nDevice ? GoesDown(kind, nEvent, payload) : std::nullopt;
         if (!bDown) {
             continue;
@@ -148,7 +148,7 @@ bool CHeldInput::HasRoomFor(const CFields& request) const {
     const auto count = [](const std::vector<SHeld>& arHeld) {
         return std::ranges::count_if(arHeld, [](const SHeld& held) { return held.nKind != VIRTUAL_KEY; });
     };
-    if (m_arHeld.size() + std::size(KINDS) < MOST_HELD) {
+    if (m_arHeld.size() + std::size(HELD_KINDS) < MOST_HELD) {
         return true;
     }
     std::vector<SHeld> arAfterwards = m_arHeld;
@@ -159,7 +159,7 @@ bool CHeldInput::HasRoomFor(const CFields& request) const {
 std::vector<SRelease> CHeldInput::TakeReleases(const SHeldFilter& filter) {
     std::vector<SHeld> arTaken;
     std::erase_if(m_arHeld, [&](const SHeld& held) {
-        const bool bTaken = (!filter.nDevice || *filter.nDevice == KINDS[held.nKind].nDevice) &&
+        const bool bTaken = (!filter.nDevice || *filter.nDevice == HELD_KINDS[held.nKind].nDevice) &&
                             (filter.identity.is_null() || filter.identity == held.identity);
         if (bTaken) {
             arTaken.push_back(held);
@@ -171,7 +171,7 @@ std::vector<SRelease> CHeldInput::TakeReleases(const SHeldFilter& filter) {
     std::vector<SRelease> releases;
     for (size_t i = 0; i < arTaken.size(); ++i) {
         SHeld& held = arTaken[i];
-        const HeldKind& kind = KINDS[held.nKind];
+        const HeldKind& kind = HELD_KINDS[held.nKind];
         SRelease release{nullptr, std::nullopt, Describe(kind, held.identity)};
         if (held.nKind == VIRTUAL_KEY) {
             m_keys.reset(held.identity.get<size_t>());
@@ -180,7 +180,7 @@ std::vector<SRelease> CHeldInput::TakeReleases(const SHeldFilter& filter) {
             if (kind.pszField != nullptr) {
                 // A hand's sample says how all its parts are: those let go already stay so in the next one.
                 for (size_t n = i; n < arTaken.size(); ++n) {
-                    if (KINDS[arTaken[n].nKind].nDevice == kind.nDevice && arTaken[n].identity == held.identity) {
+                    if (HELD_KINDS[arTaken[n].nKind].nDevice == kind.nDevice && arTaken[n].identity == held.identity) {
                         LetGo(arTaken[n].payload, kind.pszField, AgeMs(held.tDown));
                     }
                 }
@@ -199,8 +199,8 @@ std::vector<SRelease> CHeldInput::TakeReleases(const SHeldFilter& filter) {
 void CHeldInput::AppendState(OrderedJson& list) const {
     for (const SHeld& held : m_arHeld) {
         list.push_back({{"connection", m_nConnection},
-                        {"device", KINDS[held.nKind].nDevice},
-                        {"what", KINDS[held.nKind].pszWhat},
+                        {"device", HELD_KINDS[held.nKind].nDevice},
+                        {"what", HELD_KINDS[held.nKind].pszWhat},
                         {"identity", held.identity},
                         {"ms", AgeMs(held.tDown)}});
     }

@@ -12,6 +12,7 @@
 #include "BroadcastReceiver.h"
 #include "ControlListener.h"
 #include "DeviceLink.h"
+#include "ItemObserver.h"
 
 class CHost;
 
@@ -20,18 +21,6 @@ struct SListenSetup {
     std::optional<std::string> address;      ///< numeric; none: broadcasts from anywhere, records from this machine
     std::optional<unsigned short> broadcast; ///< UDP port
     std::optional<unsigned short> control;   ///< TCP port, 0: any
-};
-
-/// Hears of each item that came from the network and is handed to the nodes.
-class IItemObserver {
-public:
-    virtual void OnItemComes() = 0;
-
-    /// {"from","device","event","payload","results"}
-    virtual void OnItemHandled(const OrderedJson& item) = 0;
-
-protected:
-    ~IItemObserver() = default;
 };
 
 class CPeers final : private IPeerHost {

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "Peers.h"
 #include "Requests.h"
 #include "SceneFile.h"
 #include "TextTables.h"

@@ -8,9 +8,9 @@
 #include "Fields.h"
 #include "HeldInput.h"
 #include "Host.h"
+#include "ItemObserver.h"
 #include "ObjectChanges.h"
 #include "OutputChanges.h"
-#include "Peers.h"
 #include "Recorder.h"
 
 class CSession final : private IItemObserver {
