@@ -58,6 +58,10 @@ private:
 /// Whether arrays that are asked for without exceptions aren't had.
 bool s_bNoArrays = false;
 
+/// An object of this size isn't had.
+constexpr std::size_t NO_SIZE = SIZE_MAX;
+std::size_t s_nRefusedSize = NO_SIZE;
+
 template <typename Function>
 Function* Next(const char* pszName) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, pszName));
@@ -67,7 +71,7 @@ Function* Next(const char* pszName) {
 
 void* operator new(std::size_t nBytes) {
     static const auto s_pNext = Next<void*(std::size_t)>("_Znwm");
-    if (FailingMemory::Fails()) {
+    if (nBytes == s_nRefusedSize || FailingMemory::Fails()) {
         throw std::bad_alloc();
     }
     return s_pNext(nBytes);
@@ -650,6 +654,21 @@ TEST_F(OperationWithoutMemory, ProcessNodeOfNetworkNodes) {
         EXPECT_EQ(pScene->Evaluate(), 1);
         EXPECT_FALSE(memory.HasFailed()) << "what these read needs no memory";
     }
+}
+
+TEST_F(OperationWithoutMemory, ARecordToSendThatCannotBeHadIsRaised) {
+    m_devices.Add(5, L"Five", ParserKind::Direct);
+    m_devices.Publish();
+    NodeScene netSend(m_host, TYPE_NET_PARAMETER_SEND);
+    netSend.AddGraphInput(410, 26, 7).m_nValue = 1;
+    netSend.Input(402).m_strValue = L"5";
+    s_nRefusedSize = sizeof(CQORPanelRemoteCtrlData);
+    EXPECT_THROW(netSend.Evaluate(), std::bad_alloc);
+    s_nRefusedSize = NO_SIZE;
+    EXPECT_NE(Logged().find("触发事件"), std::string::npos);
+    EXPECT_TRUE(m_devices.TakeSent().empty());
+    EXPECT_EQ(netSend.Evaluate(), 1);
+    EXPECT_EQ(m_devices.TakeSent().size(), 1u);
 }
 
 TEST_F(OperationWithoutMemory, RedrawOfAPanel) {

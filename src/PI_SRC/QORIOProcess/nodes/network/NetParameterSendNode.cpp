@@ -101,8 +101,10 @@ class NoRecord : public std::bad_alloc {};
 
 std::unique_ptr<CQORPanelRemoteCtrlData> MakeRecord() try {
     return std::make_unique<CQORPanelRemoteCtrlData>();
-} catch (...) {
-    RejectFailure();
+} catch (const std::bad_alloc&) {
+    throw NoRecord();
+} catch (CMemoryException* pException) {
+    pException->Delete();
     throw NoRecord();
 }
 
