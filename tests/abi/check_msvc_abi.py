@@ -4,8 +4,9 @@
     check_msvc_abi.py check MODULE_DIR -- COMPILER...       the records that cross the boundary, the members of nodes, the
                                                             virtual tables of all nodes and of their base
     check_msvc_abi.py self-test MODULE_DIR -- COMPILER...   whether the check notices damage done to a copy
+    check_msvc_abi.py sources MODULE_DIR -- COMPILER...     whether the nodes' sources compile
 
-MODULE_DIR holds the module's headers. COMPILER is a clang with its options, without those for what to compile.
+MODULE_DIR holds the module's sources. COMPILER is a clang with its options, without those for what to compile.
 """
 
 import pathlib
@@ -47,12 +48,10 @@ def with_precompiled_headers(compiler, folder):
 def virtual_tables(output):
     """Table's name as the compiler writes it, e.g. 'BaseStruct' in 'VEKProperty' -> operations in order."""
     tables = {}
-    for block in output.split("\n\n"):
-        heading = re.match(r"VFTable for (.*) \(\d+ entr(?:y|ies)\)\.\n", block)
-        if heading:
-            entries = re.findall(r"^ *\d+ \| (.*)$", block, re.MULTILINE)
-            # The entry before the first operation is the type information.
-            tables[heading[1]] = [entry.removesuffix(" [scalar deleting]") for entry in entries[1:]]
+    for table in re.finditer(r"^VFTable for (.*) \(\d+ entr(?:y|ies)\)\.\n((?:.+\n)*)", output, re.MULTILINE):
+        entries = re.findall(r"^ *\d+ \| (.*)$", table[2], re.MULTILINE)
+        # The entry before the first operation is the type information.
+        tables[table[1]] = [entry.removesuffix(" [scalar deleting]") for entry in entries[1:]]
     return tables
 
 
@@ -62,8 +61,6 @@ def record_layouts(output):
     for block in output.split("*** Dumping AST Record Layout\n")[1:]:
         block, _, size = block.partition("[sizeof=")
         lines = re.findall(r"^ *(\d+) \|( +)(.*)$", block, re.MULTILINE)
-        if not lines:
-            continue  # nothing but bit fields
         name = lines[0][2]
         members = {}
         bases = [1]  # indentations of the record itself and of the bases around the current line
@@ -146,38 +143,62 @@ def self_test(compiler, module_dir):
     def replace(file, old, new):
         return lambda copy: replace_text(copy / file, old, new)
 
+    def swap(file, first, second):
+        return lambda copy: swap_lines(copy / file, first, second)
+
+    def replace(file, old, new):
+        return lambda copy: replace_text(copy / file, old, new)
+
+    # What each damage is, and what is found in place of something else.
     damages = {
-        "two operations swapped": swap("host/NodeBase.h", "int PlayIn();", "int PlayNext();"),
-        "two operations of the second table swapped": swap("host/NodeBase.h", "GetXmlReader();", "ShouldReCalHeight();"),
+        "two operations swapped": (swap("host/NodeBase.h", "int PlayIn();", "int PlayNext();"), "PlayNext()"),
+        "two operations of the second table swapped":
+            (swap("host/NodeBase.h", "GetXmlReader();", "ShouldReCalHeight();"), "ShouldReCalHeight()"),
         "two overloads in their order of declaration":
-            replace("host/NodeBase.h",
-                    "VEK_OVERLOADS_IN_TABLE_ORDER(virtual void SetSubType(int nSubType);, "
-                    "virtual void SetSubType(CString strSubType);)",
-                    "virtual void SetSubType(int nSubType); virtual void SetSubType(CString strSubType);"),
-        "an operation dropped": replace("host/NodeBase.h", "virtual void PreRender();", "void PreRender();"),
-        "a parameter's type changed": replace("host/NodeBase.h", "SeekEventBegin(int", "SeekEventBegin(unsigned"),
-        "an override too many": replace("nodes/input/MouseNode.h", "int ProcessNode(SGraphNode* pGraphNode)",
-                                        "int PlayIn() override; int ProcessNode(SGraphNode* pGraphNode)"),
-        "two members swapped": swap("host/PluginContract.h", "CString strName;", "HICON hIcon"),
-        "two members of a node swapped": swap("nodes/input/MouseNode.h", "int m_bButtonRight", "int m_bButtonMiddle"),
-        "a member widened": replace("host/EventRecord.h", "int m_nEvent;", "long long m_nEvent;"),
+            (replace("host/NodeBase.h",
+                     "VEK_OVERLOADS_IN_TABLE_ORDER(virtual void SetSubType(int nSubType);, "
+                     "virtual void SetSubType(CString strSubType);)",
+                     "virtual void SetSubType(int nSubType); virtual void SetSubType(CString strSubType);"),
+             "SetSubType(CString)"),
+        "an operation dropped":
+            (replace("host/NodeBase.h", "virtual void PreRender();", "void PreRender();"), "48 entries"),
+        "a parameter's type changed":
+            (replace("host/NodeBase.h", "SeekEventBegin(int", "SeekEventBegin(unsigned"), "SeekEventBegin(unsigned int)"),
+        "an override too many":
+            (replace("nodes/input/MouseNode.h", "int ProcessNode(SGraphNode* pGraphNode)",
+                     "int PlayIn() override; int ProcessNode(SGraphNode* pGraphNode)"), "CMouseIOProcess::PlayIn()"),
+        "two members swapped": (swap("host/PluginContract.h", "CString strName;", "HICON hIcon"), "('hIcon', 24)"),
+        "two members of a node swapped":
+            (swap("nodes/input/MouseNode.h", "int m_bButtonRight", "int m_bButtonMiddle"), "('m_bButtonMiddle', 172)"),
+        "a member widened":
+            (replace("host/EventRecord.h", "int m_nEvent;", "long long m_nEvent;"), "('m_nEvent', 8)"),
+        "a class that nobody expects":
+            (lambda copy: shutil.copy(copy / "nodes/input/MouseNode.h", copy / "nodes/input/OtherNode.h"), "14 headers"),
     }
-    unnoticed = []
-    for name, damage in damages.items():
+    for name, (damage, found) in damages.items():
         with tempfile.TemporaryDirectory() as folder:
             copy = pathlib.Path(folder) / "module"
             shutil.copytree(module_dir, copy)
             damage(copy)
             try:
                 check(compiler, copy)
-                unnoticed.append(name)
             except Mismatch as mismatch:
+                if found not in str(mismatch).split("instead of")[0]:
+                    raise
                 print(f"noticed: {name}: {mismatch}")
-    if unnoticed:
-        raise Mismatch("not noticed: " + ", ".join(unnoticed))
+            else:
+                raise Mismatch(f"not noticed: {name}")
+
+
+def check_sources(compiler, module_dir):
+    for source in sorted(module_dir.glob("nodes/*/*Node.cpp")):
+        run_compiler([*compiler, f"-I{module_dir}", "-fsyntax-only"], source)
 
 
 def check(compiler, module_dir):
+    headers = list(module_dir.glob("nodes/*/*Node.h"))
+    if len(headers) != len(expected_abi.OVERRIDES) - 1:  # beside the nodes' base
+        raise Mismatch(f"{len(headers)} headers of nodes instead of {len(expected_abi.OVERRIDES) - 1}")
     options = [f"-I{module_dir}", "-Xclang", "-fdump-record-layouts", "-Xclang", "-fdump-vtable-layouts", "-S", "-o", "/dev/null"]
     output = run_compiler([*compiler, *options], HERE / "interface.cpp")
     check_records(record_layouts(output))
@@ -193,7 +214,7 @@ def main():
     try:
         with tempfile.TemporaryDirectory() as folder:
             compiler = with_precompiled_headers(compiler, pathlib.Path(folder))
-            {"check": check, "self-test": self_test}[what](compiler, module_dir)
+            {"check": check, "self-test": self_test, "sources": check_sources}[what](compiler, module_dir)
     except (Mismatch, CompileError) as error:
         sys.exit(str(error))
 
