@@ -6,8 +6,6 @@
 Ends with 77 where namespaces can't be made.
 """
 
-import contextlib
-import os
 import subprocess
 import sys
 import time
@@ -149,13 +147,6 @@ class TwoHosts(OverACable):
 
 
 class FrameTimes(OverACable):
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        # Before all other programs: what's measured is how long the hosts themselves take.
-        with contextlib.suppress(PermissionError):
-            os.nice(-15)
-
     def test_a_device_that_stops_reading_costs_no_time_and_no_memory(self):
         self.far_program(hosts.iohost(), "--device", f"0.0.0.0:{DEVICE_PORT}", "--stall")
         idle = Host()
