@@ -165,7 +165,7 @@ test("a held key fires the press once, the hold at its interval, and the release
   const pressed = performance.now();
   await page.keyboard.down("F8");
   await page.fires(is.CHECK_DOWN, 1);
-  await page.fires(is.CHECK_HOLD, 5);
+  await until("five holds", async () => (await page.count(is.CHECK_HOLD)) >= 5); // on a busy machine more are seen at once
   await page.keyboard.up("F8");
   await page.fires(is.CHECK_UP, 1);
   assert.equal(await page.count(is.CHECK_DOWN), 1);
