@@ -43,7 +43,7 @@ async function record() {
   await page.fires(is.SWIPE_RIGHT, 1);
   await page.keyboard.down("a");
   await page.fires(is.CHECK_DOWN, 1);
-  await page.fires(is.CHECK_HOLD, 3);
+  await until("three holds", async () => (await page.count(is.CHECK_HOLD)) >= 3);
   await page.close(); // the key is let go of
   await until("the release", () => posts(script.pushes, is.CHECK_UP));
   await script.close();
