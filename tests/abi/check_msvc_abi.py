@@ -143,12 +143,6 @@ def self_test(compiler, module_dir):
     def replace(file, old, new):
         return lambda copy: replace_text(copy / file, old, new)
 
-    def swap(file, first, second):
-        return lambda copy: swap_lines(copy / file, first, second)
-
-    def replace(file, old, new):
-        return lambda copy: replace_text(copy / file, old, new)
-
     # What each damage is, and what is found in place of something else.
     damages = {
         "two operations swapped": (swap("host/NodeBase.h", "int PlayIn();", "int PlayNext();"), "PlayNext()"),
