@@ -3,6 +3,7 @@
 #include <gdiplus.h>
 
 #include <limits>
+#include <type_traits>
 
 namespace {
 
@@ -52,6 +53,7 @@ void ExpectElements(const CArray<TYPE>& array, std::initializer_list<TYPE> eleme
 
 static_assert(sizeof(CArray<int>) == sizeof(SArrayLayout));
 static_assert(sizeof(CStringArray) == sizeof(SArrayLayout));
+static_assert(!std::is_base_of_v<CArray<CString>, CStringArray>, "a class of its own");
 static_assert(sizeof(CPoint) == 8 && sizeof(Gdiplus::PointF) == 8);
 
 TEST(CArrayTest, LaysOutDataSizeCapacityAndGrowBy) {

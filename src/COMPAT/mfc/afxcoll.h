@@ -3,5 +3,5 @@
 
 #include <afxtempl.h>
 
-// An array of strings; see CArray for indices and growth. Not copied by assignment: use Copy.
-class CStringArray : public CArray<CString, const CString&> {};
+// An array of strings; see CArrayBase for indices and growth. Not copied by assignment: use Copy.
+class CStringArray : public CArrayBase<CString, const CString&> {};

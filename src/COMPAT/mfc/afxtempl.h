@@ -9,13 +9,13 @@
 #include <new>
 #include <utility>
 
-// A growable array. Elements lie side by side; pointers and references to them end with the next change of the size.
+// What all arrays are. Elements lie side by side; pointers and references to them end with the next change of the size.
 // Indices outside [0, GetSize()) raise CInvalidArgException, failed allocations CMemoryException, in every build.
 template <class TYPE, class ARG_TYPE = const TYPE&>
-class CArray : public CObject {
+class CArrayBase : public CObject {
 public:
-    CArray() = default;
-    ~CArray() override { RemoveAll(); }
+    CArrayBase() = default;
+    ~CArrayBase() override { RemoveAll(); }
 
     INT_PTR GetSize() const { return m_nSize; }
     BOOL IsEmpty() const { return m_nSize == 0; }
@@ -64,7 +64,7 @@ public:
         m_pData[m_nSize - 1] = std::move(copyOfElement);
         return m_nSize - 1;
     }
-    void Copy(const CArray& source) {
+    void Copy(const CArrayBase& source) {
         if (this == &source)
             return;
         SetSize(source.m_nSize);
@@ -124,6 +124,10 @@ private:
     }
     static void FreeElements(TYPE* pElements) { ::operator delete(static_cast<void*>(pElements)); }
 };
+
+// A growable array; see CArrayBase for indices and growth.
+template <class TYPE, class ARG_TYPE = const TYPE&>
+class CArray : public CArrayBase<TYPE, ARG_TYPE> {};
 
 // A doubly linked list. A POSITION stays valid until its own element is removed. A null or missing POSITION where one
 // is needed, and taking from an empty list, raise CInvalidArgException.
