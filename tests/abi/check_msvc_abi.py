@@ -163,7 +163,7 @@ def self_test(compiler, module_dir):
                      "int PlayIn() override; int ProcessNode(SGraphNode* pGraphNode)"), "CMouseIOProcess::PlayIn()"),
         "two members swapped": (swap("host/PluginContract.h", "CString strName;", "HICON hIcon"), "('hIcon', 24)"),
         "two members of a node swapped":
-            (swap("nodes/input/MouseNode.h", "int m_bButtonRight", "int m_bButtonMiddle"), "('m_bButtonMiddle', 172)"),
+            (swap("nodes/input/MouseNode.h", "int m_bButtonRight", "int m_bButtonMiddle"), "('m_bButtonMiddle', 196)"),
         "a member widened":
             (replace("host/EventRecord.h", "int m_nEvent;", "long long m_nEvent;"), "('m_nEvent', 8)"),
         "a class that nobody expects":

@@ -90,6 +90,10 @@ RECORDS = {
         40, {"(CObject vftable pointer)": 0, "m_pData": 8, "m_nSize": 16, "m_nMaxSize": 24, "m_nGrowBy": 32}),
     "class CStringArray": (
         40, {"(CObject vftable pointer)": 0, "m_pData": 8, "m_nSize": 16, "m_nMaxSize": 24, "m_nGrowBy": 32}),
+    "class CList<class VEKParamGroup *>": (
+        56, {"(CObject vftable pointer)": 0, "m_pNodeHead": 8, "m_pNodeTail": 16, "m_nCount": 24, "m_pNodeFree": 32,
+             "m_pBlocks": 40, "m_nBlockSize": 48}),
+    "struct CList<class VEKParamGroup *>::CNode": (24, {"pNext": 0, "pPrev": 8, "data": 16}),
     "struct SIOProcessNodeInfo": (
         128, {"nInfoKind": 0, "guidType": 4, "strName": 24, "strAux": 32, "strTip": 40, "hIcon": 48, "hAux": 56,
               "bEnable": 64, "arAux": 72, "aReserved": 112}),
@@ -121,7 +125,7 @@ POINTER = HANDLE = STRING = SIZE = SOCKET = (8, 8)
 GUID = (16, 4)
 ADDRESS = (16, 4)  # of a socket
 ARRAY = (RECORDS["class CStringArray"][0], 8)
-LIST = (32, 8)  # virtual table, first, last, count
+LIST = (RECORDS["class CList<class VEKParamGroup *>"][0], 8)
 MOUSE_DATA = (RECORDS["class SQORMouseData"][0], 8)
 VR_DATA = (RECORDS["class SVRPluginData"][0], 8)
 

@@ -22,10 +22,17 @@ struct SSizes {
     static constexpr std::size_t TOTAL = (sizeof(Records) + ...);
 };
 
+// Names the node of a list.
+class CGroupList : public VEKParamGroupList {
+public:
+    using CList::CNode;
+};
+
 // A compiler lays out what it's asked the size of.
-static_assert(SSizes<CString, CStringArray, CArray<SIOProcessNodeInfo>, SIOProcessNodeInfo, SIOProcessPluginData,
-                     SIOProcessNodeRef, SIOEventRecord, SKeyEventData, SDeviceTextData, SObjectTextData, SQORMouseData,
-                     SVRPluginData, SBroadcastItem, CQORPanelRemoteCtrlData>::TOTAL > 0);
+static_assert(
+    SSizes<CString, CStringArray, CArray<SIOProcessNodeInfo>, VEKParamGroupList, CGroupList::CNode, SIOProcessNodeInfo,
+           SIOProcessPluginData, SIOProcessNodeRef, SIOEventRecord, SKeyEventData, SDeviceTextData, SObjectTextData,
+           SQORMouseData, SVRPluginData, SBroadcastItem, CQORPanelRemoteCtrlData>::TOTAL > 0);
 
 // And makes the virtual tables of what is constructed, and of its bases: whatever a class's own constructor is, this
 // one is here.

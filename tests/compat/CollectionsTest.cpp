@@ -3,6 +3,7 @@
 #include <gdiplus.h>
 
 #include <limits>
+#include <stdexcept>
 #include <type_traits>
 
 namespace {
@@ -34,6 +35,27 @@ const SArrayLayout& LayoutOf(const CObject& array) {
     return *reinterpret_cast<const SArrayLayout*>(&array);
 }
 
+// Shows the fields of a list.
+class COpenList : public CList<int> {
+public:
+    using CList::CList;
+    using CList::m_nBlockSize;
+    using CList::m_nCount;
+    using CList::m_pBlocks;
+    using CList::m_pNodeFree;
+    using CList::m_pNodeHead;
+    using CList::m_pNodeTail;
+};
+
+// Length of a chain of nodes or blocks.
+template <class LINK>
+int LengthOf(const LINK* pLink) {
+    int nLength = 0;
+    for (; pLink != nullptr; pLink = pLink->pNext)
+        nLength++;
+    return nLength;
+}
+
 template <class TYPE>
 CArray<TYPE>& Filled(CArray<TYPE>& array, std::initializer_list<TYPE> elements) {
     for (const TYPE& element : elements)
@@ -54,6 +76,7 @@ void ExpectElements(const CArray<TYPE>& array, std::initializer_list<TYPE> eleme
 static_assert(sizeof(CArray<int>) == sizeof(SArrayLayout));
 static_assert(sizeof(CStringArray) == sizeof(SArrayLayout));
 static_assert(!std::is_base_of_v<CArray<CString>, CStringArray>, "a class of its own");
+static_assert(sizeof(CList<int>) == 56);
 static_assert(sizeof(CPoint) == 8 && sizeof(Gdiplus::PointF) == 8);
 
 TEST(CArrayTest, LaysOutDataSizeCapacityAndGrowBy) {
@@ -299,4 +322,117 @@ TEST(CListTest, FreesEveryElement) {
         list.AddTail(SCounted(1));
     }
     EXPECT_EQ(SCounted::s_nAlive, 0);
+}
+
+TEST(CListTest, ChainsNodesBothWays) {
+    COpenList list;
+    const POSITION head = list.AddTail(1);
+    const POSITION tail = list.AddTail(2);
+    EXPECT_EQ(reinterpret_cast<POSITION>(list.m_pNodeHead), head);
+    EXPECT_EQ(reinterpret_cast<POSITION>(list.m_pNodeTail), tail);
+    EXPECT_EQ(list.m_nCount, 2);
+    EXPECT_EQ(list.m_pNodeHead->pNext, list.m_pNodeTail);
+    EXPECT_EQ(list.m_pNodeHead->pPrev, nullptr);
+    EXPECT_EQ(list.m_pNodeHead->data, 1);
+    EXPECT_EQ(list.m_pNodeTail->pNext, nullptr);
+    EXPECT_EQ(list.m_pNodeTail->pPrev, list.m_pNodeHead);
+    EXPECT_EQ(list.m_pNodeTail->data, 2);
+}
+
+TEST(CListTest, AllocatesNodesInBlocks) {
+    COpenList list(3);
+    EXPECT_EQ(list.m_pBlocks, nullptr);
+    for (int nValue = 0; nValue < 3; nValue++)
+        list.AddTail(nValue);
+    EXPECT_EQ(LengthOf(list.m_pBlocks), 1);
+    EXPECT_EQ(LengthOf(list.m_pNodeFree), 0);
+    list.AddTail(3);
+    EXPECT_EQ(LengthOf(list.m_pBlocks), 2);
+    EXPECT_EQ(LengthOf(list.m_pNodeFree), 2);
+}
+
+TEST(CListTest, BlocksHaveTenNodesUnlessToldOtherwise) {
+    EXPECT_EQ(COpenList().m_nBlockSize, 10);
+    EXPECT_EQ(COpenList(3).m_nBlockSize, 3);
+    EXPECT_THROWS_FRAMEWORK(COpenList(0), CInvalidArgException);
+}
+
+TEST(CListTest, UsesRemovedNodesAgain) {
+    COpenList list(3);
+    list.AddTail(0);
+    const POSITION middle = list.AddTail(1);
+    list.AddTail(2);
+    list.RemoveAt(middle);
+    EXPECT_EQ(list.AddHead(3), middle);
+    EXPECT_EQ(list.GetHead(), 3);
+    EXPECT_EQ(LengthOf(list.m_pBlocks), 1);
+}
+
+TEST(CListTest, FreesItsBlocksWithTheLastElement) {
+    COpenList list(2);
+    const auto fill = [&list] {
+        for (int nValue = 0; nValue < 5; nValue++)
+            list.AddTail(nValue);
+        EXPECT_EQ(LengthOf(list.m_pBlocks), 3);
+    };
+    const auto expectNoStorage = [&list] {
+        EXPECT_EQ(list.m_pBlocks, nullptr);
+        EXPECT_EQ(list.m_pNodeFree, nullptr);
+        EXPECT_EQ(list.m_pNodeHead, nullptr);
+        EXPECT_EQ(list.m_pNodeTail, nullptr);
+        EXPECT_EQ(list.m_nCount, 0);
+    };
+    fill();
+    while (list.GetCount() > 1)
+        list.RemoveHead();
+    EXPECT_EQ(LengthOf(list.m_pBlocks), 3);
+    EXPECT_EQ(list.RemoveHead(), 4);
+    expectNoStorage();
+    fill();
+    list.RemoveAll();
+    expectNoStorage();
+    fill();
+}
+
+TEST(CListTest, PositionsOutliveOtherElements) {
+    CList<CString> list(2);
+    const POSITION position = list.AddTail(L"stays");
+    for (int nRound = 0; nRound < 10; nRound++) {
+        list.AddHead(L"before");
+        list.InsertAfter(position, L"after");
+        list.AddTail(L"last");
+    }
+    for (int nRound = 0; nRound < 10; nRound++)
+        list.RemoveHead();
+    EXPECT_EQ(list.GetHeadPosition(), position);
+    EXPECT_EQ(list.GetAt(position), L"stays");
+    while (list.GetCount() > 1) {
+        POSITION next = position;
+        list.GetNext(next);
+        list.RemoveAt(next);
+    }
+    EXPECT_EQ(list.GetAt(position), L"stays");
+}
+
+TEST(CListTest, StaysAsItIsWhenAnElementCannotBeCopied) {
+    struct SFragile {
+        SFragile() = default;
+        SFragile(const SFragile& other) : bBroken(other.bBroken) {
+            if (bBroken)
+                throw std::runtime_error("broken");
+        }
+        bool bBroken = false;
+    };
+    CList<SFragile> list;
+    SFragile element;
+    list.AddTail(element);
+    element.bBroken = true;
+    EXPECT_THROW(list.AddHead(element), std::runtime_error);
+    element.bBroken = false;
+    list.AddTail(element);
+    EXPECT_EQ(list.GetCount(), 2);
+    POSITION position = list.GetHeadPosition();
+    list.GetNext(position);
+    list.GetNext(position);
+    EXPECT_EQ(position, nullptr);
 }

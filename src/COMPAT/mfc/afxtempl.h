@@ -129,32 +129,37 @@ private:
 template <class TYPE, class ARG_TYPE = const TYPE&>
 class CArray : public CArrayBase<TYPE, ARG_TYPE> {};
 
+// Head of a block of nodes, which follow it.
+struct CPlex {
+    CPlex* pNext;
+};
+
 // A doubly linked list. A POSITION stays valid until its own element is removed. A null or missing POSITION where one
-// is needed, and taking from an empty list, raise CInvalidArgException.
+// is needed, and taking from an empty list, raise CInvalidArgException. Nodes are allocated in blocks of nBlockSize;
+// one that was removed serves the next element, and all blocks are freed with the last element.
 template <class TYPE, class ARG_TYPE = const TYPE&>
 class CList : public CObject {
-    struct CNode : public __POSITION {
-        CNode(CNode* pNextNode, CNode* pPrevNode, ARG_TYPE element)
-            : pNext(pNextNode), pPrev(pPrevNode), data(element) {}
+protected:
+    struct CNode {
         CNode* pNext;
         CNode* pPrev;
-        TYPE data;
+        TYPE data; // an object while the node is in the list
     };
 
 public:
-    CList() = default;
+    explicit CList(INT_PTR nBlockSize = 10) : m_nBlockSize(nBlockSize) { ENSURE(nBlockSize > 0); }
     ~CList() override { RemoveAll(); }
 
     INT_PTR GetCount() const { return m_nCount; }
     BOOL IsEmpty() const { return m_nCount == 0; }
 
-    TYPE& GetHead() { return NodeOf(m_pNodeHead)->data; }
-    const TYPE& GetHead() const { return NodeOf(m_pNodeHead)->data; }
-    TYPE& GetTail() { return NodeOf(m_pNodeTail)->data; }
-    const TYPE& GetTail() const { return NodeOf(m_pNodeTail)->data; }
+    TYPE& GetHead() { return Checked(m_pNodeHead)->data; }
+    const TYPE& GetHead() const { return Checked(m_pNodeHead)->data; }
+    TYPE& GetTail() { return Checked(m_pNodeTail)->data; }
+    const TYPE& GetTail() const { return Checked(m_pNodeTail)->data; }
 
     TYPE RemoveHead() {
-        CNode* pNode = NodeOf(m_pNodeHead);
+        CNode* pNode = Checked(m_pNodeHead);
         TYPE element(std::move(pNode->data));
         Unlink(pNode);
         return element;
@@ -169,20 +174,24 @@ public:
             AddTail(pNode->data);
     }
     void RemoveAll() {
-        while (m_pNodeHead != nullptr)
-            Unlink(m_pNodeHead);
+        for (CNode* pNode = m_pNodeHead; pNode != nullptr; pNode = pNode->pNext)
+            pNode->data.~TYPE();
+        m_pNodeHead = m_pNodeTail = m_pNodeFree = nullptr;
+        m_nCount = 0;
+        while (m_pBlocks != nullptr)
+            ::operator delete(std::exchange(m_pBlocks, m_pBlocks->pNext));
     }
 
-    POSITION GetHeadPosition() const { return m_pNodeHead; }
+    POSITION GetHeadPosition() const { return PositionOf(m_pNodeHead); }
     // Element at the position, which then moves on (null behind the last).
     TYPE& GetNext(POSITION& rPosition) {
         CNode* pNode = NodeOf(rPosition);
-        rPosition = pNode->pNext;
+        rPosition = PositionOf(pNode->pNext);
         return pNode->data;
     }
     const TYPE& GetNext(POSITION& rPosition) const {
         CNode* pNode = NodeOf(rPosition);
-        rPosition = pNode->pNext;
+        rPosition = PositionOf(pNode->pNext);
         return pNode->data;
     }
 
@@ -209,7 +218,7 @@ public:
         CNode* pNode = m_pNodeHead;
         while (pNode != nullptr && !(pNode->data == searchValue))
             pNode = pNode->pNext;
-        return pNode;
+        return PositionOf(pNode);
     }
     // Null for an index past the end; a negative index raises CInvalidArgException.
     POSITION FindIndex(INT_PTR nIndex) const {
@@ -217,30 +226,56 @@ public:
         CNode* pNode = m_pNodeHead;
         while (pNode != nullptr && nIndex-- > 0)
             pNode = pNode->pNext;
-        return pNode;
+        return PositionOf(pNode);
     }
 
+protected:
+    // Kept in this order: host and module hand lists to one another.
+    CNode* m_pNodeHead = nullptr;
+    CNode* m_pNodeTail = nullptr;
+    INT_PTR m_nCount = 0;
+    CNode* m_pNodeFree = nullptr; // chained by pNext
+    CPlex* m_pBlocks = nullptr;
+    INT_PTR m_nBlockSize;
+
 private:
-    static CNode* NodeOf(POSITION position) {
-        ENSURE(position != nullptr);
-        return static_cast<CNode*>(position);
+    static POSITION PositionOf(CNode* pNode) { return reinterpret_cast<POSITION>(pNode); }
+    static CNode* NodeOf(POSITION position) { return Checked(reinterpret_cast<CNode*>(position)); }
+    static CNode* Checked(CNode* pNode) {
+        ENSURE(pNode != nullptr);
+        return pNode;
     }
 
     POSITION Link(ARG_TYPE newElement, CNode* pPrev, CNode* pNext) {
-        CNode* pNode = new CNode(pNext, pPrev, newElement);
+        if (m_pNodeFree == nullptr)
+            AddBlock();
+        CNode* pNode = m_pNodeFree;
+        ::new (static_cast<void*>(&pNode->data)) TYPE(newElement);
+        m_pNodeFree = pNode->pNext;
+        pNode->pNext = pNext;
+        pNode->pPrev = pPrev;
         (pPrev != nullptr ? pPrev->pNext : m_pNodeHead) = pNode;
         (pNext != nullptr ? pNext->pPrev : m_pNodeTail) = pNode;
         m_nCount++;
-        return pNode;
+        return PositionOf(pNode);
     }
     void Unlink(CNode* pNode) {
         (pNode->pPrev != nullptr ? pNode->pPrev->pNext : m_pNodeHead) = pNode->pNext;
         (pNode->pNext != nullptr ? pNode->pNext->pPrev : m_pNodeTail) = pNode->pPrev;
         m_nCount--;
-        delete pNode;
+        pNode->data.~TYPE();
+        pNode->pNext = std::exchange(m_pNodeFree, pNode);
+        if (m_nCount == 0)
+            RemoveAll();
     }
 
-    CNode* m_pNodeHead = nullptr;
-    CNode* m_pNodeTail = nullptr;
-    INT_PTR m_nCount = 0;
+    void AddBlock() {
+        static_assert(alignof(CNode) <= alignof(CPlex), "nodes lie right behind the head of their block");
+        const std::size_t nNodes = static_cast<std::size_t>(m_nBlockSize);
+        CPlex* pBlock = static_cast<CPlex*>(::operator new(sizeof(CPlex) + nNodes * sizeof(CNode)));
+        pBlock->pNext = std::exchange(m_pBlocks, pBlock);
+        CNode* pNodes = reinterpret_cast<CNode*>(pBlock + 1);
+        for (INT_PTR nIndex = m_nBlockSize - 1; nIndex >= 0; nIndex--)
+            pNodes[nIndex].pNext = std::exchange(m_pNodeFree, &pNodes[nIndex]);
+    }
 };
