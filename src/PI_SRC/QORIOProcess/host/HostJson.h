@@ -1,6 +1,7 @@
 // The host's JSON services. Host and module use the same build of the JSON library: its values cross between them.
 #pragma once
 
+#include <afxwin.h>
 #include <cpprest/json.h>
 
 #include "host/HostRender.h"

@@ -1,6 +1,7 @@
 // Broadcast send node: sends its four texts as one datagram to every host of the network.
 #pragma once
 
+#include <afxwin.h>
 #include <winsock2.h>
 
 #include <memory>
