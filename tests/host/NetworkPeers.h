@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include <afxwin.h>
 #include <boost/asio.hpp>
 
 #include <chrono>

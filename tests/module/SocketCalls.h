@@ -4,9 +4,8 @@
 #include <string>
 #include <vector>
 
-#include <winsock2.h>
-
 #include <afxwin.h>
+#include <winsock2.h>
 
 /// A call of sendto.
 struct SentDatagram {

@@ -1,7 +1,8 @@
 // Broadcasts in the code pages that hosts are set to: every character that the page holds goes over whole.
+#include "BroadcastDatagram.h"
+
 #include <compat/testing.h>
 
-#include "BroadcastDatagram.h"
 #include "NetworkTest.h"
 
 namespace {

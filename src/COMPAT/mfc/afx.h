@@ -2,6 +2,10 @@
 // memory files and archives. A subset of the framework's header of this name, for compilers that do not have it.
 #pragma once
 
+#ifdef _WINDOWS_
+#error windows.h is included already: the framework must come first
+#endif
+
 #include <compat/api.h>
 
 #include <afxstr.h>

@@ -7,6 +7,8 @@
 // - Of the functions that can fail, only LoadLibraryW and those for code pages set the last error.
 #pragma once
 
+#define _WINDOWS_ // tells the framework's headers that they came too late
+
 #include <compat/api.h>
 #include <compat/declspec.h>
 

@@ -4,6 +4,7 @@
 
 #include <utility> // Boost 1.74's Asio leaves it out in C++20
 
+#include <afxwin.h>
 #include <boost/asio/awaitable.hpp>
 #include <boost/asio/basic_waitable_timer.hpp>
 #include <boost/asio/io_context.hpp>
