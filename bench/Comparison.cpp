@@ -9,8 +9,10 @@
 #include <benchmark/benchmark.h>
 
 #include "SampleComparisons.h"
-#include "host/HostCommon.h"
+#include "host/EventRecord.h"
+#include "host/GeneralEvent.h"
 #include "host/HostLog.h"
+#include "host/HostRender.h"
 
 namespace {
 

@@ -6,7 +6,8 @@
 #include <benchmark/benchmark.h>
 
 #include "HostSetup.h"
-#include "host/HostJson.h"
+#include "host/EventRecord.h"
+#include "host/HostRender.h"
 #include "host/NodeTypeGuid.h"
 
 namespace {

@@ -1,7 +1,8 @@
 #include "MeasuredTypes.h"
 
-#include "host/HostNetwork.h"
+#include "host/EventRecord.h"
 #include "host/NodeTypeGuid.h"
+#include "host/RemoteControlRecord.h"
 
 namespace {
 

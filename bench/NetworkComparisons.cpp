@@ -25,6 +25,7 @@
 #include "DeviceList.h"
 #include "HostSetup.h"
 #include "Peers.h"
+#include "host/EventRecord.h"
 #include "host/NodeTypeGuid.h"
 
 namespace {

@@ -8,8 +8,11 @@
 #include <utility>
 
 #include "HostSetup.h"
+#include "host/Clip.h"
+#include "host/GeneralEvent.h"
 #include "host/HostCommon.h"
 #include "host/NodeTypeGuid.h"
+#include "host/PluginContract.h"
 
 namespace {
 

@@ -9,7 +9,8 @@
 #include "MainWindow.h"
 #include "MeasuredTypes.h"
 #include "RenderSink.h"
-#include "host/HostRender.h"
+#include "host/Clip.h"
+#include "host/GeneralEvent.h"
 #include "host/PluginContract.h"
 
 /// Plays the host: loads the module that lies beside the program, and has the window that events are posted to and the

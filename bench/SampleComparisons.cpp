@@ -9,6 +9,7 @@
 #include <afxtempl.h>
 #include <gdiplus.h>
 
+#include "host/EventRecord.h"
 #include "host/NodeTypeGuid.h"
 
 namespace {

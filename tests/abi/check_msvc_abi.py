@@ -50,8 +50,9 @@ def virtual_tables(output):
     tables = {}
     for table in re.finditer(r"^VFTable for (.*) \(\d+ entr(?:y|ies)\)\.\n((?:.+\n)*)", output, re.MULTILINE):
         entries = re.findall(r"^ *\d+ \| (.*)$", table[2], re.MULTILINE)
-        # The entry before the first operation is the type information.
-        tables[table[1]] = [entry.removesuffix(" [scalar deleting]") for entry in entries[1:]]
+        # The entry before the first operation is the type information. Nodes write the record's pointer by an alias.
+        tables[table[1]] = [entry.removesuffix(" [scalar deleting]").replace("EventRecordPtr", "const SIOEventRecord *")
+                            for entry in entries[1:]]
     return tables
 
 
@@ -147,7 +148,7 @@ def self_test(compiler, module_dir):
     damages = {
         "two operations swapped": (swap("host/NodeBase.h", "int PlayIn();", "int PlayNext();"), "PlayNext()"),
         "two operations of the second table swapped":
-            (swap("host/NodeBase.h", "GetXmlReader();", "ShouldReCalHeight();"), "ShouldReCalHeight()"),
+            (swap("host/ControlLayout.h", "GetXmlReader();", "ShouldReCalHeight();"), "ShouldReCalHeight()"),
         "two overloads in their order of declaration":
             (replace("host/NodeBase.h",
                      "VEK_OVERLOADS_IN_TABLE_ORDER(virtual void SetSubType(int nSubType);, "

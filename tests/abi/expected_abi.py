@@ -59,7 +59,7 @@ CVEKXml *SParamGrpPosAdjust::GetXmlReader()
 int *SParamGrpPosAdjust::GetXmlLoadStatePtr()
 BOOL SParamGrpPosAdjust::ShouldReCalHeight()
 CString SParamGrpPosAdjust::GetCtrlPosXmlPath()
-NodeParamInfoGrpArray *SParamGrpPosAdjust::GetNodeParamInfoGrpAr()
+CArray<SNodeParamInfoGrp *> *SParamGrpPosAdjust::GetNodeParamInfoGrpAr()
 """.strip().splitlines()
 
 # What each node class overrides beside its destructor; everything else stays the host's.
@@ -121,7 +121,7 @@ RECORDS = {
 # Size and alignment in bytes of what node objects are made of.
 INT = BOOL32 = UINT32 = (4, 4)
 BOOL8 = (1, 1)
-POINTER = HANDLE = STRING = SIZE = SOCKET = (8, 8)
+POINTER = HANDLE = STRING = SOCKET = (8, 8)
 GUID = (16, 4)
 ADDRESS = (16, 4)  # of a socket
 ARRAY = (RECORDS["class CStringArray"][0], 8)
@@ -169,18 +169,16 @@ OWN_MEMBERS = {
                           ("m_arRelativePoint", ARRAY), ("m_bMoving", BOOL32), ("m_nActivePointer", INT)],
     "CVRHandleIOProcess": [("m_bEnable", BOOL32), ("m_pGraphNode", POINTER), ("m_strObjectName", STRING),
                            ("m_nHandleType", INT), ("m_previousSample", VR_DATA)],
-    "CNetParameterSendIOProcess": [("m_strDevID", STRING), ("m_strDevName", STRING), ("m_strClipName", STRING),
-                                   ("m_strGroupName", STRING), ("m_strKeyName", STRING), ("m_nKeyNumber", INT),
+    "CNetParameterSendIOProcess": [("m_strClipName", STRING), ("m_strGroupName", STRING), ("m_strKeyName", STRING),
+                                   ("m_nKeyNumber", INT),
                                    ("m_strKeyValue", STRING), ("m_strHelpParameter", STRING), ("m_nLayer", INT),
                                    ("m_bToDev", BOOL32)],
     "CNetParameterReceiveIOProcess": [("m_pGraphNode", POINTER)],
     "CBroadcastIOProcess": [("m_strFlag", STRING), ("m_strClipName", STRING), ("m_strName", STRING),
                             ("m_strData", STRING), ("m_nPort", INT), ("m_hSocket", SOCKET),
-                            ("m_addrDestination", ADDRESS), ("m_arPiece", ARRAY), ("m_strText", STRING),
-                            ("m_nBufferSize", INT), ("m_pBuffer", POINTER)],
+                            ("m_addrDestination", ADDRESS)],
     "CBroadcastRevIOProcess": [("m_pGraphNode", POINTER), ("m_strFlag", STRING)],
-    "CStringDataSendIOProcess": [("m_pGraphNode", POINTER), ("m_bToDev", BOOL32), ("m_nBufferSize", SIZE),
-                                 ("m_pBuffer", POINTER)],
+    "CStringDataSendIOProcess": [("m_pGraphNode", POINTER), ("m_bToDev", BOOL32)],
     "CDevJsonReceive": [],
     "CObjJsonReceive": [],
 }

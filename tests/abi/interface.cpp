@@ -1,8 +1,9 @@
 // The records that cross the boundary between host and module, and the nodes; compiled only for the layouts and the
 // virtual tables that the compiler prints.
 
-#include "host/HostNetwork.h"
+#include "host/EventRecord.h"
 #include "host/PluginContract.h"
+#include "host/RemoteControlRecord.h"
 #include "nodes/input/GestureNode.h"
 #include "nodes/input/KeyCheckNode.h"
 #include "nodes/input/KeyboardNode.h"

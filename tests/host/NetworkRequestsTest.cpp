@@ -6,6 +6,7 @@
 #include "HostTest.h"
 #include "Peers.h"
 #include "PlayControlFrame.h"
+#include "host/HostCommon.h"
 
 namespace {
 

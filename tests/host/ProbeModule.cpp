@@ -2,10 +2,11 @@
 // other calls that the tests need; a second node type is never freed.
 #include <stdexcept>
 
-#include "host/HostCommon.h"
-#include "host/NodeSupport.h"
-#include "host/NodeTables.h"
+#include "host/EventRecord.h"
+#include "host/HostRender.h"
 #include "host/PluginContract.h"
+#include "nodes/shared/NodeSupport.h"
+#include "nodes/shared/NodeTables.h"
 
 namespace {
 
@@ -78,9 +79,7 @@ constexpr GroupRow OUTPUT_GROUPS[] = {
 class CProbe : public P_ExtDevIOProcess {
 public:
     explicit CProbe(const GUID& guidType) {
-        m_nKindCode = KIND_IO_PROCESS;
-        m_guidType = guidType;
-        AppendInputGroup(m_lstParamGroup, INPUT_GROUP_ROW);
+        InitNode(*this, guidType, INPUT_GROUP_ROW);
         VEKParam* pChoice = FindParam(m_lstParamGroup, MakeParamGuid(INPUT_CHOICE));
         pChoice->m_arChoice.Add(L"first");
         pChoice->m_arChoice.Add(L"second");
@@ -123,12 +122,12 @@ public:
         if (pSend != nullptr && pSend->m_nValue != 0) {
             ++m_nSeen;
         }
-        WriteOutput(*pGraphNode, OUTPUT_SEEN, &VEKParam::m_nValue, m_nSeen);
+        WriteOutput(*pGraphNode, OUTPUT_SEEN, m_nSeen);
         if (const VEKParam* pFloat = FindInput(*this, *pGraphNode, INPUT_FLOAT)) {
-            WriteOutput(*pGraphNode, OUTPUT_FLOAT, &VEKParam::m_fValue, pFloat->m_fValue);
+            WriteOutput(*pGraphNode, OUTPUT_FLOAT, pFloat->m_fValue);
         }
         if (const VEKParam* pText = FindInput(*this, *pGraphNode, INPUT_TEXT)) {
-            WriteOutput(*pGraphNode, OUTPUT_TEXT, &VEKParam::m_strValue, pText->m_strValue);
+            WriteOutput(*pGraphNode, OUTPUT_TEXT, pText->m_strValue);
         }
         Do();
         return 1;

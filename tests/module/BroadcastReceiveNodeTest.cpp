@@ -1,6 +1,7 @@
 // The broadcast receive node: its tables, and which items it takes.
 #include "ModuleHost.h"
-#include "host/HostNetwork.h"
+#include "host/EventRecord.h"
+#include "host/ParamModel.h"
 
 namespace {
 
@@ -107,6 +108,18 @@ TEST_F(BroadcastReceiveNode, AnotherFlagIsRefused) {
         EXPECT_EQ(Send(), 0);
     }
     ExpectUntouched();
+}
+
+TEST_F(BroadcastReceiveNode, TextsWithAZeroInsideAreTakenWhole) {
+    for (const CString& strText : {CString(L"a\0b", 3), CString(L"a\0c", 3), CString(L"a"), CString(L"\0", 1)}) {
+        m_scene.Input(FLAG).m_strValue = strText;
+        m_scene.Evaluate();
+        EXPECT_EQ(Send(), 0) << "the flag of before";
+        m_item.m_strFlag = m_item.m_strName = m_item.m_strData = strText;
+        EXPECT_EQ(Send(), 1);
+        EXPECT_EQ(Output(NAME), Utf8(strText));
+        EXPECT_EQ(Output(DATA), Utf8(strText));
+    }
 }
 
 TEST_F(BroadcastReceiveNode, AnEmptyFlagTakesItemsWithoutOne) {

@@ -2,6 +2,7 @@
 #include "HeapUse.h"
 #include "ModuleHost.h"
 #include "SocketCalls.h"
+#include "SystemCalls.h"
 
 namespace {
 
@@ -206,6 +207,18 @@ TEST_F(BroadcastSendNode, TextsOfAnyLengthGoOutWhole) {
                                      std::string(static_cast<size_t>(nLength), 'x') + "\"/>\r\n}.]" + '\0';
         EXPECT_TRUE(Evaluated(scene) == expected) << nLength; // too long to print
     }
+}
+
+TEST_F(BroadcastSendNode, WhatCannotBeConvertedIsSentAsNoBytesOfABuffer) {
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    Fill(scene);
+    FailConversions(true);
+    EXPECT_EQ(scene.Evaluate(), 1);
+    FailConversions(false);
+    const std::vector<SentDatagram> datagrams = TakeDatagrams();
+    ASSERT_EQ(datagrams.size(), 1u);
+    EXPECT_FALSE(datagrams[0].bNowhere);
+    EXPECT_EQ(datagrams[0].nSize, 0u);
 }
 
 TEST_F(BroadcastSendNode, WithoutASocketItSendsToNowhereAndSaysNothing) {

@@ -112,9 +112,9 @@ public:
         Record(0, "GetCtrlPosXmlPath");
         return L"path";
     }
-    NodeParamInfoGrpArray* GetNodeParamInfoGrpAr() override {
+    CArray<SNodeParamInfoGrp*>* GetNodeParamInfoGrpAr() override {
         Record(0, "GetNodeParamInfoGrpAr");
-        return reinterpret_cast<NodeParamInfoGrpArray*>(this);
+        return reinterpret_cast<CArray<SNodeParamInfoGrp*>*>(this);
     }
 
 private:
@@ -296,7 +296,7 @@ const Operation SECOND_TABLE[] = {
     {"ShouldReCalHeight", [](const TablePlace& place) { EXPECT_EQ(place.Call<BOOL()>(), 202); }},
     {"GetCtrlPosXmlPath", [](const TablePlace& place) { EXPECT_EQ(Utf8(place.Call<CString()>()), "path"); }},
     {"GetNodeParamInfoGrpAr",
-     [](const TablePlace& place) { EXPECT_NE(place.Call<NodeParamInfoGrpArray*()>(), nullptr); }},
+     [](const TablePlace& place) { EXPECT_NE(place.Call<CArray<SNodeParamInfoGrp*>*()>(), nullptr); }},
 };
 static_assert(std::size(SECOND_TABLE) == 5);
 
@@ -351,7 +351,7 @@ TEST_F(ContractOrderOfNodes, KeyboardOverridesStandAtTheirPlaces) {
     const SIOEventRecord record{0, 2003, nullptr};
     EXPECT_EQ(Main(scene.m_pNode.get(), 48).Call<int(const SIOEventRecord*)>(&record), 1);
     EXPECT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{153});
-    EXPECT_EQ(Second(scene.m_pNode.get(), 4).Call<NodeParamInfoGrpArray*()>(), nullptr);
+    EXPECT_EQ(Second(scene.m_pNode.get(), 4).Call<CArray<SNodeParamInfoGrp*>*()>(), nullptr);
     DestroyAndFree(Main(scene.m_pNode.release(), 4));
 }
 
@@ -370,7 +370,7 @@ TEST_F(ContractOrderOfNodes, MouseOverridesStandAtTheirPlaces) {
     EXPECT_EQ(Second(pNode, 1).Call<int*()>(), pNode->GetXmlLoadStatePtr());
     EXPECT_EQ(Second(pNode, 2).Call<BOOL()>(), FALSE);
     EXPECT_EQ(Utf8(Second(pNode, 3).Call<CString()>()), Utf8(pNode->GetCtrlPosXmlPath()));
-    EXPECT_EQ(Second(pNode, 4).Call<NodeParamInfoGrpArray*()>(), pNode->GetNodeParamInfoGrpAr());
+    EXPECT_EQ(Second(pNode, 4).Call<CArray<SNodeParamInfoGrp*>*()>(), pNode->GetNodeParamInfoGrpAr());
     DestroyAndFree(Main(scene.m_pNode.release(), 4));
 }
 

@@ -35,7 +35,7 @@ void WriteLayout(const ModuleHost& host, const LayoutClass& layoutClass, std::st
 }
 
 /// What the file says.
-void ExpectLayoutOfTheFile(const NodeParamInfoGrpArray& arGroup) {
+void ExpectLayoutOfTheFile(const CArray<SNodeParamInfoGrp*>& arGroup) {
     ASSERT_EQ(arGroup.GetSize(), 2);
     EXPECT_EQ(GuidWords(arGroup[0]->m_guid), (std::array<unsigned, 4>{301, 0, 0, 0}));
     EXPECT_EQ(Utf8(arGroup[0]->m_strName), "Base param");
@@ -120,7 +120,7 @@ TEST_P(ControlLayout, IsReadFromTheFile) {
 
 TEST_P(ControlLayout, IsFilledOnce) {
     Write(LAYOUT);
-    NodeParamInfoGrpArray* pArray = m_pNode->GetNodeParamInfoGrpAr();
+    CArray<SNodeParamInfoGrp*>* pArray = m_pNode->GetNodeParamInfoGrpAr();
     SNodeParamInfoGrp* const pFirst = pArray->GetAt(0);
     Write("<ParamLayout/>");
     const NodePtr pOther = NewNode();
@@ -140,7 +140,7 @@ TEST_P(ControlLayout, OutlivesItsNodes) {
 
 TEST_P(ControlLayout, IsReleasedWithItsStorageAndFilledAgain) {
     Write(LAYOUT);
-    NodeParamInfoGrpArray* pArray = m_pNode->GetNodeParamInfoGrpAr();
+    CArray<SNodeParamInfoGrp*>* pArray = m_pNode->GetNodeParamInfoGrpAr();
     ASSERT_EQ(pArray->GetSize(), 2);
     EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);
     EXPECT_EQ(pArray->GetSize(), 0);
@@ -152,7 +152,7 @@ TEST_P(ControlLayout, IsReleasedWithItsStorageAndFilledAgain) {
 
 TEST_P(ControlLayout, IsReleasedFromTheLastToTheFirst) {
     Write(LAYOUT);
-    NodeParamInfoGrpArray* pArray = m_pNode->GetNodeParamInfoGrpAr();
+    CArray<SNodeParamInfoGrp*>* pArray = m_pNode->GetNodeParamInfoGrpAr();
     std::vector<std::string> deleted;
     for (const char* pszName : {"1", "2", "3"}) {
         pArray->Add(new CTracedGroup(pszName, deleted));
@@ -164,7 +164,7 @@ TEST_P(ControlLayout, IsReleasedFromTheLastToTheFirst) {
 }
 
 TEST_P(ControlLayout, MissingFileLeavesItEmpty) {
-    NodeParamInfoGrpArray* pArray = m_pNode->GetNodeParamInfoGrpAr();
+    CArray<SNodeParamInfoGrp*>* pArray = m_pNode->GetNodeParamInfoGrpAr();
     ASSERT_NE(pArray, nullptr);
     EXPECT_EQ(pArray->GetSize(), 0);
     EXPECT_EQ(*m_pNode->GetXmlLoadStatePtr(), 2);
@@ -205,7 +205,7 @@ TEST_P(ControlLayout, IsFreedWhenTheModuleIsUnloadedUnreleased) {
 
 TEST_P(ControlLayout, ShippedFileNamesParametersThatTheNodeHas) {
     SetAppPath(APP_FOLDER);
-    const NodeParamInfoGrpArray& arGroup = *m_pNode->GetNodeParamInfoGrpAr();
+    const CArray<SNodeParamInfoGrp*>& arGroup = *m_pNode->GetNodeParamInfoGrpAr();
     ASSERT_GT(arGroup.GetSize(), 0);
     for (INT_PTR i = 0; i < arGroup.GetSize(); ++i) {
         const VEKParamGroup* pGroup = FindGroup(m_pNode->m_lstParamGroup, arGroup[i]->m_guid);
@@ -240,13 +240,13 @@ TEST_F(ControlLayouts, AreEmptiedTogetherAndFillAgain) {
         ExpectLayoutOfTheFile(*pNode->GetNodeParamInfoGrpAr());
     }
     EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);
-    std::vector<NodeParamInfoGrpArray*> arrays;
+    std::vector<CArray<SNodeParamInfoGrp*>*> arrays;
     for (const NodePtr& pNode : m_nodes) {
         arrays.push_back(pNode->GetNodeParamInfoGrpAr()); // reads the layout again
         ExpectLayoutOfTheFile(*arrays.back());
     }
     EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);
-    for (const NodeParamInfoGrpArray* pArray : arrays) {
+    for (const CArray<SNodeParamInfoGrp*>* pArray : arrays) {
         EXPECT_EQ(pArray->GetSize(), 0);
         EXPECT_EQ(pArray->GetData(), nullptr);
     }
@@ -256,7 +256,7 @@ TEST_F(ControlLayouts, AreReleasedInTheOrderOfTheirClasses) {
     std::vector<std::string> deleted;
     // Filled in another order than they are released in.
     for (size_t i = m_nodes.size(); i-- > 0;) {
-        NodeParamInfoGrpArray* pArray = m_nodes[i]->GetNodeParamInfoGrpAr();
+        CArray<SNodeParamInfoGrp*>* pArray = m_nodes[i]->GetNodeParamInfoGrpAr();
         pArray->Add(new CTracedGroup(std::string(CLASSES[i].pszName) + " 1", deleted));
         pArray->Add(new CTracedGroup(std::string(CLASSES[i].pszName) + " 2", deleted));
     }

@@ -2,8 +2,10 @@
 #include <set>
 
 #include "HeapUse.h"
+#include "HostCalls.h"
 #include "HostSetup.h"
 #include "ModuleHost.h"
+#include "host/RemoteControlRecord.h"
 
 namespace {
 
@@ -70,6 +72,21 @@ TEST_F(GeneralEvent, CarriesFourPointerParameters) {
     EXPECT_EQ(*static_cast<int*>(params[3]->m_pValue), 153);
 }
 
+TEST_F(GeneralEvent, OwesNothingToWhatTheHostLeavesInAParameter) {
+    {
+        const CarelessHost host;
+        Fire();
+    }
+    const std::vector<PostedEvent> events = m_host.TakeEvents();
+    ASSERT_EQ(events.size(), 1u);
+    const std::vector<VEKParam*> params = Items(events[0].pEvent->m_lstParam);
+    ASSERT_EQ(params.size(), 4u);
+    for (size_t i = 0; i < 4; ++i) {
+        EXPECT_STREQ(params[i]->m_szTypeName, EVENT_PARAMS[i].pszTypeName);
+    }
+    EXPECT_EQ(params[1]->m_pValue, nullptr);
+}
+
 TEST_F(GeneralEvent, DisplayTextsComeFromTheTextTable) {
     m_host.WriteFile("Config/Texts/zh.json",
                      R"({"TOUCH_CONTROL_OWNER_CLIP": "剪辑", "TOUCH_CONTROL_OWNER_OBJECT": "物体",
@@ -106,6 +123,88 @@ TEST_F(GeneralEvent, IsNotDeliveredDuringTheCall) {
     EXPECT_EQ(m_host.EventCount(), 0);
     m_host.Pump();
     EXPECT_EQ(m_host.EventCount(), 1);
+}
+
+/// Notes at each log line how many events came before it, by either way to the host.
+class EventsBeforeLines final : public ILogSink {
+public:
+    explicit EventsBeforeLines(ModuleHost& host) : m_host(host) { SetLogSink(this); }
+    ~EventsBeforeLines() { SetLogSink(nullptr); }
+
+    EventsBeforeLines(const EventsBeforeLines&) = delete;
+    EventsBeforeLines& operator=(const EventsBeforeLines&) = delete;
+
+    void OnLogLine(const SLogLine& /*line*/) override { m_counts.push_back(Events()); }
+
+    /// There were so many more lines, each with its event behind it.
+    void Expect(int nLines) {
+        std::vector<long long> counts;
+        for (int i = 0; i <= nLines; ++i) {
+            counts.push_back(m_nExpected++);
+        }
+        --m_nExpected;
+        m_counts.push_back(Events());
+        EXPECT_EQ(std::exchange(m_counts, {}), counts);
+    }
+
+private:
+    long long Events() {
+        m_host.Pump();
+        m_nReported += static_cast<long long>(m_host.TakeReportedEvents().size());
+        return m_host.EventCount() + m_nReported;
+    }
+
+    ModuleHost& m_host;
+    long long m_nReported = 0;
+    long long m_nExpected = 0;
+    std::vector<long long> m_counts;
+};
+
+TEST_F(GeneralEvent, ComesBehindItsLogLine) {
+    EventsBeforeLines events(m_host);
+    SKeyEventData key;
+    m_scene.Send(0, 2002, &key);
+    m_scene.Send(0, 2003, &key);
+    events.Expect(2);
+
+    NodeScene mouse(m_host, TYPE_MOUSE);
+    mouse.Evaluate();
+    for (int nEvent = 3002; nEvent <= 3012; ++nEvent) {
+        mouse.Send(1, nEvent);
+    }
+    events.Expect(11);
+
+    NodeScene gesture(m_host, TYPE_GESTURE);
+    gesture.Evaluate();
+    for (const CPoint& step : {CPoint(100, 0), CPoint(-100, 0), CPoint(0, 100), CPoint(0, -100), CPoint(0, 0)}) {
+        SQORMouseData sample(0, 0.0f, 0.0f, CPoint(0, 0), 0);
+        for (const int nEvent : {3005, 3013, 3006}) {
+            gesture.Send(1, nEvent, &sample);
+            sample.m_ptPixel = CPoint(sample.m_ptPixel.x + step.x, sample.m_ptPixel.y + step.y);
+        }
+        events.Expect(step == CPoint(0, 0) ? 1 : 3); // a tap, or a drag from its start to its swipe
+    }
+
+    NodeScene netReceive(m_host, TYPE_NET_PARAMETER_RECEIVE);
+    netReceive.Evaluate();
+    CQORPanelRemoteCtrlData record;
+    record.m_strClipName = L"Clip";
+    netReceive.Send(2, 0, static_cast<CQORIOAttachedData*>(&record));
+    events.Expect(1);
+
+    NodeScene device(m_host, TYPE_DEVICE_JSON_RECEIVE);
+    device.Evaluate();
+    SDeviceTextData deviceText;
+    deviceText.m_nDeviceId = 1;
+    deviceText.m_strText = L"1";
+    device.Send(5, 0, &deviceText);
+    events.Expect(1);
+
+    NodeScene object(m_host, TYPE_OBJECT_JSON_RECEIVE);
+    object.Evaluate();
+    SObjectTextData objectText;
+    object.Send(6, 0, &objectText);
+    events.Expect(1);
 }
 
 TEST_F(GeneralEvent, UsesTheNodesOwnMessage) {

@@ -1,4 +1,5 @@
 // The key check node: its tables, and what it fires for each state of keyboard, clock and main window.
+#include "HostCalls.h"
 #include "ModuleHost.h"
 #include "TestMachine.h"
 
@@ -503,6 +504,31 @@ TEST_F(KeyCheckNode, TickCountThatWrapsPastAHoldThatIsDueBefore) {
         EXPECT_EQ(EvaluatedAt(nTick), Outputs{}) << nTick;
     }
     EXPECT_EQ(EvaluatedAt(0xFFFFFFC8), Outputs{HOLD_DOWN});
+}
+
+TEST_F(KeyCheckNode, WhatCannotBeFiredIsFiredAgainOnlyWhereTheStateIsKeptAtLast) {
+    m_scene.Input(KEY_VALUE).m_nValue = KEY_A | SHIFT_REQUIRED;
+    const auto FailedThenEvaluated = [this](DWORD nTick, int nResult) {
+        m_clock.Set(nTick);
+        {
+            const FailingText failing(TEXT_OF_EVENTS);
+            m_scene.Evaluate();
+        }
+        EXPECT_EQ(m_host.TakeFiredOutputs(), Outputs{});
+        return Evaluated(nResult);
+    };
+    m_keyboard.Hold(SHIFT);
+    m_keyboard.Hold(KEY_A);
+    EXPECT_EQ(FailedThenEvaluated(1000, 1), Outputs{KEY_DOWN});
+    EXPECT_EQ(FailedThenEvaluated(1000, 1), Outputs{}) << "the hold has its tick already";
+    EXPECT_EQ(EvaluatedAt(1199), Outputs{});
+    EXPECT_EQ(EvaluatedAt(1200), Outputs{HOLD_DOWN});
+    m_keyboard.Release(KEY_A);
+    EXPECT_EQ(FailedThenEvaluated(1200, 1), Outputs{KEY_UP});
+    m_keyboard.Hold(KEY_A);
+    EXPECT_EQ(EvaluatedAt(1200), Outputs{KEY_DOWN});
+    m_keyboard.Release(SHIFT);
+    EXPECT_EQ(FailedThenEvaluated(1200, 0), Outputs{}) << "the key counts as up already";
 }
 
 TEST_F(KeyCheckNode, ReleasedModifierEndsTheHold) {

@@ -9,16 +9,16 @@ const int KEY_UP = 2003;
 const unsigned ENABLE = 2;
 const unsigned KEY_TEXT = 154;
 
-SKeyEventData Key(const wchar_t* pszText) {
+SKeyEventData Key(const CString& strText) {
     SKeyEventData key;
-    key.m_strText = pszText;
+    key.m_strText = strText;
     return key;
 }
 
 class KeyboardNode : public ModuleTest {
 protected:
-    int Press(const wchar_t* pszText) {
-        SKeyEventData key = Key(pszText);
+    int Press(const CString& strText) {
+        SKeyEventData key = Key(strText);
         return m_scene.Send(DEVICE, KEY_DOWN, &key);
     }
     int Release() { return m_scene.Send(DEVICE, KEY_UP); }
@@ -349,6 +349,14 @@ TEST_F(KeyboardNode, TextsOfAnyKindPassUnchanged) {
         EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{Information("[Clip.Graph.Node]触发输出事件[按下]键盘信息为[" +
                                                                      Utf8(pszText) + "]")});
         EXPECT_EQ(EvaluatedText(), Utf8(pszText));
+    }
+}
+
+TEST_F(KeyboardNode, TextsWithAZeroInsideArriveWhole) {
+    m_scene.Evaluate();
+    for (const CString& strText : {CString(L"a\0b", 3), CString(L"a\0c", 3), CString(L"a"), CString(L"\0", 1)}) {
+        Press(strText);
+        EXPECT_EQ(EvaluatedText(), Utf8(strText));
     }
 }
 

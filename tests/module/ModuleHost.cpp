@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "HostCalls.h"
 #include "HostSetup.h"
 #include "SystemCalls.h"
 
@@ -120,6 +121,7 @@ void ModuleHost::Load() {
         throw std::runtime_error("the module doesn't load, error " + std::to_string(GetLastError()));
     }
     WatchSystemCalls(m_hModule);
+    WatchHostCalls(m_hModule);
     // By way of a pointer to object: a cast from one function type to another is warned of.
     m_pIOProcessFunc =
         reinterpret_cast<IOProcessFuncType>(reinterpret_cast<void*>(GetProcAddress(m_hModule, "IOProcessFunc")));

@@ -17,6 +17,8 @@
 #include "LogSink.h"
 #include "RenderSink.h"
 #include "host/EventRecord.h"
+#include "host/GeneralEvent.h"
+#include "host/HostRender.h"
 #include "host/PluginContract.h"
 
 /// UTF-8 of a text, so that expectations are plain literals and failures readable.

@@ -1,6 +1,7 @@
 // The net parameter receive node: its tables, which records it takes, what they change.
 #include "ModuleHost.h"
-#include "host/HostNetwork.h"
+#include "host/ParamModel.h"
+#include "host/RemoteControlRecord.h"
 
 namespace {
 
@@ -165,6 +166,35 @@ TEST_F(NetParameterReceiveNode, EveryPartOfTheAddressMustMatch) {
     m_record.m_nKeyNumber = 43;
     EXPECT_EQ(Send(), 0);
     ExpectUntouched();
+}
+
+TEST_F(NetParameterReceiveNode, TextsWithAZeroInsideArriveWhole) {
+    for (const CString& strText : {CString(L"a\0b", 3), CString(L"a\0c", 3), CString(L"a"), CString(L"\0", 1)}) {
+        m_record.m_strKeyValue = strText;
+        m_record.m_strHelpParameter = strText;
+        EXPECT_EQ(Send(), 1);
+        EXPECT_EQ(Output(KEY_VALUE), Utf8(strText));
+        EXPECT_EQ(Output(HELP_PARAMETER), Utf8(strText));
+    }
+}
+
+TEST_F(NetParameterReceiveNode, AddressesAreComparedBeyondAZeroInside) {
+    const struct {
+        CString CQORPanelRemoteCtrlData::*pText;
+        CString& strOwn;
+    } TEXTS[] = {{&CQORPanelRemoteCtrlData::m_strClipName, m_scene.m_clip.m_strName},
+                 {&CQORPanelRemoteCtrlData::m_strGroupName, m_scene.Input(NAME_OF_GROUP).m_strValue},
+                 {&CQORPanelRemoteCtrlData::m_strKeyName, m_scene.Input(KEY_NAME).m_strValue}};
+    for (const auto& text : TEXTS) {
+        SCOPED_TRACE(Utf8(text.strOwn));
+        CString& strSent = m_record.*text.pText;
+        strSent = text.strOwn + CString(L"\0", 1);
+        EXPECT_EQ(Send(), 0);
+        text.strOwn += CString(L"\0a", 2);
+        EXPECT_EQ(Send(), 0);
+        strSent = text.strOwn;
+        EXPECT_EQ(Send(), 1);
+    }
 }
 
 TEST_F(NetParameterReceiveNode, DeviceAndLayerDoNotMatter) {

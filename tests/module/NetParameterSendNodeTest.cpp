@@ -285,6 +285,76 @@ TEST_F(NetParameterSendNode, ASavedLayerBeyondTheChoicesIsTheLast) {
     }
 }
 
+class NetParameterSendNodeGroups : public NetParameterSendNode {
+protected:
+    /// Move parameters, in this order, to a group of their own before the others'.
+    void MoveToFirstGroup(std::initializer_list<unsigned> ids) {
+        auto* pGroup = new VEKParamGroup;
+        for (const unsigned nId : ids) {
+            VEKParam* pParam = &Input(nId);
+            List().RemoveAt(List().Find(pParam));
+            pGroup->m_lstParam.AddTail(pParam);
+        }
+        m_scene.m_pNode->m_lstParamGroup.AddHead(pGroup);
+    }
+
+    /// The ids of the parameters of each group after the upgrade.
+    std::vector<std::vector<unsigned>> UpgradedIds() {
+        m_scene.m_pNode->InitParam();
+        std::vector<std::vector<unsigned>> ids;
+        for (const VEKParamGroup* pGroup : Items(m_scene.m_pNode->m_lstParamGroup)) {
+            ids.emplace_back();
+            for (const VEKParam* pParam : Items(pGroup->m_lstParam)) {
+                ids.back().push_back(static_cast<unsigned>(pParam->m_guid.Data1));
+            }
+        }
+        return ids;
+    }
+};
+
+using IdsOfGroups = std::vector<std::vector<unsigned>>;
+
+TEST_F(NetParameterSendNodeGroups, ParametersAreAddedWhereTheClipNameIs) {
+    Drop(LAYER);
+    Drop(TO_DEV);
+    Drop(VERSION);
+    MoveToFirstGroup({KEY_NAME});
+    EXPECT_EQ(UpgradedIds(), (IdsOfGroups{{406}, {402, 403, 412, 404, 411, 405, 407, 408, 409, 410}}));
+}
+
+TEST_F(NetParameterSendNodeGroups, WithoutAClipNameTheyStandAtTheEndsOfTheFirst) {
+    for (const unsigned nId : {LAYER, TO_DEV, VERSION, CLIP_NAME}) {
+        Drop(nId);
+    }
+    MoveToFirstGroup({KEY_NAME, KEY_VALUE});
+    EXPECT_EQ(UpgradedIds(), (IdsOfGroups{{412, 406, 408, 411}, {402, 403, 405, 407, 409, 410}}));
+}
+
+TEST_F(NetParameterSendNodeGroups, ToDevIsMovedWhereTheVersionIs) {
+    Input(VERSION).m_nValue = 4;
+    MoveToFirstGroup({VERSION, KEY_NAME});
+    EXPECT_EQ(UpgradedIds(), (IdsOfGroups{{7, 412, 406}, {402, 403, 404, 411, 405, 407, 408, 409, 410}}));
+    EXPECT_EQ(Input(VERSION).m_nValue, 5);
+}
+
+TEST_F(NetParameterSendNodeGroups, EveryParameterIsFoundWhereverItIs) {
+    Input(VERSION).m_nValue = 1;
+    Input(TO_DEV).m_nValue = 0;
+    Input(DEV_ID).m_strValue = Input(DEV_NAME).m_strValue = L"3";
+    Input(LAYER).m_nValue = 20;
+    Input(LAYER).m_arChoice.RemoveAll();
+    MoveToFirstGroup({KEY_NAME});
+    EXPECT_EQ(UpgradedIds(), (IdsOfGroups{{406}, {7, 412, 402, 403, 404, 411, 405, 407, 408, 409, 410}}))
+        << "nothing is there twice";
+    EXPECT_EQ(Input(VERSION).m_nValue, 5);
+    EXPECT_EQ(Input(LAYER).m_nValue, 16);
+    EXPECT_EQ(Input(LAYER).m_arChoice.GetSize(), 17);
+    for (const unsigned nId : {DEV_ID, DEV_NAME}) {
+        EXPECT_EQ(Input(nId).m_bAvailable, 0);
+        EXPECT_EQ(Utf8(Input(nId).m_strValue), "");
+    }
+}
+
 TEST_F(NetParameterSendNode, InitParamTakesANodeWithoutParameters) {
     m_scene.m_pNode->Empty();
     m_scene.m_pNode->InitParam();
@@ -514,7 +584,7 @@ TEST_F(NetParameterSendNode, ItsLayoutFileIsItsOwn) {
     const std::string ending = "\\Plugins\\NodePlugin\\IOProcess\\CVEKIONetParameterSend.XML";
     ASSERT_GE(path.size(), ending.size());
     EXPECT_EQ(path.substr(path.size() - ending.size()), ending);
-    NodeParamInfoGrpArray* pGroups = node.GetNodeParamInfoGrpAr();
+    CArray<SNodeParamInfoGrp*>* pGroups = node.GetNodeParamInfoGrpAr();
     ASSERT_NE(pGroups, nullptr);
     ASSERT_EQ(pGroups->GetSize(), 1);
     EXPECT_EQ((*pGroups)[0]->m_guid.Data1, 401u);

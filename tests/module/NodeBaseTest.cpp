@@ -213,7 +213,7 @@ TEST_F(NodeBase, HasNoControlLayout) {
     EXPECT_EQ(m_node.ShouldReCalHeight(), FALSE);
     EXPECT_EQ(Utf8(m_node.GetCtrlPosXmlPath()), "");
     EXPECT_EQ(m_node.GetNodeParamInfoGrpAr(), nullptr);
-    NodeParamInfoGrpArray arGroup;
+    CArray<SNodeParamInfoGrp*> arGroup;
     m_node.FillNodeParamInfoGrpAr(arGroup);
     EXPECT_EQ(arGroup.GetSize(), 0);
 }

@@ -1,9 +1,10 @@
-// What the node types share, called by itself.
+// What the node types share: firing no node's event, and what comes of failures.
 #include <new>
 
 #include "HeapUse.h"
+#include "HostCalls.h"
 #include "ModuleHost.h"
-#include "host/NodeSupport.h"
+#include "nodes/shared/NodeSupport.h"
 
 namespace {
 
@@ -29,32 +30,35 @@ TEST_F(NodeSupport, NoNodeFiresNothing) {
     EXPECT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{153});
 }
 
-/// What comes of something that is raised in an operation.
-template <typename Raise>
-int AnswerTo(Raise raise) {
-    try {
-        raise();
-        return -1;
-    } catch (...) {
-        return RejectFailure();
-    }
+/// Release a key while the texts of its event can't be had. Nothing but that fails.
+int FireWithFailure(NodeScene& keyboard, void (*pRaise)()) {
+    const FailingText failing(TEXT_OF_EVENTS, 0, pRaise);
+    return keyboard.Send(0, 2003);
 }
 
 TEST_F(NodeSupport, FailuresEndAndAreFreed) {
-    EXPECT_EQ(AnswerTo([] { throw std::bad_alloc(); }), 0);
-    EXPECT_EQ(AnswerTo([] { throw 5; }), 0);
-    EXPECT_EQ(AnswerTo([] { AfxThrowMemoryException(); }), 0);
+    SetLogSink(nullptr);
+    NodeScene keyboard(m_host, TYPE_KEYBOARD);
+    keyboard.Evaluate();
+    EXPECT_EQ(FireWithFailure(keyboard, [] { throw std::bad_alloc(); }), 0);
+    EXPECT_EQ(FireWithFailure(keyboard, [] { throw 5; }), 0);
+    EXPECT_EQ(FireWithFailure(keyboard, AfxThrowMemoryException), 0);
     const size_t nBefore = HeapBytesInUse();
     for (int i = 0; i < 100; ++i) {
-        EXPECT_EQ(AnswerTo([] { throw new CMemoryException; }), 0);
+        EXPECT_EQ(FireWithFailure(keyboard, [] { throw new CMemoryException; }), 0);
     }
     EXPECT_EQ(HeapBytesInUse(), nBefore) << "the framework's exceptions belong to whoever catches them";
+    EXPECT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{});
+    keyboard.Send(0, 2003);
+    EXPECT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{153});
 }
 
 TEST_F(NodeSupport, InvalidArgumentsGoOnToTheHost) {
+    NodeScene keyboard(m_host, TYPE_KEYBOARD);
+    keyboard.Evaluate();
     bool bRaised = false;
     try {
-        AnswerTo([] { AfxThrowInvalidArgException(); });
+        FireWithFailure(keyboard, AfxThrowInvalidArgException);
     } catch (CInvalidArgException* pException) {
         bRaised = true;
         pException->Delete();

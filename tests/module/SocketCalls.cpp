@@ -4,7 +4,11 @@
 #include <cstring>
 #include <utility>
 
+#include "ReplacedCalls.h"
+
 namespace {
+
+const wchar_t LIBRARY[] = L"ws2_32.dll";
 
 bool s_bFail = false;
 std::vector<std::string> s_calls;
@@ -94,60 +98,20 @@ int WSAAPI WatchedSendTo(SOCKET hSocket, const char* pBytes, int nBytes, int nFl
     return nBytes;
 }
 
-template <typename T>
-T* At(HMODULE hModule, DWORD nOffset) {
-    return reinterpret_cast<T*>(reinterpret_cast<BYTE*>(hModule) + nOffset);
-}
-
-template <typename Function>
-ULONG_PTR Address(Function* pFunction) {
-    return reinterpret_cast<ULONG_PTR>(pFunction);
-}
-
-ULONG_PTR Exported(const char* pszName) {
-    return reinterpret_cast<ULONG_PTR>(GetProcAddress(GetModuleHandleW(L"ws2_32.dll"), pszName));
-}
-
 } // namespace
 
 void WatchSocketCalls(HMODULE hModule) {
     WSADATA data;
     WSAStartup(0x0202, &data); // the host's part
-    const std::pair<ULONG_PTR, ULONG_PTR> replacements[] = {{Exported("socket"), Address(&WatchedSocket)},
-                                                            {Exported("WSAStartup"), Address(&WatchedStartup)},
-                                                            {Exported("setsockopt"), Address(&WatchedSetOption)},
-                                                            {Exported("sendto"), Address(&WatchedSendTo)}};
-    const auto* pHeader = At<IMAGE_NT_HEADERS>(hModule, static_cast<DWORD>(At<IMAGE_DOS_HEADER>(hModule, 0)->e_lfanew));
-    const DWORD nImports = pHeader->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
-    for (auto* pImport = At<IMAGE_IMPORT_DESCRIPTOR>(hModule, nImports); pImport->Name != 0; ++pImport) {
-        for (auto* pAddress = At<ULONG_PTR>(hModule, pImport->FirstThunk); *pAddress != 0; ++pAddress) {
-            for (const auto& [nOriginal, nWatched] : replacements) {
-                if (*pAddress == nOriginal) {
-                    DWORD nProtection;
-                    VirtualProtect(pAddress, sizeof(*pAddress), PAGE_READWRITE, &nProtection);
-                    *pAddress = nWatched;
-                    VirtualProtect(pAddress, sizeof(*pAddress), nProtection, &nProtection);
-                    break;
-                }
-            }
-        }
-    }
+    ReplaceImport(hModule, LIBRARY, "socket", WatchedSocket);
+    ReplaceImport(hModule, LIBRARY, "WSAStartup", WatchedStartup);
+    ReplaceImport(hModule, LIBRARY, "setsockopt", WatchedSetOption);
+    ReplaceImport(hModule, LIBRARY, "sendto", WatchedSendTo);
 }
 
 #else
 
 // The program's own definitions come before those of its libraries, for every caller.
-
-#include <dlfcn.h>
-
-namespace {
-
-template <typename Function>
-Function* Next(const char* pszName) {
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, pszName));
-}
-
-} // namespace
 
 void WatchSocketCalls(HMODULE /*hModule*/) {}
 
@@ -157,18 +121,19 @@ void WatchSocketCalls(HMODULE /*hModule*/) {}
 extern "C" {
 
 int socket(int nFamily, int nType, int nProtocol) noexcept {
-    static const auto s_pSocket = Next<int(int, int, int) noexcept>("socket");
+    static const auto s_pSocket = Original<int(int, int, int) noexcept>(LIBRARY, "socket");
     return OpenSocket(s_pSocket, nFamily, nType, nProtocol);
 }
 
 int WINAPI WSAStartup(WORD nVersion, LPWSADATA pData) {
-    static const auto s_pStartup = Next<decltype(WSAStartup)>("WSAStartup");
+    static const auto s_pStartup = Original<decltype(WSAStartup)>(LIBRARY, "WSAStartup");
     Record("WSAStartup 0x%04X", nVersion);
     return s_pStartup(nVersion, pData);
 }
 
 int setsockopt(int hSocket, int nLevel, int nOption, const void* pValue, socklen_t nSize) noexcept {
-    static const auto s_pSetOption = Next<int(int, int, int, const void*, socklen_t) noexcept>("setsockopt");
+    static const auto s_pSetOption =
+        Original<int(int, int, int, const void*, socklen_t) noexcept>(LIBRARY, "setsockopt");
     RecordOption(nLevel, nOption, pValue, static_cast<int>(nSize));
     return s_pSetOption(hSocket, nLevel, nOption, pValue, nSize);
 }

@@ -1,5 +1,5 @@
 // Sees the system calls by which the module reaches for what cannot be read back: icon resources and message names.
-// Stops the tick count that it reads.
+// Stops the tick count that it reads, and lets its conversions of text fail.
 #pragma once
 
 #include <optional>
@@ -26,6 +26,9 @@ void StopTickCount(std::optional<DWORD> nTick);
 
 /// The calls of LoadImageW since the last question.
 std::vector<ImageCall> TakeImageCalls();
+
+/// Let WideCharToMultiByte yield nothing, or not. Natively that's the same function for everybody.
+void FailConversions(bool bFail);
 
 #if !defined(_WIN32)
 /// The names given to RegisterWindowMessageW since the last question. Only here: on Windows they are registered before

@@ -7,7 +7,9 @@
 
 #include "DeviceList.h"
 #include "SocketTransport.h"
-#include "host/HostNetwork.h"
+#include "host/Clip.h"
+#include "host/PlayControlDevice.h"
+#include "host/RemoteControlRecord.h"
 
 /// A parser that isn't the direct one.
 class OtherParser final : public CZtSocketParser {

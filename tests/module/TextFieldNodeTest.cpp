@@ -1,4 +1,7 @@
 // The text field node: its tables, what its triggers do to the text, what it logs and writes.
+#include <clocale>
+#include <cwctype>
+
 #include "ModuleHost.h"
 #include "TestMachine.h"
 
@@ -36,12 +39,16 @@ protected:
     }
 
     /// A key of the on-screen keyboard.
-    int Type(const wchar_t* pszKeyName) {
-        m_inputText.m_strValue = pszKeyName;
+    int Type(const CString& strKeyName) {
+        m_inputText.m_strValue = strKeyName;
         return EvaluateTriggered(true, false);
     }
 
     std::string Text() { return Utf8(m_scene.Output(OUTPUT_TEXT).m_strValue); }
+    std::wstring WideText() {
+        const CString& strText = m_scene.Output(OUTPUT_TEXT).m_strValue;
+        return {strText.GetString(), static_cast<size_t>(strText.GetLength())};
+    }
     int HasText() { return m_scene.Output(HAS_TEXT).m_nValue; }
 
     TestKeyboard m_keyboard;
@@ -218,6 +225,96 @@ TEST_F(TextFieldNode, BackspaceOnNothingLeavesNothing) {
     Type(L"Backspace");
     EXPECT_EQ(Text(), "");
     EXPECT_EQ(HasText(), 0);
+}
+
+TEST_F(TextFieldNode, BackspaceRemovesTheLastCharacterWhole) {
+    // Some of two units, D83D and DE00, which natively are no character; and the halves of such alone.
+    const struct {
+        const wchar_t* pszText;
+        const wchar_t* pszLeft;
+    } TEXTS[] = {{L"a\U0001F600", L"a"},
+                 {L"a\xD83D\xDE00", L"a"},
+                 {L"a\xD83D", L"a"},
+                 {L"a\xDE00", L"a"},
+                 {L"\xDE00\xD83D", L"\xDE00"},
+                 {L"\xD83D\xD83D\xDE00", L"\xD83D"},
+                 {L"\xD83D\xDE00\xDE00", L"\xD83D\xDE00"},
+                 {L"\xDE00", L""}};
+    for (const auto& text : TEXTS) {
+        EvaluateTriggered(false, true);
+        Type(text.pszText);
+        EXPECT_EQ(WideText(), text.pszText);
+        Type(L"Backspace");
+        EXPECT_EQ(WideText(), text.pszLeft);
+    }
+}
+
+TEST_F(TextFieldNode, TextsWithAZeroInsideAreTakenWhole) {
+    using namespace std::string_literals;
+    const struct {
+        std::wstring keyName;
+        std::wstring text;
+    } KEYS[] = {
+        {L"\0"s, L"\0"s},
+        {L"Backspace"s, L""s},
+        {L"a\0b"s, L"a\0b"s},
+        {L"Backspace"s, L"a\0"s},
+        {L"c"s, L"a\0c"s},
+        {L"Backspace"s, L"a\0"s},
+        {L"Backspace"s, L"a"s},
+        // Names of other keys than those that they begin with.
+        {L"Space\0"s, L"aSpace\0"s},
+        {L"Backspace\0"s, L"aSpace\0Backspace\0"s},
+        {L"Shift+a\0"s, L"aSpace\0Backspace\0"s},
+        {L"Num Del\0"s, L"aSpace\0Backspace\0Del\0"s},
+        {L"Num Enter\0"s, L"aSpace\0Backspace\0Del\0Enter\0"s},
+        {L"Num Lock\0"s, L"aSpace\0Backspace\0Del\0Enter\0Lock\0"s},
+    };
+    for (const auto& [keyName, text] : KEYS) {
+        Type(CString(keyName.data(), static_cast<int>(keyName.size())));
+        EXPECT_EQ(WideText(), text);
+        EXPECT_EQ(HasText(), text.empty() ? 0 : 1);
+    }
+}
+
+TEST_F(TextFieldNode, OnlyAsciiLettersHaveCaseWhateverTheLocale) {
+    const struct {
+        const wchar_t* pszCharacter;
+        const char* pszTyped;
+        const char* pszTypedWithCapsLock;
+        const char* pszShifted; ///< with what key names can't hold, they are appended whole
+    } CHARACTERS[] = {{L"a", "a", "A", "A"},       {L"A", "a", "A", "A"},       {L"é", "é", "é", "é"},
+                      {L"É", "É", "É", "É"},       {L"ß", "ß", "ß", "ß"},       {L"ÿ", "ÿ", "ÿ", "ÿ"},
+                      {L"я", "я", "я", "Shift+я"}, {L"Я", "Я", "Я", "Shift+Я"}, {L"İ", "İ", "İ", "Shift+İ"},
+                      {L"ı", "ı", "ı", "Shift+ı"}};
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    bool bCaseOfOthers = false;
+    for (const char* pszLocale : {"C", "C.UTF-8", "French_France.1252"}) {
+        if (std::setlocale(LC_ALL, pszLocale) == nullptr) {
+            continue; // another system's
+        }
+        SCOPED_TRACE(pszLocale);
+        bCaseOfOthers = bCaseOfOthers || std::towupper(L'é') == L'É';
+        for (const auto& character : CHARACTERS) {
+            const CString strShifted = CString(L"Shift+") + character.pszCharacter;
+            const struct {
+                CString strKeyName;
+                bool bCapsLock;
+                const char* pszText;
+            } KEYS[] = {{character.pszCharacter, false, character.pszTyped},
+                        {character.pszCharacter, true, character.pszTypedWithCapsLock},
+                        {strShifted, false, character.pszShifted},
+                        {strShifted, true, character.pszShifted}};
+            for (const auto& key : KEYS) {
+                EvaluateTriggered(false, true);
+                m_keyboard.Toggle(CAPS_LOCK, key.bCapsLock);
+                Type(key.strKeyName);
+                EXPECT_EQ(Text(), key.pszText);
+            }
+        }
+    }
+    std::setlocale(LC_ALL, before.c_str());
+    EXPECT_TRUE(bCaseOfOthers) << "no locale in which other letters have case";
 }
 
 TEST_F(TextFieldNode, CapsLockIsReadFromTheKeyboard) {

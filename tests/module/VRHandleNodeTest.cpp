@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "HeapUse.h"
+#include "HostCalls.h"
 #include "HostSetup.h"
 #include "ModuleHost.h"
 
@@ -882,6 +883,26 @@ TEST_F(VRHandleNode, EventsComeAfterTheOutputsAreWritten) {
     EXPECT_EQ(m_host.EventCount(), 0) << "posted, not delivered";
     EXPECT_EQ(Values(POSITION), (std::vector<float>{112, 113, 114}));
     EXPECT_EQ(Fired(), Outputs{TRIGGER_DOWN});
+}
+
+TEST_F(VRHandleNode, SampleCountsWhateverComesOfItsEvents) {
+    const struct {
+        SVRPluginData sample;
+        Outputs outputs;
+    } SAMPLES[] = {{Sample(1, 1), {TRIGGER_DOWN, PAD_DOWN}}, {Sample(0, 0), {TRIGGER_UP, PAD_UP, PAD_CENTER}}};
+    for (const size_t nFired : {0u, 1u}) {
+        for (const auto& [sample, outputs] : SAMPLES) {
+            {
+                const FailingText failing(TEXT_OF_EVENTS, static_cast<int>(nFired));
+                Send(sample);
+            }
+            EXPECT_EQ(Fired(), Outputs(outputs.begin(), outputs.begin() + static_cast<std::ptrdiff_t>(nFired)));
+            EXPECT_EQ(FiredBy(sample), Outputs{}) << "nothing has changed since";
+            SVRPluginData moved = sample;
+            moved.m_fTouchPadX = 0.8f;
+            EXPECT_EQ(FiredBy(moved), Outputs{}) << "no other click comes of the same release";
+        }
+    }
 }
 
 TEST_F(VRHandleNode, WithoutEventWindowTheStateIsFollowedAllTheSame) {

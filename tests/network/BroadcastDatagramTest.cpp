@@ -3,6 +3,8 @@
 
 #include "BroadcastDatagram.h"
 #include "NetworkTest.h"
+#include "host/EventRecord.h"
+#include "host/Markup.h"
 
 namespace {
 

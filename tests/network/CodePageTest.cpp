@@ -4,6 +4,8 @@
 #include <compat/testing.h>
 
 #include "NetworkTest.h"
+#include "host/EventRecord.h"
+#include "host/Markup.h"
 
 namespace {
 

@@ -1,6 +1,7 @@
 // The host's device list as nodes see it.
 #include "DeviceList.h"
 #include "NetworkTest.h"
+#include "host/HostRender.h"
 
 namespace {
 

@@ -6,6 +6,8 @@
 #include "HeapUse.h"
 #include "NetworkTest.h"
 #include "PlayControlParser.h"
+#include "host/Clip.h"
+#include "host/EventRecord.h"
 
 namespace {
 

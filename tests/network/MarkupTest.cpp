@@ -2,6 +2,7 @@
 #include <pugixml.hpp>
 
 #include "NetworkTest.h"
+#include "host/Markup.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "HostSetup.h"
-#include "host/HostNetwork.h"
+#include "host/RemoteControlRecord.h"
 
 using Bytes = std::vector<unsigned char>;
 

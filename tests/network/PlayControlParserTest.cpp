@@ -1,6 +1,8 @@
 // Play-control items on their way from the contract's objects into frames and back.
 #include "PlayControlParser.h"
 #include "NetworkTest.h"
+#include "host/Clip.h"
+#include "host/PlayControlDevice.h"
 
 namespace {
 

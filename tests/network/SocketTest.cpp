@@ -1,6 +1,7 @@
 // CZTSocket hands what it is given to its transport; the direct parser hands on what came in.
 #include "NetworkTest.h"
 #include "SocketTransport.h"
+#include "host/PlayControlDevice.h"
 
 namespace {
 

@@ -4,7 +4,6 @@
 #include <atomic>
 #include <climits>
 #include <cwchar>
-#include <cwctype>
 #include <functional>
 #include <string>
 #include <utility>
@@ -324,24 +323,6 @@ int CString::Compare(const wchar_t* pszText) const noexcept {
 }
 
 // ---- Changes --------------------------------------------------------------------------------------------------------
-
-CString& CString::MakeUpper() {
-    if (!IsEmpty()) {
-        MakeWritable(GetLength());
-        std::transform(m_pszData, m_pszData + GetLength(), m_pszData,
-                       [](wchar_t ch) { return static_cast<wchar_t>(std::towupper(static_cast<std::wint_t>(ch))); });
-    }
-    return *this;
-}
-
-CString& CString::MakeLower() {
-    if (!IsEmpty()) {
-        MakeWritable(GetLength());
-        std::transform(m_pszData, m_pszData + GetLength(), m_pszData,
-                       [](wchar_t ch) { return static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(ch))); });
-    }
-    return *this;
-}
 
 int CString::Delete(int nIndex, int nCount) {
     nIndex = std::max(nIndex, 0);

@@ -74,9 +74,6 @@ public:
     // Negative, 0 or positive, by character value.
     int Compare(const wchar_t* pszText) const noexcept;
 
-    CString& MakeUpper();
-    CString& MakeLower();
-
     // Takes characters out, nothing for a count that is not positive. Returns the new length.
     int Delete(int nIndex, int nCount = 1);
 

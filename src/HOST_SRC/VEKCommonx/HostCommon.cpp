@@ -1,4 +1,5 @@
 #include "host/HostCommon.h"
+#include "host/Codes.h"
 
 #include <fstream>
 #include <iterator>

@@ -4,7 +4,6 @@
 #include <string>
 #include <string_view>
 
-#include "host/HostCommon.h"
 #include "host/NodeBase.h"
 
 /// Where PXLoadString answers from.

@@ -1,4 +1,7 @@
-#include "host/HostNetwork.h"
+#include "host/Markup.h"
+#include "host/PlayControlDevice.h"
+#include "host/PlayControlItem.h"
+#include "host/RemoteControlRecord.h"
 
 #include <cwchar>
 #include <string_view>

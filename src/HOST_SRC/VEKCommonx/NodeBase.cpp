@@ -1,5 +1,7 @@
 // The host's own answers to the virtual operations; a node overrides what it needs.
 #include "host/NodeBase.h"
+#include "host/Clip.h"
+#include "host/EventRecord.h"
 
 #include <memory>
 #include <utility>
@@ -53,11 +55,11 @@ CString SParamGrpPosAdjust::GetCtrlPosXmlPath() {
     return CString();
 }
 
-NodeParamInfoGrpArray* SParamGrpPosAdjust::GetNodeParamInfoGrpAr() {
+CArray<SNodeParamInfoGrp*>* SParamGrpPosAdjust::GetNodeParamInfoGrpAr() {
     return nullptr;
 }
 
-void SParamGrpPosAdjust::FillNodeParamInfoGrpAr(NodeParamInfoGrpArray& arGroup) {
+void SParamGrpPosAdjust::FillNodeParamInfoGrpAr(CArray<SNodeParamInfoGrp*>& arGroup) {
     CVEKXml* pReader = GetXmlReader();
     int* pLoadState = GetXmlLoadStatePtr();
     if (pReader == nullptr || pLoadState == nullptr || !arGroup.IsEmpty()) {

@@ -34,13 +34,6 @@ VEKParam* VEKParam::Clone() const {
     return new VEKParam(*this);
 }
 
-SQORNodeOutput::SQORNodeOutput(unsigned nId, const CString& strName, const CString& strDisplay, int nType, int nControl)
-    : VEKParam(nId, strName, strDisplay, nType, nControl) {}
-
-VEKParam* SQORNodeOutput::Clone() const {
-    return new SQORNodeOutput(*this);
-}
-
 VEKParamGroup::VEKParamGroup() : m_guid(MakeParamGuid(0)) {}
 
 VEKParamGroup::~VEKParamGroup() {

@@ -3,7 +3,7 @@
 
 #include <span>
 
-#include "host/HostNetwork.h"
+#include "host/PlayControlItem.h"
 
 /// Takes what nodes send to one device. Must return at once, whatever state the connection is in.
 class ISocketTransport {

@@ -9,7 +9,8 @@
 
 #include "HostSetup.h"
 #include "NativePath.h"
-#include "host/NodeBase.h"
+#include "host/Codes.h"
+#include "host/ControlLayout.h"
 
 struct CVEKXml::SDocument {
     pugi::xml_document document;
@@ -36,7 +37,7 @@ bool CVEKXml::Load(const CString& strPath) {
     return true;
 }
 
-void CVEKXml::ReadParamLayout(NodeParamInfoGrpArray& arGroup) const {
+void CVEKXml::ReadParamLayout(CArray<SNodeParamInfoGrp*>& arGroup) const {
     if (m_pDocument == nullptr) {
         return;
     }

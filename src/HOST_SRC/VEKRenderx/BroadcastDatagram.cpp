@@ -3,6 +3,7 @@
 #include <climits>
 
 #include "XmlElement.h"
+#include "host/EventRecord.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <span>
 
-#include "host/HostNetwork.h"
+#include "host/EventRecord.h"
 
 /// Why a datagram isn't a broadcast.
 enum class EBroadcastRefusal {

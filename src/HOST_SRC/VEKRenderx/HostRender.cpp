@@ -4,6 +4,8 @@
 #include <iterator>
 
 #include "RenderSink.h"
+#include "host/EventRecord.h"
+#include "host/GeneralEvent.h"
 #include "host/HostCommon.h"
 
 namespace {
@@ -16,6 +18,13 @@ constexpr float IDENTITY_MATRIX[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0,
 
 void SetRenderSink(IRenderSink* pSink) {
     s_pSink = pSink;
+}
+
+SQORNodeOutput::SQORNodeOutput(unsigned nId, const CString& strName, const CString& strDisplay, int nType, int nControl)
+    : VEKParam(nId, strName, strDisplay, nType, nControl) {}
+
+VEKParam* SQORNodeOutput::Clone() const {
+    return new SQORNodeOutput(*this);
 }
 
 VEKObject::VEKObject(const CString& strName) : m_strName(strName) {

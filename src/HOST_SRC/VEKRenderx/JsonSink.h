@@ -1,7 +1,9 @@
 // What the JSON services report to the host application.
 #pragma once
 
-#include "host/HostRender.h"
+#include <afxwin.h>
+
+#include "host/Export.h"
 
 /// Sees how nodes look at objects. References live for the call.
 class IJsonSink {

@@ -1,4 +1,8 @@
-#include "host/HostNetwork.h"
+#include "host/HostRender.h"
+#include "host/Markup.h"
+#include "host/PlayControlDevice.h"
+#include "host/PlayControlItem.h"
+#include "host/RemoteControlRecord.h"
 
 #include "DeviceList.h"
 #include "XmlElement.h"

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/HostRender.h"
+#include "host/Export.h"
 
 inline constexpr std::string_view FRAME_MAGIC = "QPCF";
 inline constexpr unsigned FRAME_VERSION = 1;

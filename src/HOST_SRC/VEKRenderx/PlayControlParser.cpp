@@ -3,6 +3,8 @@
 #include <string>
 
 #include "HostSetup.h"
+#include "host/Clip.h"
+#include "host/PlayControlDevice.h"
 
 namespace {
 

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "PlayControlFrame.h"
-#include "host/HostNetwork.h"
+#include "host/PlayControlDevice.h"
+#include "host/PlayControlItem.h"
+#include "host/RemoteControlRecord.h"
 
 /// The frame of an item, in the writer's buffer; none when it's too long for a frame.
 VEKRENDER_API std::span<const unsigned char> WriteItem(CFrameWriter& writer, const CQORNetItemPlayCtlProtocol& item);

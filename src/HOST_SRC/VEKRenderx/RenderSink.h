@@ -1,7 +1,8 @@
 // What the render library reports to the host application.
 #pragma once
 
-#include "host/HostRender.h"
+#include "host/Clip.h"
+#include "host/NodeBase.h"
 
 /// Receives what nodes ask of the host. Pointers live for the call.
 class IRenderSink {

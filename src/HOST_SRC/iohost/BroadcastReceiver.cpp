@@ -3,6 +3,7 @@
 #include "BroadcastDatagram.h"
 #include "Caught.h"
 #include "HostLine.h"
+#include "host/EventRecord.h"
 
 namespace asio = boost::asio;
 using boost::system::error_code;

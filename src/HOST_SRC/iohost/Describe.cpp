@@ -7,6 +7,7 @@
 
 #include "HostSetup.h"
 #include "Session.h"
+#include "host/HostCommon.h"
 #include "host/PluginContract.h"
 
 namespace {

@@ -10,6 +10,8 @@
 #include "Platform.h"
 #include "RecordJson.h"
 #include "TextUtf8.h"
+#include "host/Clip.h"
+#include "host/PlayControlDevice.h"
 
 namespace asio = boost::asio;
 using boost::system::error_code;

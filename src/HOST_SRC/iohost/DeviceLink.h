@@ -12,6 +12,7 @@
 #include "SendQueue.h"
 #include "SocketTransport.h"
 #include "TextLines.h"
+#include "host/PlayControlDevice.h"
 
 enum class EDeviceParser { None, Direct, Framed, JsonLines };
 

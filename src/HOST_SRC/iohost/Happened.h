@@ -8,6 +8,7 @@
 #include "LogSink.h"
 #include "RenderSink.h"
 #include "Scene.h"
+#include "host/GeneralEvent.h"
 
 class CHappened final : public ILogSink, public IRenderSink {
     enum { POSTED, LOG, NOTIFIED, SENT, REDRAWN, LIST_COUNT };

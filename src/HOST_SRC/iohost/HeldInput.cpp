@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/EventRecord.h"
+#include "host/Codes.h"
 
 namespace {
 

@@ -13,6 +13,7 @@
 #include "Module.h"
 #include "Scene.h"
 #include "host/EventRecord.h"
+#include "host/PluginContract.h"
 
 class CPeers;
 

@@ -1,6 +1,7 @@
 #include "Inspect.h"
 
 #include "TextUtf8.h"
+#include "host/HostRender.h"
 
 namespace {
 

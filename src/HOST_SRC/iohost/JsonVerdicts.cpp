@@ -4,8 +4,10 @@
 #include <utility>
 
 #include "TextUtf8.h"
-#include "host/NodeSupport.h"
+#include "host/EventRecord.h"
+#include "host/HostRender.h"
 #include "host/NodeTypeGuid.h"
+#include "host/ParamModel.h"
 
 namespace {
 
@@ -22,9 +24,14 @@ OrderedJson Verdict(const char* pszVerdict) {
     return {{"verdict", pszVerdict}};
 }
 
+/// The input as the node reads it; null when it's missing.
+const VEKParam* FindInput(const SNode& node, unsigned nId) {
+    return QORFindParamByGuid(MakeParamGuid(nId), node.pGraphNode->m_lstInputGroup, node.pNode->m_lstParamGroup);
+}
+
 /// Texts of an input; empty when it's missing.
 std::string InputText(const SNode& node, unsigned nId) {
-    const VEKParam* pParam = FindInput(*node.pNode, *node.pGraphNode, nId);
+    const VEKParam* pParam = FindInput(node, nId);
     return pParam != nullptr ? Utf8(pParam->m_strValue) : std::string();
 }
 
@@ -80,7 +87,7 @@ void CJsonVerdicts::End(const SNode& node, const SIOEventRecord* pRecord, int nR
 
 /// Why the text of a device was refused.
 OrderedJson CJsonVerdicts::JudgeDeviceText(const SNode& node, const SDeviceTextData& text) const {
-    const VEKParam* pDeviceId = FindInput(*node.pNode, *node.pGraphNode, INPUT_DEVICE_ID);
+    const VEKParam* pDeviceId = FindInput(node, INPUT_DEVICE_ID);
     if (pDeviceId != nullptr && pDeviceId->m_nValue != text.m_nDeviceId) {
         OrderedJson verdict = Verdict("other_device");
         verdict["device"] = text.m_nDeviceId;

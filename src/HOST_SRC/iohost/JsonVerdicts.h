@@ -7,6 +7,7 @@
 #include "Happened.h"
 #include "JsonSink.h"
 #include "host/EventRecord.h"
+#include "host/NodeBase.h"
 
 /// Watches while events are handed to nodes.
 class CJsonVerdicts final : private IJsonSink {

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "HostSetup.h"
+#include "host/HostRender.h"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include "HostSetup.h"
 #include "RecordJson.h"
 #include "TextUtf8.h"
+#include "host/EventRecord.h"
 #include "host/NodeTypeGuid.h"
 
 namespace {

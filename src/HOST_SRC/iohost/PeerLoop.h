@@ -10,7 +10,8 @@
 #include <vector>
 
 #include "Fields.h"
-#include "host/HostNetwork.h"
+#include "host/EventRecord.h"
+#include "host/RemoteControlRecord.h"
 
 /// Where an item came in.
 enum class EPeer { Broadcast, Control, Device };

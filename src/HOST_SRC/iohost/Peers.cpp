@@ -9,7 +9,9 @@
 #include "Host.h"
 #include "HostLine.h"
 #include "Payloads.h"
+#include "host/EventRecord.h"
 #include "host/HostCommon.h"
+#include "host/RemoteControlRecord.h"
 
 namespace asio = boost::asio;
 using boost::system::error_code;

@@ -13,6 +13,7 @@
 #include "ControlListener.h"
 #include "DeviceLink.h"
 #include "ItemObserver.h"
+#include "host/EventRecord.h"
 
 class CHost;
 

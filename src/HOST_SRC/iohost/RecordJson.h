@@ -5,7 +5,7 @@
 #include <string>
 
 #include "Fields.h"
-#include "host/HostNetwork.h"
+#include "host/RemoteControlRecord.h"
 
 /// A record's nine fields by name, in their stored order.
 OrderedJson RecordToJson(const CQORPanelRemoteCtrlData& record);

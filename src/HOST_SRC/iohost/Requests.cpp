@@ -174,7 +174,7 @@ OrderedJson Layout(SRequestContext& context) {
         return OrderedJson(szText);
     };
     return context.host.Call(&node, [&] {
-        const NodeParamInfoGrpArray* pGroups = node.pNode->GetNodeParamInfoGrpAr();
+        const CArray<SNodeParamInfoGrp*>* pGroups = node.pNode->GetNodeParamInfoGrpAr();
         return OrderedJson{{"path", Utf8(node.pNode->GetCtrlPosXmlPath())},
                            {"reader", address(node.pNode->GetXmlReader())},
                            {"state", address(node.pNode->GetXmlLoadStatePtr())},

@@ -10,8 +10,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "host/HostRender.h"
-#include "host/PluginContract.h"
+#include "host/Clip.h"
+#include "host/NodeBase.h"
 
 struct SNode;
 

@@ -5,7 +5,7 @@
 #include <windowsx.h>
 
 #include "HostSetup.h"
-#include "host/EventRecord.h"
+#include "host/Codes.h"
 
 /// A mouse button: its messages, its events, its bit among those that are down.
 struct CWindowInput::SButton {

@@ -1,7 +1,8 @@
 // The event record that the host hands to DevIOEventOccurred, and the payloads that it points at.
 #pragma once
 
-#include "HostRender.h"
+#include "host/Codes.h"
+#include "host/Export.h"
 
 /// What the host hands to a node. The record and its payload belong to the host and live for the call only.
 struct SIOEventRecord {
@@ -10,34 +11,46 @@ struct SIOEventRecord {
     void* m_pPayload; ///< payload of the device's own type; may be null
 };
 
-/// Source of an event.
-enum EIODevice : int {
-    DEVICE_KEYBOARD = 0,
-    DEVICE_POINTER = 1,
-    DEVICE_NETWORK = 2,
-    DEVICE_VR_HANDLE = 3,
-    DEVICE_NETWORK_CONTROL = 4,
-    DEVICE_TEXT = 5,
-    DEVICE_OBJECT_TEXT = 6,
+/// Root of what an event record's payload may carry.
+class VEKRENDER_API CQORIOAttachedData {
+public:
+    CQORIOAttachedData();
+    virtual ~CQORIOAttachedData();
 };
 
-/// Events of DEVICE_KEYBOARD; the payload is an SKeyEventData.
-enum EKeyEvent : int { EVENT_KEY_DOWN = 2002, EVENT_KEY_UP = 2003 };
+/// One sample of a pointer: a mouse, a finger or a pen.
+class VEKRENDER_API SQORMouseData : public CQORIOAttachedData {
+public:
+    SQORMouseData(int nPointer, float fRelativeX, float fRelativeY, CPoint ptPixel, int bRelative);
+    ~SQORMouseData() override;
 
-/// Events of DEVICE_POINTER; the payload is an SQORMouseData. The middle button's ids come before the right one's.
-enum EPointerEvent : int {
-    EVENT_ENTER_WINDOW = 3002,
-    EVENT_LEAVE_WINDOW = 3003,
-    EVENT_HOVER = 3004,
-    EVENT_LEFT_DOWN = 3005,
-    EVENT_LEFT_UP = 3006,
-    EVENT_MIDDLE_DOWN = 3007,
-    EVENT_MIDDLE_UP = 3008,
-    EVENT_RIGHT_DOWN = 3009,
-    EVENT_RIGHT_UP = 3010,
-    EVENT_WHEEL_UP = 3011,
-    EVENT_WHEEL_DOWN = 3012,
-    EVENT_POINTER_SAMPLE = 3013,
+    float m_fRelativeX; ///< x in the window's relative units
+    float m_fRelativeY; ///< y in relative units, growing upwards
+    CPoint m_ptPixel;   ///< window pixels, y growing downwards
+    int m_nPointer;     ///< which pointer the sample belongs to
+    int m_bRelative;    ///< not 0: the relative pair is the sample's coordinates
+};
+
+/// One sample of a VR hand controller.
+class VEKRENDER_API SVRPluginData : public CQORIOAttachedData {
+public:
+    SVRPluginData();
+    ~SVRPluginData() override;
+
+    /// Back to an empty sample: the left controller, nothing pressed, everything zero.
+    void clear();
+
+    long long m_nSampleNumber; ///< counts the host's samples
+    int m_nHand;               ///< 0: left controller, 1: right controller
+    int m_bTriggerPressed;     ///< not 0 while the trigger is held
+    int m_bTouchPadPressed;    ///< not 0 while the touch-pad is pressed
+    float m_fTouchPadX;        ///< thumb position, -1 (left) to 1 (right)
+    float m_fTouchPadY;        ///< thumb position, -1 (bottom) to 1 (top)
+    int m_bTouchPadTouched;    ///< not 0 while the thumb rests on the touch-pad
+    float m_fPose[16];         ///< 4x4 transform; elements 12, 13, 14 in memory order are the position
+    float m_fHitPosition[3];   ///< x, y, z of the point that the controller's ray hits
+    unsigned m_nPressTime;     ///< of the last trigger press; milliseconds, wrapping
+    unsigned m_nReleaseTime;   ///< of the last trigger release; milliseconds, wrapping
 };
 
 /// Payload of a key event.
@@ -59,4 +72,13 @@ struct SObjectTextData {
     CString m_strClipName;
     CString m_strObjectName;
     CString m_strText;
+};
+
+/// Payload of EVENT_BROADCAST: the four texts of a received broadcast.
+struct SBroadcastItem {
+    void* m_pReserved = nullptr; ///< the host's; not read by nodes
+    CString m_strFlag;
+    CString m_strClipName;
+    CString m_strName;
+    CString m_strData;
 };

@@ -1,7 +1,9 @@
 // Text and path services of the host's library VEKCommonx.
 #pragma once
 
-#include "ParamModel.h"
+#include <afxwin.h>
+
+#include "host/Export.h"
 
 /// The display text of a key; the key itself when the text table has none.
 VEKCOMMON_API CString PXLoadString(const wchar_t* pszKey);
@@ -11,12 +13,6 @@ VEKCOMMON_API CString PXGetAppPath();
 
 /// A folder of the host by its kind, without a trailing separator; empty for a kind that the host doesn't have.
 VEKCOMMON_API CString PXGetPath(int nKind);
-
-/// Kind of the configuration folder.
-inline constexpr int PATH_CONFIG = 10;
-
-/// What SplitString does with empty pieces.
-enum ESplitOption : int { SPLIT_SKIP_EMPTY = 0, SPLIT_KEEP_EMPTY = 1 };
 
 /// Split a text at each occurrence of the separator into the array, which is emptied first; answers the number of
 /// pieces. Keeping empty pieces, a text with n separators gives n + 1 pieces; an empty text gives none.

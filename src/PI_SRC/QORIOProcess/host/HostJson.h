@@ -2,9 +2,10 @@
 #pragma once
 
 #include <afxwin.h>
+
 #include <cpprest/json.h>
 
-#include "host/HostRender.h"
+#include "host/Export.h"
 
 /// Split a JSON object into two parallel arrays: the members' names and the text of their values, in member order. A
 /// string is its text, a number, boolean or null is as JSON writes it, a nested value is its JSON text. Anything else

@@ -3,9 +3,7 @@
 
 #include <afxwin.h>
 
-#ifndef VEKLOG_API
-#define VEKLOG_API __declspec(dllimport)
-#endif
+#include "host/Export.h"
 
 enum EVEKLogLevel : int {
     LOG_INFORMATION = 4, ///< an event fired

@@ -1,36 +1,12 @@
-// The parameter model: parameters, their groups, output pins and the graph node that carries them.
-// The host's library VEKCommonx implements it; nodes fill it and read it.
+// The parameter model: parameters, their groups and the graph node that carries them. VEKCommonx implements it; nodes
+// fill it and read it.
 #pragma once
 
 #include <afxtempl.h>
 #include <afxwin.h>
 
-#ifndef VEKCOMMON_API
-#define VEKCOMMON_API __declspec(dllimport)
-#endif
-
-/// Identity of a parameter, group or output: the null GUID with its first 32-bit word replaced by a small id.
-/// Ids are unique within one node type only.
-constexpr GUID MakeParamGuid(unsigned nId) {
-    return GUID{nId, 0, 0, {0, 0, 0, 0, 0, 0, 0, 0}};
-}
-
-/// Type and control code of a parameter. The host chooses the editor control by them; the comment names the value
-/// member that the pair carries.
-struct ParamCodes {
-    int m_nType;
-    int m_nControl;
-};
-
-inline constexpr ParamCodes PARAM_SWITCH{5, 5};     ///< integer 0 or 1
-inline constexpr ParamCodes PARAM_SWITCH_BOX{5, 1}; ///< integer 0 or 1, the other control
-inline constexpr ParamCodes PARAM_INTEGER{2, 1};    ///< 32-bit integer
-inline constexpr ParamCodes PARAM_FLOAT{2, 2};      ///< 32-bit float
-inline constexpr ParamCodes PARAM_STRING{1, 6};     ///< string
-inline constexpr ParamCodes PARAM_CHOICE{4, 1};     ///< integer index into the choice labels
-inline constexpr ParamCodes PARAM_KEY_CODE{38, 1};  ///< virtual-key code with modifier bits
-inline constexpr ParamCodes PARAM_EVENT{26, 7};     ///< no stored value: fired, or read as a trigger (integer not 0)
-inline constexpr ParamCodes PARAM_POINTER{0, 8};    ///< pointer plus the name of the pointee's type
+#include "host/Codes.h"
+#include "host/Export.h"
 
 /// One parameter of a node, or one parameter of a general event.
 class VEKCOMMON_API VEKParam {
@@ -39,7 +15,6 @@ public:
     virtual ~VEKParam();
 
     VEKParam(const VEKParam& other);
-    VEKParam& operator=(const VEKParam&) = delete;
 
     /// A new parameter with the same contents; the caller owns it.
     virtual VEKParam* Clone() const;
@@ -65,24 +40,11 @@ public:
     int m_bAvailable = 1;           ///< availability flag: 0 hides the parameter in the editor
 };
 
-/// One output pin of a graph node: a parameter that the graph sends on.
-class VEKCOMMON_API SQORNodeOutput : public VEKParam {
-public:
-    SQORNodeOutput(unsigned nId, const CString& strName, const CString& strDisplay, int nType, int nControl);
-
-    VEKParam* Clone() const override;
-
-    long long m_nExtra = -1; ///< host word that whoever creates the pin sets to zero
-};
-
 /// A named list of parameters; owns them.
 class VEKCOMMON_API VEKParamGroup {
 public:
     VEKParamGroup();
     ~VEKParamGroup();
-
-    VEKParamGroup(const VEKParamGroup&) = delete;
-    VEKParamGroup& operator=(const VEKParamGroup&) = delete;
 
     GUID m_guid;
     CString m_strName;
@@ -97,9 +59,6 @@ class VEKCOMMON_API SGraphNode {
 public:
     SGraphNode();
     ~SGraphNode();
-
-    SGraphNode(const SGraphNode&) = delete;
-    SGraphNode& operator=(const SGraphNode&) = delete;
 
     CString m_strName;
     VEKParamGroupList m_lstOutputGroup;

@@ -1,7 +1,9 @@
 // The records that cross the exported function IOProcessFunc.
 #pragma once
 
-#include "NodeBase.h"
+#include <algorithm>
+
+#include "host/NodeBase.h"
 
 /// Operation codes of IOProcessFunc.
 enum EIOProcessOperation : unsigned {
@@ -16,9 +18,6 @@ struct SIOProcessNodeInfo {
     SIOProcessNodeInfo() = default;
     SIOProcessNodeInfo(const SIOProcessNodeInfo& other) { *this = other; }
     SIOProcessNodeInfo& operator=(const SIOProcessNodeInfo& other) {
-        if (this == &other) {
-            return *this;
-        }
         nInfoKind = other.nInfoKind;
         guidType = other.guidType;
         strName = other.strName;
@@ -28,9 +27,7 @@ struct SIOProcessNodeInfo {
         hAux = other.hAux;
         bEnable = other.bEnable;
         arAux.Copy(other.arAux);
-        for (int i = 0; i < 4; ++i) {
-            aReserved[i] = other.aReserved[i];
-        }
+        std::copy_n(other.aReserved, 4, aReserved);
         return *this;
     }
 

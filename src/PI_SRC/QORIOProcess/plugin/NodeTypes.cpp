@@ -22,32 +22,26 @@ P_ExtDevIOProcess* Create() {
     return new NodeClass;
 }
 
-constexpr Visibility CARRIED_OVER{Visibility::CARRIED_OVER};
-constexpr Visibility ALWAYS{Visibility::ALWAYS};
-
-constexpr Visibility FromIni(const wchar_t* pszIniKey, int nDefault) {
-    return {Visibility::INI_ENTRY, pszIniKey, nDefault};
-}
+constexpr std::nullopt_t CARRIED_OVER = std::nullopt;
 
 constexpr NodeTypeRow NODE_TYPES[] = {
-    {GUID_IOPROCESS_KEYBOARD, L"IO_PROCESS_KEYBOARD", 7000, CARRIED_OVER, Create<CKeyboardIOProcess>, true},
+    {GUID_IOPROCESS_KEYBOARD, L"IO_PROCESS_KEYBOARD", 7000, CARRIED_OVER, nullptr, Create<CKeyboardIOProcess>},
     // Destroying a key check node only unlinks it; hosts rely on the node living on.
-    {GUID_IOPROCESS_KEY_CHECK, L"IO_PROCESS_KEY_CHECK", 7009, CARRIED_OVER, Create<CKeyCheckProcess>, false},
-    {GUID_IOPROCESS_TEXT_FIELD, L"IO_PROCESS_TEXTFIELDINPUT", 7001, CARRIED_OVER, Create<CTextFieldInputProcess>, true},
-    {GUID_IOPROCESS_MOUSE, L"IO_PROCESS_MOUSE", 7002, CARRIED_OVER, Create<CMouseIOProcess>, true},
-    {GUID_IOPROCESS_NET_PARAMETER_SEND, L"IO_PROCESS_NETSEND", 7004, FromIni(L"NetParameterSend", 0),
-     Create<CNetParameterSendIOProcess>, true},
-    {GUID_IOPROCESS_NET_PARAMETER_RECEIVE, L"IO_PROCESS_NETRECEIVE", 7003, FromIni(L"NetParameterReceive", 0),
-     Create<CNetParameterReceiveIOProcess>, true},
-    {GUID_IOPROCESS_BROADCAST_SEND, L"IO_PROCESS_BROADCAST", 7005, FromIni(L"BroadcastSend", 0),
-     Create<CBroadcastIOProcess>, true},
-    {GUID_IOPROCESS_BROADCAST_RECEIVE, L"IO_PROCESS_BROADCASTREV", 7011, ALWAYS, Create<CBroadcastRevIOProcess>, true},
-    {GUID_IOPROCESS_GESTURE, L"TOUCH_CONTROL_TOUCH_GESTURE", 7006, FromIni(L"Gesture", 0), Create<CGestureIOProcess>,
-     true},
-    {GUID_IOPROCESS_VR_HANDLE, L"IO_PROCESS_VRHANLDE", 7007, FromIni(L"VRHandle", 1), Create<CVRHandleIOProcess>, true},
-    {GUID_IOPROCESS_OBJECT_JSON_RECEIVE, L"IO_PROCESS_OBJ_JSON_RECEIVE", 7010, ALWAYS, Create<CObjJsonReceive>, true},
-    {GUID_IOPROCESS_DEVICE_JSON_RECEIVE, L"IO_PROCESS_DEV_JSON_RECEIVE", 7012, ALWAYS, Create<CDevJsonReceive>, true},
-    {GUID_IOPROCESS_STRING_DATA_SEND, L"IO_PROCESS_STRING_SEND", 7013, ALWAYS, Create<CStringDataSendIOProcess>, true},
+    {GUID_IOPROCESS_KEY_CHECK, L"IO_PROCESS_KEY_CHECK", 7009, CARRIED_OVER, nullptr, Create<CKeyCheckProcess>, false},
+    {GUID_IOPROCESS_TEXT_FIELD, L"IO_PROCESS_TEXTFIELDINPUT", 7001, CARRIED_OVER, nullptr,
+     Create<CTextFieldInputProcess>},
+    {GUID_IOPROCESS_MOUSE, L"IO_PROCESS_MOUSE", 7002, CARRIED_OVER, nullptr, Create<CMouseIOProcess>},
+    {GUID_IOPROCESS_NET_PARAMETER_SEND, L"IO_PROCESS_NETSEND", 7004, 0, L"NetParameterSend",
+     Create<CNetParameterSendIOProcess>},
+    {GUID_IOPROCESS_NET_PARAMETER_RECEIVE, L"IO_PROCESS_NETRECEIVE", 7003, 0, L"NetParameterReceive",
+     Create<CNetParameterReceiveIOProcess>},
+    {GUID_IOPROCESS_BROADCAST_SEND, L"IO_PROCESS_BROADCAST", 7005, 0, L"BroadcastSend", Create<CBroadcastIOProcess>},
+    {GUID_IOPROCESS_BROADCAST_RECEIVE, L"IO_PROCESS_BROADCASTREV", 7011, 1, nullptr, Create<CBroadcastRevIOProcess>},
+    {GUID_IOPROCESS_GESTURE, L"TOUCH_CONTROL_TOUCH_GESTURE", 7006, 0, L"Gesture", Create<CGestureIOProcess>},
+    {GUID_IOPROCESS_VR_HANDLE, L"IO_PROCESS_VRHANLDE", 7007, 1, L"VRHandle", Create<CVRHandleIOProcess>},
+    {GUID_IOPROCESS_OBJECT_JSON_RECEIVE, L"IO_PROCESS_OBJ_JSON_RECEIVE", 7010, 1, nullptr, Create<CObjJsonReceive>},
+    {GUID_IOPROCESS_DEVICE_JSON_RECEIVE, L"IO_PROCESS_DEV_JSON_RECEIVE", 7012, 1, nullptr, Create<CDevJsonReceive>},
+    {GUID_IOPROCESS_STRING_DATA_SEND, L"IO_PROCESS_STRING_SEND", 7013, 1, nullptr, Create<CStringDataSendIOProcess>},
 };
 
 } // namespace

@@ -4,35 +4,24 @@
 #include <afxtempl.h>
 #include <gdiplus.h>
 
-#include "host/EventRecord.h"
 #include "nodes/input/StrokeRecogniser.h"
+#include "nodes/shared/ControlLayout.h"
 
 class CGestureIOProcess : public P_ExtDevIOProcess {
+    DECLARE_CONTROL_LAYOUT()
 public:
     CGestureIOProcess();
-    ~CGestureIOProcess() override;
 
     void InitParam() override;
     void GetNodeOutput(SGraphNode* pGraphNode) override;
     int ProcessNode(SGraphNode* pGraphNode) override;
-    int DevIOEventOccurred(const SIOEventRecord* pRecord) override;
-
-    CVEKXml* GetXmlReader() override;
-    int* GetXmlLoadStatePtr() override;
-    CString GetCtrlPosXmlPath() override;
-    NodeParamInfoGrpArray* GetNodeParamInfoGrpAr() override;
-
-    /// Empty the class's control layout; it is read again when asked for.
-    static void ReleaseLayout();
+    int DevIOEventOccurred(EventRecordPtr pRecord) override;
 
 private:
     int Press(const SQORMouseData& sample);
     int Move(const SQORMouseData& sample);
     int Release(const SQORMouseData& sample);
-    void EndStroke();
     void Append(const SQORMouseData& sample);
-    void FireReleased(const SQORMouseData& sample);
-    void Fire(unsigned nOutput);
 
     int m_bEnable = 0;                         ///< "Enable" as last read by ProcessNode
     SGraphNode* m_pGraphNode = nullptr;        ///< graph node last handed to ProcessNode; not owned

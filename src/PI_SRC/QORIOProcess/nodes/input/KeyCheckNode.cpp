@@ -1,21 +1,13 @@
 #include "nodes/input/KeyCheckNode.h"
 
-#include "host/NodeSupport.h"
-#include "host/NodeTables.h"
 #include "host/NodeTypeGuid.h"
+#include "nodes/shared/NodeSupport.h"
+#include "nodes/shared/SharedRows.h"
 
 namespace {
 
-enum : unsigned {
-    INPUT_GROUP = 1101,
-    INPUT_KEY_VALUE = 1102,
-    INPUT_INTERVAL = 1103,
-
-    OUTPUT_GROUP = 1151,
-    OUTPUT_KEY_DOWN = 1152,
-    OUTPUT_HOLD_DOWN = 1153,
-    OUTPUT_KEY_UP = 1154,
-};
+enum { INPUT_KEY_VALUE = 1102, INPUT_INTERVAL = 1103 };
+enum { OUTPUT_KEY_DOWN = 1152, OUTPUT_HOLD_DOWN = 1153, OUTPUT_KEY_UP = 1154 };
 
 // "KeyValue": the virtual-key code in the low 8 bits, the required modifiers above it. 0: no key.
 constexpr int KEY_CODE_MASK = 0xFF;
@@ -29,25 +21,11 @@ constexpr ModifierRow MODIFIERS[] = {{0x100, VK_SHIFT}, {0x200, VK_CONTROL}, {0x
 
 constexpr ParamRow INPUTS[] = {
     ENABLE_ROW,
-    {.nId = INPUT_KEY_VALUE,
-     .pszName = L"KeyValue",
-     .pszDisplayKey = L"IO_PROCESS_KEYBOARD_KEYTEXT",
-     .codes = PARAM_KEY_CODE,
-     .range = ParamRange{0, 0, 256, 1},
-     .flags = FLAGS_NONE,
-     .nValue = 0},
+    {INPUT_KEY_VALUE, L"KeyValue", L"IO_PROCESS_KEYBOARD_KEYTEXT", PARAM_KEY_CODE, ParamRange{0, 0, 256, 1}, FLAGS_NONE,
+     0},
     // Milliseconds. The editor shows 100 as the default of its range, but the node starts with 200.
-    {.nId = INPUT_INTERVAL,
-     .pszName = L"Interval",
-     .pszDisplayKey = L"IO_PROCESS_INTERVAL_MS",
-     .codes = PARAM_INTEGER,
-     .range = ParamRange{100, 40, 10000, 1},
-     .flags = FLAGS_ORDINARY,
-     .nValue = 200},
+    IntegerRow(INPUT_INTERVAL, L"Interval", L"IO_PROCESS_INTERVAL_MS", {100, 40, 10000, 1}, 200),
 };
-
-constexpr GroupRow INPUT_GROUP_ROW{
-    .nId = INPUT_GROUP, .pszName = L"Base param", .pszDisplayKey = L"IO_PROCESS_KEY_CHECK", .params = INPUTS};
 
 constexpr ParamRow OUTPUTS[] = {
     EventRow(OUTPUT_KEY_DOWN, L"KeyDown", L"IO_PROCESS_KEYBOARD_KEYDOWN"),
@@ -55,9 +33,7 @@ constexpr ParamRow OUTPUTS[] = {
     EventRow(OUTPUT_KEY_UP, L"KeyUp", L"IO_PROCESS_KEYBOARD_KEYUP"),
 };
 
-constexpr GroupRow OUTPUT_GROUPS[] = {
-    {.nId = OUTPUT_GROUP, .pszName = L"Output", .pszDisplayKey = L"IO_PROCESS_KEY_CHECK", .params = OUTPUTS},
-};
+constexpr GroupRow OUTPUT_GROUPS[] = {{1151, L"Output", L"IO_PROCESS_KEY_CHECK", OUTPUTS}};
 
 bool IsKeyDown(int nVirtualKey) {
     return GetKeyState(nVirtualKey) < 0;
@@ -73,59 +49,49 @@ bool HostTakesInput() {
 } // namespace
 
 CKeyCheckProcess::CKeyCheckProcess() {
-    m_nKindCode = KIND_IO_PROCESS;
-    m_guidType = GUID_IOPROCESS_KEY_CHECK;
-    AppendInputGroup(m_lstParamGroup, INPUT_GROUP_ROW);
+    InitNode(*this, GUID_IOPROCESS_KEY_CHECK, {1101, L"Base param", L"IO_PROCESS_KEY_CHECK", INPUTS});
 }
-
-CKeyCheckProcess::~CKeyCheckProcess() = default;
 
 void CKeyCheckProcess::GetNodeOutput(SGraphNode* pGraphNode) {
     AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
 }
 
-/// What was fired is remembered after it: what couldn't be is fired at the next evaluation.
 int CKeyCheckProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;
     if (pGraphNode == nullptr || !HostTakesInput()) {
         return 0;
     }
-    const VEKParam* pEnable = FindInput(*this, *pGraphNode, PARAM_ENABLE);
-    const VEKParam* pKeyValue = FindInput(*this, *pGraphNode, INPUT_KEY_VALUE);
-    const VEKParam* pInterval = FindInput(*this, *pGraphNode, INPUT_INTERVAL);
-    if (pEnable == nullptr || pKeyValue == nullptr || pInterval == nullptr || pKeyValue->m_nValue == 0) {
-        return 0;
-    }
-    m_bEnable = pEnable->m_nValue;
-    if (m_bEnable == 0) {
+    const auto [pKeyValue, pInterval] = FindInputs(*this, *pGraphNode, INPUT_KEY_VALUE, INPUT_INTERVAL);
+    if (pKeyValue == nullptr || pInterval == nullptr || IntegerOf(*pKeyValue) == 0 ||
+        !ReadEnable(*this, *pGraphNode, m_bEnable)) {
         return 0;
     }
     for (const ModifierRow& modifier : MODIFIERS) {
-        if ((pKeyValue->m_nValue & modifier.nBit) != 0 && !IsKeyDown(modifier.nVirtualKey)) {
+        if ((IntegerOf(*pKeyValue) & modifier.nBit) != 0 && !IsKeyDown(modifier.nVirtualKey)) {
             if (m_bKeyDown) {
-                FireGeneralEvent(this, OUTPUT_KEY_UP);
                 m_bKeyDown = false;
+                FireGeneralEvent(this, OUTPUT_KEY_UP);
             }
             return 0;
         }
     }
-    const bool bDown = IsKeyDown(pKeyValue->m_nValue & KEY_CODE_MASK);
+    const bool bDown = IsKeyDown(IntegerOf(*pKeyValue) & KEY_CODE_MASK);
     if (bDown != m_bKeyDown) {
         FireGeneralEvent(this, bDown ? OUTPUT_KEY_DOWN : OUTPUT_KEY_UP);
     } else if (bDown) {
         // The press doesn't restart the interval: it runs from the last "HoldDown", in wrapping 32-bit ticks.
         const DWORD nTick = GetTickCount();
-        if (nTick >= m_nLastHoldTick + static_cast<DWORD>(pInterval->m_nValue)) {
-            FireGeneralEvent(this, OUTPUT_HOLD_DOWN);
+        if (nTick >= m_nLastHoldTick + static_cast<DWORD>(IntegerOf(*pInterval))) {
             m_nLastHoldTick = nTick;
+            FireGeneralEvent(this, OUTPUT_HOLD_DOWN);
         }
     }
     m_bKeyDown = bDown;
     return 1;
 } catch (...) {
-    return RejectFailure();
+    return EndException();
 }
 
-int CKeyCheckProcess::DevIOEventOccurred(const SIOEventRecord* /*pRecord*/) {
+int CKeyCheckProcess::DevIOEventOccurred(EventRecordPtr /*pRecord*/) {
     return 0; // keys are polled
 }

@@ -1,16 +1,15 @@
 // Key check node: polls one key with its modifiers at each evaluation and fires its press, its hold and its release.
 #pragma once
 
-#include "host/EventRecord.h"
+#include "nodes/shared/HostMembers.h"
 
 class CKeyCheckProcess : public P_ExtDevIOProcess {
 public:
     CKeyCheckProcess();
-    ~CKeyCheckProcess() override;
 
     void GetNodeOutput(SGraphNode* pGraphNode) override;
     int ProcessNode(SGraphNode* pGraphNode) override;
-    int DevIOEventOccurred(const SIOEventRecord* pRecord) override;
+    int DevIOEventOccurred(EventRecordPtr pRecord) override;
 
 private:
     int m_bEnable = 0;                  ///< "Enable" as last read by ProcessNode

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "host/HostCommon.h"
+#include "nodes/shared/NodeSupport.h"
 
 namespace {
 
@@ -11,8 +11,9 @@ constexpr std::wstring_view UNSHIFTED = L"`1234567890-=[]\\;',./";
 constexpr std::wstring_view SHIFTED = L"~!@#$%^&*()_+{}|:\"<>?";
 static_assert(UNSHIFTED.size() == 21 && SHIFTED.size() == UNSHIFTED.size());
 
-bool StartsWith(const CString& strText, const CString& strPrefix) {
-    return strText.Left(strPrefix.GetLength()) == strPrefix;
+/// The whole text, with what stands behind a zero in it.
+std::wstring_view View(const CString& strText) {
+    return {strText.GetString(), static_cast<size_t>(strText.GetLength())};
 }
 
 /// The part behind the separator when there are exactly two parts; null otherwise.
@@ -23,26 +24,34 @@ const CString* SecondOfTwo(const CString& strText, const wchar_t* pszSeparator, 
 
 /// Whether the text is no key name, such as Chinese.
 bool HasWideCharacter(const CString& strText) {
-    const wchar_t* pBegin = strText.GetString();
-    return std::any_of(pBegin, pBegin + strText.GetLength(), [](wchar_t c) { return static_cast<unsigned>(c) > 255; });
+    return std::ranges::any_of(View(strText), [](wchar_t c) { return static_cast<unsigned>(c) > 255; });
 }
 
-CString InCase(CString strCharacter, bool bUpper) {
+/// The character in another case: letters of ASCII alone have two, whatever the process's locale is.
+wchar_t InCase(wchar_t c, bool bUpper) {
     if (bUpper) {
-        strCharacter.MakeUpper();
-    } else {
-        strCharacter.MakeLower();
+        return c >= L'a' && c <= L'z' ? static_cast<wchar_t>(c - L'a' + L'A') : c;
     }
-    return strCharacter;
+    return c >= L'A' && c <= L'Z' ? static_cast<wchar_t>(c - L'A' + L'a') : c;
+}
+
+/// The text without its last character, which may be two code units.
+CString WithoutLast(const CString& strText) {
+    const std::wstring_view text = View(strText);
+    const auto isUnit = [&text](size_t nFromEnd, unsigned nFirst) {
+        return text.size() >= nFromEnd && (static_cast<unsigned>(text[text.size() - nFromEnd]) & ~0x3FFU) == nFirst;
+    };
+    const bool bPair = isUnit(1, 0xDC00) && isUnit(2, 0xD800);
+    return strText.Left(strText.GetLength() - (bPair ? 2 : 1));
 }
 
 CString NumberPadText(const CString& strKeyName) {
     CStringArray arPart;
     const CString* pName = SecondOfTwo(strKeyName, L" ", arPart);
-    if (pName == nullptr || *pName == L"Enter" || *pName == L"Lock") {
+    if (pName == nullptr || View(*pName) == L"Enter" || View(*pName) == L"Lock") {
         return CString();
     }
-    return *pName == L"Del" ? CString(L".") : *pName;
+    return View(*pName) == L"Del" ? CString(L".") : *pName;
 }
 
 CString ShiftedText(const CString& strKeyName, SHORT nCapsLockState) {
@@ -51,34 +60,33 @@ CString ShiftedText(const CString& strKeyName, SHORT nCapsLockState) {
     if (pCharacter == nullptr || pCharacter->GetLength() != 1) {
         return CString();
     }
-    const size_t nSymbol = UNSHIFTED.find(pCharacter->GetAt(0));
-    if (nSymbol != std::wstring_view::npos) {
-        return CString(SHIFTED[nSymbol], 1);
-    }
+    const wchar_t c = pCharacter->GetAt(0);
+    const size_t nSymbol = UNSHIFTED.find(c);
     // Only a Caps Lock key that is held down turns the case, not one that is toggled on.
-    return InCase(*pCharacter, nCapsLockState >= 0);
+    return CString(nSymbol != std::wstring_view::npos ? SHIFTED[nSymbol] : InCase(c, nCapsLockState >= 0), 1);
 }
 
 } // namespace
 
 CString ApplyKeyName(const CString& strText, const CString& strKeyName, SHORT nCapsLockState) {
-    if (strKeyName.GetLength() == 1) {
-        return strText + InCase(strKeyName, nCapsLockState != 0);
+    const std::wstring_view keyName = View(strKeyName);
+    if (keyName.size() == 1) {
+        return strText + InCase(keyName[0], nCapsLockState != 0);
     }
     if (HasWideCharacter(strKeyName)) {
         return strText + strKeyName;
     }
-    if (StartsWith(strKeyName, L"Num")) {
+    if (keyName.starts_with(L"Num")) {
         return strText + NumberPadText(strKeyName);
     }
-    if (StartsWith(strKeyName, L"Shift")) {
+    if (keyName.starts_with(L"Shift")) {
         return strText + ShiftedText(strKeyName, nCapsLockState);
     }
-    if (strKeyName == L"Space") {
-        return strText + L" ";
+    if (keyName == L"Space") {
+        return strText + L' ';
     }
-    if (strKeyName == L"Backspace") {
-        return strText.IsEmpty() ? strText : strText.Left(strText.GetLength() - 1);
+    if (keyName == L"Backspace") {
+        return WithoutLast(strText);
     }
     return strText + strKeyName;
 }

@@ -1,66 +1,19 @@
 #include "nodes/input/MouseNode.h"
 
-#include "host/NodeSupport.h"
-#include "host/NodeTables.h"
 #include "host/NodeTypeGuid.h"
+#include "nodes/shared/NodeSupport.h"
+#include "nodes/shared/SharedRows.h"
 
 namespace {
 
-enum : unsigned {
-    INPUT_GROUP = 301,
-
-    OUTPUT_GROUP = 351,
-    OUTPUT_ENTER_WINDOW = 352,
-    OUTPUT_LEAVE_WINDOW = 353,
-    OUTPUT_HOVER = 354,
-    OUTPUT_WHEEL_UP = 355,
-    OUTPUT_WHEEL_DOWN = 356,
-
-    OUTPUT_DOWN_GROUP = 357,
-    OUTPUT_LEFT_DOWN = 358,
-    OUTPUT_RIGHT_DOWN = 359,
-    OUTPUT_MIDDLE_DOWN = 360,
-
-    OUTPUT_UP_GROUP = 361,
-    OUTPUT_LEFT_UP = 362,
-    OUTPUT_RIGHT_UP = 363,
-    OUTPUT_MIDDLE_UP = 364,
-
-    OUTPUT_BUTTON_GROUP = 365,
-    OUTPUT_BUTTON_LEFT = 366,
-    OUTPUT_BUTTON_RIGHT = 367,
-    OUTPUT_BUTTON_MIDDLE = 368,
-
-    OUTPUT_POSITION_GROUP = 369,
-    OUTPUT_PIXEL_X = 370,
-    OUTPUT_PIXEL_Y = 371,
-    OUTPUT_RELATIVE_X = 372,
-    OUTPUT_RELATIVE_Y = 373,
-};
+enum { OUTPUT_ENTER_WINDOW = 352, OUTPUT_LEAVE_WINDOW = 353, OUTPUT_HOVER = 354 };
+enum { OUTPUT_WHEEL_UP = 355, OUTPUT_WHEEL_DOWN = 356 };
+enum { OUTPUT_LEFT_DOWN = 358, OUTPUT_RIGHT_DOWN = 359, OUTPUT_MIDDLE_DOWN = 360 };
+enum { OUTPUT_LEFT_UP = 362, OUTPUT_RIGHT_UP = 363, OUTPUT_MIDDLE_UP = 364 };
+enum { OUTPUT_BUTTON_LEFT = 366, OUTPUT_BUTTON_RIGHT = 367, OUTPUT_BUTTON_MIDDLE = 368 };
+enum { OUTPUT_PIXEL_X = 370, OUTPUT_PIXEL_Y = 371, OUTPUT_RELATIVE_X = 372, OUTPUT_RELATIVE_Y = 373 };
 
 constexpr ParamRow INPUTS[] = {ENABLE_ROW};
-
-constexpr GroupRow INPUT_GROUP_ROW{
-    .nId = INPUT_GROUP, .pszName = L"Base param", .pszDisplayKey = L"IO_PROCESS_MOUSE", .params = INPUTS};
-
-constexpr ParamRow ButtonRow(unsigned nId, const wchar_t* pszName, const wchar_t* pszDisplayKey) {
-    return {.nId = nId,
-            .pszName = pszName,
-            .pszDisplayKey = pszDisplayKey,
-            .codes = PARAM_SWITCH,
-            .range = RANGE_SWITCH,
-            .flags = FLAGS_NONE};
-}
-
-constexpr ParamRow PositionRow(unsigned nId, const wchar_t* pszName, const wchar_t* pszDisplayKey, ParamCodes codes,
-                               std::optional<ParamFlags> flags) {
-    return {.nId = nId,
-            .pszName = pszName,
-            .pszDisplayKey = pszDisplayKey,
-            .codes = codes,
-            .range = ParamRange{0, -1e9f, 1e9f, 1},
-            .flags = flags};
-}
 
 constexpr ParamRow WINDOW_OUTPUTS[] = {
     EventRow(OUTPUT_ENTER_WINDOW, L"EnterWin", L"IO_PROCESS_MOUSE_ENTERWIN"),
@@ -83,76 +36,57 @@ constexpr ParamRow UP_OUTPUTS[] = {
     EventRow(OUTPUT_MIDDLE_UP, L"PressedM", L"IO_PROCESS_MOUSE_UP_M"),
 };
 
+constexpr ParamRow ButtonRow(unsigned nId, const wchar_t* pszName, const wchar_t* pszDisplayKey) {
+    return {nId, pszName, pszDisplayKey, PARAM_SWITCH, RANGE_SWITCH, FLAGS_NONE};
+}
+
 constexpr ParamRow BUTTON_OUTPUTS[] = {
     ButtonRow(OUTPUT_BUTTON_LEFT, L"ButtonL", L"IO_PROCESS_MOUSE_BUTTON_L"),
     ButtonRow(OUTPUT_BUTTON_RIGHT, L"ButtonR", L"IO_PROCESS_MOUSE_BUTTON_R"),
     ButtonRow(OUTPUT_BUTTON_MIDDLE, L"ButtonM", L"IO_PROCESS_MOUSE_BUTTON_M"),
 };
 
+constexpr ParamRange RANGE_POSITION{0, -1e9f, 1e9f, 1};
+
 constexpr ParamRow POSITION_OUTPUTS[] = {
-    PositionRow(OUTPUT_PIXEL_X, L"PixelX", L"IO_PROCESS_MOUSE_PIXELX", PARAM_INTEGER, FLAGS_ORDINARY),
+    {OUTPUT_PIXEL_X, L"PixelX", L"IO_PROCESS_MOUSE_PIXELX", PARAM_INTEGER, RANGE_POSITION, FLAGS_ORDINARY},
     // PixelY alone keeps the host's default flags.
-    PositionRow(OUTPUT_PIXEL_Y, L"PixelY", L"IO_PROCESS_MOUSE_PIXELY", PARAM_INTEGER, std::nullopt),
-    PositionRow(OUTPUT_RELATIVE_X, L"RelativeX", L"IO_PROCESS_MOUSE_RELATIVEX", PARAM_FLOAT, FLAGS_ORDINARY),
-    PositionRow(OUTPUT_RELATIVE_Y, L"RelativeY", L"IO_PROCESS_MOUSE_RELATIVEY", PARAM_FLOAT, FLAGS_ORDINARY),
+    {OUTPUT_PIXEL_Y, L"PixelY", L"IO_PROCESS_MOUSE_PIXELY", PARAM_INTEGER, RANGE_POSITION, std::nullopt},
+    {OUTPUT_RELATIVE_X, L"RelativeX", L"IO_PROCESS_MOUSE_RELATIVEX", PARAM_FLOAT, RANGE_POSITION, FLAGS_ORDINARY},
+    {OUTPUT_RELATIVE_Y, L"RelativeY", L"IO_PROCESS_MOUSE_RELATIVEY", PARAM_FLOAT, RANGE_POSITION, FLAGS_ORDINARY},
 };
 
 constexpr GroupRow OUTPUT_GROUPS[] = {
-    {.nId = OUTPUT_GROUP, .pszName = L"Output", .pszDisplayKey = L"IO_PROCESS_MOUSE", .params = WINDOW_OUTPUTS},
-    {.nId = OUTPUT_DOWN_GROUP,
-     .pszName = L"Pressed",
-     .pszDisplayKey = L"IO_PROCESS_KEYBOARD_KEYDOWN",
-     .params = DOWN_OUTPUTS},
+    {351, L"Output", L"IO_PROCESS_MOUSE", WINDOW_OUTPUTS},
+    {357, L"Pressed", L"IO_PROCESS_KEYBOARD_KEYDOWN", DOWN_OUTPUTS},
     // Named like the group before it, as its outputs are.
-    {.nId = OUTPUT_UP_GROUP,
-     .pszName = L"Pressed",
-     .pszDisplayKey = L"IO_PROCESS_KEYBOARD_KEYUP",
-     .params = UP_OUTPUTS},
-    {.nId = OUTPUT_BUTTON_GROUP,
-     .pszName = L"Button",
-     .pszDisplayKey = L"IO_PROCESS_MOUSE_BUTTON",
-     .params = BUTTON_OUTPUTS},
-    {.nId = OUTPUT_POSITION_GROUP,
-     .pszName = L"Position",
-     .pszDisplayKey = L"IO_PROCESS_MOUSE_POSITION",
-     .params = POSITION_OUTPUTS},
-};
-
-CParamLayout s_layout;
-
-} // namespace
-
-/// What an event id does: sets a button's state, fires an output.
-struct CMouseIOProcess::PointerEventRow {
-    int nEvent;
-    unsigned nOutput;
-    const wchar_t* pszLogFormat;
-    int CMouseIOProcess::*pButton = nullptr; ///< null: no button changes
-    int bHeld = 0;
+    {361, L"Pressed", L"IO_PROCESS_KEYBOARD_KEYUP", UP_OUTPUTS},
+    {365, L"Button", L"IO_PROCESS_MOUSE_BUTTON", BUTTON_OUTPUTS},
+    {369, L"Position", L"IO_PROCESS_MOUSE_POSITION", POSITION_OUTPUTS},
 };
 
 // The host's ids run left, middle, right; the outputs run left, right, middle.
-constexpr CMouseIOProcess::PointerEventRow CMouseIOProcess::POINTER_EVENTS[] = {
+constexpr FiredRow FIRED[] = {
     {EVENT_ENTER_WINDOW, OUTPUT_ENTER_WINDOW, L"[%s.%s.%s]触发输出事件[进入窗口]"},
     {EVENT_LEAVE_WINDOW, OUTPUT_LEAVE_WINDOW, L"[%s.%s.%s]触发输出事件[离开窗口]"},
     {EVENT_HOVER, OUTPUT_HOVER, L"[%s.%s.%s]触发输出事件[停留]"},
-    {EVENT_LEFT_DOWN, OUTPUT_LEFT_DOWN, L"[%s.%s.%s]触发输出事件[左键按下]", &CMouseIOProcess::m_bButtonLeft, 1},
-    {EVENT_LEFT_UP, OUTPUT_LEFT_UP, L"[%s.%s.%s]触发输出事件[左键抬起]", &CMouseIOProcess::m_bButtonLeft, 0},
-    {EVENT_MIDDLE_DOWN, OUTPUT_MIDDLE_DOWN, L"[%s.%s.%s]触发输出事件[中键按下]", &CMouseIOProcess::m_bButtonMiddle, 1},
-    {EVENT_MIDDLE_UP, OUTPUT_MIDDLE_UP, L"[%s.%s.%s]触发输出事件[中键抬起]", &CMouseIOProcess::m_bButtonMiddle, 0},
-    {EVENT_RIGHT_DOWN, OUTPUT_RIGHT_DOWN, L"[%s.%s.%s]触发输出事件[右键按下]", &CMouseIOProcess::m_bButtonRight, 1},
-    {EVENT_RIGHT_UP, OUTPUT_RIGHT_UP, L"[%s.%s.%s]触发输出事件[右键抬起]", &CMouseIOProcess::m_bButtonRight, 0},
+    {EVENT_LEFT_DOWN, OUTPUT_LEFT_DOWN, L"[%s.%s.%s]触发输出事件[左键按下]"},
+    {EVENT_LEFT_UP, OUTPUT_LEFT_UP, L"[%s.%s.%s]触发输出事件[左键抬起]"},
+    {EVENT_MIDDLE_DOWN, OUTPUT_MIDDLE_DOWN, L"[%s.%s.%s]触发输出事件[中键按下]"},
+    {EVENT_MIDDLE_UP, OUTPUT_MIDDLE_UP, L"[%s.%s.%s]触发输出事件[中键抬起]"},
+    {EVENT_RIGHT_DOWN, OUTPUT_RIGHT_DOWN, L"[%s.%s.%s]触发输出事件[右键按下]"},
+    {EVENT_RIGHT_UP, OUTPUT_RIGHT_UP, L"[%s.%s.%s]触发输出事件[右键抬起]"},
     {EVENT_WHEEL_UP, OUTPUT_WHEEL_UP, L"[%s.%s.%s]触发输出事件[向上滚动]"},
     {EVENT_WHEEL_DOWN, OUTPUT_WHEEL_DOWN, L"[%s.%s.%s]触发输出事件[向下滚动]"},
 };
 
-CMouseIOProcess::CMouseIOProcess() : m_mouseData(0, 0.0f, 0.0f, CPoint(0, 0), 0) {
-    m_nKindCode = KIND_IO_PROCESS;
-    m_guidType = GUID_IOPROCESS_MOUSE;
-    AppendInputGroup(m_lstParamGroup, INPUT_GROUP_ROW);
-}
+} // namespace
 
-CMouseIOProcess::~CMouseIOProcess() = default;
+IMPLEMENT_CONTROL_LAYOUT(CMouseIOProcess, 2, L"CVEKIOMouse.XML")
+
+CMouseIOProcess::CMouseIOProcess() : m_mouseData(0, 0.0f, 0.0f, CPoint(0, 0), 0) {
+    InitNode(*this, GUID_IOPROCESS_MOUSE, {301, L"Base param", L"IO_PROCESS_MOUSE", INPUTS});
+}
 
 void CMouseIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
     AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
@@ -160,72 +94,39 @@ void CMouseIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
 
 int CMouseIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;
-    if (pGraphNode == nullptr) {
+    if (pGraphNode == nullptr || !ReadEnable(*this, *pGraphNode, m_bEnable)) {
         return 0;
     }
-    const VEKParam* pEnable = FindInput(*this, *pGraphNode, PARAM_ENABLE);
-    if (pEnable == nullptr) {
-        return 0;
-    }
-    m_bEnable = pEnable->m_nValue;
-    if (m_bEnable == 0) {
-        return 0;
-    }
-    WriteOutput(*pGraphNode, OUTPUT_BUTTON_LEFT, &VEKParam::m_nValue, m_bButtonLeft);
-    WriteOutput(*pGraphNode, OUTPUT_BUTTON_RIGHT, &VEKParam::m_nValue, m_bButtonRight);
-    WriteOutput(*pGraphNode, OUTPUT_BUTTON_MIDDLE, &VEKParam::m_nValue, m_bButtonMiddle);
-    WriteOutput(*pGraphNode, OUTPUT_PIXEL_X, &VEKParam::m_nValue, static_cast<int>(m_mouseData.m_ptPixel.x));
-    WriteOutput(*pGraphNode, OUTPUT_PIXEL_Y, &VEKParam::m_nValue, static_cast<int>(m_mouseData.m_ptPixel.y));
-    WriteOutput(*pGraphNode, OUTPUT_RELATIVE_X, &VEKParam::m_fValue, m_mouseData.m_fRelativeX);
-    WriteOutput(*pGraphNode, OUTPUT_RELATIVE_Y, &VEKParam::m_fValue, m_mouseData.m_fRelativeY);
+    WriteOutput(*pGraphNode, OUTPUT_BUTTON_LEFT, m_bButtonLeft);
+    WriteOutput(*pGraphNode, OUTPUT_BUTTON_RIGHT, m_bButtonRight);
+    WriteOutput(*pGraphNode, OUTPUT_BUTTON_MIDDLE, m_bButtonMiddle);
+    WriteOutput(*pGraphNode, OUTPUT_PIXEL_X, static_cast<int>(PixelOf(m_mouseData).x));
+    WriteOutput(*pGraphNode, OUTPUT_PIXEL_Y, static_cast<int>(PixelOf(m_mouseData).y));
+    WriteOutput(*pGraphNode, OUTPUT_RELATIVE_X, RelativeXOf(m_mouseData));
+    WriteOutput(*pGraphNode, OUTPUT_RELATIVE_Y, RelativeYOf(m_mouseData));
     return 1;
 } catch (...) {
-    return RejectFailure();
+    return EndException();
 }
 
-int CMouseIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) try {
-    if (m_pOwnerClip == nullptr || m_pGraphNode == nullptr) {
+int CMouseIOProcess::DevIOEventOccurred(EventRecordPtr pRecord) try {
+    if (!IsReadyFor(pRecord, *this, m_pGraphNode) || DeviceOf(*pRecord) != DEVICE_POINTER || m_bEnable == 0) {
         return 0;
     }
-    if (pRecord == nullptr) {
-        return RejectNullRecord(*this, *m_pGraphNode);
+    const int nEvent = EventOf(*pRecord);
+    if (nEvent == EVENT_LEFT_DOWN || nEvent == EVENT_LEFT_UP) {
+        m_bButtonLeft = nEvent == EVENT_LEFT_DOWN ? 1 : 0;
+    } else if (nEvent == EVENT_MIDDLE_DOWN || nEvent == EVENT_MIDDLE_UP) {
+        m_bButtonMiddle = nEvent == EVENT_MIDDLE_DOWN ? 1 : 0;
+    } else if (nEvent == EVENT_RIGHT_DOWN || nEvent == EVENT_RIGHT_UP) {
+        m_bButtonRight = nEvent == EVENT_RIGHT_DOWN ? 1 : 0;
+    } else if (nEvent == EVENT_POINTER_SAMPLE && PayloadOf(*pRecord) != nullptr) {
+        m_mouseData = *static_cast<const SQORMouseData*>(PayloadOf(*pRecord));
     }
-    if (pRecord->m_nDevice != DEVICE_POINTER || m_bEnable == 0) {
-        return 0;
-    }
-    if (pRecord->m_nEvent == EVENT_POINTER_SAMPLE && pRecord->m_pPayload != nullptr) {
-        m_mouseData = *static_cast<const SQORMouseData*>(pRecord->m_pPayload);
-    }
-    for (const PointerEventRow& row : POINTER_EVENTS) {
-        if (row.nEvent == pRecord->m_nEvent) {
-            if (row.pButton != nullptr) {
-                this->*row.pButton = row.bHeld;
-            }
-            WriteNodeLog(LOG_INFORMATION, *this, *m_pGraphNode, row.pszLogFormat);
-            FireGeneralEvent(this, static_cast<int>(row.nOutput));
-        }
+    if (const FiredRow* pFired = FindFired(FIRED, nEvent)) {
+        LogAndFire(*this, *m_pGraphNode, *pFired);
     }
     return 1;
 } catch (...) {
-    return RejectFailure();
-}
-
-CVEKXml* CMouseIOProcess::GetXmlReader() {
-    return s_layout.Reader();
-}
-
-int* CMouseIOProcess::GetXmlLoadStatePtr() {
-    return s_layout.LoadState();
-}
-
-CString CMouseIOProcess::GetCtrlPosXmlPath() {
-    return ParamLayoutPath(L"CVEKIOMouse.XML");
-}
-
-NodeParamInfoGrpArray* CMouseIOProcess::GetNodeParamInfoGrpAr() {
-    return s_layout.Groups(*this);
-}
-
-void CMouseIOProcess::ReleaseLayout() {
-    s_layout.Release();
+    return EndException();
 }

@@ -1,22 +1,14 @@
 #include "nodes/input/TextFieldNode.h"
 
-#include "host/NodeSupport.h"
-#include "host/NodeTables.h"
 #include "host/NodeTypeGuid.h"
 #include "nodes/input/KeyNames.h"
+#include "nodes/shared/NodeSupport.h"
+#include "nodes/shared/SharedRows.h"
 
 namespace {
 
-enum : unsigned {
-    INPUT_GROUP = 201,
-    INPUT_TEXT = 202,
-    INPUT_EVENT = 203,
-    INPUT_CLEAR = 204,
-
-    OUTPUT_GROUP = 251,
-    OUTPUT_HAS_TEXT = 252,
-    OUTPUT_TEXT = 253,
-};
+enum { INPUT_TEXT = 202, INPUT_EVENT = 203, INPUT_CLEAR = 204 };
+enum { OUTPUT_HAS_TEXT = 252, OUTPUT_TEXT = 253 };
 
 constexpr ParamRow INPUTS[] = {
     ENABLE_ROW,
@@ -25,64 +17,43 @@ constexpr ParamRow INPUTS[] = {
     EventRow(INPUT_CLEAR, L"TextClear", L"TOUCH_CONTROL_SYBTN_CLEAR"),
 };
 
-constexpr GroupRow INPUT_GROUP_ROW{
-    .nId = INPUT_GROUP, .pszName = L"Base param", .pszDisplayKey = L"IO_PROCESS_TEXTFIELDINPUT", .params = INPUTS};
-
 constexpr ParamRow OUTPUTS[] = {
     // A switch without a range, unlike other switches.
-    {.nId = OUTPUT_HAS_TEXT,
-     .pszName = L"HasText",
-     .pszDisplayKey = L"IO_PROCESS_TEXTFIELDINPUT_HASTEXT",
-     .codes = PARAM_SWITCH,
-     .flags = FLAGS_ORDINARY},
+    {OUTPUT_HAS_TEXT, L"HasText", L"IO_PROCESS_TEXTFIELDINPUT_HASTEXT", PARAM_SWITCH, std::nullopt, FLAGS_ORDINARY},
     StringRow(OUTPUT_TEXT, L"Text", L"IO_PROCESS_TEXTFIELDINPUT_OUTPUTTEXT"),
 };
 
-constexpr GroupRow OUTPUT_GROUPS[] = {
-    {.nId = OUTPUT_GROUP, .pszName = L"Output", .pszDisplayKey = L"IO_PROCESS_TEXTFIELDINPUT", .params = OUTPUTS},
-};
+constexpr GroupRow OUTPUT_GROUPS[] = {{251, L"Output", L"IO_PROCESS_TEXTFIELDINPUT", OUTPUTS}};
 
 } // namespace
 
 CTextFieldInputProcess::CTextFieldInputProcess() {
-    m_nKindCode = KIND_IO_PROCESS;
-    m_guidType = GUID_IOPROCESS_TEXT_FIELD;
-    AppendInputGroup(m_lstParamGroup, INPUT_GROUP_ROW);
+    InitNode(*this, GUID_IOPROCESS_TEXT_FIELD, {201, L"Base param", L"IO_PROCESS_TEXTFIELDINPUT", INPUTS});
 }
-
-CTextFieldInputProcess::~CTextFieldInputProcess() = default;
 
 void CTextFieldInputProcess::GetNodeOutput(SGraphNode* pGraphNode) {
     AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
 }
 
 int CTextFieldInputProcess::ProcessNode(SGraphNode* pGraphNode) try {
-    if (pGraphNode == nullptr || m_pOwnerClip == nullptr) {
-        return 0;
-    }
-    const VEKParam* pEnable = FindInput(*this, *pGraphNode, PARAM_ENABLE);
-    if (pEnable == nullptr) {
-        return 0;
-    }
-    m_bEnable = pEnable->m_nValue;
-    if (m_bEnable == 0) {
+    if (pGraphNode == nullptr || ClipOf(*this) == nullptr || !ReadEnable(*this, *pGraphNode, m_bEnable)) {
         return 0;
     }
     if (IsTriggered(*pGraphNode, INPUT_EVENT)) {
-        WriteNodeLog(LOG_INFORMATION, *this, *pGraphNode, L"[%s]触发输入事件[输入事件]");
-        const VEKParam* pKeyName = FindInput(*this, *pGraphNode, INPUT_TEXT);
+        WriteNodeLog(LEVEL_INFORMATION, *this, *pGraphNode, L"[%s]触发输入事件[输入事件]");
+        VEKParam* pKeyName = FindInput(*this, *pGraphNode, INPUT_TEXT);
         if (pKeyName == nullptr) {
             return 1;
         }
-        m_strText = ApplyKeyName(m_strText, pKeyName->m_strValue, GetKeyState(VK_CAPITAL));
+        m_strText = ApplyKeyName(m_strText, TextOf(*pKeyName), GetKeyState(VK_CAPITAL));
     }
     if (IsTriggered(*pGraphNode, INPUT_CLEAR)) {
-        WriteNodeLog(LOG_INFORMATION, *this, *pGraphNode, L"[%s]触发输入事件[清除]");
+        WriteNodeLog(LEVEL_INFORMATION, *this, *pGraphNode, L"[%s]触发输入事件[清除]");
         m_strText.Empty();
     }
-    WriteOutput(*pGraphNode, OUTPUT_HAS_TEXT, &VEKParam::m_nValue, m_strText.IsEmpty() ? 0 : 1);
-    WriteOutput(*pGraphNode, OUTPUT_TEXT, &VEKParam::m_strValue, m_strText);
+    WriteOutput(*pGraphNode, OUTPUT_HAS_TEXT, m_strText.IsEmpty() ? 0 : 1);
+    WriteOutput(*pGraphNode, OUTPUT_TEXT, m_strText);
     return 1;
 } catch (...) {
-    return RejectFailure();
+    return EndException();
 }

@@ -1,12 +1,11 @@
 // Text field node: edits a text by the key names of an on-screen keyboard.
 #pragma once
 
-#include "host/NodeBase.h"
+#include "nodes/shared/HostMembers.h"
 
 class CTextFieldInputProcess : public P_ExtDevIOProcess {
 public:
     CTextFieldInputProcess();
-    ~CTextFieldInputProcess() override;
 
     void GetNodeOutput(SGraphNode* pGraphNode) override;
     int ProcessNode(SGraphNode* pGraphNode) override;

@@ -2,29 +2,21 @@
 
 #include <cmath>
 
-namespace {
-
-constexpr float CENTER_HALF_WIDTH = 0.5f;
-
-} // namespace
-
-TouchPadZone ClassifyTouchPad(float fX, float fY) {
+ETouchPadClick ClassifyTouchPad(float fX, float fY) {
+    constexpr float BORDER = 0.5f;
     const float fAbsX = std::fabs(fX);
     const float fAbsY = std::fabs(fY);
-    if (fX > CENTER_HALF_WIDTH && fX > fAbsY) {
-        return TouchPadZone::Right;
+    if (fX > BORDER && fX > fAbsY) {
+        return CLICK_RIGHT;
     }
-    if (fX < -CENTER_HALF_WIDTH && fAbsX > fAbsY) {
-        return TouchPadZone::Left;
+    if (fX < -BORDER && fAbsX > fAbsY) {
+        return CLICK_LEFT;
     }
-    if (fY > CENTER_HALF_WIDTH && fY > fAbsX) {
-        return TouchPadZone::Top;
+    if (fY > BORDER && fY > fAbsX) {
+        return CLICK_TOP;
     }
-    if (fY < -CENTER_HALF_WIDTH && fAbsY > fAbsX) {
-        return TouchPadZone::Bottom;
+    if (fY < -BORDER && fAbsY > fAbsX) {
+        return CLICK_BOTTOM;
     }
-    if (fAbsX < CENTER_HALF_WIDTH && fAbsY < CENTER_HALF_WIDTH) {
-        return TouchPadZone::Center;
-    }
-    return TouchPadZone::None;
+    return fAbsX < BORDER && fAbsY < BORDER ? CLICK_CENTER : CLICK_NONE;
 }

@@ -1,9 +1,16 @@
-// Zones of a VR controller's touch-pad.
+// The touch-pad of a VR controller.
 #pragma once
 
-/// Where the thumb was when the touch-pad was released.
-enum class TouchPadZone { None, Center, Left, Right, Top, Bottom };
+/// What releasing the touch-pad clicks, as the id of the VR handle node's output.
+enum ETouchPadClick : int {
+    CLICK_NONE = 0,
+    CLICK_CENTER = 867,
+    CLICK_LEFT = 868,
+    CLICK_RIGHT = 869,
+    CLICK_TOP = 870,
+    CLICK_BOTTOM = 871,
+};
 
-/// The zone of a thumb position (about -1 to 1 on both axes, y growing upwards). The zones are open: a position exactly
-/// on a border between two of them lies in none.
-TouchPadZone ClassifyTouchPad(float fX, float fY);
+/// The click of a thumb position (about -1 to 1 on both axes, y growing upwards). A position exactly on the border of
+/// two zones clicks nothing.
+ETouchPadClick ClassifyTouchPad(float fX, float fY);

@@ -1,46 +1,20 @@
 #include "nodes/input/VRHandleNode.h"
 
 #include <algorithm>
-#include <array>
-#include <iterator>
-#include <utility>
 
-#include "host/HostCommon.h"
-#include "host/NodeSupport.h"
-#include "host/NodeTables.h"
 #include "host/NodeTypeGuid.h"
 #include "nodes/input/TouchPad.h"
+#include "nodes/shared/NodeSupport.h"
+#include "nodes/shared/SharedRows.h"
 
 namespace {
 
 // The text keys spell "VRHANLDE"; the host's text tables and saved projects do too.
-enum : unsigned {
-    INPUT_GROUP = 801,
-    INPUT_OBJECT_NAME = 802,
-    INPUT_HANDLE_TYPE = 803,
-
-    OUTPUT_POSITION_GROUP = 851,
-    OUTPUT_POSITION_X = 852,
-    OUTPUT_POSITION_Y = 853,
-    OUTPUT_POSITION_Z = 854,
-
-    OUTPUT_HIT_GROUP = 856,
-    OUTPUT_HIT_X = 857,
-    OUTPUT_HIT_Y = 858,
-    OUTPUT_HIT_Z = 859,
-
-    OUTPUT_EVENT_GROUP = 861,
-    OUTPUT_TRIGGER_DOWN = 862,
-    OUTPUT_TRIGGER_UP = 863,
-    OUTPUT_TRIGGER_CLICK = 864,
-    OUTPUT_TOUCH_PAD_DOWN = 865,
-    OUTPUT_TOUCH_PAD_UP = 866,
-    OUTPUT_TOUCH_PAD_CENTER_CLICK = 867,
-    OUTPUT_TOUCH_PAD_LEFT_CLICK = 868,
-    OUTPUT_TOUCH_PAD_RIGHT_CLICK = 869,
-    OUTPUT_TOUCH_PAD_TOP_CLICK = 870,
-    OUTPUT_TOUCH_PAD_BOTTOM_CLICK = 871,
-};
+enum { INPUT_OBJECT_NAME = 802, INPUT_HANDLE_TYPE = 803 };
+enum { OUTPUT_POSITION_GROUP = 851, OUTPUT_POSITION_X = 852, OUTPUT_POSITION_Y = 853, OUTPUT_POSITION_Z = 854 };
+enum { OUTPUT_HIT_GROUP = 856, OUTPUT_HIT_X = 857, OUTPUT_HIT_Y = 858, OUTPUT_HIT_Z = 859 };
+enum { OUTPUT_TRIGGER_DOWN = 862, OUTPUT_TRIGGER_UP = 863, OUTPUT_TRIGGER_CLICK = 864 };
+enum { OUTPUT_TOUCH_PAD_DOWN = 865, OUTPUT_TOUCH_PAD_UP = 866 }; // the clicks are ETouchPadClick
 
 constexpr int VERSION_WITH_HIT_POSITION = 2;
 
@@ -48,33 +22,20 @@ constexpr int VERSION_WITH_HIT_POSITION = 2;
 constexpr unsigned CLICK_TIME = 500;
 
 void FillHandleTypes(CStringArray& arChoice) {
-    arChoice.Add(PXLoadString(L"IO_PROCESS_VRHANLDE_HANDLE_LEFT"));
-    arChoice.Add(PXLoadString(L"IO_PROCESS_VRHANLDE_HANDLE_RIGHT"));
+    arChoice.Add(LoadText(L"IO_PROCESS_VRHANLDE_HANDLE_LEFT"));
+    arChoice.Add(LoadText(L"IO_PROCESS_VRHANLDE_HANDLE_RIGHT"));
 }
 
 constexpr ParamRow INPUTS[] = {
     VersionRow(VERSION_WITH_HIT_POSITION),
     ENABLE_ROW,
     StringRow(INPUT_OBJECT_NAME, L"ObjectName", L"IO_PROCESS_VRHANLDE_OBJECT"),
-    {.nId = INPUT_HANDLE_TYPE,
-     .pszName = L"HandleType",
-     .pszDisplayKey = L"IO_PROCESS_VRHANLDE_SELECTHANDLE",
-     .codes = PARAM_CHOICE,
-     .flags = FLAGS_ORDINARY,
-     .nValue = 0,
-     .pFillChoices = FillHandleTypes},
+    ChoiceRow(INPUT_HANDLE_TYPE, L"HandleType", L"IO_PROCESS_VRHANLDE_SELECTHANDLE", std::nullopt, FLAGS_ORDINARY, 0,
+              FillHandleTypes),
 };
 
-constexpr GroupRow INPUT_GROUP_ROW{
-    .nId = INPUT_GROUP, .pszName = L"Base param", .pszDisplayKey = L"IO_PROCESS_VRHANLDE", .params = INPUTS};
-
 constexpr ParamRow CoordinateRow(unsigned nId, const wchar_t* pszName, const wchar_t* pszDisplayKey) {
-    return {.nId = nId,
-            .pszName = pszName,
-            .pszDisplayKey = pszDisplayKey,
-            .codes = PARAM_FLOAT,
-            .range = ParamRange{0, -1e9f, 1e9f, 1},
-            .flags = FLAGS_ORDINARY};
+    return {nId, pszName, pszDisplayKey, PARAM_FLOAT, ParamRange{0, -1e9f, 1e9f, 1}, FLAGS_ORDINARY};
 }
 
 constexpr ParamRow POSITION_OUTPUTS[] = {
@@ -95,243 +56,143 @@ constexpr ParamRow EVENT_OUTPUTS[] = {
     EventRow(OUTPUT_TRIGGER_CLICK, L"TriggerClick", L"IO_PROCESS_VRHANLDE_TRIGGER_CLICK"),
     EventRow(OUTPUT_TOUCH_PAD_DOWN, L"TouchPadDown", L"IO_PROCESS_VRHANLDE_TOUCHPAD_DOWN"),
     EventRow(OUTPUT_TOUCH_PAD_UP, L"TouchPadUp", L"IO_PROCESS_VRHANLDE_TOUCHPAD_UP"),
-    EventRow(OUTPUT_TOUCH_PAD_CENTER_CLICK, L"TouchPadCenterClick", L"IO_PROCESS_VRHANLDE_TOUCHPAD_CENTER_CLICK"),
-    EventRow(OUTPUT_TOUCH_PAD_LEFT_CLICK, L"TouchPadLeftClick", L"IO_PROCESS_VRHANLDE_TOUCHPAD_LEFT_CLICK"),
-    EventRow(OUTPUT_TOUCH_PAD_RIGHT_CLICK, L"TouchPadRightClick", L"IO_PROCESS_VRHANLDE_TOUCHPAD_RIGHT_CLICK"),
-    EventRow(OUTPUT_TOUCH_PAD_TOP_CLICK, L"TouchPadTopClick", L"IO_PROCESS_VRHANLDE_TOUCHPAD_TOP_CLICK"),
-    EventRow(OUTPUT_TOUCH_PAD_BOTTOM_CLICK, L"TouchPadBottomClick", L"IO_PROCESS_VRHANLDE_TOUCHPAD_BOTTOM_CLICK"),
+    EventRow(CLICK_CENTER, L"TouchPadCenterClick", L"IO_PROCESS_VRHANLDE_TOUCHPAD_CENTER_CLICK"),
+    EventRow(CLICK_LEFT, L"TouchPadLeftClick", L"IO_PROCESS_VRHANLDE_TOUCHPAD_LEFT_CLICK"),
+    EventRow(CLICK_RIGHT, L"TouchPadRightClick", L"IO_PROCESS_VRHANLDE_TOUCHPAD_RIGHT_CLICK"),
+    EventRow(CLICK_TOP, L"TouchPadTopClick", L"IO_PROCESS_VRHANLDE_TOUCHPAD_TOP_CLICK"),
+    EventRow(CLICK_BOTTOM, L"TouchPadBottomClick", L"IO_PROCESS_VRHANLDE_TOUCHPAD_BOTTOM_CLICK"),
 };
 
-constexpr GroupRow HIT_GROUP_ROW{.nId = OUTPUT_HIT_GROUP,
-                                 .pszName = L"HitPos",
-                                 .pszDisplayKey = L"IO_PROCESS_VRHANLDE_HITPOS",
-                                 .params = HIT_OUTPUTS};
+constexpr GroupRow HIT_GROUP{OUTPUT_HIT_GROUP, L"HitPos", L"IO_PROCESS_VRHANLDE_HITPOS", HIT_OUTPUTS};
 
 constexpr GroupRow OUTPUT_GROUPS[] = {
-    {.nId = OUTPUT_POSITION_GROUP,
-     .pszName = L"OutputParam",
-     .pszDisplayKey = L"IO_PROCESS_VRHANLDE",
-     .params = POSITION_OUTPUTS},
-    HIT_GROUP_ROW,
-    {.nId = OUTPUT_EVENT_GROUP,
-     .pszName = L"OutputEvent",
-     .pszDisplayKey = L"TOUCH_CONTROL_EVENT_OUTPUT",
-     .params = EVENT_OUTPUTS},
+    {OUTPUT_POSITION_GROUP, L"OutputParam", L"IO_PROCESS_VRHANLDE", POSITION_OUTPUTS},
+    HIT_GROUP,
+    {861, L"OutputEvent", L"TOUCH_CONTROL_EVENT_OUTPUT", EVENT_OUTPUTS},
 };
 
-/// Output of a touch-pad zone; 0 for none.
-unsigned ZoneOutput(TouchPadZone nZone) {
-    switch (nZone) {
-    case TouchPadZone::Center:
-        return OUTPUT_TOUCH_PAD_CENTER_CLICK;
-    case TouchPadZone::Left:
-        return OUTPUT_TOUCH_PAD_LEFT_CLICK;
-    case TouchPadZone::Right:
-        return OUTPUT_TOUCH_PAD_RIGHT_CLICK;
-    case TouchPadZone::Top:
-        return OUTPUT_TOUCH_PAD_TOP_CLICK;
-    case TouchPadZone::Bottom:
-        return OUTPUT_TOUCH_PAD_BOTTOM_CLICK;
-    case TouchPadZone::None:
-        break;
-    }
-    return 0;
-}
-
-/// The outputs that one sample fires, in order: at most two of the trigger and two of the touch-pad.
-class FiredOutputs {
-public:
-    void Add(unsigned nOutput) { m_outputs[m_nCount++] = nOutput; }
-    const unsigned* begin() const { return m_outputs.data(); }
-    const unsigned* end() const { return m_outputs.data() + m_nCount; }
-
-private:
-    std::array<unsigned, 4> m_outputs = {};
-    size_t m_nCount = 0;
-};
-
-FiredOutputs CompareSamples(const SVRPluginData& previous, const SVRPluginData& sample) {
-    FiredOutputs fired;
-    if (sample.m_bTriggerPressed != 0 && previous.m_bTriggerPressed == 0) {
-        fired.Add(OUTPUT_TRIGGER_DOWN);
-    } else if (sample.m_bTriggerPressed == 0 && previous.m_bTriggerPressed != 0) {
-        fired.Add(OUTPUT_TRIGGER_UP);
+/// Add the outputs that a sample fires, in order: the trigger's, then the touch-pad's.
+void AddFired(CArray<int>& arOutput, const SVRPluginData& previous, const SVRPluginData& sample) {
+    if (TriggerOf(sample) != 0 && TriggerOf(previous) == 0) {
+        arOutput.Add(OUTPUT_TRIGGER_DOWN);
+    } else if (TriggerOf(sample) == 0 && TriggerOf(previous) != 0) {
+        arOutput.Add(OUTPUT_TRIGGER_UP);
         // The times wrap; a release before the press is then very far from it.
-        if (sample.m_nReleaseTime - sample.m_nPressTime < CLICK_TIME) {
-            fired.Add(OUTPUT_TRIGGER_CLICK);
+        if (ReleaseTimeOf(sample) - PressTimeOf(sample) < CLICK_TIME) {
+            arOutput.Add(OUTPUT_TRIGGER_CLICK);
         }
     }
-    if (sample.m_bTouchPadPressed != 0 && previous.m_bTouchPadPressed == 0) {
-        fired.Add(OUTPUT_TOUCH_PAD_DOWN);
-    } else if (sample.m_bTouchPadPressed == 0 && previous.m_bTouchPadPressed != 0) {
-        fired.Add(OUTPUT_TOUCH_PAD_UP);
-        if (const unsigned nClick = ZoneOutput(ClassifyTouchPad(sample.m_fTouchPadX, sample.m_fTouchPadY))) {
-            fired.Add(nClick);
+    if (TouchPadOf(sample) != 0 && TouchPadOf(previous) == 0) {
+        arOutput.Add(OUTPUT_TOUCH_PAD_DOWN);
+    } else if (TouchPadOf(sample) == 0 && TouchPadOf(previous) != 0) {
+        arOutput.Add(OUTPUT_TOUCH_PAD_UP);
+        if (const int nClick = ClassifyTouchPad(TouchPadXOf(sample), TouchPadYOf(sample)); nClick != CLICK_NONE) {
+            arOutput.Add(nClick);
         }
     }
-    return fired;
 }
-
-/// The position of the group in the list; null if absent.
-POSITION FindGroupPosition(const VEKParamGroupList& lstGroup, unsigned nId) {
-    for (POSITION pos = lstGroup.GetHeadPosition(); pos != nullptr;) {
-        const POSITION posGroup = pos;
-        if (IsEqualGUID(lstGroup.GetNext(pos)->m_guid, MakeParamGuid(nId))) {
-            return posGroup;
-        }
-    }
-    return nullptr;
-}
-
-CParamLayout s_layout;
 
 } // namespace
 
+IMPLEMENT_CONTROL_LAYOUT(CVRHandleIOProcess, 4, L"CVEKIOVRHandle.XML")
+
 CVRHandleIOProcess::CVRHandleIOProcess() {
-    m_nKindCode = KIND_IO_PROCESS;
-    m_guidType = GUID_IOPROCESS_VR_HANDLE;
-    AppendInputGroup(m_lstParamGroup, INPUT_GROUP_ROW);
+    InitNode(*this, GUID_IOPROCESS_VR_HANDLE, {801, L"Base param", L"IO_PROCESS_VRHANLDE", INPUTS});
 }
 
-CVRHandleIOProcess::~CVRHandleIOProcess() = default;
-
 void CVRHandleIOProcess::InitParam() try {
-    if (m_lstParamGroup.IsEmpty()) {
+    if (GroupsOf(*this).IsEmpty()) {
         AfxThrowInvalidArgException();
     }
-    FillChoicesOnce(FindParam(m_lstParamGroup, MakeParamGuid(INPUT_HANDLE_TYPE)), FillHandleTypes);
-    if (VEKParam* pVersion = FindParam(m_lstParamGroup, MakeParamGuid(PARAM_VERSION))) {
-        pVersion->m_nValue = VERSION_WITH_HIT_POSITION;
+    FillChoicesOnce(FindOwn(*this, INPUT_HANDLE_TYPE), FillHandleTypes);
+    if (VEKParam* pVersion = FindOwn(*this, PARAM_VERSION)) {
+        IntegerOf(*pVersion) = VERSION_WITH_HIT_POSITION;
     }
 } catch (...) {
-    RejectFailure();
+    EndException();
 }
 
 void CVRHandleIOProcess::GetNodeOutput(SGraphNode* pGraphNode) try {
-    if (pGraphNode == nullptr) {
-        return;
-    }
-    VEKParamGroupList& lstOutputGroup = pGraphNode->m_lstOutputGroup;
-    if (lstOutputGroup.IsEmpty()) {
+    if (pGraphNode == nullptr || OutputsOf(*pGraphNode).IsEmpty()) {
         AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
         return;
     }
-    const VEKParam* pVersion = FindParam(m_lstParamGroup, MakeParamGuid(PARAM_VERSION));
-    if (pVersion == nullptr || pVersion->m_nValue < VERSION_WITH_HIT_POSITION ||
-        FindGroupPosition(lstOutputGroup, OUTPUT_HIT_GROUP) != nullptr) {
+    CList<VEKParamGroup*>& lstGroup = OutputsOf(*pGraphNode);
+    VEKParam* pVersion = FindOwn(*this, PARAM_VERSION);
+    if (pVersion == nullptr || IntegerOf(*pVersion) < VERSION_WITH_HIT_POSITION ||
+        FindGroup(lstGroup, MakeParamGuid(OUTPUT_HIT_GROUP)) != nullptr) {
         return;
     }
-    if (const POSITION posPosition = FindGroupPosition(lstOutputGroup, OUTPUT_POSITION_GROUP)) {
-        auto pHitGroup = MakeOutputGroup(HIT_GROUP_ROW);
-        lstOutputGroup.InsertAfter(posPosition, pHitGroup.get());
-        static_cast<void>(pHitGroup.release());
+    if (VEKParamGroup* pPosition = FindGroup(lstGroup, MakeParamGuid(OUTPUT_POSITION_GROUP))) {
+        auto pHit = MakeOutputGroup(HIT_GROUP);
+        lstGroup.InsertAfter(lstGroup.Find(pPosition), pHit.get());
+        static_cast<void>(pHit.release());
     }
 } catch (...) {
-    RejectFailure();
+    EndException();
 }
 
 int CVRHandleIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;
-    if (pGraphNode == nullptr) {
+    if (pGraphNode == nullptr || !ReadEnable(*this, *pGraphNode, m_bEnable)) {
         return 0;
     }
-    const VEKParam* pEnable = FindInput(*this, *pGraphNode, PARAM_ENABLE);
-    if (pEnable == nullptr) {
-        return 0;
-    }
-    m_bEnable = pEnable->m_nValue;
-    if (m_bEnable == 0) {
-        return 0;
-    }
-    const VEKParam* pObjectName = FindInput(*this, *pGraphNode, INPUT_OBJECT_NAME);
+    VEKParam* pObjectName = FindInput(*this, *pGraphNode, INPUT_OBJECT_NAME);
     if (pObjectName == nullptr) {
         return 0;
     }
-    AssignIfDifferent(m_strObjectName, pObjectName->m_strValue);
-    const VEKParam* pHandleType = FindInput(*this, *pGraphNode, INPUT_HANDLE_TYPE);
+    m_strObjectName = TextOf(*pObjectName);
+    VEKParam* pHandleType = FindInput(*this, *pGraphNode, INPUT_HANDLE_TYPE);
     if (pHandleType == nullptr) {
         return 0;
     }
-    if (pHandleType->m_nValue != m_nHandleType) {
+    if (IntegerOf(*pHandleType) != m_nHandleType) {
         // The other hand starts with everything released.
-        m_nHandleType = pHandleType->m_nValue;
+        m_nHandleType = IntegerOf(*pHandleType);
         m_previousSample.clear();
-        m_previousSample.m_bTouchPadPressed = 0;
-        m_previousSample.m_fTouchPadX = 0.0f;
+        ClearTouchPad(m_previousSample);
     }
     return 1;
 } catch (...) {
-    return RejectFailure();
+    return EndException();
 }
 
-int CVRHandleIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) try {
-    if (m_pOwnerClip == nullptr || m_bEnable == 0 || m_pGraphNode == nullptr) {
+int CVRHandleIOProcess::DevIOEventOccurred(EventRecordPtr pRecord) try {
+    if (m_bEnable == 0 || !IsReadyFor(pRecord, *this, m_pGraphNode) || DeviceOf(*pRecord) != DEVICE_VR_HANDLE) {
         return 0;
     }
-    if (pRecord == nullptr) {
-        return RejectNullRecord(*this, *m_pGraphNode);
-    }
-    if (pRecord->m_nDevice != DEVICE_VR_HANDLE) {
+    if (PayloadOf(*pRecord) == nullptr) {
+        WriteNodeLog(LEVEL_ERROR, *this, *m_pGraphNode, L"没有VR手柄数据");
         return 0;
     }
-    if (pRecord->m_pPayload == nullptr) {
-        WriteNodeLog(LOG_ERROR, *this, *m_pGraphNode, L"没有VR手柄数据");
+    const auto& sample = *static_cast<const SVRPluginData*>(PayloadOf(*pRecord));
+    if (HandOf(sample) != m_nHandleType) {
         return 0;
     }
-    const auto& sample = *static_cast<const SVRPluginData*>(pRecord->m_pPayload);
-    if (sample.m_nHand != m_nHandleType) {
-        return 0;
+    ShowSample(sample);
+    CArray<int> arOutput;
+    AddFired(arOutput, m_previousSample, sample);
+    m_previousSample = sample;
+    for (INT_PTR i = 0; i < arOutput.GetSize(); ++i) {
+        FireGeneralEvent(this, arOutput[i]);
     }
-    MoveObject(sample);
-    WriteOutputs(sample);
-    const FiredOutputs fired = CompareSamples(m_previousSample, sample);
-    for (const unsigned nOutput : fired) {
-        FireGeneralEvent(this, static_cast<int>(nOutput));
-    }
-    m_previousSample = sample; // at last: what couldn't be fired is fired with the next sample
     return 1;
 } catch (...) {
-    return RejectFailure();
+    return EndException();
 }
 
-void CVRHandleIOProcess::MoveObject(const SVRPluginData& sample) const {
-    if (m_strObjectName.IsEmpty()) {
-        return; // an object without name is nobody's
+/// Move the object, and write the positions, as they are: without comparing, which knows no sign of a zero.
+void CVRHandleIOProcess::ShowSample(const SVRPluginData& sample) {
+    VEKObject* pObject = m_strObjectName.IsEmpty() ? nullptr : FindObject(*ClipOf(*this), m_strObjectName);
+    if (pObject != nullptr) {
+        std::copy_n(PoseOf(sample), 16, MatrixOf(*pObject));
     }
-    if (VEKObject* pObject = m_pOwnerClip->FindObject(m_strObjectName, 0)) {
-        std::copy(std::begin(sample.m_fPose), std::end(sample.m_fPose), pObject->m_fMatrix);
-    }
-}
-
-void CVRHandleIOProcess::WriteOutputs(const SVRPluginData& sample) const {
-    const std::pair<unsigned, float> values[] = {
-        {OUTPUT_POSITION_X, sample.m_fPose[12]},  {OUTPUT_POSITION_Y, sample.m_fPose[13]},
-        {OUTPUT_POSITION_Z, sample.m_fPose[14]},  {OUTPUT_HIT_X, sample.m_fHitPosition[0]},
-        {OUTPUT_HIT_Y, sample.m_fHitPosition[1]}, {OUTPUT_HIT_Z, sample.m_fHitPosition[2]},
-    };
-    for (const auto& [nOutput, fValue] : values) {
-        if (VEKParam* pOutput = FindOutput(*m_pGraphNode, nOutput)) {
-            pOutput->m_fValue = fValue; // as it is, the sign of a zero included
+    for (int i = 0; i < 3; ++i) {
+        if (VEKParam* pPosition = FindOutput(*m_pGraphNode, static_cast<unsigned>(OUTPUT_POSITION_X + i))) {
+            FloatOf(*pPosition) = PoseOf(sample)[12 + i];
+        }
+        if (VEKParam* pHit = FindOutput(*m_pGraphNode, static_cast<unsigned>(OUTPUT_HIT_X + i))) {
+            FloatOf(*pHit) = HitPositionOf(sample)[i];
         }
     }
-}
-
-CVEKXml* CVRHandleIOProcess::GetXmlReader() {
-    return s_layout.Reader();
-}
-
-int* CVRHandleIOProcess::GetXmlLoadStatePtr() {
-    return s_layout.LoadState();
-}
-
-CString CVRHandleIOProcess::GetCtrlPosXmlPath() {
-    return ParamLayoutPath(L"CVEKIOVRHandle.XML");
-}
-
-NodeParamInfoGrpArray* CVRHandleIOProcess::GetNodeParamInfoGrpAr() {
-    return s_layout.Groups(*this);
-}
-
-void CVRHandleIOProcess::ReleaseLayout() {
-    s_layout.Release();
 }

@@ -1,29 +1,20 @@
 // VR handle node: ties one VR hand controller to outputs and events and moves a scene object with it.
 #pragma once
 
-#include "host/EventRecord.h"
+#include "nodes/shared/ControlLayout.h"
 
 class CVRHandleIOProcess : public P_ExtDevIOProcess {
+    DECLARE_CONTROL_LAYOUT()
 public:
     CVRHandleIOProcess();
-    ~CVRHandleIOProcess() override;
 
     void InitParam() override;
     void GetNodeOutput(SGraphNode* pGraphNode) override;
     int ProcessNode(SGraphNode* pGraphNode) override;
-    int DevIOEventOccurred(const SIOEventRecord* pRecord) override;
-
-    CVEKXml* GetXmlReader() override;
-    int* GetXmlLoadStatePtr() override;
-    CString GetCtrlPosXmlPath() override;
-    NodeParamInfoGrpArray* GetNodeParamInfoGrpAr() override;
-
-    /// Empty the class's control layout; it is read again when asked for.
-    static void ReleaseLayout();
+    int DevIOEventOccurred(EventRecordPtr pRecord) override;
 
 private:
-    void MoveObject(const SVRPluginData& sample) const;
-    void WriteOutputs(const SVRPluginData& sample) const;
+    void ShowSample(const SVRPluginData& sample);
 
     int m_bEnable = 0;                  ///< "Enable" as last read by ProcessNode
     SGraphNode* m_pGraphNode = nullptr; ///< graph node last handed to ProcessNode; not owned

@@ -1,29 +1,22 @@
 #include "nodes/json/DeviceJsonReceiveNode.h"
 
-#include <array>
+#include <algorithm>
+#include <initializer_list>
+#include <utility>
 
-#include "host/NodeTables.h"
+#include "host/HostJson.h"
 #include "host/NodeTypeGuid.h"
 #include "nodes/json/JsonNodes.h"
 #include "nodes/json/JsonText.h"
+#include "nodes/shared/NodeSupport.h"
+#include "nodes/shared/SharedRows.h"
 
 namespace {
 
-enum : unsigned {
-    INPUT_GROUP = 1401,
-    INPUT_DEVICE_ID = 1402,
-    INPUT_CHECK_KEY_VALUE = 1403,
-    INPUT_KEY_1 = 1404, // each key's value has the id behind it
-    INPUT_VALUE_1 = 1405,
-    INPUT_KEY_2 = 1406,
-    INPUT_VALUE_2 = 1407,
-    INPUT_KEY_3 = 1408,
-    INPUT_VALUE_3 = 1409,
-
-    OUTPUT_GROUP = 1451,
-    OUTPUT_RECEIVE_DATA = 1452,
-    OUTPUT_EVENT = 1453,
-};
+enum { INPUT_DEVICE_ID = 1402, INPUT_CHECK_KEY_VALUE = 1403 };
+enum { INPUT_KEY_1 = 1404, INPUT_KEY_2 = 1406, INPUT_KEY_3 = 1408 };
+enum { INPUT_VALUE_1 = 1405, INPUT_VALUE_2 = 1407, INPUT_VALUE_3 = 1409 };
+enum { OUTPUT_RECEIVE_DATA = 1452, OUTPUT_EVENT = 1453 };
 
 /// A key or value input; its display text ends in the number of the pair.
 constexpr ParamRow PairRow(unsigned nId, const wchar_t* pszName, const wchar_t* pszDisplayKey,
@@ -35,20 +28,9 @@ constexpr ParamRow PairRow(unsigned nId, const wchar_t* pszName, const wchar_t* 
 
 constexpr ParamRow INPUTS[] = {
     VersionRow(1),
-    {.nId = INPUT_DEVICE_ID,
-     .pszName = L"DevId",
-     .pszDisplayKey = L"IO_PROCESS_NETSEND_DEVID",
-     .codes = PARAM_INTEGER,
-     .range = ParamRange{1, 1, 10000, 1},
-     .flags = FLAGS_ORDINARY,
-     .nValue = 1},
-    {.nId = INPUT_CHECK_KEY_VALUE,
-     .pszName = L"CheckKeyValue",
-     .pszDisplayKey = L"IO_PROCESS_DEV_JSON_CHECK_KEY_VALUE",
-     .codes = PARAM_SWITCH_BOX,
-     .range = RANGE_SWITCH,
-     .flags = FLAGS_ORDINARY,
-     .nValue = 0},
+    IntegerRow(INPUT_DEVICE_ID, L"DevId", L"IO_PROCESS_NETSEND_DEVID", {1, 1, 10000, 1}, 1),
+    {INPUT_CHECK_KEY_VALUE, L"CheckKeyValue", L"IO_PROCESS_DEV_JSON_CHECK_KEY_VALUE", PARAM_SWITCH_BOX, RANGE_SWITCH,
+     FLAGS_ORDINARY, 0},
     PairRow(INPUT_KEY_1, L"Key1", L"IO_PROCESS_DEV_JSON_KEY", L"1"),
     PairRow(INPUT_VALUE_1, L"Value1", L"IO_PROCESS_DEV_JSON_VALUE", L"1"),
     PairRow(INPUT_KEY_2, L"Key2", L"IO_PROCESS_DEV_JSON_KEY", L"2"),
@@ -57,66 +39,34 @@ constexpr ParamRow INPUTS[] = {
     PairRow(INPUT_VALUE_3, L"Value3", L"IO_PROCESS_DEV_JSON_VALUE", L"3"),
 };
 
-constexpr GroupRow INPUT_GROUP_ROW{
-    .nId = INPUT_GROUP, .pszName = L"Base param", .pszDisplayKey = L"IO_PROCESS_DEV_JSON_RECEIVE", .params = INPUTS};
+constexpr ParamRow OUTPUTS[] = {JsonTextRow(OUTPUT_RECEIVE_DATA), JsonEventRow(OUTPUT_EVENT)};
 
-constexpr ParamRow OUTPUTS[] = {
-    StringRow(OUTPUT_RECEIVE_DATA, L"ReceiveData", L"LOGIC_CAL_DATASEPARATE_DATA"),
-    EventRow(OUTPUT_EVENT, L"Event", L"IO_PROCESS_RECEIVE_JSON"),
-};
+constexpr GroupRow OUTPUT_GROUPS[] = {{1451, L"Outputs", L"TOUCH_CONTROL_OUTPUTS", OUTPUTS}};
 
-constexpr GroupRow OUTPUT_GROUPS[] = {
-    {.nId = OUTPUT_GROUP, .pszName = L"Outputs", .pszDisplayKey = L"TOUCH_CONTROL_OUTPUTS", .params = OUTPUTS},
-};
-
-/// The inputs that decide on a text, each at its id's distance from the first one's.
-using Inputs = std::array<const VEKParam*, INPUT_VALUE_3 - INPUT_DEVICE_ID + 1>;
-
-const VEKParam& InputOf(const Inputs& inputs, unsigned nId) {
-    return *inputs[nId - INPUT_DEVICE_ID];
-}
-
-/// Look the inputs up; false when one is missing.
-bool FindInputs(const VEKProperty& node, const SGraphNode& graphNode, Inputs& inputs) {
-    unsigned nId = INPUT_DEVICE_ID;
-    for (const VEKParam*& pInput : inputs) {
-        pInput = FindInput(node, graphNode, nId++);
-        if (pInput == nullptr) {
-            return false;
-        }
-    }
-    return true;
-}
-
-/// Whether the object holds all pairs whose key isn't empty.
-bool HoldsPairs(const Inputs& inputs, const web::json::value& object) {
+/// Whether the object holds all pairs of key and value whose key isn't empty.
+bool HoldsPairs(const web::json::value& object, std::initializer_list<std::pair<VEKParam*, VEKParam*>> pairs) {
     CStringArray arKey;
     CStringArray arValue;
     G_ParseDataFormJsObj(object, arKey, arValue);
-    for (const unsigned nKeyId : {INPUT_KEY_1, INPUT_KEY_2, INPUT_KEY_3}) {
-        const CString& strKey = InputOf(inputs, nKeyId).m_strValue;
-        if (strKey.IsEmpty()) {
+    for (const auto& [pKey, pValue] : pairs) {
+        if (TextOf(*pKey).IsEmpty()) {
             continue;
         }
-        const int nIndex = G_FindString(arKey, strKey);
-        if (nIndex < 0 || arValue.GetAt(nIndex).Compare(InputOf(inputs, nKeyId + 1).m_strValue) != 0) {
+        const int nIndex = G_FindString(arKey, TextOf(*pKey));
+        if (nIndex < 0 || arValue.GetAt(nIndex).Compare(TextOf(*pValue)) != 0) {
             return false;
         }
     }
     return true;
 }
 
-CParamLayout s_layout;
-
 } // namespace
 
-CDevJsonReceive::CDevJsonReceive() {
-    m_nKindCode = KIND_IO_PROCESS;
-    m_guidType = GUID_IOPROCESS_DEVICE_JSON_RECEIVE;
-    AppendInputGroup(m_lstParamGroup, INPUT_GROUP_ROW);
-}
+IMPLEMENT_CONTROL_LAYOUT(CDevJsonReceive, 5, L"CVEKIODevJsonReceive.XML")
 
-CDevJsonReceive::~CDevJsonReceive() = default;
+CDevJsonReceive::CDevJsonReceive() {
+    InitNode(*this, GUID_IOPROCESS_DEVICE_JSON_RECEIVE, {1401, L"Base param", L"IO_PROCESS_DEV_JSON_RECEIVE", INPUTS});
+}
 
 void CDevJsonReceive::InitParam() {
     CheckJsonParams(*this);
@@ -130,59 +80,37 @@ int CDevJsonReceive::ProcessNode(SGraphNode* pGraphNode) {
     return ProcessJsonNode(*this, pGraphNode);
 }
 
-int CDevJsonReceive::DevIOEventOccurred(const SIOEventRecord* pRecord) try {
-    if (m_pOwnerClip == nullptr || m_pBaseGraphNode == nullptr) {
+int CDevJsonReceive::DevIOEventOccurred(EventRecordPtr pRecord) try {
+    SGraphNode* pGraphNode = GraphNodeOf(*this);
+    if (!IsReadyFor(pRecord, *this, pGraphNode, L"[%s.%s.%s]DevIOEventOccurred: pIOData == NULL") ||
+        DeviceOf(*pRecord) != DEVICE_TEXT || PayloadOf(*pRecord) == nullptr) {
         return 0;
     }
-    const SGraphNode& graphNode = *m_pBaseGraphNode;
-    if (pRecord == nullptr) {
-        WriteNodeLog(LOG_ERROR, *this, graphNode, L"[%s.%s.%s]DevIOEventOccurred: pIOData == NULL");
+    const auto& text = *static_cast<const SDeviceTextData*>(PayloadOf(*pRecord));
+    const auto inputs = FindInputs(*this, *pGraphNode, INPUT_DEVICE_ID, INPUT_CHECK_KEY_VALUE, INPUT_KEY_1, INPUT_KEY_2,
+                                   INPUT_KEY_3, INPUT_VALUE_1, INPUT_VALUE_2, INPUT_VALUE_3);
+    if (std::ranges::find(inputs, nullptr) != inputs.end()) {
         return 0;
     }
-    if (pRecord->m_nDevice != DEVICE_TEXT || pRecord->m_pPayload == nullptr) {
+    const auto [pDeviceId, pCheck, pKey1, pKey2, pKey3, pValue1, pValue2, pValue3] = inputs;
+    if (IntegerOf(*pDeviceId) != DeviceIdOf(text)) {
         return 0;
     }
-    const auto& text = *static_cast<const SDeviceTextData*>(pRecord->m_pPayload);
-    Inputs inputs = {};
-    if (!FindInputs(*this, graphNode, inputs) || InputOf(inputs, INPUT_DEVICE_ID).m_nValue != text.m_nDeviceId) {
-        return 0;
-    }
-    const web::json::value value = ParseJsonText(text.m_strText);
+    const web::json::value value = ParseJsonText(TextOf(text));
     if (value.is_null()) {
-        WriteNodeLog(LOG_ERROR, *this, graphNode, L"[%s.%s.%s]DevIOEventOccurred:JSON解析失败");
+        WriteNodeLog(LEVEL_ERROR, *this, *pGraphNode, L"[%s.%s.%s]DevIOEventOccurred:JSON解析失败");
         return 0;
     }
-    if (InputOf(inputs, INPUT_CHECK_KEY_VALUE).m_nValue != 0) {
+    if (IntegerOf(*pCheck) != 0) {
         if (!value.is_object()) {
-            WriteNodeLog(LOG_ERROR, *this, graphNode, L"[%s.%s.%s]DevIOEventOccurred:不是JSON对象");
+            WriteNodeLog(LEVEL_ERROR, *this, *pGraphNode, L"[%s.%s.%s]DevIOEventOccurred:不是JSON对象");
             return 0;
         }
-        if (!HoldsPairs(inputs, value)) {
+        if (!HoldsPairs(value, {{pKey1, pValue1}, {pKey2, pValue2}, {pKey3, pValue3}})) {
             return 0;
         }
     }
-    return AcceptJsonText(*this, {OUTPUT_RECEIVE_DATA, OUTPUT_EVENT}, text.m_strText,
-                          L"[%s.%s.%s 触发[接收设备json]事件]");
+    return AcceptJsonText(*this, OUTPUT_RECEIVE_DATA, TextOf(text), L"[%s.%s.%s 触发[接收设备json]事件]", OUTPUT_EVENT);
 } catch (...) {
-    return RejectFailure();
-}
-
-CVEKXml* CDevJsonReceive::GetXmlReader() {
-    return s_layout.Reader();
-}
-
-int* CDevJsonReceive::GetXmlLoadStatePtr() {
-    return s_layout.LoadState();
-}
-
-CString CDevJsonReceive::GetCtrlPosXmlPath() {
-    return ParamLayoutPath(L"CVEKIODevJsonReceive.XML");
-}
-
-NodeParamInfoGrpArray* CDevJsonReceive::GetNodeParamInfoGrpAr() {
-    return s_layout.Groups(*this);
-}
-
-void CDevJsonReceive::ReleaseLayout() {
-    s_layout.Release();
+    return EndException();
 }

@@ -1,23 +1,23 @@
 #include "nodes/json/JsonNodes.h"
 
-int ProcessJsonNode(P_ExtDevIOProcess& node, SGraphNode* pGraphNode) {
-    node.m_pBaseGraphNode = pGraphNode;
-    return pGraphNode != nullptr && node.m_pOwnerClip != nullptr ? 1 : 0;
-}
+#include "nodes/shared/NodeSupport.h"
 
-void CheckJsonParams(const P_ExtDevIOProcess& node) {
-    if (node.m_lstParamGroup.IsEmpty()) {
+void CheckJsonParams(VEKProperty& node) {
+    if (GroupsOf(node).IsEmpty()) {
         AfxThrowInvalidArgException();
     }
 }
 
-int AcceptJsonText(P_ExtDevIOProcess& node, const JsonOutputs& outputs, const CString& strText,
-                   const wchar_t* pszLogFormat) {
-    SGraphNode& graphNode = *node.m_pBaseGraphNode;
-    if (VEKParam* pText = FindOutput(graphNode, outputs.nText)) {
-        pText->m_strValue = strText; // without comparing, which would end at a zero inside the text
-    }
-    WriteNodeLog(LOG_INFORMATION, node, graphNode, pszLogFormat);
-    PostGeneralEventMessage(&node, node.m_pOwnerClip, nullptr, static_cast<int>(outputs.nEvent));
+int ProcessJsonNode(P_ExtDevIOProcess& node, SGraphNode* pGraphNode) {
+    GraphNodeOf(node) = pGraphNode;
+    return pGraphNode != nullptr && ClipOf(node) != nullptr ? 1 : 0;
+}
+
+int AcceptJsonText(P_ExtDevIOProcess& node, unsigned nTextOutput, const CString& strText, const wchar_t* pszLogFormat,
+                   int nEventOutput) {
+    SGraphNode& graphNode = *GraphNodeOf(node);
+    WriteOutput(graphNode, nTextOutput, strText);
+    WriteNodeLog(LEVEL_INFORMATION, node, graphNode, pszLogFormat);
+    PostGeneralEventMessage(&node, ClipOf(node), nullptr, nEventOutput);
     return 1;
 }

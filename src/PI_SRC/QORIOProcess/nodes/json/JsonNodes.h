@@ -1,20 +1,24 @@
 // What the two JSON receive nodes share.
 #pragma once
 
-#include "host/NodeSupport.h"
+#include "nodes/shared/NodeTables.h"
 
-/// A JSON receive node's evaluation: remember the graph node; 1 when there is one and the node has its owner clip.
+/// The output of the received text.
+constexpr ParamRow JsonTextRow(unsigned nId) {
+    return StringRow(nId, L"ReceiveData", L"LOGIC_CAL_DATASEPARATE_DATA");
+}
+
+/// The output that fires with it.
+constexpr ParamRow JsonEventRow(unsigned nId) {
+    return EventRow(nId, L"Event", L"IO_PROCESS_RECEIVE_JSON");
+}
+
+/// A JSON receive node's InitParam: raises the framework's invalid-argument exception when the node has no group.
+void CheckJsonParams(VEKProperty& node);
+
+/// A JSON receive node's evaluation: remember the graph node; 1 when there is one and the node has its clip.
 int ProcessJsonNode(P_ExtDevIOProcess& node, SGraphNode* pGraphNode);
 
-/// Check a loaded parameter set: a node without any parameter group raises the framework's invalid-argument exception.
-void CheckJsonParams(const P_ExtDevIOProcess& node);
-
-/// Outputs of a JSON receive node: the received text and the event.
-struct JsonOutputs {
-    unsigned nText;
-    unsigned nEvent;
-};
-
-/// Offer an accepted text and fire the event output; logs one line. The format takes the three names. Result 1.
-int AcceptJsonText(P_ExtDevIOProcess& node, const JsonOutputs& outputs, const CString& strText,
-                   const wchar_t* pszLogFormat);
+/// Offer an accepted text at an output, log, and fire the event output. Answers 1.
+int AcceptJsonText(P_ExtDevIOProcess& node, unsigned nTextOutput, const CString& strText, const wchar_t* pszLogFormat,
+                   int nEventOutput);

@@ -1,50 +1,31 @@
 #include "nodes/json/ObjectJsonReceiveNode.h"
 
-#include "host/NodeTables.h"
 #include "host/NodeTypeGuid.h"
 #include "nodes/json/JsonNodes.h"
+#include "nodes/shared/NodeSupport.h"
+#include "nodes/shared/SharedRows.h"
 
 namespace {
 
-enum : unsigned {
-    INPUT_GROUP = 1201,
-    INPUT_CLIP_NAME = 1202,
-    INPUT_OBJECT_NAME = 1203,
-    INPUT_FLAG = 1204,
-
-    OUTPUT_GROUP = 1251,
-    OUTPUT_RECEIVE_DATA = 1252,
-    OUTPUT_EVENT = 1253,
-};
+enum { INPUT_CLIP_NAME = 1202, INPUT_OBJECT_NAME = 1203, INPUT_FLAG = 1204 };
+enum { OUTPUT_RECEIVE_DATA = 1252, OUTPUT_EVENT = 1253 };
 
 constexpr ParamRow INPUTS[] = {
     VersionRow(2),
-    StringRow(INPUT_CLIP_NAME, L"ClipName", L"IO_PROCESS_NETSEND_CLIPNAME"),
+    ClipNameRow(INPUT_CLIP_NAME),
     StringRow(INPUT_OBJECT_NAME, L"ObjName", L"IO_PROCESS_OBJ_NAME"),
-    StringRow(INPUT_FLAG, L"Flag", L"IO_PROCESS_BROADCAST_FLAG"),
+    FlagRow(INPUT_FLAG),
 };
 
-constexpr GroupRow INPUT_GROUP_ROW{
-    .nId = INPUT_GROUP, .pszName = L"Base param", .pszDisplayKey = L"IO_PROCESS_OBJ_JSON_RECEIVE", .params = INPUTS};
+constexpr ParamRow OUTPUTS[] = {JsonTextRow(OUTPUT_RECEIVE_DATA), JsonEventRow(OUTPUT_EVENT)};
 
-constexpr ParamRow OUTPUTS[] = {
-    StringRow(OUTPUT_RECEIVE_DATA, L"ReceiveData", L"LOGIC_CAL_DATASEPARATE_DATA"),
-    EventRow(OUTPUT_EVENT, L"Event", L"IO_PROCESS_RECEIVE_JSON"),
-};
-
-constexpr GroupRow OUTPUT_GROUPS[] = {
-    {.nId = OUTPUT_GROUP, .pszName = L"Outputs", .pszDisplayKey = L"TOUCH_CONTROL_OUTPUTS", .params = OUTPUTS},
-};
+constexpr GroupRow OUTPUT_GROUPS[] = {{1251, L"Outputs", L"TOUCH_CONTROL_OUTPUTS", OUTPUTS}};
 
 } // namespace
 
 CObjJsonReceive::CObjJsonReceive() {
-    m_nKindCode = KIND_IO_PROCESS;
-    m_guidType = GUID_IOPROCESS_OBJECT_JSON_RECEIVE;
-    AppendInputGroup(m_lstParamGroup, INPUT_GROUP_ROW);
+    InitNode(*this, GUID_IOPROCESS_OBJECT_JSON_RECEIVE, {1201, L"Base param", L"IO_PROCESS_OBJ_JSON_RECEIVE", INPUTS});
 }
-
-CObjJsonReceive::~CObjJsonReceive() = default;
 
 void CObjJsonReceive::InitParam() {
     CheckJsonParams(*this);
@@ -58,28 +39,21 @@ int CObjJsonReceive::ProcessNode(SGraphNode* pGraphNode) {
     return ProcessJsonNode(*this, pGraphNode);
 }
 
-int CObjJsonReceive::DevIOEventOccurred(const SIOEventRecord* pRecord) try {
-    if (m_pOwnerClip == nullptr || m_pBaseGraphNode == nullptr) {
+int CObjJsonReceive::DevIOEventOccurred(EventRecordPtr pRecord) try {
+    SGraphNode* pGraphNode = GraphNodeOf(*this);
+    if (!IsReadyFor(pRecord, *this, pGraphNode) || DeviceOf(*pRecord) != DEVICE_OBJECT_TEXT ||
+        PayloadOf(*pRecord) == nullptr) {
         return 0;
     }
-    if (pRecord == nullptr) {
-        return RejectNullRecord(*this, *m_pBaseGraphNode);
-    }
-    if (pRecord->m_nDevice != DEVICE_OBJECT_TEXT || pRecord->m_pPayload == nullptr) {
-        return 0;
-    }
-    const auto& text = *static_cast<const SObjectTextData*>(pRecord->m_pPayload);
-    const VEKParam* pClipName = FindInput(*this, *m_pBaseGraphNode, INPUT_CLIP_NAME);
-    const VEKParam* pObjectName = FindInput(*this, *m_pBaseGraphNode, INPUT_OBJECT_NAME);
+    const auto& text = *static_cast<const SObjectTextData*>(PayloadOf(*pRecord));
     // "Flag" must be there, but what it holds decides nothing.
-    const VEKParam* pFlag = FindInput(*this, *m_pBaseGraphNode, INPUT_FLAG);
-    if (pClipName == nullptr || pObjectName == nullptr || pFlag == nullptr) {
+    const auto [pClipName, pObjectName, pFlag] =
+        FindInputs(*this, *pGraphNode, INPUT_CLIP_NAME, INPUT_OBJECT_NAME, INPUT_FLAG);
+    if (pClipName == nullptr || pObjectName == nullptr || pFlag == nullptr ||
+        TextOf(*pClipName).Compare(ClipNameOf(text)) != 0 || TextOf(*pObjectName).Compare(ObjectNameOf(text)) != 0) {
         return 0;
     }
-    if (pClipName->m_strValue != text.m_strClipName || pObjectName->m_strValue != text.m_strObjectName) {
-        return 0;
-    }
-    return AcceptJsonText(*this, {OUTPUT_RECEIVE_DATA, OUTPUT_EVENT}, text.m_strText, L"[%s.%s.%s 触发[地图反馈]事件]");
+    return AcceptJsonText(*this, OUTPUT_RECEIVE_DATA, TextOf(text), L"[%s.%s.%s 触发[地图反馈]事件]", OUTPUT_EVENT);
 } catch (...) {
-    return RejectFailure();
+    return EndException();
 }

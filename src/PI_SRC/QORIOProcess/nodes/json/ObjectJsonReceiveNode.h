@@ -1,15 +1,14 @@
 // Object JSON receive node: passes on the text that is addressed to one object of one clip.
 #pragma once
 
-#include "host/EventRecord.h"
+#include "nodes/shared/HostMembers.h"
 
 class CObjJsonReceive : public P_ExtDevIOProcess {
 public:
     CObjJsonReceive();
-    ~CObjJsonReceive() override;
 
     void InitParam() override;
     void GetNodeOutput(SGraphNode* pGraphNode) override;
     int ProcessNode(SGraphNode* pGraphNode) override;
-    int DevIOEventOccurred(const SIOEventRecord* pRecord) override;
+    int DevIOEventOccurred(EventRecordPtr pRecord) override;
 };

@@ -1,46 +1,25 @@
 #include "nodes/network/BroadcastReceiveNode.h"
 
-#include "host/NodeSupport.h"
-#include "host/NodeTables.h"
 #include "host/NodeTypeGuid.h"
+#include "nodes/shared/NodeSupport.h"
+#include "nodes/shared/SharedRows.h"
 
 namespace {
 
-enum : unsigned {
-    INPUT_GROUP = 1301,
-    INPUT_FLAG = 1302,
+enum { INPUT_FLAG = 1302 };
+enum { OUTPUT_NAME = 1352, OUTPUT_DATA = 1353 };
 
-    OUTPUT_GROUP = 1351,
-    OUTPUT_NAME = 1352,
-    OUTPUT_DATA = 1353,
-};
+constexpr ParamRow INPUTS[] = {VersionRow(1), FlagRow(INPUT_FLAG)};
 
-constexpr ParamRow INPUTS[] = {
-    VersionRow(1),
-    StringRow(INPUT_FLAG, L"Flag", L"IO_PROCESS_BROADCAST_FLAG"),
-};
+constexpr ParamRow OUTPUTS[] = {BroadcastNameRow(OUTPUT_NAME), BroadcastDataRow(OUTPUT_DATA)};
 
-constexpr GroupRow INPUT_GROUP_ROW{
-    .nId = INPUT_GROUP, .pszName = L"Base param", .pszDisplayKey = L"IO_PROCESS_BROADCASTREV", .params = INPUTS};
-
-constexpr ParamRow OUTPUTS[] = {
-    StringRow(OUTPUT_NAME, L"Name", L"IO_PROCESS_BROADCAST_NAME"),
-    StringRow(OUTPUT_DATA, L"Data", L"IO_PROCESS_BROADCAST_VALUE"),
-};
-
-constexpr GroupRow OUTPUT_GROUPS[] = {
-    {.nId = OUTPUT_GROUP, .pszName = L"Outputs", .pszDisplayKey = L"TOUCH_CONTROL_OUTPUTS", .params = OUTPUTS},
-};
+constexpr GroupRow OUTPUT_GROUPS[] = {{1351, L"Outputs", L"TOUCH_CONTROL_OUTPUTS", OUTPUTS}};
 
 } // namespace
 
 CBroadcastRevIOProcess::CBroadcastRevIOProcess() {
-    m_nKindCode = KIND_IO_PROCESS;
-    m_guidType = GUID_IOPROCESS_BROADCAST_RECEIVE;
-    AppendInputGroup(m_lstParamGroup, INPUT_GROUP_ROW);
+    InitNode(*this, GUID_IOPROCESS_BROADCAST_RECEIVE, {1301, L"Base param", L"IO_PROCESS_BROADCASTREV", INPUTS});
 }
-
-CBroadcastRevIOProcess::~CBroadcastRevIOProcess() = default;
 
 void CBroadcastRevIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
     AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
@@ -48,35 +27,27 @@ void CBroadcastRevIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
 
 int CBroadcastRevIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;
-    if (pGraphNode == nullptr || m_pOwnerClip == nullptr) {
+    if (pGraphNode == nullptr || ClipOf(*this) == nullptr) {
         return 0;
     }
-    if (const VEKParam* pFlag = FindInput(*this, *pGraphNode, INPUT_FLAG)) {
-        AssignIfDifferent(m_strFlag, pFlag->m_strValue);
-    }
+    ReadText(*this, *pGraphNode, INPUT_FLAG, m_strFlag);
     return 1;
 } catch (...) {
-    return RejectFailure();
+    return EndException();
 }
 
-int CBroadcastRevIOProcess::DevIOEventOccurred(const SIOEventRecord* pRecord) try {
-    if (m_pOwnerClip == nullptr || m_pGraphNode == nullptr) {
+int CBroadcastRevIOProcess::DevIOEventOccurred(EventRecordPtr pRecord) try {
+    if (!IsReadyFor(pRecord, *this, m_pGraphNode) || DeviceOf(*pRecord) != DEVICE_NETWORK ||
+        EventOf(*pRecord) != EVENT_BROADCAST || PayloadOf(*pRecord) == nullptr) {
         return 0;
     }
-    if (pRecord == nullptr) {
-        return RejectNullRecord(*this, *m_pGraphNode);
-    }
-    if (pRecord->m_nDevice != DEVICE_NETWORK || pRecord->m_nEvent != EVENT_BROADCAST ||
-        pRecord->m_pPayload == nullptr) {
+    const auto& item = *static_cast<const SBroadcastItem*>(PayloadOf(*pRecord));
+    if (!IsSameText(FlagOf(item), m_strFlag)) {
         return 0;
     }
-    const auto& item = *static_cast<const SBroadcastItem*>(pRecord->m_pPayload);
-    if (item.m_strFlag != m_strFlag) {
-        return 0;
-    }
-    WriteOutput(*m_pGraphNode, OUTPUT_NAME, &VEKParam::m_strValue, item.m_strName);
-    WriteOutput(*m_pGraphNode, OUTPUT_DATA, &VEKParam::m_strValue, item.m_strData);
+    WriteOutput(*m_pGraphNode, OUTPUT_NAME, NameOf(item));
+    WriteOutput(*m_pGraphNode, OUTPUT_DATA, DataOf(item));
     return 1;
 } catch (...) {
-    return RejectFailure();
+    return EndException();
 }

@@ -1,28 +1,32 @@
 #include "nodes/network/LayerNumbers.h"
 
 #include <algorithm>
+#include <iterator>
 
-#include "host/HostCommon.h"
+#include "nodes/shared/HostMembers.h"
 
 namespace {
 
-constexpr int LAYER_BACK = -1;
-constexpr int LAYER_MIDDLE = 0;
 constexpr int LAYER_FRONT = 0x7FFFFF36;
-constexpr int LAYER_OUTPUT_BACK = -1023;
-constexpr int LAYER_OUTPUT_KEY = -1022;
 
-// Separate layers are numbered from 1 up to the front layer, the output's top layers from behind it.
-constexpr int LAYER_SEPARATE_END = LAYER_FRONT + 1;
-constexpr int LAYER_OUTPUT_TOP_END = LAYER_FRONT + 3;
+struct NamedLayer {
+    int nLayer;
+    const wchar_t* pszKey;
+};
 
-constexpr int NAMED_LAYERS[] = {LAYER_BACK, LAYER_MIDDLE, LAYER_FRONT, LAYER_OUTPUT_BACK, LAYER_OUTPUT_KEY};
+/// The first choices, in order.
+constexpr NamedLayer NAMED_LAYERS[] = {{-1, L"ZT_BASEOBJ_LAYER_BACK"},
+                                       {0, L"ZT_BASEOBJ_LAYER_MIDDLE"},
+                                       {LAYER_FRONT, L"ZT_BASEOBJ_LAYER_FRONT"},
+                                       {-1023, L"ZT_BASEOBJ_LAYER_OUTPUT_BACK"},
+                                       {-1022, L"ZT_BASEOBJ_LAYER_OUTPUT_KEY"}};
 
-constexpr int FIRST_SEPARATE_CHOICE = 5;
-constexpr int FIRST_OUTPUT_TOP_CHOICE = 15;
+// Then come separate layers, which are numbered from 1, and the output's top layers, from behind the front layer.
+constexpr int FIRST_SEPARATE_CHOICE = std::size(NAMED_LAYERS);
+constexpr int FIRST_OUTPUT_TOP_CHOICE = FIRST_SEPARATE_CHOICE + 10;
 
 CString NumberedLabel(const wchar_t* pszKey, int nNumber) {
-    CString strLabel = PXLoadString(pszKey);
+    CString strLabel = LoadText(pszKey);
     strLabel.AppendFormat(L"%d", nNumber);
     return strLabel;
 }
@@ -31,37 +35,28 @@ CString NumberedLabel(const wchar_t* pszKey, int nNumber) {
 
 int LayerNumberOfChoice(int nIndex) {
     if (nIndex < FIRST_SEPARATE_CHOICE) {
-        return NAMED_LAYERS[std::max(nIndex, 0)];
+        return NAMED_LAYERS[std::max(nIndex, 0)].nLayer;
     }
     if (nIndex < FIRST_OUTPUT_TOP_CHOICE) {
         return nIndex - FIRST_SEPARATE_CHOICE + 1;
     }
     // Far past the choices the sum leaves the range of int and wraps.
-    return static_cast<int>(static_cast<unsigned>(nIndex) + (LAYER_SEPARATE_END - FIRST_OUTPUT_TOP_CHOICE));
+    return static_cast<int>(static_cast<unsigned>(nIndex) + (LAYER_FRONT + 1 - FIRST_OUTPUT_TOP_CHOICE));
 }
 
 CString LayerLabel(int nLayer) {
-    switch (nLayer) {
-    case LAYER_FRONT:
-        return PXLoadString(L"ZT_BASEOBJ_LAYER_FRONT");
-    case LAYER_BACK:
-        return PXLoadString(L"ZT_BASEOBJ_LAYER_BACK");
-    case LAYER_MIDDLE:
-        return PXLoadString(L"ZT_BASEOBJ_LAYER_MIDDLE");
-    case LAYER_OUTPUT_BACK:
-        return PXLoadString(L"ZT_BASEOBJ_LAYER_OUTPUT_BACK");
-    case LAYER_OUTPUT_KEY:
-        return PXLoadString(L"ZT_BASEOBJ_LAYER_OUTPUT_KEY");
-    default:
-        break;
+    for (const NamedLayer& row : NAMED_LAYERS) {
+        if (row.nLayer == nLayer) {
+            return LoadText(row.pszKey);
+        }
     }
-    if (nLayer >= 1 && nLayer < LAYER_SEPARATE_END) {
+    if (nLayer >= 1 && nLayer <= LAYER_FRONT) {
         return NumberedLabel(L"ZT_BASEOBJ_LAYER_ONLY", nLayer);
     }
-    if (nLayer >= LAYER_SEPARATE_END && nLayer < LAYER_OUTPUT_TOP_END) {
+    if (nLayer > LAYER_FRONT && nLayer <= LAYER_FRONT + 2) {
         return NumberedLabel(L"ZT_BASEOBJ_LAYER_OUTPUT_FIRST", nLayer - LAYER_FRONT);
     }
-    return PXLoadString(L"ZT_BASEOBJ_LAYER_ONLY");
+    return LoadText(L"ZT_BASEOBJ_LAYER_ONLY");
 }
 
 void FillLayerLabels(CStringArray& arChoice) {

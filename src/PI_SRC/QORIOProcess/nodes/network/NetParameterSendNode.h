@@ -1,35 +1,22 @@
 // Net parameter send node: sends one remote-control record to one or all of the host's play-control devices.
 #pragma once
 
-#include "host/HostNetwork.h"
+#include "nodes/shared/ControlLayout.h"
 
 class CNetParameterSendIOProcess : public P_ExtDevIOProcess {
+    DECLARE_CONTROL_LAYOUT()
 public:
     CNetParameterSendIOProcess();
-    ~CNetParameterSendIOProcess() override;
 
     void InitParam() override;
-    /// Raises a std::bad_alloc when there is no memory for a record; those before it have been sent.
     int ProcessNode(SGraphNode* pGraphNode) override;
-    int DevIOEventOccurred(const SIOEventRecord* pRecord) override;
-
-    CVEKXml* GetXmlReader() override;
-    int* GetXmlLoadStatePtr() override;
-    CString GetCtrlPosXmlPath() override;
-    NodeParamInfoGrpArray* GetNodeParamInfoGrpAr() override;
-
-    /// Empty the class's control layout; it is read again when asked for.
-    static void ReleaseLayout();
+    int DevIOEventOccurred(EventRecordPtr pRecord) override;
 
 private:
     void ReadInputs(SGraphNode& graphNode);
-    void SendToAll(const SGraphNode& graphNode) const;
-    void SendToOne(const SGraphNode& graphNode, const CString& strDevID) const;
-    void Send(const SQORNetPlayCtrlDev* pDevice) const;
+    void Send(SQORNetPlayCtrlDev* pDevice);
 
     // The inputs as last read by ProcessNode.
-    CString m_strDevID;
-    CString m_strDevName;
     CString m_strClipName;
     CString m_strGroupName;
     CString m_strKeyName;

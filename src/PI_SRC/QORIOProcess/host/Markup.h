@@ -1,0 +1,30 @@
+// Writes XML text.
+#pragma once
+
+#include <afxwin.h>
+
+#include "host/Export.h"
+
+/// Writes XML text: elements one after another, each empty, with its attributes in the order in which they were set.
+/// Line ends are "\r\n", one behind each element. In values the characters & < > " and control characters are written
+/// as references, all others as they are, so that a reader gets back the same text. Names must be XML names; they are
+/// written as they are. The object starts as the empty document.
+class VEKCOMMON_API CMarkup {
+public:
+    CMarkup();
+    ~CMarkup();
+
+    /// Append an empty element, which becomes the one that SetAttrib works on. False, and no change, for an empty name.
+    bool AddElem(const wchar_t* pszName);
+
+    /// Set an attribute of the last element: a new one goes behind its others, an existing one gets the value in its
+    /// place. False, and no change, without an element or for an empty name.
+    bool SetAttrib(const wchar_t* pszName, const CString& strValue);
+
+    /// The document so far.
+    const CString& GetDoc() const { return m_strDocument; }
+
+private:
+    CString m_strDocument;
+    int m_nElement; ///< where the last element begins in the document; -1 without one
+};

@@ -1,0 +1,60 @@
+// Control layouts: where the controls of a node class's parameter panel stand. A class has one, read by the host from a
+// file of this module.
+//
+//   class CMyNode : public P_ExtDevIOProcess {
+//       DECLARE_CONTROL_LAYOUT()          overrides the four operations by which the host asks for it
+//
+//   IMPLEMENT_CONTROL_LAYOUT(CMyNode, 6, L"MyNode.XML")
+#pragma once
+
+#include "nodes/shared/HostMembers.h"
+
+/// The layout of one class.
+class CControlLayout {
+public:
+    /// Layouts are released in the order of their ranks; no two have the same.
+    CControlLayout(int nReleaseRank, const wchar_t* pszFileName);
+    ~CControlLayout() { Release(); }
+
+    /// Empty the layouts of all classes, each group deleted. They are filled again when the host asks for them.
+    static void ReleaseAll();
+
+    CVEKXml* Reader() { return &m_reader; }
+    int* LoadState() { return &m_nLoadState; }
+    CString Path() const;
+    /// The layout's groups, filled by the host's own operation while there are none.
+    CArray<SNodeParamInfoGrp*>* Groups(SParamGrpPosAdjust& node);
+
+private:
+    void Release();
+
+    const wchar_t* m_pszFileName;
+    CVEKXml m_reader;
+    int m_nLoadState = 0; ///< the host's
+    CArray<SNodeParamInfoGrp*> m_arGroup;
+};
+
+#define DECLARE_CONTROL_LAYOUT()                                                                                       \
+public:                                                                                                                \
+    CVEKXml* GetXmlReader() override;                                                                                  \
+    int* GetXmlLoadStatePtr() override;                                                                                \
+    CString GetCtrlPosXmlPath() override;                                                                              \
+    CArray<SNodeParamInfoGrp*>* GetNodeParamInfoGrpAr() override;                                                      \
+                                                                                                                       \
+private:                                                                                                               \
+    static CControlLayout s_layout;
+
+#define IMPLEMENT_CONTROL_LAYOUT(class_name, nReleaseRank, pszFileName)                                                \
+    CControlLayout class_name::s_layout(nReleaseRank, pszFileName);                                                    \
+    CVEKXml* class_name::GetXmlReader() {                                                                              \
+        return s_layout.Reader();                                                                                      \
+    }                                                                                                                  \
+    int* class_name::GetXmlLoadStatePtr() {                                                                            \
+        return s_layout.LoadState();                                                                                   \
+    }                                                                                                                  \
+    CString class_name::GetCtrlPosXmlPath() {                                                                          \
+        return s_layout.Path();                                                                                        \
+    }                                                                                                                  \
+    CArray<SNodeParamInfoGrp*>* class_name::GetNodeParamInfoGrpAr() {                                                  \
+        return s_layout.Groups(*this);                                                                                 \
+    }

@@ -1,0 +1,129 @@
+#include "nodes/shared/NodeSupport.h"
+
+#include <algorithm>
+#include <cwchar>
+
+#include "nodes/shared/SharedRows.h"
+
+namespace {
+
+/// Id of the event object that carries a fired output.
+constexpr int GENERAL_EVENT = 2;
+
+/// Append one pointer parameter to a general event.
+void AppendPointer(SQOREvent& event, unsigned nId, const wchar_t* pszName, const wchar_t* pszDisplayKey, void* pValue,
+                   const wchar_t* pszTypeName) {
+    auto pParam = std::make_unique<VEKParam>(nId, pszName, LoadText(pszDisplayKey), PARAM_POINTER.m_nType,
+                                             PARAM_POINTER.m_nControl);
+    PointerOf(*pParam) = pValue;
+    std::copy_n(pszTypeName, std::wcslen(pszTypeName) + 1, TypeNameOf(*pParam));
+    AppendOwned(ParamsOf(event), std::move(pParam));
+}
+
+} // namespace
+
+VEKParam* FindInput(VEKProperty& node, SGraphNode& graphNode, unsigned nId) {
+    return QORFindParamByGuid(MakeParamGuid(nId), InputsOf(graphNode), GroupsOf(node));
+}
+
+VEKParam* FindOwn(VEKProperty& node, unsigned nId) {
+    return FindParam(GroupsOf(node), MakeParamGuid(nId));
+}
+
+VEKParam* FindTrigger(SGraphNode& graphNode, unsigned nId) {
+    return FindParam(InputsOf(graphNode), MakeParamGuid(nId));
+}
+
+bool IsTriggered(SGraphNode& graphNode, unsigned nId) {
+    VEKParam* pTrigger = FindTrigger(graphNode, nId);
+    return pTrigger != nullptr && IntegerOf(*pTrigger) != 0;
+}
+
+bool ReadEnable(VEKProperty& node, SGraphNode& graphNode, int& bEnable) {
+    VEKParam* pEnable = FindInput(node, graphNode, PARAM_ENABLE);
+    if (pEnable == nullptr) {
+        return false;
+    }
+    bEnable = IntegerOf(*pEnable);
+    return bEnable != 0;
+}
+
+void ReadText(VEKProperty& node, SGraphNode& graphNode, unsigned nId, CString& strText) {
+    if (VEKParam* pParam = FindInput(node, graphNode, nId)) {
+        strText = TextOf(*pParam);
+    }
+}
+
+bool IsSameText(const CString& strText, const CString& strOther) {
+    return strText.GetLength() == strOther.GetLength() &&
+           std::wmemcmp(strText.GetString(), strOther.GetString(), static_cast<size_t>(strText.GetLength())) == 0;
+}
+
+VEKParam* FindOutput(SGraphNode& graphNode, unsigned nId) {
+    return FindParam(OutputsOf(graphNode), MakeParamGuid(nId));
+}
+
+void WriteOutput(SGraphNode& graphNode, unsigned nId, int nValue) {
+    VEKParam* pOutput = FindOutput(graphNode, nId);
+    if (pOutput != nullptr && IntegerOf(*pOutput) != nValue) {
+        IntegerOf(*pOutput) = nValue;
+    }
+}
+
+void WriteOutput(SGraphNode& graphNode, unsigned nId, float fValue) {
+    VEKParam* pOutput = FindOutput(graphNode, nId);
+    if (pOutput != nullptr && FloatOf(*pOutput) != fValue) {
+        FloatOf(*pOutput) = fValue;
+    }
+}
+
+void WriteOutput(SGraphNode& graphNode, unsigned nId, const CString& strValue) {
+    VEKParam* pOutput = FindOutput(graphNode, nId);
+    if (pOutput != nullptr && !IsSameText(TextOf(*pOutput), strValue)) {
+        TextOf(*pOutput) = strValue;
+    }
+}
+
+void FireGeneralEvent(VEKProperty* pNode, int nOutput) {
+    if (pNode == nullptr || EventWindowOf(*pNode) == nullptr || EventMessageOf(*pNode) == 0) {
+        return;
+    }
+    auto pEvent = std::make_unique<SQOREvent>(static_cast<EQOREventID>(GENERAL_EVENT), L"GeneralEvent");
+    AppendPointer(*pEvent, 0, L"OwnerClip", L"TOUCH_CONTROL_OWNER_CLIP", ClipOf(*pNode), L"VEKClip");
+    AppendPointer(*pEvent, 1, L"OwnerObject", L"TOUCH_CONTROL_OWNER_OBJECT", nullptr, L"VEKObject");
+    AppendPointer(*pEvent, 2, L"OwnerProperty", L"TOUCH_CONTROL_OWNER_PROPERTY", pNode, L"VEKProperty");
+    auto pOutput = std::make_unique<int>(nOutput);
+    AppendPointer(*pEvent, 3, L"OwnerEventID", L"QOR_EXTRADATA_EVENT_ID", pOutput.get(), L"EventID");
+    static_cast<void>(pOutput.release()); // freed with the event
+    // A full queue or a window that is gone refuses the message: the event is freed here then.
+    if (PostMessageW(EventWindowOf(*pNode), EventMessageOf(*pNode), 1, reinterpret_cast<LPARAM>(pEvent.get()))) {
+        static_cast<void>(pEvent.release());
+    }
+}
+
+const FiredRow* FindFired(std::span<const FiredRow> rows, int nEvent) {
+    const auto row = std::find_if(rows.begin(), rows.end(), [nEvent](const FiredRow& r) { return r.nEvent == nEvent; });
+    return row != rows.end() ? &*row : nullptr;
+}
+
+bool IsReadyFor(EventRecordPtr pRecord, VEKProperty& node, SGraphNode* pGraphNode, const wchar_t* pszNoRecord) {
+    if (ClipOf(node) == nullptr || pGraphNode == nullptr) {
+        return false;
+    }
+    if (pRecord == nullptr) {
+        WriteNodeLog(LEVEL_ERROR, node, *pGraphNode, pszNoRecord);
+    }
+    return pRecord != nullptr;
+}
+
+int EndException() {
+    try {
+        throw;
+    } catch (CInvalidArgException*) {
+        throw;
+    } catch (CException* pException) {
+        pException->Delete();
+    } catch (...) { // of the standard library or anybody: nothing to free
+    }
+    return 0;
+}

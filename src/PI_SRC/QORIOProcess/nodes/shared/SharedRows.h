@@ -1,0 +1,68 @@
+// Parameters and outputs that several node types have alike.
+#pragma once
+
+#include "nodes/shared/NodeTables.h"
+
+inline constexpr unsigned PARAM_ENABLE = 2;  ///< id of "Enable" in every node type that has it
+inline constexpr unsigned PARAM_VERSION = 7; ///< id of "Version" likewise
+
+/// "Enable" as most input-device nodes have it.
+inline constexpr ParamRow ENABLE_ROW{PARAM_ENABLE,   L"Enable", L"TOUCH_CONTROL_ENABLED", PARAM_SWITCH, RANGE_SWITCH,
+                                     FLAGS_ORDINARY, 1};
+
+/// The generation of a node's parameter set.
+constexpr ParamRow VersionRow(int nVersion) {
+    return {PARAM_VERSION, L"Version", nullptr, PARAM_INTEGER, ParamRange{1, 1, 10000, 1}, FLAGS_NONE, nVersion};
+}
+
+/// Send to one device rather than to all.
+constexpr ParamRow ToDevRow(unsigned nId) {
+    return {nId, L"ToDev", L"TOUCH_NETSEND_TODEV", PARAM_SWITCH, RANGE_SWITCH, FLAGS_NONE, 1};
+}
+
+constexpr ParamRow DevNameRow(unsigned nId) {
+    return StringRow(nId, L"DevName", L"IO_PROCESS_NETSEND_DEVNAME");
+}
+
+constexpr ParamRow ClipNameRow(unsigned nId) {
+    return StringRow(nId, L"ClipName", L"IO_PROCESS_NETSEND_CLIPNAME");
+}
+
+constexpr ParamRow GroupNameRow(unsigned nId) {
+    return StringRow(nId, L"GroupName", L"IO_PROCESS_NETSEND_GROUPNAME");
+}
+
+constexpr ParamRow KeyNameRow(unsigned nId) {
+    return StringRow(nId, L"KeyName", L"IO_PROCESS_NETSEND_KEYNAME");
+}
+
+constexpr ParamRow KeyNumberRow(unsigned nId) {
+    return IntegerRow(nId, L"KeyNumber", L"IO_PROCESS_NETSEND_KEYNUMBER", {0, 0, 1e9f, 1}, 0);
+}
+
+constexpr ParamRow KeyValueRow(unsigned nId) {
+    return StringRow(nId, L"KeyValue", L"IO_PROCESS_NETSEND_KEYVALUE");
+}
+
+constexpr ParamRow HelpParameterRow(unsigned nId) {
+    return StringRow(nId, L"HelpParameter", L"IO_PROCESS_NETSEND_HELPPARAMETER");
+}
+
+constexpr ParamRow FlagRow(unsigned nId) {
+    return StringRow(nId, L"Flag", L"IO_PROCESS_BROADCAST_FLAG");
+}
+
+constexpr ParamRow BroadcastNameRow(unsigned nId) {
+    return StringRow(nId, L"Name", L"IO_PROCESS_BROADCAST_NAME");
+}
+
+constexpr ParamRow BroadcastDataRow(unsigned nId) {
+    return StringRow(nId, L"Data", L"IO_PROCESS_BROADCAST_VALUE");
+}
+
+/// The trigger of a node that sends.
+constexpr ParamRow SendRow(unsigned nId) {
+    ParamRow row = EventRow(nId, L"Send", L"IO_PROCESS_NETSEND_SEND");
+    row.nValue = 0;
+    return row;
+}

@@ -1,0 +1,103 @@
+#include "HostCalls.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "ReplacedCalls.h"
+#include "host/HostCommon.h"
+#include "host/HostRender.h"
+
+#define LOAD_STRING "_Z12PXLoadStringPKw"
+#define SET_PARAM_VALUE "_Z13SetParamValueP8VEKParamffff"
+#define SET_PARAM_BOOL_VALUE "_Z17SetParamBoolValueP8VEKParamiiii"
+#define MAKE_PARAM "_ZN8VEKParamC1EjRK7CStringS2_ii"
+
+namespace {
+
+const wchar_t LIBRARY[] = L"VEKCommonx.dll";
+
+std::wstring_view s_failingKey;
+int s_nAnswered = 0;
+void (*s_pRaise)() = nullptr;
+
+CarelessHost* s_pCareless = nullptr;
+
+void NoteExtraWord(const VEKParam* pParam) {
+    if (const auto* pOutput = dynamic_cast<const SQORNodeOutput*>(pParam)) {
+        s_pCareless->m_extraWords.push_back(pOutput->m_nExtra);
+    }
+}
+
+} // namespace
+
+CString LoadFailableString(const wchar_t* pszKey) IN_PLACE_OF(LOAD_STRING);
+void SetRange(VEKParam* pParam, float fValue, float fMinimum, float fMaximum, float fStep) IN_PLACE_OF(SET_PARAM_VALUE);
+void SetFlags(VEKParam* pParam, int a, int b, int c, int d) IN_PLACE_OF(SET_PARAM_BOOL_VALUE);
+void MakeParam(VEKParam* pParam, unsigned nId, const CString& strName, const CString& strDisplay, int nType,
+               int nControl) IN_PLACE_OF(MAKE_PARAM);
+
+CString LoadFailableString(const wchar_t* pszKey) {
+    static const auto s_pOriginal = Original<decltype(PXLoadString)>(LIBRARY, LOAD_STRING);
+    if (s_pRaise != nullptr && pszKey == s_failingKey && s_nAnswered-- <= 0) {
+        s_pRaise();
+    }
+    return s_pOriginal(pszKey);
+}
+
+void SetRange(VEKParam* pParam, float fValue, float fMinimum, float fMaximum, float fStep) {
+    static const auto s_pOriginal = Original<decltype(SetParamValue)>(LIBRARY, SET_PARAM_VALUE);
+    if (s_pCareless == nullptr) {
+        s_pOriginal(pParam, fValue, fMinimum, fMaximum, fStep);
+        return;
+    }
+    NoteExtraWord(pParam);
+    void* const pValue = pParam->m_pValue;
+    const float fBefore = pParam->m_fValue;
+    s_pOriginal(pParam, fValue, fMinimum, fMaximum, fStep);
+    pParam->m_pValue = pValue;
+    pParam->m_fValue = fBefore;
+}
+
+void SetFlags(VEKParam* pParam, int a, int b, int c, int d) {
+    static const auto s_pOriginal = Original<decltype(SetParamBoolValue)>(LIBRARY, SET_PARAM_BOOL_VALUE);
+    if (s_pCareless != nullptr) {
+        NoteExtraWord(pParam);
+    }
+    s_pOriginal(pParam, a, b, c, d);
+}
+
+void MakeParam(VEKParam* pParam, unsigned nId, const CString& strName, const CString& strDisplay, int nType,
+               int nControl) {
+    static const auto s_pOriginal = Original<decltype(MakeParam)>(LIBRARY, MAKE_PARAM);
+    s_pOriginal(pParam, nId, strName, strDisplay, nType, nControl);
+    if (s_pCareless != nullptr) {
+        pParam->m_nValue = CarelessHost::JUNK;
+        pParam->m_fValue = CarelessHost::JUNK;
+        std::fill(std::begin(pParam->m_szTypeName), std::end(pParam->m_szTypeName) - 1, L'?');
+    }
+}
+
+void WatchHostCalls(HMODULE hModule) {
+    ReplaceImport(hModule, LIBRARY, LOAD_STRING, LoadFailableString);
+    ReplaceImport(hModule, LIBRARY, SET_PARAM_VALUE, SetRange);
+    ReplaceImport(hModule, LIBRARY, SET_PARAM_BOOL_VALUE, SetFlags);
+    ReplaceImport(hModule, LIBRARY, MAKE_PARAM, MakeParam);
+}
+
+FailingText::FailingText(std::wstring_view key, int nAnswered, void (*pRaise)()) {
+    s_failingKey = key;
+    s_nAnswered = nAnswered;
+    s_pRaise = pRaise;
+}
+
+FailingText::~FailingText() {
+    s_pRaise = nullptr;
+}
+
+CarelessHost::CarelessHost() {
+    s_pCareless = this;
+}
+
+CarelessHost::~CarelessHost() {
+    s_pCareless = nullptr;
+}

@@ -1,0 +1,40 @@
+// Stands between the module and the host's services for texts and parameters: a host whose texts can't be had, and one
+// that leaves whatever it may in what it makes.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include <afxwin.h>
+
+/// Start standing there for a module that has just been loaded.
+void WatchHostCalls(HMODULE hModule);
+
+/// A text that every general event asks for once.
+inline constexpr wchar_t TEXT_OF_EVENTS[] = L"TOUCH_CONTROL_OWNER_CLIP";
+
+/// While an object lives, PXLoadString raises something for this key, behind so many calls that it answers.
+class FailingText {
+public:
+    explicit FailingText(std::wstring_view key, int nAnswered = 0, void (*pRaise)() = AfxThrowMemoryException);
+    ~FailingText();
+
+    FailingText(const FailingText&) = delete;
+    FailingText& operator=(const FailingText&) = delete;
+};
+
+/// While an object lives, parameters are made with junk in their value and type name, and SetParamValue records the
+/// range alone.
+class CarelessHost {
+public:
+    static constexpr int JUNK = -77;
+
+    CarelessHost();
+    ~CarelessHost();
+
+    CarelessHost(const CarelessHost&) = delete;
+    CarelessHost& operator=(const CarelessHost&) = delete;
+
+    /// The extra words of the pins for which SetParamValue and SetParamBoolValue were called, at each call.
+    std::vector<long long> m_extraWords;
+};
