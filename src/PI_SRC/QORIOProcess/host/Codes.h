@@ -1,5 +1,5 @@
-// The numbers that host and module agree on, under this project's names. They need none of the host's classes, so they
-// serve beside any headers of the host.
+// The numbers that host and module agree on, under this project's names. No class of the host is needed here, so this
+// header also works with another host's headers.
 #pragma once
 
 #include <afxwin.h>
@@ -64,6 +64,12 @@ enum ENetworkEvent : int {
     EVENT_REMOTE_CONTROL = 0, ///< the payload is the CQORIOAttachedData part of a CQORPanelRemoteCtrlData
     EVENT_BROADCAST = 1,      ///< the payload is an SBroadcastItem
 };
+
+/// Levels of log lines: an event fired, bad or missing input.
+enum ELogLevel : int { LEVEL_INFORMATION = 4, LEVEL_ERROR = 32 };
+
+/// Id of the event object that carries a fired output.
+inline constexpr int GENERAL_EVENT = 2;
 
 /// Command code of a play-control item that carries a remote-control record.
 inline constexpr int COMMAND_REMOTE_CONTROL = 50;

@@ -4,7 +4,7 @@
 #include "host/ParamModel.h"
 
 /// Kinds of posted event objects.
-enum EQOREventID : int { QOR_EVENT_GENERAL = 2 };
+enum EQOREventID : int { QOR_EVENT_GENERAL = GENERAL_EVENT };
 
 /// An event object on its way to the host window. Whoever receives it deletes it.
 class VEKRENDER_API SQOREvent {

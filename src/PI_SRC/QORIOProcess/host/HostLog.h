@@ -3,12 +3,10 @@
 
 #include <afxwin.h>
 
+#include "host/Codes.h"
 #include "host/Export.h"
 
-enum EVEKLogLevel : int {
-    LOG_INFORMATION = 4, ///< an event fired
-    LOG_ERROR = 32,      ///< bad or missing input
-};
+enum EVEKLogLevel : int { LOG_INFORMATION = LEVEL_INFORMATION, LOG_ERROR = LEVEL_ERROR };
 
 namespace NSVEKLog {
 

@@ -29,10 +29,10 @@ private:
 
 /// A node's property object: names, parameter groups, playing interface.
 ///
-/// The host calls the operations, all on the thread that drives the graph. Its own answers are those of a node that has
-/// nothing to do or to tell there; a node overrides what it needs. What is handed over or answered by pointer stays its
-/// owner's, and a node keeps none of it beyond the call but the graph node. No exception leaves an operation but the
-/// framework's invalid-argument exception, for what breaks this contract; any other failure answers as "not handled".
+/// The host calls the operations, all on the thread that drives the graph. The default implementations do nothing and
+/// answer 0 or empty; a node overrides what it needs. Pointers passed in or returned don't transfer ownership; a node
+/// keeps none of them after the call but the graph node. No exception leaves an operation but the framework's
+/// invalid-argument exception, for what breaks this contract; any other failure answers as "not handled".
 class VEKCOMMON_API VEKProperty : public BaseStruct, public SParamGrpPosAdjust {
 public:
     VEKProperty();
@@ -70,6 +70,7 @@ public:
     /// The names of the sub types, in the order of their numbers, in place of what the array holds.
     virtual void GetSubTypes(CStringArray& arSubType);
     /// The editor chose a sub type, by its number or by its name; an unknown one changes nothing.
+    /// (Microsoft's compiler reverses overloads in the table; the macro keeps int first.)
     VEK_OVERLOADS_IN_TABLE_ORDER(virtual void SetSubType(int nSubType);, virtual void SetSubType(CString strSubType);)
     /// Number of the chosen sub type.
     virtual int GetSubType();

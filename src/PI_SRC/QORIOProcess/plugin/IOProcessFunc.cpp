@@ -26,10 +26,10 @@ void RegisterTypes(CArray<SIOProcessNodeInfo>& arNodeInfo) {
         std::unique_ptr<HICON, IconDestroyer> icon(
             static_cast<HICON>(LoadImageW(ModuleInstance(), MAKEINTRESOURCEW(row.nIconId), IMAGE_ICON, 0, 0, 0)));
         info.hIcon = icon.get();
-        info.bEnable = row.bEnable.value_or(info.bEnable);
+        info.bEnable = row.bEnable;
         if (row.pszIniKey != nullptr) {
             info.bEnable =
-                static_cast<int>(GetPrivateProfileIntW(L"IOProcess", row.pszIniKey, info.bEnable, strIniPath));
+                static_cast<int>(GetPrivateProfileIntW(L"IOProcess", row.pszIniKey, row.bEnable, strIniPath));
         }
         arNodeInfo.Add(info);
         static_cast<void>(icon.release()); // the host's, with the entry
@@ -49,7 +49,7 @@ void CreateNode(const GUID& guidType, SIOProcessPluginData& data) {
 
 void DestroyNode(SIOProcessNodeRef& ref) {
     const NodeTypeRow* pRow = FindNodeType(TypeOf(ref));
-    if (pRow != nullptr && pRow->bDestroyed) {
+    if (pRow != nullptr && pRow->bFreed) {
         delete NodeOf(ref);
     }
     NodeOf(ref) = nullptr;

@@ -6,7 +6,7 @@ namespace {
 
 AFX_EXTENSION_MODULE s_extensionModule = {};
 
-// The host's shared headers register these messages in every module that it loads, when the module loads.
+// Every module of the host registers these messages when it loads.
 [[maybe_unused]] const UINT s_nTrackerHandMsg = RegisterWindowMessageW(L"TrackerHandMsg");
 [[maybe_unused]] const UINT s_nTrackerGestureMsg = RegisterWindowMessageW(L"TrackerGestureMsg");
 

@@ -22,15 +22,12 @@ P_ExtDevIOProcess* Create() {
     return new NodeClass;
 }
 
-constexpr std::nullopt_t CARRIED_OVER = std::nullopt;
-
 constexpr NodeTypeRow NODE_TYPES[] = {
-    {GUID_IOPROCESS_KEYBOARD, L"IO_PROCESS_KEYBOARD", 7000, CARRIED_OVER, nullptr, Create<CKeyboardIOProcess>},
-    // Destroying a key check node only unlinks it; hosts rely on the node living on.
-    {GUID_IOPROCESS_KEY_CHECK, L"IO_PROCESS_KEY_CHECK", 7009, CARRIED_OVER, nullptr, Create<CKeyCheckProcess>, false},
-    {GUID_IOPROCESS_TEXT_FIELD, L"IO_PROCESS_TEXTFIELDINPUT", 7001, CARRIED_OVER, nullptr,
-     Create<CTextFieldInputProcess>},
-    {GUID_IOPROCESS_MOUSE, L"IO_PROCESS_MOUSE", 7002, CARRIED_OVER, nullptr, Create<CMouseIOProcess>},
+    {GUID_IOPROCESS_KEYBOARD, L"IO_PROCESS_KEYBOARD", 7000, 1, nullptr, Create<CKeyboardIOProcess>},
+    // Destroying a key check node only unlinks it.
+    {GUID_IOPROCESS_KEY_CHECK, L"IO_PROCESS_KEY_CHECK", 7009, 1, nullptr, Create<CKeyCheckProcess>, false},
+    {GUID_IOPROCESS_TEXT_FIELD, L"IO_PROCESS_TEXTFIELDINPUT", 7001, 1, nullptr, Create<CTextFieldInputProcess>},
+    {GUID_IOPROCESS_MOUSE, L"IO_PROCESS_MOUSE", 7002, 1, nullptr, Create<CMouseIOProcess>},
     {GUID_IOPROCESS_NET_PARAMETER_SEND, L"IO_PROCESS_NETSEND", 7004, 0, L"NetParameterSend",
      Create<CNetParameterSendIOProcess>},
     {GUID_IOPROCESS_NET_PARAMETER_RECEIVE, L"IO_PROCESS_NETRECEIVE", 7003, 0, L"NetParameterReceive",

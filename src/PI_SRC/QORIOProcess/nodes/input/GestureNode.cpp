@@ -16,7 +16,7 @@ constexpr int VERSION_CURRENT = 3;
 
 constexpr ParamRow INPUTS[] = {
     VersionRow(VERSION_CURRENT),
-    // Another control than the "Enable" of most nodes, and on by its range rather than by a value of its own.
+    // Another control than other nodes' "Enable"; its default comes from the range.
     {PARAM_ENABLE, L"Enable", L"TOUCH_CONTROL_ENABLED", PARAM_SWITCH_BOX, ParamRange{1, 0, 1, 1}, FLAGS_ORDINARY},
 };
 
@@ -112,7 +112,7 @@ int CGestureIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
 }
 
 int CGestureIOProcess::DevIOEventOccurred(EventRecordPtr pRecord) try {
-    if (!IsReadyFor(pRecord, *this, m_pGraphNode) || DeviceOf(*pRecord) != DEVICE_POINTER || m_bEnable == 0 ||
+    if (!CheckRecord(pRecord, *this, m_pGraphNode) || DeviceOf(*pRecord) != DEVICE_POINTER || m_bEnable == 0 ||
         PayloadOf(*pRecord) == nullptr) {
         return 0;
     }
@@ -162,20 +162,19 @@ int CGestureIOProcess::Move(const SQORMouseData& sample) {
     return 1;
 }
 
-/// What the stroke was is decided by the samples of the last one's kind; the stroke has ended before anything fires.
+/// Only samples of the release's own kind decide what the stroke was. It has ended before anything fires.
 int CGestureIOProcess::Release(const SQORMouseData& sample) {
     if (PointerOf(sample) != m_nActivePointer) {
         return 0;
     }
-    Append(sample);
     const bool bMoved = m_bMoving != 0;
+    m_bMoving = 0;
+    m_nActivePointer = NO_POINTER;
+    Append(sample);
     const bool bDrag = bMoved && (IsRelative(sample) ? m_arRelativePoint.GetSize() : m_arPixelPoint.GetSize()) >= 3;
     const EGestureType nDirection = IsRelative(sample) ? Classify(m_arRelativePoint) : Classify(m_arPixelPoint);
     m_arPixelPoint.RemoveAll();
     m_arRelativePoint.RemoveAll();
-    m_bMoving = 0;
-    m_nActivePointer = NO_POINTER;
-
     if (!bMoved) {
         LogAndFire(*this, *m_pGraphNode, SINGLE_TAP);
     } else if (bDrag) {

@@ -23,7 +23,7 @@ constexpr ParamRow INPUTS[] = {
     ENABLE_ROW,
     {INPUT_KEY_VALUE, L"KeyValue", L"IO_PROCESS_KEYBOARD_KEYTEXT", PARAM_KEY_CODE, ParamRange{0, 0, 256, 1}, FLAGS_NONE,
      0},
-    // Milliseconds. The editor shows 100 as the default of its range, but the node starts with 200.
+    // Milliseconds. The range is given 100, but the value that the node reads starts at 200.
     IntegerRow(INPUT_INTERVAL, L"Interval", L"IO_PROCESS_INTERVAL_MS", {100, 40, 10000, 1}, 200),
 };
 

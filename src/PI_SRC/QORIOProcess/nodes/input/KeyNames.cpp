@@ -1,6 +1,7 @@
 #include "nodes/input/KeyNames.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 
 #include "nodes/shared/NodeSupport.h"
@@ -16,10 +17,11 @@ std::wstring_view View(const CString& strText) {
     return {strText.GetString(), static_cast<size_t>(strText.GetLength())};
 }
 
-/// The part behind the separator when there are exactly two parts; null otherwise.
-const CString* SecondOfTwo(const CString& strText, const wchar_t* pszSeparator, CStringArray& arPart) {
+/// The part behind the separator when there are exactly two parts.
+std::optional<CString> SecondOfTwo(const CString& strText, const wchar_t* pszSeparator) {
+    CStringArray arPart;
     SplitString(strText, pszSeparator, arPart, SPLIT_KEEP_EMPTY);
-    return arPart.GetSize() == 2 ? &arPart[1] : nullptr;
+    return arPart.GetSize() == 2 ? std::optional(arPart[1]) : std::nullopt;
 }
 
 /// Whether the text is no key name, such as Chinese.
@@ -46,21 +48,19 @@ CString WithoutLast(const CString& strText) {
 }
 
 CString NumberPadText(const CString& strKeyName) {
-    CStringArray arPart;
-    const CString* pName = SecondOfTwo(strKeyName, L" ", arPart);
-    if (pName == nullptr || View(*pName) == L"Enter" || View(*pName) == L"Lock") {
+    const auto name = SecondOfTwo(strKeyName, L" ");
+    if (!name || View(*name) == L"Enter" || View(*name) == L"Lock") {
         return CString();
     }
-    return View(*pName) == L"Del" ? CString(L".") : *pName;
+    return View(*name) == L"Del" ? CString(L".") : *name;
 }
 
 CString ShiftedText(const CString& strKeyName, SHORT nCapsLockState) {
-    CStringArray arPart;
-    const CString* pCharacter = SecondOfTwo(strKeyName, L"+", arPart);
-    if (pCharacter == nullptr || pCharacter->GetLength() != 1) {
+    const auto character = SecondOfTwo(strKeyName, L"+");
+    if (!character || character->GetLength() != 1) {
         return CString();
     }
-    const wchar_t c = pCharacter->GetAt(0);
+    const wchar_t c = character->GetAt(0);
     const size_t nSymbol = UNSHIFTED.find(c);
     // Only a Caps Lock key that is held down turns the case, not one that is toggled on.
     return CString(nSymbol != std::wstring_view::npos ? SHIFTED[nSymbol] : InCase(c, nCapsLockState >= 0), 1);

@@ -35,19 +35,17 @@ void CKeyboardIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
 
 int CKeyboardIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;
-    if (pGraphNode == nullptr || !ReadEnable(*this, *pGraphNode, m_bEnable) ||
-        FindOutput(*pGraphNode, OUTPUT_TEXT) == nullptr) {
+    if (pGraphNode == nullptr || !ReadEnable(*this, *pGraphNode, m_bEnable)) {
         return 0;
     }
-    WriteOutput(*pGraphNode, OUTPUT_TEXT, m_strKeyText);
-    return 1;
+    return WriteOutput(*pGraphNode, OUTPUT_TEXT, m_strKeyText) ? 1 : 0;
 } catch (...) {
     return EndException();
 }
 
 int CKeyboardIOProcess::DevIOEventOccurred(EventRecordPtr pRecord) try {
     // The line about a missing record is shorter than that of other node types.
-    if (!IsReadyFor(pRecord, *this, m_pGraphNode, L"[%s.%s.%s]DevIOEventOccurred") ||
+    if (!CheckRecord(pRecord, *this, m_pGraphNode, L"[%s.%s.%s]DevIOEventOccurred") ||
         DeviceOf(*pRecord) != DEVICE_KEYBOARD || m_bEnable == 0) {
         return 0;
     }

@@ -110,7 +110,7 @@ int CMouseIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
 }
 
 int CMouseIOProcess::DevIOEventOccurred(EventRecordPtr pRecord) try {
-    if (!IsReadyFor(pRecord, *this, m_pGraphNode) || DeviceOf(*pRecord) != DEVICE_POINTER || m_bEnable == 0) {
+    if (!CheckRecord(pRecord, *this, m_pGraphNode) || DeviceOf(*pRecord) != DEVICE_POINTER || m_bEnable == 0) {
         return 0;
     }
     const int nEvent = EventOf(*pRecord);

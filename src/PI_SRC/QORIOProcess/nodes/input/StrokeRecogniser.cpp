@@ -4,8 +4,7 @@
 
 namespace {
 
-/// 30 degrees. A little above pi / 6 and the float nearest to it, so that a deviation that rounds to that float is
-/// below.
+/// 30 degrees, slightly more than the float nearest to pi / 6, so that an angle of exactly that float is still below.
 constexpr double MAXIMUM_DEVIATION = 0.5235987912027583;
 
 /// The difference of 32-bit integers, which wraps.
@@ -83,7 +82,8 @@ bool HasStartedMoving(const CArray<Gdiplus::PointF>& arPoint) {
     return std::fabs(last.X - first.X) >= MOVE_THRESHOLD || std::fabs(last.Y - first.Y) >= MOVE_THRESHOLD;
 }
 
-// A stroke that ends where it began has no angle: it isn't a number, and so isn't below the maximum.
+// Where the last point equals the first, or the pixels' sum of squares wraps to 0 or below, the angle is no number, and
+// comparing it answers false.
 
 EGestureType ClassifyPixelStroke(std::span<const CPoint> points) {
     const EGestureType nDirection = CommonDirection(points, PixelDirection);

@@ -25,8 +25,8 @@ bool HasStartedMoving(const CArray<CPoint>& arPoint);
 bool HasStartedMoving(const CArray<Gdiplus::PointF>& arPoint);
 
 /// Direction of a stroke: all its segments point the same way, and the whole stroke deviates from that axis by less
-/// than 30 degrees. Pixels grow downwards; arithmetic is that of wrapping 32-bit integers.
+/// than 30 degrees. Pixels' y grows downwards; arithmetic is that of wrapping 32-bit integers.
 EGestureType ClassifyPixelStroke(std::span<const CPoint> points);
 
-/// The same in relative units, which grow upwards; arithmetic is that of 32-bit floats.
+/// The same in relative units, whose y grows upwards; arithmetic is that of 32-bit floats.
 EGestureType ClassifyRelativeStroke(std::span<const Gdiplus::PointF> points);

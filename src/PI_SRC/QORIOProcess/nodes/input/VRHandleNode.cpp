@@ -9,7 +9,6 @@
 
 namespace {
 
-// The text keys spell "VRHANLDE"; the host's text tables and saved projects do too.
 enum { INPUT_OBJECT_NAME = 802, INPUT_HANDLE_TYPE = 803 };
 enum { OUTPUT_POSITION_GROUP = 851, OUTPUT_POSITION_X = 852, OUTPUT_POSITION_Y = 853, OUTPUT_POSITION_Z = 854 };
 enum { OUTPUT_HIT_GROUP = 856, OUTPUT_HIT_X = 857, OUTPUT_HIT_Y = 858, OUTPUT_HIT_Z = 859 };
@@ -18,7 +17,7 @@ enum { OUTPUT_TOUCH_PAD_DOWN = 865, OUTPUT_TOUCH_PAD_UP = 866 }; // the clicks a
 
 constexpr int VERSION_WITH_HIT_POSITION = 2;
 
-/// A trigger released within this time of its press was clicked; milliseconds.
+/// A trigger released within this time of its press was clicked; in the host's ticks.
 constexpr unsigned CLICK_TIME = 500;
 
 void FillHandleTypes(CStringArray& arChoice) {
@@ -26,6 +25,7 @@ void FillHandleTypes(CStringArray& arChoice) {
     arChoice.Add(LoadText(L"IO_PROCESS_VRHANLDE_HANDLE_RIGHT"));
 }
 
+// The text keys spell "VRHANLDE"; the host's text tables and saved projects do too.
 constexpr ParamRow INPUTS[] = {
     VersionRow(VERSION_WITH_HIT_POSITION),
     ENABLE_ROW,
@@ -149,8 +149,7 @@ int CVRHandleIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     if (IntegerOf(*pHandleType) != m_nHandleType) {
         // The other hand starts with everything released.
         m_nHandleType = IntegerOf(*pHandleType);
-        m_previousSample.clear();
-        ClearTouchPad(m_previousSample);
+        ForgetSample(m_previousSample);
     }
     return 1;
 } catch (...) {
@@ -158,11 +157,11 @@ int CVRHandleIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
 }
 
 int CVRHandleIOProcess::DevIOEventOccurred(EventRecordPtr pRecord) try {
-    if (m_bEnable == 0 || !IsReadyFor(pRecord, *this, m_pGraphNode) || DeviceOf(*pRecord) != DEVICE_VR_HANDLE) {
+    if (m_bEnable == 0 || !CheckRecord(pRecord, *this, m_pGraphNode) || DeviceOf(*pRecord) != DEVICE_VR_HANDLE) {
         return 0;
     }
     if (PayloadOf(*pRecord) == nullptr) {
-        WriteNodeLog(LEVEL_ERROR, *this, *m_pGraphNode, L"没有VR手柄数据");
+        WriteNodeLog(LEVEL_ERROR, *this, *m_pGraphNode, L"没有VR手柄数据"); // without the names
         return 0;
     }
     const auto& sample = *static_cast<const SVRPluginData*>(PayloadOf(*pRecord));
@@ -181,7 +180,8 @@ int CVRHandleIOProcess::DevIOEventOccurred(EventRecordPtr pRecord) try {
     return EndException();
 }
 
-/// Move the object, and write the positions, as they are: without comparing, which knows no sign of a zero.
+/// Move the object and write the positions. They aren't compared first: -0 equals 0, and a change of sign would be
+/// lost.
 void CVRHandleIOProcess::ShowSample(const SVRPluginData& sample) {
     VEKObject* pObject = m_strObjectName.IsEmpty() ? nullptr : FindObject(*ClipOf(*this), m_strObjectName);
     if (pObject != nullptr) {

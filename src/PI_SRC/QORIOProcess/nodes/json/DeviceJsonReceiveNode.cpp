@@ -82,7 +82,7 @@ int CDevJsonReceive::ProcessNode(SGraphNode* pGraphNode) {
 
 int CDevJsonReceive::DevIOEventOccurred(EventRecordPtr pRecord) try {
     SGraphNode* pGraphNode = GraphNodeOf(*this);
-    if (!IsReadyFor(pRecord, *this, pGraphNode, L"[%s.%s.%s]DevIOEventOccurred: pIOData == NULL") ||
+    if (!CheckRecord(pRecord, *this, pGraphNode, L"[%s.%s.%s]DevIOEventOccurred: pIOData == NULL") ||
         DeviceOf(*pRecord) != DEVICE_TEXT || PayloadOf(*pRecord) == nullptr) {
         return 0;
     }

@@ -41,7 +41,7 @@ int CObjJsonReceive::ProcessNode(SGraphNode* pGraphNode) {
 
 int CObjJsonReceive::DevIOEventOccurred(EventRecordPtr pRecord) try {
     SGraphNode* pGraphNode = GraphNodeOf(*this);
-    if (!IsReadyFor(pRecord, *this, pGraphNode) || DeviceOf(*pRecord) != DEVICE_OBJECT_TEXT ||
+    if (!CheckRecord(pRecord, *this, pGraphNode) || DeviceOf(*pRecord) != DEVICE_OBJECT_TEXT ||
         PayloadOf(*pRecord) == nullptr) {
         return 0;
     }

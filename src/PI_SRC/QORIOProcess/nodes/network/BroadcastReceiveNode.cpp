@@ -37,7 +37,7 @@ int CBroadcastRevIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
 }
 
 int CBroadcastRevIOProcess::DevIOEventOccurred(EventRecordPtr pRecord) try {
-    if (!IsReadyFor(pRecord, *this, m_pGraphNode) || DeviceOf(*pRecord) != DEVICE_NETWORK ||
+    if (!CheckRecord(pRecord, *this, m_pGraphNode) || DeviceOf(*pRecord) != DEVICE_NETWORK ||
         EventOf(*pRecord) != EVENT_BROADCAST || PayloadOf(*pRecord) == nullptr) {
         return 0;
     }

@@ -1,6 +1,6 @@
 #include "nodes/network/BroadcastSendNode.h"
 
-#include <cstring>
+#include <algorithm>
 #include <memory>
 #include <new>
 
@@ -52,8 +52,8 @@ int CBroadcastIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     return EndException();
 }
 
-/// The host has started Windows Sockets by now; a process where it hasn't gets no socket, and nothing is started. The
-/// socket is never closed nor Windows Sockets ended: both belong to the process until it ends.
+/// socket() comes before WSAStartup, since the host has started Windows Sockets by now. Where it hasn't, the node gets
+/// no socket and starts nothing. Nothing is ever closed: socket and Windows Sockets belong to the process.
 void CBroadcastIOProcess::OpenSocket() {
     m_nPort = ReadBroadcastPort();
     m_hSocket = socket(AF_INET, SOCK_DGRAM, 0);
@@ -90,18 +90,12 @@ CString CBroadcastIOProcess::MakeText() const {
 
 /// Send the text in the system's code page with its terminating zero. What fails, fails silently.
 void CBroadcastIOProcess::Send(const CString& strText) const {
+    constexpr int SHORTEST_BUFFER = 10; // bytes
     const int nLength = WideCharToMultiByte(CP_ACP, WC_COMPOSITECHECK, strText, -1, nullptr, 0, nullptr, nullptr);
-    char szShort[10] = {};
-    std::unique_ptr<char[]> pLong;
-    char* pBuffer = szShort;
-    if (nLength > static_cast<int>(sizeof(szShort))) {
-        pLong.reset(new (std::nothrow) char[static_cast<size_t>(nLength)]);
-        pBuffer = pLong.get();
-    }
+    const std::unique_ptr<char[]> pBuffer(new (std::nothrow) char[std::max(nLength, SHORTEST_BUFFER)]());
     if (pBuffer != nullptr) {
-        std::memset(pBuffer, 0, static_cast<size_t>(nLength));
-        WideCharToMultiByte(CP_ACP, WC_COMPOSITECHECK, strText, -1, pBuffer, nLength, nullptr, nullptr);
+        WideCharToMultiByte(CP_ACP, WC_COMPOSITECHECK, strText, -1, pBuffer.get(), nLength, nullptr, nullptr);
     }
-    sendto(m_hSocket, pBuffer, nLength, 0, reinterpret_cast<const sockaddr*>(&m_addrDestination),
+    sendto(m_hSocket, pBuffer.get(), nLength, 0, reinterpret_cast<const sockaddr*>(&m_addrDestination),
            sizeof(m_addrDestination));
 }

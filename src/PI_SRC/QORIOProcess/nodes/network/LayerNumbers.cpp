@@ -21,7 +21,8 @@ constexpr NamedLayer NAMED_LAYERS[] = {{-1, L"ZT_BASEOBJ_LAYER_BACK"},
                                        {-1023, L"ZT_BASEOBJ_LAYER_OUTPUT_BACK"},
                                        {-1022, L"ZT_BASEOBJ_LAYER_OUTPUT_KEY"}};
 
-// Then come separate layers, which are numbered from 1, and the output's top layers, from behind the front layer.
+// Then come ten separate layers, numbered from 1, and the output's two top layers, numbered from behind the front
+// layer.
 constexpr int FIRST_SEPARATE_CHOICE = std::size(NAMED_LAYERS);
 constexpr int FIRST_OUTPUT_TOP_CHOICE = FIRST_SEPARATE_CHOICE + 10;
 
@@ -40,7 +41,7 @@ int LayerNumberOfChoice(int nIndex) {
     if (nIndex < FIRST_OUTPUT_TOP_CHOICE) {
         return nIndex - FIRST_SEPARATE_CHOICE + 1;
     }
-    // Far past the choices the sum leaves the range of int and wraps.
+    // Unsigned, since a huge index would overflow.
     return static_cast<int>(static_cast<unsigned>(nIndex) + (LAYER_FRONT + 1 - FIRST_OUTPUT_TOP_CHOICE));
 }
 

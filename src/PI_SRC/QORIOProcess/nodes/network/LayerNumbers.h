@@ -5,7 +5,7 @@
 
 inline constexpr int LAYER_CHOICE_COUNT = 17;
 
-/// The layer number of a choice. An index past the choices goes on counting, a negative one counts as the first.
+/// The layer number of a choice. An index past the choices continues the last ones; a negative one counts as the first.
 int LayerNumberOfChoice(int nIndex);
 
 /// The display text of a layer number.

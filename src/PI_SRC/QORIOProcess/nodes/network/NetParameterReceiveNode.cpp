@@ -35,7 +35,7 @@ CQORPanelRemoteCtrlData* RemoteControlOf(const SIOEventRecord& record) {
     if (!bNetwork || EventOf(record) != EVENT_REMOTE_CONTROL || PayloadOf(record) == nullptr) {
         return nullptr;
     }
-    // The payload is one base of the record; the record begins before it.
+    // The payload points at the record's second base; the cast steps back to the whole record.
     return static_cast<CQORPanelRemoteCtrlData*>(static_cast<CQORIOAttachedData*>(PayloadOf(record)));
 }
 
@@ -69,7 +69,7 @@ int CNetParameterReceiveIOProcess::ProcessNode(SGraphNode* pGraphNode) {
 }
 
 int CNetParameterReceiveIOProcess::DevIOEventOccurred(EventRecordPtr pRecord) try {
-    if (!IsReadyFor(pRecord, *this, m_pGraphNode)) {
+    if (!CheckRecord(pRecord, *this, m_pGraphNode)) {
         return 0;
     }
     CQORPanelRemoteCtrlData* pRemote = RemoteControlOf(*pRecord);

@@ -16,6 +16,9 @@ enum { INPUT_LAYER = 411, INPUT_TO_DEV = 412 };
 
 constexpr DeviceInputs DEVICE_INPUTS{INPUT_TO_DEV, INPUT_DEV_ID, INPUT_DEV_NAME};
 
+constexpr wchar_t SENDING[] = L"[%s.%s.%s]触发事件";
+constexpr wchar_t NO_DEVICE[] = L"[%s.%s.%s]找不到网络播放控制设备";
+
 constexpr int VERSION_WITH_LAYER = 2;
 constexpr int VERSION_WITH_TO_DEV = 3;
 constexpr int VERSION_WITH_HIDDEN_DEVICE = 4;
@@ -32,7 +35,7 @@ constexpr ParamRow LayerRow(ParamFlags flags, int nValue) {
     return ChoiceRow(INPUT_LAYER, L"Layer", L"LAYER_LAYER", ParamRange{0, 0, 20, 1}, flags, nValue, FillLayerLabels);
 }
 
-/// Unlike the receiver's, it sets its float value too.
+/// Unlike the receiver's, it sets its float value too, whatever SetParamValue does.
 constexpr ParamRow SentKeyNumberRow() {
     ParamRow row = KeyNumberRow(INPUT_KEY_NUMBER);
     row.fValue = 0.0f;
@@ -54,7 +57,7 @@ constexpr ParamRow INPUTS[] = {
     SendRow(INPUT_SEND),
 };
 
-/// What an upgrade adds to an older parameter set differs from a new node's: its flags are the ordinary ones.
+/// As an upgrade adds it: off, and with the ordinary flags.
 constexpr ParamRow AddedToDevRow() {
     ParamRow row = ToDevRow(INPUT_TO_DEV);
     row.flags = FLAGS_ORDINARY;
@@ -88,7 +91,7 @@ void CNetParameterSendIOProcess::InitParam() try {
     }
     VEKParam* pVersion = FindOwn(*this, PARAM_VERSION);
     const int nVersion = pVersion != nullptr ? IntegerOf(*pVersion) : 0;
-    // Where there is no clip name, a list inserts at its end behind it, and at its front before it.
+    // Without a clip name Find answers null, behind which a list appends and before which it prepends.
     VEKParam* pClipName = FindOwn(*this, INPUT_CLIP_NAME);
     CList<VEKParam*>& lstParam = SiblingsOf(pClipName, lstGroup);
     if (nVersion < VERSION_WITH_LAYER && FindOwn(*this, INPUT_LAYER) == nullptr) {
@@ -110,7 +113,7 @@ void CNetParameterSendIOProcess::InitParam() try {
         const POSITION posBefore = lstBefore.Find(pToDev);
         CList<VEKParam*>& lstVersion = SiblingsOf(pVersion, lstGroup);
         lstVersion.InsertAfter(lstVersion.Find(pVersion), pToDev);
-        lstBefore.RemoveAt(posBefore); // afterwards: the parameter is in a list at any time
+        lstBefore.RemoveAt(posBefore); // at last, so that a failing insertion loses nothing
     }
     if (VEKParam* pLayer = FindOwn(*this, INPUT_LAYER)) {
         FillChoicesOnce(pLayer, FillLayerLabels);
@@ -140,19 +143,27 @@ int CNetParameterSendIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
         WriteNodeLog(LEVEL_ERROR, *this, *pGraphNode, L"[%s.%s.%s]找不到网络播放控制设备ID");
         return 1;
     }
-    // One device or all. Text that isn't a number reads as 0, and device 0 may exist.
-    const CArray<SQORNetPlayCtrlDev*>* pAll = IntegerOf(*pToDev) == 0 ? G_GetArNetPlayCtrlDev() : nullptr;
-    SQORNetPlayCtrlDev* pOne = IntegerOf(*pToDev) != 0 ? G_FindNetPlayCtrlDevByID(_wtoi(TextOf(*pDevID))) : nullptr;
-    if (pOne == nullptr && (pAll == nullptr || pAll->IsEmpty())) {
-        WriteNodeLog(LEVEL_ERROR, *this, *pGraphNode, L"[%s.%s.%s]找不到网络播放控制设备");
+    if (IntegerOf(*pToDev) == 0) {
+        const CArray<SQORNetPlayCtrlDev*>* pDevices = G_GetArNetPlayCtrlDev();
+        if (pDevices == nullptr || pDevices->IsEmpty()) {
+            WriteNodeLog(LEVEL_ERROR, *this, *pGraphNode, NO_DEVICE);
+            return 1;
+        }
+        WriteNodeLog(LEVEL_INFORMATION, *this, *pGraphNode, SENDING);
+        const int nCount = static_cast<int>(pDevices->GetSize());
+        for (int i = 0; i < nCount; ++i) {
+            Send(pDevices->GetAt(i));
+        }
         return 1;
     }
-    WriteNodeLog(LEVEL_INFORMATION, *this, *pGraphNode, L"[%s.%s.%s]触发事件");
-    Send(pOne);
-    const int nCount = pAll != nullptr ? static_cast<int>(pAll->GetSize()) : 0;
-    for (int i = 0; i < nCount; ++i) {
-        Send(pAll->GetAt(i));
+    // Text that isn't a number reads as 0, and device 0 may exist.
+    SQORNetPlayCtrlDev* pDevice = G_FindNetPlayCtrlDevByID(_wtoi(TextOf(*pDevID)));
+    if (pDevice == nullptr) {
+        WriteNodeLog(LEVEL_ERROR, *this, *pGraphNode, NO_DEVICE);
+        return 1;
     }
+    WriteNodeLog(LEVEL_INFORMATION, *this, *pGraphNode, SENDING);
+    Send(pDevice);
     return 1;
 } catch (...) {
     return EndException();

@@ -39,7 +39,7 @@ constexpr ParamRow INPUTS[] = {
     IntegerRow(INPUT_DEV_ID, L"DevID", L"IO_PROCESS_NETSEND_DEVID", {0, 0, 1000, 1}, 0),
     DevNameRow(INPUT_DEV_NAME),
     StringRow(INPUT_STRING_DATA, L"StringData", L"IO_PROCESS_STRING_DATA"),
-    // The range counts more choices than there are.
+    // The maximum is 5, although there are two choices.
     ChoiceRow(INPUT_CODE_TYPE, L"CodeType", L"IO_PROCESS_STRING_CODE_TYPE", ParamRange{0, 0, 5, 1}, FLAGS_NONE, 0,
               FillCodeTypes),
     SendRow(INPUT_SEND),
@@ -53,9 +53,12 @@ void Send(SQORNetPlayCtrlDev* pDevice, const CString& strText, int nCodeType) {
     }
     const CodeTypeRow& codeType = CODE_TYPES[nCodeType];
     const int nLength = WideCharToMultiByte(codeType.nCodePage, 0, strText, -1, nullptr, 0, nullptr, nullptr);
-    std::vector<char> bytes(static_cast<size_t>(nLength) + codeType.nZeroBehind + 1); // all zero
-    WideCharToMultiByte(codeType.nCodePage, 0, strText, -1, bytes.data(), nLength, nullptr, nullptr);
-    SocketOf(*pDevice).SendInfo(reinterpret_cast<unsigned char*>(bytes.data()), nLength);
+    const size_t nZero = static_cast<size_t>(nLength) + codeType.nZeroBehind;
+    std::vector<unsigned char> bytes(nZero + 1);
+    WideCharToMultiByte(codeType.nCodePage, 0, strText, -1, reinterpret_cast<char*>(bytes.data()), nLength, nullptr,
+                        nullptr);
+    bytes[nZero] = 0;
+    SocketOf(*pDevice).SendInfo(bytes.data(), nLength);
 }
 
 } // namespace
@@ -103,6 +106,7 @@ int CStringDataSendIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
         SQORNetPlayCtrlDev* pDevice = G_FindNetPlayCtrlDevByID(IntegerOf(*pDevID));
         if (pDevice == nullptr) {
             WriteNodeLog(LEVEL_ERROR, *this, *pGraphNode, L"[%s.%s.%s]找不到网络播放控制设备");
+            return 1;
         }
         Send(pDevice, TextOf(*pText), IntegerOf(*pCodeType));
     } else if (const CArray<SQORNetPlayCtrlDev*>* pDevices = G_GetArNetPlayCtrlDev()) {

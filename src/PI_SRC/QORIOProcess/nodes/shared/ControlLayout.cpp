@@ -6,7 +6,7 @@
 
 namespace {
 
-/// All layouts by their ranks. Made by the first of them, since static objects of several files have no order.
+/// All layouts by their ranks. In a function, since static objects of several files are made in no given order.
 std::map<int, CControlLayout*>& AllLayouts() {
     static std::map<int, CControlLayout*> s_layouts;
     return s_layouts;

@@ -1,5 +1,5 @@
-// Control layouts: where the controls of a node class's parameter panel stand. A class has one, read by the host from a
-// file of this module.
+// Control layouts: where the controls of a parameter panel stand. Some node classes have one; the host reads it from an
+// XML file that comes with this module.
 //
 //   class CMyNode : public P_ExtDevIOProcess {
 //       DECLARE_CONTROL_LAYOUT()          overrides the four operations by which the host asks for it
@@ -22,7 +22,7 @@ public:
     CVEKXml* Reader() { return &m_reader; }
     int* LoadState() { return &m_nLoadState; }
     CString Path() const;
-    /// The layout's groups, filled by the host's own operation while there are none.
+    /// The layout's groups, filled by FillNodeParamInfoGrpAr while there are none.
     CArray<SNodeParamInfoGrp*>* Groups(SParamGrpPosAdjust& node);
 
 private:
@@ -30,7 +30,7 @@ private:
 
     const wchar_t* m_pszFileName;
     CVEKXml m_reader;
-    int m_nLoadState = 0; ///< the host's
+    int m_nLoadState = 0; ///< only the host reads and writes it
     CArray<SNodeParamInfoGrp*> m_arGroup;
 };
 

@@ -1,10 +1,9 @@
-// The host's objects as this module sees them: each member of a host class that it reads or writes is named here and
+// The host's objects as this module sees them: each data member of a host class is named here and
 // nowhere else. To build against a host's own headers, change this file; docs/windows.md tells how.
 #pragma once
 
 #include <afxtempl.h>
 #include <afxwin.h>
-#include <gdiplus.h>
 
 #include "host/Clip.h"
 #include "host/Codes.h"
@@ -108,7 +107,7 @@ inline const float* PoseOf(const SVRPluginData& sample) { return sample.m_fPose;
 inline const float* HitPositionOf(const SVRPluginData& sample) { return sample.m_fHitPosition; } // 3 floats
 inline unsigned PressTimeOf(const SVRPluginData& sample) { return sample.m_nPressTime; }
 inline unsigned ReleaseTimeOf(const SVRPluginData& sample) { return sample.m_nReleaseTime; }
-inline void ClearTouchPad(SVRPluginData& sample) { sample.m_bTouchPadPressed = 0, sample.m_fTouchPadX = 0.0f; }
+inline void ForgetSample(SVRPluginData& sample) { sample.clear(); sample.m_bTouchPadPressed = 0; sample.m_fTouchPadX = 0.0f; }
 
 // ---- host/Markup.h
 inline CString TextOf(CMarkup& markup) { return markup.GetDoc(); }

@@ -7,9 +7,6 @@
 
 namespace {
 
-/// Id of the event object that carries a fired output.
-constexpr int GENERAL_EVENT = 2;
-
 /// Append one pointer parameter to a general event.
 void AppendPointer(SQOREvent& event, unsigned nId, const wchar_t* pszName, const wchar_t* pszDisplayKey, void* pValue,
                    const wchar_t* pszTypeName) {
@@ -63,25 +60,28 @@ VEKParam* FindOutput(SGraphNode& graphNode, unsigned nId) {
     return FindParam(OutputsOf(graphNode), MakeParamGuid(nId));
 }
 
-void WriteOutput(SGraphNode& graphNode, unsigned nId, int nValue) {
+bool WriteOutput(SGraphNode& graphNode, unsigned nId, int nValue) {
     VEKParam* pOutput = FindOutput(graphNode, nId);
     if (pOutput != nullptr && IntegerOf(*pOutput) != nValue) {
         IntegerOf(*pOutput) = nValue;
     }
+    return pOutput != nullptr;
 }
 
-void WriteOutput(SGraphNode& graphNode, unsigned nId, float fValue) {
+bool WriteOutput(SGraphNode& graphNode, unsigned nId, float fValue) {
     VEKParam* pOutput = FindOutput(graphNode, nId);
     if (pOutput != nullptr && FloatOf(*pOutput) != fValue) {
         FloatOf(*pOutput) = fValue;
     }
+    return pOutput != nullptr;
 }
 
-void WriteOutput(SGraphNode& graphNode, unsigned nId, const CString& strValue) {
+bool WriteOutput(SGraphNode& graphNode, unsigned nId, const CString& strValue) {
     VEKParam* pOutput = FindOutput(graphNode, nId);
     if (pOutput != nullptr && !IsSameText(TextOf(*pOutput), strValue)) {
         TextOf(*pOutput) = strValue;
     }
+    return pOutput != nullptr;
 }
 
 void FireGeneralEvent(VEKProperty* pNode, int nOutput) {
@@ -106,7 +106,7 @@ const FiredRow* FindFired(std::span<const FiredRow> rows, int nEvent) {
     return row != rows.end() ? &*row : nullptr;
 }
 
-bool IsReadyFor(EventRecordPtr pRecord, VEKProperty& node, SGraphNode* pGraphNode, const wchar_t* pszNoRecord) {
+bool CheckRecord(EventRecordPtr pRecord, VEKProperty& node, SGraphNode* pGraphNode, const wchar_t* pszNoRecord) {
     if (ClipOf(node) == nullptr || pGraphNode == nullptr) {
         return false;
     }

@@ -86,5 +86,5 @@ std::unique_ptr<VEKParamGroup> MakeOutputGroup(const GroupRow& group);
 /// A whole GetNodeOutput: append the output groups to the graph node, in order, if there is one that holds none yet.
 void AppendOutputGroupsOnce(SGraphNode* pGraphNode, std::span<const GroupRow> groups);
 
-/// Give a choice parameter that has no labels all of them. Null does nothing.
+/// Fill the labels of a choice parameter that has none yet. Null does nothing.
 void FillChoicesOnce(VEKParam* pParam, FillChoices* pFillChoices);
