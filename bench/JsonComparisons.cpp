@@ -112,7 +112,7 @@ CJsonComparisons::CJsonComparisons(const CBenchHost& host) {
     }
     for (size_t nPairs = 1; nPairs <= std::size(PAIRS); ++nPairs) {
         // The host splits the object, whose readings become one text.
-        add("Pairs/" + std::to_string(nPairs), StatusText(100), nPairs, CHECKED_LIMIT, 450);
+        add("Pairs/" + std::to_string(nPairs), StatusText(100), nPairs, CHECKED_LIMIT, 1550);
     }
     m_receivers.push_back(std::make_unique<CReceiver>(host, StatusText(100), 2, 0));
     const CReceiver& other = *m_receivers.back();

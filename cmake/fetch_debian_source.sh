@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Unpack the source of an installed Debian package:  fetch_debian_source.sh SOURCE_PACKAGE DESTINATION
 #
-# The version is that of the installed binary packages, so that a cross build uses what the native build uses. The
-# archive's address comes from the machine's own lists; apt checks signature and hashes. The machine's lists and states
-# stay as they are. What was fetched is kept in ${QORIO_CACHE:-~/.cache/qorioprocess} and checked again at each use.
+# The version is that of the installed binary packages, so that all builds use the same. The archive's address comes from
+# the machine's own lists; apt checks signature and hashes. The machine's lists and states stay as they are. What was
+# fetched is kept in ${QORIO_CACHE:-~/.cache/qorioprocess} and checked again at each use.
 set -euo pipefail
 
 die() {

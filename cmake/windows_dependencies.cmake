@@ -21,24 +21,10 @@ add_library(Boost::boost ALIAS Boost::headers)
 add_library(nlohmann_json::nlohmann_json INTERFACE IMPORTED GLOBAL)
 target_include_directories(nlohmann_json::nlohmann_json SYSTEM INTERFACE ${WindowsHeaders})
 
-# fetch_debian_source(NAME RESULT): RESULT is the folder with the source of that Debian package.
-function(fetch_debian_source Name Result)
-  set(Folder ${PROJECT_BINARY_DIR}/debian-source/${Name})
-  if(NOT EXISTS ${Folder})
-    message(STATUS "Fetching Debian's source of ${Name}")
-    execute_process(
-      COMMAND ${PROJECT_SOURCE_DIR}/cmake/fetch_debian_source.sh ${Name} ${Folder}
-      COMMAND_ERROR_IS_FATAL ANY)
-  endif()
-  set(${Result} ${Folder} PARENT_SCOPE)
-endfunction()
-
 fetch_debian_source(pugixml PugixmlSource)
 add_library(pugixml STATIC ${PugixmlSource}/src/pugixml.cpp)
 add_library(pugixml::pugixml ALIAS pugixml)
 target_include_directories(pugixml SYSTEM PUBLIC ${PugixmlSource}/src)
-
-include(${CMAKE_CURRENT_LIST_DIR}/cpprest_json.cmake)
 
 # Programs of this build run under Wine, in a folder of its own for its registry and its C: drive, and on nobody's display.
 set(CMAKE_CROSSCOMPILING_EMULATOR

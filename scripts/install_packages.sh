@@ -2,10 +2,10 @@
 
 # Packages that building and running need, the further ones that testing needs, and those for the Windows build and its tests.
 run_packages=(g++ cmake ninja-build ccache libboost-dev nlohmann-json3-dev libpugixml-dev libsimpleini-dev libutf8proc-dev
-              libcpprest-dev)
+              libcpprest-dev dpkg-dev)
 test_packages=(googletest clang-format clang-tidy python3 iproute2 binutils chromium-headless-shell librsvg2-bin
                icoutils)
-windows_packages=(g++-mingw-w64-x86-64-posix dpkg-dev)
+windows_packages=(g++-mingw-w64-x86-64-posix)
 windows_test_packages=(wine wine64 clang-19 xvfb xdotool)
 
 # install_packages PACKAGE...: needs root or sudo only when something is missing.

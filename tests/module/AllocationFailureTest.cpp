@@ -58,6 +58,17 @@ private:
 /// Whether arrays that are asked for without exceptions aren't had.
 bool s_bNoArrays = false;
 
+/// Whether a failed operator new raises the framework's exception, as it does in a module that is linked with the
+/// framework on Windows.
+bool s_bFrameworksNew = false;
+
+[[noreturn]] void RaiseNoMemory() {
+    if (s_bFrameworksNew) {
+        AfxThrowMemoryException();
+    }
+    throw std::bad_alloc();
+}
+
 /// An object of this size isn't had.
 constexpr std::size_t NO_SIZE = SIZE_MAX;
 std::size_t s_nRefusedSize = NO_SIZE;
@@ -67,7 +78,7 @@ std::size_t s_nRefusedSize = NO_SIZE;
 void* operator new(std::size_t nBytes) {
     static const auto s_pOriginal = Original<void*(std::size_t)>(L"", "_Znwm");
     if (nBytes == s_nRefusedSize || FailingMemory::Fails()) {
-        throw std::bad_alloc();
+        RaiseNoMemory();
     }
     return s_pOriginal(nBytes);
 }
@@ -75,7 +86,7 @@ void* operator new(std::size_t nBytes) {
 void* operator new[](std::size_t nBytes) {
     static const auto s_pOriginal = Original<void*(std::size_t)>(L"", "_Znam");
     if (FailingMemory::Fails()) {
-        throw std::bad_alloc();
+        RaiseNoMemory();
     }
     return s_pOriginal(nBytes);
 }
@@ -537,6 +548,45 @@ TEST_F(OperationWithoutMemory, DevIOEventOccurred) {
         scene.Send(3, 0, &pressed);
     };
     EXPECT_GT(Exhaust({Event(TYPE_VR_HANDLE, 3, 0, &pressed), release}), 40);
+}
+
+TEST_F(OperationWithoutMemory, ATextThatCannotBeParsedForItIsLogged) {
+    NodeScene device(m_host, TYPE_DEVICE_JSON_RECEIVE);
+    device.Evaluate();
+    SDeviceTextData text;
+    text.m_nDeviceId = 1;
+    for (const int nLength : {10, 100'000}) {
+        text.m_strText = L"[\"" + CString(L'a', nLength) + L"\",[1,2,3,4,5,6,7,8,9]]";
+        EXPECT_EQ(device.Send(5, 0, &text), 1);
+        Forget();
+        const size_t nBefore = HeapBytesInUse();
+        for (const bool bFrameworksNew : {false, true}) {
+            for (const int nSucceeding : {0, 1, 2, 3, 10}) {
+                SCOPED_TRACE(nSucceeding);
+                {
+                    const FailingMemory memory(nSucceeding);
+                    s_bFrameworksNew = bFrameworksNew;
+                    EXPECT_EQ(device.Send(5, 0, &text), 0);
+                    s_bFrameworksNew = false;
+                }
+                EXPECT_EQ(m_host.TakeLog(), std::vector{Error("[Clip.Graph.Node]DevIOEventOccurred:JSON解析失败")});
+                EXPECT_EQ(HeapBytesInUse(), nBefore);
+            }
+        }
+    }
+}
+
+TEST_F(OperationWithoutMemory, AnotherDevicesTextIsNotParsed) {
+    NodeScene device(m_host, TYPE_DEVICE_JSON_RECEIVE);
+    device.Evaluate();
+    SDeviceTextData text;
+    text.m_strText = L"{}";
+    for (const int nDeviceId : {1, 2}) {
+        text.m_nDeviceId = nDeviceId;
+        const FailingMemory memory(0);
+        EXPECT_EQ(device.Send(5, 0, &text), 0);
+        EXPECT_EQ(memory.HasFailed(), nDeviceId == 1) << "parsing needs memory";
+    }
 }
 
 TEST_F(OperationWithoutMemory, DevIOEventOccurredOfTheGestureNode) {

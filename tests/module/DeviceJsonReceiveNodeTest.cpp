@@ -274,16 +274,6 @@ TEST_F(DeviceJsonReceiveNode, AnotherDevicesTextIsRefusedSilently) {
     EXPECT_EQ(Send(L"{}", 2), 1);
 }
 
-#if !defined(_WIN32)
-TEST_F(DeviceJsonReceiveNode, AnotherDevicesTextIsNotParsed) {
-    TakeParsedTexts();
-    ExpectRefused(L"{}", NOTHING_LOGGED, 2);
-    EXPECT_EQ(TakeParsedTexts(), 0u);
-    ExpectTaken(L"{}");
-    EXPECT_EQ(TakeParsedTexts(), 1u);
-}
-#endif
-
 TEST_F(DeviceJsonReceiveNode, TheGraphsInputsComeFirst) {
     m_scene.AddGraphInput(DEVICE_ID, 2, 1).m_nValue = 7;
     ExpectRefused(L"{}", NOTHING_LOGGED, 1);

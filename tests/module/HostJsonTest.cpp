@@ -2,6 +2,7 @@
 #include <utility>
 #include <vector>
 
+#include "HostSetup.h"
 #include "ModuleHost.h"
 #include "host/HostJson.h"
 
@@ -11,7 +12,7 @@ using Members = std::vector<std::pair<std::string, std::string>>;
 
 web::json::value Parse(const char* pszText) {
     web::json::keep_object_element_order(true);
-    return web::json::value::parse(utility::conversions::to_string_t(pszText));
+    return web::json::value::parse(FromUtf8(pszText).GetString());
 }
 
 Members Pairs(const CStringArray& arKey, const CStringArray& arValue) {
@@ -58,6 +59,18 @@ TEST(HostJson, StringsAreTheirText) {
     EXPECT_EQ(ValueText(R"("\u4f60\ud83d\ude00")"), "你😀");
     EXPECT_EQ(ValueText(R"("a\u0000b")"), std::string("a\0b", 3));
     EXPECT_EQ(ValueText(R"("{\"a\":1}")"), R"({"a":1})");
+}
+
+TEST(HostJson, EscapedPairsOfHalvesAreOneCharacter) {
+    const std::pair<const char*, const char*> cases[] = {
+        {R"("\ud800\udc00")", "\U00010000"},     {R"("\ud840\udc00")", "\U00020000"},
+        {R"("\udbff\udfff")", "\U0010FFFF"},     {R"("😀\ud83d\ude00😀")", "😀😀😀"},
+        {R"("\ud83d\ude00\ud83d\ude00")", "😀😀"}, {R"(["\ud83d\ude00"])", "[\"😀\"]"},
+    };
+    for (const auto& [pszRead, pszMeant] : cases) {
+        EXPECT_EQ(ValueText(pszRead), pszMeant) << pszRead;
+    }
+    EXPECT_EQ(Split(R"({"\ud83d\ude00":1})"), (Members{{"😀", "1"}}));
 }
 
 TEST(HostJson, WordsAreAsJsonWritesThem) {

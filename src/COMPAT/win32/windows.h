@@ -10,12 +10,19 @@
 #define _WINDOWS_ // tells the framework's headers that they came too late
 
 #include <compat/api.h>
-#include <compat/declspec.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <cwchar>
+
+// ---- Exported and imported names: both are visible ------------------------------------------------------------------
+
+// Imported classes too: else each library would have type information of its own, and exceptions and casts wouldn't
+// match across libraries.
+#define COMPAT_DECLSPEC_dllexport __attribute__((visibility("default")))
+#define COMPAT_DECLSPEC_dllimport __attribute__((visibility("default")))
+#define __declspec(x) COMPAT_DECLSPEC_##x
 
 // ---- Calling conventions: there is only one -------------------------------------------------------------------------
 

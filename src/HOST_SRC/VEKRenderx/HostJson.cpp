@@ -4,44 +4,34 @@
 #include <cmath>
 #include <iterator>
 #include <string>
-#include <string_view>
-#include <type_traits>
 
-#include "HostSetup.h"
 #include "JsonSink.h"
 
 namespace {
 
-using JsonString = utility::string_t;
-
 IJsonSink* s_pSink = nullptr;
 
-/// The text of UTF-8 in which halves of surrogate pairs may stand alone, three bytes each: JSON has escapes for them.
-CString FromJsonUtf8(std::string_view text) {
+/// A text of the library's. Its escapes are UTF-16: where wchar_t has room for any character, the two halves of one are
+/// joined. A half alone stays as it is.
+CString FromJsonText(const std::wstring& text) {
     CString strText;
-    size_t nDone = 0;
-    for (size_t i = text.find('\xED'); i != std::string_view::npos; i = text.find('\xED', i + 1)) {
-        const std::string_view trail = text.substr(i + 1, 2);
-        if (trail.size() == 2 && (trail[0] & 0xE0) == 0xA0 && (trail[1] & 0xC0) == 0x80) {
-            strText += FromUtf8(text.substr(nDone, i - nDone));
-            strText += static_cast<wchar_t>(0xD000 | (trail[0] & 0x3F) << 6 | (trail[1] & 0x3F));
-            nDone = i + 3;
+    wchar_t* const pText = strText.GetBufferSetLength(static_cast<int>(text.size()));
+    wchar_t* pEnd = pText;
+    for (const wchar_t c : text) {
+        if (sizeof(wchar_t) > sizeof(char16_t) && pEnd > pText && (pEnd[-1] & ~0x3FF) == 0xD800 &&
+            (c & ~0x3FF) == 0xDC00) {
+            pEnd[-1] = static_cast<wchar_t>(0x10000 + ((pEnd[-1] & 0x3FF) << 10) + (c & 0x3FF));
+        } else {
+            *pEnd++ = c;
         }
     }
-    return nDone == 0 ? FromUtf8(text) : strText + FromUtf8(text.substr(nDone));
-}
-
-CString FromJsonText(const JsonString& text) {
-    if constexpr (std::is_same_v<utility::char_t, wchar_t>) {
-        return CString(reinterpret_cast<const wchar_t*>(text.data()), static_cast<int>(text.size()));
-    } else {
-        return FromJsonUtf8(std::string_view(reinterpret_cast<const char*>(text.data()), text.size()));
-    }
+    strText.ReleaseBuffer(static_cast<int>(pEnd - pText));
+    return strText;
 }
 
 /// Append a number with no more digits than tell it from all others: the library itself writes 0.1 as
 /// 0.10000000000000001. It reads 1e400 as infinity, for which JSON has no number.
-void AppendNumber(JsonString& text, double fNumber) {
+void AppendNumber(std::wstring& text, double fNumber) {
     char szNumber[32] = "null";
     const char* pEnd = szNumber + 4;
     if (std::isfinite(fNumber)) {
@@ -59,7 +49,7 @@ void AppendNumber(JsonString& text, double fNumber) {
 }
 
 /// Append the JSON text of a value. The library reads 128 levels at most, so that one call a level is no danger.
-void AppendValue(JsonString& text, const web::json::value& value) {
+void AppendValue(std::wstring& text, const web::json::value& value) {
     bool bFirst = true;
     const auto separate = [&] {
         if (!bFirst) {
@@ -94,7 +84,7 @@ CString ValueText(const web::json::value& value) {
     if (value.is_string()) {
         return FromJsonText(value.as_string());
     }
-    JsonString text;
+    std::wstring text;
     AppendValue(text, value);
     return FromJsonText(text);
 }
