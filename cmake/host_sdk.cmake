@@ -1,7 +1,7 @@
 # The host that a build by Microsoft's compiler is for: its own headers and import libraries take the place of the
 # reference host. VEK_SDK_DIR holds
 #
-#   include/host/*.h    the contract as the host declares it, under the names of src/PI_SRC/QORIOProcess/host/
+#   include/host/*.h    headers named as those in src/PI_SRC/QORIOProcess/host/, which include the host's own ones
 #   lib/*.lib           import libraries of VEKCommonx, VEKRenderx and VEKLogDllx
 #
 # and, unless CMAKE_PREFIX_PATH names another place, the CMake package cpprestsdk as the host was built with it: its JSON

@@ -5,9 +5,9 @@
 #include "VirtualOrder.h"
 
 #include "host/ControlLayout.h"
+#include "host/EventRecord.h"
 #include "host/ParamModel.h"
 
-struct SIOEventRecord;
 class VEKClip;
 
 /// Root: the versions of the project format that an object was written with. Both are 0 until they are set.

@@ -15,7 +15,7 @@ struct IconDestroyer {
     void operator()(HICON hIcon) const { DestroyIcon(hIcon); }
 };
 
-void RegisterTypes(CArray<SIOProcessNodeInfo>& arNodeInfo) {
+void RegisterTypes(SIOProcessPluginData& data) {
     const CString strIniPath = PXGetAppPath() + L"\\Plugins\\NodePlugin\\NodePlugin.ini";
     // One record serves all rows, so a member that a row doesn't set keeps the value of the row before.
     SIOProcessNodeInfo info;
@@ -31,7 +31,7 @@ void RegisterTypes(CArray<SIOProcessNodeInfo>& arNodeInfo) {
             info.bEnable =
                 static_cast<int>(GetPrivateProfileIntW(L"IOProcess", row.pszIniKey, row.bEnable, strIniPath));
         }
-        arNodeInfo.Add(info);
+        CatalogueOf(data).Add(info);
         static_cast<void>(icon.release()); // the host's, with the entry
     }
 }
@@ -65,7 +65,7 @@ extern "C" __declspec(dllexport) int WINAPI
     case IOP_REGISTER_TYPES:
         if (pData != nullptr) {
             try {
-                RegisterTypes(CatalogueOf(*pData));
+                RegisterTypes(*pData);
             } catch (...) {
                 EndException(); // the catalogue ends with the last entry that could be added
             }

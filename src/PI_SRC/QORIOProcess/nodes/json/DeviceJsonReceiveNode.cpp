@@ -61,7 +61,7 @@ web::json::value ParseJsonText(const CString& strText) try {
 }
 
 /// Whether the object holds all pairs of key and value whose key isn't empty.
-bool HoldsPairs(const web::json::value& object, std::initializer_list<std::pair<VEKParam*, VEKParam*>> pairs) {
+bool HoldsPairs(web::json::value& object, std::initializer_list<std::pair<VEKParam*, VEKParam*>> pairs) {
     CStringArray arKey;
     CStringArray arValue;
     G_ParseDataFormJsObj(object, arKey, arValue);
@@ -113,7 +113,7 @@ int CDevJsonReceive::DevIOEventOccurred(EventRecordPtr pRecord) try {
     if (IntegerOf(*pDeviceId) != DeviceIdOf(text)) {
         return 0;
     }
-    const web::json::value value = ParseJsonText(TextOf(text));
+    web::json::value value = ParseJsonText(TextOf(text));
     if (value.is_null()) {
         WriteNodeLog(LEVEL_ERROR, *this, *pGraphNode, L"[%s.%s.%s]DevIOEventOccurred:JSON解析失败");
         return 0;

@@ -12,9 +12,9 @@ enum { OUTPUT_RECEIVE_DATA = 1252, OUTPUT_EVENT = 1253 };
 
 constexpr ParamRow INPUTS[] = {
     VersionRow(2),
-    ClipNameRow(INPUT_CLIP_NAME),
+    StringRow(INPUT_CLIP_NAME, TEXT_CLIP_NAME),
     StringRow(INPUT_OBJECT_NAME, L"ObjName", L"IO_PROCESS_OBJ_NAME"),
-    FlagRow(INPUT_FLAG),
+    StringRow(INPUT_FLAG, TEXT_FLAG),
 };
 
 constexpr ParamRow OUTPUTS[] = {JsonTextRow(OUTPUT_RECEIVE_DATA), JsonEventRow(OUTPUT_EVENT)};

@@ -9,9 +9,10 @@ namespace {
 enum { INPUT_FLAG = 1302 };
 enum { OUTPUT_NAME = 1352, OUTPUT_DATA = 1353 };
 
-constexpr ParamRow INPUTS[] = {VersionRow(1), FlagRow(INPUT_FLAG)};
+constexpr ParamRow INPUTS[] = {VersionRow(1), StringRow(INPUT_FLAG, TEXT_FLAG)};
 
-constexpr ParamRow OUTPUTS[] = {BroadcastNameRow(OUTPUT_NAME), BroadcastDataRow(OUTPUT_DATA)};
+constexpr ParamRow OUTPUTS[] = {StringRow(OUTPUT_NAME, TEXT_BROADCAST_NAME),
+                                StringRow(OUTPUT_DATA, TEXT_BROADCAST_DATA)};
 
 constexpr GroupRow OUTPUT_GROUPS[] = {{1351, L"Outputs", L"TOUCH_CONTROL_OUTPUTS", OUTPUTS}};
 

@@ -14,15 +14,15 @@ enum { INPUT_FLAG = 602, INPUT_CLIP_NAME = 603, INPUT_NAME = 604, INPUT_DATA = 6
 
 constexpr ParamRow INPUTS[] = {
     VersionRow(1),
-    FlagRow(INPUT_FLAG),
-    ClipNameRow(INPUT_CLIP_NAME),
-    BroadcastNameRow(INPUT_NAME),
-    BroadcastDataRow(INPUT_DATA),
+    StringRow(INPUT_FLAG, TEXT_FLAG),
+    StringRow(INPUT_CLIP_NAME, TEXT_CLIP_NAME),
+    StringRow(INPUT_NAME, TEXT_BROADCAST_NAME),
+    StringRow(INPUT_DATA, TEXT_BROADCAST_DATA),
     SendRow(INPUT_SEND),
 };
 
 int ReadBroadcastPort() {
-    const CString strPath = PXGetPath(PATH_CONFIG) + L"\\PortConfig.ini";
+    const CString strPath = ConfigFolder() + L"\\PortConfig.ini";
     return static_cast<int>(GetPrivateProfileIntW(L"iFable", L"BroadcastPort", 0, strPath));
 }
 

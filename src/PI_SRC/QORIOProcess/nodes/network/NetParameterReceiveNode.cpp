@@ -16,14 +16,14 @@ constexpr unsigned FORMER_INPUTS[] = {505, 506};
 
 constexpr ParamRow INPUTS[] = {
     VersionRow(VERSION_CURRENT),
-    GroupNameRow(INPUT_GROUP_NAME),
-    KeyNameRow(INPUT_KEY_NAME),
+    StringRow(INPUT_GROUP_NAME, TEXT_GROUP_NAME),
+    StringRow(INPUT_KEY_NAME, TEXT_KEY_NAME),
     KeyNumberRow(INPUT_KEY_NUMBER),
 };
 
 constexpr ParamRow OUTPUTS[] = {
-    KeyValueRow(OUTPUT_KEY_VALUE),
-    HelpParameterRow(OUTPUT_HELP_PARAMETER),
+    StringRow(OUTPUT_KEY_VALUE, TEXT_KEY_VALUE),
+    StringRow(OUTPUT_HELP_PARAMETER, TEXT_HELP_PARAMETER),
     EventRow(OUTPUT_EVENT, L"Event", L"IO_PROCESS_NETRECEIVE_NETTRIGGER"),
 };
 

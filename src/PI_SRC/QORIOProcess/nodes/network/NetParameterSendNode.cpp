@@ -46,14 +46,14 @@ constexpr ParamRow INPUTS[] = {
     HiddenVersionRow(),
     ToDevRow(INPUT_TO_DEV),
     StringRow(INPUT_DEV_ID, L"DevID", L"IO_PROCESS_NETSEND_DEVID"),
-    DevNameRow(INPUT_DEV_NAME),
-    ClipNameRow(INPUT_CLIP_NAME),
+    StringRow(INPUT_DEV_NAME, TEXT_DEV_NAME),
+    StringRow(INPUT_CLIP_NAME, TEXT_CLIP_NAME),
     LayerRow(FLAGS_NONE, 1),
-    GroupNameRow(INPUT_GROUP_NAME),
-    KeyNameRow(INPUT_KEY_NAME),
+    StringRow(INPUT_GROUP_NAME, TEXT_GROUP_NAME),
+    StringRow(INPUT_KEY_NAME, TEXT_KEY_NAME),
     SentKeyNumberRow(),
-    KeyValueRow(INPUT_KEY_VALUE),
-    HelpParameterRow(INPUT_HELP_PARAMETER),
+    StringRow(INPUT_KEY_VALUE, TEXT_KEY_VALUE),
+    StringRow(INPUT_HELP_PARAMETER, TEXT_HELP_PARAMETER),
     SendRow(INPUT_SEND),
 };
 
@@ -144,7 +144,7 @@ int CNetParameterSendIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
         return 1;
     }
     if (IntegerOf(*pToDev) == 0) {
-        const CArray<SQORNetPlayCtrlDev*>* pDevices = G_GetArNetPlayCtrlDev();
+        const auto* pDevices = G_GetArNetPlayCtrlDev();
         if (pDevices == nullptr || pDevices->IsEmpty()) {
             WriteNodeLog(LEVEL_ERROR, *this, *pGraphNode, NO_DEVICE);
             return 1;

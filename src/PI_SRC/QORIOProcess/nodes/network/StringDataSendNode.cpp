@@ -37,7 +37,7 @@ constexpr ParamRow INPUTS[] = {
     VersionRow(1),
     ToDevRow(INPUT_TO_DEV),
     IntegerRow(INPUT_DEV_ID, L"DevID", L"IO_PROCESS_NETSEND_DEVID", {0, 0, 1000, 1}, 0),
-    DevNameRow(INPUT_DEV_NAME),
+    StringRow(INPUT_DEV_NAME, TEXT_DEV_NAME),
     StringRow(INPUT_STRING_DATA, L"StringData", L"IO_PROCESS_STRING_DATA"),
     // The maximum is 5, although there are two choices.
     ChoiceRow(INPUT_CODE_TYPE, L"CodeType", L"IO_PROCESS_STRING_CODE_TYPE", ParamRange{0, 0, 5, 1}, FLAGS_NONE, 0,
@@ -109,7 +109,7 @@ int CStringDataSendIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
             return 1;
         }
         Send(pDevice, TextOf(*pText), IntegerOf(*pCodeType));
-    } else if (const CArray<SQORNetPlayCtrlDev*>* pDevices = G_GetArNetPlayCtrlDev()) {
+    } else if (const auto* pDevices = G_GetArNetPlayCtrlDev()) {
         const int nCount = static_cast<int>(pDevices->GetSize());
         for (int i = 0; i < nCount; ++i) {
             Send(pDevices->GetAt(i), TextOf(*pText), IntegerOf(*pCodeType));

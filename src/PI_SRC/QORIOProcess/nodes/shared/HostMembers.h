@@ -1,29 +1,37 @@
 // The host's objects as this module sees them: each data member of a host class is named here and
-// nowhere else. To build against a host's own headers, change this file; docs/windows.md tells how.
+// nowhere else. To build against a host's own headers, change this file, section by section; docs/windows.md tells how.
 #pragma once
+
+#include <memory>
 
 #include <afxtempl.h>
 #include <afxwin.h>
 
-#include "host/Clip.h"
 #include "host/Codes.h"
-#include "host/EventRecord.h"
-#include "host/GeneralEvent.h"
-#include "host/HostCommon.h"
-#include "host/HostLog.h"
-#include "host/HostRender.h"
-#include "host/Markup.h"
-#include "host/NodeBase.h"
-#include "host/ParamModel.h"
-#include "host/PlayControlDevice.h"
-#include "host/PlayControlItem.h"
-#include "host/PluginContract.h"
-#include "host/RemoteControlRecord.h"
 
-// One member a line:
+// A section a header, behind those that the header needs; one member a line:
 // clang-format off
 
+// ---- host/HostCommon.h
+#include "host/HostCommon.h"
+
+inline CString LoadText(const wchar_t* pszKey) { return CString(PXLoadString(pszKey)); }
+inline CString ConfigFolder() { return CString(PXGetPath(PATH_CONFIG)); }
+
+// ---- host/HostLog.h
+#include "host/HostLog.h"
+
+// ---- host/Markup.h
+#include "host/Markup.h"
+
+inline CString TextOf(CMarkup& markup) { return markup.GetDoc(); }
+
 // ---- host/ParamModel.h
+#include "host/ParamModel.h"
+
+inline std::unique_ptr<VEKParam> NewParam(unsigned nId, const CString& strName, const CString& strDisplay, ParamCodes codes) {
+    return std::make_unique<VEKParam>(nId, strName, strDisplay, codes.m_nType, codes.m_nControl);
+}
 inline int& IntegerOf(VEKParam& param) { return param.m_nValue; }
 inline float& FloatOf(VEKParam& param) { return param.m_fValue; }
 inline CString& TextOf(VEKParam& param) { return param.m_strValue; }
@@ -41,40 +49,19 @@ inline CString& NameOf(SGraphNode& graphNode) { return graphNode.m_strName; }
 inline CList<VEKParamGroup*>& InputsOf(SGraphNode& graphNode) { return graphNode.m_lstInputGroup; }
 inline CList<VEKParamGroup*>& OutputsOf(SGraphNode& graphNode) { return graphNode.m_lstOutputGroup; }
 
-// ---- host/HostRender.h
-inline long long& ExtraWordOf(SQORNodeOutput& output) { return output.m_nExtra; }
-
-// ---- host/NodeBase.h
-inline CString& NameOf(VEKProperty& node) { return node.m_strName; }
-inline CString& SecondNameOf(VEKProperty& node) { return node.m_strSecondName; }
-inline int& KindCodeOf(VEKProperty& node) { return node.m_nKindCode; }
-inline GUID& TypeOf(VEKProperty& node) { return node.m_guidType; }
-inline CList<VEKParamGroup*>& GroupsOf(VEKProperty& node) { return node.m_lstParamGroup; }
-inline VEKClip* ClipOf(VEKProperty& node) { return node.m_pOwnerClip; }
-inline HWND EventWindowOf(VEKProperty& node) { return node.m_hEventWnd; }
-inline UINT EventMessageOf(VEKProperty& node) { return node.m_nEventMsg; }
-inline HWND NotifyWindowOf(VEKProperty& node) { return node.m_hNotifyWnd; }
-inline UINT NotifyMessageOf(VEKProperty& node) { return node.m_nNotifyMsg; }
-/// For the types that keep no graph node of their own.
-inline SGraphNode*& GraphNodeOf(P_ExtDevIOProcess& node) { return node.m_pBaseGraphNode; }
-
-// ---- host/ControlLayout.h
-inline void FillLayout(SParamGrpPosAdjust& node, CArray<SNodeParamInfoGrp*>& arGroup) { node.FillNodeParamInfoGrpAr(arGroup); }
-
-// ---- host/Clip.h
-inline CString& NameOf(VEKClip& clip) { return clip.m_strName; }
-inline SClipRefNodeInfo& RefNodeInfoOf(VEKClip& clip) { return clip.m_refNodeInfo; }
-inline VEKObject* FindObject(VEKClip& clip, const CString& strName) { return clip.FindObject(strName, 0); }
-inline float* MatrixOf(VEKObject& object) { return object.m_fMatrix; } // 16 floats
-
-// ---- host/HostCommon.h
-inline CString LoadText(const wchar_t* pszKey) { return CString(PXLoadString(pszKey)); }
-
 // ---- host/GeneralEvent.h
+#include "host/GeneralEvent.h"
+
 inline CList<VEKParam*>& ParamsOf(SQOREvent& event) { return event.m_lstParam; }
 
+// ---- host/ControlLayout.h
+#include "host/ControlLayout.h"
+
+inline void FillLayout(SParamGrpPosAdjust& node, CArray<SNodeParamInfoGrp*>& arGroup) { node.FillNodeParamInfoGrpAr(arGroup); }
+
 // ---- host/EventRecord.h
-using EventRecordPtr = const SIOEventRecord*; // what DevIOEventOccurred is handed
+#include "host/EventRecord.h"
+
 inline int DeviceOf(const SIOEventRecord& record) { return record.m_nDevice; }
 inline int EventOf(const SIOEventRecord& record) { return record.m_nEvent; }
 inline void* PayloadOf(const SIOEventRecord& record) { return record.m_pPayload; }
@@ -109,10 +96,43 @@ inline unsigned PressTimeOf(const SVRPluginData& sample) { return sample.m_nPres
 inline unsigned ReleaseTimeOf(const SVRPluginData& sample) { return sample.m_nReleaseTime; }
 inline void ForgetSample(SVRPluginData& sample) { sample.clear(); sample.m_bTouchPadPressed = 0; sample.m_fTouchPadX = 0.0f; }
 
-// ---- host/Markup.h
-inline CString TextOf(CMarkup& markup) { return markup.GetDoc(); }
+// ---- host/NodeBase.h
+#include "host/NodeBase.h"
+
+using EventRecordPtr = const SIOEventRecord*; // what DevIOEventOccurred is handed
+
+inline CString& NameOf(VEKProperty& node) { return node.m_strName; }
+inline CString& SecondNameOf(VEKProperty& node) { return node.m_strSecondName; }
+inline int& KindCodeOf(VEKProperty& node) { return node.m_nKindCode; }
+inline GUID& TypeOf(VEKProperty& node) { return node.m_guidType; }
+inline CList<VEKParamGroup*>& GroupsOf(VEKProperty& node) { return node.m_lstParamGroup; }
+inline VEKClip* ClipOf(VEKProperty& node) { return node.m_pOwnerClip; }
+inline HWND EventWindowOf(VEKProperty& node) { return node.m_hEventWnd; }
+inline UINT EventMessageOf(VEKProperty& node) { return node.m_nEventMsg; }
+inline HWND NotifyWindowOf(VEKProperty& node) { return node.m_hNotifyWnd; }
+inline UINT NotifyMessageOf(VEKProperty& node) { return node.m_nNotifyMsg; }
+/// For the types that keep no graph node of their own.
+inline SGraphNode*& GraphNodeOf(P_ExtDevIOProcess& node) { return node.m_pBaseGraphNode; }
+
+// ---- host/Clip.h
+#include "host/Clip.h"
+
+inline CString& NameOf(VEKClip& clip) { return clip.m_strName; }
+inline SClipRefNodeInfo& RefNodeInfoOf(VEKClip& clip) { return clip.m_refNodeInfo; }
+inline VEKObject* FindObject(VEKClip& clip, const CString& strName) { return clip.FindObject(strName, 0); }
+inline float* MatrixOf(VEKObject& object) { return object.m_fMatrix; } // 16 floats
+
+// ---- host/HostRender.h
+#include "host/HostRender.h"
+
+inline std::unique_ptr<SQORNodeOutput> NewOutput(unsigned nId, const CString& strName, const CString& strDisplay, ParamCodes codes) {
+    return std::make_unique<SQORNodeOutput>(nId, strName, strDisplay, codes.m_nType, codes.m_nControl);
+}
+inline long long& ExtraWordOf(SQORNodeOutput& output) { return output.m_nExtra; }
 
 // ---- host/RemoteControlRecord.h
+#include "host/RemoteControlRecord.h"
+
 inline CString& DevIDOf(CQORPanelRemoteCtrlData& record) { return record.m_strDevID; }
 inline CString& DevNameOf(CQORPanelRemoteCtrlData& record) { return record.m_strDevName; }
 inline CString& ClipNameOf(CQORPanelRemoteCtrlData& record) { return record.m_strClipName; }
@@ -124,11 +144,15 @@ inline CString& KeyValueOf(CQORPanelRemoteCtrlData& record) { return record.m_st
 inline int& LayerOf(CQORPanelRemoteCtrlData& record) { return record.m_nLayer; }
 
 // ---- host/PlayControlItem.h
+#include "host/PlayControlItem.h"
+
 inline int& CommandOf(CQORNetItemPlayCtlProtocol& item) { return item.m_nCommandCode; }
 inline CQORIOAttachedData*& AttachedDataOf(CQORNetItemPlayCtlProtocol& item) { return item.m_pAttachedData; }
 inline VEKClip*& ClipOf(CQORNetItemPlayCtlProtocol& item) { return item.m_pClip; }
 
 // ---- host/PlayControlDevice.h
+#include "host/PlayControlDevice.h"
+
 inline int IdOf(SQORNetPlayCtrlDev& device) { return device.m_nId; }
 inline CString& NameOf(SQORNetPlayCtrlDev& device) { return device.m_strName; }
 inline CZTSocket& SocketOf(SQORNetPlayCtrlDev& device) { return *device.m_pSocket; }
@@ -136,6 +160,8 @@ inline CZTSocket& SocketOf(SQORNetPlayCtrlDev& device) { return *device.m_pSocke
 inline CZtSocketParser* ParserOf(CZTSocket& socket) { return socket.GetParser(); }
 
 // ---- host/PluginContract.h
+#include "host/PluginContract.h"
+
 inline CArray<SIOProcessNodeInfo>& CatalogueOf(SIOProcessPluginData& data) { return data.arNodeInfo; }
 inline VEKProperty*& NodeOf(SIOProcessPluginData& data) { return data.pNode; }
 inline GUID& TypeOf(SIOProcessNodeRef& ref) { return ref.guidType; }

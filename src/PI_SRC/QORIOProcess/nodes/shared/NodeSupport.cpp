@@ -10,8 +10,7 @@ namespace {
 /// Append one pointer parameter to a general event.
 void AppendPointer(SQOREvent& event, unsigned nId, const wchar_t* pszName, const wchar_t* pszDisplayKey, void* pValue,
                    const wchar_t* pszTypeName) {
-    auto pParam = std::make_unique<VEKParam>(nId, pszName, LoadText(pszDisplayKey), PARAM_POINTER.m_nType,
-                                             PARAM_POINTER.m_nControl);
+    auto pParam = NewParam(nId, pszName, LoadText(pszDisplayKey), PARAM_POINTER);
     PointerOf(*pParam) = pValue;
     std::copy_n(pszTypeName, std::wcslen(pszTypeName) + 1, TypeNameOf(*pParam));
     AppendOwned(ParamsOf(event), std::move(pParam));

@@ -45,8 +45,8 @@ bool WriteOutput(SGraphNode& graphNode, unsigned nId, float fValue);
 bool WriteOutput(SGraphNode& graphNode, unsigned nId, const CString& strValue);
 
 /// Append to a list that owns its elements.
-template <typename T>
-void AppendOwned(CList<T*>& list, std::unique_ptr<T> pElement) {
+template <typename List, typename Element>
+void AppendOwned(List& list, std::unique_ptr<Element> pElement) {
     list.AddTail(pElement.get());
     static_cast<void>(pElement.release());
 }

@@ -4,11 +4,8 @@
 
 namespace {
 
-template <typename Param>
-std::unique_ptr<Param> Construct(const ParamRow& row) {
-    const CString strText = row.pszDisplayKey != nullptr ? LoadText(row.pszDisplayKey) : CString(row.pszName);
-    return std::make_unique<Param>(row.nId, row.pszName, strText + row.pszDisplaySuffix, row.codes.m_nType,
-                                   row.codes.m_nControl);
+CString DisplayText(const ParamRow& row) {
+    return (row.pszDisplayKey != nullptr ? LoadText(row.pszDisplayKey) : CString(row.pszName)) + row.pszDisplaySuffix;
 }
 
 void Fill(VEKParam& param, const ParamRow& row) {
@@ -52,13 +49,13 @@ void InitNode(VEKProperty& node, const GUID& guidType, const GroupRow& inputs) {
 }
 
 std::unique_ptr<VEKParam> MakeInput(const ParamRow& row) {
-    auto pInput = Construct<VEKParam>(row);
+    auto pInput = NewParam(row.nId, row.pszName, DisplayText(row), row.codes);
     Fill(*pInput, row);
     return pInput;
 }
 
 std::unique_ptr<VEKParam> MakeOutput(const ParamRow& row) {
-    auto pOutput = Construct<SQORNodeOutput>(row);
+    auto pOutput = NewOutput(row.nId, row.pszName, DisplayText(row), row.codes);
     ExtraWordOf(*pOutput) = 0; // the host's constructor leaves it unset
     Fill(*pOutput, row);
     return pOutput;

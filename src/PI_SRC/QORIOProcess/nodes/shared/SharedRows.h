@@ -20,44 +20,28 @@ constexpr ParamRow ToDevRow(unsigned nId) {
     return {nId, L"ToDev", L"TOUCH_NETSEND_TODEV", PARAM_SWITCH, RANGE_SWITCH, FLAGS_NONE, 1};
 }
 
-constexpr ParamRow DevNameRow(unsigned nId) {
-    return StringRow(nId, L"DevName", L"IO_PROCESS_NETSEND_DEVNAME");
-}
-
-constexpr ParamRow ClipNameRow(unsigned nId) {
-    return StringRow(nId, L"ClipName", L"IO_PROCESS_NETSEND_CLIPNAME");
-}
-
-constexpr ParamRow GroupNameRow(unsigned nId) {
-    return StringRow(nId, L"GroupName", L"IO_PROCESS_NETSEND_GROUPNAME");
-}
-
-constexpr ParamRow KeyNameRow(unsigned nId) {
-    return StringRow(nId, L"KeyName", L"IO_PROCESS_NETSEND_KEYNAME");
-}
-
 constexpr ParamRow KeyNumberRow(unsigned nId) {
     return IntegerRow(nId, L"KeyNumber", L"IO_PROCESS_NETSEND_KEYNUMBER", {0, 0, 1e9f, 1}, 0);
 }
 
-constexpr ParamRow KeyValueRow(unsigned nId) {
-    return StringRow(nId, L"KeyValue", L"IO_PROCESS_NETSEND_KEYVALUE");
-}
+/// Name and display key of a text.
+struct TextNames {
+    const wchar_t* pszName;
+    const wchar_t* pszDisplayKey;
+};
 
-constexpr ParamRow HelpParameterRow(unsigned nId) {
-    return StringRow(nId, L"HelpParameter", L"IO_PROCESS_NETSEND_HELPPARAMETER");
-}
+inline constexpr TextNames TEXT_DEV_NAME{L"DevName", L"IO_PROCESS_NETSEND_DEVNAME"};
+inline constexpr TextNames TEXT_CLIP_NAME{L"ClipName", L"IO_PROCESS_NETSEND_CLIPNAME"};
+inline constexpr TextNames TEXT_GROUP_NAME{L"GroupName", L"IO_PROCESS_NETSEND_GROUPNAME"};
+inline constexpr TextNames TEXT_KEY_NAME{L"KeyName", L"IO_PROCESS_NETSEND_KEYNAME"};
+inline constexpr TextNames TEXT_KEY_VALUE{L"KeyValue", L"IO_PROCESS_NETSEND_KEYVALUE"};
+inline constexpr TextNames TEXT_HELP_PARAMETER{L"HelpParameter", L"IO_PROCESS_NETSEND_HELPPARAMETER"};
+inline constexpr TextNames TEXT_FLAG{L"Flag", L"IO_PROCESS_BROADCAST_FLAG"};
+inline constexpr TextNames TEXT_BROADCAST_NAME{L"Name", L"IO_PROCESS_BROADCAST_NAME"};
+inline constexpr TextNames TEXT_BROADCAST_DATA{L"Data", L"IO_PROCESS_BROADCAST_VALUE"};
 
-constexpr ParamRow FlagRow(unsigned nId) {
-    return StringRow(nId, L"Flag", L"IO_PROCESS_BROADCAST_FLAG");
-}
-
-constexpr ParamRow BroadcastNameRow(unsigned nId) {
-    return StringRow(nId, L"Name", L"IO_PROCESS_BROADCAST_NAME");
-}
-
-constexpr ParamRow BroadcastDataRow(unsigned nId) {
-    return StringRow(nId, L"Data", L"IO_PROCESS_BROADCAST_VALUE");
+constexpr ParamRow StringRow(unsigned nId, TextNames names) {
+    return StringRow(nId, names.pszName, names.pszDisplayKey);
 }
 
 /// The trigger of a node that sends.

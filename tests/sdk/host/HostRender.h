@@ -1,0 +1,4 @@
+#pragma once
+
+#include "vek/NodeOutput.h"
+#include "vek/RenderTools.h"

@@ -1,0 +1,4 @@
+#pragma once
+
+#include "vek/ExtDevIOProcess.h"
+#include "vek/Property.h"

@@ -1,0 +1,4 @@
+#pragma once
+
+#include "vek/PlayCtrlDev.h"
+#include "vek/Socket.h"

@@ -1,0 +1,6 @@
+#pragma once
+
+#include "vek/Api.h"
+
+enum EVEKParamType { eParamPointer, eParamText };
+enum EVEKParamControl { eControlNone, eControlEdit };
