@@ -7,6 +7,7 @@
 
 #include "HostSetup.h"
 #include "host/EventRecord.h"
+#include "host/HostJson.h"
 #include "host/HostRender.h"
 #include "host/NodeTypeGuid.h"
 

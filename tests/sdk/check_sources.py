@@ -180,11 +180,11 @@ def main():
             elif what == "other":
                 compile_all(files, compiler, base, module_dir, theirs, with_order=True)
             else:
-                compile_all(files, compiler, base, module_dir, set(), with_order=True)
-                some = [{header} | NOT_ALONE.get(header, set()) for header in sorted(theirs)]
+                some = [set(), *({header} | NOT_ALONE.get(header, set()) for header in sorted(theirs))]
                 with concurrent.futures.ThreadPoolExecutor(2) as pool:
-                    list(pool.map(lambda replaced: compile_all(users(replaced, module_dir, files), compiler, base, module_dir,
-                                                               replaced, with_order=False), some))
+                    list(pool.map(lambda replaced: compile_all(users(replaced, module_dir, files) if replaced else files,
+                                                               compiler, base, module_dir, replaced,
+                                                               with_order=not replaced), some))
     except (Mismatch, CompileError) as error:
         sys.exit(str(error))
 

@@ -1,7 +1,6 @@
 #include "nodes/network/BroadcastSendNode.h"
 
 #include <algorithm>
-#include <memory>
 #include <new>
 
 #include "host/NodeTypeGuid.h"
@@ -20,6 +19,8 @@ constexpr ParamRow INPUTS[] = {
     StringRow(INPUT_DATA, TEXT_BROADCAST_DATA),
     SendRow(INPUT_SEND),
 };
+
+const CString DATA_SEPARATOR = L"|";
 
 int ReadBroadcastPort() {
     const CString strPath = ConfigFolder() + L"\\PortConfig.ini";
@@ -41,11 +42,8 @@ int CBroadcastIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     ReadText(*this, *pGraphNode, INPUT_CLIP_NAME, m_strClipName);
     ReadText(*this, *pGraphNode, INPUT_NAME, m_strName);
     ReadText(*this, *pGraphNode, INPUT_DATA, m_strData);
-    if (IsTriggered(*pGraphNode, INPUT_SEND)) {
-        const CString strText = MakeText();
-        if (!strText.IsEmpty()) {
-            Send(strText);
-        }
+    if (IsTriggered(*pGraphNode, INPUT_SEND) && MakeText()) {
+        SendText();
     }
     return 1;
 } catch (...) {
@@ -69,15 +67,15 @@ void CBroadcastIOProcess::OpenSocket() {
     m_addrDestination.sin_port = htons(static_cast<unsigned short>(m_nPort));
 }
 
-/// The text of the datagram; empty when there is no data to send. The data goes out as one text: its pieces only decide
-/// whether there is any.
-CString CBroadcastIOProcess::MakeText() const {
-    CStringArray arPiece;
-    if (!m_strData.IsEmpty()) {
-        SplitString(m_strData, L"|", arPiece, SPLIT_KEEP_EMPTY);
+/// Make the text of the datagram; false when there is no data to send. The data goes out as one text: its pieces only
+/// decide whether there is any.
+bool CBroadcastIOProcess::MakeText() {
+    if (m_strData.IsEmpty()) {
+        return false;
     }
-    if (arPiece.IsEmpty()) {
-        return CString();
+    SplitString(m_strData, DATA_SEPARATOR, m_arPiece, SPLIT_KEEP_EMPTY);
+    if (m_arPiece.IsEmpty()) {
+        return false;
     }
     CMarkup markup;
     markup.AddElem(L"Broadcast");
@@ -85,17 +83,25 @@ CString CBroadcastIOProcess::MakeText() const {
     markup.SetAttrib(L"ClipName", m_strClipName);
     markup.SetAttrib(L"Name", m_strName);
     markup.SetAttrib(L"Data", m_strData);
-    return L"[.{" + TextOf(markup) + L"}.]";
+    m_strText = L"[.{";
+    m_strText += TextOf(markup);
+    m_strText += L"}.]";
+    return true;
 }
 
 /// Send the text in the system's code page with its terminating zero. What fails, fails silently.
-void CBroadcastIOProcess::Send(const CString& strText) const {
+void CBroadcastIOProcess::SendText() {
     constexpr int SHORTEST_BUFFER = 10; // bytes
-    const int nLength = WideCharToMultiByte(CP_ACP, WC_COMPOSITECHECK, strText, -1, nullptr, 0, nullptr, nullptr);
-    const std::unique_ptr<char[]> pBuffer(new (std::nothrow) char[std::max(nLength, SHORTEST_BUFFER)]());
-    if (pBuffer != nullptr) {
-        WideCharToMultiByte(CP_ACP, WC_COMPOSITECHECK, strText, -1, pBuffer.get(), nLength, nullptr, nullptr);
+    const int nLength = WideCharToMultiByte(CP_ACP, WC_COMPOSITECHECK, m_strText, -1, nullptr, 0, nullptr, nullptr);
+    const int nSize = std::max(nLength, SHORTEST_BUFFER);
+    if (nSize > m_nBufferSize) {
+        m_pBuffer.reset(new (std::nothrow) char[static_cast<size_t>(nSize)]);
+        m_nBufferSize = m_pBuffer != nullptr ? nSize : 0;
     }
-    sendto(m_hSocket, pBuffer.get(), nLength, 0, reinterpret_cast<const sockaddr*>(&m_addrDestination),
+    if (m_pBuffer != nullptr) {
+        std::fill_n(m_pBuffer.get(), nSize, '\0');
+        WideCharToMultiByte(CP_ACP, WC_COMPOSITECHECK, m_strText, -1, m_pBuffer.get(), nLength, nullptr, nullptr);
+    }
+    sendto(m_hSocket, m_pBuffer.get(), nLength, 0, reinterpret_cast<const sockaddr*>(&m_addrDestination),
            sizeof(m_addrDestination));
 }

@@ -13,8 +13,8 @@ public:
 
 private:
     void OpenSocket();
-    CString MakeText() const;
-    void Send(const CString& strText) const;
+    bool MakeText();
+    void SendText();
 
     // The inputs as last read by ProcessNode.
     CString m_strFlag;
@@ -25,4 +25,10 @@ private:
     int m_nPort = 0; ///< as configured; the low 16 bits count
     SOCKET m_hSocket = INVALID_SOCKET;
     sockaddr_in m_addrDestination = {}; ///< stays unset without a socket
+
+    // Kept from send to send: made anew they are 9 allocations more each time.
+    CStringArray m_arPiece;
+    CString m_strText;
+    int m_nBufferSize = 0;
+    std::unique_ptr<char[]> m_pBuffer;
 };

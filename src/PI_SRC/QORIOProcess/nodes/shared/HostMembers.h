@@ -24,7 +24,7 @@ inline CString ConfigFolder() { return CString(PXGetPath(PATH_CONFIG)); }
 // ---- host/Markup.h
 #include "host/Markup.h"
 
-inline CString TextOf(CMarkup& markup) { return markup.GetDoc(); }
+inline const CString& TextOf(CMarkup& markup) { return markup.GetDoc(); }
 
 // ---- host/ParamModel.h
 #include "host/ParamModel.h"
