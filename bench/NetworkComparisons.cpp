@@ -21,12 +21,12 @@
 #include <pugixml.hpp>
 
 #include "BroadcastDatagram.h"
-#include "DeviceLink.h"
 #include "DeviceList.h"
 #include "HostSetup.h"
-#include "Peers.h"
 #include "host/EventRecord.h"
 #include "host/NodeTypeGuid.h"
+#include "network/DeviceLink.h"
+#include "network/Peers.h"
 
 namespace {
 

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "LogSink.h"
-#include "MainWindow.h"
 #include "MeasuredTypes.h"
 #include "RenderSink.h"
+#include "engine/MainWindow.h"
 #include "host/Clip.h"
 #include "host/GeneralEvent.h"
 #include "host/PluginContract.h"

@@ -1,8 +1,8 @@
 // GUID texts and the readers of numbers.
 #include <gtest/gtest.h>
 
-#include "Fields.h"
-#include "GuidText.h"
+#include "base/GuidText.h"
+#include "protocol/Fields.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Session.h"
+#include "session/Session.h"
 
 /// A folder that exists as long as the object.
 class CTemporaryFolder {

@@ -2,7 +2,7 @@
 #include "NetworkPeers.h"
 
 #include "HostTest.h"
-#include "TextLines.h"
+#include "network/TextLines.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <algorithm>
 
 #include "HostTest.h"
-#include "Peers.h"
 #include "PlayControlFrame.h"
 #include "host/HostCommon.h"
+#include "network/Peers.h"
 
 namespace {
 

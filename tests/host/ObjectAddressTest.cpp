@@ -1,5 +1,5 @@
 // Whom a posted text is for.
-#include "ObjectAddress.h"
+#include "fronts/page/ObjectAddress.h"
 
 #include <gtest/gtest.h>
 

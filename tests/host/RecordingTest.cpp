@@ -5,8 +5,8 @@
 #include <sstream>
 
 #include "NetworkPeers.h"
-#include "Peers.h"
-#include "Replay.h"
+#include "fronts/recording/Replay.h"
+#include "network/Peers.h"
 
 namespace {
 

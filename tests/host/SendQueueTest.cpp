@@ -1,5 +1,5 @@
 // The queue in front of a device: order, bounds, and what a lost connection takes with it.
-#include "SendQueue.h"
+#include "network/SendQueue.h"
 
 #include <string>
 #include <string_view>

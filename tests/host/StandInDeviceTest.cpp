@@ -1,7 +1,7 @@
 // The stand-in device: what it prints of what it's sent, and how it misbehaves when told to.
 #include "NetworkPeers.h"
 
-#include "StandInDevice.h"
+#include "standin/StandInDevice.h"
 
 #include <condition_variable>
 #include <deque>
@@ -12,8 +12,8 @@
 
 #include <gtest/gtest.h>
 
-#include "Fields.h"
 #include "PlayControlFrame.h"
+#include "protocol/Fields.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 
 #include <sstream>
 
-#include "StdioFront.h"
+#include "fronts/stdio/StdioFront.h"
 
 namespace {
 

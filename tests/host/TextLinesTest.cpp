@@ -1,11 +1,11 @@
 // Texts that come one a line: how bytes become lines wherever they are split, and which lines are refused.
-#include "TextLines.h"
+#include "network/TextLines.h"
 
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "TextUtf8.h"
+#include "base/TextUtf8.h"
 
 namespace {
 

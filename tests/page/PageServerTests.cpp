@@ -4,10 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include "FrameTimer.h"
-#include "HttpFiles.h"
-#include "RequestOrigin.h"
-#include "TerminalLines.h"
+#include "base/FrameTimer.h"
+#include "fronts/page/HttpFiles.h"
+#include "fronts/page/RequestOrigin.h"
+#include "fronts/terminal/TerminalLines.h"
 
 using std::chrono::duration_cast;
 using std::chrono::milliseconds;

@@ -4,9 +4,9 @@
 #include <charconv>
 #include <cmath>
 
-#include "Fields.h"
-#include "TextTables.h"
-#include "TextUtf8.h"
+#include "base/TextTables.h"
+#include "base/TextUtf8.h"
+#include "protocol/Fields.h"
 
 const char* const HELP_TEXT =
     R"(iohost - the reference host: loads the input and output node module and plays the host's part.

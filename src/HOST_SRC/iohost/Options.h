@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "HostSetup.h"
-#include "PageServer.h"
-#include "RenderWindow.h"
-#include "StandInDevice.h"
+#include "fronts/page/PageServer.h"
+#include "fronts/window/RenderWindow.h"
+#include "standin/StandInDevice.h"
 
 enum class EFront { Stdio, Page, Window, Device, Describe, Replay, Help, Version };
 

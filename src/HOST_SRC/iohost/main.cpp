@@ -1,13 +1,13 @@
 // iohost: the reference host.
 #include <iostream>
 
-#include "Describe.h"
 #include "Options.h"
-#include "Platform.h"
-#include "Replay.h"
-#include "Session.h"
-#include "StdioFront.h"
-#include "TextUtf8.h"
+#include "base/Platform.h"
+#include "base/TextUtf8.h"
+#include "fronts/describe/Describe.h"
+#include "fronts/recording/Replay.h"
+#include "fronts/stdio/StdioFront.h"
+#include "session/Session.h"
 
 namespace {
 

@@ -1,0 +1,15 @@
+#include "base/Caught.h"
+
+std::string CaughtText() {
+    try {
+        throw;
+    } catch (CException* pException) {
+        const std::string strName = pException->GetRuntimeClass()->m_lpszClassName;
+        pException->Delete();
+        return strName;
+    } catch (const std::exception& exception) {
+        return exception.what();
+    } catch (...) {
+        return "an exception of an unknown kind";
+    }
+}

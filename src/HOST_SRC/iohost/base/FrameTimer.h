@@ -1,0 +1,30 @@
+// Calls a function once a frame, for as long as the program runs.
+#pragma once
+
+#include "base/Network.h"
+
+#include <chrono>
+#include <functional>
+
+using FrameTime = std::chrono::steady_clock::time_point;
+
+/// When the next frame is due: the first moment after now in the raster that starts at tStart. A frame that took longer
+/// than its period leaves out those that it missed; they are not made up for.
+FrameTime NextFrameTime(FrameTime tStart, double fFps, FrameTime tNow);
+
+class CFrameTimer {
+public:
+    CFrameTimer(boost::asio::io_context& context, double fFps, std::function<void()> onFrame);
+
+    void Start();
+    void Stop();
+
+private:
+    void AwaitNext();
+
+    SteadyTimer m_timer;
+    const double m_fFps;
+    const std::function<void()> m_onFrame;
+    FrameTime m_tStart;
+    bool m_bRunning = false;
+};

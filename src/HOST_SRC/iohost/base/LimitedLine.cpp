@@ -1,0 +1,18 @@
+#include "base/LimitedLine.h"
+
+#include <utility>
+
+void CLimitedLine::Write(const std::string& strText) {
+    constexpr std::chrono::seconds PAUSE{10};
+
+    const auto tNow = std::chrono::steady_clock::now();
+    if (m_tWritten && tNow - *m_tWritten < PAUSE) {
+        ++m_nLeftOut;
+        return;
+    }
+    m_tWritten = tNow;
+    const auto nLeftOut = std::exchange(m_nLeftOut, 0);
+    WriteHostLine(m_nLevel, nLeftOut == 0
+                                ? strText
+                                : strText + " (and " + std::to_string(nLeftOut) + " times since the last line)");
+}

@@ -1,0 +1,22 @@
+// A line of the host's log that may come again and again, and mustn't fill it.
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+#include "base/HostLine.h"
+
+class CLimitedLine {
+public:
+    explicit CLimitedLine(EVEKLogLevel nLevel) : m_nLevel(nLevel) {}
+
+    /// Write the line, unless one was written within the last ten seconds. The next one that is written says how many
+    /// were left out.
+    void Write(const std::string& strText);
+
+private:
+    EVEKLogLevel m_nLevel;
+    std::optional<std::chrono::steady_clock::time_point> m_tWritten;
+    unsigned long long m_nLeftOut = 0;
+};

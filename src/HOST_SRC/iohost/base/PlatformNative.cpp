@@ -1,0 +1,66 @@
+#include "base/Platform.h"
+
+#include <csignal>
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+
+#include <compat/testing.h>
+
+bool FreezeClock(std::optional<std::uint64_t> nMilliseconds) {
+    CompatFreezeTickCount(nMilliseconds);
+    return true;
+}
+
+void SetClockModule(HMODULE /*hModule*/) {} // there is one clock in the process
+
+void AllowManySockets() {
+    rlimit limit = {};
+    if (getrlimit(RLIMIT_NOFILE, &limit) == 0) {
+        limit.rlim_cur = limit.rlim_max;
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+}
+
+void LetPortBeReused(std::uintptr_t hSocket) {
+    const int nOn = 1;
+    setsockopt(static_cast<int>(hSocket), SOL_SOCKET, SO_REUSEADDR, &nOn, sizeof(nOn));
+}
+
+void NoticeLostPeer(std::uintptr_t hSocket) {
+    struct SOption {
+        int nLevel;
+        int nName;
+        int nValue;
+    };
+    constexpr SOption OPTIONS[] = {
+        {SOL_SOCKET, SO_KEEPALIVE, 1},
+        {IPPROTO_TCP, TCP_KEEPIDLE, 5},  // seconds of silence before the first question
+        {IPPROTO_TCP, TCP_KEEPINTVL, 1}, // seconds between questions
+        {IPPROTO_TCP, TCP_KEEPCNT, 5},   // unanswered questions
+    };
+    for (const SOption& option : OPTIONS) {
+        setsockopt(static_cast<int>(hSocket), option.nLevel, option.nName, &option.nValue, sizeof(option.nValue));
+    }
+}
+
+// The system asks only while nothing waits to be sent, and its own time limit for sent bytes (TCP_USER_TIMEOUT) would
+// also end the connection to a device that merely doesn't read for a while.
+bool HasStoppedAnswering(std::uintptr_t hSocket, std::chrono::milliseconds patience) {
+    constexpr int UNANSWERED = 2; // the answer to the first one may be on its way
+    tcp_info info = {};
+    socklen_t nSize = sizeof(info);
+    return getsockopt(static_cast<int>(hSocket), IPPROTO_TCP, TCP_INFO, &info, &nSize) == 0 &&
+           (info.tcpi_retransmits >= UNANSWERED || info.tcpi_probes >= UNANSWERED) &&
+           std::chrono::milliseconds(info.tcpi_last_ack_recv) >= patience;
+}
+
+std::string LoadErrorDetail() {
+    return CompatLoadErrorText();
+}
+
+void PrepareStandardStreams() {
+    std::signal(SIGPIPE, SIG_IGN);
+}

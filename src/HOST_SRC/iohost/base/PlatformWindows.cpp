@@ -1,0 +1,83 @@
+#include "base/Platform.h"
+
+#include <mstcpip.h>
+
+#include <fcntl.h>
+#include <io.h>
+#include <stdio.h>
+
+namespace {
+
+DWORD g_nFrozenTicks = 0;
+ULONG_PTR* g_pTickCountImport = nullptr; ///< where the module keeps the address of GetTickCount
+
+DWORD WINAPI FrozenTickCount() {
+    return g_nFrozenTicks;
+}
+
+/// Where a loaded library keeps the address of an imported function; null when it doesn't import it.
+ULONG_PTR* FindImport(HMODULE hModule, ULONG_PTR nFunction) {
+    auto* pBase = reinterpret_cast<BYTE*>(hModule);
+    const auto& start = *reinterpret_cast<const IMAGE_DOS_HEADER*>(pBase);
+    const auto& header = *reinterpret_cast<const IMAGE_NT_HEADERS*>(pBase + start.e_lfanew);
+    const DWORD nImports = header.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    if (nImports == 0) {
+        return nullptr;
+    }
+    for (const auto* pLibrary = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(pBase + nImports); pLibrary->Name != 0;
+         ++pLibrary) {
+        for (auto* pAddress = reinterpret_cast<ULONG_PTR*>(pBase + pLibrary->FirstThunk); *pAddress != 0; ++pAddress) {
+            if (*pAddress == nFunction) {
+                return pAddress;
+            }
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+/// The clock is the system's, so the module is led to another function instead.
+bool FreezeClock(std::optional<std::uint64_t> nMilliseconds) {
+    g_nFrozenTicks = static_cast<DWORD>(nMilliseconds.value_or(0));
+    if (g_pTickCountImport != nullptr) {
+        DWORD nProtection = 0;
+        if (!VirtualProtect(g_pTickCountImport, sizeof(*g_pTickCountImport), PAGE_READWRITE, &nProtection)) {
+            return false;
+        }
+        *g_pTickCountImport = reinterpret_cast<ULONG_PTR>(nMilliseconds ? &FrozenTickCount : &GetTickCount);
+        VirtualProtect(g_pTickCountImport, sizeof(*g_pTickCountImport), nProtection, &nProtection);
+    }
+    return true;
+}
+
+void SetClockModule(HMODULE hModule) {
+    FreezeClock(std::nullopt); // the library that was the module until now may stay loaded
+    g_pTickCountImport = hModule == nullptr ? nullptr : FindImport(hModule, reinterpret_cast<ULONG_PTR>(&GetTickCount));
+}
+
+// No limit but memory.
+void AllowManySockets() {}
+
+// That is so anyway; the option would let two programs share the port.
+void LetPortBeReused(std::uintptr_t /*hSocket*/) {}
+
+void NoticeLostPeer(std::uintptr_t hSocket) {
+    tcp_keepalive settings = {1, 5'000, 1'000}; // on; milliseconds of silence, and between questions
+    DWORD nReturned = 0;
+    WSAIoctl(static_cast<SOCKET>(hSocket), SIO_KEEPALIVE_VALS, &settings, sizeof(settings), nullptr, 0, &nReturned,
+             nullptr, nullptr);
+}
+
+bool HasStoppedAnswering(std::uintptr_t /*hSocket*/, std::chrono::milliseconds /*patience*/) {
+    return false;
+}
+
+std::string LoadErrorDetail() {
+    return {};
+}
+
+void PrepareStandardStreams() {
+    _setmode(_fileno(stdin), _O_BINARY);
+    _setmode(_fileno(stdout), _O_BINARY);
+}

@@ -1,0 +1,261 @@
+#include "engine/Host.h"
+
+#include <vector>
+
+#include "base/Platform.h"
+#include "base/TextUtf8.h"
+#include "network/Peers.h"
+#include "scene/ParamSet.h"
+
+namespace {
+
+bool s_bOpen = false;
+
+/// Nodes that the module unlinked without freeing them. Nobody calls or frees them; they are kept here, to the end of
+/// the process, so that they can be told from nodes that got lost.
+std::vector<const VEKProperty*>& UnlinkedNodes() {
+    static auto& s_nodes = *new std::vector<const VEKProperty*>;
+    return s_nodes;
+}
+
+/// The application folder as the contract hands it out: absolute, without a separator at its end.
+CString AppPath(const std::filesystem::path& folder) {
+    std::filesystem::path path = std::filesystem::absolute(folder).lexically_normal();
+    if (!path.has_filename() && path.has_parent_path()) {
+        path = path.parent_path();
+    }
+    return path.wstring().c_str();
+}
+
+PinTypes TypesOf(const VEKParamGroupList& lstGroup) {
+    PinTypes types;
+    for (POSITION pos = lstGroup.GetHeadPosition(); pos != nullptr;) {
+        const VEKParamGroup& group = *lstGroup.GetNext(pos);
+        for (POSITION posParam = group.m_lstParam.GetHeadPosition(); posParam != nullptr;) {
+            const VEKParam& param = *group.m_lstParam.GetNext(posParam);
+            types.emplace(static_cast<unsigned>(param.m_guid.Data1), param.m_nType);
+        }
+    }
+    return types;
+}
+
+} // namespace
+
+CHost::CCallScope::CCallScope(CHost& host, const SNode* pNode) : m_host(host) {
+    m_host.m_pHappened->SetCalledNode(pNode);
+}
+
+CHost::CCallScope::~CCallScope() {
+    m_host.m_pWindows->Pump();
+    m_host.m_pHappened->SetCalledNode(nullptr);
+}
+
+CHost::CHost()
+    : m_pMainWindow(std::make_unique<CMainWindow>()), m_pHappened(std::make_unique<CHappened>(m_scene)),
+      m_pJsonVerdicts(std::make_unique<CJsonVerdicts>(*m_pHappened)),
+      m_pWindows(std::make_unique<CEventWindows>(*m_pHappened)), m_pPeers(std::make_unique<CPeers>(*this)) {
+    SetNodeSink(this);
+    s_bOpen = true;
+}
+
+std::unique_ptr<CHost> CHost::Open(const SSessionOptions& options, std::string& strError) {
+    if (s_bOpen) {
+        strError = "a session is open in this process already";
+        return nullptr;
+    }
+    std::error_code error;
+    if (!std::filesystem::is_directory(options.appFolder, error)) {
+        strError = "the application folder " + Utf8(options.appFolder) + " isn't there";
+        return nullptr;
+    }
+    try {
+        std::unique_ptr<CHost> pHost(new CHost);
+        SetAppPath(AppPath(options.appFolder));
+        if (!SetTextTable(options.texts)) {
+            strError = "the application folder " + Utf8(options.appFolder) +
+                       " has no readable text table of that language in Config/Texts";
+            return nullptr;
+        }
+        pHost->m_nTexts = options.texts;
+        if (!options.bMayBroadcast) {
+            HideConfiguration();
+        }
+        pHost->m_pModule = CModule::Load(options.moduleFile, strError);
+        if (pHost->m_pModule == nullptr) {
+            return nullptr;
+        }
+        pHost->CallModule(IOP_REGISTER_TYPES);
+        return pHost;
+    } catch (const std::exception& exception) {
+        strError = exception.what();
+        return nullptr;
+    }
+}
+
+CHost::~CHost() {
+    Close();
+    SetNodeSink(nullptr);
+    SetTextTable(ETextTable::Keys);
+    SetAppPath(CString());
+    s_bOpen = false;
+}
+
+void CHost::Close() {
+    if (IsClosed()) {
+        return;
+    }
+    m_pPeers->Close();
+    DestroyAll();
+    try {
+        CallModule(IOP_RELEASE_GLOBALS);
+    } catch (const CModuleFault&) {
+        // It is unloaded all the same.
+    }
+    for (INT_PTR i = 0; i < m_data.arNodeInfo.GetSize(); ++i) {
+        if (m_data.arNodeInfo[i].hIcon != nullptr) {
+            DestroyIcon(m_data.arNodeInfo[i].hIcon);
+        }
+    }
+    m_data.arNodeInfo.RemoveAll();
+    m_pModule = nullptr;
+    CScene().Swap(m_scene);
+    m_pMainWindow->Set(false, false);
+    BYTE allKeysUp[256] = {};
+    SetKeyboardState(allKeysUp);
+    FreezeClock(std::nullopt);
+}
+
+int CHost::CallModule(unsigned nOperation) {
+    return Call(nullptr, [&] {
+        GUID guidNone = {};
+        SIOProcessNodeRef nodeNone = {guidNone, nullptr};
+        void* pArgument = nOperation == IOP_CREATE_NODE    ? static_cast<void*>(&guidNone)
+                          : nOperation == IOP_DESTROY_NODE ? static_cast<void*>(&nodeNone)
+                                                           : nullptr;
+        return m_pModule->Call(nOperation, pArgument, &m_data);
+    });
+}
+
+SCreated CHost::Create(const SNodeRequest& request) {
+    if (m_scene.Find(request.strHandle) != nullptr) {
+        Refuse("node", "there is a node " + Quoted(request.strHandle) + " already");
+    }
+    GUID guidType = request.guidType;
+    m_data.pNode = nullptr;
+    const int nResult = Call(nullptr, [&] { return m_pModule->Call(IOP_CREATE_NODE, &guidType, &m_data); });
+    if (m_data.pNode == nullptr) {
+        return {nResult, nullptr};
+    }
+    SNode newNode;
+    newNode.strHandle = request.strHandle;
+    newNode.guidType = request.guidType;
+    newNode.pNode = static_cast<P_ExtDevIOProcess*>(std::exchange(m_data.pNode, nullptr)); // this host's only kind
+    newNode.pGraphNode = std::make_unique<SGraphNode>();
+    newNode.bEventWindow = request.bEventWindow;
+    newNode.bNotifyWindow = request.bNotifyWindow;
+    SNode& node = m_scene.Add(std::move(newNode));
+
+    const bool bNewClip = request.clip && m_scene.FindClip(FromUtf8(*request.clip)) == nullptr;
+    try {
+        Prepare(node, request);
+    } catch (...) {
+        Destroy(node, node.guidType, true);
+        if (bNewClip) {
+            m_scene.RemoveLastClip();
+        }
+        throw;
+    }
+    return {nResult, &node};
+}
+
+void CHost::Prepare(SNode& node, const SNodeRequest& request) {
+    P_ExtDevIOProcess& object = *node.pNode;
+    if (request.bEventWindow) {
+        object.m_hEventWnd = m_pWindows->EventWindow();
+        object.m_nEventMsg = m_pWindows->EventMessage();
+    }
+    if (request.bNotifyWindow) {
+        object.m_hNotifyWnd = m_pWindows->NotifyWindow();
+        object.m_nNotifyMsg = m_pWindows->NotifyMessage();
+    }
+    if (request.clip) {
+        object.m_pOwnerClip = &m_scene.Clip(FromUtf8(*request.clip));
+    }
+    node.ownInputs = TypesOf(object.m_lstParamGroup);
+    if (request.loadOwn) {
+        request.loadOwn(object.m_lstParamGroup);
+        Call(&node, [&] { object.InitParam(); });
+    }
+    SGraphNode& graphNode = *node.pGraphNode;
+    graphNode.m_strName = FromUtf8(request.strGraph);
+    CloneGroups(object.m_lstParamGroup, graphNode.m_lstInputGroup);
+    if (request.loadInputs) {
+        request.loadInputs(graphNode.m_lstInputGroup);
+    }
+    if (request.loadOutputs) {
+        // The node knows its pins' names and types: let it make them all, then keep those that the project holds.
+        MakeOutputs(node);
+        request.loadOutputs(graphNode.m_lstOutputGroup);
+    }
+    if (request.bOutputs) {
+        MakeOutputs(node);
+    }
+}
+
+void CHost::MakeOutputs(SNode& node) {
+    const VEKParamGroupList& lstOutput = node.pGraphNode->m_lstOutputGroup;
+    const bool bNoneYet = lstOutput.IsEmpty();
+    Call(&node, [&] { node.pNode->GetNodeOutput(node.pGraphNode.get()); });
+    if (bNoneYet) {
+        node.ownOutputs = TypesOf(lstOutput); // all that are there are the node's own
+    }
+}
+
+SDestroyed CHost::Destroy(SNode& node, const GUID& guidType, bool bPointer) {
+    const VEKProperty* pNode = node.pNode;
+    SIOProcessNodeRef ref = {guidType, bPointer ? node.pNode : nullptr};
+    m_pLastDestroyed = nullptr;
+    const int nResult = Call(&node, [&] { return m_pModule->Call(IOP_DESTROY_NODE, &ref, &m_data); });
+    const bool bFreed = m_pLastDestroyed == pNode;
+    if (bFreed || (bPointer && IsEqualGUID(guidType, node.guidType))) {
+        if (!bFreed) {
+            UnlinkedNodes().push_back(pNode);
+        }
+        m_scene.Remove(node);
+    }
+    return {nResult, ref.pNode == nullptr, bFreed};
+}
+
+void CHost::DestroyAll() {
+    while (!m_scene.Nodes().empty()) {
+        SNode& node = m_scene.Nodes().begin()->second;
+        try {
+            Destroy(node, node.guidType, true);
+        } catch (const CModuleFault&) {
+            m_scene.Remove(node); // what is left of it belongs to the module
+        }
+    }
+}
+
+int CHost::Evaluate(SNode& node, bool bGraph) {
+    const CEvaluationInputs inputs(node);
+    return Call(&node, [&] { return node.pNode->ProcessNode(bGraph ? node.pGraphNode.get() : nullptr); });
+}
+
+int CHost::Deliver(SNode& node, const SIOEventRecord* pRecord) {
+    m_pJsonVerdicts->Begin();
+    const int nResult = Call(&node, [&] { return node.pNode->DevIOEventOccurred(pRecord); });
+    m_pJsonVerdicts->End(node, pRecord, nResult);
+    return nResult;
+}
+
+void CHost::ThrowFault(CException* pException) {
+    const std::string strName = pException->GetRuntimeClass()->m_lpszClassName;
+    pException->Delete();
+    throw CModuleFault("the module raised " + strName);
+}
+
+void CHost::OnNodeDestroyed(const VEKProperty* pNode) {
+    m_pLastDestroyed = pNode;
+    m_pJsonVerdicts->Forget(pNode);
+}

@@ -1,0 +1,156 @@
+// The host's part of the contract: it owns the loaded module and the scene, and makes every call into the module.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "HostSetup.h"
+#include "engine/EventWindows.h"
+#include "engine/Happened.h"
+#include "engine/JsonVerdicts.h"
+#include "engine/MainWindow.h"
+#include "engine/Module.h"
+#include "host/EventRecord.h"
+#include "host/PluginContract.h"
+#include "scene/Scene.h"
+
+class CPeers;
+
+/// What a session is opened with.
+struct SSessionOptions {
+    std::filesystem::path appFolder;        ///< application folder
+    std::filesystem::path moduleFile;       ///< the module's library
+    ETextTable texts = ETextTable::English; ///< where display texts come from
+    bool bMayBroadcast = true;              ///< false: nodes find no port, so that their broadcasts go nowhere
+};
+
+/// The module raised an exception; what() names it. What the call did until then stays done.
+class CModuleFault : public CRefusal {
+public:
+    using CRefusal::CRefusal;
+};
+
+/// How a node is made.
+struct SNodeRequest {
+    std::string strHandle;
+    GUID guidType = {};
+    std::optional<std::string> clip; ///< name of the owner clip; none: no owner clip
+    std::string strGraph;            ///< name of the graph node
+    bool bEventWindow = true;
+    bool bNotifyWindow = true;
+    bool bOutputs = true; ///< ask the node for its outputs in the end
+
+    // A node out of a project: each changes one set to what the project holds, given what the node makes by itself.
+    std::function<void(VEKParamGroupList& lstOwn)> loadOwn; ///< InitParam is called after it; none: it isn't called
+    std::function<void(VEKParamGroupList& lstInput)> loadInputs;
+    std::function<void(VEKParamGroupList& lstOutput)> loadOutputs; ///< none: the graph node starts without outputs
+};
+
+/// What operation 2 did.
+struct SCreated {
+    int nResult;
+    SNode* pNode; ///< null when the slot was left untouched; there is no node then
+};
+
+/// What operation 3 did.
+struct SDestroyed {
+    int nResult;
+    bool bSlotNull; ///< the record's pointer was cleared
+    bool bFreed;    ///< the node's destructor ran
+};
+
+/// One at a time in a process, since the host libraries are.
+class CHost final : private INodeSink {
+public:
+    /// Load the module and register its node types. Null, with a clear message, when that fails.
+    static std::unique_ptr<CHost> Open(const SSessionOptions& options, std::string& strError);
+
+    /// Closes first.
+    ~CHost();
+
+    CHost(const CHost&) = delete;
+    CHost& operator=(const CHost&) = delete;
+
+    /// Destroy all nodes, release the module's data and unload it.
+    void Close();
+    bool IsClosed() const { return m_pModule == nullptr; }
+
+    /// Where display texts come from.
+    ETextTable Texts() const { return m_nTexts; }
+
+    CScene& Scene() { return m_scene; }
+    CHappened& Happened() { return *m_pHappened; }
+    CJsonVerdicts& JsonVerdicts() { return *m_pJsonVerdicts; }
+    CMainWindow& MainWindow() { return *m_pMainWindow; }
+    CPeers& Peers() { return *m_pPeers; }
+    const CArray<SIOProcessNodeInfo>& Catalogue() const { return m_data.arNodeInfo; }
+
+    /// Call the exported function; operations that take an argument get one that names nothing.
+    int CallModule(unsigned nOperation);
+
+    /// Make a node. On a refusal or a fault nothing is left of it.
+    SCreated Create(const SNodeRequest& request);
+
+    /// Let the node make its outputs.
+    void MakeOutputs(SNode& node);
+
+    /// Operation 3 with this type, and the node's pointer or null, in the record. The node leaves the scene when it was
+    /// freed, and when it was handed over as what it is: the module then only unlinked it and the host lets it be.
+    SDestroyed Destroy(SNode& node, const GUID& guidType, bool bPointer);
+
+    /// Destroy all nodes of the scene.
+    void DestroyAll();
+
+    /// One evaluation; bGraph false hands over a null graph node.
+    int Evaluate(SNode& node, bool bGraph);
+
+    /// Hand an event record to the node; null is a null record.
+    int Deliver(SNode& node, const SIOEventRecord* pRecord);
+
+    /// Make any other call into a node, or into the module for no node: messages that it posts are handled, and what it
+    /// raises becomes a CModuleFault.
+    template <typename Function>
+    auto Call(const SNode* pNode, Function function) -> decltype(function()) {
+        const CCallScope scope(*this, pNode);
+        try {
+            return function();
+        } catch (CException* pException) {
+            ThrowFault(pException);
+        } catch (const CRefusal&) {
+            throw;
+        } catch (const std::exception& exception) {
+            throw CModuleFault(std::string("the module raised ") + exception.what());
+        }
+    }
+
+private:
+    /// Says whose messages come in, and handles them at the end of the call.
+    class CCallScope {
+    public:
+        CCallScope(CHost& host, const SNode* pNode);
+        ~CCallScope();
+        CCallScope(const CCallScope&) = delete;
+        CCallScope& operator=(const CCallScope&) = delete;
+
+    private:
+        CHost& m_host;
+    };
+
+    CHost();
+
+    [[noreturn]] static void ThrowFault(CException* pException);
+    void OnNodeDestroyed(const VEKProperty* pNode) override;
+    void Prepare(SNode& node, const SNodeRequest& request);
+
+    CScene m_scene;
+    std::unique_ptr<CMainWindow> m_pMainWindow;
+    std::unique_ptr<CHappened> m_pHappened;
+    std::unique_ptr<CJsonVerdicts> m_pJsonVerdicts;
+    std::unique_ptr<CEventWindows> m_pWindows;
+    std::unique_ptr<CModule> m_pModule; ///< null once closed
+    std::unique_ptr<CPeers> m_pPeers;
+    SIOProcessPluginData m_data;
+    ETextTable m_nTexts = ETextTable::Keys;
+    const VEKProperty* m_pLastDestroyed = nullptr;
+};

@@ -1,0 +1,254 @@
+#include "fronts/page/HttpConnection.h"
+
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http/empty_body.hpp>
+#include <boost/beast/http/parser.hpp>
+#include <boost/beast/http/read.hpp>
+#include <boost/beast/http/string_body.hpp>
+#include <boost/beast/http/write.hpp>
+#include <boost/beast/websocket/rfc6455.hpp>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include "base/TextUtf8.h"
+#include "fronts/page/RequestOrigin.h"
+#include "network/TextLines.h"
+#include "session/Session.h"
+
+namespace asio = boost::asio;
+namespace beast = boost::beast;
+namespace http = beast::http;
+using boost::system::error_code;
+
+namespace {
+
+using Request = http::request<http::empty_body>;
+using RequestParser = http::request_parser<http::empty_body>;
+using Response = http::response<http::string_body>;
+
+constexpr std::uint32_t LONGEST_HEADER = 16 * 1024;
+constexpr std::chrono::seconds REQUEST_TIME{30};
+constexpr std::chrono::seconds GOODBYE_TIME{1};
+constexpr std::string_view SESSION_TARGET = "/session";
+
+std::string_view View(beast::string_view text) {
+    return {text.data(), text.size()};
+}
+
+Response MakeResponse(const Request& request, http::status status, std::string_view contentType, std::string strBody) {
+    Response response{status, request.version()};
+    response.set(http::field::content_type, beast::string_view(contentType.data(), contentType.size()));
+    response.set(http::field::cache_control, "no-store");
+    response.set("X-Content-Type-Options", "nosniff");
+    response.set("Referrer-Policy", "no-referrer");
+    response.keep_alive(request.keep_alive());
+    response.body() = std::move(strBody);
+    response.prepare_payload();
+    return response;
+}
+
+Response MakeRefusal(const Request& request, http::status status, std::string_view reason) {
+    return MakeResponse(request, status, "text/plain; charset=utf-8", std::string(reason) + "\n");
+}
+
+/// The page loads what this server offers and talks to it, and to nothing else. Not every browser counts the WebSocket
+/// in with 'self'; the host has been checked to be the server's own.
+std::string ContentSecurityPolicy(std::string_view host) {
+    return "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self' ws://" +
+           std::string(host) + "; base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
+}
+
+/// Why a request isn't answered, if it names another server, or comes from another server's page.
+std::optional<std::string_view> FindForeign(const Request& request, const CRequestOrigin& origin) {
+    if (request.count(http::field::host) != 1 || !origin.IsOwnHost(View(request[http::field::host]))) {
+        return "The request's Host is not an address of this server.";
+    }
+    const auto nOrigins = request.count(http::field::origin);
+    if (nOrigins > 1 || (nOrigins == 1 && !origin.IsOwnOrigin(View(request[http::field::origin])))) {
+        return "The request's Origin is not a page of this server.";
+    }
+    return std::nullopt;
+}
+
+Response MakeFileResponse(const Request& request, const CHttpFiles& files) {
+    if (request.method() != http::verb::get && request.method() != http::verb::head) {
+        Response response = MakeRefusal(request, http::status::method_not_allowed, "Only GET and HEAD are answered.");
+        response.set(http::field::allow, "GET, HEAD");
+        return response;
+    }
+    const SWebFile* pFile = files.Find(View(request.target()));
+    std::optional<std::string> contents = pFile != nullptr ? CHttpFiles::Read(*pFile) : std::nullopt;
+    if (!contents) {
+        return MakeRefusal(request, http::status::not_found, "There is no such file.");
+    }
+    Response response = MakeResponse(request, http::status::ok, pFile->contentType, std::move(*contents));
+    response.set("Content-Security-Policy", ContentSecurityPolicy(View(request[http::field::host])));
+    return response;
+}
+
+std::string AddressText(asio::ip::address address) {
+    if (address.is_v6() && address.to_v6().is_v4_mapped()) {
+        address = asio::ip::make_address_v4(asio::ip::v4_mapped, address.to_v6());
+    }
+    return address.to_string();
+}
+
+/// Whether the request brings a text for an object; no other one may have a body.
+bool IsObjectText(const Request& request) {
+    return request.method() == http::verb::post && IsObjectTextTarget(View(request.target()));
+}
+
+/// Reads the head of one request.
+Awaitable<void> ReadHead(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& parser,
+                         std::chrono::seconds tLongest, error_code& error) {
+    parser.header_limit(LONGEST_HEADER);
+    // Only a head is read. No limit at all would refuse every announced length in this version of the library.
+    parser.body_limit(std::numeric_limits<std::uint64_t>::max());
+    stream.expires_after(tLongest);
+    co_await http::async_read_header(stream, buffer, parser, AwaitInto(error));
+    if (!error && !parser.is_done() && !IsObjectText(parser.get())) {
+        error = http::error::unexpected_body;
+    }
+}
+
+/// Reads the body behind a head.
+Awaitable<std::string> ReadBody(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head, error_code& error) {
+    if (head.content_length().value_or(0) > LONGEST_TEXT_LINE) {
+        error = http::error::body_limit;
+        co_return std::string();
+    }
+    if (View(head.get()[http::field::expect]) == "100-continue") {
+        http::response<http::empty_body> goOn{http::status::continue_, head.get().version()};
+        co_await http::async_write(stream, goOn, AwaitInto(error));
+    }
+    http::request_parser<http::string_body> parser(std::move(head));
+    parser.body_limit(LONGEST_TEXT_LINE);
+    co_await http::async_read(stream, buffer, parser, AwaitInto(error));
+    co_return parser.get().body();
+}
+
+/// Reads the text for an object and hands it over. The reply says what became of it. A request whose body isn't there
+/// to its end leaves the connection useless, which then is closed.
+Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head,
+                                   const SHttpSite& site, error_code& error) {
+    const Request request = head.get();
+    const std::string strText = co_await ReadBody(stream, buffer, head, error);
+    OrderedJson reply;
+    auto status = http::status::bad_request;
+    std::string strProblem;
+    if (error == http::error::body_limit) {
+        status = http::status::payload_too_large;
+        reply = ErrorReply("the text is longer than " + std::to_string(LONGEST_TEXT_LINE) + " bytes");
+    } else if (error) {
+        reply = ErrorReply("the request's body can't be read: " + error.message());
+    } else if (!WellFormedText(strText)) {
+        reply = ErrorReply("the text isn't UTF-8");
+    } else if (const auto address = ParseObjectAddress(View(request.target()), strProblem)) {
+        reply = site.takeObjectText(*address, strText);
+        status = reply["ok"] ? http::status::ok : http::status::bad_request;
+    } else {
+        reply = ErrorReply(strProblem);
+    }
+    Response response = MakeResponse(request, status, "application/json", ReplyText(reply) + "\n");
+    response.keep_alive(!error && request.keep_alive());
+    co_return response;
+}
+
+/// Writes a response, or the head of it only.
+Awaitable<void> WriteResponse(TcpStream& stream, Response& response, bool bHeaderOnly, error_code& error) {
+    http::response_serializer<http::string_body> serializer(response);
+    serializer.split(bHeaderOnly);
+    stream.expires_after(REQUEST_TIME);
+    if (bHeaderOnly) {
+        co_await http::async_write_header(stream, serializer, AwaitInto(error));
+    } else {
+        co_await http::async_write(stream, serializer, AwaitInto(error));
+    }
+}
+
+/// Says that nothing follows, and reads on for a moment: a client that is still sending when the connection is closed
+/// would lose the response.
+Awaitable<void> CloseGently(TcpStream& stream) {
+    error_code error;
+    stream.socket().shutdown(TcpSocket::shutdown_send, error);
+    std::array<char, 65536> dropped;
+    size_t nLeft = 2 * LONGEST_TEXT_LINE;
+    stream.expires_after(GOODBYE_TIME);
+    while (!error && nLeft > 0) {
+        nLeft -= std::min(nLeft, co_await stream.async_read_some(asio::buffer(dropped), AwaitInto(error)));
+    }
+}
+
+/// Whether the error is about what the client sent, so that it's told, rather than about the connection.
+bool IsBadRequest(const error_code& error) {
+    return error.category() == http::make_error_code(http::error::end_of_stream).category() &&
+           error != http::error::end_of_stream && error != http::error::partial_message;
+}
+
+} // namespace
+
+Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
+    error_code error;
+    const auto localEndpoint = socket.local_endpoint(error);
+    if (error) {
+        co_return;
+    }
+    socket.set_option(asio::ip::tcp::no_delay(true), error);
+    const CRequestOrigin origin(site.strBoundAddress, AddressText(localEndpoint.address()), site.nPort);
+
+    TcpStream stream(std::move(socket));
+    beast::flat_buffer buffer;
+    for (;;) {
+        RequestParser parser;
+        co_await ReadHead(stream, buffer, parser, REQUEST_TIME, error);
+        if (error && !IsBadRequest(error)) {
+            co_return;
+        }
+        const Request& request = parser.get();
+        const bool bHeaderOnly = !error && request.method() == http::verb::head;
+        std::optional<Response> response;
+        if (error) {
+            response =
+                MakeRefusal(Request{}, http::status::bad_request, "This is no HTTP request that is answered here.");
+            response->keep_alive(false);
+        } else if (const auto foreign = FindForeign(request, origin)) {
+            response = MakeRefusal(request, http::status::forbidden, *foreign);
+            response->keep_alive(parser.is_done() && request.keep_alive()); // a body isn't read
+        } else if (View(request.target()) == SESSION_TARGET && beast::websocket::is_upgrade(request)) {
+            const auto pClient = std::make_shared<CWebSocketClient>(std::move(stream), site.listener);
+            co_await pClient->Run(parser.release());
+            co_return;
+        } else if (IsObjectText(request)) {
+            response = co_await TakeObjectText(stream, buffer, parser, site, error);
+        } else {
+            response = MakeFileResponse(request, site.files);
+        }
+
+        co_await WriteResponse(stream, *response, bHeaderOnly, error);
+        if (error || !response->keep_alive()) {
+            co_await CloseGently(stream);
+            co_return;
+        }
+    }
+}
+
+Awaitable<void> TurnAwayHttpConnection(TcpSocket socket, std::string strReason) {
+    TcpStream stream(std::move(socket));
+    beast::flat_buffer buffer;
+    RequestParser parser;
+    error_code error;
+    co_await ReadHead(stream, buffer, parser, GOODBYE_TIME, error);
+    if (error && !IsBadRequest(error)) {
+        co_return;
+    }
+    const Request request = error ? Request() : parser.get();
+    Response response = MakeRefusal(request, http::status::service_unavailable, strReason);
+    response.keep_alive(false);
+    co_await WriteResponse(stream, response, request.method() == http::verb::head, error);
+    co_await CloseGently(stream);
+}

@@ -1,0 +1,30 @@
+// One connection of the page's server: answers requests for the page's files, takes texts for objects, and hands a
+// WebSocket over to its client.
+#pragma once
+
+#include "base/Network.h"
+
+#include <functional>
+#include <string>
+
+#include "fronts/page/HttpFiles.h"
+#include "fronts/page/ObjectAddress.h"
+#include "fronts/page/WebSocketClient.h"
+#include "protocol/Fields.h"
+
+/// What every connection is served from.
+struct SHttpSite {
+    const CHttpFiles& files;
+    std::string strBoundAddress; ///< as text, without brackets
+    unsigned short nPort;
+    IWebSocketListener& listener; ///< of the WebSocket /session
+
+    /// Hands a posted text to the nodes; returns the reply to whom posted it, whose "ok" tells whether that was done.
+    std::function<OrderedJson(const SObjectAddress& address, const std::string& strText)> takeObjectText;
+};
+
+/// Serves the connection until it ends. The site outlives it.
+Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site);
+
+/// Answers whatever the connection asks for by 503 with this reason, and closes it.
+Awaitable<void> TurnAwayHttpConnection(TcpSocket socket, std::string strReason);

@@ -1,0 +1,57 @@
+#include "fronts/page/HttpFiles.h"
+
+#include <fstream>
+#include <iterator>
+
+#include "base/TextUtf8.h"
+
+namespace {
+
+struct ContentTypeRow {
+    std::string_view extension;
+    std::string_view contentType;
+};
+
+constexpr ContentTypeRow CONTENT_TYPES[] = {
+    {".html", "text/html; charset=utf-8"}, {".js", "text/javascript; charset=utf-8"},
+    {".css", "text/css; charset=utf-8"},   {".svg", "image/svg+xml"},
+    {".map", "application/json"},
+};
+
+/// The content type of a file of the page; empty for a file that doesn't belong to it.
+std::string_view ContentType(const std::filesystem::path& path) {
+    const std::string strExtension = Utf8(path.extension());
+    for (const ContentTypeRow& row : CONTENT_TYPES) {
+        if (row.extension == strExtension) {
+            return row.contentType;
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+CHttpFiles::CHttpFiles(const std::filesystem::path& folder) {
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+        const std::string_view contentType = ContentType(entry.path());
+        if (entry.is_regular_file() && !contentType.empty()) {
+            const std::u8string target = u8"/" + entry.path().lexically_relative(folder).generic_u8string();
+            m_files.emplace(std::string(target.begin(), target.end()), SWebFile{entry.path(), contentType});
+        }
+    }
+}
+
+const SWebFile* CHttpFiles::Find(std::string_view target) const {
+    target = target.substr(0, target.find('?'));
+    const auto found = m_files.find(target == "/" ? std::string_view("/index.html") : target);
+    return found != m_files.end() ? &found->second : nullptr;
+}
+
+std::optional<std::string> CHttpFiles::Read(const SWebFile& file) {
+    std::ifstream stream(file.path, std::ios::binary);
+    std::string strContents(std::istreambuf_iterator<char>(stream), {});
+    if (!stream) {
+        return std::nullopt;
+    }
+    return strContents;
+}

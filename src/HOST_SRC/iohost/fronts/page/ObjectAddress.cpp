@@ -1,0 +1,67 @@
+#include "fronts/page/ObjectAddress.h"
+
+#include <charconv>
+
+#include "base/TextUtf8.h"
+#include "protocol/Fields.h"
+
+namespace {
+
+/// The path in front of a query.
+std::string_view PathOf(std::string_view target) {
+    return target.substr(0, target.find('?'));
+}
+
+/// A name or value of a query: %XX is a byte, + a space. Nothing when that isn't well-formed UTF-8.
+std::optional<std::string> DecodeQueryText(std::string_view encoded) {
+    std::string strText;
+    for (size_t i = 0; i < encoded.size(); ++i) {
+        if (encoded[i] == '%') {
+            const std::string_view digits = encoded.substr(i + 1, 2);
+            unsigned char nByte = 0;
+            const auto [pRead, nError] = std::from_chars(digits.data(), digits.data() + digits.size(), nByte, 16);
+            if (digits.size() != 2 || pRead != digits.data() + 2 || nError != std::errc()) {
+                return std::nullopt;
+            }
+            strText += static_cast<char>(nByte);
+            i += 2;
+        } else {
+            strText += encoded[i] == '+' ? ' ' : encoded[i];
+        }
+    }
+    return WellFormedText(strText) ? std::optional(strText) : std::nullopt;
+}
+
+} // namespace
+
+bool IsObjectTextTarget(std::string_view target) {
+    return PathOf(target) == OBJECT_TEXT_PATH;
+}
+
+std::optional<SObjectAddress> ParseObjectAddress(std::string_view target, std::string& strProblem) {
+    std::optional<std::string> clip;
+    std::optional<std::string> object;
+    std::string_view query = target.substr(std::min(target.size(), PathOf(target).size() + 1));
+    while (!query.empty()) {
+        const std::string_view pair = query.substr(0, query.find('&'));
+        query.remove_prefix(std::min(query.size(), pair.size() + 1));
+        const size_t nEqual = pair.find('=');
+        const std::string_view name = pair.substr(0, nEqual);
+        auto* pValue = name == "clip" ? &clip : name == "object" ? &object : nullptr;
+        if (pValue == nullptr || *pValue || nEqual == std::string_view::npos) {
+            strProblem = pValue != nullptr && *pValue ? std::string(name) + ": stands there twice"
+                                                      : Quoted(pair) + ": only clip=NAME and object=NAME are known";
+            return std::nullopt;
+        }
+        *pValue = DecodeQueryText(pair.substr(nEqual + 1));
+        if (!*pValue) {
+            strProblem = std::string(name) + ": isn't UTF-8 in percent encoding";
+            return std::nullopt;
+        }
+    }
+    if (!clip || !object) {
+        strProblem = std::string(!clip ? "clip" : "object") + ": is missing";
+        return std::nullopt;
+    }
+    return SObjectAddress{*clip, *object};
+}

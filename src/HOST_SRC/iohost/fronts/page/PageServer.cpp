@@ -1,0 +1,414 @@
+#include "fronts/page/PageServer.h"
+
+#include "base/Listener.h"
+#include "fronts/page/HttpConnection.h"
+#include "fronts/page/WebSocketClient.h"
+
+#include <boost/asio/signal_set.hpp>
+
+#include <csignal>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <utility>
+
+#include "base/Caught.h"
+#include "base/FrameTimer.h"
+#include "fronts/terminal/TerminalLines.h"
+#include "network/Peers.h"
+#include "session/Session.h"
+
+namespace asio = boost::asio;
+using boost::system::error_code;
+
+namespace {
+
+constexpr size_t MOST_CONNECTIONS = 64;
+constexpr size_t MOST_TURNED_AWAY = 64; ///< at once; those beyond are closed without an answer
+constexpr std::chrono::seconds GOODBYE_TIME{1};
+constexpr std::chrono::milliseconds ACCEPT_PAUSE{100};
+constexpr std::chrono::milliseconds NETWORK_PAUSE{250};
+
+std::string FullText() {
+    return "the page's server has " + std::to_string(MOST_CONNECTIONS) + " connections, which is its most";
+}
+
+/// What a reply or a frame tells of the module's doings.
+constexpr const char* HAPPENED_KEYS[] = {"posted", "log", "notified", "sent", "redrawn"};
+
+OrderedJson HappenedIn(const OrderedJson& reply) {
+    OrderedJson happened = OrderedJson::object();
+    for (const char* pszKey : HAPPENED_KEYS) {
+        if (const auto found = reply.find(pszKey); found != reply.end()) {
+            happened[pszKey] = *found;
+        }
+    }
+    return happened;
+}
+
+std::shared_ptr<const std::string> Text(const OrderedJson& message) {
+    return std::make_shared<const std::string>(ReplyText(message));
+}
+
+/// Joins the session, the frames and the pages: one io_context, one thread.
+class CPageServer final : public IWebSocketListener {
+public:
+    CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files);
+
+    /// Empty, or why the address can't be had.
+    std::string Listen(const asio::ip::tcp::endpoint& endpoint);
+
+    void Run();
+
+    void OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) override;
+    void OnClientText(CWebSocketClient& client, std::string_view text) override;
+    void OnClientClosed(CWebSocketClient& client) override;
+
+private:
+    struct SClient {
+        std::shared_ptr<CWebSocketClient> pClient;
+        CHeldInput& held;
+    };
+
+    Awaitable<void> AcceptConnections();
+    void Take(TcpSocket socket);
+    Awaitable<void> Serve(TcpSocket socket);
+    Awaitable<void> TurnAway(TcpSocket socket);
+    void AwaitSignal();
+    void Stop();
+
+    OrderedJson TakeObjectText(const SObjectAddress& object, const std::string& strText);
+    void Frame();
+    void ShowKeysToNodes(const KeySet& keysBefore);
+    void GuardedFrame();
+    void TellHappened(const OrderedJson& happened, const CWebSocketClient* pButFor);
+    void TellSceneChange();
+    void TellHeld();
+    void TellNetwork();
+    void SendToAll(const OrderedJson& push, const CWebSocketClient* pButFor = nullptr);
+
+    CSession& m_session;
+    asio::io_context& m_context{m_session.Peers().Context()};
+    const double m_fFps;
+    const CHttpFiles& m_files;
+    CTerminalLines m_terminal;
+    TcpAcceptor m_acceptor{m_context};
+    asio::signal_set m_signals{m_context, SIGINT, SIGTERM};
+    SteadyTimer m_goodbyeTimer{m_context};
+    SteadyTimer m_acceptTimer{m_context};
+    CFrameTimer m_frameTimer;
+    CLimitedLine m_frameLine{LOG_ERROR};
+    CLimitedLine m_fullLine{LOG_ERROR};
+    std::unique_ptr<const SHttpSite> m_pSite; ///< once it listens
+    std::string m_strAddress;
+    std::map<const CWebSocketClient*, SClient> m_clients;
+    size_t m_nConnections = 0;
+    size_t m_nTurnedAway = 0; ///< that aren't closed yet
+    unsigned long long m_nFrame = 0;
+    unsigned long long m_nToldSceneVersion = 0;
+    unsigned long long m_nToldNetworkVersion = 0;
+    unsigned long long m_nToldHeldVersion = 0;
+    std::chrono::steady_clock::time_point m_tToldNetwork;
+    bool m_bStopping = false;
+};
+
+CPageServer::CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files)
+    : m_session(session), m_fFps(options.fFps), m_files(files), m_terminal(session, std::cout),
+      m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }), m_nToldSceneVersion(session.SceneVersion()) {}
+
+std::string CPageServer::Listen(const asio::ip::tcp::endpoint& endpoint) {
+    error_code error;
+    OpenListener(m_acceptor, endpoint, error);
+    if (error) {
+        return error.message();
+    }
+    const auto bound = m_acceptor.local_endpoint();
+    m_strAddress = EndpointText(bound);
+    m_pSite = std::make_unique<const SHttpSite>(
+        SHttpSite{m_files, bound.address().to_string(), bound.port(), static_cast<IWebSocketListener&>(*this),
+                  [this](const auto& object, const auto& strText) { return TakeObjectText(object, strText); }});
+    return {};
+}
+
+void CPageServer::Run() {
+    std::cout << "iohost: page at http://" << m_strAddress << "/\n";
+    if (!m_acceptor.local_endpoint().address().is_loopback()) {
+        std::cout << "iohost: whoever reaches this address can drive the nodes\n";
+    }
+    std::cout.flush();
+    GuardedFrame(); // nodes take items once they have been evaluated
+    m_session.Peers().RunAlways();
+    if (const unsigned short nPort = ConfiguredBroadcastPort(); nPort != 0) {
+        m_session.Peers().KeepReceivingBroadcasts(nPort);
+    }
+    AwaitSignal();
+    Spawn(m_context, "the page's connections aren't taken any longer", [this] { return AcceptConnections(); });
+    m_frameTimer.Start();
+    RunLoop([this] { m_context.run(); });
+}
+
+Awaitable<void> CPageServer::AcceptConnections() {
+    for (;;) {
+        error_code error;
+        TcpSocket socket(m_context);
+        co_await m_acceptor.async_accept(socket, AwaitInto(error));
+        if (!m_acceptor.is_open()) {
+            co_return;
+        }
+        if (error) {
+            // The system is short of something: a pause leaves it the time to get over that.
+            m_acceptTimer.expires_after(ACCEPT_PAUSE);
+            co_await m_acceptTimer.async_wait(AwaitInto(error));
+        } else {
+            Take(std::move(socket));
+        }
+    }
+}
+
+void CPageServer::Take(TcpSocket socket) {
+    if (m_nConnections < MOST_CONNECTIONS) {
+        ++m_nConnections;
+        Spawn(m_context, "a connection of the page",
+              [this, socket = std::move(socket)]() mutable { return Serve(std::move(socket)); });
+        return;
+    }
+    m_fullLine.Write("a connection was turned away: " + FullText());
+    if (m_nTurnedAway < MOST_TURNED_AWAY) {
+        ++m_nTurnedAway;
+        Spawn(m_context, "a connection that is turned away",
+              [this, socket = std::move(socket)]() mutable { return TurnAway(std::move(socket)); });
+    }
+}
+
+Awaitable<void> CPageServer::Serve(TcpSocket socket) {
+    try {
+        co_await ServeHttpConnection(std::move(socket), *m_pSite);
+    } catch (...) {
+        WriteHostLine(LOG_ERROR, "a connection of the page failed: " + CaughtText());
+    }
+    --m_nConnections;
+}
+
+Awaitable<void> CPageServer::TurnAway(TcpSocket socket) {
+    try {
+        co_await TurnAwayHttpConnection(std::move(socket), FullText());
+    } catch (...) {
+        m_fullLine.Write("a connection couldn't be turned away: " + CaughtText());
+    }
+    --m_nTurnedAway;
+}
+
+void CPageServer::AwaitSignal() {
+    m_signals.async_wait([this](const error_code& error, int) {
+        if (!error) {
+            AwaitSignal();
+            Stop();
+        }
+    });
+}
+
+void CPageServer::Stop() {
+    if (m_bStopping || m_clients.empty()) {
+        m_context.stop();
+        return;
+    }
+    m_bStopping = true;
+    m_acceptor.close();
+    m_frameTimer.Stop();
+    for (const auto& [pKey, client] : m_clients) {
+        client.pClient->Close();
+    }
+    // Clients that don't say goodbye aren't waited for.
+    m_goodbyeTimer.expires_after(GOODBYE_TIME);
+    m_goodbyeTimer.async_wait([this](const error_code&) { m_context.stop(); });
+}
+
+void CPageServer::OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) {
+    CHeldInput& held = m_session.Held().Open();
+    m_clients.emplace(pClient.get(), SClient{pClient, held});
+    pClient->Send(Text({{"push", "hello"},
+                        {"version", IOHOST_VERSION},
+                        {"fps", m_fFps},
+                        {"address", m_strAddress},
+                        {"connection", held.Connection()}}));
+    pClient->Send(Text({{"push", "held"}, {"held", m_session.Held().State()}}));
+    // The next frame tells everybody all outputs; to those who know them already that changes nothing.
+    m_session.ForgetSent();
+}
+
+void CPageServer::OnClientText(CWebSocketClient& client, std::string_view text) {
+    SClient& known = m_clients.at(&client);
+    const KeySet keysBefore = m_session.Held().VirtualKeys();
+    OrderedJson reply;
+    try {
+        reply = m_session.Handle(ParseJson(text, "request"), &known.held);
+    } catch (const CRefusal& refusal) {
+        reply = ErrorReply(refusal.what());
+    }
+    client.Send(Text(reply));
+    TellHappened(HappenedIn(reply), &client);
+    TellSceneChange();
+    TellHeld();
+    ShowKeysToNodes(keysBefore);
+    if (m_session.HasQuit()) {
+        Stop();
+    }
+}
+
+void CPageServer::OnClientClosed(CWebSocketClient& client) {
+    CHeldInput& held = m_clients.at(&client).held;
+    const KeySet keysBefore = m_session.Held().VirtualKeys();
+    m_clients.erase(&client);
+    TellHappened(HappenedIn(m_session.CloseConnection(held, "its connection closed")), nullptr);
+    TellHeld();
+    ShowKeysToNodes(keysBefore);
+    if (m_bStopping && m_clients.empty()) {
+        m_context.stop();
+    }
+}
+
+OrderedJson CPageServer::TakeObjectText(const SObjectAddress& object, const std::string& strText) {
+    const OrderedJson reply = m_session.Handle(
+        {{"op", "event"},
+         {"device", static_cast<int>(DEVICE_OBJECT_TEXT)},
+         {"event", 0},
+         {"payload",
+          {{"is", "object_text"}, {"clip", object.strClip}, {"object", object.strObject}, {"text", strText}}}});
+    TellHappened(HappenedIn(reply), nullptr);
+    TellSceneChange();
+    return reply;
+}
+
+/// Nodes look at the keyboard when they are evaluated: a frame right after each change lets them miss none of those
+/// that come between two frames.
+void CPageServer::ShowKeysToNodes(const KeySet& keysBefore) {
+    if (m_session.Held().VirtualKeys() != keysBefore) {
+        GuardedFrame();
+    }
+}
+
+/// The next frame comes whatever becomes of this one.
+void CPageServer::GuardedFrame() {
+    DoGuarded(m_frameLine, "a frame failed", [this] { Frame(); });
+}
+
+void CPageServer::Frame() {
+    ++m_nFrame;
+    OrderedJson happened = m_session.TakeHappened();
+    AppendHappened(happened, m_session.Frame());
+    TellHappened(happened, nullptr);
+    const OrderedJson changed = m_session.ChangedOutputs();
+    if (!changed.empty()) {
+        SendToAll({{"push", "outputs"}, {"nodes", changed}});
+    }
+    const OrderedJson verdicts = m_session.NewJsonVerdicts();
+    if (!verdicts.empty()) {
+        SendToAll({{"push", "json"}, {"nodes", verdicts}});
+    }
+    const OrderedJson objects = m_session.ChangedObjects();
+    if (!objects.is_null()) {
+        SendToAll({{"push", "objects"}, {"objects", objects}});
+    }
+    TellNetwork();
+}
+
+/// A busy network changes with every item: a few times a second is enough to look at.
+void CPageServer::TellNetwork() {
+    const auto nVersion = m_session.Peers().StateVersion();
+    const auto tNow = std::chrono::steady_clock::now();
+    if (nVersion != m_nToldNetworkVersion && tNow - m_tToldNetwork >= NETWORK_PAUSE) {
+        m_nToldNetworkVersion = nVersion;
+        m_tToldNetwork = tNow;
+        OrderedJson push = {{"push", "network"}};
+        push.update(m_session.Peers().State());
+        SendToAll(push);
+    }
+}
+
+void CPageServer::TellHappened(const OrderedJson& happened, const CWebSocketClient* pButFor) {
+    if (happened.empty()) {
+        return;
+    }
+    m_terminal.Print(happened);
+    OrderedJson push = {{"push", "happened"}};
+    push.update(happened);
+    push["frame"] = m_nFrame;
+    SendToAll(push, pButFor);
+}
+
+void CPageServer::TellSceneChange() {
+    const auto nVersion = m_session.SceneVersion();
+    if (nVersion != m_nToldSceneVersion) {
+        m_nToldSceneVersion = nVersion;
+        SendToAll({{"push", "scene"}, {"version", nVersion}});
+    }
+}
+
+void CPageServer::TellHeld() {
+    CHeldInputs& held = m_session.Held();
+    if (held.Version() != m_nToldHeldVersion) {
+        m_nToldHeldVersion = held.Version();
+        SendToAll({{"push", "held"}, {"held", held.State()}, {"released", held.TakeReleasedByOthers()}});
+    }
+}
+
+void CPageServer::SendToAll(const OrderedJson& push, const CWebSocketClient* pButFor) {
+    if (m_clients.empty()) {
+        return;
+    }
+    const auto pText = Text(push);
+    for (const auto& [pKey, client] : m_clients) {
+        if (pKey != pButFor) {
+            client.pClient->Send(pText);
+        }
+    }
+}
+
+/// False, with a message on standard error, when the port can't be had.
+bool ListenForRecords(CSession& session, const SListenOptions& options) {
+    try {
+        session.Peers().Listen(
+            {.address = options.strControlAddress, .broadcast = {}, .control = options.nControlPort});
+    } catch (const CRefusal& refusal) {
+        std::cerr << "iohost: --control: " << refusal.what() << '\n';
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+int RunPageServer(CSession& session, const SListenOptions& options) {
+    constexpr int EXIT_REFUSED = 1;
+
+    error_code error;
+    const auto address = asio::ip::make_address(options.strAddress, error);
+    if (error) {
+        std::cerr << "iohost: --listen: " << Quoted(options.strAddress)
+                  << " isn't a numeric address, as 127.0.0.1 is\n";
+        return EXIT_REFUSED;
+    }
+    try {
+        const CHttpFiles files(options.webFolder);
+        if (files.Find("/") == nullptr) {
+            std::cerr << "iohost: --web: there is no page in " << options.webFolder << '\n';
+            return EXIT_REFUSED;
+        }
+        CPageServer server(session, options, files);
+        const asio::ip::tcp::endpoint endpoint(address, options.nPort);
+        const std::string strProblem = server.Listen(endpoint);
+        if (!strProblem.empty()) {
+            std::cerr << "iohost: can't listen on " << EndpointText(endpoint) << ": " << strProblem
+                      << "; --listen ADDR:PORT chooses another address or port\n";
+            return EXIT_REFUSED;
+        }
+        if (!options.strControlAddress.empty() && !ListenForRecords(session, options)) {
+            return EXIT_REFUSED;
+        }
+        server.Run();
+    } catch (const std::filesystem::filesystem_error& problem) {
+        std::cerr << "iohost: --web: the page's files can't be read: " << problem.what() << '\n';
+        return EXIT_REFUSED;
+    }
+    return 0;
+}

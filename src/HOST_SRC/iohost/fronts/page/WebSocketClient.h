@@ -1,0 +1,66 @@
+// One page (or script) on the WebSocket: reads its texts one after the other, keeps what it's to be sent in order.
+#pragma once
+
+#include "base/Network.h"
+
+#include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http/empty_body.hpp>
+#include <boost/beast/http/message.hpp>
+#include <boost/beast/websocket/stream.hpp>
+
+#include <chrono>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+
+class CWebSocketClient;
+
+/// Hears of the clients. All calls come from the server's one thread.
+class IWebSocketListener {
+public:
+    virtual ~IWebSocketListener() = default;
+
+    /// The client is there: Send works from now on.
+    virtual void OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) = 0;
+
+    /// The client sent a text.
+    virtual void OnClientText(CWebSocketClient& client, std::string_view text) = 0;
+
+    /// The client is gone, by itself or dropped. Follows every OnClientOpened once.
+    virtual void OnClientClosed(CWebSocketClient& client) = 0;
+};
+
+class CWebSocketClient : public std::enable_shared_from_this<CWebSocketClient> {
+public:
+    using UpgradeRequest = boost::beast::http::request<boost::beast::http::empty_body>;
+
+    CWebSocketClient(TcpStream stream, IWebSocketListener& listener);
+
+    /// Answers the upgrade and serves the client until it's gone.
+    Awaitable<void> Run(UpgradeRequest request);
+
+    /// Queues a text. Never waits: a client that doesn't take what it's sent is dropped when too much has gathered.
+    void Send(std::shared_ptr<const std::string> pText);
+
+    /// Says goodbye; what is queued goes out first.
+    void Close();
+
+private:
+    Awaitable<void> ReadTexts();
+    Awaitable<void> WriteQueue();
+    Awaitable<void> WatchSilence();
+    void Heard();
+    void Drop();
+
+    boost::beast::websocket::stream<TcpStream> m_socket;
+    IWebSocketListener& m_listener;
+    boost::beast::flat_buffer m_received;
+    std::deque<std::shared_ptr<const std::string>> m_queue;
+    size_t m_nQueuedBytes = 0;
+    bool m_bWriting = false;
+    bool m_bClosing = false;
+    bool m_bPinging = false;
+    SteadyTimer m_silenceTimer;
+    std::chrono::steady_clock::time_point m_tHeard;
+};

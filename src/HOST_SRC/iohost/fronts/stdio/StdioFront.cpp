@@ -1,0 +1,22 @@
+#include "fronts/stdio/StdioFront.h"
+
+#include <istream>
+#include <ostream>
+#include <string>
+
+#include "session/Session.h"
+
+void RunStdio(CSession& session, std::istream& input, std::ostream& output, std::size_t nLongestLine) {
+    std::string strLine;
+    while (output && !session.HasQuit()) {
+        const ELine nLine = ReadLine(input, strLine, nLongestLine);
+        if (nLine == ELine::None) {
+            break;
+        }
+        output << (nLine == ELine::Complete
+                       ? session.HandleText(strLine)
+                       : ReplyText(ErrorReply("request: longer than " + std::to_string(nLongestLine) + " bytes")))
+               << '\n'
+               << std::flush;
+    }
+}

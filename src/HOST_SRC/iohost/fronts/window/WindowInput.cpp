@@ -1,0 +1,274 @@
+#include "fronts/window/WindowInput.h"
+
+#include <utility>
+
+#include <windowsx.h>
+
+#include "HostSetup.h"
+#include "host/Codes.h"
+
+/// A mouse button: its messages, its events, its bit among those that are down.
+struct CWindowInput::SButton {
+    UINT nDownMessage;
+    UINT nUpMessage;
+    int nDownEvent;
+    int nUpEvent;
+    unsigned nBit;
+
+    static const SButton* Find(UINT nMessage);
+};
+
+namespace {
+
+constexpr DWORD HOVER_TIME = 400; // milliseconds of rest
+
+/// The keys that make no character, as browsers call them.
+struct SKeyName {
+    UINT nVirtualKey;
+    const char* pszName;
+};
+
+constexpr SKeyName KEY_NAMES[] = {
+    {VK_BACK, "Backspace"},
+    {VK_TAB, "Tab"},
+    {VK_CLEAR, "Clear"},
+    {VK_RETURN, "Enter"},
+    {VK_SHIFT, "Shift"},
+    {VK_CONTROL, "Control"},
+    {VK_MENU, "Alt"},
+    {VK_PAUSE, "Pause"},
+    {VK_CAPITAL, "CapsLock"},
+    {VK_ESCAPE, "Escape"},
+    {VK_PRIOR, "PageUp"},
+    {VK_NEXT, "PageDown"},
+    {VK_END, "End"},
+    {VK_HOME, "Home"},
+    {VK_LEFT, "ArrowLeft"},
+    {VK_UP, "ArrowUp"},
+    {VK_RIGHT, "ArrowRight"},
+    {VK_DOWN, "ArrowDown"},
+    {VK_SNAPSHOT, "PrintScreen"},
+    {VK_INSERT, "Insert"},
+    {VK_DELETE, "Delete"},
+    {VK_LWIN, "Meta"},
+    {VK_RWIN, "Meta"},
+    {VK_APPS, "ContextMenu"},
+    {VK_NUMLOCK, "NumLock"},
+    {VK_SCROLL, "ScrollLock"},
+};
+
+/// Where a key is on the keyboard: its scan code, with the bit that tells the extended keys.
+unsigned PlaceOfKey(LPARAM lParam) {
+    return static_cast<unsigned>(lParam >> 16) & 0x1FF;
+}
+
+/// The character that the key makes under the present layout and modifiers, or the key's name.
+std::string KeyText(UINT nVirtualKey, unsigned nPlace) {
+    for (const SKeyName& key : KEY_NAMES) {
+        if (key.nVirtualKey == nVirtualKey) {
+            return key.pszName;
+        }
+    }
+    if (nVirtualKey >= VK_F1 && nVirtualKey <= VK_F24) {
+        return "F" + std::to_string(nVirtualKey - VK_F1 + 1);
+    }
+    BYTE state[256];
+    GetKeyboardState(state);
+    if ((state[VK_MENU] & 0x80) == 0) {
+        state[VK_CONTROL] = 0; // Ctrl alone would make control characters
+    }
+    wchar_t szText[8];
+    const int nLength = ToUnicode(nVirtualKey, nPlace & 0xFF, state, szText, static_cast<int>(std::size(szText)), 0);
+    return nLength > 0 ? ToUtf8(szText, nLength) : nLength < 0 ? "Dead" : "Unidentified";
+}
+
+void TrackPointer(HWND hWnd) {
+    TRACKMOUSEEVENT tracking = {sizeof(tracking), TME_LEAVE | TME_HOVER, hWnd, HOVER_TIME};
+    TrackMouseEvent(&tracking);
+}
+
+} // namespace
+
+const CWindowInput::SButton* CWindowInput::SButton::Find(UINT nMessage) {
+    static constexpr SButton BUTTONS[] = {
+        {WM_LBUTTONDOWN, WM_LBUTTONUP, EVENT_LEFT_DOWN, EVENT_LEFT_UP, 1},
+        {WM_MBUTTONDOWN, WM_MBUTTONUP, EVENT_MIDDLE_DOWN, EVENT_MIDDLE_UP, 2},
+        {WM_RBUTTONDOWN, WM_RBUTTONUP, EVENT_RIGHT_DOWN, EVENT_RIGHT_UP, 4},
+    };
+    for (const SButton& button : BUTTONS) {
+        if (nMessage == button.nDownMessage || nMessage == button.nUpMessage) {
+            return &button;
+        }
+    }
+    return nullptr;
+}
+
+bool CWindowInput::OnMessage(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
+    const POINT ptPlace = {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
+    switch (nMessage) {
+    case WM_SYSKEYDOWN:
+        if (wParam == VK_F4) {
+            return false; // closes the window
+        }
+        [[fallthrough]];
+    case WM_KEYDOWN:
+        OnKeyDown(static_cast<UINT>(wParam), lParam);
+        return true;
+    case WM_KEYUP:
+    case WM_SYSKEYUP:
+        OnKeyUp(lParam);
+        return true;
+    case WM_KILLFOCUS:
+        OnFocusLost();
+        return true;
+    case WM_MOUSEMOVE:
+        OnPlace(hWnd, ptPlace);
+        return true;
+    case WM_MOUSEWHEEL:
+        OnWheel(hWnd, GET_WHEEL_DELTA_WPARAM(wParam), ptPlace);
+        return true;
+    case WM_MOUSEHOVER:
+        OnHover(hWnd);
+        return true;
+    case WM_MOUSELEAVE:
+        OnLeave(hWnd);
+        return true;
+    case WM_CAPTURECHANGED:
+        OnCaptureLost(hWnd);
+        return true;
+    default:
+        if (const SButton* pButton = SButton::Find(nMessage)) {
+            OnPlace(hWnd, ptPlace);
+            OnButton(hWnd, *pButton, nMessage == pButton->nDownMessage);
+            return true;
+        }
+        return false;
+    }
+}
+
+void CWindowInput::OnKeyDown(UINT nVirtualKey, LPARAM lParam) {
+    constexpr LPARAM WAS_DOWN = 1 << 30;
+    const unsigned nPlace = PlaceOfKey(lParam);
+    if ((lParam & WAS_DOWN) != 0 && !m_keys.contains(nPlace)) {
+        return; // it went down in another window
+    }
+    const std::string strText = KeyText(nVirtualKey, nPlace);
+    m_keys[nPlace] = strText;
+    SendKey(EVENT_KEY_DOWN, strText);
+}
+
+void CWindowInput::OnKeyUp(LPARAM lParam) {
+    // The up has the text of the down, though Shift may have been let go in between.
+    if (const auto key = m_keys.extract(PlaceOfKey(lParam))) {
+        SendKey(EVENT_KEY_UP, key.mapped());
+    }
+}
+
+void CWindowInput::OnFocusLost() {
+    if (!m_keys.empty()) {
+        m_keys.clear();
+        Release(DEVICE_KEYBOARD, "the window lost the focus");
+    }
+}
+
+void CWindowInput::OnPlace(HWND hWnd, POINT ptPlace) {
+    const bool bEnters = !m_bInside;
+    if (!bEnters && ptPlace.x == m_ptPlace.x && ptPlace.y == m_ptPlace.y) {
+        return; // the system repeats itself when something but the pointer moves
+    }
+    m_bInside = true;
+    m_ptPlace = ptPlace;
+    TrackPointer(hWnd);
+    if (bEnters) {
+        SendPointer(hWnd, EVENT_ENTER_WINDOW);
+    }
+    SendPointer(hWnd, EVENT_POINTER_SAMPLE);
+}
+
+void CWindowInput::OnButton(HWND hWnd, const SButton& button, bool bDown) {
+    if (bDown) {
+        m_nButtons |= button.nBit;
+        SetFocus(hWnd);
+        SetCapture(hWnd); // a drag that ends outside still brings its release here
+        SendPointer(hWnd, button.nDownEvent);
+    } else if ((m_nButtons & button.nBit) != 0) { // it went down here
+        m_nButtons &= ~button.nBit;
+        SendPointer(hWnd, button.nUpEvent);
+        if (m_nButtons == 0) {
+            ReleaseCapture();
+            OnDragEnded(hWnd);
+        }
+    }
+}
+
+void CWindowInput::OnWheel(HWND hWnd, int nDelta, POINT ptScreen) {
+    ScreenToClient(hWnd, &ptScreen);
+    OnPlace(hWnd, ptScreen);
+    for (m_nWheel += nDelta; m_nWheel >= WHEEL_DELTA; m_nWheel -= WHEEL_DELTA) {
+        SendPointer(hWnd, EVENT_WHEEL_UP);
+    }
+    for (; m_nWheel <= -WHEEL_DELTA; m_nWheel += WHEEL_DELTA) {
+        SendPointer(hWnd, EVENT_WHEEL_DOWN);
+    }
+}
+
+/// Comes once a rest: it's waited for again after the next movement.
+void CWindowInput::OnHover(HWND hWnd) {
+    if (m_bInside) {
+        SendPointer(hWnd, EVENT_HOVER);
+    }
+}
+
+/// While a button is down the pointer stays the window's, wherever it goes.
+void CWindowInput::OnLeave(HWND hWnd) {
+    if (m_nButtons == 0 && std::exchange(m_bInside, false)) {
+        SendPointer(hWnd, EVENT_LEAVE_WINDOW);
+    }
+}
+
+void CWindowInput::OnCaptureLost(HWND hWnd) {
+    if (std::exchange(m_nButtons, 0) != 0) {
+        Release(DEVICE_POINTER, "the pointer was taken away");
+        OnDragEnded(hWnd);
+    }
+}
+
+/// The system has told, or will not tell, that the pointer left during the drag.
+void CWindowInput::OnDragEnded(HWND hWnd) {
+    RECT area = {};
+    GetClientRect(hWnd, &area);
+    if (PtInRect(&area, m_ptPlace)) {
+        TrackPointer(hWnd);
+    } else {
+        OnLeave(hWnd);
+    }
+}
+
+void CWindowInput::SendKey(int nEvent, const std::string& strText) {
+    m_arRequest.push_back({{"op", "event"},
+                           {"device", static_cast<int>(DEVICE_KEYBOARD)},
+                           {"event", nEvent},
+                           {"payload", {{"is", "key"}, {"text", strText}}}});
+}
+
+void CWindowInput::SendPointer(HWND hWnd, int nEvent) {
+    // Relative units: the surface is 1000 high, its origin bottom left.
+    RECT area = {};
+    GetClientRect(hWnd, &area);
+    const double fScale = area.bottom > 0 ? 1000.0 / area.bottom : 0;
+    m_arRequest.push_back({{"op", "event"},
+                           {"device", static_cast<int>(DEVICE_POINTER)},
+                           {"event", nEvent},
+                           {"payload",
+                            {{"is", "pointer"},
+                             {"rx", m_ptPlace.x * fScale},
+                             {"ry", (area.bottom - m_ptPlace.y) * fScale},
+                             {"x", m_ptPlace.x},
+                             {"y", m_ptPlace.y},
+                             {"pointer", 0},
+                             {"relative", 0}}}});
+}
+
+void CWindowInput::Release(int nDevice, const char* pszReason) {
+    m_arRequest.push_back({{"op", "release_held"}, {"device", nDevice}, {"reason", pszReason}});
+}

@@ -1,0 +1,49 @@
+// Turns the messages of a window into requests of the session protocol, as the page does with a browser's events.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include <afxwin.h>
+
+#include "protocol/Fields.h"
+
+class CWindowInput {
+public:
+    /// Whether the message is input; its result is 0 then. Requests gather until they are taken: the system may deliver
+    /// messages in the middle of one.
+    bool OnMessage(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
+
+    std::vector<Json> TakeRequests() { return std::exchange(m_arRequest, {}); }
+
+    /// Where the pointer is, and whether it's over the window and whether a button is down.
+    POINT Place() const { return m_ptPlace; }
+    bool IsInside() const { return m_bInside; }
+    bool IsPressed() const { return m_nButtons != 0; }
+
+private:
+    struct SButton;
+
+    void OnKeyDown(UINT nVirtualKey, LPARAM lParam);
+    void OnKeyUp(LPARAM lParam);
+    void OnFocusLost();
+    void OnPlace(HWND hWnd, POINT ptPlace);
+    void OnButton(HWND hWnd, const SButton& button, bool bDown);
+    void OnWheel(HWND hWnd, int nDelta, POINT ptScreen);
+    void OnHover(HWND hWnd);
+    void OnLeave(HWND hWnd);
+    void OnCaptureLost(HWND hWnd);
+    void OnDragEnded(HWND hWnd);
+
+    void SendKey(int nEvent, const std::string& strText);
+    void SendPointer(HWND hWnd, int nEvent);
+    void Release(int nDevice, const char* pszReason);
+
+    std::vector<Json> m_arRequest;
+    std::map<unsigned, std::string> m_keys; ///< what is down, by place on the keyboard, with the text of its down
+    POINT m_ptPlace = {};
+    bool m_bInside = false;
+    unsigned m_nButtons = 0; ///< a bit for each that is down
+    int m_nWheel = 0;        ///< turned since the last whole notch
+};

@@ -1,0 +1,58 @@
+// Receives the broadcasts of other hosts. Each datagram is one message; a broken one is counted and the next one read.
+#pragma once
+
+#include "network/PeerLoop.h"
+
+#include <boost/asio/basic_datagram_socket.hpp>
+#include <boost/asio/ip/udp.hpp>
+
+#include <array>
+#include <memory>
+
+#include "base/LimitedLine.h"
+
+using UdpSocket = boost::asio::basic_datagram_socket<boost::asio::ip::udp, Executor>;
+
+class CBroadcastReceiver : public std::enable_shared_from_this<CBroadcastReceiver> {
+public:
+    /// The host must outlive the io_context's handlers.
+    CBroadcastReceiver(boost::asio::io_context& context, const boost::asio::ip::udp::endpoint& endpoint,
+                       IPeerHost& host);
+
+    /// Open the port; the reason when it can't be had, else nothing. Once it is open, one that was started receives.
+    std::string Open();
+    bool IsOpen() const { return m_socket.is_open(); }
+
+    /// Give the port back, to be opened again or stopped before the loop runs on.
+    void CloseSocket();
+
+    /// Receive; a port that can't be had is tried again and again, and so is one that fails.
+    void Start();
+    void Stop();
+
+    const boost::asio::ip::udp::endpoint& Endpoint() const { return m_endpoint; }
+    unsigned short Port() const { return m_nPort; }
+    OrderedJson State() const;
+
+private:
+    Awaitable<void> Run();
+    Awaitable<void> Receive();
+    void ShowProblem(const std::string& strProblem);
+    void CountError(const std::string& strError);
+    void Take(std::span<const unsigned char> datagram);
+
+    boost::asio::io_context& m_context;
+    const boost::asio::ip::udp::endpoint m_endpoint;
+    unsigned short m_nPort; ///< the one that was had, where the endpoint says any
+    IPeerHost& m_host;
+    UdpSocket m_socket;
+    SteadyTimer m_timer;
+    bool m_bStopped = false;
+    std::string m_strProblem; ///< why nothing is received now
+    unsigned long long m_nErrors = 0;
+    std::string m_strLastError;
+    CLimitedLine m_errorLine{LOG_ERROR};
+    SItemCounts m_counts;
+    CLastBytes m_lastReceived;
+    std::array<unsigned char, 65536> m_datagram; ///< no datagram is longer
+};

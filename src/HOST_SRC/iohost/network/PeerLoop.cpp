@@ -1,0 +1,76 @@
+#include "network/PeerLoop.h"
+
+#include <boost/asio/post.hpp>
+
+#include <algorithm>
+
+#include "protocol/RecordJson.h"
+
+namespace {
+
+constexpr size_t MOST_KEPT = 256;
+
+/// How long items are handled before the loop sees to something else; much shorter than a frame.
+constexpr std::chrono::milliseconds LONGEST_TURN{2};
+
+} // namespace
+
+CReadGate::CReadGate(boost::asio::io_context& context)
+    : m_context(context), m_timer(context, SteadyTimer::time_point::max()) {}
+
+void CReadGate::Open() {
+    m_bOpen = true;
+    Wake();
+}
+
+void CReadGate::OpenInTurns() {
+    m_bInTurns = true;
+    Open();
+}
+
+/// A turn begins with its first item. It ends when the loop has come to all that waited then.
+bool CReadGate::MayPass() {
+    if (!m_bOpen || !m_bInTurns) {
+        return m_bOpen;
+    }
+    const auto tNow = std::chrono::steady_clock::now();
+    if (!m_tTurnEnd) {
+        m_tTurnEnd = tNow + LONGEST_TURN;
+        boost::asio::post(m_context, [this] { m_tTurnEnd.reset(); });
+    }
+    return tNow < *m_tTurnEnd;
+}
+
+Awaitable<void> CReadGate::AwaitChance() {
+    if (m_bOpen) {
+        co_await boost::asio::post(m_context, boost::asio::use_awaitable_t<Executor>());
+    } else {
+        boost::system::error_code ignored;
+        co_await m_timer.async_wait(AwaitInto(ignored));
+    }
+}
+
+void CLastBytes::Set(std::span<const unsigned char> bytes) {
+    const auto kept = bytes.first(std::min(bytes.size(), MOST_KEPT));
+    m_bytes.assign(kept.begin(), kept.end());
+    m_nSize = bytes.size();
+    m_bSet = true;
+}
+
+OrderedJson CLastBytes::ToJson() const {
+    if (!m_bSet) {
+        return nullptr;
+    }
+    return {{"size", m_nSize}, {"text", DottedText(m_bytes)}, {"hex", HexText(m_bytes)}};
+}
+
+void SItemCounts::AddTo(OrderedJson& state) const {
+    state["received"] = nReceived;
+    state["matched"] = nMatched;
+    state["rejected"] = nRejected;
+    state["last_rejected"] = TextOrNull(strLastRejected);
+}
+
+OrderedJson TextOrNull(const std::string& strText) {
+    return strText.empty() ? OrderedJson() : OrderedJson(strText);
+}

@@ -1,0 +1,63 @@
+// Texts that a device sends one a line: UTF-8, each line ended by a line feed, with or without a carriage return before
+// it.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+
+#include "SocketTransport.h"
+#include "protocol/Fields.h"
+
+/// Longest line in bytes, without its end.
+inline constexpr size_t LONGEST_TEXT_LINE = size_t{1} << 20;
+
+/// Why a line isn't taken. The next one is read all the same.
+enum class ELineRefusal { Empty, TooLong, NotUtf8, CutOff };
+inline constexpr size_t LINE_REFUSAL_COUNT = 4;
+
+/// The name of a refusal, for people and counters.
+const char* LineRefusalName(ELineRefusal nRefusal);
+
+/// Takes the texts.
+class ITextReceiver {
+public:
+    virtual void OnText(const CString& strText) = 0;
+
+protected:
+    ~ITextReceiver() = default;
+};
+
+/// Puts a connection's bytes, split anywhere, back into lines. Holds no more than one line.
+class CTextLines final : public IReceivedBytes {
+public:
+    /// The receiver must outlive this object.
+    explicit CTextLines(ITextReceiver& receiver) : m_receiver(receiver) {}
+
+    void OnConnectionBegins() override;
+    void OnBytes(std::span<const unsigned char> bytes) override;
+
+    /// The connection ended; a line without an end counts as cut off.
+    void OnConnectionEnds();
+
+    unsigned long long RefusedCount(ELineRefusal nRefusal) const { return m_nRefused[static_cast<size_t>(nRefusal)]; }
+
+    /// All refused lines, and why the last one was.
+    unsigned long long RefusedCount() const;
+    std::optional<ELineRefusal> LastRefusal() const { return m_lastRefusal; }
+
+    /// {"empty","too long","not UTF-8","cut off"}: how many of each.
+    OrderedJson RefusedByName() const;
+
+private:
+    void Append(std::span<const unsigned char> bytes);
+    void Deliver();
+    void BeginLine();
+    void Refuse(ELineRefusal nRefusal);
+
+    ITextReceiver& m_receiver;
+    std::string m_strLine;   ///< the current line, as far as it came
+    bool m_bTooLong = false; ///< the current line is passed over
+    std::array<unsigned long long, LINE_REFUSAL_COUNT> m_nRefused = {};
+    std::optional<ELineRefusal> m_lastRefusal;
+};

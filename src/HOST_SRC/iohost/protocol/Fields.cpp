@@ -1,0 +1,175 @@
+#include "protocol/Fields.h"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr size_t QUOTED_BYTES = 64;
+constexpr int DEEPEST = 64;
+
+[[noreturn]] void RefuseKind(std::string_view field, std::string_view kind) {
+    Refuse(field, "must be " + std::string(kind));
+}
+
+template <typename T>
+T ReadWhole(const Json& value, std::string_view field) {
+    if (!value.is_number_integer()) {
+        RefuseKind(field, "an integer");
+    }
+    // Positive numbers may need all 64 bits without a sign; no 32-bit range reaches that far.
+    constexpr auto LARGEST = std::numeric_limits<long long>::max();
+    const bool bHuge = value.is_number_unsigned() && value.get<unsigned long long>() > LARGEST;
+    const long long nValue = bHuge ? LARGEST : value.get<long long>();
+    if (nValue < static_cast<long long>(std::numeric_limits<T>::min()) ||
+        nValue > static_cast<long long>(std::numeric_limits<T>::max())) {
+        Refuse(field,
+               std::is_signed_v<T> ? "is outside the signed 32-bit range" : "is outside the unsigned 32-bit range");
+    }
+    return static_cast<T>(nValue);
+}
+
+} // namespace
+
+void Refuse(std::string_view field, std::string_view problem) {
+    throw CRefusal(std::string(field) + ": " + std::string(problem));
+}
+
+std::string Quoted(std::string_view text) {
+    if (text.size() <= QUOTED_BYTES) {
+        return '"' + std::string(text) + '"';
+    }
+    size_t nCut = QUOTED_BYTES;
+    while (nCut > 0 && (static_cast<unsigned char>(text[nCut]) & 0xC0) == 0x80) {
+        --nCut; // not within a character
+    }
+    return '"' + std::string(text.substr(0, nCut)) + "...\"";
+}
+
+Json ParseJson(std::string_view text, const std::string& strWhat) {
+    const auto checkDepth = [&](int nDepth, Json::parse_event_t nEvent, Json& /*value*/) {
+        const bool bStart = nEvent == Json::parse_event_t::object_start || nEvent == Json::parse_event_t::array_start;
+        if (bStart && nDepth >= DEEPEST) {
+            throw CRefusal(strWhat + ": nested deeper than " + std::to_string(DEEPEST) + " levels");
+        }
+        return true;
+    };
+    try {
+        return Json::parse(text, checkDepth);
+    } catch (const Json::parse_error& error) {
+        throw CRefusal(strWhat + ": not JSON, from byte " + std::to_string(error.byte) + " on");
+    } catch (const Json::exception&) {
+        throw CRefusal(strWhat + ": not JSON, a number is out of range");
+    }
+}
+
+int ReadInt(const Json& value, std::string_view field) {
+    return ReadWhole<int>(value, field);
+}
+
+unsigned ReadUnsigned(const Json& value, std::string_view field) {
+    return ReadWhole<unsigned>(value, field);
+}
+
+float ReadFloat(const Json& value, std::string_view field) {
+    if (!value.is_number()) {
+        RefuseKind(field, "a number");
+    }
+    const double fValue = value.get<double>();
+    if (std::abs(fValue) > static_cast<double>(std::numeric_limits<float>::max())) {
+        Refuse(field, "is outside the range of a 32-bit float");
+    }
+    return static_cast<float>(fValue);
+}
+
+bool ReadBool(const Json& value, std::string_view field) {
+    if (!value.is_boolean()) {
+        RefuseKind(field, "true or false");
+    }
+    return value.get<bool>();
+}
+
+const std::string& ReadText(const Json& value, std::string_view field) {
+    if (!value.is_string()) {
+        RefuseKind(field, "a string");
+    }
+    return value.get_ref<const std::string&>();
+}
+
+unsigned ReadIdKey(std::string_view key, std::string_view field) {
+    unsigned nId = 0;
+    const auto [pEnd, error] = std::from_chars(key.data(), key.data() + key.size(), nId);
+    if (error != std::errc() || pEnd != key.data() + key.size()) {
+        Refuse(field, "the key " + Quoted(key) + " isn't a parameter id");
+    }
+    return nId;
+}
+
+CFields::CFields(const Json& object, std::string strPath) : m_object(object), m_strPath(std::move(strPath)) {
+    if (!m_object.is_object()) {
+        // The path of a nested object ends with a dot.
+        Refuse(m_strPath.empty() ? "request" : std::string_view(m_strPath).substr(0, m_strPath.size() - 1),
+               "must be an object");
+    }
+}
+
+const Json* CFields::Find(const char* pszName) const {
+    const auto field = m_object.find(pszName);
+    return field != m_object.end() ? &*field : nullptr;
+}
+
+const Json& CFields::Required(const char* pszName) const {
+    const Json* pValue = Find(pszName);
+    if (pValue == nullptr) {
+        Refuse(Path(pszName), "is missing");
+    }
+    return *pValue;
+}
+
+const std::string& CFields::Text(const char* pszName) const {
+    return ReadText(Required(pszName), Path(pszName));
+}
+
+std::optional<std::string> CFields::TextOrNull(const char* pszName) const {
+    const Json& value = Required(pszName);
+    if (value.is_null()) {
+        return std::nullopt;
+    }
+    if (!value.is_string()) {
+        RefuseKind(Path(pszName), "a string or null");
+    }
+    return value.get<std::string>();
+}
+
+int CFields::Int(const char* pszName) const {
+    return ReadInt(Required(pszName), Path(pszName));
+}
+
+unsigned CFields::Unsigned(const char* pszName) const {
+    return ReadUnsigned(Required(pszName), Path(pszName));
+}
+
+float CFields::Float(const char* pszName) const {
+    return ReadFloat(Required(pszName), Path(pszName));
+}
+
+bool CFields::Bool(const char* pszName) const {
+    return ReadBool(Required(pszName), Path(pszName));
+}
+
+const Json& CFields::Array(const char* pszName) const {
+    const Json& value = Required(pszName);
+    if (!value.is_array()) {
+        RefuseKind(Path(pszName), "a list");
+    }
+    return value;
+}
+
+bool CFields::Bool(const char* pszName, bool bDefault) const {
+    return Has(pszName) ? Bool(pszName) : bDefault;
+}
+
+const Json* CFields::OptionalArray(const char* pszName) const {
+    return Has(pszName) ? &Array(pszName) : nullptr;
+}

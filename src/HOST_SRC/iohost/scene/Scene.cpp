@@ -1,0 +1,139 @@
+#include "scene/Scene.h"
+
+#include <algorithm>
+
+namespace {
+
+template <typename Key>
+SNode* Lookup(const std::unordered_map<Key, SNode*>& nodes, const Key& key) {
+    const auto node = nodes.find(key);
+    return node != nodes.end() ? node->second : nullptr;
+}
+
+void CopyValue(const VEKParam& from, VEKParam& to) {
+    to.m_nValue = from.m_nValue;
+    to.m_fValue = from.m_fValue;
+    to.m_strValue = from.m_strValue;
+}
+
+std::optional<int> PinType(const VEKParamGroupList& lstGroup, const PinTypes& own, unsigned nId) {
+    if (const VEKParam* pParam = FindParam(lstGroup, MakeParamGuid(nId))) {
+        return pParam->m_nType;
+    }
+    const auto pin = own.find(nId);
+    return pin != own.end() ? std::optional(pin->second) : std::nullopt;
+}
+
+} // namespace
+
+std::optional<int> SNode::InputType(unsigned nInput) const {
+    return PinType(pGraphNode->m_lstInputGroup, ownInputs, nInput);
+}
+
+std::optional<int> SNode::OutputType(unsigned nOutput) const {
+    return PinType(pGraphNode->m_lstOutputGroup, ownOutputs, nOutput);
+}
+
+SNode& CScene::Add(SNode node) {
+    node.nOrder = m_nNextOrder++;
+    SNode& added = m_nodes.emplace(node.nOrder, std::move(node)).first->second;
+    m_byHandle[added.strHandle] = &added;
+    m_byNode[added.pNode] = &added;
+    m_byGraphNode[added.pGraphNode.get()] = &added;
+    return added;
+}
+
+void CScene::Remove(SNode& node) {
+    for (const SLink& link : node.arOutgoing) {
+        std::erase(link.pTo->arIncoming, link);
+    }
+    for (const SLink& link : node.arIncoming) {
+        std::erase(link.pFrom->arOutgoing, link);
+    }
+    m_byHandle.erase(node.strHandle);
+    m_byNode.erase(node.pNode);
+    m_byGraphNode.erase(node.pGraphNode.get());
+    m_nodes.erase(node.nOrder);
+}
+
+SNode* CScene::Find(const std::string& strHandle) {
+    return Lookup(m_byHandle, strHandle);
+}
+
+SNode* CScene::Find(const VEKProperty* pNode) {
+    return Lookup(m_byNode, pNode);
+}
+
+SNode* CScene::Find(const SGraphNode* pGraphNode) {
+    return Lookup(m_byGraphNode, pGraphNode);
+}
+
+VEKClip* CScene::FindClip(const CString& strName) {
+    const auto clip = std::ranges::find(m_clips, strName, &VEKClip::m_strName);
+    return clip != m_clips.end() ? &*clip : nullptr;
+}
+
+const VEKClip* CScene::FindClip(const void* pClip) const {
+    const auto clip = std::ranges::find_if(m_clips, [pClip](const VEKClip& other) { return &other == pClip; });
+    return clip != m_clips.end() ? &*clip : nullptr;
+}
+
+VEKClip& CScene::Clip(const CString& strName) {
+    VEKClip* pClip = FindClip(strName);
+    return pClip != nullptr ? *pClip : m_clips.emplace_back(strName);
+}
+
+void CScene::Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput) {
+    const SLink link{&from, nOutput, &to, nInput, from.OutputType(nOutput) == PARAM_EVENT.m_nType};
+    if (std::ranges::find(from.arOutgoing, link) == from.arOutgoing.end()) {
+        from.arOutgoing.push_back(link);
+        to.arIncoming.push_back(link);
+    }
+}
+
+void CScene::Fire(const VEKProperty* pNode, unsigned nOutput) {
+    const SNode* pFrom = Find(pNode);
+    if (pFrom == nullptr) {
+        return;
+    }
+    for (const SLink& link : pFrom->arOutgoing) {
+        if (link.bEvent && link.nOutput == nOutput) {
+            link.pTo->setTriggered.insert(link.nInput);
+        }
+    }
+}
+
+void CScene::Swap(CScene& other) {
+    m_clips.swap(other.m_clips);
+    m_nodes.swap(other.m_nodes);
+    m_byHandle.swap(other.m_byHandle);
+    m_byNode.swap(other.m_byNode);
+    m_byGraphNode.swap(other.m_byGraphNode);
+    std::swap(m_nNextOrder, other.m_nNextOrder);
+}
+
+CEvaluationInputs::CEvaluationInputs(SNode& node) : m_node(node) {
+    const VEKParamGroupList& lstInput = node.pGraphNode->m_lstInputGroup;
+    for (const SLink& link : node.arIncoming) {
+        const VEKParam* pOutput = FindParam(link.pFrom->pGraphNode->m_lstOutputGroup, MakeParamGuid(link.nOutput));
+        VEKParam* pInput = FindParam(lstInput, MakeParamGuid(link.nInput));
+        if (!link.bEvent && pOutput != nullptr && pInput != nullptr) {
+            CopyValue(*pOutput, *pInput);
+        }
+    }
+    for (const unsigned nInput : node.setTriggered) {
+        if (VEKParam* pInput = FindParam(lstInput, MakeParamGuid(nInput))) {
+            m_arRestored.emplace_back(nInput, pInput->m_nValue);
+            pInput->m_nValue = 1;
+        }
+    }
+    node.setTriggered.clear();
+}
+
+CEvaluationInputs::~CEvaluationInputs() {
+    for (const auto& [nInput, nValue] : m_arRestored) {
+        if (VEKParam* pInput = FindParam(m_node.pGraphNode->m_lstInputGroup, MakeParamGuid(nInput))) {
+            pInput->m_nValue = nValue;
+        }
+    }
+}

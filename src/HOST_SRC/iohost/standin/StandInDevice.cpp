@@ -1,0 +1,271 @@
+#include "standin/StandInDevice.h"
+
+#include "base/Listener.h"
+
+#include <boost/asio/signal_set.hpp>
+#include <boost/asio/write.hpp>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <deque>
+#include <iostream>
+#include <memory>
+#include <vector>
+
+#include "LogSink.h"
+#include "PlayControlParser.h"
+#include "base/Caught.h"
+#include "base/TextUtf8.h"
+#include "network/PeerLoop.h"
+#include "protocol/RecordJson.h"
+
+namespace asio = boost::asio;
+using boost::system::error_code;
+using std::chrono::steady_clock;
+
+namespace {
+
+/// What a sender that doesn't read may leave unanswered; more isn't answered at all.
+constexpr size_t MOST_ANSWER_BYTES = size_t{4} << 20;
+
+/// Connections that are kept without being read from. It can't be seen when their senders are gone.
+constexpr size_t MOST_STALLED = 64;
+
+/// Prints one object a line; a closed output ends the program.
+class CLines {
+public:
+    CLines(asio::io_context& context, std::ostream& output) : m_context(context), m_output(output) {}
+
+    void Print(const OrderedJson& line) {
+        m_output << line.dump(-1, ' ', false, OrderedJson::error_handler_t::replace) << '\n' << std::flush;
+        if (!m_output) {
+            m_context.stop();
+        }
+    }
+
+private:
+    asio::io_context& m_context;
+    std::ostream& m_output;
+};
+
+/// What the program has to say about itself, such as a connection that failed, beside what it prints.
+class CErrorLines final : ILogSink {
+public:
+    CErrorLines() { SetLogSink(this); }
+    ~CErrorLines() { SetLogSink(nullptr); }
+
+    CErrorLines(const CErrorLines&) = delete;
+    CErrorLines& operator=(const CErrorLines&) = delete;
+
+private:
+    void OnLogLine(const SLogLine& line) override { std::cerr << "iohost: " << Utf8(line.strText) << std::endl; }
+};
+
+/// One sender.
+class CStandInConnection final : public std::enable_shared_from_this<CStandInConnection>, private IRecordReceiver {
+public:
+    CStandInConnection(TcpSocket socket, int nNumber, const SStandInOptions& options, CLines& lines)
+        : m_socket(std::move(socket)), m_answerTimer(m_socket.get_executor()), m_nNumber(nNumber), m_options(options),
+          m_lines(lines) {}
+    ~CStandInConnection() = default;
+
+    Awaitable<void> Run() {
+        error_code error;
+        const auto sender = m_socket.remote_endpoint(error);
+        m_lines.Print(
+            {{"connection", m_nNumber}, {"opened", error ? OrderedJson() : OrderedJson(EndpointText(sender))}});
+        std::string strReason = "refused";
+        if (m_options.bStall) {
+            co_return; // the connection stays open with the program; nobody reads from it
+        }
+        if (!m_options.bRefuse) {
+            Say();
+            strReason = co_await Read();
+        }
+        m_socket.close(error);
+        m_answers.clear();
+        m_answerTimer.cancel();
+        m_parser.Finish();
+        PrintRejected();
+        m_lines.Print({{"connection", m_nNumber}, {"closed", strReason}});
+    }
+
+private:
+    struct SAnswer {
+        steady_clock::time_point tDue;
+        std::vector<std::byte> bytes;
+    };
+
+    void Say() {
+        if (!m_options.strSay.empty()) {
+            const std::string strLine = m_options.strSay + "\n";
+            Send(std::as_bytes(std::span(strLine)), steady_clock::now());
+        }
+    }
+
+    /// Read until the connection ends; returns why it did.
+    Awaitable<std::string> Read() {
+        std::uint64_t nRead = 0;
+        for (;;) {
+            error_code error;
+            const std::uint64_t nMost = m_options.dropAfter ? *m_options.dropAfter - nRead : m_received.size();
+            const size_t nBytes = co_await m_socket.async_read_some(
+                asio::buffer(m_received, static_cast<size_t>(nMost)), AwaitInto(error));
+            if (error == asio::error::eof) {
+                co_return "by the sender";
+            }
+            if (error) {
+                co_return error.message();
+            }
+            if (!Take({m_received.data(), nBytes})) {
+                co_return "out of step";
+            }
+            nRead += nBytes;
+            if (m_options.dropAfter && nRead >= *m_options.dropAfter) {
+                co_return "dropped after " + std::to_string(nRead) + " bytes";
+            }
+        }
+    }
+
+    bool Take(std::span<const unsigned char> bytes) {
+        if (m_options.bFramed) {
+            const bool bInStep = m_parser.Receive(bytes.data(), static_cast<int>(bytes.size()));
+            PrintRejected();
+            return bInStep;
+        }
+        m_lines.Print(
+            {{"connection", m_nNumber}, {"size", bytes.size()}, {"text", DottedText(bytes)}, {"hex", HexText(bytes)}});
+        Answer(bytes);
+        return true;
+    }
+
+    void OnRecord(const CString& strClip, CQORPanelRemoteCtrlData& record) override {
+        m_lines.Print({{"connection", m_nNumber},
+                       {"command", COMMAND_REMOTE_CONTROL},
+                       {"clip", Utf8(strClip)},
+                       {"record", RecordToJson(record)}});
+        const std::string clip = Utf8(strClip);
+        const std::string body = Utf8(record.GetXmlDoc());
+        Answer(m_frameWriter.Write({COMMAND_REMOTE_CONTROL, clip, body}));
+    }
+
+    void PrintRejected() {
+        const unsigned long long nRejected = m_parser.Reader().RefusedCount();
+        if (nRejected != m_nRejected) {
+            m_nRejected = nRejected;
+            m_lines.Print({{"connection", m_nNumber},
+                           {"rejected", nRejected},
+                           {"last_rejected", FrameRefusalName(*m_parser.Reader().LastRefusal())}});
+        }
+    }
+
+    void Answer(std::span<const unsigned char> bytes) {
+        if (m_options.delay) {
+            Send(std::as_bytes(bytes), steady_clock::now() + std::chrono::milliseconds(*m_options.delay));
+        }
+    }
+
+    void Send(std::span<const std::byte> bytes, steady_clock::time_point tDue) {
+        if (m_nAnswerBytes + bytes.size() > MOST_ANSWER_BYTES) {
+            return;
+        }
+        m_answers.push_back({tDue, {bytes.begin(), bytes.end()}});
+        m_nAnswerBytes += bytes.size();
+        if (!m_bAnswering) {
+            m_bAnswering = true;
+            Spawn(m_socket.get_executor(), "a connection isn't answered any longer",
+                  [pSelf = shared_from_this()] { return pSelf->WriteAnswers(); });
+        }
+    }
+
+    Awaitable<void> WriteAnswers() {
+        while (!m_answers.empty()) {
+            error_code error;
+            m_answerTimer.expires_at(m_answers.front().tDue);
+            co_await m_answerTimer.async_wait(AwaitInto(error));
+            if (m_answers.empty()) {
+                break; // the connection ended
+            }
+            const SAnswer answer = std::move(m_answers.front());
+            m_answers.pop_front();
+            co_await asio::async_write(m_socket, asio::buffer(answer.bytes), AwaitInto(error));
+            m_nAnswerBytes -= answer.bytes.size();
+        }
+        m_bAnswering = false;
+    }
+
+    TcpSocket m_socket;
+    SteadyTimer m_answerTimer;
+    const int m_nNumber;
+    const SStandInOptions& m_options;
+    CLines& m_lines;
+    CQORPlayCtlParser m_parser{*this};
+    CFrameWriter m_frameWriter;
+    unsigned long long m_nRejected = 0; ///< as printed so far
+    std::deque<SAnswer> m_answers;
+    size_t m_nAnswerBytes = 0;
+    bool m_bAnswering = false;
+    std::array<unsigned char, 65536> m_received;
+};
+
+Awaitable<void> AcceptConnections(TcpAcceptor& acceptor, const SStandInOptions& options, CLines& lines,
+                                  std::deque<std::shared_ptr<CStandInConnection>>& stalled) {
+    constexpr std::chrono::milliseconds PAUSE{100};
+
+    SteadyTimer timer(acceptor.get_executor());
+    for (int nNumber = 1;;) {
+        error_code error;
+        TcpSocket socket(acceptor.get_executor());
+        co_await acceptor.async_accept(socket, AwaitInto(error));
+        if (error) {
+            lines.Print({{"problem", error.message()}});
+            timer.expires_after(PAUSE);
+            co_await timer.async_wait(AwaitInto(error));
+            continue;
+        }
+        const auto pConnection = std::make_shared<CStandInConnection>(std::move(socket), nNumber++, options, lines);
+        if (options.bStall) {
+            stalled.push_back(pConnection);
+            if (stalled.size() > MOST_STALLED) {
+                stalled.pop_front();
+            }
+        }
+        Spawn(acceptor.get_executor(), "a connection failed", [pConnection] { return pConnection->Run(); });
+    }
+}
+
+} // namespace
+
+int RunStandInDevice(const SStandInOptions& options, std::ostream& output) {
+    constexpr int EXIT_REFUSED = 1;
+
+    error_code error;
+    const auto address = asio::ip::make_address(options.strAddress, error);
+    if (error) {
+        std::cerr << "iohost: --device: " << Quoted(options.strAddress) << " isn't a numeric address\n";
+        return EXIT_REFUSED;
+    }
+    asio::io_context context{1};
+    std::deque<std::shared_ptr<CStandInConnection>> stalled;
+    TcpAcceptor acceptor(context);
+    OpenListener(acceptor, {address, options.nPort}, error);
+    if (error) {
+        std::cerr << "iohost: can't listen on " << EndpointText(asio::ip::tcp::endpoint(address, options.nPort)) << ": "
+                  << error.message() << "; --device PORT chooses another port\n";
+        return EXIT_REFUSED;
+    }
+    const CErrorLines errorLines;
+    CLines lines(context, output);
+    lines.Print({{"listening", EndpointText(acceptor.local_endpoint())}});
+    asio::signal_set signals(context, SIGINT, SIGTERM);
+    signals.async_wait([&](const error_code& signalError, int) {
+        if (!signalError) {
+            context.stop();
+        }
+    });
+    Spawn(context, "connections aren't taken any longer",
+          [&] { return AcceptConnections(acceptor, options, lines, stalled); });
+    context.run();
+    return 0;
+}
