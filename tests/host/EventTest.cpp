@@ -278,12 +278,13 @@ TEST_F(Graph, MalformedLinksAreRefusedByField) {
         const char* pszError;
     } cases[] = {
         {R"({"op":"link"})", "from: is missing"},
-        {R"({"op":"link","from":"x"})", R"(from: there is no node "x")"},
+        {R"({"op":"link","from":"x","output":101,"to":"p","input":14})", R"(from: there is no node "x")"},
         {R"({"op":"link","from":"p"})", "output: is missing"},
         {R"({"op":"link","from":"p","output":"101"})", "output: must be an integer"},
-        {R"({"op":"link","from":"p","output":14})", "output: there is no parameter 14 among the node's outputs"},
+        {R"({"op":"link","from":"p","output":14,"to":"p","input":14})",
+         "output: there is no parameter 14 among the node's outputs"},
         {R"({"op":"link","from":"p","output":101})", "to: is missing"},
-        {R"({"op":"link","from":"p","output":101,"to":"x"})", R"(to: there is no node "x")"},
+        {R"({"op":"link","from":"p","output":101,"to":"x","input":14})", R"(to: there is no node "x")"},
         {R"({"op":"link","from":"p","output":101,"to":"p"})", "input: is missing"},
         {R"({"op":"link","from":"p","output":101,"to":"p","input":101})",
          "input: there is no parameter 101 among the node's graph inputs"},

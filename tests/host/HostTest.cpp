@@ -1,5 +1,7 @@
 #include "HostTest.h"
 
+#include "protocol/Shapes.h"
+
 #include <fstream>
 #include <iterator>
 #include <random>
@@ -47,6 +49,10 @@ OrderedJson CHostTest::Must(std::string_view request) {
     OrderedJson reply = AskJson(request);
     EXPECT_EQ(reply["ok"], true) << request << '\n' << reply;
     return reply;
+}
+
+OrderedJson CHostTest::Frame() {
+    return ToJson(m_pSession->Do(SFrameCommand{.bOutputs = false}).activity);
 }
 
 OrderedJson CHostTest::WholeScene() {

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "session/Session.h"
+#include "protocol/SceneFile.h"
 
 /// A folder that exists as long as the object.
 class CTemporaryFolder {
@@ -37,10 +37,12 @@ protected:
     explicit CHostTest(const char* pszModuleFile = MODULE_FILE);
 
     /// The reply to a request text, as text.
-    std::string Ask(std::string_view request) { return m_pSession->HandleText(request); }
+    std::string Ask(std::string_view request) { return AnswerText(*m_pSession, request, m_files); }
 
-    /// The reply to a request object.
-    OrderedJson AskObject(const Json& request) { return m_pSession->Handle(request); }
+    /// The reply to a request object, of a connection or of none.
+    OrderedJson AskObject(const Json& request, CHeldInput* pHeld = nullptr) {
+        return Answer(*m_pSession, request, m_files, {.pHeld = pHeld});
+    }
     OrderedJson AskJson(std::string_view request) { return OrderedJson::parse(Ask(request)); }
 
     /// The error text of a request that must be refused, and must leave the scene as it was.
@@ -49,6 +51,9 @@ protected:
     /// A request that must be carried out.
     OrderedJson Must(std::string_view request);
 
+    /// What a frame of the host's own brings about.
+    OrderedJson Frame();
+
     /// All nodes of the scene under `inspect`, and the links.
     OrderedJson WholeScene();
 
@@ -56,6 +61,7 @@ protected:
     static std::string Quote(const std::filesystem::path& file);
 
     CTemporaryFolder m_folder;
+    CSystemFiles m_files;
     std::unique_ptr<CSession> m_pSession;
 };
 

@@ -3,6 +3,7 @@
 
 #include "HostTest.h"
 #include "network/TextLines.h"
+#include "protocol/Shapes.h"
 
 namespace {
 
@@ -216,15 +217,15 @@ TEST_F(JsonTextRequests, LongTextsAreCutInVerdicts) {
 
 TEST_F(JsonTextRequests, NewVerdictsAreToldOnce) {
     Create("j", DEVICE_TYPE);
-    EXPECT_EQ(m_pSession->NewJsonVerdicts(), OrderedJson::object());
+    EXPECT_EQ(ToJson(m_pSession->JsonVerdicts().TakeNew(m_pSession->Scene())), OrderedJson::object());
     DeviceText(1, "{}");
     DeviceText(1, "[]");
-    EXPECT_EQ(m_pSession->NewJsonVerdicts()["j"]["text"], "[]");
-    EXPECT_EQ(m_pSession->NewJsonVerdicts(), OrderedJson::object());
+    EXPECT_EQ(ToJson(m_pSession->JsonVerdicts().TakeNew(m_pSession->Scene()))["j"]["text"], "[]");
+    EXPECT_EQ(ToJson(m_pSession->JsonVerdicts().TakeNew(m_pSession->Scene())), OrderedJson::object());
     DeviceText(1, "[]");
-    EXPECT_EQ(m_pSession->NewJsonVerdicts()["j"]["text"], "[]");
-    m_pSession->ForgetSent();
-    EXPECT_EQ(m_pSession->NewJsonVerdicts()["j"]["text"], "[]");
+    EXPECT_EQ(ToJson(m_pSession->JsonVerdicts().TakeNew(m_pSession->Scene()))["j"]["text"], "[]");
+    m_pSession->JsonVerdicts().ForgetTaken();
+    EXPECT_EQ(ToJson(m_pSession->JsonVerdicts().TakeNew(m_pSession->Scene()))["j"]["text"], "[]");
 }
 
 // ---- From devices --------------------------------------------------------------------------------------------------

@@ -11,6 +11,22 @@
 #include <string>
 #include <string_view>
 
+#include "PlayControlFrame.h"
+
+/// The frame of a record to device 3.
+inline std::string RecordFrame(const std::string& strKeyValue = "value") {
+    const std::string strBody = "<PanelRemoteCtrl DevID=\"3\" DevName=\"Wall\" ClipName=\"Clip\" GroupName=\"\" "
+                                "KeyName=\"key\" KeyNumber=\"0\" HelpParameter=\"\" KeyValue=\"" +
+                                strKeyValue + "\" Layer=\"0\"/>\r\n";
+    CFrameWriter writer;
+    const auto bytes = writer.Write({50, "Clip", strBody});
+    return {bytes.begin(), bytes.end()};
+}
+
+/// A broadcast with flag 1.
+inline constexpr const char* BROADCAST =
+    "[.{<Broadcast Flag=\"1\" ClipName=\"Intro\" Name=\"score\" Data=\"12|7\"/>\r\n}.]";
+
 class CTestPeers {
 public:
     using Socket = boost::asio::ip::tcp::socket;

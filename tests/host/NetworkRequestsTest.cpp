@@ -4,9 +4,9 @@
 #include <algorithm>
 
 #include "HostTest.h"
-#include "PlayControlFrame.h"
 #include "host/HostCommon.h"
 #include "network/Peers.h"
+#include "protocol/Shapes.h"
 
 namespace {
 
@@ -16,7 +16,6 @@ const char* const BROADCAST_RECEIVE_TYPE = "{8164BB40-6B6A-4707-88B7-386BCB0D1B0
 const char* const STRING_SEND_TYPE = "{8164BB40-6B6A-4707-88B7-386BCB0D1B0F}";
 
 const char* const NOBODYS_ADDRESS = "192.0.2.1"; // kept free for documents
-const char* const BROADCAST = "[.{<Broadcast Flag=\"1\" ClipName=\"Intro\" Name=\"score\" Data=\"12|7\"/>\r\n}.]";
 
 class NetworkRequests : public CHostTest {
 protected:
@@ -99,16 +98,6 @@ protected:
             }
         }
         return "no such output";
-    }
-
-    /// The frame of the record that the send node makes.
-    static std::string RecordFrame(const std::string& strKeyValue = "value") {
-        const std::string strBody = "<PanelRemoteCtrl DevID=\"3\" DevName=\"Wall\" ClipName=\"Clip\" GroupName=\"\" "
-                                    "KeyName=\"key\" KeyNumber=\"0\" HelpParameter=\"\" KeyValue=\"" +
-                                    strKeyValue + "\" Layer=\"0\"/>\r\n";
-        CFrameWriter writer;
-        const auto bytes = writer.Write({50, "Clip", strBody});
-        return {bytes.begin(), bytes.end()};
     }
 
     /// Send until the queue is full, and as often again.
@@ -446,12 +435,13 @@ TEST_F(NetworkRequests, ARunningHostShowsTheBeginningOfLongBytes) {
     EXPECT_EQ(sent["raw"].get<std::string>().size(), 2 * (strText.size() + 1));
     EXPECT_FALSE(sent.contains("size"));
 
-    m_pSession->Peers().RunAlways();
-    sent = Send("string", 1507)["sent"][0];
-    EXPECT_EQ(sent["raw"].get<std::string>().size(), 2 * MOST_SHOWN);
-    EXPECT_EQ(sent["size"], strText.size() + 1);
-    Set("string", 1505, "string", "12|7");
-    EXPECT_EQ(Send("string", 1507)["sent"][0], (OrderedJson{{"device", 3}, {"raw", "31327c3700"}}));
+    SActivity activity;
+    activity.sent = {SSentBytes{3, std::vector<unsigned char>(MOST_SHOWN + 1), {}}, SSentBytes{3, {1}, {}}};
+    CutForViewers(activity);
+    const OrderedJson shown = ToJson(activity);
+    EXPECT_EQ(shown["sent"][0]["raw"].get<std::string>().size(), 2 * MOST_SHOWN);
+    EXPECT_EQ(shown["sent"][0]["size"], MOST_SHOWN + 1);
+    EXPECT_EQ(shown["sent"][1], (OrderedJson{{"device", 3}, {"raw", "01"}}));
 }
 
 TEST_F(NetworkRequests, ManyItemsAtOnceLeaveTheFramesTheirTime) {
@@ -751,46 +741,6 @@ TEST_F(NetworkRequests, BroadcastsOnAnAddressOfAnotherMachineAreRefused) {
     EXPECT_NE(strError.find("broadcast"), std::string::npos);
     m_peers.SendDatagram(first["broadcast"], BROADCAST);
     EXPECT_EQ(Wait()["dispatched"].size(), 1u);
-}
-
-/// Fails on the first items of each kind of exception.
-class CFailingObserver final : public IItemObserver {
-public:
-    void OnItemComes() override {
-        switch (m_nItems++) {
-        case 0:
-            throw std::runtime_error("a failure");
-        case 1:
-            AfxThrowMemoryException();
-        case 2:
-            throw 1;
-        }
-    }
-    void OnItemHandled(const OrderedJson& /*item*/) override {}
-
-private:
-    int m_nItems = 0;
-};
-
-TEST_F(NetworkRequests, AnItemThatFailsDoesNotStopTheOthers) {
-    CFailingObserver observer;
-    SetDevice(3, "framed", m_listener.Address());
-    auto device = m_listener.Accept();
-    const unsigned short nBroadcast = ListenBroadcast();
-    m_pSession->Peers().SetItemObserver(&observer);
-    m_peers.SendDatagram(nBroadcast, BROADCAST);
-    EXPECT_EQ(CountLines(Wait(200), "a failure"), 1u);
-    m_peers.SendDatagram(nBroadcast, BROADCAST);
-    EXPECT_EQ(Wait(200)["dispatched"].size(), 0u); // whose line is left out, so soon after the first
-    CTestPeers::Write(device, RecordFrame());
-    EXPECT_EQ(Wait(200)["dispatched"].size(), 0u);
-    EXPECT_EQ(Device()["state"], "connected");
-
-    m_peers.SendDatagram(nBroadcast, BROADCAST);
-    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
-    CTestPeers::Write(device, RecordFrame());
-    EXPECT_EQ(Wait()["dispatched"].size(), 1u);
-    m_pSession->Peers().SetItemObserver(nullptr);
 }
 
 TEST_F(NetworkRequests, WrongPortsAndAddressesAreRefused) {

@@ -1,5 +1,6 @@
 // Opening and closing, replies as such, and what isn't a request at all.
 #include "HostTest.h"
+#include "protocol/Shapes.h"
 
 namespace {
 
@@ -69,8 +70,9 @@ TEST(SessionOpen, TextTableFillsDisplayTexts) {
     std::string strError;
     const auto pSession = CSession::Open({folder.Path(), MODULE_FILE, ETextTable::Chinese}, strError);
     ASSERT_NE(pSession, nullptr) << strError;
-    pSession->HandleText(CREATE_MOUSE);
-    EXPECT_EQ(pSession->Handle({{"op", "inspect"}, {"node", "m"}})["name"], "鼠标");
+    CNoFiles files;
+    AnswerText(*pSession, CREATE_MOUSE, files);
+    EXPECT_EQ(Answer(*pSession, {{"op", "inspect"}, {"node", "m"}}, files)["name"], "鼠标");
 }
 
 TEST(SessionClose, IconsOfTheCatalogueAreDestroyed) {
@@ -206,8 +208,7 @@ TEST_F(Session, QuitEndsTheSession) {
     EXPECT_EQ(Ask(R"({"op":"quit","id":1})"), R"({"ok":true,"id":1})");
     EXPECT_TRUE(m_pSession->HasQuit());
     EXPECT_EQ(Ask(R"({"op":"objects"})"), R"({"ok":false,"error":"op: the session has ended"})");
-    EXPECT_EQ(m_pSession->Frame(), OrderedJson::object());
-    EXPECT_EQ(m_pSession->ChangedOutputs(), OrderedJson::object());
+    EXPECT_EQ(Frame(), OrderedJson::object());
 }
 
 TEST_F(Session, CatalogueShowsTheThirteenTypes) {
@@ -234,17 +235,16 @@ TEST_F(Session, CallRunsAnyOperationCode) {
 TEST_F(Session, FrameEvaluatesAllNodes) {
     Must(CREATE_MOUSE);
     Must(R"({"op":"event","device":1,"event":3005})");
-    EXPECT_EQ(m_pSession->Frame(), OrderedJson::object());
+    EXPECT_EQ(Frame(), OrderedJson::object());
     EXPECT_EQ(Ask(R"({"op":"event","device":1,"event":3006})").substr(0, 30), R"({"ok":true,"results":{"m":1},")");
 }
 
 TEST_F(ProbeSession, FrameReturnsWhatHappened) {
     Must(CREATE_PROBE);
     Must(R"({"op":"set","node":"p","param":10,"int":6})");
-    const OrderedJson happened = m_pSession->Frame();
+    const OrderedJson happened = Frame();
     ASSERT_EQ(happened.size(), 1u);
     EXPECT_EQ(happened["posted"][0]["output"], 101);
-    EXPECT_EQ(m_pSession->TakeHappened(), OrderedJson::object());
 }
 
 TEST_F(ProbeSession, FaultInAFrameIsLoggedAndTheOthersGoOn) {
@@ -252,19 +252,34 @@ TEST_F(ProbeSession, FaultInAFrameIsLoggedAndTheOthersGoOn) {
     Must(CREATE_SECOND_PROBE);
     Must(R"({"op":"set","node":"p","param":10,"int":1})");
     Must(R"({"op":"set","node":"q","param":10,"int":6})");
-    const OrderedJson happened = m_pSession->Frame();
+    const OrderedJson happened = Frame();
     EXPECT_EQ(happened["posted"][0]["node"], "q");
     EXPECT_EQ(happened["log"].dump(),
               R"([{"level":32,"args":[0,0,0,0],"text":"the module raised CInvalidArgException"}])");
 }
 
-TEST_F(ProbeSession, HostLogLinesOutsideRequestsAreKeptForTheNextTake) {
+/// Keeps what happened between commands.
+class CBetween final : public ISessionObserver {
+public:
+    void OnDone(const SDone& done) override {
+        if (done.pCommand == nullptr) {
+            activity.Append(done.activity);
+        }
+    }
+
+    SActivity activity;
+};
+
+TEST_F(ProbeSession, ObserversHearOfHostLogLinesBetweenRequests) {
+    CBetween between;
+    m_pSession->Attach(between);
     NSVEKLog::WriteLog(LOG_INFORMATION, 1, 2, 3, 4, L"%s", L"outside");
     EXPECT_EQ(Ask(R"({"op":"objects"})"), R"({"ok":true,"objects":[]})");
     NSVEKLog::WriteLog(LOG_INFORMATION, 1, 2, 3, 4, L"%s", L"again");
-    EXPECT_EQ(m_pSession->TakeHappened().dump(), R"({"log":[{"level":4,"args":[1,2,3,4],"text":"outside"},)"
-                                                 R"({"level":4,"args":[1,2,3,4],"text":"again"}]})");
-    EXPECT_EQ(m_pSession->TakeHappened(), OrderedJson::object());
+    Ask(R"({"op":"objects"})");
+    m_pSession->Detach(between);
+    EXPECT_EQ(ToJson(between.activity).dump(), R"({"log":[{"level":4,"args":[1,2,3,4],"text":"outside"},)"
+                                               R"({"level":4,"args":[1,2,3,4],"text":"again"}]})");
 }
 
 TEST_F(ProbeSession, TextsThatAreNoUnicodeBecomeReplacementCharacters) {
@@ -300,52 +315,56 @@ TEST_F(ProbeSession, EventsPostedToTheHostCarryClipAndObject) {
 }
 
 TEST_F(Session, ChangedObjectsTellsAllOfThemWhenOneMoved) {
-    EXPECT_EQ(m_pSession->ChangedObjects(), OrderedJson::array());
-    EXPECT_TRUE(m_pSession->ChangedObjects().is_null());
+    CObjectChanges changes;
+    const auto take = [&] { return ToJson(changes.Take(m_pSession->Scene())); };
+    EXPECT_EQ(take(), OrderedJson::array());
+    EXPECT_TRUE(take().is_null());
     Must(R"({"op":"object","clip":"Clip","name":"Lamp"})");
     Must(R"({"op":"object","clip":"Clip","name":"Door"})");
-    const OrderedJson objects = m_pSession->ChangedObjects();
+    const OrderedJson objects = take();
     ASSERT_EQ(objects.size(), 2u);
     EXPECT_EQ(objects, Must(R"({"op":"objects"})")["objects"]);
-    EXPECT_TRUE(m_pSession->ChangedObjects().is_null());
+    EXPECT_TRUE(take().is_null());
 
     Must(R"({"op":"create","node":"v","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1B08}","clip":"Clip","graph":"Hand"})");
     Must(R"({"op":"set","node":"v","param":802,"string":"Door"})");
     Must(R"({"op":"process"})");
     Must(R"({"op":"event","device":3,"event":0,"payload":{"is":"vr","hand":0,"trigger":0,"pad":0,"padx":0,"pady":0,
              "pose":[1,0,0,0,0,1,0,0,0,0,1,0,7,8,9,1],"hit":[0,0,0],"press":0,"release":0}})");
-    const OrderedJson moved = m_pSession->ChangedObjects();
+    const OrderedJson moved = take();
     ASSERT_EQ(moved.size(), 2u);
     EXPECT_EQ(moved[0], objects[0]);
     EXPECT_EQ(moved[1]["matrix"][13], 8);
-    EXPECT_TRUE(m_pSession->ChangedObjects().is_null());
-    m_pSession->ForgetSent();
-    EXPECT_EQ(m_pSession->ChangedObjects().size(), 2u);
+    EXPECT_TRUE(take().is_null());
+    changes.Forget();
+    EXPECT_EQ(take().size(), 2u);
 }
 
 TEST_F(Session, ChangedOutputsTellsEachChangeOnce) {
     Must(CREATE_MOUSE);
-    OrderedJson changed = m_pSession->ChangedOutputs();
+    COutputChanges changes;
+    const auto take = [&] { return ToJson(changes.Take(m_pSession->Scene())); };
+    OrderedJson changed = take();
     EXPECT_EQ(changed["m"].size(), 7u); // the value outputs; events have no value
     EXPECT_EQ(changed["m"]["370"].dump(), R"({"int":0,"float":0.0,"string":""})");
-    EXPECT_EQ(m_pSession->ChangedOutputs(), OrderedJson::object());
+    EXPECT_EQ(take(), OrderedJson::object());
 
-    m_pSession->Frame();
+    Frame();
     Must(
         R"({"op":"event","device":1,"event":3013,"payload":{"is":"pointer","rx":1,"ry":2,"x":3,"y":0,"pointer":0,"relative":0}})");
-    m_pSession->Frame();
-    changed = m_pSession->ChangedOutputs();
+    Frame();
+    changed = take();
     EXPECT_EQ(changed["m"].size(), 3u);
     EXPECT_EQ(changed["m"]["370"]["int"], 3);
     EXPECT_EQ(changed["m"]["372"]["float"], 1.0);
     EXPECT_EQ(changed["m"]["373"]["float"], 2.0);
 
-    m_pSession->ForgetSent();
-    EXPECT_EQ(m_pSession->ChangedOutputs()["m"].size(), 7u);
+    changes.Forget();
+    EXPECT_EQ(take()["m"].size(), 7u);
     Must(R"({"op":"destroy","node":"m"})");
-    EXPECT_EQ(m_pSession->ChangedOutputs(), OrderedJson::object());
+    EXPECT_EQ(take(), OrderedJson::object());
     Must(CREATE_MOUSE);
-    EXPECT_EQ(m_pSession->ChangedOutputs()["m"].size(), 7u);
+    EXPECT_EQ(take()["m"].size(), 7u);
 }
 
 } // namespace

@@ -12,7 +12,6 @@
 
 #include <gtest/gtest.h>
 
-#include "PlayControlFrame.h"
 #include "protocol/Fields.h"
 
 namespace {
@@ -89,15 +88,6 @@ protected:
     OrderedJson Line() {
         const std::string strLine = m_channel.Next();
         return strLine.empty() ? OrderedJson::object() : OrderedJson::parse(strLine);
-    }
-
-    static std::string RecordFrame() {
-        CFrameWriter writer;
-        const auto bytes = writer.Write(
-            {50, "Clip",
-             "<PanelRemoteCtrl DevID=\"3\" DevName=\"\" ClipName=\"\" GroupName=\"\" KeyName=\"\" KeyNumber=\"0\" "
-             "HelpParameter=\"\" KeyValue=\"value\" Layer=\"0\"/>\r\n"});
-        return {bytes.begin(), bytes.end()};
     }
 
     CTestPeers m_peers;

@@ -5,9 +5,10 @@
 #include "base/Platform.h"
 #include "base/TextUtf8.h"
 #include "fronts/describe/Describe.h"
+#include "fronts/recording/Recorder.h"
 #include "fronts/recording/Replay.h"
 #include "fronts/stdio/StdioFront.h"
-#include "session/Session.h"
+#include "protocol/SceneFile.h"
 
 namespace {
 
@@ -62,15 +63,16 @@ int RunSession(const SOptions& options) {
         std::cout << NodeTypesMarkdown(*pSession) << std::flush;
         return std::cout ? 0 : EXIT_SESSION;
     }
+    std::unique_ptr<CRecorder> pRecorder;
     if (!options.recordFile.empty()) {
-        auto pRecorder = CRecorder::Open(options.recordFile, strError);
+        pRecorder = CRecorder::Open(*pSession, options.recordFile, strError);
         if (pRecorder == nullptr) {
             return Fail("--record: " + strError);
         }
-        pSession->Record(std::move(pRecorder));
     }
     if (!options.sceneFile.empty()) {
-        const OrderedJson reply = pSession->Handle({{"op", "load"}, {"file", Utf8(options.sceneFile)}});
+        CSystemFiles files;
+        const OrderedJson reply = Answer(*pSession, {{"op", "load"}, {"file", Utf8(options.sceneFile)}}, files);
         if (!reply["ok"]) {
             return Fail("--scene " + Utf8(options.sceneFile) + ": " + reply["error"].get<std::string>());
         }
@@ -83,7 +85,7 @@ int RunSession(const SOptions& options) {
     } else {
         RunStdio(*pSession, std::cin, std::cout);
     }
-    const bool bLost = pSession->Recorder() != nullptr && !pSession->Recorder()->IsComplete();
+    const bool bLost = pRecorder != nullptr && !pRecorder->IsComplete();
     return nExitCode == 0 && bLost ? EXIT_SESSION : nExitCode;
 }
 

@@ -1,5 +1,6 @@
-// The types that the page's server is made of. All of it runs in one io_context, so the executor is spelled out instead
-// of being any executor: names stay short enough for Windows' object files, and calls direct.
+// The types that the host's network and the page's server are made of. All of it runs in one io_context, so the
+// executor is spelled out instead of being any executor: names stay short enough for Windows' object files, and calls
+// direct.
 #pragma once
 
 #include <utility> // Boost 1.74's Asio leaves it out in C++20
@@ -14,6 +15,7 @@
 #include <boost/beast/core/basic_stream.hpp>
 
 #include <chrono>
+#include <string>
 
 // GCC 12 takes the frame of a coroutine for allocated by another function than its own, once it has inlined that.
 #if defined(__GNUC__) && !defined(__clang__)
@@ -33,4 +35,18 @@ using Awaitable = boost::asio::awaitable<Result, Executor>;
 /// Completes an operation in a coroutine, its error code in `error` instead of an exception.
 inline auto AwaitInto(boost::system::error_code& error) {
     return boost::asio::redirect_error(boost::asio::use_awaitable_t<Executor>(), error);
+}
+
+/// Wait for so long, or until the timer is cancelled.
+inline Awaitable<void> Pause(SteadyTimer& timer, std::chrono::steady_clock::duration time) {
+    boost::system::error_code ignored;
+    timer.expires_after(time);
+    co_await timer.async_wait(AwaitInto(ignored));
+}
+
+/// An endpoint as ADDRESS:PORT.
+template <typename Endpoint>
+std::string EndpointText(const Endpoint& endpoint) {
+    const std::string strAddress = endpoint.address().to_string();
+    return (endpoint.address().is_v6() ? "[" + strAddress + "]" : strAddress) + ":" + std::to_string(endpoint.port());
 }

@@ -3,21 +3,21 @@
 #include <memory>
 #include <stdexcept>
 
-#include "engine/Happened.h"
+#include "engine/ActivityLog.h"
 
 namespace {
 
-constexpr wchar_t WINDOW_CLASS[] = L"iohost events";
+constexpr wchar_t EVENT_WINDOW_CLASS[] = L"iohost events";
 
 } // namespace
 
-CEventWindows::CEventWindows(CHappened& happened)
-    : m_happened(happened), m_nEventMsg(RegisterWindowMessageW(L"iohost general event")),
+CEventWindows::CEventWindows(CActivityLog& log)
+    : m_log(log), m_nEventMsg(RegisterWindowMessageW(L"iohost general event")),
       m_nNotifyMsg(RegisterWindowMessageW(L"iohost node notification")) {
     WNDCLASSW windowClass = {};
     windowClass.lpfnWndProc = WindowProcedure;
     windowClass.hInstance = GetModuleHandleW(nullptr);
-    windowClass.lpszClassName = WINDOW_CLASS;
+    windowClass.lpszClassName = EVENT_WINDOW_CLASS;
     RegisterClassW(&windowClass); // a failure shows in the windows
     m_hEventWnd = CreateMessageWindow();
     m_hNotifyWnd = CreateMessageWindow();
@@ -30,7 +30,7 @@ CEventWindows::~CEventWindows() {
     Pump(); // events that still wait are owned by the host
     DestroyWindow(m_hNotifyWnd);
     DestroyWindow(m_hEventWnd);
-    UnregisterClassW(WINDOW_CLASS, GetModuleHandleW(nullptr));
+    UnregisterClassW(EVENT_WINDOW_CLASS, GetModuleHandleW(nullptr));
 }
 
 void CEventWindows::Pump() {
@@ -53,20 +53,20 @@ LRESULT CEventWindows::OnMessage(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM
     if (nMessage == m_nEventMsg) {
         const std::unique_ptr<SQOREvent> pEvent(reinterpret_cast<SQOREvent*>(lParam));
         if (pEvent != nullptr) {
-            m_happened.OnEventMessage(*pEvent, wParam);
+            m_log.OnEventMessage(*pEvent, wParam);
         }
         return 0;
     }
     if (nMessage == m_nNotifyMsg) {
-        m_happened.OnNotifyMessage(wParam, lParam);
+        m_log.OnNotifyMessage(wParam, lParam);
         return 0;
     }
     return DefWindowProcW(hWnd, nMessage, wParam, lParam);
 }
 
 HWND CEventWindows::CreateMessageWindow() {
-    const HWND hWnd =
-        CreateWindowExW(0, WINDOW_CLASS, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, GetModuleHandleW(nullptr), nullptr);
+    const HWND hWnd = CreateWindowExW(0, EVENT_WINDOW_CLASS, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                                      GetModuleHandleW(nullptr), nullptr);
     if (hWnd != nullptr) {
         SetWindowLongPtrW(hWnd, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     }

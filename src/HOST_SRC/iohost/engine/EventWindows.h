@@ -3,13 +3,13 @@
 
 #include <afxwin.h>
 
-class CHappened;
+class CActivityLog;
 
 class CEventWindows {
 public:
     /// Messages go to the collector, which must outlive the windows. Throws std::runtime_error when the system refuses
     /// a window.
-    explicit CEventWindows(CHappened& happened);
+    explicit CEventWindows(CActivityLog& log);
     ~CEventWindows();
 
     CEventWindows(const CEventWindows&) = delete;
@@ -29,7 +29,7 @@ private:
 
     HWND CreateMessageWindow();
 
-    CHappened& m_happened;
+    CActivityLog& m_log;
     UINT m_nEventMsg;
     UINT m_nNotifyMsg;
     HWND m_hEventWnd;

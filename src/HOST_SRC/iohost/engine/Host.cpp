@@ -4,7 +4,6 @@
 
 #include "base/Platform.h"
 #include "base/TextUtf8.h"
-#include "network/Peers.h"
 #include "scene/ParamSet.h"
 
 namespace {
@@ -42,18 +41,17 @@ PinTypes TypesOf(const VEKParamGroupList& lstGroup) {
 } // namespace
 
 CHost::CCallScope::CCallScope(CHost& host, const SNode* pNode) : m_host(host) {
-    m_host.m_pHappened->SetCalledNode(pNode);
+    m_host.m_pActivity->SetCalledNode(pNode);
 }
 
 CHost::CCallScope::~CCallScope() {
     m_host.m_pWindows->Pump();
-    m_host.m_pHappened->SetCalledNode(nullptr);
+    m_host.m_pActivity->SetCalledNode(nullptr);
 }
 
 CHost::CHost()
-    : m_pMainWindow(std::make_unique<CMainWindow>()), m_pHappened(std::make_unique<CHappened>(m_scene)),
-      m_pJsonVerdicts(std::make_unique<CJsonVerdicts>(*m_pHappened)),
-      m_pWindows(std::make_unique<CEventWindows>(*m_pHappened)), m_pPeers(std::make_unique<CPeers>(*this)) {
+    : m_pMainWindow(std::make_unique<CMainWindow>()), m_pActivity(std::make_unique<CActivityLog>(m_scene)),
+      m_pJsonVerdicts(std::make_unique<CJsonVerdicts>()), m_pWindows(std::make_unique<CEventWindows>(*m_pActivity)) {
     SetNodeSink(this);
     s_bOpen = true;
 }
@@ -104,7 +102,6 @@ void CHost::Close() {
     if (IsClosed()) {
         return;
     }
-    m_pPeers->Close();
     DestroyAll();
     try {
         CallModule(IOP_RELEASE_GLOBALS);
@@ -122,7 +119,6 @@ void CHost::Close() {
     m_pMainWindow->Set(false, false);
     BYTE allKeysUp[256] = {};
     SetKeyboardState(allKeysUp);
-    FreezeClock(std::nullopt);
 }
 
 int CHost::CallModule(unsigned nOperation) {
@@ -136,28 +132,28 @@ int CHost::CallModule(unsigned nOperation) {
     });
 }
 
-SCreated CHost::Create(const SNodeRequest& request) {
-    if (m_scene.Find(request.strHandle) != nullptr) {
-        Refuse("node", "there is a node " + Quoted(request.strHandle) + " already");
+SNodeCreated CHost::Create(const SNodeStart& start, const SNodeContents& contents) {
+    if (m_scene.Find(start.strHandle) != nullptr) {
+        Refuse("node", "there is a node " + Quoted(start.strHandle) + " already");
     }
-    GUID guidType = request.guidType;
+    GUID guidType = start.guidType;
     m_data.pNode = nullptr;
     const int nResult = Call(nullptr, [&] { return m_pModule->Call(IOP_CREATE_NODE, &guidType, &m_data); });
     if (m_data.pNode == nullptr) {
         return {nResult, nullptr};
     }
     SNode newNode;
-    newNode.strHandle = request.strHandle;
-    newNode.guidType = request.guidType;
+    newNode.strHandle = start.strHandle;
+    newNode.guidType = start.guidType;
     newNode.pNode = static_cast<P_ExtDevIOProcess*>(std::exchange(m_data.pNode, nullptr)); // this host's only kind
     newNode.pGraphNode = std::make_unique<SGraphNode>();
-    newNode.bEventWindow = request.bEventWindow;
-    newNode.bNotifyWindow = request.bNotifyWindow;
+    newNode.bEventWindow = start.bEventWindow;
+    newNode.bNotifyWindow = start.bNotifyWindow;
     SNode& node = m_scene.Add(std::move(newNode));
 
-    const bool bNewClip = request.clip && m_scene.FindClip(FromUtf8(*request.clip)) == nullptr;
+    const bool bNewClip = start.clip && m_scene.FindClip(*start.clip) == nullptr;
     try {
-        Prepare(node, request);
+        Prepare(node, start, contents);
     } catch (...) {
         Destroy(node, node.guidType, true);
         if (bNewClip) {
@@ -168,36 +164,41 @@ SCreated CHost::Create(const SNodeRequest& request) {
     return {nResult, &node};
 }
 
-void CHost::Prepare(SNode& node, const SNodeRequest& request) {
+void CHost::Prepare(SNode& node, const SNodeStart& start, const SNodeContents& contents) {
     P_ExtDevIOProcess& object = *node.pNode;
-    if (request.bEventWindow) {
+    if (start.bEventWindow) {
         object.m_hEventWnd = m_pWindows->EventWindow();
         object.m_nEventMsg = m_pWindows->EventMessage();
     }
-    if (request.bNotifyWindow) {
+    if (start.bNotifyWindow) {
         object.m_hNotifyWnd = m_pWindows->NotifyWindow();
         object.m_nNotifyMsg = m_pWindows->NotifyMessage();
     }
-    if (request.clip) {
-        object.m_pOwnerClip = &m_scene.Clip(FromUtf8(*request.clip));
+    if (start.clip) {
+        object.m_pOwnerClip = &m_scene.Clip(*start.clip);
     }
     node.ownInputs = TypesOf(object.m_lstParamGroup);
-    if (request.loadOwn) {
-        request.loadOwn(object.m_lstParamGroup);
+    if (contents.pSaved != nullptr) {
+        ApplySavedSet(*contents.pSaved, object.m_lstParamGroup);
+    }
+    if (contents.pOwn != nullptr) {
+        RestoreGroups(object.m_lstParamGroup, *contents.pOwn, false);
+    }
+    if (contents.pSaved != nullptr || contents.pOwn != nullptr) {
         Call(&node, [&] { object.InitParam(); });
     }
     SGraphNode& graphNode = *node.pGraphNode;
-    graphNode.m_strName = FromUtf8(request.strGraph);
+    graphNode.m_strName = start.strGraph;
     CloneGroups(object.m_lstParamGroup, graphNode.m_lstInputGroup);
-    if (request.loadInputs) {
-        request.loadInputs(graphNode.m_lstInputGroup);
+    if (contents.pInputs != nullptr) {
+        RestoreGroups(graphNode.m_lstInputGroup, *contents.pInputs, false);
     }
-    if (request.loadOutputs) {
+    if (contents.pOutputs != nullptr) {
         // The node knows its pins' names and types: let it make them all, then keep those that the project holds.
         MakeOutputs(node);
-        request.loadOutputs(graphNode.m_lstOutputGroup);
+        RestoreGroups(graphNode.m_lstOutputGroup, *contents.pOutputs, true);
     }
-    if (request.bOutputs) {
+    if (contents.bOutputs) {
         MakeOutputs(node);
     }
 }
@@ -211,7 +212,7 @@ void CHost::MakeOutputs(SNode& node) {
     }
 }
 
-SDestroyed CHost::Destroy(SNode& node, const GUID& guidType, bool bPointer) {
+SNodeDestroyed CHost::Destroy(SNode& node, const GUID& guidType, bool bPointer) {
     const VEKProperty* pNode = node.pNode;
     SIOProcessNodeRef ref = {guidType, bPointer ? node.pNode : nullptr};
     m_pLastDestroyed = nullptr;

@@ -1,21 +1,21 @@
 // The host's part of the contract: it owns the loaded module and the scene, and makes every call into the module.
 #pragma once
 
-#include <functional>
+#include <filesystem>
 #include <memory>
 #include <string>
 
 #include "HostSetup.h"
+#include "base/Refusal.h"
+#include "engine/ActivityLog.h"
 #include "engine/EventWindows.h"
-#include "engine/Happened.h"
 #include "engine/JsonVerdicts.h"
 #include "engine/MainWindow.h"
 #include "engine/Module.h"
 #include "host/EventRecord.h"
 #include "host/PluginContract.h"
+#include "scene/Document.h"
 #include "scene/Scene.h"
-
-class CPeers;
 
 /// What a session is opened with.
 struct SSessionOptions {
@@ -31,30 +31,23 @@ public:
     using CRefusal::CRefusal;
 };
 
-/// How a node is made.
-struct SNodeRequest {
-    std::string strHandle;
-    GUID guidType = {};
-    std::optional<std::string> clip; ///< name of the owner clip; none: no owner clip
-    std::string strGraph;            ///< name of the graph node
-    bool bEventWindow = true;
-    bool bNotifyWindow = true;
+/// What a new node holds. Null: what the node makes by itself.
+struct SNodeContents {
+    const SSavedSet* pSaved = nullptr; ///< changes the own groups
+    const std::vector<SGroupState>* pOwn = nullptr;
+    const std::vector<SGroupState>* pInputs = nullptr;
+    const std::vector<SGroupState>* pOutputs = nullptr;
     bool bOutputs = true; ///< ask the node for its outputs in the end
-
-    // A node out of a project: each changes one set to what the project holds, given what the node makes by itself.
-    std::function<void(VEKParamGroupList& lstOwn)> loadOwn; ///< InitParam is called after it; none: it isn't called
-    std::function<void(VEKParamGroupList& lstInput)> loadInputs;
-    std::function<void(VEKParamGroupList& lstOutput)> loadOutputs; ///< none: the graph node starts without outputs
 };
 
 /// What operation 2 did.
-struct SCreated {
+struct SNodeCreated {
     int nResult;
     SNode* pNode; ///< null when the slot was left untouched; there is no node then
 };
 
 /// What operation 3 did.
-struct SDestroyed {
+struct SNodeDestroyed {
     int nResult;
     bool bSlotNull; ///< the record's pointer was cleared
     bool bFreed;    ///< the node's destructor ran
@@ -80,24 +73,23 @@ public:
     ETextTable Texts() const { return m_nTexts; }
 
     CScene& Scene() { return m_scene; }
-    CHappened& Happened() { return *m_pHappened; }
+    CActivityLog& Activity() { return *m_pActivity; }
     CJsonVerdicts& JsonVerdicts() { return *m_pJsonVerdicts; }
     CMainWindow& MainWindow() { return *m_pMainWindow; }
-    CPeers& Peers() { return *m_pPeers; }
     const CArray<SIOProcessNodeInfo>& Catalogue() const { return m_data.arNodeInfo; }
 
     /// Call the exported function; operations that take an argument get one that names nothing.
     int CallModule(unsigned nOperation);
 
     /// Make a node. On a refusal or a fault nothing is left of it.
-    SCreated Create(const SNodeRequest& request);
+    SNodeCreated Create(const SNodeStart& start, const SNodeContents& contents);
 
     /// Let the node make its outputs.
     void MakeOutputs(SNode& node);
 
     /// Operation 3 with this type, and the node's pointer or null, in the record. The node leaves the scene when it was
     /// freed, and when it was handed over as what it is: the module then only unlinked it and the host lets it be.
-    SDestroyed Destroy(SNode& node, const GUID& guidType, bool bPointer);
+    SNodeDestroyed Destroy(SNode& node, const GUID& guidType, bool bPointer);
 
     /// Destroy all nodes of the scene.
     void DestroyAll();
@@ -141,15 +133,14 @@ private:
 
     [[noreturn]] static void ThrowFault(CException* pException);
     void OnNodeDestroyed(const VEKProperty* pNode) override;
-    void Prepare(SNode& node, const SNodeRequest& request);
+    void Prepare(SNode& node, const SNodeStart& start, const SNodeContents& contents);
 
     CScene m_scene;
     std::unique_ptr<CMainWindow> m_pMainWindow;
-    std::unique_ptr<CHappened> m_pHappened;
+    std::unique_ptr<CActivityLog> m_pActivity;
     std::unique_ptr<CJsonVerdicts> m_pJsonVerdicts;
     std::unique_ptr<CEventWindows> m_pWindows;
     std::unique_ptr<CModule> m_pModule; ///< null once closed
-    std::unique_ptr<CPeers> m_pPeers;
     SIOProcessPluginData m_data;
     ETextTable m_nTexts = ETextTable::Keys;
     const VEKProperty* m_pLastDestroyed = nullptr;

@@ -3,18 +3,63 @@
 #pragma once
 
 #include <map>
+#include <string>
+#include <variant>
+#include <vector>
 
 #include "JsonSink.h"
-#include "engine/Happened.h"
 #include "host/EventRecord.h"
-#include "host/NodeBase.h"
+#include "scene/Scene.h"
+
+struct STaken {};
+
+/// The text came from another device than the node's.
+struct SOtherDevice {
+    int nDevice;
+    int nExpected;
+};
+
+/// It is for another object than the node's.
+struct SOtherObject {
+    CString strClip;
+    CString strObject;
+    CString strExpectedClip;
+    CString strExpectedObject;
+};
+
+/// It isn't JSON, or is null.
+struct SNotJson {};
+
+/// It isn't an object, and the node checks keys.
+struct SNotObject {};
+
+struct SKeyMissing {
+    CString strKey;
+};
+
+struct SValueDiffers {
+    CString strKey;
+    CString strValue;
+    CString strExpected;
+};
+
+/// The node has no clip, wasn't evaluated yet, or lacks an input.
+struct SNotReady {};
+
+struct SVerdict {
+    std::variant<STaken, SOtherDevice, SOtherObject, SNotJson, SNotObject, SKeyMissing, SValueDiffers, SNotReady> what;
+    CString strText = {}; ///< how the text begins
+    int nLength = 0;      ///< of all of it
+};
+
+/// Verdicts by node handle.
+using Verdicts = std::vector<std::pair<std::string, SVerdict>>;
 
 /// Watches while events are handed to nodes.
 class CJsonVerdicts final : private IJsonSink {
 public:
-    /// Registers itself with the render library until it is destroyed. The lines that nodes log tell some of the
-    /// reasons.
-    explicit CJsonVerdicts(const CHappened& happened);
+    /// Registers itself with the render library until it is destroyed.
+    CJsonVerdicts();
     ~CJsonVerdicts();
 
     CJsonVerdicts(const CJsonVerdicts&) = delete;
@@ -26,19 +71,11 @@ public:
     /// It was, with this result.
     void End(const SNode& node, const SIOEventRecord* pRecord, int nResult);
 
-    /// The verdict of each node that got a text, by handle: how the text begins, how long it is, and
-    ///   {"verdict":"taken"}
-    ///   {"verdict":"other_device","device":2,"expected":1}
-    ///   {"verdict":"other_object","clip","object","expected_clip","expected_object"}
-    ///   {"verdict":"not_json"}
-    ///   {"verdict":"not_object"}
-    ///   {"verdict":"key_missing","key"}
-    ///   {"verdict":"value_differs","key","value","expected"}
-    ///   {"verdict":"not_ready"}      no clip, no evaluation yet, or an input is missing
-    OrderedJson All(const CScene& scene) const;
+    /// The verdict of each node that got a text, in the order of the nodes.
+    Verdicts All(const CScene& scene) const;
 
-    /// Those that came since the last call; an empty object for none.
-    OrderedJson TakeNew(const CScene& scene);
+    /// Those that came since the last call.
+    Verdicts TakeNew(const CScene& scene);
 
     /// Let the next TakeNew return all.
     void ForgetTaken();
@@ -47,22 +84,20 @@ public:
     void Forget(const VEKProperty* pNode) { m_verdicts.erase(pNode); }
 
 private:
-    struct SVerdict {
-        OrderedJson json;
+    struct SKept {
+        SVerdict verdict;
         bool bNew;
     };
 
     void OnObjectSplit(const CStringArray& arKey, const CStringArray& arValue) override;
     void OnStringSought(const CString& strText, int nIndex) override;
 
-    OrderedJson JudgeDeviceText(const SNode& node, const SDeviceTextData& text) const;
-    OrderedJson JudgePairs(const SNode& node) const;
+    SVerdict JudgeDeviceText(const SNode& node, const SDeviceTextData& text) const;
+    SVerdict JudgePairs(const SNode& node) const;
 
-    const CHappened& m_happened;
-    std::map<const VEKProperty*, SVerdict> m_verdicts;
+    std::map<const VEKProperty*, SKept> m_verdicts;
 
     // Of the call between Begin and End.
-    CHappened::Mark m_begin{};
     CStringArray m_arValue; ///< of the object that was split
     int m_nSought = 0;      ///< keys looked for
     int m_nLastFound = -1;  ///< index of the last one

@@ -14,28 +14,28 @@ constexpr std::chrono::seconds RETRY_PAUSE{1};
 
 } // namespace
 
-CBroadcastReceiver::CBroadcastReceiver(asio::io_context& context, const asio::ip::udp::endpoint& endpoint,
-                                       IPeerHost& host)
-    : m_context(context), m_endpoint(endpoint), m_nPort(endpoint.port()), m_host(host), m_socket(context),
-      m_timer(context) {}
+CBroadcastReceiver::CBroadcastReceiver(CPeerLoop& loop, const asio::ip::udp::endpoint& endpoint)
+    : m_loop(loop), m_endpoint(endpoint), m_state{.nPort = endpoint.port()}, m_socket(loop.Context()),
+      m_timer(loop.Context()) {}
 
 std::string CBroadcastReceiver::Open() {
     error_code error;
     m_socket.open(m_endpoint.protocol(), error);
     if (!error) {
-        m_socket.bind({m_endpoint.address(), m_nPort}, error);
+        m_socket.bind({m_endpoint.address(), m_state.nPort}, error);
     }
     if (error) {
         CloseSocket();
         return "UDP " + EndpointText(m_endpoint) + ": " + error.message();
     }
-    m_nPort = m_socket.local_endpoint().port();
+    m_state.nPort = m_socket.local_endpoint().port();
     m_timer.cancel();
     return {};
 }
 
 void CBroadcastReceiver::Start() {
-    Spawn(m_context, "broadcasts aren't received any longer", [pSelf = shared_from_this()] { return pSelf->Run(); });
+    Spawn(m_loop.Context(), "broadcasts aren't received any longer",
+          [pSelf = shared_from_this()] { return pSelf->Run(); });
 }
 
 void CBroadcastReceiver::Stop() {
@@ -47,17 +47,7 @@ void CBroadcastReceiver::Stop() {
 void CBroadcastReceiver::CloseSocket() {
     error_code ignored;
     m_socket.close(ignored);
-    m_host.Gate().Wake();
-}
-
-OrderedJson CBroadcastReceiver::State() const {
-    OrderedJson state = {{"port", Port()},
-                         {"problem", TextOrNull(m_strProblem)},
-                         {"errors", m_nErrors},
-                         {"last_error", TextOrNull(m_strLastError)}};
-    m_counts.AddTo(state);
-    state["last_received_bytes"] = m_lastReceived.ToJson();
-    return state;
+    m_loop.Gate().Wake();
 }
 
 Awaitable<void> CBroadcastReceiver::Run() {
@@ -73,9 +63,7 @@ Awaitable<void> CBroadcastReceiver::Run() {
         }
         if (!m_bStopped) {
             // Whatever it was, it doesn't get better within the same moment.
-            m_timer.expires_after(RETRY_PAUSE);
-            error_code ignored;
-            co_await m_timer.async_wait(AwaitInto(ignored));
+            co_await Pause(m_timer, RETRY_PAUSE);
         }
     }
 }
@@ -83,26 +71,26 @@ Awaitable<void> CBroadcastReceiver::Run() {
 /// Why the port can't be had now; empty when it can.
 void CBroadcastReceiver::ShowProblem(const std::string& strProblem) {
     if (!strProblem.empty()) {
-        ++m_nErrors;
-        m_strLastError = strProblem;
-        m_host.OnStateChanged();
+        ++m_state.nErrors;
+        m_state.strLastError = strProblem;
+        m_loop.OnStateChanged();
     }
-    if (strProblem != m_strProblem) {
-        m_strProblem = strProblem;
+    if (strProblem != m_state.strProblem) {
+        m_state.strProblem = strProblem;
         if (strProblem.empty()) {
             WriteHostLine(LOG_INFORMATION, "broadcasts are received on UDP " + std::to_string(Port()));
         } else {
             WriteHostLine(LOG_ERROR, "broadcasts can't be received on " + strProblem + "; trying again");
         }
-        m_host.OnStateChanged();
+        m_loop.OnStateChanged();
     }
 }
 
 void CBroadcastReceiver::CountError(const std::string& strError) {
-    ++m_nErrors;
-    m_strLastError = strError;
+    ++m_state.nErrors;
+    m_state.strLastError = strError;
     m_errorLine.Write("receiving broadcasts on UDP " + std::to_string(Port()) + ": " + strError);
-    m_host.OnStateChanged();
+    m_loop.OnStateChanged();
 }
 
 /// Receive until an error. None is about one datagram: the buffer takes the longest, and nothing is sent from this
@@ -123,7 +111,7 @@ Awaitable<void> CBroadcastReceiver::Receive() {
             CloseSocket();
             co_return;
         }
-        co_await m_host.Gate().Pass(m_socket);
+        co_await m_loop.Gate().Pass(m_socket);
         if (m_bStopped) {
             co_return;
         }
@@ -132,17 +120,17 @@ Awaitable<void> CBroadcastReceiver::Receive() {
 }
 
 void CBroadcastReceiver::Take(std::span<const unsigned char> datagram) {
-    m_lastReceived.Set(datagram);
+    SetLast(m_state.lastReceived, datagram);
     SBroadcastItem item;
     EBroadcastRefusal nRefusal{};
     if (ReadBroadcast(datagram, item, nRefusal)) {
-        ++m_counts.nReceived;
-        if (m_host.OnBroadcast(item)) {
-            ++m_counts.nMatched;
+        ++m_state.counts.nReceived;
+        if (m_loop.HandOver(EPeer::Broadcast, {DEVICE_NETWORK, EVENT_BROADCAST, &item})) {
+            ++m_state.counts.nMatched;
         }
     } else {
-        ++m_counts.nRejected;
-        m_counts.strLastRejected = BroadcastRefusalName(nRefusal);
+        ++m_state.counts.nRejected;
+        m_state.counts.strLastRejected = BroadcastRefusalName(nRefusal);
     }
-    m_host.OnStateChanged();
+    m_loop.OnStateChanged();
 }

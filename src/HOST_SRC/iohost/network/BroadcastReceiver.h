@@ -10,14 +10,14 @@
 #include <memory>
 
 #include "base/LimitedLine.h"
+#include "network/NetworkState.h"
 
 using UdpSocket = boost::asio::basic_datagram_socket<boost::asio::ip::udp, Executor>;
 
 class CBroadcastReceiver : public std::enable_shared_from_this<CBroadcastReceiver> {
 public:
-    /// The host must outlive the io_context's handlers.
-    CBroadcastReceiver(boost::asio::io_context& context, const boost::asio::ip::udp::endpoint& endpoint,
-                       IPeerHost& host);
+    /// The loop must outlive its handlers.
+    CBroadcastReceiver(CPeerLoop& loop, const boost::asio::ip::udp::endpoint& endpoint);
 
     /// Open the port; the reason when it can't be had, else nothing. Once it is open, one that was started receives.
     std::string Open();
@@ -31,8 +31,8 @@ public:
     void Stop();
 
     const boost::asio::ip::udp::endpoint& Endpoint() const { return m_endpoint; }
-    unsigned short Port() const { return m_nPort; }
-    OrderedJson State() const;
+    unsigned short Port() const { return m_state.nPort; }
+    const SBroadcastState& State() const { return m_state; }
 
 private:
     Awaitable<void> Run();
@@ -41,18 +41,12 @@ private:
     void CountError(const std::string& strError);
     void Take(std::span<const unsigned char> datagram);
 
-    boost::asio::io_context& m_context;
+    CPeerLoop& m_loop;
     const boost::asio::ip::udp::endpoint m_endpoint;
-    unsigned short m_nPort; ///< the one that was had, where the endpoint says any
-    IPeerHost& m_host;
+    SBroadcastState m_state; ///< its port is the one that was had, where the endpoint says any
     UdpSocket m_socket;
     SteadyTimer m_timer;
     bool m_bStopped = false;
-    std::string m_strProblem; ///< why nothing is received now
-    unsigned long long m_nErrors = 0;
-    std::string m_strLastError;
     CLimitedLine m_errorLine{LOG_ERROR};
-    SItemCounts m_counts;
-    CLastBytes m_lastReceived;
     std::array<unsigned char, 65536> m_datagram; ///< no datagram is longer
 };

@@ -1,12 +1,9 @@
 #include "network/ControlListener.h"
 
-#include <algorithm>
-#include <array>
-
-#include "PlayControlParser.h"
 #include "base/Caught.h"
 #include "base/Listener.h"
 #include "base/Platform.h"
+#include "network/ItemReader.h"
 
 namespace asio = boost::asio;
 using boost::system::error_code;
@@ -19,100 +16,58 @@ constexpr std::chrono::milliseconds ACCEPT_PAUSE{100};
 } // namespace
 
 /// One host that sends.
-class CControlListener::CConnection final : public std::enable_shared_from_this<CConnection>, private IRecordReceiver {
+class CControlListener::CConnection final : public std::enable_shared_from_this<CConnection> {
 public:
     CConnection(TcpSocket socket, std::shared_ptr<CControlListener> pListener)
-        : m_socket(std::move(socket)), m_pListener(std::move(pListener)) {}
-    ~CConnection() = default;
+        : m_socket(std::move(socket)), m_pListener(std::move(pListener)),
+          m_reader(m_pListener->m_loop, m_pListener->m_state.counts) {
+        NoticeLostPeer(static_cast<std::uintptr_t>(m_socket.native_handle()));
+    }
 
     Awaitable<void> Run() {
         const auto pSelf = shared_from_this();
         try {
-            co_await Read();
+            co_await m_reader.Read(m_socket);
         } catch (...) {
             m_pListener->CountError(CaughtText());
         }
         m_pListener->m_connections.erase(pSelf);
         Close();
-        m_parser.Finish();
-        CountRejected();
-        m_pListener->m_host.OnStateChanged();
+        m_reader.EndConnection();
+        m_pListener->m_loop.OnStateChanged();
     }
 
     void Close() {
         error_code ignored;
         m_socket.close(ignored);
-        m_pListener->m_host.Gate().Wake();
+        m_pListener->m_loop.Gate().Wake();
     }
 
 private:
-    /// Read until the connection ends.
-    Awaitable<void> Read() {
-        NoticeLostPeer(static_cast<std::uintptr_t>(m_socket.native_handle()));
-        for (;;) {
-            error_code error;
-            const size_t nBytes = co_await m_socket.async_read_some(asio::buffer(m_received), AwaitInto(error));
-            if (error) {
-                co_return;
-            }
-            for (size_t nBegin = 0; nBegin < nBytes; nBegin += PARSED_AT_ONCE) {
-                if (!co_await m_pListener->m_host.Gate().Pass(m_socket)) {
-                    co_return;
-                }
-                const size_t nLength = std::min(PARSED_AT_ONCE, nBytes - nBegin);
-                const bool bInStep = m_parser.Receive(m_received.data() + nBegin, static_cast<int>(nLength));
-                CountRejected();
-                if (!bInStep) {
-                    co_return;
-                }
-            }
-        }
-    }
-
-    void OnRecord(const CString& /*strClip*/, CQORPanelRemoteCtrlData& record) override {
-        ++m_pListener->m_counts.nReceived;
-        if (m_pListener->m_host.OnRecord(EPeer::Control, DEVICE_NETWORK_CONTROL, record)) {
-            ++m_pListener->m_counts.nMatched;
-        }
-        m_pListener->m_host.OnStateChanged();
-    }
-
-    void CountRejected() {
-        const unsigned long long nRejected = m_parser.Reader().RefusedCount();
-        if (nRejected != m_nRejected) {
-            m_pListener->m_counts.nRejected += nRejected - m_nRejected;
-            m_pListener->m_counts.strLastRejected = FrameRefusalName(*m_parser.Reader().LastRefusal());
-            m_nRejected = nRejected;
-            m_pListener->m_host.OnStateChanged();
-        }
-    }
-
     TcpSocket m_socket;
     std::shared_ptr<CControlListener> m_pListener;
-    CQORPlayCtlParser m_parser{*this};
-    unsigned long long m_nRejected = 0; ///< as counted so far
-    std::array<unsigned char, 65536> m_received;
+    CItemReader m_reader;
 };
 
-CControlListener::CControlListener(asio::io_context& context, const asio::ip::tcp::endpoint& endpoint, IPeerHost& host)
-    : m_context(context), m_endpoint(endpoint), m_nPort(endpoint.port()), m_host(host), m_acceptor(context),
-      m_timer(context) {}
+CControlListener::CControlListener(CPeerLoop& loop, const asio::ip::tcp::endpoint& endpoint)
+    : m_loop(loop), m_endpoint(endpoint), m_state{.nPort = endpoint.port()}, m_acceptor(loop.Context()),
+      m_timer(loop.Context()) {}
 
 CControlListener::~CControlListener() = default;
 
 std::string CControlListener::Open() {
     error_code error;
-    OpenListener(m_acceptor, {m_endpoint.address(), m_nPort}, error);
+    OpenListener(m_acceptor, {m_endpoint.address(), m_state.nPort}, error);
     if (error) {
         return "TCP " + EndpointText(m_endpoint) + ": " + error.message();
     }
-    m_nPort = m_acceptor.local_endpoint().port();
+    m_state.nPort = m_acceptor.local_endpoint().port();
     m_timer.cancel();
     return {};
 }
 
 void CControlListener::Start() {
-    Spawn(m_context, "records of other hosts aren't taken any longer",
+    Spawn(m_loop.Context(), "records of other hosts aren't taken any longer",
           [pSelf = shared_from_this()] { return pSelf->Run(); });
 }
 
@@ -131,13 +86,9 @@ void CControlListener::Stop() {
     m_connections.clear(); // each lives on until its reading has ended
 }
 
-OrderedJson CControlListener::State() const {
-    OrderedJson state = {{"port", Port()},
-                         {"connections", m_connections.size()},
-                         {"turned_away", m_nTurnedAway},
-                         {"errors", m_nErrors},
-                         {"last_error", TextOrNull(m_strLastError)}};
-    m_counts.AddTo(state);
+SControlState CControlListener::State() const {
+    SControlState state = m_state;
+    state.nConnections = m_connections.size();
     return state;
 }
 
@@ -152,9 +103,7 @@ Awaitable<void> CControlListener::Run() {
         if (!strError.empty() && !m_bStopped) {
             // Mostly the system is short of something: a pause leaves it the time to get over that.
             CountError(strError);
-            m_timer.expires_after(ACCEPT_PAUSE);
-            error_code ignored;
-            co_await m_timer.async_wait(AwaitInto(ignored));
+            co_await Pause(m_timer, ACCEPT_PAUSE);
         }
     }
 }
@@ -167,7 +116,7 @@ Awaitable<std::string> CControlListener::TakeConnection() {
         }
     }
     error_code error;
-    TcpSocket socket(m_context);
+    TcpSocket socket(m_loop.Context());
     co_await m_acceptor.async_accept(socket, AwaitInto(error));
     if (m_bStopped || (error == asio::error::operation_aborted && m_acceptor.is_open())) {
         co_return std::string(); // or it was given back and opened again
@@ -176,19 +125,19 @@ Awaitable<std::string> CControlListener::TakeConnection() {
         co_return error.message();
     }
     if (m_connections.size() >= MOST_CONNECTIONS) {
-        ++m_nTurnedAway;
+        ++m_state.nTurnedAway;
     } else {
         const auto pConnection = std::make_shared<CConnection>(std::move(socket), shared_from_this());
         m_connections.insert(pConnection);
-        Spawn(m_context, "a connection of another host", [pConnection] { return pConnection->Run(); });
+        Spawn(m_loop.Context(), "a connection of another host", [pConnection] { return pConnection->Run(); });
     }
-    m_host.OnStateChanged();
+    m_loop.OnStateChanged();
     co_return std::string();
 }
 
 void CControlListener::CountError(const std::string& strError) {
-    ++m_nErrors;
-    m_strLastError = strError;
+    ++m_state.nErrors;
+    m_state.strLastError = strError;
     m_errorLine.Write("taking records of other hosts on TCP " + std::to_string(Port()) + ": " + strError);
-    m_host.OnStateChanged();
+    m_loop.OnStateChanged();
 }

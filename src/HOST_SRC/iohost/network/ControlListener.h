@@ -8,11 +8,12 @@
 #include <string>
 
 #include "base/LimitedLine.h"
+#include "network/NetworkState.h"
 
 class CControlListener : public std::enable_shared_from_this<CControlListener> {
 public:
-    /// The host must outlive the io_context's handlers.
-    CControlListener(boost::asio::io_context& context, const boost::asio::ip::tcp::endpoint& endpoint, IPeerHost& host);
+    /// The loop must outlive its handlers.
+    CControlListener(CPeerLoop& loop, const boost::asio::ip::tcp::endpoint& endpoint);
     ~CControlListener();
 
     /// Open the port; the reason when it can't be had, else nothing. Once it is open, one that was started listens.
@@ -27,8 +28,8 @@ public:
     void Stop();
 
     const boost::asio::ip::tcp::endpoint& Endpoint() const { return m_endpoint; }
-    unsigned short Port() const { return m_nPort; }
-    OrderedJson State() const;
+    unsigned short Port() const { return m_state.nPort; }
+    SControlState State() const;
 
 private:
     class CConnection;
@@ -37,17 +38,12 @@ private:
     Awaitable<std::string> TakeConnection();
     void CountError(const std::string& strError);
 
-    boost::asio::io_context& m_context;
+    CPeerLoop& m_loop;
     const boost::asio::ip::tcp::endpoint m_endpoint;
-    unsigned short m_nPort; ///< the one that was had, where the endpoint says any
-    IPeerHost& m_host;
+    SControlState m_state; ///< its port is the one that was had, where the endpoint says any
     TcpAcceptor m_acceptor;
     SteadyTimer m_timer;
     bool m_bStopped = false;
     std::set<std::shared_ptr<CConnection>> m_connections;
-    unsigned long long m_nTurnedAway = 0; ///< connections beyond the most that are served at once
-    unsigned long long m_nErrors = 0;
-    std::string m_strLastError;
     CLimitedLine m_errorLine{LOG_ERROR};
-    SItemCounts m_counts;
 };

@@ -9,13 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "host/EventRecord.h"
 #include "network/BroadcastReceiver.h"
 #include "network/ControlListener.h"
 #include "network/DeviceLink.h"
-#include "network/ItemObserver.h"
-
-class CHost;
+#include "network/NetworkState.h"
 
 /// What to listen on; a port that isn't given isn't listened on.
 struct SListenSetup {
@@ -24,26 +21,23 @@ struct SListenSetup {
     std::optional<unsigned short> control;   ///< TCP port, 0: any
 };
 
-class CPeers final : private IPeerHost {
+class CPeers {
 public:
-    explicit CPeers(CHost& host) : m_host(host) {}
+    /// The receiver must outlive this object.
+    explicit CPeers(INetworkReceiver& receiver) : m_loop(receiver) {}
     ~CPeers() { Close(); }
 
     CPeers(const CPeers&) = delete;
     CPeers& operator=(const CPeers&) = delete;
 
     /// The loop that all of it runs in. A front may run it, and may put its own work into it.
-    boost::asio::io_context& Context() { return m_context; }
-
-    /// Devices out of [{"id","name","parser","address"}], or none for null. strPath stands before field names in
-    /// refusals.
-    static std::optional<std::vector<SDeviceSetup>> ReadDevices(const Json& list, const std::string& strPath);
+    boost::asio::io_context& Context() { return m_loop.Context(); }
 
     /// Replace the devices; nothing: there is no list then.
     void SetDevices(std::optional<std::vector<SDeviceSetup>> setups);
 
-    /// The list as ReadDevices takes it; null without one.
-    OrderedJson DeviceList() const;
+    /// The devices as they were set.
+    std::optional<std::vector<SDeviceSetup>> Devices() const;
 
     /// Listen on these ports in place of others; refuses a port that can't be had, and then nothing is changed.
     void Listen(const SListenSetup& setup);
@@ -61,53 +55,31 @@ public:
     /// Let each device try to connect once, for up to so long.
     void AwaitFirstAttempts(unsigned nMilliseconds);
 
-    /// Read the network for up to so long, or until something was handed to the nodes. The list of what was:
-    /// [{"from","device","event","results"}].
-    OrderedJson Wait(unsigned nMilliseconds);
+    /// Read the network for up to so long, or until something was handed to the nodes.
+    void Wait(unsigned nMilliseconds);
 
     /// While it is on, what nodes send to devices is shown only, and what waits to be written goes on waiting.
     void SetListenOnly(bool bOn);
+    bool IsListenOnly() const { return m_loop.IsListenOnly(); }
 
-    /// {"devices":[...] or null,"broadcast":{...} or null,"control":{...} or null,"listen_only"}
-    OrderedJson State() const;
+    SNetworkState State() const;
 
     /// Grows whenever State would tell something else but times.
-    unsigned long long StateVersion() const { return m_nStateVersion; }
-
-    /// Null for none. It isn't owned.
-    void SetItemObserver(IItemObserver* pObserver) { m_pItemObserver = pObserver; }
+    unsigned long long StateVersion() const { return m_loop.StateVersion(); }
 
     /// End all connections.
     void Close();
 
 private:
-    CReadGate& Gate() override { return m_gate; }
-    bool OnRecord(EPeer nFrom, EIODevice nDevice, CQORPanelRemoteCtrlData& record) override;
-    bool OnBroadcast(SBroadcastItem& item) override;
-    bool OnDeviceText(int nDeviceId, const CString& strText) override;
-    void OnSent(OrderedJson entry) override;
-    size_t MostShownBytes() const override;
-    bool IsListenOnly() const override { return m_bListenOnly; }
-    void OnStateChanged() override { ++m_nStateVersion; }
-
-    bool Dispatch(EPeer nFrom, const SIOEventRecord& record);
-    bool HandOver(EPeer nFrom, const SIOEventRecord& record);
     void StopDevices();
 
-    CHost& m_host;
-    boost::asio::io_context m_context{1};
-    CReadGate m_gate{m_context};
+    CPeerLoop m_loop;
     bool m_bRunsAlways = false;
-    bool m_bListenOnly = false;
     bool m_bDeviceList = false;
     NetPlayCtrlDevArray m_arDevice;                    ///< what nodes see
     std::vector<std::shared_ptr<CDeviceLink>> m_links; ///< in the order of the array
     std::shared_ptr<CBroadcastReceiver> m_pBroadcast;
     std::shared_ptr<CControlListener> m_pControl;
-    OrderedJson m_dispatched; ///< an array while Wait collects
-    CLimitedLine m_faultLine{LOG_ERROR};
-    unsigned long long m_nStateVersion = 0;
-    IItemObserver* m_pItemObserver = nullptr;
 };
 
 /// The port of broadcasts in the application folder's configuration; 0 without one.

@@ -49,14 +49,6 @@ unsigned long long CTextLines::RefusedCount() const {
     return std::accumulate(m_nRefused.begin(), m_nRefused.end(), 0ULL);
 }
 
-OrderedJson CTextLines::RefusedByName() const {
-    OrderedJson counts = OrderedJson::object();
-    for (size_t i = 0; i < LINE_REFUSAL_COUNT; ++i) {
-        counts[LineRefusalName(static_cast<ELineRefusal>(i))] = m_nRefused[i];
-    }
-    return counts;
-}
-
 void CTextLines::Append(std::span<const unsigned char> bytes) {
     // One byte more is kept for a carriage return, which may turn out to belong to the line's end.
     if (m_bTooLong || bytes.size() > LONGEST_TEXT_LINE + 1 - m_strLine.size()) {

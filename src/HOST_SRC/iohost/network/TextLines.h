@@ -4,10 +4,10 @@
 
 #include <array>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "SocketTransport.h"
-#include "protocol/Fields.h"
 
 /// Longest line in bytes, without its end.
 inline constexpr size_t LONGEST_TEXT_LINE = size_t{1} << 20;
@@ -15,6 +15,7 @@ inline constexpr size_t LONGEST_TEXT_LINE = size_t{1} << 20;
 /// Why a line isn't taken. The next one is read all the same.
 enum class ELineRefusal { Empty, TooLong, NotUtf8, CutOff };
 inline constexpr size_t LINE_REFUSAL_COUNT = 4;
+using LineRefusalCounts = std::array<unsigned long long, LINE_REFUSAL_COUNT>; ///< by refusal
 
 /// The name of a refusal, for people and counters.
 const char* LineRefusalName(ELineRefusal nRefusal);
@@ -40,14 +41,10 @@ public:
     /// The connection ended; a line without an end counts as cut off.
     void OnConnectionEnds();
 
-    unsigned long long RefusedCount(ELineRefusal nRefusal) const { return m_nRefused[static_cast<size_t>(nRefusal)]; }
-
-    /// All refused lines, and why the last one was.
+    /// How many lines were refused for each reason, how many in all, and why the last one was.
+    const LineRefusalCounts& RefusedCounts() const { return m_nRefused; }
     unsigned long long RefusedCount() const;
     std::optional<ELineRefusal> LastRefusal() const { return m_lastRefusal; }
-
-    /// {"empty","too long","not UTF-8","cut off"}: how many of each.
-    OrderedJson RefusedByName() const;
 
 private:
     void Append(std::span<const unsigned char> bytes);
@@ -58,6 +55,6 @@ private:
     ITextReceiver& m_receiver;
     std::string m_strLine;   ///< the current line, as far as it came
     bool m_bTooLong = false; ///< the current line is passed over
-    std::array<unsigned long long, LINE_REFUSAL_COUNT> m_nRefused = {};
+    LineRefusalCounts m_nRefused = {};
     std::optional<ELineRefusal> m_lastRefusal;
 };

@@ -6,12 +6,7 @@
 
 namespace {
 
-constexpr size_t QUOTED_BYTES = 64;
 constexpr int DEEPEST = 64;
-
-[[noreturn]] void RefuseKind(std::string_view field, std::string_view kind) {
-    Refuse(field, "must be " + std::string(kind));
-}
 
 template <typename T>
 T ReadWhole(const Json& value, std::string_view field) {
@@ -32,19 +27,8 @@ T ReadWhole(const Json& value, std::string_view field) {
 
 } // namespace
 
-void Refuse(std::string_view field, std::string_view problem) {
-    throw CRefusal(std::string(field) + ": " + std::string(problem));
-}
-
-std::string Quoted(std::string_view text) {
-    if (text.size() <= QUOTED_BYTES) {
-        return '"' + std::string(text) + '"';
-    }
-    size_t nCut = QUOTED_BYTES;
-    while (nCut > 0 && (static_cast<unsigned char>(text[nCut]) & 0xC0) == 0x80) {
-        --nCut; // not within a character
-    }
-    return '"' + std::string(text.substr(0, nCut)) + "...\"";
+void RefuseKind(std::string_view field, std::string_view kind) {
+    Refuse(field, "must be " + std::string(kind));
 }
 
 Json ParseJson(std::string_view text, const std::string& strWhat) {
@@ -125,51 +109,4 @@ const Json& CFields::Required(const char* pszName) const {
         Refuse(Path(pszName), "is missing");
     }
     return *pValue;
-}
-
-const std::string& CFields::Text(const char* pszName) const {
-    return ReadText(Required(pszName), Path(pszName));
-}
-
-std::optional<std::string> CFields::TextOrNull(const char* pszName) const {
-    const Json& value = Required(pszName);
-    if (value.is_null()) {
-        return std::nullopt;
-    }
-    if (!value.is_string()) {
-        RefuseKind(Path(pszName), "a string or null");
-    }
-    return value.get<std::string>();
-}
-
-int CFields::Int(const char* pszName) const {
-    return ReadInt(Required(pszName), Path(pszName));
-}
-
-unsigned CFields::Unsigned(const char* pszName) const {
-    return ReadUnsigned(Required(pszName), Path(pszName));
-}
-
-float CFields::Float(const char* pszName) const {
-    return ReadFloat(Required(pszName), Path(pszName));
-}
-
-bool CFields::Bool(const char* pszName) const {
-    return ReadBool(Required(pszName), Path(pszName));
-}
-
-const Json& CFields::Array(const char* pszName) const {
-    const Json& value = Required(pszName);
-    if (!value.is_array()) {
-        RefuseKind(Path(pszName), "a list");
-    }
-    return value;
-}
-
-bool CFields::Bool(const char* pszName, bool bDefault) const {
-    return Has(pszName) ? Bool(pszName) : bDefault;
-}
-
-const Json* CFields::OptionalArray(const char* pszName) const {
-    return Has(pszName) ? &Array(pszName) : nullptr;
 }

@@ -1,4 +1,4 @@
-// The scene as a JSON file.
+// Scenes in files.
 //   {"format": "iohost scene", "version": 1,
 //    "clips": [{"name", "objects": [{"name", "matrix": [16 floats]}]}],
 //    "nodes": [{"node", "type", "clip", "graph", "event_window", "notify_window", "own", "inputs", "outputs"}],
@@ -9,20 +9,18 @@
 // A link may name a pin that "inputs" or "outputs" lack, when the node makes it by itself: it was dropped.
 #pragma once
 
-#include <filesystem>
+#include "protocol/Protocol.h"
 
-#include "engine/Host.h"
-#include "protocol/Fields.h"
+/// Any file of the system. One that can't be written leaves an older one as it is.
+class CSystemFiles final : public ISceneFiles {
+public:
+    std::string Read(const std::string& strName) override;
+    void Write(const std::string& strName, const std::string& strText) override;
+};
 
-/// Write the scene; a file that can't be written is refused and an older one then stays.
-void SaveScene(CHost& host, const std::filesystem::path& file);
-
-/// A scene file's content; refused where there is no JSON to be read.
-Json ReadSceneFile(const std::filesystem::path& file);
-
-/// Replace the scene by that of a file's content. On a refusal, which names the fields by strPath, the scene stays as
-/// it was.
-void LoadScene(CHost& host, const Json& document, const std::string& strPath);
-
-/// The request; a `load` request with the scene itself in place of the file's name, if that can be read.
-Json WithSceneInside(Json request);
+/// No file at all.
+class CNoFiles final : public ISceneFiles {
+public:
+    std::string Read(const std::string& strName) override;
+    void Write(const std::string& strName, const std::string& strText) override;
+};

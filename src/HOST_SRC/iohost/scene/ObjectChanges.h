@@ -5,26 +5,26 @@
 #include <optional>
 #include <vector>
 
-#include "protocol/Fields.h"
 #include "scene/Scene.h"
+
+/// An object of a clip, with its transform.
+struct SObjectState {
+    CString strClip;
+    CString strName;
+    std::array<float, 16> matrix;
+};
+
+/// The objects of all clips.
+std::vector<SObjectState> ObjectsOf(const CScene& scene);
 
 class CObjectChanges {
 public:
-    /// All objects with their matrices, as the request `objects` lists them, when any changed, came or went since the
-    /// last call; null otherwise.
-    OrderedJson Take(const CScene& scene);
+    /// All objects when any changed, came or went since the last call; none otherwise.
+    std::optional<std::vector<SObjectState>> Take(const CScene& scene);
 
     /// Let the next call return the list.
     void Forget() { m_taken.reset(); }
 
 private:
-    struct SObject {
-        const VEKClip* pClip;
-        CString strName;
-        std::array<unsigned, 16> matrix; ///< bit by bit: an undefined number equals itself
-
-        bool operator==(const SObject&) const = default;
-    };
-
-    std::optional<std::vector<SObject>> m_taken; ///< none: nothing was taken yet
+    std::optional<std::vector<SObjectState>> m_taken; ///< none: nothing was taken yet
 };

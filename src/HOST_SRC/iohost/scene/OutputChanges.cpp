@@ -2,13 +2,14 @@
 
 #include <bit>
 
-#include "protocol/Inspect.h"
+#include "scene/ParamSet.h"
 
-OrderedJson COutputChanges::Take(CScene& scene) {
-    OrderedJson changed = OrderedJson::object();
+OutputValues COutputChanges::Take(CScene& scene) {
+    OutputValues changed;
     std::erase_if(m_told, [&](const auto& told) { return scene.Find(told.first) == nullptr; });
     for (const auto& [nOrder, node] : scene.Nodes()) {
         auto& told = m_told[node.strHandle];
+        std::vector<std::pair<unsigned, SValues>> values;
         const VEKParamGroupList& lstGroup = node.pGraphNode->m_lstOutputGroup;
         for (POSITION pos = lstGroup.GetHeadPosition(); pos != nullptr;) {
             const VEKParamGroup& group = *lstGroup.GetNext(pos);
@@ -19,14 +20,17 @@ OrderedJson COutputChanges::Take(CScene& scene) {
                 }
                 const unsigned nId = output.m_guid.Data1;
                 const auto [entry, bNew] = told.try_emplace(nId);
-                SOutputValue& value = entry->second;
+                SValues& value = entry->second;
                 // Bit by bit: an undefined number counts as unchanged.
-                if (bNew || value.nValue != output.m_nValue || value.strValue != output.m_strValue ||
-                    std::bit_cast<unsigned>(value.fValue) != std::bit_cast<unsigned>(output.m_fValue)) {
-                    value = {output.m_nValue, output.m_fValue, output.m_strValue};
-                    changed[node.strHandle][std::to_string(nId)] = ValuesToJson(output);
+                if (bNew || value.nInteger != output.m_nValue || value.strText != output.m_strValue ||
+                    std::bit_cast<unsigned>(value.fNumber) != std::bit_cast<unsigned>(output.m_fValue)) {
+                    value = ValuesOf(output);
+                    values.emplace_back(nId, value);
                 }
             }
+        }
+        if (!values.empty()) {
+            changed.emplace_back(node.strHandle, std::move(values));
         }
     }
     return changed;

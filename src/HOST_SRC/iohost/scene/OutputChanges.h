@@ -4,26 +4,22 @@
 #include <map>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
-#include "protocol/Fields.h"
+#include "scene/Document.h"
 #include "scene/Scene.h"
+
+/// Outputs' values by node handle and output id.
+using OutputValues = std::vector<std::pair<std::string, std::vector<std::pair<unsigned, SValues>>>>;
 
 class COutputChanges {
 public:
-    /// The value outputs that changed since the last call, by node and parameter id:
-    ///   {"m": {"370": {"int": 5, "float": 0.0, "string": ""}}}
-    OrderedJson Take(CScene& scene);
+    /// The value outputs that changed since the last call.
+    OutputValues Take(CScene& scene);
 
     /// Let the next Take tell all value outputs.
     void Forget() { m_told.clear(); }
 
 private:
-    /// The values of an output as they were told last.
-    struct SOutputValue {
-        int nValue;
-        float fValue;
-        CString strValue;
-    };
-
-    std::unordered_map<std::string, std::map<unsigned, SOutputValue>> m_told; ///< by node and parameter id
+    std::unordered_map<std::string, std::map<unsigned, SValues>> m_told; ///< by handle and id
 };

@@ -1,10 +1,9 @@
 #include "scene/ParamSet.h"
 
 #include <algorithm>
-#include <iterator>
 #include <limits>
 
-#include "HostSetup.h"
+#include "base/Refusal.h"
 #include "host/HostRender.h"
 
 namespace {
@@ -33,78 +32,105 @@ std::unique_ptr<VEKParam> TakeParam(VEKParamGroup& group, unsigned nId) {
     return nullptr;
 }
 
-CString OptionalText(const CFields& fields, const char* pszName) {
-    return fields.Has(pszName) ? FromUtf8(fields.Text(pszName)) : CString();
-}
-
-/// Infinite and undefined numbers are null in JSON.
-float FloatOrNull(const Json& value, const std::string& strPath) {
-    return value.is_null() ? std::numeric_limits<float>::quiet_NaN() : ReadFloat(value, strPath);
-}
-
-/// A list of four numbers; false when it is missing or null.
-template <typename T, typename Read>
-bool ReadFour(const CFields& fields, const char* pszName, T (&numbers)[4], Read read) {
-    const Json* pList = fields.Find(pszName);
-    if (pList == nullptr || pList->is_null()) {
-        return false;
-    }
-    if (fields.Array(pszName).size() != std::size(numbers)) {
-        Refuse(fields.Path(pszName), "must hold four numbers");
-    }
-    std::ranges::transform(*pList, numbers, [&](const Json& number) { return read(number, fields.Path(pszName)); });
-    return true;
+float NumberOf(std::optional<float> number) {
+    return number.value_or(std::numeric_limits<float>::quiet_NaN());
 }
 
 /// A parameter that the node doesn't make: older sets may hold such.
-std::unique_ptr<VEKParam> MakeParam(const CFields& fields, bool bOutput) {
-    const unsigned nId = fields.Unsigned("id");
+std::unique_ptr<VEKParam> MakeParam(const SParamState& state, bool bOutput) {
     const ParamCodes codes = bOutput ? PARAM_EVENT : PARAM_INTEGER;
-    const int nType = fields.Has("type") ? fields.Int("type") : codes.m_nType;
-    const int nControl = fields.Has("control") ? fields.Int("control") : codes.m_nControl;
-    const CString strName = OptionalText(fields, "name");
-    const CString strDisplay = OptionalText(fields, "display");
+    const int nType = state.type.value_or(codes.m_nType);
+    const int nControl = state.control.value_or(codes.m_nControl);
+    const CString strName = state.name.value_or(CString());
+    const CString strDisplay = state.display.value_or(CString());
     std::unique_ptr<VEKParam> pParam;
     if (bOutput) {
-        auto pOutput = std::make_unique<SQORNodeOutput>(nId, strName, strDisplay, nType, nControl);
+        auto pOutput = std::make_unique<SQORNodeOutput>(state.nId, strName, strDisplay, nType, nControl);
         pOutput->m_nExtra = 0;
         pParam = std::move(pOutput);
     } else {
-        pParam = std::make_unique<VEKParam>(nId, strName, strDisplay, nType, nControl);
+        pParam = std::make_unique<VEKParam>(state.nId, strName, strDisplay, nType, nControl);
     }
-    if (float fRange[4]; ReadFour(fields, "range", fRange, FloatOrNull)) {
-        std::ranges::copy(fRange, pParam->m_fRange);
+    if (state.range) {
+        std::ranges::transform(*state.range, pParam->m_fRange, NumberOf);
         pParam->m_bRangeSet = 1;
     }
-    if (int nFlags[4]; ReadFour(fields, "flags", nFlags, ReadInt)) {
-        SetParamBoolValue(pParam.get(), nFlags[0], nFlags[1], nFlags[2], nFlags[3]);
+    if (state.flags) {
+        const auto& flags = *state.flags;
+        SetParamBoolValue(pParam.get(), flags[0], flags[1], flags[2], flags[3]);
     }
     return pParam;
 }
 
-void ApplyValues(VEKParam& param, const CFields& fields) {
-    if (fields.Has("int")) {
-        param.m_nValue = fields.Int("int");
-    }
-    if (const Json* pFloat = fields.Find("float")) {
-        param.m_fValue = FloatOrNull(*pFloat, fields.Path("float"));
-    }
-    if (fields.Has("string")) {
-        param.m_strValue = FromUtf8(fields.Text("string"));
-    }
-    if (const Json* pChoices = fields.OptionalArray("choices")) {
+void ApplyValues(VEKParam& param, const SParamState& state) {
+    param.m_nValue = state.integer.value_or(param.m_nValue);
+    param.m_fValue = state.number ? NumberOf(*state.number) : param.m_fValue;
+    param.m_strValue = state.text.value_or(param.m_strValue);
+    param.m_bAvailable = state.available.value_or(param.m_bAvailable);
+    if (state.choices) {
         param.m_arChoice.RemoveAll();
-        for (const Json& choice : *pChoices) {
-            param.m_arChoice.Add(FromUtf8(ReadText(choice, fields.Path("choices"))));
+        for (const CString& strChoice : *state.choices) {
+            param.m_arChoice.Add(strChoice);
         }
-    }
-    if (fields.Has("available")) {
-        param.m_bAvailable = fields.Int("available");
     }
 }
 
-std::string ElementPath(const std::string& strPath, size_t nIndex) {
-    return strPath + "[" + std::to_string(nIndex) + "].";
+SParamState StateOf(const VEKParam& param) {
+    SParamState state{.nId = static_cast<unsigned>(param.m_guid.Data1),
+                      .name = param.m_strName,
+                      .display = param.m_strDisplay,
+                      .type = param.m_nType,
+                      .control = param.m_nControl,
+                      .integer = param.m_nValue,
+                      .number = param.m_fValue,
+                      .text = param.m_strValue,
+                      .choices = std::vector<CString>(),
+                      .available = param.m_bAvailable};
+    if (param.m_bRangeSet != 0) {
+        std::ranges::copy(param.m_fRange, state.range.emplace().begin());
+    }
+    if (param.m_bBoolValueSet != 0) {
+        state.flags = std::to_array(param.m_nBoolValue);
+    }
+    for (INT_PTR i = 0; i < param.m_arChoice.GetSize(); ++i) {
+        state.choices->push_back(param.m_arChoice[i]);
+    }
+    if (const auto* pOutput = dynamic_cast<const SQORNodeOutput*>(&param)) {
+        state.extra = pOutput->m_nExtra;
+    }
+    return state;
+}
+
+ParamCodes CodesFor(const Value& value) {
+    return std::holds_alternative<CString>(value) ? PARAM_STRING
+           : std::holds_alternative<float>(value) ? PARAM_FLOAT
+                                                  : PARAM_INTEGER;
+}
+
+VEKParam& FindOrAdd(VEKParamGroupList& lstOwn, unsigned nId, ParamCodes codes) {
+    if (VEKParam* pParam = FindParam(lstOwn, MakeParamGuid(nId))) {
+        return *pParam;
+    }
+    if (lstOwn.IsEmpty()) {
+        Refuse("saved", "the node has no parameter group that could hold parameter " + std::to_string(nId));
+    }
+    auto pParam = std::make_unique<VEKParam>(nId, CString(), CString(), codes.m_nType, codes.m_nControl);
+    lstOwn.GetHead()->m_lstParam.AddTail(pParam.get());
+    return *pParam.release();
+}
+
+/// A whole number is what a parameter of that kind holds as a float.
+void SetSavedValue(VEKParam& param, const Value& value) {
+    const bool bFloat = param.m_nType == PARAM_FLOAT.m_nType && param.m_nControl == PARAM_FLOAT.m_nControl;
+    if (const auto* pText = std::get_if<CString>(&value)) {
+        param.m_strValue = *pText;
+    } else if (const auto* pNumber = std::get_if<float>(&value)) {
+        param.m_fValue = *pNumber;
+    } else if (bFloat) {
+        param.m_fValue = static_cast<float>(std::get<int>(value));
+    } else {
+        param.m_nValue = std::get<int>(value);
+    }
 }
 
 } // namespace
@@ -147,37 +173,69 @@ std::unique_ptr<VEKParam> TakeParam(VEKParamGroupList& lstGroup, unsigned nId) {
     return nullptr;
 }
 
-void RestoreGroups(VEKParamGroupList& lstGroup, const Json& groups, const std::string& strPath, bool bOutputs) {
-    if (!groups.is_array()) {
-        Refuse(strPath, "must be a list");
+std::vector<SGroupState> StateOf(const VEKParamGroupList& lstGroup) {
+    std::vector<SGroupState> groups;
+    for (POSITION pos = lstGroup.GetHeadPosition(); pos != nullptr;) {
+        const VEKParamGroup& group = *lstGroup.GetNext(pos);
+        SGroupState& state = groups.emplace_back();
+        state.nId = static_cast<unsigned>(group.m_guid.Data1);
+        state.name = group.m_strName;
+        state.display = group.m_strDisplay;
+        for (POSITION posParam = group.m_lstParam.GetHeadPosition(); posParam != nullptr;) {
+            state.params.push_back(StateOf(*group.m_lstParam.GetNext(posParam)));
+        }
     }
-    // Work on a copy, so that a refusal in the middle leaves the list as it was.
+    return groups;
+}
+
+SValues ValuesOf(const VEKParam& param) {
+    return {param.m_nValue, param.m_fValue, param.m_strValue, {}};
+}
+
+void RestoreGroups(VEKParamGroupList& lstGroup, const std::vector<SGroupState>& groups, bool bOutputs) {
     CParamSet known;
-    CloneGroups(lstGroup, known.Groups());
-    CParamSet restored;
-    for (size_t nGroup = 0; nGroup < groups.size(); ++nGroup) {
-        const CFields groupFields(groups[nGroup], ElementPath(strPath, nGroup));
-        const unsigned nGroupId = groupFields.Unsigned("id");
-        auto pKnownGroup = TakeGroup(known.Groups(), nGroupId);
+    known.Swap(lstGroup);
+    for (const SGroupState& state : groups) {
+        auto pKnownGroup = TakeGroup(known.Groups(), state.nId);
         auto pGroup = std::make_unique<VEKParamGroup>();
-        pGroup->m_guid = MakeParamGuid(nGroupId);
-        pGroup->m_strName = pKnownGroup ? pKnownGroup->m_strName : OptionalText(groupFields, "name");
-        pGroup->m_strDisplay = pKnownGroup ? pKnownGroup->m_strDisplay : OptionalText(groupFields, "display");
-        const Json& params = groupFields.Array("params");
-        for (size_t nParam = 0; nParam < params.size(); ++nParam) {
-            const CFields fields(params[nParam], ElementPath(groupFields.Path("params"), nParam));
-            const unsigned nId = fields.Unsigned("id");
-            auto pParam = pKnownGroup ? TakeParam(*pKnownGroup, nId) : nullptr;
+        pGroup->m_guid = MakeParamGuid(state.nId);
+        pGroup->m_strName = pKnownGroup ? pKnownGroup->m_strName : state.name.value_or(CString());
+        pGroup->m_strDisplay = pKnownGroup ? pKnownGroup->m_strDisplay : state.display.value_or(CString());
+        for (const SParamState& param : state.params) {
+            auto pParam = pKnownGroup ? TakeParam(*pKnownGroup, param.nId) : nullptr;
             if (pParam == nullptr) {
-                pParam = TakeParam(known.Groups(), nId);
+                pParam = TakeParam(known.Groups(), param.nId);
             }
             if (pParam == nullptr) {
-                pParam = MakeParam(fields, bOutputs);
+                pParam = MakeParam(param, bOutputs);
             }
-            ApplyValues(*pParam, fields);
+            ApplyValues(*pParam, param);
             pGroup->m_lstParam.AddTail(pParam.release());
         }
-        restored.Groups().AddTail(pGroup.release());
+        lstGroup.AddTail(pGroup.release());
     }
-    restored.Swap(lstGroup);
+}
+
+void ApplySavedSet(const SSavedSet& saved, VEKParamGroupList& lstOwn) {
+    for (const auto& [nId, value] : saved.values) {
+        SetSavedValue(FindOrAdd(lstOwn, nId, CodesFor(value)), value);
+    }
+    for (const unsigned nId : saved.drop) {
+        if (TakeParam(lstOwn, nId) == nullptr) {
+            Refuse("saved.drop", "the node has no parameter " + std::to_string(nId));
+        }
+    }
+    for (const auto& [nId, bAvailable] : saved.available) {
+        FindOrAdd(lstOwn, nId, PARAM_INTEGER).m_bAvailable = bAvailable;
+    }
+    for (const unsigned nId : saved.emptyChoices) {
+        VEKParam* pParam = FindParam(lstOwn, MakeParamGuid(nId));
+        if (pParam == nullptr) {
+            Refuse("saved.choices", "the node has no parameter " + std::to_string(nId));
+        }
+        pParam->m_arChoice.RemoveAll();
+    }
+    if (!saved.bGroups) {
+        CParamSet().Swap(lstOwn);
+    }
 }

@@ -1,8 +1,10 @@
-// Parameter sets of nodes and graph nodes: copies, removal, and restoring them from their JSON form.
+// Parameter sets of nodes and graph nodes: copies, removal, and restoring them from plain data.
 #pragma once
 
+#include <memory>
+
 #include "host/ParamModel.h"
-#include "protocol/Fields.h"
+#include "scene/Document.h"
 
 /// Groups that are owned until they are handed on.
 class CParamSet {
@@ -24,14 +26,23 @@ private:
     VEKParamGroupList m_lstGroup;
 };
 
+/// All groups of a list with all that can be told of their parameters.
+std::vector<SGroupState> StateOf(const VEKParamGroupList& lstGroup);
+
+SValues ValuesOf(const VEKParam& param);
+
 /// Append copies of all groups to the other list, which then owns them.
 void CloneGroups(const VEKParamGroupList& lstFrom, VEKParamGroupList& lstTo);
 
 /// Take the first parameter of that id out of the groups; the caller owns it. Null if absent.
 std::unique_ptr<VEKParam> TakeParam(VEKParamGroupList& lstGroup, unsigned nId);
 
-/// Make the list hold exactly the groups and parameters of a JSON list, in its order: those that the list already has
-/// stay and take the values that stand there, others are made, the rest is deleted. Nothing changes on a refusal.
-///   [{"id", "name", "display", "params": [{"id", "int", "float", "string", "choices", "available", ...}]}]
-/// All but the ids may be missing. New parameters are pins in an output list (bOutputs), ordinary ones else.
-void RestoreGroups(VEKParamGroupList& lstGroup, const Json& groups, const std::string& strPath, bool bOutputs);
+/// Make the list hold exactly these groups and parameters, in their order: those that it already has stay and take the
+/// values that are there, others are made, the rest is deleted. New parameters are pins in an output list (bOutputs),
+/// ordinary ones else.
+void RestoreGroups(VEKParamGroupList& lstGroup, const std::vector<SGroupState>& groups, bool bOutputs);
+
+/// Change a node's own groups to what a project holds. A parameter that gets a value or a flag and isn't there is added
+/// to the first group, as older sets hold parameters that today's nodes don't make; dropping or emptying one that isn't
+/// there is refused.
+void ApplySavedSet(const SSavedSet& saved, VEKParamGroupList& lstOwn);

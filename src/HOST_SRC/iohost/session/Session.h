@@ -1,105 +1,139 @@
-// A session with the module, driven by the requests of the session protocol. One thread, no locks.
+// A session with the module: the one way in for whatever comes to its nodes. One thread, no locks.
 #pragma once
 
 #include <memory>
 #include <string>
-#include <string_view>
+#include <vector>
 
+#include "base/Clock.h"
+#include "base/LimitedLine.h"
 #include "engine/Host.h"
-#include "fronts/recording/Recorder.h"
-#include "network/ItemObserver.h"
-#include "protocol/Fields.h"
-#include "scene/ObjectChanges.h"
-#include "scene/OutputChanges.h"
+#include "network/Peers.h"
+#include "session/Command.h"
 #include "session/HeldInput.h"
+#include "session/Outcome.h"
 
-class CSession final : private IItemObserver {
+/// Hears of all that comes into a session and what becomes of it.
+class ISessionObserver {
+public:
+    /// A command is about to be carried out.
+    virtual void OnBegin() {}
+
+    /// It was, or something happened between commands. Whoever changes the session from here does so later.
+    virtual void OnDone(const SDone& done) = 0;
+
+protected:
+    ~ISessionObserver() = default;
+};
+
+class CSession final : private INetworkReceiver {
 public:
     /// Load the module and register its node types. Null, with a clear message, when that fails. There is one session
     /// at a time in a process.
     static std::unique_ptr<CSession> Open(const SSessionOptions& options, std::string& strError);
 
-    /// Ends the session as the request `quit` does.
+    /// Ends the session as the command `quit` does.
     ~CSession();
 
     CSession(const CSession&) = delete;
     CSession& operator=(const CSession&) = delete;
 
+    /// Carry a command out.
+    SDone Do(const Command& command, const SOrigin& origin = {});
+
+    /// Release all that a connection holds, and forget it.
+    SDone CloseConnection(CHeldInput& held, const std::string& strReason);
+
+    /// Observers hear in the order in which they came. They aren't owned.
+    void Attach(ISessionObserver& observer) { m_observers.push_back(&observer); }
+    void Detach(ISessionObserver& observer) { std::erase(m_observers, &observer); }
+
+    /// The session is over: every further command is refused.
+    bool HasQuit() const { return m_pHost->IsClosed(); }
+
     /// What the connections hold down; a front that has connections opens an account for each.
     CHeldInputs& Held() { return m_held; }
 
-    /// One request object to one reply object. pHeld keeps account of what the sending connection holds down; null for
-    /// a front without such connections.
-    OrderedJson Handle(const Json& request, CHeldInput* pHeld = nullptr);
-
-    /// A request of the host's own: it isn't recorded.
-    OrderedJson Query(const Json& request) { return CarryOut(request, nullptr); }
-
-    /// One request text to one reply text; text that isn't JSON gets an error reply.
-    std::string HandleText(std::string_view text, CHeldInput* pHeld = nullptr);
-
-    /// Release all that a connection holds, and forget it. The reply is that of the request `release_held`.
-    OrderedJson CloseConnection(CHeldInput& held, const std::string& strReason);
-
-    /// From now on keep what comes in.
-    void Record(std::unique_ptr<CRecorder> pRecorder);
-
-    /// Null without one.
-    const CRecorder* Recorder() const { return m_pRecorder.get(); }
-
     /// The network of the session. A front that runs its loop says so to it.
-    CPeers& Peers() { return m_pHost->Peers(); }
+    CPeers& Peers() { return m_peers; }
 
     /// What nodes take for the application's main window.
     CMainWindow& MainWindow() { return m_pHost->MainWindow(); }
 
-    /// One evaluation of the whole graph. Returns what happened: an object of lists, empty when nothing did.
-    OrderedJson Frame();
+    CClock& Clock() { return m_clock; }
 
-    /// What happened outside of requests and frames since the last call, in the same form.
-    OrderedJson TakeHappened();
+    /// Where display texts come from.
+    ETextTable Texts() const { return m_pHost->Texts(); }
 
-    /// The session is over: every further request is refused.
-    bool HasQuit() const { return m_pHost->IsClosed(); }
+    CScene& Scene() { return m_pHost->Scene(); }
 
-    /// Grows whenever nodes, links or parameters were changed by a request.
+    /// Grows whenever nodes, links or parameters were changed by a command.
     unsigned long long SceneVersion() const { return m_nSceneVersion; }
 
-    /// The value outputs that changed since the last call, as COutputChanges tells them.
-    OrderedJson ChangedOutputs() { return m_sentOutputs.Take(m_pHost->Scene()); }
-
-    /// The scene's objects, when any of them changed since the last call; null otherwise.
-    OrderedJson ChangedObjects() { return m_sentObjects.Take(m_pHost->Scene()); }
-
-    /// What the JSON nodes made of the texts that came since the last call, as CJsonVerdicts tells it.
-    OrderedJson NewJsonVerdicts() { return m_pHost->JsonVerdicts().TakeNew(m_pHost->Scene()); }
-
-    /// Let the next ChangedOutputs, ChangedObjects and NewJsonVerdicts return everything.
-    void ForgetSent();
+    /// What the JSON nodes made of the texts that came.
+    CJsonVerdicts& JsonVerdicts() { return m_pHost->JsonVerdicts(); }
 
 private:
     explicit CSession(std::unique_ptr<CHost> pHost);
 
-    void OnItemComes() override;
-    void OnItemHandled(const OrderedJson& item) override;
+    bool OnItem(EPeer nFrom, const SIOEventRecord& record) override;
+    void OnSent(const SSentItem& item) override;
 
-    OrderedJson CarryOut(const Json& request, CHeldInput* pHeld);
-    OrderedJson Reply(const OrderedJson& id, const std::function<OrderedJson()>& carryOut);
-    void KeepAside();
+    void TellObservers(const SDone& done);
+    SOutcome CarryOut(const Command& command, const SOrigin& origin);
 
+    SNode& NodeOf(const std::string& strHandle, const std::string& strField = "node");
+    std::vector<SNode*> NodeOrAll(const std::optional<std::string>& handle);
+    VEKParam& SetValue(const SSetCommand& set);
+    std::vector<SRelease> Release(CHeldInput& held, const SReleaseHeldCommand& command);
+    void BuildScene(const SSceneDocument& document, const std::string& strPath);
+    void AwaitDevices();
+
+    Result On(const SCatalogueCommand& command);
+    Result On(const SCallCommand& command);
+    Result On(const SCreateCommand& command);
+    Result On(const SInspectCommand& command);
+    Result On(const SInitCommand& command);
+    Result On(const SOutputsCommand& command);
+    Result On(const SProcessCommand& command);
+    Result On(const SFrameCommand& command);
+    Result On(const SEventCommand& command, const SOrigin& origin);
+    Result On(const SJsonCommand& command);
+    Result On(const SReleaseHeldCommand& command, const SOrigin& origin);
+    Result On(const SSetCommand& command);
+    Result On(const SEditCommand& command);
+    Result On(const STriggerCommand& command);
+    Result On(const SDropCommand& command);
+    Result On(const SLinkCommand& command);
+    Result On(const SKeysCommand& command, const SOrigin& origin);
+    Result On(const SClockCommand& command);
+    Result On(const SMainWindowCommand& command);
+    Result On(const SObjectCommand& command);
+    Result On(const SObjectsCommand& command);
+    Result On(const SDevicesCommand& command);
+    Result On(const SListenCommand& command);
+    Result On(const SWaitCommand& command);
+    Result On(const SNetworkCommand& command);
+    Result On(const SListenOnlyCommand& command);
+    Result On(const SLayoutCommand& command);
+    Result On(const SDestroyCommand& command);
+    Result On(const SSaveCommand& command);
+    Result On(const SLoadCommand& command);
+    Result On(const SSceneCommand& command);
+    Result On(const SRecordingCommand& command);
+    Result On(const SQuitCommand& command);
+
+    CClock m_clock;
     std::unique_ptr<CHost> m_pHost;
-    CHeldInputs m_held;
-    OrderedJson m_aside = OrderedJson::object(); ///< what happened outside of requests
+    CPeers m_peers{*this};
+    CHeldInputs m_held{m_clock};
+    std::vector<ISessionObserver*> m_observers;
+    int m_nDepth = 0; ///< commands under way: items come within a `wait`
     unsigned long long m_nSceneVersion = 0;
-    COutputChanges m_sentOutputs;  ///< told by ChangedOutputs
-    COutputChanges m_frameOutputs; ///< told in replies
-    CObjectChanges m_sentObjects;
-    std::unique_ptr<CRecorder> m_pRecorder;
-    CHappened::Mark m_beforeItem{}; ///< while an item is handed to the nodes
+    COutputChanges m_frameOutputs; ///< as frames told them
+    std::vector<SDispatched> m_dispatched;
+    bool m_bTaken = false; ///< a node took the last item
+    CLimitedLine m_faultLine{LOG_ERROR};
 };
 
-/// The text of a reply: one line of valid UTF-8.
-std::string ReplyText(const OrderedJson& reply);
-
-/// The reply to a text that isn't taken as a request at all.
-OrderedJson ErrorReply(const std::string& strError);
+inline constexpr int RECORDING_VERSION = 1;

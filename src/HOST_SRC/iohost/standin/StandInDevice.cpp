@@ -15,10 +15,10 @@
 
 #include "LogSink.h"
 #include "PlayControlParser.h"
+#include "base/ByteText.h"
 #include "base/Caught.h"
 #include "base/TextUtf8.h"
-#include "network/PeerLoop.h"
-#include "protocol/RecordJson.h"
+#include "protocol/Shapes.h"
 
 namespace asio = boost::asio;
 using boost::system::error_code;
@@ -144,7 +144,7 @@ private:
         m_lines.Print({{"connection", m_nNumber},
                        {"command", COMMAND_REMOTE_CONTROL},
                        {"clip", Utf8(strClip)},
-                       {"record", RecordToJson(record)}});
+                       {"record", ToJson(record)}});
         const std::string clip = Utf8(strClip);
         const std::string body = Utf8(record.GetXmlDoc());
         Answer(m_frameWriter.Write({COMMAND_REMOTE_CONTROL, clip, body}));
@@ -220,8 +220,7 @@ Awaitable<void> AcceptConnections(TcpAcceptor& acceptor, const SStandInOptions& 
         co_await acceptor.async_accept(socket, AwaitInto(error));
         if (error) {
             lines.Print({{"problem", error.message()}});
-            timer.expires_after(PAUSE);
-            co_await timer.async_wait(AwaitInto(error));
+            co_await Pause(timer, PAUSE);
             continue;
         }
         const auto pConnection = std::make_shared<CStandInConnection>(std::move(socket), nNumber++, options, lines);

@@ -6,6 +6,8 @@
 #include <stdexcept>
 
 #include "HostSetup.h"
+#include "base/GuidText.h"
+#include "base/TextUtf8.h"
 #include "host/HostCommon.h"
 #include "host/PluginContract.h"
 #include "session/Session.h"
@@ -40,13 +42,14 @@ constexpr KindRow KINDS[] = {
     {PARAM_STRING, "text"},   {PARAM_CHOICE, "choice"},     {PARAM_EVENT, "event"},     {PARAM_KEY_CODE, "key code"},
 };
 
-/// The reply to a request that the session must carry out.
-OrderedJson Ask(CSession& session, const Json& request) {
-    OrderedJson reply = session.Handle(request);
-    if (!reply.at("ok").get<bool>()) {
-        throw std::runtime_error(request.at("op").get<std::string>() + ": " + reply.at("error").get<std::string>());
+/// The result of a command that the session must carry out.
+template <typename Result, typename Kind>
+Result Ask(CSession& session, const Kind& command) {
+    const SDone done = session.Do(command);
+    if (done.outcome.error) {
+        throw std::runtime_error(*done.outcome.error);
     }
-    return reply;
+    return std::get<Result>(done.outcome.result);
 }
 
 /// Text within a table: bars and line ends would end the cell.
@@ -58,8 +61,16 @@ std::string Cell(const std::string& strText) {
     return strCell;
 }
 
+std::string Cell(const CString& strText) {
+    return Cell(Utf8(strText));
+}
+
 std::string Code(const std::string& strText) {
     return "`" + Cell(strText) + "`";
+}
+
+std::string Code(const CString& strText) {
+    return Code(Utf8(strText));
 }
 
 std::string NumberText(double fNumber) {
@@ -72,106 +83,86 @@ std::string NumberText(double fNumber) {
     return {szText, pEnd};
 }
 
-const KindRow* FindKind(const OrderedJson& param) {
-    const auto* pKind = std::ranges::find_if(KINDS, [&](const KindRow& row) {
-        return row.codes.m_nType == param.at("type").get<int>() &&
-               row.codes.m_nControl == param.at("control").get<int>();
-    });
-    return pKind != std::end(KINDS) ? pKind : nullptr;
+bool IsOfKind(const SParamState& param, const ParamCodes& codes) {
+    return param.type == codes.m_nType && param.control == codes.m_nControl;
 }
 
-std::string KindText(const OrderedJson& param) {
-    const KindRow* pKind = FindKind(param);
-    return std::string(pKind != nullptr ? pKind->pszName : "of the host") + " (" + param.at("type").dump() + ", " +
-           param.at("control").dump() + ")";
+std::string KindText(const SParamState& param) {
+    const auto* pKind = std::ranges::find_if(KINDS, [&](const KindRow& row) { return IsOfKind(param, row.codes); });
+    return std::string(pKind != std::end(KINDS) ? pKind->pszName : "of the host") + " (" + std::to_string(*param.type) +
+           ", " + std::to_string(*param.control) + ")";
 }
 
-bool IsOfKind(const OrderedJson& param, const ParamCodes& codes) {
-    return param.at("type").get<int>() == codes.m_nType && param.at("control").get<int>() == codes.m_nControl;
-}
-
-std::string DefaultText(const OrderedJson& param) {
+std::string DefaultText(const SParamState& param) {
     if (IsOfKind(param, PARAM_EVENT)) {
         return "";
     }
     if (IsOfKind(param, PARAM_STRING)) {
-        const auto strText = param.at("string").get<std::string>();
-        return strText.empty() ? "empty" : Code(strText);
+        return param.text->IsEmpty() ? "empty" : Code(*param.text);
     }
-    return IsOfKind(param, PARAM_FLOAT) ? NumberText(param.at("float").get<double>()) : param.at("int").dump();
+    return IsOfKind(param, PARAM_FLOAT) ? NumberText(**param.number) : std::to_string(*param.integer);
 }
 
-std::string RangeText(const OrderedJson& param) {
-    const OrderedJson& range = param.at("range");
-    if (range.is_null()) {
+std::string RangeText(const SParamState& param) {
+    if (!param.range) {
         return "none set";
     }
-    return NumberText(range.at(0)) + "; " + NumberText(range.at(1)) + " to " + NumberText(range.at(2)) + "; " +
-           NumberText(range.at(3));
+    const auto& range = *param.range;
+    return NumberText(*range[0]) + "; " + NumberText(*range[1]) + " to " + NumberText(*range[2]) + "; " +
+           NumberText(*range[3]);
 }
 
-std::string FlagsText(const OrderedJson& param) {
-    const OrderedJson& flags = param.at("flags");
-    if (flags.is_null()) {
+std::string FlagsText(const SParamState& param) {
+    if (!param.flags) {
         return "none set";
     }
     std::string strFlags;
-    for (const OrderedJson& flag : flags) {
-        strFlags += (strFlags.empty() ? "" : " ") + flag.dump();
+    for (const int nFlag : *param.flags) {
+        strFlags += (strFlags.empty() ? "" : " ") + std::to_string(nFlag);
     }
     return strFlags;
 }
 
-std::string GroupTitle(const OrderedJson& group) {
-    return "group " + group.at("id").dump() + " " + Code(group.at("name")) + ", shown as " +
-           Cell(group.at("display").get<std::string>());
+std::string GroupTitle(const SGroupState& group) {
+    return "group " + std::to_string(group.nId) + " " + Code(*group.name) + ", shown as " + Cell(*group.display);
 }
 
 /// The columns that parameters and outputs share.
-std::string FirstColumns(const OrderedJson& param) {
-    return "| " + param.at("id").dump() + " | " + Code(param.at("name")) + " | " +
-           Cell(param.at("display").get<std::string>()) + " | " + KindText(param) + " | ";
+std::string FirstColumns(const SParamState& param) {
+    return "| " + std::to_string(param.nId) + " | " + Code(*param.name) + " | " + Cell(*param.display) + " | " +
+           KindText(param) + " | ";
 }
 
-std::string ParameterTable(const OrderedJson& group) {
+std::string ParameterTable(const SGroupState& group) {
     std::string strTable = "| id | name | shown as | kind | default | range | flags |\n|---|---|---|---|---|---|---|\n";
-    for (const OrderedJson& param : group.at("params")) {
-        const bool bHidden = param.at("available").get<int>() == 0;
-        strTable += FirstColumns(param) + DefaultText(param) + (bHidden ? ", hidden" : "") + " | " + RangeText(param) +
-                    " | " + FlagsText(param) + " |\n";
+    for (const SParamState& param : group.params) {
+        strTable += FirstColumns(param) + DefaultText(param) + (*param.available == 0 ? ", hidden" : "") + " | " +
+                    RangeText(param) + " | " + FlagsText(param) + " |\n";
     }
     return strTable;
 }
 
-std::string OutputTable(const OrderedJson& group) {
+std::string OutputTable(const SGroupState& group) {
     std::string strTable = "| id | name | shown as | kind | range | flags |\n|---|---|---|---|---|---|\n";
-    for (const OrderedJson& output : group.at("params")) {
+    for (const SParamState& output : group.params) {
         strTable += FirstColumns(output) + RangeText(output) + " | " + FlagsText(output) + " |\n";
     }
     return strTable;
 }
 
-std::string Choices(const OrderedJson& group) {
+std::string Choices(const SGroupState& group) {
     std::string strText;
-    for (const OrderedJson& param : group.at("params")) {
-        const OrderedJson& choices = param.at("choices");
-        if (choices.empty()) {
+    for (const SParamState& param : group.params) {
+        if (param.choices->empty()) {
             continue;
         }
-        strText += "\nChoices of " + Code(param.at("name")) + ": ";
-        for (size_t i = 0; i < choices.size(); ++i) {
-            const std::string strLabel = Cell(choices[i].get<std::string>());
-            strText += (i == 0 ? "" : ", ") + std::to_string(i) + " " + strLabel;
+        strText += "\nChoices of " + Code(*param.name) + ": ";
+        for (size_t i = 0; i < param.choices->size(); ++i) {
+            strText += (i == 0 ? "" : ", ") + std::to_string(i) + " " + Cell((*param.choices)[i]);
         }
         strText += ".\n";
     }
     return strText;
-}
-
-/// The name of the file with the control layout; null for a type without one.
-OrderedJson LayoutFile(const OrderedJson& layout) {
-    const auto strPath = layout.at("path").get<std::string>();
-    return strPath.empty() ? OrderedJson() : OrderedJson(strPath.substr(strPath.find_last_of("\\/") + 1));
 }
 
 std::string OfferText(bool bOffered, bool bOfferedByDefault) {
@@ -182,35 +173,31 @@ std::string OfferText(bool bOffered, bool bOfferedByDefault) {
                     : (bOfferedByDefault ? "hidden by this `NodePlugin.ini`, offered without one" : "hidden");
 }
 
-std::string TypeText(CSession& session, const OrderedJson& type, const std::string& strOffer) {
-    const Json node = {{"node", "described"}};
-    const auto ask = [&](const char* pszOp) {
-        Json request = node;
-        request["op"] = pszOp;
-        return Ask(session, request);
-    };
-    Json create = node;
-    create.update({{"op", "create"}, {"type", type.at("guid")}, {"clip", "Clip"}, {"graph", "Described"}});
-    if (!Ask(session, create).at("created").get<bool>()) {
-        return "## " + type.at("name").get<std::string>() + "\n\nThe module makes no node of this type.\n";
+std::string TypeText(CSession& session, const SNodeType& type, const std::string& strOffer) {
+    SCreateCommand create;
+    create.strHandle = "described";
+    create.guidType = type.guid;
+    create.clip = L"Clip";
+    if (!Ask<SCreated>(session, create).bCreated) {
+        return "## " + Utf8(type.strName) + "\n\nThe module makes no node of this type.\n";
     }
-    const OrderedJson details = ask("inspect");
-    const OrderedJson layoutFile = LayoutFile(ask("layout"));
-    ask("destroy");
+    const auto details = Ask<SNodeDetails>(session, SInspectCommand{create.strHandle});
+    const std::string strLayout = Utf8(Ask<SLayout>(session, SLayoutCommand{create.strHandle}).strPath);
+    Ask<SDestroyed>(session, SDestroyCommand{create.strHandle, {}});
 
-    std::string strText = "## " + type.at("name").get<std::string>() + "\n\n";
-    strText += "- type " + Code(type.at("guid")) + ", kind code " + details.at("kind_code").dump() + "\n";
+    std::string strText = "## " + Utf8(type.strName) + "\n\n";
+    strText += "- type " + Code(GuidText(type.guid)) + ", kind code " + std::to_string(details.nKindCode) + "\n";
     strText += "- in the catalogue: " + strOffer + "\n";
-    if (!layoutFile.is_null()) {
-        strText += "- control layout " + Code(layoutFile) + "\n";
+    if (!strLayout.empty()) {
+        strText += "- control layout " + Code(strLayout.substr(strLayout.find_last_of("\\/") + 1)) + "\n";
     }
-    for (const OrderedJson& group : details.at("own")) {
+    for (const SGroupState& group : details.own) {
         strText += "\nParameters: " + GroupTitle(group) + "\n\n" + ParameterTable(group) + Choices(group);
     }
-    for (const OrderedJson& group : details.at("outputs")) {
+    for (const SGroupState& group : details.outputs) {
         strText += "\nOutputs: " + GroupTitle(group) + "\n\n" + OutputTable(group);
     }
-    if (details.at("outputs").empty()) {
+    if (details.outputs.empty()) {
         strText += "\nNo outputs.\n";
     }
     return strText;
@@ -220,18 +207,18 @@ std::string TypeText(CSession& session, const OrderedJson& type, const std::stri
 
 std::string NodeTypesMarkdown(CSession& session) {
     // The catalogue as it is, and once more as a host without any configuration sees it.
-    const OrderedJson types = Ask(session, {{"op", "catalogue"}}).at("types");
+    const auto types = Ask<SCatalogue>(session, SCatalogueCommand()).types;
     const CString strAppPath = PXGetAppPath();
     SetAppPath(CString());
-    Ask(session, {{"op", "call"}, {"code", IOP_REGISTER_TYPES}});
+    Ask<SCalled>(session, SCallCommand{IOP_REGISTER_TYPES});
     SetAppPath(strAppPath);
-    const OrderedJson allTypes = Ask(session, {{"op", "catalogue"}}).at("types");
+    const auto allTypes = Ask<SCatalogue>(session, SCatalogueCommand()).types;
 
     std::string strText = INTRODUCTION;
     for (size_t i = 0; i < types.size(); ++i) {
-        const bool bOffered = types[i].at("enable").get<int>() != 0;
-        const bool bOfferedByDefault = allTypes.at(types.size() + i).at("enable").get<int>() != 0;
-        strText += (i == 0 ? "" : "\n") + TypeText(session, types[i], OfferText(bOffered, bOfferedByDefault));
+        const bool bOfferedByDefault = allTypes.at(types.size() + i).nEnable != 0;
+        strText +=
+            (i == 0 ? "" : "\n") + TypeText(session, types[i], OfferText(types[i].nEnable != 0, bOfferedByDefault));
     }
     return strText;
 }

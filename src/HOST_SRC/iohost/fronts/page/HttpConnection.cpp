@@ -18,7 +18,7 @@
 #include "base/TextUtf8.h"
 #include "fronts/page/RequestOrigin.h"
 #include "network/TextLines.h"
-#include "session/Session.h"
+#include "protocol/Protocol.h"
 
 namespace asio = boost::asio;
 namespace beast = boost::beast;
@@ -149,8 +149,14 @@ Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer
     } else if (!WellFormedText(strText)) {
         reply = ErrorReply("the text isn't UTF-8");
     } else if (const auto address = ParseObjectAddress(View(request.target()), strProblem)) {
-        reply = site.takeObjectText(*address, strText);
-        status = reply["ok"] ? http::status::ok : http::status::bad_request;
+        SObjectTextData text;
+        text.m_strClipName = FromUtf8(address->strClip);
+        text.m_strObjectName = FromUtf8(address->strObject);
+        text.m_strText = FromUtf8(strText);
+        SDone done = site.takeObjectText(text);
+        CutForViewers(done.activity);
+        reply = ReplyTo(done);
+        status = done.outcome.error ? http::status::bad_request : http::status::ok;
     } else {
         reply = ErrorReply(strProblem);
     }

@@ -10,7 +10,7 @@
 #include "fronts/page/HttpFiles.h"
 #include "fronts/page/ObjectAddress.h"
 #include "fronts/page/WebSocketClient.h"
-#include "protocol/Fields.h"
+#include "session/Session.h"
 
 /// What every connection is served from.
 struct SHttpSite {
@@ -19,8 +19,8 @@ struct SHttpSite {
     unsigned short nPort;
     IWebSocketListener& listener; ///< of the WebSocket /session
 
-    /// Hands a posted text to the nodes; returns the reply to whom posted it, whose "ok" tells whether that was done.
-    std::function<OrderedJson(const SObjectAddress& address, const std::string& strText)> takeObjectText;
+    /// Hands a posted text to the nodes.
+    std::function<SDone(const SObjectTextData& text)> takeObjectText;
 };
 
 /// Serves the connection until it ends. The site outlives it.

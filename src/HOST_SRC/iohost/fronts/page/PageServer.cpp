@@ -16,7 +16,8 @@
 #include "base/FrameTimer.h"
 #include "fronts/terminal/TerminalLines.h"
 #include "network/Peers.h"
-#include "session/Session.h"
+#include "protocol/SceneFile.h"
+#include "protocol/Shapes.h"
 
 namespace asio = boost::asio;
 using boost::system::error_code;
@@ -33,27 +34,18 @@ std::string FullText() {
     return "the page's server has " + std::to_string(MOST_CONNECTIONS) + " connections, which is its most";
 }
 
-/// What a reply or a frame tells of the module's doings.
-constexpr const char* HAPPENED_KEYS[] = {"posted", "log", "notified", "sent", "redrawn"};
-
-OrderedJson HappenedIn(const OrderedJson& reply) {
-    OrderedJson happened = OrderedJson::object();
-    for (const char* pszKey : HAPPENED_KEYS) {
-        if (const auto found = reply.find(pszKey); found != reply.end()) {
-            happened[pszKey] = *found;
-        }
-    }
-    return happened;
-}
-
 std::shared_ptr<const std::string> Text(const OrderedJson& message) {
     return std::make_shared<const std::string>(ReplyText(message));
 }
 
 /// Joins the session, the frames and the pages: one io_context, one thread.
-class CPageServer final : public IWebSocketListener {
+class CPageServer final : public IWebSocketListener, private ISessionObserver {
 public:
     CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files);
+    ~CPageServer() { m_session.Detach(*this); }
+
+    CPageServer(const CPageServer&) = delete;
+    CPageServer& operator=(const CPageServer&) = delete;
 
     /// Empty, or why the address can't be had.
     std::string Listen(const asio::ip::tcp::endpoint& endpoint);
@@ -77,21 +69,26 @@ private:
     void AwaitSignal();
     void Stop();
 
-    OrderedJson TakeObjectText(const SObjectAddress& object, const std::string& strText);
+    SDone TakeObjectText(const SObjectTextData& text);
     void Frame();
     void ShowKeysToNodes(const KeySet& keysBefore);
     void GuardedFrame();
-    void TellHappened(const OrderedJson& happened, const CWebSocketClient* pButFor);
+    void OnDone(const SDone& done) override;
+    void TellHappened(SActivity activity, const CHeldInput* pButFor);
     void TellSceneChange();
     void TellHeld();
     void TellNetwork();
-    void SendToAll(const OrderedJson& push, const CWebSocketClient* pButFor = nullptr);
+    void SendToAll(const OrderedJson& push, const CHeldInput* pButFor = nullptr);
 
     CSession& m_session;
     asio::io_context& m_context{m_session.Peers().Context()};
     const double m_fFps;
     const CHttpFiles& m_files;
     CTerminalLines m_terminal;
+    CSystemFiles m_sceneFiles;
+    SActivity m_ofItems; ///< what items of the network caused since the last frame
+    COutputChanges m_outputs;
+    CObjectChanges m_objects;
     TcpAcceptor m_acceptor{m_context};
     asio::signal_set m_signals{m_context, SIGINT, SIGTERM};
     SteadyTimer m_goodbyeTimer{m_context};
@@ -114,7 +111,9 @@ private:
 
 CPageServer::CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files)
     : m_session(session), m_fFps(options.fFps), m_files(files), m_terminal(session, std::cout),
-      m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }), m_nToldSceneVersion(session.SceneVersion()) {}
+      m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }), m_nToldSceneVersion(session.SceneVersion()) {
+    m_session.Attach(*this);
+}
 
 std::string CPageServer::Listen(const asio::ip::tcp::endpoint& endpoint) {
     error_code error;
@@ -126,7 +125,7 @@ std::string CPageServer::Listen(const asio::ip::tcp::endpoint& endpoint) {
     m_strAddress = EndpointText(bound);
     m_pSite = std::make_unique<const SHttpSite>(
         SHttpSite{m_files, bound.address().to_string(), bound.port(), static_cast<IWebSocketListener&>(*this),
-                  [this](const auto& object, const auto& strText) { return TakeObjectText(object, strText); }});
+                  [this](const SObjectTextData& text) { return TakeObjectText(text); }});
     return {};
 }
 
@@ -231,22 +230,17 @@ void CPageServer::OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClien
                         {"fps", m_fFps},
                         {"address", m_strAddress},
                         {"connection", held.Connection()}}));
-    pClient->Send(Text({{"push", "held"}, {"held", m_session.Held().State()}}));
-    // The next frame tells everybody all outputs; to those who know them already that changes nothing.
-    m_session.ForgetSent();
+    pClient->Send(Text({{"push", "held"}, {"held", ToJson(m_session.Held().State())}}));
+    // The next frame tells everybody all of it; to those who know it already that changes nothing.
+    m_outputs.Forget();
+    m_objects.Forget();
+    m_session.JsonVerdicts().ForgetTaken();
 }
 
 void CPageServer::OnClientText(CWebSocketClient& client, std::string_view text) {
-    SClient& known = m_clients.at(&client);
     const KeySet keysBefore = m_session.Held().VirtualKeys();
-    OrderedJson reply;
-    try {
-        reply = m_session.Handle(ParseJson(text, "request"), &known.held);
-    } catch (const CRefusal& refusal) {
-        reply = ErrorReply(refusal.what());
-    }
-    client.Send(Text(reply));
-    TellHappened(HappenedIn(reply), &client);
+    client.Send(std::make_shared<const std::string>(
+        AnswerText(m_session, text, m_sceneFiles, {.pHeld = &m_clients.at(&client).held}, CutForViewers)));
     TellSceneChange();
     TellHeld();
     ShowKeysToNodes(keysBefore);
@@ -259,7 +253,8 @@ void CPageServer::OnClientClosed(CWebSocketClient& client) {
     CHeldInput& held = m_clients.at(&client).held;
     const KeySet keysBefore = m_session.Held().VirtualKeys();
     m_clients.erase(&client);
-    TellHappened(HappenedIn(m_session.CloseConnection(held, "its connection closed")), nullptr);
+    m_session.CloseConnection(held, "its connection closed");
+    TellSceneChange();
     TellHeld();
     ShowKeysToNodes(keysBefore);
     if (m_bStopping && m_clients.empty()) {
@@ -267,16 +262,21 @@ void CPageServer::OnClientClosed(CWebSocketClient& client) {
     }
 }
 
-OrderedJson CPageServer::TakeObjectText(const SObjectAddress& object, const std::string& strText) {
-    const OrderedJson reply = m_session.Handle(
-        {{"op", "event"},
-         {"device", static_cast<int>(DEVICE_OBJECT_TEXT)},
-         {"event", 0},
-         {"payload",
-          {{"is", "object_text"}, {"clip", object.strClip}, {"object", object.strObject}, {"text", strText}}}});
-    TellHappened(HappenedIn(reply), nullptr);
-    TellSceneChange();
-    return reply;
+SDone CPageServer::TakeObjectText(const SObjectTextData& text) {
+    return m_session.Do(SEventCommand{.handle = {}, .nDevice = DEVICE_OBJECT_TEXT, .payload = text});
+}
+
+/// Whoever asked is told by the reply. What items cause is told with the next frame: they may come by the thousand.
+void CPageServer::OnDone(const SDone& done) {
+    if (done.origin.from) {
+        m_ofItems.Append(done.activity);
+        return;
+    }
+    TellHappened(done.activity, done.origin.pHeld);
+    if (done.origin.pHeld == nullptr) { // else the reply comes first
+        TellSceneChange();
+        TellHeld();
+    }
 }
 
 /// Nodes look at the keyboard when they are evaluated: a frame right after each change lets them miss none of those
@@ -294,20 +294,22 @@ void CPageServer::GuardedFrame() {
 
 void CPageServer::Frame() {
     ++m_nFrame;
-    OrderedJson happened = m_session.TakeHappened();
-    AppendHappened(happened, m_session.Frame());
-    TellHappened(happened, nullptr);
-    const OrderedJson changed = m_session.ChangedOutputs();
-    if (!changed.empty()) {
-        SendToAll({{"push", "outputs"}, {"nodes", changed}});
+    TellHappened(std::exchange(m_ofItems, {}), nullptr);
+    if (!m_session.HasQuit()) {
+        m_session.Do(SFrameCommand{.bOutputs = false}); // pages are told below
     }
-    const OrderedJson verdicts = m_session.NewJsonVerdicts();
-    if (!verdicts.empty()) {
-        SendToAll({{"push", "json"}, {"nodes", verdicts}});
+    if (m_clients.empty()) {
+        return;
     }
-    const OrderedJson objects = m_session.ChangedObjects();
-    if (!objects.is_null()) {
-        SendToAll({{"push", "objects"}, {"objects", objects}});
+    if (OutputValues changed = m_outputs.Take(m_session.Scene()); !changed.empty()) {
+        CutForViewers(changed);
+        SendToAll({{"push", "outputs"}, {"nodes", ToJson(changed)}});
+    }
+    if (const Verdicts verdicts = m_session.JsonVerdicts().TakeNew(m_session.Scene()); !verdicts.empty()) {
+        SendToAll({{"push", "json"}, {"nodes", ToJson(verdicts)}});
+    }
+    if (const auto objects = m_objects.Take(m_session.Scene())) {
+        SendToAll({{"push", "objects"}, {"objects", ToJson(*objects)}});
     }
     TellNetwork();
 }
@@ -320,18 +322,18 @@ void CPageServer::TellNetwork() {
         m_nToldNetworkVersion = nVersion;
         m_tToldNetwork = tNow;
         OrderedJson push = {{"push", "network"}};
-        push.update(m_session.Peers().State());
+        AppendFields(push, m_session.Peers().State());
         SendToAll(push);
     }
 }
 
-void CPageServer::TellHappened(const OrderedJson& happened, const CWebSocketClient* pButFor) {
-    if (happened.empty()) {
+void CPageServer::TellHappened(SActivity activity, const CHeldInput* pButFor) {
+    if (activity.IsEmpty() || m_clients.empty()) {
         return;
     }
-    m_terminal.Print(happened);
+    CutForViewers(activity);
     OrderedJson push = {{"push", "happened"}};
-    push.update(happened);
+    AppendFields(push, activity);
     push["frame"] = m_nFrame;
     SendToAll(push, pButFor);
 }
@@ -348,17 +350,14 @@ void CPageServer::TellHeld() {
     CHeldInputs& held = m_session.Held();
     if (held.Version() != m_nToldHeldVersion) {
         m_nToldHeldVersion = held.Version();
-        SendToAll({{"push", "held"}, {"held", held.State()}, {"released", held.TakeReleasedByOthers()}});
+        SendToAll({{"push", "held"}, {"held", ToJson(held.State())}, {"released", held.TakeReleasedByOthers()}});
     }
 }
 
-void CPageServer::SendToAll(const OrderedJson& push, const CWebSocketClient* pButFor) {
-    if (m_clients.empty()) {
-        return;
-    }
+void CPageServer::SendToAll(const OrderedJson& push, const CHeldInput* pButFor) {
     const auto pText = Text(push);
     for (const auto& [pKey, client] : m_clients) {
-        if (pKey != pButFor) {
+        if (&client.held != pButFor) {
             client.pClient->Send(pText);
         }
     }

@@ -1,96 +1,108 @@
 #include "fronts/recording/Recorder.h"
 
-#include <algorithm>
-#include <chrono>
-#include <iostream>
+#include <utility>
 
-#include "base/Platform.h"
+#include "base/HostLine.h"
 #include "base/TextUtf8.h"
+#include "protocol/Protocol.h"
+#include "protocol/Shapes.h"
 
-namespace {
-
-/// Requests that only ask, and about what is another at another time; and those that reach outside of the session.
-constexpr const char* NOT_KEPT[] = {"layout", "listen", "network", "save", "wait"};
-
-bool IsHostLine(const OrderedJson& line) {
-    return line.at("args") == OrderedJson::array({0, 0, 0, 0});
+bool IsKept(const Command& command) {
+    return std::visit(
+        []<typename Kind>(const Kind&) {
+            return !IS_ONE_OF<Kind, SLayoutCommand, SListenCommand, SNetworkCommand, SSaveCommand, SWaitCommand>;
+        },
+        command);
 }
 
-void DropAddresses(Json& devices) {
-    if (devices.is_array()) {
-        for (Json& device : devices) {
-            device.erase("address");
+Command WithoutAddresses(Command command) {
+    const auto drop = [](DeviceSetups& devices) {
+        if (devices) {
+            for (SDeviceSetup& device : *devices) {
+                device.address.reset();
+            }
         }
+    };
+    if (auto* pDevices = std::get_if<SDevicesCommand>(&command)) {
+        drop(pDevices->devices);
+    } else if (auto* pLoad = std::get_if<SLoadCommand>(&command)) {
+        SSceneDocument scene = *pLoad->pScene;
+        drop(scene.devices);
+        pLoad->pScene = std::make_shared<const SSceneDocument>(std::move(scene));
     }
+    return command;
 }
 
-} // namespace
-
-OrderedJson ReplyToKeep(OrderedJson reply) {
-    if (const auto log = reply.find("log"); log != reply.end()) {
-        log->erase(std::remove_if(log->begin(), log->end(), IsHostLine), log->end());
-        if (log->empty()) {
-            reply.erase("log");
-        }
-    }
-    return reply;
+SActivity ActivityToKeep(SActivity activity) {
+    std::erase_if(activity.logged, [](const SLogged& line) { return line.IsHosts(); });
+    return activity;
 }
 
-std::unique_ptr<CRecorder> CRecorder::Open(const std::filesystem::path& file, std::string& strError) {
-    std::unique_ptr<CRecorder> pRecorder(new CRecorder(file));
+std::unique_ptr<CRecorder> CRecorder::Open(CSession& session, const std::filesystem::path& file,
+                                           std::string& strError) {
+    std::unique_ptr<CRecorder> pRecorder(new CRecorder(session, file));
     if (!pRecorder->IsComplete()) {
         strError = "the file " + Utf8(file) + " can't be written";
         return nullptr;
     }
+    session.Do(SRecordingCommand{RECORDING_VERSION, session.Texts()});
     return pRecorder;
 }
 
-void CRecorder::StopClock() {
-    using std::chrono::steady_clock;
+CRecorder::CRecorder(CSession& session, const std::filesystem::path& file)
+    : m_session(session), m_file(file, std::ios::binary) {
+    m_session.Attach(*this);
+}
+
+CRecorder::~CRecorder() {
+    m_session.Detach(*this);
+    if (!m_bClockSet) {
+        m_session.Clock().Set(std::nullopt);
+    }
+}
+
+void CRecorder::OnBegin() {
+    if (!IsComplete() && !std::exchange(m_bSaid, true)) {
+        WriteHostLine(LOG_ERROR, "the recording can't be written any further; nothing more is recorded");
+    }
     if (m_bClockSet) {
         return;
     }
-    const auto now = std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now().time_since_epoch());
-    m_nStopped = static_cast<std::uint64_t>(now.count());
-    if (!FreezeClock(m_nStopped)) {
+    m_nStopped = CClock::Running();
+    if (!m_session.Clock().Set(m_nStopped)) {
         m_nStopped = std::nullopt; // a clock that can't be stopped can't be kept either
     }
 }
 
-void CRecorder::Keep(const Json& request, int nConnection, const OrderedJson& reply) {
-    if (!request.is_object() || !IsComplete()) {
+void CRecorder::OnDone(const SDone& done) {
+    if (done.pCommand == nullptr || !IsComplete()) {
         return;
     }
-    const Json op = request.value("op", Json());
-    if (std::ranges::any_of(NOT_KEPT, [&](const char* pszOp) { return op == pszOp; })) {
+    const Command& command = *done.pCommand;
+    if (!IsKept(command)) {
         return;
     }
-    if (op != "recording") {
+    if (!std::holds_alternative<SRecordingCommand>(command)) {
         KeepClock();
     }
-    OrderedJson line = OrderedJson::object();
-    if (!op.is_null()) {
-        line["op"] = op; // first, for people
-    }
-    line.update(request);
-    const bool bDone = reply.at("ok").get<bool>();
-    if (bDone && op == "devices") {
-        Json list = request["list"];
-        DropAddresses(list);
-        line["list"] = std::move(list);
-    } else if (bDone && op == "load" && request.contains("scene") && request["scene"].contains("devices")) {
-        Json scene = request["scene"];
-        DropAddresses(scene["devices"]);
-        line["scene"] = std::move(scene);
-    } else if (bDone && op == "clock") {
-        m_bClockSet = !request["ms"].is_null();
+    const auto* pClock = std::get_if<SClockCommand>(&command);
+    if (pClock != nullptr && !done.outcome.error) {
+        m_bClockSet = pClock->ms.has_value();
         m_nKept = std::nullopt;
         m_nStopped = std::nullopt;
     }
-    if (nConnection != 0) {
-        line["connection"] = nConnection;
+    OrderedJson line = RequestOf(WithoutAddresses(command));
+    if (done.origin.from) {
+        line["from"] = ToJson(*done.origin.from);
     }
-    line["reply"] = ReplyToKeep(reply);
+    if (done.origin.pHeld != nullptr) {
+        line["connection"] = done.origin.pHeld->Connection();
+    }
+    SDone kept{done.pCommand, done.origin, done.outcome, ActivityToKeep(done.activity)};
+    if (auto* pFrame = std::get_if<SFrameResults>(&kept.outcome.result)) {
+        pFrame->outputs = m_frameOutputs.Take(m_session.Scene()); // also of frames that nobody else wants to know of
+    }
+    line["reply"] = ReplyTo(kept);
     Write(line);
 }
 
@@ -102,8 +114,5 @@ void CRecorder::KeepClock() {
 }
 
 void CRecorder::Write(const OrderedJson& line) {
-    m_file << line.dump(-1, ' ', false, OrderedJson::error_handler_t::replace) << '\n' << std::flush;
-    if (!m_file) {
-        std::cerr << "iohost: --record: the file can't be written any further; nothing more is recorded\n";
-    }
+    m_file << ReplyText(line) << '\n' << std::flush;
 }

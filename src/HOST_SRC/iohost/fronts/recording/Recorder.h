@@ -15,37 +15,47 @@
 #include <string>
 
 #include "protocol/Fields.h"
+#include "session/Session.h"
 
-inline constexpr int RECORDING_VERSION = 1;
+/// False for commands that only ask, and about what is another at another time; and for those that reach outside of the
+/// session.
+bool IsKept(const Command& command);
 
-/// The reply as recordings hold it: without the host's own log lines, which also tell of connections.
-OrderedJson ReplyToKeep(OrderedJson reply);
+/// The command as a replay may carry it out: it connects to nobody.
+Command WithoutAddresses(Command command);
 
-class CRecorder {
+/// All but the host's own log lines: they tell of connections, too.
+SActivity ActivityToKeep(SActivity activity);
+
+/// While something is carried out the session's clock stands still, so that a replay finds the same time. A clock that
+/// a command has set is left alone.
+class CRecorder final : private ISessionObserver {
 public:
-    /// A recorder on this file, which is written anew. Null, with a message, when it can't be.
-    static std::unique_ptr<CRecorder> Open(const std::filesystem::path& file, std::string& strError);
+    /// A recorder of the session on this file, which is written anew. Null, with a message, when it can't be. The
+    /// session must outlive it.
+    static std::unique_ptr<CRecorder> Open(CSession& session, const std::filesystem::path& file, std::string& strError);
+    ~CRecorder();
 
-    /// Stop the module's clock at the present time until the next call, so that a replay finds the same time: called
-    /// before anything that is going to be kept. A clock that a request has set is left alone.
-    void StopClock();
-
-    /// Keep a request with its reply. Requests that don't change the session and whose replies are another at another
-    /// time aren't kept; devices are kept without their addresses, so that a replay connects to nobody. nConnection: 0
-    /// for none.
-    void Keep(const Json& request, int nConnection, const OrderedJson& reply);
+    CRecorder(const CRecorder&) = delete;
+    CRecorder& operator=(const CRecorder&) = delete;
 
     /// False once something couldn't be written; nothing is kept from then on.
     bool IsComplete() const { return static_cast<bool>(m_file); }
 
 private:
-    CRecorder(const std::filesystem::path& file) : m_file(file, std::ios::binary) {}
+    CRecorder(CSession& session, const std::filesystem::path& file);
+
+    void OnBegin() override;
+    void OnDone(const SDone& done) override;
 
     void KeepClock();
     void Write(const OrderedJson& line);
 
+    CSession& m_session;
     std::ofstream m_file;
-    bool m_bClockSet = false;                ///< by a request
+    COutputChanges m_frameOutputs;
+    bool m_bSaid = false;                    ///< that nothing more is written
+    bool m_bClockSet = false;                ///< by a command
     std::optional<std::uint64_t> m_nStopped; ///< where the clock was stopped last
     std::optional<std::uint64_t> m_nKept;    ///< and what the recording says
 };

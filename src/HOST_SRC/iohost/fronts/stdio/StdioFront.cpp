@@ -4,9 +4,10 @@
 #include <ostream>
 #include <string>
 
-#include "session/Session.h"
+#include "protocol/SceneFile.h"
 
 void RunStdio(CSession& session, std::istream& input, std::ostream& output, std::size_t nLongestLine) {
+    CSystemFiles files;
     std::string strLine;
     while (output && !session.HasQuit()) {
         const ELine nLine = ReadLine(input, strLine, nLongestLine);
@@ -14,7 +15,7 @@ void RunStdio(CSession& session, std::istream& input, std::ostream& output, std:
             break;
         }
         output << (nLine == ELine::Complete
-                       ? session.HandleText(strLine)
+                       ? AnswerText(session, strLine, files)
                        : ReplyText(ErrorReply("request: longer than " + std::to_string(nLongestLine) + " bytes")))
                << '\n'
                << std::flush;

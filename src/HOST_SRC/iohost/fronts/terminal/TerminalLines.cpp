@@ -3,107 +3,71 @@
 #include <array>
 #include <cstdio>
 
-#include "session/Session.h"
+#include "base/TextUtf8.h"
 
 namespace {
 
-std::string TextOr(const OrderedJson& object, const char* pszField, const char* pszDefault) {
-    const auto found = object.find(pszField);
-    return found != object.end() && found->is_string() ? found->get<std::string>() : pszDefault;
-}
-
-/// Which of an output's values its type and control make it show.
-const char* ValueThatCounts(const OrderedJson& output) {
-    const int nType = output.at("type").get<int>();
-    const int nControl = output.at("control").get<int>();
-    return nType == PARAM_STRING.m_nType                                        ? "string"
-           : nType == PARAM_FLOAT.m_nType && nControl == PARAM_FLOAT.m_nControl ? "float"
-                                                                                : "int";
+/// The value that an output's type and control make it show, as JSON writes it.
+std::string ValueText(const VEKParam& output, const SValues& values) {
+    if (output.m_nType == PARAM_STRING.m_nType) {
+        return "\"" + Utf8(values.strText) + "\"";
+    }
+    const bool bFloat = output.m_nType == PARAM_FLOAT.m_nType && output.m_nControl == PARAM_FLOAT.m_nControl;
+    if (!bFloat) {
+        return std::to_string(values.nInteger);
+    }
+    std::array<char, 32> text{};
+    std::snprintf(text.data(), text.size(), "%g", static_cast<double>(values.fNumber));
+    return text.data();
 }
 
 } // namespace
 
-void CTerminalLines::Print(const OrderedJson& happened) {
-    bool bPrinted = false;
-    if (const auto log = happened.find("log"); log != happened.end()) {
-        for (const OrderedJson& line : *log) {
-            m_stream << "log " << line.at("level") << "  " << PrintableText(TextOr(line, "text", "")) << '\n';
-            bPrinted = true;
-        }
+CTerminalLines::CTerminalLines(CSession& session, std::ostream& stream) : m_session(session), m_stream(stream) {
+    m_session.Attach(*this);
+}
+
+CTerminalLines::~CTerminalLines() {
+    m_session.Detach(*this);
+}
+
+void CTerminalLines::OnDone(const SDone& done) {
+    const SActivity& activity = done.activity;
+    for (const SLogged& line : activity.logged) {
+        m_stream << "log " << line.nLevel << "  " << PrintableText(Utf8(line.strText)) << '\n';
     }
-    if (const auto posted = happened.find("posted"); posted != happened.end()) {
-        ReadNames();
-        for (const OrderedJson& event : *posted) {
-            m_stream << EventLine(event) << '\n';
-            bPrinted = true;
-        }
+    for (const SFired& fired : activity.fired) {
+        const auto nOutput = static_cast<unsigned>(fired.output.value_or(0));
+        m_stream << PrintableText("event  " + OutputText(fired.handle.value_or("?"), nOutput)) << '\n';
     }
-    if (bPrinted) {
+    if (!activity.logged.empty() || !activity.fired.empty()) {
         m_stream.flush();
     }
 }
 
-void CTerminalLines::ReadNames() {
-    if (m_bNamesRead && m_nNamesVersion == m_session.SceneVersion()) {
-        return;
-    }
-    m_names.clear();
-    m_nNamesVersion = m_session.SceneVersion();
-    m_bNamesRead = true;
-    const OrderedJson scene = m_session.Query({{"op", "scene"}});
-    if (!scene.at("ok").get<bool>()) {
-        return;
-    }
-    for (const OrderedJson& node : scene.at("nodes")) {
-        const std::string strHandle = node.at("node").get<std::string>();
-        SNodeNames& names = m_names[strHandle];
-        names.strPlace = TextOr(node, "clip", "-") + "." + TextOr(node, "graph", "");
-        const OrderedJson details = m_session.Query({{"op", "inspect"}, {"node", strHandle}});
-        if (!details.at("ok").get<bool>()) {
-            continue;
-        }
-        for (const OrderedJson& group : details.at("outputs")) {
-            for (const OrderedJson& output : group.at("params")) {
-                const int nId = output.at("id").get<int>();
-                names.outputs.emplace(nId, TextOr(output, "name", ""));
-                names.values.emplace(nId, ValueThatCounts(output));
-            }
-        }
-    }
-}
-
-std::string CTerminalLines::EventLine(const OrderedJson& posted) const {
-    const int nOutput = posted.at("output").is_number() ? posted.at("output").get<int>() : 0;
-    return PrintableText("event  " + OutputText(TextOr(posted, "node", "?"), nOutput));
-}
-
-void CTerminalLines::PrintOutputs(const OrderedJson& changed) {
-    ReadNames();
-    for (const auto& [strHandle, outputs] : changed.items()) {
-        const auto names = m_names.find(strHandle);
-        for (const auto& [strId, values] : outputs.items()) {
-            const int nOutput = std::stoi(strId);
-            if (names != m_names.end() && names->second.values.contains(nOutput)) {
-                const OrderedJson& value = values.at(names->second.values.at(nOutput));
-                m_stream << PrintableText("output  " + OutputText(strHandle, nOutput) + " = " + ReplyText(value))
-                         << '\n';
-            }
+void CTerminalLines::PrintOutputs(const OutputValues& changed) {
+    for (const auto& [strHandle, outputs] : changed) {
+        const SNode* pNode = m_session.Scene().Find(strHandle);
+        for (const auto& [nOutput, values] : outputs) {
+            const VEKParam* pOutput = FindParam(pNode->pGraphNode->m_lstOutputGroup, MakeParamGuid(nOutput));
+            m_stream << PrintableText("output  " + OutputText(strHandle, nOutput) + " = " + ValueText(*pOutput, values))
+                     << '\n';
         }
     }
     m_stream.flush();
 }
 
 /// Clip and graph node of a node, id and name of its output.
-std::string CTerminalLines::OutputText(const std::string& strHandle, int nOutput) const {
-    std::string strPlace = strHandle; // of a node that is gone by now
-    std::string strOutput;
-    if (const auto names = m_names.find(strHandle); names != m_names.end()) {
-        strPlace = names->second.strPlace;
-        if (const auto output = names->second.outputs.find(nOutput); output != names->second.outputs.end()) {
-            strOutput = " " + output->second;
-        }
+std::string CTerminalLines::OutputText(const std::string& strHandle, unsigned nOutput) const {
+    const std::string strNumber = "  " + std::to_string(nOutput);
+    const SNode* pNode = m_session.Scene().Find(strHandle);
+    if (pNode == nullptr) { // it's gone by now
+        return strHandle + strNumber;
     }
-    return strPlace + "  " + std::to_string(nOutput) + strOutput;
+    const VEKClip* pClip = pNode->pNode->m_pOwnerClip;
+    const VEKParam* pOutput = FindParam(pNode->pGraphNode->m_lstOutputGroup, MakeParamGuid(nOutput));
+    return (pClip != nullptr ? Utf8(pClip->m_strName) : "-") + "." + Utf8(pNode->pGraphNode->m_strName) + strNumber +
+           (pOutput != nullptr ? " " + Utf8(pOutput->m_strName) : "");
 }
 
 std::string PrintableText(const std::string& strText) {

@@ -56,6 +56,7 @@ private:
     CWindowInput m_input;
     std::ostringstream m_printed;
     CTerminalLines m_terminal;
+    COutputChanges m_outputs;
     std::deque<CString> m_lines; ///< what was printed last
     boost::asio::signal_set m_signals;
     bool m_bEnding = false;
@@ -186,8 +187,8 @@ void CRenderWindow::Advance() {
 }
 
 void CRenderWindow::HandleInput() {
-    for (const Json& request : m_input.TakeRequests()) {
-        m_terminal.Print(m_session.Handle(request, &m_held));
+    for (const Command& command : m_input.TakeCommands()) {
+        m_session.Do(command, {.pHeld = &m_held});
         InvalidateRect(m_hWnd, nullptr, FALSE);
     }
     Show();
@@ -202,10 +203,8 @@ void CRenderWindow::HandleNetwork() {
 }
 
 void CRenderWindow::Frame() {
-    OrderedJson happened = m_session.TakeHappened();
-    AppendHappened(happened, m_session.Frame());
-    m_terminal.Print(happened);
-    m_terminal.PrintOutputs(m_session.ChangedOutputs());
+    m_session.Do(SFrameCommand{.bOutputs = false});
+    m_terminal.PrintOutputs(m_outputs.Take(m_session.Scene()));
     Show();
 }
 

@@ -245,10 +245,9 @@ void CWindowInput::OnDragEnded(HWND hWnd) {
 }
 
 void CWindowInput::SendKey(int nEvent, const std::string& strText) {
-    m_arRequest.push_back({{"op", "event"},
-                           {"device", static_cast<int>(DEVICE_KEYBOARD)},
-                           {"event", nEvent},
-                           {"payload", {{"is", "key"}, {"text", strText}}}});
+    SKeyEventData key;
+    key.m_strText = FromUtf8(strText);
+    m_commands.push_back(SEventCommand{.handle = {}, .nDevice = DEVICE_KEYBOARD, .nEvent = nEvent, .payload = key});
 }
 
 void CWindowInput::SendPointer(HWND hWnd, int nEvent) {
@@ -256,19 +255,11 @@ void CWindowInput::SendPointer(HWND hWnd, int nEvent) {
     RECT area = {};
     GetClientRect(hWnd, &area);
     const double fScale = area.bottom > 0 ? 1000.0 / area.bottom : 0;
-    m_arRequest.push_back({{"op", "event"},
-                           {"device", static_cast<int>(DEVICE_POINTER)},
-                           {"event", nEvent},
-                           {"payload",
-                            {{"is", "pointer"},
-                             {"rx", m_ptPlace.x * fScale},
-                             {"ry", (area.bottom - m_ptPlace.y) * fScale},
-                             {"x", m_ptPlace.x},
-                             {"y", m_ptPlace.y},
-                             {"pointer", 0},
-                             {"relative", 0}}}});
+    const SQORMouseData sample(0, static_cast<float>(m_ptPlace.x * fScale),
+                               static_cast<float>((area.bottom - m_ptPlace.y) * fScale), m_ptPlace, 0);
+    m_commands.push_back(SEventCommand{.handle = {}, .nDevice = DEVICE_POINTER, .nEvent = nEvent, .payload = sample});
 }
 
 void CWindowInput::Release(int nDevice, const char* pszReason) {
-    m_arRequest.push_back({{"op", "release_held"}, {"device", nDevice}, {"reason", pszReason}});
+    m_commands.push_back(SReleaseHeldCommand{.strReason = pszReason, .filter = {.device = nDevice, .identity = {}}});
 }

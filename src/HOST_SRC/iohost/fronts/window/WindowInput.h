@@ -1,4 +1,4 @@
-// Turns the messages of a window into requests of the session protocol, as the page does with a browser's events.
+// Turns the messages of a window into commands, as the page does with a browser's events.
 #pragma once
 
 #include <map>
@@ -7,15 +7,15 @@
 
 #include <afxwin.h>
 
-#include "protocol/Fields.h"
+#include "session/Command.h"
 
 class CWindowInput {
 public:
-    /// Whether the message is input; its result is 0 then. Requests gather until they are taken: the system may deliver
+    /// Whether the message is input; its result is 0 then. Commands gather until they are taken: the system may deliver
     /// messages in the middle of one.
     bool OnMessage(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
 
-    std::vector<Json> TakeRequests() { return std::exchange(m_arRequest, {}); }
+    std::vector<Command> TakeCommands() { return std::exchange(m_commands, {}); }
 
     /// Where the pointer is, and whether it's over the window and whether a button is down.
     POINT Place() const { return m_ptPlace; }
@@ -40,7 +40,7 @@ private:
     void SendPointer(HWND hWnd, int nEvent);
     void Release(int nDevice, const char* pszReason);
 
-    std::vector<Json> m_arRequest;
+    std::vector<Command> m_commands;
     std::map<unsigned, std::string> m_keys; ///< what is down, by place on the keyboard, with the text of its down
     POINT m_ptPlace = {};
     bool m_bInside = false;

@@ -1,0 +1,38 @@
+// The session's clock: what the module's nodes and the host's own account of held input take for the time.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+
+#include "base/Platform.h"
+
+class CClock {
+public:
+    CClock() = default;
+    ~CClock() { Set(std::nullopt); }
+
+    CClock(const CClock&) = delete;
+    CClock& operator=(const CClock&) = delete;
+
+    /// Milliseconds, counted from no time in particular.
+    std::uint64_t Now() const { return m_nStopped.value_or(Running()); }
+
+    /// What it would answer if it ran.
+    static std::uint64_t Running() {
+        const auto now = std::chrono::steady_clock::now().time_since_epoch();
+        return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+    }
+
+    /// Stop it at a time, or let it run (none). False where the module's clock can't be stopped; nothing changes then.
+    bool Set(std::optional<std::uint64_t> nMilliseconds) {
+        const bool bSet = FreezeClock(nMilliseconds);
+        if (bSet) {
+            m_nStopped = nMilliseconds;
+        }
+        return bSet;
+    }
+
+private:
+    std::optional<std::uint64_t> m_nStopped;
+};

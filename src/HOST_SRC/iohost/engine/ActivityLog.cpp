@@ -1,0 +1,99 @@
+#include "engine/ActivityLog.h"
+
+#include <algorithm>
+#include <cwchar>
+
+#include "base/TextUtf8.h"
+
+namespace {
+
+bool PointsAtType(const VEKParam& param, const wchar_t* pszTypeName) {
+    return std::wcscmp(param.m_szTypeName, pszTypeName) == 0;
+}
+
+/// The parameter of an event that points at a thing of this type; null without one.
+const VEKParam* FindPointer(const SQOREvent& event, const wchar_t* pszTypeName) {
+    for (POSITION pos = event.m_lstParam.GetHeadPosition(); pos != nullptr;) {
+        const VEKParam* pParam = event.m_lstParam.GetNext(pos);
+        if (PointsAtType(*pParam, pszTypeName)) {
+            return pParam;
+        }
+    }
+    return nullptr;
+}
+
+std::optional<std::string> HandleOf(const SNode* pNode) {
+    return pNode != nullptr ? std::optional(pNode->strHandle) : std::nullopt;
+}
+
+} // namespace
+
+CActivityLog::CActivityLog(CScene& scene) : m_scene(scene) {
+    SetLogSink(this);
+    SetRenderSink(this);
+}
+
+CActivityLog::~CActivityLog() {
+    SetRenderSink(nullptr);
+    SetLogSink(nullptr);
+}
+
+void CActivityLog::OnEventMessage(const SQOREvent& event, WPARAM wParam) {
+    const VEKParam* pOwner = FindPointer(event, L"VEKProperty");
+    const auto* pNode = pOwner != nullptr ? static_cast<const VEKProperty*>(pOwner->m_pValue) : nullptr;
+    const VEKParam* pOutput = FindPointer(event, L"EventID");
+    const auto* pOutputId = pOutput != nullptr ? static_cast<const int*>(pOutput->m_pValue) : nullptr;
+    if (pOutputId != nullptr) {
+        m_scene.Fire(pNode, static_cast<unsigned>(*pOutputId));
+    }
+    SFiredByWindow byWindow{event.m_strName, static_cast<int>(event.m_nId), wParam, {}};
+    for (POSITION pos = event.m_lstParam.GetHeadPosition(); pos != nullptr;) {
+        const VEKParam& param = *event.m_lstParam.GetNext(pos);
+        byWindow.params.push_back({static_cast<unsigned>(param.m_guid.Data1), param.m_strName, param.m_strDisplay,
+                                   param.m_nType, param.m_nControl, param.m_szTypeName, PointsAt(param)});
+    }
+    m_activity.fired.push_back({HandleOf(m_scene.Find(pNode)),
+                                pOutputId != nullptr ? std::optional(*pOutputId) : std::nullopt, std::move(byWindow)});
+}
+
+void CActivityLog::OnNotifyMessage(WPARAM wParam, LPARAM lParam) {
+    m_activity.notified.push_back({HandleOf(m_pCalledNode), wParam, lParam});
+}
+
+void CActivityLog::OnLogLine(const SLogLine& line) {
+    m_activity.logged.push_back({static_cast<int>(line.nLevel), std::to_array(line.nArguments), line.strText, {}});
+}
+
+void CActivityLog::OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) {
+    m_scene.Fire(pNode, static_cast<unsigned>(nOutput));
+    m_activity.fired.push_back(
+        {HandleOf(m_scene.Find(pNode)), nOutput,
+         SFiredByHost{ClipName(pClip), pObject != nullptr ? std::optional(pObject->m_strName) : std::nullopt}});
+}
+
+void CActivityLog::OnNodeRedraw(SGraphNode* pGraphNode) {
+    m_activity.redrawn.push_back({HandleOf(m_scene.Find(pGraphNode))});
+}
+
+std::optional<CString> CActivityLog::ClipName(const void* pClip) const {
+    const VEKClip* pKnownClip = m_scene.FindClip(pClip);
+    return pKnownClip != nullptr ? std::optional(pKnownClip->m_strName) : std::nullopt;
+}
+
+std::optional<std::string> CActivityLog::PointsAt(const VEKParam& param) const {
+    if (param.m_pValue == nullptr) {
+        return std::nullopt;
+    }
+    if (PointsAtType(param, L"VEKClip")) {
+        const auto name = ClipName(param.m_pValue);
+        return name ? std::optional("clip:" + Utf8(*name)) : std::nullopt;
+    }
+    if (PointsAtType(param, L"VEKProperty")) {
+        const auto handle = HandleOf(m_scene.Find(static_cast<const VEKProperty*>(param.m_pValue)));
+        return handle ? std::optional("node:" + *handle) : std::nullopt;
+    }
+    if (PointsAtType(param, L"EventID")) {
+        return "int:" + std::to_string(*static_cast<const int*>(param.m_pValue));
+    }
+    return std::nullopt;
+}

@@ -1,0 +1,47 @@
+// Collects what the module does: fired events, log lines, notifications, items sent, redraws.
+#pragma once
+
+#include <utility>
+
+#include "LogSink.h"
+#include "RenderSink.h"
+#include "engine/Activity.h"
+#include "host/GeneralEvent.h"
+#include "scene/Scene.h"
+
+class CActivityLog final : public ILogSink, public IRenderSink {
+public:
+    /// Registers itself with the host libraries until it is destroyed. The scene tells which node a pointer means.
+    explicit CActivityLog(CScene& scene);
+    ~CActivityLog();
+
+    CActivityLog(const CActivityLog&) = delete;
+    CActivityLog& operator=(const CActivityLog&) = delete;
+
+    /// The node that the module is called for; null for none. Notification messages don't say whose they are.
+    void SetCalledNode(const SNode* pNode) { m_pCalledNode = pNode; }
+
+    /// A general event reached the host's event window.
+    void OnEventMessage(const SQOREvent& event, WPARAM wParam);
+
+    /// A notification message reached the host's notification window.
+    void OnNotifyMessage(WPARAM wParam, LPARAM lParam);
+
+    /// A node handed something to a device's socket.
+    void OnSent(Sent sent) { m_activity.sent.push_back(std::move(sent)); }
+
+    void OnLogLine(const SLogLine& line) override;
+    void OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) override;
+    void OnNodeRedraw(SGraphNode* pGraphNode) override;
+
+    /// What happened since the last call; from now on the log goes on behind `begin`.
+    SActivity Exchange(SActivity begin) { return std::exchange(m_activity, std::move(begin)); }
+
+private:
+    std::optional<CString> ClipName(const void* pClip) const;
+    std::optional<std::string> PointsAt(const VEKParam& param) const;
+
+    CScene& m_scene;
+    const SNode* m_pCalledNode = nullptr;
+    SActivity m_activity;
+};

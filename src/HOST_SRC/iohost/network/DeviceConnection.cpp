@@ -1,0 +1,116 @@
+#include "network/DeviceConnection.h"
+
+#include <boost/asio/write.hpp>
+
+#include <utility>
+
+#include "base/Platform.h"
+
+namespace asio = boost::asio;
+using boost::system::error_code;
+
+namespace {
+
+constexpr std::chrono::seconds CONNECT_TIME{5};
+
+/// How long a device may leave unanswered what it's sent, and how often that is looked at.
+constexpr std::chrono::seconds ANSWER_TIME{10};
+constexpr std::chrono::seconds ANSWER_LOOK{1};
+
+constexpr const char* NO_ANSWER = "no answer";
+
+} // namespace
+
+CDeviceConnection::CDeviceConnection(CPeerLoop& loop)
+    : m_loop(loop), m_socket(loop.Context()), m_timer(loop.Context()) {}
+
+Awaitable<std::string> CDeviceConnection::Connect(asio::ip::tcp::endpoint address) {
+    error_code error;
+    m_socket.close(error); // an attempt that failed leaves it open
+    m_timer.expires_after(CONNECT_TIME);
+    m_timer.async_wait([pSelf = shared_from_this()](const error_code& timerError) {
+        if (!timerError && !pSelf->m_bConnected) {
+            error_code ignored;
+            pSelf->m_socket.close(ignored);
+        }
+    });
+    co_await m_socket.async_connect(address, AwaitInto(error));
+    m_timer.cancel();
+    if (error) {
+        co_return error == asio::error::operation_aborted ? NO_ANSWER : error.message();
+    }
+    error_code ignored;
+    m_socket.set_option(asio::ip::tcp::no_delay(true), ignored);
+    NoticeLostPeer(static_cast<std::uintptr_t>(m_socket.native_handle()));
+    m_bConnected = true;
+    co_return std::string();
+}
+
+Awaitable<std::string> CDeviceConnection::Serve(CItemReader& reader) {
+    m_strDisconnectReason.clear();
+    WatchAnswers();
+    Write();
+    const std::string strReason = co_await reader.Read(m_socket);
+    co_return strReason.empty() ? m_strDisconnectReason : strReason;
+}
+
+void CDeviceConnection::End() {
+    Close();
+    m_timer.cancel();
+    m_bConnected = false;
+    ++m_nConnection;
+    m_queue.EndConnection();
+}
+
+void CDeviceConnection::Close() {
+    error_code ignored;
+    m_socket.close(ignored);
+    m_loop.Gate().Wake();
+}
+
+/// Close the connection for that reason.
+void CDeviceConnection::Disconnect(std::string strReason) {
+    m_strDisconnectReason = std::move(strReason);
+    Close();
+}
+
+void CDeviceConnection::Write() {
+    if (m_bWriting || !m_bConnected || !m_socket.is_open() || m_loop.IsListenOnly()) {
+        return;
+    }
+    const auto bytes = m_queue.BeginWrite();
+    if (bytes.empty()) {
+        return;
+    }
+    m_bWriting = true;
+    asio::async_write(m_socket, asio::buffer(bytes.data(), bytes.size()),
+                      [pSelf = shared_from_this(), nConnection = m_nConnection](const error_code& error, size_t) {
+                          pSelf->OnWritten(nConnection, error);
+                      });
+}
+
+/// The connection that was written to may be over by now, and the next one be there.
+void CDeviceConnection::OnWritten(unsigned long long nConnection, const error_code& error) {
+    m_bWriting = false;
+    m_queue.EndWrite(!error);
+    m_loop.OnStateChanged();
+    if (error && nConnection == m_nConnection && m_socket.is_open()) {
+        Disconnect(error.message());
+    }
+    Write();
+}
+
+/// Look from time to time whether the device still answers, until the connection ends.
+void CDeviceConnection::WatchAnswers() {
+    m_timer.expires_after(ANSWER_LOOK);
+    m_timer.async_wait([pSelf = shared_from_this()](const error_code& error) {
+        if (error || !pSelf->m_bConnected) {
+            return;
+        }
+        if (HasStoppedAnswering(static_cast<std::uintptr_t>(pSelf->m_socket.native_handle()), ANSWER_TIME)) {
+            pSelf->Disconnect(NO_ANSWER);
+        } else {
+            pSelf->WatchAnswers();
+        }
+    });
+}

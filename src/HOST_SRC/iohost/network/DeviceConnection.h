@@ -1,0 +1,46 @@
+// The TCP connection to a device: made, written to from a bounded queue, watched, closed, and made again.
+#pragma once
+
+#include "network/ItemReader.h"
+
+#include <memory>
+
+#include "network/SendQueue.h"
+
+class CDeviceConnection final : public std::enable_shared_from_this<CDeviceConnection> {
+public:
+    explicit CDeviceConnection(CPeerLoop& loop);
+
+    /// Connect; the reason when that fails, else nothing.
+    Awaitable<std::string> Connect(boost::asio::ip::tcp::endpoint address);
+
+    /// Write what is queued, and read, until the connection ends; returns why it did.
+    Awaitable<std::string> Serve(CItemReader& reader);
+
+    /// The connection is over; also after an attempt that failed.
+    void End();
+
+    /// Let Connect or Serve return.
+    void Close();
+
+    /// What waits for the device. Whoever appends to it calls Write.
+    CSendQueue& Queue() { return m_queue; }
+    const CSendQueue& Queue() const { return m_queue; }
+
+    /// Write what waits, if it may be written now.
+    void Write();
+
+private:
+    void OnWritten(unsigned long long nConnection, const boost::system::error_code& error);
+    void WatchAnswers();
+    void Disconnect(std::string strReason);
+
+    CPeerLoop& m_loop;
+    CSendQueue m_queue;
+    TcpSocket m_socket;
+    SteadyTimer m_timer; ///< ends an attempt to connect; later, WatchAnswers
+    bool m_bConnected = false;
+    bool m_bWriting = false;
+    unsigned long long m_nConnection = 0; ///< number of the present connection, or of the next one
+    std::string m_strDisconnectReason;    ///< why this side closed it
+};

@@ -1,0 +1,61 @@
+// Makes items of the bytes that a peer sends, hands them over and counts what becomes of them.
+#pragma once
+
+#include "network/PeerLoop.h"
+
+#include <array>
+#include <memory>
+
+#include "PlayControlParser.h"
+#include "SocketTransport.h"
+#include "host/PlayControlDevice.h"
+#include "network/NetworkState.h"
+#include "network/TextLines.h"
+
+class CItemReader final : private IReceivedBytes, private IRecordReceiver, private ITextReceiver {
+public:
+    /// Of a device with this number, or of another host, which sends frames. The counts are those of all peers that
+    /// belong together.
+    CItemReader(CPeerLoop& loop, const SDeviceSetup& device, SItemCounts& counts);
+    CItemReader(CPeerLoop& loop, SItemCounts& counts);
+    ~CItemReader();
+
+    /// What takes the bytes; null: they are dropped.
+    CZtSocketParser* Parser() const { return m_pParser.get(); }
+
+    /// Read a connection until it ends, in pieces that the gate lets through. Returns why it ended; nothing when this
+    /// side closed it.
+    Awaitable<std::string> Read(TcpSocket& socket);
+
+    /// The connection is over; an item that isn't whole is rejected.
+    void EndConnection();
+
+    unsigned long long ReceivedBytes() const { return m_nReceivedBytes; }
+    const std::optional<SLastBytes>& LastReceived() const { return m_lastReceived; }
+    const LineRefusalCounts& RejectedLines() const { return m_textLines.RefusedCounts(); }
+
+private:
+    CItemReader(CPeerLoop& loop, EPeer nFrom, EDeviceParser nParser, int nDeviceId, SItemCounts& counts);
+
+    void OnConnectionBegins() override {}
+    void OnBytes(std::span<const unsigned char> bytes) override;
+    void OnRecord(const CString& strClip, CQORPanelRemoteCtrlData& record) override;
+    void OnText(const CString& strText) override;
+
+    std::unique_ptr<CZtSocketParser> MakeParser();
+    void HandOver(EIODevice nDevice, int nEvent, void* pPayload);
+    void CountRejected();
+
+    CPeerLoop& m_loop;
+    const EPeer m_nFrom;
+    const EDeviceParser m_nParser;
+    const int m_nDeviceId;
+    SItemCounts& m_counts;
+    CTextLines m_textLines{*this};                      ///< of a device that sends texts
+    const std::unique_ptr<CZtSocketParser> m_pParser;   ///< null: what comes in is dropped
+    CQORPlayCtlParser* const m_pFramedParser = nullptr; ///< the parser, when it is one of frames
+    unsigned long long m_nRejected = 0;                 ///< as counted so far
+    unsigned long long m_nReceivedBytes = 0;
+    std::optional<SLastBytes> m_lastReceived;
+    std::array<unsigned char, 65536> m_received;
+};

@@ -1,0 +1,41 @@
+// Says when what came in over the network may be handled.
+#pragma once
+
+#include "base/Network.h"
+
+#include <optional>
+
+/// Holds back what came in: bytes are read, but nothing is made of them while the gate is closed. Each connection thus
+/// reads one piece ahead at most.
+class CReadGate {
+public:
+    explicit CReadGate(boost::asio::io_context& context);
+
+    void Open();
+    void Close() { m_bOpen = false; }
+
+    /// Open it for good, and from now on let items through for a few milliseconds at a time only, so that all that the
+    /// loop has to do otherwise, frames above all, comes in between.
+    void OpenInTurns();
+
+    /// Returns once items may be handled: true. Or false, when the socket has been closed; whoever closes it calls
+    /// Wake.
+    template <typename Socket>
+    Awaitable<bool> Pass(const Socket& socket) {
+        while (socket.is_open() && !MayPass()) {
+            co_await AwaitChance();
+        }
+        co_return socket.is_open();
+    }
+    void Wake() { m_timer.cancel(); }
+
+private:
+    bool MayPass();
+    Awaitable<void> AwaitChance();
+
+    boost::asio::io_context& m_context;
+    SteadyTimer m_timer; ///< never expires by itself
+    bool m_bOpen = false;
+    bool m_bInTurns = false;
+    std::optional<std::chrono::steady_clock::time_point> m_tTurnEnd; ///< none: no turn has begun
+};

@@ -1,0 +1,33 @@
+// When a connection is tried again: soon at first, then ever more seldom.
+#pragma once
+
+#include "base/Network.h"
+
+#include <algorithm>
+
+class CReconnection {
+public:
+    explicit CReconnection(boost::asio::io_context& context) : m_timer(context) {}
+
+    /// A connection that lasted so long is over. After a good one the next is tried without a long pause.
+    void OnConnectionLasted(std::chrono::steady_clock::duration time) {
+        constexpr std::chrono::seconds GOOD_CONNECTION{1};
+        m_pause = time >= GOOD_CONNECTION ? SHORTEST_PAUSE : m_pause;
+    }
+
+    /// Returns when it's time to try again, or after Stop.
+    Awaitable<void> AwaitNext() {
+        const auto pause = m_pause;
+        m_pause = std::min(2 * pause, LONGEST_PAUSE);
+        return Pause(m_timer, pause);
+    }
+
+    void Stop() { m_timer.cancel(); }
+
+private:
+    static constexpr std::chrono::milliseconds SHORTEST_PAUSE{100};
+    static constexpr std::chrono::milliseconds LONGEST_PAUSE{5000};
+
+    SteadyTimer m_timer;
+    std::chrono::milliseconds m_pause = SHORTEST_PAUSE;
+};

@@ -1,0 +1,124 @@
+#include "protocol/Protocol.h"
+
+#include "protocol/Shapes.h"
+
+namespace {
+
+/// Characters, or bytes.
+constexpr int MOST_SHOWN = 65536;
+
+void Cut(CString& strText, std::optional<int>& length) {
+    if (strText.GetLength() > MOST_SHOWN) {
+        length = strText.GetLength();
+        strText = strText.Left(MOST_SHOWN);
+    }
+}
+
+} // namespace
+
+void ReadRequest(SRequest& request, const CFields& fields, ISceneFiles& files) {
+    if (const Json* pId = fields.Find("id")) {
+        if (pId->is_structured()) {
+            Refuse("id", "must be a string, a number, true, false or null");
+        }
+        request.id = *pId;
+    }
+    const std::string& strOp = fields.Text("op");
+    if (strOp == TAG_NAME<SLoadCommand> && !fields.Has("scene")) {
+        const Json scene = ParseJson(files.Read(fields.Text("file")), "file");
+        request.command = SLoadCommand{ReadScene(scene, "file"), "file"};
+    } else if (strOp == TAG_NAME<SFrameCommand> && fields.Has("frame") && ReadBool(*fields.Find("frame"), "frame")) {
+        ReadFields(request.command.emplace<SFrameCommand>(), fields);
+    } else {
+        ReadFields(request.command, fields);
+    }
+    if (std::holds_alternative<SSaveCommand>(request.command)) {
+        request.strFile = fields.Text("file");
+    }
+}
+
+OrderedJson RequestOf(const Command& command) {
+    OrderedJson request = OrderedJson::object();
+    AppendFields(request, command);
+    return request;
+}
+
+OrderedJson ReplyTo(const SDone& done, const OrderedJson& id) {
+    OrderedJson reply = done.outcome.error ? ErrorReply(*done.outcome.error, id) : OrderedJson{{"ok", true}};
+    if (!done.outcome.error) {
+        if (!id.is_discarded()) {
+            reply["id"] = id;
+        }
+        std::visit([&](const auto& result) { AppendFields(reply, result); }, done.outcome.result);
+    }
+    AppendFields(reply, done.activity);
+    return reply;
+}
+
+OrderedJson ErrorReply(const std::string& strError, const OrderedJson& id) {
+    OrderedJson reply = {{"ok", false}};
+    if (!id.is_discarded()) {
+        reply["id"] = id;
+    }
+    reply["error"] = strError;
+    return reply;
+}
+
+OrderedJson Answer(CSession& session, const Json& json, ISceneFiles& files, const SOrigin& origin,
+                   void (*edit)(SActivity& activity)) {
+    SRequest request;
+    try {
+        ReadRequest(request, CFields(json), files);
+        SDone done = session.Do(request.command, origin);
+        if (const auto* pScene = std::get_if<SSceneDocument>(&done.outcome.result)) {
+            files.Write(request.strFile, SceneText(*pScene));
+            done.outcome.result = {};
+        }
+        if (edit != nullptr) {
+            edit(done.activity);
+        }
+        return ReplyTo(done, request.id);
+    } catch (const CRefusal& refusal) {
+        return ErrorReply(refusal.what(), request.id);
+    }
+}
+
+std::string AnswerText(CSession& session, std::string_view text, ISceneFiles& files, const SOrigin& origin,
+                       void (*edit)(SActivity& activity)) {
+    Json request;
+    try {
+        request = ParseJson(text, "request");
+    } catch (const CRefusal& refusal) {
+        return ReplyText(ErrorReply(refusal.what()));
+    }
+    return ReplyText(Answer(session, request, files, origin, edit));
+}
+
+std::string ReplyText(const OrderedJson& reply) {
+    return reply.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
+}
+
+void CutForViewers(SActivity& activity) {
+    for (SLogged& line : activity.logged) {
+        Cut(line.strText, line.length);
+    }
+    for (Sent& sent : activity.sent) {
+        auto* pBytes = std::get_if<SSentBytes>(&sent);
+        if (pBytes != nullptr && pBytes->bytes.size() > MOST_SHOWN) {
+            pBytes->size = pBytes->bytes.size();
+            pBytes->bytes.resize(MOST_SHOWN);
+        }
+    }
+}
+
+void CutForViewers(OutputValues& values) {
+    for (auto& [strHandle, outputs] : values) {
+        for (auto& [nId, value] : outputs) {
+            Cut(value.strText, value.length);
+        }
+    }
+}
+
+std::string SceneText(const SSceneDocument& scene) {
+    return SceneToJson(scene).dump(1, ' ', false, OrderedJson::error_handler_t::replace) + "\n";
+}

@@ -1,0 +1,54 @@
+// Requests and replies of the session protocol.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "protocol/Fields.h"
+#include "session/Session.h"
+
+/// Where the requests `save` and `load` keep scenes. Names are what the requests call "file".
+class ISceneFiles {
+public:
+    /// Refuse what can't be read or written.
+    virtual std::string Read(const std::string& strName) = 0;
+    virtual void Write(const std::string& strName, const std::string& strText) = 0;
+
+protected:
+    ~ISceneFiles() = default;
+};
+
+/// A request, read and checked.
+struct SRequest {
+    OrderedJson id = OrderedJson::value_t::discarded; ///< comes back in the reply; discarded: there is none
+    Command command;
+    std::string strFile; ///< where `save` keeps the scene
+};
+
+/// Read a request, and the file of a scene to load. On a refusal the id is there, if it could be read.
+void ReadRequest(SRequest& request, const CFields& fields, ISceneFiles& files);
+
+/// A command as a request.
+OrderedJson RequestOf(const Command& command);
+
+/// The reply to a command that was carried out, and to a request that isn't.
+OrderedJson ReplyTo(const SDone& done, const OrderedJson& id = OrderedJson::value_t::discarded);
+OrderedJson ErrorReply(const std::string& strError, const OrderedJson& id = OrderedJson::value_t::discarded);
+
+/// One request object to one reply object. edit may change what the reply tells.
+OrderedJson Answer(CSession& session, const Json& request, ISceneFiles& files, const SOrigin& origin = {},
+                   void (*edit)(SActivity& activity) = nullptr);
+
+/// One request text to one reply text; text that isn't JSON gets an error reply.
+std::string AnswerText(CSession& session, std::string_view text, ISceneFiles& files, const SOrigin& origin = {},
+                       void (*edit)(SActivity& activity) = nullptr);
+
+/// The text of a reply: one line of valid UTF-8.
+std::string ReplyText(const OrderedJson& reply);
+
+/// Cut what is too long for people to look at: the beginnings of texts and bytes stay, with how long they are.
+void CutForViewers(SActivity& activity);
+void CutForViewers(OutputValues& values);
+
+/// A scene as the text of a file.
+std::string SceneText(const SSceneDocument& scene);

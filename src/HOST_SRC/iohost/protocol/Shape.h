@@ -1,0 +1,491 @@
+// How plain data looks as JSON and as types of the page: one table of fields a struct, from which reading, writing and
+// the page's declarations follow.
+//
+//   template <> struct Shape<SCalled> {
+//       static constexpr const char* NAME = "Called";
+//       static constexpr auto FIELDS = std::tuple(SField{"result", &SCalled::nResult});
+//   };
+#pragma once
+
+#include <array>
+#include <concepts>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "base/GuidText.h"
+#include "base/TextUtf8.h"
+#include "protocol/Fields.h"
+#include "protocol/TypeScript.h"
+
+enum : unsigned {
+    /// Reading: the field may be missing. Writing: it's left out while it is what a new struct has.
+    FIELD_OPTIONAL = 1,
+    /// An empty std::optional is null.
+    FIELD_NULLABLE = 2,
+    /// Reading: the field may be missing. It's always written.
+    FIELD_DEFAULTED = 4,
+};
+
+/// One field.
+template <typename Object, typename Member>
+struct SField {
+    const char* pszName;
+    Member Object::*pMember;
+    unsigned nFlags = 0;
+};
+template <typename Object, typename Member>
+SField(const char*, Member Object::*) -> SField<Object, Member>;
+template <typename Object, typename Member>
+SField(const char*, Member Object::*, unsigned) -> SField<Object, Member>;
+
+/// A member whose own fields stand beside the others.
+template <typename Object, typename Member>
+struct SFlat {
+    Member Object::*pMember;
+};
+
+/// A struct's FIELDS and its NAME among the page's types.
+template <typename T>
+struct Shape;
+
+/// What tells the alternatives of a variant apart: the field TAG has the alternative's TAG_NAME. UNKNOWN begins the
+/// refusal of any other.
+template <typename Variant>
+struct Union;
+
+template <typename T>
+inline constexpr const char* TAG_NAME = nullptr;
+
+/// Names of an enum's values, in the order of their numbers: ROWS.
+template <typename Enum>
+struct Names;
+
+/// How values of one type are read, written and declared:
+///   static void Read(T& value, const Json& json, const std::string& strPath)   refuses by that path
+///   static OrderedJson Write(const T& value)
+///   static std::string Type(CTypeScript& types)
+template <typename T>
+struct Codec;
+
+template <typename T>
+concept Shaped = requires {
+    Shape<T>::FIELDS;
+};
+
+template <typename T>
+inline constexpr bool IS_OPTIONAL = false;
+template <typename T>
+inline constexpr bool IS_OPTIONAL<std::optional<T>> = true;
+
+template <typename T>
+inline constexpr bool IS_LIST = false;
+template <typename T>
+inline constexpr bool IS_LIST<std::vector<T>> = true;
+
+template <typename T>
+void ReadJson(T& value, const Json& json, const std::string& strPath) {
+    Codec<T>::Read(value, json, strPath);
+}
+
+template <typename T>
+OrderedJson ToJson(const T& value) {
+    return Codec<T>::Write(value);
+}
+
+/// Put a member behind the others of an object that doesn't have it. The object's own way searches all for it first.
+inline void AppendMember(OrderedJson& object, std::string strName, OrderedJson value) {
+    using Members = std::vector<std::pair<const std::string, OrderedJson>>;
+    static_cast<Members&>(object.get_ref<OrderedJson::object_t&>()).emplace_back(std::move(strName), std::move(value));
+}
+
+// ---- Fields -------------------------------------------------------------------------------------------------------
+
+template <typename T>
+void ReadFields(T& object, const CFields& fields);
+template <typename T>
+void AppendFields(OrderedJson& json, const T& object);
+
+template <typename Member>
+void ReadField(Member& member, const CFields& fields, const char* pszName, unsigned nFlags) {
+    const Json* pValue =
+        (nFlags & (FIELD_OPTIONAL | FIELD_DEFAULTED)) != 0 ? fields.Find(pszName) : &fields.Required(pszName);
+    if (pValue == nullptr) {
+        return;
+    }
+    if constexpr (IS_OPTIONAL<Member>) {
+        if ((nFlags & FIELD_NULLABLE) != 0 && pValue->is_null()) {
+            member.reset();
+            return;
+        }
+        if constexpr (std::is_same_v<Member, std::optional<CString>>) {
+            if ((nFlags & FIELD_NULLABLE) != 0 && !pValue->is_string()) {
+                RefuseKind(fields.Path(pszName), "a string or null");
+            }
+        }
+        ReadJson(member.emplace(), *pValue, fields.Path(pszName));
+    } else {
+        ReadJson(member, *pValue, fields.Path(pszName));
+    }
+}
+
+template <typename Object, typename Member>
+bool IsLeftOut(const Member& member, Member Object::*pMember) {
+    if constexpr (IS_OPTIONAL<Member>) {
+        return !member.has_value();
+    } else if constexpr (IS_LIST<Member>) {
+        return member.empty();
+    } else if constexpr (std::is_default_constructible_v<Object> && std::equality_comparable<Member> &&
+                         !std::is_array_v<Member>) {
+        static const Object s_new{};
+        return member == s_new.*pMember;
+    } else {
+        return false;
+    }
+}
+
+template <typename Object, typename Member>
+void AppendField(OrderedJson& json, const Member& member, const SField<Object, Member>& field) {
+    if ((field.nFlags & FIELD_NULLABLE) == 0 && (field.nFlags & FIELD_OPTIONAL) != 0 &&
+        IsLeftOut(member, field.pMember)) {
+        return;
+    }
+    if constexpr (IS_OPTIONAL<Member>) {
+        AppendMember(json, field.pszName, member ? ToJson(*member) : OrderedJson());
+    } else {
+        AppendMember(json, field.pszName, ToJson(member));
+    }
+}
+
+template <typename T, typename Object, typename Member>
+void ReadOne(T& object, const SField<Object, Member>& field, const CFields& fields) {
+    ReadField(object.*field.pMember, fields, field.pszName, field.nFlags);
+}
+
+template <typename T, typename Object, typename Member>
+void ReadOne(T& object, const SFlat<Object, Member>& member, const CFields& fields) {
+    ReadFields(object.*member.pMember, fields);
+}
+
+template <typename T>
+void ReadFields(T& object, const CFields& fields) {
+    std::apply([&](const auto&... field) { (ReadOne(object, field, fields), ...); }, Shape<T>::FIELDS);
+}
+
+template <typename T, typename Object, typename Member>
+void AppendOne(OrderedJson& json, const T& object, const SField<Object, Member>& field) {
+    AppendField(json, object.*field.pMember, field);
+}
+
+template <typename T, typename Object, typename Member>
+void AppendOne(OrderedJson& json, const T& object, const SFlat<Object, Member>& member) {
+    AppendFields(json, object.*member.pMember);
+}
+
+template <typename T>
+void AppendFields(OrderedJson& json, const T& object) {
+    std::apply([&](const auto&... field) { (AppendOne(json, object, field), ...); }, Shape<T>::FIELDS);
+}
+
+template <Shaped T>
+struct Codec<T> {
+    static void Read(T& value, const Json& json, const std::string& strPath) {
+        ReadFields(value, CFields(json, strPath.empty() ? strPath : strPath + "."));
+    }
+    static OrderedJson Write(const T& value) {
+        OrderedJson json = OrderedJson::object();
+        AppendFields(json, value);
+        return json;
+    }
+    static std::string Type(CTypeScript& types) {
+        types.Declare(Shape<T>::NAME, [&] { return Body(types); });
+        return Shape<T>::NAME;
+    }
+    /// The fields' declarations, and behind them what variants among the members add.
+    static std::string Body(CTypeScript& types) {
+        std::string strFields;
+        std::string strVariants;
+        std::apply([&](const auto&... field) { (Declare(field, types, strFields, strVariants), ...); },
+                   Shape<T>::FIELDS);
+        return "{\n" + strFields + "}" + strVariants;
+    }
+
+private:
+    template <typename Object, typename Member>
+    static void Declare(const SFlat<Object, Member>& /*member*/, CTypeScript& types, std::string& /*strFields*/,
+                        std::string& strVariants) {
+        strVariants += " & " + Codec<Member>::Type(types);
+    }
+    template <typename Object, typename Member>
+    static void Declare(const SField<Object, Member>& field, CTypeScript& types, std::string& strFields,
+                        std::string& /*strVariants*/) {
+        std::string strType;
+        if constexpr (IS_OPTIONAL<Member>) {
+            strType = Codec<typename Member::value_type>::Type(types);
+        } else {
+            strType = Codec<Member>::Type(types);
+        }
+        strFields += std::string("  ") + field.pszName + ((field.nFlags & FIELD_OPTIONAL) != 0 ? "?: " : ": ") +
+                     strType + ((field.nFlags & FIELD_NULLABLE) != 0 ? " | null" : "") + ";\n";
+    }
+};
+
+// ---- Plain values -------------------------------------------------------------------------------------------------
+
+template <typename T>
+requires std::is_arithmetic_v<T>
+struct Codec<T> {
+    static void Read(T& value, const Json& json, const std::string& strPath) {
+        if constexpr (std::is_same_v<T, bool>) {
+            value = ReadBool(json, strPath);
+        } else if constexpr (std::is_same_v<T, float>) {
+            value = ReadFloat(json, strPath);
+        } else if constexpr (std::is_same_v<T, unsigned short>) {
+            const unsigned nPort = ReadUnsigned(json, strPath);
+            if (nPort > 0xFFFF) {
+                Refuse(strPath, std::to_string(nPort) + " isn't a port");
+            }
+            value = static_cast<T>(nPort);
+        } else if constexpr (sizeof(T) == sizeof(std::uint64_t)) {
+            if (!json.is_number_unsigned()) {
+                RefuseKind(strPath, "a whole number");
+            }
+            value = json.get<T>();
+        } else if constexpr (std::is_signed_v<T>) {
+            value = ReadInt(json, strPath);
+        } else {
+            value = ReadUnsigned(json, strPath);
+        }
+    }
+    static OrderedJson Write(T value) { return value; }
+    static std::string Type(CTypeScript& /*types*/) { return std::is_same_v<T, bool> ? "boolean" : "number"; }
+};
+
+template <>
+struct Codec<std::string> {
+    static void Read(std::string& value, const Json& json, const std::string& strPath) {
+        value = ReadText(json, strPath);
+    }
+    static OrderedJson Write(const std::string& value) { return value; }
+    static std::string Type(CTypeScript& /*types*/) { return "string"; }
+};
+
+template <>
+struct Codec<CString> {
+    static void Read(CString& value, const Json& json, const std::string& strPath) {
+        value = FromUtf8(ReadText(json, strPath));
+    }
+    static OrderedJson Write(const CString& value) { return Utf8(value); }
+    static std::string Type(CTypeScript& /*types*/) { return "string"; }
+};
+
+template <>
+struct Codec<GUID> {
+    static void Read(GUID& value, const Json& json, const std::string& strPath) {
+        const auto guid = ParseGuid(ReadText(json, strPath));
+        if (!guid) {
+            Refuse(strPath, Quoted(ReadText(json, strPath)) + " isn't a GUID");
+        }
+        value = *guid;
+    }
+    static OrderedJson Write(const GUID& value) { return GuidText(value); }
+    static std::string Type(CTypeScript& /*types*/) { return "string"; }
+};
+
+template <typename T>
+requires requires {
+    Names<T>::ROWS;
+}
+struct Codec<T> {
+    static void Read(T& value, const Json& json, const std::string& strPath) {
+        const std::string& strName = ReadText(json, strPath);
+        std::string strNames;
+        for (size_t i = 0; i < std::size(Names<T>::ROWS); ++i) {
+            if (strName == Names<T>::ROWS[i]) {
+                value = static_cast<T>(i);
+                return;
+            }
+            strNames += (i == 0 ? "" : ", ") + std::string(Names<T>::ROWS[i]);
+        }
+        Refuse(strPath, Quoted(strName) + " is none of " + strNames);
+    }
+    static OrderedJson Write(T value) { return Names<T>::ROWS[static_cast<size_t>(value)]; }
+    static std::string Type(CTypeScript& /*types*/) {
+        std::string strType;
+        for (const char* pszName : Names<T>::ROWS) {
+            strType += (strType.empty() ? "\"" : " | \"") + std::string(pszName) + '"';
+        }
+        return strType;
+    }
+};
+
+// ---- Lists --------------------------------------------------------------------------------------------------------
+
+template <typename T>
+struct Codec<std::optional<T>> { ///< within lists: none is null
+    static OrderedJson Write(const std::optional<T>& value) { return value ? ToJson(*value) : OrderedJson(); }
+    static void Read(std::optional<T>& value, const Json& json, const std::string& strPath) {
+        value.reset();
+        if (!json.is_null()) {
+            ReadJson(value.emplace(), json, strPath);
+        }
+    }
+    static std::string Type(CTypeScript& types) { return Codec<T>::Type(types) + " | null"; }
+};
+
+template <typename T>
+struct Codec<std::vector<T>> {
+    static void Read(std::vector<T>& value, const Json& json, const std::string& strPath) {
+        if (!json.is_array()) {
+            RefuseKind(strPath, "a list");
+        }
+        for (size_t i = 0; i < json.size(); ++i) {
+            // The elements of plain lists are called as the list is.
+            ReadJson(value.emplace_back(), json[i], Shaped<T> ? strPath + "[" + std::to_string(i) + "]" : strPath);
+        }
+    }
+    static OrderedJson Write(const std::vector<T>& value) {
+        OrderedJson list = OrderedJson::array();
+        for (const T& element : value) {
+            list.push_back(ToJson(element));
+        }
+        return list;
+    }
+    static std::string Type(CTypeScript& types) {
+        const std::string strType = Codec<T>::Type(types);
+        return (strType.find(' ') != std::string::npos ? "(" + strType + ")" : strType) + "[]";
+    }
+};
+
+template <typename List, typename T, size_t nCount>
+struct SFixedListCodec {
+    static void Read(List& value, const Json& json, const std::string& strPath) {
+        if (!json.is_array() || json.size() != nCount) {
+            RefuseKind(strPath, "an array of " + std::to_string(nCount) + " numbers");
+        }
+        for (size_t i = 0; i < nCount; ++i) {
+            ReadJson(value[i], json[i], strPath + "[" + std::to_string(i) + "]");
+        }
+    }
+    static OrderedJson Write(const List& value) {
+        OrderedJson list = OrderedJson::array();
+        for (const T& element : value) {
+            list.push_back(ToJson(element));
+        }
+        return list;
+    }
+    static std::string Type(CTypeScript& types) { return "(" + Codec<T>::Type(types) + ")[]"; }
+};
+
+template <typename T, size_t nCount>
+struct Codec<std::array<T, nCount>> : SFixedListCodec<std::array<T, nCount>, T, nCount> {};
+template <typename T, size_t nCount>
+struct Codec<T[nCount]> : SFixedListCodec<T[nCount], T, nCount> {};
+
+/// A list by name or id: an object.
+template <typename Key, typename T>
+struct Codec<std::vector<std::pair<Key, T>>> {
+    static void Read(std::vector<std::pair<Key, T>>& value, const Json& json, const std::string& strPath) {
+        for (const auto& [key, member] : CFields(json, strPath + ".").Object().items()) {
+            ReadJson(value.emplace_back(ReadIdKey(key, strPath), T()).second, member, strPath + "." + key);
+        }
+    }
+    static OrderedJson Write(const std::vector<std::pair<Key, T>>& value) {
+        OrderedJson object = OrderedJson::object();
+        for (const auto& [key, element] : value) {
+            if constexpr (std::is_same_v<Key, std::string>) {
+                AppendMember(object, key, ToJson(element));
+            } else {
+                AppendMember(object, std::to_string(key), ToJson(element));
+            }
+        }
+        return object;
+    }
+    static std::string Type(CTypeScript& types) { return "Record<string, " + Codec<T>::Type(types) + ">"; }
+};
+
+// ---- Tagged unions ------------------------------------------------------------------------------------------------
+
+/// Make the variant hold a new one of its alternatives.
+template <typename T, typename Variant>
+void Emplace(Variant& value) {
+    value.template emplace<T>();
+}
+
+/// The alternative of that tag name; false for an unknown one.
+template <typename Variant, size_t nIndex = 0>
+bool EmplaceByTag(Variant& value, std::string_view name) {
+    if constexpr (nIndex == std::variant_size_v<Variant>) {
+        return false;
+    } else {
+        const char* pszName = TAG_NAME<std::variant_alternative_t<nIndex, Variant>>;
+        if (pszName != nullptr && name == pszName) {
+            Emplace<std::variant_alternative_t<nIndex, Variant>>(value);
+            return true;
+        }
+        return EmplaceByTag<Variant, nIndex + 1>(value, name);
+    }
+}
+
+template <typename... Alternatives>
+requires requires {
+    Union<std::variant<Alternatives...>>::TAG;
+}
+void ReadFields(std::variant<Alternatives...>& value, const CFields& fields) {
+    using Tagged = Union<std::variant<Alternatives...>>;
+    const std::string& strName = fields.Text(Tagged::TAG);
+    if (!EmplaceByTag(value, strName)) {
+        Refuse(fields.Path(Tagged::TAG), Tagged::UNKNOWN + Quoted(strName));
+    }
+    std::visit([&](auto& alternative) { ReadFields(alternative, fields); }, value);
+}
+
+template <typename... Alternatives>
+requires requires {
+    Union<std::variant<Alternatives...>>::TAG;
+}
+void AppendFields(OrderedJson& json, const std::variant<Alternatives...>& value) {
+    std::visit(
+        [&]<typename T>(const T& alternative) {
+            AppendMember(json, Union<std::variant<Alternatives...>>::TAG, TAG_NAME<T>);
+            AppendFields(json, alternative);
+        },
+        value);
+}
+
+/// "({ is: "key" } & Key | ...)".
+template <typename... Alternatives>
+std::string TaggedType(std::type_identity<std::variant<Alternatives...>>, CTypeScript& types) {
+    using Variant = std::variant<Alternatives...>;
+    std::string strType;
+    const auto append = [&]<typename Alternative>(std::type_identity<Alternative>) {
+        if (TAG_NAME<Alternative> != nullptr) {
+            strType += (strType.empty() ? "{ " : " | { ") + std::string(Union<Variant>::TAG) + ": \"" +
+                       TAG_NAME<Alternative> + "\" } & " + Codec<Alternative>::Type(types);
+        }
+    };
+    (append(std::type_identity<Alternatives>()), ...);
+    return "(" + strType + ")";
+}
+
+template <typename... Alternatives>
+requires requires {
+    Union<std::variant<Alternatives...>>::TAG;
+}
+struct Codec<std::variant<Alternatives...>> {
+    using Variant = std::variant<Alternatives...>;
+
+    static void Read(Variant& value, const Json& json, const std::string& strPath) {
+        ReadFields(value, CFields(json, strPath + "."));
+    }
+    static OrderedJson Write(const Variant& value) {
+        OrderedJson json = OrderedJson::object();
+        AppendFields(json, value);
+        return json;
+    }
+    static std::string Type(CTypeScript& types) { return TaggedType(std::type_identity<Variant>(), types); }
+};

@@ -1,0 +1,254 @@
+#include "protocol/Shapes.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <set>
+
+#include "base/ByteText.h"
+
+namespace {
+
+constexpr char FORMAT[] = "iohost scene";
+constexpr int VERSION = 1;
+
+constexpr const char* VALUE_FIELDS[] = {"int", "float", "string", "choice"};
+
+} // namespace
+
+// ---- Commands -----------------------------------------------------------------------------------------------------
+
+void ReadFields(SFrameCommand& /*command*/, const CFields& fields) {
+    for (const char* pszName : {"node", "graph"}) {
+        if (fields.Has(pszName)) {
+            Refuse(pszName, "doesn't go with frame, which evaluates the whole scene");
+        }
+    }
+}
+
+void AppendFields(OrderedJson& json, const SFrameCommand& /*command*/) {
+    json["frame"] = true;
+}
+
+void ReadFields(SEventCommand& command, const CFields& fields) {
+    ReadField(command.handle, fields, "node", FIELD_OPTIONAL);
+    if (const Json* pRecord = fields.Find("record")) {
+        if (!pRecord->is_null()) {
+            Refuse("record", "must be null or missing");
+        }
+        command.bRecord = false;
+        return;
+    }
+    ReadField(command.payload, fields, "payload", FIELD_OPTIONAL);
+    ReadField(command.nDevice, fields, "device", 0);
+    ReadField(command.nEvent, fields, "event", 0);
+}
+
+void AppendFields(OrderedJson& json, const SEventCommand& command) {
+    if (command.handle) {
+        json["node"] = *command.handle;
+    }
+    if (!command.bRecord) {
+        json["record"] = nullptr;
+        return;
+    }
+    json["device"] = command.nDevice;
+    json["event"] = command.nEvent;
+    if (!std::holds_alternative<std::monostate>(command.payload)) {
+        json["payload"] = ToJson(command.payload);
+    }
+}
+
+void ReadFields(SSetCommand& command, const CFields& fields) {
+    ReadField(command.strHandle, fields, "node", 0);
+    ReadField(command.bOwn, fields, "own", FIELD_OPTIONAL);
+    ReadField(command.nParam, fields, "param", 0);
+    if (std::ranges::count_if(VALUE_FIELDS, [&](const char* pszName) { return fields.Has(pszName); }) != 1) {
+        Refuse("int, float, string, choice", "exactly one of them must be there");
+    }
+    if (const Json* pNumber = fields.Find("float")) {
+        command.value = ReadFloat(*pNumber, "float");
+    } else if (const Json* pText = fields.Find("string")) {
+        command.value = FromUtf8(ReadText(*pText, "string"));
+    } else {
+        const char* pszName = fields.Has("int") ? "int" : "choice"; // an index is the same member
+        command.value = fields.Int(pszName);
+    }
+}
+
+void AppendFields(OrderedJson& json, const SSetCommand& command) {
+    json["node"] = command.strHandle;
+    json["param"] = command.nParam;
+    if (command.bOwn) {
+        json["own"] = true;
+    }
+    json[VALUE_FIELDS[command.value.index()]] = ToJson(command.value);
+}
+
+void ReadFields(SEditCommand& command, const CFields& fields) {
+    ReadFields(static_cast<SSetCommand&>(command), fields);
+}
+
+void AppendFields(OrderedJson& json, const SEditCommand& command) {
+    AppendFields(json, static_cast<const SSetCommand&>(command));
+}
+
+/// Refuses what no node fits, so that none is made in vain.
+void ReadFields(SSavedSet& saved, const CFields& fields) {
+    ReadFields<SSavedSet>(saved, fields);
+    std::set<unsigned> dropped;
+    for (const unsigned nId : saved.drop) {
+        if (!dropped.insert(nId).second) {
+            Refuse("saved.drop", "names parameter " + std::to_string(nId) + " twice");
+        }
+    }
+    for (const auto& [nId, bAvailable] : saved.available) {
+        dropped.erase(nId); // it's made anew
+    }
+    for (const unsigned nId : saved.emptyChoices) {
+        if (dropped.contains(nId)) {
+            Refuse("saved.choices", "parameter " + std::to_string(nId) + " is dropped");
+        }
+    }
+}
+
+void ReadFields(SLoadCommand& command, const CFields& fields) {
+    command.strPath = fields.Has("scene") ? "scene" : "file";
+    command.pScene = ReadScene(fields.Required(command.strPath.c_str()), command.strPath);
+}
+
+void AppendFields(OrderedJson& json, const SLoadCommand& command) {
+    json["scene"] = SceneToJson(*command.pScene);
+}
+
+std::shared_ptr<const SSceneDocument> ReadScene(const Json& json, const std::string& strPath) {
+    const CFields fields(json, strPath + ".");
+    if (fields.Text("format") != FORMAT || fields.Int("version") != VERSION) {
+        Refuse(strPath, "isn't a scene of this version");
+    }
+    auto pScene = std::make_shared<SSceneDocument>();
+    ReadFields(*pScene, fields);
+    return pScene;
+}
+
+OrderedJson SceneToJson(const SSceneDocument& scene) {
+    OrderedJson json = {{"format", FORMAT}, {"version", VERSION}};
+    AppendFields(json, scene);
+    return json;
+}
+
+// ---- Values of their own kind -------------------------------------------------------------------------------------
+
+void ReadFields(SQORMouseData& sample, const CFields& fields) {
+    ReadFields<SQORMouseData>(sample, fields);
+    if (sample.m_bRelative != 0 && sample.m_bRelative != 1) {
+        Refuse(fields.Path("relative"), "must be 0 or 1");
+    }
+}
+
+void Codec<Payload>::Read(Payload& value, const Json& json, const std::string& strPath) {
+    if (!json.is_null()) {
+        ReadFields(value, CFields(json, strPath + "."));
+    }
+}
+
+OrderedJson Codec<Payload>::Write(const Payload& value) {
+    if (std::holds_alternative<std::monostate>(value)) {
+        return nullptr;
+    }
+    OrderedJson json = OrderedJson::object();
+    AppendFields(json, value);
+    return json;
+}
+
+std::string Codec<Payload>::Type(CTypeScript& types) {
+    return TaggedType(std::type_identity<Payload>(), types) + " | null";
+}
+
+void Codec<Value>::Read(Value& value, const Json& json, const std::string& strPath) {
+    if (json.is_string()) {
+        value = FromUtf8(json.get_ref<const std::string&>());
+    } else if (json.is_number_float()) {
+        value = ReadFloat(json, strPath);
+    } else if (json.is_number()) {
+        value = ReadInt(json, strPath);
+    } else {
+        RefuseKind(strPath, "a number or a string");
+    }
+}
+
+OrderedJson Codec<Value>::Write(const Value& value) {
+    return std::visit([](const auto& held) { return ToJson(held); }, value);
+}
+
+void Codec<HeldIdentity>::Read(HeldIdentity& value, const Json& json, const std::string& strPath) {
+    if (json.is_string()) {
+        value = json.get<std::string>();
+    } else if (json.is_number_integer()) {
+        value = ReadInt(json, strPath);
+    } else {
+        RefuseKind(strPath, "the text of a key or the number of a pointer, hand or virtual key");
+    }
+}
+
+OrderedJson Codec<HeldIdentity>::Write(const HeldIdentity& value) {
+    return std::visit([](const auto& held) { return ToJson(held); }, value);
+}
+
+void Codec<KeySet>::Read(KeySet& value, const Json& json, const std::string& strPath) {
+    if (!json.is_array()) {
+        RefuseKind(strPath, "a list");
+    }
+    for (const Json& code : json) {
+        const unsigned nCode = ReadUnsigned(code, strPath);
+        if (nCode >= value.size()) {
+            Refuse(strPath, std::to_string(nCode) + " isn't a virtual-key code");
+        }
+        value.set(nCode);
+    }
+}
+
+OrderedJson Codec<KeySet>::Write(const KeySet& value) {
+    OrderedJson list = OrderedJson::array();
+    for (size_t nCode = 0; nCode < value.size(); ++nCode) {
+        if (value[nCode]) {
+            list.push_back(nCode);
+        }
+    }
+    return list;
+}
+
+OrderedJson Codec<SRelease>::Write(const SRelease& value) {
+    if (value.virtualKey) {
+        return {{"virtual_key", *value.virtualKey}};
+    }
+    return {{"device", value.event.nDevice}, {"event", value.event.nEvent}, {"payload", ToJson(value.event.payload)}};
+}
+
+std::string Codec<SRelease>::Type(CTypeScript& types) {
+    return "{ virtual_key: number } | { device: number; event: number; payload: " + Codec<Payload>::Type(types) + " }";
+}
+
+OrderedJson Codec<Sent>::Write(const Sent& value) {
+    return std::visit([](const auto& held) { return ToJson(held); }, value);
+}
+
+std::string Codec<Sent>::Type(CTypeScript& types) {
+    return Codec<SSentRecord>::Type(types) + " | " + Codec<SSentBytes>::Type(types);
+}
+
+OrderedJson Codec<std::vector<unsigned char>>::Write(const std::vector<unsigned char>& value) {
+    return HexText(value);
+}
+
+OrderedJson Codec<const void*>::Write(const void* value) {
+    if (value == nullptr) {
+        return nullptr;
+    }
+    char szText[32];
+    std::snprintf(szText, sizeof(szText), "%p", value);
+    return szText;
+}
+
+void AppendFields(OrderedJson& json, const SNetworkState& state) {
+    json.update(NetworkToJson(state));
+}

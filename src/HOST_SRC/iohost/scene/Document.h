@@ -1,0 +1,97 @@
+// Parameters, nodes, links and clips as plain data: what is shown, saved and loaded.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "host/ParamModel.h"
+
+/// One parameter. What is shown of a live one has all members; what a file holds may lack any but the id.
+struct SParamState {
+    unsigned nId = 0;
+    std::optional<CString> name = std::nullopt;
+    std::optional<CString> display = std::nullopt;
+    std::optional<int> type = std::nullopt;
+    std::optional<int> control = std::nullopt;
+    std::optional<std::array<std::optional<float>, 4>> range = std::nullopt; ///< none: never set; in it: no number
+    std::optional<std::array<int, 4>> flags = std::nullopt;                  ///< none: never set
+    std::optional<int> integer = std::nullopt;
+    std::optional<std::optional<float>> number = std::nullopt; ///< none in it: no number
+    std::optional<CString> text = std::nullopt;
+    std::optional<std::vector<CString>> choices = std::nullopt;
+    std::optional<int> available = std::nullopt;
+    std::optional<long long> extra = std::nullopt; ///< the host word of an output pin; files' are ignored
+};
+
+struct SGroupState {
+    unsigned nId = 0;
+    std::optional<CString> name = std::nullopt;
+    std::optional<CString> display = std::nullopt;
+    std::vector<SParamState> params = {};
+};
+
+/// The three members of a parameter that can be its value.
+struct SValues {
+    int nInteger = 0;
+    float fNumber = 0.0f;
+    CString strText;
+    std::optional<int> length = std::nullopt; ///< of the text, where only its beginning is told
+};
+
+/// Value of one parameter: what its kind makes of it is the reader's to know.
+using Value = std::variant<int, float, CString>;
+
+/// The pins of one output group.
+struct SSavedPins {
+    unsigned nGroup = 0;
+    std::vector<unsigned> ids = {};
+};
+
+/// A node's parameter set out of an older or damaged project.
+struct SSavedSet {
+    std::vector<std::pair<unsigned, Value>> values = {};        ///< own parameters and what they hold
+    std::vector<unsigned> drop = {};                            ///< parameters that the set doesn't have
+    std::vector<std::pair<unsigned, int>> available = {};       ///< parameters and their availability flags
+    std::vector<unsigned> emptyChoices = {};                    ///< choice parameters without labels
+    bool bGroups = true;                                        ///< false: no parameter group at all
+    std::optional<std::vector<SSavedPins>> pins = std::nullopt; ///< the output groups that the graph node starts with
+};
+
+/// How a node is made.
+struct SNodeStart {
+    std::string strHandle;
+    GUID guidType = {};
+    std::optional<CString> clip = std::nullopt; ///< name of the owner clip; none: no owner clip
+    CString strGraph;                           ///< name of the graph node
+    bool bEventWindow = true;
+    bool bNotifyWindow = true;
+};
+
+/// A node of a scene file. Of parameters that the node makes by itself only ids, values, choices and availability
+/// matter. Where a list is missing, the node has what a new one has.
+struct SNodeDocument : SNodeStart {
+    std::optional<std::vector<SGroupState>> own = std::nullopt;
+    std::optional<std::vector<SGroupState>> inputs = std::nullopt;
+    std::optional<std::vector<SGroupState>> outputs = std::nullopt;
+};
+
+/// A link may name a pin that the node makes by itself and that was dropped.
+struct SLinkDocument {
+    std::string strFrom;
+    unsigned nOutput = 0;
+    std::string strTo;
+    unsigned nInput = 0;
+};
+
+struct SObjectDocument {
+    CString strName;
+    std::optional<std::array<float, 16>> matrix = std::nullopt; ///< none: where a new object stands
+};
+
+struct SClipDocument {
+    CString strName;
+    std::vector<SObjectDocument> objects = {};
+};

@@ -1,0 +1,207 @@
+// What a session can be told to do, one struct an operation. docs/session-protocol.md describes each.
+#pragma once
+
+#include <bitset>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <type_traits>
+#include <variant>
+#include <vector>
+
+#include "HostSetup.h"
+#include "host/EventRecord.h"
+#include "host/RemoteControlRecord.h"
+#include "network/Peers.h"
+#include "session/SceneDocument.h"
+
+using KeySet = std::bitset<256>; ///< virtual-key codes
+
+// ---- The module -------------------------------------------------------------------------------------------------
+
+struct SCatalogueCommand {};
+
+struct SCallCommand {
+    unsigned nCode = 0;
+};
+
+struct SQuitCommand {};
+
+// ---- Nodes ------------------------------------------------------------------------------------------------------
+
+struct SCreateCommand : SNodeStart {
+    bool bOutputs = true;                ///< ask the node for its outputs in the end
+    std::optional<SSavedSet> saved = {}; ///< out of a project; none: a new node
+};
+
+struct SInspectCommand {
+    std::string strHandle;
+};
+
+struct SInitCommand {
+    std::string strHandle;
+};
+
+struct SOutputsCommand {
+    std::string strHandle;
+};
+
+struct SLayoutCommand {
+    std::string strHandle;
+};
+
+struct SDestroyCommand {
+    std::string strHandle;
+    std::optional<GUID> type = {}; ///< in the record; none: the node's own
+    bool bPointer = true;          ///< false: null in the record
+};
+
+// ---- Evaluation and events --------------------------------------------------------------------------------------
+
+struct SProcessCommand {
+    std::optional<std::string> handle = {}; ///< none: all nodes
+    bool bGraph = true;                     ///< false: a null graph node
+};
+
+/// One frame: all nodes, and a fault of one doesn't keep the others from theirs.
+struct SFrameCommand {
+    bool bOutputs = true; ///< tell which value outputs changed since the last such frame
+};
+
+/// The contract's own records; none: a null payload.
+using Payload = std::variant<std::monostate, SKeyEventData, SQORMouseData, SVRPluginData, SBroadcastItem,
+                             CQORPanelRemoteCtrlData, SDeviceTextData, SObjectTextData>;
+
+/// An event record for one node or all of them.
+struct SEventCommand {
+    std::optional<std::string> handle = {}; ///< none: all nodes
+    bool bRecord = true;                    ///< false: a null record; nothing below counts then
+    int nDevice = 0;
+    int nEvent = 0;
+    Payload payload = {};
+};
+
+/// One thing that can be held: the text of a key, the number of a pointer, of a hand, or of a virtual key.
+using HeldIdentity = std::variant<int, std::string>;
+
+/// What a release is about: all that is held unless a device, and one key, pointer or hand of it, is named.
+struct SHeldFilter {
+    std::optional<int> device = {};
+    std::optional<HeldIdentity> identity = {};
+};
+
+struct SReleaseHeldCommand {
+    std::string strReason = "the page asks for it";
+    SHeldFilter filter = {};
+    bool bEveryone = false; ///< what all connections hold, not this one's alone
+};
+
+// ---- Parameters and links ---------------------------------------------------------------------------------------
+
+struct SSetCommand {
+    std::string strHandle;
+    unsigned nParam = 0;
+    bool bOwn = false; ///< the node's own parameter, not the graph node's input
+    Value value;
+};
+
+/// As an editor's panel does it.
+struct SEditCommand : SSetCommand {};
+
+struct STriggerCommand {
+    std::string strHandle;
+    unsigned nParam = 0;
+};
+
+enum class EPlace { Own, Inputs, Outputs };
+
+struct SDropCommand {
+    std::string strHandle;
+    unsigned nParam = 0;
+    std::vector<EPlace> from;
+};
+
+struct SLinkCommand : SLinkDocument {};
+
+// ---- The machine around the nodes -------------------------------------------------------------------------------
+
+struct SKeysCommand {
+    KeySet down;
+    KeySet toggled;
+};
+
+struct SClockCommand {
+    std::optional<std::uint64_t> ms = {}; ///< none: real time again
+};
+
+struct SMainWindowCommand {
+    bool bPresent = false;
+    bool bEnabled = false;
+};
+
+struct SObjectCommand {
+    CString strClip;
+    CString strName;
+};
+
+struct SObjectsCommand {};
+
+// ---- The network ------------------------------------------------------------------------------------------------
+
+struct SDevicesCommand {
+    DeviceSetups devices;
+};
+
+struct SListenCommand {
+    std::optional<std::string> address = {}; ///< numeric; none: broadcasts from anywhere, records from this machine
+    std::optional<std::optional<unsigned short>> broadcast =
+        {};                                     ///< UDP port, or none; without one: the configured port
+    std::optional<unsigned short> control = {}; ///< TCP port, 0: any; none: isn't listened on
+};
+
+struct SWaitCommand {
+    unsigned nMilliseconds = 0;
+};
+
+struct SNetworkCommand {};
+
+struct SListenOnlyCommand {
+    bool bOn = false;
+};
+
+// ---- The scene as a whole, and recordings -----------------------------------------------------------------------
+
+/// The result is the scene: whoever asked keeps it where it belongs.
+struct SSaveCommand {};
+
+struct SLoadCommand {
+    std::shared_ptr<const SSceneDocument> pScene; ///< never null
+    std::string strPath;                          ///< what refusals call it: "scene" or "file"
+};
+
+struct SSceneCommand {};
+
+struct SJsonCommand {};
+
+struct SRecordingCommand {
+    int nVersion = 0;
+    ETextTable nTexts = ETextTable::Keys;
+};
+
+using Command =
+    std::variant<SCatalogueCommand, SCallCommand, SCreateCommand, SInspectCommand, SInitCommand, SOutputsCommand,
+                 SProcessCommand, SFrameCommand, SEventCommand, SJsonCommand, SReleaseHeldCommand, SSetCommand,
+                 SEditCommand, STriggerCommand, SDropCommand, SLinkCommand, SKeysCommand, SClockCommand,
+                 SMainWindowCommand, SObjectCommand, SObjectsCommand, SDevicesCommand, SListenCommand, SWaitCommand,
+                 SNetworkCommand, SListenOnlyCommand, SLayoutCommand, SDestroyCommand, SSaveCommand, SLoadCommand,
+                 SSceneCommand, SRecordingCommand, SQuitCommand>;
+
+template <typename Kind, typename... Kinds>
+inline constexpr bool IS_ONE_OF = (std::is_same_v<Kind, Kinds> || ...);
+
+/// Whether commands of a kind change nodes, links or parameters.
+template <typename Kind>
+inline constexpr bool CHANGES_SCENE =
+    IS_ONE_OF<Kind, SCreateCommand, SInitCommand, SOutputsCommand, SSetCommand, SEditCommand, STriggerCommand,
+              SDropCommand, SLinkCommand, SDevicesCommand, SDestroyCommand, SLoadCommand, SQuitCommand>;

@@ -1,0 +1,17 @@
+// Event records: the payloads of commands and items, and which node types look at what.
+#pragma once
+
+#include "session/Command.h"
+
+/// The payload of a record that came from the network.
+Payload PayloadOf(const SIOEventRecord& record);
+
+/// What an event record points at; null for none.
+void* ObjectOf(Payload& payload);
+
+/// Whether a node of this type would take the payload for one of another kind: nodes trust the device to tell what the
+/// record points at.
+bool WouldMisread(const GUID& guidType, const SEventCommand& event);
+
+/// Whether nodes of this type look at such records. Some answer every record with 1 and take none of them.
+bool MayRead(const GUID& guidType, int nDevice, int nEvent);

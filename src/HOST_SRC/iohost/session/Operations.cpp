@@ -1,0 +1,530 @@
+// What each command does.
+#include "session/Session.h"
+
+#include <algorithm>
+
+#include "base/GuidText.h"
+#include "base/HostLine.h"
+#include "base/TextTables.h"
+#include "base/TextUtf8.h"
+#include "scene/ParamSet.h"
+#include "session/EventRecords.h"
+
+namespace {
+
+[[noreturn]] void RefuseParam(const std::string& strField, unsigned nId, const char* pszPlace) {
+    Refuse(strField, "there is no parameter " + std::to_string(nId) + " among the node's " + pszPlace);
+}
+
+VEKParam& ParamOf(const VEKParamGroupList& lstGroup, unsigned nId, const char* pszPlace,
+                  const char* pszField = "param") {
+    VEKParam* pParam = FindParam(lstGroup, MakeParamGuid(nId));
+    if (pParam == nullptr) {
+        RefuseParam(pszField, nId, pszPlace);
+    }
+    return *pParam;
+}
+
+void SetKeyboard(const KeySet& down, const KeySet& toggled) {
+    constexpr BYTE DOWN = 0x80;
+    constexpr BYTE TOGGLED = 0x01;
+    BYTE state[256] = {};
+    for (size_t nCode = 0; nCode < std::size(state); ++nCode) {
+        state[nCode] = static_cast<BYTE>((down[nCode] ? DOWN : 0) | (toggled[nCode] ? TOGGLED : 0));
+    }
+    SetKeyboardState(state);
+}
+
+std::optional<CString> ClipNameOf(const SNode& node) {
+    const VEKClip* pClip = node.pNode->m_pOwnerClip;
+    return pClip != nullptr ? std::optional(pClip->m_strName) : std::nullopt;
+}
+
+SLinkDocument DocumentOf(const SLink& link) {
+    return {link.pFrom->strHandle, link.nOutput, link.pTo->strHandle, link.nInput};
+}
+
+} // namespace
+
+SNode& CSession::NodeOf(const std::string& strHandle, const std::string& strField) {
+    SNode* pNode = Scene().Find(strHandle);
+    if (pNode == nullptr) {
+        Refuse(strField, "there is no node " + Quoted(strHandle));
+    }
+    return *pNode;
+}
+
+std::vector<SNode*> CSession::NodeOrAll(const std::optional<std::string>& handle) {
+    if (handle) {
+        return {&NodeOf(*handle)};
+    }
+    std::vector<SNode*> nodes;
+    for (auto& [nOrder, node] : Scene().Nodes()) {
+        nodes.push_back(&node);
+    }
+    return nodes;
+}
+
+// ---- The module -------------------------------------------------------------------------------------------------
+
+Result CSession::On(const SCatalogueCommand& /*command*/) {
+    SCatalogue catalogue;
+    const CArray<SIOProcessNodeInfo>& arInfo = m_pHost->Catalogue();
+    for (INT_PTR i = 0; i < arInfo.GetSize(); ++i) {
+        const SIOProcessNodeInfo& info = arInfo[i];
+        catalogue.types.push_back({info.guidType, info.nInfoKind, info.strName, info.strAux, info.strTip,
+                                   info.hIcon != nullptr, info.bEnable, std::to_array(info.aReserved)});
+    }
+    return catalogue;
+}
+
+Result CSession::On(const SCallCommand& command) {
+    return SCalled{m_pHost->CallModule(command.nCode)};
+}
+
+Result CSession::On(const SQuitCommand& /*command*/) {
+    m_peers.Close();
+    m_pHost->Close();
+    m_clock.Set(std::nullopt);
+    return {};
+}
+
+// ---- Nodes ------------------------------------------------------------------------------------------------------
+
+Result CSession::On(const SCreateCommand& command) {
+    SNodeContents contents{.bOutputs = command.bOutputs};
+    std::vector<SGroupState> pins;
+    if (command.saved) {
+        contents.pSaved = &*command.saved;
+        if (command.saved->pins) {
+            for (const SSavedPins& group : *command.saved->pins) {
+                SGroupState& state = pins.emplace_back(SGroupState{.nId = group.nGroup, .name = L"Output"});
+                for (const unsigned nId : group.ids) {
+                    state.params.push_back({.nId = nId});
+                }
+            }
+            contents.pOutputs = &pins;
+        }
+    }
+    const SNodeCreated created = m_pHost->Create(command, contents);
+    return SCreated{created.nResult, created.pNode != nullptr};
+}
+
+Result CSession::On(const SInspectCommand& command) {
+    const SNode& node = NodeOf(command.strHandle);
+    const P_ExtDevIOProcess& object = *node.pNode;
+    return SNodeDetails{object.m_guidType,
+                        object.m_nKindCode,
+                        object.m_strName,
+                        object.m_strSecondName,
+                        StateOf(object.m_lstParamGroup),
+                        StateOf(node.pGraphNode->m_lstInputGroup),
+                        StateOf(node.pGraphNode->m_lstOutputGroup)};
+}
+
+Result CSession::On(const SInitCommand& command) {
+    SNode& node = NodeOf(command.strHandle);
+    m_pHost->Call(&node, [&] { node.pNode->InitParam(); });
+    return {};
+}
+
+Result CSession::On(const SOutputsCommand& command) {
+    m_pHost->MakeOutputs(NodeOf(command.strHandle));
+    return {};
+}
+
+Result CSession::On(const SLayoutCommand& command) {
+    SNode& node = NodeOf(command.strHandle);
+    return m_pHost->Call(&node, [&] {
+        const CArray<SNodeParamInfoGrp*>* pGroups = node.pNode->GetNodeParamInfoGrpAr();
+        return SLayout{node.pNode->GetCtrlPosXmlPath(), node.pNode->GetXmlReader(), node.pNode->GetXmlLoadStatePtr(),
+                       pGroups, pGroups != nullptr ? pGroups->GetSize() : 0};
+    });
+}
+
+Result CSession::On(const SDestroyCommand& command) {
+    SNode& node = NodeOf(command.strHandle);
+    const SNodeDestroyed destroyed = m_pHost->Destroy(node, command.type.value_or(node.guidType), command.bPointer);
+    return SDestroyed{destroyed.nResult, destroyed.bSlotNull, destroyed.bFreed};
+}
+
+// ---- Evaluation and events --------------------------------------------------------------------------------------
+
+Result CSession::On(const SProcessCommand& command) {
+    SNodeResults results;
+    for (SNode* pNode : NodeOrAll(command.handle)) {
+        results.results.emplace_back(pNode->strHandle, m_pHost->Evaluate(*pNode, command.bGraph));
+    }
+    return results;
+}
+
+Result CSession::On(const SFrameCommand& command) {
+    SFrameResults results;
+    for (auto& [nOrder, node] : Scene().Nodes()) {
+        std::optional<int> result;
+        try {
+            result = m_pHost->Evaluate(node, true);
+        } catch (const CModuleFault& fault) {
+            WriteHostLine(LOG_ERROR, fault.what());
+        }
+        results.results.emplace_back(node.strHandle, result);
+    }
+    if (command.bOutputs) {
+        results.outputs = m_frameOutputs.Take(Scene());
+    }
+    return results;
+}
+
+Result CSession::On(const SEventCommand& command, const SOrigin& origin) {
+    const std::vector<SNode*> nodes = NodeOrAll(command.handle);
+    for (const SNode* pNode : nodes) {
+        if (command.bRecord && WouldMisread(pNode->guidType, command)) {
+            Refuse("payload.is", "the node " + Quoted(pNode->strHandle) + " would read another kind in a record of " +
+                                     "device " + std::to_string(command.nDevice));
+        }
+    }
+    if (origin.pHeld != nullptr) {
+        if (!origin.pHeld->HasRoomFor(command)) {
+            Refuse("event", "this connection holds " + std::to_string(CHeldInput::MOST_HELD) + " keys and buttons");
+        }
+        origin.pHeld->NoteEvent(command);
+    }
+    Payload payload = command.payload;
+    const SIOEventRecord record = {command.nDevice, command.nEvent, ObjectOf(payload)};
+    SNodeResults results;
+    for (SNode* pNode : nodes) {
+        std::optional<int> result;
+        try {
+            result = m_pHost->Deliver(*pNode, command.bRecord ? &record : nullptr);
+            m_bTaken = m_bTaken || (*result != 0 && MayRead(pNode->guidType, command.nDevice, command.nEvent));
+        } catch (const CModuleFault& fault) {
+            if (!origin.from) {
+                throw;
+            }
+            m_faultLine.Write(fault.what()); // the other nodes get the item all the same
+        }
+        results.results.emplace_back(pNode->strHandle, result);
+    }
+    return results;
+}
+
+Result CSession::On(const SJsonCommand& /*command*/) {
+    return SVerdicts{JsonVerdicts().All(Scene())};
+}
+
+Result CSession::On(const SReleaseHeldCommand& command, const SOrigin& origin) {
+    if (origin.pHeld == nullptr) {
+        Refuse("op", "release_held is for connections of the page");
+    }
+    SReleased released{Release(*origin.pHeld, command)};
+    if (command.bEveryone) {
+        for (CHeldInput& other : m_held.Connections()) {
+            const auto others = Release(other, command);
+            if (!others.empty()) {
+                m_held.NoteReleasedByOther(other);
+                released.releases.insert(released.releases.end(), others.begin(), others.end());
+            }
+        }
+    }
+    return released;
+}
+
+/// Let go of what a connection holds, and log each as synthetic. What can't be released doesn't keep the others.
+std::vector<SRelease> CSession::Release(CHeldInput& held, const SReleaseHeldCommand& command) {
+    std::vector<SRelease> releases = held.TakeReleases(command.filter);
+    for (const SRelease& release : releases) {
+        WriteHostLine(LOG_INFORMATION, "synthetic release of the " + release.strDescription + ": " + command.strReason);
+        if (release.virtualKey) {
+            SetKeyboard(m_held.VirtualKeys(), m_held.ToggledKeys());
+            continue;
+        }
+        try {
+            On(release.event, {});
+        } catch (const CRefusal& refusal) {
+            WriteHostLine(LOG_ERROR, refusal.what());
+        }
+    }
+    return releases;
+}
+
+// ---- Parameters and links ---------------------------------------------------------------------------------------
+
+/// The parameter that got the value.
+VEKParam& CSession::SetValue(const SSetCommand& set) {
+    SNode& node = NodeOf(set.strHandle);
+    VEKParam& param = set.bOwn ? ParamOf(node.pNode->m_lstParamGroup, set.nParam, "own parameters")
+                               : ParamOf(node.pGraphNode->m_lstInputGroup, set.nParam, "graph inputs");
+    if (const auto* pInteger = std::get_if<int>(&set.value)) {
+        param.m_nValue = *pInteger;
+    } else if (const auto* pNumber = std::get_if<float>(&set.value)) {
+        param.m_fValue = *pNumber;
+    } else {
+        param.m_strValue = std::get<CString>(set.value);
+    }
+    return param;
+}
+
+Result CSession::On(const SSetCommand& command) {
+    SetValue(command);
+    return {};
+}
+
+Result CSession::On(const SEditCommand& command) {
+    const GUID guid = SetValue(command).m_guid;
+    SNode& node = NodeOf(command.strHandle);
+    SEdited edited{m_pHost->Call(&node, [&] { return node.pNode->NeedUpdateSingleParam(guid); }) != FALSE, {}};
+    if (edited.bNeeded) {
+        edited.result = m_pHost->Call(&node, [&] { return node.pNode->UpdateSingleParamValue(guid); });
+    }
+    return edited;
+}
+
+Result CSession::On(const STriggerCommand& command) {
+    SNode& node = NodeOf(command.strHandle);
+    const VEKParam& input = ParamOf(node.pGraphNode->m_lstInputGroup, command.nParam, "graph inputs");
+    if (input.m_nType != PARAM_EVENT.m_nType) {
+        Refuse("param", "parameter " + std::to_string(command.nParam) + " isn't an event input");
+    }
+    node.setTriggered.insert(command.nParam);
+    return {};
+}
+
+Result CSession::On(const SDropCommand& command) {
+    SNode& node = NodeOf(command.strHandle);
+    struct SPlace {
+        VEKParamGroupList& lstGroup;
+        const char* pszName;
+    };
+    const SPlace places[] = {{node.pNode->m_lstParamGroup, "own"},
+                             {node.pGraphNode->m_lstInputGroup, "inputs"},
+                             {node.pGraphNode->m_lstOutputGroup, "outputs"}};
+    if (command.from.empty()) {
+        Refuse("from", "names no place");
+    }
+    for (const EPlace nPlace : command.from) {
+        const SPlace& place = places[static_cast<size_t>(nPlace)];
+        ParamOf(place.lstGroup, command.nParam, place.pszName);
+    }
+    for (const EPlace nPlace : command.from) {
+        TakeParam(places[static_cast<size_t>(nPlace)].lstGroup, command.nParam); // nothing where it's named twice
+    }
+    return {};
+}
+
+Result CSession::On(const SLinkCommand& command) {
+    SNode& from = NodeOf(command.strFrom, "from");
+    ParamOf(from.pGraphNode->m_lstOutputGroup, command.nOutput, "outputs", "output");
+    SNode& to = NodeOf(command.strTo, "to");
+    ParamOf(to.pGraphNode->m_lstInputGroup, command.nInput, "graph inputs", "input");
+    Scene().Link(from, command.nOutput, to, command.nInput);
+    return {};
+}
+
+// ---- The machine around the nodes -------------------------------------------------------------------------------
+
+Result CSession::On(const SKeysCommand& command, const SOrigin& origin) {
+    if (origin.pHeld == nullptr) {
+        SetKeyboard(command.down, command.toggled);
+        return {};
+    }
+    // Several people may press keys at once: a key is up when nobody holds it.
+    origin.pHeld->NoteKeys(command.down);
+    m_held.SetToggledKeys(command.toggled);
+    SetKeyboard(m_held.VirtualKeys(), command.toggled);
+    return {};
+}
+
+Result CSession::On(const SClockCommand& command) {
+    if (!m_clock.Set(command.ms)) {
+        Refuse("op", "the clock of this system can't be set");
+    }
+    return {};
+}
+
+Result CSession::On(const SMainWindowCommand& command) {
+    MainWindow().Set(command.bPresent, command.bEnabled);
+    return {};
+}
+
+Result CSession::On(const SObjectCommand& command) {
+    VEKClip& clip = Scene().Clip(command.strClip);
+    if (clip.FindObject(command.strName, 0) != nullptr) {
+        Refuse("name", "the clip has an object " + Quoted(Utf8(command.strName)) + " already");
+    }
+    clip.m_lstObject.AddTail(new VEKObject(command.strName));
+    return {};
+}
+
+Result CSession::On(const SObjectsCommand& /*command*/) {
+    return SObjects{ObjectsOf(Scene())};
+}
+
+// ---- The network ------------------------------------------------------------------------------------------------
+
+/// Where the host doesn't run the loop by itself, devices are given the time to be there for the next command.
+void CSession::AwaitDevices() {
+    constexpr unsigned LONGEST_WAIT = 1000;
+    if (!m_peers.RunsAlways()) {
+        m_peers.AwaitFirstAttempts(LONGEST_WAIT);
+    }
+}
+
+Result CSession::On(const SDevicesCommand& command) {
+    m_peers.SetDevices(command.devices);
+    AwaitDevices();
+    return {};
+}
+
+Result CSession::On(const SListenCommand& command) {
+    const unsigned short nConfigured = ConfiguredBroadcastPort();
+    const auto configured = nConfigured != 0 ? std::optional(nConfigured) : std::nullopt;
+    m_peers.Listen({command.address, command.broadcast.value_or(configured), command.control});
+    const SNetworkState state = m_peers.State();
+    SListening listening;
+    if (state.broadcast) {
+        listening.broadcast = state.broadcast->nPort;
+    }
+    if (state.control) {
+        listening.control = state.control->nPort;
+    }
+    return listening;
+}
+
+Result CSession::On(const SWaitCommand& command) {
+    constexpr unsigned LONGEST_WAIT = 600'000;
+    if (command.nMilliseconds > LONGEST_WAIT) {
+        Refuse("ms", "is longer than " + std::to_string(LONGEST_WAIT));
+    }
+    if (m_peers.RunsAlways()) {
+        Refuse("op", "the host reads the network by itself here");
+    }
+    m_dispatched.clear();
+    m_peers.Wait(command.nMilliseconds);
+    return SWaited{std::exchange(m_dispatched, {})};
+}
+
+Result CSession::On(const SNetworkCommand& /*command*/) {
+    return m_peers.State();
+}
+
+Result CSession::On(const SListenOnlyCommand& command) {
+    m_peers.SetListenOnly(command.bOn);
+    return {};
+}
+
+// ---- The scene as a whole, and recordings -----------------------------------------------------------------------
+
+Result CSession::On(const SSceneCommand& /*command*/) {
+    SSceneView view{m_nSceneVersion, {}, {}};
+    for (const auto& [nOrder, node] : Scene().Nodes()) {
+        view.nodes.push_back(
+            {node.strHandle, node.guidType, ClipNameOf(node), node.pGraphNode->m_strName, node.pNode->m_strName});
+        for (const SLink& link : node.arOutgoing) {
+            view.links.push_back(DocumentOf(link));
+        }
+    }
+    return view;
+}
+
+Result CSession::On(const SSaveCommand& /*command*/) {
+    SSceneDocument document;
+    for (const VEKClip& clip : Scene().Clips()) {
+        document.clips.push_back({clip.m_strName, {}});
+    }
+    for (const SObjectState& object : ObjectsOf(Scene())) {
+        std::ranges::find(document.clips, object.strClip, &SClipDocument::strName)
+            ->objects.push_back({object.strName, object.matrix});
+    }
+    for (const auto& [nOrder, node] : Scene().Nodes()) {
+        SNodeDocument& saved = document.nodes.emplace_back();
+        static_cast<SNodeStart&>(saved) = {node.strHandle,    node.guidType,
+                                           ClipNameOf(node),  node.pGraphNode->m_strName,
+                                           node.bEventWindow, node.bNotifyWindow};
+        saved.own = StateOf(node.pNode->m_lstParamGroup);
+        saved.inputs = StateOf(node.pGraphNode->m_lstInputGroup);
+        saved.outputs = StateOf(node.pGraphNode->m_lstOutputGroup);
+        for (const SLink& link : node.arOutgoing) {
+            // Not those of pins that were dropped and that no node makes again.
+            if (link.pFrom->OutputType(link.nOutput) && link.pTo->InputType(link.nInput)) {
+                document.links.push_back(DocumentOf(link));
+            }
+        }
+    }
+    document.devices = m_peers.Devices();
+    return document;
+}
+
+Result CSession::On(const SLoadCommand& command) {
+    CScene former;
+    former.Swap(Scene());
+    try {
+        BuildScene(*command.pScene, command.strPath);
+    } catch (...) {
+        m_pHost->DestroyAll();
+        former.Swap(Scene());
+        throw;
+    }
+    former.Swap(Scene());
+    m_pHost->DestroyAll();
+    former.Swap(Scene());
+    m_peers.SetDevices(command.pScene->devices);
+    AwaitDevices();
+    return {};
+}
+
+/// Fills the empty scene. Refusals name the fields behind strPath.
+void CSession::BuildScene(const SSceneDocument& document, const std::string& strPath) {
+    const auto path = [&](const char* pszList, size_t nIndex, const std::string& strField) {
+        return strPath + "." + pszList + "[" + std::to_string(nIndex) + "]." + strField;
+    };
+    for (size_t i = 0; i < document.clips.size(); ++i) {
+        VEKClip& clip = Scene().Clip(document.clips[i].strName);
+        for (size_t n = 0; n < document.clips[i].objects.size(); ++n) {
+            const SObjectDocument& object = document.clips[i].objects[n];
+            if (clip.FindObject(object.strName, 0) != nullptr) {
+                Refuse(path("clips", i, "objects[" + std::to_string(n) + "].name"),
+                       "the clip has an object " + Quoted(Utf8(object.strName)) + " already");
+            }
+            auto* pObject = new VEKObject(object.strName);
+            clip.m_lstObject.AddTail(pObject);
+            if (object.matrix) {
+                std::ranges::copy(*object.matrix, pObject->m_fMatrix);
+            }
+        }
+    }
+    for (size_t i = 0; i < document.nodes.size(); ++i) {
+        const SNodeDocument& node = document.nodes[i];
+        const auto list = [](const auto& groups) { return groups ? &*groups : nullptr; };
+        const SNodeContents contents{.pOwn = list(node.own),
+                                     .pInputs = list(node.inputs),
+                                     .pOutputs = list(node.outputs),
+                                     .bOutputs = !node.outputs};
+        if (m_pHost->Create(node, contents).pNode == nullptr) {
+            Refuse(path("nodes", i, "type"), "the module makes no node of the type " + GuidText(node.guidType));
+        }
+    }
+    for (size_t i = 0; i < document.links.size(); ++i) {
+        // Pins that the nodes lack are linked all the same when they make them by themselves: links outlive pins.
+        const SLinkDocument& link = document.links[i];
+        SNode& from = NodeOf(link.strFrom, path("links", i, "from"));
+        SNode& to = NodeOf(link.strTo, path("links", i, "to"));
+        if (!from.OutputType(link.nOutput)) {
+            RefuseParam(path("links", i, "output"), link.nOutput, "outputs");
+        }
+        if (!to.InputType(link.nInput)) {
+            RefuseParam(path("links", i, "input"), link.nInput, "graph inputs");
+        }
+        Scene().Link(from, link.nOutput, to, link.nInput);
+    }
+}
+
+/// The first command of a recording: refused by a session that would answer the others differently.
+Result CSession::On(const SRecordingCommand& command) {
+    if (command.nVersion != RECORDING_VERSION) {
+        Refuse("version", "this program reads recordings of version " + std::to_string(RECORDING_VERSION));
+    }
+    if (command.nTexts != Texts()) {
+        Refuse("texts", std::string("this session's are ") + TextTableName(Texts()));
+    }
+    return {};
+}

@@ -1,0 +1,145 @@
+// What became of a command.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "engine/Activity.h"
+#include "engine/JsonVerdicts.h"
+#include "network/Peers.h"
+#include "scene/Document.h"
+#include "scene/ObjectChanges.h"
+#include "scene/OutputChanges.h"
+#include "session/HeldInput.h"
+#include "session/SceneDocument.h"
+
+/// One entry of the module's catalogue.
+struct SNodeType {
+    GUID guid;
+    int nKind;
+    CString strName;
+    CString strAux;
+    CString strTip;
+    bool bIcon;
+    int nEnable;
+    std::array<unsigned, 4> reserved;
+};
+
+struct SCatalogue {
+    std::vector<SNodeType> types;
+};
+
+struct SCalled {
+    int nResult;
+};
+
+struct SCreated {
+    int nResult;
+    bool bCreated; ///< false: the slot was left untouched, there is no node
+};
+
+struct SNodeDetails {
+    GUID guidType;
+    int nKindCode;
+    CString strName;
+    CString strSecondName;
+    std::vector<SGroupState> own;
+    std::vector<SGroupState> inputs;
+    std::vector<SGroupState> outputs;
+};
+
+struct SLayout {
+    CString strPath;
+    const void* pReader;
+    const void* pState;
+    const void* pArray;
+    long long nGroups;
+};
+
+struct SDestroyed {
+    int nResult;
+    bool bSlotNull;
+    bool bFreed; ///< the destructor ran
+};
+
+/// What each node answered; none where the module raised an exception.
+struct SNodeResults {
+    std::vector<std::pair<std::string, std::optional<int>>> results; ///< by handle, in the order of the nodes
+};
+
+struct SFrameResults : SNodeResults {
+    OutputValues outputs; ///< that changed since the frame before
+};
+
+struct SEdited {
+    bool bNeeded;              ///< the node wants to hear of such an edit
+    std::optional<int> result; ///< of telling it
+};
+
+struct SReleased {
+    std::vector<SRelease> releases;
+};
+
+struct SListening {
+    std::optional<unsigned short> broadcast;
+    std::optional<unsigned short> control;
+};
+
+/// An item that came from the network.
+struct SDispatched {
+    EPeer nFrom;
+    int nDevice;
+    int nEvent;
+    SNodeResults results;
+};
+
+struct SWaited {
+    std::vector<SDispatched> dispatched;
+};
+
+struct SSceneNode {
+    std::string strHandle;
+    GUID guidType;
+    std::optional<CString> clip;
+    CString strGraph;
+    CString strName;
+};
+
+struct SSceneView {
+    unsigned long long nVersion;
+    std::vector<SSceneNode> nodes;
+    std::vector<SLinkDocument> links;
+};
+
+struct SObjects {
+    std::vector<SObjectState> objects;
+};
+
+struct SVerdicts {
+    Verdicts nodes;
+};
+
+using Result = std::variant<std::monostate, SCatalogue, SCalled, SCreated, SNodeDetails, SLayout, SDestroyed,
+                            SNodeResults, SFrameResults, SEdited, SReleased, SListening, SWaited, SNetworkState,
+                            SSceneView, SObjects, SVerdicts, SSceneDocument>;
+
+struct SOutcome {
+    Result result;
+    std::optional<std::string> error = {}; ///< why it wasn't done, or what the module raised
+};
+
+/// Where a command came from.
+struct SOrigin {
+    CHeldInput* pHeld = nullptr;    ///< account of the connection that sent it; null for a front without connections
+    std::optional<EPeer> from = {}; ///< the network: what the nodes make of an item concerns nobody but them
+};
+
+/// A command that was carried out, or anything else that happened.
+struct SDone {
+    const Command* pCommand; ///< null: what happened between commands
+    SOrigin origin;
+    SOutcome outcome;
+    SActivity activity; ///< what the module did meanwhile
+};
