@@ -5,9 +5,9 @@ find_package(Threads REQUIRED)
 
 set(WindowsHeaders ${PROJECT_BINARY_DIR}/headers)
 file(MAKE_DIRECTORY ${WindowsHeaders})
-foreach(HeaderFolder boost nlohmann)
+foreach(HeaderFolder boost CLI nlohmann)
   if(NOT EXISTS /usr/include/${HeaderFolder})
-    message(FATAL_ERROR "/usr/include/${HeaderFolder} is missing: install libboost-dev and nlohmann-json3-dev")
+    message(FATAL_ERROR "/usr/include/${HeaderFolder} is missing: install libboost-dev, libcli11-dev and nlohmann-json3-dev")
   endif()
   file(CREATE_LINK /usr/include/${HeaderFolder} ${WindowsHeaders}/${HeaderFolder} SYMBOLIC)
 endforeach()
@@ -20,6 +20,9 @@ add_library(Boost::boost ALIAS Boost::headers)
 
 add_library(nlohmann_json::nlohmann_json INTERFACE IMPORTED GLOBAL)
 target_include_directories(nlohmann_json::nlohmann_json SYSTEM INTERFACE ${WindowsHeaders})
+
+add_library(CLI11::CLI11 INTERFACE IMPORTED GLOBAL)
+target_include_directories(CLI11::CLI11 SYSTEM INTERFACE ${WindowsHeaders})
 
 fetch_debian_source(pugixml PugixmlSource)
 add_library(pugixml STATIC ${PugixmlSource}/src/pugixml.cpp)

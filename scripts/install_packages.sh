@@ -2,7 +2,7 @@
 
 # Packages that building and running need, the further ones that testing needs, and those for the Windows build and its tests.
 run_packages=(g++ cmake ninja-build ccache libboost-dev nlohmann-json3-dev libpugixml-dev libsimpleini-dev libutf8proc-dev
-              libcpprest-dev dpkg-dev)
+              libcli11-dev libcpprest-dev dpkg-dev)
 test_packages=(googletest clang-format clang-tidy python3 iproute2 binutils chromium-headless-shell librsvg2-bin
                icoutils)
 windows_packages=(g++-mingw-w64-x86-64-posix)

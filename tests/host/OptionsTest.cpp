@@ -25,18 +25,21 @@ TEST(Options, DefaultsLieBesideTheProgram) {
     EXPECT_EQ(options.moduleFile.parent_path(), "/here");
     EXPECT_EQ(options.moduleFile.stem(), "QORIOProcessx");
     EXPECT_EQ(options.listen.webFolder, std::filesystem::path("/here") / "web");
+    EXPECT_EQ(options.listen.sceneFolder, std::filesystem::path("/here") / "app" / "scenes");
+    EXPECT_EQ(Parse({"--stdio", "--app", "a"}).listen.sceneFolder, std::filesystem::path("a") / "scenes");
     EXPECT_FALSE(options.texts);
     EXPECT_TRUE(options.sceneFile.empty());
 }
 
 TEST(Options, AllAreRead) {
     const SOptions options = Parse({"--listen", "127.0.0.1:8040", "--app", "a", "--module", "m.so", "--texts", "zh",
-                                    "--scene", "s.json", "--fps", "29.97", "--web", "w"});
+                                    "--scene", "s.json", "--fps", "29.97", "--web", "w", "--scenes", "s"});
     EXPECT_EQ(options.nFront, EFront::Page);
     EXPECT_EQ(options.listen.strAddress, "127.0.0.1");
     EXPECT_EQ(options.listen.nPort, 8040);
     EXPECT_EQ(options.listen.fFps, 29.97);
     EXPECT_EQ(options.listen.webFolder, "w");
+    EXPECT_EQ(options.listen.sceneFolder, "s");
     EXPECT_EQ(options.appFolder, "a");
     EXPECT_EQ(options.moduleFile, "m.so");
     EXPECT_EQ(options.texts, ETextTable::Chinese);
@@ -132,6 +135,7 @@ TEST(Options, WrongOnesAreNamed) {
         {{"--window", "--listen", "a:1"},
          "--listen: --stdio, --listen, --window, --device, --describe and --replay exclude each other"},
         {{"--stdio", "--web", "w"}, "--web: goes with --listen only"},
+        {{"--stdio", "--scenes", "s"}, "--scenes: goes with --listen only"},
         {{"--stdio", "--say", "t"}, "--say: goes with --device only"},
         {{"--stdio", "--stall"}, "--stall: goes with --device only"},
         {{"--device", "65536"}, R"(--device: "65536" isn't an address and a port, as in 127.0.0.1:8040)"},

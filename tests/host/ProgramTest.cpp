@@ -151,6 +151,41 @@ TEST_F(Program, HelpAndVersionArePrinted) {
     EXPECT_EQ(version.strOutput, "iohost " IOHOST_VERSION "\n");
 }
 
+TEST_F(Program, ASceneIsNoPlaceForARecording) {
+    const std::string strScene = R"({"format":"iohost scene","version":1,"nodes":[]})";
+    const auto scene = m_folder.Write("scene.json", strScene);
+    std::filesystem::create_directory(m_folder.Path() / "sub");
+    std::filesystem::create_hard_link(scene, m_folder.Path() / "other.json");
+    for (const auto& record : {scene, m_folder.Path() / "sub" / ".." / "scene.json", m_folder.Path() / "other.json"}) {
+        const SResult result = Run(Stdio() + " --scene " + Quote(scene) + " --record " + Quote(record), "");
+        EXPECT_EQ(result.nExitCode, 2);
+        EXPECT_NE(result.strErrors.find("is the file of --scene"), std::string::npos) << result.strErrors;
+        EXPECT_EQ(ReadAll(scene), strScene);
+    }
+    const auto none = m_folder.Path() / "none.json";
+    EXPECT_EQ(Run(Stdio() + " --scene " + Quote(none) + " --record " + Quote(none), "").nExitCode, 2);
+    EXPECT_FALSE(std::filesystem::exists(none));
+}
+
+TEST_F(Program, WhatASceneOrARecordingHoldsDoesNotSteerTheTerminal) {
+    const auto scene = m_folder.Write("scene.json", R"({"format":"iohost scene","version":1,"nodes":[
+        {"node":"\u001b]0;x\u0007","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1B03}","clip":null,"graph":"G"},
+        {"node":"\u001b]0;x\u0007","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1B03}","clip":null,"graph":"G"}]})");
+    const SResult loaded = Run(Stdio() + " --scene " + Quote(scene), "");
+    EXPECT_EQ(loaded.nExitCode, 1);
+    EXPECT_NE(loaded.strErrors.find(R"(\x1B]0;x\x07)"), std::string::npos) << loaded.strErrors;
+    EXPECT_EQ(loaded.strErrors.find('\x1B'), std::string::npos);
+
+    const auto recording = m_folder.Write(
+        "recording.jsonl", "{\"op\":\"recording\",\"version\":1,\"texts\":\"keys\",\"reply\":{\"ok\":true}}\n"
+                           "{\"op\":\"\\u001b[2J\",\"reply\":{\"ok\":true,\"\\u009b\":1}}\n");
+    const SResult replayed = Run("--replay " + Quote(recording) + " --app " + Quote(m_folder.Path()), "");
+    EXPECT_EQ(replayed.nExitCode, 3);
+    EXPECT_NE(replayed.strOutput.find(R"(line 2, \x1B[2J: )"), std::string::npos) << replayed.strOutput;
+    EXPECT_NE(replayed.strOutput.find(R"(\x9B: recorded 1, now nothing)"), std::string::npos) << replayed.strOutput;
+    EXPECT_EQ(replayed.strOutput.find('\x1B'), std::string::npos);
+}
+
 TEST_F(Program, SceneIsLoadedAtTheStart) {
     const auto scene = m_folder.Write("scene.json", R"({"format":"iohost scene","version":1,"nodes":[
         {"node":"m","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1B03}","clip":"Intro","graph":"Mouse 1"}]})");

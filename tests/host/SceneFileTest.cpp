@@ -148,7 +148,7 @@ TEST_F(SceneFile, FilesThatCannotBeUsedAreNamedByField) {
     EXPECT_EQ(Refusal(R"({"op":"load","file":)" + strNowhere + "}"), "file: can't be read");
     EXPECT_EQ(Refusal(R"({"op":"load","file":)" + strFolder + "}"), "file: can't be read");
     EXPECT_EQ(Refusal(R"({"op":"save","file":)" + strNowhere + "}"), "file: can't be written");
-    EXPECT_EQ(Refusal(R"({"op":"save","file":)" + strFolder + "}"), "file: can't be written");
+    EXPECT_EQ(Refusal(R"({"op":"save","file":)" + strFolder + "}"), "file: isn't a regular file");
     EXPECT_EQ(Refusal(R"({"op":"save"})"), "file: is missing");
     EXPECT_EQ(Refusal(R"({"op":"load","file":1})"), "file: must be a string");
     // A save that failed leaves nothing beside the file.

@@ -73,7 +73,7 @@ protected:
 
     void Start(const SStandInOptions& options) {
         m_options = options;
-        m_thread = std::thread([this] { EXPECT_EQ(RunStandInDevice(m_options, m_output), 0); });
+        m_thread = std::thread([this] { EXPECT_EQ(RunStandInDevice(m_options, Output()), 0); });
         const std::string strListening = Line().value("listening", "");
         ASSERT_TRUE(strListening.starts_with("127.0.0.1:")) << strListening;
         m_nPort = static_cast<unsigned short>(std::stoi(strListening.substr(10)));
@@ -83,6 +83,10 @@ protected:
         auto socket = m_peers.Connect(m_nPort);
         EXPECT_TRUE(Line().contains("opened"));
         return socket;
+    }
+
+    std::function<bool(std::string_view)> Output() {
+        return [this](std::string_view text) { return static_cast<bool>(m_output << text); };
     }
 
     OrderedJson Line() {
@@ -120,6 +124,20 @@ TEST_F(StandInDevice, PrintsBytes) {
     auto sender = Connect();
     CTestPeers::Write(sender, std::string("12|\xC3\xA9\0", 6));
     EXPECT_EQ(Line(), (OrderedJson{{"connection", 1}, {"size", 6}, {"text", "12|..."}, {"hex", "31327cc3a900"}}));
+}
+
+TEST_F(StandInDevice, WhatItPrintsDoesNotSteerTheTerminal) {
+    Start({});
+    auto sender = Connect();
+    CFrameWriter writer;
+    const auto bytes = writer.Write(
+        {50, "\xC2\x9B",
+         "<PanelRemoteCtrl DevID=\"3\" DevName=\"\" ClipName=\"\" GroupName=\"\" KeyName=\"\" KeyNumber=\"0\" "
+         "HelpParameter=\"\" KeyValue=\"\xC2\x9B]0;x\x7F\" Layer=\"0\"/>\r\n"});
+    CTestPeers::Write(sender, std::string(bytes.begin(), bytes.end()));
+    const std::string strLine = m_channel.Next();
+    EXPECT_NE(strLine.find(R"("clip":"\u009b")"), std::string::npos) << strLine;
+    EXPECT_NE(strLine.find(R"(\u009b]0;x\u007f)"), std::string::npos) << strLine;
 }
 
 TEST_F(StandInDevice, SaysItsTextToEachConnection) {
@@ -210,8 +228,8 @@ TEST_F(StandInDevice, Stalls) {
 
 TEST_F(StandInDevice, ATakenPortIsAnError) {
     const CTestPeers::CListener taken(m_peers);
-    EXPECT_EQ(RunStandInDevice({.nPort = taken.Port()}, m_output), 1);
-    EXPECT_EQ(RunStandInDevice({.strAddress = "here"}, m_output), 1);
+    EXPECT_EQ(RunStandInDevice({.nPort = taken.Port()}, Output()), 1);
+    EXPECT_EQ(RunStandInDevice({.strAddress = "here"}, Output()), 1);
 }
 
 } // namespace

@@ -5,9 +5,10 @@
 #include <gtest/gtest.h>
 
 #include "base/FrameTimer.h"
+#include "base/PrintableText.h"
 #include "fronts/page/HttpFiles.h"
+#include "fronts/page/QueuedTexts.h"
 #include "fronts/page/RequestOrigin.h"
-#include "fronts/terminal/TerminalLines.h"
 
 using std::chrono::duration_cast;
 using std::chrono::milliseconds;
@@ -51,13 +52,28 @@ TEST(FrameTimer, TheNextFrameIsAlwaysLaterThanNow) {
     }
 }
 
-TEST(RequestOrigin, TheBoundAndTheLocalAddressAndTheNamesOfTheMachineItselfAreOwn) {
+TEST(RequestOrigin, TheBoundAndTheLocalAddressAreOwn) {
     const CRequestOrigin origin("0.0.0.0", "192.168.7.5", 8040);
-    for (const char* pszHost :
-         {"0.0.0.0:8040", "192.168.7.5:8040", "127.0.0.1:8040", "localhost:8040", "LocalHost:8040", "[::1]:8040"}) {
+    for (const char* pszHost : {"0.0.0.0:8040", "192.168.7.5:8040"}) {
         EXPECT_TRUE(origin.IsOwnHost(pszHost)) << pszHost;
         EXPECT_TRUE(origin.IsOwnOrigin("http://" + std::string(pszHost))) << pszHost;
     }
+    // The connection came in by none of these.
+    for (const char* pszHost : {"127.0.0.1:8040", "localhost:8040", "[::1]:8040"}) {
+        EXPECT_FALSE(origin.IsOwnHost(pszHost)) << pszHost;
+        EXPECT_FALSE(origin.IsOwnOrigin("http://" + std::string(pszHost))) << pszHost;
+    }
+}
+
+TEST(RequestOrigin, LocalhostIsOwnWhereItIsTheAddress) {
+    for (const char* pszAddress : {"127.0.0.1", "::1"}) {
+        const CRequestOrigin origin(pszAddress, pszAddress, 8040);
+        EXPECT_TRUE(origin.IsOwnHost("localhost:8040")) << pszAddress;
+        EXPECT_TRUE(origin.IsOwnHost("LocalHost:8040")) << pszAddress;
+    }
+    EXPECT_FALSE(CRequestOrigin("127.0.0.1", "127.0.0.1", 8040).IsOwnOrigin("http://[::1]:8040"));
+    EXPECT_FALSE(CRequestOrigin("::1", "::1", 8040).IsOwnOrigin("http://127.0.0.1:8040"));
+    EXPECT_FALSE(CRequestOrigin("127.0.0.2", "127.0.0.2", 8040).IsOwnHost("localhost:8040"));
 }
 
 TEST(RequestOrigin, OthersAndOtherPortsAndOtherSchemesAreForeign) {
@@ -74,7 +90,7 @@ TEST(RequestOrigin, OthersAndOtherPortsAndOtherSchemesAreForeign) {
 
 TEST(RequestOrigin, OnPort80TheHostMayLeaveThePortOut) {
     const CRequestOrigin origin("::", "fd00::5", 80);
-    EXPECT_TRUE(origin.IsOwnHost("localhost"));
+    EXPECT_TRUE(CRequestOrigin("::1", "::1", 80).IsOwnHost("localhost"));
     EXPECT_TRUE(origin.IsOwnHost("[fd00::5]"));
     EXPECT_TRUE(origin.IsOwnHost("[FD00::5]:80"));
     EXPECT_FALSE(origin.IsOwnHost("fd00::5"));
@@ -104,9 +120,28 @@ TEST(HttpFiles, FilesOfKnownKindsAreFoundByTheirExactNameOnly) {
     EXPECT_EQ(CHttpFiles::Read(file), std::nullopt);
 }
 
-TEST(TerminalLines, ControlCharactersBecomeEscapesAndOtherTextStays) {
+TEST(QueuedTexts, ATextCountsOnceForAllItsClients) {
+    CQueuedTexts texts;
+    auto pText = texts.Make(std::string(1000, 'x'));
+    auto pSame = pText;
+    const size_t nOne = texts.Bytes();
+    EXPECT_GE(nOne, 1000u);
+    EXPECT_LT(nOne, 2000u);
+    const auto pSmall = texts.Make("{}");
+    EXPECT_GT(texts.Bytes(), nOne + 100); // what a small one costs beside its characters
+    pText = nullptr;
+    EXPECT_GT(texts.Bytes(), nOne);
+    pSame = nullptr;
+    EXPECT_LT(texts.Bytes(), nOne);
+}
+
+TEST(PrintableText, ControlCharactersBecomeEscapesAndOtherTextStays) {
     EXPECT_EQ(PrintableText("a\x1B[31mb\n\x7F"), "a\\x1B[31mb\\x0A\\x7F");
     EXPECT_EQ(PrintableText("\xC2\x9B"), "\\x9B");
     EXPECT_EQ(PrintableText("触发 ä é \xC2\xA0"), "触发 ä é \xC2\xA0");
     EXPECT_EQ(PrintableText(""), "");
+}
+
+TEST(PrintableText, JsonStaysTheSameJson) {
+    EXPECT_EQ(PrintableJson("{\"a\":\"\xC2\x9B \x7F 触发\"}"), "{\"a\":\"\\u009b \\u007f 触发\"}");
 }

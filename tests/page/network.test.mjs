@@ -315,7 +315,7 @@ test("errors of the control port and of a device are counted, with the last one 
 test("the devices of a scene are connected, and a page that comes back shows them", async () => {
   const wall = await startDevice();
   await setDevices({ id: 3, name: "Wall", parser: "framed", address: wall.address });
-  const file = join(folder, "scene.json");
+  const file = "scene.json";
   await ask({ op: "save", file });
   await ask({ op: "devices", list: null });
   await page.page.getByText("The scene has no list of devices.").waitFor();

@@ -2,248 +2,256 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
+#include <limits>
+
+#include <CLI/CLI.hpp>
 
 #include "base/TextTables.h"
-#include "base/TextUtf8.h"
 #include "protocol/Fields.h"
-
-const char* const HELP_TEXT =
-    R"(iohost - the reference host: loads the input and output node module and plays the host's part.
-
-  iohost --stdio [options]               one JSON request a line on standard input, one reply a line on standard output
-  iohost --listen ADDR:PORT [options]    serves the page and its WebSocket, for example 127.0.0.1:8040
-  iohost --window [options]              opens a render window and hands its keyboard and mouse to the nodes (Windows)
-  iohost --device [ADDR:]PORT [options]  stands in for a play-control device: prints what it's sent, one JSON object a line
-  iohost --describe markdown [options]   writes the reference of the node types, from the module itself
-  iohost --replay FILE [options]         replays a recording with the clock as recorded, names each reply that isn't the
-                                         recorded one, and ends with 3 if there is any
-
-options
-  --app DIR          application folder (default: app beside this program)
-  --module FILE      the module (default: beside this program)
-  --texts TABLE      display texts: keys, en or zh (default: en; keys where the application folder has no
-                     Config/Texts/en.json; with --replay the recording's)
-  --scene FILE       scene to start with (default: an empty one)
-  --record FILE      writes what comes in, with the replies, as a recording; with --stdio, --listen and --window
-  --fps N            evaluations of the graph a second, 0.01 to 1000, with --listen and --window (default: 60)
-  --size WxH         pixels of the window's inside, with --window (default: 1280x720)
-  --web DIR          the page's files, with --listen (default: web beside this program)
-  --control ADDR:PORT  takes remote-control records from other hosts, with --listen (default: takes none)
-  --help             print this text
-  --version          print the version
-
-options of --device
-  --parser KIND      framed or direct (default: framed)
-  --delay MS         send back what it's sent, after MS milliseconds (default: send nothing)
-  --say TEXT         send TEXT and a line feed when a connection opens
-  --refuse           close each connection at once
-  --drop-after N     close each connection after N bytes
-  --stall            take connections and never read
-)";
 
 namespace {
 
-/// Takes the arguments one by one; wrong ones are refused with the option's name.
-class CParser {
-public:
-    CParser(const std::vector<std::string>& arguments, SOptions& options)
-        : m_arguments(arguments), m_options(options) {}
+/// Takes an option's value; false when it can't.
+using Read = std::function<bool(const std::string& strValue)>;
 
-    void Parse() {
-        while (m_nNext < m_arguments.size()) {
-            ParseOption(m_arguments[m_nNext++]);
-        }
-        if (!m_front) {
-            throw CRefusal(
-                "one of --stdio, --listen, --window, --device, --describe and --replay is needed; --help tells more");
-        }
-        m_options.nFront = *m_front;
-        const bool bHelp = m_front == EFront::Help || m_front == EFront::Version;
-        if (m_pszPageOption != nullptr && m_front != EFront::Page && !bHelp) {
-            Refuse(m_pszPageOption, "goes with --listen only");
-        }
-        if (m_pszDeviceOption != nullptr && m_front != EFront::Device && !bHelp) {
-            Refuse(m_pszDeviceOption, "goes with --device only");
-        }
-        if (m_bFps && m_front != EFront::Page && m_front != EFront::Window && !bHelp) {
-            Refuse("--fps", "goes with --listen and --window only");
-        }
-        if (m_bSize && m_front != EFront::Window && !bHelp) {
-            Refuse("--size", "goes with --window only");
-        }
-        const bool bSession = m_front == EFront::Stdio || m_front == EFront::Page || m_front == EFront::Window;
-        if (!m_options.recordFile.empty() && !bSession && !bHelp) {
-            Refuse("--record", "goes with --stdio, --listen and --window only");
-        }
-        if (!m_options.sceneFile.empty() && (m_front == EFront::Describe || m_front == EFront::Replay)) {
-            Refuse("--scene", "goes with --stdio, --listen and --window only");
-        }
-    }
+template <typename T>
+Read Text(T& text) {
+    return [&text](const std::string& strValue) {
+        text = strValue;
+        return true;
+    };
+}
 
-private:
-    void ParseOption(const std::string& strName) {
-        if (strName == "--stdio") {
-            ChooseFront(EFront::Stdio, strName);
-        } else if (strName == "--listen") {
-            ChooseFront(EFront::Page, strName);
-            ParseAddress(strName, Value(strName), m_options.listen.strAddress, m_options.listen.nPort);
-        } else if (strName == "--window") {
-            ChooseFront(EFront::Window, strName);
-        } else if (strName == "--device") {
-            ChooseFront(EFront::Device, strName);
-            ParseDevice(Value(strName));
-        } else if (strName == "--describe") {
-            ChooseFront(EFront::Describe, strName);
-            if (Value(strName) != "markdown") {
-                Refuse(strName, Quoted(m_arguments[m_nNext - 1]) + " isn't markdown, the only form there is");
-            }
-        } else if (strName == "--replay") {
-            ChooseFront(EFront::Replay, strName);
-            m_options.replayFile = Value(strName);
-        } else if (strName == "--help" || strName == "--version") {
-            m_front = strName == "--help" ? EFront::Help : EFront::Version;
-            m_nNext = m_arguments.size();
-        } else if (strName == "--app") {
-            m_options.appFolder = Value(strName);
-        } else if (strName == "--module") {
-            m_options.moduleFile = Value(strName);
-        } else if (strName == "--scene") {
-            m_options.sceneFile = Value(strName);
-        } else if (strName == "--record") {
-            m_options.recordFile = Value(strName);
-        } else if (strName == "--texts") {
-            ParseTexts(Value(strName));
-        } else if (strName == "--fps") {
-            m_bFps = true;
-            ParseFps(Value(strName));
-        } else if (strName == "--size") {
-            m_bSize = true;
-            ParseSize(Value(strName));
-        } else if (strName == "--web") {
-            m_pszPageOption = "--web";
-            m_options.listen.webFolder = Value(strName);
-        } else if (strName == "--control") {
-            m_pszPageOption = "--control";
-            ParseAddress(strName, Value(strName), m_options.listen.strControlAddress, m_options.listen.nControlPort);
-        } else if (strName == "--parser") {
-            m_pszDeviceOption = "--parser";
-            ParseParser(Value(strName));
-        } else if (strName == "--delay") {
-            m_pszDeviceOption = "--delay";
-            m_options.device.delay = ParseCount<unsigned>(strName);
-        } else if (strName == "--say") {
-            m_pszDeviceOption = "--say";
-            m_options.device.strSay = Value(strName);
-        } else if (strName == "--refuse") {
-            m_pszDeviceOption = "--refuse";
-            m_options.device.bRefuse = true;
-        } else if (strName == "--drop-after") {
-            m_pszDeviceOption = "--drop-after";
-            m_options.device.dropAfter = ParseCount<std::uint64_t>(strName);
-        } else if (strName == "--stall") {
-            m_pszDeviceOption = "--stall";
-            m_options.device.bStall = true;
-        } else {
-            throw CRefusal("there is no option " + Quoted(strName) + "; --help tells more");
-        }
-    }
+template <typename T, typename Target>
+Read Number(Target& number, T least = std::numeric_limits<T>::lowest(), T most = std::numeric_limits<T>::max()) {
+    return [&number, least, most](const std::string& strValue) {
+        T value{};
+        const char* pEnd = strValue.data() + strValue.size();
+        const auto [pRead, error] = std::from_chars(strValue.data(), pEnd, value);
+        number = value;
+        return error == std::errc() && pRead == pEnd && value >= least && value <= most;
+    };
+}
 
-    void ChooseFront(EFront nFront, const std::string& strName) {
-        if (m_front && m_front != nFront) {
-            Refuse(strName, "--stdio, --listen, --window, --device, --describe and --replay exclude each other");
-        }
-        m_front = nFront;
-    }
-
-    const std::string& Value(const std::string& strName) {
-        if (m_nNext == m_arguments.size() || m_arguments[m_nNext].empty()) {
-            Refuse(strName, "needs a value");
-        }
-        return m_arguments[m_nNext++];
-    }
-
-    static void ParseAddress(const std::string& strName, const std::string& strValue, std::string& strAddress,
-                             unsigned short& nPort) {
+Read Address(std::string& strAddress, unsigned short& nPort) {
+    return [&](const std::string& strValue) {
         const size_t nColon = strValue.rfind(':');
-        if (nColon == std::string::npos || nColon == 0 || !ReadNumber(strValue.substr(nColon + 1), nPort)) {
-            Refuse(strName, Quoted(strValue) + " isn't an address and a port, as in 127.0.0.1:8040");
+        if (nColon == std::string::npos || nColon == 0) {
+            return false;
         }
         strAddress = strValue.substr(0, nColon);
         if (strAddress.size() > 2 && strAddress.front() == '[' && strAddress.back() == ']') {
             strAddress = strAddress.substr(1, strAddress.size() - 2);
         }
-    }
+        return Number<unsigned short>(nPort)(strValue.substr(nColon + 1));
+    };
+}
 
-    /// A port, or an address and a port.
-    void ParseDevice(const std::string& strValue) {
-        if (!ReadNumber(strValue, m_options.device.nPort)) {
-            ParseAddress("--device", strValue, m_options.device.strAddress, m_options.device.nPort);
-        }
-    }
-
-    void ParseParser(const std::string& strValue) {
-        if (strValue != "framed" && strValue != "direct") {
-            Refuse("--parser", Quoted(strValue) + " is none of framed, direct");
-        }
-        m_options.device.bFramed = strValue == "framed";
-    }
-
-    template <typename T>
-    T ParseCount(const std::string& strName) {
-        T nCount = 0;
-        const std::string& strValue = Value(strName);
-        if (!ReadNumber(strValue, nCount)) {
-            Refuse(strName, Quoted(strValue) + " isn't a whole number");
-        }
-        return nCount;
-    }
-
-    void ParseTexts(const std::string& strValue) {
-        m_options.texts = FindTextTable(strValue);
-        if (!m_options.texts) {
-            Refuse("--texts", Quoted(strValue) + " is none of keys, en, zh");
-        }
-    }
-
-    void ParseFps(const std::string& strValue) {
-        constexpr double LEAST_FPS = 0.01;
-        constexpr double MOST_FPS = 1000;
-        double fFps = 0;
-        if (!ReadNumber(strValue, fFps) || !(fFps >= LEAST_FPS && fFps <= MOST_FPS)) {
-            Refuse("--fps", Quoted(strValue) + " isn't a number from 0.01 to 1000");
-        }
-        m_options.listen.fFps = fFps;
-        m_options.window.fFps = fFps;
-    }
-
-    void ParseSize(const std::string& strValue) {
+Read Size(int& nWidth, int& nHeight) {
+    return [&](const std::string& strValue) {
         constexpr int MOST_PIXELS = 16384;
         const size_t nBy = strValue.find('x');
-        const auto isSize = [](int nPixels) { return nPixels > 0 && nPixels <= MOST_PIXELS; };
-        if (nBy == std::string::npos || !ReadNumber(strValue.substr(0, nBy), m_options.window.nWidth) ||
-            !ReadNumber(strValue.substr(nBy + 1), m_options.window.nHeight) || !isSize(m_options.window.nWidth) ||
-            !isSize(m_options.window.nHeight)) {
-            Refuse("--size", Quoted(strValue) + " isn't a width and a height, as in 1280x720");
+        return nBy != std::string::npos && Number(nWidth, 1, MOST_PIXELS)(strValue.substr(0, nBy)) &&
+               Number(nHeight, 1, MOST_PIXELS)(strValue.substr(nBy + 1));
+    };
+}
+
+/// The command line as the library reads it. What is wrong is thrown as CLI::ParseError.
+class CCommandLine {
+public:
+    using Fronts = std::vector<EFront>;
+
+    CCommandLine() {
+        constexpr size_t COLUMN = 24;
+        m_app.set_help_flag("--help", "print this text");
+        m_app.set_version_flag("--version", "iohost " IOHOST_VERSION, "print the version");
+        m_app.get_formatter()->column_width(COLUMN);
+    }
+
+    /// The options that are declared from now on stand under this heading, and go with these fronts only (none: with
+    /// any).
+    void Begin(const char* pszGroup, Fronts fronts = {}) {
+        m_strGroup = pszGroup;
+        m_fronts = std::move(fronts);
+    }
+
+    /// An option with a value. What it refuses is told by the value and strWrong.
+    CLI::Option* Add(const std::string& strName, const char* pszValue, const char* pszDescription, Read read,
+                     const std::string& strWrong = {}) {
+        const auto take = [strName, read, strWrong](const std::string& strValue) {
+            if (strValue.empty()) {
+                throw CLI::ValidationError(strName, "needs a value");
+            }
+            if (!read(strValue)) {
+                throw CLI::ValidationError(strName, Quoted(strValue) + " " + strWrong);
+            }
+        };
+        return Declare(m_app.add_option_function<std::string>(strName, take, pszDescription)->type_name(pszValue));
+    }
+
+    CLI::Option* AddFlag(const char* pszName, const std::string& strDescription, bool* pFlag = nullptr) {
+        return Declare(pFlag != nullptr ? m_app.add_flag(pszName, *pFlag, strDescription)
+                                        : m_app.add_flag(pszName, strDescription));
+    }
+
+    /// An option that chooses what the program does.
+    void IsFront(EFront nFront, CLI::Option* pOption) { m_choices.emplace_back(nFront, pOption); }
+
+    EFront Parse(std::vector<std::string> arguments) {
+        std::ranges::reverse(arguments); // as the library wants them
+        try {
+            m_app.parse(std::move(arguments));
+        } catch (const CLI::CallForHelp&) {
+            return EFront::Help;
+        } catch (const CLI::CallForVersion&) {
+            return EFront::Version;
+        } catch (const CLI::ArgumentMismatch& mismatch) {
+            const std::string strText = mismatch.what();
+            throw CLI::ValidationError(strText.substr(0, strText.find(':')), "needs a value");
+        } catch (const CLI::ExtrasError&) {
+            throw CLI::ParseError("there is no option " + Quoted(m_app.remaining().front()) + "; --help tells more", 0);
         }
+        const EFront nFront = Chosen();
+        for (const auto& [pOption, fronts] : m_onlyWith) {
+            if (pOption->count() > 0 && std::ranges::find(fronts, nFront) == fronts.end()) {
+                throw CLI::ValidationError(pOption->get_name(), "goes with " + Names(fronts) + " only");
+            }
+        }
+        return nFront;
     }
 
-    template <typename T>
-    static bool ReadNumber(const std::string& strText, T& number) {
-        const char* pEnd = strText.data() + strText.size();
-        const auto [pRead, error] = std::from_chars(strText.data(), pEnd, number);
-        return error == std::errc() && pRead == pEnd;
+    std::string Help() const { return m_app.help(); }
+
+private:
+    CLI::Option* Declare(CLI::Option* pOption) {
+        if (!m_fronts.empty()) {
+            m_onlyWith.emplace_back(pOption, m_fronts);
+        }
+        return pOption->group(m_strGroup)->take_last();
     }
 
-    const std::vector<std::string>& m_arguments;
-    SOptions& m_options;
-    size_t m_nNext = 0;
-    std::optional<EFront> m_front;
-    bool m_bFps = false;
-    bool m_bSize = false;
-    const char* m_pszPageOption = nullptr;   ///< an option was given that only the page has
-    const char* m_pszDeviceOption = nullptr; ///< an option was given that only the stand-in device has
+    /// The names of fronts: "--stdio, --listen and --window". All, unless some are given.
+    std::string Names(const Fronts& fronts = {}) const {
+        std::vector<std::string> names;
+        for (const auto& [nFront, pOption] : m_choices) {
+            if (fronts.empty() || std::ranges::find(fronts, nFront) != fronts.end()) {
+                names.push_back(pOption->get_name());
+            }
+        }
+        const std::string strLast = names.back();
+        names.pop_back();
+        return names.empty() ? strLast : CLI::detail::join(names, ", ") + " and " + strLast;
+    }
+
+    EFront Chosen() const {
+        const std::pair<EFront, CLI::Option*>* pChosen = nullptr;
+        for (const CLI::Option* pGiven : m_app.parse_order()) {
+            for (const auto& choice : m_choices) {
+                if (choice.second == pGiven && pChosen != nullptr && pChosen != &choice) {
+                    throw CLI::ValidationError(pGiven->get_name(), Names() + " exclude each other");
+                }
+                pChosen = choice.second == pGiven ? &choice : pChosen;
+            }
+        }
+        if (pChosen == nullptr) {
+            throw CLI::ParseError("one of " + Names() + " is needed; --help tells more", 0);
+        }
+        return pChosen->first;
+    }
+
+    CLI::App m_app{"iohost - the reference host: loads the input and output node module and plays the host's part.",
+                   "iohost"};
+    std::string m_strGroup;
+    Fronts m_fronts;
+    std::vector<std::pair<EFront, CLI::Option*>> m_choices;
+    std::vector<std::pair<CLI::Option*, Fronts>> m_onlyWith;
 };
+
+void DeclareFronts(CCommandLine& line, SOptions& options) {
+    constexpr char WRONG_ADDRESS[] = "isn't an address and a port, as in 127.0.0.1:8040";
+    SListenOptions& listen = options.listen;
+    SStandInOptions& device = options.device;
+    const Read readDevice = [&device](const std::string& strValue) {
+        return Number<unsigned short>(device.nPort)(strValue) || Address(device.strAddress, device.nPort)(strValue);
+    };
+    const Read readForm = [](const std::string& strValue) { return strValue == "markdown"; };
+
+    line.Begin("What it does, one of");
+    line.IsFront(EFront::Stdio,
+                 line.AddFlag("--stdio", "one JSON request a line on standard input, one reply a line on "
+                                         "standard output"));
+    line.IsFront(EFront::Page,
+                 line.Add("--listen", "ADDR:PORT", "serves the page and its WebSocket, for example 127.0.0.1:8040",
+                          Address(listen.strAddress, listen.nPort), WRONG_ADDRESS));
+    line.IsFront(EFront::Window,
+                 line.AddFlag("--window", "opens a render window and hands its keyboard and mouse to the "
+                                          "nodes (Windows)"));
+    line.IsFront(EFront::Device, line.Add("--device", "[ADDR:]PORT",
+                                          "stands in for a play-control device: prints what it's sent, one JSON object "
+                                          "a line",
+                                          readDevice, WRONG_ADDRESS));
+    line.IsFront(EFront::Describe,
+                 line.Add("--describe", "markdown", "writes the reference of the node types, from the module itself",
+                          readForm, "isn't markdown, the only form there is"));
+    line.IsFront(EFront::Replay,
+                 line.Add("--replay", "FILE",
+                          "replays a recording with the clock as recorded, names each reply that isn't\n"
+                          "the recorded one, and ends with 3 if there is any",
+                          Text(options.replayFile)));
+
+    line.Begin("Options of --listen", {EFront::Page});
+    line.Add("--web", "DIR", "the page's files (default: web beside this program)", Text(listen.webFolder));
+    line.Add("--scenes", "DIR",
+             "where its connections load scenes from and save them (default: scenes in the\n"
+             "application folder)",
+             Text(listen.sceneFolder));
+    line.Add("--control", "ADDR:PORT", "takes remote-control records from other hosts (default: takes none)",
+             Address(listen.strControlAddress, listen.nControlPort), WRONG_ADDRESS);
+}
+
+void DeclareOptions(CCommandLine& line, SOptions& options) {
+    constexpr double LEAST_FPS = 0.01;
+    constexpr double MOST_FPS = 1000;
+    const Read readTexts = [&options](const std::string& strValue) {
+        options.texts = FindTextTable(strValue);
+        return options.texts.has_value();
+    };
+
+    line.Begin("Options");
+    line.Add("--app", "DIR", "application folder (default: app beside this program)", Text(options.appFolder));
+    line.Add("--module", "FILE", "the module (default: beside this program)", Text(options.moduleFile));
+    line.Add("--texts", "TABLE",
+             "display texts: keys, en or zh (default: en; keys where the application folder has\n"
+             "no Config/Texts/en.json; with --replay the recording's)",
+             readTexts, "is none of keys, en, zh");
+    line.Begin("Options of --stdio, --listen and --window", {EFront::Stdio, EFront::Page, EFront::Window});
+    line.Add("--scene", "FILE", "scene to start with (default: an empty one)", Text(options.sceneFile));
+    line.Add("--record", "FILE", "writes what comes in, with the replies, as a recording", Text(options.recordFile));
+    line.Begin("Options of --listen and --window", {EFront::Page, EFront::Window});
+    line.Add("--fps", "N", "evaluations of the graph a second, 0.01 to 1000 (default: 60)",
+             Number(options.listen.fFps, LEAST_FPS, MOST_FPS), "isn't a number from 0.01 to 1000");
+    line.Begin("Options of --window", {EFront::Window});
+    line.Add("--size", "WxH", "pixels of the window's inside (default: 1280x720)",
+             Size(options.window.nWidth, options.window.nHeight), "isn't a width and a height, as in 1280x720");
+}
+
+void DeclareDevice(CCommandLine& line, SStandInOptions& device) {
+    constexpr char WRONG_NUMBER[] = "isn't a whole number";
+    const Read readParser = [&device](const std::string& strValue) {
+        device.bFramed = strValue == "framed";
+        return device.bFramed || strValue == "direct";
+    };
+
+    line.Begin("Options of --device", {EFront::Device});
+    line.Add("--parser", "KIND", "framed or direct (default: framed)", readParser, "is none of framed, direct");
+    line.Add("--delay", "MS", "send back what it's sent, after MS milliseconds (default: send nothing)",
+             Number<unsigned>(device.delay), WRONG_NUMBER);
+    line.Add("--say", "TEXT", "send TEXT and a line feed when a connection opens", Text(device.strSay));
+    line.AddFlag("--refuse", "close each connection at once", &device.bRefuse);
+    line.Add("--drop-after", "N", "close each connection after N bytes", Number<std::uint64_t>(device.dropAfter),
+             WRONG_NUMBER);
+    line.AddFlag("--stall", "take connections and never read", &device.bStall);
+}
 
 } // namespace
 
@@ -252,17 +260,21 @@ std::optional<SOptions> ParseOptions(const std::vector<std::string>& arguments,
     SOptions options;
     options.appFolder = programFolder / "app";
     options.moduleFile = programFolder / MODULE_FILE_NAME;
-    options.listen = {.strAddress = {},
-                      .nPort = 0,
-                      .fFps = 60,
-                      .webFolder = programFolder / "web",
-                      .strControlAddress = {},
-                      .nControlPort = 0};
+    options.listen.webFolder = programFolder / "web";
+    CCommandLine line;
+    DeclareFronts(line, options);
+    DeclareOptions(line, options);
+    DeclareDevice(line, options.device);
     try {
-        CParser(arguments, options).Parse();
-    } catch (const CRefusal& refusal) {
+        options.nFront = line.Parse(arguments);
+    } catch (const CLI::ParseError& refusal) {
         strError = refusal.what();
         return std::nullopt;
     }
+    options.window.fFps = options.listen.fFps;
+    if (options.listen.sceneFolder.empty()) {
+        options.listen.sceneFolder = options.appFolder / "scenes";
+    }
+    options.strHelp = line.Help();
     return options;
 }

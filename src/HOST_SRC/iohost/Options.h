@@ -24,12 +24,10 @@ struct SOptions {
     SListenOptions listen;            ///< for EFront::Page
     SWindowOptions window;            ///< for EFront::Window
     SStandInOptions device;           ///< for EFront::Device
+    std::string strHelp;              ///< what --help prints
 };
 
 /// Read the arguments (without the program's name). Defaults lie in the program's folder. Nothing, with a message that
 /// names the option, when they are wrong.
 std::optional<SOptions> ParseOptions(const std::vector<std::string>& arguments,
                                      const std::filesystem::path& programFolder, std::string& strError);
-
-/// What --help prints.
-extern const char* const HELP_TEXT;

@@ -3,6 +3,7 @@
 
 #include "Options.h"
 #include "base/Platform.h"
+#include "base/PrintableText.h"
 #include "base/TextUtf8.h"
 #include "fronts/describe/Describe.h"
 #include "fronts/recording/Recorder.h"
@@ -29,9 +30,19 @@ ETextTable DefaultTexts(const std::filesystem::path& appFolder) {
                                                                                       : ETextTable::Keys;
 }
 
-int Fail(const std::string& strError) {
-    std::cerr << "iohost: " << strError << '\n';
-    return EXIT_SESSION;
+int Fail(const std::string& strError, int nExitCode = EXIT_SESSION) {
+    std::cerr << "iohost: " << PrintableText(strError) << '\n';
+    return nExitCode;
+}
+
+/// Whether two names are of one file, which needn't be there yet.
+bool IsSameFile(const std::filesystem::path& one, const std::filesystem::path& other) {
+    std::error_code error;
+    if (std::filesystem::equivalent(one, other, error)) {
+        return true;
+    }
+    const auto place = std::filesystem::weakly_canonical(std::filesystem::absolute(one, error), error);
+    return !error && place == std::filesystem::weakly_canonical(std::filesystem::absolute(other, error), error);
 }
 
 /// The fronts that have a session with the module.
@@ -65,6 +76,9 @@ int RunSession(const SOptions& options) {
     }
     std::unique_ptr<CRecorder> pRecorder;
     if (!options.recordFile.empty()) {
+        if (!options.sceneFile.empty() && IsSameFile(options.sceneFile, options.recordFile)) {
+            return Fail("--record: " + Utf8(options.recordFile) + " is the file of --scene", EXIT_OPTIONS);
+        }
         pRecorder = CRecorder::Open(*pSession, options.recordFile, strError);
         if (pRecorder == nullptr) {
             return Fail("--record: " + strError);
@@ -102,7 +116,7 @@ int main(int nArguments, char** ppszArguments) {
         return EXIT_OPTIONS;
     }
     if (options->nFront == EFront::Help) {
-        std::cout << HELP_TEXT;
+        std::cout << options->strHelp;
         return 0;
     }
     if (options->nFront == EFront::Version) {
@@ -110,7 +124,8 @@ int main(int nArguments, char** ppszArguments) {
         return 0;
     }
     if (options->nFront == EFront::Device) {
-        return RunStandInDevice(options->device, std::cout);
+        return RunStandInDevice(options->device,
+                                [](std::string_view text) { return WriteStandard(STANDARD_OUTPUT, text); });
     }
     return RunSession(*options);
 }

@@ -17,20 +17,20 @@ export async function runHost(...options) {
 }
 
 /**
- * Starts iohost, on a free port unless one is given. Answers when it has printed its address:
+ * Starts iohost, on a free port of loopback unless others are given. Answers when it has printed its address:
  * `address` ("127.0.0.1:PORT"), `page` (its URL), `output` (what it printed so far) and `end()`.
  */
-export async function startHost({ port = 0, options = [] } = {}) {
-  const child = start(["--listen", `127.0.0.1:${port}`, ...options]);
+export async function startHost({ at = "127.0.0.1", port = 0, options = [] } = {}) {
+  const child = start(["--listen", `${at}:${port}`, ...options]);
   const output = collect(child);
   const ended = once(child, "close");
-  const address = await new Promise((resolve, reject) => {
+  const [page, address] = await new Promise((resolve, reject) => {
     const timer = setTimeout(() => reject(new Error("iohost printed no address")), START_TIME_MS);
     child.stdout.on("data", () => {
-      const match = /page at http:\/\/(\S+)\//.exec(output.stdout);
+      const match = /page at (http:\/\/(\S+)\/\S*)\n/.exec(output.stdout);
       if (match) {
         clearTimeout(timer);
-        resolve(match[1]);
+        resolve(match.slice(1));
       }
     });
     child.once("close", (code) => {
@@ -41,8 +41,12 @@ export async function startHost({ port = 0, options = [] } = {}) {
   return {
     address,
     pid: child.pid,
-    page: `http://${address}/`,
+    page,
     output,
+    /** Leaves what it prints unread for now. */
+    stopReading: () => child.stdout.pause(),
+    readOn: () => child.stdout.resume(),
+    kill: (signal = "SIGKILL") => child.kill(signal),
     /** Asks it to end as a terminal does, and answers with the exit code (null if it had to be stopped). */
     end() {
       child.kill("SIGINT");

@@ -63,8 +63,8 @@ export async function createNode(session, node, type, graph) {
 }
 
 /** A keyboard node "k" and a mouse node "m", as the tests use them. */
-export async function createScene(address) {
-  const session = await openSession(address);
+export async function createScene(address, options) {
+  const session = await openSession(address, options);
   await createNode(session, "k", Type.keyboard, "Keyboard 1");
   await createNode(session, "m", Type.mouse, "Mouse 1");
   return session;

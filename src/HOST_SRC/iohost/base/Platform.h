@@ -4,7 +4,9 @@
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 
 #include <afxwin.h>
 
@@ -34,3 +36,13 @@ std::string LoadErrorDetail();
 
 /// Standard input and output carry bytes, and a closed output is an error of the stream.
 void PrepareStandardStreams();
+
+inline constexpr int STANDARD_OUTPUT = 1;
+inline constexpr int STANDARD_ERROR = 2;
+
+/// Write all of the text to one of them, however long that takes; false when it can't be written. Nothing stays in a
+/// buffer, so the end of the program waits for no reader.
+bool WriteStandard(int nStream, std::string_view text);
+
+/// The signals that ask the program to end.
+std::span<const int> EndSignals();

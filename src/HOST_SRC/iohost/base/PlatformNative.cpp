@@ -1,11 +1,14 @@
 #include "base/Platform.h"
 
+#include <array>
+#include <cerrno>
 #include <csignal>
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 #include <compat/testing.h>
 
@@ -63,4 +66,21 @@ std::string LoadErrorDetail() {
 
 void PrepareStandardStreams() {
     std::signal(SIGPIPE, SIG_IGN);
+}
+
+bool WriteStandard(int nStream, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t nWritten = write(nStream, text.data(), text.size());
+        if (nWritten >= 0) {
+            text.remove_prefix(static_cast<size_t>(nWritten));
+        } else if (errno != EINTR) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::span<const int> EndSignals() {
+    static constexpr std::array SIGNALS = {SIGINT, SIGTERM, SIGHUP};
+    return SIGNALS;
 }

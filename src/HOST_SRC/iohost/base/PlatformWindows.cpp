@@ -1,5 +1,9 @@
 #include "base/Platform.h"
 
+#include <algorithm>
+#include <array>
+#include <csignal>
+
 #include <mstcpip.h>
 
 #include <fcntl.h>
@@ -80,4 +84,21 @@ std::string LoadErrorDetail() {
 void PrepareStandardStreams() {
     _setmode(_fileno(stdin), _O_BINARY);
     _setmode(_fileno(stdout), _O_BINARY);
+}
+
+bool WriteStandard(int nStream, std::string_view text) {
+    constexpr size_t MOST_AT_ONCE = 32768; // a console takes no more
+    while (!text.empty()) {
+        const int nWritten = _write(nStream, text.data(), static_cast<unsigned>(std::min(text.size(), MOST_AT_ONCE)));
+        if (nWritten <= 0) {
+            return false;
+        }
+        text.remove_prefix(static_cast<size_t>(nWritten));
+    }
+    return true;
+}
+
+std::span<const int> EndSignals() {
+    static constexpr std::array SIGNALS = {SIGINT, SIGTERM, SIGBREAK};
+    return SIGNALS;
 }

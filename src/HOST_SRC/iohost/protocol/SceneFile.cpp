@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "base/SafeFile.h"
 #include "base/TextUtf8.h"
 
 namespace {
@@ -31,21 +32,9 @@ std::string CSystemFiles::Read(const std::string& strName) {
 }
 
 void CSystemFiles::Write(const std::string& strName, const std::string& strText) {
-    const std::filesystem::path file = PathFromUtf8(strName);
-    // Beside the file first: an interrupted save leaves the older file whole.
-    std::filesystem::path newFile = file;
-    newFile += ".new";
-    std::ofstream stream(newFile, std::ios::binary);
-    stream << strText;
-    stream.close();
-    std::error_code error;
-    if (stream) {
-        std::filesystem::rename(newFile, file, error);
-    }
-    if (!stream || error) {
-        std::error_code ignored;
-        std::filesystem::remove(newFile, ignored);
-        Refuse("file", "can't be written");
+    const std::string strProblem = WriteFileSafely(PathFromUtf8(strName), strText);
+    if (!strProblem.empty()) {
+        Refuse("file", strProblem);
     }
 }
 

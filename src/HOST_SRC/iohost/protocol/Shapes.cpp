@@ -164,7 +164,7 @@ std::string Codec<Payload>::Type(CTypeScript& types) {
     return TaggedType(std::type_identity<Payload>(), types) + " | null";
 }
 
-void Codec<Value>::Read(Value& value, const Json& json, const std::string& strPath) {
+void Codec<ParamValue>::Read(ParamValue& value, const Json& json, const std::string& strPath) {
     if (json.is_string()) {
         value = FromUtf8(json.get_ref<const std::string&>());
     } else if (json.is_number_float()) {
@@ -176,7 +176,7 @@ void Codec<Value>::Read(Value& value, const Json& json, const std::string& strPa
     }
 }
 
-OrderedJson Codec<Value>::Write(const Value& value) {
+OrderedJson Codec<ParamValue>::Write(const ParamValue& value) {
     return std::visit([](const auto& held) { return ToJson(held); }, value);
 }
 

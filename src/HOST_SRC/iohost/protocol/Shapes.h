@@ -842,9 +842,9 @@ struct Codec<Payload> { ///< null for none
 
 /// A number or a text: the value of a parameter, or what tells held things apart.
 template <>
-struct Codec<Value> {
-    static void Read(Value& value, const Json& json, const std::string& strPath);
-    static OrderedJson Write(const Value& value);
+struct Codec<ParamValue> {
+    static void Read(ParamValue& value, const Json& json, const std::string& strPath);
+    static OrderedJson Write(const ParamValue& value);
     static std::string Type(CTypeScript& /*types*/) { return "number | string"; }
 };
 

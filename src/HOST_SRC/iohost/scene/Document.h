@@ -42,7 +42,7 @@ struct SValues {
 };
 
 /// Value of one parameter: what its kind makes of it is the reader's to know.
-using Value = std::variant<int, float, CString>;
+using ParamValue = std::variant<int, float, CString>;
 
 /// The pins of one output group.
 struct SSavedPins {
@@ -52,7 +52,7 @@ struct SSavedPins {
 
 /// A node's parameter set out of an older or damaged project.
 struct SSavedSet {
-    std::vector<std::pair<unsigned, Value>> values = {};        ///< own parameters and what they hold
+    std::vector<std::pair<unsigned, ParamValue>> values = {};        ///< own parameters and what they hold
     std::vector<unsigned> drop = {};                            ///< parameters that the set doesn't have
     std::vector<std::pair<unsigned, int>> available = {};       ///< parameters and their availability flags
     std::vector<unsigned> emptyChoices = {};                    ///< choice parameters without labels

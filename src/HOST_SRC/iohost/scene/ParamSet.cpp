@@ -101,7 +101,7 @@ SParamState StateOf(const VEKParam& param) {
     return state;
 }
 
-ParamCodes CodesFor(const Value& value) {
+ParamCodes CodesFor(const ParamValue& value) {
     return std::holds_alternative<CString>(value) ? PARAM_STRING
            : std::holds_alternative<float>(value) ? PARAM_FLOAT
                                                   : PARAM_INTEGER;
@@ -120,7 +120,7 @@ VEKParam& FindOrAdd(VEKParamGroupList& lstOwn, unsigned nId, ParamCodes codes) {
 }
 
 /// A whole number is what a parameter of that kind holds as a float.
-void SetSavedValue(VEKParam& param, const Value& value) {
+void SetSavedValue(VEKParam& param, const ParamValue& value) {
     const bool bFloat = param.m_nType == PARAM_FLOAT.m_nType && param.m_nControl == PARAM_FLOAT.m_nControl;
     if (const auto* pText = std::get_if<CString>(&value)) {
         param.m_strValue = *pText;

@@ -103,7 +103,7 @@ struct SSetCommand {
     std::string strHandle;
     unsigned nParam = 0;
     bool bOwn = false; ///< the node's own parameter, not the graph node's input
-    Value value;
+    ParamValue value;
 };
 
 /// As an editor's panel does it.

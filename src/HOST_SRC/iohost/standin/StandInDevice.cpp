@@ -7,7 +7,6 @@
 
 #include <array>
 #include <chrono>
-#include <csignal>
 #include <deque>
 #include <iostream>
 #include <memory>
@@ -17,6 +16,9 @@
 #include "PlayControlParser.h"
 #include "base/ByteText.h"
 #include "base/Caught.h"
+#include "base/OutputLines.h"
+#include "base/Platform.h"
+#include "base/PrintableText.h"
 #include "base/TextUtf8.h"
 #include "protocol/Shapes.h"
 
@@ -32,21 +34,25 @@ constexpr size_t MOST_ANSWER_BYTES = size_t{4} << 20;
 /// Connections that are kept without being read from. It can't be seen when their senders are gone.
 constexpr size_t MOST_STALLED = 64;
 
+std::string JsonLine(const OrderedJson& line) {
+    return PrintableJson(line.dump(-1, ' ', false, OrderedJson::error_handler_t::replace)) + '\n';
+}
+
 /// Prints one object a line; a closed output ends the program.
 class CLines {
 public:
-    CLines(asio::io_context& context, std::ostream& output) : m_context(context), m_output(output) {}
+    CLines(asio::io_context& context, std::function<bool(std::string_view)> write)
+        : m_output({.write = std::move(write),
+                    .missingLine =
+                        [](unsigned long long nLines) {
+                            return JsonLine({{"missing_lines", nLines}});
+                        },
+                    .onClosed = [&context] { context.stop(); }}) {}
 
-    void Print(const OrderedJson& line) {
-        m_output << line.dump(-1, ' ', false, OrderedJson::error_handler_t::replace) << '\n' << std::flush;
-        if (!m_output) {
-            m_context.stop();
-        }
-    }
+    void Print(const OrderedJson& line) { m_output.Stream() << JsonLine(line) << std::flush; }
 
 private:
-    asio::io_context& m_context;
-    std::ostream& m_output;
+    COutputLines m_output;
 };
 
 /// What the program has to say about itself, such as a connection that failed, beside what it prints.
@@ -59,7 +65,11 @@ public:
     CErrorLines& operator=(const CErrorLines&) = delete;
 
 private:
-    void OnLogLine(const SLogLine& line) override { std::cerr << "iohost: " << Utf8(line.strText) << std::endl; }
+    void OnLogLine(const SLogLine& line) override {
+        m_output.Stream() << "iohost: " << PrintableText(Utf8(line.strText)) << std::endl;
+    }
+
+    COutputLines m_output{TerminalOutput(STANDARD_ERROR)};
 };
 
 /// One sender.
@@ -236,7 +246,7 @@ Awaitable<void> AcceptConnections(TcpAcceptor& acceptor, const SStandInOptions& 
 
 } // namespace
 
-int RunStandInDevice(const SStandInOptions& options, std::ostream& output) {
+int RunStandInDevice(const SStandInOptions& options, std::function<bool(std::string_view)> write) {
     constexpr int EXIT_REFUSED = 1;
 
     error_code error;
@@ -255,9 +265,12 @@ int RunStandInDevice(const SStandInOptions& options, std::ostream& output) {
         return EXIT_REFUSED;
     }
     const CErrorLines errorLines;
-    CLines lines(context, output);
+    CLines lines(context, std::move(write));
     lines.Print({{"listening", EndpointText(acceptor.local_endpoint())}});
-    asio::signal_set signals(context, SIGINT, SIGTERM);
+    asio::signal_set signals(context);
+    for (const int nSignal : EndSignals()) {
+        signals.add(nSignal);
+    }
     signals.async_wait([&](const error_code& signalError, int) {
         if (!signalError) {
             context.stop();

@@ -2,9 +2,10 @@
 #pragma once
 
 #include <cstdint>
-#include <iosfwd>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 /// How the device behaves.
 struct SStandInOptions {
@@ -31,5 +32,8 @@ struct SStandInOptions {
 ///   {"connection":1,"rejected":1,"last_rejected":"malformed"}      frames that it didn't take
 ///   {"connection":1,"size":4,"text":"12|.","hex":"31327c00"}       bytes, of a direct device
 ///   {"connection":1,"closed":"why"}
+///   {"missing_lines":12}                                           lines left out, since nobody read them in time
+/// A thread of its own calls `write`, which waits as long as it takes, and answers false when it can't write; that ends
+/// the program.
 /// Returns the exit code of the program: 1, with a message on standard error, when the port can't be had.
-int RunStandInDevice(const SStandInOptions& options, std::ostream& output);
+int RunStandInDevice(const SStandInOptions& options, std::function<bool(std::string_view text)> write);

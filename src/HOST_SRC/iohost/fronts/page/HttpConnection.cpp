@@ -75,7 +75,12 @@ std::optional<std::string_view> FindForeign(const Request& request, const CReque
     return std::nullopt;
 }
 
-Response MakeFileResponse(const Request& request, const CHttpFiles& files) {
+bool HasToken(const Request& request, const CAccessToken& token) {
+    return token.IsIn(View(request[http::field::authorization]), View(request[http::field::cookie]),
+                      View(request.target()));
+}
+
+Response MakeFileResponse(const Request& request, const CHttpFiles& files, const CAccessToken& token) {
     if (request.method() != http::verb::get && request.method() != http::verb::head) {
         Response response = MakeRefusal(request, http::status::method_not_allowed, "Only GET and HEAD are answered.");
         response.set(http::field::allow, "GET, HEAD");
@@ -84,10 +89,16 @@ Response MakeFileResponse(const Request& request, const CHttpFiles& files) {
     const SWebFile* pFile = files.Find(View(request.target()));
     std::optional<std::string> contents = pFile != nullptr ? CHttpFiles::Read(*pFile) : std::nullopt;
     if (!contents) {
-        return MakeRefusal(request, http::status::not_found, "There is no such file.");
+        std::error_code error;
+        return pFile != nullptr && std::filesystem::exists(pFile->path, error)
+                   ? MakeRefusal(request, http::status::service_unavailable, "The file can't be read at the moment.")
+                   : MakeRefusal(request, http::status::not_found, "There is no such file.");
     }
     Response response = MakeResponse(request, http::status::ok, pFile->contentType, std::move(*contents));
     response.set("Content-Security-Policy", ContentSecurityPolicy(View(request[http::field::host])));
+    if (token.IsInQuery(View(request.target()))) {
+        response.set(http::field::set_cookie, token.SetCookie());
+    }
     return response;
 }
 
@@ -101,6 +112,11 @@ std::string AddressText(asio::ip::address address) {
 /// Whether the request brings a text for an object; no other one may have a body.
 bool IsObjectText(const Request& request) {
     return request.method() == http::verb::post && IsObjectTextTarget(View(request.target()));
+}
+
+bool IsSession(const Request& request) {
+    const std::string_view target = View(request.target());
+    return target.substr(0, target.find('?')) == SESSION_TARGET;
 }
 
 /// Reads the head of one request.
@@ -225,14 +241,19 @@ Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
         } else if (const auto foreign = FindForeign(request, origin)) {
             response = MakeRefusal(request, http::status::forbidden, *foreign);
             response->keep_alive(parser.is_done() && request.keep_alive()); // a body isn't read
-        } else if (View(request.target()) == SESSION_TARGET && beast::websocket::is_upgrade(request)) {
+        } else if (!HasToken(request, site.token)) {
+            response = MakeRefusal(request, http::status::unauthorized,
+                                   "The request lacks the token of the address that the host printed.");
+            response->set(http::field::www_authenticate, "Bearer");
+            response->keep_alive(parser.is_done() && request.keep_alive()); // a body isn't read
+        } else if (IsSession(request) && beast::websocket::is_upgrade(request)) {
             const auto pClient = std::make_shared<CWebSocketClient>(std::move(stream), site.listener);
             co_await pClient->Run(parser.release());
             co_return;
         } else if (IsObjectText(request)) {
             response = co_await TakeObjectText(stream, buffer, parser, site, error);
         } else {
-            response = MakeFileResponse(request, site.files);
+            response = MakeFileResponse(request, site.files, site.token);
         }
 
         co_await WriteResponse(stream, *response, bHeaderOnly, error);

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 
+#include "fronts/page/AccessToken.h"
 #include "fronts/page/HttpFiles.h"
 #include "fronts/page/ObjectAddress.h"
 #include "fronts/page/WebSocketClient.h"
@@ -17,6 +18,7 @@ struct SHttpSite {
     const CHttpFiles& files;
     std::string strBoundAddress; ///< as text, without brackets
     unsigned short nPort;
+    CAccessToken token;
     IWebSocketListener& listener; ///< of the WebSocket /session
 
     /// Hands a posted text to the nodes.

@@ -47,6 +47,9 @@ std::optional<SObjectAddress> ParseObjectAddress(std::string_view target, std::s
         query.remove_prefix(std::min(query.size(), pair.size() + 1));
         const size_t nEqual = pair.find('=');
         const std::string_view name = pair.substr(0, nEqual);
+        if (name == "token") {
+            continue; // was looked at before
+        }
         auto* pValue = name == "clip" ? &clip : name == "object" ? &object : nullptr;
         if (pValue == nullptr || *pValue || nEqual == std::string_view::npos) {
             strProblem = pValue != nullptr && *pValue ? std::string(name) + ": stands there twice"

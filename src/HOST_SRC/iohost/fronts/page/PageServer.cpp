@@ -2,11 +2,12 @@
 
 #include "base/Listener.h"
 #include "fronts/page/HttpConnection.h"
+#include "fronts/page/QueuedTexts.h"
+#include "fronts/page/SceneFolder.h"
 #include "fronts/page/WebSocketClient.h"
 
 #include <boost/asio/signal_set.hpp>
 
-#include <csignal>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -14,6 +15,7 @@
 
 #include "base/Caught.h"
 #include "base/FrameTimer.h"
+#include "base/OutputLines.h"
 #include "fronts/terminal/TerminalLines.h"
 #include "network/Peers.h"
 #include "protocol/SceneFile.h"
@@ -25,17 +27,14 @@ using boost::system::error_code;
 namespace {
 
 constexpr size_t MOST_CONNECTIONS = 64;
-constexpr size_t MOST_TURNED_AWAY = 64; ///< at once; those beyond are closed without an answer
+constexpr size_t MOST_QUEUED_BYTES = size_t{32} << 20; ///< for all clients together
+constexpr size_t MOST_TURNED_AWAY = 64;                ///< at once; those beyond are closed without an answer
 constexpr std::chrono::seconds GOODBYE_TIME{1};
 constexpr std::chrono::milliseconds ACCEPT_PAUSE{100};
 constexpr std::chrono::milliseconds NETWORK_PAUSE{250};
 
 std::string FullText() {
     return "the page's server has " + std::to_string(MOST_CONNECTIONS) + " connections, which is its most";
-}
-
-std::shared_ptr<const std::string> Text(const OrderedJson& message) {
-    return std::make_shared<const std::string>(ReplyText(message));
 }
 
 /// Joins the session, the frames and the pages: one io_context, one thread.
@@ -79,18 +78,21 @@ private:
     void TellHeld();
     void TellNetwork();
     void SendToAll(const OrderedJson& push, const CHeldInput* pButFor = nullptr);
+    std::shared_ptr<const std::string> Text(const OrderedJson& message) { return MakeText(ReplyText(message)); }
+    std::shared_ptr<const std::string> MakeText(std::string strText);
 
     CSession& m_session;
     asio::io_context& m_context{m_session.Peers().Context()};
     const double m_fFps;
     const CHttpFiles& m_files;
+    CSceneFolder m_scenes;
+    COutputLines m_output{TerminalOutput()};
     CTerminalLines m_terminal;
-    CSystemFiles m_sceneFiles;
     SActivity m_ofItems; ///< what items of the network caused since the last frame
     COutputChanges m_outputs;
     CObjectChanges m_objects;
     TcpAcceptor m_acceptor{m_context};
-    asio::signal_set m_signals{m_context, SIGINT, SIGTERM};
+    asio::signal_set m_signals{m_context};
     SteadyTimer m_goodbyeTimer{m_context};
     SteadyTimer m_acceptTimer{m_context};
     CFrameTimer m_frameTimer;
@@ -98,6 +100,7 @@ private:
     CLimitedLine m_fullLine{LOG_ERROR};
     std::unique_ptr<const SHttpSite> m_pSite; ///< once it listens
     std::string m_strAddress;
+    CQueuedTexts m_texts;
     std::map<const CWebSocketClient*, SClient> m_clients;
     size_t m_nConnections = 0;
     size_t m_nTurnedAway = 0; ///< that aren't closed yet
@@ -110,8 +113,9 @@ private:
 };
 
 CPageServer::CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files)
-    : m_session(session), m_fFps(options.fFps), m_files(files), m_terminal(session, std::cout),
-      m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }), m_nToldSceneVersion(session.SceneVersion()) {
+    : m_session(session), m_fFps(options.fFps), m_files(files), m_scenes(options.sceneFolder),
+      m_terminal(session, m_output.Stream()), m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }),
+      m_nToldSceneVersion(session.SceneVersion()) {
     m_session.Attach(*this);
 }
 
@@ -123,22 +127,27 @@ std::string CPageServer::Listen(const asio::ip::tcp::endpoint& endpoint) {
     }
     const auto bound = m_acceptor.local_endpoint();
     m_strAddress = EndpointText(bound);
-    m_pSite = std::make_unique<const SHttpSite>(
-        SHttpSite{m_files, bound.address().to_string(), bound.port(), static_cast<IWebSocketListener&>(*this),
-                  [this](const SObjectTextData& text) { return TakeObjectText(text); }});
+    m_pSite = std::make_unique<const SHttpSite>(SHttpSite{
+        m_files, bound.address().to_string(), bound.port(),
+        bound.address().is_loopback() ? CAccessToken() : CAccessToken::Make(bound.port()),
+        static_cast<IWebSocketListener&>(*this), [this](const SObjectTextData& text) { return TakeObjectText(text); }});
     return {};
 }
 
 void CPageServer::Run() {
-    std::cout << "iohost: page at http://" << m_strAddress << "/\n";
-    if (!m_acceptor.local_endpoint().address().is_loopback()) {
-        std::cout << "iohost: whoever reaches this address can drive the nodes\n";
+    std::ostream& output = m_output.Stream();
+    output << "iohost: page at http://" << m_strAddress << "/" << m_pSite->token.Query() << "\n";
+    if (!m_pSite->token.Query().empty()) {
+        output << "iohost: whoever knows the address with its token can drive the nodes\n";
     }
-    std::cout.flush();
+    output.flush();
     GuardedFrame(); // nodes take items once they have been evaluated
     m_session.Peers().RunAlways();
     if (const unsigned short nPort = ConfiguredBroadcastPort(); nPort != 0) {
         m_session.Peers().KeepReceivingBroadcasts(nPort);
+    }
+    for (const int nSignal : EndSignals()) {
+        m_signals.add(nSignal);
     }
     AwaitSignal();
     Spawn(m_context, "the page's connections aren't taken any longer", [this] { return AcceptConnections(); });
@@ -215,6 +224,9 @@ void CPageServer::Stop() {
     m_acceptor.close();
     m_frameTimer.Stop();
     for (const auto& [pKey, client] : m_clients) {
+        m_session.Do(SReleaseHeldCommand{.strReason = "the host ends"}, {.pHeld = &client.held});
+    }
+    for (const auto& [pKey, client] : m_clients) {
         client.pClient->Close();
     }
     // Clients that don't say goodbye aren't waited for.
@@ -238,9 +250,11 @@ void CPageServer::OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClien
 }
 
 void CPageServer::OnClientText(CWebSocketClient& client, std::string_view text) {
+    if (m_bStopping) {
+        return; // what it held has been released
+    }
     const KeySet keysBefore = m_session.Held().VirtualKeys();
-    client.Send(std::make_shared<const std::string>(
-        AnswerText(m_session, text, m_sceneFiles, {.pHeld = &m_clients.at(&client).held}, CutForViewers)));
+    client.Send(MakeText(AnswerText(m_session, text, m_scenes, {.pHeld = &m_clients.at(&client).held}, CutForViewers)));
     TellSceneChange();
     TellHeld();
     ShowKeysToNodes(keysBefore);
@@ -361,6 +375,23 @@ void CPageServer::SendToAll(const OrderedJson& push, const CHeldInput* pButFor) 
             client.pClient->Send(pText);
         }
     }
+}
+
+/// A text to send. Where too much waits for clients already, the one goes that hasn't taken anything for longest.
+std::shared_ptr<const std::string> CPageServer::MakeText(std::string strText) {
+    if (m_texts.Bytes() > MOST_QUEUED_BYTES) {
+        CWebSocketClient* pSlowest = nullptr;
+        for (const auto& [pKey, client] : m_clients) {
+            if (client.pClient->WritingSince() &&
+                (pSlowest == nullptr || client.pClient->WritingSince() < pSlowest->WritingSince())) {
+                pSlowest = client.pClient.get();
+            }
+        }
+        if (pSlowest != nullptr) {
+            pSlowest->Drop();
+        }
+    }
+    return m_texts.Make(std::move(strText));
 }
 
 /// False, with a message on standard error, when the port can't be had.

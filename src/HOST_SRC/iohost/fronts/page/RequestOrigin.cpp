@@ -22,9 +22,12 @@ std::string SmallLetters(std::string_view text) {
 } // namespace
 
 CRequestOrigin::CRequestOrigin(std::string_view boundAddress, std::string_view localAddress, unsigned short nPort) {
-    for (const std::string_view address : {boundAddress, localAddress, std::string_view("localhost"),
-                                           std::string_view("127.0.0.1"), std::string_view("::1")}) {
-        const std::string strHost = SmallLetters(HostText(address));
+    std::vector<std::string_view> names = {boundAddress, localAddress};
+    if (localAddress == "127.0.0.1" || localAddress == "::1") {
+        names.push_back("localhost");
+    }
+    for (const std::string_view name : names) {
+        const std::string strHost = SmallLetters(HostText(name));
         m_arHosts.push_back(strHost + ":" + std::to_string(nPort));
         if (nPort == HTTP_PORT) {
             m_arHosts.push_back(strHost);

@@ -4,6 +4,7 @@
 #include <boost/beast/websocket/rfc6455.hpp>
 
 #include "base/Caught.h"
+#include "fronts/page/QueuedTexts.h"
 
 namespace asio = boost::asio;
 namespace beast = boost::beast;
@@ -32,6 +33,7 @@ Awaitable<void> CWebSocketClient::Run(UpgradeRequest request) {
     beast::get_lowest_layer(m_socket).expires_never();
     m_socket.set_option(websocket::stream_base::timeout{HANDSHAKE_TIME, websocket::stream_base::none(), false});
     m_socket.read_message_max(LONGEST_TEXT);
+    m_socket.auto_fragment(false); // one write for each text, not one for every 4 KiB of it
     m_socket.control_callback([this](websocket::frame_type, beast::string_view) { Heard(); });
 
     error_code error;
@@ -67,7 +69,7 @@ void CWebSocketClient::Send(std::shared_ptr<const std::string> pText) {
     if (m_bClosing) {
         return;
     }
-    m_nQueuedBytes += pText->size();
+    m_nQueuedBytes += pText->size() + CQueuedTexts::COST_OF_EACH;
     m_queue.push_back(std::move(pText));
     if (m_nQueuedBytes > MOST_QUEUED_BYTES) {
         Drop();
@@ -82,8 +84,9 @@ Awaitable<void> CWebSocketClient::WriteQueue() {
         const std::shared_ptr<const std::string> pText = std::move(m_queue.front());
         m_queue.pop_front();
         error_code error;
+        m_tWriting = std::chrono::steady_clock::now();
         co_await m_socket.async_write(asio::buffer(*pText), AwaitInto(error));
-        m_nQueuedBytes -= pText->size();
+        m_nQueuedBytes -= pText->size() + CQueuedTexts::COST_OF_EACH;
         if (error) {
             Drop();
             break;
@@ -126,6 +129,10 @@ Awaitable<void> CWebSocketClient::WatchSilence() {
     }
 }
 
+std::optional<std::chrono::steady_clock::time_point> CWebSocketClient::WritingSince() const {
+    return m_bWriting && !m_bDropped ? std::optional(m_tWriting) : std::nullopt;
+}
+
 void CWebSocketClient::Heard() {
     m_tHeard = std::chrono::steady_clock::now();
 }
@@ -133,6 +140,7 @@ void CWebSocketClient::Heard() {
 void CWebSocketClient::Drop() {
     // Ends the pending read, which ends Run.
     m_bClosing = true;
+    m_bDropped = true;
     m_queue.clear();
     beast::get_lowest_layer(m_socket).close();
 }

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -46,12 +47,17 @@ public:
     /// Says goodbye; what is queued goes out first.
     void Close();
 
+    /// Ends the connection at once.
+    void Drop();
+
+    /// Since when it hasn't taken the text that is being sent; nothing when none is, or it was dropped.
+    std::optional<std::chrono::steady_clock::time_point> WritingSince() const;
+
 private:
     Awaitable<void> ReadTexts();
     Awaitable<void> WriteQueue();
     Awaitable<void> WatchSilence();
     void Heard();
-    void Drop();
 
     boost::beast::websocket::stream<TcpStream> m_socket;
     IWebSocketListener& m_listener;
@@ -60,7 +66,9 @@ private:
     size_t m_nQueuedBytes = 0;
     bool m_bWriting = false;
     bool m_bClosing = false;
+    bool m_bDropped = false;
     bool m_bPinging = false;
     SteadyTimer m_silenceTimer;
     std::chrono::steady_clock::time_point m_tHeard;
+    std::chrono::steady_clock::time_point m_tWriting; ///< when the text that is being sent began
 };

@@ -3,6 +3,7 @@
 #include <map>
 
 #include "base/LineReader.h"
+#include "base/PrintableText.h"
 #include "base/TextTables.h"
 #include "base/TextUtf8.h"
 #include "fronts/recording/Recorder.h"
@@ -119,7 +120,7 @@ CReplay::EResult CReplay::Run(CSession& session, std::ostream& output) {
         try {
             request = ParseLine(strLine);
         } catch (const CRefusal& refusal) {
-            output << strPlace << ": " << refusal.what() << '\n';
+            output << strPlace << ": " << PrintableText(refusal.what()) << '\n';
             return EResult::Broken;
         }
         const Json op = request.value("op", Json());
@@ -138,8 +139,8 @@ CReplay::EResult CReplay::Run(CSession& session, std::ostream& output) {
                 output << strPlace << ": and " << differences.size() - i << " more\n";
                 break;
             }
-            output << strPlace << ", " << (op.is_string() ? op.get<std::string>() : "no op") << ": " << differences[i]
-                   << '\n';
+            output << strPlace << ", " << PrintableText(op.is_string() ? op.get<std::string>() : "no op") << ": "
+                   << PrintableText(differences[i]) << '\n';
             ++nNamed;
         }
     }

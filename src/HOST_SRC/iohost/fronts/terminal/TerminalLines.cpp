@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 
+#include "base/PrintableText.h"
 #include "base/TextUtf8.h"
 
 namespace {
@@ -68,26 +69,4 @@ std::string CTerminalLines::OutputText(const std::string& strHandle, unsigned nO
     const VEKParam* pOutput = FindParam(pNode->pGraphNode->m_lstOutputGroup, MakeParamGuid(nOutput));
     return (pClip != nullptr ? Utf8(pClip->m_strName) : "-") + "." + Utf8(pNode->pGraphNode->m_strName) + strNumber +
            (pOutput != nullptr ? " " + Utf8(pOutput->m_strName) : "");
-}
-
-std::string PrintableText(const std::string& strText) {
-    std::string strPrintable;
-    unsigned char nPrevious = 0;
-    for (const char c : strText) {
-        const auto nByte = static_cast<unsigned char>(c);
-        // U+0080 to U+009F, two bytes in UTF-8, steer some terminals too.
-        const bool bUpperControl = nPrevious == 0xC2 && nByte >= 0x80 && nByte < 0xA0;
-        if (nByte < 0x20 || nByte == 0x7F || bUpperControl) {
-            if (bUpperControl) {
-                strPrintable.pop_back();
-            }
-            std::array<char, 5> escape{};
-            std::snprintf(escape.data(), escape.size(), "\\x%02X", nByte);
-            strPrintable += escape.data();
-        } else {
-            strPrintable += c;
-        }
-        nPrevious = nByte;
-    }
-    return strPrintable;
 }

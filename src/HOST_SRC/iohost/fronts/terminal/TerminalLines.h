@@ -25,6 +25,3 @@ private:
     CSession& m_session;
     std::ostream& m_stream;
 };
-
-/// The text with control characters as escapes: texts from outside can't steer the terminal.
-std::string PrintableText(const std::string& strText);

@@ -5,12 +5,13 @@
 #include <boost/asio/signal_set.hpp>
 
 #include <algorithm>
-#include <csignal>
 #include <deque>
 #include <iostream>
 #include <sstream>
 
 #include "base/FrameTimer.h"
+#include "base/OutputLines.h"
+#include "base/Platform.h"
 #include "fronts/terminal/TerminalLines.h"
 #include "fronts/window/WindowInput.h"
 #include "network/Peers.h"
@@ -54,6 +55,7 @@ private:
     FrameTime m_tNext;  ///< when the next one is due
     HWND m_hWnd = nullptr;
     CWindowInput m_input;
+    COutputLines m_output{TerminalOutput()};
     std::ostringstream m_printed;
     CTerminalLines m_terminal;
     COutputChanges m_outputs;
@@ -64,7 +66,7 @@ private:
 
 CRenderWindow::CRenderWindow(CSession& session, const SWindowOptions& options)
     : m_session(session), m_held(session.Held().Open()), m_fFps(options.fFps), m_terminal(session, m_printed),
-      m_signals(session.Peers().Context(), SIGINT, SIGTERM) {
+      m_signals(session.Peers().Context()) {
     WNDCLASSW windowClass = {};
     windowClass.style = CS_HREDRAW | CS_VREDRAW;
     windowClass.lpfnWndProc = WindowProcedure;
@@ -97,8 +99,11 @@ void CRenderWindow::Run() {
     if (const unsigned short nPort = ConfiguredBroadcastPort(); nPort != 0) {
         m_session.Peers().KeepReceivingBroadcasts(nPort);
     }
+    for (const int nSignal : EndSignals()) {
+        m_signals.add(nSignal);
+    }
     m_signals.async_wait([this](const boost::system::error_code& error, int) { m_bEnding = m_bEnding || !error; });
-    std::cout << "iohost: the window is open\n" << std::flush;
+    m_output.Stream() << "iohost: the window is open\n" << std::flush;
 
     using std::chrono::steady_clock;
     m_tStart = steady_clock::now();
@@ -215,7 +220,7 @@ void CRenderWindow::Show() {
         return;
     }
     m_printed.str({});
-    std::cout << strText << std::flush;
+    m_output.Stream() << strText << std::flush;
     std::istringstream lines(strText);
     for (std::string strLine; std::getline(lines, strLine);) {
         m_lines.push_back(FromUtf8(strLine));

@@ -1,0 +1,91 @@
+#include "base/OutputLines.h"
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <sstream>
+#include <thread>
+#include <utility>
+
+struct COutputLines::SQueue {
+    explicit SQueue(SOutputLinesOptions given) : options(std::move(given)) {}
+
+    void Add(const std::string& strText) {
+        const std::lock_guard lock(mutex);
+        if (bDone) {
+            return;
+        }
+        // Behind lines that are left out come none until that is said.
+        if (nMissing > 0 || strQueued.size() + strText.size() > options.nMostBytes) {
+            nMissing += static_cast<unsigned long long>(std::ranges::count(strText, '\n'));
+        } else {
+            strQueued += strText;
+        }
+        changed.notify_all();
+    }
+
+    void Write() {
+        std::unique_lock lock(mutex);
+        while (!bDone) {
+            changed.wait(lock, [this] { return !strQueued.empty() || nMissing > 0 || bEnding; });
+            std::string strText = std::exchange(strQueued, {});
+            if (nMissing > 0) {
+                strText += options.missingLine(std::exchange(nMissing, 0));
+            }
+            lock.unlock();
+            const bool bWritten = options.write(strText);
+            lock.lock();
+            if (!bWritten && !bEnding) {
+                options.onClosed();
+            }
+            bDone = !bWritten || (bEnding && strQueued.empty() && nMissing == 0);
+        }
+        changed.notify_all();
+    }
+
+    const SOutputLinesOptions options;
+    std::mutex mutex; ///< of what follows
+    std::condition_variable changed;
+    std::string strQueued;
+    unsigned long long nMissing = 0; ///< lines
+    bool bEnding = false;            ///< the owner is leaving
+    bool bDone = false;              ///< nothing is written any more
+};
+
+class COutputLines::CBuffer final : public std::stringbuf {
+public:
+    explicit CBuffer(SQueue& queue) : std::stringbuf(std::ios::out), m_queue(queue) {}
+
+private:
+    int sync() override {
+        m_queue.Add(str());
+        str({});
+        return 0;
+    }
+
+    SQueue& m_queue;
+};
+
+COutputLines::COutputLines(SOutputLinesOptions options)
+    : m_pQueue(std::make_shared<SQueue>(std::move(options))), m_pBuffer(std::make_unique<CBuffer>(*m_pQueue)),
+      m_pStream(std::make_unique<std::ostream>(m_pBuffer.get())) {
+    std::thread([pQueue = m_pQueue] { pQueue->Write(); }).detach();
+}
+
+COutputLines::~COutputLines() {
+    constexpr std::chrono::seconds PATIENCE{2};
+    m_pStream->flush();
+    std::unique_lock lock(m_pQueue->mutex);
+    m_pQueue->bEnding = true;
+    m_pQueue->changed.notify_all();
+    m_pQueue->changed.wait_for(lock, PATIENCE, [this] { return m_pQueue->bDone; });
+}
+
+SOutputLinesOptions TerminalOutput(int nStream) {
+    return {.write = [nStream](std::string_view text) { return WriteStandard(nStream, text); },
+            .missingLine =
+                [](unsigned long long nLines) {
+                    return "iohost: " + std::to_string(nLines) + " lines are missing here: nobody read them in time\n";
+                }};
+}

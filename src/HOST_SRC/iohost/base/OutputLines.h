@@ -1,0 +1,50 @@
+// Lines for a reader that nobody waits for. A thread of its own writes them, so that a reader that stalls stalls
+// nothing but that thread. Lines that find the queue full are left out, and counted.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "base/Platform.h"
+
+struct SOutputLinesOptions {
+    /// Writes all of the text, however long that takes; false when it can't. Called by the thread, which may outlive
+    /// the program's other objects.
+    std::function<bool(std::string_view text)> write;
+
+    /// The line, with its line feed, that stands where lines were left out. Called by the thread as well.
+    std::function<std::string(unsigned long long nLines)> missingLine;
+
+    /// The output can't be written any longer. Called by the thread, but only while the lines' owner is there.
+    std::function<void()> onClosed = [] {};
+
+    std::size_t nMostBytes = std::size_t{1} << 20; ///< queued
+};
+
+class COutputLines {
+public:
+    explicit COutputLines(SOutputLinesOptions options);
+
+    /// Waits two seconds at most until what is queued has been written.
+    ~COutputLines();
+
+    COutputLines(const COutputLines&) = delete;
+    COutputLines& operator=(const COutputLines&) = delete;
+
+    /// What is put into it is queued when the stream is flushed, and never waits.
+    std::ostream& Stream() { return *m_pStream; }
+
+private:
+    class CBuffer;
+    struct SQueue;
+
+    std::shared_ptr<SQueue> m_pQueue; ///< shared with the thread
+    std::unique_ptr<CBuffer> m_pBuffer;
+    std::unique_ptr<std::ostream> m_pStream;
+};
+
+/// Lines for a person, on one of the standard streams.
+SOutputLinesOptions TerminalOutput(int nStream = STANDARD_OUTPUT);

@@ -1,0 +1,199 @@
+// The server and those who don't read or want too much, and what it lacks itself.
+import assert from "node:assert/strict";
+import { execFileSync, spawn } from "node:child_process";
+import { once } from "node:events";
+import http from "node:http";
+import net from "node:net";
+import { existsSync, mkdirSync, mkdtempSync, readFileSync, rmSync, symlinkSync, writeFileSync } from "node:fs";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
+import { after, test } from "node:test";
+import { startHost } from "./support/host.mjs";
+import { createScene, must, openSession, postedIn, until } from "./support/session.mjs";
+
+const KEY_DOWN = { op: "event", device: 0, event: 2002, payload: { is: "key", text: "a" } };
+const KEY_UP = { ...KEY_DOWN, event: 2003 };
+const KEY_RELEASED = ["k", 153];
+
+const hosts = [];
+after(() => hosts.forEach((host) => host.kill()));
+
+/** A scene whose nodes have been evaluated once, as they must have been to fire. */
+async function createSceneOf(host) {
+  const script = await createScene(host.address);
+  await until("the first values", () => script.pushes.some(({ nodes }) => nodes?.m));
+  return script;
+}
+
+/** A host that is ended with the file's tests, whatever becomes of them. */
+async function start(options) {
+  const host = await startHost({ options });
+  hosts.push(host);
+  return host;
+}
+
+for (const signal of ["SIGTERM", "SIGINT", "SIGHUP"]) {
+  test(`a terminal that isn't read stalls nobody, and ${signal} ends the host with its releases`, { timeout: 60000 }, async () => {
+    const host = await start();
+    const script = await createSceneOf(host);
+    const other = await openSession(host.address);
+    host.stopReading();
+    for (let index = 0; index < 1000; ++index) {
+      await must(script, KEY_DOWN);
+      await must(script, KEY_UP);
+    }
+    await must(script, KEY_DOWN);
+    await until("the pushes", () => postedIn(other.pushes).length > 2000);
+    const before = other.pushes.length;
+    host.kill(signal);
+    assert.equal(await host.ended(), 0);
+    assert.deepEqual(postedIn(other.pushes.slice(before)).filter(([, output]) => output === 153), [KEY_RELEASED]);
+    assert.equal(host.output.stderr, "");
+  });
+}
+
+test("a terminal that is read again says how many lines were left out", { timeout: 60000 }, async () => {
+  const host = await start();
+  const script = await createSceneOf(host);
+  host.stopReading();
+  const presses = 1000; // more than pipe and queue hold
+  const payload = { is: "key", text: "a".repeat(2000) }; // the log's line names it
+  for (let index = 0; index < presses; ++index) {
+    await must(script, { ...KEY_DOWN, payload });
+    await must(script, { ...KEY_UP, payload });
+  }
+  host.readOn();
+  const missing = () => [...host.output.stdout.matchAll(/^iohost: (\d+) lines are missing here/gm)].map(([, count]) => Number(count));
+  await until("the number of lines", () => missing().length > 0);
+  await script.close();
+  assert.equal(await host.end(), 0);
+  const printed = host.output.stdout.match(/^(event|log) .*$/gm).length;
+  // Each fired event has a line of its own and one of the log.
+  assert.equal(printed + missing().reduce((sum, count) => sum + count), presses * 4);
+});
+
+test("a stand-in device whose lines aren't read takes connections and ends", { timeout: 60000 }, async () => {
+  const device = spawn(process.env.IOHOST, ["--device", "0", "--refuse"], { stdio: ["ignore", "pipe", "inherit"] });
+  const [line] = await once(device.stdout, "data");
+  device.stdout.pause();
+  const { listening } = JSON.parse(String(line));
+  const [name, port] = listening.split(":");
+  for (let index = 0; index < 5000; ++index) {
+    const socket = net.connect(Number(port), name).on("error", () => {}).resume();
+    await once(socket, "close");
+  }
+  device.kill("SIGTERM");
+  const [code] = await once(device, "exit");
+  assert.equal(code, 0);
+});
+
+test("a page that can't be read for want of file descriptors is answered by 503, and then again by itself", async () => {
+  const host = await start();
+  const agent = new http.Agent({ keepAlive: true, maxSockets: 1 });
+  const status = async (path) => {
+    const request = http.get(host.page + path, { agent });
+    const [response] = await once(request, "response");
+    await response.toArray();
+    return response.statusCode;
+  };
+  const limit = (count) => execFileSync("prlimit", [`--nofile=${count}:`, "--pid", String(host.pid)]);
+  assert.equal(await status(""), 200);
+  limit(1);
+  assert.equal(await status(""), 503);
+  assert.equal(await status("none.js"), 404);
+  limit(1024);
+  assert.equal(await status(""), 200);
+  agent.destroy();
+});
+
+test("a text goes out in one frame, however long it is", async () => {
+  const host = await start();
+  const [name, port] = host.address.split(":");
+  const socket = net.connect(Number(port), name);
+  socket.write(`GET /session HTTP/1.1\r\nHost: ${host.address}\r\nConnection: Upgrade\r\nUpgrade: websocket\r\n` +
+    "Sec-WebSocket-Version: 13\r\nSec-WebSocket-Key: AAAAAAAAAAAAAAAAAAAAAA==\r\n\r\n");
+  let received = Buffer.alloc(0);
+  socket.on("data", (data) => (received = Buffer.concat([received, data])));
+  await until("the answer", () => received.includes("\r\n\r\n"));
+  const text = Buffer.from(JSON.stringify({ op: "scene", id: "x".repeat(50000) }));
+  const head = Buffer.from([0x81, 0xfe, text.length >> 8, text.length & 255, 0, 0, 0, 0]); // masked by zeros
+  socket.write(Buffer.concat([head, text]));
+  await until("the reply", () => received.includes("xxx"));
+  // Frames one behind the other, up to the reply's: each is a whole text.
+  const firsts = [];
+  for (let at = received.indexOf("\r\n\r\n") + 4; at < received.length; ) {
+    firsts.push(received[at]);
+    const length = received[at + 1];
+    at += length < 126 ? 2 + length : length === 126 ? 4 + received.readUInt16BE(at + 2) : 10 + received.readUInt32BE(at + 6);
+  }
+  assert.ok(firsts.length > 1);
+  assert.deepEqual(firsts.filter((first) => first !== 0x81), []);
+  socket.destroy();
+});
+
+test("clients that don't read cost bounded memory together, and go first", { timeout: 120000 }, async () => {
+  const host = await start();
+  const script = await createSceneOf(host);
+  const memory = () => Number(/VmRSS:\s+(\d+)/.exec(readFileSync(`/proc/${host.pid}/status`, "utf8"))[1]) / 1024;
+  const before = memory();
+  const stalled = await Promise.all(Array.from({ length: 20 }, () => openSession(host.address)));
+  // The replies carry the ids back: more than the system's buffers and a client's queue hold.
+  const request = JSON.stringify({ op: "scene", id: "x".repeat(500000) });
+  let most = 0;
+  for (const { socket } of stalled) {
+    socket.pause();
+    socket.on("error", () => {});
+    for (let index = 0; index < 16; ++index) {
+      socket.send(request);
+    }
+    await must(script, { op: "scene" });
+    most = Math.max(most, memory() - before);
+  }
+  for (let index = 0; index < 20; ++index) {
+    await must(script, { op: "scene", id: "x".repeat(500000) });
+    most = Math.max(most, memory() - before);
+  }
+  console.log(`# ${Math.round(most)} MiB more`);
+  assert.ok(most < 64, `${most} MiB`);
+  stalled.forEach(({ socket }) => socket.terminate());
+});
+
+test("a recording that can't be written any further is told", async () => {
+  const host = await start(["--record", "/dev/full"]);
+  await until("the line", () => host.output.stdout.includes("nothing more is recorded"));
+  host.kill("SIGTERM");
+  assert.equal(await host.ended(), 1);
+  assert.equal(host.output.stdout.match(/nothing more is recorded/g).length, 1);
+});
+
+test("connections load and save scenes in their folder only", async () => {
+  const folder = mkdtempSync(join(tmpdir(), "iohost-scenes-"));
+  const scenes = join(folder, "scenes");
+  mkdirSync(join(scenes, "sub"), { recursive: true });
+  writeFileSync(join(folder, "outside.json"), "outside");
+  symlinkSync(folder, join(scenes, "up"));
+  symlinkSync(join(folder, "outside.json"), join(scenes, "link.json"));
+  symlinkSync(join(folder, "new.json"), join(scenes, "dangling.json"));
+  symlinkSync("sub", join(scenes, "inner"));
+  const host = await start(["--scenes", scenes]);
+  const script = await createScene(host.address);
+  for (const file of ["a.json", "sub/b.json", "inner/c.json"]) {
+    await must(script, { op: "save", file });
+    await must(script, { op: "load", file });
+  }
+  assert.ok(existsSync(join(scenes, "sub", "c.json")));
+  const outside = ["", "..", "../outside.json", "sub/../../outside.json", join(folder, "outside.json"), join(scenes, "a.json"),
+    "link.json", "dangling.json", "up/outside.json", "up/new.json", "a.json\u0000"];
+  for (const file of outside) {
+    for (const op of ["save", "load"]) {
+      const reply = await script.request({ op, file, id: 7 });
+      const error = "file: must be the name of a file in the folder of scenes";
+      assert.deepEqual(reply, { ok: false, error, id: 7 }, `${op} ${file}`);
+    }
+  }
+  assert.equal(readFileSync(join(folder, "outside.json"), "utf8"), "outside");
+  assert.equal(existsSync(join(folder, "new.json")), false);
+  assert.deepEqual(await script.request({ op: "load", file: "none.json" }), { ok: false, error: "file: can't be read" });
+  rmSync(folder, { recursive: true });
+  assert.deepEqual(await script.request({ op: "save", file: "a.json" }), { ok: false, error: "file: there is no folder of scenes" });
+});
