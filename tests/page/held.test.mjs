@@ -33,7 +33,7 @@ test("the page losing the focus releases keys and buttons at the pointer's last 
   await page.fires(is.LEFT_UP, 1);
   await page.fires(is.KEY_UP, 1);
   await page.shows(is.BUTTON_LEFT, "off");
-  await page.logs("synthetic release of the left button of pointer 0: the page lost the focus");
+  await page.logs(`synthetic release of the left button of pointer ${page.pointer(0)}: the page lost the focus`);
 
   // The button that is still down in fact presses nothing when the pointer moves, nor releases anything.
   await page.moveTo(80, 90);
@@ -63,7 +63,7 @@ test("a minimized window takes the focus from the page, and with it what is held
   await page.fires(is.LEFT_UP, 1);
   // With the page's focus its surface's goes, too, and that first.
   await page.logs('synthetic release of the key "a": the surface lost the focus');
-  await page.logs("synthetic release of the left button of pointer 0: the page lost the focus");
+  await page.logs(`synthetic release of the left button of pointer ${page.pointer(0)}: the page lost the focus`);
   await page.held("virtual key 65").waitFor({ state: "detached" });
 });
 
@@ -89,8 +89,8 @@ test("a key and a button that went down while the host was away aren't released 
     [
       [2002, "b"],
       [2003, "b"],
-      [3005, 0],
-      [3006, 0],
+      [3005, page.pointer(0)],
+      [3006, page.pointer(0)],
     ],
   );
   assert.equal(await page.count(is.KEY_UP), 1);
@@ -130,11 +130,12 @@ test("a page that is closed in mid-press is released for everybody else", async 
   await other.keyboard.down("z");
   await page.shows(is.BUTTON_RIGHT, "on");
   await page.fires(is.KEY_DOWN, 1);
+  const mouse = other.pointer(0);
   await other.close();
   await page.fires(is.RIGHT_UP, 1);
   await page.fires(is.KEY_UP, 1);
   await page.shows(is.BUTTON_RIGHT, "off");
-  await page.logs("synthetic release of the right button of pointer 0");
+  await page.logs(`synthetic release of the right button of pointer ${mouse}`);
 });
 
 test("a script's connection that breaks off is released with the reason in the log", async () => {
@@ -165,12 +166,12 @@ test("what is held shows with its age, until it's let go", async () => {
   await page.mouse.down();
   await page.held("key a").waitFor();
   await page.held("virtual key 65").waitFor();
-  await page.held("left button of pointer 0").waitFor();
+  await page.held(`left button of pointer ${page.pointer(0)}`).waitFor();
   await until("a growing age", async () => (await age("key a")) >= 0.5);
   await page.keyboard.up("a");
   await page.held("key a").waitFor({ state: "detached" });
   await page.held("virtual key 65").waitFor({ state: "detached" });
-  assert.equal(await page.held("left button of pointer 0").count(), 1);
+  assert.equal(await page.held(`left button of pointer ${page.pointer(0)}`).count(), 1);
   await page.mouse.up();
   await until("nothing held", async () => (await page.page.locator("[data-readout=held]").innerText()) === "nothing");
 });
@@ -195,13 +196,13 @@ test("one button lets go of everything, whoever holds it, and the pages forget i
   await page.moveTo(40, 50);
   await page.touch.down([[1, 100, 100]]);
   await page.held("key x").waitFor();
-  await page.held("left button of pointer 1").waitFor();
+  await page.held(`left button of pointer ${page.pointer(1)}`).waitFor();
   const posted = script.pushes.length;
   await page.page.getByRole("button", { name: "Release all" }).click();
   await page.held("key x").waitFor({ state: "detached" });
-  await page.held("left button of pointer 1").waitFor({ state: "detached" });
+  await page.held(`left button of pointer ${page.pointer(1)}`).waitFor({ state: "detached" });
   await page.logs('synthetic release of the key "x": somebody released everything');
-  await page.logs("synthetic release of the left button of pointer 1: somebody released everything");
+  await page.logs(`synthetic release of the left button of pointer ${page.pointer(1)}: somebody released everything`);
 
   // The key that is down in fact says nothing more: neither by its repeats nor by its end.
   await page.fires(is.KEY_UP, 1);

@@ -133,6 +133,76 @@ test("another page's texts show here too, and a page that comes later knows the 
   await later.close();
 });
 
+test("a node may have any handle", async () => {
+  for (const handle of ["constructor", "__proto__", "toString", "a b", ".#\""]) {
+    await createNode(script, handle, "0E", `Node ${handle}`);
+    const card = page.page.locator(`article[data-node=${JSON.stringify(handle)}]`);
+    await card.waitFor();
+    assert.equal(await card.locator("[data-verdict]").count(), 0, "before the first text");
+    await sendAsDevice(1, JSON.stringify([handle]));
+    await card.locator("[data-verdict=taken]").waitFor();
+    await page.shows([JSON.stringify(handle).slice(1, -1), DEVICE_TEXT[1]], JSON.stringify([handle]));
+    await page.fires([JSON.stringify(handle).slice(1, -1), DEVICE_EVENT[1]], 1);
+    await must(script, { op: "destroy", node: handle });
+    await card.waitFor({ state: "detached" });
+  }
+});
+
+/** What a host says that cuts texts for its viewers. */
+function cutTexts(message) {
+  const first = (text) => text.slice(0, 1 << 16);
+  return JSON.stringify(JSON.parse(message), (_, value) => {
+    if (value?.string?.length > 1 << 16) {
+      return { ...value, string: first(value.string), length: value.string.length };
+    }
+    return value?.level !== undefined && value.text.length > 1 << 16
+      ? { ...value, text: first(value.text), length: value.text.length }
+      : value;
+  });
+}
+
+test("long texts are shown cut, and say how long they are", async () => {
+  const viewer = await is.openPage(browser, host, { panel: "log", through: cutTexts });
+  for (const text of ["\u0001".repeat(70000), "<".repeat(5000)]) {
+    await post("/object-text?clip=Demo&object=Map", text);
+    await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text } });
+    const late = await is.openPage(browser, host, { panel: "log", through: cutTexts });
+    const whole = `${text.length.toLocaleString("en")} characters`;
+    for (const view of [viewer, late]) {
+      const output = view.page.locator(`[data-node=o][data-output="${OBJECT_TEXT[1]}"]`);
+      await output.locator(`[title^="${whole}"]`).waitFor();
+      assert.ok((await output.getAttribute("data-value")).length < 2000);
+      assert.match(await output.locator(".value-text").textContent(), new RegExp(`^${text[0]}+…$`));
+      const verdict = view.page.locator("article[data-node=o] [data-verdict=taken]");
+      await until("the verdict's length", async () => (await verdict.getAttribute("title")).endsWith(`… (${whole})`));
+    }
+    const line = viewer.page.locator("[data-log] .line-text", { hasText: text.slice(0, 500) }).last();
+    const title = await line.locator("[title]").getAttribute("title");
+    assert.ok(Number(/^[\d,]+/.exec(title)[0].replaceAll(",", "")) > text.length, title);
+    assert.ok((await line.textContent()).length < 2000);
+    await late.close();
+  }
+  assert.deepEqual(viewer.problems, []);
+  await viewer.close();
+});
+
+test("an input with a text that the host cut can be replaced, and is left alone otherwise", async () => {
+  const text = "x".repeat(70000);
+  await set("o", 1203, { string: text });
+  const viewer = await is.openPage(browser, host, { through: cutTexts });
+  const input = viewer.page.locator('input[data-node=o][data-param="1203"]');
+  await until("the length", async () => (await input.getAttribute("placeholder"))?.startsWith("70,000 characters"));
+  assert.equal(await input.inputValue(), "");
+  await input.focus();
+  await input.blur();
+  const stored = async () => (await must(script, { op: "inspect", node: "o" })).inputs[0].params.find(({ id }) => id === 1203).string;
+  assert.equal(await stored(), text);
+  await input.fill("Map");
+  await input.press("Enter");
+  await until("the new name", async () => (await stored()) === "Map");
+  await viewer.close();
+});
+
 test("a device that sends texts is read by itself", async () => {
   const server = net.createServer();
   server.listen(0, "127.0.0.1");

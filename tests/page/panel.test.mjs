@@ -111,6 +111,22 @@ test("a page without its host says so, and comes back by itself with the host", 
   page.problems.length = 0; // the browser tells of each connection that failed
 });
 
+test("a host that stalls is told, and so is that it goes on", async () => {
+  const age = page.page.locator("[data-frame-age]");
+  assert.match(await age.innerText(), /^last frame < [12] s ago$/);
+  process.kill(host.pid, "SIGSTOP");
+  try {
+    await page.page.locator("[data-connection=stalled]").waitFor();
+    assert.match(await page.page.getByRole("alert").innerText(), /stalled/);
+    await until("a growing age", async () => Number(/\d+/.exec(await age.innerText())[0]) > 4);
+  } finally {
+    process.kill(host.pid, "SIGCONT");
+  }
+  await page.page.locator("[data-connection=open]").waitFor();
+  assert.equal(await page.page.getByRole("alert").count(), 0);
+  assert.match(await age.innerText(), /^last frame < [12] s ago$/);
+});
+
 test("no script or style of the page is refused by its own policy", async () => {
   assert.deepEqual(page.problems, []);
 });

@@ -63,8 +63,8 @@ test("what was done in the page is answered the same by a replay, and a change i
     assert.ok(posts(replies, fired), `${fired} is in the recording`);
   }
 
-  // Without the swipe's start the nodes have nothing to recognise.
-  const press = recorded.findIndex(({ op, event, payload }) => op === "event" && event === 3005 && payload.pointer !== 0);
+  // Without the swipe's start the nodes have nothing to recognise. The mouse is the first of a page's hundred pointers.
+  const press = recorded.findIndex(({ op, event, payload }) => op === "event" && event === 3005 && payload.pointer % 100 !== 0);
   assert.notEqual(press, -1);
   const changed = join(folder, "changed.jsonl");
   await writeFile(changed, lines.filter((_, index) => index !== press).join("\n") + "\n");

@@ -175,6 +175,14 @@ test("a client is greeted, then told all outputs", async () => {
   await client.close();
 });
 
+test("a client is told once a second which frame it is, also when nothing happens", async () => {
+  const client = await openSession(host.address);
+  const frames = () => client.pushes.filter(({ push }) => push === "frame").map(({ frame }) => frame);
+  await until("two frames", () => frames().length >= 2);
+  assert.ok(frames()[1] > frames()[0], frames());
+  await client.close();
+});
+
 test("replies come in the order of the requests; what a client caused stands in its reply, others get it pushed", async () => {
   const client = await openSession(host.address);
   const other = await openSession(host.address);

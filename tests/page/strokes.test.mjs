@@ -21,7 +21,7 @@ async function drag(places, finger = 1) {
 }
 
 const verdict = () => page.page.locator("[data-verdict]");
-const stroke = (pointer) => page.page.locator(`[data-stroke="${pointer}"]`);
+const stroke = (pointer) => page.page.locator(`[data-stroke="${page.pointer(pointer)}"]`);
 
 async function verdictIs(fired, reason) {
   await until(`the verdict ${fired}`, async () => (await verdict().count()) === 1 && (await verdict().getAttribute("data-verdict")) === fired);
@@ -37,7 +37,8 @@ test("a finger that swipes to the right fires the drag and the swipe, and the pa
   await verdictIs("Drag end, Swipe right", /off the axis, under 30°/);
   await page.logs("触发输出事件[向右滑动]");
   const samples = page.sentEvents().filter(([event]) => event === 3005 || event === 3006);
-  assert.deepEqual(samples.map(([event, { pointer, relative }]) => [event, pointer, relative]), [[3005, 1, 0], [3006, 1, 0]]);
+  const finger = page.pointer(1);
+  assert.deepEqual(samples.map(([event, { pointer, relative }]) => [event, pointer, relative]), [[3005, finger, 0], [3006, finger, 0]]);
 });
 
 test("a stroke is drawn as it grows, with the threshold, the key points and the cone once it's a drag", async () => {
@@ -102,12 +103,12 @@ test("a stroke keeps the kind of samples that it began with", async () => {
 test("several fingers have their own numbers; the node follows the first one only", async () => {
   await page.touch.down([[1, 60, 60]]);
   await page.touch.down([[1, 60, 60], [2, 60, 160]]);
-  await page.held("left button of pointer 1").waitFor();
-  await page.held("left button of pointer 2").waitFor();
+  await page.held(`left button of pointer ${page.pointer(1)}`).waitFor();
+  await page.held(`left button of pointer ${page.pointer(2)}`).waitFor();
   await page.touch.move([[1, 160, 60], [2, 60, 200]]);
   await page.touch.move([[1, 260, 60], [2, 60, 240]]);
-  await page.page.locator(".stroke-unfollowed[data-stroke='2']").waitFor();
-  assert.equal(await page.page.locator("[data-readout=pointers]").innerText(), "1 touch, 2 touch");
+  await stroke(2).and(page.page.locator(".stroke-unfollowed")).waitFor();
+  assert.equal(await page.page.locator("[data-readout=pointers]").innerText(), `${page.pointer(1)} touch, ${page.pointer(2)} touch`);
   // The second finger lifts: nothing of it fires.
   await page.touch.up([[2, 60, 240]]);
   await verdictIs("", /is off, or follows another pointer/);
@@ -117,8 +118,24 @@ test("several fingers have their own numbers; the node follows the first one onl
   await verdictIs("Drag end, Swipe right", /off the axis/);
   // The numbers are free again.
   await page.touch.down([[7, 60, 60]]);
-  await page.held("left button of pointer 1").waitFor();
+  await page.held(`left button of pointer ${page.pointer(1)}`).waitFor();
   await page.touch.up([]);
+});
+
+test("another page's pointers are others: a stroke goes on while somebody taps there", async () => {
+  const other = await is.openPage(browser, host);
+  await page.moveTo(60, 100);
+  await page.mouse.down();
+  await page.fires(is.LEFT_DOWN, 1);
+  await other.moveTo(60, 100);
+  await other.mouse.down();
+  await other.mouse.up();
+  await page.fires(is.LEFT_UP, 1);
+  assert.equal(await page.count(is.TAP), 0);
+  await page.moveTo(260, 108, { steps: 8 });
+  await page.mouse.up();
+  await page.fires(is.SWIPE_RIGHT, 1);
+  await other.close();
 });
 
 test("a pen draws strokes too", async () => {
@@ -142,22 +159,22 @@ test("a pen draws strokes too", async () => {
   await page.fires(is.SWIPE_RIGHT, 1);
 });
 
-test("the mouse draws strokes as pointer 0", async () => {
+test("the mouse draws strokes too", async () => {
   await page.moveTo(60, 80);
   await page.mouse.down();
   await page.moveTo(220, 90, { steps: 8 });
   await page.mouse.up();
   await page.fires(is.SWIPE_RIGHT, 1);
-  await verdictIs("Drag end, Swipe right", /pointer 0/);
+  await verdictIs("Drag end, Swipe right", new RegExp(`pointer ${page.pointer(0)},`));
 });
 
 test("a cancelled finger is let go of by the host, and its stroke isn't judged by the page", async () => {
   await page.touch.down([[1, 60, 60]]);
   await page.touch.move([[1, 160, 60]]);
-  await page.held("left button of pointer 1").waitFor();
+  await page.held(`left button of pointer ${page.pointer(1)}`).waitFor();
   await page.touch.cancel([]);
-  await page.held("left button of pointer 1").waitFor({ state: "detached" });
-  await page.logs("synthetic release of the left button of pointer 1: the pointer was cancelled");
+  await page.held(`left button of pointer ${page.pointer(1)}`).waitFor({ state: "detached" });
+  await page.logs(`synthetic release of the left button of pointer ${page.pointer(1)}: the pointer was cancelled`);
   assert.equal(await page.page.locator("[data-stroke]").count(), 0);
   // The node is free for the next stroke. The release may have made a swipe of the first one: the browser may tell its
   // way in more samples than one.
@@ -180,7 +197,7 @@ test("a stroke whose release never comes shows as held, and costs no more than i
     surface.addEventListener("pointerdown", ({ pointerId }) => (surface.dataset.finger = pointerId)),
   );
   await page.touch.down([[1, 60, 60]]);
-  await page.held("left button of pointer 1").waitFor();
+  await page.held(`left button of pointer ${page.pointer(1)}`).waitFor();
   const move = (count) =>
     page.surface.evaluate((surface, samples) => {
       const { left, top } = surface.getBoundingClientRect();
@@ -208,7 +225,7 @@ test("a stroke whose release never comes shows as held, and costs no more than i
   const grown = (await memory()) - before;
   assert.ok(grown < SAMPLES * 500, `the page grew by ${grown} bytes`); // an engine keeps some 200 a sample, with what it caches
   assert.equal(Number(await stroke(1).getAttribute("data-drawn")), 1500);
-  assert.equal(await page.held("left button of pointer 1").count(), 1);
+  assert.equal(await page.held(`left button of pointer ${page.pointer(1)}`).count(), 1);
   assert.equal(await page.count(is.END_MOVE), 0);
   await page.touch.up([]);
   await page.fires(is.END_MOVE, 1, 60000);

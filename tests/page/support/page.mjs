@@ -45,20 +45,34 @@ export const PAD_RIGHT_CLICK = ["v", 869];
 export const ENABLE = 2;
 
 /**
- * Opens the page, with a panel in front, and waits until it shows the scene. Frames that it sends gather in `sent`.
- * Scripts run before those of the page. All pages are tabs of one window: each host's address is an origin of its own.
+ * Opens the page, with a panel in front, and waits until it shows the scene. Frames that it sends gather in `sent`. What the
+ * host says comes to it as `through` makes of it. Scripts run before those of the page. All pages are tabs of one window: each host's address is an origin of its own.
  */
-export async function openPage(browser, host, { panel = "log", scripts = [] } = {}) {
+export async function openPage(browser, host, { panel = "log", scripts = [], through } = {}) {
   const [context] = browser.contexts();
   const page = await context.newPage();
   for (const script of scripts) {
     await page.addInitScript(script);
   }
+  if (through !== undefined) {
+    await page.routeWebSocket(/\/session$/, (socket) => {
+      const server = socket.connectToServer();
+      server.onMessage((message) => socket.send(through(message)));
+    });
+  }
   const sent = [];
   const problems = [];
+  let connection;
   page.on("pageerror", (error) => problems.push(error.message));
   page.on("console", (message) => message.type() === "error" && problems.push(message.text()));
-  page.on("websocket", (socket) => socket.on("framesent", ({ payload }) => sent.push(JSON.parse(payload))));
+  page.on("websocket", (socket) => {
+    socket.on("framesent", ({ payload }) => sent.push(JSON.parse(payload)));
+    socket.on("framereceived", ({ payload }) => {
+      if (payload.startsWith('{"push":"hello"')) {
+        connection = JSON.parse(payload).connection;
+      }
+    });
+  });
   await page.goto(`${host.page}#${panel}`);
   await page.locator("article[data-node=k]").waitFor();
   await page.locator("article[data-node=m]").waitFor();
@@ -89,6 +103,8 @@ export async function openPage(browser, host, { panel = "log", scripts = [] } = 
      * them), `cancel` none.
      */
     touch: await touchScreen(context, page, box),
+    /** The number by which the nodes know a pointer of this page: the mouse is 0 here, fingers and pens count from 1. */
+    pointer: (number) => 100 * (connection - 1) + number,
     held: (what) => page.locator(`[data-held="${what}"]`),
     moveTo: (x, y, options) => page.mouse.move(box.left + x, box.top + y, options),
     focus: () => page.mouse.click(box.left + 5, box.top + 5),

@@ -74,6 +74,7 @@ private:
     void GuardedFrame();
     void OnDone(const SDone& done) override;
     void TellHappened(SActivity activity, const CHeldInput* pButFor);
+    void TellFrame();
     void TellSceneChange();
     void TellHeld();
     void TellNetwork();
@@ -96,6 +97,7 @@ private:
     SteadyTimer m_goodbyeTimer{m_context};
     SteadyTimer m_acceptTimer{m_context};
     CFrameTimer m_frameTimer;
+    CFrameTimer m_tellTimer{m_context, 1, [this] { TellFrame(); }};
     CLimitedLine m_frameLine{LOG_ERROR};
     CLimitedLine m_fullLine{LOG_ERROR};
     std::unique_ptr<const SHttpSite> m_pSite; ///< once it listens
@@ -152,6 +154,7 @@ void CPageServer::Run() {
     AwaitSignal();
     Spawn(m_context, "the page's connections aren't taken any longer", [this] { return AcceptConnections(); });
     m_frameTimer.Start();
+    m_tellTimer.Start();
     RunLoop([this] { m_context.run(); });
 }
 
@@ -223,6 +226,7 @@ void CPageServer::Stop() {
     m_bStopping = true;
     m_acceptor.close();
     m_frameTimer.Stop();
+    m_tellTimer.Stop();
     for (const auto& [pKey, client] : m_clients) {
         m_session.Do(SReleaseHeldCommand{.strReason = "the host ends"}, {.pHeld = &client.held});
     }
@@ -304,6 +308,13 @@ void CPageServer::ShowKeysToNodes(const KeySet& keysBefore) {
 /// The next frame comes whatever becomes of this one.
 void CPageServer::GuardedFrame() {
     DoGuarded(m_frameLine, "a frame failed", [this] { Frame(); });
+}
+
+/// A page where nothing happens would otherwise not notice that the host has stalled.
+void CPageServer::TellFrame() {
+    DoGuarded(m_frameLine, "the pages weren't told of a frame", [this] {
+        SendToAll({{"push", "frame"}, {"frame", m_nFrame}});
+    });
 }
 
 void CPageServer::Frame() {

@@ -1,3 +1,4 @@
+import { firstPointer } from "./input/pointers.ts";
 import { virtualKeyName } from "./input/virtualKeys.ts";
 import type { HeldEntry } from "./protocol.ts";
 
@@ -10,9 +11,11 @@ export interface HeldLabel {
 const HANDS = ["Left", "Right"];
 
 /** What a person calls it. */
-export function heldLabel({ what, identity }: HeldEntry): HeldLabel {
+export function heldLabel({ connection, what, identity }: HeldEntry): HeldLabel {
   const hand = HANDS[Number(identity)] ?? `Hand ${identity}`;
-  const ofPointer = (button: string) => (identity === 0 ? `${button} button` : `Pointer ${identity}, ${button.toLowerCase()} button`);
+  // Scripts leave out the number, or give 0.
+  const isMouse = identity === 0 || identity === firstPointer(connection);
+  const ofPointer = (button: string) => (isMouse ? `${button} button` : `Pointer ${identity}, ${button.toLowerCase()} button`);
   switch (what) {
     case "key":
       return { cap: true, text: identity === " " ? "Space" : String(identity) };
@@ -20,7 +23,7 @@ export function heldLabel({ what, identity }: HeldEntry): HeldLabel {
       return { cap: true, text: virtualKeyName(Number(identity)) };
     case "left button of pointer":
       // A finger or the tip of a pen has no name for it.
-      return { cap: false, text: identity === 0 ? "Left button" : `Pointer ${identity}` };
+      return { cap: false, text: isMouse ? "Left button" : `Pointer ${identity}` };
     case "middle button of pointer":
       return { cap: false, text: ofPointer("Middle") };
     case "right button of pointer":

@@ -1,5 +1,6 @@
 import { batch, signal, type Signal } from "@preact/signals";
 import { Connection, type ConnectionListener } from "./connection.ts";
+import { FrameWatch } from "./frames.ts";
 import { Holders } from "./input/holders.ts";
 import { KeyboardState } from "./input/keyboardState.ts";
 import { VirtualKey } from "./input/virtualKeys.ts";
@@ -81,6 +82,8 @@ class OutputSignals<Value> {
 /** What the page knows of its host, and what it asks of it. */
 export class Host implements ConnectionListener {
   readonly connection = signal<ConnectionState>({ is: "connecting" });
+  /** Null while there is no connection. */
+  readonly frames = signal<FrameWatch | null>(null);
   /** Null until the scene was read for the first time. */
   readonly nodes = signal<NodeView[] | null>(null);
   readonly links = signal<readonly Link[]>([]);
@@ -88,7 +91,7 @@ export class Host implements ConnectionListener {
   /** How the network stands, and when the page was told, in milliseconds since 1970. */
   readonly network = signal<{ state: NetworkState; told: number } | null>(null);
   /** What the JSON nodes made of their last texts, by node. */
-  readonly jsonVerdicts = signal<Readonly<Record<string, JsonVerdict>>>({});
+  readonly jsonVerdicts = signal<ReadonlyMap<string, JsonVerdict>>(new Map());
   /** What all connections hold, and when the page was told, in milliseconds since 1970. */
   readonly held = signal<{ entries: readonly HeldEntry[]; told: number }>({ entries: [], told: 0 });
   /** What on this page can hold something. */
@@ -185,6 +188,7 @@ export class Host implements ConnectionListener {
 
   lost(retryInMs: number): void {
     this.connection.value = { is: "lost", retryAt: Date.now() + retryInMs };
+    this.frames.value = null;
     this.held.value = { entries: [], told: Date.now() };
     this.#forgetHeld();
   }
@@ -199,8 +203,12 @@ export class Host implements ConnectionListener {
         // What went down while there was no connection was told to nobody, so its end isn't either.
         this.#forgetHeld();
         this.connection.value = { is: "open", ...push };
+        this.frames.value = new FrameWatch(Date.now());
         void this.#refresh();
         void this.#readNetwork();
+        break;
+      case "frame":
+        this.frames.value?.told(push.frame, Date.now());
         break;
       case "scene":
         void this.#refresh();
@@ -209,7 +217,7 @@ export class Host implements ConnectionListener {
         this.#happened(push);
         break;
       case "json":
-        this.jsonVerdicts.value = { ...this.jsonVerdicts.value, ...push.nodes };
+        this.jsonVerdicts.value = new Map([...this.jsonVerdicts.value, ...Object.entries(push.nodes)]);
         break;
       case "network":
         this.network.value = { state: push, told: Date.now() };
@@ -304,9 +312,7 @@ export class Host implements ConnectionListener {
     this.fired.keepOnly(handles);
     batch(() => {
       this.nodes.value = nodes;
-      this.jsonVerdicts.value = Object.fromEntries(
-        Object.entries(this.jsonVerdicts.value).filter(([node]) => handles.has(node)),
-      );
+      this.jsonVerdicts.value = new Map([...this.jsonVerdicts.value].filter(([node]) => handles.has(node)));
       this.links.value = scene.links;
     });
   }
@@ -325,8 +331,8 @@ export class Host implements ConnectionListener {
     }
     batch(() => {
       for (const { params } of details.outputs) {
-        for (const { id, int, float, string } of params) {
-          this.values.of(node.node, id).value = { int, float, string };
+        for (const { id, int, float, string, length } of params) {
+          this.values.of(node.node, id).value = { int, float, string, length };
         }
       }
     });

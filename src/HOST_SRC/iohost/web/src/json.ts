@@ -1,4 +1,5 @@
 // Texts for the JSON nodes: whom they are for, which were sent, and what the nodes made of them.
+import { shortText } from "./texts.ts";
 
 /** Whom a text is from or for. */
 export type TextAddress = { to: "device"; device: number } | { to: "object"; clip: string; object: string };
@@ -29,16 +30,20 @@ export function verdictText(verdict: JsonVerdict): string {
     case "other_device":
       return `from device ${verdict.device}, not ${verdict.expected}`;
     case "other_object":
-      return `for ${objectName(verdict.clip, verdict.object)}, not ${objectName(verdict.expected_clip, verdict.expected_object)}`;
+      return `for ${shortName(verdict.clip, verdict.object)}, not ${shortName(verdict.expected_clip, verdict.expected_object)}`;
     case "key_missing":
-      return `no key “${verdict.key}”`;
+      return `no key “${shortText(verdict.key)}”`;
     case "value_differs":
-      return `“${verdict.key}” is “${verdict.value ?? ""}”, not “${verdict.expected ?? ""}”`;
+      return `“${shortText(verdict.key)}” is “${shortText(verdict.value ?? "")}”, not “${shortText(verdict.expected ?? "")}”`;
   }
 }
 
 export function addressText(address: TextAddress): string {
   return address.to === "device" ? `device ${address.device}` : objectName(address.clip, address.object);
+}
+
+function shortName(clip: string, object: string): string {
+  return objectName(shortText(clip), shortText(object));
 }
 
 function objectName(clip: string, object: string): string {

@@ -1,4 +1,5 @@
 import type { LogEntry } from "./protocol.ts";
+import { cutText } from "./texts.ts";
 
 export const LOG_LIMIT = 1000;
 
@@ -14,7 +15,7 @@ export interface LogLine extends LogEntry {
 /** Null: every level. */
 export type LevelFilter = number | null;
 
-/** The newest lines of the log. */
+/** The newest lines of the log, of long ones the beginning. */
 export class LogBuffer {
   #lines: LogLine[] = [];
   #count = 0;
@@ -29,8 +30,8 @@ export class LogBuffer {
   }
 
   append(entries: readonly LogEntry[], time: number): void {
-    for (const { level, text } of entries) {
-      this.#lines.push({ number: ++this.#count, time, level, text });
+    for (const { level, ...text } of entries) {
+      this.#lines.push({ number: ++this.#count, time, level, ...cutText(text) });
     }
     if (this.#lines.length > LOG_LIMIT) {
       this.#lines = this.#lines.slice(-LOG_LIMIT);

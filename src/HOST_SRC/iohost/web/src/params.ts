@@ -1,5 +1,6 @@
 import type { OutputValue, Param } from "./protocol.ts";
 import { floatText } from "./format.ts";
+import { cutText, type CutText } from "./texts.ts";
 
 /** How a parameter is shown and edited, by its type and control codes. */
 export type ParamKind = "switch" | "integer" | "float" | "text" | "choice" | "keyCode" | "event" | "other";
@@ -48,6 +49,7 @@ export function boundsOf(range: Param["range"]): { min: number; max: number; ste
   return min < max ? { min, max, step } : null;
 }
 
+/** A value as it's read. */
 export function valueText(param: Param, value: OutputValue): string {
   switch (kindOf(param)) {
     case "switch":
@@ -66,4 +68,11 @@ export function valueText(param: Param, value: OutputValue): string {
     case "other":
       return value.string !== "" ? value.string : String(value.int);
   }
+}
+
+/** A value as it's shown. */
+export function shownValue(param: Param, value: OutputValue): CutText {
+  const text = valueText(param, value);
+  // A number's string may be long too: values are linked whole.
+  return cutText({ text, length: text === value.string ? value.length : undefined });
 }

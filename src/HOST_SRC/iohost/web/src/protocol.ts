@@ -1,6 +1,7 @@
 // The messages of the WebSocket /session, as far as the page uses them.
 import type { JsonVerdict } from "./json.ts";
 import type { NetworkState } from "./network.ts";
+import type { CutText } from "./texts.ts";
 
 /** A parameter of a node, as `inspect` tells it. */
 export interface Param {
@@ -13,6 +14,8 @@ export interface Param {
   int: number;
   float: number;
   string: string;
+  /** Of the whole string, where the host cut it. */
+  length?: number;
   choices: string[];
   available: number | boolean;
 }
@@ -79,9 +82,8 @@ export interface PostedEvent {
   via: "window" | "host";
 }
 
-export interface LogEntry {
+export interface LogEntry extends CutText {
   level: number;
-  text: string;
 }
 
 /** What the module did: stands in replies and in pushes alike. */
@@ -96,6 +98,8 @@ export interface OutputValue {
   int: number;
   float: number;
   string: string;
+  /** Of the whole string, where the host cut it. */
+  length?: number | undefined;
 }
 
 export type Reply<Body = object> = Happened & ({ ok: true; id?: number } & Body | { ok: false; id?: number; error: string });
@@ -105,6 +109,8 @@ export type EventReply = Reply<{ results: Record<string, number> }>;
 
 export type Push =
   | { push: "hello"; version: string; fps: number; address: string; connection: number }
+  /** Once a second: the number of the last frame. */
+  | { push: "frame"; frame: number }
   | { push: "objects"; objects: SceneObject[] }
   /** What JSON nodes made of texts that came to them. */
   | { push: "json"; nodes: Record<string, JsonVerdict> }

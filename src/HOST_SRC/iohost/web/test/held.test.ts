@@ -13,6 +13,7 @@ test("what is held is named as a person does", () => {
     ["left button of pointer", 3, "Pointer 3"],
     ["right button of pointer", 0, "Right button"],
     ["middle button of pointer", 2, "Pointer 2, middle button"],
+    ["left button of pointer", 100, "Pointer 100"],
     ["trigger of hand", 0, "Left trigger"],
     ["touch-pad of hand", 1, "Right pad"],
     ["trigger of hand", 7, "Hand 7 trigger"],
@@ -21,6 +22,8 @@ test("what is held is named as a person does", () => {
   for (const [what, identity, text] of names) {
     assert.equal(heldLabel(entry(what, identity)).text, text);
   }
+  const mouse = { ...entry("left button of pointer", 100), connection: 2 };
+  assert.equal(heldLabel(mouse).text, "Left button");
   assert.equal(heldLabel(entry("key", "a")).cap, true);
   assert.equal(heldLabel(entry("trigger of hand", 0)).cap, false);
 });

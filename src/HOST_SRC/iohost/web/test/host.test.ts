@@ -111,6 +111,23 @@ test("a key that went down while there was no connection is held nowhere, and it
   assert.deepEqual(socket.keys.slice(-4), [EventId.keyDown, [65], EventId.keyUp, []]);
 });
 
+test("the page knows how old the host's last frame is, from the greeting on", () => {
+  const { host } = openPage();
+  assert.equal(host.frames.value, null);
+  const now = mock.method(Date, "now", () => 10000);
+  const socket = connect();
+  const push = (frame: number) =>
+    socket.dispatchEvent(new MessageEvent("message", { data: JSON.stringify({ push: "frame", frame }) }));
+  assert.equal(host.frames.value!.age(10500), 500);
+  now.mock.mockImplementation(() => 11000);
+  push(60);
+  now.mock.mockImplementation(() => 12000);
+  push(60);
+  assert.equal(host.frames.value!.age(12500), 1500);
+  socket.lose();
+  assert.equal(host.frames.value, null);
+});
+
 test("nothing is sent before the host's greeting", () => {
   const page = openPage();
   const [socket] = sockets;

@@ -28,6 +28,19 @@ test("each verdict has its words", () => {
   );
 });
 
+test("names and values in a verdict are cut when they are long", () => {
+  const long = "x".repeat(1 << 20);
+  const about = { text: "{}", length: 2 };
+  for (const verdict of [
+    { ...about, verdict: "key_missing", key: long },
+    { ...about, verdict: "value_differs", key: long, value: long, expected: long },
+    { ...about, verdict: "other_object", clip: long, object: long, expected_clip: long, expected_object: long },
+  ] as const) {
+    assert.ok(verdictText(verdict).length < 1000, verdict.verdict);
+    assert.match(verdictText(verdict), /x…/);
+  }
+});
+
 test("addresses are named", () => {
   assert.equal(addressText({ to: "device", device: 3 }), "device 3");
   assert.equal(addressText({ to: "object", clip: "Clip", object: "Map" }), "Clip.Map");

@@ -21,6 +21,13 @@ test("only the newest lines are kept", () => {
   assert.equal(log.count, LOG_LIMIT + 5);
 });
 
+test("of long lines the beginning is kept, and how long they were", () => {
+  const log = new LogBuffer();
+  log.append([{ level: 4, text: "x".repeat(5000) }, { level: 4, text: "y", length: 70000 }], 0);
+  assert.ok(log.lines[0]!.text.length < 5000);
+  assert.deepEqual(log.lines.map(({ length }) => length), [5000, 70000]);
+});
+
 test("cleared lines are gone and the numbers go on", () => {
   const log = new LogBuffer();
   log.append([{ level: 4, text: "one" }], 0);

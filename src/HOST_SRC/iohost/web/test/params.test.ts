@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { boundsOf, kindOf, parseNumber, valueText } from "../src/params.ts";
+import { boundsOf, kindOf, parseNumber, shownValue, valueText } from "../src/params.ts";
 import type { Param } from "../src/protocol.ts";
 
 const param = (type: number, control: number, more: Partial<Param> = {}): Param => ({
@@ -55,4 +55,11 @@ test("a value is shown as its kind reads", () => {
   assert.equal(valueText(param(1, 6), { int: 0, float: 0, string: "Enter" }), "Enter");
   assert.equal(valueText(param(4, 1, { choices: ["one", "two"] }), { int: 1, float: 0, string: "" }), "two");
   assert.equal(valueText(param(4, 1, { choices: ["one"] }), { int: 3, float: 0, string: "" }), "3");
+});
+
+test("a long text is shown cut; a number that has a long text beside it is shown whole", () => {
+  const value = { int: 7, float: 0, string: "abc", length: 100 };
+  assert.deepEqual(shownValue(param(1, 6), value), { text: "abc", length: 100 });
+  assert.deepEqual(shownValue(param(2, 1), value), { text: "7" });
+  assert.equal(shownValue(param(1, 6), { int: 0, float: 0, string: "x".repeat(5000) }).length, 5000);
 });

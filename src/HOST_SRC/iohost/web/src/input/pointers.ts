@@ -1,6 +1,14 @@
+const POINTERS_EACH = 100;
+const MOST_NUMBERS = 2 ** 31;
+
+/** The first of the pointer numbers that belong to a connection: nodes tell pointers apart by a 32-bit number alone. */
+export function firstPointer(connection: number): number {
+  return ((connection - 1) % Math.floor(MOST_NUMBERS / POINTERS_EACH)) * POINTERS_EACH;
+}
+
 /**
- * Numbers for the browser's pointers, as the nodes know them: the mouse is 0, fingers and pens have the lowest number
- * from 1 on that is free when they come.
+ * Numbers for the browser's pointers, from the connection's first one on: the mouse is 0, fingers and pens have the lowest
+ * number from 1 on that is free when they come.
  */
 export class PointerNumbers {
   readonly #numbers = new Map<number, number>();

@@ -29,6 +29,7 @@ export interface SurfaceListener {
 }
 
 interface Pointer {
+  /** From the connection's first one on. */
   number: number;
   type: string;
   buttons: HeldButtons;
@@ -45,6 +46,7 @@ export class SurfaceInput implements Holder {
 
   readonly #surface: HTMLElement;
   readonly #listener: SurfaceListener;
+  #firstPointer = 0;
   readonly #keys = new HeldKeys();
   readonly #numbers = new PointerNumbers();
   readonly #pointers = new Map<number, Pointer>();
@@ -76,6 +78,12 @@ export class SurfaceInput implements Holder {
     this.#on("blur", () => this.#releaseKeys("the surface lost the focus"));
     this.#on("pointercancel", (event) => this.#releasePointer(event, "the pointer was cancelled"));
     this.#on("lostpointercapture", (event) => this.#releasePointer(event, "the pointer was taken away"));
+  }
+
+  /** The number that the nodes know the mouse by. */
+  set firstPointer(number: number) {
+    this.#firstPointer = number;
+    this.#echo();
   }
 
   /** Lets go of what is held, and listens no longer. */
@@ -120,7 +128,7 @@ export class SurfaceInput implements Holder {
   #releaseButtons(pointer: Pointer, reason: string): void {
     if (pointer.buttons.any) {
       pointer.buttons.clear();
-      this.#listener.releasePointer(reason, pointer.number);
+      this.#listener.releasePointer(reason, this.#firstPointer + pointer.number);
       this.#echo();
     }
   }
@@ -240,7 +248,7 @@ export class SurfaceInput implements Holder {
     const id = wheelEvent(event.deltaY);
     if (id !== null) {
       const point = toSurface(event.clientX, event.clientY, this.#box());
-      this.#send(id, 0, point, this.sampleKind);
+      this.#send(id, this.#firstPointer, point, this.sampleKind);
     }
   }
 
@@ -269,7 +277,7 @@ export class SurfaceInput implements Holder {
   }
 
   #sendPointer(pointer: Pointer, id: number): void {
-    this.#send(id, pointer.number, pointer.point, pointer.kind);
+    this.#send(id, this.#firstPointer + pointer.number, pointer.point, pointer.kind);
     this.#echo();
   }
 
@@ -285,7 +293,12 @@ export class SurfaceInput implements Holder {
     this.#listener.echo(
       [...this.#pointers.values()]
         .filter(({ inside, buttons }) => inside || buttons.any)
-        .map(({ number, type, point, buttons }) => ({ number, type, point, pressed: buttons.any })),
+        .map(({ number, type, point, buttons }) => ({
+          number: this.#firstPointer + number,
+          type,
+          point,
+          pressed: buttons.any,
+        })),
     );
   }
 

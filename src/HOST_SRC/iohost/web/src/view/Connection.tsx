@@ -1,14 +1,50 @@
 import { useEffect, useState } from "preact/hooks";
+import { isStalled } from "../frames.ts";
 import type { ConnectionState, Host } from "../host.ts";
 
-/** The state of the connection in the header, always there. */
+const STEP_MS = 250;
+
+/** The time, in milliseconds since 1970, a few times a second while it runs. */
+function useNow(runs: boolean): number {
+  const [now, setNow] = useState(Date.now());
+  useEffect(() => {
+    if (runs) {
+      setNow(Date.now());
+      const timer = setInterval(() => setNow(Date.now()), STEP_MS);
+      return () => clearInterval(timer);
+    }
+    return undefined;
+  }, [runs]);
+  return now;
+}
+
+/** The state of the connection in the header, always there, and how long ago the host had its last frame. */
 export function ConnectionLamp({ host }: { host: Host }) {
   const state = host.connection.value;
+  const frames = host.frames.value;
+  const now = useNow(frames !== null);
+  const age = frames?.age(now) ?? 0;
+  const stalled = state.is === "open" && isStalled(age, state.fps);
   return (
-    <span class="connection" data-connection={state.is} role="status">
-      <span class={`lamp lamp-${state.is}`} aria-hidden="true" />
-      {lampText(state)}
-    </span>
+    <>
+      {stalled && (
+        <span class="stalled" role="alert">
+          <strong>The host has stalled:</strong> what is done here waits.
+        </span>
+      )}
+      <span class="connection">
+        <span data-connection={stalled ? "stalled" : state.is} role="status">
+          <span class={`lamp lamp-${stalled ? "stalled" : state.is}`} aria-hidden="true" />
+          {lampText(state)}
+        </span>
+        {frames !== null && (
+          <>
+            {" · "}
+            <span data-frame-age>last frame &lt; {Math.floor(age / 1000) + 1} s ago</span>
+          </>
+        )}
+      </span>
+    </>
   );
 }
 
@@ -26,16 +62,8 @@ function lampText(state: ConnectionState): string {
 /** Across the page while there is no connection: nothing that is done then reaches the nodes. */
 export function ConnectionBanner({ host }: { host: Host }) {
   const state = host.connection.value;
-  const [now, setNow] = useState(Date.now());
   const isLost = state.is === "lost";
-  useEffect(() => {
-    if (isLost) {
-      const timer = setInterval(() => setNow(Date.now()), 250);
-      return () => clearInterval(timer);
-    }
-    return undefined;
-  }, [isLost]);
-
+  const now = useNow(isLost);
   if (!isLost) {
     return null;
   }

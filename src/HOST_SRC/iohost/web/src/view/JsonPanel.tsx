@@ -3,7 +3,9 @@ import type { Host, NodeView } from "../host.ts";
 import { addressText, keepTexts, readTexts, verdictText, withText, type SentText, type TextAddress } from "../json.ts";
 import { inputOf, JsonPin, NodeType, nodesOf } from "../nodeTypes.ts";
 import { Device } from "../protocol.ts";
+import { characters, shortText } from "../texts.ts";
 import "./json.css";
+import { LongText } from "./LongText.tsx";
 import type { PanelProps } from "./panels.ts";
 
 interface ObjectName {
@@ -123,8 +125,10 @@ export function JsonPanel({ host }: PanelProps) {
           {texts.map((sent) => (
             <li key={`${addressText(sent)} ${sent.text}`}>
               <button type="button" title="Fill this in again" onClick={() => fill(sent)}>
-                <span class="json-to">{addressText(sent)}</span>
-                <code>{sent.text}</code>
+                <span class="json-to">{shortText(addressText(sent))}</span>
+                <code>
+                  <LongText text={sent.text} />
+                </code>
               </button>
             </li>
           ))}
@@ -137,7 +141,7 @@ export function JsonPanel({ host }: PanelProps) {
 
 /** What a JSON node made of its last text. Nothing for other nodes, and before the first text. */
 export function JsonVerdictLine({ host, node }: { host: Host; node: string }) {
-  const verdict = host.jsonVerdicts.value[node];
+  const verdict = host.jsonVerdicts.value.get(node);
   if (verdict === undefined) {
     return null;
   }
@@ -145,7 +149,7 @@ export function JsonVerdictLine({ host, node }: { host: Host; node: string }) {
     <p
       class={verdict.verdict === "taken" ? "json-verdict json-taken" : "json-verdict"}
       data-verdict={verdict.verdict}
-      title={verdict.text.length < verdict.length ? `${verdict.text}…` : verdict.text}
+      title={verdict.text.length < verdict.length ? `${verdict.text}… (${characters(verdict.length)})` : verdict.text}
     >
       Last text: {verdictText(verdict)}
     </p>

@@ -3,6 +3,8 @@ import "simple-keyboard/build/css/index.css";
 import { ScreenKeyboard } from "../input/screenKeyboard.ts";
 import { VirtualKey } from "../input/virtualKeys.ts";
 import { NodeType, nodesOf, TextFieldPin } from "../nodeTypes.ts";
+import { cutText } from "../texts.ts";
+import { LongText } from "./LongText.tsx";
 import type { PanelProps } from "./panels.ts";
 
 /** The on-screen keyboard. It types into one text field node of the scene, whose text is shown above it. */
@@ -15,7 +17,8 @@ export function KeyboardPanel({ host }: PanelProps) {
   const targetNode = useRef(target?.node);
   targetNode.current = target?.node;
   const [lastName, setLastName] = useState<string | null>(null);
-  const text = target === undefined ? "" : host.values.of(target.node, TextFieldPin.output).value.string;
+  const output = target && host.values.of(target.node, TextFieldPin.output).value;
+  const text = cutText({ text: output?.string ?? "", length: output?.length });
 
   useEffect(() => {
     const made = new ScreenKeyboard(place.current!, {
@@ -61,8 +64,8 @@ export function KeyboardPanel({ host }: PanelProps) {
             </select>
           </label>
         )}
-        <output class="keyboard-text" aria-label="Text" data-keyboard-text={text}>
-          {text}
+        <output class="keyboard-text" aria-label="Text" data-keyboard-text={text.text}>
+          <LongText {...text} />
           <span class="keyboard-caret" aria-hidden="true" />
         </output>
         <span class="hint keyboard-last">

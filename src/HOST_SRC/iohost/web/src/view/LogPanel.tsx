@@ -2,6 +2,7 @@ import { memo } from "preact/compat";
 import { useEffect, useMemo, useRef, useState } from "preact/hooks";
 import { timeOfDay } from "../format.ts";
 import { filterLog, levelName, LogLevel, type LevelFilter, type LogLine } from "../log.ts";
+import { LongText } from "./LongText.tsx";
 import type { PanelProps } from "./panels.ts";
 
 const FILTERS: readonly { label: string; level: LevelFilter }[] = [
@@ -95,7 +96,9 @@ const Line = memo(function Line({ line }: { line: LogLine }) {
     <div class={line.level === LogLevel.error ? "line line-error" : "line"} data-log-level={line.level}>
       <time>{timeOfDay(line.time)}</time>
       <span class="line-level">{levelName(line.level)}</span>
-      <span class="line-text">{line.text}</span>
+      <span class="line-text">
+        <LongText text={line.text} length={line.length} />
+      </span>
     </div>
   );
 });

@@ -1,8 +1,9 @@
 import { timeOfDay } from "../format.ts";
 import type { Host } from "../host.ts";
-import { kindOf, valueText } from "../params.ts";
+import { kindOf, shownValue } from "../params.ts";
 import type { Param } from "../protocol.ts";
 import { LinkTargets } from "./Links.tsx";
+import { LongText } from "./LongText.tsx";
 
 interface OutputProps {
   host: Host;
@@ -33,19 +34,19 @@ export function EventOutput({ host, node, param }: OutputProps) {
 
 export function ValueOutput({ host, node, param }: OutputProps) {
   const value = host.values.of(node, param.id).value;
-  const text = valueText(param, value);
   const kind = kindOf(param);
+  const text = shownValue(param, value);
   return (
     <div
       class="output value"
       title={`${param.name}, ${param.id}`}
       data-node={node}
       data-output={param.id}
-      data-value={text}
+      data-value={text.text}
     >
       <span class="output-name">{param.display}</span>
       <span class={kind === "switch" && value.int !== 0 ? "value-text value-on" : "value-text"}>
-        {text === "" ? <span class="none">empty</span> : text}
+        {text.text === "" ? <span class="none">empty</span> : <LongText {...text} />}
       </span>
       <LinkTargets host={host} node={node} output={param.id} />
     </div>

@@ -4,10 +4,12 @@ import { shortestFloat } from "../format.ts";
 import type { Host } from "../host.ts";
 import { CombinationCapture } from "../input/capture.ts";
 import { keyValueText, virtualKeyName } from "../input/virtualKeys.ts";
-import { boundsOf, kindOf, parseNumber, valueText, type EditValue, type ParamKind } from "../params.ts";
+import { boundsOf, kindOf, parseNumber, shownValue, type EditValue, type ParamKind } from "../params.ts";
 import type { Param } from "../protocol.ts";
+import { characters } from "../texts.ts";
 import { DeviceChoice, namesDevice } from "./DeviceChoice.tsx";
 import { LinkSources } from "./Links.tsx";
+import { LongText } from "./LongText.tsx";
 
 interface EditorProps {
   host: Host;
@@ -49,7 +51,11 @@ export function ParamEditor({ host, node, param }: EditorProps) {
       );
       break;
     case "other":
-      control = <span class="value-text">{valueText(param, param)}</span>;
+      control = (
+        <span class="value-text">
+          <LongText {...shownValue(param, param)} />
+        </span>
+      );
       break;
   }
   if (namesDevice(param)) {
@@ -220,13 +226,16 @@ function NumberField({ node, param, kind, onEdit, onError }: ControlProps & { ki
   );
 }
 
+/** Of a text that the host cut the end isn't known: it can be replaced, not edited. */
 function TextField({ node, param, onEdit }: ControlProps) {
-  const field = useDraft(param.string, (draft) => onEdit({ string: draft }));
+  const isCut = param.length !== undefined;
+  const field = useDraft(isCut ? "" : param.string, (draft) => onEdit({ string: draft }));
   return (
     <input
       type="text"
       class="field"
       spellcheck={false}
+      placeholder={isCut ? `${characters(param.length!)}; typing replaces them` : undefined}
       disabled={!param.available}
       data-node={node}
       data-param={param.id}

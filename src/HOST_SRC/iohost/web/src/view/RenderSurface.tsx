@@ -2,6 +2,7 @@ import { useSignal } from "@preact/signals";
 import { useEffect, useRef } from "preact/hooks";
 import { floatText } from "../format.ts";
 import type { Host } from "../host.ts";
+import { firstPointer } from "../input/pointers.ts";
 import type { SampleKind } from "../input/stroke.ts";
 import { Strokes, type StrokeView } from "../input/strokes.ts";
 import { SurfaceInput, type PointerEcho } from "../input/surface.ts";
@@ -61,7 +62,13 @@ export function RenderSurface({ host }: { host: Host }) {
         tracked.drop();
       },
     });
+    const stopFollowing = host.connection.subscribe((state) => {
+      if (state.is === "open") {
+        made.firstPointer = firstPointer(state.connection);
+      }
+    });
     return () => {
+      stopFollowing();
       stopHolding();
       made.detach();
     };
@@ -176,7 +183,7 @@ function PointerMark({ pointer: { number, type, point, pressed } }: { pointer: P
         </>
       )}
       <circle cx={x} cy={y} r={type === "touch" ? 26 : pressed ? 9 : 6} />
-      {number > 0 && (
+      {type !== "mouse" && (
         <text x={x + 30} y={y - 16}>
           {number}
         </text>
