@@ -48,7 +48,11 @@ def precompile(compiler, file, headers):
 
 
 def virtual_tables(output):
-    """Table's name as the compiler writes it, e.g. 'BaseStruct' in 'VEKProperty' -> operations in order."""
+    """Table's name as the compiler writes it, e.g. 'BaseStruct' in 'VEKProperty' -> operations in order. What a node class
+    has from a template made for it counts as its own."""
+    templates = "(?:CIOProcessNode|COutputNode|CNodeWithLayout|CJsonReceiveNode)"
+    output = re.sub(rf" in '{templates}'(?= in ')| \[Node = \w+(?:, Base = .+)?\]", "", output)
+    output = re.sub(rf"\b{templates}<(\w+).*>::", r"\1::", output)
     tables = {}
     for table in re.finditer(r"^VFTable for (.*) \(\d+ entr(?:y|ies)\)\.\n((?:.+\n)*)", output, re.MULTILINE):
         entries = re.findall(r"^ *\d+ \| (.*)$", table[2], re.MULTILINE)

@@ -1,4 +1,5 @@
 // The net parameter send node: its tables and upgrades, what it sends to which devices, what it logs, its panel.
+#include <climits>
 #include <memory>
 
 #include "ModuleHost.h"
@@ -427,13 +428,39 @@ TEST_F(NetParameterSendNode, LayerChoicesAreSentAsLayerNumbers) {
     m_devices.Add(0, L"");
     m_devices.Publish();
     Input(DEV_ID).m_strValue = L"0";
-    const int NUMBERS[] = {-1, 0, 2147483446, -1023, -1022, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 2147483447, 2147483448};
-    for (int nIndex = 0; nIndex < 17; ++nIndex) {
-        Input(LAYER).m_nValue = nIndex;
+    const struct {
+        int nChoice;
+        int nLayer;
+    } LAYERS[] = {{0, -1},
+                  {1, 0},
+                  {2, 2147483446},
+                  {3, -1023},
+                  {4, -1022},
+                  {5, 1},
+                  {6, 2},
+                  {7, 3},
+                  {8, 4},
+                  {9, 5},
+                  {10, 6},
+                  {11, 7},
+                  {12, 8},
+                  {13, 9},
+                  {14, 10},
+                  {15, 2147483447},
+                  {16, 2147483448},
+                  // The graph may supply what is no choice.
+                  {17, 2147483449},
+                  {215, INT_MAX},
+                  {216, INT_MIN},
+                  {INT_MAX, -217},
+                  {-1, -1},
+                  {INT_MIN, -1}};
+    for (const auto& [nChoice, nLayer] : LAYERS) {
+        Input(LAYER).m_nValue = nChoice;
         EvaluateAndSend();
         const std::vector<SentItem> sent = m_devices.TakeSent();
         ASSERT_EQ(sent.size(), 1u);
-        EXPECT_EQ(sent[0].record.m_nLayer, NUMBERS[nIndex]) << nIndex;
+        EXPECT_EQ(sent[0].record.m_nLayer, nLayer) << nChoice;
     }
 }
 

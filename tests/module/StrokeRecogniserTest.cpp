@@ -35,79 +35,61 @@ int Relative(const std::vector<PointF>& points) {
     return ClassifyRelativeStroke(points);
 }
 
-template <typename Point>
-bool HasMoved(std::initializer_list<Point> points) {
-    CArray<Point> arPoint;
-    for (const Point& point : points) {
-        arPoint.Add(point);
-    }
-    return HasStartedMoving(arPoint);
+bool HasMovedPixels(CPoint first, CPoint last) {
+    return HasStartedMoving(first, last);
 }
 
-bool HasMovedPixels(std::initializer_list<CPoint> points) {
-    return HasMoved(points);
-}
-
-bool HasMovedUnits(std::initializer_list<PointF> points) {
-    return HasMoved(points);
+bool HasMovedUnits(PointF first, PointF last) {
+    return HasStartedMoving(first, last);
 }
 
 // ---- Becoming a drag -----------------------------------------------------------------------------------------------
 
-TEST(StrokeStart, FewerThanTwoSamplesHaveNotMoved) {
-    EXPECT_FALSE(HasMovedPixels({}));
-    EXPECT_FALSE(HasMovedPixels({{1000, 1000}}));
-    EXPECT_FALSE(HasMovedUnits({}));
-    EXPECT_FALSE(HasMovedUnits({{1000.0f, 1000.0f}}));
+TEST(StrokeStart, OneSampleHasNotMoved) {
+    EXPECT_FALSE(HasMovedPixels({1000, 1000}, {1000, 1000}));
+    EXPECT_FALSE(HasMovedUnits({1000.0f, 1000.0f}, {1000.0f, 1000.0f}));
 }
 
 TEST(StrokeStart, FiftyPixelsOnEitherAxisAreEnough) {
     for (const int nSign : {-1, 1}) {
-        EXPECT_TRUE(HasMovedPixels({{7, 7}, {7 + nSign * 50, 7}}));
-        EXPECT_TRUE(HasMovedPixels({{7, 7}, {7, 7 + nSign * 50}}));
-        EXPECT_FALSE(HasMovedPixels({{7, 7}, {7 + nSign * 49, 7}}));
-        EXPECT_FALSE(HasMovedPixels({{7, 7}, {7, 7 + nSign * 49}}));
-        EXPECT_FALSE(HasMovedPixels({{7, 7}, {7 + nSign * 49, 7 - nSign * 49}})) << "69 pixels away, but on no axis 50";
+        EXPECT_TRUE(HasMovedPixels({7, 7}, {7 + nSign * 50, 7}));
+        EXPECT_TRUE(HasMovedPixels({7, 7}, {7, 7 + nSign * 50}));
+        EXPECT_FALSE(HasMovedPixels({7, 7}, {7 + nSign * 49, 7}));
+        EXPECT_FALSE(HasMovedPixels({7, 7}, {7, 7 + nSign * 49}));
+        EXPECT_FALSE(HasMovedPixels({7, 7}, {7 + nSign * 49, 7 - nSign * 49})) << "69 pixels away, but on no axis 50";
     }
 }
 
 TEST(StrokeStart, FiftyRelativeUnitsOnEitherAxisAreEnough) {
     const float fLess = std::nextafter(50.0f, 0.0f);
     for (const float fSign : {-1.0f, 1.0f}) {
-        EXPECT_TRUE(HasMovedUnits({{0, 0}, {fSign * 50.0f, 0}}));
-        EXPECT_TRUE(HasMovedUnits({{0, 0}, {0, fSign * 50.0f}}));
-        EXPECT_FALSE(HasMovedUnits({{0, 0}, {fSign * fLess, 0}}));
-        EXPECT_FALSE(HasMovedUnits({{0, 0}, {0, fSign * fLess}}));
-        EXPECT_FALSE(HasMovedUnits({{0, 0}, {fSign * fLess, -fSign * fLess}}));
+        EXPECT_TRUE(HasMovedUnits({0, 0}, {fSign * 50.0f, 0}));
+        EXPECT_TRUE(HasMovedUnits({0, 0}, {0, fSign * 50.0f}));
+        EXPECT_FALSE(HasMovedUnits({0, 0}, {fSign * fLess, 0}));
+        EXPECT_FALSE(HasMovedUnits({0, 0}, {0, fSign * fLess}));
+        EXPECT_FALSE(HasMovedUnits({0, 0}, {fSign * fLess, -fSign * fLess}));
     }
 }
 
-TEST(StrokeStart, OnlyTheFirstAndTheLastSampleCount) {
-    EXPECT_FALSE(HasMovedPixels({{0, 0}, {500, 500}, {49, 49}}));
-    EXPECT_TRUE(HasMovedPixels({{0, 0}, {1, 1}, {2, 2}, {50, 0}}));
-    EXPECT_FALSE(HasMovedUnits({{0, 0}, {500, 500}, {49, 49}}));
-    EXPECT_TRUE(HasMovedUnits({{0, 0}, {1, 1}, {2, 2}, {0, 50}}));
-}
-
 TEST(StrokeStart, PixelDifferencesWrapAsThirtyTwoBitIntegers) {
-    EXPECT_FALSE(HasMovedPixels({{LEAST, 0}, {MOST, 0}})) << "the difference is -1";
-    EXPECT_FALSE(HasMovedPixels({{0, MOST}, {0, LEAST}})) << "the difference is 1";
-    EXPECT_FALSE(HasMovedPixels({{LEAST, 0}, {MOST - 48, 0}})) << "-49";
-    EXPECT_TRUE(HasMovedPixels({{LEAST, 0}, {MOST - 49, 0}})) << "-50";
-    EXPECT_FALSE(HasMovedPixels({{0, MOST}, {0, LEAST + 48}})) << "49";
-    EXPECT_TRUE(HasMovedPixels({{0, MOST}, {0, LEAST + 49}})) << "50";
-    EXPECT_FALSE(HasMovedPixels({{0, 0}, {LEAST, LEAST}})) << "the lowest integer's magnitude is itself";
-    EXPECT_TRUE(HasMovedPixels({{1, 0}, {LEAST, 0}}));
-    EXPECT_TRUE(HasMovedPixels({{0, 0}, {MOST, 0}}));
+    EXPECT_FALSE(HasMovedPixels({LEAST, 0}, {MOST, 0})) << "the difference is -1";
+    EXPECT_FALSE(HasMovedPixels({0, MOST}, {0, LEAST})) << "the difference is 1";
+    EXPECT_FALSE(HasMovedPixels({LEAST, 0}, {MOST - 48, 0})) << "-49";
+    EXPECT_TRUE(HasMovedPixels({LEAST, 0}, {MOST - 49, 0})) << "-50";
+    EXPECT_FALSE(HasMovedPixels({0, MOST}, {0, LEAST + 48})) << "49";
+    EXPECT_TRUE(HasMovedPixels({0, MOST}, {0, LEAST + 49})) << "50";
+    EXPECT_FALSE(HasMovedPixels({0, 0}, {LEAST, LEAST})) << "the lowest integer's magnitude is itself";
+    EXPECT_TRUE(HasMovedPixels({1, 0}, {LEAST, 0}));
+    EXPECT_TRUE(HasMovedPixels({0, 0}, {MOST, 0}));
 }
 
 TEST(StrokeStart, RelativeDifferencesMayBeAnyFloat) {
-    EXPECT_TRUE(HasMovedUnits({{0, 0}, {ENDLESS, 0}}));
-    EXPECT_TRUE(HasMovedUnits({{0, 0}, {0, -ENDLESS}}));
-    EXPECT_FALSE(HasMovedUnits({{ENDLESS, 0}, {ENDLESS, 0}})) << "that difference isn't a number";
-    EXPECT_FALSE(HasMovedUnits({{0, 0}, {NOT_A_NUMBER, NOT_A_NUMBER}}));
-    EXPECT_TRUE(HasMovedUnits({{0, 0}, {NOT_A_NUMBER, 50}}));
-    EXPECT_FALSE(HasMovedUnits({{1e9f, 0}, {1e9f + 30, 0}})) << "1e9 and 1e9 + 30 are the same float";
+    EXPECT_TRUE(HasMovedUnits({0, 0}, {ENDLESS, 0}));
+    EXPECT_TRUE(HasMovedUnits({0, 0}, {0, -ENDLESS}));
+    EXPECT_FALSE(HasMovedUnits({ENDLESS, 0}, {ENDLESS, 0})) << "that difference isn't a number";
+    EXPECT_FALSE(HasMovedUnits({0, 0}, {NOT_A_NUMBER, NOT_A_NUMBER}));
+    EXPECT_TRUE(HasMovedUnits({0, 0}, {NOT_A_NUMBER, 50}));
+    EXPECT_FALSE(HasMovedUnits({1e9f, 0}, {1e9f + 30, 0})) << "1e9 and 1e9 + 30 are the same float";
 }
 
 // ---- Direction -----------------------------------------------------------------------------------------------------
@@ -485,13 +467,10 @@ TEST(PixelStroke, StrokesOverTheWholeRangeWrap) {
         const int nDirection = Pixel(points);
         ASSERT_EQ(nDirection, PlainWrappingDirection(points)) << "stroke " << i;
         tally.Count(nDirection);
-        CArray<CPoint> arPoint;
-        for (const CPoint& point : points) {
-            arPoint.Add(point);
-        }
         const auto Magnitude = [](std::int64_t nValue) { return Wrapped(std::abs(std::int64_t{Wrapped(nValue)})); };
-        ASSERT_EQ(HasStartedMoving(arPoint), Magnitude(std::int64_t{points.back().x} - points.front().x) >= 50 ||
-                                                 Magnitude(std::int64_t{points.back().y} - points.front().y) >= 50)
+        ASSERT_EQ(HasStartedMoving(points.front(), points.back()),
+                  Magnitude(std::int64_t{points.back().x} - points.front().x) >= 50 ||
+                      Magnitude(std::int64_t{points.back().y} - points.front().y) >= 50)
             << "stroke " << i;
     }
     tally.ExpectEachAtLeast(RANDOM_STROKES / 100);

@@ -85,7 +85,7 @@ async function useFolder() {
   mkdirSync(join(folder, "Config"));
   writeFileSync(join(folder, "Config", "PortConfig.ini"), `[iFable]\nBroadcastPort=${broadcastPort}\n`);
   devices = [];
-  return { options: ["--app", folder, "--control", "127.0.0.1:0"] };
+  return { options: ["--app", folder, "--control", "127.0.0.1:0", "--scenes", folder] };
 }
 
 useScene({ panel: "network", start: useFolder });

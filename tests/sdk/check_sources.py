@@ -28,7 +28,7 @@ from check_msvc_abi import PRECOMPILED, CompileError, Mismatch, precompile, repl
 
 HOST_MEMBERS = "nodes/shared/HostMembers.h"
 # What most sources include. It's read once for all of them.
-SHARED = [HOST_MEMBERS, "host/HostJson.h", "nodes/shared/ControlLayout.h", "nodes/shared/NodeSupport.h",
+SHARED = [HOST_MEMBERS, "host/HostJson.h", "nodes/shared/NodeSupport.h", "nodes/shared/NodeType.h",
           "nodes/shared/SharedRows.h"]
 # The module's own numbers and macros: no host declares them.
 OWN = {"Codes.h", "Export.h", "NodeTypeGuid.h"}

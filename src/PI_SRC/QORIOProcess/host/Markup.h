@@ -5,10 +5,9 @@
 
 #include "host/Export.h"
 
-/// Writes XML text: elements one after another, each empty, with its attributes in the order in which they were set.
-/// Line ends are "\r\n", one behind each element. In values the characters & < > " and control characters are written
-/// as references, all others as they are, so that a reader gets back the same text. Names must be XML names; they are
-/// written as they are. The object starts as the empty document.
+/// Elements one after another, each empty, with its attributes in the order in which they were set and "\r\n" behind
+/// it. In values the characters & < > " and control characters are written as references. Names must be XML names; they
+/// are written as they are.
 class VEKCOMMON_API CMarkup {
 public:
     CMarkup();

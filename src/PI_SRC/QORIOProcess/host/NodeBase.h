@@ -39,16 +39,11 @@ public:
     ~VEKProperty() override;
 
     // Life and parameters.
-    /// Delete all parameter groups, and the values that StoreParameters kept.
-    virtual void Empty();
-    /// Once after creation, before the first use.
-    virtual void Init();
-    /// After loading: bring an older parameter set up to date.
-    virtual void InitParam();
-    /// The parameters' values have been changed as a whole: take them over.
-    virtual void ApplyFromParam();
-    /// The parameters' values are about to be read as a whole: write the current ones into them.
-    virtual void ApplyToParam();
+    virtual void Empty();          ///< delete all parameter groups, and the values that StoreParameters kept
+    virtual void Init();           ///< once after creation, before the first use
+    virtual void InitParam();      ///< after loading: bring an older parameter set up to date
+    virtual void ApplyFromParam(); ///< the parameters' values have been changed as a whole: take them over
+    virtual void ApplyToParam();   ///< the values are about to be read as a whole: write the current ones into them
     /// Whether an edit of this parameter must be reported at once, by the operation that follows.
     virtual BOOL NeedUpdateSingleParam(const GUID& guid);
     /// The editor changed that parameter: 1 when the node acted on it, else 0.
@@ -72,16 +67,12 @@ public:
     /// The editor chose a sub type, by its number or by its name; an unknown one changes nothing.
     /// (Microsoft's compiler reverses overloads in the table; the macro keeps int first.)
     VEK_OVERLOADS_IN_TABLE_ORDER(virtual void SetSubType(int nSubType);, virtual void SetSubType(CString strSubType);)
-    /// Number of the chosen sub type.
-    virtual int GetSubType();
+    virtual int GetSubType(); ///< number of the chosen sub type
 
     // Playing: for nodes that refer to a clip or play something step by step. IO-process nodes don't.
-    /// The clip that the node refers to, not the one that owns it; null for none. Not the caller's.
-    virtual VEKClip* GetNodeRefClip();
-    /// How long that event of the node plays; seconds.
-    virtual float GetEventDuration(int nEvent);
-    /// Go to where that event begins: 1 when there is such a place, else 0.
-    virtual int SeekEventBegin(int nEvent);
+    virtual VEKClip* GetNodeRefClip();          ///< the clip that the node refers to, not its owner; null for none
+    virtual float GetEventDuration(int nEvent); ///< how long that event of the node plays; seconds
+    virtual int SeekEventBegin(int nEvent);     ///< go to where that event begins: 1 when there is such a place, else 0
     /// Begin playing, go on, go to the step of that index (from 0), end: 1 when something played, else 0.
     virtual int PlayIn();
     virtual int PlayNext();
@@ -89,48 +80,35 @@ public:
     virtual int PlayOut();
     /// The step that plays (from 0) and the number of steps; both are written, 0 and 0 without any.
     virtual void GetPlayIndexAndTotalCount(int& nIndex, int& nTotal);
-    /// End the threads that the node started, before it's taken out of the graph. IO-process nodes start none.
-    virtual void StopPiThread();
+    virtual void StopPiThread(); ///< end the threads that the node started, before it's taken out of the graph
     /// The graph starts anew: forget what was put out so far. The graph node's pins are the host's to reset.
     virtual void ClearOutPutData();
 
     // What the editor shows, and how groups are saved.
-    /// Name of the node's type as the editor shows it; by default the node's name.
-    virtual CString GetTypeName();
-    /// Name of the event that this output stands for, where it isn't the pin's own; empty: it is.
-    virtual CString GetOutputEventName(int nOutput);
+    virtual CString GetTypeName(); ///< name of the node's type as the editor shows it; by default the node's name
+    virtual CString GetOutputEventName(int nOutput); ///< name of the output's event; empty: that of its pin
     /// Whether the number of inputs, or of outputs, is the user's to choose.
     virtual BOOL IsInputMulParams();
     virtual BOOL IsOutputMulParams();
-    /// Where it is, the number of parameters at the beginning that stay.
-    virtual int GetFixedMulParams();
-    /// Group written for project format 4.0, which stays the node's; null: none.
-    virtual VEKParamGroup* GetSave40ParamGrp();
-    /// The small id that the group's GUID was made of; 0 for null.
-    virtual int GetIDFromGrp(const VEKParamGroup* pGroup);
+    virtual int GetFixedMulParams();            ///< where it is, the number of parameters at the beginning that stay
+    virtual VEKParamGroup* GetSave40ParamGrp(); ///< the node's group to write for project format 4.0; null: none
+    virtual int GetIDFromGrp(const VEKParamGroup* pGroup); ///< the small id that its GUID was made of; 0 for null
 
     // Vector parameters: one parameter that stands for several, whose number can change. By default there are none, so
     // that each parameter is its own and only element.
-    /// The user chose so many elements: change the own groups.
-    virtual void ChangeVectorParam(int nCount);
-    /// The same for the graph node's inputs and outputs.
-    virtual void ChangeNodeVectorParam(SGraphNode* pGraphNode, int nCount);
+    virtual void ChangeVectorParam(int nCount); ///< the user chose so many elements: change the own groups
+    virtual void ChangeNodeVectorParam(SGraphNode* pGraphNode, int nCount); ///< the same for its inputs and outputs
     /// Both changed: connect the graph node's parameters to the own ones again.
     virtual void DealWithChangeVectorParam(SGraphNode* pGraphNode);
     /// The GUID of an element (from 0) of the parameter, and the index of the element that has that GUID.
     virtual GUID CalVectorParamGuid(const GUID& guid, int nIndex);
     virtual int CalVectorParamIndex(const GUID& guid);
 
-    /// Whether one of the own groups has this GUID.
-    virtual BOOL IsParamGroupByGUID(const GUID& guid);
-    /// The editor resets the parameters or has loaded them: InitParam, and what else a node has to do then.
-    virtual void DoParamInit();
-    /// A frame is about to be rendered, after the graph's evaluation.
-    virtual void PreRender();
-    /// Keep the values of all own parameters, in place of those kept before. For an editor that tries values out.
-    virtual void StoreParameters();
-    /// Give the kept values, which stay kept, back to the parameters that are still there.
-    virtual void RestoreParameters();
+    virtual BOOL IsParamGroupByGUID(const GUID& guid); ///< whether one of the own groups has this GUID
+    virtual void DoParamInit(); ///< the parameters were reset or loaded: InitParam, and what else a node has to do then
+    virtual void PreRender();   ///< a frame is about to be rendered, after the graph's evaluation
+    virtual void StoreParameters();   ///< keep the values of all own parameters, in place of those kept before
+    virtual void RestoreParameters(); ///< give the kept values, which stay kept, to the parameters still there
 
     CString m_strName;                 ///< the node's name; stands in log lines
     CString m_strSecondName;           ///< second name, beside the first

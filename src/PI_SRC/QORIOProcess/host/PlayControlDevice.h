@@ -7,6 +7,8 @@
 #include "host/Export.h"
 
 class CZtBaseNetProtocol;
+class IReceivedBytes;
+class ISocketTransport;
 
 /// Cuts the bytes that come in over a connection into items. One parser serves one connection at a time.
 class VEKCOMMON_API CZtSocketParser : public CObject {
@@ -15,14 +17,10 @@ public:
     CZtSocketParser();
     ~CZtSocketParser() override;
 
-    /// A connection begins: forget what the one before left unfinished.
-    virtual void Reset() = 0;
-    /// The next bytes of the connection, split anywhere; they live for the call. False when they can't be made sense of
-    /// any more, so that the connection must be closed.
+    virtual void Reset() = 0; ///< a connection begins: forget what the one before left unfinished
+    /// The next bytes, split anywhere; they live for the call. False when the connection must be closed for them.
     virtual bool Receive(const unsigned char* pData, int nLength) = 0;
 };
-
-class IReceivedBytes;
 
 /// Takes the bytes as they are. A device with this parser is sent bytes as they are, too.
 class VEKCOMMON_API CZTDirectParser : public CZtSocketParser {
@@ -39,10 +37,8 @@ private:
     IReceivedBytes* m_pReceiver;
 };
 
-class ISocketTransport;
-
-/// The connection to one device, as nodes see it. Sending never waits: what is sent goes into a bounded queue that the
-/// host writes to the device, and is refused when the queue is full.
+/// The connection to one device. Sending never waits: what is sent goes into a bounded queue, and is refused when that
+/// is full.
 class VEKCOMMON_API CZTSocket {
 public:
     /// Neither is owned; both must outlive the socket. Without a transport everything is refused.

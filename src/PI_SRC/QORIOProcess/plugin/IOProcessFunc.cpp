@@ -1,13 +1,70 @@
 // The module's one exported function.
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 
+#include "host/NodeTypeGuid.h"
+#include "nodes/input/GestureNode.h"
+#include "nodes/input/KeyCheckNode.h"
+#include "nodes/input/KeyboardNode.h"
+#include "nodes/input/MouseNode.h"
+#include "nodes/input/TextFieldNode.h"
+#include "nodes/input/VRHandleNode.h"
+#include "nodes/json/DeviceJsonReceiveNode.h"
+#include "nodes/json/ObjectJsonReceiveNode.h"
+#include "nodes/network/BroadcastReceiveNode.h"
+#include "nodes/network/BroadcastSendNode.h"
+#include "nodes/network/NetParameterReceiveNode.h"
+#include "nodes/network/NetParameterSendNode.h"
+#include "nodes/network/StringDataSendNode.h"
 #include "nodes/shared/ControlLayout.h"
 #include "nodes/shared/NodeSupport.h"
 #include "plugin/Module.h"
-#include "plugin/NodeTypes.h"
 
 namespace {
+
+/// One node type: its catalogue entry, how it is made and whether it is ever freed.
+struct NodeTypeRow {
+    GUID guidType;
+    const wchar_t* pszNameKey;       ///< key of the text table for name and tool tip
+    WORD nIconId;                    ///< icon resource
+    int bEnable;                     ///< whether the catalogue offers the type
+    const wchar_t* pszIniKey;        ///< key of NodePlugin.ini, section "IOProcess", that overrides it; null: fixed
+    P_ExtDevIOProcess* (*pCreate)(); ///< makes a node that the caller owns
+    bool bFreed = true;              ///< false: destroying a node of this type only unlinks it
+};
+
+template <typename NodeClass>
+P_ExtDevIOProcess* Create() {
+    return new NodeClass;
+}
+
+/// All types, in catalogue order.
+constexpr NodeTypeRow NODE_TYPES[] = {
+    {GUID_IOPROCESS_KEYBOARD, L"IO_PROCESS_KEYBOARD", 7000, 1, nullptr, Create<CKeyboardIOProcess>},
+    // Destroying a key check node only unlinks it.
+    {GUID_IOPROCESS_KEY_CHECK, L"IO_PROCESS_KEY_CHECK", 7009, 1, nullptr, Create<CKeyCheckProcess>, false},
+    {GUID_IOPROCESS_TEXT_FIELD, L"IO_PROCESS_TEXTFIELDINPUT", 7001, 1, nullptr, Create<CTextFieldInputProcess>},
+    {GUID_IOPROCESS_MOUSE, L"IO_PROCESS_MOUSE", 7002, 1, nullptr, Create<CMouseIOProcess>},
+    {GUID_IOPROCESS_NET_PARAMETER_SEND, L"IO_PROCESS_NETSEND", 7004, 0, L"NetParameterSend",
+     Create<CNetParameterSendIOProcess>},
+    {GUID_IOPROCESS_NET_PARAMETER_RECEIVE, L"IO_PROCESS_NETRECEIVE", 7003, 0, L"NetParameterReceive",
+     Create<CNetParameterReceiveIOProcess>},
+    {GUID_IOPROCESS_BROADCAST_SEND, L"IO_PROCESS_BROADCAST", 7005, 0, L"BroadcastSend", Create<CBroadcastIOProcess>},
+    {GUID_IOPROCESS_BROADCAST_RECEIVE, L"IO_PROCESS_BROADCASTREV", 7011, 1, nullptr, Create<CBroadcastRevIOProcess>},
+    {GUID_IOPROCESS_GESTURE, L"TOUCH_CONTROL_TOUCH_GESTURE", 7006, 0, L"Gesture", Create<CGestureIOProcess>},
+    {GUID_IOPROCESS_VR_HANDLE, L"IO_PROCESS_VRHANLDE", 7007, 1, L"VRHandle", Create<CVRHandleIOProcess>},
+    {GUID_IOPROCESS_OBJECT_JSON_RECEIVE, L"IO_PROCESS_OBJ_JSON_RECEIVE", 7010, 1, nullptr, Create<CObjJsonReceive>},
+    {GUID_IOPROCESS_DEVICE_JSON_RECEIVE, L"IO_PROCESS_DEV_JSON_RECEIVE", 7012, 1, nullptr, Create<CDevJsonReceive>},
+    {GUID_IOPROCESS_STRING_DATA_SEND, L"IO_PROCESS_STRING_SEND", 7013, 1, nullptr, Create<CStringDataSendIOProcess>},
+};
+
+/// The row of this GUID; null for a GUID that names no type.
+const NodeTypeRow* FindNodeType(const GUID& guidType) {
+    const auto* pRow = std::ranges::find(NODE_TYPES, guidType, &NodeTypeRow::guidType);
+    return pRow != std::end(NODE_TYPES) ? pRow : nullptr;
+}
 
 /// Destroys an icon that no entry took over.
 struct IconDestroyer {
@@ -15,11 +72,12 @@ struct IconDestroyer {
     void operator()(HICON hIcon) const { DestroyIcon(hIcon); }
 };
 
-void RegisterTypes(SIOProcessPluginData& data) {
+/// Append the catalogue; it ends with the last entry that could be added.
+void RegisterTypes(SIOProcessPluginData& data) try {
     const CString strIniPath = PXGetAppPath() + L"\\Plugins\\NodePlugin\\NodePlugin.ini";
     // One record serves all rows, so a member that a row doesn't set keeps the value of the row before.
     SIOProcessNodeInfo info;
-    for (const NodeTypeRow& row : NodeTypes()) {
+    for (const NodeTypeRow& row : NODE_TYPES) {
         info.strName = LoadText(row.pszNameKey);
         info.guidType = row.guidType;
         info.strTip = LoadText(row.pszNameKey);
@@ -34,6 +92,8 @@ void RegisterTypes(SIOProcessPluginData& data) {
         CatalogueOf(data).Add(info);
         static_cast<void>(icon.release()); // the host's, with the entry
     }
+} catch (...) {
+    EndException();
 }
 
 void CreateNode(const GUID& guidType, SIOProcessPluginData& data) {
@@ -64,11 +124,7 @@ extern "C" __declspec(dllexport) int WINAPI
     switch (nOperation) {
     case IOP_REGISTER_TYPES:
         if (pData != nullptr) {
-            try {
-                RegisterTypes(*pData);
-            } catch (...) {
-                EndException(); // the catalogue ends with the last entry that could be added
-            }
+            RegisterTypes(*pData);
         }
         return 1;
     case IOP_RELEASE_GLOBALS:

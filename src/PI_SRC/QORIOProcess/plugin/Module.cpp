@@ -18,17 +18,13 @@ HINSTANCE ModuleInstance() {
 
 /// Entry point for loading and unloading: 0 refuses loading.
 extern "C" int APIENTRY DllMain(HINSTANCE hInstance, DWORD dwReason, LPVOID /*pReserved*/) {
-    switch (dwReason) {
-    case DLL_PROCESS_ATTACH:
+    if (dwReason == DLL_PROCESS_ATTACH) {
         if (!AfxInitExtensionModule(s_extensionModule, hInstance)) {
             return 0;
         }
         new CDynLinkLibrary(s_extensionModule); // the framework owns it until AfxTermExtensionModule
-        return 1;
-    case DLL_PROCESS_DETACH:
+    } else if (dwReason == DLL_PROCESS_DETACH) {
         AfxTermExtensionModule(s_extensionModule);
-        return 1;
-    default:
-        return 1;
     }
+    return 1;
 }

@@ -63,13 +63,12 @@ EGestureType Classify(const CArray<Gdiplus::PointF>& arPoint) {
     return ClassifyRelativeStroke(std::span(points).first(bEqual ? 2 : 3));
 }
 
+CControlLayout s_layout(1, L"CVEKIOGesture.XML");
+
 } // namespace
 
-IMPLEMENT_CONTROL_LAYOUT(CGestureIOProcess, 1, L"CVEKIOGesture.XML")
-
-CGestureIOProcess::CGestureIOProcess() {
-    InitNode(*this, GUID_IOPROCESS_GESTURE, {701, L"Base param", L"TOUCH_CONTROL_TOUCH_GESTURE", INPUTS});
-}
+const NodeType CGestureIOProcess::TYPE{
+    GUID_IOPROCESS_GESTURE, {701, L"Base param", L"TOUCH_CONTROL_TOUCH_GESTURE", INPUTS}, OUTPUT_GROUPS, &s_layout};
 
 void CGestureIOProcess::InitParam() try {
     VEKParam* pVersion = FindOwn(*this, PARAM_VERSION);
@@ -87,7 +86,7 @@ void CGestureIOProcess::InitParam() try {
 
 void CGestureIOProcess::GetNodeOutput(SGraphNode* pGraphNode) try {
     if (pGraphNode == nullptr || OutputsOf(*pGraphNode).IsEmpty()) {
-        AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
+        COutputNode::GetNodeOutput(pGraphNode);
         return;
     }
     VEKParam* pVersion = FindOwn(*this, PARAM_VERSION);
@@ -154,7 +153,9 @@ int CGestureIOProcess::Move(const SQORMouseData& sample) {
         return 1;
     }
     Append(sample);
-    const bool bStarted = IsRelative(sample) ? HasStartedMoving(m_arRelativePoint) : HasStartedMoving(m_arPixelPoint);
+    const bool bStarted = IsRelative(sample)
+                              ? HasStartedMoving(m_arRelativePoint[0], {RelativeXOf(sample), RelativeYOf(sample)})
+                              : HasStartedMoving(m_arPixelPoint[0], PixelOf(sample));
     if (bStarted && m_bMoving == 0) {
         m_bMoving = 1;
         LogAndFire(*this, *m_pGraphNode, START_MOVE);

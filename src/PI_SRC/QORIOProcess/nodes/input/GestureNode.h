@@ -5,17 +5,16 @@
 #include <gdiplus.h>
 
 #include "nodes/input/StrokeRecogniser.h"
-#include "nodes/shared/ControlLayout.h"
+#include "nodes/shared/NodeType.h"
 
-class CGestureIOProcess : public P_ExtDevIOProcess {
-    DECLARE_CONTROL_LAYOUT()
+class CGestureIOProcess : public COutputNode<CGestureIOProcess, CNodeWithLayout<CGestureIOProcess>> {
 public:
-    CGestureIOProcess();
-
     void InitParam() override;
     void GetNodeOutput(SGraphNode* pGraphNode) override;
     int ProcessNode(SGraphNode* pGraphNode) override;
     int DevIOEventOccurred(EventRecordPtr pRecord) override;
+
+    static const NodeType TYPE;
 
 private:
     int Press(const SQORMouseData& sample);

@@ -48,13 +48,8 @@ bool HostTakesInput() {
 
 } // namespace
 
-CKeyCheckProcess::CKeyCheckProcess() {
-    InitNode(*this, GUID_IOPROCESS_KEY_CHECK, {1101, L"Base param", L"IO_PROCESS_KEY_CHECK", INPUTS});
-}
-
-void CKeyCheckProcess::GetNodeOutput(SGraphNode* pGraphNode) {
-    AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
-}
+const NodeType CKeyCheckProcess::TYPE{
+    GUID_IOPROCESS_KEY_CHECK, {1101, L"Base param", L"IO_PROCESS_KEY_CHECK", INPUTS}, OUTPUT_GROUPS};
 
 int CKeyCheckProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;

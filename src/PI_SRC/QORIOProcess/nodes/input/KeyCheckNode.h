@@ -1,15 +1,14 @@
 // Key check node: polls one key with its modifiers at each evaluation and fires its press, its hold and its release.
 #pragma once
 
-#include "nodes/shared/HostMembers.h"
+#include "nodes/shared/NodeType.h"
 
-class CKeyCheckProcess : public P_ExtDevIOProcess {
+class CKeyCheckProcess : public COutputNode<CKeyCheckProcess> {
 public:
-    CKeyCheckProcess();
-
-    void GetNodeOutput(SGraphNode* pGraphNode) override;
     int ProcessNode(SGraphNode* pGraphNode) override;
     int DevIOEventOccurred(EventRecordPtr pRecord) override;
+
+    static const NodeType TYPE;
 
 private:
     int m_bEnable = 0;                  ///< "Enable" as last read by ProcessNode

@@ -12,21 +12,11 @@ constexpr std::wstring_view UNSHIFTED = L"`1234567890-=[]\\;',./";
 constexpr std::wstring_view SHIFTED = L"~!@#$%^&*()_+{}|:\"<>?";
 static_assert(UNSHIFTED.size() == 21 && SHIFTED.size() == UNSHIFTED.size());
 
-/// The whole text, with what stands behind a zero in it.
-std::wstring_view View(const CString& strText) {
-    return {strText.GetString(), static_cast<size_t>(strText.GetLength())};
-}
-
 /// The part behind the separator when there are exactly two parts.
 std::optional<CString> SecondOfTwo(const CString& strText, const wchar_t* pszSeparator) {
     CStringArray arPart;
     SplitString(strText, pszSeparator, arPart, SPLIT_KEEP_EMPTY);
     return arPart.GetSize() == 2 ? std::optional(arPart[1]) : std::nullopt;
-}
-
-/// Whether the text is no key name, such as Chinese.
-bool HasWideCharacter(const CString& strText) {
-    return std::ranges::any_of(View(strText), [](wchar_t c) { return static_cast<unsigned>(c) > 255; });
 }
 
 /// The character in another case: letters of ASCII alone have two, whatever the process's locale is.
@@ -73,8 +63,8 @@ CString ApplyKeyName(const CString& strText, const CString& strKeyName, SHORT nC
     if (keyName.size() == 1) {
         return strText + InCase(keyName[0], nCapsLockState != 0);
     }
-    if (HasWideCharacter(strKeyName)) {
-        return strText + strKeyName;
+    if (std::ranges::any_of(keyName, [](wchar_t c) { return static_cast<unsigned>(c) > 255; })) {
+        return strText + strKeyName; // no key name, such as Chinese
     }
     if (keyName.starts_with(L"Num")) {
         return strText + NumberPadText(strKeyName);

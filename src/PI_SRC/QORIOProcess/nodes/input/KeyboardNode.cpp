@@ -25,13 +25,8 @@ constexpr FiredRow FIRED[] = {
 
 } // namespace
 
-CKeyboardIOProcess::CKeyboardIOProcess() {
-    InitNode(*this, GUID_IOPROCESS_KEYBOARD, {101, L"Base param", L"IO_PROCESS_KEYBOARD", INPUTS});
-}
-
-void CKeyboardIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
-    AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
-}
+const NodeType CKeyboardIOProcess::TYPE{
+    GUID_IOPROCESS_KEYBOARD, {101, L"Base param", L"IO_PROCESS_KEYBOARD", INPUTS}, OUTPUT_GROUPS};
 
 int CKeyboardIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;

@@ -1,15 +1,14 @@
 // Keyboard node: fires an output for each key press and release and offers the text of the last pressed key.
 #pragma once
 
-#include "nodes/shared/HostMembers.h"
+#include "nodes/shared/NodeType.h"
 
-class CKeyboardIOProcess : public P_ExtDevIOProcess {
+class CKeyboardIOProcess : public COutputNode<CKeyboardIOProcess> {
 public:
-    CKeyboardIOProcess();
-
-    void GetNodeOutput(SGraphNode* pGraphNode) override;
     int ProcessNode(SGraphNode* pGraphNode) override;
     int DevIOEventOccurred(EventRecordPtr pRecord) override;
+
+    static const NodeType TYPE;
 
 private:
     int m_bEnable = 0;                  ///< "Enable" as last read by ProcessNode

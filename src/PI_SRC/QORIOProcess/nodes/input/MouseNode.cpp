@@ -80,17 +80,12 @@ constexpr FiredRow FIRED[] = {
     {EVENT_WHEEL_DOWN, OUTPUT_WHEEL_DOWN, L"[%s.%s.%s]触发输出事件[向下滚动]"},
 };
 
+CControlLayout s_layout(2, L"CVEKIOMouse.XML");
+
 } // namespace
 
-IMPLEMENT_CONTROL_LAYOUT(CMouseIOProcess, 2, L"CVEKIOMouse.XML")
-
-CMouseIOProcess::CMouseIOProcess() : m_mouseData(0, 0.0f, 0.0f, CPoint(0, 0), 0) {
-    InitNode(*this, GUID_IOPROCESS_MOUSE, {301, L"Base param", L"IO_PROCESS_MOUSE", INPUTS});
-}
-
-void CMouseIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
-    AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
-}
+const NodeType CMouseIOProcess::TYPE{
+    GUID_IOPROCESS_MOUSE, {301, L"Base param", L"IO_PROCESS_MOUSE", INPUTS}, OUTPUT_GROUPS, &s_layout};
 
 int CMouseIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;

@@ -64,21 +64,11 @@ bool IsHorizontal(EGestureType nDirection) {
 
 } // namespace
 
-bool HasStartedMoving(const CArray<CPoint>& arPoint) {
-    if (arPoint.GetSize() < 2) {
-        return false;
-    }
-    const CPoint first = arPoint[0];
-    const CPoint last = arPoint[arPoint.GetUpperBound()];
+bool HasStartedMoving(const CPoint& first, const CPoint& last) {
     return Abs(Minus(last.x, first.x)) >= MOVE_THRESHOLD || Abs(Minus(last.y, first.y)) >= MOVE_THRESHOLD;
 }
 
-bool HasStartedMoving(const CArray<Gdiplus::PointF>& arPoint) {
-    if (arPoint.GetSize() < 2) {
-        return false;
-    }
-    const Gdiplus::PointF first = arPoint[0];
-    const Gdiplus::PointF last = arPoint[arPoint.GetUpperBound()];
+bool HasStartedMoving(const Gdiplus::PointF& first, const Gdiplus::PointF& last) {
     return std::fabs(last.X - first.X) >= MOVE_THRESHOLD || std::fabs(last.Y - first.Y) >= MOVE_THRESHOLD;
 }
 

@@ -3,7 +3,6 @@
 
 #include <span>
 
-#include <afxtempl.h>
 #include <afxwin.h>
 #include <gdiplus.h>
 
@@ -20,9 +19,9 @@ enum EGestureType : int {
 /// units alike.
 inline constexpr int MOVE_THRESHOLD = 50;
 
-/// Whether the last sample lies far enough from the first one; false for fewer than two samples.
-bool HasStartedMoving(const CArray<CPoint>& arPoint);
-bool HasStartedMoving(const CArray<Gdiplus::PointF>& arPoint);
+/// Whether the last sample lies far enough from the first one.
+bool HasStartedMoving(const CPoint& first, const CPoint& last);
+bool HasStartedMoving(const Gdiplus::PointF& first, const Gdiplus::PointF& last);
 
 /// Direction of a stroke: all its segments point the same way, and the whole stroke deviates from that axis by less
 /// than 30 degrees. Pixels' y grows downwards; arithmetic is that of wrapping 32-bit integers.

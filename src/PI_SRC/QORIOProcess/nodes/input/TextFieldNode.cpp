@@ -27,13 +27,8 @@ constexpr GroupRow OUTPUT_GROUPS[] = {{251, L"Output", L"IO_PROCESS_TEXTFIELDINP
 
 } // namespace
 
-CTextFieldInputProcess::CTextFieldInputProcess() {
-    InitNode(*this, GUID_IOPROCESS_TEXT_FIELD, {201, L"Base param", L"IO_PROCESS_TEXTFIELDINPUT", INPUTS});
-}
-
-void CTextFieldInputProcess::GetNodeOutput(SGraphNode* pGraphNode) {
-    AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
-}
+const NodeType CTextFieldInputProcess::TYPE{
+    GUID_IOPROCESS_TEXT_FIELD, {201, L"Base param", L"IO_PROCESS_TEXTFIELDINPUT", INPUTS}, OUTPUT_GROUPS};
 
 int CTextFieldInputProcess::ProcessNode(SGraphNode* pGraphNode) try {
     if (pGraphNode == nullptr || ClipOf(*this) == nullptr || !ReadEnable(*this, *pGraphNode, m_bEnable)) {

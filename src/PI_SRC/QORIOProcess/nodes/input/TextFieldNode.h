@@ -1,14 +1,13 @@
 // Text field node: edits a text by the key names of an on-screen keyboard.
 #pragma once
 
-#include "nodes/shared/HostMembers.h"
+#include "nodes/shared/NodeType.h"
 
-class CTextFieldInputProcess : public P_ExtDevIOProcess {
+class CTextFieldInputProcess : public COutputNode<CTextFieldInputProcess> {
 public:
-    CTextFieldInputProcess();
-
-    void GetNodeOutput(SGraphNode* pGraphNode) override;
     int ProcessNode(SGraphNode* pGraphNode) override;
+
+    static const NodeType TYPE;
 
 private:
     int m_bEnable = 0; ///< "Enable" as last read by ProcessNode

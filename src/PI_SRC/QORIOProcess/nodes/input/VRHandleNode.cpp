@@ -1,9 +1,9 @@
 #include "nodes/input/VRHandleNode.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "host/NodeTypeGuid.h"
-#include "nodes/input/TouchPad.h"
 #include "nodes/shared/NodeSupport.h"
 #include "nodes/shared/SharedRows.h"
 
@@ -13,7 +13,8 @@ enum { INPUT_OBJECT_NAME = 802, INPUT_HANDLE_TYPE = 803 };
 enum { OUTPUT_POSITION_GROUP = 851, OUTPUT_POSITION_X = 852, OUTPUT_POSITION_Y = 853, OUTPUT_POSITION_Z = 854 };
 enum { OUTPUT_HIT_GROUP = 856, OUTPUT_HIT_X = 857, OUTPUT_HIT_Y = 858, OUTPUT_HIT_Z = 859 };
 enum { OUTPUT_TRIGGER_DOWN = 862, OUTPUT_TRIGGER_UP = 863, OUTPUT_TRIGGER_CLICK = 864 };
-enum { OUTPUT_TOUCH_PAD_DOWN = 865, OUTPUT_TOUCH_PAD_UP = 866 }; // the clicks are ETouchPadClick
+enum { OUTPUT_TOUCH_PAD_DOWN = 865, OUTPUT_TOUCH_PAD_UP = 866 };
+enum { CLICK_NONE = 0, CLICK_CENTER = 867, CLICK_LEFT = 868, CLICK_RIGHT = 869, CLICK_TOP = 870, CLICK_BOTTOM = 871 };
 
 constexpr int VERSION_WITH_HIT_POSITION = 2;
 
@@ -71,34 +72,48 @@ constexpr GroupRow OUTPUT_GROUPS[] = {
     {861, L"OutputEvent", L"TOUCH_CONTROL_EVENT_OUTPUT", EVENT_OUTPUTS},
 };
 
-/// Add the outputs that a sample fires, in order: the trigger's, then the touch-pad's.
-void AddFired(CArray<int>& arOutput, const SVRPluginData& previous, const SVRPluginData& sample) {
+/// What releasing the touch-pad clicks: an output, by the thumb's position (about -1 to 1 on both axes, y growing
+/// upwards). A position exactly on the border of two zones clicks nothing.
+int ClickOf(float fX, float fY) {
+    constexpr float BORDER = 0.5f;
+    const float fAbsX = std::fabs(fX);
+    const float fAbsY = std::fabs(fY);
+    if (fAbsX > BORDER && fAbsX > fAbsY) {
+        return fX > 0 ? CLICK_RIGHT : CLICK_LEFT;
+    }
+    if (fAbsY > BORDER && fAbsY > fAbsX) {
+        return fY > 0 ? CLICK_TOP : CLICK_BOTTOM;
+    }
+    return fAbsX < BORDER && fAbsY < BORDER ? CLICK_CENTER : CLICK_NONE;
+}
+
+/// Fire what a sample changes, in order: the trigger's outputs, then the touch-pad's.
+void FireChanges(VEKProperty& node, const SVRPluginData& previous, const SVRPluginData& sample) {
     if (TriggerOf(sample) != 0 && TriggerOf(previous) == 0) {
-        arOutput.Add(OUTPUT_TRIGGER_DOWN);
+        FireGeneralEvent(&node, OUTPUT_TRIGGER_DOWN);
     } else if (TriggerOf(sample) == 0 && TriggerOf(previous) != 0) {
-        arOutput.Add(OUTPUT_TRIGGER_UP);
+        FireGeneralEvent(&node, OUTPUT_TRIGGER_UP);
         // The times wrap; a release before the press is then very far from it.
         if (ReleaseTimeOf(sample) - PressTimeOf(sample) < CLICK_TIME) {
-            arOutput.Add(OUTPUT_TRIGGER_CLICK);
+            FireGeneralEvent(&node, OUTPUT_TRIGGER_CLICK);
         }
     }
     if (TouchPadOf(sample) != 0 && TouchPadOf(previous) == 0) {
-        arOutput.Add(OUTPUT_TOUCH_PAD_DOWN);
+        FireGeneralEvent(&node, OUTPUT_TOUCH_PAD_DOWN);
     } else if (TouchPadOf(sample) == 0 && TouchPadOf(previous) != 0) {
-        arOutput.Add(OUTPUT_TOUCH_PAD_UP);
-        if (const int nClick = ClassifyTouchPad(TouchPadXOf(sample), TouchPadYOf(sample)); nClick != CLICK_NONE) {
-            arOutput.Add(nClick);
+        FireGeneralEvent(&node, OUTPUT_TOUCH_PAD_UP);
+        if (const int nClick = ClickOf(TouchPadXOf(sample), TouchPadYOf(sample)); nClick != CLICK_NONE) {
+            FireGeneralEvent(&node, nClick);
         }
     }
 }
 
+CControlLayout s_layout(4, L"CVEKIOVRHandle.XML");
+
 } // namespace
 
-IMPLEMENT_CONTROL_LAYOUT(CVRHandleIOProcess, 4, L"CVEKIOVRHandle.XML")
-
-CVRHandleIOProcess::CVRHandleIOProcess() {
-    InitNode(*this, GUID_IOPROCESS_VR_HANDLE, {801, L"Base param", L"IO_PROCESS_VRHANLDE", INPUTS});
-}
+const NodeType CVRHandleIOProcess::TYPE{
+    GUID_IOPROCESS_VR_HANDLE, {801, L"Base param", L"IO_PROCESS_VRHANLDE", INPUTS}, OUTPUT_GROUPS, &s_layout};
 
 void CVRHandleIOProcess::InitParam() try {
     if (GroupsOf(*this).IsEmpty()) {
@@ -114,7 +129,7 @@ void CVRHandleIOProcess::InitParam() try {
 
 void CVRHandleIOProcess::GetNodeOutput(SGraphNode* pGraphNode) try {
     if (pGraphNode == nullptr || OutputsOf(*pGraphNode).IsEmpty()) {
-        AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
+        COutputNode::GetNodeOutput(pGraphNode);
         return;
     }
     CList<VEKParamGroup*>& lstGroup = OutputsOf(*pGraphNode);
@@ -169,12 +184,9 @@ int CVRHandleIOProcess::DevIOEventOccurred(EventRecordPtr pRecord) try {
         return 0;
     }
     ShowSample(sample);
-    CArray<int> arOutput;
-    AddFired(arOutput, m_previousSample, sample);
-    m_previousSample = sample;
-    for (INT_PTR i = 0; i < arOutput.GetSize(); ++i) {
-        FireGeneralEvent(this, arOutput[i]);
-    }
+    const SVRPluginData previous = m_previousSample;
+    m_previousSample = sample; // whatever comes of its events
+    FireChanges(*this, previous, sample);
     return 1;
 } catch (...) {
     return EndException();

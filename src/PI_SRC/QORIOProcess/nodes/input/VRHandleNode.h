@@ -1,17 +1,16 @@
 // VR handle node: ties one VR hand controller to outputs and events and moves a scene object with it.
 #pragma once
 
-#include "nodes/shared/ControlLayout.h"
+#include "nodes/shared/NodeType.h"
 
-class CVRHandleIOProcess : public P_ExtDevIOProcess {
-    DECLARE_CONTROL_LAYOUT()
+class CVRHandleIOProcess : public COutputNode<CVRHandleIOProcess, CNodeWithLayout<CVRHandleIOProcess>> {
 public:
-    CVRHandleIOProcess();
-
     void InitParam() override;
     void GetNodeOutput(SGraphNode* pGraphNode) override;
     int ProcessNode(SGraphNode* pGraphNode) override;
     int DevIOEventOccurred(EventRecordPtr pRecord) override;
+
+    static const NodeType TYPE;
 
 private:
     void ShowSample(const SVRPluginData& sample);

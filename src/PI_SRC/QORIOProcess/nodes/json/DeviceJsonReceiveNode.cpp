@@ -7,8 +7,6 @@
 
 #include "host/HostJson.h"
 #include "host/NodeTypeGuid.h"
-#include "nodes/json/JsonNodes.h"
-#include "nodes/shared/NodeSupport.h"
 #include "nodes/shared/SharedRows.h"
 
 namespace {
@@ -77,25 +75,14 @@ bool HoldsPairs(web::json::value& object, std::initializer_list<std::pair<VEKPar
     return true;
 }
 
+CControlLayout s_layout(5, L"CVEKIODevJsonReceive.XML");
+
 } // namespace
 
-IMPLEMENT_CONTROL_LAYOUT(CDevJsonReceive, 5, L"CVEKIODevJsonReceive.XML")
-
-CDevJsonReceive::CDevJsonReceive() {
-    InitNode(*this, GUID_IOPROCESS_DEVICE_JSON_RECEIVE, {1401, L"Base param", L"IO_PROCESS_DEV_JSON_RECEIVE", INPUTS});
-}
-
-void CDevJsonReceive::InitParam() {
-    CheckJsonParams(*this);
-}
-
-void CDevJsonReceive::GetNodeOutput(SGraphNode* pGraphNode) {
-    AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
-}
-
-int CDevJsonReceive::ProcessNode(SGraphNode* pGraphNode) {
-    return ProcessJsonNode(*this, pGraphNode);
-}
+const NodeType CDevJsonReceive::TYPE{GUID_IOPROCESS_DEVICE_JSON_RECEIVE,
+                                     {1401, L"Base param", L"IO_PROCESS_DEV_JSON_RECEIVE", INPUTS},
+                                     OUTPUT_GROUPS,
+                                     &s_layout};
 
 int CDevJsonReceive::DevIOEventOccurred(EventRecordPtr pRecord) try {
     SGraphNode* pGraphNode = GraphNodeOf(*this);
@@ -127,7 +114,7 @@ int CDevJsonReceive::DevIOEventOccurred(EventRecordPtr pRecord) try {
             return 0;
         }
     }
-    return AcceptJsonText(*this, OUTPUT_RECEIVE_DATA, TextOf(text), L"[%s.%s.%s 触发[接收设备json]事件]", OUTPUT_EVENT);
+    return Accept(OUTPUT_RECEIVE_DATA, TextOf(text), L"[%s.%s.%s 触发[接收设备json]事件]", OUTPUT_EVENT);
 } catch (...) {
     return EndException();
 }

@@ -1,7 +1,8 @@
 // What the two JSON receive nodes share.
 #pragma once
 
-#include "nodes/shared/NodeTables.h"
+#include "nodes/shared/NodeSupport.h"
+#include "nodes/shared/NodeType.h"
 
 /// The output of the received text.
 constexpr ParamRow JsonTextRow(unsigned nId) {
@@ -13,12 +14,26 @@ constexpr ParamRow JsonEventRow(unsigned nId) {
     return EventRow(nId, L"Event", L"IO_PROCESS_RECEIVE_JSON");
 }
 
-/// A JSON receive node's InitParam: raises the framework's invalid-argument exception when the node has no group.
-void CheckJsonParams(VEKProperty& node);
+template <typename Node, typename Base = P_ExtDevIOProcess>
+class CJsonReceiveNode : public COutputNode<Node, Base> {
+public:
+    void InitParam() override {
+        if (GroupsOf(*this).IsEmpty()) {
+            AfxThrowInvalidArgException();
+        }
+    }
 
-/// A JSON receive node's evaluation: remember the graph node; 1 when there is one and the node has its clip.
-int ProcessJsonNode(P_ExtDevIOProcess& node, SGraphNode* pGraphNode);
+    int ProcessNode(SGraphNode* pGraphNode) override {
+        GraphNodeOf(*this) = pGraphNode;
+        return pGraphNode != nullptr && ClipOf(*this) != nullptr ? 1 : 0;
+    }
 
-/// Offer an accepted text at an output, log, and fire the event output. Answers 1.
-int AcceptJsonText(P_ExtDevIOProcess& node, unsigned nTextOutput, const CString& strText, const wchar_t* pszLogFormat,
-                   int nEventOutput);
+protected:
+    /// Offer an accepted text at an output, log, and fire the event output. Answers 1.
+    int Accept(unsigned nTextOutput, const CString& strText, const wchar_t* pszLogFormat, int nEventOutput) {
+        WriteOutput(*GraphNodeOf(*this), nTextOutput, strText);
+        WriteNodeLog(LEVEL_INFORMATION, *this, *GraphNodeOf(*this), pszLogFormat);
+        PostGeneralEventMessage(this, ClipOf(*this), nullptr, nEventOutput);
+        return 1;
+    }
+};

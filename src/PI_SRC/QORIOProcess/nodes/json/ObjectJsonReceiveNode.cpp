@@ -1,8 +1,6 @@
 #include "nodes/json/ObjectJsonReceiveNode.h"
 
 #include "host/NodeTypeGuid.h"
-#include "nodes/json/JsonNodes.h"
-#include "nodes/shared/NodeSupport.h"
 #include "nodes/shared/SharedRows.h"
 
 namespace {
@@ -23,21 +21,8 @@ constexpr GroupRow OUTPUT_GROUPS[] = {{1251, L"Outputs", L"TOUCH_CONTROL_OUTPUTS
 
 } // namespace
 
-CObjJsonReceive::CObjJsonReceive() {
-    InitNode(*this, GUID_IOPROCESS_OBJECT_JSON_RECEIVE, {1201, L"Base param", L"IO_PROCESS_OBJ_JSON_RECEIVE", INPUTS});
-}
-
-void CObjJsonReceive::InitParam() {
-    CheckJsonParams(*this);
-}
-
-void CObjJsonReceive::GetNodeOutput(SGraphNode* pGraphNode) {
-    AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
-}
-
-int CObjJsonReceive::ProcessNode(SGraphNode* pGraphNode) {
-    return ProcessJsonNode(*this, pGraphNode);
-}
+const NodeType CObjJsonReceive::TYPE{
+    GUID_IOPROCESS_OBJECT_JSON_RECEIVE, {1201, L"Base param", L"IO_PROCESS_OBJ_JSON_RECEIVE", INPUTS}, OUTPUT_GROUPS};
 
 int CObjJsonReceive::DevIOEventOccurred(EventRecordPtr pRecord) try {
     SGraphNode* pGraphNode = GraphNodeOf(*this);
@@ -53,7 +38,7 @@ int CObjJsonReceive::DevIOEventOccurred(EventRecordPtr pRecord) try {
         TextOf(*pClipName).Compare(ClipNameOf(text)) != 0 || TextOf(*pObjectName).Compare(ObjectNameOf(text)) != 0) {
         return 0;
     }
-    return AcceptJsonText(*this, OUTPUT_RECEIVE_DATA, TextOf(text), L"[%s.%s.%s 触发[地图反馈]事件]", OUTPUT_EVENT);
+    return Accept(OUTPUT_RECEIVE_DATA, TextOf(text), L"[%s.%s.%s 触发[地图反馈]事件]", OUTPUT_EVENT);
 } catch (...) {
     return EndException();
 }

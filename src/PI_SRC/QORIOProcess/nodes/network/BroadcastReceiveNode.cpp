@@ -18,13 +18,8 @@ constexpr GroupRow OUTPUT_GROUPS[] = {{1351, L"Outputs", L"TOUCH_CONTROL_OUTPUTS
 
 } // namespace
 
-CBroadcastRevIOProcess::CBroadcastRevIOProcess() {
-    InitNode(*this, GUID_IOPROCESS_BROADCAST_RECEIVE, {1301, L"Base param", L"IO_PROCESS_BROADCASTREV", INPUTS});
-}
-
-void CBroadcastRevIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
-    AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
-}
+const NodeType CBroadcastRevIOProcess::TYPE{
+    GUID_IOPROCESS_BROADCAST_RECEIVE, {1301, L"Base param", L"IO_PROCESS_BROADCASTREV", INPUTS}, OUTPUT_GROUPS};
 
 int CBroadcastRevIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
     m_pGraphNode = pGraphNode;

@@ -1,15 +1,14 @@
 // Broadcast receive node: offers name and data of the broadcasts that carry its flag.
 #pragma once
 
-#include "nodes/shared/HostMembers.h"
+#include "nodes/shared/NodeType.h"
 
-class CBroadcastRevIOProcess : public P_ExtDevIOProcess {
+class CBroadcastRevIOProcess : public COutputNode<CBroadcastRevIOProcess> {
 public:
-    CBroadcastRevIOProcess();
-
-    void GetNodeOutput(SGraphNode* pGraphNode) override;
     int ProcessNode(SGraphNode* pGraphNode) override;
     int DevIOEventOccurred(EventRecordPtr pRecord) override;
+
+    static const NodeType TYPE;
 
 private:
     SGraphNode* m_pGraphNode = nullptr; ///< graph node last handed to ProcessNode; not owned

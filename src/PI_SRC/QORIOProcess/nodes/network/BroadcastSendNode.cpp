@@ -29,8 +29,10 @@ int ReadBroadcastPort() {
 
 } // namespace
 
+const NodeType CBroadcastIOProcess::TYPE{GUID_IOPROCESS_BROADCAST_SEND,
+                                         {601, L"Base param", L"IO_PROCESS_BROADCAST", INPUTS}};
+
 CBroadcastIOProcess::CBroadcastIOProcess() {
-    InitNode(*this, GUID_IOPROCESS_BROADCAST_SEND, {601, L"Base param", L"IO_PROCESS_BROADCAST", INPUTS});
     OpenSocket();
 }
 

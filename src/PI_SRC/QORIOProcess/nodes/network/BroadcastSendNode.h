@@ -1,15 +1,19 @@
 // Broadcast send node: sends its four texts as one datagram to every host of the network.
 #pragma once
 
-#include "nodes/shared/HostMembers.h"
+#include <memory>
+
+#include "nodes/shared/NodeType.h"
 
 #include <winsock2.h>
 
-class CBroadcastIOProcess : public P_ExtDevIOProcess {
+class CBroadcastIOProcess : public CIOProcessNode<CBroadcastIOProcess> {
 public:
     CBroadcastIOProcess();
 
     int ProcessNode(SGraphNode* pGraphNode) override;
+
+    static const NodeType TYPE;
 
 private:
     void OpenSocket();

@@ -21,10 +21,12 @@ constexpr NamedLayer NAMED_LAYERS[] = {{-1, L"ZT_BASEOBJ_LAYER_BACK"},
                                        {-1023, L"ZT_BASEOBJ_LAYER_OUTPUT_BACK"},
                                        {-1022, L"ZT_BASEOBJ_LAYER_OUTPUT_KEY"}};
 
-// Then come ten separate layers, numbered from 1, and the output's two top layers, numbered from behind the front
-// layer.
+// Then come separate layers, numbered from 1, and the output's top layers, numbered from behind the front layer.
+constexpr int SEPARATE_LAYERS = 10;
+constexpr int OUTPUT_TOP_LAYERS = 2;
 constexpr int FIRST_SEPARATE_CHOICE = std::size(NAMED_LAYERS);
-constexpr int FIRST_OUTPUT_TOP_CHOICE = FIRST_SEPARATE_CHOICE + 10;
+constexpr int FIRST_OUTPUT_TOP_CHOICE = FIRST_SEPARATE_CHOICE + SEPARATE_LAYERS;
+static_assert(FIRST_OUTPUT_TOP_CHOICE + OUTPUT_TOP_LAYERS == LAYER_CHOICE_COUNT);
 
 CString NumberedLabel(const wchar_t* pszKey, int nNumber) {
     CString strLabel = LoadText(pszKey);
@@ -45,23 +47,14 @@ int LayerNumberOfChoice(int nIndex) {
     return static_cast<int>(static_cast<unsigned>(nIndex) + (LAYER_FRONT + 1 - FIRST_OUTPUT_TOP_CHOICE));
 }
 
-CString LayerLabel(int nLayer) {
-    for (const NamedLayer& row : NAMED_LAYERS) {
-        if (row.nLayer == nLayer) {
-            return LoadText(row.pszKey);
-        }
-    }
-    if (nLayer >= 1 && nLayer <= LAYER_FRONT) {
-        return NumberedLabel(L"ZT_BASEOBJ_LAYER_ONLY", nLayer);
-    }
-    if (nLayer > LAYER_FRONT && nLayer <= LAYER_FRONT + 2) {
-        return NumberedLabel(L"ZT_BASEOBJ_LAYER_OUTPUT_FIRST", nLayer - LAYER_FRONT);
-    }
-    return LoadText(L"ZT_BASEOBJ_LAYER_ONLY");
-}
-
 void FillLayerLabels(CStringArray& arChoice) {
-    for (int nIndex = 0; nIndex < LAYER_CHOICE_COUNT; ++nIndex) {
-        arChoice.Add(LayerLabel(LayerNumberOfChoice(nIndex)));
+    for (const NamedLayer& row : NAMED_LAYERS) {
+        arChoice.Add(LoadText(row.pszKey));
+    }
+    for (int nNumber = 1; nNumber <= SEPARATE_LAYERS; ++nNumber) {
+        arChoice.Add(NumberedLabel(L"ZT_BASEOBJ_LAYER_ONLY", nNumber));
+    }
+    for (int nNumber = 1; nNumber <= OUTPUT_TOP_LAYERS; ++nNumber) {
+        arChoice.Add(NumberedLabel(L"ZT_BASEOBJ_LAYER_OUTPUT_FIRST", nNumber));
     }
 }

@@ -8,8 +8,5 @@ inline constexpr int LAYER_CHOICE_COUNT = 17;
 /// The layer number of a choice. An index past the choices continues the last ones; a negative one counts as the first.
 int LayerNumberOfChoice(int nIndex);
 
-/// The display text of a layer number.
-CString LayerLabel(int nLayer);
-
 /// Append the labels of all choices, in index order.
 void FillLayerLabels(CStringArray& arChoice);

@@ -41,9 +41,8 @@ CQORPanelRemoteCtrlData* RemoteControlOf(const SIOEventRecord& record) {
 
 } // namespace
 
-CNetParameterReceiveIOProcess::CNetParameterReceiveIOProcess() {
-    InitNode(*this, GUID_IOPROCESS_NET_PARAMETER_RECEIVE, {501, L"Base param", L"IO_PROCESS_NETRECEIVE", INPUTS});
-}
+const NodeType CNetParameterReceiveIOProcess::TYPE{
+    GUID_IOPROCESS_NET_PARAMETER_RECEIVE, {501, L"Base param", L"IO_PROCESS_NETRECEIVE", INPUTS}, OUTPUT_GROUPS};
 
 void CNetParameterReceiveIOProcess::InitParam() {
     VEKParam* pVersion = FindOwn(*this, PARAM_VERSION);
@@ -57,10 +56,6 @@ void CNetParameterReceiveIOProcess::InitParam() {
     if (pVersion != nullptr) {
         IntegerOf(*pVersion) = VERSION_CURRENT;
     }
-}
-
-void CNetParameterReceiveIOProcess::GetNodeOutput(SGraphNode* pGraphNode) {
-    AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
 }
 
 int CNetParameterReceiveIOProcess::ProcessNode(SGraphNode* pGraphNode) {

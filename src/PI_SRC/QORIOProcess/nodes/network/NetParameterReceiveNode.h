@@ -1,16 +1,15 @@
 // Net parameter receive node: fires when a remote-control record names its clip, group, key and key number.
 #pragma once
 
-#include "nodes/shared/HostMembers.h"
+#include "nodes/shared/NodeType.h"
 
-class CNetParameterReceiveIOProcess : public P_ExtDevIOProcess {
+class CNetParameterReceiveIOProcess : public COutputNode<CNetParameterReceiveIOProcess> {
 public:
-    CNetParameterReceiveIOProcess();
-
     void InitParam() override;
-    void GetNodeOutput(SGraphNode* pGraphNode) override;
     int ProcessNode(SGraphNode* pGraphNode) override;
     int DevIOEventOccurred(EventRecordPtr pRecord) override;
+
+    static const NodeType TYPE;
 
 private:
     SGraphNode* m_pGraphNode = nullptr; ///< graph node last handed to ProcessNode; not owned

@@ -76,13 +76,12 @@ CList<VEKParam*>& SiblingsOf(VEKParam* pParam, CList<VEKParamGroup*>& lstGroup) 
     return ParamsOf(*lstGroup.GetHead());
 }
 
+CControlLayout s_layout(3, L"CVEKIONetParameterSend.XML");
+
 } // namespace
 
-IMPLEMENT_CONTROL_LAYOUT(CNetParameterSendIOProcess, 3, L"CVEKIONetParameterSend.XML")
-
-CNetParameterSendIOProcess::CNetParameterSendIOProcess() {
-    InitNode(*this, GUID_IOPROCESS_NET_PARAMETER_SEND, {401, L"Base param", L"IO_PROCESS_NETSEND", INPUTS});
-}
+const NodeType CNetParameterSendIOProcess::TYPE{
+    GUID_IOPROCESS_NET_PARAMETER_SEND, {401, L"Base param", L"IO_PROCESS_NETSEND", INPUTS}, {}, &s_layout};
 
 void CNetParameterSendIOProcess::InitParam() try {
     CList<VEKParamGroup*>& lstGroup = GroupsOf(*this);
@@ -150,8 +149,7 @@ int CNetParameterSendIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
             return 1;
         }
         WriteNodeLog(LEVEL_INFORMATION, *this, *pGraphNode, SENDING);
-        const int nCount = static_cast<int>(pDevices->GetSize());
-        for (int i = 0; i < nCount; ++i) {
+        for (INT_PTR i = 0; i < pDevices->GetSize(); ++i) {
             Send(pDevices->GetAt(i));
         }
         return 1;

@@ -1,16 +1,16 @@
 // Net parameter send node: sends one remote-control record to one or all of the host's play-control devices.
 #pragma once
 
-#include "nodes/shared/ControlLayout.h"
+#include "nodes/shared/NodeType.h"
 
-class CNetParameterSendIOProcess : public P_ExtDevIOProcess {
-    DECLARE_CONTROL_LAYOUT()
+class CNetParameterSendIOProcess
+    : public CIOProcessNode<CNetParameterSendIOProcess, CNodeWithLayout<CNetParameterSendIOProcess>> {
 public:
-    CNetParameterSendIOProcess();
-
     void InitParam() override;
     int ProcessNode(SGraphNode* pGraphNode) override;
     int DevIOEventOccurred(EventRecordPtr pRecord) override;
+
+    static const NodeType TYPE;
 
 private:
     void ReadInputs(SGraphNode& graphNode);

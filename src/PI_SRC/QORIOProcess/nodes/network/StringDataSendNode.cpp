@@ -63,9 +63,8 @@ void Send(SQORNetPlayCtrlDev* pDevice, const CString& strText, int nCodeType) {
 
 } // namespace
 
-CStringDataSendIOProcess::CStringDataSendIOProcess() {
-    InitNode(*this, GUID_IOPROCESS_STRING_DATA_SEND, {1501, L"Base param", L"IO_PROCESS_STRING_SEND", INPUTS});
-}
+const NodeType CStringDataSendIOProcess::TYPE{GUID_IOPROCESS_STRING_DATA_SEND,
+                                              {1501, L"Base param", L"IO_PROCESS_STRING_SEND", INPUTS}};
 
 void CStringDataSendIOProcess::InitParam() try {
     FillChoicesOnce(FindOwn(*this, INPUT_CODE_TYPE), FillCodeTypes);
@@ -110,8 +109,7 @@ int CStringDataSendIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
         }
         Send(pDevice, TextOf(*pText), IntegerOf(*pCodeType));
     } else if (const auto* pDevices = G_GetArNetPlayCtrlDev()) {
-        const int nCount = static_cast<int>(pDevices->GetSize());
-        for (int i = 0; i < nCount; ++i) {
+        for (INT_PTR i = 0; i < pDevices->GetSize(); ++i) {
             Send(pDevices->GetAt(i), TextOf(*pText), IntegerOf(*pCodeType));
         }
     }

@@ -1,17 +1,17 @@
 // String data send node: writes a text as bytes to one or all of the host's play-control devices.
 #pragma once
 
-#include "nodes/shared/HostMembers.h"
+#include "nodes/shared/NodeType.h"
 
-class CStringDataSendIOProcess : public P_ExtDevIOProcess {
+class CStringDataSendIOProcess : public CIOProcessNode<CStringDataSendIOProcess> {
 public:
-    CStringDataSendIOProcess();
-
     void InitParam() override;
     BOOL NeedUpdateSingleParam(const GUID& guid) override;
     int UpdateSingleParamValue(const GUID& guid) override;
     int ProcessNode(SGraphNode* pGraphNode) override;
     int DevIOEventOccurred(EventRecordPtr pRecord) override;
+
+    static const NodeType TYPE;
 
 private:
     SGraphNode* m_pGraphNode = nullptr; ///< graph node last handed to ProcessNode; not owned

@@ -1,10 +1,5 @@
 // Control layouts: where the controls of a parameter panel stand. Some node classes have one; the host reads it from an
 // XML file that comes with this module.
-//
-//   class CMyNode : public P_ExtDevIOProcess {
-//       DECLARE_CONTROL_LAYOUT()          overrides the four operations by which the host asks for it
-//
-//   IMPLEMENT_CONTROL_LAYOUT(CMyNode, 6, L"MyNode.XML")
 #pragma once
 
 #include "nodes/shared/HostMembers.h"
@@ -33,28 +28,3 @@ private:
     int m_nLoadState = 0; ///< only the host reads and writes it
     CArray<SNodeParamInfoGrp*> m_arGroup;
 };
-
-#define DECLARE_CONTROL_LAYOUT()                                                                                       \
-public:                                                                                                                \
-    CVEKXml* GetXmlReader() override;                                                                                  \
-    int* GetXmlLoadStatePtr() override;                                                                                \
-    CString GetCtrlPosXmlPath() override;                                                                              \
-    CArray<SNodeParamInfoGrp*>* GetNodeParamInfoGrpAr() override;                                                      \
-                                                                                                                       \
-private:                                                                                                               \
-    static CControlLayout s_layout;
-
-#define IMPLEMENT_CONTROL_LAYOUT(class_name, nReleaseRank, pszFileName)                                                \
-    CControlLayout class_name::s_layout(nReleaseRank, pszFileName);                                                    \
-    CVEKXml* class_name::GetXmlReader() {                                                                              \
-        return s_layout.Reader();                                                                                      \
-    }                                                                                                                  \
-    int* class_name::GetXmlLoadStatePtr() {                                                                            \
-        return s_layout.LoadState();                                                                                   \
-    }                                                                                                                  \
-    CString class_name::GetCtrlPosXmlPath() {                                                                          \
-        return s_layout.Path();                                                                                        \
-    }                                                                                                                  \
-    CArray<SNodeParamInfoGrp*>* class_name::GetNodeParamInfoGrpAr() {                                                  \
-        return s_layout.Groups(*this);                                                                                 \
-    }

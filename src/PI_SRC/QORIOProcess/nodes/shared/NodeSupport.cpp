@@ -50,29 +50,21 @@ void ReadText(VEKProperty& node, SGraphNode& graphNode, unsigned nId, CString& s
     }
 }
 
-bool IsSameText(const CString& strText, const CString& strOther) {
-    return strText.GetLength() == strOther.GetLength() &&
-           std::wmemcmp(strText.GetString(), strOther.GetString(), static_cast<size_t>(strText.GetLength())) == 0;
-}
-
 VEKParam* FindOutput(SGraphNode& graphNode, unsigned nId) {
     return FindParam(OutputsOf(graphNode), MakeParamGuid(nId));
 }
 
-bool WriteOutput(SGraphNode& graphNode, unsigned nId, int nValue) {
-    VEKParam* pOutput = FindOutput(graphNode, nId);
-    if (pOutput != nullptr && IntegerOf(*pOutput) != nValue) {
+void WriteOutput(SGraphNode& graphNode, unsigned nId, int nValue) {
+    if (VEKParam* pOutput = FindOutput(graphNode, nId)) {
         IntegerOf(*pOutput) = nValue;
     }
-    return pOutput != nullptr;
 }
 
-bool WriteOutput(SGraphNode& graphNode, unsigned nId, float fValue) {
+void WriteOutput(SGraphNode& graphNode, unsigned nId, float fValue) {
     VEKParam* pOutput = FindOutput(graphNode, nId);
     if (pOutput != nullptr && FloatOf(*pOutput) != fValue) {
         FloatOf(*pOutput) = fValue;
     }
-    return pOutput != nullptr;
 }
 
 bool WriteOutput(SGraphNode& graphNode, unsigned nId, const CString& strValue) {
@@ -101,7 +93,7 @@ void FireGeneralEvent(VEKProperty* pNode, int nOutput) {
 }
 
 const FiredRow* FindFired(std::span<const FiredRow> rows, int nEvent) {
-    const auto row = std::find_if(rows.begin(), rows.end(), [nEvent](const FiredRow& r) { return r.nEvent == nEvent; });
+    const auto row = std::ranges::find(rows, nEvent, &FiredRow::nEvent);
     return row != rows.end() ? &*row : nullptr;
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <memory>
 #include <span>
+#include <string_view>
 
 #include "nodes/shared/HostMembers.h"
 
@@ -32,16 +33,23 @@ bool ReadEnable(VEKProperty& node, SGraphNode& graphNode, int& bEnable);
 /// Read a text input into the text; an absent one leaves it as it is.
 void ReadText(VEKProperty& node, SGraphNode& graphNode, unsigned nId, CString& strText);
 
+/// The whole text, with what stands behind a zero in it.
+inline std::wstring_view View(const CString& strText) {
+    return {strText.GetString(), static_cast<size_t>(strText.GetLength())};
+}
+
 /// Whether the texts are the same in length and every character: a zero inside ends neither.
-bool IsSameText(const CString& strText, const CString& strOther);
+inline bool IsSameText(const CString& strText, const CString& strOther) {
+    return View(strText) == View(strOther);
+}
 
 /// The graph node's output pin; null if absent.
 VEKParam* FindOutput(SGraphNode& graphNode, unsigned nId);
 
 /// Write the pin's value when it differs, so that unchanged outputs cause no work behind them. A missing pin is
-/// skipped.
-bool WriteOutput(SGraphNode& graphNode, unsigned nId, int nValue);
-bool WriteOutput(SGraphNode& graphNode, unsigned nId, float fValue);
+/// skipped; that of a text answers whether there is one.
+void WriteOutput(SGraphNode& graphNode, unsigned nId, int nValue);
+void WriteOutput(SGraphNode& graphNode, unsigned nId, float fValue);
 bool WriteOutput(SGraphNode& graphNode, unsigned nId, const CString& strValue);
 
 /// Append to a list that owns its elements.

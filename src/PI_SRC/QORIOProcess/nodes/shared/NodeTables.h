@@ -9,18 +9,12 @@
 
 /// The four numbers given to SetParamValue.
 struct ParamRange {
-    float fValue;
-    float fMinimum;
-    float fMaximum;
-    float fStep;
+    float fValue, fMinimum, fMaximum, fStep;
 };
 
 /// The four flags given to SetParamBoolValue.
 struct ParamFlags {
-    int a;
-    int b;
-    int c;
-    int d;
+    int a, b, c, d;
 };
 
 inline constexpr ParamRange RANGE_SWITCH{0, 0, 1, 1}; ///< switches and events
