@@ -56,6 +56,14 @@ TEST_F(Program, SessionRunsToTheEndOfItsInput) {
     EXPECT_EQ(result.strErrors, "");
 }
 
+TEST_F(Program, ABroadcastPortThatIsNoneIsTold) {
+    m_folder.Write("Config/PortConfig.ini", "[iFable]\nBroadcastPort=70000\n");
+    const SResult result = Run(Stdio(), "{\"op\":\"listen\"}\n");
+    EXPECT_EQ(result.strOutput, "{\"ok\":true,\"broadcast\":null,\"control\":null}\n");
+    EXPECT_EQ(result.strErrors, "iohost: Config/PortConfig.ini: BroadcastPort 70000 is no port: broadcasts aren't "
+                                "received, and nodes send theirs to port 4464\n");
+}
+
 TEST_F(Program, QuitEndsWithZero) {
     const SResult result = Run(Stdio(), std::string(CREATE_MOUSE) + "\n{\"op\":\"quit\"}\nnever read\n");
     EXPECT_EQ(result.nExitCode, 0);

@@ -9,6 +9,7 @@
 #include <ostream>
 #include <streambuf>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -210,6 +211,39 @@ TEST_F(StandInDevice, StallsSoManyConnectionsOnly) {
         Connect().close();
     }
     EXPECT_TRUE(m_peers.IsClosed(first));
+}
+
+TEST_F(StandInDevice, TurnsAwayWhoIsTooMany) {
+    Start({});
+    std::vector<CTestPeers::Socket> senders;
+    for (int i = 0; i < 64; ++i) {
+        senders.push_back(Connect());
+    }
+    auto tooMany = Connect();
+    EXPECT_EQ(Line(), (OrderedJson{{"connection", 65}, {"closed", "turned away: 64 others are open"}}));
+    EXPECT_TRUE(m_peers.IsClosed(tooMany));
+    senders.front().close();
+    EXPECT_EQ(Line()["connection"], 1);
+    CTestPeers::Write(senders.back(), RecordFrame());
+    EXPECT_EQ(Line()["command"], 50);
+    EXPECT_EQ(Connect().available(), 0u);
+}
+
+TEST_F(StandInDevice, WhoHasBeenSilentForLongestMakesRoom) {
+    Start({.bFramed = false, .silence = std::chrono::milliseconds(0)});
+    std::vector<CTestPeers::Socket> senders;
+    for (int i = 0; i < 64; ++i) {
+        senders.push_back(Connect());
+    }
+    CTestPeers::Write(senders.front(), "first");
+    EXPECT_EQ(Line()["text"], "first");
+    auto next = m_peers.Connect(m_nPort);
+    const OrderedJson lines[] = {Line(), Line()};
+    const auto& closed = lines[lines[0].contains("closed") ? 0 : 1];
+    EXPECT_EQ(closed, (OrderedJson{{"connection", 2}, {"closed", "silent, made room for another"}}));
+    EXPECT_TRUE(m_peers.IsClosed(senders[1]));
+    CTestPeers::Write(next, "next");
+    EXPECT_EQ(Line()["text"], "next");
 }
 
 TEST_F(StandInDevice, Stalls) {

@@ -1,6 +1,6 @@
 // The page's server by itself: whom it answers, what it offers, and how it bears up.
 import assert from "node:assert/strict";
-import { mkdtempSync, rmSync } from "node:fs";
+import { mkdirSync, mkdtempSync, rmSync, writeFileSync } from "node:fs";
 import http from "node:http";
 import net from "node:net";
 import { tmpdir } from "node:os";
@@ -268,6 +268,17 @@ test("a taken port is told together with the option that changes it", async () =
   assert.equal(code, 1);
   assert.match(stderr, new RegExp(`can't listen on ${host.address}`));
   assert.match(stderr, /--listen/);
+});
+
+test("a broadcast port that is none is told in the log", async () => {
+  const folder = mkdtempSync(join(tmpdir(), "iohost-page-"));
+  mkdirSync(join(folder, "Config"));
+  writeFileSync(join(folder, "Config", "PortConfig.ini"), "[iFable]\nBroadcastPort=-1\n");
+  const own = await startHost({ options: ["--app", folder] });
+  await until("the line in the log", () => own.output.stdout.includes("\nlog "));
+  assert.match(own.output.stdout, /PortConfig\.ini: BroadcastPort -1 is no port: .* to port 65535\n/);
+  assert.equal(await own.end(), 0);
+  rmSync(folder, { recursive: true });
 });
 
 test("an address that is none, and a folder without a page, are told together with their options", async () => {

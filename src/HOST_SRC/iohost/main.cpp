@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "Options.h"
+#include "base/HostLine.h"
 #include "base/Platform.h"
 #include "base/PrintableText.h"
 #include "base/TextUtf8.h"
@@ -9,6 +10,7 @@
 #include "fronts/recording/Recorder.h"
 #include "fronts/recording/Replay.h"
 #include "fronts/stdio/StdioFront.h"
+#include "network/Peers.h"
 #include "protocol/SceneFile.h"
 
 namespace {
@@ -89,6 +91,13 @@ int RunSession(const SOptions& options) {
         const OrderedJson reply = Answer(*pSession, {{"op", "load"}, {"file", Utf8(options.sceneFile)}}, files);
         if (!reply["ok"]) {
             return Fail("--scene " + Utf8(options.sceneFile) + ": " + reply["error"].get<std::string>());
+        }
+    }
+    if (const std::string strProblem = ConfiguredPortProblem(); !strProblem.empty()) {
+        if (options.nFront == EFront::Stdio) {
+            std::cerr << "iohost: " << strProblem << '\n'; // replies tell what requests did
+        } else {
+            WriteHostLine(LOG_ERROR, strProblem);
         }
     }
     int nExitCode = 0;

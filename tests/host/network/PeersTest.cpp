@@ -3,6 +3,7 @@
 
 #include "network/Peers.h"
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>

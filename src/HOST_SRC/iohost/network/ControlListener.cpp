@@ -1,5 +1,7 @@
 #include "network/ControlListener.h"
 
+#include <boost/asio/post.hpp>
+
 #include "base/Caught.h"
 #include "base/Listener.h"
 #include "base/Platform.h"
@@ -20,7 +22,7 @@ class CControlListener::CConnection final : public std::enable_shared_from_this<
 public:
     CConnection(TcpSocket socket, std::shared_ptr<CControlListener> pListener)
         : m_socket(std::move(socket)), m_pListener(std::move(pListener)),
-          m_reader(m_pListener->m_loop, m_pListener->m_state.counts) {
+          m_reader(m_pListener->m_loop, EPeer::Control, EDeviceParser::Framed, 0, m_pListener->m_state.counts) {
         NoticeLostPeer(static_cast<std::uintptr_t>(m_socket.native_handle()));
     }
 
@@ -37,6 +39,14 @@ public:
         m_pListener->m_loop.OnStateChanged();
     }
 
+    std::chrono::steady_clock::time_point SilentSince() const { return m_reader.SilentSince(); }
+
+    /// Address and port of the other host.
+    std::string Address() const {
+        error_code ignored;
+        return EndpointText(m_socket.remote_endpoint(ignored));
+    }
+
     void Close() {
         error_code ignored;
         m_socket.close(ignored);
@@ -49,9 +59,10 @@ private:
     CItemReader m_reader;
 };
 
-CControlListener::CControlListener(CPeerLoop& loop, const asio::ip::tcp::endpoint& endpoint)
-    : m_loop(loop), m_endpoint(endpoint), m_state{.nPort = endpoint.port()}, m_acceptor(loop.Context()),
-      m_timer(loop.Context()) {}
+CControlListener::CControlListener(CPeerLoop& loop, const asio::ip::tcp::endpoint& endpoint,
+                                   std::chrono::steady_clock::duration silence)
+    : m_loop(loop), m_endpoint(endpoint), m_silence(silence), m_state{.nPort = endpoint.port()},
+      m_acceptor(loop.Context()), m_timer(loop.Context()) {}
 
 CControlListener::~CControlListener() = default;
 
@@ -124,7 +135,11 @@ Awaitable<std::string> CControlListener::TakeConnection() {
     if (error) {
         co_return error.message();
     }
-    if (m_connections.size() >= MOST_CONNECTIONS) {
+    const bool bRoom = co_await MakeRoom();
+    if (m_bStopped) {
+        co_return std::string();
+    }
+    if (!bRoom) {
         ++m_state.nTurnedAway;
     } else {
         const auto pConnection = std::make_shared<CConnection>(std::move(socket), shared_from_this());
@@ -133,6 +148,23 @@ Awaitable<std::string> CControlListener::TakeConnection() {
     }
     m_loop.OnStateChanged();
     co_return std::string();
+}
+
+/// Whether there is a place for one more connection; one that was silent for long enough gives up its own.
+Awaitable<bool> CControlListener::MakeRoom() {
+    if (m_connections.size() >= MOST_CONNECTIONS) {
+        // Whatever has come in already is looked at first: who sent it isn't silent.
+        co_await asio::post(m_loop.Context(), asio::use_awaitable_t<Executor>());
+    }
+    if (m_connections.size() >= MOST_CONNECTIONS) {
+        if (const auto pSilent = LongestSilent(m_connections, m_silence)) {
+            m_roomLine.Write("records of other hosts on TCP " + std::to_string(Port()) + ": the silent connection of " +
+                             pSilent->Address() + " makes room for another");
+            pSilent->Close();
+            m_connections.erase(pSilent);
+        }
+    }
+    co_return m_connections.size() < MOST_CONNECTIONS;
 }
 
 void CControlListener::CountError(const std::string& strError) {

@@ -8,12 +8,14 @@
 #include <string>
 
 #include "base/LimitedLine.h"
+#include "base/LongestSilent.h"
 #include "network/NetworkState.h"
 
 class CControlListener : public std::enable_shared_from_this<CControlListener> {
 public:
-    /// The loop must outlive its handlers.
-    CControlListener(CPeerLoop& loop, const boost::asio::ip::tcp::endpoint& endpoint);
+    /// The loop must outlive its handlers. A connection that was silent for so long makes room for another.
+    CControlListener(CPeerLoop& loop, const boost::asio::ip::tcp::endpoint& endpoint,
+                     std::chrono::steady_clock::duration silence = SILENCE);
     ~CControlListener();
 
     /// Open the port; the reason when it can't be had, else nothing. Once it is open, one that was started listens.
@@ -36,14 +38,17 @@ private:
 
     Awaitable<void> Run();
     Awaitable<std::string> TakeConnection();
+    Awaitable<bool> MakeRoom();
     void CountError(const std::string& strError);
 
     CPeerLoop& m_loop;
     const boost::asio::ip::tcp::endpoint m_endpoint;
+    const std::chrono::steady_clock::duration m_silence;
     SControlState m_state; ///< its port is the one that was had, where the endpoint says any
     TcpAcceptor m_acceptor;
     SteadyTimer m_timer;
     bool m_bStopped = false;
     std::set<std::shared_ptr<CConnection>> m_connections;
     CLimitedLine m_errorLine{LOG_ERROR};
+    CLimitedLine m_roomLine{LOG_INFORMATION};
 };

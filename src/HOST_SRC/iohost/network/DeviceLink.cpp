@@ -22,8 +22,6 @@ CDeviceLink::CDeviceLink(CPeerLoop& loop, SDeviceSetup setup)
     m_device.m_pSocket = &m_deviceSocket;
 }
 
-CDeviceLink::~CDeviceLink() = default;
-
 void CDeviceLink::Start() {
     if (Setup().address) {
         Spawn(m_loop.Context(), "the connection to a device isn't kept up any longer",

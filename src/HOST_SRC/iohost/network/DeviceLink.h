@@ -15,7 +15,6 @@ class CDeviceLink final : public std::enable_shared_from_this<CDeviceLink>, priv
 public:
     /// The loop must outlive its handlers.
     CDeviceLink(CPeerLoop& loop, SDeviceSetup setup);
-    ~CDeviceLink();
 
     /// Connect, and again whenever the connection is lost, until Stop.
     void Start();
@@ -45,7 +44,7 @@ private:
 
     CPeerLoop& m_loop;
     SDeviceState m_state; ///< without what the members below know
-    CItemReader m_reader{m_loop, m_state.setup, m_state.counts};
+    CItemReader m_reader{m_loop, EPeer::Device, Setup().nParser, Setup().nId, m_state.counts};
     CReconnection m_reconnection{m_loop.Context()};
     const std::shared_ptr<CDeviceConnection> m_pConnection = std::make_shared<CDeviceConnection>(m_loop);
     CZTSocket m_deviceSocket{this, m_reader.Parser()};

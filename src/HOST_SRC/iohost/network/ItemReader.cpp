@@ -6,18 +6,11 @@
 
 namespace asio = boost::asio;
 using boost::system::error_code;
-
-CItemReader::CItemReader(CPeerLoop& loop, const SDeviceSetup& device, SItemCounts& counts)
-    : CItemReader(loop, EPeer::Device, device.nParser, device.nId, counts) {}
-
-CItemReader::CItemReader(CPeerLoop& loop, SItemCounts& counts)
-    : CItemReader(loop, EPeer::Control, EDeviceParser::Framed, 0, counts) {}
+using std::chrono::steady_clock;
 
 CItemReader::CItemReader(CPeerLoop& loop, EPeer nFrom, EDeviceParser nParser, int nDeviceId, SItemCounts& counts)
     : m_loop(loop), m_nFrom(nFrom), m_nParser(nParser), m_nDeviceId(nDeviceId), m_counts(counts),
       m_pParser(MakeParser()), m_pFramedParser(DYNAMIC_DOWNCAST(CQORPlayCtlParser, m_pParser.get())) {}
-
-CItemReader::~CItemReader() = default;
 
 std::unique_ptr<CZtSocketParser> CItemReader::MakeParser() {
     IReceivedBytes& bytes = *this;
@@ -44,7 +37,9 @@ Awaitable<std::string> CItemReader::Read(TcpSocket& socket) {
     }
     for (;;) {
         error_code error;
+        m_tSilent = steady_clock::now();
         const size_t nBytes = co_await socket.async_read_some(asio::buffer(m_received), AwaitInto(error));
+        m_tSilent = steady_clock::time_point::max();
         if (!socket.is_open()) {
             co_return std::string();
         }

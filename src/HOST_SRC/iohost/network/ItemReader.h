@@ -14,11 +14,8 @@
 
 class CItemReader final : private IReceivedBytes, private IRecordReceiver, private ITextReceiver {
 public:
-    /// Of a device with this number, or of another host, which sends frames. The counts are those of all peers that
-    /// belong together.
-    CItemReader(CPeerLoop& loop, const SDeviceSetup& device, SItemCounts& counts);
-    CItemReader(CPeerLoop& loop, SItemCounts& counts);
-    ~CItemReader();
+    /// nDeviceId: number of the device, 0 for another host. The counts are those of all peers that belong together.
+    CItemReader(CPeerLoop& loop, EPeer nFrom, EDeviceParser nParser, int nDeviceId, SItemCounts& counts);
 
     /// What takes the bytes; null: they are dropped.
     CZtSocketParser* Parser() const { return m_pParser.get(); }
@@ -30,13 +27,14 @@ public:
     /// The connection is over; an item that isn't whole is rejected.
     void EndConnection();
 
+    /// Since when it has waited for bytes; the end of time while it doesn't.
+    std::chrono::steady_clock::time_point SilentSince() const { return m_tSilent; }
+
     unsigned long long ReceivedBytes() const { return m_nReceivedBytes; }
     const std::optional<SLastBytes>& LastReceived() const { return m_lastReceived; }
     const LineRefusalCounts& RejectedLines() const { return m_textLines.RefusedCounts(); }
 
 private:
-    CItemReader(CPeerLoop& loop, EPeer nFrom, EDeviceParser nParser, int nDeviceId, SItemCounts& counts);
-
     void OnConnectionBegins() override {}
     void OnBytes(std::span<const unsigned char> bytes) override;
     void OnRecord(const CString& strClip, CQORPanelRemoteCtrlData& record) override;
@@ -57,5 +55,6 @@ private:
     unsigned long long m_nRejected = 0;                 ///< as counted so far
     unsigned long long m_nReceivedBytes = 0;
     std::optional<SLastBytes> m_lastReceived;
+    std::chrono::steady_clock::time_point m_tSilent = std::chrono::steady_clock::time_point::max();
     std::array<unsigned char, 65536> m_received;
 };

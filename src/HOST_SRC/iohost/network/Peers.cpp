@@ -79,11 +79,29 @@ void Reopen(const std::shared_ptr<Peer>& pPeer) {
     }
 }
 
+/// What the configuration says for a port; nodes take the low 16 bits of it.
+int ConfiguredNumber() {
+    const CString strPath = PXGetPath(PATH_CONFIG) + L"\\PortConfig.ini";
+    return static_cast<int>(GetPrivateProfileIntW(L"iFable", L"BroadcastPort", 0, strPath));
+}
+
+bool IsPort(int nNumber) {
+    return nNumber >= 0 && nNumber <= 0xFFFF;
+}
+
 } // namespace
 
 unsigned short ConfiguredBroadcastPort() {
-    const CString strPath = PXGetPath(PATH_CONFIG) + L"\\PortConfig.ini";
-    return static_cast<unsigned short>(GetPrivateProfileIntW(L"iFable", L"BroadcastPort", 0, strPath));
+    const int nNumber = ConfiguredNumber();
+    return static_cast<unsigned short>(IsPort(nNumber) ? nNumber : 0);
+}
+
+std::string ConfiguredPortProblem() {
+    const int nNumber = ConfiguredNumber();
+    return IsPort(nNumber) ? std::string()
+                           : "Config/PortConfig.ini: BroadcastPort " + std::to_string(nNumber) +
+                                 " is no port: broadcasts aren't received, and nodes send theirs to port " +
+                                 std::to_string(static_cast<unsigned short>(nNumber));
 }
 
 // ---- Devices and ports ------------------------------------------------------------------------------------------

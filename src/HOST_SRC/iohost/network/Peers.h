@@ -82,5 +82,8 @@ private:
     std::shared_ptr<CControlListener> m_pControl;
 };
 
-/// The port of broadcasts in the application folder's configuration; 0 without one.
+/// The port of broadcasts in the application folder's configuration; 0 without one, and for a number that is no port.
 unsigned short ConfiguredBroadcastPort();
+
+/// What is wrong with that number; empty when nothing is.
+std::string ConfiguredPortProblem();

@@ -10,6 +10,7 @@
 #include <deque>
 #include <iostream>
 #include <memory>
+#include <set>
 #include <vector>
 
 #include "LogSink.h"
@@ -31,8 +32,7 @@ namespace {
 /// What a sender that doesn't read may leave unanswered; more isn't answered at all.
 constexpr size_t MOST_ANSWER_BYTES = size_t{4} << 20;
 
-/// Connections that are kept without being read from. It can't be seen when their senders are gone.
-constexpr size_t MOST_STALLED = 64;
+constexpr size_t MOST_SENDERS = 64;
 
 std::string JsonLine(const OrderedJson& line) {
     return PrintableJson(line.dump(-1, ' ', false, OrderedJson::error_handler_t::replace)) + '\n';
@@ -72,33 +72,48 @@ private:
     COutputLines m_output{TerminalOutput(STANDARD_ERROR)};
 };
 
+class CStandInConnection;
+using Senders = std::set<std::shared_ptr<CStandInConnection>>;
+
 /// One sender.
 class CStandInConnection final : public std::enable_shared_from_this<CStandInConnection>, private IRecordReceiver {
 public:
-    CStandInConnection(TcpSocket socket, int nNumber, const SStandInOptions& options, CLines& lines)
+    CStandInConnection(TcpSocket socket, int nNumber, const SStandInOptions& options, CLines& lines, Senders& senders)
         : m_socket(std::move(socket)), m_answerTimer(m_socket.get_executor()), m_nNumber(nNumber), m_options(options),
-          m_lines(lines) {}
+          m_lines(lines), m_senders(senders) {}
     ~CStandInConnection() = default;
 
     Awaitable<void> Run() {
         error_code error;
-        const auto sender = m_socket.remote_endpoint(error);
-        m_lines.Print(
-            {{"connection", m_nNumber}, {"opened", error ? OrderedJson() : OrderedJson(EndpointText(sender))}});
         std::string strReason = "refused";
         if (m_options.bStall) {
-            co_return; // the connection stays open with the program; nobody reads from it
+            co_return; // the connection keeps its place; nobody reads from it
         }
-        if (!m_options.bRefuse) {
-            Say();
-            strReason = co_await Read();
+        try {
+            if (!m_options.bRefuse) {
+                Say();
+                strReason = co_await Read();
+            }
+        } catch (...) {
+            strReason = CaughtText();
         }
+        m_senders.erase(shared_from_this());
         m_socket.close(error);
         m_answers.clear();
         m_answerTimer.cancel();
         m_parser.Finish();
         PrintRejected();
         m_lines.Print({{"connection", m_nNumber}, {"closed", strReason}});
+    }
+
+    steady_clock::time_point SilentSince() const { return m_tSilent; }
+
+    /// Close it, so that another one has its place.
+    void MakeRoom() {
+        error_code ignored;
+        m_bMadeRoom = true;
+        m_socket.close(ignored);
+        m_senders.erase(shared_from_this());
     }
 
 private:
@@ -122,12 +137,12 @@ private:
             const std::uint64_t nMost = m_options.dropAfter ? *m_options.dropAfter - nRead : m_received.size();
             const size_t nBytes = co_await m_socket.async_read_some(
                 asio::buffer(m_received, static_cast<size_t>(nMost)), AwaitInto(error));
-            if (error == asio::error::eof) {
-                co_return "by the sender";
-            }
             if (error) {
-                co_return error.message();
+                co_return m_bMadeRoom       ? "silent, made room for another"
+                : error == asio::error::eof ? "by the sender"
+                                            : error.message();
             }
+            m_tSilent = steady_clock::now();
             if (!Take({m_received.data(), nBytes})) {
                 co_return "out of step";
             }
@@ -210,6 +225,9 @@ private:
     const int m_nNumber;
     const SStandInOptions& m_options;
     CLines& m_lines;
+    Senders& m_senders;
+    steady_clock::time_point m_tSilent = steady_clock::now(); ///< since when it has brought nothing
+    bool m_bMadeRoom = false;
     CQORPlayCtlParser m_parser{*this};
     CFrameWriter m_frameWriter;
     unsigned long long m_nRejected = 0; ///< as printed so far
@@ -220,7 +238,7 @@ private:
 };
 
 Awaitable<void> AcceptConnections(TcpAcceptor& acceptor, const SStandInOptions& options, CLines& lines,
-                                  std::deque<std::shared_ptr<CStandInConnection>>& stalled) {
+                                  Senders& senders) {
     constexpr std::chrono::milliseconds PAUSE{100};
 
     SteadyTimer timer(acceptor.get_executor());
@@ -233,13 +251,22 @@ Awaitable<void> AcceptConnections(TcpAcceptor& acceptor, const SStandInOptions& 
             co_await Pause(timer, PAUSE);
             continue;
         }
-        const auto pConnection = std::make_shared<CStandInConnection>(std::move(socket), nNumber++, options, lines);
-        if (options.bStall) {
-            stalled.push_back(pConnection);
-            if (stalled.size() > MOST_STALLED) {
-                stalled.pop_front();
+        if (senders.size() >= MOST_SENDERS) {
+            // When nobody reads, it can't be seen which senders are gone.
+            if (const auto pSilent =
+                    LongestSilent(senders, options.bStall ? steady_clock::duration() : options.silence)) {
+                pSilent->MakeRoom();
             }
         }
+        const auto sender = EndpointText(socket.remote_endpoint(error));
+        lines.Print({{"connection", nNumber}, {"opened", error ? OrderedJson() : OrderedJson(sender)}});
+        if (senders.size() >= MOST_SENDERS) {
+            lines.Print({{"connection", nNumber++}, {"closed", "turned away: 64 others are open"}});
+            continue;
+        }
+        const auto pConnection =
+            std::make_shared<CStandInConnection>(std::move(socket), nNumber++, options, lines, senders);
+        senders.insert(pConnection);
         Spawn(acceptor.get_executor(), "a connection failed", [pConnection] { return pConnection->Run(); });
     }
 }
@@ -256,7 +283,7 @@ int RunStandInDevice(const SStandInOptions& options, std::function<bool(std::str
         return EXIT_REFUSED;
     }
     asio::io_context context{1};
-    std::deque<std::shared_ptr<CStandInConnection>> stalled;
+    Senders senders;
     TcpAcceptor acceptor(context);
     OpenListener(acceptor, {address, options.nPort}, error);
     if (error) {
@@ -277,7 +304,7 @@ int RunStandInDevice(const SStandInOptions& options, std::function<bool(std::str
         }
     });
     Spawn(context, "connections aren't taken any longer",
-          [&] { return AcceptConnections(acceptor, options, lines, stalled); });
+          [&] { return AcceptConnections(acceptor, options, lines, senders); });
     context.run();
     return 0;
 }

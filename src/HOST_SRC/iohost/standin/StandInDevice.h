@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/LongestSilent.h"
+
 /// How the device behaves.
 struct SStandInOptions {
     std::string strAddress = "127.0.0.1"; ///< numeric address to listen on
@@ -21,6 +23,10 @@ struct SStandInOptions {
     /// Sends this and a line feed when a connection opens; empty: nothing.
     std::string strSay = {};
 
+    /// At most 64 connections are open. The one that brought nothing for longest, and for so long, makes room for
+    /// another; without one, the other is turned away.
+    std::chrono::milliseconds silence = SILENCE;
+
     /// Closes each connection after so many bytes.
     std::optional<std::uint64_t> dropAfter = std::nullopt;
 };
@@ -31,7 +37,7 @@ struct SStandInOptions {
 ///   {"connection":1,"command":50,"clip":"Clip","record":{...}}     a record, of a framed device
 ///   {"connection":1,"rejected":1,"last_rejected":"malformed"}      frames that it didn't take
 ///   {"connection":1,"size":4,"text":"12|.","hex":"31327c00"}       bytes, of a direct device
-///   {"connection":1,"closed":"why"}
+///   {"connection":1,"closed":"why"}                                also of one that was turned away
 ///   {"missing_lines":12}                                           lines left out, since nobody read them in time
 /// A thread of its own calls `write`, which waits as long as it takes, and answers false when it can't write; that ends
 /// the program.
