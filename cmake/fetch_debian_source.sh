@@ -1,5 +1,7 @@
 #!/usr/bin/env bash
-# Unpack the source of an installed Debian package:  fetch_debian_source.sh SOURCE_PACKAGE DESTINATION
+# Unpack the source of an installed Debian package:  fetch_debian_source.sh SOURCE_PACKAGE DESTINATION [FOLDER...]
+#
+# With folders it's only these, as the upstream's archive has them, without Debian's changes: a small part of a large source.
 #
 # The version is that of the installed binary packages, so that all builds use the same. The archive's address comes from
 # the machine's own lists; apt checks signature and hashes. The machine's lists and states stay as they are. What was
@@ -11,8 +13,9 @@ die() {
   exit 1
 }
 
-[ $# -eq 2 ] || die "usage: $0 SOURCE_PACKAGE DESTINATION"
+[ $# -ge 2 ] || die "usage: $0 SOURCE_PACKAGE DESTINATION [FOLDER...]"
 name=$1
+folders=("${@:3}")
 mkdir -p "$(dirname "$2")"
 destination=$(cd "$(dirname "$2")" && pwd)/$(basename "$2")
 cache=${QORIO_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/qorioprocess}
@@ -77,7 +80,13 @@ if ! intact; then
   intact || die "the kept source in $kept is damaged"
 fi
 
-# dpkg-source compares the archives with the hashes in the .dsc file; its signature was checked by way of apt.
-dpkg-source --no-check --extract "$kept"/*.dsc "$work/source" >>"$log" 2>&1
+if [ ${#folders[@]} -gt 0 ]; then
+  mkdir "$work/source"
+  tar --extract --file="$(ls "$kept"/*.orig.tar.*)" --directory="$work/source" --strip-components=1 --wildcards --no-wildcards-match-slash \
+    "${folders[@]/#/*/}" >>"$log" 2>&1
+else
+  # dpkg-source compares the archives with the hashes in the .dsc file; its signature was checked by way of apt.
+  dpkg-source --no-check --extract "$kept"/*.dsc "$work/source" >>"$log" 2>&1
+fi
 rm -rf "$destination"
 mv "$work/source" "$destination"

@@ -29,6 +29,16 @@ add_library(pugixml STATIC ${PugixmlSource}/src/pugixml.cpp)
 add_library(pugixml::pugixml ALIAS pugixml)
 target_include_directories(pugixml SYSTEM PUBLIC ${PugixmlSource}/src)
 
+# Which characters are white space and digits, the Universal C run-time knows, which hosts of today run on, otherwise than the
+# older one, which the cross compiler's library is made for: these functions come from there.
+if(NOT MICROSOFT_ABI)
+  set(CrtFunctions ${PROJECT_BINARY_DIR}/crt_functions)
+  file(WRITE ${CrtFunctions}.def "LIBRARY ucrtbase.dll\nEXPORTS\n_wtoi\niswspace\n")
+  execute_process(COMMAND ${CMAKE_DLLTOOL} --input-def ${CrtFunctions}.def --output-lib ${CrtFunctions}.a
+    COMMAND_ERROR_IS_FATAL ANY)
+  string(PREPEND CMAKE_CXX_STANDARD_LIBRARIES "${CrtFunctions}.a ")
+endif()
+
 # Programs of this build run under Wine, in a folder of its own for its registry and its C: drive, and on nobody's display.
 set(CMAKE_CROSSCOMPILING_EMULATOR
   env -u DISPLAY ${PROJECT_SOURCE_DIR}/cmake/windows_emulator.sh ${PROJECT_BINARY_DIR}/wine)

@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
-"""Compare the module's binary interface, as a compiler for the Microsoft C++ ABI lays it out, with expected_abi.py.
+"""Compare where the members of records and nodes lie in the Microsoft C++ ABI with expected_abi.py.
 
-    check_msvc_abi.py check MODULE_DIR -- COMPILER...       the records that cross the boundary, the members of nodes, the
-                                                            virtual tables of all nodes and of their base
-    check_msvc_abi.py self-test MODULE_DIR -- COMPILER...   whether the check notices damage done to a copy
+    check_msvc_abi.py check ARGUMENTS       the records that cross the boundary and the nodes, in all sources that use them
+    check_msvc_abi.py self-test ARGUMENTS   whether the check notices damage done to a copy
 
-MODULE_DIR holds the module's sources. COMPILER is a clang with its options, without those for what to compile.
+ARGUMENTS are MODULE_DIR SOURCE... -- COMPILER...: the module's sources, counted from MODULE_DIR, and a clang with its
+options, which says how it lays out what a source uses. What is called through tables, tests/microsoft_abi shows.
 """
 
+import concurrent.futures
 import pathlib
 import re
 import shutil
@@ -16,8 +17,6 @@ import sys
 import tempfile
 
 import expected_abi
-
-HERE = pathlib.Path(__file__).resolve().parent
 # The headers that take most of the compiler's time; they are no part of what is checked.
 PRECOMPILED = ["afxwin.h", "afxtempl.h", "gdiplus.h", "algorithm", "map", "memory", "optional", "span", "string", "vector",
                "cpprest/json.h"]
@@ -45,21 +44,6 @@ def precompile(compiler, file, headers):
     result = file.with_suffix(".pch")
     run_compiler([*compiler, "-fpch-instantiate-templates", "-x", "c++-header", "-o", result], file)
     return result
-
-
-def virtual_tables(output):
-    """Table's name as the compiler writes it, e.g. 'BaseStruct' in 'VEKProperty' -> operations in order. What a node class
-    has from a template made for it counts as its own."""
-    templates = "(?:CIOProcessNode|COutputNode|CNodeWithLayout|CJsonReceiveNode)"
-    output = re.sub(rf" in '{templates}'(?= in ')| \[Node = \w+(?:, Base = .+)?\]", "", output)
-    output = re.sub(rf"\b{templates}<(\w+).*>::", r"\1::", output)
-    tables = {}
-    for table in re.finditer(r"^VFTable for (.*) \(\d+ entr(?:y|ies)\)\.\n((?:.+\n)*)", output, re.MULTILINE):
-        entries = re.findall(r"^ *\d+ \| (.*)$", table[2], re.MULTILINE)
-        # The entry before the first operation is the type information. Nodes write the record's pointer by an alias.
-        tables[table[1]] = [entry.removesuffix(" [scalar deleting]").replace("EventRecordPtr", "const SIOEventRecord *")
-                            for entry in entries[1:]]
-    return tables
 
 
 def record_layouts(output):
@@ -93,35 +77,15 @@ def compare(what, expected, found):
             raise Mismatch(f"{what}, entry {index}: '{found_entry}' instead of '{expected_entry}'")
 
 
-def expected_table(table, class_name):
-    """The table as the class has it: with its own destructor and its overrides."""
-    expected = []
-    for entry in table:
-        result, introduced_by, operation, arguments = re.fullmatch(r"(.*?)(\w+)::(~?\w+)(\(.*)", entry).groups()
-        if operation.startswith("~"):
-            expected.append(f"{class_name}::~{class_name}{arguments}")
-        else:
-            overrides = operation in expected_abi.OVERRIDES[class_name]
-            expected.append(f"{result}{class_name if overrides else introduced_by}::{operation}{arguments}")
-    return expected
-
-
-def check_tables(tables, class_name):
-    inside = " in 'VEKProperty' in 'P_ExtDevIOProcess'"
-    if class_name != "P_ExtDevIOProcess":
-        inside += f" in '{class_name}'"
-    for base, table in (("BaseStruct", expected_abi.MAIN_TABLE), ("SParamGrpPosAdjust", expected_abi.SECOND_TABLE)):
-        name = f"'{base}'{inside}"
-        if name not in tables:
-            raise Mismatch(f"{class_name} has no table {name}")
-        compare(f"{class_name}, table of {base}", expected_table(table, class_name), tables[name])
-
-
 def check_records(layouts):
-    for name, (expected_size, expected_members) in expected_abi.RECORDS.items():
-        if name not in layouts:
-            raise Mismatch(f"no layout of {name}")
-        size, members = layouts[name]
+    """Of the expected records, those that were found."""
+    for name, (size, members) in layouts.items():
+        if name not in expected_abi.RECORDS:
+            # Nodes are expected one by one; templates are no nodes.
+            if "m_pBaseGraphNode" in members and "<" not in name:
+                raise Mismatch(f"{name} is a node that nobody expects")
+            continue
+        expected_size, expected_members = expected_abi.RECORDS[name]
         compare(name, sorted(expected_members.items()), sorted(members.items()))
         if size != expected_size:
             raise Mismatch(f"{name}: {size} bytes instead of {expected_size}")
@@ -142,47 +106,41 @@ def replace_text(path, old, new):
     path.write_text(text.replace(old, new), encoding="utf-8")
 
 
-def self_test(compiler, module_dir):
-    """Each damage, done to a copy of the headers, must be noticed."""
+def layouts_in(compiler, module_dir, source):
+    options = [f"-I{module_dir}", "-Xclang", "-fdump-record-layouts", "-S", "-o", "/dev/null"]
+    return record_layouts(run_compiler([*compiler, *options], module_dir / source))
+
+
+def self_test(compiler, module_dir, sources):
+    """Each damage, done to a copy of a file, must be noticed in a source that includes it."""
+    mouse, catalogue = "nodes/input/MouseNode.cpp", "plugin/IOProcessFunc.cpp"
+    assert {mouse, catalogue} <= set(sources)
+
     def swap(file, first, second):
         return lambda copy: swap_lines(copy / file, first, second)
 
     def replace(file, old, new):
         return lambda copy: replace_text(copy / file, old, new)
 
-    # What each damage is, and what is found in place of something else.
+    # What each damage is, where, and what is found in place of something else.
     damages = {
-        "two operations swapped": (swap("host/NodeBase.h", "int PlayIn();", "int PlayNext();"), "PlayNext()"),
-        "two operations of the second table swapped":
-            (swap("host/ControlLayout.h", "GetXmlReader();", "ShouldReCalHeight();"), "ShouldReCalHeight()"),
-        "two overloads in their order of declaration":
-            (replace("host/NodeBase.h",
-                     "VEK_OVERLOADS_IN_TABLE_ORDER(virtual void SetSubType(int nSubType);, "
-                     "virtual void SetSubType(CString strSubType);)",
-                     "virtual void SetSubType(int nSubType); virtual void SetSubType(CString strSubType);"),
-             "SetSubType(CString)"),
-        "an operation dropped":
-            (replace("host/NodeBase.h", "virtual void PreRender();", "void PreRender();"), "48 entries"),
-        "a parameter's type changed":
-            (replace("host/NodeBase.h", "SeekEventBegin(int", "SeekEventBegin(unsigned"), "SeekEventBegin(unsigned int)"),
-        "an override too many":
-            (replace("nodes/input/MouseNode.h", "int ProcessNode(SGraphNode* pGraphNode)",
-                     "int PlayIn() override; int ProcessNode(SGraphNode* pGraphNode)"), "CMouseIOProcess::PlayIn()"),
-        "two members swapped": (swap("host/PluginContract.h", "CString strName;", "HICON hIcon"), "('hIcon', 24)"),
+        "two members swapped": (swap("host/PluginContract.h", "CString strName;", "HICON hIcon"), catalogue, "('hIcon', 24)"),
         "two members of a node swapped":
-            (swap("nodes/input/MouseNode.h", "int m_bButtonRight", "int m_bButtonMiddle"), "('m_bButtonMiddle', 196)"),
+            (swap("nodes/input/MouseNode.h", "int m_bButtonRight", "int m_bButtonMiddle"), mouse,
+             "('m_bButtonMiddle', 196)"),
         "a member widened":
-            (replace("host/EventRecord.h", "int m_nEvent;", "long long m_nEvent;"), "('m_nEvent', 8)"),
-        "a class that nobody expects":
-            (lambda copy: shutil.copy(copy / "nodes/input/MouseNode.h", copy / "nodes/input/OtherNode.h"), "14 headers"),
+            (replace("host/EventRecord.h", "int m_nEvent;", "long long m_nEvent;"), mouse, "('m_nEvent', 8)"),
+        "a node that nobody expects":
+            (replace(mouse, "int CMouseIOProcess::ProcessNode", "static class COther : public CMouseIOProcess {} s_other;\n"
+                     "int CMouseIOProcess::ProcessNode"), mouse, "class COther "),
     }
-    for name, (damage, found) in damages.items():
+    for name, (damage, source, found) in damages.items():
         with tempfile.TemporaryDirectory() as folder:
             copy = pathlib.Path(folder) / "module"
             shutil.copytree(module_dir, copy)
             damage(copy)
             try:
-                check(compiler, copy)
+                check_records(layouts_in(compiler, copy, source))
             except Mismatch as mismatch:
                 if found not in str(mismatch).split("instead of")[0]:
                     raise
@@ -191,26 +149,25 @@ def self_test(compiler, module_dir):
                 raise Mismatch(f"not noticed: {name}")
 
 
-def check(compiler, module_dir):
-    headers = list(module_dir.glob("nodes/*/*Node.h"))
-    if len(headers) != len(expected_abi.OVERRIDES) - 1:  # beside the nodes' base
-        raise Mismatch(f"{len(headers)} headers of nodes instead of {len(expected_abi.OVERRIDES) - 1}")
-    options = [f"-I{module_dir}", "-Xclang", "-fdump-record-layouts", "-Xclang", "-fdump-vtable-layouts", "-S", "-o", "/dev/null"]
-    output = run_compiler([*compiler, *options], HERE / "interface.cpp")
-    check_records(record_layouts(output))
-    tables = virtual_tables(output)
-    for class_name in expected_abi.OVERRIDES:
-        check_tables(tables, class_name)
+def check(compiler, module_dir, sources):
+    found = set()
+    with concurrent.futures.ThreadPoolExecutor(2) as pool:
+        for layouts in pool.map(lambda source: layouts_in(compiler, module_dir, source), sources):
+            check_records(layouts)
+            found.update(layouts)
+    if missing := expected_abi.RECORDS.keys() - found:
+        raise Mismatch(f"no source uses {sorted(missing)}")
 
 
 def main():
-    what, module_dir, separator, *compiler = sys.argv[1:]
-    assert separator == "--"
+    what, module_dir, *sources = sys.argv[1:]
+    separator = sources.index("--")
+    sources, compiler = sources[:separator], sources[separator + 1:]
     module_dir = pathlib.Path(module_dir).resolve()
     try:
         with tempfile.TemporaryDirectory() as folder:
             precompiled = precompile(compiler, pathlib.Path(folder) / "precompiled.h", PRECOMPILED)
-            {"check": check, "self-test": self_test}[what]([*compiler, "-include-pch", precompiled], module_dir)
+            {"check": check, "self-test": self_test}[what]([*compiler, "-include-pch", precompiled], module_dir, sources)
     except (Mismatch, CompileError) as error:
         sys.exit(str(error))
 

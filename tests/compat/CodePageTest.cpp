@@ -161,6 +161,12 @@ TEST(RunTimeTest, WtoiReadsTheNumberAtTheStart) {
         {L"99999999999999999999", INT_MAX},
         {L"1.9", 1},
         {L"007", 7},
+        {L"\x85\xA0\x3000"
+         L"12",
+         12},
+        {L"\x200B"
+         L"12",
+         0},
     };
     for (const auto& row : cases)
         EXPECT_EQ(_wtoi(row.pszText), row.nExpected)

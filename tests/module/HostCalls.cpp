@@ -7,10 +7,11 @@
 #include "host/HostCommon.h"
 #include "host/HostRender.h"
 
-#define LOAD_STRING "_Z12PXLoadStringPKw"
-#define SET_PARAM_VALUE "_Z13SetParamValueP8VEKParamffff"
-#define SET_PARAM_BOOL_VALUE "_Z17SetParamBoolValueP8VEKParamiiii"
-#define MAKE_PARAM "_ZN8VEKParamC1EjRK7CStringS2_ii"
+#define LOAD_STRING SYMBOL("?PXLoadString@@YA?AVCString@@PEB_W@Z", "_Z12PXLoadStringPKw")
+#define SET_PARAM_VALUE SYMBOL("?SetParamValue@@YAXPEAVVEKParam@@MMMM@Z", "_Z13SetParamValueP8VEKParamffff")
+#define SET_PARAM_BOOL_VALUE                                                                                           \
+    SYMBOL("?SetParamBoolValue@@YAXPEAVVEKParam@@HHHH@Z", "_Z17SetParamBoolValueP8VEKParamiiii")
+#define MAKE_PARAM SYMBOL("??0VEKParam@@QEAA@IAEBVCString@@0HH@Z", "_ZN8VEKParamC1EjRK7CStringS2_ii")
 
 namespace {
 
@@ -33,8 +34,9 @@ void NoteExtraWord(const VEKParam* pParam) {
 CString LoadFailableString(const wchar_t* pszKey) IN_PLACE_OF(LOAD_STRING);
 void SetRange(VEKParam* pParam, float fValue, float fMinimum, float fMaximum, float fStep) IN_PLACE_OF(SET_PARAM_VALUE);
 void SetFlags(VEKParam* pParam, int a, int b, int c, int d) IN_PLACE_OF(SET_PARAM_BOOL_VALUE);
-void MakeParam(VEKParam* pParam, unsigned nId, const CString& strName, const CString& strDisplay, int nType,
-               int nControl) IN_PLACE_OF(MAKE_PARAM);
+// In Microsoft's C++ ABI a constructor answers the object.
+VEKParam* MakeParam(VEKParam* pParam, unsigned nId, const CString& strName, const CString& strDisplay, int nType,
+                    int nControl) IN_PLACE_OF(MAKE_PARAM);
 
 CString LoadFailableString(const wchar_t* pszKey) {
     static const auto s_pOriginal = Original<decltype(PXLoadString)>(LIBRARY, LOAD_STRING);
@@ -66,8 +68,8 @@ void SetFlags(VEKParam* pParam, int a, int b, int c, int d) {
     s_pOriginal(pParam, a, b, c, d);
 }
 
-void MakeParam(VEKParam* pParam, unsigned nId, const CString& strName, const CString& strDisplay, int nType,
-               int nControl) {
+VEKParam* MakeParam(VEKParam* pParam, unsigned nId, const CString& strName, const CString& strDisplay, int nType,
+                    int nControl) {
     static const auto s_pOriginal = Original<decltype(MakeParam)>(LIBRARY, MAKE_PARAM);
     s_pOriginal(pParam, nId, strName, strDisplay, nType, nControl);
     if (s_pCareless != nullptr) {
@@ -75,6 +77,7 @@ void MakeParam(VEKParam* pParam, unsigned nId, const CString& strName, const CSt
         pParam->m_fValue = CarelessHost::JUNK;
         std::fill(std::begin(pParam->m_szTypeName), std::end(pParam->m_szTypeName) - 1, L'?');
     }
+    return pParam;
 }
 
 void WatchHostCalls(HMODULE hModule) {

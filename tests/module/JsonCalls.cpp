@@ -4,7 +4,9 @@
 #include "ReplacedCalls.h"
 #include "host/HostJson.h"
 
-#define PARSE_OBJECT "_Z20G_ParseDataFormJsObjRKN3web4json5valueER12CStringArrayS5_"
+#define PARSE_OBJECT                                                                                                   \
+    SYMBOL("?G_ParseDataFormJsObj@@YAXAEBVvalue@json@web@@AEAVCStringArray@@1@Z",                                      \
+           "_Z20G_ParseDataFormJsObjRKN3web4json5valueER12CStringArrayS5_")
 
 namespace {
 

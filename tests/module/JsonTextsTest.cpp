@@ -263,7 +263,7 @@ TEST_F(JsonTexts, NothingAtAll) {
 TEST_F(JsonTexts, WhiteSpace) {
     ExpectAll(TAKEN, {L" \t\r\n[ \t\r\n1 \t\r\n, \t\r\n2 \t\r\n] \t\r\n"});
     ExpectAll(TAKEN, {L"\v{}\f", L"[1,\v2\f]"}); // not in the standard
-    for (const wchar_t c : L"\x80\x85\x9F\x180E\x200B\x2060"sv) {
+    for (const wchar_t c : L"\x80\x9F\x180E\x200B\x2060"sv) {
         const std::wstring strNoSpace(1, c);
         ExpectAll(REFUSED, {strNoSpace, strNoSpace + L"{}", L"{}" + strNoSpace, L"[1" + strNoSpace + L"]"});
         ExpectAll(TAKEN, {L"\"" + strNoSpace + L"\"", L"{\"a" + strNoSpace + L"\":1}"});
@@ -273,7 +273,7 @@ TEST_F(JsonTexts, WhiteSpace) {
 TEST_F(JsonTexts, UnicodeSpaces) { // not in the standard
     for (
         const wchar_t c :
-        L"\xA0\x1680\x2000\x2001\x2002\x2003\x2004\x2005\x2006\x2007\x2008\x2009\x200A\x2028\x2029\x202F\x205F\x3000"sv) {
+        L"\x85\xA0\x1680\x2000\x2001\x2002\x2003\x2004\x2005\x2006\x2007\x2008\x2009\x200A\x2028\x2029\x202F\x205F\x3000"sv) {
         const std::wstring strSpace(1, c);
         ExpectAll(TAKEN, {strSpace + L"{}", L"{}" + strSpace + L"\n", L"[1" + strSpace + L"]", L"[" + strSpace + L"1]",
                           L"{" + strSpace + L"\"a\":1}", L"{\"a\"" + strSpace + L":1}", L"/*\"*/" + strSpace + L"1",
@@ -437,8 +437,8 @@ TEST_F(JsonTexts, RandomTextsGetTheVerdictsOfTheWideLibrary) {
         m_host.TakeReportedEvents();
     }
     // Counted with the build for Windows.
-    EXPECT_EQ(nTaken, 3687);
-    EXPECT_EQ(nDigest, 3541004102);
+    EXPECT_EQ(nTaken, 3734);
+    EXPECT_EQ(nDigest, 2151069591);
 }
 
 } // namespace

@@ -89,7 +89,8 @@ TEST_F(Operations, CreatesTheThirteenTypes) {
         // Each type is a class of its own.
         for (const NodeType& other : TYPES_AT_WORK) {
             const NodePtr pOther = m_host.CreateNode(other.nTypeByte);
-            EXPECT_EQ(typeid(*pNode) == typeid(*pOther), type.nTypeByte == other.nTypeByte) << other.pszNameKey;
+            const P_ExtDevIOProcess &node = *pNode, &otherNode = *pOther;
+            EXPECT_EQ(typeid(node) == typeid(otherNode), type.nTypeByte == other.nTypeByte) << other.pszNameKey;
         }
     }
 }

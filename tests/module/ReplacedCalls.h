@@ -11,6 +11,13 @@
 #define IN_PLACE_OF(symbol) __asm__(symbol) __attribute__((visibility("default")))
 #endif
 
+/// A function's symbol, as Microsoft's compilers write it and as others do.
+#if defined(_MSC_VER)
+#define SYMBOL(microsoft, other) microsoft
+#else
+#define SYMBOL(microsoft, other) other
+#endif
+
 void* FindOriginal(const wchar_t* pszLibrary, const char* pszSymbol);
 
 /// The library's own function. Natively libraries are searched in their order, whatever the name.

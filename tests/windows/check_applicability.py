@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
 """Hold the tests that don't run on Windows against the list of those that can't apply there.
 
-    check_applicability.py LIST SOURCE_FOLDER... -- TEST_PROGRAM... -- EMULATOR... -- CTEST NATIVE_BUILD WINDOWS_BUILD
+    check_applicability.py PREFIX LIST... -- SOURCE_FOLDER... -- TEST_PROGRAM... -- EMULATOR...
+                           -- CTEST NATIVE_BUILD WINDOWS_BUILD
 
-Every test in the sources must be in one of the programs and must not skip itself, or must stand in LIST; and what stands
-in LIST must be so. A line of LIST is a test's name, or a suite's name and ".*", then a colon and the reason. After a
-line "[other]" stand CTest's tests, by the names behind the build's, that only the native build has.
+PREFIX is what the names of CTest's tests begin with in the Windows build. Every test in the sources must be in one of the
+programs and must not skip itself, or must stand in a LIST; and what stands in a LIST must be so. A line of it is a test's
+name, or a suite's name and ".*", then a colon and the reason. After a line "[other]" stand CTest's tests, by the names
+behind the build's, that only the native build has.
 """
 
 import fnmatch
@@ -18,8 +20,7 @@ import sys
 TEST = re.compile(r"^(?:TYPED_)?TEST(?:_F|_P)?\((\w+),\s*(\w+)\)(.*?)^}", re.MULTILINE | re.DOTALL)
 
 
-def read_list(path):
-    reasons, other_reasons = {}, {}
+def read_list(path, reasons, other_reasons):
     section = reasons
     for line in path.read_text(encoding="utf-8").splitlines():
         if line.startswith("[other]"):
@@ -29,7 +30,6 @@ def read_list(path):
             if not colon or not reason.strip():
                 sys.exit(f"{path.name}: no reason in '{line}'")
             section[name] = reason
-    return reasons, other_reasons
 
 
 def tests_in_sources(folders):
@@ -76,31 +76,32 @@ def tests_of_build(ctest, folder, prefix):
     return {test["name"].removeprefix(prefix) for test in json.loads(listing.stdout)["tests"]}
 
 
-def faults_of_builds(native, windows, reasons, list_name):
-    """Whether the native build's tests without a twin are those that the list names."""
+def faults_of_builds(native, windows, reasons):
+    """Whether the native build's tests without a twin are those that the lists name."""
     faults = [] if native and windows else ["a build has no tests at all"]
     alone = native - windows
     for name in sorted(alone):
         if not any(fnmatch.fnmatchcase(name, pattern) for pattern in reasons):
-            faults.append(f"only the native build has {name}, which is not in {list_name}")
+            faults.append(f"only the native build has {name}, which is not listed")
     for pattern in reasons:
         if not fnmatch.filter(alone, pattern):
-            faults.append(f"{list_name} names {pattern}, which is no test of the native build alone")
+            faults.append(f"listed is {pattern}, which is no test of the native build alone")
     return faults
 
 
 def main():
-    list_path = pathlib.Path(sys.argv[1])
     groups, group = [], []
-    for argument in sys.argv[2:] + ["--"]:
+    for argument in sys.argv[1:] + ["--"]:
         if argument == "--":
             groups.append(group)
             group = []
         else:
             group.append(argument)
-    folders, programs, emulator, (ctest, native_build, windows_build) = groups
+    (prefix, *lists), folders, programs, emulator, (ctest, native_build, windows_build) = groups
 
-    reasons, other_reasons = read_list(list_path)
+    reasons, other_reasons = {}, {}
+    for path in map(pathlib.Path, lists):
+        read_list(path, reasons, other_reasons)
     in_sources = tests_in_sources(folders)
     in_programs, skipped = set(), set()
     for program in programs:
@@ -109,19 +110,19 @@ def main():
         skipped |= skipped_by_program([*emulator, program], {name for name in names if in_sources.get(name)})
 
     faults = faults_of_builds(tests_of_build(ctest, native_build, "native."),
-                              tests_of_build(ctest, windows_build, "windows."), other_reasons, list_path.name)
+                              tests_of_build(ctest, windows_build, prefix), other_reasons)
     if not in_sources or not in_programs:
         faults.append("no tests found at all")
     not_run = {name for name in in_sources if name not in in_programs} | skipped
     for name in sorted(not_run):
         if not any(fnmatch.fnmatchcase(name, pattern) for pattern in reasons):
-            faults.append(f"{name} does not run on Windows and is not in {list_path.name}")
+            faults.append(f"{name} does not run on Windows and is not listed")
     for pattern in reasons:
         listed = fnmatch.filter(in_sources, pattern)
         if not listed:
-            faults.append(f"{list_path.name} names {pattern}, which is no test")
+            faults.append(f"listed is {pattern}, which is no test")
         for name in sorted(set(listed) - not_run):
-            faults.append(f"{list_path.name} names {name}, which runs on Windows")
+            faults.append(f"listed is {name}, which runs on Windows")
     if faults:
         sys.exit("\n".join(faults))
     print(f"{len(in_programs) - len(skipped)} tests run on Windows, {len(not_run)} can't")

@@ -9,9 +9,10 @@
 namespace {
 
 bool IsBlank(wchar_t ch) {
-    return ch != 0 && std::wcschr(L"\t\n\v\f\r \xA0\x1680\x2000\x2001\x2002\x2003\x2004\x2005\x2006\x2007\x2008\x2009"
-                                  L"\x200A\x2028\x2029\x202F\x205F\x3000",
-                                  ch) != nullptr;
+    return ch != 0 &&
+           std::wcschr(L"\t\n\v\f\r \x85\xA0\x1680\x2000\x2001\x2002\x2003\x2004\x2005\x2006\x2007\x2008\x2009"
+                       L"\x200A\x2028\x2029\x202F\x205F\x3000",
+                       ch) != nullptr;
 }
 
 // Value of a decimal digit of any script that the run-time knows; nothing for what is no digit.

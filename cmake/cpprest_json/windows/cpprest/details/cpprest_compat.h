@@ -1,6 +1,5 @@
 // The library's header of this name, with what it expects of Microsoft's compiler alone.
 #pragma once
-#pragma GCC system_header // for include_next
 
 #include <cstdlib>
 
@@ -19,7 +18,8 @@
 #undef C_ASSERT
 #define C_ASSERT(condition) static_assert(condition)
 
-#include_next <cpprest/details/cpprest_compat.h>
+// Not by include_next: for Microsoft's target clang finds this file beside the one that includes it, not by the path.
+#include <../include/cpprest/details/cpprest_compat.h>
 
 // The library asks for the version of Microsoft's compiler.
 #undef CPPREST_NOEXCEPT
