@@ -45,20 +45,14 @@ export const PAD_RIGHT_CLICK = ["v", 869];
 export const ENABLE = 2;
 
 /**
- * Opens the page, with a panel in front, and waits until it shows the scene. Frames that it sends gather in `sent`. What the
- * host says comes to it as `through` makes of it. Scripts run before those of the page. All pages are tabs of one window: each host's address is an origin of its own.
+ * Opens the page, with a panel in front, and waits until it shows the scene. Frames that it sends gather in `sent`.
+ * Scripts run before those of the page. All pages are tabs of one window: each host's address is an origin of its own.
  */
-export async function openPage(browser, host, { panel = "log", scripts = [], through } = {}) {
+export async function openPage(browser, host, { panel = "log", scripts = [] } = {}) {
   const [context] = browser.contexts();
   const page = await context.newPage();
   for (const script of scripts) {
     await page.addInitScript(script);
-  }
-  if (through !== undefined) {
-    await page.routeWebSocket(/\/session$/, (socket) => {
-      const server = socket.connectToServer();
-      server.onMessage((message) => socket.send(through(message)));
-    });
   }
   const sent = [];
   const problems = [];

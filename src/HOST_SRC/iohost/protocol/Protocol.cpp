@@ -65,7 +65,7 @@ OrderedJson ErrorReply(const std::string& strError, const OrderedJson& id) {
 }
 
 OrderedJson Answer(CSession& session, const Json& json, ISceneFiles& files, const SOrigin& origin,
-                   void (*edit)(SActivity& activity)) {
+                   void (*edit)(SDone& done)) {
     SRequest request;
     try {
         ReadRequest(request, CFields(json), files);
@@ -75,7 +75,7 @@ OrderedJson Answer(CSession& session, const Json& json, ISceneFiles& files, cons
             done.outcome.result = {};
         }
         if (edit != nullptr) {
-            edit(done.activity);
+            edit(done);
         }
         return ReplyTo(done, request.id);
     } catch (const CRefusal& refusal) {
@@ -84,7 +84,7 @@ OrderedJson Answer(CSession& session, const Json& json, ISceneFiles& files, cons
 }
 
 std::string AnswerText(CSession& session, std::string_view text, ISceneFiles& files, const SOrigin& origin,
-                       void (*edit)(SActivity& activity)) {
+                       void (*edit)(SDone& done)) {
     Json request;
     try {
         request = ParseJson(text, "request");
@@ -115,6 +115,22 @@ void CutForViewers(OutputValues& values) {
     for (auto& [strHandle, outputs] : values) {
         for (auto& [nId, value] : outputs) {
             Cut(value.strText, value.length);
+        }
+    }
+}
+
+void CutForViewers(SDone& done) {
+    CutForViewers(done.activity);
+    if (auto* pFrame = std::get_if<SFrameResults>(&done.outcome.result)) {
+        CutForViewers(pFrame->outputs);
+    }
+    if (auto* pDetails = std::get_if<SNodeDetails>(&done.outcome.result)) {
+        for (auto* pGroups : {&pDetails->own, &pDetails->inputs, &pDetails->outputs}) {
+            for (SGroupState& group : *pGroups) {
+                for (SParamState& param : group.params) {
+                    Cut(*param.text, param.length);
+                }
+            }
         }
     }
 }

@@ -37,11 +37,11 @@ OrderedJson ErrorReply(const std::string& strError, const OrderedJson& id = Orde
 
 /// One request object to one reply object. edit may change what the reply tells.
 OrderedJson Answer(CSession& session, const Json& request, ISceneFiles& files, const SOrigin& origin = {},
-                   void (*edit)(SActivity& activity) = nullptr);
+                   void (*edit)(SDone& done) = nullptr);
 
 /// One request text to one reply text; text that isn't JSON gets an error reply.
 std::string AnswerText(CSession& session, std::string_view text, ISceneFiles& files, const SOrigin& origin = {},
-                       void (*edit)(SActivity& activity) = nullptr);
+                       void (*edit)(SDone& done) = nullptr);
 
 /// The text of a reply: one line of valid UTF-8.
 std::string ReplyText(const OrderedJson& reply);
@@ -49,6 +49,7 @@ std::string ReplyText(const OrderedJson& reply);
 /// Cut what is too long for people to look at: the beginnings of texts and bytes stay, with how long they are.
 void CutForViewers(SActivity& activity);
 void CutForViewers(OutputValues& values);
+void CutForViewers(SDone& done);
 
 /// A scene as the text of a file.
 std::string SceneText(const SSceneDocument& scene);

@@ -19,7 +19,8 @@ struct Shape<SParamState> {
         SField{"range", &SParamState::range, FIELD_OPTIONAL | FIELD_NULLABLE},
         SField{"flags", &SParamState::flags, FIELD_OPTIONAL | FIELD_NULLABLE},
         SField{"int", &SParamState::integer, FIELD_OPTIONAL}, SField{"float", &SParamState::number, FIELD_OPTIONAL},
-        SField{"string", &SParamState::text, FIELD_OPTIONAL}, SField{"choices", &SParamState::choices, FIELD_OPTIONAL},
+        SField{"string", &SParamState::text, FIELD_OPTIONAL}, SField{"length", &SParamState::length, FIELD_OPTIONAL},
+        SField{"choices", &SParamState::choices, FIELD_OPTIONAL},
         SField{"available", &SParamState::available, FIELD_OPTIONAL},
         SField{"extra", &SParamState::extra, FIELD_OPTIONAL});
 };

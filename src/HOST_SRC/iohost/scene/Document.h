@@ -21,6 +21,7 @@ struct SParamState {
     std::optional<int> integer = std::nullopt;
     std::optional<std::optional<float>> number = std::nullopt; ///< none in it: no number
     std::optional<CString> text = std::nullopt;
+    std::optional<int> length = std::nullopt; ///< of the text, where only its beginning is told
     std::optional<std::vector<CString>> choices = std::nullopt;
     std::optional<int> available = std::nullopt;
     std::optional<long long> extra = std::nullopt; ///< the host word of an output pin; files' are ignored

@@ -170,7 +170,7 @@ Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer
         text.m_strObjectName = FromUtf8(address->strObject);
         text.m_strText = FromUtf8(strText);
         SDone done = site.takeObjectText(text);
-        CutForViewers(done.activity);
+        CutForViewers(done);
         reply = ReplyTo(done);
         status = done.outcome.error ? http::status::bad_request : http::status::ok;
     } else {

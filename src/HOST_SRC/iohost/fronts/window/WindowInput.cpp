@@ -256,7 +256,8 @@ void CWindowInput::SendPointer(HWND hWnd, int nEvent) {
     GetClientRect(hWnd, &area);
     const double fScale = area.bottom > 0 ? 1000.0 / area.bottom : 0;
     const SQORMouseData sample(0, static_cast<float>(m_ptPlace.x * fScale),
-                               static_cast<float>((area.bottom - m_ptPlace.y) * fScale), m_ptPlace, 0);
+                               static_cast<float>((area.bottom - m_ptPlace.y) * fScale),
+                               CPoint(m_ptPlace.x, m_ptPlace.y), 0);
     m_commands.push_back(SEventCommand{.handle = {}, .nDevice = DEVICE_POINTER, .nEvent = nEvent, .payload = sample});
 }
 
