@@ -34,7 +34,7 @@ bool HasStoppedAnswering(std::uintptr_t hSocket, std::chrono::milliseconds patie
 /// Why the last LoadLibraryW failed, in the loader's words (UTF-8); empty when nothing more is known.
 std::string LoadErrorDetail();
 
-/// Standard input and output carry bytes, and a closed output is an error of the stream.
+/// The standard streams carry bytes, and a closed output is an error of the stream.
 void PrepareStandardStreams();
 
 inline constexpr int STANDARD_OUTPUT = 1;

@@ -84,6 +84,7 @@ std::string LoadErrorDetail() {
 void PrepareStandardStreams() {
     _setmode(_fileno(stdin), _O_BINARY);
     _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
 }
 
 bool WriteStandard(int nStream, std::string_view text) {
