@@ -67,6 +67,8 @@ class Display:
         return result.stdout
 
     def close(self):
+        # Wine's desktop is held for the next program, which would find it on a display that is gone.
+        subprocess.run(["wineserver", "--kill"], env={**os.environ, "WINEPREFIX": EMULATOR[1]}, check=False)
         self.server.terminate()
         self.server.wait(TIME_LIMIT)
 

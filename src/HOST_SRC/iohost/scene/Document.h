@@ -53,7 +53,7 @@ struct SSavedPins {
 
 /// A node's parameter set out of an older or damaged project.
 struct SSavedSet {
-    std::vector<std::pair<unsigned, ParamValue>> values = {};        ///< own parameters and what they hold
+    std::vector<std::pair<unsigned, ParamValue>> values = {};   ///< own parameters and what they hold
     std::vector<unsigned> drop = {};                            ///< parameters that the set doesn't have
     std::vector<std::pair<unsigned, int>> available = {};       ///< parameters and their availability flags
     std::vector<unsigned> emptyChoices = {};                    ///< choice parameters without labels
