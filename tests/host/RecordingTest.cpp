@@ -415,6 +415,19 @@ TEST_F(Recording, FileThatCannotBeWrittenIsRefused) {
     EXPECT_NE(strError.find("can't be written"), std::string::npos);
 }
 
+TEST_F(Recording, ADiskThatIsFullIsToldOnceInAReply) {
+    std::string strError;
+    m_pRecorder = CRecorder::Open(*m_pSession, "/dev/full", strError);
+    if (m_pRecorder != nullptr) { // the first line fails when it's flushed
+        const OrderedJson reply = Must(CREATE_MOUSE);
+        EXPECT_EQ(reply["log"][0]["text"], "the recording can't be written any further; nothing more is recorded");
+        EXPECT_FALSE(m_pRecorder->IsComplete());
+        EXPECT_FALSE(Must(CREATE_KEYBOARD).contains("log"));
+    } else {
+        GTEST_SKIP() << "this system has no file that is always full";
+    }
+}
+
 TEST_F(Recording, ReplayFindsNoBroadcastPort) {
     m_pSession = nullptr;
     std::string strError;

@@ -1,10 +1,6 @@
-// How plain data looks as JSON and as types of the page: one table of fields a struct, from which reading, writing and
-// the page's declarations follow.
+// How plain data looks as JSON: one table of fields a struct, from which reading and writing follow.
 //
-//   template <> struct Shape<SCalled> {
-//       static constexpr const char* NAME = "Called";
-//       static constexpr auto FIELDS = std::tuple(SField{"result", &SCalled::nResult});
-//   };
+//   SHAPE(SCalled, SField{"result", &SCalled::nResult})
 #pragma once
 
 #include <array>
@@ -20,7 +16,6 @@
 #include "base/GuidText.h"
 #include "base/TextUtf8.h"
 #include "protocol/Fields.h"
-#include "protocol/TypeScript.h"
 
 enum : unsigned {
     /// Reading: the field may be missing. Writing: it's left out while it is what a new struct has.
@@ -49,9 +44,15 @@ struct SFlat {
     Member Object::*pMember;
 };
 
-/// A struct's FIELDS and its NAME among the page's types.
+/// A struct's FIELDS.
 template <typename T>
 struct Shape;
+
+#define SHAPE(type, ...)                                                                                               \
+    template <>                                                                                                        \
+    struct Shape<type> {                                                                                               \
+        static constexpr auto FIELDS = std::tuple(__VA_ARGS__);                                                        \
+    };
 
 /// What tells the alternatives of a variant apart: the field TAG has the alternative's TAG_NAME. UNKNOWN begins the
 /// refusal of any other.
@@ -61,14 +62,23 @@ struct Union;
 template <typename T>
 inline constexpr const char* TAG_NAME = nullptr;
 
+#define UNION(variant, tag, unknown)                                                                                   \
+    template <>                                                                                                        \
+    struct Union<variant> {                                                                                            \
+        static constexpr const char* TAG = tag;                                                                        \
+        static constexpr const char* UNKNOWN = unknown;                                                                \
+    };
+#define TAG(type, name)                                                                                                \
+    template <>                                                                                                        \
+    inline constexpr const char* TAG_NAME<type> = name;
+
 /// Names of an enum's values, in the order of their numbers: ROWS.
 template <typename Enum>
 struct Names;
 
-/// How values of one type are read, written and declared:
+/// How values of one type are read and written:
 ///   static void Read(T& value, const Json& json, const std::string& strPath)   refuses by that path
 ///   static OrderedJson Write(const T& value)
-///   static std::string Type(CTypeScript& types)
 template <typename T>
 struct Codec;
 
@@ -201,37 +211,6 @@ struct Codec<T> {
         AppendFields(json, value);
         return json;
     }
-    static std::string Type(CTypeScript& types) {
-        types.Declare(Shape<T>::NAME, [&] { return Body(types); });
-        return Shape<T>::NAME;
-    }
-    /// The fields' declarations, and behind them what variants among the members add.
-    static std::string Body(CTypeScript& types) {
-        std::string strFields;
-        std::string strVariants;
-        std::apply([&](const auto&... field) { (Declare(field, types, strFields, strVariants), ...); },
-                   Shape<T>::FIELDS);
-        return "{\n" + strFields + "}" + strVariants;
-    }
-
-private:
-    template <typename Object, typename Member>
-    static void Declare(const SFlat<Object, Member>& /*member*/, CTypeScript& types, std::string& /*strFields*/,
-                        std::string& strVariants) {
-        strVariants += " & " + Codec<Member>::Type(types);
-    }
-    template <typename Object, typename Member>
-    static void Declare(const SField<Object, Member>& field, CTypeScript& types, std::string& strFields,
-                        std::string& /*strVariants*/) {
-        std::string strType;
-        if constexpr (IS_OPTIONAL<Member>) {
-            strType = Codec<typename Member::value_type>::Type(types);
-        } else {
-            strType = Codec<Member>::Type(types);
-        }
-        strFields += std::string("  ") + field.pszName + ((field.nFlags & FIELD_OPTIONAL) != 0 ? "?: " : ": ") +
-                     strType + ((field.nFlags & FIELD_NULLABLE) != 0 ? " | null" : "") + ";\n";
-    }
 };
 
 // ---- Plain values -------------------------------------------------------------------------------------------------
@@ -262,7 +241,6 @@ struct Codec<T> {
         }
     }
     static OrderedJson Write(T value) { return value; }
-    static std::string Type(CTypeScript& /*types*/) { return std::is_same_v<T, bool> ? "boolean" : "number"; }
 };
 
 template <>
@@ -271,7 +249,6 @@ struct Codec<std::string> {
         value = ReadText(json, strPath);
     }
     static OrderedJson Write(const std::string& value) { return value; }
-    static std::string Type(CTypeScript& /*types*/) { return "string"; }
 };
 
 template <>
@@ -280,7 +257,6 @@ struct Codec<CString> {
         value = FromUtf8(ReadText(json, strPath));
     }
     static OrderedJson Write(const CString& value) { return Utf8(value); }
-    static std::string Type(CTypeScript& /*types*/) { return "string"; }
 };
 
 template <>
@@ -293,7 +269,6 @@ struct Codec<GUID> {
         value = *guid;
     }
     static OrderedJson Write(const GUID& value) { return GuidText(value); }
-    static std::string Type(CTypeScript& /*types*/) { return "string"; }
 };
 
 template <typename T>
@@ -314,13 +289,6 @@ struct Codec<T> {
         Refuse(strPath, Quoted(strName) + " is none of " + strNames);
     }
     static OrderedJson Write(T value) { return Names<T>::ROWS[static_cast<size_t>(value)]; }
-    static std::string Type(CTypeScript& /*types*/) {
-        std::string strType;
-        for (const char* pszName : Names<T>::ROWS) {
-            strType += (strType.empty() ? "\"" : " | \"") + std::string(pszName) + '"';
-        }
-        return strType;
-    }
 };
 
 // ---- Lists --------------------------------------------------------------------------------------------------------
@@ -334,7 +302,6 @@ struct Codec<std::optional<T>> { ///< within lists: none is null
             ReadJson(value.emplace(), json, strPath);
         }
     }
-    static std::string Type(CTypeScript& types) { return Codec<T>::Type(types) + " | null"; }
 };
 
 template <typename T>
@@ -355,10 +322,6 @@ struct Codec<std::vector<T>> {
         }
         return list;
     }
-    static std::string Type(CTypeScript& types) {
-        const std::string strType = Codec<T>::Type(types);
-        return (strType.find(' ') != std::string::npos ? "(" + strType + ")" : strType) + "[]";
-    }
 };
 
 template <typename List, typename T, size_t nCount>
@@ -378,7 +341,6 @@ struct SFixedListCodec {
         }
         return list;
     }
-    static std::string Type(CTypeScript& types) { return "(" + Codec<T>::Type(types) + ")[]"; }
 };
 
 template <typename T, size_t nCount>
@@ -405,7 +367,6 @@ struct Codec<std::vector<std::pair<Key, T>>> {
         }
         return object;
     }
-    static std::string Type(CTypeScript& types) { return "Record<string, " + Codec<T>::Type(types) + ">"; }
 };
 
 // ---- Tagged unions ------------------------------------------------------------------------------------------------
@@ -457,21 +418,6 @@ void AppendFields(OrderedJson& json, const std::variant<Alternatives...>& value)
         value);
 }
 
-/// "({ is: "key" } & Key | ...)".
-template <typename... Alternatives>
-std::string TaggedType(std::type_identity<std::variant<Alternatives...>>, CTypeScript& types) {
-    using Variant = std::variant<Alternatives...>;
-    std::string strType;
-    const auto append = [&]<typename Alternative>(std::type_identity<Alternative>) {
-        if (TAG_NAME<Alternative> != nullptr) {
-            strType += (strType.empty() ? "{ " : " | { ") + std::string(Union<Variant>::TAG) + ": \"" +
-                       TAG_NAME<Alternative> + "\" } & " + Codec<Alternative>::Type(types);
-        }
-    };
-    (append(std::type_identity<Alternatives>()), ...);
-    return "(" + strType + ")";
-}
-
 template <typename... Alternatives>
 requires requires {
     Union<std::variant<Alternatives...>>::TAG;
@@ -487,5 +433,4 @@ struct Codec<std::variant<Alternatives...>> {
         AppendFields(json, value);
         return json;
     }
-    static std::string Type(CTypeScript& types) { return TaggedType(std::type_identity<Variant>(), types); }
 };

@@ -160,10 +160,6 @@ OrderedJson Codec<Payload>::Write(const Payload& value) {
     return json;
 }
 
-std::string Codec<Payload>::Type(CTypeScript& types) {
-    return TaggedType(std::type_identity<Payload>(), types) + " | null";
-}
-
 void Codec<ParamValue>::Read(ParamValue& value, const Json& json, const std::string& strPath) {
     if (json.is_string()) {
         value = FromUtf8(json.get_ref<const std::string&>());
@@ -224,16 +220,8 @@ OrderedJson Codec<SRelease>::Write(const SRelease& value) {
     return {{"device", value.event.nDevice}, {"event", value.event.nEvent}, {"payload", ToJson(value.event.payload)}};
 }
 
-std::string Codec<SRelease>::Type(CTypeScript& types) {
-    return "{ virtual_key: number } | { device: number; event: number; payload: " + Codec<Payload>::Type(types) + " }";
-}
-
 OrderedJson Codec<Sent>::Write(const Sent& value) {
     return std::visit([](const auto& held) { return ToJson(held); }, value);
-}
-
-std::string Codec<Sent>::Type(CTypeScript& types) {
-    return Codec<SSentRecord>::Type(types) + " | " + Codec<SSentBytes>::Type(types);
 }
 
 OrderedJson Codec<std::vector<unsigned char>>::Write(const std::vector<unsigned char>& value) {
