@@ -60,8 +60,9 @@ TEST_F(Program, ABroadcastPortThatIsNoneIsTold) {
     m_folder.Write("Config/PortConfig.ini", "[iFable]\nBroadcastPort=70000\n");
     const SResult result = Run(Stdio(), "{\"op\":\"listen\"}\n");
     EXPECT_EQ(result.strOutput, "{\"ok\":true,\"broadcast\":null,\"control\":null}\n");
-    EXPECT_EQ(result.strErrors, "iohost: Config/PortConfig.ini: BroadcastPort 70000 is no port: broadcasts aren't "
-                                "received, and nodes send theirs to port 4464\n");
+    EXPECT_TRUE(result.strErrors.starts_with("iohost: Config/PortConfig.ini: BroadcastPort 70000 is no port: "))
+        << result.strErrors;
+    EXPECT_NE(result.strErrors.find("to port 4464"), std::string::npos) << result.strErrors;
 }
 
 TEST_F(Program, QuitEndsWithZero) {

@@ -126,7 +126,7 @@ TEST_F(TouchPad, PositionsMayBeAnyFloat) {
 TEST_F(TouchPad, RandomPositionsAgreeWithAPlainComputation) {
     std::mt19937 random(20240304);
     std::map<EClick, int> counts;
-    for (int i = 0; i < 10'000; ++i) {
+    for (int i = 0; i < 2'000; ++i) {
         // Every other position on a coarse grid, where borders and diagonals are met.
         const int nSteps = i % 2 == 0 ? 8 : 1 << 20;
         std::uniform_int_distribution<int> coordinate(-nSteps, nSteps);
@@ -148,7 +148,7 @@ TEST_F(TouchPad, RandomPositionsAgreeWithAPlainComputation) {
     }
     EXPECT_EQ(counts.size(), 6U);
     for (const auto& [nClick, nCount] : counts) {
-        EXPECT_GT(nCount, 100) << nClick;
+        EXPECT_GT(nCount, 20) << nClick;
     }
 }
 

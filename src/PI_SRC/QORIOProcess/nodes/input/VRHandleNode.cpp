@@ -87,23 +87,23 @@ int ClickOf(float fX, float fY) {
     return fAbsX < BORDER && fAbsY < BORDER ? CLICK_CENTER : CLICK_NONE;
 }
 
-/// Fire what a sample changes, in order: the trigger's outputs, then the touch-pad's.
-void FireChanges(VEKProperty& node, const SVRPluginData& previous, const SVRPluginData& sample) {
+/// Add the outputs that a sample fires, in order: the trigger's, then the touch-pad's.
+void AddFired(CArray<int>& arOutput, const SVRPluginData& previous, const SVRPluginData& sample) {
     if (TriggerOf(sample) != 0 && TriggerOf(previous) == 0) {
-        FireGeneralEvent(&node, OUTPUT_TRIGGER_DOWN);
+        arOutput.Add(OUTPUT_TRIGGER_DOWN);
     } else if (TriggerOf(sample) == 0 && TriggerOf(previous) != 0) {
-        FireGeneralEvent(&node, OUTPUT_TRIGGER_UP);
+        arOutput.Add(OUTPUT_TRIGGER_UP);
         // The times wrap; a release before the press is then very far from it.
         if (ReleaseTimeOf(sample) - PressTimeOf(sample) < CLICK_TIME) {
-            FireGeneralEvent(&node, OUTPUT_TRIGGER_CLICK);
+            arOutput.Add(OUTPUT_TRIGGER_CLICK);
         }
     }
     if (TouchPadOf(sample) != 0 && TouchPadOf(previous) == 0) {
-        FireGeneralEvent(&node, OUTPUT_TOUCH_PAD_DOWN);
+        arOutput.Add(OUTPUT_TOUCH_PAD_DOWN);
     } else if (TouchPadOf(sample) == 0 && TouchPadOf(previous) != 0) {
-        FireGeneralEvent(&node, OUTPUT_TOUCH_PAD_UP);
+        arOutput.Add(OUTPUT_TOUCH_PAD_UP);
         if (const int nClick = ClickOf(TouchPadXOf(sample), TouchPadYOf(sample)); nClick != CLICK_NONE) {
-            FireGeneralEvent(&node, nClick);
+            arOutput.Add(nClick);
         }
     }
 }
@@ -184,9 +184,12 @@ int CVRHandleIOProcess::DevIOEventOccurred(EventRecordPtr pRecord) try {
         return 0;
     }
     ShowSample(sample);
-    const SVRPluginData previous = m_previousSample;
-    m_previousSample = sample; // whatever comes of its events
-    FireChanges(*this, previous, sample);
+    CArray<int> arOutput;
+    AddFired(arOutput, m_previousSample, sample);
+    m_previousSample = sample;
+    for (INT_PTR i = 0; i < arOutput.GetSize(); ++i) {
+        FireGeneralEvent(this, arOutput[i]);
+    }
     return 1;
 } catch (...) {
     return EndException();

@@ -149,7 +149,8 @@ int CNetParameterSendIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
             return 1;
         }
         WriteNodeLog(LEVEL_INFORMATION, *this, *pGraphNode, SENDING);
-        for (INT_PTR i = 0; i < pDevices->GetSize(); ++i) {
+        const int nCount = static_cast<int>(pDevices->GetSize());
+        for (int i = 0; i < nCount; ++i) {
             Send(pDevices->GetAt(i));
         }
         return 1;

@@ -109,7 +109,8 @@ int CStringDataSendIOProcess::ProcessNode(SGraphNode* pGraphNode) try {
         }
         Send(pDevice, TextOf(*pText), IntegerOf(*pCodeType));
     } else if (const auto* pDevices = G_GetArNetPlayCtrlDev()) {
-        for (INT_PTR i = 0; i < pDevices->GetSize(); ++i) {
+        const int nCount = static_cast<int>(pDevices->GetSize());
+        for (int i = 0; i < nCount; ++i) {
             Send(pDevices->GetAt(i), TextOf(*pText), IntegerOf(*pCodeType));
         }
     }

@@ -55,7 +55,8 @@ VEKParam* FindOutput(SGraphNode& graphNode, unsigned nId) {
 }
 
 void WriteOutput(SGraphNode& graphNode, unsigned nId, int nValue) {
-    if (VEKParam* pOutput = FindOutput(graphNode, nId)) {
+    VEKParam* pOutput = FindOutput(graphNode, nId);
+    if (pOutput != nullptr && IntegerOf(*pOutput) != nValue) {
         IntegerOf(*pOutput) = nValue;
     }
 }

@@ -47,7 +47,7 @@ inline bool IsSameText(const CString& strText, const CString& strOther) {
 VEKParam* FindOutput(SGraphNode& graphNode, unsigned nId);
 
 /// Write the pin's value when it differs, so that unchanged outputs cause no work behind them. A missing pin is
-/// skipped; that of a text answers whether there is one.
+/// skipped; the last one answers whether there is a pin.
 void WriteOutput(SGraphNode& graphNode, unsigned nId, int nValue);
 void WriteOutput(SGraphNode& graphNode, unsigned nId, float fValue);
 bool WriteOutput(SGraphNode& graphNode, unsigned nId, const CString& strValue);
