@@ -105,21 +105,11 @@ bool IsAlone() {
     return bAlone;
 }
 
-/// What a device link needs of its host. Nothing comes in.
-class CQuietPeerHost final : public IPeerHost {
+/// Nothing comes in.
+class CQuietReceiver final : public INetworkReceiver {
 public:
-    explicit CQuietPeerHost(boost::asio::io_context& context) : m_gate(context) {}
-
-    CReadGate& Gate() override { return m_gate; }
-    bool OnRecord(EPeer, EIODevice, CQORPanelRemoteCtrlData&) override { return false; }
-    bool OnBroadcast(SBroadcastItem&) override { return false; }
-    bool OnDeviceText(int, const CString&) override { return false; }
-    void OnSent(OrderedJson) override {}
-    bool IsListenOnly() const override { return false; }
-    void OnStateChanged() override {}
-
-private:
-    CReadGate m_gate;
+    bool OnItem(EPeer, const SIOEventRecord&) override { return false; }
+    void OnSent(const SSentItem&) override {}
 };
 
 /// The far end of a connection: throws away what it's sent.
@@ -231,9 +221,9 @@ public:
             .strName = "Wall",
             .nParser = EDeviceParser::Framed,
             .address = asio::ip::tcp::endpoint(asio::ip::address_v4::loopback(), m_measuredDrain.Port())};
-        m_pLink = std::make_shared<CDeviceLink>(m_context, setup, m_peerHost);
+        m_pLink = std::make_shared<CDeviceLink>(m_loop, setup);
         m_pLink->Start();
-        m_context.run_for(std::chrono::milliseconds(100)); // the listening system answers for the drain
+        m_loop.Context().run_for(std::chrono::milliseconds(100)); // the listening system answers for the drain
         m_measuredDrain.Accept();
         m_arDevice.Add(&m_pLink->Device());
         SetNetPlayCtrlDevices(&m_arDevice);
@@ -254,8 +244,8 @@ public:
     ~CRecordSend() {
         SetNetPlayCtrlDevices(nullptr);
         m_pLink->Stop();
-        m_context.restart();
-        m_context.poll();
+        m_loop.Context().restart();
+        m_loop.Context().poll();
     }
 
     CRecordSend(const CRecordSend&) = delete;
@@ -274,14 +264,14 @@ public:
 private:
     void SendRecord() {
         m_node.m_pNode->ProcessNode(&m_node.m_graphNode);
-        m_context.restart();
-        m_context.poll();
+        m_loop.Context().restart();
+        m_loop.Context().poll();
     }
 
     VEKClip m_clip;
     CPlacedNode m_node;
-    boost::asio::io_context m_context{1};
-    CQuietPeerHost m_peerHost{m_context};
+    CQuietReceiver m_receiver;
+    CPeerLoop m_loop{m_receiver};
     CDrain m_measuredDrain;
     CDrain m_floorDrain;
     std::shared_ptr<CDeviceLink> m_pLink;

@@ -174,6 +174,8 @@ TEST_F(HeldInput, AgeCountsFromTheFirstPress) {
     Must(R"({"op":"clock","ms":1020})");
     Key(2002, "a");
     EXPECT_EQ(m_pSession->Held().State()[0].nAgeMs, 20);
+    Must(R"({"op":"clock","ms":10})"); // back
+    EXPECT_EQ(m_pSession->Held().State()[0].nAgeMs, 0);
 }
 
 TEST_F(HeldInput, VersionGrowsOnlyWhenSomethingGoesDownOrUp) {

@@ -339,6 +339,16 @@ TEST_F(Recording, ATriggerThatWasHeldIsReleasedAtTheRecordedTime) {
     ReplaysTheSame();
 }
 
+TEST_F(Recording, NothingIsKeptBehindTheEnd) {
+    Record();
+    CHeldInput& held = m_pSession->Held().Open();
+    AskObject({{"op", "event"}, {"device", 0}, {"event", 2002}}, &held);
+    AskObject({{"op", "quit"}}, &held);
+    m_pSession->CloseConnection(held, "its connection closed");
+    EXPECT_EQ(Lines().back()["op"], "quit");
+    ReplaysTheSame();
+}
+
 TEST_F(Recording, CanBeReadByTheLineFront) {
     Record();
     Must(CREATE_MOUSE);

@@ -84,6 +84,16 @@ TEST_F(SceneFile, TheDemoSceneLoads) {
     EXPECT_GE(Must(R"({"op":"scene"})")["nodes"].size(), 2u);
 }
 
+TEST_F(SceneFile, WhatOnlyTellsIsNotRead) {
+    Must(R"({"op":"load","scene":{"format":"iohost scene","version":1,"nodes":[{"node":"m",)"
+         R"("type":"{8164BB40-6B6A-4707-88B7-386BCB0D1B03}","clip":null,"graph":"G","outputs":[{"id":351,"params":)"
+         R"([{"id":352,"extra":-1,"length":"x"}]}]}]}})");
+}
+
+TEST_F(SceneFile, AFolderIsNoSceneAndEndsNothing) {
+    EXPECT_FALSE(Refusal(R"({"op":"load","file":)" + Quote(m_folder.Path()) + "}").empty());
+}
+
 TEST_F(SceneFile, WrongFilesLeaveTheSceneAsItWas) {
     Must(CREATE_MOUSE);
     Must(CREATE_KEYBOARD);

@@ -134,7 +134,8 @@ SVerdict CJsonVerdicts::JudgePairs(const SNode& node) const {
     if (m_nLastFound < 0) {
         return {SKeyMissing{strKey}};
     }
-    return {SValueDiffers{strKey, m_arValue[m_nLastFound].Left(MOST_CHARACTERS), strExpected}};
+    const bool bSplit = m_nLastFound < m_arValue.GetSize(); // the index is another list's otherwise
+    return {SValueDiffers{strKey, bSplit ? m_arValue[m_nLastFound].Left(MOST_CHARACTERS) : CString(), strExpected}};
 }
 
 Verdicts CJsonVerdicts::All(const CScene& scene) const {

@@ -1,5 +1,6 @@
 #include "protocol/Protocol.h"
 
+#include "base/Caught.h"
 #include "protocol/Shapes.h"
 
 namespace {
@@ -71,15 +72,20 @@ OrderedJson Answer(CSession& session, const Json& json, ISceneFiles& files, cons
         ReadRequest(request, CFields(json), files);
         SDone done = session.Do(request.command, origin);
         if (const auto* pScene = std::get_if<SSceneDocument>(&done.outcome.result)) {
-            files.Write(request.strFile, SceneText(*pScene));
+            const std::string strText = SceneText(*pScene);
             done.outcome.result = {};
+            try {
+                files.Write(request.strFile, strText);
+            } catch (const CRefusal& refusal) {
+                done.outcome.error = refusal.what();
+            }
         }
         if (edit != nullptr) {
             edit(done);
         }
         return ReplyTo(done, request.id);
-    } catch (const CRefusal& refusal) {
-        return ErrorReply(refusal.what(), request.id);
+    } catch (...) {
+        return ErrorReply(CaughtText(), request.id);
     }
 }
 

@@ -24,6 +24,8 @@ enum : unsigned {
     FIELD_NULLABLE = 2,
     /// Reading: the field may be missing. It's always written.
     FIELD_DEFAULTED = 4,
+    /// Reading: the field is passed over.
+    FIELD_TOLD = 8,
 };
 
 /// One field.
@@ -122,6 +124,9 @@ void AppendFields(OrderedJson& json, const T& object);
 
 template <typename Member>
 void ReadField(Member& member, const CFields& fields, const char* pszName, unsigned nFlags) {
+    if ((nFlags & FIELD_TOLD) != 0) {
+        return;
+    }
     const Json* pValue =
         (nFlags & (FIELD_OPTIONAL | FIELD_DEFAULTED)) != 0 ? fields.Find(pszName) : &fields.Required(pszName);
     if (pValue == nullptr) {

@@ -15,10 +15,11 @@ SHAPE(SParamState, SField{"id", &SParamState::nId}, SField{"name", &SParamState:
       SField{"range", &SParamState::range, FIELD_OPTIONAL | FIELD_NULLABLE},
       SField{"flags", &SParamState::flags, FIELD_OPTIONAL | FIELD_NULLABLE},
       SField{"int", &SParamState::integer, FIELD_OPTIONAL}, SField{"float", &SParamState::number, FIELD_OPTIONAL},
-      SField{"string", &SParamState::text, FIELD_OPTIONAL}, SField{"length", &SParamState::length, FIELD_OPTIONAL},
+      SField{"string", &SParamState::text, FIELD_OPTIONAL},
+      SField{"length", &SParamState::length, FIELD_OPTIONAL | FIELD_TOLD},
       SField{"choices", &SParamState::choices, FIELD_OPTIONAL},
       SField{"available", &SParamState::available, FIELD_OPTIONAL},
-      SField{"extra", &SParamState::extra, FIELD_OPTIONAL})
+      SField{"extra", &SParamState::extra, FIELD_OPTIONAL | FIELD_TOLD})
 
 SHAPE(SGroupState, SField{"id", &SGroupState::nId}, SField{"name", &SGroupState::name, FIELD_OPTIONAL},
       SField{"display", &SGroupState::display, FIELD_OPTIONAL}, SField{"params", &SGroupState::params})

@@ -67,6 +67,8 @@ private:
         std::uint64_t tDown;
     };
 
+    long long AgeOf(const SHeld& held) const;
+
     /// Follow an event in a list of what is held; true when something went down or up.
     bool Follow(std::vector<SHeld>& arHeld, const SEventCommand& event) const;
 

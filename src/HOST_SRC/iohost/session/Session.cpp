@@ -85,6 +85,7 @@ SDone CSession::CloseConnection(CHeldInput& held, const std::string& strReason) 
     SDone done = Do(SReleaseHeldCommand{.strReason = strReason}, {.pHeld = &held});
     m_held.Close(held);
     done.origin.pHeld = nullptr;
+    done.pCommand = nullptr;
     return done;
 }
 

@@ -286,8 +286,13 @@ SDone CPageServer::TakeObjectText(const SObjectTextData& text) {
 
 /// Whoever asked is told by the reply. What items cause is told with the next frame: they may come by the thousand.
 void CPageServer::OnDone(const SDone& done) {
+    if (m_clients.empty()) {
+        return;
+    }
     if (done.origin.from) {
-        m_ofItems.Append(done.activity);
+        SActivity activity = done.activity;
+        CutForViewers(activity);
+        m_ofItems.Append(std::move(activity));
         return;
     }
     TellHappened(done.activity, done.origin.pHeld);

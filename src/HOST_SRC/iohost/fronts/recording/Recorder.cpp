@@ -79,8 +79,12 @@ void CRecorder::OnDone(const SDone& done) {
         return;
     }
     const Command& command = *done.pCommand;
-    if (!IsKept(command)) {
+    if (!IsKept(command) || (m_session.HasQuit() && !std::holds_alternative<SQuitCommand>(command))) {
         return;
+    }
+    const auto* pLoad = std::get_if<SLoadCommand>(&command);
+    if (pLoad != nullptr && pLoad->strPath == "file" && done.outcome.error) {
+        return; // it changed nothing, and why it was refused names a file that the recording doesn't have
     }
     if (!std::holds_alternative<SRecordingCommand>(command)) {
         KeepClock();

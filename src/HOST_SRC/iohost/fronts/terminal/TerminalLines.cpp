@@ -1,14 +1,14 @@
 #include "fronts/terminal/TerminalLines.h"
 
 #include <array>
-#include <cstdio>
+#include <charconv>
 
 #include "base/PrintableText.h"
 #include "base/TextUtf8.h"
 
 namespace {
 
-/// The value that an output's type and control make it show, as JSON writes it.
+/// The value that an output's type and control make it show.
 std::string ValueText(const VEKParam& output, const SValues& values) {
     if (output.m_nType == PARAM_STRING.m_nType) {
         return "\"" + Utf8(values.strText) + "\"";
@@ -18,8 +18,7 @@ std::string ValueText(const VEKParam& output, const SValues& values) {
         return std::to_string(values.nInteger);
     }
     std::array<char, 32> text{};
-    std::snprintf(text.data(), text.size(), "%g", static_cast<double>(values.fNumber));
-    return text.data();
+    return {text.data(), std::to_chars(text.begin(), text.end(), values.fNumber).ptr};
 }
 
 } // namespace
