@@ -29,10 +29,10 @@ private:
 
 /// A node's property object: names, parameter groups, playing interface.
 ///
-/// The host calls the operations, all on the thread that drives the graph. The default implementations do nothing and
-/// answer 0 or empty; a node overrides what it needs. Pointers passed in or returned don't transfer ownership; a node
-/// keeps none of them after the call but the graph node. No exception leaves an operation but the framework's
-/// invalid-argument exception, for what breaks this contract; any other failure answers as "not handled".
+/// The host calls the operations, all on the thread that drives the graph. Unless an operation says more, its default
+/// does nothing and answers 0 or empty; a node overrides what it needs. Pointers passed in or returned don't transfer
+/// ownership; a node keeps none of them after the call but the graph node. No exception leaves an operation but the
+/// framework's invalid-argument exception, for what breaks this contract; any other failure answers as "not handled".
 class VEKCOMMON_API VEKProperty : public BaseStruct, public SParamGrpPosAdjust {
 public:
     VEKProperty();

@@ -75,7 +75,7 @@ struct IconDestroyer {
 /// Append the catalogue; it ends with the last entry that could be added.
 void RegisterTypes(SIOProcessPluginData& data) try {
     const CString strIniPath = PXGetAppPath() + L"\\Plugins\\NodePlugin\\NodePlugin.ini";
-    // One record serves all rows, so a member that a row doesn't set keeps the value of the row before.
+    // One record serves all rows; members that no row sets keep their first values.
     SIOProcessNodeInfo info;
     for (const NodeTypeRow& row : NODE_TYPES) {
         info.strName = LoadText(row.pszNameKey);

@@ -18,7 +18,7 @@ enum { CLICK_NONE = 0, CLICK_CENTER = 867, CLICK_LEFT = 868, CLICK_RIGHT = 869, 
 
 constexpr int VERSION_WITH_HIT_POSITION = 2;
 
-/// A trigger released within this time of its press was clicked; in the host's ticks.
+/// A trigger released within this time of its press was clicked; milliseconds.
 constexpr unsigned CLICK_TIME = 500;
 
 void FillHandleTypes(CStringArray& arChoice) {

@@ -35,7 +35,7 @@ constexpr ParamRow LayerRow(ParamFlags flags, int nValue) {
     return ChoiceRow(INPUT_LAYER, L"Layer", L"LAYER_LAYER", ParamRange{0, 0, 20, 1}, flags, nValue, FillLayerLabels);
 }
 
-/// Unlike the receiver's, it sets its float value too, whatever SetParamValue does.
+/// Unlike the receiver's row, this one also sets the float value itself.
 constexpr ParamRow SentKeyNumberRow() {
     ParamRow row = KeyNumberRow(INPUT_KEY_NUMBER);
     row.fValue = 0.0f;
@@ -90,7 +90,7 @@ void CNetParameterSendIOProcess::InitParam() try {
     }
     VEKParam* pVersion = FindOwn(*this, PARAM_VERSION);
     const int nVersion = pVersion != nullptr ? IntegerOf(*pVersion) : 0;
-    // Without a clip name Find answers null, behind which a list appends and before which it prepends.
+    // Without a clip name Find answers null: InsertAfter then appends, InsertBefore puts in front.
     VEKParam* pClipName = FindOwn(*this, INPUT_CLIP_NAME);
     CList<VEKParam*>& lstParam = SiblingsOf(pClipName, lstGroup);
     if (nVersion < VERSION_WITH_LAYER && FindOwn(*this, INPUT_LAYER) == nullptr) {
