@@ -3,6 +3,7 @@
 #include <map>
 #include <random>
 #include <set>
+#include <thread>
 #include <utility>
 #include <vector>
 

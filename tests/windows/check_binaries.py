@@ -15,8 +15,7 @@ import tempfile
 MODULE_EXPORTS = ["IOProcessFunc"]
 HOST_LIBRARIES = {"vekcommonx.dll", "vekrenderx.dll", "veklogdllx.dll"}
 # What Windows itself brings; ucrtbase.dll is its C run-time, msvcrt.dll the older one.
-SYSTEM_LIBRARIES = {"kernel32.dll", "user32.dll", "gdi32.dll", "msvcrt.dll", "ucrtbase.dll", "ws2_32.dll", "mswsock.dll",
-                    "bcrypt.dll"}
+SYSTEM_LIBRARIES = {"kernel32.dll", "user32.dll", "gdi32.dll", "msvcrt.dll", "ucrtbase.dll", "ws2_32.dll", "mswsock.dll"}
 # Of the node types; 7008 is none's.
 MODULE_ICONS = [*range(7000, 7008), *range(7009, 7014)]
 ICON_GROUP, VERSION_RECORD = 14, 16  # types of resources

@@ -1,7 +1,7 @@
 #include "fronts/page/AccessToken.h"
 
-#include <boost/uuid/random_generator.hpp>
-#include <boost/uuid/uuid_io.hpp>
+#include <cstdio>
+#include <random>
 
 namespace {
 
@@ -27,7 +27,12 @@ std::string_view QueryOf(std::string_view target) {
 
 CAccessToken CAccessToken::Make(unsigned short nPort) {
     CAccessToken token;
-    token.m_strToken = to_string(boost::uuids::random_generator()());
+    std::random_device random; // the system's
+    for (int i = 0; i < 4; ++i) {
+        char szDigits[9];
+        std::snprintf(szDigits, sizeof(szDigits), "%08x", random());
+        token.m_strToken += szDigits;
+    }
     token.m_strCookie = "iohost_token_" + std::to_string(nPort);
     return token;
 }
