@@ -57,8 +57,8 @@ TEST_F(SafeFile, LinksAreFollowed) {
     const auto file = m_folder.Write("a.json", "x");
     std::error_code error;
     std::filesystem::create_symlink("a.json", m_folder.Path() / "link", error);
-    if (error) {
-        GTEST_SKIP() << "the library makes no links here";
+    if (error || !std::filesystem::is_symlink(m_folder.Path() / "link")) {
+        GTEST_SKIP() << "the system makes no links here";
     }
     std::filesystem::create_symlink("later.json", m_folder.Path() / "dangling");
     EXPECT_EQ(WriteFileSafely(m_folder.Path() / "link", "y"), "");
