@@ -53,6 +53,9 @@ TEST(Options, AllAreRead) {
 TEST(Options, RecordingsHaveTheirFiles) {
     EXPECT_EQ(Parse({"--stdio", "--record", "r.jsonl"}).recordFile, "r.jsonl");
     EXPECT_EQ(Parse({"--record", "r.jsonl", "--listen", "a:1"}).recordFile, "r.jsonl");
+    EXPECT_EQ(Parse({"--stdio"}).evaluation, std::nullopt);
+    EXPECT_EQ(Parse({"--stdio", "--evaluate", "event"}).evaluation, EEvaluation::Event);
+    EXPECT_EQ(Parse({"--listen", "a:1", "--evaluate", "frame"}).evaluation, EEvaluation::Frame);
     const SOptions options = Parse({"--replay", "r.jsonl", "--texts", "zh"});
     EXPECT_EQ(options.nFront, EFront::Replay);
     EXPECT_EQ(options.replayFile, "r.jsonl");
@@ -146,6 +149,7 @@ TEST(Options, WrongOnesAreNamed) {
         {{"--describe"}, "--describe: needs a value"},
         {{"--describe", "html"}, R"(--describe: "html" isn't markdown, the only form there is)"},
         {{"--describe", "markdown", "--scene", "s"}, "--scene: goes with --stdio, --listen and --window only"},
+        {{"--stdio", "--evaluate", "never"}, "--evaluate: \"never\" is none of event, frame"},
         {{"--replay", "r", "--record", "s"}, "--record: goes with --stdio, --listen and --window only"},
         {{"--replay", "r", "--stdio"},
          "--stdio: --stdio, --listen, --window, --device, --describe and --replay exclude each other"},

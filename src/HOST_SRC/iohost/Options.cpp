@@ -217,6 +217,11 @@ void DeclareOptions(CCommandLine& line, SOptions& options) {
         return options.texts.has_value();
     };
 
+    const Read readEvaluation = [&options](const std::string& strValue) {
+        options.evaluation = strValue == "event" ? EEvaluation::Event : EEvaluation::Frame;
+        return strValue == "event" || strValue == "frame";
+    };
+
     line.Begin("Options");
     line.Add("--app", "DIR", "application folder (default: app beside this program)", Text(options.appFolder));
     line.Add("--module", "FILE", "the module (default: beside this program)", Text(options.moduleFile));
@@ -227,6 +232,10 @@ void DeclareOptions(CCommandLine& line, SOptions& options) {
     line.Begin("Options of --stdio, --listen and --window", {EFront::Stdio, EFront::Page, EFront::Window});
     line.Add("--scene", "FILE", "scene to start with (default: an empty one)", Text(options.sceneFile));
     line.Add("--record", "FILE", "writes what comes in, with the replies, as a recording", Text(options.recordFile));
+    line.Add("--evaluate", "WHEN",
+             "evaluates the nodes behind a fired output at once (event) or with the next frame\n"
+             "(frame) (default: event; with --stdio frame)",
+             readEvaluation, "is none of event, frame");
     line.Begin("Options of --listen and --window", {EFront::Page, EFront::Window});
     line.Add("--fps", "N", "evaluations of the graph a second, 0.01 to 1000 (default: 60)",
              Number(options.listen.fFps, LEAST_FPS, MOST_FPS), "isn't a number from 0.01 to 1000");

@@ -9,6 +9,7 @@
 #include "HostSetup.h"
 #include "fronts/page/PageServer.h"
 #include "fronts/window/RenderWindow.h"
+#include "session/Command.h"
 #include "standin/StandInDevice.h"
 
 enum class EFront { Stdio, Page, Window, Device, Describe, Replay, Help, Version };
@@ -17,14 +18,15 @@ struct SOptions {
     EFront nFront = EFront::Stdio;
     std::filesystem::path appFolder;
     std::filesystem::path moduleFile;
-    std::optional<ETextTable> texts;  ///< none: English where the application folder has it, keys elsewhere
-    std::filesystem::path sceneFile;  ///< loaded at the start; empty: none
-    std::filesystem::path recordFile; ///< for EFront::Stdio, Page and Window; empty: nothing is recorded
-    std::filesystem::path replayFile; ///< for EFront::Replay
-    SListenOptions listen;            ///< for EFront::Page
-    SWindowOptions window;            ///< for EFront::Window
-    SStandInOptions device;           ///< for EFront::Device
-    std::string strHelp;              ///< what --help prints
+    std::optional<ETextTable> texts;       ///< none: English where the application folder has it, keys elsewhere
+    std::filesystem::path sceneFile;       ///< loaded at the start; empty: none
+    std::filesystem::path recordFile;      ///< for EFront::Stdio, Page and Window; empty: nothing is recorded
+    std::optional<EEvaluation> evaluation; ///< none: what suits the front
+    std::filesystem::path replayFile;      ///< for EFront::Replay
+    SListenOptions listen;                 ///< for EFront::Page
+    SWindowOptions window;                 ///< for EFront::Window
+    SStandInOptions device;                ///< for EFront::Device
+    std::string strHelp;                   ///< what --help prints
 };
 
 /// Read the arguments (without the program's name). Defaults lie in the program's folder. Nothing, with a message that

@@ -86,6 +86,11 @@ int RunSession(const SOptions& options) {
             return Fail("--record: " + strError);
         }
     }
+    // A script evaluates nodes itself.
+    const EEvaluation nUsual = options.nFront == EFront::Stdio ? EEvaluation::Frame : EEvaluation::Event;
+    if (options.evaluation.value_or(nUsual) == EEvaluation::Event) {
+        pSession->Do(SEvaluateCommand{EEvaluation::Event});
+    }
     if (!options.sceneFile.empty()) {
         CSystemFiles files;
         const OrderedJson reply = Answer(*pSession, {{"op", "load"}, {"file", Utf8(options.sceneFile)}}, files);

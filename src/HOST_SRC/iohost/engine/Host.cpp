@@ -239,11 +239,13 @@ void CHost::DestroyAll() {
 }
 
 int CHost::Evaluate(SNode& node, bool bGraph) {
+    node.bGotEvent = false;
     const CEvaluationInputs inputs(node);
     return Call(&node, [&] { return node.pNode->ProcessNode(bGraph ? node.pGraphNode.get() : nullptr); });
 }
 
 int CHost::Deliver(SNode& node, const SIOEventRecord* pRecord) {
+    node.bGotEvent = true;
     m_pJsonVerdicts->Begin();
     const int nResult = Call(&node, [&] { return node.pNode->DevIOEventOccurred(pRecord); });
     m_pJsonVerdicts->End(node, pRecord, nResult);

@@ -164,6 +164,13 @@ SHAPE(SDestroyCommand, SField{"node", &SDestroyCommand::strHandle},
       SField{"type", &SDestroyCommand::type, FIELD_OPTIONAL},
       SField{"pointer", &SDestroyCommand::bPointer, FIELD_OPTIONAL})
 
+template <>
+struct Names<EEvaluation> {
+    static constexpr const char* ROWS[] = {"frame", "event"};
+};
+
+SHAPE(SEvaluateCommand, SField{"on", &SEvaluateCommand::nOn})
+
 SHAPE(SProcessCommand, SField{"node", &SProcessCommand::handle, FIELD_OPTIONAL},
       SField{"graph", &SProcessCommand::bGraph, FIELD_OPTIONAL})
 
@@ -225,6 +232,7 @@ TAG(SInitCommand, "init")
 TAG(SOutputsCommand, "outputs")
 TAG(SLayoutCommand, "layout")
 TAG(SDestroyCommand, "destroy")
+TAG(SEvaluateCommand, "evaluate")
 TAG(SProcessCommand, "process")
 TAG(SFrameCommand, "process")
 TAG(SEventCommand, "event")

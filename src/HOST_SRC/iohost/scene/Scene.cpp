@@ -50,6 +50,7 @@ void CScene::Remove(SNode& node) {
     for (const SLink& link : node.arIncoming) {
         std::erase(link.pFrom->arOutgoing, link);
     }
+    std::erase(m_triggered, &node);
     m_byHandle.erase(node.strHandle);
     m_byNode.erase(node.pNode);
     m_byGraphNode.erase(node.pGraphNode.get());
@@ -91,6 +92,11 @@ void CScene::Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput) {
     }
 }
 
+void CScene::Trigger(SNode& node, unsigned nInput) {
+    node.setTriggered.insert(nInput);
+    m_triggered.push_back(&node);
+}
+
 void CScene::Fire(const VEKProperty* pNode, unsigned nOutput) {
     const SNode* pFrom = Find(pNode);
     if (pFrom == nullptr) {
@@ -98,7 +104,7 @@ void CScene::Fire(const VEKProperty* pNode, unsigned nOutput) {
     }
     for (const SLink& link : pFrom->arOutgoing) {
         if (link.bEvent && link.nOutput == nOutput) {
-            link.pTo->setTriggered.insert(link.nInput);
+            Trigger(*link.pTo, link.nInput);
         }
     }
 }
@@ -109,6 +115,7 @@ void CScene::Swap(CScene& other) {
     m_byHandle.swap(other.m_byHandle);
     m_byNode.swap(other.m_byNode);
     m_byGraphNode.swap(other.m_byGraphNode);
+    m_triggered.swap(other.m_triggered);
     std::swap(m_nNextOrder, other.m_nNextOrder);
 }
 

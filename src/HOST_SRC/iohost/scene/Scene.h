@@ -8,6 +8,7 @@
 #include <set>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "host/Clip.h"
@@ -37,6 +38,8 @@ struct SNode {
     std::unique_ptr<SGraphNode> pGraphNode;
     bool bEventWindow;               ///< the node was given the event window
     bool bNotifyWindow;              ///< the node was given the notification window
+    bool bGotEvent = false;          ///< since its last evaluation: its outputs may not tell of it yet
+    unsigned long long nCause = 0;   ///< what it was evaluated for last, out of turn
     PinTypes ownInputs;              ///< the inputs that the node makes by itself, also when they were dropped since
     PinTypes ownOutputs;             ///< the outputs, likewise
     std::set<unsigned> setTriggered; ///< inputs that the next evaluation finds triggered
@@ -90,8 +93,14 @@ public:
     /// Make a link; the same link twice is one. The pins must have a type.
     void Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput);
 
-    /// A node fired an event output: the inputs linked to it are triggered for their nodes' next evaluation.
+    /// Trigger an input for its node's next evaluation.
+    void Trigger(SNode& node, unsigned nInput);
+
+    /// A node fired an event output: the inputs linked to it are triggered, in the order of the links.
     void Fire(const VEKProperty* pNode, unsigned nOutput);
+
+    /// The nodes triggered since the last call, in order. One may be named twice, or evaluated since.
+    std::vector<SNode*> TakeTriggered() { return std::exchange(m_triggered, {}); }
 
     /// Exchange all contents.
     void Swap(CScene& other);
@@ -102,6 +111,7 @@ private:
     std::unordered_map<std::string, SNode*> m_byHandle;
     std::unordered_map<const VEKProperty*, SNode*> m_byNode;
     std::unordered_map<const SGraphNode*, SNode*> m_byGraphNode;
+    std::vector<SNode*> m_triggered;
     unsigned long long m_nNextOrder = 0;
 };
 

@@ -59,6 +59,16 @@ struct SDestroyCommand {
 
 // ---- Evaluation and events --------------------------------------------------------------------------------------
 
+/// When the nodes behind a fired output are evaluated.
+enum class EEvaluation {
+    Frame, ///< with the next frame, as all nodes are
+    Event, ///< at once
+};
+
+struct SEvaluateCommand {
+    EEvaluation nOn = EEvaluation::Frame;
+};
+
 struct SProcessCommand {
     std::optional<std::string> handle = {}; ///< none: all nodes
     bool bGraph = true;                     ///< false: a null graph node
@@ -191,8 +201,8 @@ struct SRecordingCommand {
 
 using Command =
     std::variant<SCatalogueCommand, SCallCommand, SCreateCommand, SInspectCommand, SInitCommand, SOutputsCommand,
-                 SProcessCommand, SFrameCommand, SEventCommand, SJsonCommand, SReleaseHeldCommand, SSetCommand,
-                 SEditCommand, STriggerCommand, SDropCommand, SLinkCommand, SKeysCommand, SClockCommand,
+                 SEvaluateCommand, SProcessCommand, SFrameCommand, SEventCommand, SJsonCommand, SReleaseHeldCommand,
+                 SSetCommand, SEditCommand, STriggerCommand, SDropCommand, SLinkCommand, SKeysCommand, SClockCommand,
                  SMainWindowCommand, SObjectCommand, SObjectsCommand, SDevicesCommand, SListenCommand, SWaitCommand,
                  SNetworkCommand, SListenOnlyCommand, SLayoutCommand, SDestroyCommand, SSaveCommand, SLoadCommand,
                  SSceneCommand, SRecordingCommand, SQuitCommand>;

@@ -150,6 +150,43 @@ Result CSession::On(const SDestroyCommand& command) {
 
 // ---- Evaluation and events --------------------------------------------------------------------------------------
 
+Result CSession::On(const SEvaluateCommand& command) {
+    m_nEvaluation = command.nOn;
+    return {};
+}
+
+/// Evaluate the nodes that were triggered, and what their evaluations trigger, each once.
+void CSession::Follow() {
+    ++m_nCause;
+    for (auto triggered = Scene().TakeTriggered(); m_nEvaluation == EEvaluation::Event && !triggered.empty();
+         triggered = Scene().TakeTriggered()) {
+        for (SNode* pNode : triggered) {
+            for (const SLink& link : pNode->arIncoming) {
+                if (link.pFrom->bGotEvent) {
+                    EvaluateOnce(*link.pFrom); // so that its values are those of the event
+                }
+            }
+            if (!pNode->setTriggered.empty()) {
+                EvaluateOnce(*pNode);
+            }
+        }
+    }
+}
+
+/// A node that is triggered again by what it caused waits for the next frame. A fault doesn't keep the others.
+void CSession::EvaluateOnce(SNode& node) {
+    if (std::exchange(node.nCause, m_nCause) == m_nCause) {
+        m_cycleLine.Write("the node " + Quoted(node.strHandle) + " is triggered again by what it caused: that waits " +
+                          "for the next frame");
+        return;
+    }
+    try {
+        m_pHost->Evaluate(node, true);
+    } catch (const CModuleFault& fault) {
+        m_faultLine.Write(fault.what());
+    }
+}
+
 Result CSession::On(const SProcessCommand& command) {
     SNodeResults results;
     for (SNode* pNode : NodeOrAll(command.handle)) {
@@ -169,6 +206,7 @@ Result CSession::On(const SFrameCommand& command) {
         }
         results.results.emplace_back(node.strHandle, result);
     }
+    Follow();
     if (command.bOutputs) {
         results.outputs = m_frameOutputs.Take(Scene());
     }
@@ -285,7 +323,7 @@ Result CSession::On(const STriggerCommand& command) {
     if (input.m_nType != PARAM_EVENT.m_nType) {
         Refuse("param", "parameter " + std::to_string(command.nParam) + " isn't an event input");
     }
-    node.setTriggered.insert(command.nParam);
+    Scene().Trigger(node, command.nParam);
     return {};
 }
 

@@ -68,6 +68,7 @@ SOutcome CSession::CarryOut(const Command& command, const SOrigin& origin) {
                 }
             },
             command);
+        Follow();
         if (m_nDepth == 1) {
             m_peers.Poll();
         }

@@ -86,6 +86,8 @@ private:
     std::vector<SNode*> NodeOrAll(const std::optional<std::string>& handle);
     VEKParam& SetValue(const SSetCommand& set);
     std::vector<SRelease> Release(CHeldInput& held, const SReleaseHeldCommand& command);
+    void Follow();
+    void EvaluateOnce(SNode& node);
     void BuildScene(const SSceneDocument& document, const std::string& strPath);
     void AwaitDevices();
 
@@ -95,6 +97,7 @@ private:
     Result On(const SInspectCommand& command);
     Result On(const SInitCommand& command);
     Result On(const SOutputsCommand& command);
+    Result On(const SEvaluateCommand& command);
     Result On(const SProcessCommand& command);
     Result On(const SFrameCommand& command);
     Result On(const SEventCommand& command, const SOrigin& origin);
@@ -129,11 +132,14 @@ private:
     CHeldInputs m_held{m_clock};
     std::vector<ISessionObserver*> m_observers;
     int m_nDepth = 0; ///< commands under way: items come within a `wait`
+    EEvaluation m_nEvaluation = EEvaluation::Frame;
+    unsigned long long m_nCause = 0; ///< numbers what had nodes evaluated out of turn
     unsigned long long m_nSceneVersion = 0;
     COutputChanges m_frameOutputs; ///< as frames told them
     std::vector<SDispatched> m_dispatched;
     bool m_bTaken = false; ///< a node took the last item
     CLimitedLine m_faultLine{LOG_ERROR};
+    CLimitedLine m_cycleLine{LOG_INFORMATION};
 };
 
 inline constexpr int RECORDING_VERSION = 1;

@@ -1,0 +1,305 @@
+// When the nodes behind a fired output are evaluated: with the next frame, or at once.
+#include <random>
+#include <sstream>
+
+#include "HostTest.h"
+#include "fronts/recording/Recorder.h"
+#include "fronts/recording/Replay.h"
+
+namespace {
+
+const char* const TYPE = "{8164BB40-6B6A-4707-88B7-386BCB0D1B";
+const char* const AT_ONCE = R"({"op":"evaluate","on":"event"})";
+
+enum : unsigned {
+    KEY_DOWN = 152,
+    KEY_TEXT = 154,
+    RECEIVED_TEXT = 1452,
+    RECEIVED = 1453,
+    SENT_TEXT = 1505,
+    SEND = 1507,
+};
+
+/// Nodes whose texts are sent: a keyboard "k" and a JSON node "j", each linked to a string send node.
+class Evaluation : public CHostTest {
+protected:
+    void Create(const std::string& strNode, const std::string& strType) {
+        Must(R"({"op":"create","node":")" + strNode + R"(","type":")" + TYPE + strType +
+             R"(}","clip":"Clip","graph":"G"})");
+    }
+
+    void Link(const std::string& strFrom, unsigned nOutput, const std::string& strTo, unsigned nInput) {
+        Must(Json{{"op", "link"}, {"from", strFrom}, {"output", nOutput}, {"to", strTo}, {"input", nInput}}.dump());
+    }
+
+    /// A string send node that is triggered by an output and sends the value of another.
+    void SendTextOf(const std::string& strFrom, unsigned nText, unsigned nEvent) {
+        const std::string strSend = "s" + strFrom;
+        Create(strSend, "0F");
+        Link(strFrom, nText, strSend, SENT_TEXT);
+        Link(strFrom, nEvent, strSend, SEND);
+    }
+
+    void MakeSenders() {
+        Must(R"({"op":"devices","list":[{"id":0,"name":"Wall","parser":"direct"}]})");
+        Create("k", "01");
+        Create("j", "0E");
+        SendTextOf("k", KEY_TEXT, KEY_DOWN);
+        SendTextOf("j", RECEIVED_TEXT, RECEIVED);
+        Frame();
+    }
+
+    OrderedJson PressKey(const std::string& strText) {
+        return Must(
+            Json{{"op", "event"}, {"device", 0}, {"event", 2002}, {"payload", {{"is", "key"}, {"text", strText}}}}
+                .dump());
+    }
+
+    OrderedJson ReceiveText(const std::string& strText) {
+        return Must(Json{{"op", "event"},
+                         {"device", 5},
+                         {"event", 0},
+                         {"payload", {{"is", "device_text"}, {"device", 1}, {"text", strText}}}}
+                        .dump());
+    }
+
+    void Reopen() {
+        m_pSession = nullptr;
+        std::string strError;
+        m_pSession = CSession::Open({m_folder.Path(), MODULE_FILE, ETextTable::Keys}, strError);
+        ASSERT_NE(m_pSession, nullptr) << strError;
+    }
+
+    /// The texts that a reply tells to have been sent, without the zero behind each.
+    static std::vector<std::string> Sent(const OrderedJson& reply) {
+        std::vector<std::string> texts;
+        for (const OrderedJson& sent : reply.value("sent", OrderedJson::array())) {
+            const std::string strHex = sent["raw"];
+            std::string& strText = texts.emplace_back();
+            for (size_t i = 0; i + 2 < strHex.size(); i += 2) {
+                strText += static_cast<char>(std::stoi(strHex.substr(i, 2), nullptr, 16));
+            }
+        }
+        return texts;
+    }
+};
+
+using Texts = std::vector<std::string>;
+
+TEST_F(Evaluation, WaitsForTheFrameUnlessAskedOtherwise) {
+    MakeSenders();
+    EXPECT_EQ(Sent(PressKey("A")), Texts{});
+    EXPECT_EQ(Sent(PressKey("B")), Texts{});
+    EXPECT_EQ(Sent(ReceiveText("{}")), Texts{});
+    EXPECT_EQ(Sent(Frame()), (Texts{"B", "{}"}));
+    Must(AT_ONCE);
+    EXPECT_EQ(Sent(PressKey("C")), Texts{"C"});
+    Must(R"({"op":"evaluate","on":"frame"})");
+    EXPECT_EQ(Sent(PressKey("D")), Texts{});
+    EXPECT_EQ(Sent(Frame()), Texts{"D"});
+}
+
+TEST_F(Evaluation, AnEventIsActedOnAtOnceAndOnlyOnce) {
+    MakeSenders();
+    Must(AT_ONCE);
+    EXPECT_EQ(Sent(ReceiveText(R"({"a":1})")), Texts{R"({"a":1})"});
+    EXPECT_EQ(Sent(ReceiveText(R"({"a":2})")), Texts{R"({"a":2})"});
+    EXPECT_EQ(Sent(Frame()), Texts{});
+}
+
+/// A keyboard writes its text when it is evaluated, after it fired.
+TEST_F(Evaluation, TheValuesOfTheEventComeAlong) {
+    MakeSenders();
+    Must(AT_ONCE);
+    EXPECT_EQ(Sent(PressKey("A")), Texts{"A"});
+    EXPECT_EQ(Sent(PressKey("B")), Texts{"B"});
+}
+
+TEST_F(Evaluation, ATriggerIsActedOnAtOnce) {
+    MakeSenders();
+    Must(R"({"op":"set","node":"sk","param":1505,"string":"typed"})");
+    Must(AT_ONCE);
+    PressKey("A");
+    EXPECT_EQ(Sent(Must(R"({"op":"trigger","node":"sk","param":1507})")), Texts{"A"});
+    EXPECT_EQ(Sent(Frame()), Texts{});
+}
+
+TEST_F(Evaluation, WordsThatAreNoneAreRefused) {
+    EXPECT_EQ(Refusal(R"({"op":"evaluate","on":"later"})"), R"(on: "later" is none of frame, event)");
+    EXPECT_EQ(Refusal(R"({"op":"evaluate"})"), "on: is missing");
+}
+
+TEST_F(Evaluation, ARecordingKeepsWhenNodesWereEvaluated) {
+    const auto file = m_folder.Path() / "recording.jsonl";
+    std::string strError;
+    {
+        const auto pRecorder = CRecorder::Open(*m_pSession, file, strError);
+        ASSERT_NE(pRecorder, nullptr) << strError;
+        MakeSenders();
+        PressKey("A");
+        Must(AT_ONCE);
+        EXPECT_EQ(Sent(PressKey("B")), Texts{"B"});
+    }
+    Reopen();
+    const auto pReplay = CReplay::Open(file, strError);
+    ASSERT_NE(pReplay, nullptr) << strError;
+    std::ostringstream differences;
+    EXPECT_EQ(pReplay->Run(*m_pSession, differences), CReplay::EResult::Same) << differences.str();
+}
+
+/// Scenes without cycles, with a frame after each event: nodes end alike, whenever they were evaluated.
+TEST_F(Evaluation, AtOnceAndByFramesEndInTheSameOutputs) {
+    constexpr int NODES_OF_A_TYPE = 2;
+    const char* const types[] = {"01", "02", "03", "04", "05", "07", "08", "0B", "0C", "0D", "0E", "0F"};
+    for (unsigned nSeed = 1; nSeed <= 12; ++nSeed) {
+        SCOPED_TRACE(nSeed);
+        OrderedJson ends[2];
+        for (OrderedJson& end : ends) {
+            Reopen();
+            if (&end == &ends[1]) {
+                Must(AT_ONCE);
+            }
+            std::mt19937 random(nSeed);
+            const auto below = [&](size_t nEnd) { return random() % nEnd; };
+            struct SPin {
+                unsigned nId;
+                bool bEvent;
+            };
+            std::vector<std::pair<std::vector<SPin>, std::vector<SPin>>> pins; // outputs and inputs of each node
+            for (size_t i = 0; i < NODES_OF_A_TYPE * std::size(types); ++i) {
+                const std::string strNode = std::to_string(i);
+                Create(strNode, types[below(std::size(types))]);
+                const OrderedJson node = Must(Json{{"op", "inspect"}, {"node", strNode}}.dump());
+                auto& [outputs, inputs] = pins.emplace_back();
+                for (const auto& [pPins, pszGroups] : {std::pair(&outputs, "outputs"), std::pair(&inputs, "inputs")}) {
+                    for (const OrderedJson& group : node[pszGroups]) {
+                        for (const OrderedJson& param : group["params"]) {
+                            pPins->push_back({param["id"], param["type"] == 26});
+                        }
+                    }
+                }
+            }
+            for (int i = 0; i < 400; ++i) {
+                const size_t nFrom = below(pins.size() - 1);
+                const size_t nTo = nFrom + 1 + below(pins.size() - nFrom - 1);
+                const auto& outputs = pins[nFrom].first;
+                const auto& inputs = pins[nTo].second;
+                if (outputs.empty()) {
+                    continue;
+                }
+                const SPin output = outputs[below(outputs.size())];
+                const SPin input = inputs[below(inputs.size())];
+                if (output.bEvent == input.bEvent) {
+                    Link(std::to_string(nFrom), output.nId, std::to_string(nTo), input.nId);
+                }
+            }
+            const Json payloads[] = {
+                {{"device", 0}, {"event", 2002}, {"payload", {{"is", "key"}, {"text", "Space"}}}},
+                {{"device", 0}, {"event", 2003}, {"payload", {{"is", "key"}, {"text", "A"}}}},
+                {{"device", 1}, {"event", 3005}, {"payload", nullptr}},
+                {{"device", 1}, {"event", 3006}, {"payload", nullptr}},
+                {{"device", 5},
+                 {"event", 0},
+                 {"payload", {{"is", "device_text"}, {"device", 1}, {"text", "{\"a\":1}"}}}},
+                {{"device", 6},
+                 {"event", 0},
+                 {"payload", {{"is", "object_text"}, {"clip", ""}, {"object", ""}, {"text", "[1]"}}}},
+            };
+            Frame();
+            for (int i = 0; i < 40; ++i) {
+                Json event = payloads[below(std::size(payloads))];
+                event["op"] = "event";
+                Must(event.dump());
+                Frame();
+            }
+            end = WholeScene();
+        }
+        EXPECT_TRUE(ends[0] == ends[1]) << OrderedJson::diff(ends[0], ends[1]);
+    }
+}
+
+/// Probes "p" and "q" of which each fires whenever it is evaluated.
+class ProbeEvaluation : public CProbeTest {
+protected:
+    void SetUp() override {
+        Must(CREATE_PROBE);
+        Must(CREATE_SECOND_PROBE);
+        Must(R"({"op":"create","node":"r","type":"{11111111-2222-3333-4444-555555555555}","clip":null,"graph":"R"})");
+        Do("p", FIRE);
+        Do("q", FIRE);
+        Must(AT_ONCE);
+    }
+
+    void Do(const std::string& strNode, int nWhat) {
+        Must(Json{{"op", "set"}, {"node", strNode}, {"param", 10}, {"int", nWhat}}.dump());
+    }
+    void Link(const std::string& strFrom, const std::string& strTo) {
+        Must(Json{{"op", "link"}, {"from", strFrom}, {"output", 101}, {"to", strTo}, {"input", 14}}.dump());
+    }
+    OrderedJson Trigger(const std::string& strNode) {
+        return Must(Json{{"op", "trigger"}, {"node", strNode}, {"param", 14}}.dump());
+    }
+
+    /// How often a node was evaluated with its input triggered.
+    int Seen(const std::string& strNode) {
+        return Must(Json{{"op", "inspect"}, {"node", strNode}}.dump())["outputs"][0]["params"][1]["int"];
+    }
+
+    static constexpr int RAISE = 1;
+    static constexpr int FIRE = 6;
+};
+
+TEST_F(ProbeEvaluation, ANodeBehindTwoOthersIsEvaluatedOnce) {
+    Link("p", "q");
+    Link("p", "r");
+    Link("q", "r");
+    const OrderedJson reply = Trigger("p");
+    EXPECT_EQ(Seen("q"), 1);
+    EXPECT_EQ(Seen("r"), 1);
+    EXPECT_EQ(reply["posted"].size(), 2u);
+}
+
+TEST_F(ProbeEvaluation, ACycleGoesRoundOnceAndSaysSo) {
+    Link("p", "q");
+    Link("q", "p");
+    const OrderedJson reply = Trigger("p");
+    EXPECT_EQ(Seen("p"), 1);
+    EXPECT_EQ(Seen("q"), 1);
+    ASSERT_EQ(reply["log"].size(), 1u) << reply;
+    EXPECT_EQ(reply["log"][0]["text"],
+              R"(the node "p" is triggered again by what it caused: that waits for the next frame)");
+    Frame();
+    EXPECT_GE(Seen("p"), 2);
+}
+
+TEST_F(ProbeEvaluation, AFaultDoesNotKeepTheOthers) {
+    Link("p", "q");
+    Link("p", "r");
+    Do("q", RAISE);
+    const OrderedJson reply = Trigger("p");
+    EXPECT_EQ(Seen("r"), 1);
+    ASSERT_EQ(reply["log"].size(), 1u) << reply;
+    EXPECT_EQ(reply["log"][0]["text"], "the module raised CInvalidArgException");
+}
+
+TEST_F(ProbeEvaluation, AFrameActsOnWhatItFires) {
+    Must(R"({"op":"evaluate","on":"frame"})");
+    Link("q", "p"); // against the order of evaluation
+    Do("p", 0);
+    Frame();
+    EXPECT_EQ(Seen("p"), 0);
+    Must(AT_ONCE);
+    Frame();
+    EXPECT_EQ(Seen("p"), 2);
+}
+
+TEST_F(ProbeEvaluation, ADestroyedNodeIsNotEvaluated) {
+    Must(R"({"op":"evaluate","on":"frame"})");
+    Link("p", "q");
+    Must(R"({"op":"trigger","node":"q","param":14})");
+    Must(R"({"op":"destroy","node":"q"})");
+    Must(AT_ONCE);
+    Must(R"({"op":"process","node":"p"})");
+}
+
+} // namespace
