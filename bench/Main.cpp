@@ -9,10 +9,12 @@
 #include <benchmark/benchmark.h>
 
 #include "AllocationCount.h"
+#include "HostComparisons.h"
 #include "HostSetup.h"
 #include "JsonComparisons.h"
 #include "NetworkComparisons.h"
 #include "RatioReport.h"
+#include "base/Platform.h"
 
 namespace {
 
@@ -70,7 +72,6 @@ bool CheckAllTypesMeasured(const CBenchHost& host) {
 }
 
 bool MeasureAll() {
-    CBenchHost host;
     CRatioReport report;
     bool bWithinLimits = true;
     size_t nRun = 0;
@@ -78,6 +79,13 @@ bool MeasureAll() {
         nRun += RunAll(comparisons, report);
         bWithinLimits &= report.PrintTable(comparisons);
     };
+    {
+        CHostComparisons comparisons;
+        for (const size_t nNodes : CHostComparisons::SIZES) {
+            measure(comparisons.ForScene(nNodes));
+        }
+    }
+    CBenchHost host;
     // Before the many broadcast send nodes, each of which takes a socket for good.
     measure(CNetworkComparisons(host).All());
     measure(CJsonComparisons(host).All());
@@ -96,6 +104,7 @@ bool MeasureAll() {
 } // namespace
 
 int main(int argc, char** argv) {
+    AllowManySockets(); // each broadcast send node has one
     // Defaults of this program; what the command line says comes after them and counts.
     char szRepetitions[] = "--benchmark_repetitions=11";
     char szInterleaving[] = "--benchmark_enable_random_interleaving=true";

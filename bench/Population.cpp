@@ -26,13 +26,13 @@ LRESULT CALLBACK WindowProcedure(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM
     return DefWindowProcW(hWnd, nMessage, wParam, lParam);
 }
 
+} // namespace
+
 std::filesystem::path ModulePath() {
     wchar_t szProgram[4096];
     const DWORD nLength = GetModuleFileNameW(nullptr, szProgram, 4096);
     return std::filesystem::path(std::wstring(szProgram, nLength)).parent_path() / MODULE_FILE_NAME;
 }
-
-} // namespace
 
 // ---- The host -------------------------------------------------------------------------------------------------------
 

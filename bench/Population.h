@@ -1,6 +1,7 @@
 // The module as its host loads it, and many nodes of one type, each at its own place in a graph.
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <span>
 #include <vector>
@@ -12,6 +13,9 @@
 #include "host/Clip.h"
 #include "host/GeneralEvent.h"
 #include "host/PluginContract.h"
+
+/// The module's file, beside the program.
+std::filesystem::path ModulePath();
 
 /// Plays the host: loads the module that lies beside the program, and has the window that events are posted to and the
 /// application's main window.

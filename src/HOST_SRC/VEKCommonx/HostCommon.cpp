@@ -2,8 +2,10 @@
 #include "host/Codes.h"
 
 #include <fstream>
+#include <functional>
 #include <iterator>
-#include <map>
+#include <string_view>
+#include <unordered_map>
 
 #include <nlohmann/json.hpp>
 
@@ -12,10 +14,15 @@
 
 namespace {
 
+/// Finds texts without making one of the key.
+struct STextHash : std::hash<std::wstring_view> {
+    using is_transparent = void;
+};
+
 struct SHostSetup {
     CString strAppPath;
     bool bConfigurationHidden = false;
-    std::map<std::wstring, CString, std::less<>> texts;
+    std::unordered_map<std::wstring, CString, STextHash, std::equal_to<>> texts;
 };
 
 /// Made on first use: other static objects may look up texts while they are built.

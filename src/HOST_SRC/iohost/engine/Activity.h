@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
@@ -9,25 +10,14 @@
 
 #include <afxwin.h>
 
+#include "host/GeneralEvent.h"
 #include "host/RemoteControlRecord.h"
-
-/// One parameter of a general event.
-struct SEventParam {
-    unsigned nId;
-    CString strName;
-    CString strDisplay;
-    int nType;
-    int nControl;
-    CString strTypeName;
-    std::optional<std::string> points; ///< "clip:NAME", "node:HANDLE" or "int:VALUE"
-};
 
 /// The output came by a message to the host's event window.
 struct SFiredByWindow {
-    CString strName;
-    int nEventId;
+    std::shared_ptr<const SQOREvent> pEvent; ///< never null
     unsigned long long nWParam;
-    std::vector<SEventParam> params;
+    std::vector<std::optional<std::string>> points; ///< of each parameter: "clip:NAME", "node:HANDLE" or "int:VALUE"
 };
 
 /// It came straight to the host.

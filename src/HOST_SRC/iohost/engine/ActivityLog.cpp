@@ -38,7 +38,8 @@ CActivityLog::~CActivityLog() {
     SetLogSink(nullptr);
 }
 
-void CActivityLog::OnEventMessage(const SQOREvent& event, WPARAM wParam) {
+void CActivityLog::OnEventMessage(std::unique_ptr<const SQOREvent> pEvent, WPARAM wParam) {
+    const SQOREvent& event = *pEvent;
     const VEKParam* pOwner = FindPointer(event, L"VEKProperty");
     const auto* pNode = pOwner != nullptr ? static_cast<const VEKProperty*>(pOwner->m_pValue) : nullptr;
     const VEKParam* pOutput = FindPointer(event, L"EventID");
@@ -46,14 +47,13 @@ void CActivityLog::OnEventMessage(const SQOREvent& event, WPARAM wParam) {
     if (pOutputId != nullptr) {
         m_scene.Fire(pNode, static_cast<unsigned>(*pOutputId));
     }
-    SFiredByWindow byWindow{event.m_strName, static_cast<int>(event.m_nId), wParam, {}};
+    std::vector<std::optional<std::string>> points;
     for (POSITION pos = event.m_lstParam.GetHeadPosition(); pos != nullptr;) {
-        const VEKParam& param = *event.m_lstParam.GetNext(pos);
-        byWindow.params.push_back({static_cast<unsigned>(param.m_guid.Data1), param.m_strName, param.m_strDisplay,
-                                   param.m_nType, param.m_nControl, param.m_szTypeName, PointsAt(param)});
+        points.push_back(PointsAt(*event.m_lstParam.GetNext(pos)));
     }
     m_activity.fired.push_back({HandleOf(m_scene.Find(pNode)),
-                                pOutputId != nullptr ? std::optional(*pOutputId) : std::nullopt, std::move(byWindow)});
+                                pOutputId != nullptr ? std::optional(*pOutputId) : std::nullopt,
+                                SFiredByWindow{std::move(pEvent), wParam, std::move(points)}});
 }
 
 void CActivityLog::OnNotifyMessage(WPARAM wParam, LPARAM lParam) {

@@ -1,6 +1,7 @@
 // Collects what the module does: fired events, log lines, notifications, items sent, redraws.
 #pragma once
 
+#include <memory>
 #include <utility>
 
 #include "LogSink.h"
@@ -22,7 +23,7 @@ public:
     void SetCalledNode(const SNode* pNode) { m_pCalledNode = pNode; }
 
     /// A general event reached the host's event window.
-    void OnEventMessage(const SQOREvent& event, WPARAM wParam);
+    void OnEventMessage(std::unique_ptr<const SQOREvent> pEvent, WPARAM wParam);
 
     /// A notification message reached the host's notification window.
     void OnNotifyMessage(WPARAM wParam, LPARAM lParam);

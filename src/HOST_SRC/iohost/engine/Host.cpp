@@ -45,13 +45,13 @@ CHost::CCallScope::CCallScope(CHost& host, const SNode* pNode) : m_host(host) {
 }
 
 CHost::CCallScope::~CCallScope() {
-    m_host.m_pWindows->Pump();
+    m_host.m_pWindow->Pump();
     m_host.m_pActivity->SetCalledNode(nullptr);
 }
 
 CHost::CHost()
     : m_pMainWindow(std::make_unique<CMainWindow>()), m_pActivity(std::make_unique<CActivityLog>(m_scene)),
-      m_pJsonVerdicts(std::make_unique<CJsonVerdicts>()), m_pWindows(std::make_unique<CEventWindows>(*m_pActivity)) {
+      m_pJsonVerdicts(std::make_unique<CJsonVerdicts>()), m_pWindow(std::make_unique<CEventWindow>(*m_pActivity)) {
     SetNodeSink(this);
     s_bOpen = true;
 }
@@ -167,12 +167,12 @@ SNodeCreated CHost::Create(const SNodeStart& start, const SNodeContents& content
 void CHost::Prepare(SNode& node, const SNodeStart& start, const SNodeContents& contents) {
     P_ExtDevIOProcess& object = *node.pNode;
     if (start.bEventWindow) {
-        object.m_hEventWnd = m_pWindows->EventWindow();
-        object.m_nEventMsg = m_pWindows->EventMessage();
+        object.m_hEventWnd = m_pWindow->Handle();
+        object.m_nEventMsg = m_pWindow->EventMessage();
     }
     if (start.bNotifyWindow) {
-        object.m_hNotifyWnd = m_pWindows->NotifyWindow();
-        object.m_nNotifyMsg = m_pWindows->NotifyMessage();
+        object.m_hNotifyWnd = m_pWindow->Handle();
+        object.m_nNotifyMsg = m_pWindow->NotifyMessage();
     }
     if (start.clip) {
         object.m_pOwnerClip = &m_scene.Clip(*start.clip);

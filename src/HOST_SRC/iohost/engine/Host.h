@@ -8,7 +8,7 @@
 #include "HostSetup.h"
 #include "base/Refusal.h"
 #include "engine/ActivityLog.h"
-#include "engine/EventWindows.h"
+#include "engine/EventWindow.h"
 #include "engine/JsonVerdicts.h"
 #include "engine/MainWindow.h"
 #include "engine/Module.h"
@@ -139,7 +139,7 @@ private:
     std::unique_ptr<CMainWindow> m_pMainWindow;
     std::unique_ptr<CActivityLog> m_pActivity;
     std::unique_ptr<CJsonVerdicts> m_pJsonVerdicts;
-    std::unique_ptr<CEventWindows> m_pWindows;
+    std::unique_ptr<CEventWindow> m_pWindow;
     std::unique_ptr<CModule> m_pModule; ///< null once closed
     SIOProcessPluginData m_data;
     ETextTable m_nTexts = ETextTable::Keys;

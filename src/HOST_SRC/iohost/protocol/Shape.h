@@ -16,6 +16,7 @@
 #include "base/GuidText.h"
 #include "base/TextUtf8.h"
 #include "protocol/Fields.h"
+#include "scene/Scene.h"
 
 enum : unsigned {
     /// Reading: the field may be missing. Writing: it's left out while it is what a new struct has.
@@ -353,7 +354,18 @@ struct Codec<std::array<T, nCount>> : SFixedListCodec<std::array<T, nCount>, T, 
 template <typename T, size_t nCount>
 struct Codec<T[nCount]> : SFixedListCodec<T[nCount], T, nCount> {};
 
-/// A list by name or id: an object.
+/// What the members of such an object are called.
+inline std::string KeyText(const std::string& strName) {
+    return strName;
+}
+inline std::string KeyText(unsigned nId) {
+    return std::to_string(nId);
+}
+inline std::string KeyText(const SNode* pNode) {
+    return pNode->strHandle;
+}
+
+/// A list by name, id or node: an object.
 template <typename Key, typename T>
 struct Codec<std::vector<std::pair<Key, T>>> {
     static void Read(std::vector<std::pair<Key, T>>& value, const Json& json, const std::string& strPath) {
@@ -364,11 +376,7 @@ struct Codec<std::vector<std::pair<Key, T>>> {
     static OrderedJson Write(const std::vector<std::pair<Key, T>>& value) {
         OrderedJson object = OrderedJson::object();
         for (const auto& [key, element] : value) {
-            if constexpr (std::is_same_v<Key, std::string>) {
-                AppendMember(object, key, ToJson(element));
-            } else {
-                AppendMember(object, std::to_string(key), ToJson(element));
-            }
+            AppendMember(object, KeyText(key), ToJson(element));
         }
         return object;
     }

@@ -220,6 +220,25 @@ OrderedJson Codec<SRelease>::Write(const SRelease& value) {
     return {{"device", value.event.nDevice}, {"event", value.event.nEvent}, {"payload", ToJson(value.event.payload)}};
 }
 
+void AppendFields(OrderedJson& json, const SFiredByWindow& fired) {
+    const SQOREvent& event = *fired.pEvent;
+    json["name"] = Utf8(event.m_strName);
+    json["event_id"] = static_cast<int>(event.m_nId);
+    json["wparam"] = fired.nWParam;
+    OrderedJson& params = json["params"] = OrderedJson::array();
+    POSITION pos = event.m_lstParam.GetHeadPosition();
+    for (const std::optional<std::string>& points : fired.points) {
+        const VEKParam& param = *event.m_lstParam.GetNext(pos);
+        params.push_back({{"id", static_cast<unsigned>(param.m_guid.Data1)},
+                          {"name", Utf8(param.m_strName)},
+                          {"display", Utf8(param.m_strDisplay)},
+                          {"type", param.m_nType},
+                          {"control", param.m_nControl},
+                          {"type_name", Utf8(CString(param.m_szTypeName))},
+                          {"points", ToJson(points)}});
+    }
+}
+
 OrderedJson Codec<Sent>::Write(const Sent& value) {
     return std::visit([](const auto& held) { return ToJson(held); }, value);
 }

@@ -278,13 +278,7 @@ OrderedJson SceneToJson(const SSceneDocument& scene);
 
 // ---- What the module did ------------------------------------------------------------------------------------------
 
-SHAPE(SEventParam, SField{"id", &SEventParam::nId}, SField{"name", &SEventParam::strName},
-      SField{"display", &SEventParam::strDisplay}, SField{"type", &SEventParam::nType},
-      SField{"control", &SEventParam::nControl}, SField{"type_name", &SEventParam::strTypeName},
-      SField{"points", &SEventParam::points, FIELD_NULLABLE})
-
-SHAPE(SFiredByWindow, SField{"name", &SFiredByWindow::strName}, SField{"event_id", &SFiredByWindow::nEventId},
-      SField{"wparam", &SFiredByWindow::nWParam}, SField{"params", &SFiredByWindow::params})
+void AppendFields(OrderedJson& json, const SFiredByWindow& fired);
 
 SHAPE(SFiredByHost, SField{"clip", &SFiredByHost::clip, FIELD_NULLABLE},
       SField{"object", &SFiredByHost::object, FIELD_NULLABLE})

@@ -93,7 +93,9 @@ void CScene::Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput) {
 }
 
 void CScene::Trigger(SNode& node, unsigned nInput) {
-    node.setTriggered.insert(nInput);
+    if (std::ranges::find(node.arTriggered, nInput) == node.arTriggered.end()) {
+        node.arTriggered.push_back(nInput);
+    }
     m_triggered.push_back(&node);
 }
 
@@ -128,13 +130,13 @@ CEvaluationInputs::CEvaluationInputs(SNode& node) : m_node(node) {
             CopyValue(*pOutput, *pInput);
         }
     }
-    for (const unsigned nInput : node.setTriggered) {
+    for (const unsigned nInput : node.arTriggered) {
         if (VEKParam* pInput = FindParam(lstInput, MakeParamGuid(nInput))) {
             m_arRestored.emplace_back(nInput, pInput->m_nValue);
             pInput->m_nValue = 1;
         }
     }
-    node.setTriggered.clear();
+    node.arTriggered.clear();
 }
 
 CEvaluationInputs::~CEvaluationInputs() {

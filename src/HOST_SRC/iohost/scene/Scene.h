@@ -5,7 +5,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -32,20 +31,21 @@ using PinTypes = std::map<unsigned, int>;
 
 /// One node of the scene. The module's object belongs to the scene until it is handed to operation 3.
 struct SNode {
-    std::string strHandle;
-    GUID guidType;
+    // What each frame looks at lies together.
     P_ExtDevIOProcess* pNode;
     std::unique_ptr<SGraphNode> pGraphNode;
-    bool bEventWindow;               ///< the node was given the event window
-    bool bNotifyWindow;              ///< the node was given the notification window
-    bool bGotEvent = false;          ///< since its last evaluation: its outputs may not tell of it yet
-    unsigned long long nCause = 0;   ///< what it was evaluated for last, out of turn
-    PinTypes ownInputs;              ///< the inputs that the node makes by itself, also when they were dropped since
-    PinTypes ownOutputs;             ///< the outputs, likewise
-    std::set<unsigned> setTriggered; ///< inputs that the next evaluation finds triggered
-    std::vector<SLink> arIncoming;   ///< links into this node, in the order in which they were made
-    std::vector<SLink> arOutgoing;   ///< links out of this node, likewise
-    unsigned long long nOrder;       ///< place in the order of creation
+    std::vector<SLink> arIncoming;     ///< links into this node, in the order in which they were made
+    std::vector<unsigned> arTriggered; ///< inputs that the next evaluation finds triggered, each once
+    bool bGotEvent = false;            ///< since its last evaluation: its outputs may not tell of it yet
+    bool bEventWindow;                 ///< the node was given the event window
+    bool bNotifyWindow;                ///< the node was given the notification window
+    unsigned long long nCause = 0;     ///< what it was evaluated for last, out of turn
+    unsigned long long nOrder;         ///< place in the order of creation
+    std::string strHandle;
+    GUID guidType;
+    PinTypes ownInputs;            ///< the inputs that the node makes by itself, also when they were dropped since
+    PinTypes ownOutputs;           ///< the outputs, likewise
+    std::vector<SLink> arOutgoing; ///< links out of this node, in the order in which they were made
 
     /// The type of a pin that is there, or was dropped and may come back; none for any other.
     std::optional<int> InputType(unsigned nInput) const;

@@ -84,9 +84,8 @@ void* ObjectOf(Payload& payload) {
         payload);
 }
 
-bool WouldMisread(const GUID& guidType, const SEventCommand& event) {
-    return !std::holds_alternative<std::monostate>(event.payload) && MayRead(guidType, event.nDevice, event.nEvent) &&
-           !Carries(event.nDevice, event.nEvent, event.payload);
+bool IsTruthful(const SEventCommand& event) {
+    return std::holds_alternative<std::monostate>(event.payload) || Carries(event.nDevice, event.nEvent, event.payload);
 }
 
 bool MayRead(const GUID& guidType, int nDevice, int nEvent) {

@@ -9,9 +9,9 @@ Payload PayloadOf(const SIOEventRecord& record);
 /// What an event record points at; null for none.
 void* ObjectOf(Payload& payload);
 
-/// Whether a node of this type would take the payload for one of another kind: nodes trust the device to tell what the
+/// Whether the record's device tells nodes the truth about the payload, if there is any. They trust it to tell what the
 /// record points at.
-bool WouldMisread(const GUID& guidType, const SEventCommand& event);
+bool IsTruthful(const SEventCommand& event);
 
 /// Whether nodes of this type look at such records. Some answer every record with 1 and take none of them.
 bool MayRead(const GUID& guidType, int nDevice, int nEvent);

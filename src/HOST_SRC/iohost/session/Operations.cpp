@@ -166,7 +166,7 @@ void CSession::Follow() {
                     EvaluateOnce(*link.pFrom); // so that its values are those of the event
                 }
             }
-            if (!pNode->setTriggered.empty()) {
+            if (!pNode->arTriggered.empty()) {
                 EvaluateOnce(*pNode);
             }
         }
@@ -190,13 +190,14 @@ void CSession::EvaluateOnce(SNode& node) {
 Result CSession::On(const SProcessCommand& command) {
     SNodeResults results;
     for (SNode* pNode : NodeOrAll(command.handle)) {
-        results.results.emplace_back(pNode->strHandle, m_pHost->Evaluate(*pNode, command.bGraph));
+        results.results.emplace_back(pNode, m_pHost->Evaluate(*pNode, command.bGraph));
     }
     return results;
 }
 
 Result CSession::On(const SFrameCommand& command) {
     SFrameResults results;
+    results.results.reserve(Scene().Nodes().size());
     for (auto& [nOrder, node] : Scene().Nodes()) {
         std::optional<int> result;
         try {
@@ -204,7 +205,7 @@ Result CSession::On(const SFrameCommand& command) {
         } catch (const CModuleFault& fault) {
             WriteHostLine(LOG_ERROR, fault.what());
         }
-        results.results.emplace_back(node.strHandle, result);
+        results.results.emplace_back(&node, result);
     }
     Follow();
     if (command.bOutputs) {
@@ -215,10 +216,13 @@ Result CSession::On(const SFrameCommand& command) {
 
 Result CSession::On(const SEventCommand& command, const SOrigin& origin) {
     const std::vector<SNode*> nodes = NodeOrAll(command.handle);
-    for (const SNode* pNode : nodes) {
-        if (command.bRecord && WouldMisread(pNode->guidType, command)) {
-            Refuse("payload.is", "the node " + Quoted(pNode->strHandle) + " would read another kind in a record of " +
-                                     "device " + std::to_string(command.nDevice));
+    if (command.bRecord && !IsTruthful(command)) {
+        for (const SNode* pNode : nodes) {
+            if (MayRead(pNode->guidType, command.nDevice, command.nEvent)) {
+                Refuse("payload.is", "the node " + Quoted(pNode->strHandle) +
+                                         " would read another kind in a record of device " +
+                                         std::to_string(command.nDevice));
+            }
         }
     }
     if (origin.pHeld != nullptr) {
@@ -230,18 +234,20 @@ Result CSession::On(const SEventCommand& command, const SOrigin& origin) {
     Payload payload = command.payload;
     const SIOEventRecord record = {command.nDevice, command.nEvent, ObjectOf(payload)};
     SNodeResults results;
+    results.results.reserve(nodes.size());
     for (SNode* pNode : nodes) {
         std::optional<int> result;
         try {
             result = m_pHost->Deliver(*pNode, command.bRecord ? &record : nullptr);
-            m_bTaken = m_bTaken || (*result != 0 && MayRead(pNode->guidType, command.nDevice, command.nEvent));
+            m_bTaken =
+                m_bTaken || (origin.from && *result != 0 && MayRead(pNode->guidType, command.nDevice, command.nEvent));
         } catch (const CModuleFault& fault) {
             if (!origin.from) {
                 throw;
             }
             m_faultLine.Write(fault.what()); // the other nodes get the item all the same
         }
-        results.results.emplace_back(pNode->strHandle, result);
+        results.results.emplace_back(pNode, result);
     }
     return results;
 }

@@ -7,10 +7,19 @@
 
 namespace {
 
+/// The names in a general event, whose copies share their texts.
+struct SEventNames {
+    CString strEvent = L"GeneralEvent";
+    CString strClip = L"OwnerClip";
+    CString strObject = L"OwnerObject";
+    CString strNode = L"OwnerProperty";
+    CString strOutput = L"OwnerEventID";
+};
+
 /// Append one pointer parameter to a general event.
-void AppendPointer(SQOREvent& event, unsigned nId, const wchar_t* pszName, const wchar_t* pszDisplayKey, void* pValue,
+void AppendPointer(SQOREvent& event, unsigned nId, const CString& strName, const wchar_t* pszDisplayKey, void* pValue,
                    const wchar_t* pszTypeName) {
-    auto pParam = NewParam(nId, pszName, LoadText(pszDisplayKey), PARAM_POINTER);
+    auto pParam = NewParam(nId, strName, LoadText(pszDisplayKey), PARAM_POINTER);
     PointerOf(*pParam) = pValue;
     std::copy_n(pszTypeName, std::wcslen(pszTypeName) + 1, TypeNameOf(*pParam));
     AppendOwned(ParamsOf(event), std::move(pParam));
@@ -80,12 +89,13 @@ void FireGeneralEvent(VEKProperty* pNode, int nOutput) {
     if (pNode == nullptr || EventWindowOf(*pNode) == nullptr || EventMessageOf(*pNode) == 0) {
         return;
     }
-    auto pEvent = std::make_unique<SQOREvent>(static_cast<EQOREventID>(GENERAL_EVENT), L"GeneralEvent");
-    AppendPointer(*pEvent, 0, L"OwnerClip", L"TOUCH_CONTROL_OWNER_CLIP", ClipOf(*pNode), L"VEKClip");
-    AppendPointer(*pEvent, 1, L"OwnerObject", L"TOUCH_CONTROL_OWNER_OBJECT", nullptr, L"VEKObject");
-    AppendPointer(*pEvent, 2, L"OwnerProperty", L"TOUCH_CONTROL_OWNER_PROPERTY", pNode, L"VEKProperty");
+    static const SEventNames s_names;
+    auto pEvent = std::make_unique<SQOREvent>(static_cast<EQOREventID>(GENERAL_EVENT), s_names.strEvent);
+    AppendPointer(*pEvent, 0, s_names.strClip, L"TOUCH_CONTROL_OWNER_CLIP", ClipOf(*pNode), L"VEKClip");
+    AppendPointer(*pEvent, 1, s_names.strObject, L"TOUCH_CONTROL_OWNER_OBJECT", nullptr, L"VEKObject");
+    AppendPointer(*pEvent, 2, s_names.strNode, L"TOUCH_CONTROL_OWNER_PROPERTY", pNode, L"VEKProperty");
     auto pOutput = std::make_unique<int>(nOutput);
-    AppendPointer(*pEvent, 3, L"OwnerEventID", L"QOR_EXTRADATA_EVENT_ID", pOutput.get(), L"EventID");
+    AppendPointer(*pEvent, 3, s_names.strOutput, L"QOR_EXTRADATA_EVENT_ID", pOutput.get(), L"EventID");
     static_cast<void>(pOutput.release()); // freed with the event
     // A full queue or a window that is gone refuses the message: the event is freed here then.
     if (PostMessageW(EventWindowOf(*pNode), EventMessageOf(*pNode), 1, reinterpret_cast<LPARAM>(pEvent.get()))) {

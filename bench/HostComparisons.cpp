@@ -1,0 +1,136 @@
+#include "HostComparisons.h"
+
+#include <iterator>
+#include <limits>
+#include <stdexcept>
+#include <string>
+
+#include <benchmark/benchmark.h>
+
+#include "base/Platform.h"
+#include "base/TextUtf8.h"
+#include "protocol/SceneFile.h"
+
+namespace {
+
+// Set from what was measured (docs/benchmarks.md), with room for a busy machine.
+constexpr double FRAME_LIMIT = 1.3;
+constexpr double SMALL_FRAME_LIMIT = 1.6; // what a frame costs by itself is shared by few nodes
+constexpr double EVENT_LIMIT = 2.0;
+constexpr double REQUEST_LIMIT = 4.0;
+
+constexpr size_t SMALL = 130; ///< nodes; requests are measured in these scenes
+constexpr int KEY_DOWN = 2002;
+
+} // namespace
+
+class CHostComparisons::CScene {
+public:
+    explicit CScene(size_t nNodes) {
+        m_key.m_strText = L"A";
+        std::string strError;
+        m_pSession = CSession::Open({.appFolder = APP_FOLDER, .moduleFile = ModulePath(), .texts = ETextTable::English},
+                                    strError);
+        if (m_pSession == nullptr) {
+            throw std::runtime_error(strError);
+        }
+        for (size_t i = 0; i < nNodes; ++i) {
+            const MeasuredType& type = MeasuredTypes()[i % MeasuredTypes().size()];
+            SCreateCommand create;
+            create.strHandle = "node " + std::to_string(i);
+            create.guidType = type.guidType;
+            create.clip = L"Clip";
+            create.strGraph = FromUtf8(create.strHandle);
+            if (m_pSession->Do(create).outcome.error) {
+                throw std::runtime_error("a node can't be made");
+            }
+        }
+    }
+
+    bool Frame() { return !m_pSession->Do(SFrameCommand{.bOutputs = false}).outcome.error; }
+
+    /// The evaluations of a frame, and nothing else.
+    bool EvaluateNodes() {
+        for (auto& [nOrder, node] : m_pSession->Scene().Nodes()) {
+            benchmark::DoNotOptimize(node.pNode->ProcessNode(node.pGraphNode.get()));
+        }
+        return true;
+    }
+
+    bool Key() {
+        return !m_pSession->Do(SEventCommand{.nDevice = DEVICE_KEYBOARD, .nEvent = KEY_DOWN, .payload = m_key})
+                    .outcome.error;
+    }
+
+    /// The calls of a key event; the log lines and events that come of them are received and freed.
+    bool CallNodes() {
+        const SIOEventRecord record = {DEVICE_KEYBOARD, KEY_DOWN, &m_key};
+        for (auto& [nOrder, node] : m_pSession->Scene().Nodes()) {
+            benchmark::DoNotOptimize(node.pNode->DevIOEventOccurred(&record));
+        }
+        const P_ExtDevIOProcess& any = *m_pSession->Scene().Nodes().begin()->second.pNode;
+        MSG message;
+        while (PeekMessageW(&message, any.m_hEventWnd, any.m_nEventMsg, any.m_nEventMsg, PM_REMOVE)) {
+            delete reinterpret_cast<SQOREvent*>(message.lParam);
+        }
+        m_pSession->Do(SClockCommand{});
+        return true;
+    }
+
+    /// A request as a script sends it.
+    bool Ask(const std::string& strRequest) {
+        const std::string strReply = AnswerText(*m_pSession, strRequest, m_files);
+        return strReply.starts_with(R"({"ok":true)");
+    }
+
+    /// The JSON of a request and its reply, read and written by the library.
+    bool ReadAndWrite(const std::string& strRequest, const OrderedJson& reply) {
+        Json request = Json::parse(strRequest);
+        std::string strReply = reply.dump();
+        benchmark::DoNotOptimize(&request);
+        benchmark::DoNotOptimize(&strReply);
+        return true;
+    }
+
+    OrderedJson ReplyOf(const std::string& strRequest) {
+        return OrderedJson::parse(AnswerText(*m_pSession, strRequest, m_files));
+    }
+
+private:
+    CNoFiles m_files;
+    SKeyEventData m_key;
+    std::unique_ptr<CSession> m_pSession;
+};
+
+CHostComparisons::CHostComparisons() = default;
+CHostComparisons::~CHostComparisons() = default;
+
+std::span<const Comparison> CHostComparisons::ForScene(size_t nNodes) {
+    m_comparisons.clear();
+    m_pScene = nullptr;
+    m_pScene = std::make_unique<CScene>(nNodes);
+    CScene& scene = *m_pScene;
+    scene.Frame(); // nodes take events once they have been evaluated
+    const auto add = [&](const std::string& strName, double fLimit, std::function<bool()> measured,
+                         std::function<bool()> floor) {
+        m_comparisons.push_back({"Host/" + strName + "/" + std::to_string(nNodes), nNodes, fLimit, true,
+                                 std::move(measured), std::move(floor), std::numeric_limits<double>::infinity()});
+    };
+    add(
+        "Frame", nNodes > SMALL ? FRAME_LIMIT : SMALL_FRAME_LIMIT, [&] { return scene.Frame(); },
+        [&] { return scene.EvaluateNodes(); });
+    add(
+        "Key", EVENT_LIMIT, [&] { return scene.Key(); }, [&] { return scene.CallNodes(); });
+    const std::pair<const char*, const char*> requests[] = {
+        {"Request event", R"({"op":"event","device":0,"event":2002,"payload":{"is":"key","text":"A"}})"},
+        {"Request process", R"({"op":"process"})"},
+        {"Request inspect", R"({"op":"inspect","node":"node 3"})"},
+    };
+    for (const auto& [pszName, pszRequest] : requests) {
+        const std::string strRequest = pszRequest;
+        add(
+            pszName, REQUEST_LIMIT, [&scene, strRequest] { return scene.Ask(strRequest); },
+            [&scene, strRequest, reply = scene.ReplyOf(strRequest)] { return scene.ReadAndWrite(strRequest, reply); });
+    }
+    return m_comparisons;
+}

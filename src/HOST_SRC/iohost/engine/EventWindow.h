@@ -1,0 +1,33 @@
+// The message-only window that nodes post to, and the queue behind it.
+#pragma once
+
+#include <afxwin.h>
+
+class CActivityLog;
+
+class CEventWindow {
+public:
+    /// Messages go to the log, which must outlive the window. Throws std::runtime_error when the system refuses a
+    /// window.
+    explicit CEventWindow(CActivityLog& log);
+    ~CEventWindow();
+
+    CEventWindow(const CEventWindow&) = delete;
+    CEventWindow& operator=(const CEventWindow&) = delete;
+
+    HWND Handle() const { return m_hWnd; }
+    UINT EventMessage() const { return m_nEventMsg; }
+    UINT NotifyMessage() const { return m_nNotifyMsg; }
+
+    /// Handle what nodes posted.
+    void Pump();
+
+private:
+    static LRESULT CALLBACK WindowProcedure(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
+    bool Take(UINT nMessage, WPARAM wParam, LPARAM lParam);
+
+    CActivityLog& m_log;
+    UINT m_nEventMsg;
+    UINT m_nNotifyMsg;
+    HWND m_hWnd;
+};
