@@ -64,7 +64,7 @@ test("the page and its files have their types, aren't kept, and may load from he
   const page = await get("/");
   assert.equal(page.status, 200);
   assert.equal(page.headers["content-type"], "text/html; charset=utf-8");
-  assert.equal(page.headers["cache-control"], "no-store");
+  assert.equal(page.headers["cache-control"], "no-cache");
   assert.match(page.headers["content-security-policy"], /default-src 'none'; script-src 'self';/);
   assert.match(page.headers["content-security-policy"], new RegExp(`connect-src 'self' ws://127.0.0.1:${port};`));
   for (const [path, type] of [
@@ -78,6 +78,21 @@ test("the page and its files have their types, aren't kept, and may load from he
     assert.equal(file.headers["content-type"], type, path);
     assert.ok(file.body.length > 0, path);
   }
+});
+
+
+test("files come compressed, and not again to whom has them", async () => {
+  const plain = await get("/page.js");
+  assert.equal(plain.headers["content-encoding"], undefined);
+  const headers = { "accept-encoding": "br, gzip" };
+  const packed = await get("/page.js", { headers });
+  assert.equal(packed.headers["content-encoding"], "gzip");
+  assert.ok(Number(packed.headers["content-length"]) < Number(plain.headers["content-length"]) / 2);
+  assert.notEqual(packed.headers.etag, plain.headers.etag);
+  const known = await get("/page.js", { headers: { ...headers, "if-none-match": packed.headers.etag } });
+  assert.deepEqual([known.status, known.body], [304, ""]);
+  const other = await get("/page.js", { headers: { "if-none-match": packed.headers.etag } });
+  assert.equal(other.status, 200);
 });
 
 test("HEAD has no body, and other methods aren't answered", async () => {

@@ -2,9 +2,10 @@
 //   IOHOST_WEB_OUT     output folder (default: build/)
 //   IOHOST_WEB_DEBUG   when set: readable code with source maps
 import { spawnSync } from "node:child_process";
-import { cpSync, mkdirSync, readdirSync, rmSync } from "node:fs";
+import { cpSync, mkdirSync, readdirSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { dirname, join } from "node:path";
 import { fileURLToPath } from "node:url";
+import { gzipSync } from "node:zlib";
 import { build } from "esbuild";
 
 const here = dirname(fileURLToPath(import.meta.url));
@@ -34,6 +35,10 @@ async function buildPage() {
     logLevel: "warning",
   });
   cpSync(join(here, "index.html"), join(outputFolder, "index.html"));
+  // The server sends these to browsers that take them so.
+  for (const name of readdirSync(outputFolder).filter((name) => /\.(html|js|css)$/.test(name))) {
+    writeFileSync(join(outputFolder, `${name}.gz`), gzipSync(readFileSync(join(outputFolder, name)), { level: 9 }));
+  }
 }
 
 async function runTests() {

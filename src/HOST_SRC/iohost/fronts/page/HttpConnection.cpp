@@ -4,6 +4,7 @@
 #include <boost/beast/http/empty_body.hpp>
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/read.hpp>
+#include <boost/beast/http/rfc7230.hpp>
 #include <boost/beast/http/string_body.hpp>
 #include <boost/beast/http/write.hpp>
 #include <boost/beast/websocket/rfc6455.hpp>
@@ -87,14 +88,24 @@ Response MakeFileResponse(const Request& request, const CHttpFiles& files, const
         return response;
     }
     const SWebFile* pFile = files.Find(View(request.target()));
-    std::optional<std::string> contents = pFile != nullptr ? CHttpFiles::Read(*pFile) : std::nullopt;
+    const bool bAcceptsGzip = http::token_list(request[http::field::accept_encoding]).exists("gzip");
+    std::optional<SWebFileContents> contents = pFile != nullptr ? CHttpFiles::Read(*pFile, bAcceptsGzip) : std::nullopt;
     if (!contents) {
         std::error_code error;
         return pFile != nullptr && std::filesystem::exists(pFile->path, error)
                    ? MakeRefusal(request, http::status::service_unavailable, "The file can't be read at the moment.")
                    : MakeRefusal(request, http::status::not_found, "There is no such file.");
     }
-    Response response = MakeResponse(request, http::status::ok, pFile->contentType, std::move(*contents));
+    const bool bKnown = View(request[http::field::if_none_match]).find(contents->strTag) != std::string_view::npos;
+    Response response =
+        bKnown ? MakeResponse(request, http::status::not_modified, pFile->contentType, {})
+               : MakeResponse(request, http::status::ok, pFile->contentType, std::move(contents->strBytes));
+    response.set(http::field::cache_control, "no-cache"); // kept, and asked for again
+    response.set(http::field::etag, contents->strTag);
+    response.set(http::field::vary, "Accept-Encoding");
+    if (contents->bGzip && !bKnown) {
+        response.set(http::field::content_encoding, "gzip");
+    }
     response.set("Content-Security-Policy", ContentSecurityPolicy(View(request[http::field::host])));
     if (token.IsInQuery(View(request.target()))) {
         response.set(http::field::set_cookie, token.SetCookie());

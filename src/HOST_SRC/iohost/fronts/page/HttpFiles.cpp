@@ -1,6 +1,7 @@
 #include "fronts/page/HttpFiles.h"
 
 #include <fstream>
+#include <functional>
 #include <iterator>
 
 #include "base/TextUtf8.h"
@@ -29,6 +30,12 @@ std::string_view ContentType(const std::filesystem::path& path) {
     return {};
 }
 
+std::optional<std::string> ReadBytes(const std::filesystem::path& path) {
+    std::ifstream stream(path, std::ios::binary);
+    std::string strBytes(std::istreambuf_iterator<char>(stream), {});
+    return stream ? std::optional(std::move(strBytes)) : std::nullopt;
+}
+
 } // namespace
 
 CHttpFiles::CHttpFiles(const std::filesystem::path& folder) {
@@ -47,11 +54,15 @@ const SWebFile* CHttpFiles::Find(std::string_view target) const {
     return found != m_files.end() ? &found->second : nullptr;
 }
 
-std::optional<std::string> CHttpFiles::Read(const SWebFile& file) {
-    std::ifstream stream(file.path, std::ios::binary);
-    std::string strContents(std::istreambuf_iterator<char>(stream), {});
-    if (!stream) {
+std::optional<SWebFileContents> CHttpFiles::Read(const SWebFile& file, bool bAcceptsGzip) {
+    auto bytes = bAcceptsGzip ? ReadBytes(std::filesystem::path(file.path) += ".gz") : std::nullopt;
+    const bool bGzip = bytes.has_value();
+    if (!bGzip) {
+        bytes = ReadBytes(file.path);
+    }
+    if (!bytes) {
         return std::nullopt;
     }
-    return strContents;
+    std::string strTag = "\"" + std::to_string(std::hash<std::string>()(*bytes)) + "\"";
+    return SWebFileContents{std::move(*bytes), std::move(strTag), bGzip};
 }

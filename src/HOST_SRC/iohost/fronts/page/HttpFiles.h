@@ -13,6 +13,12 @@ struct SWebFile {
     std::string_view contentType;
 };
 
+struct SWebFileContents {
+    std::string strBytes;
+    std::string strTag; ///< in quotes; another one for other bytes
+    bool bGzip;
+};
+
 class CHttpFiles {
 public:
     /// Lists the files of the folder and of those within it. Throws std::filesystem::filesystem_error.
@@ -21,9 +27,10 @@ public:
     /// The file that a request's target names ("/" is the page itself); null when there is none.
     const SWebFile* Find(std::string_view target) const;
 
-    /// Reads a file anew, so that a page that was built again shows when it's loaded again. Empty when it can't be
+    /// Reads a file anew, so that a page that was built again shows when it's loaded again; where there's a compressed
+    /// one beside it, which is called the same with .gz behind, and gzip is accepted, that one. Nothing when it can't be
     /// read.
-    static std::optional<std::string> Read(const SWebFile& file);
+    static std::optional<SWebFileContents> Read(const SWebFile& file, bool bAcceptsGzip);
 
 private:
     std::map<std::string, SWebFile, std::less<>> m_files; ///< by target
