@@ -60,6 +60,8 @@ TEST(Options, RecordingsHaveTheirFiles) {
     EXPECT_EQ(options.nFront, EFront::Replay);
     EXPECT_EQ(options.replayFile, "r.jsonl");
     EXPECT_EQ(Parse({"--describe", "markdown"}).nFront, EFront::Describe);
+    EXPECT_FALSE(Parse({"--describe", "markdown"}).bDescribeTypes);
+    EXPECT_TRUE(Parse({"--describe", "typescript"}).bDescribeTypes);
 }
 
 TEST(Options, TheLastOfTwoCounts) {
@@ -147,7 +149,7 @@ TEST(Options, WrongOnesAreNamed) {
         {{"--device", "1", "--delay", "-1"}, R"(--delay: "-1" isn't a whole number)"},
         {{"--device", "1", "--drop-after"}, "--drop-after: needs a value"},
         {{"--describe"}, "--describe: needs a value"},
-        {{"--describe", "html"}, R"(--describe: "html" isn't markdown, the only form there is)"},
+        {{"--describe", "html"}, R"(--describe: "html" is none of markdown, typescript)"},
         {{"--describe", "markdown", "--scene", "s"}, "--scene: goes with --stdio, --listen and --window only"},
         {{"--stdio", "--evaluate", "never"}, "--evaluate: \"never\" is none of event, frame"},
         {{"--replay", "r", "--record", "s"}, "--record: goes with --stdio, --listen and --window only"},

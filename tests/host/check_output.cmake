@@ -6,6 +6,5 @@ if(NOT RESULT EQUAL 0)
 endif()
 file(READ ${EXPECTED} TEXT)
 if(NOT OUTPUT STREQUAL TEXT)
-  message(FATAL_ERROR "${EXPECTED} isn't what the program prints. To renew it:\n"
-                      "  build/debug/bin/iohost --describe markdown >docs/nodes.md")
+  message(FATAL_ERROR "${EXPECTED} isn't what the program prints. To renew it run ${COMMAND} >${EXPECTED}")
 endif()

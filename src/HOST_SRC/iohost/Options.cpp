@@ -174,7 +174,10 @@ void DeclareFronts(CCommandLine& line, SOptions& options) {
     const Read readDevice = [&device](const std::string& strValue) {
         return Number<unsigned short>(device.nPort)(strValue) || Address(device.strAddress, device.nPort)(strValue);
     };
-    const Read readForm = [](const std::string& strValue) { return strValue == "markdown"; };
+    const Read readForm = [&options](const std::string& strValue) {
+        options.bDescribeTypes = strValue == "typescript";
+        return options.bDescribeTypes || strValue == "markdown";
+    };
 
     line.Begin("What it does, one of");
     line.IsFront(EFront::Stdio,
@@ -191,8 +194,10 @@ void DeclareFronts(CCommandLine& line, SOptions& options) {
                                           "a line",
                                           readDevice, WRONG_ADDRESS));
     line.IsFront(EFront::Describe,
-                 line.Add("--describe", "markdown", "writes the reference of the node types, from the module itself",
-                          readForm, "isn't markdown, the only form there is"));
+                 line.Add("--describe", "FORM",
+                          "writes the reference of the node types, from the module itself (markdown), or the\n"
+                          "types of the session's messages (typescript)",
+                          readForm, "is none of markdown, typescript"));
     line.IsFront(EFront::Replay,
                  line.Add("--replay", "FILE",
                           "replays a recording with the clock as recorded, names each reply that isn't\n"

@@ -23,6 +23,7 @@ struct SOptions {
     std::filesystem::path recordFile;      ///< for EFront::Stdio, Page and Window; empty: nothing is recorded
     std::optional<EEvaluation> evaluation; ///< none: what suits the front
     std::filesystem::path replayFile;      ///< for EFront::Replay
+    bool bDescribeTypes = false;           ///< for EFront::Describe: the protocol's types, not the nodes
     SListenOptions listen;                 ///< for EFront::Page
     SWindowOptions window;                 ///< for EFront::Window
     SStandInOptions device;                ///< for EFront::Device

@@ -7,6 +7,7 @@
 #include "base/PrintableText.h"
 #include "base/TextUtf8.h"
 #include "fronts/describe/Describe.h"
+#include "fronts/describe/TypeScript.h"
 #include "fronts/recording/Recorder.h"
 #include "fronts/recording/Replay.h"
 #include "fronts/stdio/StdioFront.h"
@@ -73,7 +74,7 @@ int RunSession(const SOptions& options) {
                                                         : EXIT_SESSION;
     }
     if (options.nFront == EFront::Describe) {
-        std::cout << NodeTypesMarkdown(*pSession) << std::flush;
+        std::cout << (options.bDescribeTypes ? ProtocolTypes() : NodeTypesMarkdown(*pSession)) << std::flush;
         return std::cout ? 0 : EXIT_SESSION;
     }
     std::unique_ptr<CRecorder> pRecorder;

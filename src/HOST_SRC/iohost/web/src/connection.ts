@@ -1,5 +1,5 @@
 import { reconnectDelay } from "./backoff.ts";
-import type { Push, Reply } from "./protocol.ts";
+import type { Push, Reply } from "./messages.ts";
 
 export interface ConnectionListener {
   pushed(push: Push): void;

@@ -8,22 +8,10 @@ import { LogBuffer, type LogLine } from "./log.ts";
 import type { NetworkState } from "./network.ts";
 import { NodeType, nodesOf } from "./nodeTypes.ts";
 import type { EditValue } from "./params.ts";
-import type { JsonVerdict } from "./json.ts";
-import { Device, EventId } from "./protocol.ts";
-import type {
-  EventReply,
-  Happened,
-  HeldEntry,
-  InputEvent,
-  Link,
-  NodeDetails,
-  OutputValue,
-  Push,
-  Reply,
-  Scene,
-  SceneNode,
-  SceneObject,
-} from "./protocol.ts";
+import type { JsonVerdict } from "./protocol.ts";
+import { Device, EventId } from "./codes.ts";
+import type { EventReply, Happened, InputEvent, NodeDetails, Push, Reply } from "./messages.ts";
+import type { HeldEntry, Link, OutputValue, Scene, SceneNode, SceneObject } from "./protocol.ts";
 
 export type ConnectionState =
   | { is: "connecting" }
@@ -262,6 +250,9 @@ export class Host implements ConnectionListener {
     if (posted !== undefined) {
       batch(() => {
         for (const { node, output } of posted) {
+          if (node === null || output === null) {
+            continue; // of no node of the scene
+          }
           const fired = this.fired.of(node, output);
           fired.value = { count: fired.value.count + 1, last: now };
         }
@@ -332,7 +323,7 @@ export class Host implements ConnectionListener {
     batch(() => {
       for (const { params } of details.outputs) {
         for (const { id, int, float, string, length } of params) {
-          this.values.of(node.node, id).value = { int, float, string, length };
+          this.values.of(node.node, id).value = { int, float, string, ...(length !== undefined && { length }) };
         }
       }
     });

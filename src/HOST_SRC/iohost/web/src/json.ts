@@ -1,4 +1,5 @@
 // Texts for the JSON nodes: whom they are for, which were sent, and what the nodes made of them.
+import type { JsonVerdict } from "./protocol.ts";
 import { shortText } from "./texts.ts";
 
 /** Whom a text is from or for. */
@@ -6,15 +7,6 @@ export type TextAddress = { to: "device"; device: number } | { to: "object"; cli
 
 /** A text as it was sent. */
 export type SentText = TextAddress & { text: string };
-
-/** What a JSON node made of its last text, as the host tells it: how the text begins, and how long it is. */
-export type JsonVerdict = { text: string; length: number } & (
-  | { verdict: "taken" | "not_json" | "not_object" | "not_ready" }
-  | { verdict: "other_device"; device: number; expected: number }
-  | { verdict: "other_object"; clip: string; object: string; expected_clip: string; expected_object: string }
-  | { verdict: "key_missing"; key: string }
-  | { verdict: "value_differs"; key: string; value?: string; expected?: string }
-);
 
 /** A verdict in words. */
 export function verdictText(verdict: JsonVerdict): string {
@@ -34,7 +26,7 @@ export function verdictText(verdict: JsonVerdict): string {
     case "key_missing":
       return `no key “${shortText(verdict.key)}”`;
     case "value_differs":
-      return `“${shortText(verdict.key)}” is “${shortText(verdict.value ?? "")}”, not “${shortText(verdict.expected ?? "")}”`;
+      return `“${shortText(verdict.key)}” is “${shortText(verdict.value)}”, not “${shortText(verdict.expected)}”`;
   }
 }
 

@@ -1,4 +1,4 @@
-import type { LogEntry } from "./protocol.ts";
+import type { LogEntry } from "./messages.ts";
 import { cutText } from "./texts.ts";
 
 export const LOG_LIMIT = 1000;

@@ -1,5 +1,5 @@
 import type { NodeView } from "./host.ts";
-import type { Param } from "./protocol.ts";
+import type { Param } from "./messages.ts";
 
 const TYPE_GUID = /^\{8164BB40-6B6A-4707-88B7-386BCB0D1B([0-9A-F]{2})\}$/;
 

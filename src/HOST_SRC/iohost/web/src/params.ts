@@ -1,4 +1,5 @@
-import type { OutputValue, Param } from "./protocol.ts";
+import type { Param } from "./messages.ts";
+import type { OutputValue } from "./protocol.ts";
 import { floatText } from "./format.ts";
 import { cutText, type CutText } from "./texts.ts";
 

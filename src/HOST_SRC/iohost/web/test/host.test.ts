@@ -2,7 +2,7 @@ import assert from "node:assert/strict";
 import { afterEach, beforeEach, mock, test } from "node:test";
 import { Host } from "../src/host.ts";
 import { HeldKeys } from "../src/input/keys.ts";
-import { Device, EventId } from "../src/protocol.ts";
+import { Device, EventId } from "../src/codes.ts";
 
 /** The connections that the host's page opened, the last one at the end. */
 let sockets: StandInSocket[];

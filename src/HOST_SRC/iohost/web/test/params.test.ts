@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { boundsOf, kindOf, parseNumber, shownValue, valueText } from "../src/params.ts";
-import type { Param } from "../src/protocol.ts";
+import type { Param } from "../src/messages.ts";
 
 const param = (type: number, control: number, more: Partial<Param> = {}): Param => ({
   id: 1,

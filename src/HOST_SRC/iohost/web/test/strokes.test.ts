@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { beforeEach, test } from "node:test";
 import { Strokes, type GestureNode, type StrokeView } from "../src/input/strokes.ts";
-import type { EventReply, PointerPayload } from "../src/protocol.ts";
+import type { EventReply, PointerPayload } from "../src/messages.ts";
 
 const DOWN = 3005;
 const UP = 3006;

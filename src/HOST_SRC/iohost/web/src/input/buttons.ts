@@ -1,4 +1,4 @@
-import { EventId } from "../protocol.ts";
+import { EventId } from "../codes.ts";
 
 interface Button {
   /** Its bit in the browser's `buttons`. */

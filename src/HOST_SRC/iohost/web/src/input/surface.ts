@@ -1,4 +1,5 @@
-import { Device, EventId, type InputEvent } from "../protocol.ts";
+import { Device, EventId } from "../codes.ts";
+import type { InputEvent } from "../messages.ts";
 import { HeldButtons } from "./buttons.ts";
 import type { Holder } from "./holders.ts";
 import { HoverClock } from "./hover.ts";

@@ -1,4 +1,4 @@
-import { EventId } from "../protocol.ts";
+import { EventId } from "../codes.ts";
 
 /** Up is away from the user, which scrolls content down the negative way; null when the wheel went sideways only. */
 export function wheelEvent(deltaY: number): number | null {

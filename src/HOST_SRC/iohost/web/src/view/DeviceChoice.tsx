@@ -2,7 +2,7 @@ import type { ComponentChildren } from "preact";
 import type { Host } from "../host.ts";
 import { deviceChoices } from "../network.ts";
 import { kindOf, type EditValue } from "../params.ts";
-import type { Param } from "../protocol.ts";
+import type { Param } from "../messages.ts";
 
 interface DeviceChoiceProps {
   host: Host;

@@ -2,7 +2,7 @@ import { useState } from "preact/hooks";
 import type { Host, NodeView } from "../host.ts";
 import { addressText, keepTexts, readTexts, verdictText, withText, type SentText, type TextAddress } from "../json.ts";
 import { inputOf, JsonPin, NodeType, nodesOf } from "../nodeTypes.ts";
-import { Device } from "../protocol.ts";
+import { Device } from "../codes.ts";
 import { characters, shortText } from "../texts.ts";
 import "./json.css";
 import { LongText } from "./LongText.tsx";

@@ -1,5 +1,5 @@
 import type { Host, NodeView } from "../host.ts";
-import type { ParamGroup } from "../protocol.ts";
+import type { ParamGroup } from "../messages.ts";
 
 function pinName(groups: readonly ParamGroup[], id: number): string {
   return groups.flatMap(({ params }) => params).find((param) => param.id === id)?.display ?? String(id);

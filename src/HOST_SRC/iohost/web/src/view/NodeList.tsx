@@ -1,7 +1,7 @@
 import type { Host, NodeView } from "../host.ts";
 import { iconOf } from "../icons.ts";
 import { kindOf } from "../params.ts";
-import type { ParamGroup } from "../protocol.ts";
+import type { ParamGroup } from "../messages.ts";
 import { JsonVerdictLine } from "./JsonPanel.tsx";
 import { EventOutput, ValueOutput } from "./Outputs.tsx";
 import { ParamEditor } from "./ParamEditor.tsx";

@@ -1,7 +1,7 @@
 import { timeOfDay } from "../format.ts";
 import type { Host } from "../host.ts";
 import { kindOf, shownValue } from "../params.ts";
-import type { Param } from "../protocol.ts";
+import type { Param } from "../messages.ts";
 import { LinkTargets } from "./Links.tsx";
 import { LongText } from "./LongText.tsx";
 

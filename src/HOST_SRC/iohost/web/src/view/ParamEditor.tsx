@@ -5,7 +5,7 @@ import type { Host } from "../host.ts";
 import { CombinationCapture } from "../input/capture.ts";
 import { keyValueText, virtualKeyName } from "../input/virtualKeys.ts";
 import { boundsOf, kindOf, parseNumber, shownValue, type EditValue, type ParamKind } from "../params.ts";
-import type { Param } from "../protocol.ts";
+import type { Param } from "../messages.ts";
 import { characters } from "../texts.ts";
 import { DeviceChoice, namesDevice } from "./DeviceChoice.tsx";
 import { LinkSources } from "./Links.tsx";

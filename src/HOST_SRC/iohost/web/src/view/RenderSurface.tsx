@@ -7,7 +7,7 @@ import type { SampleKind } from "../input/stroke.ts";
 import { Strokes, type StrokeView } from "../input/strokes.ts";
 import { SurfaceInput, type PointerEcho } from "../input/surface.ts";
 import { NodeType, nodesOf, outputNames } from "../nodeTypes.ts";
-import { Device } from "../protocol.ts";
+import { Device } from "../codes.ts";
 import { HeldBar } from "./HeldBar.tsx";
 import { StrokeOverlay } from "./StrokeOverlay.tsx";
 

@@ -4,7 +4,8 @@ import { Vector3 } from "three";
 import { floatText } from "../format.ts";
 import type { Host, NodeView } from "../host.ts";
 import { inputOf, NodeType, nodesOf, outputNames, VRHandlePin } from "../nodeTypes.ts";
-import { Device, type VRPayload } from "../protocol.ts";
+import { Device } from "../codes.ts";
+import type { VRPayload } from "../messages.ts";
 import type { PanelProps } from "../view/panels.ts";
 import { Hand, padPoint, padZone, SIDES, type Place, type Side } from "./hand.ts";
 import { Headset, hasHeadset } from "./headset.ts";
@@ -252,7 +253,7 @@ class Hands {
       const nodes = nodesOf(this.#host.nodes.peek(), NodeType.vrHandle);
       const names = posted.flatMap(({ node, output }) => {
         const found = nodes.find((one) => one.node === node);
-        return (found && outputNames(found).get(output)) ?? [];
+        return (found && outputNames(found).get(output ?? 0)) ?? [];
       });
       if (names.length > 0) {
         this.#fired[side]!.value = names;

@@ -1,4 +1,4 @@
-import type { VRPayload } from "../protocol.ts";
+import type { VRPayload } from "../messages.ts";
 
 /** Left and right, as the nodes number them. */
 export type Side = 0 | 1;

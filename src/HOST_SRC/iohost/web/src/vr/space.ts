@@ -30,7 +30,8 @@ import {
 } from "three";
 import { OrbitControls } from "three/addons/controls/OrbitControls.js";
 import { CSS2DObject, CSS2DRenderer } from "three/addons/renderers/CSS2DRenderer.js";
-import type { SceneObject, VRPayload } from "../protocol.ts";
+import type { VRPayload } from "../messages.ts";
+import type { SceneObject } from "../protocol.ts";
 import { SIDES, type Side } from "./hand.ts";
 import { placeOf, ROOM, wallHit } from "./room.ts";
 

@@ -1,0 +1,67 @@
+// The messages of the WebSocket /session as the page uses them, made of the protocol's types.
+import type { NetworkState } from "./network.ts";
+import type {
+  GroupState,
+  HeldEntry,
+  InspectedNode,
+  JsonVerdict,
+  Happened as AllHappened,
+  LogEntry as WholeLogEntry,
+  NodeResults,
+  OutputValue,
+  ParamState,
+  Payload,
+  PostedEvent,
+  SceneObject,
+} from "./protocol.ts";
+import type { CutText } from "./texts.ts";
+
+/** A parameter as `inspect` tells it: whole. */
+export type Param = Required<Pick<ParamState, "id" | "name" | "display" | "type" | "control" | "int" | "string" | "choices" | "available">> &
+  Pick<ParamState, "length"> & { float: number; range: [value: number, min: number, max: number, step: number] | null };
+
+export type ParamGroup = Required<Omit<GroupState, "params">> & { params: Param[] };
+
+export type NodeDetails = Pick<InspectedNode, "type" | "name"> & Record<"own" | "inputs" | "outputs", ParamGroup[]>;
+
+export type LogEntry = Pick<WholeLogEntry, "level"> & CutText;
+
+/** What the module did: stands in replies and in pushes alike. */
+export type Happened = Pick<AllHappened, "redrawn"> & {
+  posted?: Pick<PostedEvent, "node" | "output">[];
+  log?: LogEntry[];
+};
+
+export type Reply<Body = object> = Happened & ({ ok: true; id?: number } & Body | { ok: false; id?: number; error: string });
+
+/** To an event: what each node made of it. */
+export type EventReply = Reply<NodeResults>;
+
+export type Push =
+  | { push: "hello"; version: string; fps: number; address: string; connection: number }
+  /** Once a second: the number of the last frame. */
+  | { push: "frame"; frame: number }
+  | { push: "objects"; objects: SceneObject[] }
+  /** What JSON nodes made of texts that came to them. */
+  | { push: "json"; nodes: Record<string, JsonVerdict> }
+  /** What is held; the connections that were released by another one's wish are named. */
+  | { push: "held"; held: HeldEntry[]; released?: number[] }
+  | ({ push: "happened"; frame: number } & Happened)
+  | ({ push: "network" } & NetworkState)
+  | { push: "outputs"; nodes: Record<string, Record<string, OutputValue>> }
+  | { push: "scene"; version: number };
+
+export type KeyPayload = Extract<Payload, { is: "key" }>;
+export type PointerPayload = Extract<Payload, { is: "pointer" }>;
+/** A sample of a hand's controller. The elements 12 to 14 of its pose are the place. */
+export type VRPayload = Extract<Payload, { is: "vr" }>;
+export type DeviceTextPayload = Extract<Payload, { is: "device_text" }>;
+export type ObjectTextPayload = Extract<Payload, { is: "object_text" }>;
+
+/** An input event on its way to every node of the scene. */
+export type InputEvent =
+  | { device: 0; event: number; payload: KeyPayload }
+  | { device: 1; event: number; payload: PointerPayload }
+  | { device: 3; event: number; payload: VRPayload }
+  | { device: 5; event: number; payload: DeviceTextPayload }
+  | { device: 6; event: number; payload: ObjectTextPayload };
