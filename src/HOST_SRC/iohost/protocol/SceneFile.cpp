@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::uintmax_t LARGEST_FILE = 64u << 20;
+constexpr std::uintmax_t LARGEST_FILE = 256u << 20; ///< tens of thousands of nodes
 
 } // namespace
 
@@ -21,7 +21,7 @@ std::string CSystemFiles::Read(const std::string& strName) {
         Refuse("file", "can't be read");
     }
     if (nSize > LARGEST_FILE) {
-        Refuse("file", "is larger than 64 MiB");
+        Refuse("file", "is larger than 256 MiB");
     }
     std::ifstream stream(file, std::ios::binary);
     std::string strText((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
