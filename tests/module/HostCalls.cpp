@@ -21,6 +21,8 @@ std::wstring_view s_failingKey;
 int s_nAnswered = 0;
 void (*s_pRaise)() = nullptr;
 
+bool s_bMarked = false;
+
 CarelessHost* s_pCareless = nullptr;
 
 void NoteExtraWord(const VEKParam* pParam) {
@@ -43,7 +45,7 @@ CString LoadFailableString(const wchar_t* pszKey) {
     if (s_pRaise != nullptr && pszKey == s_failingKey && s_nAnswered-- <= 0) {
         s_pRaise();
     }
-    return s_pOriginal(pszKey);
+    return s_bMarked ? CString(L"<") + pszKey + L">" : s_pOriginal(pszKey);
 }
 
 void SetRange(VEKParam* pParam, float fValue, float fMinimum, float fMaximum, float fStep) {
@@ -95,6 +97,14 @@ FailingText::FailingText(std::wstring_view key, int nAnswered, void (*pRaise)())
 
 FailingText::~FailingText() {
     s_pRaise = nullptr;
+}
+
+MarkedTexts::MarkedTexts() {
+    s_bMarked = true;
+}
+
+MarkedTexts::~MarkedTexts() {
+    s_bMarked = false;
 }
 
 CarelessHost::CarelessHost() {

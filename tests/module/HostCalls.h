@@ -23,6 +23,16 @@ public:
     FailingText& operator=(const FailingText&) = delete;
 };
 
+/// While an object lives, PXLoadString answers the key in angle brackets.
+class MarkedTexts {
+public:
+    MarkedTexts();
+    ~MarkedTexts();
+
+    MarkedTexts(const MarkedTexts&) = delete;
+    MarkedTexts& operator=(const MarkedTexts&) = delete;
+};
+
 /// While an object lives, parameters are made with junk in their value and type name, and SetParamValue records the
 /// range alone.
 class CarelessHost {

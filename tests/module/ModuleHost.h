@@ -43,6 +43,36 @@ enum NodeTypeByte : unsigned char {
     TYPE_STRING_DATA_SEND = 0x0F,
 };
 
+struct NodeTypeName {
+    unsigned char nTypeByte;
+    const char* pszName;
+
+    friend std::ostream& operator<<(std::ostream& out, const NodeTypeName& type) { return out << type.pszName; }
+};
+
+/// All types, in the catalogue's order.
+inline constexpr NodeTypeName NODE_TYPES[] = {
+    {TYPE_KEYBOARD, "Keyboard"},
+    {TYPE_KEY_CHECK, "KeyCheck"},
+    {TYPE_TEXT_FIELD, "TextField"},
+    {TYPE_MOUSE, "Mouse"},
+    {TYPE_NET_PARAMETER_SEND, "NetParameterSend"},
+    {TYPE_NET_PARAMETER_RECEIVE, "NetParameterReceive"},
+    {TYPE_BROADCAST_SEND, "BroadcastSend"},
+    {TYPE_BROADCAST_RECEIVE, "BroadcastReceive"},
+    {TYPE_GESTURE, "Gesture"},
+    {TYPE_VR_HANDLE, "VRHandle"},
+    {TYPE_OBJECT_JSON_RECEIVE, "ObjectJsonReceive"},
+    {TYPE_DEVICE_JSON_RECEIVE, "DeviceJsonReceive"},
+    {TYPE_STRING_DATA_SEND, "StringDataSend"},
+};
+
+/// Of a test that runs for several types.
+template <typename Type>
+std::string TestName(const testing::TestParamInfo<Type>& info) {
+    return info.param.pszName;
+}
+
 inline GUID TypeGuid(unsigned char nTypeByte) {
     return GUID{0x8164BB40, 0x6B6A, 0x4707, {0x88, 0xB7, 0x38, 0x6B, 0xCB, 0x0D, 0x1B, nTypeByte}};
 }
