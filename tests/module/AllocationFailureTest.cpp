@@ -5,9 +5,8 @@
 #include <new>
 #include <set>
 
+#include "ContractTypes.h"
 #include "HeapUse.h"
-#include "HostSetup.h"
-#include "ModuleHost.h"
 #include "ReplacedCalls.h"
 #include "SocketCalls.h"
 #include "SystemCalls.h"
@@ -131,8 +130,6 @@ protected:
     }
 };
 
-const unsigned char TYPES[] = {0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0x0B, 0x0C, 0x0D, 0x0E, 0x0F};
-
 // ---- The exported function -----------------------------------------------------------------------------------------
 
 /// Destroy the icons that were loaded: those of the entries are the host's, all others must be gone already.
@@ -205,11 +202,11 @@ TEST_F(AllocationFailure, OfTheCatalogueStaysInside) {
 }
 
 TEST_F(AllocationFailure, DoesNotConcernReleasingAndDestroying) {
-    for (const unsigned char nTypeByte : TYPES) {
+    for (const auto& [nTypeByte, pszName] : NODE_TYPES) {
         if (nTypeByte == TYPE_BROADCAST_SEND) {
             continue; // its socket calls are recorded by these tests, which allocates where nothing may be thrown
         }
-        SCOPED_TRACE(static_cast<int>(nTypeByte));
+        SCOPED_TRACE(pszName);
         const NodePtr pKeyCheck = nTypeByte == TYPE_KEY_CHECK ? m_host.CreateNode(nTypeByte) : nullptr;
         SIOProcessNodeRef ref{TypeGuid(nTypeByte),
                               pKeyCheck ? pKeyCheck.get() : m_host.CreateNode(nTypeByte).release()};
@@ -221,11 +218,11 @@ TEST_F(AllocationFailure, DoesNotConcernReleasingAndDestroying) {
 }
 
 TEST_F(AllocationFailure, OfANodeGoesOutOfTheFunctionAndLeavesNothing) {
-    for (const unsigned char nTypeByte : TYPES) {
+    for (const auto& [nTypeByte, pszName] : NODE_TYPES) {
         if (nTypeByte == TYPE_BROADCAST_SEND) {
             continue; // its socket calls are recorded by these tests, which allocates where nothing may be thrown
         }
-        SCOPED_TRACE(static_cast<int>(nTypeByte));
+        SCOPED_TRACE(pszName);
         P_ExtDevIOProcess before;
         GUID guidType = TypeGuid(nTypeByte);
         SIOProcessPluginData data;
@@ -360,30 +357,63 @@ TEST_F(OperationWithoutMemory, InitParam) {
 }
 
 TEST_F(OperationWithoutMemory, GetNodeOutput) {
-    for (const unsigned char nTypeByte : TYPES) {
-        Exhaust({nTypeByte,
-                 [](NodeScene& scene) {
-                     VEKParamGroupList& lstGroup = scene.m_graphNode.m_lstOutputGroup;
-                     while (!lstGroup.IsEmpty()) {
-                         delete lstGroup.RemoveHead();
-                     }
-                 },
-                 ::GetNodeOutput});
+    int nAllocations = 0;
+    for (const ContractType& type : ContractTypes()) {
+        const auto Clear = [](NodeScene& scene) {
+            while (!scene.m_graphNode.m_lstOutputGroup.IsEmpty()) {
+                delete scene.m_graphNode.m_lstOutputGroup.RemoveHead();
+            }
+        };
+        nAllocations += Exhaust({type.nTypeByte, Clear, ::GetNodeOutput});
+        if (type.pMakeOutputsOld != nullptr) {
+            nAllocations += Exhaust({type.nTypeByte, type.pMakeOutputsOld, ::GetNodeOutput});
+        }
     }
-    // Outputs of an older version.
-    EXPECT_GT(Exhaust({{TYPE_GESTURE, [](NodeScene& scene) { scene.RemoveOutput(758); }, ::GetNodeOutput},
-                       {TYPE_VR_HANDLE,
-                        [](NodeScene& scene) {
-                            VEKParamGroupList& lstGroup = scene.m_graphNode.m_lstOutputGroup;
-                            const POSITION posHit = lstGroup.FindIndex(1);
-                            delete lstGroup.GetAt(posHit);
-                            lstGroup.RemoveAt(posHit);
-                        },
-                        ::GetNodeOutput}}),
-              10);
+    EXPECT_GT(nAllocations, 100);
 }
 
-TEST_F(OperationWithoutMemory, ProcessNodeOfInputNodes) {
+TEST_F(OperationWithoutMemory, WhatMakesANodeAct) {
+    m_devices.Add(5, L"Five", ParserKind::Direct);
+    m_devices.Publish();
+    ContractPayloads payloads;
+    int nAllocations = 0;
+    for (const int bRelative : {0, 1}) {
+        for (SQORMouseData& sample : payloads.stroke) {
+            sample.m_bRelative = bRelative;
+        }
+        for (const ContractType& type : ContractTypes()) {
+            const auto events = type.pEvents != nullptr ? type.pEvents(payloads) : std::vector<ContractEvent>{};
+            const auto Send = [&](NodeScene& scene, size_t nFirst, size_t nEnd) {
+                for (size_t i = nFirst; i < nEnd; ++i) {
+                    scene.Send(type.devices[0], events[i].nEvent, events[i].pPayload);
+                }
+            };
+            // Each event may be the one that fails; a call sends the rest, too.
+            for (size_t i = 0; i < events.size(); ++i) {
+                nAllocations += Exhaust({type.nTypeByte,
+                                         [&](NodeScene& scene) {
+                                             scene.Evaluate();
+                                             Send(scene, 0, i);
+                                         },
+                                         [&](NodeScene& scene) { Send(scene, i, events.size()); }});
+            }
+            nAllocations += Exhaust({type.nTypeByte,
+                                     [&](NodeScene& scene) {
+                                         scene.Evaluate();
+                                         Send(scene, 0, events.size());
+                                         if (type.pTrigger != nullptr) {
+                                             type.pTrigger(scene);
+                                         }
+                                     },
+                                     Evaluate});
+            nAllocations += Exhaust(
+                {type.nTypeByte, Evaluate, [](NodeScene& scene) { scene.m_pNode->DevIOEventOccurred(nullptr); }});
+        }
+    }
+    EXPECT_GT(nAllocations, 200);
+}
+
+TEST_F(OperationWithoutMemory, PolledKeys) {
     TestApplication application;
     TestKeyboard keyboard;
     TestClock clock;
@@ -398,156 +428,82 @@ TEST_F(OperationWithoutMemory, ProcessNodeOfInputNodes) {
         scene.Evaluate();
         clock.Set(1000);
     };
-    SKeyEventData key;
-    key.m_strText = L"x";
+    const auto Release = [&](int nKey) {
+        return [&, nKey](NodeScene& scene) {
+            HoldAfterPress(scene);
+            keyboard.Release(nKey);
+        };
+    };
     EXPECT_GT(Exhaust({{TYPE_KEY_CHECK, Hold, Evaluate},
                        {TYPE_KEY_CHECK, HoldAfterPress, Evaluate},
-                       {TYPE_KEY_CHECK,
-                        [&](NodeScene& scene) {
-                            HoldAfterPress(scene);
-                            keyboard.Release(0x65);
-                        },
-                        Evaluate},
-                       {TYPE_KEY_CHECK,
-                        [&](NodeScene& scene) {
-                            HoldAfterPress(scene);
-                            keyboard.Release(VK_SHIFT);
-                        },
-                        Evaluate}}),
+                       {TYPE_KEY_CHECK, Release(0x65), Evaluate},
+                       {TYPE_KEY_CHECK, Release(VK_SHIFT), Evaluate}}),
               40);
-    EXPECT_GT(Exhaust({{TYPE_KEYBOARD,
-                        [&](NodeScene& scene) {
-                            scene.Evaluate();
-                            scene.Send(0, 2002, &key);
-                        },
-                        Evaluate},
-                       {TYPE_TEXT_FIELD,
-                        [](NodeScene& scene) {
-                            scene.AddGraphInput(202, 1, 6).m_strValue = L"Num 7";
-                            scene.AddGraphInput(203, 26, 7).m_nValue = 1;
-                        },
-                        Evaluate},
-                       {TYPE_TEXT_FIELD,
-                        [](NodeScene& scene) {
-                            scene.AddGraphInput(202, 1, 6).m_strValue = L"Shift+a";
-                            scene.AddGraphInput(203, 26, 7).m_nValue = 1;
-                            scene.AddGraphInput(204, 26, 7).m_nValue = 1;
-                        },
-                        Evaluate},
-                       {TYPE_MOUSE,
-                        [](NodeScene& scene) {
-                            scene.Evaluate();
-                            scene.Send(1, 3005);
-                        },
-                        Evaluate},
-                       {TYPE_GESTURE, [](NodeScene&) {}, Evaluate},
-                       {TYPE_VR_HANDLE,
-                        [](NodeScene& scene) {
-                            scene.Input(802).m_strValue = L"Hand";
-                            scene.Input(803).m_nValue = 1;
-                        },
-                        Evaluate}}),
-              2);
 }
 
-TEST_F(OperationWithoutMemory, ProcessNodeOfNetworkNodes) {
+TEST_F(OperationWithoutMemory, EvaluationsThatDoMore) {
     m_devices.Add(5, L"Five", ParserKind::Direct);
     m_devices.Publish();
     const auto WatchPanel = [this](NodeScene& scene) {
         scene.m_pNode->m_hNotifyWnd = m_host.Window();
         scene.m_pNode->m_nNotifyMsg = WM_APP + 18;
     };
-    std::vector<Operation> operations = {
-        {TYPE_BROADCAST_SEND,
-         [](NodeScene& scene) {
-             scene.Input(604).m_strValue = L"name & more";
-             scene.Input(605).m_strValue = L"12|7";
-             scene.AddGraphInput(606, 26, 7).m_nValue = 1;
-         },
-         Evaluate},
-        {TYPE_STRING_DATA_SEND,
-         [&](NodeScene& scene) {
-             WatchPanel(scene);
-             scene.Evaluate();
-         },
-         [](NodeScene& scene) {
-             scene.m_pNode->UpdateSingleParamValue(GUID{1502, 0, 0, {}});
-         }},
-        {TYPE_BROADCAST_RECEIVE, [](NodeScene& scene) { scene.Input(1302).m_strValue = L"flag"; }, Evaluate},
-        {TYPE_NET_PARAMETER_RECEIVE, [](NodeScene&) {}, Evaluate},
-        {TYPE_DEVICE_JSON_RECEIVE, [](NodeScene&) {}, Evaluate},
-        {TYPE_OBJECT_JSON_RECEIVE, [](NodeScene&) {}, Evaluate},
+    const auto TypeKey = [](const wchar_t* pszKey, int bClear) {
+        return [=](NodeScene& scene) {
+            scene.AddGraphInput(202, 1, 6).m_strValue = pszKey;
+            scene.AddGraphInput(203, 26, 7).m_nValue = 1;
+            scene.AddGraphInput(204, 26, 7).m_nValue = bClear;
+        };
     };
-    for (const int bToDev : {0, 1}) {
-        operations.push_back({TYPE_NET_PARAMETER_SEND,
-                              [&, bToDev](NodeScene& scene) {
-                                  WatchPanel(scene);
-                                  scene.Input(402).m_strValue = L"5";
-                                  scene.Input(412).m_nValue = bToDev;
-                                  scene.AddGraphInput(410, 26, 7).m_nValue = 1;
-                              },
-                              Evaluate});
-        operations.push_back({TYPE_STRING_DATA_SEND,
-                              [bToDev](NodeScene& scene) {
-                                  scene.Input(1502).m_nValue = bToDev;
-                                  scene.Input(1503).m_nValue = 5;
-                                  scene.Input(1505).m_strValue = L"GO";
-                                  scene.AddGraphInput(1507, 26, 7).m_nValue = 1;
-                              },
-                              Evaluate});
-    }
-    EXPECT_GT(Exhaust(operations), 15);
+    EXPECT_GT(
+        Exhaust({{TYPE_TEXT_FIELD, TypeKey(L"Num 7", 0), Evaluate},
+                 {TYPE_TEXT_FIELD, TypeKey(L"Shift+a", 1), Evaluate},
+                 {TYPE_VR_HANDLE,
+                  [](NodeScene& scene) {
+                      scene.Input(802).m_strValue = L"Hand";
+                      scene.Input(803).m_nValue = 1;
+                  },
+                  Evaluate},
+                 {TYPE_BROADCAST_RECEIVE, [](NodeScene& scene) { scene.Input(1302).m_strValue = L"flag"; }, Evaluate},
+                 {TYPE_NET_PARAMETER_SEND, // to all
+                  [&](NodeScene& scene) {
+                      WatchPanel(scene);
+                      scene.Input(402).m_strValue = L"5";
+                      scene.Input(412).m_nValue = 0;
+                      scene.AddGraphInput(410, 26, 7).m_nValue = 1;
+                  },
+                  Evaluate},
+                 {TYPE_STRING_DATA_SEND, // to all
+                  [](NodeScene& scene) {
+                      scene.Input(1502).m_nValue = 0;
+                      scene.Input(1505).m_strValue = L"GO";
+                      scene.AddGraphInput(1507, 26, 7).m_nValue = 1;
+                  },
+                  Evaluate},
+                 {TYPE_STRING_DATA_SEND,
+                  [&](NodeScene& scene) {
+                      WatchPanel(scene);
+                      scene.Evaluate();
+                  },
+                  [](NodeScene& scene) {
+                      scene.m_pNode->UpdateSingleParamValue(GUID{1502, 0, 0, {}});
+                  }}}),
+        8);
 }
 
-/// An operation that hands a record to an evaluated node.
-Operation Event(unsigned char nTypeByte, int nDevice, int nEvent, void* pPayload) {
-    return {nTypeByte, Evaluate,
-            [nDevice, nEvent, pPayload](NodeScene& scene) { scene.Send(nDevice, nEvent, pPayload); }};
-}
-
-TEST_F(OperationWithoutMemory, DevIOEventOccurred) {
-    SKeyEventData key;
-    key.m_strText = L"x";
-    CQORPanelRemoteCtrlData record;
-    record.m_strClipName = L"Clip";
-    SBroadcastItem item;
-    item.m_strName = L"name";
-    SDeviceTextData deviceText;
-    deviceText.m_nDeviceId = 1;
-    deviceText.m_strText = L"{\"n\":[1,2.5],\"cmd\":\"start\",\"o\":{\"a\":null}}";
-    SObjectTextData objectText;
-    objectText.m_strText = L"{}";
-    std::vector<Operation> operations = {
-        Event(TYPE_KEYBOARD, 0, 2002, &key),
-        Event(TYPE_KEYBOARD, 0, 2003, nullptr),
-        Event(TYPE_MOUSE, 1, 3005, nullptr),
-        Event(TYPE_NET_PARAMETER_RECEIVE, 2, 0, static_cast<CQORIOAttachedData*>(&record)),
-        Event(TYPE_BROADCAST_RECEIVE, 2, 1, &item),
-        Event(TYPE_DEVICE_JSON_RECEIVE, 5, 0, &deviceText),
-        Event(TYPE_OBJECT_JSON_RECEIVE, 6, 0, &objectText),
-    };
-    operations.push_back(Event(TYPE_DEVICE_JSON_RECEIVE, 5, 0, &deviceText));
-    operations.back().prepare = [](NodeScene& scene) {
-        scene.Evaluate();
-        scene.Input(1403).m_nValue = 1;
-        scene.Input(1404).m_strValue = L"cmd";
-        scene.Input(1405).m_strValue = L"start";
-    };
-    for (const unsigned char nTypeByte : TYPES) {
-        operations.push_back(
-            {nTypeByte, Evaluate, [](NodeScene& scene) { scene.m_pNode->DevIOEventOccurred(nullptr); }});
-    }
-    EXPECT_GT(Exhaust(operations), 60);
-
-    SVRPluginData pressed;
-    pressed.m_bTriggerPressed = pressed.m_bTouchPadPressed = 1;
-    SVRPluginData released;
-    Operation release = Event(TYPE_VR_HANDLE, 3, 0, &released);
-    release.prepare = [&pressed](NodeScene& scene) {
-        scene.Evaluate();
-        scene.Send(3, 0, &pressed);
-    };
-    EXPECT_GT(Exhaust({Event(TYPE_VR_HANDLE, 3, 0, &pressed), release}), 40);
+TEST_F(OperationWithoutMemory, ATextThatIsCompared) {
+    SDeviceTextData text;
+    text.m_nDeviceId = 1;
+    text.m_strText = L"{\"n\":[1,2.5],\"cmd\":\"start\",\"o\":{\"a\":null}}";
+    EXPECT_GT(Exhaust(Operation{TYPE_DEVICE_JSON_RECEIVE,
+                                [](NodeScene& scene) {
+                                    scene.Evaluate();
+                                    scene.Input(1403).m_nValue = 1;
+                                    scene.Input(1404).m_strValue = L"cmd";
+                                    scene.Input(1405).m_strValue = L"start";
+                                },
+                                [&](NodeScene& scene) { scene.Send(5, 0, &text); }}),
+              20);
 }
 
 TEST_F(OperationWithoutMemory, ATextThatCannotBeParsedForItIsLogged) {
@@ -589,39 +545,15 @@ TEST_F(OperationWithoutMemory, AnotherDevicesTextIsNotParsed) {
     }
 }
 
-TEST_F(OperationWithoutMemory, DevIOEventOccurredOfTheGestureNode) {
-    for (const int bRelative : {0, 1}) {
-        // A stroke of four samples, each of which may be the one that fails; a call sends the rest of the stroke.
-        const auto SendFrom = [bRelative](NodeScene& scene, int nFirst, int nEnd) {
-            const int EVENTS[] = {3005, 3013, 3013, 3006};
-            for (int i = nFirst; i < nEnd; ++i) {
-                SQORMouseData sample(1, static_cast<float>(i * 100), 0.0f, CPoint(i * 100, 0), bRelative);
-                scene.Send(1, EVENTS[i], &sample);
-            }
-        };
-        for (const int nFailing : {0, 1, 2, 3}) {
-            EXPECT_GT(Exhaust(Operation{TYPE_GESTURE,
-                                        [&](NodeScene& scene) {
-                                            scene.Evaluate();
-                                            SendFrom(scene, 0, nFailing);
-                                        },
-                                        [&](NodeScene& scene) { SendFrom(scene, nFailing, 4); }}),
-                      20);
-        }
-    }
-}
-
 TEST_F(OperationWithoutMemory, ControlLayout) {
-    const std::pair<unsigned char, const char*> classes[] = {{TYPE_GESTURE, "CVEKIOGesture.XML"},
-                                                             {TYPE_MOUSE, "CVEKIOMouse.XML"},
-                                                             {TYPE_NET_PARAMETER_SEND, "CVEKIONetParameterSend.XML"},
-                                                             {TYPE_VR_HANDLE, "CVEKIOVRHandle.XML"},
-                                                             {TYPE_DEVICE_JSON_RECEIVE, "CVEKIODevJsonReceive.XML"}};
-    for (const auto& [nTypeByte, pszFileName] : classes) {
-        m_host.WriteFile(std::filesystem::path("Plugins/NodePlugin/IOProcess") / pszFileName,
+    for (const ContractType& type : ContractTypes()) {
+        if (type.pszLayoutFile == nullptr) {
+            continue;
+        }
+        m_host.WriteFile(std::filesystem::path("Plugins/NodePlugin/IOProcess") / type.pszLayoutFile,
                          R"(<ParamLayout><Group id="1" name="One"><Param id="2" x="8"/><Param id="3"/></Group>
                             <Group id="4" name="Two"/></ParamLayout>)");
-        EXPECT_GT(Exhaust(Operation{nTypeByte,
+        EXPECT_GT(Exhaust(Operation{type.nTypeByte,
                                     [](NodeScene& scene) { *scene.m_pNode->GetXmlLoadStatePtr() = XML_NOT_LOADED; },
                                     [](NodeScene& scene) {
                                         scene.m_pNode->GetCtrlPosXmlPath();

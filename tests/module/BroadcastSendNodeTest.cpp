@@ -1,4 +1,4 @@
-// The broadcast send node: its table, how it opens its socket, and the bytes of its datagrams.
+// The broadcast send node: how it opens its socket, and the bytes of its datagrams.
 #include "HeapUse.h"
 #include "ModuleHost.h"
 #include "SocketCalls.h"
@@ -13,15 +13,6 @@ enum : unsigned {
     DATA = 605,
     SEND = 606,
 };
-
-ExpectedParam TextParam(unsigned nId, const char* pszName, const char* pszDisplay) {
-    return {.nId = nId,
-            .pszName = pszName,
-            .pszDisplay = pszDisplay,
-            .nType = 1,
-            .nControl = 6,
-            .flags = ExpectedFlags{0, 0, 1, 0}};
-}
 
 class BroadcastSendNode : public ModuleTest {
 protected:
@@ -47,6 +38,11 @@ protected:
         scene.AddGraphInput(SEND, 26, 7).m_nValue = 1;
     }
 
+    /// The datagram with this data, the other texts as Fill says.
+    static std::string Datagram(const std::string& data) {
+        return "[.{<Broadcast Flag=\"1\" ClipName=\"Intro\" Name=\"score\" Data=\"" + data + "\"/>\r\n}.]" + '\0';
+    }
+
     /// The port that a node made now sends to.
     int Port() {
         NodeScene scene(m_host, TYPE_BROADCAST_SEND);
@@ -65,39 +61,6 @@ protected:
     }
 };
 
-TEST_F(BroadcastSendNode, IsFresh) {
-    const NodePtr pNode = m_host.CreateNode(TYPE_BROADCAST_SEND);
-    ExpectFreshNode(*pNode, TYPE_BROADCAST_SEND, "IO_PROCESS_BROADCAST");
-}
-
-TEST_F(BroadcastSendNode, Inputs) {
-    const NodeScene scene(m_host, TYPE_BROADCAST_SEND);
-    ExpectInputGroups(scene.m_pNode->m_lstParamGroup, {{601,
-                                                        "Base param",
-                                                        "IO_PROCESS_BROADCAST",
-                                                        {{.nId = 7,
-                                                          .pszName = "Version",
-                                                          .pszDisplay = "Version",
-                                                          .nType = 2,
-                                                          .nControl = 1,
-                                                          .range = ExpectedRange{1, 1, 10000, 1},
-                                                          .flags = ExpectedFlags{0, 0, 0, 0},
-                                                          .nValue = 1,
-                                                          .fValue = 1},
-                                                         TextParam(602, "Flag", "IO_PROCESS_BROADCAST_FLAG"),
-                                                         TextParam(603, "ClipName", "IO_PROCESS_NETSEND_CLIPNAME"),
-                                                         TextParam(604, "Name", "IO_PROCESS_BROADCAST_NAME"),
-                                                         TextParam(605, "Data", "IO_PROCESS_BROADCAST_VALUE"),
-                                                         {.nId = 606,
-                                                          .pszName = "Send",
-                                                          .pszDisplay = "IO_PROCESS_NETSEND_SEND",
-                                                          .nType = 26,
-                                                          .nControl = 7,
-                                                          .range = ExpectedRange{0, 0, 1, 1},
-                                                          .flags = ExpectedFlags{0, 0, 1, 0}}}}});
-    EXPECT_TRUE(scene.m_graphNode.m_lstOutputGroup.IsEmpty());
-}
-
 TEST_F(BroadcastSendNode, OpensItsSocketFirst) {
     const NodePtr pNode = m_host.CreateNode(TYPE_BROADCAST_SEND);
     EXPECT_EQ(TakeSocketCalls(),
@@ -111,8 +74,7 @@ TEST_F(BroadcastSendNode, SendsOneDatagramToEveryHost) {
     EXPECT_EQ(scene.Evaluate(), 1);
     const std::vector<SentDatagram> datagrams = TakeDatagrams();
     ASSERT_EQ(datagrams.size(), 1u);
-    const std::string expected = "[.{<Broadcast Flag=\"1\" ClipName=\"Intro\" Name=\"score\" Data=\"12|7\"/>\r\n}.]";
-    EXPECT_EQ(datagrams[0].bytes, expected + '\0');
+    EXPECT_EQ(datagrams[0].bytes, Datagram("12|7"));
     EXPECT_NE(datagrams[0].hSocket, INVALID_SOCKET);
     EXPECT_EQ(datagrams[0].nFlags, 0);
     EXPECT_EQ(datagrams[0].nAddressSize, 16);
@@ -180,12 +142,8 @@ TEST_F(BroadcastSendNode, AMissingInputKeepsItsLastText) {
     NodeScene scene(m_host, TYPE_BROADCAST_SEND);
     Fill(scene);
     const std::string before = Evaluated(scene);
-    CList<VEKParam*>& lstParam = scene.m_pNode->m_lstParamGroup.GetHead()->m_lstParam;
-    for (const unsigned nId : {FLAG, DATA}) {
-        VEKParam* pParam = &scene.Input(nId);
-        lstParam.RemoveAt(lstParam.Find(pParam));
-        delete pParam;
-    }
+    scene.RemoveInput(FLAG);
+    scene.RemoveInput(DATA);
     EXPECT_EQ(Evaluated(scene), before);
 }
 
@@ -193,9 +151,7 @@ TEST_F(BroadcastSendNode, IsInTheAnsiCodePage) {
     NodeScene scene(m_host, TYPE_BROADCAST_SEND);
     Fill(scene);
     scene.Input(DATA).m_strValue = L"\u00e9\u20ac\u6bd4";
-    const std::string expected =
-        "[.{<Broadcast Flag=\"1\" ClipName=\"Intro\" Name=\"score\" Data=\"\xE9\x80?\"/>\r\n}.]"; // code page 1252
-    EXPECT_EQ(Evaluated(scene), expected + '\0');
+    EXPECT_EQ(Evaluated(scene), Datagram("\xE9\x80?")); // code page 1252
 }
 
 TEST_F(BroadcastSendNode, TextsOfAnyLengthGoOutWhole) {
@@ -203,8 +159,7 @@ TEST_F(BroadcastSendNode, TextsOfAnyLengthGoOutWhole) {
     Fill(scene);
     for (const int nLength : {1, 10, 1000, 60000, 5}) {
         scene.Input(DATA).m_strValue = CString(L'x', nLength);
-        const std::string expected = "[.{<Broadcast Flag=\"1\" ClipName=\"Intro\" Name=\"score\" Data=\"" +
-                                     std::string(static_cast<size_t>(nLength), 'x') + "\"/>\r\n}.]" + '\0';
+        const std::string expected = Datagram(std::string(static_cast<size_t>(nLength), 'x'));
         EXPECT_TRUE(Evaluated(scene) == expected) << nLength; // too long to print
     }
 }
@@ -233,22 +188,6 @@ TEST_F(BroadcastSendNode, WithoutASocketItSendsToNowhereAndSaysNothing) {
     EXPECT_EQ(datagrams[0].address.sin_family, 0);
     EXPECT_EQ(datagrams[0].address.sin_port, 0);
     EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{});
-}
-
-TEST_F(BroadcastSendNode, NeedsGraphNodeAndClip) {
-    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
-    Fill(scene);
-    EXPECT_EQ(scene.m_pNode->ProcessNode(nullptr), 0);
-    scene.m_pNode->m_pOwnerClip = nullptr;
-    EXPECT_EQ(scene.Evaluate(), 0);
-    EXPECT_TRUE(TakeDatagrams().empty());
-}
-
-TEST_F(BroadcastSendNode, TakesNoEvents) {
-    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
-    EXPECT_EQ(scene.Send(2, 1), 0);
-    EXPECT_EQ(scene.m_pNode->DevIOEventOccurred(nullptr), 0);
-    EXPECT_EQ(scene.m_pNode->GetNodeParamInfoGrpAr(), nullptr);
 }
 
 TEST_F(BroadcastSendNode, SteadySendsKeepTheHeapAsItIs) {

@@ -1,6 +1,4 @@
 // The control layouts of the parameter panels: one for each of the five classes that have one, read from its file.
-#include <memory>
-
 #include "HostSetup.h"
 #include "ModuleHost.h"
 
@@ -10,6 +8,8 @@ struct LayoutClass {
     const char* pszName;
     unsigned char nTypeByte;
     const char* pszFileName;
+
+    friend std::ostream& operator<<(std::ostream& out, const LayoutClass& layout) { return out << layout.pszName; }
 };
 
 /// In the order in which the module releases the layouts.
@@ -29,10 +29,6 @@ constexpr std::string_view LAYOUT = R"(<?xml version="1.0" encoding="UTF-8"?>
   <Group id="302" name="Empty"/>
 </ParamLayout>
 )";
-
-void WriteLayout(const ModuleHost& host, const LayoutClass& layoutClass, std::string_view text) {
-    host.WriteFile(std::filesystem::path("Plugins/NodePlugin/IOProcess") / layoutClass.pszFileName, text);
-}
 
 /// What the file says.
 void ExpectLayoutOfTheFile(const CArray<SNodeParamInfoGrp*>& arGroup) {
@@ -65,92 +61,49 @@ private:
 
 class ControlLayout : public ModuleTest, public testing::WithParamInterface<LayoutClass> {
 protected:
-    void Write(std::string_view text) const { WriteLayout(m_host, GetParam(), text); }
+    void Write(std::string_view text, const LayoutClass& layoutClass = GetParam()) const {
+        m_host.WriteFile(std::filesystem::path("Plugins/NodePlugin/IOProcess") / layoutClass.pszFileName, text);
+    }
     void ExpectRead() const { ExpectLayoutOfTheFile(*m_pNode->GetNodeParamInfoGrpAr()); }
-    NodePtr NewNode() { return m_host.CreateNode(GetParam().nTypeByte); }
 
-    NodePtr m_pNode = NewNode();
+    NodePtr m_pNode = m_host.CreateNode(GetParam().nTypeByte);
 };
 
-INSTANTIATE_TEST_SUITE_P(EachClass, ControlLayout, testing::ValuesIn(CLASSES),
-                         [](const testing::TestParamInfo<LayoutClass>& layout) { return layout.param.pszName; });
+INSTANTIATE_TEST_SUITE_P(EachClass, ControlLayout, testing::ValuesIn(CLASSES), TestName<LayoutClass>);
 
-TEST_P(ControlLayout, PathLiesInTheModuleFolder) {
-    const std::string folder = Utf8(G_GetModulePath());
-    EXPECT_EQ(Utf8(m_pNode->GetCtrlPosXmlPath()),
-              folder + "\\Plugins\\NodePlugin\\IOProcess\\" + GetParam().pszFileName);
-    EXPECT_EQ(folder, m_host.AppFolder().string());
-}
-
-TEST_P(ControlLayout, IsOnePerClass) {
-    const NodePtr pOther = NewNode();
-    EXPECT_NE(m_pNode->GetXmlReader(), nullptr);
-    EXPECT_NE(m_pNode->GetXmlLoadStatePtr(), nullptr);
-    EXPECT_NE(m_pNode->GetNodeParamInfoGrpAr(), nullptr);
-    EXPECT_EQ(pOther->GetXmlReader(), m_pNode->GetXmlReader());
-    EXPECT_EQ(pOther->GetXmlLoadStatePtr(), m_pNode->GetXmlLoadStatePtr());
-    EXPECT_EQ(pOther->GetNodeParamInfoGrpAr(), m_pNode->GetNodeParamInfoGrpAr());
-}
-
-TEST_P(ControlLayout, IsNotSharedWithAnotherClass) {
+TEST_P(ControlLayout, IsOnePerClassAndSharedWithNoOther) {
     Write(LAYOUT);
     ExpectRead();
     for (const LayoutClass& layoutClass : CLASSES) {
-        if (layoutClass.nTypeByte != GetParam().nTypeByte) {
-            SCOPED_TRACE(layoutClass.pszName);
-            const NodePtr pOther = m_host.CreateNode(layoutClass.nTypeByte);
-            EXPECT_NE(pOther->GetXmlReader(), m_pNode->GetXmlReader());
-            EXPECT_NE(pOther->GetXmlLoadStatePtr(), m_pNode->GetXmlLoadStatePtr());
-            EXPECT_NE(pOther->GetNodeParamInfoGrpAr(), m_pNode->GetNodeParamInfoGrpAr());
-            EXPECT_EQ(pOther->GetNodeParamInfoGrpAr()->GetSize(), 0) << "its own file isn't there";
-        }
+        SCOPED_TRACE(layoutClass);
+        const NodePtr pOther = m_host.CreateNode(layoutClass.nTypeByte);
+        const bool bSame = layoutClass.nTypeByte == GetParam().nTypeByte;
+        EXPECT_EQ(pOther->GetXmlReader() == m_pNode->GetXmlReader(), bSame);
+        EXPECT_EQ(pOther->GetXmlLoadStatePtr() == m_pNode->GetXmlLoadStatePtr(), bSame);
+        EXPECT_EQ(pOther->GetNodeParamInfoGrpAr() == m_pNode->GetNodeParamInfoGrpAr(), bSame);
+        EXPECT_EQ(pOther->GetNodeParamInfoGrpAr()->GetSize(), bSame ? 2 : 0) << "only one file is there";
     }
+    m_pNode = m_host.CreateNode(GetParam().nTypeByte); // it outlives its nodes
+    ExpectRead();
 }
 
-TEST_P(ControlLayout, HeightIsNotComputedAnew) {
-    EXPECT_EQ(m_pNode->ShouldReCalHeight(), FALSE);
-}
-
-TEST_P(ControlLayout, IsReadFromTheFile) {
-    Write(LAYOUT);
+TEST_P(ControlLayout, IsReadOnceWhenAskedForAndThere) {
     EXPECT_EQ(*m_pNode->GetXmlLoadStatePtr(), 0) << "nothing is read before it's asked for";
+    CArray<SNodeParamInfoGrp*>* pArray = m_pNode->GetNodeParamInfoGrpAr();
+    EXPECT_EQ(pArray->GetSize(), 0);
+    EXPECT_EQ(*m_pNode->GetXmlLoadStatePtr(), 2);
+    EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1) << "an empty one is released too";
+    Write(LAYOUT);
     ExpectRead();
     EXPECT_EQ(*m_pNode->GetXmlLoadStatePtr(), 1);
-}
-
-TEST_P(ControlLayout, IsFilledOnce) {
-    Write(LAYOUT);
-    CArray<SNodeParamInfoGrp*>* pArray = m_pNode->GetNodeParamInfoGrpAr();
     SNodeParamInfoGrp* const pFirst = pArray->GetAt(0);
     Write("<ParamLayout/>");
-    const NodePtr pOther = NewNode();
-    EXPECT_EQ(pOther->GetNodeParamInfoGrpAr(), pArray);
-    ASSERT_EQ(pArray->GetSize(), 2);
+    ExpectRead();
+    EXPECT_EQ(m_pNode->GetNodeParamInfoGrpAr(), pArray);
     EXPECT_EQ(pArray->GetAt(0), pFirst);
 }
 
-TEST_P(ControlLayout, OutlivesItsNodes) {
-    Write(LAYOUT);
-    {
-        const NodePtr pOther = NewNode();
-        pOther->GetNodeParamInfoGrpAr();
-    }
-    ExpectRead();
-}
-
 TEST_P(ControlLayout, IsReleasedWithItsStorageAndFilledAgain) {
-    Write(LAYOUT);
-    CArray<SNodeParamInfoGrp*>* pArray = m_pNode->GetNodeParamInfoGrpAr();
-    ASSERT_EQ(pArray->GetSize(), 2);
-    EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);
-    EXPECT_EQ(pArray->GetSize(), 0);
-    EXPECT_EQ(pArray->GetData(), nullptr);
-    EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1) << "an empty one is released too";
-    EXPECT_EQ(m_pNode->GetNodeParamInfoGrpAr(), pArray);
-    ExpectRead();
-}
-
-TEST_P(ControlLayout, IsReleasedFromTheLastToTheFirst) {
     Write(LAYOUT);
     CArray<SNodeParamInfoGrp*>* pArray = m_pNode->GetNodeParamInfoGrpAr();
     std::vector<std::string> deleted;
@@ -158,49 +111,33 @@ TEST_P(ControlLayout, IsReleasedFromTheLastToTheFirst) {
         pArray->Add(new CTracedGroup(pszName, deleted));
         pArray->Add(nullptr); // elements may be missing
     }
-    m_host.Call(1, nullptr, nullptr);
-    EXPECT_EQ(deleted, (std::vector<std::string>{"3", "2", "1"}));
-    EXPECT_EQ(pArray->GetSize(), 0);
-}
-
-TEST_P(ControlLayout, MissingFileLeavesItEmpty) {
-    CArray<SNodeParamInfoGrp*>* pArray = m_pNode->GetNodeParamInfoGrpAr();
-    ASSERT_NE(pArray, nullptr);
-    EXPECT_EQ(pArray->GetSize(), 0);
-    EXPECT_EQ(*m_pNode->GetXmlLoadStatePtr(), 2);
     EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);
+    EXPECT_EQ(deleted, (std::vector<std::string>{"3", "2", "1"})) << "from the last to the first";
+    EXPECT_EQ(pArray->GetSize(), 0);
+    EXPECT_EQ(pArray->GetData(), nullptr);
+    EXPECT_EQ(m_pNode->GetNodeParamInfoGrpAr(), pArray);
+    ExpectRead();
 }
 
-TEST_P(ControlLayout, BrokenFilesLeaveItEmpty) {
+TEST_P(ControlLayout, BrokenAndForeignFilesLeaveItEmpty) {
+    using namespace std::string_view_literals;
     for (const std::string_view text :
-         {std::string_view(""), std::string_view("no XML"),
-          std::string_view("<ParamLayout><Group id=\"301\"></ParamLayout>"),
-          std::string_view("<ParamLayout><Group id=\"30"), std::string_view("\x00\xFF\xFE<\x01", 5)}) {
+         {""sv, "no XML"sv, "<ParamLayout><Group id=\"301\"></ParamLayout>"sv, "<ParamLayout><Group id=\"30"sv,
+          "\x00\xFF\xFE<\x01"sv, "<Other><Group id=\"301\" name=\"Base param\"/></Other>"sv}) {
         SCOPED_TRACE(text);
         Write(text);
         EXPECT_EQ(m_pNode->GetNodeParamInfoGrpAr()->GetSize(), 0);
     }
 }
 
-TEST_P(ControlLayout, ForeignXmlLeavesItEmpty) {
-    Write("<Other><Group id=\"301\" name=\"Base param\"/></Other>");
-    EXPECT_EQ(m_pNode->GetNodeParamInfoGrpAr()->GetSize(), 0);
-}
-
-TEST_P(ControlLayout, IsReadOnceTheFileIsThere) {
-    EXPECT_EQ(m_pNode->GetNodeParamInfoGrpAr()->GetSize(), 0);
-    Write(LAYOUT);
-    ExpectRead();
-}
-
 TEST_P(ControlLayout, IsFreedWhenTheModuleIsUnloadedUnreleased) {
     Write(LAYOUT);
-    ASSERT_EQ(m_pNode->GetNodeParamInfoGrpAr()->GetSize(), 2);
+    ExpectRead();
     m_pNode.reset();
     m_host.Unload();
     m_host.Load();
-    const NodePtr pNode = NewNode();
-    EXPECT_EQ(*pNode->GetXmlLoadStatePtr(), 0) << "a module loaded anew knows nothing";
+    m_pNode = m_host.CreateNode(GetParam().nTypeByte);
+    EXPECT_EQ(*m_pNode->GetXmlLoadStatePtr(), 0) << "a module loaded anew knows nothing";
 }
 
 TEST_P(ControlLayout, ShippedFileNamesParametersThatTheNodeHas) {
@@ -221,62 +158,23 @@ TEST_P(ControlLayout, ShippedFileNamesParametersThatTheNodeHas) {
     }
 }
 
-// ---- All five together ---------------------------------------------------------------------------------------------
+using ControlLayouts = ModuleTest;
 
-class ControlLayouts : public ModuleTest {
-protected:
-    ControlLayouts() {
-        for (const LayoutClass& layoutClass : CLASSES) {
-            WriteLayout(m_host, layoutClass, LAYOUT);
-            m_nodes.push_back(m_host.CreateNode(layoutClass.nTypeByte));
-        }
-    }
-
-    std::vector<NodePtr> m_nodes;
-};
-
-TEST_F(ControlLayouts, AreEmptiedTogetherAndFillAgain) {
-    for (const NodePtr& pNode : m_nodes) {
-        ExpectLayoutOfTheFile(*pNode->GetNodeParamInfoGrpAr());
-    }
-    EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);
-    std::vector<CArray<SNodeParamInfoGrp*>*> arrays;
-    for (const NodePtr& pNode : m_nodes) {
-        arrays.push_back(pNode->GetNodeParamInfoGrpAr()); // reads the layout again
-        ExpectLayoutOfTheFile(*arrays.back());
-    }
-    EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);
-    for (const CArray<SNodeParamInfoGrp*>* pArray : arrays) {
-        EXPECT_EQ(pArray->GetSize(), 0);
-        EXPECT_EQ(pArray->GetData(), nullptr);
-    }
-}
-
-TEST_F(ControlLayouts, AreReleasedInTheOrderOfTheirClasses) {
+TEST_F(ControlLayouts, AreReleasedTogetherInTheOrderOfTheirClasses) {
     std::vector<std::string> deleted;
+    std::vector<CArray<SNodeParamInfoGrp*>*> arrays;
     // Filled in another order than they are released in.
-    for (size_t i = m_nodes.size(); i-- > 0;) {
-        CArray<SNodeParamInfoGrp*>* pArray = m_nodes[i]->GetNodeParamInfoGrpAr();
-        pArray->Add(new CTracedGroup(std::string(CLASSES[i].pszName) + " 1", deleted));
-        pArray->Add(new CTracedGroup(std::string(CLASSES[i].pszName) + " 2", deleted));
+    for (size_t i = std::size(CLASSES); i-- > 0;) {
+        arrays.push_back(m_host.CreateNode(CLASSES[i].nTypeByte)->GetNodeParamInfoGrpAr());
+        arrays.back()->Add(new CTracedGroup(std::string(CLASSES[i].pszName) + " 1", deleted));
+        arrays.back()->Add(new CTracedGroup(std::string(CLASSES[i].pszName) + " 2", deleted));
     }
     EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);
     EXPECT_EQ(deleted, (std::vector<std::string>{"Gesture 2", "Gesture 1", "Mouse 2", "Mouse 1", "NetParameterSend 2",
                                                  "NetParameterSend 1", "VRHandle 2", "VRHandle 1",
                                                  "DeviceJsonReceive 2", "DeviceJsonReceive 1"}));
-}
-
-TEST_F(ControlLayouts, OtherTypesHaveNone) {
-    for (const unsigned char nTypeByte :
-         {TYPE_KEYBOARD, TYPE_KEY_CHECK, TYPE_TEXT_FIELD, TYPE_NET_PARAMETER_RECEIVE, TYPE_BROADCAST_SEND,
-          TYPE_BROADCAST_RECEIVE, TYPE_OBJECT_JSON_RECEIVE, TYPE_STRING_DATA_SEND}) {
-        SCOPED_TRACE(int{nTypeByte});
-        const NodePtr pNode = m_host.CreateNode(nTypeByte);
-        EXPECT_EQ(pNode->GetXmlReader(), nullptr);
-        EXPECT_EQ(pNode->GetXmlLoadStatePtr(), nullptr);
-        EXPECT_EQ(Utf8(pNode->GetCtrlPosXmlPath()), "");
-        EXPECT_EQ(pNode->GetNodeParamInfoGrpAr(), nullptr);
-        EXPECT_EQ(pNode->ShouldReCalHeight(), FALSE);
+    for (const CArray<SNodeParamInfoGrp*>* pArray : arrays) {
+        EXPECT_EQ(pArray->GetSize(), 0);
     }
 }
 

@@ -1,11 +1,11 @@
 // The general event by which a node fires an output, seen where it arrives: at the host's event window.
+#include <algorithm>
+#include <new>
 #include <set>
 
+#include "ContractTypes.h"
 #include "HeapUse.h"
 #include "HostCalls.h"
-#include "HostSetup.h"
-#include "ModuleHost.h"
-#include "host/RemoteControlRecord.h"
 
 namespace {
 
@@ -27,10 +27,10 @@ struct ExpectedEventParam {
 };
 
 const ExpectedEventParam EVENT_PARAMS[] = {
-    {0, "OwnerClip", "TOUCH_CONTROL_OWNER_CLIP", L"VEKClip"},
-    {1, "OwnerObject", "TOUCH_CONTROL_OWNER_OBJECT", L"VEKObject"},
-    {2, "OwnerProperty", "TOUCH_CONTROL_OWNER_PROPERTY", L"VEKProperty"},
-    {3, "OwnerEventID", "QOR_EXTRADATA_EVENT_ID", L"EventID"},
+    {0, "OwnerClip", "<TOUCH_CONTROL_OWNER_CLIP>", L"VEKClip"},
+    {1, "OwnerObject", "<TOUCH_CONTROL_OWNER_OBJECT>", L"VEKObject"},
+    {2, "OwnerProperty", "<TOUCH_CONTROL_OWNER_PROPERTY>", L"VEKProperty"},
+    {3, "OwnerEventID", "<QOR_EXTRADATA_EVENT_ID>", L"EventID"},
 };
 
 TEST_F(GeneralEvent, ArrivesWithTheNodesMessageAndOneAsFirstParameter) {
@@ -46,7 +46,10 @@ TEST_F(GeneralEvent, ArrivesWithTheNodesMessageAndOneAsFirstParameter) {
 }
 
 TEST_F(GeneralEvent, CarriesFourPointerParameters) {
-    Fire();
+    {
+        const MarkedTexts texts;
+        Fire();
+    }
     const std::vector<PostedEvent> events = m_host.TakeEvents();
     ASSERT_EQ(events.size(), 1u);
     const std::vector<VEKParam*> params = Items(events[0].pEvent->m_lstParam);
@@ -85,21 +88,6 @@ TEST_F(GeneralEvent, OwesNothingToWhatTheHostLeavesInAParameter) {
         EXPECT_STREQ(params[i]->m_szTypeName, EVENT_PARAMS[i].pszTypeName);
     }
     EXPECT_EQ(params[1]->m_pValue, nullptr);
-}
-
-TEST_F(GeneralEvent, DisplayTextsComeFromTheTextTable) {
-    m_host.WriteFile("Config/Texts/zh.json",
-                     R"({"TOUCH_CONTROL_OWNER_CLIP": "剪辑", "TOUCH_CONTROL_OWNER_OBJECT": "物体",
-        "TOUCH_CONTROL_OWNER_PROPERTY": "属性", "QOR_EXTRADATA_EVENT_ID": "事件"})");
-    ASSERT_TRUE(SetTextTable(ETextTable::Chinese));
-    Fire();
-    const std::vector<PostedEvent> events = m_host.TakeEvents();
-    ASSERT_EQ(events.size(), 1u);
-    std::vector<std::string> texts;
-    for (const VEKParam* pParam : Items(events[0].pEvent->m_lstParam)) {
-        texts.push_back(Utf8(pParam->m_strDisplay));
-    }
-    EXPECT_EQ(texts, (std::vector<std::string>{"剪辑", "物体", "属性", "事件"}));
 }
 
 TEST_F(GeneralEvent, EveryEventCarriesAnIdOfItsOwn) {
@@ -162,49 +150,23 @@ private:
 
 TEST_F(GeneralEvent, ComesBehindItsLogLine) {
     EventsBeforeLines events(m_host);
-    SKeyEventData key;
-    m_scene.Send(0, 2002, &key);
-    m_scene.Send(0, 2003, &key);
-    events.Expect(2);
-
-    NodeScene mouse(m_host, TYPE_MOUSE);
-    mouse.Evaluate();
-    for (int nEvent = 3002; nEvent <= 3012; ++nEvent) {
-        mouse.Send(1, nEvent);
-    }
-    events.Expect(11);
-
-    NodeScene gesture(m_host, TYPE_GESTURE);
-    gesture.Evaluate();
-    for (const CPoint& step : {CPoint(100, 0), CPoint(-100, 0), CPoint(0, 100), CPoint(0, -100), CPoint(0, 0)}) {
-        SQORMouseData sample(0, 0.0f, 0.0f, CPoint(0, 0), 0);
-        for (const int nEvent : {3005, 3013, 3006}) {
-            gesture.Send(1, nEvent, &sample);
-            sample.m_ptPixel = CPoint(sample.m_ptPixel.x + step.x, sample.m_ptPixel.y + step.y);
+    ContractPayloads payloads;
+    const std::pair<unsigned char, int> LINES[] = {{TYPE_KEYBOARD, 2},
+                                                   {TYPE_MOUSE, 1},
+                                                   {TYPE_GESTURE, 3},
+                                                   {TYPE_NET_PARAMETER_RECEIVE, 1},
+                                                   {TYPE_DEVICE_JSON_RECEIVE, 1},
+                                                   {TYPE_OBJECT_JSON_RECEIVE, 1}};
+    for (const auto& [nTypeByte, nLines] : LINES) {
+        const ContractType& type = *std::ranges::find(ContractTypes(), nTypeByte, &ContractType::nTypeByte);
+        SCOPED_TRACE(type);
+        NodeScene scene(m_host, nTypeByte);
+        scene.Evaluate();
+        for (const ContractEvent& event : type.pEvents(payloads)) {
+            scene.Send(type.devices[0], event.nEvent, event.pPayload);
         }
-        events.Expect(step == CPoint(0, 0) ? 1 : 3); // a tap, or a drag from its start to its swipe
+        events.Expect(nLines);
     }
-
-    NodeScene netReceive(m_host, TYPE_NET_PARAMETER_RECEIVE);
-    netReceive.Evaluate();
-    CQORPanelRemoteCtrlData record;
-    record.m_strClipName = L"Clip";
-    netReceive.Send(2, 0, static_cast<CQORIOAttachedData*>(&record));
-    events.Expect(1);
-
-    NodeScene device(m_host, TYPE_DEVICE_JSON_RECEIVE);
-    device.Evaluate();
-    SDeviceTextData deviceText;
-    deviceText.m_nDeviceId = 1;
-    deviceText.m_strText = L"1";
-    device.Send(5, 0, &deviceText);
-    events.Expect(1);
-
-    NodeScene object(m_host, TYPE_OBJECT_JSON_RECEIVE);
-    object.Evaluate();
-    SObjectTextData objectText;
-    object.Send(6, 0, &objectText);
-    events.Expect(1);
 }
 
 TEST_F(GeneralEvent, UsesTheNodesOwnMessage) {
@@ -219,27 +181,18 @@ TEST_F(GeneralEvent, UsesTheNodesOwnMessage) {
     EXPECT_EQ(FiredOutput(posted), 153);
 }
 
-TEST_F(GeneralEvent, DoesNotGoToTheNotificationWindow) {
-    m_scene.m_pNode->m_hEventWnd = nullptr;
-    m_scene.m_pNode->m_hNotifyWnd = m_host.Window();
+TEST_F(GeneralEvent, IsNotPostedWithoutWindowOrMessage) {
+    m_scene.m_pNode->m_hNotifyWnd = m_host.Window(); // not for events
     m_scene.m_pNode->m_nNotifyMsg = ModuleHost::EVENT_MESSAGE;
-    EXPECT_EQ(Fire(), 1);
-    EXPECT_TRUE(m_host.TakeEvents().empty());
-}
-
-TEST_F(GeneralEvent, IsNotPostedWithoutWindow) {
-    m_scene.m_pNode->m_hEventWnd = nullptr;
-    EXPECT_EQ(Fire(), 1) << "the event is consumed all the same";
-    EXPECT_EQ(m_host.TakeLog().size(), 1u) << "and logged";
-    EXPECT_TRUE(m_host.TakeEvents().empty());
-}
-
-TEST_F(GeneralEvent, IsNotPostedWithoutMessage) {
-    m_scene.m_pNode->m_nEventMsg = 0;
-    EXPECT_EQ(Fire(), 1);
-    EXPECT_EQ(m_host.TakeLog().size(), 1u);
-    EXPECT_TRUE(m_host.TakeEvents().empty());
-    EXPECT_TRUE(m_host.TakeOtherMessages().empty());
+    for (const auto& [hWnd, nMessage] :
+         {std::pair(HWND(), ModuleHost::EVENT_MESSAGE), std::pair(m_host.Window(), UINT(0))}) {
+        m_scene.m_pNode->m_hEventWnd = hWnd;
+        m_scene.m_pNode->m_nEventMsg = nMessage;
+        EXPECT_EQ(Fire(), 1) << "the event is consumed all the same";
+        EXPECT_EQ(m_host.TakeLog().size(), 1u) << "and logged";
+        EXPECT_TRUE(m_host.TakeEvents().empty());
+        EXPECT_TRUE(m_host.TakeOtherMessages().empty());
+    }
 }
 
 TEST_F(GeneralEvent, AllocatesNothingWithoutWindowOrMessage) {
@@ -298,6 +251,38 @@ TEST_F(GeneralEvent, RefusedByAFullQueueIsFreed) {
     Fire();
     EXPECT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{153}) << "the queue takes messages again";
 }
+
+// ---- What comes of failures ----------------------------------------------------------------------------------------
+
+class FailingEvent : public GeneralEvent {
+protected:
+    /// Fire while the texts of the event can't be had. Nothing but that fails.
+    int Fire(void (*pRaise)()) {
+        const FailingText failing(TEXT_OF_EVENTS, 0, pRaise);
+        return GeneralEvent::Fire();
+    }
+};
+
+TEST_F(FailingEvent, EndsInsideAndIsFreed) {
+    SetLogSink(nullptr);
+    EXPECT_EQ(Fire([] { throw std::bad_alloc(); }), 0);
+    EXPECT_EQ(Fire([] { throw 5; }), 0);
+    EXPECT_EQ(Fire(AfxThrowMemoryException), 0);
+    const size_t nBefore = HeapBytesInUse();
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_EQ(Fire([] { throw new CMemoryException; }), 0);
+    }
+    EXPECT_EQ(HeapBytesInUse(), nBefore) << "the framework's exceptions belong to whoever catches them";
+    EXPECT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{});
+    GeneralEvent::Fire();
+    EXPECT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{153});
+}
+
+TEST_F(FailingEvent, AnInvalidArgumentGoesOnToTheHost) {
+    EXPECT_TRUE(RaisesInvalidArgument([this] { Fire(AfxThrowInvalidArgException); }));
+}
+
+// ---- What outlives what --------------------------------------------------------------------------------------------
 
 TEST_F(GeneralEvent, OutlivesItsNode) {
     Fire();

@@ -256,14 +256,41 @@ VEKParam& NodeScene::AddGraphInput(unsigned nId, int nType, int nControl) {
     return *pParam;
 }
 
-void NodeScene::RemoveOutput(unsigned nId) {
-    VEKParam* pOutput = &Output(nId);
-    for (VEKParamGroup* pGroup : Items(m_graphNode.m_lstOutputGroup)) {
-        if (const POSITION pos = pGroup->m_lstParam.Find(pOutput)) {
+namespace {
+
+void Remove(VEKParam* pParam, const VEKParamGroupList& lstGroup) {
+    for (VEKParamGroup* pGroup : Items(lstGroup)) {
+        if (const POSITION pos = pGroup->m_lstParam.Find(pParam)) {
             pGroup->m_lstParam.RemoveAt(pos);
         }
     }
-    delete pOutput;
+    delete pParam;
+}
+
+} // namespace
+
+void NodeScene::RemoveInput(unsigned nId) {
+    Remove(&Input(nId), m_pNode->m_lstParamGroup);
+}
+
+void NodeScene::RemoveOutput(unsigned nId) {
+    Remove(&Output(nId), m_graphNode.m_lstOutputGroup);
+}
+
+void ModuleTest::ExpectSilence(const std::vector<LogLine>& log) {
+    EXPECT_EQ(m_host.TakeLog(), log);
+    EXPECT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{});
+    EXPECT_TRUE(m_host.TakeReportedEvents().empty());
+}
+
+void ModuleTest::ExpectReported(const NodeScene& scene, int nOutput, const LogLine& line) {
+    const std::vector<ReportedEvent> events = m_host.TakeReportedEvents();
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_EQ(events[0].pNode, scene.m_pNode.get());
+    EXPECT_EQ(events[0].pClip, &scene.m_clip);
+    EXPECT_EQ(events[0].pObject, nullptr);
+    EXPECT_EQ(events[0].nOutput, nOutput);
+    ExpectSilence({line});
 }
 
 ExpectedParam EventPin(unsigned nId, const char* pszName, const char* pszDisplay) {

@@ -208,7 +208,8 @@ public:
     VEKParam& Output(unsigned nId) const;
     /// Supply an input by the graph; the parameter is new and belongs to the graph node.
     VEKParam& AddGraphInput(unsigned nId, int nType, int nControl);
-    /// Take an output pin away.
+    /// Take one of the node's own parameters or an output pin away.
+    void RemoveInput(unsigned nId);
     void RemoveOutput(unsigned nId);
 
     VEKClip m_clip;
@@ -219,8 +220,25 @@ public:
 /// Base of tests that need the host.
 class ModuleTest : public testing::Test {
 protected:
+    /// Nothing was fired or reported, and nothing but these lines logged.
+    void ExpectSilence(const std::vector<LogLine>& log = {});
+    /// The node reported this output, of no object, fired nothing itself and logged this line.
+    void ExpectReported(const NodeScene& scene, int nOutput, const LogLine& line);
+
     ModuleHost m_host;
 };
+
+/// Whether the framework's exception for invalid arguments comes out of a call.
+template <typename Function>
+bool RaisesInvalidArgument(Function function) {
+    try {
+        function();
+    } catch (CInvalidArgException* pException) {
+        pException->Delete();
+        return true;
+    }
+    return false;
+}
 
 // ---- Expected tables -----------------------------------------------------------------------------------------------
 

@@ -1,10 +1,10 @@
-// What every node type keeps to, and the table of where they differ.
+// What every node type keeps to.
 #include <algorithm>
 #include <climits>
 #include <iterator>
 
+#include "ContractTypes.h"
 #include "HostCalls.h"
-#include "ModuleHost.h"
 #include "ParamText.h"
 #include "SocketCalls.h"
 #include "TestDevices.h"
@@ -14,211 +14,9 @@ namespace {
 
 constexpr unsigned ENABLE = 2;
 
-/// One of each payload, as the type that takes it acts on it.
-struct Payloads {
-    Payloads() {
-        key.m_strText = L"a";
-        pressed.m_bTriggerPressed = 1;
-        for (SVRPluginData* pSample : {&pressed, &released}) {
-            pSample->m_fPose[12] = 1.5f;
-            pSample->m_fHitPosition[2] = 2.5f;
-        }
-        remote.m_strClipName = L"Clip";
-        remote.m_strKeyValue = L"value";
-        broadcast.m_strName = L"score";
-        broadcast.m_strData = L"12|7";
-        deviceText.m_nDeviceId = 1;
-        deviceText.m_strText = L"{}";
-        objectText.m_strText = L"any";
-    }
-
-    SKeyEventData key;
-    SQORMouseData pointer{1, 0.25f, 0.75f, CPoint(10, 20), 0};
-    SVRPluginData pressed;
-    SVRPluginData released;
-    CQORPanelRemoteCtrlData remote;
-    SBroadcastItem broadcast;
-    SDeviceTextData deviceText;
-    SObjectTextData objectText;
-};
-
-struct Event {
-    int nEvent;
-    void* pPayload;
-};
-
-enum class Enabling {
-    None,
-    EachEvaluation, ///< a disabled or missing "Enable" ends the evaluation
-    Remembered,     ///< moreover, events follow what "Enable" was at the last evaluation
-};
-
-struct Type {
-    unsigned char nTypeByte;
-    const char* pszName;
-    const char* pszNameKey;
-    std::vector<std::string> acts; ///< what is seen of an enabled node that is given its events or its triggers
-
-    std::vector<int> devices = {};                      ///< whose events it takes
-    std::vector<Event> (*pEvents)(Payloads&) = nullptr; ///< the events that make it act
-    void (*pTrigger)(NodeScene&) = nullptr;             ///< the inputs that make it act
-    const char* pszNullRecord = nullptr;                ///< the line that a missing record is logged with
-    bool bNullRecordWhileDisabled = true;               ///< logged by a disabled node, too
-    int nAnswerToOtherEvents = 0;                       ///< and to missing records
-    Enabling enabling = Enabling::None;
-    bool bEvaluatesWithoutClip = false;
-    const char* pszLayoutFile = nullptr;
-    unsigned nPanelInput = 0;       ///< the input whose edit the node wants to hear of
-    int nAddedToForeignOutputs = 0; ///< pins that the node adds to a group that isn't its own
-
-    friend std::ostream& operator<<(std::ostream& out, const Type& type) { return out << type.pszName; }
-};
-
-const char* const NULL_RECORD = "[Clip.Graph.Node]DevIOEventOccurred函数数据错误";
-
-const Type TYPES[] = {
-    {.nTypeByte = TYPE_KEYBOARD,
-     .pszName = "Keyboard",
-     .pszNameKey = "IO_PROCESS_KEYBOARD",
-     .acts = {"log [Clip.Graph.Node]触发输出事件[按下]键盘信息为[a]",
-              "log [Clip.Graph.Node]触发输出事件[抬起]键盘信息为[a]", "fired 152", "fired 153", "KeyText is \"a\""},
-     .devices = {0},
-     .pEvents = [](Payloads& payloads) -> std::vector<Event> {
-         return {{2002, &payloads.key}, {2003, nullptr}};
-     },
-     .pszNullRecord = "[Clip.Graph.Node]DevIOEventOccurred",
-     .enabling = Enabling::Remembered,
-     .bEvaluatesWithoutClip = true},
-    {.nTypeByte = TYPE_KEY_CHECK,
-     .pszName = "KeyCheck",
-     .pszNameKey = "IO_PROCESS_KEY_CHECK",
-     .acts = {"fired 1152", "fired 1154"},
-     .pTrigger = [](NodeScene& scene) { scene.Input(1102).m_nValue = 'A'; },
-     .enabling = Enabling::EachEvaluation,
-     .bEvaluatesWithoutClip = true},
-    {.nTypeByte = TYPE_TEXT_FIELD,
-     .pszName = "TextField",
-     .pszNameKey = "IO_PROCESS_TEXTFIELDINPUT",
-     .acts = {"log [Clip]触发输入事件[输入事件]", "log [Clip]触发输入事件[输入事件]", "HasText is 1", "Text is \"xx\""},
-     .pTrigger =
-         [](NodeScene& scene) {
-             scene.Input(202).m_strValue = L"x";
-             scene.AddGraphInput(203, 26, 7).m_nValue = 1;
-         },
-     .enabling = Enabling::EachEvaluation},
-    {.nTypeByte = TYPE_MOUSE,
-     .pszName = "Mouse",
-     .pszNameKey = "IO_PROCESS_MOUSE",
-     .acts = {"log [Clip.Graph.Node]触发输出事件[左键按下]", "fired 358", "ButtonL is 1", "PixelX is 10",
-              "PixelY is 20", "RelativeX is 0.25", "RelativeY is 0.75"},
-     .devices = {1},
-     .pEvents = [](Payloads& payloads) -> std::vector<Event> {
-         return {{3013, &payloads.pointer}, {3005, &payloads.pointer}};
-     },
-     .pszNullRecord = NULL_RECORD,
-     .enabling = Enabling::Remembered,
-     .bEvaluatesWithoutClip = true,
-     .pszLayoutFile = "CVEKIOMouse.XML"},
-    {.nTypeByte = TYPE_NET_PARAMETER_SEND,
-     .pszName = "NetParameterSend",
-     .pszNameKey = "IO_PROCESS_NETSEND",
-     .acts = {"log [Clip.Graph.Node]触发事件", "log [Clip.Graph.Node]触发事件", "sent to 5", "sent to 5"},
-     .pTrigger =
-         [](NodeScene& scene) {
-             scene.Input(402).m_strValue = L"5";
-             scene.AddGraphInput(410, 26, 7).m_nValue = 1;
-         },
-     .nAnswerToOtherEvents = 1,
-     .pszLayoutFile = "CVEKIONetParameterSend.XML"},
-    {.nTypeByte = TYPE_NET_PARAMETER_RECEIVE,
-     .pszName = "NetParameterReceive",
-     .pszNameKey = "IO_PROCESS_NETRECEIVE",
-     .acts = {"log [Clip.Graph.Node 触发[网络触发]事件]", "reported 554", "KeyValue is \"value\""},
-     .devices = {2, 4},
-     .pEvents = [](Payloads& payloads) -> std::vector<Event> {
-         return {{0, static_cast<CQORIOAttachedData*>(&payloads.remote)}};
-     },
-     .pszNullRecord = NULL_RECORD},
-    {.nTypeByte = TYPE_BROADCAST_SEND,
-     .pszName = "BroadcastSend",
-     .pszNameKey = "IO_PROCESS_BROADCAST",
-     .acts = {"datagram", "datagram"},
-     .pTrigger =
-         [](NodeScene& scene) {
-             scene.Input(605).m_strValue = L"12|7";
-             scene.AddGraphInput(606, 26, 7).m_nValue = 1;
-         }},
-    {.nTypeByte = TYPE_BROADCAST_RECEIVE,
-     .pszName = "BroadcastReceive",
-     .pszNameKey = "IO_PROCESS_BROADCASTREV",
-     .acts = {"Name is \"score\"", "Data is \"12|7\""},
-     .devices = {2},
-     .pEvents = [](Payloads& payloads) -> std::vector<Event> {
-         return {{1, &payloads.broadcast}};
-     },
-     .pszNullRecord = NULL_RECORD},
-    {.nTypeByte = TYPE_GESTURE,
-     .pszName = "Gesture",
-     .pszNameKey = "TOUCH_CONTROL_TOUCH_GESTURE",
-     .acts = {"log [Clip.Graph.Node]触发输出事件[单击]", "fired 758"},
-     .devices = {1},
-     .pEvents = [](Payloads& payloads) -> std::vector<Event> {
-         return {{3005, &payloads.pointer}, {3013, &payloads.pointer}, {3006, &payloads.pointer}};
-     },
-     .pszNullRecord = NULL_RECORD,
-     .enabling = Enabling::Remembered,
-     .bEvaluatesWithoutClip = true,
-     .pszLayoutFile = "CVEKIOGesture.XML",
-     .nAddedToForeignOutputs = 1},
-    {.nTypeByte = TYPE_VR_HANDLE,
-     .pszName = "VRHandle",
-     .pszNameKey = "IO_PROCESS_VRHANLDE",
-     .acts = {"fired 862", "fired 863", "fired 864", "PosX is 1.5", "HitPosZ is 2.5"},
-     .devices = {3},
-     .pEvents = [](Payloads& payloads) -> std::vector<Event> {
-         return {{0, &payloads.pressed}, {1, &payloads.released}};
-     },
-     .pszNullRecord = NULL_RECORD,
-     .bNullRecordWhileDisabled = false,
-     .enabling = Enabling::Remembered,
-     .bEvaluatesWithoutClip = true,
-     .pszLayoutFile = "CVEKIOVRHandle.XML"},
-    {.nTypeByte = TYPE_OBJECT_JSON_RECEIVE,
-     .pszName = "ObjectJsonReceive",
-     .pszNameKey = "IO_PROCESS_OBJ_JSON_RECEIVE",
-     .acts = {"log [Clip.Graph.Node 触发[地图反馈]事件]", "reported 1253", "ReceiveData is \"any\""},
-     .devices = {6},
-     .pEvents = [](Payloads& payloads) -> std::vector<Event> {
-         return {{0, &payloads.objectText}};
-     },
-     .pszNullRecord = NULL_RECORD},
-    {.nTypeByte = TYPE_DEVICE_JSON_RECEIVE,
-     .pszName = "DeviceJsonReceive",
-     .pszNameKey = "IO_PROCESS_DEV_JSON_RECEIVE",
-     .acts = {"log [Clip.Graph.Node 触发[接收设备json]事件]", "reported 1453", "ReceiveData is \"{}\""},
-     .devices = {5},
-     .pEvents = [](Payloads& payloads) -> std::vector<Event> {
-         return {{0, &payloads.deviceText}};
-     },
-     .pszNullRecord = "[Clip.Graph.Node]DevIOEventOccurred: pIOData == NULL",
-     .pszLayoutFile = "CVEKIODevJsonReceive.XML"},
-    {.nTypeByte = TYPE_STRING_DATA_SEND,
-     .pszName = "StringDataSend",
-     .pszNameKey = "IO_PROCESS_STRING_SEND",
-     .acts = {"log [Clip.Graph.Node]触发发送事件", "log [Clip.Graph.Node]触发发送事件", "sent to 5", "sent to 5"},
-     .pTrigger =
-         [](NodeScene& scene) {
-             scene.Input(1503).m_nValue = 5;
-             scene.Input(1505).m_strValue = L"GO";
-             scene.AddGraphInput(1507, 26, 7).m_nValue = 1;
-         },
-     .nAnswerToOtherEvents = 1,
-     .nPanelInput = 1502},
-};
-
 using Seen = std::vector<std::string>;
 
-class NodeContract : public ModuleTest, public testing::WithParamInterface<Type> {
+class NodeContract : public ModuleTest, public testing::WithParamInterface<ContractType> {
 protected:
     NodeContract() {
         WatchSocketCalls(m_host.Module());
@@ -275,12 +73,20 @@ protected:
     Seen Act() { return Act(m_scene); }
     /// What makes a node of the type act, and two evaluations; a key is held during the first one.
     Seen Act(NodeScene& scene) {
+        Trigger(scene);
+        return ActTriggered(scene);
+    }
+
+    void Trigger(NodeScene& scene) {
+        if (m_type.pTrigger != nullptr) {
+            m_type.pTrigger(scene);
+        }
+    }
+
+    Seen ActTriggered(NodeScene& scene) {
         if (m_type.pEvents != nullptr) {
             scene.Evaluate();
             SendEvents(scene);
-        }
-        if (m_type.pTrigger != nullptr) {
-            m_type.pTrigger(scene);
         }
         m_keyboard.Hold('A');
         scene.Evaluate();
@@ -289,14 +95,14 @@ protected:
         return See(scene);
     }
 
-    std::vector<Event> Events() {
-        return m_type.pEvents != nullptr ? m_type.pEvents(m_payloads) : std::vector<Event>{};
+    std::vector<ContractEvent> Events() {
+        return m_type.pEvents != nullptr ? m_type.pEvents(m_payloads) : std::vector<ContractEvent>{};
     }
 
     /// Its events from a device of its own; the answers.
     std::vector<int> SendEvents(NodeScene& scene) {
         std::vector<int> answers;
-        for (const Event& event : Events()) {
+        for (const ContractEvent& event : Events()) {
             answers.push_back(scene.Send(m_type.devices[0], event.nEvent, event.pPayload));
         }
         return answers;
@@ -309,7 +115,7 @@ protected:
     void ExpectIgnoringEverything() {
         const Seen before = See(m_scene);
         for (const int nDevice : m_type.devices) {
-            for (const Event& event : Events()) {
+            for (const ContractEvent& event : Events()) {
                 for (const int nEvent : {event.nEvent, 0, 1, 2001, 2002, 2003, 3002, 3005, 3006, 3013, 3020, -1}) {
                     EXPECT_EQ(m_scene.Send(nDevice, nEvent, event.pPayload), 0) << nDevice << '/' << nEvent;
                     EXPECT_EQ(m_scene.Send(nDevice, nEvent, nullptr), 0) << nDevice << '/' << nEvent;
@@ -319,19 +125,19 @@ protected:
         EXPECT_EQ(See(m_scene), before);
     }
 
-    const Type& m_type = GetParam();
+    const ContractType& m_type = GetParam();
     TestApplication m_application;
     TestKeyboard m_keyboard;
     TestClock m_clock;
     TestDevices m_devices;
-    Payloads m_payloads;
+    ContractPayloads m_payloads;
     int m_nAnswer = -1; ///< of the last evaluation
     NodeScene m_scene{m_host, m_type.nTypeByte};
     VEKParamGroupList& m_lstInput = m_scene.m_pNode->m_lstParamGroup;
     VEKParamGroupList& m_lstOutput = m_scene.m_graphNode.m_lstOutputGroup;
 };
 
-INSTANTIATE_TEST_SUITE_P(Types, NodeContract, testing::ValuesIn(TYPES), TestName<Type>);
+INSTANTIATE_TEST_SUITE_P(Types, NodeContract, testing::ValuesIn(ContractTypes()), TestName<ContractType>);
 
 // ---- A new node ----------------------------------------------------------------------------------------------------
 
@@ -377,7 +183,12 @@ TEST_P(NodeContract, EveryGraphNodeGetsOutputsOfItsOwn) {
 }
 
 TEST_P(NodeContract, ExtraWordsOfItsPinsAreClearedFirst) {
+    if (m_type.pMakeOutputsOld != nullptr) {
+        m_type.pMakeOutputsOld(m_scene);
+    }
     const CarelessHost host;
+    m_scene.m_pNode->GetNodeOutput(&m_scene.m_graphNode);
+    EXPECT_EQ(host.m_extraWords.empty(), m_type.pMakeOutputsOld == nullptr);
     SGraphNode graphNode;
     m_scene.m_pNode->GetNodeOutput(&graphNode);
     EXPECT_EQ(host.m_extraWords.empty(), graphNode.m_lstOutputGroup.IsEmpty());
@@ -428,10 +239,7 @@ TEST_P(NodeContract, Acts) {
 }
 
 TEST_P(NodeContract, EvaluationWithoutGraphNodeDoesNothing) {
-    const bool bTriggered = m_type.pTrigger != nullptr;
-    if (bTriggered) {
-        m_type.pTrigger(m_scene);
-    }
+    Trigger(m_scene);
     m_keyboard.Hold('A');
     EXPECT_EQ(m_scene.m_pNode->ProcessNode(nullptr), 0);
     EXPECT_EQ(See(m_scene), Seen{});
@@ -452,13 +260,13 @@ TEST_P(NodeContract, WithoutClipOnlyEvaluationsAreHandledIfAny) {
 
 TEST_P(NodeContract, IgnoresOtherDevices) {
     m_scene.Evaluate();
-    std::vector<Event> events = Events();
+    std::vector<ContractEvent> events = Events();
     events.push_back({2002, &m_payloads.key});
-    events.push_back({3005, &m_payloads.pointer});
+    events.push_back({3005, &m_payloads.stroke[0]});
     events.push_back({0, nullptr});
     for (const int nDevice : {-1, 0, 1, 2, 3, 4, 5, 6, 7, 256, 257, 258, 259, 260, 261, 262, INT_MAX}) {
         if (std::ranges::find(m_type.devices, nDevice) == m_type.devices.end()) {
-            for (const Event& event : events) {
+            for (const ContractEvent& event : events) {
                 EXPECT_EQ(m_scene.Send(nDevice, event.nEvent, event.pPayload), m_type.nAnswerToOtherEvents)
                     << nDevice << '/' << event.nEvent;
             }
@@ -503,19 +311,47 @@ TEST_P(NodeContract, NodesKeepTheirStatesApart) {
     EXPECT_EQ(Act(other), m_type.acts);
 }
 
+TEST_P(NodeContract, EachMissingPinIsSkipped) {
+    for (const auto& group : CellsOf(m_lstOutput)) {
+        for (const auto& pin : group["params"]) {
+            NodeScene scene(m_host, m_type.nTypeByte);
+            scene.RemoveOutput(pin["id"]);
+            Seen expected = m_type.acts;
+            std::erase_if(expected, [&pin](const std::string& line) {
+                return line.starts_with(pin["name"].get<std::string>() + " is ");
+            });
+            EXPECT_EQ(Act(scene), expected) << pin;
+        }
+    }
+}
+
+TEST_P(NodeContract, EachNeededInputMustBeThere) {
+    for (const unsigned nId : m_type.neededInputs) {
+        NodeScene scene(m_host, m_type.nTypeByte);
+        Trigger(scene);
+        VEKParam& own = scene.Input(nId);
+        VEKParam* const pOfTheGraph = own.Clone();
+        own.m_guid = MakeParamGuid(9999);
+        EXPECT_EQ(ActTriggered(scene), Seen{}) << nId;
+        scene.AddGraphInput(0, 0, 0);
+        scene.m_graphNode.m_lstInputGroup.GetHead()->m_lstParam.AddTail(pOfTheGraph);
+        EXPECT_EQ(ActTriggered(scene), m_type.acts) << nId << ", the graph's will do";
+    }
+}
+
 // ---- Types that take events ----------------------------------------------------------------------------------------
 
-std::vector<Type> TypesWith(bool (*pHas)(const Type&)) {
-    std::vector<Type> types;
-    std::ranges::copy_if(TYPES, std::back_inserter(types), pHas);
+std::vector<ContractType> TypesWith(bool (*pHas)(const ContractType&)) {
+    std::vector<ContractType> types;
+    std::ranges::copy_if(ContractTypes(), std::back_inserter(types), pHas);
     return types;
 }
 
 class EventTakingNode : public NodeContract {};
 
 INSTANTIATE_TEST_SUITE_P(Types, EventTakingNode,
-                         testing::ValuesIn(TypesWith([](const Type& type) { return type.pEvents != nullptr; })),
-                         TestName<Type>);
+                         testing::ValuesIn(TypesWith([](const ContractType& type) { return type.pEvents != nullptr; })),
+                         TestName<ContractType>);
 
 TEST_P(EventTakingNode, IgnoresEverythingBeforeTheFirstEvaluation) {
     ExpectIgnoringEverything();
@@ -536,7 +372,7 @@ TEST_P(EventTakingNode, EvaluationWithoutGraphNodeForgetsTheGraphNode) {
 TEST_P(EventTakingNode, TakesTheEventsOfAllItsDevices) {
     m_scene.Evaluate();
     for (const int nDevice : m_type.devices) {
-        for (const Event& event : Events()) {
+        for (const ContractEvent& event : Events()) {
             EXPECT_EQ(m_scene.Send(nDevice, event.nEvent, event.pPayload), 1) << nDevice << '/' << event.nEvent;
         }
     }
@@ -549,9 +385,10 @@ protected:
     VEKParam& m_enable = m_scene.Input(ENABLE);
 };
 
-INSTANTIATE_TEST_SUITE_P(Types, SwitchedNode,
-                         testing::ValuesIn(TypesWith([](const Type& type) { return type.enabling != Enabling::None; })),
-                         TestName<Type>);
+INSTANTIATE_TEST_SUITE_P(Types, SwitchedNode, testing::ValuesIn(TypesWith([](const ContractType& type) {
+                             return type.enabling != Enabling::None;
+                         })),
+                         TestName<ContractType>);
 
 TEST_P(SwitchedNode, AnyValueButZeroEnables) {
     for (const int nValue : {1, 2, -1, 256, INT_MIN}) {
