@@ -1,12 +1,16 @@
 // A module for the host's tests. Its one kind of node does what its input "Do" says, when it is evaluated and at the
 // other calls that the tests need; a second node type is never freed.
+#include <algorithm>
+#include <span>
 #include <stdexcept>
+#include <string_view>
+#include <type_traits>
 
 #include "host/EventRecord.h"
+#include "host/GeneralEvent.h"
+#include "host/HostCommon.h"
 #include "host/HostRender.h"
 #include "host/PluginContract.h"
-#include "nodes/shared/NodeSupport.h"
-#include "nodes/shared/NodeTables.h"
 
 namespace {
 
@@ -45,41 +49,52 @@ enum : int {
     DO_RAISE_IN_EDIT = 10,
 };
 
-constexpr ParamRow INPUTS[] = {
-    {.nId = INPUT_DO, .pszName = L"Do", .pszDisplayKey = L"PROBE_DO", .codes = PARAM_INTEGER},
-    {.nId = INPUT_FLOAT,
-     .pszName = L"Float",
-     .pszDisplayKey = L"PROBE_FLOAT",
-     .codes = PARAM_FLOAT,
-     .range = ParamRange{0.5f, -1, 1, 0.25f}},
-    {.nId = INPUT_TEXT, .pszName = L"Text", .pszDisplayKey = L"PROBE_TEXT", .codes = PARAM_STRING},
-    {.nId = INPUT_CHOICE, .pszName = L"Choice", .pszDisplayKey = L"PROBE_CHOICE", .codes = PARAM_CHOICE},
-    {.nId = INPUT_SEND, .pszName = L"Send", .pszDisplayKey = L"PROBE_SEND", .codes = PARAM_EVENT},
+struct Row {
+    unsigned nId;
+    const wchar_t* pszName;
+    const wchar_t* pszDisplayKey;
+    ParamCodes codes;
 };
 
-constexpr GroupRow INPUT_GROUP_ROW{
-    .nId = INPUT_GROUP, .pszName = L"Base param", .pszDisplayKey = L"PROBE", .params = INPUTS};
-
-constexpr ParamRow OUTPUTS[] = {
-    {.nId = OUTPUT_FIRED, .pszName = L"Fired", .pszDisplayKey = L"PROBE_FIRED", .codes = PARAM_EVENT},
-    {.nId = OUTPUT_SEEN, .pszName = L"Seen", .pszDisplayKey = L"PROBE_SEEN", .codes = PARAM_INTEGER},
-    {.nId = OUTPUT_FLOAT, .pszName = L"Float", .pszDisplayKey = L"PROBE_FLOAT", .codes = PARAM_FLOAT},
-    {.nId = OUTPUT_TEXT, .pszName = L"Text", .pszDisplayKey = L"PROBE_TEXT", .codes = PARAM_STRING},
+constexpr Row INPUTS[] = {
+    {INPUT_DO, L"Do", L"PROBE_DO", PARAM_INTEGER},      {INPUT_FLOAT, L"Float", L"PROBE_FLOAT", PARAM_FLOAT},
+    {INPUT_TEXT, L"Text", L"PROBE_TEXT", PARAM_STRING}, {INPUT_CHOICE, L"Choice", L"PROBE_CHOICE", PARAM_CHOICE},
+    {INPUT_SEND, L"Send", L"PROBE_SEND", PARAM_EVENT},
 };
 
-constexpr ParamRow LATER_OUTPUTS[] = {
-    {.nId = OUTPUT_LATER, .pszName = L"Later", .pszDisplayKey = L"PROBE_LATER", .codes = PARAM_EVENT},
+constexpr Row OUTPUTS[] = {
+    {OUTPUT_FIRED, L"Fired", L"PROBE_FIRED", PARAM_EVENT},
+    {OUTPUT_SEEN, L"Seen", L"PROBE_SEEN", PARAM_INTEGER},
+    {OUTPUT_FLOAT, L"Float", L"PROBE_FLOAT", PARAM_FLOAT},
+    {OUTPUT_TEXT, L"Text", L"PROBE_TEXT", PARAM_STRING},
 };
 
-constexpr GroupRow OUTPUT_GROUPS[] = {
-    {.nId = OUTPUT_GROUP, .pszName = L"Output", .pszDisplayKey = L"PROBE", .params = OUTPUTS},
-    {.nId = OUTPUT_SECOND_GROUP, .pszName = L"Output", .pszDisplayKey = L"PROBE", .params = LATER_OUTPUTS},
-};
+constexpr Row LATER_OUTPUTS[] = {{OUTPUT_LATER, L"Later", L"PROBE_LATER", PARAM_EVENT}};
+
+template <typename Param>
+VEKParamGroup* NewGroup(unsigned nId, const wchar_t* pszName, std::span<const Row> rows) {
+    auto* pGroup = new VEKParamGroup;
+    pGroup->m_guid = MakeParamGuid(nId);
+    pGroup->m_strName = pszName;
+    pGroup->m_strDisplay = PXLoadString(L"PROBE");
+    for (const Row& row : rows) {
+        auto* pParam =
+            new Param(row.nId, row.pszName, PXLoadString(row.pszDisplayKey), row.codes.m_nType, row.codes.m_nControl);
+        if constexpr (std::is_same_v<Param, SQORNodeOutput>) {
+            pParam->m_nExtra = 0;
+        }
+        pGroup->m_lstParam.AddTail(pParam);
+    }
+    return pGroup;
+}
 
 class CProbe : public P_ExtDevIOProcess {
 public:
     explicit CProbe(const GUID& guidType) {
-        InitNode(*this, guidType, INPUT_GROUP_ROW);
+        m_nKindCode = KIND_IO_PROCESS;
+        m_guidType = guidType;
+        m_lstParamGroup.AddTail(NewGroup<VEKParam>(INPUT_GROUP, L"Base param", INPUTS));
+        SetParamValue(FindParam(m_lstParamGroup, MakeParamGuid(INPUT_FLOAT)), 0.5f, -1, 1, 0.25f);
         VEKParam* pChoice = FindParam(m_lstParamGroup, MakeParamGuid(INPUT_CHOICE));
         pChoice->m_arChoice.Add(L"first");
         pChoice->m_arChoice.Add(L"second");
@@ -87,7 +102,7 @@ public:
 
     ~CProbe() override {
         if (m_nDo == DO_FIRE_WHEN_DESTROYED) {
-            FireGeneralEvent(this, OUTPUT_FIRED);
+            Fire();
         }
     }
 
@@ -101,7 +116,11 @@ public:
 
     void GetNodeOutput(SGraphNode* pGraphNode) override {
         RaiseIf(DO_RAISE_IN_OUTPUTS);
-        AppendOutputGroupsOnce(pGraphNode, OUTPUT_GROUPS);
+        if (pGraphNode != nullptr && pGraphNode->m_lstOutputGroup.IsEmpty()) {
+            pGraphNode->m_lstOutputGroup.AddTail(NewGroup<SQORNodeOutput>(OUTPUT_GROUP, L"Output", OUTPUTS));
+            pGraphNode->m_lstOutputGroup.AddTail(
+                NewGroup<SQORNodeOutput>(OUTPUT_SECOND_GROUP, L"Output", LATER_OUTPUTS));
+        }
     }
 
     BOOL NeedUpdateSingleParam(const GUID& guid) override { return guid.Data1 == INPUT_TEXT; }
@@ -116,18 +135,26 @@ public:
         if (pGraphNode == nullptr) {
             return 0;
         }
-        const VEKParam* pDo = FindInput(*this, *pGraphNode, INPUT_DO);
+        const auto Input = [&](unsigned nId) {
+            return QORFindParamByGuid(MakeParamGuid(nId), pGraphNode->m_lstInputGroup, m_lstParamGroup);
+        };
+        const auto Output = [&](unsigned nId) { return FindParam(pGraphNode->m_lstOutputGroup, MakeParamGuid(nId)); };
+        const VEKParam* pDo = Input(INPUT_DO);
         m_nDo = pDo != nullptr ? pDo->m_nValue : DO_NOTHING;
-        const VEKParam* pSend = FindInput(*this, *pGraphNode, INPUT_SEND);
+        const VEKParam* pSend = Input(INPUT_SEND);
         if (pSend != nullptr && pSend->m_nValue != 0) {
             ++m_nSeen;
         }
-        WriteOutput(*pGraphNode, OUTPUT_SEEN, m_nSeen);
-        if (const VEKParam* pFloat = FindInput(*this, *pGraphNode, INPUT_FLOAT)) {
-            WriteOutput(*pGraphNode, OUTPUT_FLOAT, pFloat->m_fValue);
+        if (VEKParam* pSeen = Output(OUTPUT_SEEN)) {
+            pSeen->m_nValue = m_nSeen;
         }
-        if (const VEKParam* pText = FindInput(*this, *pGraphNode, INPUT_TEXT)) {
-            WriteOutput(*pGraphNode, OUTPUT_TEXT, pText->m_strValue);
+        const VEKParam* pFloat = Input(INPUT_FLOAT);
+        if (VEKParam* pOutput = Output(OUTPUT_FLOAT); pFloat != nullptr && pOutput != nullptr) {
+            pOutput->m_fValue = pFloat->m_fValue;
+        }
+        const VEKParam* pText = Input(INPUT_TEXT);
+        if (VEKParam* pOutput = Output(OUTPUT_TEXT); pText != nullptr && pOutput != nullptr) {
+            pOutput->m_strValue = pText->m_strValue;
         }
         Do();
         return 1;
@@ -162,10 +189,31 @@ private:
             m_pOwnerClip->m_refNodeInfo.UpdateNodeByProperty(m_pBaseGraphNode);
             break;
         case DO_FIRE:
-            FireGeneralEvent(this, OUTPUT_FIRED);
+            Fire();
             break;
         default:
             break;
+        }
+    }
+
+    /// Post the event that an output fires.
+    void Fire() {
+        if (m_hEventWnd == nullptr || m_nEventMsg == 0) {
+            return;
+        }
+        auto* pEvent = new SQOREvent(QOR_EVENT_GENERAL, L"GeneralEvent");
+        const auto Append = [pEvent](unsigned nId, const wchar_t* pszName, void* pValue, std::wstring_view typeName) {
+            auto* pParam = new VEKParam(nId, pszName, pszName, PARAM_POINTER.m_nType, PARAM_POINTER.m_nControl);
+            pParam->m_pValue = pValue;
+            std::ranges::copy(typeName, pParam->m_szTypeName);
+            pEvent->m_lstParam.AddTail(pParam);
+        };
+        Append(0, L"OwnerClip", m_pOwnerClip, L"VEKClip");
+        Append(1, L"OwnerObject", nullptr, L"VEKObject");
+        Append(2, L"OwnerProperty", static_cast<VEKProperty*>(this), L"VEKProperty");
+        Append(3, L"OwnerEventID", new int(OUTPUT_FIRED), L"EventID"); // the integer is the event's
+        if (!PostMessageW(m_hEventWnd, m_nEventMsg, 1, reinterpret_cast<LPARAM>(pEvent))) {
+            delete pEvent;
         }
     }
 

@@ -45,19 +45,6 @@ protected:
     P_ExtDevIOProcess m_node;
 };
 
-TEST_F(NodeBase, IsNewWithoutAnything) {
-    EXPECT_EQ(Utf8(m_node.m_strName + m_node.m_strSecondName), "");
-    EXPECT_EQ(m_node.m_nKindCode, 0);
-    EXPECT_EQ(GuidWords(m_node.m_guidType), (std::array<unsigned, 4>{}));
-    EXPECT_TRUE(m_node.m_lstParamGroup.IsEmpty());
-    EXPECT_EQ(m_node.m_hEventWnd, nullptr);
-    EXPECT_EQ(m_node.m_nEventMsg, 0u);
-    EXPECT_EQ(m_node.m_hNotifyWnd, nullptr);
-    EXPECT_EQ(m_node.m_nNotifyMsg, 0u);
-    EXPECT_EQ(m_node.m_pOwnerClip, nullptr);
-    EXPECT_EQ(m_node.m_pBaseGraphNode, nullptr);
-}
-
 TEST_F(NodeBase, HandlesNothingAndChangesNothing) {
     AddParams();
     const std::string before = TextOf(m_node.m_lstParamGroup);
@@ -91,47 +78,6 @@ TEST_F(NodeBase, HandlesNothingAndChangesNothing) {
     EXPECT_EQ(m_node.m_pBaseGraphNode, nullptr);
 }
 
-TEST_F(NodeBase, HasNeitherSubTypesNorPlaysNorVectorsNorALayout) {
-    CStringArray arSubType;
-    arSubType.Add(L"of another node");
-    m_node.GetSubTypes(arSubType);
-    EXPECT_EQ(arSubType.GetSize(), 0);
-    m_node.SetSubType(3);
-    m_node.SetSubType(L"any");
-    EXPECT_EQ(m_node.GetSubType(), 0);
-    VEKClip clip(L"Clip");
-    m_node.m_pOwnerClip = &clip;
-    EXPECT_EQ(m_node.GetNodeRefClip(), nullptr) << "the owner is no reference";
-    EXPECT_EQ(m_node.GetEventDuration(1), 0.0f);
-    EXPECT_EQ(m_node.SeekEventBegin(1) + m_node.PlayIn() + m_node.PlayNext() + m_node.PlayByIndex(2) + m_node.PlayOut(),
-              0);
-    int nIndex = 5;
-    int nTotal = 6;
-    m_node.GetPlayIndexAndTotalCount(nIndex, nTotal);
-    EXPECT_EQ(nIndex, 0);
-    EXPECT_EQ(nTotal, 0);
-    EXPECT_EQ(m_node.IsInputMulParams(), FALSE);
-    EXPECT_EQ(m_node.IsOutputMulParams(), FALSE);
-    EXPECT_EQ(m_node.GetFixedMulParams(), 0);
-    EXPECT_EQ(m_node.GetSave40ParamGrp(), nullptr);
-    EXPECT_EQ(GuidWords(m_node.CalVectorParamGuid(TypeGuid(1), 4)), GuidWords(TypeGuid(1)));
-    EXPECT_EQ(m_node.CalVectorParamIndex(TypeGuid(1)), 0);
-    CArray<SNodeParamInfoGrp*> arGroup;
-    m_node.FillNodeParamInfoGrpAr(arGroup);
-    EXPECT_EQ(arGroup.GetSize(), 0);
-}
-
-TEST_F(NodeBase, KeepsItsVersionsAndIsShownByItsName) {
-    m_node.SetLowVersion(40);
-    m_node.SetReleaseVersion(47);
-    EXPECT_EQ(m_node.GetLowVersion(), 40);
-    EXPECT_EQ(m_node.GetReleaseVersion(), 47);
-    m_node.m_strName = L"Node";
-    m_node.m_strSecondName = L"Other";
-    EXPECT_EQ(Utf8(m_node.GetTypeName()), "Node");
-    EXPECT_EQ(Utf8(m_node.GetOutputEventName(152)), "");
-}
-
 TEST_F(NodeBase, KnowsItsGroups) {
     AddParams();
     EXPECT_EQ(m_node.GetIDFromGrp(m_node.m_lstParamGroup.GetHead()), 100);
@@ -144,7 +90,7 @@ TEST_F(NodeBase, KnowsItsGroups) {
     EXPECT_FALSE(m_node.IsParamGroupByGUID(guid));
 }
 
-TEST_F(NodeBase, EmptyDeletesItsGroups) {
+TEST_F(NodeBase, EmptyDeletesItsGroupsAndWhatIsStored) {
     const size_t nBefore = HeapBytesInUse();
     AddParams();
     m_node.StoreParameters();
