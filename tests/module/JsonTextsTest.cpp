@@ -124,34 +124,10 @@ TEST_F(JsonTexts, Strings) {
 TEST_F(JsonTexts, Escapes) {
     ExpectAll(TAKEN, LR"("\""|"\\"|"\/"|"\b\f\n\r\t"|"\u0041"|"\u00e9"|"\u00E9"|"\uABCD\uabcd"|"\u0000"|"\u007F"|)"
                      LR"("\u0085"|"\uFEFF"|"\uFFFE"|"\uFFFF"|"\\u"|"\\uD800\\u0041"|"\\\\"|"\\\"")");
-    ExpectAll(REFUSED, {LR"("\)",
-                        LR"("\")",
-                        LR"("\\\")",
-                        LR"("\a")",
-                        LR"("\v")",
-                        LR"("\0")",
-                        LR"("\'")",
-                        LR"("\ ")",
-                        LR"("\x41")",
-                        LR"("\U0041")",
-                        LR"("\u")",
-                        LR"("\u1")",
-                        LR"("\u12")",
-                        LR"("\u123")",
-                        LR"("\u123)",
-                        LR"("\u123g")",
-                        LR"("\u 123")",
-                        LR"("\u+123")",
-                        LR"("\u-123")",
-                        LR"("\u00E")",
-                        L"\"\\\xA0\"",
-                        L"\"\\\xFFFF\"",
-                        L"\"\\\n\"",
-                        L"\"\\\0\""sv,
-                        L"\"\\u\xFF11\xFF11\xFF11\xFF11\"",
-                        LR"(\u0022a\u0022)",
-                        LR"(\)",
-                        LR"(\u0031)"});
+    ExpectAll(REFUSED, LR"("\|"\"|"\\\"|"\a"|"\v"|"\0"|"\'"|"\ "|"\x41"|"\U0041"|"\u"|"\u1"|"\u12"|"\u123"|)"
+                       LR"("\u123|"\u123g"|"\u 123"|"\u+123"|"\u-123"|"\u00E"|\u0022a\u0022|\|\u0031)");
+    ExpectAll(REFUSED,
+              {L"\"\\\xA0\"", L"\"\\\xFFFF\"", L"\"\\\n\"", L"\"\\\0\""sv, L"\"\\u\xFF11\xFF11\xFF11\xFF11\""});
 }
 
 TEST_F(JsonTexts, SurrogateEscapes) {
