@@ -31,14 +31,14 @@ const std::vector<ContractType> TYPES = {
          return {{2002, &payloads.key}, {2003, nullptr}};
      },
      .pszNullRecord = "[Clip.Graph.Node]DevIOEventOccurred",
-     .enabling = Enabling::Remembered,
+     .bSwitched = true,
      .bEvaluatesWithoutClip = true},
     {.nTypeByte = TYPE_KEY_CHECK,
      .pszName = "KeyCheck",
      .pszNameKey = "IO_PROCESS_KEY_CHECK",
      .acts = {"fired 1152", "fired 1154"},
      .pTrigger = [](NodeScene& scene) { scene.Input(1102).m_nValue = 'A'; },
-     .enabling = Enabling::EachEvaluation,
+     .bSwitched = true,
      .bEvaluatesWithoutClip = true,
      .neededInputs = {1102, 1103}},
     {.nTypeByte = TYPE_TEXT_FIELD,
@@ -50,7 +50,7 @@ const std::vector<ContractType> TYPES = {
              scene.Input(202).m_strValue = L"x";
              scene.AddGraphInput(203, 26, 7).m_nValue = 1;
          },
-     .enabling = Enabling::EachEvaluation},
+     .bSwitched = true},
     {.nTypeByte = TYPE_MOUSE,
      .pszName = "Mouse",
      .pszNameKey = "IO_PROCESS_MOUSE",
@@ -61,7 +61,7 @@ const std::vector<ContractType> TYPES = {
          return {{3013, &payloads.stroke[0]}, {3005, nullptr}};
      },
      .pszNullRecord = NULL_RECORD,
-     .enabling = Enabling::Remembered,
+     .bSwitched = true,
      .bEvaluatesWithoutClip = true,
      .pszLayoutFile = "CVEKIOMouse.XML"},
     {.nTypeByte = TYPE_NET_PARAMETER_SEND,
@@ -114,7 +114,7 @@ const std::vector<ContractType> TYPES = {
          return {{3005, &payloads.stroke[0]}, {3013, &payloads.stroke[1]}, {3006, &payloads.stroke[2]}};
      },
      .pszNullRecord = NULL_RECORD,
-     .enabling = Enabling::Remembered,
+     .bSwitched = true,
      .bEvaluatesWithoutClip = true,
      .pszLayoutFile = "CVEKIOGesture.XML",
      .pMakeOutputsOld = [](NodeScene& scene) { scene.RemoveOutput(758); },
@@ -130,7 +130,7 @@ const std::vector<ContractType> TYPES = {
      },
      .pszNullRecord = NULL_RECORD,
      .bNullRecordWhileDisabled = false,
-     .enabling = Enabling::Remembered,
+     .bSwitched = true,
      .bEvaluatesWithoutClip = true,
      .pszLayoutFile = "CVEKIOVRHandle.XML",
      .pMakeOutputsOld =

@@ -25,12 +25,6 @@ struct ContractEvent {
     void* pPayload;
 };
 
-enum class Enabling {
-    None,
-    EachEvaluation, ///< a disabled or missing "Enable" ends the evaluation
-    Remembered,     ///< moreover, events follow what "Enable" was at the last evaluation
-};
-
 struct ContractType {
     unsigned char nTypeByte;
     const char* pszName;
@@ -43,7 +37,7 @@ struct ContractType {
     const char* pszNullRecord = nullptr;  ///< the line that a missing record is logged with
     bool bNullRecordWhileDisabled = true; ///< logged by a disabled node, too
     int nAnswerToOtherEvents = 0;         ///< and to missing records
-    Enabling enabling = Enabling::None;
+    bool bSwitched = false;               ///< has "Enable"; events follow what that was at the last evaluation
     bool bEvaluatesWithoutClip = false;
     const char* pszLayoutFile = nullptr;
     std::vector<unsigned> neededInputs = {};       ///< without each of which it does nothing

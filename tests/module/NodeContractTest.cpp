@@ -247,7 +247,7 @@ TEST_P(NodeContract, EvaluationWithoutGraphNodeDoesNothing) {
     EXPECT_EQ(Act(), m_type.acts);
 }
 
-TEST_P(NodeContract, WithoutClipOnlyEvaluationsAreHandledIfAny) {
+TEST_P(NodeContract, WithoutClipItTakesNoEvents) {
     m_scene.Evaluate();
     m_scene.m_pNode->m_pOwnerClip = nullptr;
     ExpectIgnoringEverything();
@@ -276,7 +276,7 @@ TEST_P(NodeContract, IgnoresOtherDevices) {
     EXPECT_EQ(Act(), m_type.acts);
 }
 
-TEST_P(NodeContract, AMissingRecordIsLoggedByTypesThatTakeEvents) {
+TEST_P(NodeContract, AMissingRecordIsLoggedByATypeThatTakesEvents) {
     m_scene.Evaluate();
     EXPECT_EQ(SendNullRecord(), m_type.nAnswerToOtherEvents);
     EXPECT_EQ(See(m_scene),
@@ -333,6 +333,9 @@ TEST_P(NodeContract, EachNeededInputMustBeThere) {
         VEKParam* const pOfTheGraph = own.Clone();
         own.m_guid = MakeParamGuid(9999);
         EXPECT_EQ(ActTriggered(scene), Seen{}) << nId;
+        EXPECT_EQ(SendEvents(scene), AllEvents(0)) << nId;
+        const bool bHandled = m_type.pEvents != nullptr || m_type.nTypeByte == TYPE_TEXT_FIELD;
+        EXPECT_EQ(m_nAnswer, bHandled ? 1 : 0) << nId;
         scene.AddGraphInput(0, 0, 0);
         scene.m_graphNode.m_lstInputGroup.GetHead()->m_lstParam.AddTail(pOfTheGraph);
         EXPECT_EQ(ActTriggered(scene), m_type.acts) << nId << ", the graph's will do";
@@ -385,9 +388,8 @@ protected:
     VEKParam& m_enable = m_scene.Input(ENABLE);
 };
 
-INSTANTIATE_TEST_SUITE_P(Types, SwitchedNode, testing::ValuesIn(TypesWith([](const ContractType& type) {
-                             return type.enabling != Enabling::None;
-                         })),
+INSTANTIATE_TEST_SUITE_P(Types, SwitchedNode,
+                         testing::ValuesIn(TypesWith([](const ContractType& type) { return type.bSwitched; })),
                          TestName<ContractType>);
 
 TEST_P(SwitchedNode, AnyValueButZeroEnables) {

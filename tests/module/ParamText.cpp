@@ -64,7 +64,7 @@ std::string TextOf(const Json& groups) {
         Json head = group;
         head.erase("params");
         text += (text == "[" ? "\n  " : ",\n  ") + head.dump();
-        text.back() = ',';
+        text.back() = ','; // in place of the brace
         text += " \"params\": [";
         const char* pszBefore = "\n    ";
         for (const Json& param : group["params"]) {
