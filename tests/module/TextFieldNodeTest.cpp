@@ -1,8 +1,8 @@
-// The text field node: its tables, what its triggers do to the text, what it logs and writes.
+// The text field node: what key names and triggers do to the text, what it logs and writes.
 #include <clocale>
 #include <cwctype>
 
-#include "ModuleHost.h"
+#include "InputNodeTest.h"
 #include "TestMachine.h"
 
 namespace {
@@ -19,14 +19,9 @@ const int CAPS_LOCK = 20;
 const LogLine INPUT_LINE = Information("[Clip]触发输入事件[输入事件]");
 const LogLine CLEAR_LINE = Information("[Clip]触发输入事件[清除]");
 
-class TextFieldNode : public ModuleTest {
+class TextFieldNode : public InputNodeTest {
 protected:
-    void ExpectNothingFiredOrLogged() {
-        EXPECT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{});
-        EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{});
-        EXPECT_TRUE(m_host.TakeOtherMessages().empty());
-        EXPECT_TRUE(m_host.TakeReportedEvents().empty());
-    }
+    TextFieldNode() : InputNodeTest(TYPE_TEXT_FIELD) {}
 
     /// One evaluation in which these inputs are triggered.
     int EvaluateTriggered(bool bInput, bool bClear) {
@@ -44,176 +39,193 @@ protected:
         return EvaluateTriggered(true, false);
     }
 
-    std::string Text() { return Utf8(m_scene.Output(OUTPUT_TEXT).m_strValue); }
-    std::wstring WideText() {
+    void SetCapsLock(bool bHeld, bool bToggled) {
+        bHeld ? m_keyboard.Hold(CAPS_LOCK) : m_keyboard.Release(CAPS_LOCK);
+        m_keyboard.Toggle(CAPS_LOCK, bToggled);
+    }
+
+    /// What the key name appends to a text.
+    std::string Appended(const CString& strKeyName) {
+        EvaluateTriggered(false, true);
+        Type(L"~");
+        EXPECT_EQ(Type(strKeyName), 1);
+        EXPECT_EQ(Text().substr(0, 1), "~");
+        return Text().substr(1);
+    }
+
+    /// The same, whatever Caps Lock is.
+    void ExpectAppended(const CString& strKeyName, const std::string& appended) {
+        for (const bool bHeld : {false, true}) {
+            for (const bool bToggled : {false, true}) {
+                SetCapsLock(bHeld, bToggled);
+                EXPECT_EQ(Appended(strKeyName), appended)
+                    << Utf8(strKeyName) << ", Caps Lock held " << bHeld << ", toggled " << bToggled;
+            }
+        }
+    }
+
+    std::string Text() const { return Utf8(m_scene.Output(OUTPUT_TEXT).m_strValue); }
+    std::wstring WideText() const {
         const CString& strText = m_scene.Output(OUTPUT_TEXT).m_strValue;
         return {strText.GetString(), static_cast<size_t>(strText.GetLength())};
     }
-    int HasText() { return m_scene.Output(HAS_TEXT).m_nValue; }
+    int HasText() const { return m_scene.Output(HAS_TEXT).m_nValue; }
 
     TestKeyboard m_keyboard;
-    NodeScene m_scene{m_host, TYPE_TEXT_FIELD};
     VEKParam& m_inputText = m_scene.AddGraphInput(INPUT_TEXT, 1, 6);
     VEKParam& m_inputEvent = m_scene.AddGraphInput(INPUT_EVENT, 26, 7);
     VEKParam& m_textClear = m_scene.AddGraphInput(TEXT_CLEAR, 26, 7);
 };
 
-// ---- Tables --------------------------------------------------------------------------------------------------------
+// ---- Key names -----------------------------------------------------------------------------------------------------
 
-TEST_F(TextFieldNode, Fresh) {
-    ExpectFreshNode(*m_host.CreateNode(TYPE_TEXT_FIELD), TYPE_TEXT_FIELD, "IO_PROCESS_TEXTFIELDINPUT");
-}
-
-TEST_F(TextFieldNode, Inputs) {
-    ExpectInputGroups(m_scene.m_pNode->m_lstParamGroup,
-                      {{201,
-                        "Base param",
-                        "IO_PROCESS_TEXTFIELDINPUT",
-                        {{.nId = 2,
-                          .pszName = "Enable",
-                          .pszDisplay = "TOUCH_CONTROL_ENABLED",
-                          .nType = 5,
-                          .nControl = 5,
-                          .range = ExpectedRange{0, 0, 1, 1},
-                          .flags = ExpectedFlags{0, 0, 1, 0},
-                          .nValue = 1},
-                         {.nId = 202,
-                          .pszName = "InputText",
-                          .pszDisplay = "IO_PROCESS_TEXTFIELDINPUT_TEXT",
-                          .nType = 1,
-                          .nControl = 6,
-                          .flags = ExpectedFlags{0, 0, 1, 0}},
-                         EventPin(203, "InputEvent", "IO_PROCESS_TEXTFIELDINPUT_EVENT"),
-                         EventPin(204, "TextClear", "TOUCH_CONTROL_SYBTN_CLEAR")}}});
-}
-
-TEST_F(TextFieldNode, Outputs) {
-    ExpectOutputGroups(m_scene.m_graphNode.m_lstOutputGroup, {{251,
-                                                               "Output",
-                                                               "IO_PROCESS_TEXTFIELDINPUT",
-                                                               {{.nId = 252, // a switch without a range
-                                                                 .pszName = "HasText",
-                                                                 .pszDisplay = "IO_PROCESS_TEXTFIELDINPUT_HASTEXT",
-                                                                 .nType = 5,
-                                                                 .nControl = 5,
-                                                                 .flags = ExpectedFlags{0, 0, 1, 0}},
-                                                                {.nId = 253,
-                                                                 .pszName = "Text",
-                                                                 .pszDisplay = "IO_PROCESS_TEXTFIELDINPUT_OUTPUTTEXT",
-                                                                 .nType = 1,
-                                                                 .nControl = 6,
-                                                                 .flags = ExpectedFlags{0, 0, 1, 0}}}}});
-}
-
-TEST_F(TextFieldNode, OutputsAreMadeOnce) {
-    const auto before = Items(m_scene.m_graphNode.m_lstOutputGroup);
-    ASSERT_EQ(before.size(), 1u);
-    m_scene.m_pNode->GetNodeOutput(&m_scene.m_graphNode);
-    EXPECT_EQ(Items(m_scene.m_graphNode.m_lstOutputGroup), before);
-}
-
-TEST_F(TextFieldNode, OutputsAreNotMadeBesideAForeignGroup) {
-    SGraphNode graphNode;
-    auto* pForeign = new VEKParamGroup;
-    graphNode.m_lstOutputGroup.AddTail(pForeign);
-    m_scene.m_pNode->GetNodeOutput(&graphNode);
-    EXPECT_EQ(Items(graphNode.m_lstOutputGroup), std::vector<VEKParamGroup*>{pForeign});
-    EXPECT_TRUE(pForeign->m_lstParam.IsEmpty());
-}
-
-TEST_F(TextFieldNode, OutputsOfNoGraphNodeAreNotMade) {
-    m_scene.m_pNode->GetNodeOutput(nullptr);
-}
-
-TEST_F(TextFieldNode, InheritsTheOtherOperations) {
-    EXPECT_EQ(m_scene.m_pNode->NeedUpdateSingleParam(MakeParamGuid(INPUT_TEXT)), FALSE);
-    EXPECT_EQ(m_scene.m_pNode->UpdateSingleParamValue(MakeParamGuid(INPUT_TEXT)), 0);
-    m_scene.m_pNode->InitParam();
-    m_scene.m_pNode->Init();
-    EXPECT_EQ(m_scene.m_pNode->m_lstParamGroup.GetCount(), 1);
-    EXPECT_EQ(m_scene.m_pNode->m_lstParamGroup.GetHead()->m_lstParam.GetCount(), 4);
-}
-
-TEST_F(TextFieldNode, TakesNoEvents) {
-    m_scene.Evaluate();
-    SKeyEventData key;
-    key.m_strText = L"a";
-    for (int nDevice = 0; nDevice <= 6; ++nDevice) {
-        for (const int nEvent : {0, 1, 2002, 2003, 3005, 3013}) {
-            EXPECT_EQ(m_scene.Send(nDevice, nEvent, nDevice == 0 ? &key : nullptr), 0);
+TEST_F(TextFieldNode, LettersHaveTheCaseOfShiftAndCapsLock) {
+    const struct {
+        bool bHeld, bToggled, bUpper, bShiftedUpper;
+    } STATES[] = {{false, false, false, true},
+                  {false, true, true, true}, // toggled on alone doesn't turn a shifted letter
+                  {true, false, true, false},
+                  {true, true, true, false}};
+    for (const auto& state : STATES) {
+        SetCapsLock(state.bHeld, state.bToggled);
+        for (int i = 0; i < 26; ++i) {
+            const std::string lower(1, static_cast<char>('a' + i));
+            const std::string upper(1, static_cast<char>('A' + i));
+            for (const wchar_t cFirst : {L'a', L'A'}) {
+                const CString strLetter(static_cast<wchar_t>(cFirst + i), 1);
+                EXPECT_EQ(Appended(strLetter), state.bUpper ? upper : lower);
+                EXPECT_EQ(Appended(CString(L"Shift+") + strLetter), state.bShiftedUpper ? upper : lower);
+            }
         }
     }
-    EXPECT_EQ(m_scene.m_pNode->DevIOEventOccurred(nullptr), 0) << "and a missing record isn't an error";
-    ExpectNothingFiredOrLogged();
-    EXPECT_EQ(m_scene.Evaluate(), 1);
-    EXPECT_EQ(Text(), "");
 }
 
-// ---- Typing --------------------------------------------------------------------------------------------------------
+TEST_F(TextFieldNode, EverySymbolHasItsShiftedPartner) {
+    const std::string UNSHIFTED = "`1234567890-=[]\\;',./";
+    const std::string SHIFTED = "~!@#$%^&*()_+{}|:\"<>?";
+    for (size_t i = 0; i < UNSHIFTED.size(); ++i) {
+        const CString strUnshifted(static_cast<wchar_t>(UNSHIFTED[i]), 1);
+        const CString strShifted(static_cast<wchar_t>(SHIFTED[i]), 1);
+        const std::string shifted(1, SHIFTED[i]);
+        ExpectAppended(strUnshifted, std::string(1, UNSHIFTED[i]));
+        ExpectAppended(strShifted, shifted);
+        ExpectAppended(CString(L"Shift+") + strUnshifted, shifted);
+        // A shifted symbol is nobody's partner; the plus sign makes a name of three parts.
+        ExpectAppended(CString(L"Shift+") + strShifted, shifted == "+" ? "" : shifted);
+    }
+}
 
-TEST_F(TextFieldNode, KeysAreAppendedOneByOne) {
-    EXPECT_EQ(Type(L"h"), 1);
-    EXPECT_EQ(Text(), "h");
-    EXPECT_EQ(HasText(), 1);
-    Type(L"i");
-    Type(L"Space");
-    Type(L"Num 7");
-    Type(L"Shift+1");
-    Type(L"中文");
-    Type(L"Enter");
-    EXPECT_EQ(Text(), "hi 7!中文Enter");
-    for (int i = 0; i < 7; ++i) {
+TEST_F(TextFieldNode, KeyNamesAppendTheirText) {
+    const struct {
+        const wchar_t* pszName;
+        const char* pszAppended;
+    } NAMES[] = {
+        {L"Space", " "},
+        {L"Num 0", "0"},
+        {L"Num 9", "9"},
+        {L"Num Del", "."},
+        {L"Num Enter", ""},
+        {L"Num Lock", ""},
+        {L"Num +", "+"},
+        {L"Num /", "/"},
+        {L"Num a", "a"},
+        {L"Num Z", "Z"},
+        {L"Num Home", "Home"},
+        {L"Num enter", "enter"},
+        {L"Num del", "del"},
+        {L"Num \u00FF", "ÿ"}, // the last character that key names have
+        {L"Number 7", "7"},   // begins with "Num", too
+        // Not exactly two parts, or the second one empty.
+        {L"Num", ""},
+        {L"NumLock", ""},
+        {L"Num7", ""},
+        {L"Num 7 8", ""},
+        {L"Num 7 ", ""},
+        {L"Num  7", ""},
+        {L"Num Page Up", ""},
+        {L"Num   ", ""},
+        {L"Num ", ""},
+        {L"ShiftLeft+1", "!"}, // what begins with "Shift"
+        {L"Shift+ ", " "},
+        {L"Shift", ""},
+        {L"Shift+", ""},
+        {L"Shift+ab", ""},
+        {L"Shift+Space", ""},
+        {L"Shift+Backspace", ""},
+        {L"Shift+a+b", ""},
+        {L"Shift+a+", ""},
+        {L"Shift++a", ""},
+        {L"ShiftLeft", ""},
+        {L"Shift a", ""},
+        {L"Shift +a +", ""},
+        {L"", ""},
+    };
+    for (const auto& name : NAMES) {
+        ExpectAppended(name.pszName, name.pszAppended);
+    }
+}
+
+TEST_F(TextFieldNode, OtherNamesAreAppendedWhole) {
+    for (const wchar_t* pszName : {L" ", L"\t", L"Enter", L"Tab", L"Esc", L"F1", L"Ctrl", L"Caps Lock", L"Left",
+                                   L"Backspace2", L"Space bar", L"ab", L"aShift+b", L" Num 7", L"Nu", L"Shif", L"%s%d",
+                                   L"NUM 7", L"num 7", L"shift+a", L"SHIFT+a", L"space", L"backspace",
+                                   // With what no key name has.
+                                   L"中", L"中文", L"a中", L"Num 中", L"Shift+中", L"Backspace中", L"Space 中",
+                                   L"\U0001F600", L"Num \u0100", L"ŞShift+a"}) {
+        ExpectAppended(pszName, Utf8(pszName));
+    }
+}
+
+TEST_F(TextFieldNode, OnlyAsciiLettersHaveCaseWhateverTheLocale) {
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    bool bCaseOfOthers = false;
+    for (const char* pszLocale : {"C", "C.UTF-8", "French_France.1252"}) {
+        if (std::setlocale(LC_ALL, pszLocale) == nullptr) {
+            continue; // another system's
+        }
+        SCOPED_TRACE(pszLocale);
+        bCaseOfOthers = bCaseOfOthers || std::towupper(L'é') == L'É';
+        for (const wchar_t* pszName : {L"é", L"É", L"ß", L"ÿ", L"я", L"Я", L"İ", L"ı", L"Shift+я", L"Shift+ı"}) {
+            ExpectAppended(pszName, Utf8(pszName));
+        }
+        ExpectAppended(L"Shift+é", "é");
+        ExpectAppended(L"Shift+É", "É");
+        SetCapsLock(false, true);
+        EXPECT_EQ(Appended(L"a"), "A");
+    }
+    std::setlocale(LC_ALL, before.c_str());
+    EXPECT_TRUE(bCaseOfOthers) << "no locale in which other letters have case";
+}
+
+TEST_F(TextFieldNode, OtherKeysOfTheKeyboardDoNotMatter) {
+    m_keyboard.HoldAll();
+    m_keyboard.Release(CAPS_LOCK);
+    EXPECT_EQ(Appended(L"a") + Appended(L"1") + Appended(L"Shift+a"), "a1A");
+}
+
+TEST_F(TextFieldNode, BackspaceRemovesTheLastCharacterWhole) {
+    // Some of two units, D83D and DE00, which natively are no character; and the halves of such alone.
+    const struct {
+        const wchar_t* pszText;
+        const wchar_t* pszLeft;
+    } TEXTS[] = {{L"abc", L"ab"},
+                 {L"a", L""},
+                 {L"a中", L"a"},
+                 {L"a ", L"a"},
+                 {L"a\U0001F600", L"a"},
+                 {L"a\xD83D\xDE00", L"a"},
+                 {L"a\xD83D", L"a"},
+                 {L"a\xDE00", L"a"},
+                 {L"\xDE00\xD83D", L"\xDE00"},
+                 {L"\xD83D\xD83D\xDE00", L"\xD83D"},
+                 {L"\xD83D\xDE00\xDE00", L"\xD83D\xDE00"},
+                 {L"\xDE00", L""}};
+    for (const auto& text : TEXTS) {
+        EvaluateTriggered(false, true);
+        Type(CString(L"b") + text.pszText); // whole
         Type(L"Backspace");
+        EXPECT_EQ(WideText(), std::wstring(L"b") + text.pszLeft);
     }
-    EXPECT_EQ(Text(), "hi 7!");
-}
-
-TEST_F(TextFieldNode, EachInputEventWritesOneLogLine) {
-    Type(L"a");
-    EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{INPUT_LINE});
-    Type(L"Num Enter"); // adds nothing
-    EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{INPUT_LINE});
-    EXPECT_EQ(m_host.TakeFiredOutputs(), std::vector<int>{});
-}
-
-TEST_F(TextFieldNode, LogNamesTheClipAlone) {
-    m_scene.m_clip.m_strName = L"剪辑%s";
-    Type(L"a");
-    EvaluateTriggered(false, true);
-    EXPECT_EQ(m_host.TakeLog(), (std::vector<LogLine>{Information("[剪辑%s]触发输入事件[输入事件]"),
-                                                      Information("[剪辑%s]触发输入事件[清除]")}));
-}
-
-TEST_F(TextFieldNode, KeyIsAppliedAtEveryEvaluationInWhichItIsTriggered) {
-    m_inputText.m_strValue = L"a";
-    m_inputEvent.m_nValue = 1;
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(m_scene.Evaluate(), 1);
-    }
-    EXPECT_EQ(Text(), "aaa");
-    EXPECT_EQ(m_host.TakeLog().size(), 3u);
-}
-
-TEST_F(TextFieldNode, AnyValueButZeroTriggers) {
-    m_inputText.m_strValue = L"a";
-    for (const int nValue : {2, -1, 256, -2147483647 - 1}) {
-        m_inputEvent.m_nValue = nValue;
-        EXPECT_EQ(m_scene.Evaluate(), 1);
-        EXPECT_EQ(Text(), "a") << nValue;
-        m_inputEvent.m_nValue = 0;
-        m_textClear.m_nValue = nValue;
-        EXPECT_EQ(m_scene.Evaluate(), 1);
-        EXPECT_EQ(Text(), "") << nValue;
-        m_textClear.m_nValue = 0;
-    }
-}
-
-TEST_F(TextFieldNode, UntriggeredTextIsNotTaken) {
-    m_inputText.m_strValue = L"a";
-    EXPECT_EQ(m_scene.Evaluate(), 1);
-    EXPECT_EQ(Text(), "");
-    EXPECT_EQ(HasText(), 0);
-    ExpectNothingFiredOrLogged();
 }
 
 TEST_F(TextFieldNode, BackspaceOnNothingLeavesNothing) {
@@ -225,28 +237,6 @@ TEST_F(TextFieldNode, BackspaceOnNothingLeavesNothing) {
     Type(L"Backspace");
     EXPECT_EQ(Text(), "");
     EXPECT_EQ(HasText(), 0);
-}
-
-TEST_F(TextFieldNode, BackspaceRemovesTheLastCharacterWhole) {
-    // Some of two units, D83D and DE00, which natively are no character; and the halves of such alone.
-    const struct {
-        const wchar_t* pszText;
-        const wchar_t* pszLeft;
-    } TEXTS[] = {{L"a\U0001F600", L"a"},
-                 {L"a\xD83D\xDE00", L"a"},
-                 {L"a\xD83D", L"a"},
-                 {L"a\xDE00", L"a"},
-                 {L"\xDE00\xD83D", L"\xDE00"},
-                 {L"\xD83D\xD83D\xDE00", L"\xD83D"},
-                 {L"\xD83D\xDE00\xDE00", L"\xD83D\xDE00"},
-                 {L"\xDE00", L""}};
-    for (const auto& text : TEXTS) {
-        EvaluateTriggered(false, true);
-        Type(text.pszText);
-        EXPECT_EQ(WideText(), text.pszText);
-        Type(L"Backspace");
-        EXPECT_EQ(WideText(), text.pszLeft);
-    }
 }
 
 TEST_F(TextFieldNode, TextsWithAZeroInsideAreTakenWhole) {
@@ -277,99 +267,63 @@ TEST_F(TextFieldNode, TextsWithAZeroInsideAreTakenWhole) {
     }
 }
 
-TEST_F(TextFieldNode, OnlyAsciiLettersHaveCaseWhateverTheLocale) {
-    const struct {
-        const wchar_t* pszCharacter;
-        const char* pszTyped;
-        const char* pszTypedWithCapsLock;
-        const char* pszShifted; ///< with what key names can't hold, they are appended whole
-    } CHARACTERS[] = {{L"a", "a", "A", "A"},       {L"A", "a", "A", "A"},       {L"é", "é", "é", "é"},
-                      {L"É", "É", "É", "É"},       {L"ß", "ß", "ß", "ß"},       {L"ÿ", "ÿ", "ÿ", "ÿ"},
-                      {L"я", "я", "я", "Shift+я"}, {L"Я", "Я", "Я", "Shift+Я"}, {L"İ", "İ", "İ", "Shift+İ"},
-                      {L"ı", "ı", "ı", "Shift+ı"}};
-    const std::string before = std::setlocale(LC_ALL, nullptr);
-    bool bCaseOfOthers = false;
-    for (const char* pszLocale : {"C", "C.UTF-8", "French_France.1252"}) {
-        if (std::setlocale(LC_ALL, pszLocale) == nullptr) {
-            continue; // another system's
-        }
-        SCOPED_TRACE(pszLocale);
-        bCaseOfOthers = bCaseOfOthers || std::towupper(L'é') == L'É';
-        for (const auto& character : CHARACTERS) {
-            const CString strShifted = CString(L"Shift+") + character.pszCharacter;
-            const struct {
-                CString strKeyName;
-                bool bCapsLock;
-                const char* pszText;
-            } KEYS[] = {{character.pszCharacter, false, character.pszTyped},
-                        {character.pszCharacter, true, character.pszTypedWithCapsLock},
-                        {strShifted, false, character.pszShifted},
-                        {strShifted, true, character.pszShifted}};
-            for (const auto& key : KEYS) {
-                EvaluateTriggered(false, true);
-                m_keyboard.Toggle(CAPS_LOCK, key.bCapsLock);
-                Type(key.strKeyName);
-                EXPECT_EQ(Text(), key.pszText);
-            }
-        }
+// ---- Triggers ------------------------------------------------------------------------------------------------------
+
+TEST_F(TextFieldNode, KeysAreAppendedOneByOneWithOneLogLineEach) {
+    for (const wchar_t* pszName : {L"h", L"i", L"Space", L"Num 7", L"Shift+1", L"Num Enter", L"中文"}) {
+        EXPECT_EQ(Type(pszName), 1);
+        EXPECT_EQ(HasText(), 1);
+        EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{INPUT_LINE});
     }
-    std::setlocale(LC_ALL, before.c_str());
-    EXPECT_TRUE(bCaseOfOthers) << "no locale in which other letters have case";
+    EXPECT_EQ(Text(), "hi 7!中文");
+    Type(L"Backspace");
+    Type(L"Backspace");
+    EXPECT_EQ(Text(), "hi 7!");
+    m_host.TakeLog();
+    EXPECT_EQ(Fired(), Outputs{});
 }
 
-TEST_F(TextFieldNode, CapsLockIsReadFromTheKeyboard) {
-    Type(L"a");
-    m_keyboard.Toggle(CAPS_LOCK, true);
-    Type(L"a");
-    Type(L"Shift+a");
-    m_keyboard.Hold(CAPS_LOCK);
-    Type(L"a");
-    Type(L"Shift+a");
-    m_keyboard.Toggle(CAPS_LOCK, false);
-    Type(L"a");
-    Type(L"Shift+a");
-    m_keyboard.Release(CAPS_LOCK);
-    Type(L"Shift+a");
-    Type(L"a");
-    EXPECT_EQ(Text(), "aAAAaAaAa");
+TEST_F(TextFieldNode, LogNamesTheClipAlone) {
+    m_scene.m_clip.m_strName = L"剪辑%s";
+    m_inputText.m_strValue = L"a";
+    EvaluateTriggered(true, true);
+    EXPECT_EQ(m_host.TakeLog(), (std::vector<LogLine>{Information("[剪辑%s]触发输入事件[输入事件]"),
+                                                      Information("[剪辑%s]触发输入事件[清除]")}));
 }
 
-TEST_F(TextFieldNode, OtherKeysOfTheKeyboardDoNotMatter) {
-    m_keyboard.HoldAll();
-    m_keyboard.Release(CAPS_LOCK);
-    Type(L"a");
-    Type(L"1");
-    Type(L"Shift+a");
-    EXPECT_EQ(Text(), "a1A");
-}
-
-TEST_F(TextFieldNode, LongTextsGrow) {
-    const std::wstring part(1'000, L'長');
-    for (int i = 0; i < 10; ++i) {
-        Type(part.c_str());
+TEST_F(TextFieldNode, KeyIsAppliedAtEveryEvaluationInWhichItIsTriggered) {
+    m_inputText.m_strValue = L"a";
+    EXPECT_EQ(m_scene.Evaluate(), 1);
+    EXPECT_EQ(Fired(), Outputs{});
+    EXPECT_EQ(Text(), "") << "not triggered yet";
+    for (const int nValue : {1, 2, -1, 256, -2147483647 - 1}) {
+        m_inputEvent.m_nValue = nValue;
+        EXPECT_EQ(m_scene.Evaluate(), 1) << nValue;
+        EXPECT_EQ(m_inputEvent.m_nValue, nValue) << "the input is only read";
     }
-    EXPECT_EQ(m_scene.Output(OUTPUT_TEXT).m_strValue.GetLength(), 10'000);
-    EXPECT_EQ(HasText(), 1);
+    EXPECT_EQ(Text(), "aaaaa");
+    EXPECT_EQ(m_host.TakeLog().size(), 5u);
+    EXPECT_EQ(Utf8(m_inputText.m_strValue), "a");
 }
-
-// ---- Clearing ------------------------------------------------------------------------------------------------------
 
 TEST_F(TextFieldNode, ClearEmptiesTheText) {
-    Type(L"abc");
-    m_host.TakeLog();
-    EXPECT_EQ(EvaluateTriggered(false, true), 1);
-    EXPECT_EQ(Text(), "");
-    EXPECT_EQ(HasText(), 0);
-    EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{CLEAR_LINE});
-    EXPECT_EQ(EvaluateTriggered(false, true), 1) << "an empty text, too";
-    EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{CLEAR_LINE});
-    Type(L"d");
-    EXPECT_EQ(Text(), "d");
+    for (const int nValue : {1, 2, -1, 256, -2147483647 - 1}) {
+        Type(L"abc");
+        m_host.TakeLog();
+        for (int i = 0; i < 2; ++i) { // an empty text, too
+            m_textClear.m_nValue = nValue;
+            EXPECT_EQ(m_scene.Evaluate(), 1);
+            EXPECT_EQ(m_textClear.m_nValue, nValue) << "the input is only read";
+            EXPECT_EQ(Text(), "");
+            EXPECT_EQ(HasText(), 0);
+            EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{CLEAR_LINE});
+        }
+        Type(L"d");
+        EXPECT_EQ(Text(), "d");
+    }
 }
 
 TEST_F(TextFieldNode, KeyIsAppliedBeforeTheTextIsCleared) {
-    Type(L"abc");
-    m_host.TakeLog();
     m_inputText.m_strValue = L"d";
     EXPECT_EQ(EvaluateTriggered(true, true), 1);
     EXPECT_EQ(m_host.TakeLog(), (std::vector<LogLine>{INPUT_LINE, CLEAR_LINE}));
@@ -377,121 +331,94 @@ TEST_F(TextFieldNode, KeyIsAppliedBeforeTheTextIsCleared) {
     EXPECT_EQ(HasText(), 0);
 }
 
-// ---- Inputs --------------------------------------------------------------------------------------------------------
-
 TEST_F(TextFieldNode, TriggersAreReadFromTheGraphAlone) {
-    m_scene.Input(INPUT_TEXT).m_strValue = L"own";
     m_scene.Input(INPUT_EVENT).m_nValue = 1;
     m_scene.Input(TEXT_CLEAR).m_nValue = 1;
     Type(L"graph");
-    EXPECT_EQ(Text(), "graph");
     m_host.TakeLog();
-    m_inputEvent.m_guid = MakeParamGuid(9998);
-    m_textClear.m_guid = MakeParamGuid(9999);
+    m_inputEvent.m_guid = MISSING;
+    m_textClear.m_guid = MISSING;
     EXPECT_EQ(m_scene.Evaluate(), 1);
     EXPECT_EQ(Text(), "graph");
-    ExpectNothingFiredOrLogged();
+    EXPECT_EQ(Fired(), Outputs{});
 }
 
 TEST_F(TextFieldNode, KeyNameOfTheGraphWinsOverTheNodesOwn) {
     m_scene.Input(INPUT_TEXT).m_strValue = L"o";
     Type(L"g");
     EXPECT_EQ(Text(), "g");
-    m_inputText.m_guid = MakeParamGuid(9999);
+    m_inputText.m_guid = MISSING;
     EXPECT_EQ(EvaluateTriggered(true, false), 1);
     EXPECT_EQ(Text(), "go");
 }
 
+TEST_F(TextFieldNode, TakesNoEvents) {
+    m_scene.Evaluate();
+    SKeyEventData key;
+    key.m_strText = L"a";
+    for (int nDevice = 0; nDevice <= 6; ++nDevice) {
+        for (const int nEvent : {0, 1, 2002, 2003, 3005, 3013}) {
+            EXPECT_EQ(m_scene.Send(nDevice, nEvent, nDevice == 0 ? &key : nullptr), 0);
+        }
+    }
+    EXPECT_EQ(m_scene.m_pNode->DevIOEventOccurred(nullptr), 0) << "and a missing record isn't an error";
+    EXPECT_EQ(Fired(), Outputs{});
+    EXPECT_EQ(m_scene.Evaluate(), 1);
+    EXPECT_EQ(Text(), "");
+}
+
+// ---- What stops an evaluation --------------------------------------------------------------------------------------
+
 TEST_F(TextFieldNode, MissingKeyNameEndsTheEvaluationAtOnce) {
     Type(L"abc");
     m_host.TakeLog();
-    m_scene.Output(HAS_TEXT).m_nValue = 77;
-    m_scene.Output(OUTPUT_TEXT).m_strValue = L"foreign";
-    m_inputText.m_guid = MakeParamGuid(9998);
-    m_scene.Input(INPUT_TEXT).m_guid = MakeParamGuid(9999);
+    MarkOutputs();
+    m_inputText.m_guid = MISSING;
+    m_scene.Input(INPUT_TEXT).m_guid = MISSING;
     EXPECT_EQ(EvaluateTriggered(true, true), 1);
     EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{INPUT_LINE}) << "nothing is cleared";
-    EXPECT_EQ(Text(), "foreign") << "and nothing written";
-    EXPECT_EQ(HasText(), 77);
+    EXPECT_EQ(Written(), std::vector<std::string>{});
     EXPECT_EQ(m_scene.Evaluate(), 1) << "untriggered it isn't looked for";
     EXPECT_EQ(Text(), "abc");
     EXPECT_EQ(HasText(), 1);
 }
 
-TEST_F(TextFieldNode, EvaluationWithoutGraphNodeDoesNothing) {
-    EXPECT_EQ(m_scene.m_pNode->ProcessNode(nullptr), 0);
-    ExpectNothingFiredOrLogged();
-}
-
-TEST_F(TextFieldNode, EvaluationWithoutOwnerDoesNothing) {
+TEST_F(TextFieldNode, StoppedEvaluationDoesNothingAndTheTextIsKept) {
+    VEKParam& enable = m_scene.Input(ENABLE);
     Type(L"abc");
     m_host.TakeLog();
+    m_inputText.m_strValue = L"d";
+    const auto ExpectStopped = [this](const char* pszWhy) {
+        SCOPED_TRACE(pszWhy);
+        MarkOutputs();
+        EXPECT_EQ(EvaluateTriggered(true, true), 0);
+        EXPECT_EQ(Written(), std::vector<std::string>{});
+        EXPECT_EQ(Fired(), Outputs{});
+    };
     m_scene.m_pNode->m_pOwnerClip = nullptr;
-    m_scene.Output(OUTPUT_TEXT).m_strValue = L"foreign";
-    m_inputText.m_strValue = L"d";
-    EXPECT_EQ(EvaluateTriggered(true, true), 0);
-    EXPECT_EQ(m_scene.m_pNode->ProcessNode(nullptr), 0);
-    EXPECT_EQ(Text(), "foreign");
-    ExpectNothingFiredOrLogged();
+    ExpectStopped("without owner");
     m_scene.m_pNode->m_pOwnerClip = &m_scene.m_clip;
-    m_scene.Evaluate();
-    EXPECT_EQ(Text(), "abc");
-}
-
-TEST_F(TextFieldNode, DisabledEvaluationDoesNothingAndTheTextIsKept) {
-    Type(L"abc");
-    m_host.TakeLog();
-    m_scene.Input(ENABLE).m_nValue = 0;
-    m_scene.Output(OUTPUT_TEXT).m_strValue = L"foreign";
-    m_inputText.m_strValue = L"d";
-    EXPECT_EQ(EvaluateTriggered(true, true), 0);
-    EXPECT_EQ(Text(), "foreign");
-    ExpectNothingFiredOrLogged();
-    m_scene.Input(ENABLE).m_nValue = 1;
+    enable.m_nValue = 0;
+    ExpectStopped("disabled");
+    enable.m_nValue = 1;
+    enable.m_guid = MISSING;
+    ExpectStopped("without Enable");
+    enable.m_guid = MakeParamGuid(ENABLE);
     EXPECT_EQ(m_scene.Evaluate(), 1);
     EXPECT_EQ(Text(), "abc");
-}
-
-TEST_F(TextFieldNode, AnyValueButZeroEnables) {
-    for (const int nValue : {1, 2, -1, 256, -2147483647 - 1}) {
-        m_scene.Input(ENABLE).m_nValue = nValue;
-        EXPECT_EQ(m_scene.Evaluate(), 1) << nValue;
-    }
-}
-
-TEST_F(TextFieldNode, EnableOfTheGraphWinsOverTheNodesOwn) {
-    VEKParam& graphEnable = m_scene.AddGraphInput(ENABLE, 5, 5);
-    EXPECT_EQ(Type(L"a"), 0);
-    graphEnable.m_nValue = 1;
-    m_scene.Input(ENABLE).m_nValue = 0;
-    EXPECT_EQ(Type(L"a"), 1);
-    EXPECT_EQ(Text(), "a");
-}
-
-TEST_F(TextFieldNode, MissingEnableStopsTheEvaluation) {
-    Type(L"abc");
-    m_host.TakeLog();
-    m_scene.Output(OUTPUT_TEXT).m_strValue = L"foreign";
-    m_scene.Input(ENABLE).m_guid = MakeParamGuid(9999);
-    EXPECT_EQ(EvaluateTriggered(true, true), 0);
-    EXPECT_EQ(Text(), "foreign");
-    ExpectNothingFiredOrLogged();
 }
 
 // ---- Outputs -------------------------------------------------------------------------------------------------------
 
 TEST_F(TextFieldNode, OutputsMirrorTheTextAfterEveryEvaluation) {
-    m_scene.Output(HAS_TEXT).m_nValue = 77;
-    m_scene.Output(OUTPUT_TEXT).m_strValue = L"foreign";
-    EXPECT_EQ(m_scene.Evaluate(), 1);
-    EXPECT_EQ(HasText(), 0);
-    EXPECT_EQ(Text(), "");
-    Type(L"abc");
-    m_scene.Output(HAS_TEXT).m_nValue = 0;
-    m_scene.Output(OUTPUT_TEXT).m_strValue = L"foreign";
-    EXPECT_EQ(m_scene.Evaluate(), 1);
-    EXPECT_EQ(HasText(), 1);
-    EXPECT_EQ(Text(), "abc");
+    for (const wchar_t* pszKeyName : {L"", L"abc"}) {
+        Type(pszKeyName);
+        MarkOutputs();
+        EXPECT_EQ(m_scene.Evaluate(), 1);
+        EXPECT_EQ(Written(), (std::vector<std::string>{"252 integer", "253 text"}));
+        EXPECT_EQ(Text(), Utf8(pszKeyName));
+        EXPECT_EQ(HasText(), *pszKeyName != 0 ? 1 : 0);
+    }
 }
 
 TEST_F(TextFieldNode, EqualTextIsNotWrittenAgain) {
@@ -505,45 +432,27 @@ TEST_F(TextFieldNode, EqualTextIsNotWrittenAgain) {
 }
 
 TEST_F(TextFieldNode, MissingOutputsAreSkippedOneByOne) {
-    Type(L"abc");
-    m_scene.RemoveOutput(HAS_TEXT);
-    EXPECT_EQ(Type(L"d"), 1);
-    EXPECT_EQ(Text(), "abcd");
     NodeScene other(m_host, TYPE_TEXT_FIELD);
-    other.RemoveOutput(OUTPUT_TEXT);
     other.AddGraphInput(INPUT_TEXT, 1, 6).m_strValue = L"a";
     other.AddGraphInput(INPUT_EVENT, 26, 7).m_nValue = 1;
+    other.RemoveOutput(OUTPUT_TEXT);
     EXPECT_EQ(other.Evaluate(), 1);
     EXPECT_EQ(other.Output(HAS_TEXT).m_nValue, 1);
+    m_scene.RemoveOutput(HAS_TEXT);
+    EXPECT_EQ(Type(L"d"), 1);
+    EXPECT_EQ(Text(), "d") << "of this node alone";
     SGraphNode bare;
-    EXPECT_EQ(other.m_pNode->ProcessNode(&bare), 1);
+    EXPECT_EQ(m_scene.m_pNode->ProcessNode(&bare), 1);
     EXPECT_TRUE(bare.m_lstOutputGroup.IsEmpty());
 }
 
-TEST_F(TextFieldNode, EachOutputIsWrittenInTheMemberOfItsKindOnly) {
-    m_scene.Output(HAS_TEXT).m_strValue = L"kept";
-    m_scene.Output(OUTPUT_TEXT).m_nValue = 77;
-    Type(L"a");
-    EXPECT_EQ(Utf8(m_scene.Output(HAS_TEXT).m_strValue), "kept");
-    EXPECT_EQ(m_scene.Output(OUTPUT_TEXT).m_nValue, 77);
-}
-
-TEST_F(TextFieldNode, InputsAreOnlyRead) {
-    m_inputText.m_strValue = L"a";
-    m_inputEvent.m_nValue = 1;
-    m_textClear.m_nValue = 1;
-    m_scene.Evaluate();
-    EXPECT_EQ(Utf8(m_inputText.m_strValue), "a");
-    EXPECT_EQ(m_inputEvent.m_nValue, 1);
-    EXPECT_EQ(m_textClear.m_nValue, 1);
-}
-
-TEST_F(TextFieldNode, NodesKeepTheirTextsApart) {
-    NodeScene other(m_host, TYPE_TEXT_FIELD);
-    Type(L"abc");
-    EXPECT_EQ(other.Evaluate(), 1);
-    EXPECT_EQ(Utf8(other.Output(OUTPUT_TEXT).m_strValue), "");
-    EXPECT_EQ(other.Output(HAS_TEXT).m_nValue, 0);
+TEST_F(TextFieldNode, LongTextsGrow) {
+    const std::wstring part(1'000, L'長');
+    for (int i = 0; i < 10; ++i) {
+        Type(part.c_str());
+    }
+    EXPECT_EQ(m_scene.Output(OUTPUT_TEXT).m_strValue.GetLength(), 10'000);
+    EXPECT_EQ(HasText(), 1);
 }
 
 } // namespace

@@ -1,13 +1,13 @@
-// The VR handle node: its tables and their upgrade, what a controller's samples write, move and fire.
-#include <algorithm>
+// The VR handle node: its upgrade, what a controller's samples write, move and fire.
 #include <bit>
+#include <cmath>
 #include <cstdint>
 #include <limits>
 
 #include "HeapUse.h"
 #include "HostCalls.h"
 #include "HostSetup.h"
-#include "ModuleHost.h"
+#include "InputNodeTest.h"
 
 namespace {
 
@@ -18,8 +18,8 @@ const unsigned ENABLE = 2;
 const unsigned OBJECT_NAME = 802;
 const unsigned HANDLE_TYPE = 803;
 
-const unsigned POSITION[] = {852, 853, 854};
-const unsigned HIT_POSITION[] = {857, 858, 859};
+/// Position, then hit position.
+const unsigned COORDINATES[] = {852, 853, 854, 857, 858, 859};
 
 const int TRIGGER_DOWN = 862;
 const int TRIGGER_UP = 863;
@@ -35,7 +35,7 @@ const int PAD_BOTTOM = 871;
 const int LEFT_HAND = 0;
 const int RIGHT_HAND = 1;
 
-using Outputs = std::vector<int>;
+using Floats = std::vector<float>;
 
 /// A sample of the left controller in which the given is pressed.
 SVRPluginData Sample(int bTrigger = 0, int bPad = 0, float fPadX = 0, float fPadY = 0) {
@@ -50,9 +50,14 @@ SVRPluginData Sample(int bTrigger = 0, int bPad = 0, float fPadX = 0, float fPad
     return sample;
 }
 
+SVRPluginData OfHand(int nHand, SVRPluginData sample) {
+    sample.m_nHand = nHand;
+    return sample;
+}
+
 /// Each element of pose and hit position has a value of its own.
-SVRPluginData PosedSample(float fFirst = 100.0f) {
-    SVRPluginData sample = Sample();
+SVRPluginData Posed(float fFirst = 100.0f, int bTrigger = 0) {
+    SVRPluginData sample = Sample(bTrigger);
     for (int i = 0; i < 16; ++i) {
         sample.m_fPose[i] = fFirst + static_cast<float>(i);
     }
@@ -62,223 +67,91 @@ SVRPluginData PosedSample(float fFirst = 100.0f) {
     return sample;
 }
 
-class VRHandleNode : public ModuleTest {
+const Floats POSED = {112, 113, 114, 150, 151, 152};
+const Floats UNMOVED = {0, 0, 0, 0, 0, 0};
+const Floats IDENTITY = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+const Floats POSED_MATRIX = {100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 110, 111, 112, 113, 114, 115};
+
+class VRHandleNode : public InputNodeTest {
 protected:
-    VRHandleNode() { m_scene.Evaluate(); }
+    VRHandleNode() : InputNodeTest(TYPE_VR_HANDLE) { m_scene.Evaluate(); }
 
     int Send(SVRPluginData sample) { return m_scene.Send(DEVICE, 1, &sample); }
-
-    /// What was fired since the last call. Events have no log lines.
-    Outputs Fired() {
-        EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{});
-        EXPECT_TRUE(m_host.TakeOtherMessages().empty());
-        EXPECT_TRUE(m_host.TakeReportedEvents().empty());
-        return m_host.TakeFiredOutputs();
-    }
-
     Outputs FiredBy(const SVRPluginData& sample) {
         EXPECT_EQ(Send(sample), 1);
         return Fired();
     }
 
-    std::vector<float> Values(const unsigned (&ids)[3]) const {
-        std::vector<float> values;
-        for (const unsigned nId : ids) {
-            values.push_back(m_scene.Output(nId).m_fValue);
+    static Floats CoordinatesOf(const SGraphNode& graphNode) {
+        Floats values;
+        for (const unsigned nId : COORDINATES) {
+            values.push_back(FindParam(graphNode.m_lstOutputGroup, MakeParamGuid(nId))->m_fValue);
         }
         return values;
     }
+    Floats Coordinates() const { return CoordinatesOf(m_scene.m_graphNode); }
 
-    VEKObject& AddObject(VEKClip& clip, const wchar_t* pszName) {
+    static VEKObject& AddObject(VEKClip& clip, const wchar_t* pszName) {
         clip.m_lstObject.AddTail(new VEKObject(pszName));
         return *clip.m_lstObject.GetTail();
     }
     VEKObject& AddObject(const wchar_t* pszName) { return AddObject(m_scene.m_clip, pszName); }
+    static Floats Matrix(const VEKObject& object) { return {std::begin(object.m_fMatrix), std::end(object.m_fMatrix)}; }
 
-    static std::vector<float> Matrix(const VEKObject& object) {
-        return {std::begin(object.m_fMatrix), std::end(object.m_fMatrix)};
+    /// Set an input and evaluate.
+    void Name(const wchar_t* pszObject) {
+        m_scene.Input(OBJECT_NAME).m_strValue = pszObject;
+        EXPECT_EQ(m_scene.Evaluate(), 1);
     }
-
-    NodeScene m_scene{m_host, TYPE_VR_HANDLE};
+    void Choose(int nHand) {
+        m_scene.Input(HANDLE_TYPE).m_nValue = nHand;
+        EXPECT_EQ(m_scene.Evaluate(), 1);
+    }
 };
 
-const std::vector<float> IDENTITY = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
-const std::vector<float> POSED = {100, 101, 102, 103, 104, 105, 106, 107, 108, 109, 110, 111, 112, 113, 114, 115};
+// ---- Older projects ------------------------------------------------------------------------------------------------
 
-// ---- Tables --------------------------------------------------------------------------------------------------------
+class VRHandleNodeUpgrade : public InputNodeUpgradeTest {
+protected:
+    VRHandleNodeUpgrade() : InputNodeUpgradeTest(TYPE_VR_HANDLE) {}
 
-TEST_F(VRHandleNode, Fresh) {
-    ExpectFreshNode(*m_host.CreateNode(TYPE_VR_HANDLE), TYPE_VR_HANDLE, "IO_PROCESS_VRHANLDE");
-}
+    static std::vector<std::string> ChoicesOf(const VEKParam& handleType) {
+        std::vector<std::string> choices;
+        for (INT_PTR i = 0; i < handleType.m_arChoice.GetSize(); ++i) {
+            choices.push_back(Utf8(handleType.m_arChoice[i]));
+        }
+        return choices;
+    }
+};
 
-TEST_F(VRHandleNode, Inputs) {
-    ExpectInputGroups(m_scene.m_pNode->m_lstParamGroup,
-                      {{801,
-                        "Base param",
-                        "IO_PROCESS_VRHANLDE",
-                        {{.nId = 7,
-                          .pszName = "Version",
-                          .pszDisplay = "Version",
-                          .nType = 2,
-                          .nControl = 1,
-                          .range = ExpectedRange{1, 1, 10000, 1},
-                          .flags = ExpectedFlags{0, 0, 0, 0},
-                          .nValue = 2,
-                          .fValue = 1.0f},
-                         {.nId = 2,
-                          .pszName = "Enable",
-                          .pszDisplay = "TOUCH_CONTROL_ENABLED",
-                          .nType = 5,
-                          .nControl = 5,
-                          .range = ExpectedRange{0, 0, 1, 1},
-                          .flags = ExpectedFlags{0, 0, 1, 0},
-                          .nValue = 1},
-                         {.nId = 802,
-                          .pszName = "ObjectName",
-                          .pszDisplay = "IO_PROCESS_VRHANLDE_OBJECT",
-                          .nType = 1,
-                          .nControl = 6,
-                          .flags = ExpectedFlags{0, 0, 1, 0}},
-                         {.nId = 803,
-                          .pszName = "HandleType",
-                          .pszDisplay = "IO_PROCESS_VRHANLDE_SELECTHANDLE",
-                          .nType = 4,
-                          .nControl = 1,
-                          .flags = ExpectedFlags{0, 0, 1, 0},
-                          .nValue = 0,
-                          .choices = {"IO_PROCESS_VRHANLDE_HANDLE_LEFT", "IO_PROCESS_VRHANLDE_HANDLE_RIGHT"}}}}});
-}
+const std::vector<std::string> BOTH_HANDS = {"IO_PROCESS_VRHANLDE_HANDLE_LEFT", "IO_PROCESS_VRHANLDE_HANDLE_RIGHT"};
 
-TEST_F(VRHandleNode, DisplayTextsComeFromTheTextTableButThatOfVersion) {
+TEST_F(VRHandleNodeUpgrade, TextsComeFromTheTextTableButThatOfVersion) {
     m_host.WriteFile("Config/Texts/en.json",
                      R"({"Version": "looked up", "IO_PROCESS_VRHANLDE_HANDLE_LEFT": "Left hand",
                          "IO_PROCESS_VRHANLDE_HANDLE_RIGHT": "Right hand"})");
     ASSERT_TRUE(SetTextTable(ETextTable::English));
-    const NodePtr pNode = m_host.CreateNode(TYPE_VR_HANDLE);
-    EXPECT_EQ(Utf8(FindParam(pNode->m_lstParamGroup, MakeParamGuid(VERSION))->m_strDisplay), "Version");
-    const CStringArray& arChoice = FindParam(pNode->m_lstParamGroup, MakeParamGuid(HANDLE_TYPE))->m_arChoice;
-    ASSERT_EQ(arChoice.GetSize(), 2);
-    EXPECT_EQ(Utf8(arChoice[0]), "Left hand");
-    EXPECT_EQ(Utf8(arChoice[1]), "Right hand");
+    m_pNode = m_host.CreateNode(TYPE_VR_HANDLE);
+    EXPECT_EQ(Utf8(Own(VERSION).m_strDisplay), "Version");
+    EXPECT_EQ(ChoicesOf(Own(HANDLE_TYPE)), (std::vector<std::string>{"Left hand", "Right hand"}));
 }
 
-ExpectedParam NumberPin(unsigned nId, const char* pszName, const char* pszDisplay) {
-    return {.nId = nId,
-            .pszName = pszName,
-            .pszDisplay = pszDisplay,
-            .nType = 2,
-            .nControl = 2,
-            .range = ExpectedRange{0, -1e9f, 1e9f, 1},
-            .flags = ExpectedFlags{0, 0, 1, 0}};
-}
-
-const ExpectedGroup POSITION_GROUP = {851,
-                                      "OutputParam",
-                                      "IO_PROCESS_VRHANLDE",
-                                      {NumberPin(852, "PosX", "IO_PROCESS_VRHANLDE_POSX"),
-                                       NumberPin(853, "PosY", "IO_PROCESS_VRHANLDE_POSY"),
-                                       NumberPin(854, "PosZ", "IO_PROCESS_VRHANLDE_POSZ")}};
-
-const ExpectedGroup HIT_GROUP = {856,
-                                 "HitPos",
-                                 "IO_PROCESS_VRHANLDE_HITPOS",
-                                 {NumberPin(857, "HitPosX", "IO_PROCESS_VRHANLDE_HITPOSX"),
-                                  NumberPin(858, "HitPosY", "IO_PROCESS_VRHANLDE_HITPOSY"),
-                                  NumberPin(859, "HitPosZ", "IO_PROCESS_VRHANLDE_HITPOSZ")}};
-
-const ExpectedGroup EVENT_GROUP = {861,
-                                   "OutputEvent",
-                                   "TOUCH_CONTROL_EVENT_OUTPUT",
-                                   {EventPin(862, "TriggerDown", "IO_PROCESS_VRHANLDE_TRIGGER_DOWN"),
-                                    EventPin(863, "TriggerUp", "IO_PROCESS_VRHANLDE_TRIGGER_UP"),
-                                    EventPin(864, "TriggerClick", "IO_PROCESS_VRHANLDE_TRIGGER_CLICK"),
-                                    EventPin(865, "TouchPadDown", "IO_PROCESS_VRHANLDE_TOUCHPAD_DOWN"),
-                                    EventPin(866, "TouchPadUp", "IO_PROCESS_VRHANLDE_TOUCHPAD_UP"),
-                                    EventPin(867, "TouchPadCenterClick", "IO_PROCESS_VRHANLDE_TOUCHPAD_CENTER_CLICK"),
-                                    EventPin(868, "TouchPadLeftClick", "IO_PROCESS_VRHANLDE_TOUCHPAD_LEFT_CLICK"),
-                                    EventPin(869, "TouchPadRightClick", "IO_PROCESS_VRHANLDE_TOUCHPAD_RIGHT_CLICK"),
-                                    EventPin(870, "TouchPadTopClick", "IO_PROCESS_VRHANLDE_TOUCHPAD_TOP_CLICK"),
-                                    EventPin(871, "TouchPadBottomClick", "IO_PROCESS_VRHANLDE_TOUCHPAD_BOTTOM_CLICK")}};
-
-TEST_F(VRHandleNode, Outputs) {
-    ExpectOutputGroups(m_scene.m_graphNode.m_lstOutputGroup, {POSITION_GROUP, HIT_GROUP, EVENT_GROUP});
-}
-
-TEST_F(VRHandleNode, OutputsAreMadeOnce) {
-    const auto before = Items(m_scene.m_graphNode.m_lstOutputGroup);
-    ASSERT_EQ(before.size(), 3u);
-    m_scene.m_pNode->GetNodeOutput(&m_scene.m_graphNode);
-    EXPECT_EQ(Items(m_scene.m_graphNode.m_lstOutputGroup), before);
-}
-
-TEST_F(VRHandleNode, OutputsOfNoGraphNodeAreNotMade) {
-    m_scene.m_pNode->GetNodeOutput(nullptr);
-}
-
-TEST_F(VRHandleNode, InheritsTheOtherOperations) {
-    EXPECT_EQ(m_scene.m_pNode->NeedUpdateSingleParam(MakeParamGuid(OBJECT_NAME)), FALSE);
-    EXPECT_EQ(m_scene.m_pNode->UpdateSingleParamValue(MakeParamGuid(OBJECT_NAME)), 0);
-    m_scene.m_pNode->Init();
-    EXPECT_EQ(m_scene.m_pNode->m_lstParamGroup.GetCount(), 1);
-}
-
-// ---- Older projects ------------------------------------------------------------------------------------------------
-
-class VRHandleNodeUpgrade : public ModuleTest {
-protected:
-    VEKParam& Own(unsigned nId) const { return *FindParam(m_pNode->m_lstParamGroup, MakeParamGuid(nId)); }
-
-    VEKParamGroup* AddGroup(unsigned nId) {
-        auto* pGroup = new VEKParamGroup;
-        pGroup->m_guid = MakeParamGuid(nId);
-        m_graphNode.m_lstOutputGroup.AddTail(pGroup);
-        return pGroup;
-    }
-
-    std::vector<unsigned> GroupIds() const {
-        std::vector<unsigned> ids;
-        for (const VEKParamGroup* pGroup : Items(m_graphNode.m_lstOutputGroup)) {
-            ids.push_back(pGroup->m_guid.Data1);
-        }
-        return ids;
-    }
-
-    std::vector<std::string> Choices() const {
-        std::vector<std::string> choices;
-        const CStringArray& arChoice = Own(HANDLE_TYPE).m_arChoice;
-        for (INT_PTR i = 0; i < arChoice.GetSize(); ++i) {
-            choices.push_back(Utf8(arChoice[i]));
-        }
-        return choices;
-    }
-
-    SGraphNode m_graphNode;
-    NodePtr m_pNode = m_host.CreateNode(TYPE_VR_HANDLE);
-};
-
-using Ids = std::vector<unsigned>;
-const std::vector<std::string> BOTH_HANDS = {"IO_PROCESS_VRHANLDE_HANDLE_LEFT", "IO_PROCESS_VRHANLDE_HANDLE_RIGHT"};
-
-TEST_F(VRHandleNodeUpgrade, EmptyChoicesAreFilled) {
+TEST_F(VRHandleNodeUpgrade, EmptyChoicesAreFilledOnce) {
+    m_pNode->m_lstParamGroup.AddHead(new VEKParamGroup); // in whatever group they are
     Own(HANDLE_TYPE).m_arChoice.RemoveAll();
     Own(HANDLE_TYPE).m_nValue = 1;
     m_pNode->InitParam();
-    EXPECT_EQ(Choices(), BOTH_HANDS);
+    m_pNode->InitParam();
+    EXPECT_EQ(ChoicesOf(Own(HANDLE_TYPE)), BOTH_HANDS);
     EXPECT_EQ(Own(HANDLE_TYPE).m_nValue, 1) << "the value is kept";
-    m_pNode->InitParam();
-    EXPECT_EQ(Choices(), BOTH_HANDS) << "once";
-}
-
-TEST_F(VRHandleNodeUpgrade, ChoicesThatAreThereAreKept) {
-    m_pNode->InitParam();
-    EXPECT_EQ(Choices(), BOTH_HANDS);
     Own(HANDLE_TYPE).m_arChoice.RemoveAll();
     Own(HANDLE_TYPE).m_arChoice.Add(L"only one");
     m_pNode->InitParam();
-    EXPECT_EQ(Choices(), std::vector<std::string>{"only one"});
+    EXPECT_EQ(ChoicesOf(Own(HANDLE_TYPE)), std::vector<std::string>{"only one"});
 }
 
 TEST_F(VRHandleNodeUpgrade, VersionBecomesTwo) {
+    m_pNode->m_lstParamGroup.AddHead(new VEKParamGroup);
     for (const int nVersion : {1, 0, -1, 2, 3, 2147483647}) {
         Own(VERSION).m_nValue = nVersion;
         m_pNode->InitParam();
@@ -286,198 +159,108 @@ TEST_F(VRHandleNodeUpgrade, VersionBecomesTwo) {
     }
 }
 
-TEST_F(VRHandleNodeUpgrade, MissingParametersAreNoFault) {
+TEST_F(VRHandleNodeUpgrade, MissingParametersAreNoFaultButMissingGroupsAre) {
     Own(VERSION).m_nValue = 1;
     VEKParam& handleType = Own(HANDLE_TYPE);
-    handleType.m_guid = MakeParamGuid(9999);
+    handleType.m_guid = MISSING;
     handleType.m_arChoice.RemoveAll();
     m_pNode->InitParam();
     EXPECT_EQ(Own(VERSION).m_nValue, 2);
     EXPECT_EQ(handleType.m_arChoice.GetSize(), 0);
     handleType.m_guid = MakeParamGuid(HANDLE_TYPE);
-    Own(VERSION).m_guid = MakeParamGuid(9999);
+    Own(VERSION).m_guid = MISSING;
     m_pNode->InitParam();
-    EXPECT_EQ(Choices(), BOTH_HANDS);
+    EXPECT_EQ(ChoicesOf(handleType), BOTH_HANDS);
     EXPECT_EQ(m_pNode->m_lstParamGroup.GetHead()->m_lstParam.GetCount(), 4) << "none is added";
-}
-
-TEST_F(VRHandleNodeUpgrade, ParametersAreFoundInAnyGroup) {
-    m_pNode->m_lstParamGroup.AddHead(new VEKParamGroup);
-    Own(VERSION).m_nValue = 1;
-    Own(HANDLE_TYPE).m_arChoice.RemoveAll();
-    m_pNode->InitParam();
-    EXPECT_EQ(Own(VERSION).m_nValue, 2);
-    EXPECT_EQ(Choices(), BOTH_HANDS);
-}
-
-TEST_F(VRHandleNodeUpgrade, WithoutAnyGroupItRaisesInvalidArgument) {
     m_pNode->Empty();
-    bool bRaised = false;
-    try {
-        m_pNode->InitParam();
-    } catch (CInvalidArgException* pException) {
-        bRaised = true;
-        pException->Delete();
-    }
-    EXPECT_TRUE(bRaised);
+    EXPECT_TRUE(RaisesInvalidArgument([this] { m_pNode->InitParam(); }));
 }
 
 TEST_F(VRHandleNodeUpgrade, HitPositionIsInsertedBehindThePosition) {
-    AddGroup(851);
-    AddGroup(861);
-    Own(VERSION).m_nValue = 1;
-    m_pNode->InitParam();
-    m_pNode->GetNodeOutput(&m_graphNode);
-    EXPECT_EQ(GroupIds(), (::Ids{851, 856, 861}));
-    // The new group, cell by cell; the others as they were.
-    VEKParamGroupList lstInserted;
-    lstInserted.AddTail(Items(m_graphNode.m_lstOutputGroup)[1]);
-    ExpectOutputGroups(lstInserted, {HIT_GROUP});
-    EXPECT_TRUE(Items(m_graphNode.m_lstOutputGroup)[0]->m_lstParam.IsEmpty());
-    EXPECT_TRUE(Items(m_graphNode.m_lstOutputGroup)[2]->m_lstParam.IsEmpty());
-    m_pNode->GetNodeOutput(&m_graphNode);
-    EXPECT_EQ(GroupIds(), (::Ids{851, 856, 861})) << "once";
+    const struct {
+        std::vector<unsigned> groups;
+        const char* pszMade;
+    } OLD[] = {{{851, 861}, "851() 856(857 858 859) 861()"},
+               {{861, 999, 851}, "861() 999() 851() 856(857 858 859)"},
+               {{856, 851, 861}, "856() 851() 861()"}, // there is one
+               {{861}, "861()"},                       // no position
+               {{}, "851(852 853 854) 856(857 858 859) 861(862 863 864 865 866 867 868 869 870 871)"}};
+    for (const auto& [groups, pszMade] : OLD) {
+        for (VEKParamGroup* pGroup : Items(m_graphNode.m_lstOutputGroup)) {
+            delete pGroup;
+        }
+        m_graphNode.m_lstOutputGroup.RemoveAll();
+        for (const unsigned nGroup : groups) {
+            AddOutputs(nGroup);
+        }
+        EXPECT_EQ(OutputsMade(), pszMade);
+        EXPECT_EQ(OutputsMade(), pszMade) << "once";
+    }
 }
 
-TEST_F(VRHandleNodeUpgrade, HitPositionFollowsThePositionWhereverItStands) {
-    AddGroup(861);
-    AddGroup(999);
-    AddGroup(851);
-    m_pNode->GetNodeOutput(&m_graphNode);
-    EXPECT_EQ(GroupIds(), (::Ids{861, 999, 851, 856}));
-}
-
-TEST_F(VRHandleNodeUpgrade, HitPositionThatIsThereIsEnough) {
-    AddGroup(856);
-    AddGroup(851);
-    AddGroup(861);
-    m_pNode->GetNodeOutput(&m_graphNode);
-    EXPECT_EQ(GroupIds(), (::Ids{856, 851, 861}));
-}
-
-TEST_F(VRHandleNodeUpgrade, WithoutThePositionNothingIsInserted) {
-    AddGroup(861);
-    m_pNode->GetNodeOutput(&m_graphNode);
-    EXPECT_EQ(GroupIds(), ::Ids{861});
+TEST_F(VRHandleNodeUpgrade, InsertedHitPositionIsAsNew) {
+    AddOutputs(851);
+    OutputsMade();
+    for (const unsigned nOutput : {857u, 858u, 859u}) {
+        ExpectAsNew(nOutput);
+    }
+    EXPECT_EQ(Utf8(m_graphNode.m_lstOutputGroup.GetTail()->m_strName), "HitPos");
+    EXPECT_EQ(Utf8(m_graphNode.m_lstOutputGroup.GetTail()->m_strDisplay), "IO_PROCESS_VRHANLDE_HITPOS");
 }
 
 TEST_F(VRHandleNodeUpgrade, HitPositionIsInsertedFromVersionTwoOn) {
-    AddGroup(851);
-    AddGroup(861);
+    AddOutputs(851);
     for (const int nVersion : {1, 0, -1}) {
         Own(VERSION).m_nValue = nVersion;
-        m_pNode->GetNodeOutput(&m_graphNode);
-        EXPECT_EQ(GroupIds(), (::Ids{851, 861})) << nVersion;
+        EXPECT_EQ(OutputsMade(), "851()") << nVersion;
     }
-    Own(VERSION).m_nValue = 3;
-    m_pNode->GetNodeOutput(&m_graphNode);
-    EXPECT_EQ(GroupIds(), (::Ids{851, 856, 861}));
+    m_pNode->InitParam();
+    EXPECT_EQ(OutputsMade(), "851() 856(857 858 859)");
 }
 
 TEST_F(VRHandleNodeUpgrade, VersionIsTheNodesOwn) {
-    AddGroup(851);
-    Own(VERSION).m_guid = MakeParamGuid(9999);
-    auto* pGroup = new VEKParamGroup;
-    auto* pVersion = new VEKParam(VERSION, L"Version", L"", 2, 1);
-    pVersion->m_nValue = 2;
-    pGroup->m_lstParam.AddTail(pVersion);
-    m_graphNode.m_lstInputGroup.AddTail(pGroup);
-    m_pNode->GetNodeOutput(&m_graphNode);
-    EXPECT_EQ(GroupIds(), ::Ids{851});
+    AddOutputs(851);
+    MoveVersionToTheGraph(2);
+    EXPECT_EQ(OutputsMade(), "851()");
 }
 
-TEST_F(VRHandleNodeUpgrade, FreshOutputsNeedNoVersion) {
+TEST_F(VRHandleNodeUpgrade, NewOutputsNeedNoVersion) {
     Own(VERSION).m_nValue = 1;
-    m_pNode->GetNodeOutput(&m_graphNode);
-    EXPECT_EQ(GroupIds(), (::Ids{851, 856, 861}));
+    EXPECT_EQ(OutputsMade(), "851(852 853 854) 856(857 858 859) 861(862 863 864 865 866 867 868 869 870 871)");
 }
 
 // ---- Evaluation ----------------------------------------------------------------------------------------------------
 
-TEST_F(VRHandleNode, EvaluationHandlesTheCallWhenEnabled) {
-    EXPECT_EQ(m_scene.Evaluate(), 1);
-    m_scene.Input(ENABLE).m_nValue = 0;
-    EXPECT_EQ(m_scene.Evaluate(), 0);
-    for (const int nValue : {2, -1, 256, -2147483647 - 1}) {
-        m_scene.Input(ENABLE).m_nValue = nValue;
-        EXPECT_EQ(m_scene.Evaluate(), 1) << nValue;
-        EXPECT_EQ(Send(Sample()), 1) << nValue;
-    }
-    EXPECT_EQ(Fired(), Outputs{});
-}
-
-TEST_F(VRHandleNode, EvaluationWritesNoOutput) {
-    for (const VEKParamGroup* pGroup : Items(m_scene.m_graphNode.m_lstOutputGroup)) {
-        for (VEKParam* pParam : Items(pGroup->m_lstParam)) {
-            pParam->m_nValue = 77;
-            pParam->m_fValue = 78.0f;
-        }
-    }
-    EXPECT_EQ(m_scene.Evaluate(), 1);
-    for (const VEKParamGroup* pGroup : Items(m_scene.m_graphNode.m_lstOutputGroup)) {
-        for (const VEKParam* pParam : Items(pGroup->m_lstParam)) {
-            EXPECT_EQ(pParam->m_nValue, 77);
-            EXPECT_EQ(pParam->m_fValue, 78.0f);
-        }
-    }
-}
-
-TEST_F(VRHandleNode, EvaluationNeedsNoOwner) {
-    m_scene.m_pNode->m_pOwnerClip = nullptr;
-    EXPECT_EQ(m_scene.Evaluate(), 1);
-}
-
 TEST_F(VRHandleNode, InputsOfTheGraphWinOverTheNodesOwn) {
-    VEKParam& graphEnable = m_scene.AddGraphInput(ENABLE, 5, 5);
-    VEKParam& graphHandleType = m_scene.AddGraphInput(HANDLE_TYPE, 4, 1);
-    VEKParam& graphObjectName = m_scene.AddGraphInput(OBJECT_NAME, 1, 6);
-    EXPECT_EQ(m_scene.Evaluate(), 0);
-    EXPECT_EQ(Send(Sample()), 0);
-    graphEnable.m_nValue = 1;
-    m_scene.Input(ENABLE).m_nValue = 0;
-    graphHandleType.m_nValue = RIGHT_HAND;
-    graphObjectName.m_strValue = L"graph";
-    m_scene.Input(OBJECT_NAME).m_strValue = L"own";
+    m_scene.AddGraphInput(HANDLE_TYPE, 4, 1).m_nValue = RIGHT_HAND;
+    m_scene.AddGraphInput(OBJECT_NAME, 1, 6).m_strValue = L"graph";
     const VEKObject& ofGraph = AddObject(L"graph");
     const VEKObject& ofNode = AddObject(L"own");
-    EXPECT_EQ(m_scene.Evaluate(), 1);
-    SVRPluginData sample = PosedSample();
-    EXPECT_EQ(Send(sample), 0);
-    sample.m_nHand = RIGHT_HAND;
-    EXPECT_EQ(Send(sample), 1);
-    EXPECT_EQ(Matrix(ofGraph), POSED);
+    Name(L"own");
+    EXPECT_EQ(Send(Posed()), 0);
+    EXPECT_EQ(Send(OfHand(RIGHT_HAND, Posed())), 1);
+    EXPECT_EQ(Matrix(ofGraph), POSED_MATRIX);
     EXPECT_EQ(Matrix(ofNode), IDENTITY);
 }
 
-TEST_F(VRHandleNode, MissingEnableLeavesTheNodeAsItWas) {
-    m_scene.Input(ENABLE).m_guid = MakeParamGuid(9999);
-    EXPECT_EQ(m_scene.Evaluate(), 0);
-    EXPECT_EQ(FiredBy(Sample(1)), Outputs{TRIGGER_DOWN}) << "still enabled";
-    NodeScene other(m_host, TYPE_VR_HANDLE);
-    other.m_pNode->Empty();
-    EXPECT_EQ(other.Evaluate(), 0);
-    SVRPluginData sample = Sample(1);
-    EXPECT_EQ(other.Send(DEVICE, 1, &sample), 0) << "never was";
-}
-
-TEST_F(VRHandleNode, MissingObjectNameKeepsNameAndHand) {
-    const VEKObject& object = AddObject(L"Hand");
-    m_scene.Input(OBJECT_NAME).m_strValue = L"Hand";
-    EXPECT_EQ(m_scene.Evaluate(), 1);
-    m_scene.Input(OBJECT_NAME).m_guid = MakeParamGuid(9999);
+TEST_F(VRHandleNode, MissingInputKeepsWhatFollowsIt) {
+    const VEKObject& first = AddObject(L"First");
+    const VEKObject& second = AddObject(L"Second");
+    Name(L"First");
+    m_scene.Input(OBJECT_NAME).m_strValue = L"Second";
+    m_scene.Input(OBJECT_NAME).m_guid = MISSING;
     m_scene.Input(HANDLE_TYPE).m_nValue = RIGHT_HAND;
     EXPECT_EQ(m_scene.Evaluate(), 0);
-    EXPECT_EQ(Send(PosedSample()), 1) << "still the left hand, and enabled";
-    EXPECT_EQ(Matrix(object), POSED);
-}
-
-TEST_F(VRHandleNode, MissingHandleTypeKeepsTheHandButNotTheName) {
-    const VEKObject& object = AddObject(L"Hand");
-    m_scene.Input(OBJECT_NAME).m_strValue = L"Hand";
-    m_scene.Input(HANDLE_TYPE).m_guid = MakeParamGuid(9999);
-    EXPECT_EQ(m_scene.Evaluate(), 0);
-    EXPECT_EQ(Send(PosedSample()), 1);
-    EXPECT_EQ(Matrix(object), POSED);
+    EXPECT_EQ(Send(Posed()), 1) << "still enabled, and the left hand";
+    EXPECT_EQ(Matrix(first), POSED_MATRIX);
+    NodeScene other(m_host, TYPE_VR_HANDLE);
+    other.m_pNode->m_pOwnerClip = &m_scene.m_clip;
+    other.Input(OBJECT_NAME).m_strValue = L"Second";
+    other.Input(HANDLE_TYPE).m_guid = MISSING;
+    EXPECT_EQ(other.Evaluate(), 0);
+    SVRPluginData sample = Posed();
+    EXPECT_EQ(other.Send(DEVICE, 1, &sample), 1);
+    EXPECT_EQ(Matrix(second), POSED_MATRIX) << "the name has been read, and the hand is the left one";
 }
 
 TEST_F(VRHandleNode, DisabledEvaluationReadsNothingElse) {
@@ -487,70 +270,57 @@ TEST_F(VRHandleNode, DisabledEvaluationReadsNothingElse) {
     m_scene.Input(HANDLE_TYPE).m_nValue = RIGHT_HAND;
     EXPECT_EQ(m_scene.Evaluate(), 0);
     m_scene.Input(ENABLE).m_nValue = 1;
-    m_scene.Input(OBJECT_NAME).m_guid = MakeParamGuid(9999);
+    m_scene.Input(OBJECT_NAME).m_guid = MISSING;
     EXPECT_EQ(m_scene.Evaluate(), 0) << "enabled, but with the name and hand of before";
-    EXPECT_EQ(Send(PosedSample()), 1);
+    EXPECT_EQ(Send(Posed()), 1);
     EXPECT_EQ(Matrix(object), IDENTITY);
-}
-
-TEST_F(VRHandleNode, EvaluationWithoutGraphNodeForgetsTheGraphNode) {
-    EXPECT_EQ(m_scene.m_pNode->ProcessNode(nullptr), 0);
-    EXPECT_EQ(Send(Sample(1)), 0);
-    EXPECT_EQ(m_scene.m_pNode->DevIOEventOccurred(nullptr), 0);
-    EXPECT_EQ(Fired(), Outputs{});
-    m_scene.Evaluate();
-    EXPECT_EQ(FiredBy(Sample(1)), Outputs{TRIGGER_DOWN});
 }
 
 // ---- What it ignores -----------------------------------------------------------------------------------------------
 
-TEST_F(VRHandleNode, IgnoresEverythingBeforeTheFirstEvaluation) {
-    NodeScene scene(m_host, TYPE_VR_HANDLE);
-    SVRPluginData sample = PosedSample();
-    EXPECT_EQ(scene.Send(DEVICE, 1, &sample), 0);
-    EXPECT_EQ(scene.Send(DEVICE, 1, nullptr), 0);
-    EXPECT_EQ(scene.m_pNode->DevIOEventOccurred(nullptr), 0);
-    EXPECT_EQ(scene.Output(852).m_fValue, 0.0f);
-    EXPECT_EQ(Fired(), Outputs{});
-}
-
-TEST_F(VRHandleNode, IgnoresEverythingSilentlyWithoutOwner) {
+TEST_F(VRHandleNode, IgnoredSamplesLeaveNothing) {
+    Send(Posed());
+    const auto ExpectIgnored = [this](const char* pszWhy) {
+        SCOPED_TRACE(pszWhy);
+        EXPECT_EQ(Send(Posed(400, 1)), 0);
+        EXPECT_EQ(m_scene.Send(DEVICE, 1, nullptr), 0);
+        EXPECT_EQ(Fired(), Outputs{}) << "and a missing sample is no error";
+        EXPECT_EQ(Coordinates(), POSED);
+    };
     m_scene.m_pNode->m_pOwnerClip = nullptr;
-    EXPECT_EQ(Send(Sample(1)), 0);
-    EXPECT_EQ(m_scene.Send(DEVICE, 1, nullptr), 0);
-    EXPECT_EQ(m_scene.m_pNode->DevIOEventOccurred(nullptr), 0);
-    EXPECT_EQ(Fired(), Outputs{});
+    ExpectIgnored("without owner");
     m_scene.m_pNode->m_pOwnerClip = &m_scene.m_clip;
-    EXPECT_EQ(FiredBy(Sample(1)), Outputs{TRIGGER_DOWN}) << "the ignored sample left nothing";
-}
-
-TEST_F(VRHandleNode, IgnoresEverythingSilentlyWhileDisabled) {
-    Send(PosedSample(200));
     m_scene.Input(ENABLE).m_nValue = 0;
-    EXPECT_EQ(Send(PosedSample(300)), 1) << "not evaluated yet";
     m_scene.Evaluate();
-    SVRPluginData sample = PosedSample(400);
-    sample.m_bTriggerPressed = 1;
-    EXPECT_EQ(Send(sample), 0);
-    EXPECT_EQ(m_scene.Send(DEVICE, 1, nullptr), 0);
-    EXPECT_EQ(m_scene.m_pNode->DevIOEventOccurred(nullptr), 0) << "not even an error";
-    EXPECT_EQ(Fired(), Outputs{});
-    EXPECT_EQ(Values(POSITION), (std::vector<float>{312, 313, 314})) << "outputs keep their values";
+    ExpectIgnored("disabled");
+    EXPECT_EQ(m_scene.m_pNode->DevIOEventOccurred(nullptr), 0);
+    EXPECT_EQ(Fired(), Outputs{}) << "nor is a missing record, unlike with other node types";
     m_scene.Input(ENABLE).m_nValue = 1;
-    EXPECT_EQ(Send(sample), 0) << "not evaluated yet";
     m_scene.Evaluate();
-    EXPECT_EQ(FiredBy(sample), Outputs{TRIGGER_DOWN});
-}
-
-TEST_F(VRHandleNode, IgnoresOtherDevices) {
-    SVRPluginData sample = PosedSample();
-    sample.m_bTriggerPressed = 1;
-    for (const int nDevice : {0, 1, 2, 4, 5, 6, 7, -1, 259, 2147483647}) {
+    SVRPluginData sample = Posed(400, 1);
+    for (const int nDevice : {0, 1, 2, 4, 259}) {
         EXPECT_EQ(m_scene.Send(nDevice, 1, &sample), 0) << nDevice;
         EXPECT_EQ(m_scene.Send(nDevice, 1, nullptr), 0) << nDevice;
     }
+    EXPECT_EQ(Coordinates(), POSED);
+    EXPECT_EQ(FiredBy(sample), Outputs{TRIGGER_DOWN});
+}
+
+TEST_F(VRHandleNode, SamplesOfTheOtherHandAreIgnored) {
+    EXPECT_EQ(FiredBy(Sample(1)), Outputs{TRIGGER_DOWN});
+    for (const int nHand : {RIGHT_HAND, 2, -1, 256, 2147483647}) {
+        EXPECT_EQ(Send(OfHand(nHand, Posed())), 0) << nHand;
+    }
     EXPECT_EQ(Fired(), Outputs{});
-    EXPECT_EQ(Values(POSITION), (std::vector<float>{0, 0, 0}));
+    EXPECT_EQ(Coordinates(), UNMOVED);
+    EXPECT_EQ(FiredBy(Sample(1)), Outputs{}) << "the previous sample is the left hand's: still pressed";
+    EXPECT_EQ(FiredBy(Sample(0)), Outputs{TRIGGER_UP});
+}
+
+TEST_F(VRHandleNode, MissingSampleIsAnError) {
+    EXPECT_EQ(m_scene.Send(DEVICE, 1, nullptr), 0);
+    EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{Error("没有VR手柄数据")});
+    EXPECT_EQ(Fired(), Outputs{});
 }
 
 TEST_F(VRHandleNode, EventIdDoesNotMatter) {
@@ -563,90 +333,50 @@ TEST_F(VRHandleNode, EventIdDoesNotMatter) {
     }
 }
 
-TEST_F(VRHandleNode, NullRecordIsAnError) {
-    EXPECT_EQ(m_scene.m_pNode->DevIOEventOccurred(nullptr), 0);
-    EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{Error("[Clip.Graph.Node]DevIOEventOccurred函数数据错误")});
-    EXPECT_EQ(Fired(), Outputs{});
-}
-
-TEST_F(VRHandleNode, MissingSampleIsAnError) {
-    EXPECT_EQ(m_scene.Send(DEVICE, 1, nullptr), 0);
-    EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{Error("没有VR手柄数据")});
-    EXPECT_EQ(Fired(), Outputs{});
-}
-
-TEST_F(VRHandleNode, SamplesOfTheOtherHandAreIgnored) {
-    EXPECT_EQ(FiredBy(Sample(1)), Outputs{TRIGGER_DOWN});
-    SVRPluginData sample = PosedSample();
-    for (const int nHand : {RIGHT_HAND, 2, -1, 256, 2147483647}) {
-        sample.m_nHand = nHand;
-        EXPECT_EQ(Send(sample), 0) << nHand;
-    }
-    EXPECT_EQ(Fired(), Outputs{});
-    EXPECT_EQ(Values(POSITION), (std::vector<float>{0, 0, 0}));
-    EXPECT_EQ(FiredBy(Sample(1)), Outputs{}) << "the previous sample is the left hand's: still pressed";
-    EXPECT_EQ(FiredBy(Sample(0)), Outputs{TRIGGER_UP});
-}
-
 // ---- Pose and hit position -----------------------------------------------------------------------------------------
 
-TEST_F(VRHandleNode, PositionsAreWrittenAtOnce) {
-    EXPECT_EQ(FiredBy(PosedSample()), Outputs{});
-    EXPECT_EQ(Values(POSITION), (std::vector<float>{112, 113, 114}));
-    EXPECT_EQ(Values(HIT_POSITION), (std::vector<float>{150, 151, 152}));
-    Send(PosedSample(-500));
-    EXPECT_EQ(Values(POSITION), (std::vector<float>{-488, -487, -486}));
-    EXPECT_EQ(Values(HIT_POSITION), (std::vector<float>{-450, -449, -448}));
-    m_scene.Evaluate();
-    EXPECT_EQ(Values(POSITION), (std::vector<float>{-488, -487, -486}));
+TEST_F(VRHandleNode, PositionsAreWrittenAtOnceInTheirOwnMembers) {
+    MarkOutputs();
+    EXPECT_EQ(m_scene.Evaluate(), 1);
+    EXPECT_EQ(Written(), std::vector<std::string>{}) << "by the sample, not by the evaluation";
+    EXPECT_EQ(Send(Posed(100, 1)), 1);
+    EXPECT_EQ(Coordinates(), POSED);
+    EXPECT_EQ(Written(),
+              (std::vector<std::string>{"852 float", "853 float", "854 float", "857 float", "858 float", "859 float"}));
+    EXPECT_EQ(m_host.EventCount(), 0) << "before the event arrives";
+    EXPECT_EQ(Fired(), Outputs{TRIGGER_DOWN});
+    Send(Posed(-500, 1));
+    EXPECT_EQ(Coordinates(), (Floats{-488, -487, -486, -450, -449, -448}));
 }
 
 TEST_F(VRHandleNode, PositionsPassWithTheirBits) {
     for (const std::uint32_t nBits : {0x80000000u, 0x7F800000u, 0xFF800000u, 0x7FC12345u, 0x00000001u, 0x7F7FFFFFu}) {
         SVRPluginData sample = Sample();
-        for (const int i : {12, 13, 14}) {
-            sample.m_fPose[i] = std::bit_cast<float>(nBits);
+        for (int i = 0; i < 3; ++i) {
+            sample.m_fPose[12 + i] = std::bit_cast<float>(nBits);
+            sample.m_fHitPosition[i] = std::bit_cast<float>(nBits);
         }
-        std::fill(std::begin(sample.m_fHitPosition), std::end(sample.m_fHitPosition), std::bit_cast<float>(nBits));
-        EXPECT_EQ(Send(Sample()), 1);
+        EXPECT_EQ(Send(Sample()), 1); // zero, which equals minus zero
         EXPECT_EQ(Send(sample), 1);
-        for (const auto& ids : {POSITION, HIT_POSITION}) {
-            for (int i = 0; i < 3; ++i) {
-                EXPECT_EQ(std::bit_cast<std::uint32_t>(m_scene.Output(ids[i]).m_fValue), nBits) << ids[i];
-            }
+        for (const float fValue : Coordinates()) {
+            EXPECT_EQ(std::bit_cast<std::uint32_t>(fValue), nBits);
         }
-    }
-}
-
-TEST_F(VRHandleNode, PositionsAreWrittenInTheirOwnMemberOnly) {
-    for (const unsigned nId : {852u, 857u}) {
-        m_scene.Output(nId).m_nValue = 77;
-        m_scene.Output(nId).m_strValue = L"kept";
-    }
-    Send(PosedSample());
-    for (const unsigned nId : {852u, 857u}) {
-        EXPECT_EQ(m_scene.Output(nId).m_nValue, 77);
-        EXPECT_EQ(Utf8(m_scene.Output(nId).m_strValue), "kept");
     }
 }
 
 TEST_F(VRHandleNode, MissingOutputsAreSkippedOneByOne) {
-    const unsigned IDS[] = {852, 853, 854, 857, 858, 859};
-    const float EXPECTED[] = {112, 113, 114, 150, 151, 152};
-    for (const unsigned nMissing : IDS) {
-        SCOPED_TRACE(nMissing);
+    for (size_t i = 0; i < POSED.size(); ++i) {
+        SCOPED_TRACE(COORDINATES[i]);
         SGraphNode graphNode;
         m_scene.m_pNode->GetNodeOutput(&graphNode);
-        VEKParam* pMissing = FindParam(graphNode.m_lstOutputGroup, MakeParamGuid(nMissing));
-        pMissing->m_guid = MakeParamGuid(9999);
+        VEKParam* pMissing = FindParam(graphNode.m_lstOutputGroup, MakeParamGuid(COORDINATES[i]));
+        pMissing->m_guid = MISSING;
         m_scene.m_pNode->ProcessNode(&graphNode);
-        EXPECT_EQ(Send(PosedSample()), 1);
-        EXPECT_EQ(pMissing->m_fValue, 0.0f);
-        for (int i = 0; i < 6; ++i) {
-            if (IDS[i] != nMissing) {
-                EXPECT_EQ(FindParam(graphNode.m_lstOutputGroup, MakeParamGuid(IDS[i]))->m_fValue, EXPECTED[i]);
-            }
-        }
+        EXPECT_EQ(Send(Posed()), 1);
+        pMissing->m_guid = MakeParamGuid(COORDINATES[i]);
+        Floats expected = POSED;
+        expected[i] = 0;
+        EXPECT_EQ(CoordinatesOf(graphNode), expected);
         m_scene.m_pNode->ProcessNode(nullptr);
     }
     SGraphNode bare;
@@ -655,103 +385,67 @@ TEST_F(VRHandleNode, MissingOutputsAreSkippedOneByOne) {
     m_scene.m_pNode->ProcessNode(nullptr);
 }
 
-TEST_F(VRHandleNode, ObjectTakesThePoseAsItIs) {
-    VEKObject& object = AddObject(L"Hand");
+TEST_F(VRHandleNode, NamedObjectFollowsEverySample) {
+    const VEKObject& hand = AddObject(L"Hand");
     const VEKObject& other = AddObject(L"Other");
     m_scene.Input(OBJECT_NAME).m_strValue = L"Hand";
-    Send(PosedSample());
-    EXPECT_EQ(Matrix(object), IDENTITY) << "the name counts from the next evaluation on";
+    Send(Posed());
+    EXPECT_EQ(Matrix(hand), IDENTITY) << "the name counts from the next evaluation on";
     m_scene.Evaluate();
-    EXPECT_EQ(FiredBy(PosedSample()), Outputs{});
-    EXPECT_EQ(Matrix(object), POSED);
-    EXPECT_EQ(Matrix(other), IDENTITY);
-    EXPECT_EQ(Utf8(object.m_strName), "Hand");
-}
-
-TEST_F(VRHandleNode, ObjectFollowsEverySample) {
-    const VEKObject& object = AddObject(L"Hand");
-    m_scene.Input(OBJECT_NAME).m_strValue = L"Hand";
-    m_scene.Evaluate();
-    for (const float fFirst : {0.0f, 100.0f, -3.5f}) {
-        Send(PosedSample(fFirst));
-        EXPECT_EQ(Matrix(object)[0], fFirst);
-        EXPECT_EQ(Matrix(object)[15], fFirst + 15);
+    for (const float fFirst : {0.0f, -3.5f, 100.0f}) {
+        EXPECT_EQ(FiredBy(Posed(fFirst)), Outputs{});
+        EXPECT_EQ(Matrix(hand)[0], fFirst);
     }
+    EXPECT_EQ(Matrix(hand), POSED_MATRIX);
+    EXPECT_EQ(Matrix(other), IDENTITY);
+    Name(L"Other");
+    Send(Posed(0));
+    EXPECT_EQ(Matrix(hand), POSED_MATRIX);
+    EXPECT_EQ(Matrix(other)[15], 15.0f);
+    Name(L"");
+    Send(Posed());
+    EXPECT_EQ(Matrix(other)[15], 15.0f);
+    EXPECT_EQ(Utf8(hand.m_strName), "Hand");
 }
 
-TEST_F(VRHandleNode, NameChangesTheObject) {
-    const VEKObject& first = AddObject(L"First");
-    const VEKObject& second = AddObject(L"Second");
-    m_scene.Input(OBJECT_NAME).m_strValue = L"First";
-    m_scene.Evaluate();
-    Send(PosedSample(0));
-    m_scene.Input(OBJECT_NAME).m_strValue = L"Second";
-    m_scene.Evaluate();
-    Send(PosedSample());
-    EXPECT_EQ(Matrix(first)[0], 0.0f);
-    EXPECT_EQ(Matrix(second), POSED);
-    m_scene.Input(OBJECT_NAME).m_strValue = L"";
-    m_scene.Evaluate();
-    Send(PosedSample(0));
-    EXPECT_EQ(Matrix(second), POSED);
-}
-
-TEST_F(VRHandleNode, UnknownNamesAreSkipped) {
+TEST_F(VRHandleNode, UnknownAndEmptyNamesMoveNoObject) {
     const VEKObject& object = AddObject(L"Hand");
-    for (const wchar_t* pszName : {L"hand", L"Hand ", L"Han", L"Unknown"}) {
-        m_scene.Input(OBJECT_NAME).m_strValue = pszName;
-        m_scene.Evaluate();
-        EXPECT_EQ(Send(PosedSample()), 1);
-        EXPECT_EQ(Values(POSITION), (std::vector<float>{112, 113, 114}));
+    const VEKObject& nameless = AddObject(L"");
+    for (const wchar_t* pszName : {L"hand", L"Hand ", L"Han", L"Unknown", L""}) {
+        Name(pszName);
+        EXPECT_EQ(FiredBy(Posed()), Outputs{});
+        EXPECT_EQ(Coordinates(), POSED);
     }
     EXPECT_EQ(Matrix(object), IDENTITY);
-    EXPECT_EQ(Fired(), Outputs{});
-}
-
-TEST_F(VRHandleNode, EmptyNameMovesNoObject) {
-    const VEKObject& nameless = AddObject(L"");
-    EXPECT_EQ(Send(PosedSample()), 1);
     EXPECT_EQ(Matrix(nameless), IDENTITY);
 }
 
 TEST_F(VRHandleNode, ObjectsOfOtherClipsAreNotMoved) {
     VEKClip otherClip(L"Other");
     const VEKObject& otherObject = AddObject(otherClip, L"Hand");
-    m_scene.Input(OBJECT_NAME).m_strValue = L"Hand";
-    m_scene.Evaluate();
-    Send(PosedSample());
+    Name(L"Hand");
+    Send(Posed());
     EXPECT_EQ(Matrix(otherObject), IDENTITY);
     m_scene.m_pNode->m_pOwnerClip = &otherClip;
-    Send(PosedSample());
-    EXPECT_EQ(Matrix(otherObject), POSED);
+    Send(Posed());
+    EXPECT_EQ(Matrix(otherObject), POSED_MATRIX);
     m_scene.m_pNode->m_pOwnerClip = &m_scene.m_clip;
-}
-
-TEST_F(VRHandleNode, SamplesAreCopied) {
-    auto pSample = std::make_unique<SVRPluginData>(Sample(1));
-    m_scene.Send(DEVICE, 1, pSample.get());
-    pSample->m_bTriggerPressed = 0;
-    pSample.reset();
-    EXPECT_EQ(Fired(), Outputs{TRIGGER_DOWN});
-    EXPECT_EQ(FiredBy(Sample(1)), Outputs{}) << "the previous sample is the node's own copy";
 }
 
 // ---- Trigger -------------------------------------------------------------------------------------------------------
 
-TEST_F(VRHandleNode, TriggerFiresAtItsEdges) {
-    EXPECT_EQ(FiredBy(Sample(0)), Outputs{});
-    EXPECT_EQ(FiredBy(Sample(1)), Outputs{TRIGGER_DOWN});
-    EXPECT_EQ(FiredBy(Sample(1)), Outputs{});
-    EXPECT_EQ(FiredBy(Sample(1)), Outputs{});
-    EXPECT_EQ(FiredBy(Sample(0)), Outputs{TRIGGER_UP});
-    EXPECT_EQ(FiredBy(Sample(0)), Outputs{});
-}
-
-TEST_F(VRHandleNode, AnyValueButZeroIsPressed) {
+TEST_F(VRHandleNode, AnyValueButZeroIsPressedAndFiresAtItsEdges) {
+    EXPECT_EQ(FiredBy(Sample(0, 0)), Outputs{});
     for (const int nPressed : {1, 2, -1, 256, -2147483647 - 1}) {
-        EXPECT_EQ(FiredBy(Sample(nPressed, nPressed)), (Outputs{TRIGGER_DOWN, PAD_DOWN})) << nPressed;
-        EXPECT_EQ(FiredBy(Sample(5, 6)), Outputs{}) << nPressed;
-        EXPECT_EQ(FiredBy(Sample(0, 0)), (Outputs{TRIGGER_UP, PAD_UP, PAD_CENTER})) << nPressed;
+        SCOPED_TRACE(nPressed);
+        EXPECT_EQ(FiredBy(Sample(nPressed)), Outputs{TRIGGER_DOWN});
+        EXPECT_EQ(FiredBy(Sample(5)), Outputs{});
+        EXPECT_EQ(FiredBy(Sample(0)), Outputs{TRIGGER_UP});
+        EXPECT_EQ(FiredBy(Sample(0)), Outputs{});
+        EXPECT_EQ(FiredBy(Sample(0, nPressed)), Outputs{PAD_DOWN});
+        EXPECT_EQ(FiredBy(Sample(0, 6)), Outputs{});
+        EXPECT_EQ(FiredBy(Sample(0, 0)), (Outputs{PAD_UP, PAD_CENTER}));
+        EXPECT_EQ(FiredBy(Sample(0, 0)), Outputs{});
     }
 }
 
@@ -761,10 +455,10 @@ TEST_F(VRHandleNode, TriggerClicksWithinHalfASecond) {
         unsigned nReleaseTime;
         bool bClick;
     } TIMES[] = {
+        {1000, 1000, true},
         {1000, 1499, true},
         {1000, 1500, false},
         {1000, 1501, false},
-        {1000, 1000, true},
         {1000, 999, false}, // earlier than the press: a huge difference
         {0, 0, true},
         {0, 499, true},
@@ -779,82 +473,104 @@ TEST_F(VRHandleNode, TriggerClicksWithinHalfASecond) {
     };
     for (const auto& time : TIMES) {
         SCOPED_TRACE(std::to_string(time.nPressTime) + " to " + std::to_string(time.nReleaseTime));
+        // The times of the release count, not those of the press.
         SVRPluginData sample = Sample(1);
+        sample.m_nPressTime = time.bClick ? 0 : 1000;
+        sample.m_nReleaseTime = time.bClick ? 5000 : 1000;
+        EXPECT_EQ(FiredBy(sample), Outputs{TRIGGER_DOWN});
+        sample.m_bTriggerPressed = 0;
         sample.m_nPressTime = time.nPressTime;
         sample.m_nReleaseTime = time.nReleaseTime;
-        EXPECT_EQ(FiredBy(sample), Outputs{TRIGGER_DOWN}) << "no click with the press";
-        sample.m_bTriggerPressed = 0;
         EXPECT_EQ(FiredBy(sample), time.bClick ? (Outputs{TRIGGER_UP, TRIGGER_CLICK}) : Outputs{TRIGGER_UP});
         EXPECT_EQ(FiredBy(sample), Outputs{}) << "once";
     }
 }
 
-TEST_F(VRHandleNode, ClickIsJudgedByTheTimesOfTheRelease) {
-    SVRPluginData sample = Sample(1);
-    sample.m_nPressTime = 1000;
-    sample.m_nReleaseTime = 1100;
-    Send(sample);
-    sample = Sample(0);
-    sample.m_nPressTime = 1000;
-    sample.m_nReleaseTime = 5000;
-    EXPECT_EQ(Fired(), Outputs{TRIGGER_DOWN});
-    EXPECT_EQ(FiredBy(sample), Outputs{TRIGGER_UP});
-}
-
 // ---- Touch-pad -----------------------------------------------------------------------------------------------------
 
-TEST_F(VRHandleNode, TouchPadFiresAtItsEdges) {
-    EXPECT_EQ(FiredBy(Sample(0, 0)), Outputs{});
-    EXPECT_EQ(FiredBy(Sample(0, 1)), Outputs{PAD_DOWN});
-    EXPECT_EQ(FiredBy(Sample(0, 1)), Outputs{});
-    EXPECT_EQ(FiredBy(Sample(0, 0)), (Outputs{PAD_UP, PAD_CENTER}));
-    EXPECT_EQ(FiredBy(Sample(0, 0)), Outputs{});
+const float ENDLESS = std::numeric_limits<float>::infinity();
+const float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+
+float Above(float fValue) {
+    return std::nextafter(fValue, ENDLESS);
+}
+
+float Below(float fValue) {
+    return std::nextafter(fValue, -ENDLESS);
 }
 
 TEST_F(VRHandleNode, TouchPadClicksByWhereTheThumbWasAtTheRelease) {
+    const int NONE = 0;
+    // Places at the right and above the centre; their mirror images are tried, too.
     const struct {
-        float fX;
-        float fY;
-        int nClick; ///< 0: none
+        float fX, fY;
+        int nClick;
     } RELEASES[] = {
-        {0.8f, 0.2f, PAD_RIGHT},
-        {0.2f, -0.9f, PAD_BOTTOM},
+        {0, 0, PAD_CENTER},
         {0.1f, 0.1f, PAD_CENTER},
-        {0.7f, 0.7f, 0},
-        {0.5f, 0.0f, 0},
-        {-0.8f, 0.2f, PAD_LEFT},
-        {0.2f, 0.9f, PAD_TOP},
-        {-0.7f, 0.7f, 0},
-        {-0.5f, 0.1f, 0},
-        {0.0f, 0.5f, 0},
-        {0.49f, -0.49f, PAD_CENTER},
-        {0.51f, 0.5f, PAD_RIGHT},
-        {-1.0f, -0.99f, PAD_LEFT},
-        {-0.99f, -1.0f, PAD_BOTTOM},
-        {0.0f, 0.0f, PAD_CENTER},
-        {1e30f, 0.0f, PAD_RIGHT},
+        {0.4f, 0.4f, PAD_CENTER},
+        {1e-45f, 1e-45f, PAD_CENTER},
+        {0.8f, 0.2f, PAD_RIGHT},
+        {1, 0, PAD_RIGHT},
+        {1, 0.99f, PAD_RIGHT},
+        // Borders of the centre, which belong to no zone.
+        {Below(0.5f), 0, PAD_CENTER},
+        {0.5f, 0, NONE},
+        {Above(0.5f), 0, PAD_RIGHT},
+        {Below(0.5f), 0.3f, PAD_CENTER},
+        {0.5f, 0.3f, NONE},
+        {Above(0.5f), 0.3f, PAD_RIGHT},
+        {Below(0.5f), Below(0.5f), PAD_CENTER},
+        {0.5f, Below(0.5f), NONE},
+        {Above(0.5f), Below(0.5f), PAD_RIGHT},
+        {0.5f, 0.5f, NONE},
+        {Above(0.5f), 0.5f, PAD_RIGHT},
+        // Nor do the diagonals.
+        {Above(0.5f), Above(0.5f), NONE},
+        {0.7f, 0.7f, NONE},
+        {0.7f, Below(0.7f), PAD_RIGHT},
+        {Above(0.7f), 0.7f, PAD_RIGHT},
+        {1, 1, NONE},
+        {1, Below(1), PAD_RIGHT},
+        {5, 5, NONE},
+        {Above(5), 5, PAD_RIGHT},
+        // Any float.
+        {1e30f, 0, PAD_RIGHT},
+        {ENDLESS, 0, PAD_RIGHT},
+        {ENDLESS, 1e30f, PAD_RIGHT},
+        {ENDLESS, ENDLESS, NONE},
+        {NOT_A_NUMBER, 0, NONE},
+        {NOT_A_NUMBER, 0.8f, NONE},
+        {NOT_A_NUMBER, NOT_A_NUMBER, NONE},
     };
-    for (const auto& release : RELEASES) {
-        SCOPED_TRACE(std::to_string(release.fX) + ", " + std::to_string(release.fY));
+    const auto ExpectClick = [this](float fX, float fY, int nClick) {
         // Where the press was doesn't matter.
-        EXPECT_EQ(FiredBy(Sample(0, 1, -0.9f, 0.0f)), Outputs{PAD_DOWN});
-        EXPECT_EQ(FiredBy(Sample(0, 0, release.fX, release.fY)),
-                  release.nClick != 0 ? (Outputs{PAD_UP, release.nClick}) : Outputs{PAD_UP});
+        EXPECT_EQ(FiredBy(Sample(0, 1, -0.9f, 0)), Outputs{PAD_DOWN});
+        EXPECT_EQ(FiredBy(Sample(0, 0, fX, fY)), nClick != NONE ? (Outputs{PAD_UP, nClick}) : Outputs{PAD_UP});
+    };
+    for (const auto& [fX, fY, nClick] : RELEASES) {
+        SCOPED_TRACE(std::to_string(fX) + ", " + std::to_string(fY));
+        const bool bSide = nClick == PAD_RIGHT;
+        for (const float fSign : {-1.0f, 1.0f}) {
+            ExpectClick(fX, fSign * fY, bSide ? PAD_RIGHT : nClick);
+            ExpectClick(-fX, fSign * fY, bSide ? PAD_LEFT : nClick);
+            ExpectClick(fSign * fY, fX, bSide ? PAD_TOP : nClick);
+            ExpectClick(fSign * fY, -fX, bSide ? PAD_BOTTOM : nClick);
+        }
     }
 }
 
 TEST_F(VRHandleNode, TouchPadClickHasNoTimeLimit) {
-    SVRPluginData sample = Sample(0, 1, 0.9f, 0.0f);
+    SVRPluginData sample = Sample(0, 1, 0.9f, 0);
     sample.m_nPressTime = 0;
     sample.m_nReleaseTime = 0xFFFFFFF0;
     Send(sample);
     sample.m_bTouchPadPressed = 0;
-    EXPECT_EQ(Send(sample), 1);
-    EXPECT_EQ(Fired(), (Outputs{PAD_DOWN, PAD_UP, PAD_RIGHT}));
+    EXPECT_EQ(FiredBy(sample), (Outputs{PAD_DOWN, PAD_UP, PAD_RIGHT}));
 }
 
 TEST_F(VRHandleNode, ThumbThatMovesOrRestsFiresNothing) {
-    SVRPluginData sample = Sample(0, 0, 0.9f, 0.0f);
+    SVRPluginData sample = Sample(0, 0, 0.9f, 0);
     sample.m_bTouchPadTouched = 1;
     EXPECT_EQ(FiredBy(sample), Outputs{});
     sample.m_fTouchPadX = -0.9f;
@@ -866,7 +582,7 @@ TEST_F(VRHandleNode, ThumbThatMovesOrRestsFiresNothing) {
 // ---- Trigger and touch-pad together --------------------------------------------------------------------------------
 
 TEST_F(VRHandleNode, TriggerComesBeforeTouchPad) {
-    SVRPluginData released = Sample(0, 0, 0.0f, 0.9f);
+    SVRPluginData released = Sample(0, 0, 0, 0.9f);
     released.m_nPressTime = 100;
     released.m_nReleaseTime = 200;
     EXPECT_EQ(FiredBy(Sample(1, 1)), (Outputs{TRIGGER_DOWN, PAD_DOWN}));
@@ -876,13 +592,13 @@ TEST_F(VRHandleNode, TriggerComesBeforeTouchPad) {
     EXPECT_EQ(FiredBy(Sample(1, 0, -0.9f, 0)), (Outputs{TRIGGER_DOWN, PAD_UP, PAD_LEFT}));
 }
 
-TEST_F(VRHandleNode, EventsComeAfterTheOutputsAreWritten) {
-    SVRPluginData sample = PosedSample();
-    sample.m_bTriggerPressed = 1;
-    EXPECT_EQ(Send(sample), 1);
-    EXPECT_EQ(m_host.EventCount(), 0) << "posted, not delivered";
-    EXPECT_EQ(Values(POSITION), (std::vector<float>{112, 113, 114}));
+TEST_F(VRHandleNode, SampleIsCopied) {
+    auto pSample = std::make_unique<SVRPluginData>(Sample(1));
+    m_scene.Send(DEVICE, 1, pSample.get());
+    pSample->m_bTriggerPressed = 0;
+    pSample.reset();
     EXPECT_EQ(Fired(), Outputs{TRIGGER_DOWN});
+    EXPECT_EQ(FiredBy(Sample(1)), Outputs{});
 }
 
 TEST_F(VRHandleNode, SampleCountsWhateverComesOfItsEvents) {
@@ -921,40 +637,25 @@ TEST_F(VRHandleNode, ChangingHandsForgetsWhatTheOldOneHeld) {
     EXPECT_EQ(m_scene.Evaluate(), 1);
     EXPECT_EQ(Fired(), Outputs{}) << "no release follows";
     EXPECT_EQ(Send(Sample(0, 0)), 0);
-    SVRPluginData right = Sample(0, 0);
-    right.m_nHand = RIGHT_HAND;
-    EXPECT_EQ(FiredBy(right), Outputs{}) << "all was released";
-    right = Sample(1, 1);
-    right.m_nHand = RIGHT_HAND;
-    EXPECT_EQ(FiredBy(right), (Outputs{TRIGGER_DOWN, PAD_DOWN}));
-    m_scene.Input(HANDLE_TYPE).m_nValue = LEFT_HAND;
-    m_scene.Evaluate();
+    EXPECT_EQ(FiredBy(OfHand(RIGHT_HAND, Sample(0, 0))), Outputs{}) << "all was released";
+    EXPECT_EQ(FiredBy(OfHand(RIGHT_HAND, Sample(1, 1))), (Outputs{TRIGGER_DOWN, PAD_DOWN}));
+    Choose(LEFT_HAND);
     EXPECT_EQ(FiredBy(Sample(1, 1)), (Outputs{TRIGGER_DOWN, PAD_DOWN})) << "the new hand starts with all released";
 }
 
 TEST_F(VRHandleNode, UnchangedHandKeepsWhatItHolds) {
     EXPECT_EQ(FiredBy(Sample(1, 1)), (Outputs{TRIGGER_DOWN, PAD_DOWN}));
+    m_scene.Input(HANDLE_TYPE).m_nValue = RIGHT_HAND; // not evaluated
     for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(m_scene.Evaluate(), 1);
+        Choose(LEFT_HAND);
         EXPECT_EQ(FiredBy(Sample(1, 1)), Outputs{});
     }
 }
 
-TEST_F(VRHandleNode, HandChangedBackBetweenEvaluationsIsUnchanged) {
-    EXPECT_EQ(FiredBy(Sample(1)), Outputs{TRIGGER_DOWN});
-    m_scene.Input(HANDLE_TYPE).m_nValue = RIGHT_HAND;
-    m_scene.Input(HANDLE_TYPE).m_nValue = LEFT_HAND;
-    m_scene.Evaluate();
-    EXPECT_EQ(FiredBy(Sample(0)), Outputs{TRIGGER_UP});
-}
-
 TEST_F(VRHandleNode, HandMayBeAnyNumber) {
     for (const int nHand : {2, -1, 2147483647}) {
-        m_scene.Input(HANDLE_TYPE).m_nValue = nHand;
-        m_scene.Evaluate();
-        SVRPluginData sample = Sample(1);
-        sample.m_nHand = nHand;
-        EXPECT_EQ(FiredBy(sample), Outputs{TRIGGER_DOWN}) << nHand;
+        Choose(nHand);
+        EXPECT_EQ(FiredBy(OfHand(nHand, Sample(1))), Outputs{TRIGGER_DOWN}) << nHand;
         EXPECT_EQ(Send(Sample()), 0);
     }
 }
@@ -963,14 +664,12 @@ TEST_F(VRHandleNode, NodesFollowTheirOwnHands) {
     NodeScene other(m_host, TYPE_VR_HANDLE);
     other.Input(HANDLE_TYPE).m_nValue = RIGHT_HAND;
     other.Evaluate();
-    SVRPluginData right = PosedSample(0);
-    right.m_nHand = RIGHT_HAND;
-    right.m_bTriggerPressed = 1;
+    SVRPluginData right = OfHand(RIGHT_HAND, Posed(0, 1));
     EXPECT_EQ(other.Send(DEVICE, 1, &right), 1);
     EXPECT_EQ(Send(right), 0);
-    EXPECT_EQ(Send(PosedSample()), 1);
+    EXPECT_EQ(Send(Posed()), 1);
     EXPECT_EQ(Fired(), Outputs{TRIGGER_DOWN});
-    EXPECT_EQ(Values(POSITION), (std::vector<float>{112, 113, 114}));
+    EXPECT_EQ(Coordinates(), POSED);
     EXPECT_EQ(other.Output(852).m_fValue, 12.0f);
 }
 
@@ -981,10 +680,8 @@ TEST_F(VRHandleNode, SamplesAllocateNothing) {
         GTEST_SKIP() << "allocations aren't counted here";
     }
     AddObject(L"Hand");
-    m_scene.Input(OBJECT_NAME).m_strValue = L"Hand";
-    m_scene.Evaluate();
-    SVRPluginData sample = PosedSample();
-    sample.m_bTriggerPressed = 1;
+    Name(L"Hand");
+    SVRPluginData sample = Posed(100, 1);
     Send(sample);
     const auto nBefore = *AllocationCount();
     for (int i = 0; i < 100; ++i) {

@@ -1,0 +1,146 @@
+// What the tests of input nodes share: a node at its place and what comes out of it, and a node beside older outputs.
+#pragma once
+
+#include <algorithm>
+#include <map>
+#include <sstream>
+
+#include "ModuleHost.h"
+
+using Outputs = std::vector<int>;
+
+/// A parameter with this GUID is missing: nobody looks for it.
+inline const GUID MISSING = MakeParamGuid(9999);
+
+/// The node of the tests, connected, not evaluated yet.
+class InputNodeTest : public ModuleTest {
+protected:
+    /// The messages are those of outputs that are logged when they are fired.
+    explicit InputNodeTest(unsigned char nTypeByte, std::map<int, std::string> messages = {})
+        : m_scene(m_host, nTypeByte), m_messages(std::move(messages)) {}
+
+    /// What was fired since the last call, in order; the log holds its lines, and nothing else came of the node.
+    Outputs Fired() {
+        Outputs outputs = m_host.TakeFiredOutputs();
+        std::vector<LogLine> lines;
+        for (const int nOutput : outputs) {
+            if (const auto message = m_messages.find(nOutput); message != m_messages.end()) {
+                lines.push_back(Information("[Clip.Graph.Node]" + message->second));
+            }
+        }
+        EXPECT_EQ(m_host.TakeLog(), lines);
+        EXPECT_TRUE(m_host.TakeOtherMessages().empty());
+        EXPECT_TRUE(m_host.TakeReportedEvents().empty());
+        return outputs;
+    }
+
+    /// Give all outputs values that no node writes.
+    void MarkOutputs() {
+        for (const VEKParamGroup* pGroup : Items(m_scene.m_graphNode.m_lstOutputGroup)) {
+            for (VEKParam* pOutput : Items(pGroup->m_lstParam)) {
+                pOutput->m_nValue = 77;
+                pOutput->m_fValue = 78.0f;
+                pOutput->m_strValue = L"mark";
+            }
+        }
+    }
+
+    /// The members that were written since then, as "854 float".
+    std::vector<std::string> Written() const {
+        std::vector<std::string> written;
+        for (const VEKParamGroup* pGroup : Items(m_scene.m_graphNode.m_lstOutputGroup)) {
+            for (const VEKParam* pOutput : Items(pGroup->m_lstParam)) {
+                const std::string id = std::to_string(pOutput->m_guid.Data1);
+                if (pOutput->m_nValue != 77) {
+                    written.push_back(id + " integer");
+                }
+                if (pOutput->m_fValue != 78.0f) {
+                    written.push_back(id + " float");
+                }
+                if (pOutput->m_strValue != L"mark") {
+                    written.push_back(id + " text");
+                }
+            }
+        }
+        return written;
+    }
+
+    NodeScene m_scene;
+    std::map<int, std::string> m_messages;
+};
+
+/// A new node, and a graph node to which a test gives outputs as older projects have them.
+class InputNodeUpgradeTest : public ModuleTest {
+protected:
+    explicit InputNodeUpgradeTest(unsigned char nTypeByte) : m_pNode(m_host.CreateNode(nTypeByte)) {}
+
+    VEKParam& Own(unsigned nId) const { return *FindParam(m_pNode->m_lstParamGroup, MakeParamGuid(nId)); }
+
+    /// The node's "Version" gone, and one in the graph instead.
+    void MoveVersionToTheGraph(int nVersion) {
+        Own(7).m_guid = MISSING;
+        auto* pVersion = new VEKParam(7, L"Version", L"", 2, 1);
+        pVersion->m_nValue = nVersion;
+        m_graphNode.m_lstInputGroup.AddTail(new VEKParamGroup);
+        m_graphNode.m_lstInputGroup.GetHead()->m_lstParam.AddTail(pVersion);
+    }
+
+    void AddOutputs(unsigned nGroup, const std::vector<unsigned>& outputs = {}) {
+        auto* pGroup = new VEKParamGroup;
+        pGroup->m_guid = MakeParamGuid(nGroup);
+        for (const unsigned nOutput : outputs) {
+            pGroup->m_lstParam.AddTail(new SQORNodeOutput(nOutput, L"", L"", 26, 7));
+        }
+        m_graphNode.m_lstOutputGroup.AddTail(pGroup);
+    }
+
+    /// The groups and outputs there are after GetNodeOutput, as "851(852 853) 861()".
+    std::string OutputsMade() {
+        m_pNode->GetNodeOutput(&m_graphNode);
+        std::ostringstream made;
+        for (const VEKParamGroup* pGroup : Items(m_graphNode.m_lstOutputGroup)) {
+            made << (made.str().empty() ? "" : " ") << pGroup->m_guid.Data1 << '(';
+            for (const VEKParam* pOutput : Items(pGroup->m_lstParam)) {
+                made << (pOutput == pGroup->m_lstParam.GetHead() ? "" : " ") << pOutput->m_guid.Data1;
+            }
+            made << ')';
+        }
+        return made.str();
+    }
+
+    /// All of an output as text.
+    static std::string CellsOf(const VEKParam& output) {
+        std::ostringstream cells;
+        cells << output.m_guid.Data1 << ' ' << Utf8(output.m_strName) << ' ' << Utf8(output.m_strDisplay) << ' '
+              << output.m_nType << ' ' << output.m_nControl << ", range " << output.m_bRangeSet;
+        std::ranges::for_each(output.m_fRange, [&cells](float fCell) { cells << ' ' << fCell; });
+        cells << ", flags " << output.m_bBoolValueSet;
+        std::ranges::for_each(output.m_nBoolValue, [&cells](int nCell) { cells << ' ' << nCell; });
+        cells << ", value " << output.m_nValue << ' ' << output.m_fValue << ", available " << output.m_bAvailable
+              << ", extra " << dynamic_cast<const SQORNodeOutput&>(output).m_nExtra;
+        return cells.str();
+    }
+
+    /// An output that was added to older ones is like that of a graph node whose outputs are all new.
+    void ExpectAsNew(unsigned nOutput) const {
+        SGraphNode fresh;
+        m_pNode->GetNodeOutput(&fresh);
+        EXPECT_EQ(CellsOf(*FindParam(m_graphNode.m_lstOutputGroup, MakeParamGuid(nOutput))),
+                  CellsOf(*FindParam(fresh.m_lstOutputGroup, MakeParamGuid(nOutput))));
+    }
+
+    SGraphNode m_graphNode;
+    NodePtr m_pNode;
+};
+
+/// Whether the operation raises CInvalidArgException.
+template <typename Operation>
+bool RaisesInvalidArgument(Operation operation) {
+    try {
+        operation();
+    } catch (CInvalidArgException* pException) {
+        pException->Delete();
+        return true;
+    }
+    return false;
+}
