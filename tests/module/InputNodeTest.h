@@ -65,47 +65,52 @@ protected:
         return written;
     }
 
+    /// The node handles no record of any device, and says nothing about a missing one.
+    void ExpectTakesNoEvents() {
+        SKeyEventData key;
+        key.m_strText = L"a";
+        for (int nDevice = 0; nDevice <= 6; ++nDevice) {
+            for (const int nEvent : {0, 1, 2002, 2003, 3005, 3006, 3013}) {
+                EXPECT_EQ(m_scene.Send(nDevice, nEvent, nDevice == 0 ? &key : nullptr), 0);
+            }
+        }
+        EXPECT_EQ(m_scene.m_pNode->DevIOEventOccurred(nullptr), 0);
+        EXPECT_EQ(Fired(), Outputs{});
+    }
+
     NodeScene m_scene;
     std::map<int, std::string> m_messages;
 };
 
-/// A new node, and a graph node to which a test gives outputs as older projects have them.
+/// A new node, and graph nodes as older projects have them.
 class InputNodeUpgradeTest : public ModuleTest {
 protected:
     explicit InputNodeUpgradeTest(unsigned char nTypeByte) : m_pNode(m_host.CreateNode(nTypeByte)) {}
 
     VEKParam& Own(unsigned nId) const { return *FindParam(m_pNode->m_lstParamGroup, MakeParamGuid(nId)); }
 
-    /// The node's "Version" gone, and one in the graph instead.
-    void MoveVersionToTheGraph(int nVersion) {
-        Own(7).m_guid = MISSING;
-        auto* pVersion = new VEKParam(7, L"Version", L"", 2, 1);
-        pVersion->m_nValue = nVersion;
-        m_graphNode.m_lstInputGroup.AddTail(new VEKParamGroup);
-        m_graphNode.m_lstInputGroup.GetHead()->m_lstParam.AddTail(pVersion);
-    }
+    using Groups = std::vector<std::pair<unsigned, std::vector<unsigned>>>;
 
-    void AddOutputs(unsigned nGroup, const std::vector<unsigned>& outputs = {}) {
-        auto* pGroup = new VEKParamGroup;
-        pGroup->m_guid = MakeParamGuid(nGroup);
-        for (const unsigned nOutput : outputs) {
-            pGroup->m_lstParam.AddTail(new SQORNodeOutput(nOutput, L"", L"", 26, 7));
-        }
-        m_graphNode.m_lstOutputGroup.AddTail(pGroup);
-    }
-
-    /// The groups and outputs there are after GetNodeOutput, as "851(852 853) 861()".
-    std::string OutputsMade() {
-        m_pNode->GetNodeOutput(&m_graphNode);
-        std::ostringstream made;
-        for (const VEKParamGroup* pGroup : Items(m_graphNode.m_lstOutputGroup)) {
-            made << (made.str().empty() ? "" : " ") << pGroup->m_guid.Data1 << '(';
-            for (const VEKParam* pOutput : Items(pGroup->m_lstParam)) {
-                made << (pOutput == pGroup->m_lstParam.GetHead() ? "" : " ") << pOutput->m_guid.Data1;
+    /// The ids of the groups and outputs that GetNodeOutput makes of old ones, as "851(852 853) 861()".
+    std::string OutputsMadeOf(const Groups& old) {
+        m_pGraphNode = std::make_unique<SGraphNode>();
+        for (const auto& [nGroup, outputs] : old) {
+            auto* pGroup = new VEKParamGroup;
+            pGroup->m_guid = MakeParamGuid(nGroup);
+            for (const unsigned nOutput : outputs) {
+                pGroup->m_lstParam.AddTail(new SQORNodeOutput(nOutput, L"", L"", 26, 7));
             }
-            made << ')';
+            m_pGraphNode->m_lstOutputGroup.AddTail(pGroup);
         }
-        return made.str();
+        // The graph's version counts for nothing.
+        m_pGraphNode->m_lstInputGroup.AddTail(new VEKParamGroup);
+        m_pGraphNode->m_lstInputGroup.GetHead()->m_lstParam.AddTail(new VEKParam(7, L"Version", L"", 2, 1));
+        m_pGraphNode->m_lstInputGroup.GetHead()->m_lstParam.GetHead()->m_nValue = 3;
+        m_pNode->GetNodeOutput(m_pGraphNode.get());
+        const std::string made = Ids();
+        m_pNode->GetNodeOutput(m_pGraphNode.get());
+        EXPECT_EQ(Ids(), made) << "once";
+        return made;
     }
 
     /// All of an output as text.
@@ -121,16 +126,29 @@ protected:
         return cells.str();
     }
 
-    /// An output that was added to older ones is like that of a graph node whose outputs are all new.
+    /// An output that was added to the old ones is like that of a graph node whose outputs are all new.
     void ExpectAsNew(unsigned nOutput) const {
         SGraphNode fresh;
         m_pNode->GetNodeOutput(&fresh);
-        EXPECT_EQ(CellsOf(*FindParam(m_graphNode.m_lstOutputGroup, MakeParamGuid(nOutput))),
+        EXPECT_EQ(CellsOf(*FindParam(m_pGraphNode->m_lstOutputGroup, MakeParamGuid(nOutput))),
                   CellsOf(*FindParam(fresh.m_lstOutputGroup, MakeParamGuid(nOutput))));
     }
 
-    SGraphNode m_graphNode;
     NodePtr m_pNode;
+    std::unique_ptr<SGraphNode> m_pGraphNode;
+
+private:
+    std::string Ids() const {
+        std::string ids;
+        for (const VEKParamGroup* pGroup : Items(m_pGraphNode->m_lstOutputGroup)) {
+            std::string outputs;
+            for (const VEKParam* pOutput : Items(pGroup->m_lstParam)) {
+                outputs += (outputs.empty() ? "" : " ") + std::to_string(pOutput->m_guid.Data1);
+            }
+            ids += (ids.empty() ? "" : " ") + std::to_string(pGroup->m_guid.Data1) + "(" + outputs + ")";
+        }
+        return ids;
+    }
 };
 
 /// Whether the operation raises CInvalidArgException.

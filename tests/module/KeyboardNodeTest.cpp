@@ -3,13 +3,9 @@
 
 namespace {
 
-const int DEVICE = 0;
-const int PRESS = 2002;
-const int RELEASE = 2003;
-const int KEY_DOWN = 152;
-const int KEY_UP = 153;
-const unsigned ENABLE = 2;
-const unsigned KEY_TEXT = 154;
+const int DEVICE = 0, PRESS = 2002, RELEASE = 2003;
+const int KEY_DOWN = 152, KEY_UP = 153;
+const unsigned ENABLE = 2, KEY_TEXT = 154;
 
 class KeyboardNode : public InputNodeTest {
 protected:
@@ -70,17 +66,6 @@ TEST_F(KeyboardNode, EveryRepeatedPressFires) {
     Press(L"a");
     Press(L"a");
     EXPECT_EQ(FiredWith("a"), (Outputs{KEY_DOWN, KEY_DOWN, KEY_DOWN}));
-}
-
-TEST_F(KeyboardNode, ThePayloadIsOnlyRead) {
-    int nReserved = 5;
-    SKeyEventData key;
-    key.m_pReserved = &nReserved;
-    key.m_strText = L"a";
-    m_scene.Send(DEVICE, PRESS, &key);
-    EXPECT_EQ(key.m_pReserved, &nReserved);
-    EXPECT_EQ(nReserved, 5);
-    EXPECT_EQ(Utf8(key.m_strText), "a");
 }
 
 TEST_F(KeyboardNode, TextsOfAnyKindPassUnchanged) {
