@@ -549,17 +549,6 @@ TEST_F(GestureNode, PressEmptiesTheSamplesOfItsOwnKindOnly) {
     EXPECT_EQ(FiredAfter(Unit(0, 900, -1), Units({{0, 0}, {0, 100}, {0, 200}})), Drag(SWIPE_UP));
 }
 
-TEST_F(GestureNode, NodesFollowTheirOwnPointers) {
-    NodeScene other(m_host, TYPE_GESTURE);
-    other.Evaluate();
-    Send(PRESS, Pixel(0, 0, 1));
-    SQORMouseData sample = Pixel(0, 0, 2);
-    EXPECT_EQ(other.Send(DEVICE, PRESS, &sample), 1);
-    EXPECT_EQ(Send(RELEASE, Pixel(0, 0, 1)), 1);
-    EXPECT_EQ(other.Send(DEVICE, RELEASE, &sample), 1);
-    EXPECT_EQ(Fired(), (Outputs{SINGLE_TAP, SINGLE_TAP}));
-}
-
 // ---- Strokes of both kinds -----------------------------------------------------------------------------------------
 
 TEST_F(GestureNode, KindsOfSamplesAreKeptApart) {

@@ -133,17 +133,6 @@ TEST_F(KeyCheckNode, NeitherOwnerNorEventWindowIsNeeded) {
     EXPECT_EQ(Evaluated(), Outputs{KEY_UP}) << "the state was followed all the same";
 }
 
-TEST_F(KeyCheckNode, NodesKeepTheirStatesApart) {
-    NodeScene other(m_host, TYPE_KEY_CHECK);
-    other.Input(KEY_VALUE).m_nValue = KEY_A;
-    m_keyboard.Hold(KEY_A);
-    EXPECT_EQ(Evaluated(), Outputs{KEY_DOWN});
-    m_keyboard.Release(KEY_A);
-    EXPECT_EQ(other.Evaluate(), 1);
-    EXPECT_EQ(Fired(), Outputs{});
-    EXPECT_EQ(Evaluated(), Outputs{KEY_UP});
-}
-
 // ---- Modifiers -----------------------------------------------------------------------------------------------------
 
 TEST_F(KeyCheckNode, EveryRequiredModifierMustBeHeldAndOthersDoNotMatter) {
