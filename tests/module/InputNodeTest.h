@@ -134,6 +134,18 @@ protected:
                   CellsOf(*FindParam(fresh.m_lstOutputGroup, MakeParamGuid(nOutput))));
     }
 
+    /// Whether the operation raises CInvalidArgException.
+    template <typename Operation>
+    static bool RaisesInvalidArgument(Operation operation) {
+        try {
+            operation();
+        } catch (CInvalidArgException* pException) {
+            pException->Delete();
+            return true;
+        }
+        return false;
+    }
+
     NodePtr m_pNode;
     std::unique_ptr<SGraphNode> m_pGraphNode;
 
@@ -150,15 +162,3 @@ private:
         return ids;
     }
 };
-
-/// Whether the operation raises CInvalidArgException.
-template <typename Operation>
-bool RaisesInvalidArgument(Operation operation) {
-    try {
-        operation();
-    } catch (CInvalidArgException* pException) {
-        pException->Delete();
-        return true;
-    }
-    return false;
-}
