@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "ModuleHost.h"
+#include "ParamText.h"
 
 using Outputs = std::vector<int>;
 
@@ -113,37 +114,12 @@ protected:
         return made;
     }
 
-    /// All of an output as text.
-    static std::string CellsOf(const VEKParam& output) {
-        std::ostringstream cells;
-        cells << output.m_guid.Data1 << ' ' << Utf8(output.m_strName) << ' ' << Utf8(output.m_strDisplay) << ' '
-              << output.m_nType << ' ' << output.m_nControl << ", range " << output.m_bRangeSet;
-        std::ranges::for_each(output.m_fRange, [&cells](float fCell) { cells << ' ' << fCell; });
-        cells << ", flags " << output.m_bBoolValueSet;
-        std::ranges::for_each(output.m_nBoolValue, [&cells](int nCell) { cells << ' ' << nCell; });
-        cells << ", value " << output.m_nValue << ' ' << output.m_fValue << ", available " << output.m_bAvailable
-              << ", extra " << dynamic_cast<const SQORNodeOutput&>(output).m_nExtra;
-        return cells.str();
-    }
-
     /// An output that was added to the old ones is like that of a graph node whose outputs are all new.
     void ExpectAsNew(unsigned nOutput) const {
         SGraphNode fresh;
         m_pNode->GetNodeOutput(&fresh);
         EXPECT_EQ(CellsOf(*FindParam(m_pGraphNode->m_lstOutputGroup, MakeParamGuid(nOutput))),
                   CellsOf(*FindParam(fresh.m_lstOutputGroup, MakeParamGuid(nOutput))));
-    }
-
-    /// Whether the operation raises CInvalidArgException.
-    template <typename Operation>
-    static bool RaisesInvalidArgument(Operation operation) {
-        try {
-            operation();
-        } catch (CInvalidArgException* pException) {
-            pException->Delete();
-            return true;
-        }
-        return false;
     }
 
     NodePtr m_pNode;

@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <initializer_list>
 #include <memory>
-#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -239,56 +238,6 @@ bool RaisesInvalidArgument(Function function) {
     }
     return false;
 }
-
-// ---- Expected tables -----------------------------------------------------------------------------------------------
-
-struct ExpectedRange {
-    float fValue;
-    float fMinimum;
-    float fMaximum;
-    float fStep;
-};
-
-struct ExpectedFlags {
-    int a;
-    int b;
-    int c;
-    int d;
-};
-
-/// One parameter or pin. The texts are compared under the table whose texts are their keys.
-struct ExpectedParam {
-    unsigned nId;
-    const char* pszName;
-    const char* pszDisplay;
-    int nType;
-    int nControl;
-    std::optional<ExpectedRange> range = std::nullopt; ///< absent: no range was set
-    std::optional<ExpectedFlags> flags = std::nullopt; ///< absent: no flags were set
-    int nValue = 0;
-    float fValue = 0.0f;
-    const char* pszValue = "";
-    std::vector<std::string> choices = {};
-    int bAvailable = 1;
-};
-
-/// An event output as most node types carry it.
-ExpectedParam EventPin(unsigned nId, const char* pszName, const char* pszDisplay);
-
-struct ExpectedGroup {
-    unsigned nId;
-    const char* pszName;
-    const char* pszDisplay;
-    std::vector<ExpectedParam> params;
-};
-
-/// A parameter, cell by cell; an output moreover is a pin whose extra word is 0.
-void ExpectParam(const VEKParam& param, const ExpectedParam& expected);
-void ExpectOutput(const VEKParam& param, const ExpectedParam& expected);
-
-/// Groups and their parameters in order, and nothing besides.
-void ExpectInputGroups(const VEKParamGroupList& lstGroup, const std::vector<ExpectedGroup>& expected);
-void ExpectOutputGroups(const VEKParamGroupList& lstGroup, const std::vector<ExpectedGroup>& expected);
 
 /// What every node has right after it was made: names (the key of its type), kind, type; no owner, no windows.
 void ExpectFreshNode(const VEKProperty& node, unsigned char nTypeByte, const char* pszNameKey);

@@ -12,6 +12,8 @@ Json Id(const GUID& guid) {
     return words[1] == 0 && words[2] == 0 && words[3] == 0 ? Json(words[0]) : Json(words);
 }
 
+} // namespace
+
 Json CellsOf(const VEKParam& param) {
     Json cells = {{"id", Id(param.m_guid)},
                   {"name", Utf8(param.m_strName)},
@@ -40,8 +42,6 @@ Json CellsOf(const VEKParam& param) {
     }
     return cells;
 }
-
-} // namespace
 
 Json CellsOf(const VEKParamGroupList& lstGroup) {
     Json groups = Json::array();
