@@ -19,10 +19,10 @@ struct SReceived {
 std::vector<SReceived> g_received;
 
 LRESULT CALLBACK RecordingProcedure(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
-    if (nMessage >= WM_USER)
+    if (nMessage >= WM_USER) {
         g_received.push_back({nMessage, wParam, lParam});
-    if (nMessage == WM_USER + 7)
         return 77;
+    }
     return DefWindowProcW(hWnd, nMessage, wParam, lParam);
 }
 
@@ -75,7 +75,7 @@ TEST_F(MessagesTest, PostedMessagesArriveInOrderWhenDispatched) {
     EXPECT_TRUE(g_received.empty());
     MSG message;
     while (PeekMessageW(&message, m_hWnd, 0, 0, PM_REMOVE))
-        DispatchMessageW(&message);
+        EXPECT_EQ(DispatchMessageW(&message), 77);
     EXPECT_EQ(g_received, (std::vector<SReceived>{{WM_USER + 1, 1, 2}, {WM_USER + 2, 3, 4}}));
 }
 
@@ -89,16 +89,6 @@ TEST_F(MessagesTest, PeekingCanFilterMessages) {
     EXPECT_TRUE(PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE));
     EXPECT_EQ(message.message, WM_USER + 1u);
     EXPECT_FALSE(PeekMessageW(&message, m_hWnd, 0, 0, PM_REMOVE));
-}
-
-TEST_F(MessagesTest, DispatchingAnswersWhatTheProcedureDoes) {
-    MSG message{};
-    message.hwnd = m_hWnd;
-    message.message = WM_USER + 7;
-    message.wParam = 5;
-    message.lParam = 6;
-    EXPECT_EQ(DispatchMessageW(&message), 77);
-    EXPECT_EQ(g_received, (std::vector<SReceived>{{WM_USER + 7, 5, 6}}));
 }
 
 TEST_F(MessagesTest, UnknownWindowsAreRefused) {
@@ -117,23 +107,6 @@ TEST_F(MessagesTest, ADestroyedWindowGetsNothingMore) {
     MSG message;
     EXPECT_FALSE(PeekMessageW(&message, nullptr, WM_USER, WM_USER + 10, PM_REMOVE));
     EXPECT_FALSE(PostMessageW(m_hWnd, WM_USER + 1, 0, 0));
-}
-
-TEST_F(MessagesTest, OtherThreadsMayPost) {
-    std::vector<std::thread> threads;
-    for (int nThread = 0; nThread < 4; nThread++) {
-        threads.emplace_back([this] {
-            for (int nMessage = 0; nMessage < 500; nMessage++)
-                ASSERT_TRUE(PostMessageW(m_hWnd, WM_USER + 1, 0, 0));
-        });
-    }
-    int nReceived = 0;
-    MSG message;
-    for (std::thread& thread : threads)
-        thread.join();
-    while (PeekMessageW(&message, m_hWnd, WM_USER + 1, WM_USER + 1, PM_REMOVE))
-        nReceived++;
-    EXPECT_EQ(nReceived, 2000);
 }
 
 TEST_F(MessagesTest, WindowsKeepTheirUserData) {
@@ -173,28 +146,11 @@ TEST_F(MessagesTest, TheQueueHoldsTenThousandMessages) {
 
 #endif
 
-TEST(KeyboardTest, KeysAreDownAndToggledAsSet) {
-    BYTE state[256] = {};
-    state[VK_SHIFT] = 0x80;
-    state[VK_CAPITAL] = 0x01;
-    state['A'] = 0x81;
-    ASSERT_TRUE(SetKeyboardState(state));
-    EXPECT_LT(GetKeyState(VK_SHIFT), 0);
-    EXPECT_EQ(GetKeyState(VK_SHIFT) & 1, 0);
-    EXPECT_EQ(GetKeyState(VK_CAPITAL), 1);
-    EXPECT_LT(GetKeyState('A'), 0);
-    EXPECT_EQ(GetKeyState('A') & 1, 1);
-    EXPECT_EQ(GetKeyState(VK_CONTROL), 0);
-
-    BYTE allUp[256] = {};
-    SetKeyboardState(allUp);
-    EXPECT_EQ(GetKeyState(VK_SHIFT), 0);
-}
-
 TEST(TickCountTest, RunsInMilliseconds) {
+    using namespace std::chrono;
     const DWORD nBefore = GetTickCount();
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
-    const DWORD nPassed = GetTickCount() - nBefore;
-    EXPECT_GE(nPassed, 15u);
-    EXPECT_LT(nPassed, 5000u);
+    const auto tBefore = steady_clock::now();
+    while (GetTickCount() - nBefore < 50) // the system counts in steps of up to 16
+        std::this_thread::sleep_for(milliseconds(1));
+    EXPECT_GE(steady_clock::now() - tBefore, milliseconds(50 - 16));
 }

@@ -119,6 +119,7 @@ const std::string_view PROFILES[] = {
     "[S]\n",
     // comments, order, several of one name
     "; [S]\n[S]\n;Key=1\nKey=2\n",
+    "[S]\n#Key=1\nKey=2\n",
     "[S]\n  ;Key=1\nKey;=2\n",
     "[S]\nKey=1\nKey=2\nKEY=3\n",
     "[S]\nKey=\nKey=2\n",
