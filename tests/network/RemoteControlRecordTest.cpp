@@ -1,5 +1,6 @@
 // The remote-control record: its XML text, and its way through an archive.
 #include <string>
+#include <vector>
 
 #include "NetworkTest.h"
 
@@ -16,100 +17,72 @@ std::string Replaced(std::string text, const std::string& old, const std::string
     return text.replace(nPlace, old.size(), with);
 }
 
-TEST(RemoteControlRecord, StartsEmpty) {
-    const CQORPanelRemoteCtrlData record;
-    EXPECT_TRUE(record.m_strDevID.IsEmpty());
-    EXPECT_EQ(record.m_nKeyNumber, 0);
-    EXPECT_EQ(record.m_nLayer, 0);
-}
-
 TEST(RemoteControlRecord, XmlHoldsTheNineFieldsInStoredOrder) {
     EXPECT_EQ(Utf8(SampleRecord().GetXmlDoc()), SAMPLE_XML);
-}
-
-TEST(RemoteControlRecord, ReadsItsXmlBack) {
     CQORPanelRemoteCtrlData record;
+    EXPECT_EQ(record.m_nKeyNumber, 0);
+    EXPECT_EQ(record.m_nLayer, 0);
     ASSERT_TRUE(record.SetXmlDoc(FromUtf8(SAMPLE_XML)));
     ExpectSameRecord(record, SampleRecord());
 }
 
-TEST(RemoteControlRecord, EveryCharacterOfTheCodePageReadsBackFromEachText) {
+TEST(RemoteControlRecord, EveryTextAndNumberReadsBack) {
     CString strAll;
     for (const wchar_t c : CodePageCharacters()) {
         strAll += c;
     }
-    CString CQORPanelRemoteCtrlData::*const FIELDS[] = {
-        &CQORPanelRemoteCtrlData::m_strDevID,    &CQORPanelRemoteCtrlData::m_strDevName,
-        &CQORPanelRemoteCtrlData::m_strClipName, &CQORPanelRemoteCtrlData::m_strGroupName,
-        &CQORPanelRemoteCtrlData::m_strKeyName,  &CQORPanelRemoteCtrlData::m_strHelpParameter,
-        &CQORPanelRemoteCtrlData::m_strKeyValue};
-    for (const auto pField : FIELDS) {
-        CQORPanelRemoteCtrlData record = SampleRecord();
-        record.*pField = strAll;
-        CQORPanelRemoteCtrlData read;
-        ASSERT_TRUE(read.SetXmlDoc(record.GetXmlDoc()));
-        ExpectSameRecord(read, record);
-    }
-}
-
-TEST(RemoteControlRecord, NumbersReadBackOverTheirWholeRange) {
-    for (const int nNumber : {0, 1, -1, 2147483647, -2147483647 - 1}) {
-        CQORPanelRemoteCtrlData record;
-        record.m_nKeyNumber = nNumber;
-        record.m_nLayer = nNumber;
-        CQORPanelRemoteCtrlData read;
-        ASSERT_TRUE(read.SetXmlDoc(record.GetXmlDoc()));
-        EXPECT_EQ(read.m_nKeyNumber, nNumber);
-        EXPECT_EQ(read.m_nLayer, nNumber);
+    using Record = CQORPanelRemoteCtrlData;
+    for (const auto pField :
+         {&Record::m_strDevID, &Record::m_strDevName, &Record::m_strClipName, &Record::m_strGroupName,
+          &Record::m_strKeyName, &Record::m_strHelpParameter, &Record::m_strKeyValue}) {
+        for (const int nNumber : {0, -1, 2147483647, -2147483647 - 1}) {
+            Record record = SampleRecord();
+            record.*pField = strAll;
+            record.m_nKeyNumber = nNumber;
+            record.m_nLayer = nNumber;
+            Record read;
+            ASSERT_TRUE(read.SetXmlDoc(record.GetXmlDoc()));
+            ExpectSameRecord(read, record);
+        }
     }
 }
 
 TEST(RemoteControlRecord, RefusesOtherTextsAndStaysAsItWas) {
-    const std::string texts[] = {
-        "",
-        "Intro",
-        "<PanelRemoteCtrl/>",
-        Replaced(SAMPLE_XML, "PanelRemoteCtrl", "Broadcast"),
-        Replaced(SAMPLE_XML, " KeyName=", " Keyname="),
-        Replaced(SAMPLE_XML, " Layer=\"-1023\"", ""),
-        Replaced(SAMPLE_XML, "-1023", ""),
-        Replaced(SAMPLE_XML, "-1023", "front"),
-        Replaced(SAMPLE_XML, "-1023", "12x"),
-        Replaced(SAMPLE_XML, "1000000000", "2147483648"),
-        Replaced(SAMPLE_XML, "/>", ""),
-        Replaced(SAMPLE_XML, "/>", "><More/></PanelRemoteCtrl>"),
-        Replaced(SAMPLE_XML, "/>", ">text</PanelRemoteCtrl>"),
-        std::string(SAMPLE_XML) + SAMPLE_XML,
-        std::string("text ") + SAMPLE_XML,
-        std::string(SAMPLE_XML) + "text",
-        std::string("<Outer>") + SAMPLE_XML + "</Outer>",
-        SAMPLE_XML + std::string(1, '\0'),
-        SAMPLE_XML + std::string("\0junk", 5),
-        SAMPLE_XML + std::string(1, '\0') + SAMPLE_XML,
-        std::string("<?play now?>") + SAMPLE_XML,
-        std::string(SAMPLE_XML) + "<?play now?>",
-        std::string("<!DOCTYPE PanelRemoteCtrl>") + SAMPLE_XML,
-        Replaced(SAMPLE_XML, " Layer=", " DevID=\"13\" Layer="),
-        Replaced(SAMPLE_XML, " Layer=", " Extra=\"1\" Extra=\"2\" Layer="),
-        Replaced(SAMPLE_XML, "Intro", "&intro;"),
-        Replaced(SAMPLE_XML, "Intro", "In & tro"),
-        Replaced(SAMPLE_XML, "Intro", "In&amptro"),
-        Replaced(SAMPLE_XML, "Intro", "Intro&"),
-        Replaced(SAMPLE_XML, "Intro", "In<tro"),
-        Replaced(SAMPLE_XML, "Intro", "In&#0;tro"),
-        Replaced(SAMPLE_XML, "Intro", "In&#;tro"),
-        Replaced(SAMPLE_XML, "Intro", "In&#x;tro"),
-        Replaced(SAMPLE_XML, "Intro", "In&#12a;tro"),
-        Replaced(SAMPLE_XML, "Intro", "In&#-1;tro"),
-        Replaced(SAMPLE_XML, "Intro", "In&#xD800;tro"),
-        Replaced(SAMPLE_XML, "Intro", "In&#x110000;tro"),
-        Replaced(SAMPLE_XML, "Intro", "In&#99999999999;tro"),
-        Replaced(SAMPLE_XML, " Layer=", " Extra=\"&intro;\" Layer="),
+    const std::string sample = SAMPLE_XML;
+    std::vector<std::string> texts = {"",
+                                      "Intro",
+                                      "<PanelRemoteCtrl/>",
+                                      sample + sample,
+                                      "text " + sample,
+                                      sample + "text",
+                                      "<Outer>" + sample + "</Outer>",
+                                      sample + '\0',
+                                      sample + std::string("\0junk", 5),
+                                      sample + '\0' + sample,
+                                      "<?play now?>" + sample,
+                                      sample + "<?play now?>",
+                                      "<!DOCTYPE PanelRemoteCtrl>" + sample};
+    const std::pair<const char*, std::vector<const char*>> changes[] = {
+        {"PanelRemoteCtrl", {"Broadcast"}},
+        {" KeyName=", {" Keyname="}},
+        {" Layer=\"-1023\"", {""}},
+        {"-1023", {"", "front", "12x"}},
+        {"1000000000", {"2147483648"}},
+        {"/>", {"", "><More/></PanelRemoteCtrl>", ">text</PanelRemoteCtrl>"}},
+        {" Layer=", {" DevID=\"13\" Layer=", " Extra=\"1\" Extra=\"2\" Layer=", " Extra=\"&intro;\" Layer="}},
+        {"Intro",
+         {"&intro;", "In & tro", "In&amptro", "Intro&", "In<tro", "In&#0;tro", "In&#;tro", "In&#x;tro", "In&#12a;tro",
+          "In&#-1;tro", "In&#xD800;tro", "In&#x110000;tro", "In&#99999999999;tro", "&#X4e2d;"}}, // a capital X is none
     };
+    for (const auto& [pszOld, replacements] : changes) {
+        for (const char* pszNew : replacements) {
+            texts.push_back(Replaced(sample, pszOld, pszNew));
+        }
+    }
     for (const std::string& text : texts) {
         CQORPanelRemoteCtrlData record = SampleRecord();
         record.m_strDevID = L"kept";
-        CQORPanelRemoteCtrlData expected = record;
+        const CQORPanelRemoteCtrlData expected = record;
         EXPECT_FALSE(record.SetXmlDoc(FromUtf8(text))) << text;
         ExpectSameRecord(record, expected);
     }
@@ -125,21 +98,18 @@ TEST(RemoteControlRecord, TakesADeclarationCommentsAndOtherOrder) {
 }
 
 TEST(RemoteControlRecord, TakesReferencesOfEveryForm) {
-    CQORPanelRemoteCtrlData record;
-    EXPECT_FALSE(record.SetXmlDoc(FromUtf8(Replaced(SAMPLE_XML, "Intro", "&#X4e2d;")))); // a capital X is none
-    ASSERT_TRUE(record.SetXmlDoc(
-        FromUtf8(Replaced(SAMPLE_XML, "Intro", "&apos;&#39;&#x27;&#x4E2d;&#0000065;&amp;amp;&#x1F600;&#x10FFFF;"))));
-    EXPECT_EQ(Utf8(record.m_strClipName), "'''\u4e2dA&amp;\U0001F600\U0010FFFF");
-    // The last and the first character of each length in bytes.
-    ASSERT_TRUE(record.SetXmlDoc(
-        FromUtf8(Replaced(SAMPLE_XML, "Intro", "&#x7F;&#x80;&#x7FF;&#x800;&#xD7FF;&#xE000;&#xFFFF;&#x10000;"))));
-    EXPECT_EQ(Utf8(record.m_strClipName), "\x7F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000");
-}
-
-TEST(RemoteControlRecord, LineEndsAndTabsWithinAValueAreSpaces) {
-    CQORPanelRemoteCtrlData record;
-    ASSERT_TRUE(record.SetXmlDoc(FromUtf8(Replaced(SAMPLE_XML, "Intro", "a\tb\nc\r\nd&#9;&#10;"))));
-    EXPECT_EQ(Utf8(record.m_strClipName), "a b c d\t\n");
+    const std::pair<const char*, std::string> rows[] = {
+        {"&apos;&#39;&#x27;&#x4E2d;&#0000065;&amp;amp;&#x1F600;&#x10FFFF;", "\'\'\'\u4e2dA&amp;\U0001F600\U0010FFFF"},
+        // The last and the first character of each length in bytes.
+        {"&#x7F;&#x80;&#x7FF;&#x800;&#xD7FF;&#xE000;&#xFFFF;&#x10000;",
+         "\x7F\u0080\u07FF\u0800\uD7FF\uE000\uFFFF\U00010000"},
+        {"a\tb\nc\r\nd&#9;&#10;", "a b c d\t\n"}, // line ends and tabs within a value are spaces
+    };
+    for (const auto& [pszXml, expected] : rows) {
+        CQORPanelRemoteCtrlData record;
+        ASSERT_TRUE(record.SetXmlDoc(FromUtf8(Replaced(SAMPLE_XML, "Intro", pszXml)))) << pszXml;
+        EXPECT_EQ(Utf8(record.m_strClipName), expected);
+    }
 }
 
 TEST(RemoteControlRecord, GoesThroughAnArchive) {
@@ -188,14 +158,6 @@ TEST(RemoteControlRecord, ABrokenArchiveRaisesAndChangesNothing) {
     EXPECT_EQ(LoadCause(cut, record), CArchiveException::endOfFile);
 
     ExpectSameRecord(record, SampleRecord());
-}
-
-TEST(RemoteControlRecord, TheAttachedDataIsItsSecondBase) {
-    CQORPanelRemoteCtrlData record;
-    CQORIOAttachedData* pAttached = &record;
-    EXPECT_NE(static_cast<void*>(pAttached), static_cast<void*>(&record));
-    EXPECT_EQ(static_cast<void*>(static_cast<CBaseNetData*>(&record)), static_cast<void*>(&record));
-    EXPECT_EQ(static_cast<CQORPanelRemoteCtrlData*>(pAttached), &record);
 }
 
 } // namespace

@@ -1,6 +1,8 @@
-// CZTSocket hands what it is given to its transport; the direct parser hands on what came in.
+// CZTSocket hands what it is given to its transport; the direct parser hands on what came in; the host's device list.
+#include "DeviceList.h"
 #include "NetworkTest.h"
 #include "SocketTransport.h"
+#include "host/HostRender.h"
 #include "host/PlayControlDevice.h"
 
 namespace {
@@ -32,51 +34,33 @@ public:
     Bytes m_bytes;
 };
 
-TEST(Socket, HandsItemsToItsTransport) {
+TEST(Socket, HandsItemsAndBytesToItsTransport) {
     Transport transport;
     CZTSocket socket(&transport, nullptr);
+    CZTSocket unconnected(nullptr, nullptr);
     CQORNetItemPlayCtlProtocol item;
-    EXPECT_EQ(socket.SendInfo(&item), 1);
-    EXPECT_EQ(transport.m_items, std::vector<const CZtBaseNetProtocol*>{&item});
-    transport.m_bTakes = false;
-    EXPECT_EQ(socket.SendInfo(&item), 0);
-    EXPECT_EQ(socket.SendInfo(nullptr), 0);
-    EXPECT_EQ(transport.m_items.size(), 2u);
-}
-
-TEST(Socket, HandsBytesToItsTransport) {
-    Transport transport;
-    CZTSocket socket(&transport, nullptr);
     unsigned char bytes[] = {1, 0, 3};
-    EXPECT_EQ(socket.SendInfo(bytes, 3), 1);
-    EXPECT_EQ(transport.m_bytes, std::vector<Bytes>{(Bytes{1, 0, 3})});
-    transport.m_bTakes = false;
-    EXPECT_EQ(socket.SendInfo(bytes, 1), 0);
+    for (const bool bTakes : {true, false}) {
+        transport.m_bTakes = bTakes;
+        EXPECT_EQ(socket.SendInfo(&item), bTakes ? 1 : 0);
+        EXPECT_EQ(socket.SendInfo(bytes, 3), bTakes ? 1 : 0);
+        EXPECT_EQ(unconnected.SendInfo(&item), 0);
+        EXPECT_EQ(unconnected.SendInfo(bytes, 3), 0);
+    }
+    EXPECT_EQ(transport.m_items, (std::vector<const CZtBaseNetProtocol*>{&item, &item}));
+    EXPECT_EQ(transport.m_bytes, std::vector(2, Bytes{1, 0, 3}));
+    transport.m_bTakes = true;
+    EXPECT_EQ(socket.SendInfo(nullptr), 0);
+    EXPECT_EQ(socket.SendInfo(static_cast<unsigned char*>(nullptr), 3), 0);
     EXPECT_EQ(socket.SendInfo(bytes, 0), 0);
     EXPECT_EQ(socket.SendInfo(bytes, -1), 0);
-    EXPECT_EQ(socket.SendInfo(static_cast<unsigned char*>(nullptr), 3), 0);
-    EXPECT_EQ(transport.m_bytes.size(), 2u);
 }
 
-TEST(Socket, RefusesEverythingWithoutATransport) {
-    CZTSocket socket(nullptr, nullptr);
-    CQORNetItemPlayCtlProtocol item;
-    unsigned char nByte = 1;
-    EXPECT_EQ(socket.SendInfo(&item), 0);
-    EXPECT_EQ(socket.SendInfo(&nByte, 1), 0);
-    EXPECT_EQ(socket.GetParser(), nullptr);
-}
-
-TEST(Socket, TellsItsParsersClass) {
-    CZTDirectParser direct(nullptr);
-    CZTSocket socket(nullptr, &direct);
-    EXPECT_EQ(DYNAMIC_DOWNCAST(CZTDirectParser, socket.GetParser()), &direct);
-    EXPECT_TRUE(direct.IsKindOf(RUNTIME_CLASS(CZtSocketParser)));
-}
-
-TEST(DirectParser, HandsBytesOnAsTheyAre) {
+TEST(Socket, HasAParserThatHandsBytesOnAsTheyAre) {
     Receiver receiver;
     CZTDirectParser parser(&receiver);
+    CZTSocket socket(nullptr, &parser);
+    EXPECT_EQ(DYNAMIC_DOWNCAST(CZTDirectParser, socket.GetParser()), &parser);
     const Bytes bytes{0, 1, 255};
     parser.Reset();
     EXPECT_TRUE(parser.Receive(bytes.data(), 3));
@@ -84,32 +68,47 @@ TEST(DirectParser, HandsBytesOnAsTheyAre) {
     EXPECT_TRUE(parser.Receive(bytes.data(), 1));
     EXPECT_EQ(receiver.m_nConnections, 1);
     EXPECT_EQ(receiver.m_bytes, (Bytes{0, 1, 255, 0}));
+    CZTDirectParser alone(nullptr);
+    EXPECT_TRUE(alone.Receive(bytes.data(), 1));
 }
-
-TEST(DirectParser, DropsBytesWithoutAReceiver) {
-    CZTDirectParser parser(nullptr);
-    const Bytes bytes{1};
-    parser.Reset();
-    EXPECT_TRUE(parser.Receive(bytes.data(), 1));
-}
-
-/// Attached data whose destructor can be seen.
-class CountedData : public CQORIOAttachedData {
-public:
-    explicit CountedData(int& nDeleted) : m_nDeleted(nDeleted) {}
-    ~CountedData() override { ++m_nDeleted; }
-
-private:
-    int& m_nDeleted;
-};
 
 TEST(PlayControlItem, DeletesItsAttachedData) {
+    struct SCounted : CQORIOAttachedData {
+        explicit SCounted(int& nDeleted) : m_nDeleted(nDeleted) {}
+        ~SCounted() override { ++m_nDeleted; }
+        int& m_nDeleted;
+    };
     int nDeleted = 0;
     {
         CQORNetItemPlayCtlProtocol item;
-        item.m_pAttachedData = new CountedData(nDeleted);
+        item.m_pAttachedData = new SCounted(nDeleted);
     }
     EXPECT_EQ(nDeleted, 1);
+}
+
+TEST(DeviceList, FindsTheFirstDeviceOfANumber) {
+    EXPECT_EQ(G_GetArNetPlayCtrlDev(), nullptr);
+    EXPECT_EQ(G_FindNetPlayCtrlDevByID(0), nullptr);
+    SQORNetPlayCtrlDev devices[3];
+    const int ids[] = {7, 0, 7};
+    NetPlayCtrlDevArray arDevice;
+    arDevice.Add(nullptr); // passed over
+    for (int i = 0; i < 3; ++i) {
+        devices[i].m_nId = ids[i];
+        arDevice.Add(&devices[i]);
+    }
+    SetNetPlayCtrlDevices(&arDevice);
+    EXPECT_EQ(G_GetArNetPlayCtrlDev(), &arDevice);
+    EXPECT_EQ(G_FindNetPlayCtrlDevByID(7), &devices[0]);
+    EXPECT_EQ(G_FindNetPlayCtrlDevByID(0), &devices[1]);
+    EXPECT_EQ(G_FindNetPlayCtrlDevByID(1), nullptr);
+    SetNetPlayCtrlDevices(nullptr);
+}
+
+TEST(IntToStr, IsDecimal) {
+    EXPECT_EQ(Utf8(QORIntToStr(0)), "0");
+    EXPECT_EQ(Utf8(QORIntToStr(2147483647)), "2147483647");
+    EXPECT_EQ(Utf8(QORIntToStr(-2147483647 - 1)), "-2147483648");
 }
 
 } // namespace
