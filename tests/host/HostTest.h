@@ -1,14 +1,19 @@
-// A session for each test, on an application folder of its own.
+// A session for each test, on an application folder of its own; and conversations with it.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "protocol/SceneFile.h"
+
+/// How long tests wait for what must happen, before they call it missing.
+inline constexpr std::chrono::seconds LONGEST_WAIT{60};
 
 /// A folder that exists as long as the object.
 class CTemporaryFolder {
@@ -31,6 +36,28 @@ private:
 /// The content of a file.
 std::string ReadAll(const std::filesystem::path& file);
 
+/// A request as JSON, or in short: its op, and fields like param=10 or to=q. A value that isn't JSON is a text, and
+/// node types have names.
+Json Request(std::string_view text);
+
+/// A request in any of these forms.
+class CRequest {
+public:
+    CRequest(const char* pszText) : m_json(Request(pszText)) {}        // NOLINT: all these convert
+    CRequest(const std::string& strText) : m_json(Request(strText)) {} // NOLINT
+    CRequest(Json json) : m_json(std::move(json)) {}                   // NOLINT
+    CRequest(Json::initializer_list_t list) : m_json(list) {}          // NOLINT
+
+    operator const Json&() const { return m_json; } // NOLINT
+
+private:
+    Json m_json;
+};
+
+/// Whether a value holds what the pattern does. Of an object it may hold more; what is null in the pattern must be null
+/// or missing. An object for a list is about the elements of these ids, and those of the groups in it.
+bool Matches(const OrderedJson& value, const Json& pattern);
+
 /// A session with the real module; display texts are their keys.
 class CHostTest : public testing::Test {
 protected:
@@ -39,23 +66,43 @@ protected:
     /// The reply to a request text, as text.
     std::string Ask(std::string_view request) { return AnswerText(*m_pSession, request, m_files); }
 
-    /// The reply to a request object, of a connection or of none.
-    OrderedJson AskObject(const Json& request, CHeldInput* pHeld = nullptr) {
+    /// The reply to a request, of a connection or of none.
+    OrderedJson AskObject(const CRequest& request, CHeldInput* pHeld = nullptr) {
         return Answer(*m_pSession, request, m_files, {.pHeld = pHeld});
     }
-    OrderedJson AskJson(std::string_view request) { return OrderedJson::parse(Ask(request)); }
 
-    /// The error text of a request that must be refused, and must leave the scene as it was.
-    std::string Refusal(std::string_view request);
+    /// The error of a request that must be refused, and must leave the scene as it was.
+    std::string Refusal(const CRequest& request) { return RefusalOfText(static_cast<const Json&>(request).dump()); }
+    std::string RefusalOfText(std::string_view text);
 
     /// A request that must be carried out.
-    OrderedJson Must(std::string_view request);
+    OrderedJson Must(const CRequest& request, CHeldInput* pHeld = nullptr);
+
+    /// Requests, one a line, that must be carried out. Behind "=>" stands what the reply must match, or the error of
+    /// one that must be refused. Lines of "#" are comments.
+    void Talk(std::string_view conversation, CHeldInput* pHeld = nullptr);
+
+    /// Read the network until the condition is met.
+    template <typename Condition>
+    void Await(Condition isMet) {
+        const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
+        while (!isMet() && std::chrono::steady_clock::now() < tEnd) {
+            Must("wait ms=10");
+        }
+        EXPECT_TRUE(isMet());
+    }
 
     /// What a frame of the host's own brings about.
     OrderedJson Frame();
 
     /// All nodes of the scene under `inspect`, and the links.
     OrderedJson WholeScene();
+
+    /// A parameter of a node, by its id; strPlace: own, inputs or outputs. Null without one.
+    OrderedJson Param(const std::string& strNode, const std::string& strPlace, unsigned nId);
+
+    /// The outputs that a reply tells of, in order.
+    static std::vector<int> Posted(const OrderedJson& reply);
 
     /// A file name as it stands in a request text.
     static std::string Quote(const std::filesystem::path& file);
@@ -71,11 +118,23 @@ protected:
     CProbeTest() : CHostTest(PROBE_FILE) {}
 };
 
-inline constexpr char CREATE_MOUSE[] =
-    R"({"op":"create","node":"m","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1B03}","clip":"Intro","graph":"Mouse 1"})";
-inline constexpr char CREATE_KEYBOARD[] =
-    R"({"op":"create","node":"k","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1B01}","clip":"Intro","graph":"Keyboard 1"})";
-inline constexpr char CREATE_PROBE[] =
-    R"({"op":"create","node":"p","type":"{11111111-2222-3333-4444-555555555555}","clip":"Intro","graph":"Probe 1"})";
-inline constexpr char CREATE_SECOND_PROBE[] =
-    R"({"op":"create","node":"q","type":"{11111111-2222-3333-4444-555555555555}","clip":null,"graph":"Probe 2"})";
+inline constexpr char CREATE_MOUSE[] = R"(create node=m type=mouse clip=Intro graph="Mouse 1")";
+inline constexpr char CREATE_KEYBOARD[] = R"(create node=k type=keyboard clip=Intro graph="Keyboard 1")";
+inline constexpr char CREATE_PROBE[] = R"(create node=p type=probe clip=Intro graph="Probe 1")";
+inline constexpr char CREATE_SECOND_PROBE[] = R"(create node=q type=probe clip=null graph="Probe 2")";
+
+/// A sample of a pointer, with these fields in place of 0.
+Json PointerSample(const Json& fields = Json::object());
+
+/// A sample of a hand, with these fields in place of those of the left one at rest.
+Json HandSample(const Json& fields = Json::object());
+
+/// The text of a key as a payload.
+inline Json KeyText(const std::string& strText) {
+    return {{"is", "key"}, {"text", strText}};
+}
+
+/// An event for all nodes.
+inline Json Event(int nDevice, int nEvent, const Json& payload) {
+    return {{"op", "event"}, {"device", nDevice}, {"event", nEvent}, {"payload", payload}};
+}

@@ -6,11 +6,12 @@
 #include <afxwin.h>
 #include <boost/asio.hpp>
 
-#include <chrono>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
+#include "HostTest.h"
 #include "PlayControlFrame.h"
 
 /// The frame of a record to device 3.
@@ -31,23 +32,29 @@ class CTestPeers {
 public:
     using Socket = boost::asio::ip::tcp::socket;
 
-    /// A port that can be connected to.
+    /// A port that can be connected to, once it listens.
     class CListener {
     public:
-        explicit CListener(CTestPeers& peers) : m_peers(peers), m_acceptor(peers.m_context, Endpoint(0)) {}
+        explicit CListener(CTestPeers& peers, bool bListens = true)
+            : m_peers(peers), m_acceptor(peers.m_context, boost::asio::ip::tcp::v4()) {
+            m_acceptor.bind(Endpoint(0));
+            if (bListens) {
+                Listen();
+            }
+        }
 
+        void Listen() { m_acceptor.listen(); }
         unsigned short Port() const { return m_acceptor.local_endpoint().port(); }
         std::string Address() const { return "127.0.0.1:" + std::to_string(Port()); }
 
-        /// The next connection; throws when none comes.
-        Socket Accept() {
+        /// The next connection, meanwhile doing what the other side needs; throws when none comes.
+        Socket Accept(const std::function<void()>& serve = [] {}) {
             Socket socket(m_peers.m_context);
             bool bAccepted = false;
             m_acceptor.async_accept(socket, [&](const auto& error) { bAccepted = !error; });
-            m_peers.Run(LONGEST_WAIT);
-            if (!bAccepted) {
+            if (!m_peers.RunUntil([&] { return bAccepted; }, serve)) {
                 m_acceptor.cancel();
-                m_peers.Run(LONGEST_WAIT);
+                m_peers.RunUntil([&] { return m_peers.m_context.stopped(); });
                 throw std::runtime_error("nobody connected");
             }
             return socket;
@@ -68,16 +75,20 @@ public:
         return socket;
     }
 
-    /// So many bytes, or those that came before the end of the connection or of the patience.
-    std::string Read(Socket& socket, std::size_t nBytes) {
+    /// So many bytes, or those that came before the end of the connection or of the patience; meanwhile doing what the
+    /// other side needs.
+    std::string Read(
+        Socket& socket, std::size_t nBytes, const std::function<void()>& serve = [] {}) {
         std::string strBytes(nBytes, '\0');
         std::size_t nRead = 0;
-        boost::asio::async_read(socket, boost::asio::buffer(strBytes),
-                                [&](const auto&, std::size_t nTransferred) { nRead = nTransferred; });
-        Run(LONGEST_WAIT);
-        if (!m_context.stopped()) {
+        bool bDone = false;
+        boost::asio::async_read(socket, boost::asio::buffer(strBytes), [&](const auto&, std::size_t nTransferred) {
+            nRead = nTransferred;
+            bDone = true;
+        });
+        if (!RunUntil([&] { return bDone; }, serve)) {
             socket.cancel();
-            Run(LONGEST_WAIT);
+            RunUntil([&] { return bDone; });
         }
         strBytes.resize(nRead);
         return strBytes;
@@ -99,11 +110,15 @@ public:
     boost::asio::io_context& Context() { return m_context; }
 
 private:
-    static constexpr std::chrono::seconds LONGEST_WAIT{5};
-
-    void Run(std::chrono::steady_clock::duration time) {
-        m_context.restart();
-        m_context.run_for(time);
+    bool RunUntil(
+        const std::function<bool()>& isMet, const std::function<void()>& serve = [] {}) {
+        const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
+        while (!isMet() && std::chrono::steady_clock::now() < tEnd) {
+            m_context.restart();
+            m_context.run_one_for(std::chrono::milliseconds(10));
+            serve();
+        }
+        return isMet();
     }
 
     boost::asio::io_context m_context;

@@ -32,11 +32,13 @@ TEST(Options, DefaultsLieBesideTheProgram) {
 }
 
 TEST(Options, AllAreRead) {
-    const SOptions options = Parse({"--listen", "127.0.0.1:8040", "--app", "a", "--module", "m.so", "--texts", "zh",
-                                    "--scene", "s.json", "--fps", "29.97", "--web", "w", "--scenes", "s"});
+    const SOptions options =
+        Parse({"--listen", "127.0.0.1:1", "--listen", "127.0.0.1:8040", "--app", "a",     "--module", "m.so",
+               "--texts",  "zh",          "--scene",  "s.json",         "--fps", "29.97", "--web",    "w",
+               "--scenes", "s",           "--record", "r.jsonl"});
     EXPECT_EQ(options.nFront, EFront::Page);
     EXPECT_EQ(options.listen.strAddress, "127.0.0.1");
-    EXPECT_EQ(options.listen.nPort, 8040);
+    EXPECT_EQ(options.listen.nPort, 8040) << "the last of two counts";
     EXPECT_EQ(options.listen.fFps, 29.97);
     EXPECT_EQ(options.listen.webFolder, "w");
     EXPECT_EQ(options.listen.sceneFolder, "s");
@@ -44,120 +46,88 @@ TEST(Options, AllAreRead) {
     EXPECT_EQ(options.moduleFile, "m.so");
     EXPECT_EQ(options.texts, ETextTable::Chinese);
     EXPECT_EQ(options.sceneFile, "s.json");
+    EXPECT_EQ(options.recordFile, "r.jsonl");
     EXPECT_EQ(Parse({"--listen", "[::1]:0"}).listen.strAddress, "::1");
-    EXPECT_EQ(Parse({"--listen", "127.0.0.1:1"}).listen.fFps, 60);
-    EXPECT_EQ(Parse({"--listen", "127.0.0.1:1", "--fps", "0.01"}).listen.fFps, 0.01);
-    EXPECT_EQ(Parse({"--listen", "127.0.0.1:1", "--fps", "1000"}).listen.fFps, 1000);
+    EXPECT_EQ(Parse({"--listen", "a:1"}).listen.fFps, 60);
+    for (const char* pszFps : {"0.01", "1000"}) {
+        EXPECT_EQ(Parse({"--listen", "a:1", "--fps", pszFps}).listen.fFps, std::stod(pszFps));
+    }
 }
 
-TEST(Options, RecordingsHaveTheirFiles) {
-    EXPECT_EQ(Parse({"--stdio", "--record", "r.jsonl"}).recordFile, "r.jsonl");
-    EXPECT_EQ(Parse({"--record", "r.jsonl", "--listen", "a:1"}).recordFile, "r.jsonl");
+TEST(Options, EachFrontHasItsOwn) {
     EXPECT_EQ(Parse({"--stdio"}).evaluation, std::nullopt);
     EXPECT_EQ(Parse({"--stdio", "--evaluate", "event"}).evaluation, EEvaluation::Event);
     EXPECT_EQ(Parse({"--listen", "a:1", "--evaluate", "frame"}).evaluation, EEvaluation::Frame);
-    const SOptions options = Parse({"--replay", "r.jsonl", "--texts", "zh"});
-    EXPECT_EQ(options.nFront, EFront::Replay);
-    EXPECT_EQ(options.replayFile, "r.jsonl");
+    EXPECT_EQ(Parse({"--replay", "r.jsonl"}).nFront, EFront::Replay);
+    EXPECT_EQ(Parse({"--replay", "r.jsonl"}).replayFile, "r.jsonl");
     EXPECT_EQ(Parse({"--describe", "markdown"}).nFront, EFront::Describe);
-    EXPECT_FALSE(Parse({"--describe", "markdown"}).bDescribeTypes);
     EXPECT_TRUE(Parse({"--describe", "typescript"}).bDescribeTypes);
-}
-
-TEST(Options, TheLastOfTwoCounts) {
-    EXPECT_EQ(Parse({"--listen", "127.0.0.1:1", "--listen", "127.0.0.1:2"}).listen.nPort, 2);
-}
-
-TEST(Options, TheWindowHasASizeAndAFrameRate) {
-    const SOptions plain = Parse({"--window"});
-    EXPECT_EQ(plain.nFront, EFront::Window);
-    EXPECT_EQ(plain.window.nWidth, 1280);
-    EXPECT_EQ(plain.window.nHeight, 720);
-    EXPECT_EQ(plain.window.fFps, 60);
-    const SOptions chosen = Parse({"--window", "--size", "640x480", "--fps", "30", "--scene", "s", "--record", "r"});
-    EXPECT_EQ(chosen.window.nWidth, 640);
-    EXPECT_EQ(chosen.window.nHeight, 480);
-    EXPECT_EQ(chosen.window.fFps, 30);
+    EXPECT_EQ(Parse({"--stdio", "--help"}).nFront, EFront::Help);
+    EXPECT_EQ(Parse({"--version"}).nFront, EFront::Version);
+    const auto window = Parse({"--window"}).window;
+    EXPECT_EQ(Parse({"--window"}).nFront, EFront::Window);
+    EXPECT_EQ(std::tuple(window.nWidth, window.nHeight, window.fFps), std::tuple(1280, 720, 60.0));
+    const auto chosen = Parse({"--window", "--size", "640x480", "--fps", "30", "--scene", "s", "--record", "r"}).window;
+    EXPECT_EQ(std::tuple(chosen.nWidth, chosen.nHeight, chosen.fFps), std::tuple(640, 480, 30.0));
 }
 
 TEST(Options, TheStandInDeviceCanMisbehave) {
-    const SOptions plain = Parse({"--device", "9000"});
-    EXPECT_EQ(plain.nFront, EFront::Device);
-    EXPECT_EQ(plain.device.strAddress, "127.0.0.1");
-    EXPECT_EQ(plain.device.nPort, 9000);
-    EXPECT_TRUE(plain.device.bFramed);
-    EXPECT_FALSE(plain.device.delay);
-    EXPECT_FALSE(plain.device.dropAfter);
-    EXPECT_FALSE(plain.device.bRefuse);
-    EXPECT_FALSE(plain.device.bStall);
-    EXPECT_TRUE(plain.device.strSay.empty());
-    const SOptions direct =
-        Parse({"--device", "[::1]:9001", "--parser", "direct", "--delay", "250", "--say", "{}", "--drop-after", "7"});
-    EXPECT_EQ(direct.device.strAddress, "::1");
-    EXPECT_EQ(direct.device.nPort, 9001);
-    EXPECT_FALSE(direct.device.bFramed);
-    EXPECT_EQ(direct.device.delay, 250u);
-    EXPECT_EQ(direct.device.strSay, "{}");
-    EXPECT_EQ(direct.device.dropAfter, 7u);
-    EXPECT_TRUE(Parse({"--device", "1", "--refuse"}).device.bRefuse);
-    EXPECT_TRUE(Parse({"--device", "1", "--stall"}).device.bStall);
-}
-
-TEST(Options, HelpAndVersionNeedNoFront) {
-    EXPECT_EQ(Parse({"--help"}).nFront, EFront::Help);
-    EXPECT_EQ(Parse({"--version"}).nFront, EFront::Version);
-    EXPECT_EQ(Parse({"--stdio", "--help"}).nFront, EFront::Help);
+    const auto plain = Parse({"--device", "9000"}).device;
+    EXPECT_EQ(Parse({"--device", "9000"}).nFront, EFront::Device);
+    EXPECT_EQ(std::tuple(plain.strAddress, plain.nPort, plain.bFramed, plain.bRefuse, plain.bStall, plain.strSay),
+              std::tuple("127.0.0.1", 9000, true, false, false, ""));
+    EXPECT_FALSE(plain.delay || plain.dropAfter);
+    const auto direct = Parse({"--device", "[::1]:9001", "--parser", "direct", "--delay", "250", "--say", "{}",
+                               "--drop-after", "7", "--refuse", "--stall"})
+                            .device;
+    EXPECT_EQ(std::tuple(direct.strAddress, direct.nPort, direct.bFramed, direct.bRefuse, direct.bStall, direct.strSay),
+              std::tuple("::1", 9001, false, true, true, "{}"));
+    EXPECT_EQ(direct.delay, 250u);
+    EXPECT_EQ(direct.dropAfter, 7u);
 }
 
 TEST(Options, WrongOnesAreNamed) {
-    const struct {
-        std::vector<std::string> arguments;
-        const char* pszError;
-    } cases[] = {
-        {{}, "one of --stdio, --listen, --window, --device, --describe and --replay is needed; --help tells more"},
+    const std::string strFronts = "--stdio, --listen, --window, --device, --describe and --replay";
+    const std::pair<std::vector<std::string>, std::string> cases[] = {
+        {{}, "one of " + strFronts + " is needed; --help tells more"},
         {{"--fly"}, R"(there is no option "--fly"; --help tells more)"},
         {{"stdio"}, R"(there is no option "stdio"; --help tells more)"},
-        {{"--stdio", "--listen", "127.0.0.1:1"},
-         "--listen: --stdio, --listen, --window, --device, --describe and --replay exclude each other"},
+        {{"--stdio", "--listen", "127.0.0.1:1"}, "--listen: " + strFronts + " exclude each other"},
+        {{"--replay", "r", "--stdio"}, "--stdio: " + strFronts + " exclude each other"},
         {{"--stdio", "--app"}, "--app: needs a value"},
         {{"--stdio", "--module", ""}, "--module: needs a value"},
+        {{"--device", "1", "--drop-after"}, "--drop-after: needs a value"},
+        {{"--describe"}, "--describe: needs a value"},
         {{"--stdio", "--texts", "fr"}, R"(--texts: "fr" is none of keys, en, zh)"},
-        {{"--listen", "8040"}, R"(--listen: "8040" isn't an address and a port, as in 127.0.0.1:8040)"},
-        {{"--listen", ":8040"}, R"(--listen: ":8040" isn't an address and a port, as in 127.0.0.1:8040)"},
-        {{"--listen", "a:65536"}, R"(--listen: "a:65536" isn't an address and a port, as in 127.0.0.1:8040)"},
-        {{"--listen", "a:1x"}, R"(--listen: "a:1x" isn't an address and a port, as in 127.0.0.1:8040)"},
-        {{"--listen", "a:1", "--fps", "0"}, R"(--fps: "0" isn't a number from 0.01 to 1000)"},
-        {{"--listen", "a:1", "--fps", "0.009"}, R"(--fps: "0.009" isn't a number from 0.01 to 1000)"},
-        {{"--listen", "a:1", "--fps", "1e-11"}, R"(--fps: "1e-11" isn't a number from 0.01 to 1000)"},
-        {{"--listen", "a:1", "--fps", "-1"}, R"(--fps: "-1" isn't a number from 0.01 to 1000)"},
-        {{"--listen", "a:1", "--fps", "nan"}, R"(--fps: "nan" isn't a number from 0.01 to 1000)"},
-        {{"--listen", "a:1", "--fps", "1001"}, R"(--fps: "1001" isn't a number from 0.01 to 1000)"},
+        {{"--device", "1", "--parser", "json"}, R"(--parser: "json" is none of framed, direct)"},
+        {{"--device", "1", "--delay", "soon"}, R"(--delay: "soon" isn't a whole number)"},
+        {{"--device", "1", "--delay", "-1"}, R"(--delay: "-1" isn't a whole number)"},
+        {{"--device", "65536"}, R"(--device: "65536" isn't an address and a port, as in 127.0.0.1:8040)"},
+        {{"--describe", "html"}, R"(--describe: "html" is none of markdown, typescript)"},
         {{"--stdio", "--fps", "30"}, "--fps: goes with --listen and --window only"},
         {{"--stdio", "--size", "1x1"}, "--size: goes with --window only"},
-        {{"--window", "--size", "100"}, R"(--size: "100" isn't a width and a height, as in 1280x720)"},
-        {{"--window", "--size", "100x0"}, R"(--size: "100x0" isn't a width and a height, as in 1280x720)"},
-        {{"--window", "--size", "9x99999"}, R"(--size: "9x99999" isn't a width and a height, as in 1280x720)"},
-        {{"--window", "--listen", "a:1"},
-         "--listen: --stdio, --listen, --window, --device, --describe and --replay exclude each other"},
         {{"--stdio", "--web", "w"}, "--web: goes with --listen only"},
         {{"--stdio", "--scenes", "s"}, "--scenes: goes with --listen only"},
         {{"--stdio", "--say", "t"}, "--say: goes with --device only"},
         {{"--stdio", "--stall"}, "--stall: goes with --device only"},
-        {{"--device", "65536"}, R"(--device: "65536" isn't an address and a port, as in 127.0.0.1:8040)"},
-        {{"--device", "1", "--parser", "json"}, R"(--parser: "json" is none of framed, direct)"},
-        {{"--device", "1", "--delay", "soon"}, R"(--delay: "soon" isn't a whole number)"},
-        {{"--device", "1", "--delay", "-1"}, R"(--delay: "-1" isn't a whole number)"},
-        {{"--device", "1", "--drop-after"}, "--drop-after: needs a value"},
-        {{"--describe"}, "--describe: needs a value"},
-        {{"--describe", "html"}, R"(--describe: "html" is none of markdown, typescript)"},
         {{"--describe", "markdown", "--scene", "s"}, "--scene: goes with --stdio, --listen and --window only"},
         {{"--stdio", "--evaluate", "never"}, "--evaluate: \"never\" is none of event, frame"},
         {{"--replay", "r", "--record", "s"}, "--record: goes with --stdio, --listen and --window only"},
-        {{"--replay", "r", "--stdio"},
-         "--stdio: --stdio, --listen, --window, --device, --describe and --replay exclude each other"},
     };
-    for (const auto& [arguments, pszError] : cases) {
-        EXPECT_EQ(Error(arguments), pszError);
+    for (const auto& [arguments, strError] : cases) {
+        EXPECT_EQ(Error(arguments), strError);
+    }
+    for (const std::string strAddress : {"8040", ":8040", "a:65536", "a:1x"}) {
+        EXPECT_EQ(Error({"--listen", strAddress}),
+                  "--listen: \"" + strAddress + "\" isn't an address and a port, as in 127.0.0.1:8040");
+    }
+    for (const std::string strFps : {"0", "0.009", "1e-11", "-1", "nan", "1001"}) {
+        EXPECT_EQ(Error({"--listen", "a:1", "--fps", strFps}),
+                  "--fps: \"" + strFps + "\" isn't a number from 0.01 to 1000");
+    }
+    for (const std::string strSize : {"100", "100x0", "9x99999"}) {
+        EXPECT_EQ(Error({"--window", "--size", strSize}),
+                  "--size: \"" + strSize + "\" isn't a width and a height, as in 1280x720");
     }
 }
 

@@ -34,19 +34,18 @@ enum : unsigned {
     OUTPUT_LATER = 111,
 };
 
-/// What the input "Do" asks for.
+/// What the input "Do" asks for; other numbers for nothing.
 enum : int {
-    DO_NOTHING = 0,
     DO_RAISE = 1,
-    DO_RAISE_STANDARD = 2,
-    DO_POST_TO_HOST = 3,
-    DO_NOTIFY = 4,
-    DO_REDRAW = 5,
-    DO_FIRE = 6,
-    DO_FIRE_WHEN_DESTROYED = 7,
-    DO_RAISE_IN_INIT = 8,
-    DO_RAISE_IN_OUTPUTS = 9,
-    DO_RAISE_IN_EDIT = 10,
+    DO_RAISE_STANDARD,
+    DO_POST_TO_HOST,
+    DO_NOTIFY,
+    DO_REDRAW,
+    DO_FIRE,
+    DO_FIRE_WHEN_DESTROYED,
+    DO_RAISE_IN_INIT,
+    DO_RAISE_IN_OUTPUTS,
+    DO_RAISE_IN_EDIT,
 };
 
 struct Row {
@@ -140,7 +139,7 @@ public:
         };
         const auto Output = [&](unsigned nId) { return FindParam(pGraphNode->m_lstOutputGroup, MakeParamGuid(nId)); };
         const VEKParam* pDo = Input(INPUT_DO);
-        m_nDo = pDo != nullptr ? pDo->m_nValue : DO_NOTHING;
+        m_nDo = pDo != nullptr ? pDo->m_nValue : 0;
         const VEKParam* pSend = Input(INPUT_SEND);
         if (pSend != nullptr && pSend->m_nValue != 0) {
             ++m_nSeen;
@@ -224,7 +223,7 @@ private:
         }
     }
 
-    int m_nDo = DO_NOTHING;
+    int m_nDo = 0;
     int m_nSeen = 0; ///< evaluations that found "Send" triggered
 };
 

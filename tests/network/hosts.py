@@ -1,11 +1,8 @@
 """Hosts in network namespaces, driven by requests: what the tests over a real network share."""
 
-import base64
 import json
 import os
 import pathlib
-import socket
-import struct
 import subprocess
 import sys
 import tempfile
@@ -33,6 +30,15 @@ def run(*command):
     subprocess.run(command, check=True)
 
 
+def until(condition, what):
+    """Wait until there is something; what there is."""
+    end = time.monotonic() + 60
+    while time.monotonic() < end:
+        if result := condition():
+            return result
+    raise AssertionError(f"in a minute it never was that {what}")
+
+
 class Namespace:
     """A network namespace that exists as long as a process in it."""
 
@@ -50,19 +56,21 @@ class Namespace:
         self.process.wait()
 
 
-class AnyHost:
-    """An iohost in an application folder of its own."""
+class Host:
+    """An iohost in an application folder of its own, which does nothing unless it's asked to."""
 
-    def __init__(self, prefix, *front):
+    def __init__(self, prefix=()):
         self.folder = tempfile.TemporaryDirectory()
         config = pathlib.Path(self.folder.name, "Config")
         config.mkdir()
         config.joinpath("PortConfig.ini").write_text(f"[iFable]\nBroadcastPort={BROADCAST_PORT}\n")
-        self.process = subprocess.Popen([*prefix, iohost(), *front, "--texts", "keys", "--app", self.folder.name],
+        self.process = subprocess.Popen([*prefix, iohost(), "--stdio", "--texts", "keys", "--app", self.folder.name],
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, env=ENVIRONMENT)
 
     def ask(self, op, **fields):
-        reply = self.exchange({"op": op, **fields})
+        self.process.stdin.write(json.dumps({"op": op, **fields}) + "\n")
+        self.process.stdin.flush()
+        reply = json.loads(self.process.stdout.readline())
         assert reply["ok"], (op, fields, reply)
         return reply
 
@@ -83,6 +91,10 @@ class AnyHost:
     def device(self):
         return self.ask("network")["devices"][0]
 
+    def await_dispatched(self):
+        """The reply of the wait that something was dispatched in."""
+        return until(lambda: (reply := self.ask("wait", ms=100))["dispatched"] and reply, "something is dispatched")
+
     def memory(self):
         """What the process has in memory, in bytes."""
         status = pathlib.Path(f"/proc/{self.process.pid}/status").read_text()
@@ -90,88 +102,10 @@ class AnyHost:
 
     def close(self):
         self.ask("quit")
-        assert self.process.wait(10) == 0
+        assert self.process.wait(60) == 0
         self.process.stdin.close()
         self.process.stdout.close()
         self.folder.cleanup()
-
-
-class Host(AnyHost):
-    """A host that does nothing unless it's asked to."""
-
-    def __init__(self, prefix=()):
-        super().__init__(prefix, "--stdio")
-
-    def exchange(self, request):
-        self.process.stdin.write(json.dumps(request) + "\n")
-        self.process.stdin.flush()
-        return json.loads(self.process.stdout.readline())
-
-    def await_dispatched(self, seconds):
-        """The reply of the wait that something was dispatched in; the last one when nothing was."""
-        end = time.monotonic() + seconds
-        while True:
-            reply = self.ask("wait", ms=100)
-            if reply["dispatched"] or time.monotonic() > end:
-                return reply
-
-
-class RunningHost(AnyHost):
-    """A host that runs by itself, frame after frame, with this script at its WebSocket in place of a page."""
-
-    def __init__(self, *options):
-        super().__init__((), "--listen", "127.0.0.1:0", *options)
-        address = self.process.stdout.readline().split("http://")[1].rstrip("/\n")
-        self.pushes = []  # (time of arrival, push)
-        self.socket = socket.create_connection(address.split(":"), timeout=20)
-        key = base64.b64encode(os.urandom(16)).decode()
-        self.socket.sendall(f"GET /session HTTP/1.1\r\nHost: {address}\r\nUpgrade: websocket\r\nConnection: Upgrade\r\n"
-                            f"Sec-WebSocket-Key: {key}\r\nSec-WebSocket-Version: 13\r\n\r\n".encode())
-        self.stream = self.socket.makefile("rb")
-        assert b" 101 " in self.stream.readline()
-        while self.stream.readline() != b"\r\n":
-            pass
-
-    def _send(self, opcode, payload):
-        size = len(payload)
-        length = struct.pack("!B", 128 | size) if size < 126 else struct.pack("!BH", 128 | 126, size)
-        self.socket.sendall(bytes([128 | opcode]) + length + bytes(4) + payload)  # masked with zeros
-
-    def _receive(self):
-        """The next message of the host, as an object."""
-        message = b""
-        while True:
-            first, size = self.stream.read(2)
-            if size == 126:
-                size, = struct.unpack("!H", self.stream.read(2))
-            elif size == 127:
-                size, = struct.unpack("!Q", self.stream.read(8))
-            payload = self.stream.read(size)
-            if first & 15 == 9:  # ping
-                self._send(10, payload)
-                continue
-            message += payload
-            if first & 128:
-                return json.loads(message)
-
-    def exchange(self, request):
-        self._send(1, json.dumps(request).encode())
-        while "push" in (message := self._receive()):
-            self.pushes.append((time.monotonic(), message))
-        return message
-
-    def take_pushes(self, seconds):
-        """What the host pushes in that time."""
-        self.pushes.clear()
-        end = time.monotonic() + seconds
-        while time.monotonic() < end:
-            self.pushes.append((time.monotonic(), self._receive()))
-        return list(self.pushes)
-
-    def close(self):
-        super().close()
-        self.stream.close()
-        self.socket.close()
 
 
 def main():

@@ -8,11 +8,10 @@ Ends with 77 where namespaces can't be made.
 
 import subprocess
 import sys
-import time
 import unittest
 
 import hosts
-from hosts import BROADCAST_RECEIVE, BROADCAST_SEND, NET_RECEIVE, NET_SEND, STRING_SEND, Host, Namespace, RunningHost, run
+from hosts import BROADCAST_RECEIVE, BROADCAST_SEND, NET_RECEIVE, NET_SEND, STRING_SEND, Host, Namespace, run, until
 
 ADDRESS_A, ADDRESS_B = "10.77.0.1", "10.77.0.2"
 CONTROL_PORT, DEVICE_PORT = 9001, 9002
@@ -27,17 +26,7 @@ while data := connection.recv(65536):
     print(data.hex(), flush=True)
 """
 
-SINK = """
-import socket, sys
-server = socket.create_server(("0.0.0.0", int(sys.argv[1])))
-print("listening", flush=True)
-connection, _ = server.accept()
-while connection.recv(65536):
-    pass
-"""
-
-
-class OverACable(unittest.TestCase):
+class TwoHosts(unittest.TestCase):
     """Host "a" is here, host "b" in the other namespace."""
 
     @classmethod
@@ -69,13 +58,8 @@ class OverACable(unittest.TestCase):
     def connect(self, host, parser="framed", port=CONTROL_PORT):
         address = f"{ADDRESS_B}:{port}"
         host.ask("devices", list=[{"id": 3, "name": "Far", "parser": parser, "address": address}])
-        end = time.monotonic() + 5
-        while host.device()["state"] != "connected" and time.monotonic() < end:
-            time.sleep(0.01)
-        self.assertEqual(host.device()["state"], "connected", host.device())
+        until(lambda: host.device()["state"] == "connected", "the device is connected")
 
-
-class TwoHosts(OverACable):
     def create_record_nodes(self):
         self.a.create("send", NET_SEND, p402="3", p404="Clip", p406="key", p408="first")
         self.b.create("receive", NET_RECEIVE, p503="key")
@@ -88,14 +72,14 @@ class TwoHosts(OverACable):
         self.b.create("receive", BROADCAST_RECEIVE, p1302="1")
         self.b.ask("listen")
         self.a.send("send", 606)
-        self.assertEqual([item["from"] for item in self.b.await_dispatched(5)["dispatched"]], ["broadcast"])
+        self.assertEqual([item["from"] for item in self.b.await_dispatched()["dispatched"]], ["broadcast"])
         self.assertEqual(self.b.output("receive", 1352), "score")
         self.assertEqual(self.b.output("receive", 1353), data)
 
     def test_record_fires_the_other_hosts_receive_node(self):
         self.create_record_nodes()
         self.a.send("send", 410)
-        reply = self.b.await_dispatched(5)
+        reply = self.b.await_dispatched()
         self.assertEqual([(item["from"], item["device"], item["results"]["receive"]) for item in reply["dispatched"]],
                          [("control", 4, 1)])
         self.assertEqual([(event["node"], event["output"]) for event in reply["posted"]], [("receive", 554)])
@@ -112,118 +96,44 @@ class TwoHosts(OverACable):
             self.assertEqual(listener.stdout.readline().strip(), sent.hex())
         self.a.ask("devices", list=None)
 
-    def pull_cable(self, seconds):
-        """Take the link down, go on sending, put it back. The longest evaluation, and whether the connection was lost."""
-        longest, lost = 0, False
-        run(*self.far.inside("ip", "link", "set", "cable-b", "down"))
-        end = time.monotonic() + seconds
-        while time.monotonic() < end:
-            started = time.monotonic()
-            self.a.send("send", 410)
-            longest = max(longest, time.monotonic() - started)
-            self.a.ask("wait", ms=50)
-            lost = lost or self.a.device()["state"] != "connected"
-        run(*self.far.inside("ip", "link", "set", "cable-b", "up"))
-        return longest, lost
-
     def test_cable_pulled_and_put_back(self):
         self.create_record_nodes()
         self.a.send("send", 410)
-        self.b.await_dispatched(5)
-        for seconds, is_lost in ((2, False), (13, True)):  # shorter and longer than it takes to give a connection up
-            with self.subTest(seconds=seconds):
-                longest, was_lost = self.pull_cable(seconds)
-                self.assertLess(longest, 0.5)
-                self.assertEqual(was_lost, is_lost)
-                self.a.ask("set", node="send", param=408, string=f"after {seconds}")
-                end = time.monotonic() + 30
-                while self.b.output("receive", 552) != f"after {seconds}" and time.monotonic() < end:
+        self.b.await_dispatched()
+        for is_given_up in (False, True):
+            with self.subTest(is_given_up=is_given_up):
+                run(*self.far.inside("ip", "link", "set", "cable-b", "down"))
+                for _ in range(20):  # each send is answered, though nothing goes out
+                    self.a.send("send", 410)
+                if is_given_up:
+                    until(lambda: self.a.ask("wait", ms=50) and self.a.device()["state"] != "connected",
+                          "the connection is given up")
+                self.assertEqual(self.a.device()["state"] == "connected", not is_given_up)
+                run(*self.far.inside("ip", "link", "set", "cable-b", "up"))
+                value = f"after it was given up: {is_given_up}"
+                self.a.ask("set", node="send", param=408, string=value)
+
+                def arrives():
                     self.a.send("send", 410)
                     self.a.ask("wait", ms=50)
-                    for _ in range(20):  # what was sent meanwhile comes first
-                        if not self.b.ask("wait", ms=10)["dispatched"]:
-                            break
-                self.assertEqual(self.b.output("receive", 552), f"after {seconds}", self.a.device())
+                    while self.b.ask("wait", ms=10)["dispatched"]:
+                        pass  # what was sent meanwhile comes first
+                    return self.b.output("receive", 552) == value
 
+                until(arrives, "what is sent then arrives")
 
-class FrameTimes(OverACable):
-    def test_a_device_that_stops_reading_costs_no_time_and_no_memory(self):
+    def test_a_device_that_stops_reading_costs_no_waiting_and_no_memory(self):
         self.far_program(hosts.iohost(), "--device", f"0.0.0.0:{DEVICE_PORT}", "--stall")
-        idle = Host()
-        self.addCleanup(idle.close)
-        for host in (self.a, idle):
-            host.create("send", NET_SEND, p402="3", p404="Clip", p406="key", p408="x" * 10_000)
-        idle.ask("devices", list=[{"id": 3, "name": "None", "parser": "framed"}])
+        self.a.create("send", NET_SEND, p402="3", p404="Clip", p406="key", p408="x" * 10_000)
         self.connect(self.a, port=DEVICE_PORT)
-
-        def p99s():
-            """How long the slowest sends but one in a hundred take with the device and without. The two hosts take turns,
-            so that whatever else the machine does slows both down."""
-            times = {self.a: [], idle: []}
-            for _ in range(100):
-                for host, took in times.items():
-                    started = time.perf_counter()
-                    host.send("send", 410)
-                    took.append(time.perf_counter() - started)
-            return [sorted(took)[98] for took in times.values()]
-
-        while self.a.device()["refused"] == 0:  # until the network's buffers and the queue are full
-            self.a.send("send", 410)
+        until(lambda: self.a.send("send", 410) and self.a.device()["refused"] > 0, "buffers and queue are full")
         memory = self.a.memory()
-        # Other programs may get in between: the best of the tries is what the hosts themselves take. On a busy machine
-        # it takes more of them.
-        best = p99s()
-        for tries in range(60):
-            if tries >= 3 and best[0] - best[1] < 0.001:
-                break
-            best = list(map(min, best, p99s()))
-        self.assertLess(best[0] - best[1], 0.001)
+        for _ in range(300):  # each is answered, though nothing goes out
+            self.a.send("send", 410)
         state = self.a.device()
-        self.assertGreater(state["refused"], 300, state)  # all of the sends after the first that was
+        self.assertGreater(state["refused"], 300, state)
         self.assertLessEqual(state["queued_bytes"], MOST_QUEUED)
         self.assertLess(self.a.memory() - memory, 2 << 20)
-
-    def running_host(self, text):
-        """A host with frames of its own, which sends the text to device 3 in every frame."""
-        host = RunningHost()
-        self.addCleanup(host.close)
-        host.create("send", NET_SEND, p402="3", p404="Clip", p406="key", p408=text)
-        host.ask("set", node="send", param=410, int=1)
-        host.ask("devices", list=[{"id": 3, "name": "None", "parser": "framed"}])
-        return host
-
-    @staticmethod
-    def frames(host):
-        """How many frames there were in half a second, and how long the slowest one took to come."""
-        came = [(at, push["frame"]) for at, push in host.take_pushes(0.5) if push.get("push") == "happened"]
-        return came[-1][1] - came[0][1], max(later[0] - earlier[0] for earlier, later in zip(came, came[1:]))
-
-    def assert_as_fast(self, tries, before):
-        """Other programs may get in between: the best of the tries is what the host itself does."""
-        self.assertGreaterEqual(max(count for count, _ in tries), max(count for count, _ in before) - 1)
-        self.assertLess(min(longest for _, longest in tries), 0.1)
-
-    def test_a_device_that_stops_reading_leaves_the_frames_their_rate(self):
-        self.far_program(hosts.iohost(), "--device", f"0.0.0.0:{DEVICE_PORT}", "--stall")
-        host = self.running_host("x" * 10_000)
-        before = [self.frames(host) for _ in range(3)]
-        self.connect(host, port=DEVICE_PORT)
-        host.ask("set", node="send", param=408, string="x" * 60_000)
-        while host.device()["refused"] == 0:  # until the network's buffers and the queue are full
-            time.sleep(0.1)
-        host.ask("set", node="send", param=408, string="x" * 10_000)
-        self.assert_as_fast([self.frames(host) for _ in range(3)], before)
-
-    def test_a_pulled_cable_leaves_the_frames_their_rate(self):
-        self.far_program(sys.executable, "-c", SINK, str(DEVICE_PORT))
-        host = self.running_host("first")
-        self.connect(host, port=DEVICE_PORT)
-        before = [self.frames(host) for _ in range(3)]
-        run(*self.far.inside("ip", "link", "set", "cable-b", "down"))
-        self.addCleanup(run, *self.far.inside("ip", "link", "set", "cable-b", "up"))
-        pulled = self.frames(host)
-        self.assert_as_fast([pulled, self.frames(host), self.frames(host)], before)
-        self.assertLess(pulled[1], 0.5)  # not in the moment of the pull either
 
 
 if __name__ == "__main__":

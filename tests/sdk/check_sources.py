@@ -8,9 +8,9 @@
 
 ARGUMENTS are MODULE_DIR SOURCE... -- COMPILER...: the sources, counted from MODULE_DIR, and a clang with its options.
 
-The other host has the classes and functions that its libraries must have, but names their members, its further types and
-its headers otherwise. HostMembers.h beside this script is nodes/shared/HostMembers.h written for it; nothing else of the
-module may need a change.
+The other host has the classes and functions that its libraries must have, but names their members and its further types
+otherwise. HostMembers.h beside this script is nodes/shared/HostMembers.h written for it; nothing else of the module may
+need a change.
 """
 
 import concurrent.futures

@@ -21,22 +21,6 @@ protected:
     }
     void TearDown() override { FreeLibrary(m_hModule); }
 
-    /// Ids of all resources of the type; 0 for one that has a name.
-    std::vector<int> Ids(LPCWSTR pszType) {
-        std::vector<int> ids;
-        EnumResourceNamesW(
-            m_hModule, pszType,
-            [](HMODULE, LPCWSTR, LPWSTR pszName, LONG_PTR pIds) -> BOOL {
-                const auto nId = reinterpret_cast<ULONG_PTR>(pszName);
-                reinterpret_cast<std::vector<int>*>(pIds)->push_back(IS_INTRESOURCE(pszName) ? static_cast<int>(nId)
-                                                                                             : 0);
-                return TRUE;
-            },
-            reinterpret_cast<LONG_PTR>(&ids));
-        std::sort(ids.begin(), ids.end());
-        return ids;
-    }
-
     std::vector<BYTE> Bytes(LPCWSTR pszType, int nId) {
         const HRSRC hResource = FindResourceW(m_hModule, MAKEINTRESOURCEW(nId), pszType);
         if (hResource == nullptr) {
@@ -60,10 +44,6 @@ T ReadAt(const std::vector<BYTE>& bytes, size_t nOffset) {
 
 const std::vector<int> ICON_IDS = {7000, 7001, 7002, 7003, 7004, 7005, 7006, 7007, 7009, 7010, 7011, 7012, 7013};
 const std::vector<int> ICON_SIZES = {16, 24, 32, 48};
-
-TEST_F(Resources, IconGroupsAreThoseOfTheNodeTypes) {
-    EXPECT_EQ(Ids(reinterpret_cast<LPCWSTR>(RT_GROUP_ICON)), ICON_IDS);
-}
 
 TEST_F(Resources, EachIconGroupHoldsEachSize) {
     for (const int nId : ICON_IDS) {
@@ -103,29 +83,6 @@ TEST_F(Resources, EachIconLoadsInEachSizeAndNoOtherId) {
     }
     for (const int nId : {6999, 7008, 7014}) {
         EXPECT_EQ(LoadImageW(m_hModule, MAKEINTRESOURCEW(nId), IMAGE_ICON, 16, 16, 0), nullptr) << nId;
-    }
-}
-
-TEST_F(Resources, WithoutASizeAnIconHasTheSystemsOrOneOfItsOwn) {
-    const auto SizeOf = [&](int nId, UINT nFlags) {
-        const auto hIcon = static_cast<HICON>(LoadImageW(m_hModule, MAKEINTRESOURCEW(nId), IMAGE_ICON, 0, 0, nFlags));
-        ICONINFO info = {};
-        EXPECT_TRUE(GetIconInfo(hIcon, &info)) << nId;
-        BITMAP bitmap = {};
-        GetObjectW(info.hbmColor, sizeof(bitmap), &bitmap);
-        DeleteObject(info.hbmColor);
-        DeleteObject(info.hbmMask);
-        DestroyIcon(hIcon);
-        return std::pair(bitmap.bmWidth, bitmap.bmHeight);
-    };
-    for (const int nId : ICON_IDS) {
-        EXPECT_EQ(SizeOf(nId, LR_DEFAULTSIZE),
-                  std::pair(LONG{GetSystemMetrics(SM_CXICON)}, LONG{GetSystemMetrics(SM_CYICON)}))
-            << nId;
-        // One of the group's pictures as it is; which one, the system chooses.
-        const auto [nWidth, nHeight] = SizeOf(nId, 0);
-        EXPECT_EQ(nWidth, nHeight) << nId;
-        EXPECT_NE(std::find(ICON_SIZES.begin(), ICON_SIZES.end(), nWidth), ICON_SIZES.end()) << nId << ", " << nWidth;
     }
 }
 

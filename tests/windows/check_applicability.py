@@ -38,7 +38,7 @@ def tests_in_sources(folders):
     for folder in map(pathlib.Path, folders):
         # A source that no build takes has no tests.
         named = set(re.findall(r"\w+\.cpp\b", (folder / "CMakeLists.txt").read_text(encoding="utf-8")))
-        for path in sorted(path for path in folder.glob("*.cpp") if path.name in named):
+        for path in sorted(path for path in folder.rglob("*.cpp") if path.name in named):
             for suite, name, body in TEST.findall(path.read_text(encoding="utf-8")):
                 tests[f"{suite}.{name}"] = "GTEST_SKIP" in body
     return tests

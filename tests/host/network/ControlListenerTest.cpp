@@ -1,5 +1,5 @@
 // Who is served when more hosts send records than there are places.
-#include "../NetworkPeers.h"
+#include "NetworkPeers.h"
 
 #include "network/ControlListener.h"
 
@@ -31,7 +31,7 @@ protected:
 
     template <typename Condition>
     void RunUntil(Condition isMet) {
-        const auto tEnd = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+        const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
         m_loop.Context().restart();
         while (!isMet() && m_loop.Context().run_one_until(tEnd) > 0) {
         }

@@ -1,5 +1,5 @@
 // The network by itself: what it hands to its receiver.
-#include "../NetworkPeers.h"
+#include "NetworkPeers.h"
 
 #include "network/Peers.h"
 
@@ -20,11 +20,13 @@ protected:
     Peers() { SetLogSink(this); }
     ~Peers() override { SetLogSink(nullptr); }
 
-    /// Wait for an item; how many came.
-    size_t Wait(unsigned nMilliseconds = 5000) {
-        const size_t nBefore = m_items.size();
-        m_network.Wait(nMilliseconds);
-        return m_items.size() - nBefore;
+    /// Wait until so many items have come, whatever became of them.
+    void AwaitItems(size_t nCount) {
+        const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
+        while (m_nCalls < nCount && std::chrono::steady_clock::now() < tEnd) {
+            m_network.Wait(10);
+        }
+        EXPECT_EQ(m_nCalls, nCount);
     }
 
     size_t CountLines(const std::string& strText) const {
@@ -37,9 +39,11 @@ protected:
     CPeers m_network{*this};
     std::vector<EPeer> m_items;             ///< where they came from
     std::function<void()> m_onItem = [] {}; ///< before it is taken
+    size_t m_nCalls = 0;
 
 private:
     bool OnItem(EPeer nFrom, const SIOEventRecord& /*record*/) override {
+        ++m_nCalls;
         m_onItem();
         m_items.push_back(nFrom);
         return true;
@@ -56,27 +60,28 @@ TEST_F(Peers, AnItemThatFailsDoesNotStopTheOthers) {
                             .nParser = EDeviceParser::Framed,
                             .address = CTestPeers::Endpoint(m_listener.Port())}}});
     m_network.Listen({.address = "127.0.0.1", .broadcast = 0, .control = std::nullopt});
-    m_network.AwaitFirstAttempts(5000);
+    m_network.AwaitFirstAttempts(60'000);
     auto device = m_listener.Accept();
     const unsigned short nBroadcast = m_network.State().broadcast->nPort;
 
     m_onItem = [] { throw std::runtime_error("a failure"); };
     m_others.SendDatagram(nBroadcast, BROADCAST);
-    EXPECT_EQ(Wait(200), 0u);
-    EXPECT_EQ(CountLines("a failure"), 1u);
+    AwaitItems(1);
     m_onItem = [] { AfxThrowMemoryException(); };
     m_others.SendDatagram(nBroadcast, BROADCAST);
-    EXPECT_EQ(Wait(200), 0u); // whose line is left out, so soon after the first
+    AwaitItems(2);
+    EXPECT_EQ(CountLines("a failure"), 1u); // the second line is left out, so soon after the first
     m_onItem = [] { throw 1; };
     CTestPeers::Write(device, RecordFrame());
-    EXPECT_EQ(Wait(200), 0u);
+    AwaitItems(3);
+    EXPECT_EQ(m_items.size(), 0u);
     EXPECT_EQ(m_network.State().devices->front().nState, ELinkState::Connected);
 
     m_onItem = [] {};
     m_others.SendDatagram(nBroadcast, BROADCAST);
-    EXPECT_EQ(Wait(), 1u);
+    AwaitItems(4);
     CTestPeers::Write(device, RecordFrame());
-    EXPECT_EQ(Wait(), 1u);
+    AwaitItems(5);
     EXPECT_EQ(m_items, (std::vector{EPeer::Broadcast, EPeer::Device}));
     EXPECT_EQ(m_network.State().devices->front().counts.nReceived, 2u);
     EXPECT_EQ(m_network.State().devices->front().counts.nMatched, 1u);

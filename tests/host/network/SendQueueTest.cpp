@@ -3,143 +3,117 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-
-bool Push(CSendQueue& queue, std::string_view item) {
-    return queue.Push({reinterpret_cast<const unsigned char*>(item.data()), item.size()});
-}
-
-std::string BeginWrite(CSendQueue& queue) {
-    const auto bytes = queue.BeginWrite();
-    return {bytes.begin(), bytes.end()};
-}
-
-TEST(SendQueue, WritesInOrderAndAtOnce) {
-    CSendQueue queue;
-    EXPECT_EQ(BeginWrite(queue), "");
-    queue.EndWrite(true);
-    EXPECT_TRUE(Push(queue, "one"));
-    EXPECT_TRUE(Push(queue, "two"));
-    EXPECT_EQ(BeginWrite(queue), "onetwo");
-    EXPECT_TRUE(Push(queue, "three"));
-    EXPECT_EQ(queue.ItemCount(), 3u);
-    queue.EndWrite(true);
-    EXPECT_EQ(queue.SentCount(), 2u);
-    EXPECT_EQ(queue.ItemCount(), 1u);
-    EXPECT_EQ(BeginWrite(queue), "three");
-    queue.EndWrite(true);
-    EXPECT_EQ(queue.SentCount(), 3u);
-    EXPECT_EQ(queue.ByteCount(), 0u);
-    EXPECT_EQ(queue.LostCount(), 0u);
-}
-
-TEST(SendQueue, RefusesMoreItemsThanItHolds) {
-    CSendQueue queue;
-    for (std::size_t i = 0; i < CSendQueue::MOST_ITEMS; ++i) {
-        EXPECT_TRUE(Push(queue, "x"));
+class SendQueue : public testing::Test {
+protected:
+    bool Push(std::string_view item) {
+        return m_queue.Push({reinterpret_cast<const unsigned char*>(item.data()), item.size()});
     }
-    EXPECT_FALSE(Push(queue, "y"));
-    EXPECT_EQ(queue.ItemCount(), CSendQueue::MOST_ITEMS);
-    queue.BeginWrite();
-    EXPECT_FALSE(Push(queue, "y")) << "what is being written still counts";
-    queue.EndWrite(true);
-    EXPECT_TRUE(Push(queue, "y"));
-    EXPECT_EQ(BeginWrite(queue), "y");
-}
 
-TEST(SendQueue, RefusesMoreBytesThanItHolds) {
-    CSendQueue queue;
-    EXPECT_FALSE(Push(queue, std::string(CSendQueue::MOST_BYTES + 1, 'x')));
-    EXPECT_TRUE(Push(queue, std::string(CSendQueue::MOST_BYTES - 1, 'x')));
-    EXPECT_FALSE(Push(queue, "yy"));
-    EXPECT_TRUE(Push(queue, "y"));
-    EXPECT_FALSE(Push(queue, "z"));
-    EXPECT_EQ(queue.ByteCount(), CSendQueue::MOST_BYTES);
-}
+    std::string BeginWrite() {
+        const auto bytes = m_queue.BeginWrite();
+        return {bytes.begin(), bytes.end()};
+    }
 
-TEST(SendQueue, LongItemsGoOutInPieces) {
-    CSendQueue queue;
-    const std::string strLong = std::string(100'000, 'a') + std::string(100'000, 'b');
-    Push(queue, strLong);
-    Push(queue, "end");
+    void ExpectCounts(size_t nItems, unsigned long long nSent, unsigned long long nLost) {
+        EXPECT_EQ(m_queue.ItemCount(), nItems);
+        EXPECT_EQ(m_queue.SentCount(), nSent);
+        EXPECT_EQ(m_queue.LostCount(), nLost);
+    }
+
+    const std::string m_strLong = std::string(100'000, 'a') + std::string(100'000, 'b');
+    CSendQueue m_queue;
+};
+
+TEST_F(SendQueue, WritesInOrderAndAtOnceLongItemsInPieces) {
+    EXPECT_EQ(BeginWrite(), "");
+    m_queue.EndWrite(true);
+    Push("one");
+    Push("two");
+    EXPECT_EQ(BeginWrite(), "onetwo");
+    Push(m_strLong);
+    Push("end");
+    ExpectCounts(4, 0, 0);
+    m_queue.EndWrite(true);
+    ExpectCounts(2, 2, 0);
     std::string strWritten;
-    int nWrites = 0;
-    for (std::string strPiece = BeginWrite(queue); !strPiece.empty(); strPiece = BeginWrite(queue)) {
+    for (std::string strPiece = BeginWrite(); !strPiece.empty(); strPiece = BeginWrite()) {
+        EXPECT_LT(strPiece.size(), m_strLong.size());
         strWritten += strPiece;
-        queue.EndWrite(true);
-        EXPECT_EQ(queue.ByteCount(), strLong.size() + 3 - strWritten.size());
-        ++nWrites;
+        m_queue.EndWrite(true);
+        EXPECT_EQ(m_queue.ByteCount(), m_strLong.size() + 3 - strWritten.size());
     }
-    EXPECT_TRUE(strWritten == strLong + "end");
-    EXPECT_GT(nWrites, 2);
-    EXPECT_EQ(queue.SentCount(), 2u);
+    EXPECT_TRUE(strWritten == m_strLong + "end");
+    ExpectCounts(0, 4, 0);
 }
 
-TEST(SendQueue, ALostWriteLosesItsItemsOnly) {
-    CSendQueue queue;
-    Push(queue, "one");
-    Push(queue, "two");
-    BeginWrite(queue);
-    Push(queue, "three");
-    queue.EndWrite(false);
-    EXPECT_EQ(queue.LostCount(), 2u);
-    EXPECT_EQ(queue.SentCount(), 0u);
-    EXPECT_EQ(BeginWrite(queue), "three");
+TEST_F(SendQueue, RefusesMoreThanItHolds) {
+    EXPECT_FALSE(Push(std::string(CSendQueue::MOST_BYTES + 1, 'x')));
+    EXPECT_TRUE(Push(std::string(CSendQueue::MOST_BYTES - 1, 'x')));
+    EXPECT_FALSE(Push("yy"));
+    EXPECT_TRUE(Push("y"));
+    EXPECT_FALSE(Push("z"));
+    EXPECT_EQ(m_queue.ByteCount(), CSendQueue::MOST_BYTES);
+    m_queue = CSendQueue();
+    for (std::size_t i = 0; i < CSendQueue::MOST_ITEMS; ++i) {
+        EXPECT_TRUE(Push("x"));
+    }
+    EXPECT_FALSE(Push("y"));
+    BeginWrite();
+    EXPECT_FALSE(Push("y")) << "what is being written still counts";
+    m_queue.EndWrite(true);
+    EXPECT_TRUE(Push("y"));
+    EXPECT_EQ(BeginWrite(), "y");
 }
 
-TEST(SendQueue, ALostPieceLosesTheWholeItem) {
-    CSendQueue queue;
-    Push(queue, std::string(200'000, 'a'));
-    Push(queue, "next");
-    BeginWrite(queue);
-    queue.EndWrite(true);
-    BeginWrite(queue);
-    queue.EndWrite(false);
-    EXPECT_EQ(queue.LostCount(), 1u);
-    EXPECT_EQ(BeginWrite(queue), "next");
-    queue.EndWrite(true);
-    EXPECT_EQ(queue.SentCount(), 1u);
+TEST_F(SendQueue, ALostWriteLosesItsItemsOnly) {
+    Push("one");
+    Push("two");
+    BeginWrite();
+    Push(m_strLong);
+    Push("next");
+    m_queue.EndWrite(false);
+    ExpectCounts(2, 0, 2);
+    BeginWrite();
+    m_queue.EndWrite(true);
+    BeginWrite();
+    m_queue.EndWrite(false); // a piece, with which the whole item is lost
+    ExpectCounts(1, 0, 3);
+    EXPECT_EQ(BeginWrite(), "next");
+    m_queue.EndWrite(true);
+    ExpectCounts(0, 1, 3);
 }
 
-TEST(SendQueue, AnItemBegunOnALostConnectionIsNotContinued) {
-    CSendQueue queue;
-    Push(queue, std::string(200'000, 'a'));
-    Push(queue, "next");
-    BeginWrite(queue);
-    queue.EndWrite(true);
-    queue.EndConnection();
-    EXPECT_EQ(queue.LostCount(), 1u);
-    queue.EndConnection();
-    EXPECT_EQ(queue.LostCount(), 1u);
-    EXPECT_EQ(BeginWrite(queue), "next");
-}
-
-TEST(SendQueue, AWriteThatOutlastsItsConnectionIsNotContinuedEither) {
-    CSendQueue queue;
-    Push(queue, std::string(200'000, 'a'));
-    Push(queue, "next");
-    Push(queue, "last");
-    BeginWrite(queue);
-    queue.EndConnection();
-    EXPECT_EQ(queue.LostCount(), 0u);
-    queue.EndWrite(true);
-    EXPECT_EQ(queue.LostCount(), 1u);
-    EXPECT_EQ(BeginWrite(queue), "nextlast");
-    queue.EndWrite(true);
-    EXPECT_EQ(queue.SentCount(), 2u);
-
-    // Nothing of the kind is left for the next connection.
-    Push(queue, std::string(200'000, 'a'));
-    BeginWrite(queue);
-    queue.EndWrite(true);
-    EXPECT_EQ(queue.LostCount(), 1u);
-    EXPECT_EQ(queue.ItemCount(), 1u);
+TEST_F(SendQueue, AnItemBegunOnALostConnectionIsNotContinued) {
+    for (const bool bOutlasts : {false, true}) { // the write its connection
+        m_queue = CSendQueue();
+        Push(m_strLong);
+        Push("next");
+        Push("last");
+        BeginWrite();
+        if (bOutlasts) {
+            m_queue.EndConnection();
+            ExpectCounts(3, 0, 0);
+            m_queue.EndWrite(true);
+        } else {
+            m_queue.EndWrite(true);
+            m_queue.EndConnection();
+            m_queue.EndConnection();
+        }
+        ExpectCounts(2, 0, 1);
+        EXPECT_EQ(BeginWrite(), "nextlast");
+        m_queue.EndWrite(true);
+        ExpectCounts(0, 2, 1);
+        // Nothing of the kind is left for the next connection.
+        Push(m_strLong);
+        BeginWrite();
+        m_queue.EndWrite(true);
+        ExpectCounts(1, 2, 1);
+    }
 }
 
 } // namespace

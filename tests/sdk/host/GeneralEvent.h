@@ -1,3 +1,15 @@
 #pragma once
 
-#include "vek/Event.h"
+#include "vek/Api.h"
+
+#include "host/ParamModel.h"
+
+enum EQOREventID { eEventGeneral = 2 };
+
+class VEK_API SQOREvent {
+public:
+    SQOREvent(EQOREventID eID, CString strName);
+    virtual ~SQOREvent();
+
+    CList<VEKParam*, VEKParam*>* Params;
+};

@@ -1,3 +1,13 @@
 #pragma once
 
-#include "vek/Markup.h"
+#include "vek/Api.h"
+
+class VEK_API CMarkup {
+public:
+    CMarkup();
+    virtual ~CMarkup();
+
+    bool AddElem(LPCTSTR pszName);
+    bool SetAttrib(LPCTSTR pszName, LPCTSTR pszValue);
+    bool GetText(CString& strText);
+};

@@ -4,3 +4,6 @@
 #include <afxwin.h>
 
 #define VEK_API __declspec(dllimport)
+
+enum EVEKParamType { eParamPointer, eParamText };
+enum EVEKParamControl { eControlNone, eControlEdit };

@@ -1,0 +1,117 @@
+// Lines for a reader that nobody waits for.
+#include "base/OutputLines.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// A reader that can stall, and go away. The thread that writes to it may outlive the test.
+class CReader {
+public:
+    bool Take(std::string_view text) {
+        std::unique_lock lock(m_mutex);
+        m_bCalled = true;
+        m_changed.notify_all();
+        m_changed.wait(lock, [this] { return !m_bStalled; });
+        m_strTaken += text;
+        return !m_bGone;
+    }
+
+    void Stall(bool bStalled) {
+        const std::lock_guard lock(m_mutex);
+        m_bStalled = bStalled;
+        m_changed.notify_all();
+    }
+
+    void GoAway() { m_bGone = true; }
+
+    /// Until the thread is within a call, which stalls if the reader does.
+    void AwaitCall() {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait(lock, [this] { return m_bCalled; });
+    }
+
+    std::string Taken() {
+        const std::lock_guard lock(m_mutex);
+        return m_strTaken;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    std::string m_strTaken;
+    bool m_bStalled = false;
+    bool m_bGone = false;
+    bool m_bCalled = false;
+};
+
+class OutputLines : public testing::Test {
+protected:
+    SOutputLinesOptions Options(size_t nMostBytes = 1000) {
+        return {.write = [pReader = m_pReader](std::string_view text) { return pReader->Take(text); },
+                .missingLine = [](unsigned long long nLines) { return std::to_string(nLines) + " missing\n"; },
+                .onClosed =
+                    [this] {
+                        ++m_nClosed;
+                        m_nClosed.notify_all();
+                    },
+                .nMostBytes = nMostBytes};
+    }
+
+    std::shared_ptr<CReader> m_pReader = std::make_shared<CReader>();
+    std::atomic<int> m_nClosed = 0;
+};
+
+TEST_F(OutputLines, ComeInOrderAndAreAllThereAtTheEnd) {
+    std::string strExpected;
+    {
+        COutputLines lines(Options());
+        for (int i = 0; i < 100; ++i) {
+            lines.Stream() << "line " << i << '\n' << std::flush;
+            strExpected += "line " + std::to_string(i) + "\n";
+        }
+        lines.Stream() << "not flushed";
+    }
+    EXPECT_EQ(m_pReader->Taken(), strExpected + "not flushed");
+    EXPECT_EQ(m_nClosed, 0);
+}
+
+TEST_F(OutputLines, ThoseThatAStalledReaderLeavesNoRoomForAreCounted) {
+    m_pReader->Stall(true);
+    {
+        COutputLines lines(Options(20));
+        lines.Stream() << "first\n" << std::flush;
+        m_pReader->AwaitCall();
+        lines.Stream() << "second\n" << std::flush;
+        lines.Stream() << "two\nlines too long\n" << std::flush;
+        lines.Stream() << "x\n" << std::flush; // there's room for it, but not before the others
+        m_pReader->Stall(false);
+    }
+    EXPECT_EQ(m_pReader->Taken(), "first\nsecond\n3 missing\n");
+}
+
+TEST_F(OutputLines, AStalledReaderHoldsUpTheEndForAMomentOnly) {
+    m_pReader->Stall(true);
+    {
+        COutputLines lines(Options());
+        lines.Stream() << "never read\n" << std::flush;
+        m_pReader->AwaitCall();
+    }
+    EXPECT_EQ(m_pReader->Taken(), "");
+    m_pReader->Stall(false); // lets the thread end
+}
+
+TEST_F(OutputLines, AReaderThatGoesAwayIsTold) {
+    m_pReader->GoAway();
+    COutputLines lines(Options());
+    lines.Stream() << "refused\n" << std::flush;
+    m_nClosed.wait(0);
+    lines.Stream() << "dropped\n" << std::flush;
+    EXPECT_EQ(m_nClosed, 1);
+}
+
+} // namespace
