@@ -24,7 +24,7 @@ TEST_F(SafeFile, IsWrittenAnewInItsModeBesideOthers) {
     const auto file = m_folder.Path() / "a.json";
     EXPECT_EQ(WriteFileSafely(file, "first"), "");
     EXPECT_EQ(ReadAll(file), "first");
-    std::filesystem::permissions(file, perms::owner_read | perms::owner_write);
+    std::filesystem::permissions(file, perms::owner_all);
     const perms nMode = std::filesystem::status(file).permissions(); // not all systems keep all of it
     EXPECT_EQ(WriteFileSafely(file, "second\r\n"), "");
     EXPECT_EQ(ReadAll(file), "second\r\n");
