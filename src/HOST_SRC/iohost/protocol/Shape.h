@@ -355,13 +355,13 @@ template <typename T, size_t nCount>
 struct Codec<T[nCount]> : SFixedListCodec<T[nCount], T, nCount> {};
 
 /// What the members of such an object are called.
-inline std::string KeyText(const std::string& strName) {
+inline std::string MemberName(const std::string& strName) {
     return strName;
 }
-inline std::string KeyText(unsigned nId) {
+inline std::string MemberName(unsigned nId) {
     return std::to_string(nId);
 }
-inline std::string KeyText(const SNode* pNode) {
+inline std::string MemberName(const SNode* pNode) {
     return pNode->strHandle;
 }
 
@@ -376,7 +376,7 @@ struct Codec<std::vector<std::pair<Key, T>>> {
     static OrderedJson Write(const std::vector<std::pair<Key, T>>& value) {
         OrderedJson object = OrderedJson::object();
         for (const auto& [key, element] : value) {
-            AppendMember(object, KeyText(key), ToJson(element));
+            AppendMember(object, MemberName(key), ToJson(element));
         }
         return object;
     }
