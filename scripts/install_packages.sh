@@ -1,7 +1,7 @@
 # Sourced by the commands at the root: installs the Debian packages that a command lacks.
 
 # Packages that building and running need, the further ones that testing needs, those for the Windows build and its tests,
-# and those for the build in Microsoft's C++ ABI.
+# those for the build in Microsoft's C++ ABI, and those for scripts/mutate.
 run_packages=(g++ cmake ninja-build ccache libboost-dev nlohmann-json3-dev libpugixml-dev libsimpleini-dev libutf8proc-dev
               libcli11-dev libcpprest-dev dpkg-dev)
 test_packages=(googletest librapidcheck-dev libbenchmark-dev clang-format clang-tidy python3 iproute2 binutils
@@ -9,6 +9,7 @@ test_packages=(googletest librapidcheck-dev libbenchmark-dev clang-format clang-
 windows_packages=(g++-mingw-w64-x86-64-posix)
 windows_test_packages=(wine wine64 clang-19 xvfb xdotool)
 microsoft_abi_packages=(clang-19 lld-19 llvm-19)
+mutate_packages=(python3-clang-19)
 
 # install_packages PACKAGE...: needs root or sudo only when something is missing.
 install_packages() {
