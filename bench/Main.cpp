@@ -86,7 +86,7 @@ bool MeasureAll() {
         }
     }
     CBenchHost host;
-    // Before the many broadcast send nodes, each of which takes a socket for good.
+    // Before the many broadcast send nodes of one type, each of which takes a socket for good.
     measure(CNetworkComparisons(host).All());
     measure(CJsonComparisons(host).All());
     host.PostReportedEvents();

@@ -89,7 +89,7 @@ def measure(command, texts):
                         raise SystemExit(f"the peer answered {answer!r}")
                     if number >= WARM_UP:
                         times.append((time.perf_counter_ns() - begin) / 1e6)
-                    time.sleep(random.uniform(0, 0.003))  # at any moment of a frame
+                    time.sleep(random.uniform(0, 1 / 60))  # at any moment of a frame
         finally:
             child.terminate()
             child.wait()

@@ -196,7 +196,7 @@ void DeclareFronts(CCommandLine& line, SOptions& options) {
     line.IsFront(EFront::Describe,
                  line.Add("--describe", "FORM",
                           "writes the reference of the node types, from the module itself (markdown), or the\n"
-                          "types of the session's messages (typescript)",
+                          "page's types of the session's messages (typescript)",
                           readForm, "is none of markdown, typescript"));
     line.IsFront(EFront::Replay,
                  line.Add("--replay", "FILE",

@@ -245,7 +245,6 @@ int CHost::Evaluate(SNode& node, bool bGraph) {
 }
 
 int CHost::Deliver(SNode& node, const SIOEventRecord* pRecord) {
-    node.bGotEvent = true;
     m_pJsonVerdicts->Begin();
     const int nResult = Call(&node, [&] { return node.pNode->DevIOEventOccurred(pRecord); });
     m_pJsonVerdicts->End(node, pRecord, nResult);

@@ -16,7 +16,6 @@
 #include "base/GuidText.h"
 #include "base/TextUtf8.h"
 #include "protocol/Fields.h"
-#include "scene/Scene.h"
 
 enum : unsigned {
     /// Reading: the field may be missing. Writing: it's left out while it is what a new struct has.
@@ -360,9 +359,6 @@ inline std::string MemberName(const std::string& strName) {
 }
 inline std::string MemberName(unsigned nId) {
     return std::to_string(nId);
-}
-inline std::string MemberName(const SNode* pNode) {
-    return pNode->strHandle;
 }
 
 /// A list by name, id or node: an object.

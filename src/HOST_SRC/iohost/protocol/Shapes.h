@@ -331,6 +331,10 @@ SHAPE(SLayout, SField{"path", &SLayout::strPath}, SField{"reader", &SLayout::pRe
 SHAPE(SDestroyed, SField{"result", &SDestroyed::nResult}, SField{"slot_null", &SDestroyed::bSlotNull},
       SField{"freed", &SDestroyed::bFreed})
 
+inline std::string MemberName(const SNode* pNode) {
+    return pNode->strHandle;
+}
+
 SHAPE(SNodeResults, SField{"results", &SNodeResults::results})
 
 SHAPE(SFrameResults, SField{"results", &SFrameResults::results},

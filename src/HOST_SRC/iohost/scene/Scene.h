@@ -34,13 +34,15 @@ struct SNode {
     // What each frame looks at lies together.
     P_ExtDevIOProcess* pNode;
     std::unique_ptr<SGraphNode> pGraphNode;
-    std::vector<SLink> arIncoming;     ///< links into this node, in the order in which they were made
-    std::vector<unsigned> arTriggered; ///< inputs that the next evaluation finds triggered, each once
-    bool bGotEvent = false;            ///< since its last evaluation: its outputs may not tell of it yet
-    bool bEventWindow;                 ///< the node was given the event window
-    bool bNotifyWindow;                ///< the node was given the notification window
-    unsigned long long nCause = 0;     ///< what it was evaluated for last, out of turn
-    unsigned long long nOrder;         ///< place in the order of creation
+    std::vector<SLink> arIncoming;       ///< links into this node, in the order in which they were made
+    std::vector<unsigned> arTriggered;   ///< inputs that the next evaluation finds triggered, each once
+    bool bGotEvent = false;              ///< since its last evaluation: its outputs may not tell of it yet
+    bool bCycleTold = false;             ///< that it triggers itself
+    bool bEventWindow;                   ///< the node was given the event window
+    bool bNotifyWindow;                  ///< the node was given the notification window
+    unsigned long long nVisitedBy = 0;   ///< the call of CSession::Follow that looked at it last
+    unsigned long long nEvaluatedBy = 0; ///< and that evaluated it last
+    unsigned long long nOrder;           ///< place in the order of creation
     std::string strHandle;
     GUID guidType;
     PinTypes ownInputs;            ///< the inputs that the node makes by itself, also when they were dropped since

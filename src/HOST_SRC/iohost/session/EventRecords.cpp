@@ -84,7 +84,7 @@ void* ObjectOf(Payload& payload) {
         payload);
 }
 
-bool IsTruthful(const SEventCommand& event) {
+bool DeviceFitsPayload(const SEventCommand& event) {
     return std::holds_alternative<std::monostate>(event.payload) || Carries(event.nDevice, event.nEvent, event.payload);
 }
 

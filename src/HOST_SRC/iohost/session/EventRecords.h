@@ -9,9 +9,9 @@ Payload PayloadOf(const SIOEventRecord& record);
 /// What an event record points at; null for none.
 void* ObjectOf(Payload& payload);
 
-/// Whether the record's device tells nodes the truth about the payload, if there is any. They trust it to tell what the
-/// record points at.
-bool IsTruthful(const SEventCommand& event);
+/// Whether records of this device and event carry such a payload, or there is none. Nodes don't check what a record
+/// points at.
+bool DeviceFitsPayload(const SEventCommand& event);
 
 /// Whether nodes of this type look at such records. Some answer every record with 1 and take none of them.
 bool MayRead(const GUID& guidType, int nDevice, int nEvent);

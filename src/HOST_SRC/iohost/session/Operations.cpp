@@ -157,34 +157,47 @@ Result CSession::On(const SEvaluateCommand& command) {
 
 /// Evaluate the nodes that were triggered, and what their evaluations trigger, each once.
 void CSession::Follow() {
-    ++m_nCause;
+    ++m_nFollow;
     for (auto triggered = Scene().TakeTriggered(); m_nEvaluation == EEvaluation::Event && !triggered.empty();
          triggered = Scene().TakeTriggered()) {
         for (SNode* pNode : triggered) {
-            for (const SLink& link : pNode->arIncoming) {
-                if (link.pFrom->bGotEvent) {
-                    EvaluateOnce(*link.pFrom); // so that its values are those of the event
-                }
+            if (pNode->arTriggered.empty()) {
+                continue; // evaluated since
             }
-            if (!pNode->arTriggered.empty()) {
-                EvaluateOnce(*pNode);
+            if (pNode->nEvaluatedBy != m_nFollow) {
+                pNode->nVisitedBy = 0;
+                Settle(*pNode);
+            } else if (!std::exchange(pNode->bCycleTold, true)) {
+                WriteHostLine(LOG_INFORMATION, "the node " + Quoted(pNode->strHandle) +
+                                                   " is triggered by what it caused: that waits for the next frame");
             }
         }
     }
 }
 
-/// A node that is triggered again by what it caused waits for the next frame. A fault doesn't keep the others.
-void CSession::EvaluateOnce(SNode& node) {
-    if (std::exchange(node.nCause, m_nCause) == m_nCause) {
-        m_cycleLine.Write("the node " + Quoted(node.strHandle) + " is triggered again by what it caused: that waits " +
-                          "for the next frame");
-        return;
+/// Evaluate a node that an event reached, that is triggered, or that takes a value of such a node; before it those that
+/// it has links from, so that its inputs are up to date. True when it was evaluated, now or before.
+bool CSession::Settle(SNode& node) {
+    if (node.nEvaluatedBy == m_nFollow) {
+        return true;
     }
-    try {
-        m_pHost->Evaluate(node, true);
-    } catch (const CModuleFault& fault) {
-        m_faultLine.Write(fault.what());
+    if (std::exchange(node.nVisitedBy, m_nFollow) == m_nFollow) {
+        return false;
     }
+    bool bConcerned = node.bGotEvent;
+    for (const SLink& link : node.arIncoming) {
+        bConcerned |= Settle(*link.pFrom) && !link.bEvent;
+    }
+    bConcerned |= !node.arTriggered.empty();
+    if (bConcerned) {
+        node.nEvaluatedBy = m_nFollow;
+        try {
+            m_pHost->Evaluate(node, true);
+        } catch (const CModuleFault& fault) {
+            WriteHostLine(LOG_ERROR, fault.what());
+        }
+    }
+    return bConcerned;
 }
 
 Result CSession::On(const SProcessCommand& command) {
@@ -216,7 +229,7 @@ Result CSession::On(const SFrameCommand& command) {
 
 Result CSession::On(const SEventCommand& command, const SOrigin& origin) {
     const std::vector<SNode*> nodes = NodeOrAll(command.handle);
-    if (command.bRecord && !IsTruthful(command)) {
+    if (command.bRecord && !DeviceFitsPayload(command)) {
         for (const SNode* pNode : nodes) {
             if (MayRead(pNode->guidType, command.nDevice, command.nEvent)) {
                 Refuse("payload.is", "the node " + Quoted(pNode->strHandle) +
@@ -239,8 +252,11 @@ Result CSession::On(const SEventCommand& command, const SOrigin& origin) {
         std::optional<int> result;
         try {
             result = m_pHost->Deliver(*pNode, command.bRecord ? &record : nullptr);
-            m_bTaken =
-                m_bTaken || (origin.from && *result != 0 && MayRead(pNode->guidType, command.nDevice, command.nEvent));
+            const bool bMatters = origin.from || !pNode->arOutgoing.empty();
+            if (bMatters && *result != 0 && MayRead(pNode->guidType, command.nDevice, command.nEvent)) {
+                m_bTaken = true;
+                pNode->bGotEvent = true;
+            }
         } catch (const CModuleFault& fault) {
             if (!origin.from) {
                 throw;
@@ -284,6 +300,7 @@ std::vector<SRelease> CSession::Release(CHeldInput& held, const SReleaseHeldComm
         }
         try {
             On(release.event, {});
+            Follow();
         } catch (const CRefusal& refusal) {
             WriteHostLine(LOG_ERROR, refusal.what());
         }

@@ -66,7 +66,7 @@ struct SDestroyed {
 
 /// What each node answered; none where the module raised an exception.
 struct SNodeResults {
-    std::vector<std::pair<const SNode*, std::optional<int>>> results; ///< in the order of the nodes
+    std::vector<std::pair<const SNode*, std::optional<int>>> results; ///< in their order; valid until the next command
 };
 
 struct SFrameResults : SNodeResults {

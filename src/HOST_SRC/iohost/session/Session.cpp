@@ -74,6 +74,7 @@ SOutcome CSession::CarryOut(const Command& command, const SOrigin& origin) {
         }
         countChange();
     } catch (const CModuleFault& fault) {
+        Follow();
         countChange();
         outcome.error = fault.what();
     } catch (...) {

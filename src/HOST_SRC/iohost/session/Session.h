@@ -87,7 +87,7 @@ private:
     VEKParam& SetValue(const SSetCommand& set);
     std::vector<SRelease> Release(CHeldInput& held, const SReleaseHeldCommand& command);
     void Follow();
-    void EvaluateOnce(SNode& node);
+    bool Settle(SNode& node);
     void BuildScene(const SSceneDocument& document, const std::string& strPath);
     void AwaitDevices();
 
@@ -133,13 +133,12 @@ private:
     std::vector<ISessionObserver*> m_observers;
     int m_nDepth = 0; ///< commands under way: items come within a `wait`
     EEvaluation m_nEvaluation = EEvaluation::Frame;
-    unsigned long long m_nCause = 0; ///< numbers what had nodes evaluated out of turn
+    unsigned long long m_nFollow = 0; ///< number of the current call of Follow
     unsigned long long m_nSceneVersion = 0;
     COutputChanges m_frameOutputs; ///< as frames told them
     std::vector<SDispatched> m_dispatched;
     bool m_bTaken = false; ///< a node took the last item
     CLimitedLine m_faultLine{LOG_ERROR};
-    CLimitedLine m_cycleLine{LOG_INFORMATION};
 };
 
 inline constexpr int RECORDING_VERSION = 1;

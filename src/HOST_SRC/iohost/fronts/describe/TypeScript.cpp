@@ -137,6 +137,7 @@ private:
     std::string Body(HeldIdentity*) { return "number | string"; }
     std::string Body(Sent*) { return Type<SSentRecord>() + " | " + Type<SSentBytes>(); }
     std::string Body(std::vector<unsigned char>*) { return "string"; } // hexadecimal
+    // As AppendFields writes it.
     std::string Body(SFiredByWindow*) { return "{ name: string; event_id: number; wparam: number; params: object[] }"; }
 
     std::string Indent() const { return std::string(m_nIndent, ' '); }
@@ -166,6 +167,5 @@ std::string ProtocolTypes() {
     types.Declare<SNodeResults>("NodeResults");
     types.Declare<SVerdict>("JsonVerdict");
     types.Declare<Payload>("Payload");
-    types.Declare<SNodeType>("NodeType");
     return types.Text();
 }

@@ -3,5 +3,5 @@
 
 #include <string>
 
-/// A TypeScript module of what requests carry, and replies and pushes tell.
+/// A TypeScript module of the types that the page uses in requests, replies and pushes.
 std::string ProtocolTypes();

@@ -81,6 +81,15 @@ bool HasToken(const Request& request, const CAccessToken& token) {
                       View(request.target()));
 }
 
+/// Whether "gzip" is among the encodings that a request takes, and not as one that it refuses.
+bool AcceptsGzip(const Request& request) {
+    http::ext_list encodings(request[http::field::accept_encoding]);
+    const auto gzip = encodings.find("gzip");
+    return gzip != encodings.end() && std::ranges::none_of(gzip->second, [](const auto& parameter) {
+               return parameter.first == "q" && parameter.second.find_first_not_of("0.") == beast::string_view::npos;
+           });
+}
+
 Response MakeFileResponse(const Request& request, const CHttpFiles& files, const CAccessToken& token) {
     if (request.method() != http::verb::get && request.method() != http::verb::head) {
         Response response = MakeRefusal(request, http::status::method_not_allowed, "Only GET and HEAD are answered.");
@@ -88,8 +97,8 @@ Response MakeFileResponse(const Request& request, const CHttpFiles& files, const
         return response;
     }
     const SWebFile* pFile = files.Find(View(request.target()));
-    const bool bAcceptsGzip = http::token_list(request[http::field::accept_encoding]).exists("gzip");
-    std::optional<SWebFileContents> contents = pFile != nullptr ? CHttpFiles::Read(*pFile, bAcceptsGzip) : std::nullopt;
+    std::optional<SWebFileContents> contents =
+        pFile != nullptr ? CHttpFiles::Read(*pFile, AcceptsGzip(request)) : std::nullopt;
     if (!contents) {
         std::error_code error;
         return pFile != nullptr && std::filesystem::exists(pFile->path, error)
@@ -100,6 +109,9 @@ Response MakeFileResponse(const Request& request, const CHttpFiles& files, const
     Response response =
         bKnown ? MakeResponse(request, http::status::not_modified, pFile->contentType, {})
                : MakeResponse(request, http::status::ok, pFile->contentType, std::move(contents->strBytes));
+    if (bKnown) {
+        response.content_length(boost::none);
+    }
     response.set(http::field::cache_control, "no-cache"); // kept, and asked for again
     response.set(http::field::etag, contents->strTag);
     response.set(http::field::vary, "Accept-Encoding");

@@ -28,6 +28,7 @@ namespace {
 
 constexpr size_t MOST_CONNECTIONS = 64;
 constexpr size_t MOST_QUEUED_BYTES = size_t{32} << 20; ///< for all clients together
+constexpr size_t MOST_UNTOLD = 1000;                   ///< fired events and log lines of items
 constexpr size_t MOST_TURNED_AWAY = 64;                ///< at once; those beyond are closed without an answer
 constexpr std::chrono::seconds GOODBYE_TIME{1};
 constexpr std::chrono::milliseconds ACCEPT_PAUSE{100};
@@ -293,6 +294,9 @@ void CPageServer::OnDone(const SDone& done) {
         SActivity activity = done.activity;
         CutForViewers(activity);
         m_ofItems.Append(std::move(activity));
+        if (m_ofItems.fired.size() + m_ofItems.logged.size() > MOST_UNTOLD) {
+            TellHappened(std::exchange(m_ofItems, {}), nullptr);
+        }
         return;
     }
     TellHappened(done.activity, done.origin.pHeld);

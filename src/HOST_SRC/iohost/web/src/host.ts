@@ -10,7 +10,7 @@ import { NodeType, nodesOf } from "./nodeTypes.ts";
 import type { EditValue } from "./params.ts";
 import type { JsonVerdict } from "./protocol.ts";
 import { Device, EventId } from "./codes.ts";
-import type { EventReply, Happened, InputEvent, NodeDetails, Push, Reply } from "./messages.ts";
+import { firedByNodes, type EventReply, type Happened, type InputEvent, type NodeDetails, type Push, type Reply } from "./messages.ts";
 import type { HeldEntry, Link, OutputValue, Scene, SceneNode, SceneObject } from "./protocol.ts";
 
 export type ConnectionState =
@@ -249,10 +249,7 @@ export class Host implements ConnectionListener {
     }
     if (posted !== undefined) {
       batch(() => {
-        for (const { node, output } of posted) {
-          if (node === null || output === null) {
-            continue; // of no node of the scene
-          }
+        for (const { node, output } of firedByNodes(posted)) {
           const fired = this.fired.of(node, output);
           fired.value = { count: fired.value.count + 1, last: now };
         }

@@ -32,6 +32,11 @@ export type Happened = Pick<AllHappened, "redrawn"> & {
   log?: LogEntry[];
 };
 
+/** The events of the scene's nodes. */
+export function firedByNodes(posted: Happened["posted"] = []): { node: string; output: number }[] {
+  return posted.flatMap(({ node, output }) => (node !== null && output !== null ? [{ node, output }] : []));
+}
+
 export type Reply<Body = object> = Happened & ({ ok: true; id?: number } & Body | { ok: false; id?: number; error: string });
 
 /** To an event: what each node made of it. */

@@ -191,14 +191,3 @@ export type Payload = { is: "key" } & {
   object: string;
   text: string;
 };
-
-export type NodeType = {
-  guid: string;
-  kind: number;
-  name: string;
-  aux: string;
-  tip: string;
-  icon: boolean;
-  enable: number;
-  reserved: [number, number, number, number];
-};

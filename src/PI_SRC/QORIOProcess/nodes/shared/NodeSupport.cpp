@@ -7,14 +7,12 @@
 
 namespace {
 
-/// The names in a general event, whose copies share their texts.
-struct SEventNames {
-    CString strEvent = L"GeneralEvent";
-    CString strClip = L"OwnerClip";
-    CString strObject = L"OwnerObject";
-    CString strNode = L"OwnerProperty";
-    CString strOutput = L"OwnerEventID";
-};
+// The names in a general event, whose copies share their texts.
+const CString EVENT_NAME = L"GeneralEvent";
+const CString CLIP_NAME = L"OwnerClip";
+const CString OBJECT_NAME = L"OwnerObject";
+const CString NODE_NAME = L"OwnerProperty";
+const CString OUTPUT_NAME = L"OwnerEventID";
 
 /// Append one pointer parameter to a general event.
 void AppendPointer(SQOREvent& event, unsigned nId, const CString& strName, const wchar_t* pszDisplayKey, void* pValue,
@@ -89,13 +87,12 @@ void FireGeneralEvent(VEKProperty* pNode, int nOutput) {
     if (pNode == nullptr || EventWindowOf(*pNode) == nullptr || EventMessageOf(*pNode) == 0) {
         return;
     }
-    static const SEventNames s_names;
-    auto pEvent = std::make_unique<SQOREvent>(static_cast<EQOREventID>(GENERAL_EVENT), s_names.strEvent);
-    AppendPointer(*pEvent, 0, s_names.strClip, L"TOUCH_CONTROL_OWNER_CLIP", ClipOf(*pNode), L"VEKClip");
-    AppendPointer(*pEvent, 1, s_names.strObject, L"TOUCH_CONTROL_OWNER_OBJECT", nullptr, L"VEKObject");
-    AppendPointer(*pEvent, 2, s_names.strNode, L"TOUCH_CONTROL_OWNER_PROPERTY", pNode, L"VEKProperty");
+    auto pEvent = std::make_unique<SQOREvent>(static_cast<EQOREventID>(GENERAL_EVENT), EVENT_NAME);
+    AppendPointer(*pEvent, 0, CLIP_NAME, L"TOUCH_CONTROL_OWNER_CLIP", ClipOf(*pNode), L"VEKClip");
+    AppendPointer(*pEvent, 1, OBJECT_NAME, L"TOUCH_CONTROL_OWNER_OBJECT", nullptr, L"VEKObject");
+    AppendPointer(*pEvent, 2, NODE_NAME, L"TOUCH_CONTROL_OWNER_PROPERTY", pNode, L"VEKProperty");
     auto pOutput = std::make_unique<int>(nOutput);
-    AppendPointer(*pEvent, 3, s_names.strOutput, L"QOR_EXTRADATA_EVENT_ID", pOutput.get(), L"EventID");
+    AppendPointer(*pEvent, 3, OUTPUT_NAME, L"QOR_EXTRADATA_EVENT_ID", pOutput.get(), L"EventID");
     static_cast<void>(pOutput.release()); // freed with the event
     // A full queue or a window that is gone refuses the message: the event is freed here then.
     if (PostMessageW(EventWindowOf(*pNode), EventMessageOf(*pNode), 1, reinterpret_cast<LPARAM>(pEvent.get()))) {

@@ -1,5 +1,5 @@
 import { EventId } from "../codes.ts";
-import type { EventReply, PointerPayload } from "../messages.ts";
+import { firedByNodes, type EventReply, type PointerPayload } from "../messages.ts";
 import { explain, Stroke, type Judgement, type SampleKind, type StrokePoint } from "./stroke.ts";
 
 /** A place in the units of the samples, and in pixels, where it's drawn. */
@@ -129,8 +129,8 @@ export class Strokes {
     if (!view.followed) {
       return { fired: [], reason: "the touch gesture node is off, or follows another pointer" };
     }
-    const fired = (reply.posted ?? []).flatMap(({ node, output }) => {
-      const name = nodes.find((gesture) => gesture.node === node)?.outputs.get(output ?? 0);
+    const fired = firedByNodes(reply.posted).flatMap(({ node, output }) => {
+      const name = nodes.find((gesture) => gesture.node === node)?.outputs.get(output);
       return name ?? [];
     });
     return { fired, reason: explain(view.judgement) };

@@ -5,7 +5,7 @@ import { floatText } from "../format.ts";
 import type { Host, NodeView } from "../host.ts";
 import { inputOf, NodeType, nodesOf, outputNames, VRHandlePin } from "../nodeTypes.ts";
 import { Device } from "../codes.ts";
-import type { VRPayload } from "../messages.ts";
+import { firedByNodes, type VRPayload } from "../messages.ts";
 import type { PanelProps } from "../view/panels.ts";
 import { Hand, padPoint, padZone, SIDES, type Place, type Side } from "./hand.ts";
 import { Headset, hasHeadset } from "./headset.ts";
@@ -249,11 +249,11 @@ class Hands {
       this.#host.sendInput(event);
       return;
     }
-    void this.#host.askInput(event).then(({ posted = [] }) => {
+    void this.#host.askInput(event).then(({ posted }) => {
       const nodes = nodesOf(this.#host.nodes.peek(), NodeType.vrHandle);
-      const names = posted.flatMap(({ node, output }) => {
+      const names = firedByNodes(posted).flatMap(({ node, output }) => {
         const found = nodes.find((one) => one.node === node);
-        return (found && outputNames(found).get(output ?? 0)) ?? [];
+        return (found && outputNames(found).get(output)) ?? [];
       });
       if (names.length > 0) {
         this.#fired[side]!.value = names;
