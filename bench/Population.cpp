@@ -128,10 +128,10 @@ void CBenchHost::OnNodeRedraw(SGraphNode* /*pGraphNode*/) {}
 
 namespace {
 
-void AddParam(SQOREvent& event, unsigned nId, const wchar_t* pszName, const wchar_t* pszDisplayKey, void* pValue,
+void AddParam(SQOREvent& event, unsigned nId, const CString& strName, const wchar_t* pszDisplayKey, void* pValue,
               std::wstring_view typeName) {
     auto* pParam =
-        new VEKParam(nId, pszName, PXLoadString(pszDisplayKey), PARAM_POINTER.m_nType, PARAM_POINTER.m_nControl);
+        new VEKParam(nId, strName, PXLoadString(pszDisplayKey), PARAM_POINTER.m_nType, PARAM_POINTER.m_nControl);
     pParam->m_pValue = pValue;
     std::copy(typeName.begin(), typeName.end(), pParam->m_szTypeName);
     event.m_lstParam.AddTail(pParam);
@@ -140,11 +140,12 @@ void AddParam(SQOREvent& event, unsigned nId, const wchar_t* pszName, const wcha
 } // namespace
 
 void PostGeneralEvent(VEKProperty& node, VEKClip* pClip, VEKObject* pObject, int nOutput) {
-    auto* pEvent = new SQOREvent(QOR_EVENT_GENERAL, L"GeneralEvent");
-    AddParam(*pEvent, 0, L"OwnerClip", L"TOUCH_CONTROL_OWNER_CLIP", pClip, L"VEKClip");
-    AddParam(*pEvent, 1, L"OwnerObject", L"TOUCH_CONTROL_OWNER_OBJECT", pObject, L"VEKObject");
-    AddParam(*pEvent, 2, L"OwnerProperty", L"TOUCH_CONTROL_OWNER_PROPERTY", &node, L"VEKProperty");
-    AddParam(*pEvent, 3, L"OwnerEventID", L"QOR_EXTRADATA_EVENT_ID", new int(nOutput), L"EventID");
+    static const CString s_names[] = {L"GeneralEvent", L"OwnerClip", L"OwnerObject", L"OwnerProperty", L"OwnerEventID"};
+    auto* pEvent = new SQOREvent(QOR_EVENT_GENERAL, s_names[0]);
+    AddParam(*pEvent, 0, s_names[1], L"TOUCH_CONTROL_OWNER_CLIP", pClip, L"VEKClip");
+    AddParam(*pEvent, 1, s_names[2], L"TOUCH_CONTROL_OWNER_OBJECT", pObject, L"VEKObject");
+    AddParam(*pEvent, 2, s_names[3], L"TOUCH_CONTROL_OWNER_PROPERTY", &node, L"VEKProperty");
+    AddParam(*pEvent, 3, s_names[4], L"QOR_EXTRADATA_EVENT_ID", new int(nOutput), L"EventID");
     PostMessageW(node.m_hEventWnd, node.m_nEventMsg, 1, reinterpret_cast<LPARAM>(pEvent));
 }
 

@@ -110,14 +110,14 @@ TEST(HttpFiles, FilesOfKnownKindsAreFoundByTheirExactNameOnly) {
     ASSERT_NE(files.Find("/icons/mouse.svg"), nullptr);
     EXPECT_EQ(files.Find("/icons/mouse.svg")->contentType, "image/svg+xml");
     ASSERT_NE(files.Find("/page.js?v=1"), nullptr);
-    EXPECT_EQ(CHttpFiles::Read(*files.Find("/page.js")), "page.js");
+    EXPECT_EQ(CHttpFiles::Read(*files.Find("/page.js"), true)->strBytes, "page.js");
     for (const char* pszTarget : {"", "page.js", "/notes.txt", "/icons", "/PAGE.JS", "//page.js", "/icons/../page.js",
                                   "/../iohost-http-files-test/page.js", "/page.js/"}) {
         EXPECT_EQ(files.Find(pszTarget), nullptr) << pszTarget;
     }
     const SWebFile file = *files.Find("/page.js");
     std::filesystem::remove_all(folder);
-    EXPECT_EQ(CHttpFiles::Read(file), std::nullopt);
+    EXPECT_FALSE(CHttpFiles::Read(file, true).has_value());
 }
 
 TEST(QueuedTexts, ATextCountsOnceForAllItsClients) {
