@@ -121,12 +121,12 @@ std::span<const Comparison> CHostComparisons::ForScene(size_t nNodes) {
         "Frame", FRAME_LIMIT, [&] { return scene.Frame(); }, [&] { return scene.EvaluateNodes(); });
     add(
         "Key", EVENT_LIMIT, [&] { return scene.Key(); }, [&] { return scene.CallNodes(); });
-    struct SRequest {
+    struct SRow {
         const char* pszName;
         std::string strRequest;
         std::function<bool()> nodes; ///< what the request has the nodes do
     };
-    const SRequest requests[] = {
+    const SRow requests[] = {
         {"Request event", R"({"op":"event","device":0,"event":2002,"payload":{"is":"key","text":"A"}})",
          [&] { return scene.CallNodes(); }},
         {"Request process", R"({"op":"process"})", [&] { return scene.EvaluateNodes(); }},
