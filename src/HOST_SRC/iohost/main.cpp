@@ -77,6 +77,9 @@ int RunSession(const SOptions& options) {
         std::cout << (options.bDescribeTypes ? ProtocolTypes() : NodeTypesMarkdown(*pSession)) << std::flush;
         return std::cout ? 0 : EXIT_SESSION;
     }
+    // A script evaluates nodes itself.
+    pSession->SetEvaluation(
+        options.evaluation.value_or(options.nFront == EFront::Stdio ? EEvaluation::Frame : EEvaluation::Event));
     std::unique_ptr<CRecorder> pRecorder;
     if (!options.recordFile.empty()) {
         if (!options.sceneFile.empty() && IsSameFile(options.sceneFile, options.recordFile)) {
@@ -86,11 +89,6 @@ int RunSession(const SOptions& options) {
         if (pRecorder == nullptr) {
             return Fail("--record: " + strError);
         }
-    }
-    // A script evaluates nodes itself.
-    const EEvaluation nUsual = options.nFront == EFront::Stdio ? EEvaluation::Frame : EEvaluation::Event;
-    if (options.evaluation.value_or(nUsual) == EEvaluation::Event) {
-        pSession->Do(SEvaluateCommand{EEvaluation::Event});
     }
     if (!options.sceneFile.empty()) {
         CSystemFiles files;

@@ -218,7 +218,8 @@ SHAPE(SSaveCommand)
 
 SHAPE(SSceneCommand)
 
-SHAPE(SRecordingCommand, SField{"version", &SRecordingCommand::nVersion}, SField{"texts", &SRecordingCommand::nTexts})
+SHAPE(SRecordingCommand, SField{"version", &SRecordingCommand::nVersion}, SField{"texts", &SRecordingCommand::nTexts},
+      SField{"evaluate", &SRecordingCommand::nEvaluation, FIELD_OPTIONAL})
 
 SHAPE(SQuitCommand)
 

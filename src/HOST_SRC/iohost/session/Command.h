@@ -197,6 +197,7 @@ struct SJsonCommand {};
 struct SRecordingCommand {
     int nVersion = 0;
     ETextTable nTexts = ETextTable::Keys;
+    EEvaluation nEvaluation = EEvaluation::Frame;
 };
 
 using Command =

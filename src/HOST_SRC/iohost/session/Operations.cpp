@@ -587,5 +587,6 @@ Result CSession::On(const SRecordingCommand& command) {
     if (command.nTexts != Texts()) {
         Refuse("texts", std::string("this session's are ") + TextTableName(Texts()));
     }
+    m_nEvaluation = command.nEvaluation;
     return {};
 }

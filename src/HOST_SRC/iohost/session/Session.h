@@ -62,6 +62,10 @@ public:
 
     CClock& Clock() { return m_clock; }
 
+    /// When nodes behind a fired output are evaluated; as the command `evaluate` sets it.
+    EEvaluation Evaluation() const { return m_nEvaluation; }
+    void SetEvaluation(EEvaluation nEvaluation) { m_nEvaluation = nEvaluation; }
+
     /// Where display texts come from.
     ETextTable Texts() const { return m_pHost->Texts(); }
 

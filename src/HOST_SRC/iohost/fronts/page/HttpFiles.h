@@ -28,8 +28,8 @@ public:
     const SWebFile* Find(std::string_view target) const;
 
     /// Reads a file anew, so that a page that was built again shows when it's loaded again; where there's a compressed
-    /// one beside it, which is called the same with .gz behind, and gzip is accepted, that one. Nothing when it can't be
-    /// read.
+    /// one beside it, which is called the same with .gz behind, and gzip is accepted, that one. Nothing when it can't
+    /// be read.
     static std::optional<SWebFileContents> Read(const SWebFile& file, bool bAcceptsGzip);
 
 private:
