@@ -9,7 +9,7 @@ import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { after, test } from "node:test";
 import { startHost } from "./support/host.mjs";
-import { createScene, must, openSession, postedIn, until } from "./support/session.mjs";
+import { createNode, createScene, must, openSession, postedIn, until } from "./support/session.mjs";
 
 const KEY_DOWN = { op: "event", device: 0, event: 2002, payload: { is: "key", text: "a" } };
 const KEY_UP = { ...KEY_DOWN, event: 2003 };
@@ -136,21 +136,27 @@ test("clients that don't read cost bounded memory together, and go first", { tim
   const script = await createSceneOf(host);
   const memory = () => Number(/VmRSS:\s+(\d+)/.exec(readFileSync(`/proc/${host.pid}/status`, "utf8"))[1]) / 1024;
   const before = memory();
-  const stalled = await Promise.all(Array.from({ length: 20 }, () => openSession(host.address)));
-  // The replies carry the ids back: more than the system's buffers and a client's queue hold.
-  const request = JSON.stringify({ op: "scene", id: "x".repeat(500000) });
+  // A node whose texts make long replies to short requests: more than the system's buffers and a client's queue hold.
+  await createNode(script, "long", "0C", "Long");
+  for (const param of [1202, 1203, 1204]) {
+    for (const own of [false, true]) {
+      await must(script, { op: "set", node: "long", param, own, string: "x".repeat(60000) });
+    }
+  }
+  const request = { op: "inspect", node: "long" };
+  const stalled = await Promise.all(Array.from({ length: 16 }, () => openSession(host.address)));
   let most = 0;
   for (const { socket } of stalled) {
     socket.pause();
     socket.on("error", () => {});
-    for (let index = 0; index < 16; ++index) {
-      socket.send(request);
+    for (let index = 0; index < 24; ++index) {
+      socket.send(JSON.stringify(request));
     }
-    await must(script, { op: "scene" });
+    await must(script, request);
     most = Math.max(most, memory() - before);
   }
   for (let index = 0; index < 20; ++index) {
-    await must(script, { op: "scene", id: "x".repeat(500000) });
+    await must(script, request);
     most = Math.max(most, memory() - before);
   }
   console.log(`# ${Math.round(most)} MiB more`);
