@@ -160,6 +160,7 @@ std::string ProtocolTypes() {
     types.Declare<SSceneView>("Scene");
     types.Declare<SObjectState>("SceneObject");
     types.Declare<SHeldEntry>("HeldEntry");
+    types.Declare<CQORPanelRemoteCtrlData>("RemoteControlRecord");
     types.Declare<SFired>("PostedEvent");
     types.Declare<SLogged>("LogEntry");
     types.Declare<SActivity>("Happened");

@@ -70,6 +70,18 @@ export type HeldEntry = {
   ms: number;
 };
 
+export type RemoteControlRecord = {
+  DevID: string;
+  DevName: string;
+  ClipName: string;
+  GroupName: string;
+  KeyName: string;
+  KeyNumber: number;
+  HelpParameter: string;
+  KeyValue: string;
+  Layer: number;
+};
+
 export type PostedEvent = {
   node: string | null;
   output: number | null;
@@ -97,17 +109,7 @@ export type Happened = {
     device: number;
     command: number;
     clip: string | null;
-    record: {
-      DevID: string;
-      DevName: string;
-      ClipName: string;
-      GroupName: string;
-      KeyName: string;
-      KeyNumber: number;
-      HelpParameter: string;
-      KeyValue: string;
-      Layer: number;
-    };
+    record: RemoteControlRecord;
   } | {
     device: number;
     raw: string;
@@ -173,17 +175,7 @@ export type Payload = { is: "key" } & {
   clip: string;
   name: string;
   data: string;
-} | { is: "record" } & {
-  DevID: string;
-  DevName: string;
-  ClipName: string;
-  GroupName: string;
-  KeyName: string;
-  KeyNumber: number;
-  HelpParameter: string;
-  KeyValue: string;
-  Layer: number;
-} | { is: "device_text" } & {
+} | { is: "record" } & RemoteControlRecord | { is: "device_text" } & {
   device: number;
   text: string;
 } | { is: "object_text" } & {
