@@ -8,6 +8,7 @@
 
 #include <boost/asio/signal_set.hpp>
 
+#include <algorithm>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -397,19 +398,13 @@ void CPageServer::SendToAll(const OrderedJson& push, const CHeldInput* pButFor) 
     }
 }
 
-/// A text to send. Where too much waits for clients already, the one goes that hasn't taken anything for longest.
+/// A text to send. Where too much waits for clients already, the one goes that most waits for: one that reads never has
+/// more waiting than one that doesn't, however busy the host is.
 std::shared_ptr<const std::string> CPageServer::MakeText(std::string strText) {
-    if (m_texts.Bytes() > MOST_QUEUED_BYTES) {
-        CWebSocketClient* pSlowest = nullptr;
-        for (const auto& [pKey, client] : m_clients) {
-            if (client.pClient->WritingSince() &&
-                (pSlowest == nullptr || client.pClient->WritingSince() < pSlowest->WritingSince())) {
-                pSlowest = client.pClient.get();
-            }
-        }
-        if (pSlowest != nullptr) {
-            pSlowest->Drop();
-        }
+    if (m_texts.Bytes() > MOST_QUEUED_BYTES && !m_clients.empty()) {
+        std::ranges::max_element(m_clients, {}, [](const auto& entry) {
+            return entry.second.pClient->QueuedBytes();
+        })->second.pClient->Drop();
     }
     return m_texts.Make(std::move(strText));
 }

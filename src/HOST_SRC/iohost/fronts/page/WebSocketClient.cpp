@@ -84,7 +84,6 @@ Awaitable<void> CWebSocketClient::WriteQueue() {
         const std::shared_ptr<const std::string> pText = std::move(m_queue.front());
         m_queue.pop_front();
         error_code error;
-        m_tWriting = std::chrono::steady_clock::now();
         co_await m_socket.async_write(asio::buffer(*pText), AwaitInto(error));
         m_nQueuedBytes -= pText->size() + CQueuedTexts::COST_OF_EACH;
         if (error) {
@@ -127,10 +126,6 @@ Awaitable<void> CWebSocketClient::WatchSilence() {
             m_socket.async_ping({}, [pSelf = shared_from_this()](const error_code&) { pSelf->m_bPinging = false; });
         }
     }
-}
-
-std::optional<std::chrono::steady_clock::time_point> CWebSocketClient::WritingSince() const {
-    return m_bWriting && !m_bDropped ? std::optional(m_tWriting) : std::nullopt;
 }
 
 void CWebSocketClient::Heard() {

@@ -11,7 +11,6 @@
 #include <chrono>
 #include <deque>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -50,8 +49,8 @@ public:
     /// Ends the connection at once.
     void Drop();
 
-    /// Since when it hasn't taken the text that is being sent; nothing when none is, or it was dropped.
-    std::optional<std::chrono::steady_clock::time_point> WritingSince() const;
+    /// What waits to be taken, and what it costs to keep it; 0 once it was dropped.
+    size_t QueuedBytes() const { return m_bDropped ? 0 : m_nQueuedBytes; }
 
 private:
     Awaitable<void> ReadTexts();
@@ -70,5 +69,4 @@ private:
     bool m_bPinging = false;
     SteadyTimer m_silenceTimer;
     std::chrono::steady_clock::time_point m_tHeard;
-    std::chrono::steady_clock::time_point m_tWriting; ///< when the text that is being sent began
 };
