@@ -37,6 +37,14 @@ test("switching a node off stops its events, and every page shows the switch", a
   await other.close();
 });
 
+test("after an edit the page reads the node that changed, and no other", async () => {
+  const before = page.sent.length;
+  const read = () => page.sent.slice(before).filter(({ op }) => op === "inspect" || op === "scene");
+  await script.request({ op: "edit", node: "k", param: is.ENABLE, int: 0 });
+  await until("the switch", async () => !(await enable(page, "k").isChecked()));
+  assert.deepEqual(new Set(read().map(({ node }) => node)), new Set(["k"]));
+});
+
 test("nodes that come and go with the scene come and go on the page", async () => {
   const type = "{8164BB40-6B6A-4707-88B7-386BCB0D1B01}";
   await script.request({ op: "create", node: "k2", type, clip: null, graph: "Keyboard 2" });

@@ -9,7 +9,7 @@ import { after, before, test } from "node:test";
 import { once } from "node:events";
 import WebSocket from "ws";
 import { runHost, startHost } from "./support/host.mjs";
-import { createScene, logIn, openSession, postedIn, until } from "./support/session.mjs";
+import { createNode, createScene, logIn, must, openSession, postedIn, until } from "./support/session.mjs";
 
 let host;
 let script;
@@ -240,8 +240,12 @@ test("changes of the scene are pushed to everybody", async () => {
   await until("the push", () => client.pushes.some(({ push }) => push === "scene"));
   await script.request({ op: "edit", node: "m", param: 2, int: 1 });
   await until("the second push", () => client.pushes.filter(({ push }) => push === "scene").length === 2);
-  const [first, second] = client.pushes.filter(({ push }) => push === "scene").map(({ version }) => version);
-  assert.ok(second > first);
+  const [first, second] = client.pushes.filter(({ push }) => push === "scene");
+  assert.ok(second.version > first.version);
+  assert.deepEqual([first.nodes, second.nodes], [["m"], ["m"]]);
+  await createNode(script, "extra", "01", "Keyboard 2");
+  await must(script, { op: "destroy", node: "extra" });
+  await until("the third push", () => client.pushes.some(({ push, nodes }) => push === "scene" && nodes === undefined));
   await client.close();
 });
 

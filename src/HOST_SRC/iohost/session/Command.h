@@ -211,8 +211,13 @@ using Command =
 template <typename Kind, typename... Kinds>
 inline constexpr bool IS_ONE_OF = (std::is_same_v<Kind, Kinds> || ...);
 
+/// Whether commands of a kind change parameters of the node that they name, and nothing else of the scene.
+template <typename Kind>
+inline constexpr bool CHANGES_PARAMETERS =
+    IS_ONE_OF<Kind, SInitCommand, SOutputsCommand, SSetCommand, SEditCommand, STriggerCommand, SDropCommand>;
+
 /// Whether commands of a kind change nodes, links or parameters.
 template <typename Kind>
 inline constexpr bool CHANGES_SCENE =
-    IS_ONE_OF<Kind, SCreateCommand, SInitCommand, SOutputsCommand, SSetCommand, SEditCommand, STriggerCommand,
-              SDropCommand, SLinkCommand, SDevicesCommand, SDestroyCommand, SLoadCommand, SQuitCommand>;
+    CHANGES_PARAMETERS<Kind> ||
+    IS_ONE_OF<Kind, SCreateCommand, SLinkCommand, SDevicesCommand, SDestroyCommand, SLoadCommand, SQuitCommand>;

@@ -12,6 +12,7 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <set>
 #include <utility>
 
 #include "base/Caught.h"
@@ -75,6 +76,7 @@ private:
     void ShowKeysToNodes(const KeySet& keysBefore);
     void GuardedFrame();
     void OnDone(const SDone& done) override;
+    void NoteChange(const Command& command);
     void TellHappened(SActivity activity, const CHeldInput* pButFor);
     void TellFrame();
     void TellSceneChange();
@@ -110,6 +112,8 @@ private:
     size_t m_nTurnedAway = 0; ///< that aren't closed yet
     unsigned long long m_nFrame = 0;
     unsigned long long m_nToldSceneVersion = 0;
+    std::set<std::string> m_changedNodes; ///< since then, by their parameters
+    bool m_bMoreChanged = false;          ///< than these parameters
     unsigned long long m_nToldNetworkVersion = 0;
     unsigned long long m_nToldHeldVersion = 0;
     std::chrono::steady_clock::time_point m_tToldNetwork;
@@ -288,6 +292,9 @@ SDone CPageServer::TakeObjectText(const SObjectTextData& text) {
 
 /// Whoever asked is told by the reply. What items cause is told with the next frame: they may come by the thousand.
 void CPageServer::OnDone(const SDone& done) {
+    if (done.pCommand != nullptr) {
+        NoteChange(*done.pCommand);
+    }
     if (m_clients.empty()) {
         return;
     }
@@ -373,12 +380,30 @@ void CPageServer::TellHappened(SActivity activity, const CHeldInput* pButFor) {
     SendToAll(push, pButFor);
 }
 
+void CPageServer::NoteChange(const Command& command) {
+    std::visit(
+        [this]<typename Kind>(const Kind& kind) {
+            if constexpr (CHANGES_PARAMETERS<Kind>) {
+                m_changedNodes.insert(kind.strHandle);
+            } else if constexpr (CHANGES_SCENE<Kind>) {
+                m_bMoreChanged = true;
+            }
+        },
+        command);
+}
+
 void CPageServer::TellSceneChange() {
     const auto nVersion = m_session.SceneVersion();
     if (nVersion != m_nToldSceneVersion) {
         m_nToldSceneVersion = nVersion;
-        SendToAll({{"push", "scene"}, {"version", nVersion}});
+        OrderedJson push = {{"push", "scene"}, {"version", nVersion}};
+        if (!m_bMoreChanged) {
+            push["nodes"] = m_changedNodes;
+        }
+        SendToAll(push);
     }
+    m_changedNodes.clear();
+    m_bMoreChanged = false;
 }
 
 void CPageServer::TellHeld() {

@@ -7,6 +7,7 @@ import { VirtualKey } from "./input/virtualKeys.ts";
 import { LogBuffer, type LogLine } from "./log.ts";
 import type { NetworkState } from "./network.ts";
 import { NodeType, nodesOf } from "./nodeTypes.ts";
+import { Pace } from "./pace.ts";
 import type { EditValue } from "./params.ts";
 import type { JsonVerdict } from "./protocol.ts";
 import { Device, EventId } from "./codes.ts";
@@ -96,9 +97,10 @@ export class Host implements ConnectionListener {
 
   readonly #connection: Connection;
   readonly #logBuffer = new LogBuffer();
-  #logScheduled = false;
-  #refreshing = false;
-  #refreshAgain = false;
+  readonly #pace = new Pace();
+  #reading = false;
+  #sceneIsStale = false;
+  readonly #staleNodes = new Set<string>();
 
   constructor(address: string) {
     this.#connection = new Connection(address, this);
@@ -177,7 +179,7 @@ export class Host implements ConnectionListener {
   lost(retryInMs: number): void {
     this.connection.value = { is: "lost", retryAt: Date.now() + retryInMs };
     this.frames.value = null;
-    this.held.value = { entries: [], told: Date.now() };
+    this.#showHeld([]);
     this.#forgetHeld();
   }
 
@@ -199,25 +201,27 @@ export class Host implements ConnectionListener {
         this.frames.value?.told(push.frame, Date.now());
         break;
       case "scene":
-        void this.#refresh();
+        void this.#refresh(push.nodes);
         break;
       case "happened":
         this.#happened(push);
         break;
       case "json":
-        this.jsonVerdicts.value = new Map([...this.jsonVerdicts.value, ...Object.entries(push.nodes)]);
+        this.#pace.show(() => {
+          this.jsonVerdicts.value = new Map([...this.jsonVerdicts.value, ...Object.entries(push.nodes)]);
+        });
         break;
       case "network":
         this.network.value = { state: push, told: Date.now() };
         break;
       case "objects":
-        this.objects.value = push.objects;
+        this.#pace.show(() => (this.objects.value = push.objects));
         break;
       case "held":
         this.#heldChanged(push.held, push.released ?? []);
         break;
       case "outputs":
-        batch(() => {
+        this.#pace.show(() => {
           for (const [node, outputs] of Object.entries(push.nodes)) {
             for (const [output, value] of Object.entries(outputs)) {
               this.values.of(node, Number(output)).value = value;
@@ -229,12 +233,17 @@ export class Host implements ConnectionListener {
   }
 
   #heldChanged(entries: HeldEntry[], released: number[]): void {
-    this.held.value = { entries, told: Date.now() };
+    this.#showHeld(entries);
     const state = this.connection.value;
     if (state.is === "open" && released.includes(state.connection)) {
       // What went down here while that was on its way is let go too, since the page forgets it.
       this.releaseAll("somebody released everything");
     }
+  }
+
+  #showHeld(entries: HeldEntry[]): void {
+    const told = Date.now();
+    this.#pace.show(() => (this.held.value = { entries, told }));
   }
 
   #forgetHeld(): void {
@@ -245,10 +254,10 @@ export class Host implements ConnectionListener {
   #happened({ posted, log, redrawn }: Happened): void {
     const now = Date.now();
     if (redrawn !== undefined) {
-      void this.#refresh();
+      void this.#refresh(redrawn.flatMap(({ node }) => node ?? []));
     }
     if (posted !== undefined) {
-      batch(() => {
+      this.#pace.show(() => {
         for (const { node, output } of firedByNodes(posted)) {
           const fired = this.fired.of(node, output);
           fired.value = { count: fired.value.count + 1, last: now };
@@ -257,35 +266,36 @@ export class Host implements ConnectionListener {
     }
     if (log !== undefined) {
       this.#logBuffer.append(log, now);
-      this.#scheduleLog();
-    }
-  }
-
-  /** The log is drawn once a browser frame, however many lines came. */
-  #scheduleLog(): void {
-    if (!this.#logScheduled) {
-      this.#logScheduled = true;
-      requestAnimationFrame(() => this.#publishLog());
+      this.#pace.show(() => this.#publishLog());
     }
   }
 
   #publishLog(): void {
-    this.#logScheduled = false;
     this.log.value = { lines: [...this.#logBuffer.lines], count: this.#logBuffer.count };
   }
 
-  /** Reads the scene and every node anew; asked for meanwhile, it does so once more at the end. */
-  async #refresh(): Promise<void> {
-    if (this.#refreshing) {
-      this.#refreshAgain = true;
+  /** Reads these nodes anew, or the scene with every node; what is asked for meanwhile is read at the end. */
+  async #refresh(nodes?: readonly string[]): Promise<void> {
+    this.#sceneIsStale ||= nodes === undefined;
+    nodes?.forEach((node) => this.#staleNodes.add(node));
+    if (this.#reading) {
       return;
     }
-    this.#refreshing = true;
-    do {
-      this.#refreshAgain = false;
-      await this.#readScene();
-    } while (this.#refreshAgain);
-    this.#refreshing = false;
+    this.#reading = true;
+    while (this.#sceneIsStale || this.#staleNodes.size > 0) {
+      const whole = this.#sceneIsStale;
+      const stale = new Set(this.#staleNodes);
+      this.#sceneIsStale = false;
+      this.#staleNodes.clear();
+      await (whole ? this.#readScene() : this.#readNodes(stale));
+    }
+    this.#reading = false;
+  }
+
+  async #readNodes(stale: ReadonlySet<string>): Promise<void> {
+    const known = this.nodes.peek() ?? [];
+    const read = await Promise.all(known.map((node) => (stale.has(node.node) ? this.#readNode(node) : node)));
+    this.nodes.value = known.map((node, index) => read[index] ?? node);
   }
 
   async #readScene(): Promise<void> {
@@ -317,7 +327,7 @@ export class Host implements ConnectionListener {
     if (!details.ok) {
       return null;
     }
-    batch(() => {
+    this.#pace.show(() => {
       for (const { params } of details.outputs) {
         for (const { id, int, float, string, length } of params) {
           this.values.of(node.node, id).value = { int, float, string, ...(length !== undefined && { length }) };

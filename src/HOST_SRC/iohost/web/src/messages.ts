@@ -54,7 +54,8 @@ export type Push =
   | ({ push: "happened"; frame: number } & Happened)
   | ({ push: "network" } & NetworkState)
   | { push: "outputs"; nodes: Record<string, Record<string, OutputValue>> }
-  | { push: "scene"; version: number };
+  /** Of these nodes parameters changed; without them, anything may have. */
+  | { push: "scene"; version: number; nodes?: string[] };
 
 export type KeyPayload = Extract<Payload, { is: "key" }>;
 export type PointerPayload = Extract<Payload, { is: "pointer" }>;

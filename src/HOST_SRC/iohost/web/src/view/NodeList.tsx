@@ -1,3 +1,4 @@
+import { memo } from "preact/compat";
 import type { Host, NodeView } from "../host.ts";
 import { iconOf } from "../icons.ts";
 import { kindOf } from "../params.ts";
@@ -39,7 +40,7 @@ function NodeIndex({ host, nodes }: { host: Host; nodes: readonly NodeView[] }) 
   );
 }
 
-function NodeIndexEntry({ host, node }: { host: Host; node: NodeView }) {
+const NodeIndexEntry = memo(function NodeIndexEntry({ host, node }: { host: Host; node: NodeView }) {
   const events = node.details.outputs.flatMap(({ params }) => params).filter((param) => kindOf(param) === "event");
   const count = events.reduce((sum, { id }) => sum + host.fired.of(node.node, id).value.count, 0);
   return (
@@ -54,9 +55,9 @@ function NodeIndexEntry({ host, node }: { host: Host; node: NodeView }) {
       {count > 0 && <span class="index-flash" key={count} aria-hidden="true" />}
     </button>
   );
-}
+});
 
-function NodeCard({ host, node }: { host: Host; node: NodeView }) {
+const NodeCard = memo(function NodeCard({ host, node }: { host: Host; node: NodeView }) {
   const { inputs, outputs } = node.details;
   const place = node.clip === null ? "no clip" : node.clip;
   return (
@@ -86,7 +87,7 @@ function NodeCard({ host, node }: { host: Host; node: NodeView }) {
       <JsonVerdictLine host={host} node={node.node} />
     </article>
   );
-}
+});
 
 function OutputGroup({ host, node, group }: { host: Host; node: string; group: ParamGroup }) {
   return (
