@@ -68,13 +68,15 @@ void AppendValue(std::wstring& text, const web::json::value& value) {
         text += '{';
         for (const auto& [name, member] : value.as_object()) {
             separate();
-            text += web::json::value::string(name).serialize();
+            web::json::details::format_string(name, text);
             text += ':';
             AppendValue(text, member);
         }
         text += '}';
     } else if (value.is_double()) {
         AppendNumber(text, value.as_double());
+    } else if (value.is_string()) {
+        web::json::details::format_string(value.as_string(), text);
     } else {
         text += value.serialize();
     }
