@@ -52,8 +52,18 @@ constexpr LookUp GESTURE_LOOK_UPS[] = {{Place::Input, ENABLE}};
 const SIOEventRecord TAP[] = {{DEVICE_POINTER, EVENT_LEFT_DOWN, &s_pointer},
                               {DEVICE_POINTER, EVENT_LEFT_UP, &s_pointer}};
 constexpr Fired TAP_FIRED[] = {{758, L"[%s.%s.%s]触发输出事件[单击]", L""}};
-// The array of the stroke's samples is made at the press and grows at the release.
-const FiringEvent GESTURE_EVENTS[] = {{"Tap", TAP, TAP_FIRED, 2}};
+SQORMouseData s_strokeStart(0, 0.0f, 0.0f, CPoint(0, 0), 0);
+SQORMouseData s_strokeMiddle(0, 0.0f, 0.0f, CPoint(100, 0), 0);
+SQORMouseData s_strokeEnd(0, 0.0f, 0.0f, CPoint(200, 0), 0);
+
+const SIOEventRecord SWIPE[] = {{DEVICE_POINTER, EVENT_LEFT_DOWN, &s_strokeStart},
+                                {DEVICE_POINTER, EVENT_POINTER_SAMPLE, &s_strokeMiddle},
+                                {DEVICE_POINTER, EVENT_LEFT_UP, &s_strokeEnd}};
+constexpr Fired SWIPE_FIRED[] = {{752, L"[%s.%s.%s]触发输出事件[开始拖动]", L""},
+                                 {753, L"[%s.%s.%s]触发输出事件[结束拖动]", L""},
+                                 {755, L"[%s.%s.%s]触发输出事件[向右滑动]", L""}};
+// The array of the stroke's samples is made at the press and grows with each sample.
+const FiringEvent GESTURE_EVENTS[] = {{"Tap", TAP, TAP_FIRED, 2}, {"Swipe", SWIPE, SWIPE_FIRED, 2}};
 
 // ---- VR handle ------------------------------------------------------------------------------------------------------
 

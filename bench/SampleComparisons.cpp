@@ -39,21 +39,21 @@ Gdiplus::PointF PointOf(const SQORMouseData& sample, Gdiplus::PointF /*kind*/) {
     return {sample.m_fRelativeX, sample.m_fRelativeY};
 }
 
-/// Strokes of many samples in one place, which end as a tap. The floor keeps the samples in arrays of its own and posts
-/// the same taps.
+/// Strokes of many samples to the right: a drag begins, and a swipe ends it. The floor keeps the samples in arrays of
+/// its own and posts the same events.
 template <typename Point>
 class CStrokes {
 public:
     CStrokes(const MeasuredType& type, const CBenchHost& host, Nodes nodes, size_t nStrokeSamples, int bRelative)
-        : m_tap(type.events.front()), m_host(host), m_nodes(nodes), m_nStrokeSamples(nStrokeSamples),
-          m_sample(0, 1.0f, 2.0f, CPoint(3, 4), bRelative), m_points(nodes.size()) {
+        : m_swipe(type.events.back()), m_host(host), m_nodes(nodes), m_nStrokeSamples(nStrokeSamples),
+          m_sample(0, 0.0f, 2.0f, CPoint(0, 4), bRelative), m_points(nodes.size()) {
         for (size_t i = 0; i <= nStrokeSamples; ++i) {
             if (!Measured()) {
                 throw std::runtime_error("the gesture node doesn't take the samples");
             }
         }
-        if (m_nEvents != nodes.size()) {
-            throw std::runtime_error("a stroke isn't a tap");
+        if (m_nEvents != m_swipe.fired.size() * nodes.size()) {
+            throw std::runtime_error("a stroke isn't a swipe");
         }
     }
 
@@ -64,23 +64,29 @@ public:
     }
 
     bool Measured() {
-        if (m_nMeasured++ % m_nStrokeSamples == 0) {
-            SendToAll(EVENT_LEFT_UP);
-            SendToAll(EVENT_LEFT_DOWN);
+        const size_t nSample = m_nMeasured++ % m_nStrokeSamples;
+        if (nSample == 0) {
             m_nEvents = m_host.ReceiveEvents();
+            SendToAll(EVENT_LEFT_UP);
+            MoveTo(0);
+            SendToAll(EVENT_LEFT_DOWN);
         }
+        MoveTo(DRAG_DISTANCE + nSample);
         return SendToAll(EVENT_POINTER_SAMPLE);
     }
 
     bool Floor() {
-        if (m_nFloor++ % m_nStrokeSamples == 0) {
+        const size_t nSample = m_nFloor++ % m_nStrokeSamples;
+        if (nSample == 0) {
+            MoveTo(0);
             for (size_t i = 0; i < m_nodes.size(); ++i) {
-                PostSameEvents(*m_nodes[i], m_tap);
+                PostSameEvents(*m_nodes[i], m_swipe);
+                m_nEvents += m_host.ReceiveEvents();
                 m_points[i].RemoveAll();
                 m_points[i].Add(PointOf(m_sample, Point()));
             }
-            m_nEvents = m_host.ReceiveEvents();
         }
+        MoveTo(DRAG_DISTANCE + nSample);
         for (size_t i = 0; i < m_nodes.size(); ++i) {
             m_nodes[i]->m_pNode->PreRender();
             m_points[i].Add(PointOf(m_sample, Point()));
@@ -89,16 +95,26 @@ public:
     }
 
 private:
+    static constexpr size_t DRAG_DISTANCE = 100; ///< the first sample begins the drag
+
+    void MoveTo(size_t nX) {
+        m_sample.m_ptPixel.x = static_cast<LONG>(nX);
+        m_sample.m_fRelativeX = static_cast<float>(nX);
+    }
+
     bool SendToAll(int nEvent) {
         const SIOEventRecord record = {DEVICE_POINTER, nEvent, &m_sample};
         bool bAllTaken = true;
         for (const auto& pPlaced : m_nodes) {
             bAllTaken &= pPlaced->m_pNode->DevIOEventOccurred(&record) == 1;
+            if (nEvent == EVENT_LEFT_UP) {
+                m_nEvents += m_host.ReceiveEvents(); // the queue doesn't take those of all nodes
+            }
         }
         return bAllTaken;
     }
 
-    const FiringEvent& m_tap;
+    const FiringEvent& m_swipe;
     const CBenchHost& m_host;
     const Nodes m_nodes;
     const size_t m_nStrokeSamples;
