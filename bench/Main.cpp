@@ -13,6 +13,7 @@
 #include "HostSetup.h"
 #include "JsonComparisons.h"
 #include "NetworkComparisons.h"
+#include "OscComparison.h"
 #include "RatioReport.h"
 #include "base/Platform.h"
 
@@ -89,6 +90,7 @@ bool MeasureAll() {
     // Before the many broadcast send nodes of one type, each of which takes a socket for good.
     measure(CNetworkComparisons(host).All());
     measure(CJsonComparisons(host).All());
+    measure(COscComparison(host).All());
     host.PostReportedEvents();
     // One type after the other, so that only one population takes memory.
     for (const MeasuredType& type : MeasuredTypes()) {

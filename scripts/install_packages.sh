@@ -4,7 +4,7 @@
 # those for the build in Microsoft's C++ ABI, and those for scripts/mutate.
 run_packages=(g++ cmake ninja-build ccache libboost-dev nlohmann-json3-dev libpugixml-dev libsimpleini-dev libutf8proc-dev
               libcli11-dev libcpprest-dev dpkg-dev)
-test_packages=(googletest librapidcheck-dev libbenchmark-dev clang-format clang-tidy python3 iproute2 binutils
+test_packages=(googletest librapidcheck-dev libbenchmark-dev liblo-dev clang-format clang-tidy python3 iproute2 binutils
                chromium-headless-shell librsvg2-bin icoutils)
 windows_packages=(g++-mingw-w64-x86-64-posix)
 windows_test_packages=(wine wine64 clang-19 xvfb xdotool)
