@@ -27,6 +27,8 @@ async function buildPage() {
     target: ["es2022"],
     jsx: "automatic",
     jsxImportSource: "preact",
+    // The graph's library is written for React; Preact does what it needs.
+    alias: { react: "preact/compat", "react-dom": "preact/compat", "react/jsx-runtime": "preact/jsx-runtime" },
     // The node types' icons are files of their own, so that the page needs no data: addresses.
     loader: { ".svg": "file" },
     assetNames: "icons/[name]",

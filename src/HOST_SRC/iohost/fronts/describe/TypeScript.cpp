@@ -158,6 +158,7 @@ std::string ProtocolTypes() {
     types.Declare<SSceneNode>("SceneNode");
     types.Declare<SLinkDocument>("Link");
     types.Declare<SSceneView>("Scene");
+    types.Declare<SNodeType>("OfferedType");
     types.Declare<SObjectState>("SceneObject");
     types.Declare<SHeldEntry>("HeldEntry");
     types.Declare<CQORPanelRemoteCtrlData>("RemoteControlRecord");

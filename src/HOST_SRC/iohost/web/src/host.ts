@@ -12,7 +12,7 @@ import type { EditValue } from "./params.ts";
 import type { JsonVerdict } from "./protocol.ts";
 import { Device, EventId } from "./codes.ts";
 import { firedByNodes, type EventReply, type Happened, type InputEvent, type NodeDetails, type Push, type Reply } from "./messages.ts";
-import type { HeldEntry, Link, OutputValue, Scene, SceneNode, SceneObject } from "./protocol.ts";
+import type { HeldEntry, Link, OfferedType, OutputValue, Scene, SceneNode, SceneObject } from "./protocol.ts";
 
 export type ConnectionState =
   | { is: "connecting" }
@@ -147,6 +147,26 @@ export class Host implements ConnectionListener {
     const link = this.links.peek().find(({ to, input: linked }) => to === node && linked === input);
     const keyboards = nodesOf(this.nodes.peek(), NodeType.keyboard);
     return keyboards.find((keyboard) => keyboard.node === link?.from)?.node ?? null;
+  }
+
+  /** The node types that the module offers now. */
+  async offeredTypes(): Promise<OfferedType[]> {
+    const reply = await this.#connection.request<{ types: OfferedType[] }>({ op: "catalogue" });
+    return reply.ok ? reply.types : [];
+  }
+
+  /** Adds a node under a handle that no node has; answers with what was wrong, or null. */
+  async addNode(node: string, type: string, clip: string, graph: string): Promise<string | null> {
+    const reply = await this.#connection.request<{ created: boolean }>({ op: "create", node, type, clip, graph });
+    return reply.ok && !reply.created ? "The module doesn't make nodes of this type." : errorOf(reply);
+  }
+
+  async removeNode(node: string): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "destroy", node }));
+  }
+
+  async link(from: string, output: number, to: string, input: number): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "link", from, output, to, input }));
   }
 
   async addObject(clip: string, name: string): Promise<string | null> {

@@ -1,5 +1,6 @@
 import { render } from "preact";
 import { Host } from "./host.ts";
+import "./graph/graph.css";
 import "./page.css";
 import { App } from "./view/App.tsx";
 

@@ -56,6 +56,17 @@ export type Scene = {
   links: Link[];
 };
 
+export type OfferedType = {
+  guid: string;
+  kind: number;
+  name: string;
+  aux: string;
+  tip: string;
+  icon: boolean;
+  enable: number;
+  reserved: [number, number, number, number];
+};
+
 export type SceneObject = {
   clip: string;
   name: string;

@@ -1,8 +1,8 @@
 import type { ComponentType } from "preact";
 import type { Host } from "../host.ts";
-import { HandsPanel } from "./HandsPanel.tsx";
 import { JsonPanel } from "./JsonPanel.tsx";
 import { KeyboardPanel } from "./KeyboardPanel.tsx";
+import { lazyPanel } from "./lazyPanel.tsx";
 import { LogPanel } from "./LogPanel.tsx";
 import { NetworkPanel } from "./NetworkPanel.tsx";
 
@@ -25,8 +25,9 @@ export interface Panel {
 /** In the order of the tabs; the first one is in front at first. */
 export const PANELS: readonly Panel[] = [
   { id: "log", title: "Log", View: LogPanel },
+  { id: "graph", title: "Graph", View: lazyPanel(async () => (await import("../graph/GraphView.tsx")).GraphView), height: "56%" },
   { id: "keyboard", title: "On-screen keyboard", View: KeyboardPanel, height: "46%" },
-  { id: "hands", title: "VR hands", View: HandsPanel, height: "56%" },
+  { id: "hands", title: "VR hands", View: lazyPanel(async () => (await import("../vr/HandsView.tsx")).HandsView), height: "56%" },
   { id: "network", title: "Network", View: NetworkPanel, height: "46%" },
   { id: "json", title: "JSON texts", View: JsonPanel },
 ];

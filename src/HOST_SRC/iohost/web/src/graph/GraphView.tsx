@@ -1,0 +1,214 @@
+import {
+  Background,
+  Controls,
+  Handle,
+  MiniMap,
+  Position,
+  ReactFlow,
+  useNodesState,
+  type Connection,
+  type Edge,
+  type FinalConnectionState,
+  type Node,
+  type NodeProps,
+  type ReactFlowInstance,
+} from "@xyflow/react";
+import { useEffect, useMemo, useRef, useState } from "preact/hooks";
+import type { Host, NodeView } from "../host.ts";
+import { iconOf } from "../icons.ts";
+import type { Param } from "../messages.ts";
+import { shownValue } from "../params.ts";
+import { LongText } from "../view/LongText.tsx";
+import type { PanelProps } from "../view/panels.ts";
+import { arrange, type Box } from "./layout.ts";
+import { NodePalette } from "./NodePalette.tsx";
+import { refusal, sortOf } from "./wiring.ts";
+
+type FaceNode = Node<{ host: Host; node: NodeView }, "face">;
+
+// As the style sheet draws them.
+const WIDTH = 300;
+const HEAD_HEIGHT = 42;
+const PIN_HEIGHT = 20;
+
+const GAP = 24;
+
+const inputsOf = ({ details }: NodeView) => details.inputs.flatMap(({ params }) => params);
+const outputsOf = ({ details }: NodeView) => details.outputs.flatMap(({ params }) => params);
+
+function boxOf(node: NodeView): Box {
+  const rows = Math.max(inputsOf(node).length, outputsOf(node).length);
+  return { id: node.node, width: WIDTH, height: HEAD_HEIGHT + PIN_HEIGHT * rows };
+}
+
+/** The scene as a graph: what each node shows right now, and what leads where. Nodes are added, wired and removed here. */
+export function GraphView({ host, shown }: PanelProps) {
+  const nodes = host.nodes.value;
+  const links = host.links.value;
+  const [faces, setFaces, onFacesChange] = useNodesState<FaceNode>([]);
+  const [message, setMessage] = useState("");
+  const flow = useRef<ReactFlowInstance<FaceNode> | null>(null);
+
+  const place = (all: readonly NodeView[], kept: readonly FaceNode[]) => {
+    const old = new Map(kept.map((face) => [face.id, face]));
+    const places = kept.length === 0 ? arrange(all.map(boxOf), links) : null;
+    let below = Math.max(...kept.map(({ position, measured }) => position.y + (measured?.height ?? 0)), 0);
+    return all.map((node): FaceNode => {
+      const data = { host, node };
+      const face = old.get(node.node);
+      if (face !== undefined) {
+        return { ...face, data };
+      }
+      const position = places?.get(node.node) ?? { x: 0, y: below + GAP };
+      below = position.y + boxOf(node).height;
+      return { id: node.node, type: "face", position, data, ariaLabel: `${node.graph}, ${node.details.name}` };
+    });
+  };
+  useEffect(() => setFaces((kept) => place(nodes ?? [], kept)), [nodes]);
+
+  const wires = useMemo(
+    () =>
+      links.map(({ from, output, to, input }): Edge => {
+        const source = nodes?.find(({ node }) => node === from);
+        const pin = source && outputsOf(source).find(({ id }) => id === output);
+        return {
+          id: `${from} ${output} ${to} ${input}`,
+          source: from,
+          sourceHandle: String(output),
+          target: to,
+          targetHandle: String(input),
+          className: `wire wire-${pin ? sortOf(pin) : "text"}`,
+          deletable: false,
+        };
+      }),
+    [nodes, links],
+  );
+
+  const whyNot = ({ source, sourceHandle, target, targetHandle }: Connection | Edge): string | null => {
+    const from = nodes?.find(({ node }) => node === source);
+    const to = nodes?.find(({ node }) => node === target);
+    const output = from && outputsOf(from).find(({ id }) => String(id) === sourceHandle);
+    const input = to && inputsOf(to).find(({ id }) => String(id) === targetHandle);
+    if (!output || !input) {
+      return "Links lead from an output to an input.";
+    }
+    const linked = links.some((link) => link.to === target && link.input === input.id);
+    return refusal({ node: source, sort: sortOf(output) }, { node: target, sort: sortOf(input), linked });
+  };
+  const tellRefusal = (_: unknown, { isValid, fromHandle, toHandle }: FinalConnectionState) => {
+    if (isValid === false && fromHandle !== null && toHandle !== null) {
+      const [from, to] = fromHandle.type === "source" ? [fromHandle, toHandle] : [toHandle, fromHandle];
+      setMessage(
+        whyNot({ source: from.nodeId, sourceHandle: from.id ?? null, target: to.nodeId, targetHandle: to.id ?? null }) ?? "",
+      );
+    }
+  };
+
+  const arrangeAnew = () => {
+    const places = arrange((nodes ?? []).map(boxOf), links);
+    setFaces((kept) => kept.map((face) => ({ ...face, position: places.get(face.id) ?? face.position })));
+    requestAnimationFrame(() => void flow.current?.fitView());
+  };
+  const remove = async (gone: readonly FaceNode[]) => {
+    const errors = await Promise.all(gone.map(({ id }) => host.removeNode(id)));
+    setMessage(errors.filter((error) => error !== null).join(" "));
+  };
+
+  if (!shown) {
+    return null;
+  }
+  return (
+    <>
+      <div class="panel-head graph-head">
+        <NodePalette host={host} onMessage={setMessage} />
+        <button type="button" onClick={arrangeAnew}>
+          Arrange
+        </button>
+        <span class="hint" role="status" data-graph-message>
+          {message}
+        </span>
+      </div>
+      <div class="graph" data-graph>
+        <ReactFlow
+          colorMode="dark"
+          nodes={faces}
+          edges={wires}
+          nodeTypes={FACES}
+          onNodesChange={onFacesChange}
+          isValidConnection={(connection) => whyNot(connection) === null}
+          onConnect={async ({ source, sourceHandle, target, targetHandle }) =>
+            setMessage((await host.link(source, Number(sourceHandle), target, Number(targetHandle))) ?? "")
+          }
+          onConnectEnd={tellRefusal}
+          // What goes is the host's to say: the graph follows the scene.
+          onBeforeDelete={async ({ nodes: gone }) => {
+            await remove(gone);
+            return false;
+          }}
+          onNodeDoubleClick={(_, { id }) =>
+            document.getElementById(`node-${id}`)?.scrollIntoView({ behavior: "smooth", block: "start" })
+          }
+          onInit={(instance) => (flow.current = instance)}
+          deleteKeyCode={["Delete", "Backspace"]}
+          minZoom={0.1}
+          fitView
+        >
+          <Background />
+          <Controls showInteractive={false} />
+          <MiniMap pannable zoomable />
+        </ReactFlow>
+      </div>
+    </>
+  );
+}
+
+function Face({ data: { host, node } }: NodeProps<FaceNode>) {
+  const icon = iconOf(node.type);
+  return (
+    <div class="face" data-face={node.node}>
+      <header class="face-head">
+        {icon !== null && <img src={icon} alt="" width="22" height="22" />}
+        <strong>{node.graph}</strong>
+      </header>
+      <div class="face-pins">
+        <div>
+          {inputsOf(node).map((param) => (
+            <div class="face-pin" key={param.id} title={`${param.name}, ${param.id}`}>
+              <Handle type="target" position={Position.Left} id={String(param.id)} className={`pin pin-${sortOf(param)}`} />
+              <span class="face-name">{param.display}</span>
+            </div>
+          ))}
+        </div>
+        <div>
+          {outputsOf(node).map((param) => (
+            <div class="face-pin face-output" key={param.id} title={`${param.name}, ${param.id}`}>
+              <OutputState host={host} node={node.node} param={param} />
+              <span class="face-name">{param.display}</span>
+              <Handle type="source" position={Position.Right} id={String(param.id)} className={`pin pin-${sortOf(param)}`} />
+            </div>
+          ))}
+        </div>
+      </div>
+    </div>
+  );
+}
+
+/** What an output shows right now: how often it fired, or its value. */
+function OutputState({ host, node, param }: { host: Host; node: string; param: Param }) {
+  if (sortOf(param) === "event") {
+    const { count } = host.fired.of(node, param.id).value;
+    return (
+      <span class={count > 0 ? "face-value fired" : "face-value"} data-face-count={count}>
+        {/* A new key makes a new element, whose flash starts afresh. */}
+        <span class="event-lamp" key={count} aria-hidden="true" /> {count}
+      </span>
+    );
+  }
+  return (
+    <span class="face-value">
+      <LongText {...shownValue(param, host.values.of(node, param.id).value)} />
+    </span>
+  );
+}
+
+const FACES = { face: Face };

@@ -1,0 +1,30 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { arrange, type Box, type Place } from "../src/graph/layout.ts";
+
+const box = (id: string): Box => ({ id, width: 300, height: 100 });
+const link = (from: string, to: string) => ({ from, output: 1, to, input: 2 });
+const at = (places: Map<string, Place>, id: string) => places.get(id)!;
+
+test("what is fed stands to the right of what feeds it, also where links go round", () => {
+  const places = arrange([box("c"), box("b"), box("a")], [link("a", "b"), link("b", "c")]);
+  assert.ok(at(places, "a").x + 300 < at(places, "b").x);
+  assert.ok(at(places, "b").x + 300 < at(places, "c").x);
+  assert.equal(arrange([box("a"), box("b")], [link("a", "b"), link("b", "a")]).size, 2);
+});
+
+test("no two boxes cover each other, with links and without", () => {
+  const ids = Array.from({ length: 60 }, (_, index) => `n${index}`);
+  const links = Array.from({ length: 20 }, (_, index) => link(`n${index}`, `n${(index * 7 + 1) % 30}`));
+  const places = [...arrange(ids.map(box), links).values()];
+  assert.equal(places.length, 60);
+  for (const [index, one] of places.entries()) {
+    for (const other of places.slice(index + 1)) {
+      assert.ok(Math.abs(one.x - other.x) >= 300 || Math.abs(one.y - other.y) >= 100, `${JSON.stringify([one, other])}`);
+    }
+  }
+});
+
+test("an empty scene has no places", () => {
+  assert.equal(arrange([], []).size, 0);
+});

@@ -1,0 +1,76 @@
+// The scene as a graph: nodes are shown live, added, wired and removed.
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import * as is from "./support/page.mjs";
+import { page, script, useScene } from "./support/scene.mjs";
+import { createNode, expectEventually, must, Type, until } from "./support/session.mjs";
+
+const TEXT_INPUT = 202;
+const APPEND_INPUT = 203;
+const CLEAR_INPUT = 204;
+
+useScene({
+  panel: "graph",
+  prepare: async () => {
+    await createNode(script, "t", Type.textField, "Text field 1");
+    await must(script, { op: "link", from: "k", output: is.KEY_DOWN[1], to: "t", input: APPEND_INPUT });
+  },
+  look: () => face("t").waitFor(),
+});
+
+const face = (node) => page.page.locator(`[data-face="${node}"]`);
+const pin = (node, id) => face(node).locator(`[data-handleid="${id}"]`);
+const wires = () => page.page.locator(".react-flow__edge");
+const chosen = () => page.page.locator(".react-flow__node.selected");
+const message = () => page.page.locator("[data-graph-message]");
+const links = async () => (await must(script, { op: "scene" })).links;
+
+test("the scene's links are wires, also one that comes later", async () => {
+  await expectEventually("wires", () => wires().count(), 1);
+  await must(script, { op: "link", from: "k", output: is.KEY_TEXT[1], to: "t", input: TEXT_INPUT });
+  await expectEventually("wires", () => wires().count(), 2);
+});
+
+test("a node's face counts its events and shows its values", async () => {
+  await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
+  await expectEventually("the count", () => face("k").locator('[data-face-count="1"]').count(), 1);
+  await until("the key's name", async () => (await face("k").innerText()).includes("F5"));
+});
+
+test("a wire that is drawn from an event to an event is a link", async () => {
+  await pin("m", is.LEFT_DOWN[1]).dragTo(pin("t", CLEAR_INPUT));
+  await expectEventually("wires", () => wires().count(), 2);
+  assert.deepEqual((await links()).at(-1), { from: "m", output: is.LEFT_DOWN[1], to: "t", input: CLEAR_INPUT });
+});
+
+test("a wire between pins that don't fit is refused with the reason", async () => {
+  await pin("m", is.LEFT_DOWN[1]).dragTo(pin("t", TEXT_INPUT));
+  await expectEventually("the reason", () => message().innerText(), "An output with events doesn't fit an input for texts.");
+  assert.equal((await links()).length, 1);
+});
+
+test("a node is added by its type's name, under a name of its own", async () => {
+  await page.page.locator("[data-palette]").selectOption({ label: "Mouse" });
+  await page.page.getByRole("button", { name: "Add node" }).click();
+  await face("Mouse 1").waitFor();
+  const { nodes } = await must(script, { op: "scene" });
+  assert.deepEqual(nodes.slice(-1).map(({ node, graph, clip }) => [node, graph, clip]), [["Mouse 1", "Mouse 2", "Demo"]]);
+});
+
+test("a chosen node is removed by a key, with its links", async () => {
+  await face("t").locator("header").click();
+  await chosen().waitFor();
+  await page.page.keyboard.press("Delete");
+  await face("t").waitFor({ state: "detached" });
+  assert.deepEqual((await must(script, { op: "scene" })).nodes.map(({ node }) => node), ["k", "m"]);
+  assert.deepEqual(await links(), []);
+  assert.equal(await wires().count(), 0);
+});
+
+test("all of it is reached by keys alone", async () => {
+  await page.page.getByRole("group", { name: /^Text field 1/ }).focus();
+  await page.page.keyboard.press("Enter");
+  await chosen().waitFor();
+  await page.page.keyboard.press("Backspace");
+  await face("t").waitFor({ state: "detached" });
+});
