@@ -1,5 +1,4 @@
 // The broadcast send node: how it opens its socket, and the bytes of its datagrams.
-#include "HeapUse.h"
 #include "ModuleHost.h"
 #include "SocketCalls.h"
 #include "SystemCalls.h"
@@ -158,16 +157,6 @@ TEST_F(BroadcastSendNode, WithoutASocketItSendsToNowhereAndSaysNothing) {
     EXPECT_EQ(datagram.address.sin_family, 0);
     EXPECT_EQ(datagram.address.sin_port, 0);
     ExpectSilence();
-}
-
-TEST_F(BroadcastSendNode, SteadySendsKeepTheHeapAsItIs) {
-    m_scene.Input(DATA).m_strValue = CString(L'x', 500);
-    SentBytes();
-    const size_t nBefore = HeapBytesInUse();
-    for (int i = 0; i < 200; ++i) {
-        SentBytes();
-    }
-    EXPECT_EQ(HeapBytesInUse(), nBefore);
 }
 
 } // namespace

@@ -122,12 +122,6 @@ TEST_F(DeviceJsonReceiveNode, NullAndWhatIsNoJsonIsRefusedAndLogged) {
                      NOT_PARSED);
 }
 
-TEST_F(DeviceJsonReceiveNode, NeedsNoEventWindow) {
-    m_scene.m_pNode->m_hEventWnd = nullptr;
-    m_scene.m_pNode->m_nEventMsg = 0;
-    ExpectTaken(L"{}");
-}
-
 // ---- With the check ------------------------------------------------------------------------------------------------
 
 TEST_F(DeviceJsonReceiveNode, TheCheckWantsAnObject) {

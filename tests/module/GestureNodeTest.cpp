@@ -191,19 +191,6 @@ TEST_F(GestureNodeUpgrade, TapIsAddedFromVersionTwoOn) {
 
 // ---- Evaluation and records ----------------------------------------------------------------------------------------
 
-TEST_F(GestureNode, OutputsAreNeitherWrittenNorNeeded) {
-    MarkOutputs();
-    EXPECT_EQ(FiredBy(Pixels({{0, 0}, {100, 0}, {200, 0}})), Drag(SWIPE_RIGHT));
-    EXPECT_EQ(m_scene.Evaluate(), 1);
-    EXPECT_EQ(Written(), std::vector<std::string>{});
-    SGraphNode bare;
-    bare.m_strName = L"Graph";
-    EXPECT_EQ(m_scene.m_pNode->ProcessNode(&bare), 1);
-    ExpectIdle();
-    EXPECT_TRUE(bare.m_lstOutputGroup.IsEmpty());
-    m_scene.m_pNode->ProcessNode(nullptr);
-}
-
 TEST_F(GestureNode, StrokeIsKeptWhileDisabled) {
     Send(PRESS, Pixel(0, 0));
     m_scene.Input(ENABLE).m_nValue = 0;

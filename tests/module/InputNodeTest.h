@@ -66,19 +66,6 @@ protected:
         return written;
     }
 
-    /// The node handles no record of any device, and says nothing about a missing one.
-    void ExpectTakesNoEvents() {
-        SKeyEventData key;
-        key.m_strText = L"a";
-        for (int nDevice = 0; nDevice <= 6; ++nDevice) {
-            for (const int nEvent : {0, 1, 2002, 2003, 3005, 3006, 3013}) {
-                EXPECT_EQ(m_scene.Send(nDevice, nEvent, nDevice == 0 ? &key : nullptr), 0);
-            }
-        }
-        EXPECT_EQ(m_scene.m_pNode->DevIOEventOccurred(nullptr), 0);
-        EXPECT_EQ(Fired(), Outputs{});
-    }
-
     NodeScene m_scene;
     std::map<int, std::string> m_messages;
 };

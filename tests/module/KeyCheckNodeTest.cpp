@@ -41,14 +41,6 @@ protected:
     TestClock m_clock{0};
 };
 
-TEST_F(KeyCheckNode, TakesNoEvents) {
-    m_keyboard.Hold(KEY_A);
-    ExpectTakesNoEvents();
-    EXPECT_EQ(Evaluated(), Outputs{KEY_DOWN});
-    ExpectTakesNoEvents();
-    EXPECT_EQ(Evaluated(), Outputs{});
-}
-
 // ---- One key -------------------------------------------------------------------------------------------------------
 
 TEST_F(KeyCheckNode, PressAndReleaseFireAtTheNextEvaluation) {
@@ -105,32 +97,6 @@ TEST_F(KeyCheckNode, AnotherKeyTakesOverTheState) {
     EXPECT_EQ(Evaluated(), Outputs{KEY_UP});
     m_keyboard.Hold(KEY_B);
     EXPECT_EQ(Evaluated(), Outputs{KEY_DOWN});
-}
-
-TEST_F(KeyCheckNode, OutputsAreNeitherWrittenNorNeeded) {
-    MarkOutputs();
-    m_keyboard.Hold(KEY_A);
-    EXPECT_EQ(EvaluatedAt(1000), Outputs{KEY_DOWN});
-    EXPECT_EQ(EvaluatedAt(1001), Outputs{HOLD_DOWN});
-    m_keyboard.Release(KEY_A);
-    EXPECT_EQ(EvaluatedAt(1002), Outputs{KEY_UP});
-    EXPECT_EQ(Written(), std::vector<std::string>{});
-    SGraphNode bare;
-    m_keyboard.Hold(KEY_A);
-    EXPECT_EQ(m_scene.m_pNode->ProcessNode(&bare), 1);
-    EXPECT_EQ(Fired(), Outputs{KEY_DOWN});
-    EXPECT_TRUE(bare.m_lstOutputGroup.IsEmpty());
-    m_scene.m_pNode->ProcessNode(nullptr);
-}
-
-TEST_F(KeyCheckNode, NeitherOwnerNorEventWindowIsNeeded) {
-    m_scene.m_pNode->m_pOwnerClip = nullptr;
-    m_scene.m_pNode->m_hEventWnd = nullptr;
-    m_keyboard.Hold(KEY_A);
-    EXPECT_EQ(Evaluated(), Outputs{});
-    m_scene.m_pNode->m_hEventWnd = m_host.Window();
-    m_keyboard.Release(KEY_A);
-    EXPECT_EQ(Evaluated(), Outputs{KEY_UP}) << "the state was followed all the same";
 }
 
 // ---- Modifiers -----------------------------------------------------------------------------------------------------
@@ -335,14 +301,6 @@ TEST_F(KeyCheckNode, StoppedEvaluationKeepsTheState) {
         stop(false);
         EXPECT_EQ(Evaluated(), Outputs{KEY_UP});
     }
-}
-
-TEST_F(KeyCheckNode, KeyOfTheGraphWinsOverTheNodesOwn) {
-    VEKParam& graphKeyValue = m_scene.AddGraphInput(KEY_VALUE, 38, 1);
-    m_keyboard.Hold(KEY_B);
-    EXPECT_EQ(Evaluated(0), Outputs{});
-    graphKeyValue.m_nValue = KEY_B;
-    EXPECT_EQ(Evaluated(), Outputs{KEY_DOWN});
 }
 
 /// An application that says itself which window is its main window.

@@ -5,7 +5,7 @@ namespace {
 
 const int DEVICE = 0, PRESS = 2002, RELEASE = 2003;
 const int KEY_DOWN = 152, KEY_UP = 153;
-const unsigned ENABLE = 2, KEY_TEXT = 154;
+const unsigned KEY_TEXT = 154;
 
 class KeyboardNode : public InputNodeTest {
 protected:
@@ -92,16 +92,6 @@ TEST_F(KeyboardNode, OtherIdsAreConsumedWithoutEffect) {
         EXPECT_EQ(Send(nEvent, L"b"), 1) << nEvent;
         EXPECT_EQ(Fired(), Outputs{}) << nEvent;
     }
-    EXPECT_EQ(EvaluatedText(), "a");
-}
-
-TEST_F(KeyboardNode, TextIsKeptWhileDisabled) {
-    Press(L"a");
-    m_scene.Input(ENABLE).m_nValue = 0;
-    EXPECT_EQ(m_scene.Evaluate(), 0);
-    EXPECT_EQ(Text(), "") << "nothing is written";
-    EXPECT_EQ(Press(L"b"), 0);
-    m_scene.Input(ENABLE).m_nValue = 1;
     EXPECT_EQ(EvaluatedText(), "a");
 }
 

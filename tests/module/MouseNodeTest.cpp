@@ -9,7 +9,6 @@ namespace {
 
 const int DEVICE = 1, ENTER = 3002, LEAVE = 3003, SAMPLE = 3013;
 const int LEFT_DOWN = 3005, LEFT_UP = 3006, MIDDLE_DOWN = 3007, RIGHT_DOWN = 3009;
-const unsigned ENABLE = 2;
 
 /// All outputs with values: left, right, middle button; pixels; relative units.
 struct Values {
@@ -135,21 +134,6 @@ TEST_F(MouseNode, NothingIsClearedWhenThePointerLeaves) {
     EXPECT_EQ(Evaluated(), (Values{1, 0, 0, 1, 2, 3.0f, 4.0f}));
 }
 
-TEST_F(MouseNode, StateAndOutputsAreKeptWhileDisabled) {
-    Move(1, 2, 3.0f, 4.0f);
-    Send(RIGHT_DOWN);
-    const Values KEPT{0, 1, 0, 1, 2, 3.0f, 4.0f};
-    EXPECT_EQ(Evaluated(), KEPT);
-    m_scene.Input(ENABLE).m_nValue = 0;
-    EXPECT_EQ(m_scene.Evaluate(), 0);
-    EXPECT_EQ(Move(5, 6, 7.0f, 8.0f), 0);
-    EXPECT_EQ(Send(LEFT_DOWN), 0);
-    EXPECT_EQ(m_scene.Evaluate(), 0);
-    EXPECT_EQ(Now(), KEPT);
-    m_scene.Input(ENABLE).m_nValue = 1;
-    EXPECT_EQ(Evaluated(), KEPT);
-}
-
 // ---- Samples -------------------------------------------------------------------------------------------------------
 
 TEST_F(MouseNode, SampleMovesThePositionSilently) {
@@ -200,15 +184,6 @@ TEST_F(MouseNode, EqualPositionIsNotWrittenAgain) {
     EXPECT_EQ(Evaluated(), (Values{0, 0, 0, 0, 0, -0.0f, -0.0f}));
     Move(0, 0, 1.0f, 0.0f);
     EXPECT_EQ(Evaluated(), (Values{0, 0, 0, 0, 0, 1.0f, -0.0f}));
-}
-
-TEST_F(MouseNode, EvaluationNeedsNeitherOutputsNorOwner) {
-    SGraphNode bare;
-    EXPECT_EQ(m_scene.m_pNode->ProcessNode(&bare), 1);
-    EXPECT_TRUE(bare.m_lstOutputGroup.IsEmpty());
-    EXPECT_EQ(Move(1, 2, 3.0f, 4.0f), 1);
-    m_scene.m_pNode->m_pOwnerClip = nullptr;
-    EXPECT_EQ(Evaluated(), (Values{0, 0, 0, 1, 2, 3.0f, 4.0f}));
 }
 
 } // namespace

@@ -96,13 +96,6 @@ TEST_F(NetParameterReceiveNode, AddressesAreComparedBeyondAZeroInside) {
     }
 }
 
-TEST_F(NetParameterReceiveNode, TheGraphsInputsComeFirst) {
-    m_scene.AddGraphInput(KEY_NAME, 1, 6).m_strValue = L"graph's";
-    EXPECT_EQ(Send(), 0);
-    m_record.m_strKeyName = L"graph's";
-    EXPECT_EQ(Send(), 1);
-}
-
 TEST_F(NetParameterReceiveNode, InitParamHidesFormerInputsOfOlderSets) {
     CList<VEKParam*>& lstParam = m_scene.m_pNode->m_lstParamGroup.GetHead()->m_lstParam;
     lstParam.AddTail(new VEKParam(505, L"", L"", 1, 6));

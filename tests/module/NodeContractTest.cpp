@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "ContractTypes.h"
+#include "HeapUse.h"
 #include "HostCalls.h"
 #include "ParamText.h"
 #include "SocketCalls.h"
@@ -325,6 +326,48 @@ TEST_P(NodeContract, EachMissingPinIsSkipped) {
     }
 }
 
+TEST_P(NodeContract, NoPinIsNeededNorMade) {
+    for (const auto& group : CellsOf(m_lstOutput)) {
+        for (const auto& pin : group["params"]) {
+            m_scene.RemoveOutput(pin["id"]);
+        }
+    }
+    while (!m_lstOutput.IsEmpty()) {
+        delete m_lstOutput.RemoveHead();
+    }
+    Seen expected = m_type.acts;
+    std::erase_if(expected, [](const std::string& line) { return line.find(" is ") != line.npos; });
+    EXPECT_EQ(Act(), expected);
+    EXPECT_TRUE(m_lstOutput.IsEmpty());
+}
+
+TEST_P(NodeContract, WithoutEventWindowOnlyItsEventsAreMissing) {
+    m_scene.m_pNode->m_hEventWnd = nullptr;
+    Seen expected = m_type.acts;
+    std::erase_if(expected, [](const std::string& line) { return line.starts_with("fired "); });
+    EXPECT_EQ(Act(), expected);
+}
+
+TEST_P(NodeContract, ActingAgainAndAgainKeepsTheHeapAsItIs) {
+    m_host.KeepNothing();
+    const auto HeapAfter = [this](int nTimes) {
+        for (int i = 0; i < nTimes; ++i) {
+            SendEvents(m_scene);
+            m_scene.Evaluate();
+            SeeEvents();
+        }
+        return HeapBytesInUse();
+    };
+    Trigger(m_scene);
+    if (m_type.nTypeByte == TYPE_TEXT_FIELD) {
+        m_scene.Input(202).m_strValue = L"Backspace"; // its text would grow
+    }
+    m_scene.Evaluate();
+    const size_t nBefore = HeapAfter(2);
+    EXPECT_EQ(HeapAfter(200), nBefore);
+}
+
+/// Each input is read from the graph if that has it, and from the node itself otherwise.
 TEST_P(NodeContract, EachNeededInputMustBeThere) {
     for (const unsigned nId : m_type.neededInputs) {
         NodeScene scene(m_host, m_type.nTypeByte);
@@ -334,11 +377,14 @@ TEST_P(NodeContract, EachNeededInputMustBeThere) {
         own.m_guid = MakeParamGuid(9999);
         EXPECT_EQ(ActTriggered(scene), Seen{}) << nId;
         EXPECT_EQ(SendEvents(scene), AllEvents(0)) << nId;
-        const bool bHandled = m_type.pEvents != nullptr || m_type.nTypeByte == TYPE_TEXT_FIELD;
-        EXPECT_EQ(m_nAnswer, bHandled ? 1 : 0) << nId;
+        EXPECT_EQ(m_nAnswer, m_type.pEvents != nullptr ? 1 : 0) << nId;
         scene.AddGraphInput(0, 0, 0);
         scene.m_graphNode.m_lstInputGroup.GetHead()->m_lstParam.AddTail(pOfTheGraph);
         EXPECT_EQ(ActTriggered(scene), m_type.acts) << nId << ", the graph's will do";
+        own.m_guid = MakeParamGuid(nId);
+        own.m_nValue = own.m_nValue == 0 ? 1 : 0;
+        own.m_strValue += L"own";
+        EXPECT_EQ(ActTriggered(scene), m_type.acts) << nId << ", the graph's wins";
     }
 }
 

@@ -74,15 +74,6 @@ TEST_F(ObjectJsonReceiveNode, TheFlagDecidesNothing) {
     }
 }
 
-TEST_F(ObjectJsonReceiveNode, TheGraphsInputsComeFirst) {
-    m_scene.AddGraphInput(OBJECT_NAME, 1, 6).m_strValue = L"C";
-    ExpectRefused(L"A", L"B");
-    ExpectTaken(L"A", L"C");
-    m_scene.AddGraphInput(CLIP_NAME, 1, 6).m_strValue = L"D";
-    ExpectRefused(L"A", L"C");
-    ExpectTaken(L"D", L"C");
-}
-
 TEST_F(ObjectJsonReceiveNode, TheEventIdMeansNothing) {
     for (const int nEvent : {-1, 0, 1, 3005}) {
         EXPECT_EQ(Send(L"A", L"B", L"", nEvent), 1) << nEvent;

@@ -1,5 +1,4 @@
 // The string data send node: the bytes that it sends to which devices, its panel.
-#include "HeapUse.h"
 #include "ModuleHost.h"
 #include "TestDevices.h"
 
@@ -133,17 +132,6 @@ TEST_F(StringDataSendNode, AMissingInputIsNotHandledEvenUntriggered) {
     m_send.m_nValue = 0;
     m_scene.RemoveInput(STRING_DATA);
     EXPECT_EQ(m_scene.Evaluate(), 0);
-}
-
-TEST_F(StringDataSendNode, SteadySendsKeepTheHeapAsItIs) {
-    Input(STRING_DATA).m_strValue = CString(L'x', 500);
-    m_host.KeepNothing();
-    Evaluated();
-    const size_t nBefore = HeapBytesInUse();
-    for (int i = 0; i < 200; ++i) {
-        Evaluated();
-    }
-    EXPECT_EQ(HeapBytesInUse(), nBefore);
 }
 
 // ---- The panel -----------------------------------------------------------------------------------------------------

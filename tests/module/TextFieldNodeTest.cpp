@@ -314,13 +314,6 @@ TEST_F(TextFieldNode, KeyNameOfTheGraphWinsOverTheNodesOwn) {
     EXPECT_EQ(Text(), "go");
 }
 
-TEST_F(TextFieldNode, TakesNoEvents) {
-    m_scene.Evaluate();
-    ExpectTakesNoEvents();
-    EXPECT_EQ(m_scene.Evaluate(), 1);
-    EXPECT_EQ(Text(), "");
-}
-
 // ---- What stops an evaluation --------------------------------------------------------------------------------------
 
 TEST_F(TextFieldNode, MissingKeyNameEndsTheEvaluationAtOnce) {
@@ -383,12 +376,6 @@ TEST_F(TextFieldNode, EqualTextIsNotWrittenAgain) {
     EXPECT_EQ(m_scene.Output(OUTPUT_TEXT).m_strValue.GetString(), pBuffer);
     Type(L"2");
     EXPECT_EQ(Text(), "same2");
-}
-
-TEST_F(TextFieldNode, OutputsNeedNotBeThere) {
-    SGraphNode bare;
-    EXPECT_EQ(m_scene.m_pNode->ProcessNode(&bare), 1);
-    EXPECT_TRUE(bare.m_lstOutputGroup.IsEmpty());
 }
 
 } // namespace

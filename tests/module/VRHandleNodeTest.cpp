@@ -306,14 +306,6 @@ TEST_F(VRHandleNode, PositionsPassWithTheirBits) {
     }
 }
 
-TEST_F(VRHandleNode, OutputsNeedNotBeThere) {
-    SGraphNode bare;
-    m_scene.m_pNode->ProcessNode(&bare);
-    EXPECT_EQ(FiredBy(Posed(100, 1)), Outputs{TRIGGER_DOWN});
-    EXPECT_TRUE(bare.m_lstOutputGroup.IsEmpty());
-    m_scene.m_pNode->ProcessNode(nullptr);
-}
-
 TEST_F(VRHandleNode, NamedObjectFollowsEverySample) {
     const VEKObject& hand = AddObject(L"Hand");
     const VEKObject& other = AddObject(L"Other");
