@@ -1,8 +1,8 @@
 // Texts for the JSON nodes: sent by the page's form, posted over HTTP, sent by a device; and what the nodes made of them.
 import assert from "node:assert/strict";
-import http from "node:http";
 import net from "node:net";
 import { test } from "node:test";
+import { ask } from "./support/http.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
 import { createNode, expectEventually, must, until } from "./support/session.mjs";
@@ -50,19 +50,7 @@ async function verdictIs(node, graph, verdict, text) {
   assert.equal(await inPanel.innerText(), `Last text: ${text}`);
 }
 
-function post(path, body, headers = {}) {
-  return new Promise((resolve, reject) => {
-    const [name, port] = host.address.split(":");
-    const request = http.request({ host: name, port, path, method: "POST", headers }, (response) => {
-      let answer = "";
-      response.setEncoding("utf8");
-      response.on("data", (data) => (answer += data));
-      response.on("end", () => resolve({ status: response.statusCode, answer }));
-    });
-    request.on("error", reject);
-    request.end(body);
-  });
-}
+const post = (path, body, headers) => ask(host.address, path, { method: "POST", body, headers });
 
 test("a text sent as a device reaches the node of that device", async () => {
   assert.equal(await page.page.locator("[data-verdict]").count(), 0, "before the first text");
@@ -210,9 +198,9 @@ test("a device that sends texts is read by itself", async () => {
 });
 
 test("a posted text reaches the object's node", async () => {
-  const { status, answer } = await post("/object-text?clip=Demo&object=Map", '{"zoom":3}');
+  const { status, body } = await post("/object-text?clip=Demo&object=Map", '{"zoom":3}');
   assert.equal(status, 200);
-  const reply = JSON.parse(answer);
+  const reply = JSON.parse(body);
   assert.equal(reply.ok, true);
   assert.equal(reply.results.o, 1);
   assert.deepEqual(reply.posted.map(({ node, output }) => [node, output]), [OBJECT_EVENT]);
@@ -221,7 +209,7 @@ test("a posted text reaches the object's node", async () => {
   await verdictIs("o", "Object text", "taken", "taken");
 
   const other = await post("/object-text?clip=Demo&object=%E5%9B%BE", "é😀");
-  assert.equal(JSON.parse(other.answer).results.o, 0);
+  assert.equal(JSON.parse(other.body).results.o, 0);
   await verdictIs("o", "Object text", "other_object", "for Demo.图, not Demo.Map");
   assert.equal((await post("/object-text?clip=Demo&object=Map", "")).status, 200);
   await page.shows(OBJECT_TEXT, "");
@@ -231,7 +219,7 @@ test("wrong posts are refused and named", async () => {
   const refused = async (path, body, status, problem, headers) => {
     const reply = await post(path, body, headers);
     assert.equal(reply.status, status, path);
-    assert.match(reply.answer, problem);
+    assert.match(reply.body, problem);
   };
   const path = "/object-text?clip=Demo&object=Map";
   await refused("/object-text", "text", 400, /clip: is missing/);

@@ -9,6 +9,7 @@ import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { after, test } from "node:test";
 import { startHost } from "./support/host.mjs";
+import { ask } from "./support/http.mjs";
 import { createNode, createScene, must, openSession, postedIn, until } from "./support/session.mjs";
 
 const KEY_DOWN = { op: "event", device: 0, event: 2002, payload: { is: "key", text: "a" } };
@@ -90,12 +91,7 @@ test("a stand-in device whose lines aren't read takes connections and ends", { t
 test("a page that can't be read for want of file descriptors is answered by 503, and then again by itself", async () => {
   const host = await start();
   const agent = new http.Agent({ keepAlive: true, maxSockets: 1 });
-  const status = async (path) => {
-    const request = http.get(host.page + path, { agent });
-    const [response] = await once(request, "response");
-    await response.toArray();
-    return response.statusCode;
-  };
+  const status = async (path) => (await ask(host.address, `/${path}`, { agent })).status;
   const limit = (count) => execFileSync("prlimit", [`--nofile=${count}:`, "--pid", String(host.pid)]);
   assert.equal(await status(""), 200);
   limit(1);

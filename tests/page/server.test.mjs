@@ -1,14 +1,13 @@
 // The page's server by itself: whom it answers, what it offers, and how it bears up.
 import assert from "node:assert/strict";
 import { mkdirSync, mkdtempSync, rmSync, writeFileSync } from "node:fs";
-import http from "node:http";
 import net from "node:net";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { after, before, test } from "node:test";
 import { once } from "node:events";
-import WebSocket from "ws";
 import { runHost, startHost } from "./support/host.mjs";
+import { ask, upgrade } from "./support/http.mjs";
 import { createNode, createScene, logIn, must, openSession, postedIn, until } from "./support/session.mjs";
 
 let host;
@@ -26,19 +25,8 @@ after(async () => {
   assert.equal(host.output.stderr, "");
 });
 
-/** One request as it stands: nothing is tidied up on the way. */
-function get(path, { method = "GET", headers = {} } = {}) {
-  return new Promise((resolve, reject) => {
-    const request = http.request({ host: "127.0.0.1", port, path, method, headers }, (response) => {
-      let body = "";
-      response.setEncoding("utf8");
-      response.on("data", (text) => (body += text));
-      response.on("end", () => resolve({ status: response.statusCode, headers: response.headers, body }));
-    });
-    request.on("error", reject);
-    request.end();
-  });
-}
+const get = (path, options) => ask(host.address, path, options);
+const open = (path, headers) => upgrade(host.address, path, headers);
 
 /** Raw bytes in, everything that comes back until the server closes. */
 async function sendRaw(text) {
@@ -48,16 +36,6 @@ async function sendRaw(text) {
   socket.write(text);
   await once(socket, "close");
   return answer;
-}
-
-/** The status that an upgrade is answered with. */
-function upgrade(path, headers) {
-  return new Promise((resolve, reject) => {
-    const socket = new WebSocket(`ws://127.0.0.1:${port}${path}`, { headers });
-    socket.on("open", () => (socket.close(), resolve(101)));
-    socket.on("unexpected-response", (_, response) => (response.resume(), resolve(response.statusCode)));
-    socket.on("error", reject);
-  });
 }
 
 test("the page and its files have their types, are asked for each time, and may load from here only", async () => {
@@ -132,7 +110,7 @@ test("a request that names another host is refused, whatever it asks for", async
     for (const path of ["/", "/page.js", "/nothing"]) {
       assert.equal((await get(path, { headers: { host: foreign } })).status, 403, foreign);
     }
-    assert.equal(await upgrade("/session", { host: foreign }), 403, foreign);
+    assert.equal(await open("/session", { host: foreign }), 403, foreign);
   }
   assert.match(await sendRaw("GET / HTTP/1.0\r\n\r\n"), /^HTTP\/1\.\d 403 /);
   const twice = `GET / HTTP/1.1\r\nHost: 127.0.0.1:${port}\r\nHost: evil.example\r\nConnection: close\r\n\r\n`;
@@ -142,7 +120,7 @@ test("a request that names another host is refused, whatever it asks for", async
 test("each of the server's own names is taken", async () => {
   for (const own of ["127.0.0.1", "localhost", "LOCALHOST"]) {
     assert.equal((await get("/", { headers: { host: `${own}:${port}` } })).status, 200, own);
-    assert.equal(await upgrade("/session", { origin: `http://${own}:${port}` }), 101, own);
+    assert.equal(await open("/session", { origin: `http://${own}:${port}` }), 101, own);
   }
 });
 
@@ -158,15 +136,15 @@ test("a foreign page's requests and WebSockets are refused", async () => {
     "file://",
     "",
   ]) {
-    assert.equal(await upgrade("/session", { origin }), 403, origin);
+    assert.equal(await open("/session", { origin }), 403, origin);
     assert.equal((await get("/", { headers: { origin } })).status, 403, origin);
   }
 });
 
 test("a script without an Origin is let in, at the session's address only", async () => {
-  assert.equal(await upgrade("/session", {}), 101);
-  assert.equal(await upgrade("/", {}), 200);
-  assert.equal(await upgrade("/other", {}), 404);
+  assert.equal(await open("/session", {}), 101);
+  assert.equal(await open("/", {}), 200);
+  assert.equal(await open("/other", {}), 404);
   assert.equal((await get("/session")).status, 404);
 });
 
@@ -317,23 +295,17 @@ test("a connection too many is told so, and the host goes on", async () => {
   const own = await startHost();
   const client = await createScene(own.address);
   const [name, ownPort] = own.address.split(":");
-  const ask = async (method, headers = {}) => {
-    const request = http.request({ host: name, port: ownPort, path: "/", method, headers, agent: false });
-    request.end();
-    const [response] = await once(request, "response");
-    const text = (await response.toArray()).join("");
-    return [response.statusCode, response.headers.connection, text];
+  const refusal = async (options) => {
+    const { status, headers, body } = await ask(own.address, "/", { agent: false, ...options });
+    return [status, headers.connection, body];
   };
   const sockets = Array.from({ length: 63 }, () => net.connect(Number(ownPort), name));
   await Promise.all(sockets.map((socket) => once(socket, "connect")));
   const text = "the page's server has 64 connections, which is its most\n";
-  assert.deepEqual(await ask("GET"), [503, "close", text]);
-  assert.deepEqual(await ask("GET", { host: "evil.example" }), [503, "close", text]);
-  assert.deepEqual(await ask("HEAD"), [503, "close", ""]);
-  const refused = new WebSocket(`ws://${own.address}/session`);
-  const [, response] = await once(refused, "unexpected-response");
-  assert.equal(response.statusCode, 503);
-  response.resume();
+  assert.deepEqual(await refusal(), [503, "close", text]);
+  assert.deepEqual(await refusal({ headers: { host: "evil.example" } }), [503, "close", text]);
+  assert.deepEqual(await refusal({ method: "HEAD" }), [503, "close", ""]);
+  assert.equal(await upgrade(own.address, "/session"), 503);
   // Those who say nothing aren't waited for, however many come.
   const silent = Array.from({ length: 200 }, () => net.connect(Number(ownPort), name).on("error", () => {}).resume());
   await Promise.all(silent.map((socket) => once(socket, "close")));
@@ -343,7 +315,7 @@ test("a connection too many is told so, and the host goes on", async () => {
   assert.equal((await client.request({ op: "scene" })).ok, true);
 
   sockets.forEach((socket) => socket.destroy());
-  await until("room again", async () => (await ask("GET"))[0] === 200);
+  await until("room again", async () => (await refusal())[0] === 200);
   await client.close();
   assert.equal(await own.end(), 0);
   assert.equal(own.output.stderr, "");

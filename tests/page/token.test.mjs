@@ -1,11 +1,9 @@
 // A server that others can reach asks each of them for the token of the address that it printed.
 import assert from "node:assert/strict";
-import { once } from "node:events";
-import http from "node:http";
 import { after, before, test } from "node:test";
-import WebSocket from "ws";
 import { startBrowser } from "./support/browser.mjs";
 import { startHost } from "./support/host.mjs";
+import { ask, upgrade } from "./support/http.mjs";
 import { createScene, openSession } from "./support/session.mjs";
 
 let host;
@@ -19,22 +17,13 @@ before(async () => {
 });
 after(async () => assert.equal(await host.end(), 0));
 
-async function ask(path, { headers, method = "GET" } = {}) {
-  const request = http.request(`http://${address}${path}`, { headers, method });
-  request.end(method === "POST" ? "{}" : undefined);
-  const [response] = await once(request, "response");
-  await response.toArray();
-  return [response.statusCode, response.headers["set-cookie"]?.[0]];
+async function get(path, options) {
+  const { status, headers } = await ask(address, path, options);
+  return [status, headers["set-cookie"]?.[0]];
 }
 
-function upgrade(path, headers) {
-  return new Promise((resolve, reject) => {
-    const socket = new WebSocket(`ws://${address}${path}`, { headers });
-    socket.on("open", () => (socket.close(), resolve(101)));
-    socket.on("unexpected-response", (_, response) => (response.resume(), resolve(response.statusCode)));
-    socket.on("error", reject);
-  });
-}
+const post = (path, headers) => get(path, { method: "POST", headers, body: "{}" });
+const open = (path, headers) => upgrade(address, path, headers);
 
 test("the printed address has a token of its own", () => {
   assert.match(host.page, /^http:\/\/0\.0\.0\.0:\d+\/\?token=[0-9a-f]{32}$/);
@@ -44,29 +33,29 @@ test("without the token nothing is answered", async () => {
   const wrong = token.replace(/.$/, (last) => (last === "0" ? "1" : "0"));
   for (const query of ["", `?token=${wrong}`, "?token=", `?tokens=${token}`, `?x=token=${token}`, `?token=${token}0`]) {
     for (const path of ["/", "/page.js", "/none", "/session"]) {
-      assert.deepEqual(await ask(path + query), [401, undefined], path + query);
+      assert.deepEqual(await get(path + query), [401, undefined], path + query);
     }
-    assert.equal(await upgrade(`/session${query}`), 401, query);
-    assert.deepEqual(await ask(`/object-text${query || "?"}&clip=Demo&object=Map`, { method: "POST" }), [401, undefined]);
+    assert.equal(await open(`/session${query}`), 401, query);
+    assert.deepEqual(await post(`/object-text${query || "?"}&clip=Demo&object=Map`), [401, undefined]);
   }
   for (const headers of [{ authorization: token }, { authorization: `Basic ${token}` }, { cookie: `token=${token}` }]) {
-    assert.equal((await ask("/", { headers }))[0], 401);
-    assert.equal(await upgrade("/session", headers), 401);
+    assert.equal((await get("/", { headers }))[0], 401);
+    assert.equal(await open("/session", headers), 401);
   }
 });
 
 test("the token is taken from the query, the cookie that it sets, or the header", async () => {
-  const [status, cookie] = await ask(`/?token=${token}`);
+  const [status, cookie] = await get(`/?token=${token}`);
   assert.equal(status, 200);
   assert.match(cookie, /^iohost_token_\d+=[0-9a-f]{32}; Path=\/; HttpOnly; SameSite=Strict$/);
   const ways = [{ cookie: `other=1; ${cookie.split(";")[0]}` }, { authorization: `Bearer ${token}` }];
   for (const headers of ways) {
-    assert.deepEqual(await ask("/page.js", { headers }), [200, undefined]);
-    assert.equal(await upgrade("/session", headers), 101);
-    assert.equal((await ask("/object-text?clip=Demo&object=Map", { headers, method: "POST" }))[0], 200);
+    assert.deepEqual(await get("/page.js", { headers }), [200, undefined]);
+    assert.equal(await open("/session", headers), 101);
+    assert.equal((await post("/object-text?clip=Demo&object=Map", headers))[0], 200);
   }
-  assert.equal(await upgrade(`/session?token=${token}`), 101);
-  assert.equal((await ask(`/object-text?clip=Demo&token=${token}&object=Map`, { method: "POST" }))[0], 200);
+  assert.equal(await open(`/session?token=${token}`), 101);
+  assert.equal((await post(`/object-text?clip=Demo&token=${token}&object=Map`))[0], 200);
 });
 
 test("the page opens by the printed address and stays open to a reload without the query", async () => {
