@@ -124,9 +124,13 @@ bool Matches(const OrderedJson& value, const Json& pattern) {
 }
 
 CHostTest::CHostTest(const char* pszModuleFile) {
+    Reopen({.appFolder = m_folder.Path(), .moduleFile = pszModuleFile, .texts = ETextTable::Keys});
+}
+
+void CHostTest::Reopen(const SSessionOptions& options) {
+    m_pSession.reset();
     std::string strError;
-    m_pSession = CSession::Open({.appFolder = m_folder.Path(), .moduleFile = pszModuleFile, .texts = ETextTable::Keys},
-                                strError);
+    m_pSession = CSession::Open(options, strError);
     EXPECT_EQ(strError, "");
 }
 

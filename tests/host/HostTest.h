@@ -63,6 +63,10 @@ class CHostTest : public testing::Test {
 protected:
     explicit CHostTest(const char* pszModuleFile = MODULE_FILE);
 
+    /// A new session in place of the one that there is.
+    void Reopen(const SSessionOptions& options);
+    void Reopen() { Reopen({.appFolder = m_folder.Path(), .moduleFile = MODULE_FILE, .texts = ETextTable::Keys}); }
+
     /// The reply to a request text, as text.
     std::string Ask(std::string_view request) { return AnswerText(*m_pSession, request, m_files); }
 

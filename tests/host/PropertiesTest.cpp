@@ -87,16 +87,7 @@ rc::Gen<Commands> AnyCommands() {
     return rc::gen::container<Commands>(rc::gen::exec(AnyCommand));
 }
 
-class Properties : public CHostTest {
-protected:
-    /// A new session in place of the one that there is.
-    void Reopen() {
-        m_pSession.reset();
-        std::string strError;
-        m_pSession = CSession::Open({m_folder.Path(), MODULE_FILE, ETextTable::Keys, false}, strError);
-        RC_ASSERT(strError.empty());
-    }
-};
+using Properties = CHostTest;
 
 /// Takes what a reader hands over, as texts.
 class CItems final : private INetworkReceiver {
@@ -258,7 +249,11 @@ TEST_F(Properties, WhatIsSavedAndLoadedInspectsTheSame) {
 
 TEST_F(Properties, ARecordedSessionReplaysWithoutDifference) {
     EXPECT_TRUE(rc::check("recordings", [this] {
-        Reopen();
+        const auto reopen = [this] {
+            Reopen({m_folder.Path(), MODULE_FILE, ETextTable::Keys, false});
+            RC_ASSERT(m_pSession != nullptr);
+        };
+        reopen();
         const auto file = m_folder.Path() / "recording.jsonl";
         std::string strError;
         auto pRecorder = CRecorder::Open(*m_pSession, file, strError);
@@ -269,7 +264,7 @@ TEST_F(Properties, ARecordedSessionReplaysWithoutDifference) {
         }
         m_pSession->CloseConnection(held, "it closed");
         pRecorder.reset();
-        Reopen();
+        reopen();
         std::ostringstream output;
         const auto pReplay = CReplay::Open(file, strError);
         const CReplay::EResult nResult = pReplay->Run(*m_pSession, output);

@@ -9,71 +9,31 @@
 
 namespace {
 
-const char* const TYPE = "{8164BB40-6B6A-4707-88B7-386BCB0D1B";
-const char* const AT_ONCE = R"({"op":"evaluate","on":"event"})";
-
-enum : unsigned {
-    KEY_DOWN = 152,
-    KEY_UP = 153,
-    KEY_TEXT = 154,
-    FIELD_KEY = 202,
-    FIELD_EVENT = 203,
-    FIELD_CLEAR = 204,
-    FIELD_TEXT = 253,
-    RECEIVED_TEXT = 1452,
-    RECEIVED = 1453,
-    SENT_TEXT = 1505,
-    SEND = 1507,
-};
+constexpr char AT_ONCE[] = "evaluate on=event";
+constexpr char DEVICE[] = R"(devices list=[{"id":0,"name":"Wall","parser":"direct"}])";
 
 /// Nodes whose texts are sent: a keyboard "k" and a JSON node "j", each linked to a string send node.
 class Evaluation : public CHostTest {
 protected:
-    void Create(const std::string& strNode, const std::string& strType) {
-        Must(R"({"op":"create","node":")" + strNode + R"(","type":")" + TYPE + strType +
-             R"(}","clip":"Clip","graph":"G"})");
-    }
-
-    void Link(const std::string& strFrom, unsigned nOutput, const std::string& strTo, unsigned nInput) {
-        Must(Json{{"op", "link"}, {"from", strFrom}, {"output", nOutput}, {"to", strTo}, {"input", nInput}}.dump());
-    }
-
-    /// A string send node that is triggered by an output and sends the value of another.
-    void SendTextOf(const std::string& strFrom, unsigned nText, unsigned nEvent) {
-        const std::string strSend = "s" + strFrom;
-        Create(strSend, "0F");
-        Link(strFrom, nText, strSend, SENT_TEXT);
-        Link(strFrom, nEvent, strSend, SEND);
-    }
-
     void MakeSenders() {
-        Must(R"({"op":"devices","list":[{"id":0,"name":"Wall","parser":"direct"}]})");
-        Create("k", "01");
-        Create("j", "0E");
-        SendTextOf("k", KEY_TEXT, KEY_DOWN);
-        SendTextOf("j", RECEIVED_TEXT, RECEIVED);
+        Must(DEVICE);
+        Talk(R"(
+            create node=k type=keyboard clip=Clip graph=G
+            create node=sk type=string_send clip=Clip graph=G
+            link from=k output=154 to=sk input=1505
+            link from=k output=152 to=sk input=1507
+            create node=j type=device_json clip=Clip graph=G
+            create node=sj type=string_send clip=Clip graph=G
+            link from=j output=1452 to=sj input=1505
+            link from=j output=1453 to=sj input=1507
+        )");
         Frame();
     }
 
-    OrderedJson PressKey(const std::string& strText) {
-        return Must(
-            Json{{"op", "event"}, {"device", 0}, {"event", 2002}, {"payload", {{"is", "key"}, {"text", strText}}}}
-                .dump());
-    }
+    OrderedJson PressKey(const std::string& strText) { return Must(Event(0, 2002, KeyText(strText))); }
 
     OrderedJson ReceiveText(const std::string& strText) {
-        return Must(Json{{"op", "event"},
-                         {"device", 5},
-                         {"event", 0},
-                         {"payload", {{"is", "device_text"}, {"device", 1}, {"text", strText}}}}
-                        .dump());
-    }
-
-    void Reopen() {
-        m_pSession = nullptr;
-        std::string strError;
-        m_pSession = CSession::Open({m_folder.Path(), MODULE_FILE, ETextTable::Keys}, strError);
-        ASSERT_NE(m_pSession, nullptr) << strError;
+        return Must(Event(5, 0, {{"is", "device_text"}, {"device", 1}, {"text", strText}}));
     }
 
     /// The texts that a reply tells to have been sent, without the zero behind each.
@@ -100,7 +60,7 @@ TEST_F(Evaluation, WaitsForTheFrameUnlessAskedOtherwise) {
     EXPECT_EQ(Sent(Frame()), (Texts{"B", "{}"}));
     Must(AT_ONCE);
     EXPECT_EQ(Sent(PressKey("C")), Texts{"C"});
-    Must(R"({"op":"evaluate","on":"frame"})");
+    Must("evaluate on=frame");
     EXPECT_EQ(Sent(PressKey("D")), Texts{});
     EXPECT_EQ(Sent(Frame()), Texts{"D"});
 }
@@ -123,14 +83,16 @@ TEST_F(Evaluation, TheValuesOfTheEventComeAlong) {
 
 /// A text field between the keyboard and what is sent, whichever links were made first.
 TEST_F(Evaluation, TheValuesOfAChainComeAlong) {
-    Must(R"({"op":"devices","list":[{"id":0,"name":"Wall","parser":"direct"}]})");
-    Create("k", "01");
-    Create("t", "02");
-    Create("s", "0F");
-    Link("t", FIELD_TEXT, "s", SENT_TEXT);
-    Link("k", KEY_DOWN, "s", SEND);
-    Link("k", KEY_TEXT, "t", FIELD_KEY);
-    Link("k", KEY_DOWN, "t", FIELD_EVENT);
+    Must(DEVICE);
+    Talk(R"(
+        create node=k type=keyboard clip=Clip graph=G
+        create node=t type=text_field clip=Clip graph=G
+        create node=s type=string_send clip=Clip graph=G
+        link from=t output=253 to=s input=1505
+        link from=k output=152 to=s input=1507
+        link from=k output=154 to=t input=202
+        link from=k output=152 to=t input=203
+    )");
     Frame();
     Must(AT_ONCE);
     EXPECT_EQ(Sent(PressKey("A")), Texts{"a"});
@@ -141,28 +103,29 @@ TEST_F(Evaluation, TheValuesOfAChainComeAlong) {
 /// Each release of a connection that closes is an event of its own.
 TEST_F(Evaluation, EveryReleaseIsActedOn) {
     MakeSenders();
-    Link("k", KEY_UP, "sk", SEND);
+    Must("link from=k output=153 to=sk input=1507");
     Must(AT_ONCE);
     CHeldInput& held = m_pSession->Held().Open();
     for (const char* pszKey : {"A", "B"}) {
-        AskObject({{"op", "event"}, {"device", 0}, {"event", 2002}, {"payload", {{"is", "key"}, {"text", pszKey}}}},
-                  &held);
+        Must(Event(0, 2002, KeyText(pszKey)), &held);
     }
     EXPECT_EQ(Sent(ReplyTo(m_pSession->CloseConnection(held, "it closed"))).size(), 2u);
 }
 
 TEST_F(Evaluation, ATriggerIsActedOnAtOnce) {
     MakeSenders();
-    Must(R"({"op":"set","node":"sk","param":1505,"string":"typed"})");
+    Must("set node=sk param=1505 string=typed");
     Must(AT_ONCE);
     PressKey("A");
-    EXPECT_EQ(Sent(Must(R"({"op":"trigger","node":"sk","param":1507})")), Texts{"A"});
+    EXPECT_EQ(Sent(Must("trigger node=sk param=1507")), Texts{"A"});
     EXPECT_EQ(Sent(Frame()), Texts{});
 }
 
 TEST_F(Evaluation, WordsThatAreNoneAreRefused) {
-    EXPECT_EQ(Refusal(R"({"op":"evaluate","on":"later"})"), R"(on: "later" is none of frame, event)");
-    EXPECT_EQ(Refusal(R"({"op":"evaluate"})"), "on: is missing");
+    Talk(R"(
+        evaluate on=later => on: "later" is none of frame, event
+        evaluate => on: is missing
+    )");
 }
 
 TEST_F(Evaluation, ARecordingKeepsWhenNodesWereEvaluated) {
@@ -188,20 +151,20 @@ TEST_F(Evaluation, ARecordingKeepsWhenNodesWereEvaluated) {
 TEST_F(Evaluation, AtOnceAndByFramesComeToTheSame) {
     struct SType {
         const char* pszType;
-        std::vector<unsigned> texts, events;           ///< outputs
-        std::vector<unsigned> takenTexts, takenEvents; ///< inputs
+        std::vector<int> texts, events;           ///< outputs
+        std::vector<int> takenTexts, takenEvents; ///< inputs
     };
-    const SType types[] = {{"01", {KEY_TEXT}, {KEY_DOWN, KEY_UP}, {}, {}},
-                           {"0E", {RECEIVED_TEXT}, {RECEIVED}, {}, {}},
-                           {"02", {FIELD_TEXT}, {}, {FIELD_KEY}, {FIELD_EVENT, FIELD_CLEAR}},
-                           {"0F", {}, {}, {SENT_TEXT}, {SEND}}};
+    const SType types[] = {{"keyboard", {154}, {152, 153}, {}, {}},
+                           {"device_json", {1452}, {1453}, {}, {}},
+                           {"text_field", {253}, {}, {202}, {203, 204}},
+                           {"string_send", {}, {}, {1505}, {1507}}};
     constexpr size_t NODES = 9;
     for (unsigned nSeed = 1; nSeed <= 60; ++nSeed) {
         SCOPED_TRACE(nSeed);
         OrderedJson seen[2];
         for (OrderedJson& all : seen) {
             Reopen();
-            Must(R"({"op":"devices","list":[{"id":0,"name":"Wall","parser":"direct"}]})");
+            Must(DEVICE);
             if (&all == &seen[1]) {
                 Must(AT_ONCE);
             }
@@ -210,7 +173,8 @@ TEST_F(Evaluation, AtOnceAndByFramesComeToTheSame) {
             std::vector<const SType*> nodes;
             for (size_t i = 0; i < NODES; ++i) {
                 nodes.push_back(&types[below(std::size(types))]);
-                Create(std::to_string(i), nodes.back()->pszType);
+                Must("create clip=Clip graph=G node=" + Json(std::to_string(i)).dump() +
+                     " type=" + nodes.back()->pszType);
             }
             for (int i = 0; i < 60; ++i) {
                 const size_t nFrom = below(NODES - 1);
@@ -219,8 +183,11 @@ TEST_F(Evaluation, AtOnceAndByFramesComeToTheSame) {
                 const auto& outputs = bEvent ? nodes[nFrom]->events : nodes[nFrom]->texts;
                 const auto& inputs = bEvent ? nodes[nTo]->takenEvents : nodes[nTo]->takenTexts;
                 if (!outputs.empty() && !inputs.empty()) {
-                    Link(std::to_string(nFrom), outputs[below(outputs.size())], std::to_string(nTo),
-                         inputs[below(inputs.size())]);
+                    Must({{"op", "link"},
+                          {"from", std::to_string(nFrom)},
+                          {"output", outputs[below(outputs.size())]},
+                          {"to", std::to_string(nTo)},
+                          {"input", inputs[below(inputs.size())]}});
                 }
             }
             Frame();
@@ -239,76 +206,68 @@ TEST_F(Evaluation, AtOnceAndByFramesComeToTheSame) {
     }
 }
 
-/// Probes "p" and "q" of which each fires whenever it is evaluated.
+/// Probes "p" and "q" of which each fires whenever it is evaluated, and "r", which doesn't.
 class ProbeEvaluation : public CProbeTest {
 protected:
     void SetUp() override {
         Must(CREATE_PROBE);
         Must(CREATE_SECOND_PROBE);
-        Must(R"({"op":"create","node":"r","type":"{11111111-2222-3333-4444-555555555555}","clip":null,"graph":"R"})");
-        Do("p", FIRE);
-        Do("q", FIRE);
-        Must(AT_ONCE);
-    }
-
-    void Do(const std::string& strNode, int nWhat) {
-        Must(Json{{"op", "set"}, {"node", strNode}, {"param", 10}, {"int", nWhat}}.dump());
-    }
-    void Link(const std::string& strFrom, const std::string& strTo) {
-        Must(Json{{"op", "link"}, {"from", strFrom}, {"output", 101}, {"to", strTo}, {"input", 14}}.dump());
-    }
-    OrderedJson Trigger(const std::string& strNode) {
-        return Must(Json{{"op", "trigger"}, {"node", strNode}, {"param", 14}}.dump());
+        Talk(R"(
+            create node=r type=probe clip=null graph=R
+            set node=p param=10 int=6
+            set node=q param=10 int=6
+            evaluate on=event
+        )");
     }
 
     /// How often a node was evaluated with its input triggered.
-    int Seen(const std::string& strNode) {
-        return Must(Json{{"op", "inspect"}, {"node", strNode}}.dump())["outputs"][0]["params"][1]["int"];
-    }
-
-    static constexpr int RAISE = 1;
-    static constexpr int FIRE = 6;
-    static constexpr int FIRE_WHEN_DESTROYED = 7;
+    int Seen(const std::string& strNode) { return Param(strNode, "outputs", 102)["int"]; }
 };
 
+constexpr char RAISE_IN_Q[] = "set node=q param=10 int=1";
+constexpr char TRIGGER[] = "trigger node=p param=14";
+
 TEST_F(ProbeEvaluation, ANodeBehindTwoOthersIsEvaluatedOnce) {
-    Link("p", "r");
-    Link("p", "q");
-    Link("q", "r");
-    const OrderedJson reply = Trigger("p");
+    Talk(R"(
+        link from=p output=101 to=r input=14
+        link from=p output=101 to=q input=14
+        link from=q output=101 to=r input=14
+        trigger node=p param=14 => {"posted":[{},{}],"log":null}
+    )");
     EXPECT_EQ(Seen("q"), 1);
     EXPECT_EQ(Seen("r"), 1);
-    EXPECT_EQ(reply["posted"].size(), 2u);
-    EXPECT_FALSE(reply.contains("log")) << reply["log"];
 }
 
 TEST_F(ProbeEvaluation, ACycleGoesRoundOnceAndSaysSo) {
-    Link("p", "q");
-    Link("q", "p");
-    const OrderedJson reply = Trigger("p");
+    Talk(R"(
+        link from=p output=101 to=q input=14
+        link from=q output=101 to=p input=14
+        trigger node=p param=14 => {"log":[{"text":"the node \"p\" is triggered by what it caused: that waits for the next frame"}]}
+    )");
     EXPECT_EQ(Seen("p"), 1);
     EXPECT_EQ(Seen("q"), 1);
-    ASSERT_EQ(reply["log"].size(), 1u) << reply;
-    EXPECT_EQ(reply["log"][0]["text"], R"(the node "p" is triggered by what it caused: that waits for the next frame)");
     Frame();
     EXPECT_GE(Seen("p"), 2);
-    EXPECT_FALSE(Trigger("p").contains("log")) << "it was said";
+    EXPECT_FALSE(Must(TRIGGER).contains("log")) << "it was said";
 }
 
 TEST_F(ProbeEvaluation, AFaultDoesNotKeepTheOthers) {
-    Link("p", "q");
-    Link("p", "r");
-    Do("q", RAISE);
-    const OrderedJson reply = Trigger("p");
+    Must(RAISE_IN_Q);
+    Talk(R"(
+        link from=p output=101 to=q input=14
+        link from=p output=101 to=r input=14
+        trigger node=p param=14 => {"log":[{"text":"the module raised CInvalidArgException"}]}
+    )");
     EXPECT_EQ(Seen("r"), 1);
-    ASSERT_EQ(reply["log"].size(), 1u) << reply;
-    EXPECT_EQ(reply["log"][0]["text"], "the module raised CInvalidArgException");
 }
 
 TEST_F(ProbeEvaluation, AFrameActsOnWhatItFires) {
-    Must(R"({"op":"evaluate","on":"frame"})");
-    Link("q", "p"); // against the order of evaluation
-    Do("p", 0);
+    Talk(R"(
+        evaluate on=frame
+        # Against the order of evaluation.
+        link from=q output=101 to=p input=14
+        set node=p param=10 int=0
+    )");
     Frame();
     EXPECT_EQ(Seen("p"), 0);
     Must(AT_ONCE);
@@ -318,20 +277,22 @@ TEST_F(ProbeEvaluation, AFrameActsOnWhatItFires) {
 
 /// Also what was triggered before a fault, in the same request.
 TEST_F(ProbeEvaluation, WhatAFaultLeavesIsActedOn) {
-    Must(R"({"op":"evaluate","on":"frame"})");
-    Link("p", "r");
-    Do("q", RAISE);
+    Must("evaluate on=frame");
+    Must("link from=p output=101 to=r input=14");
+    Must(RAISE_IN_Q);
     Must(AT_ONCE);
-    EXPECT_EQ(AskObject({{"op", "process"}})["ok"], false); // p, then the fault of q
+    EXPECT_EQ(AskObject("process")["ok"], false); // p, then the fault of q
     EXPECT_EQ(Seen("r"), 1);
 }
 
 TEST_F(ProbeEvaluation, ANodeThatFiresAsItIsDestroyedIsNotEvaluated) {
-    Link("p", "p");
-    Link("p", "q");
-    Do("p", FIRE_WHEN_DESTROYED);
+    Talk(R"(
+        link from=p output=101 to=p input=14
+        link from=p output=101 to=q input=14
+        set node=p param=10 int=7
+    )");
     Frame();
-    Must(R"({"op":"destroy","node":"p"})");
+    Must("destroy node=p");
     EXPECT_EQ(Seen("q"), 1);
 }
 

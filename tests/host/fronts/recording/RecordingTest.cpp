@@ -54,15 +54,10 @@ protected:
             ADD_FAILURE() << strError;
             return {};
         }
-        m_pSession = CSession::Open({.appFolder = m_folder.Path(),
-                                     .moduleFile = m_strModuleFile,
-                                     .texts = pReplay->Texts(),
-                                     .bMayBroadcast = false},
-                                    strError);
-        if (m_pSession == nullptr) {
-            ADD_FAILURE() << strError;
-            return {};
-        }
+        Reopen({.appFolder = m_folder.Path(),
+                .moduleFile = m_strModuleFile,
+                .texts = pReplay->Texts(),
+                .bMayBroadcast = false});
         std::ostringstream output;
         EXPECT_EQ(pReplay->Run(*m_pSession, output), nExpected) << output.str();
         return output.str();
@@ -109,8 +104,7 @@ TEST_F(Recording, HoldsTheRequestsWithTheirReplies) {
     // The line front reads it as requests.
     const std::string strText = ReadAll(m_file);
     End();
-    std::string strError;
-    m_pSession = CSession::Open({m_folder.Path(), MODULE_FILE, ETextTable::Keys}, strError);
+    Reopen();
     std::istringstream text(strText);
     for (std::string strLine; std::getline(text, strLine);) {
         EXPECT_EQ(Json::parse(Ask(strLine)), Json::parse(strLine)["reply"]) << strLine;
@@ -375,11 +369,8 @@ TEST_F(Recording, ADiskThatIsFullIsToldOnceInAReply) {
 }
 
 TEST_F(Recording, ReplayFindsNoBroadcastPort) {
-    m_pSession = nullptr;
-    std::string strError;
     const auto open = [&](bool bMayBroadcast) {
-        m_pSession = nullptr;
-        m_pSession = CSession::Open({APP_FOLDER, MODULE_FILE, ETextTable::Keys, bMayBroadcast}, strError);
+        Reopen({APP_FOLDER, MODULE_FILE, ETextTable::Keys, bMayBroadcast});
         return ConfiguredBroadcastPort();
     };
     EXPECT_NE(open(true), 0);
