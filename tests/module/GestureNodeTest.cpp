@@ -552,30 +552,25 @@ TEST_F(GestureNode, KindsOfSamplesAreKeptApart) {
     EXPECT_EQ(Fired(), (Outputs{END_MOVE, SWIPE_RIGHT})) << "by the pixels (0,0) (100,0) (200,0)";
 }
 
-TEST_F(GestureNode, KindOfTheReleaseDecides) {
-    EXPECT_EQ(FiredBy({Pixel(0, 0), Unit(0, 0), Pixel(100, 0), Unit(0, 100), Pixel(200, 0)}), Drag(SWIPE_RIGHT));
-    EXPECT_EQ(FiredBy({Pixel(0, 0), Unit(0, 0), Pixel(100, 0), Unit(0, 100), Unit(0, 200)}), Drag(SWIPE_UP));
-}
-
-TEST_F(GestureNode, DragWithTooFewSamplesOfTheReleasesKindFiresNothing) {
-    EXPECT_EQ(FiredBy({Pixel(0, 0), Pixel(100, 0), Unit(200, 0)}), Outputs{START_MOVE});
-    ExpectIdle();
-    EXPECT_EQ(FiredBy({Pixel(0, 0), Pixel(100, 0), Unit(100, 0), Unit(200, 0)}), Outputs{START_MOVE});
-    ExpectIdle();
-    EXPECT_EQ(FiredBy({Unit(0, 0), Unit(100, 0), Pixel(100, 0), Pixel(200, 0)}), Outputs{START_MOVE});
-    ExpectIdle();
-}
-
-TEST_F(GestureNode, ReleaseOfATapMayBeOfTheOtherKind) {
-    EXPECT_EQ(FiredBy({Pixel(0, 0), Unit(500, 500)}), Outputs{SINGLE_TAP});
-    EXPECT_EQ(FiredBy({Unit(0, 0), Pixel(500, 500)}), Outputs{SINGLE_TAP});
-}
-
-TEST_F(GestureNode, ReleaseForgetsBothKinds) {
-    EXPECT_EQ(FiredBy({Pixel(0, 0), Unit(0, 0), Unit(10, 0), Pixel(0, 0)}), Outputs{SINGLE_TAP});
-    // Had they been kept, the other kind's first sample would lie far from these.
-    EXPECT_EQ(FiredBy({Pixel(0, 0), Unit(500, 0), Pixel(0, 0)}), Outputs{SINGLE_TAP});
-    EXPECT_EQ(FiredBy({Unit(0, 0), Pixel(500, 0), Unit(0, 0)}), Outputs{SINGLE_TAP});
+TEST_F(GestureNode, KindOfTheReleaseDecidesAndBothAreForgottenThen) {
+    const std::pair<Samples, Outputs> STROKES[] = {
+        {{Pixel(0, 0), Unit(0, 0), Pixel(100, 0), Unit(0, 100), Pixel(200, 0)}, Drag(SWIPE_RIGHT)},
+        {{Pixel(0, 0), Unit(0, 0), Pixel(100, 0), Unit(0, 100), Unit(0, 200)}, Drag(SWIPE_UP)},
+        // A drag with too few samples of the release's kind fires nothing more.
+        {{Pixel(0, 0), Pixel(100, 0), Unit(200, 0)}, {START_MOVE}},
+        {{Pixel(0, 0), Pixel(100, 0), Unit(100, 0), Unit(200, 0)}, {START_MOVE}},
+        {{Unit(0, 0), Unit(100, 0), Pixel(100, 0), Pixel(200, 0)}, {START_MOVE}},
+        // Nor does it matter to a tap where the other kind is.
+        {{Pixel(0, 0), Unit(500, 500)}, {SINGLE_TAP}},
+        {{Unit(0, 0), Pixel(500, 500)}, {SINGLE_TAP}},
+        {{Pixel(0, 0), Unit(0, 0), Unit(10, 0), Pixel(0, 0)}, {SINGLE_TAP}},
+        // Had they been kept, the other kind's first sample would lie far from these.
+        {{Pixel(0, 0), Unit(500, 0), Pixel(0, 0)}, {SINGLE_TAP}},
+        {{Unit(0, 0), Pixel(500, 0), Unit(0, 0)}, {SINGLE_TAP}}};
+    for (const auto& [samples, outputs] : STROKES) {
+        EXPECT_EQ(FiredBy(samples), outputs);
+        ExpectIdle();
+    }
 }
 
 // ---- Memory --------------------------------------------------------------------------------------------------------

@@ -99,35 +99,21 @@ std::wstring Repeat(std::wstring_view part, size_t nTimes) {
 
 // ---- Values and structure ------------------------------------------------------------------------------------------
 
-TEST_F(JsonTexts, Words) {
-    ExpectAll(TAKEN, L"true|false|[null]|{\"a\":null}| true |\ttrue\r\n");
-    ExpectAll(REFUSED, L"null| null |True|TRUE|nul|tru|fals|nulls|truex|true1|truefalse|true false|undefined|NaN|nan|"
-                       L"Infinity|-Infinity|a");
-}
-
-TEST_F(JsonTexts, Numbers) {
-    ExpectAll(TAKEN, L"0|-0|1|-1|10|1234567890|0.5|-0.5|0.0|1.25|1e5|1E5|1e+5|1e-5|1.5E-05|0e0|0E+1|1e00|"
-                     L"9223372036854775807|-9223372036854775808|-9223372036854775809|18446744073709551615|"
-                     L"18446744073709551616|123456789012345678901234567890|1.7976931348623157e308|"
-                     L"4.9406564584124654e-324|1e400|-1e400|1e-400|1e99999999999999999999|1e-99999999999999999999");
-    ExpectAll(REFUSED, L"-|--1|+1|-a|.5|-.5|1.|1.e5|1.5.5|1e|1e+|1e-|1e5.5|e5|1a|0x10|1,5|1 2|1-2|1e5e5|00|-00|1_000|"
-                       L"\xFF11|\x0661");
-    ExpectAll(TAKEN, {L"01", L"-01", L"[01.5]"}); // not in the standard
-}
-
-TEST_F(JsonTexts, Strings) {
-    ExpectAll(TAKEN, L"\"\"|\" \"|\"a\"|\"'\"|\"/\"|\"名😀\"|\"\x7F\"|\"\x85\xA0\"|\"\x2028\x2029\"|\"\x3000\"|"
-                     L"\"\xFEFF\"|\"\xFFFE\"");
-    ExpectAll(REFUSED, L"\"|\"a|a\"|'a'|\"a\"\"|\"a\" \"b\"|\"\"\"");
-}
-
-TEST_F(JsonTexts, Escapes) {
-    ExpectAll(TAKEN, LR"("\""|"\\"|"\/"|"\b\f\n\r\t"|"\u0041"|"\u00e9"|"\u00E9"|"\uABCD\uabcd"|"\u0000"|"\u007F"|)"
-                     LR"("\u0085"|"\uFEFF"|"\uFFFE"|"\uFFFF"|"\\u"|"\\uD800\\u0041"|"\\\\"|"\\\"")");
-    ExpectAll(REFUSED, LR"("\|"\"|"\\\"|"\a"|"\v"|"\0"|"\'"|"\ "|"\x41"|"\U0041"|"\u"|"\u1"|"\u12"|"\u123"|)"
-                       LR"("\u123|"\u123g"|"\u 123"|"\u+123"|"\u-123"|"\u00E"|\u0022a\u0022|\|\u0031)");
+/// The library's own grammar: a few texts of each kind, since the random ones below hold all of it.
+TEST_F(JsonTexts, WhatTheStandardSays) {
+    ExpectAll(TAKEN, L"true|false|[null]|{\"a\":null}| true |-0|-0.5|1.5E-05|0e0|-9223372036854775809|1e400|-1e-400|"
+                     L"\"\"|\"'/\"|\"名😀\"|\"\x7F\x85\xA0\x2028\x3000\xFEFF\xFFFE\"|[]|[ ]|[ 1 , \"a\",[],{}]|{}|{ }");
+    ExpectAll(TAKEN, LR"("\"\\\/\b\f\n\r\t\u00e9\u00E9\u0000\uFFFF"|"\\uD800"| { "a" : 1 , "b" : { } } |)"
+                     LR"({"":1}|{"\u0061\n":1}|{"v":1,"v":2})");
     ExpectAll(REFUSED,
-              {L"\"\\\xA0\"", L"\"\\\xFFFF\"", L"\"\\\n\"", L"\"\\\0\""sv, L"\"\\u\xFF11\xFF11\xFF11\xFF11\""});
+              L"null| null |True|nul|nulls|true1|true false|NaN|-Infinity|a|-|+1|.5|1.|1.e5|1e|1e+|1a|0x10|1,5|"
+              L"1 2|00|-00|\xFF11|\"|\"a|'a'|\"\"\"|[|]|[1|[1,]|[,1]|[1,,2]|[1 2]|[1:2]|[1}|[]]|[][]|[],|(1)");
+    ExpectAll(REFUSED, LR"("\"|"\a"|"\x41"|"\U0041"|"\u123"|"\u123g"|"\u+123"|\u0031|{|{"a"}|{"a":}|{"a":1,}|{"a" 1}|)"
+                       LR"({"a":1 "b":2}|{"a"::1}|{a:1}|{'a':1}|{1:2}|{[]:1}|{"a":1]|{"a":1}}|"a":1|{}x|{}{}|{};)");
+    ExpectAll(REFUSED,
+              {L"", L" ", L"\t\r\n", L",", L":", L"\"\\\n\"", L"\"\\\0\""sv, L"\"\\u\xFF11\xFF11\xFF11\xFF11\""});
+    ExpectAll(REFUSED, L"\xFEFF{}|{}\xFEFF| \xFEFF[1]|[\xFEFF]|\xFFFE{}|\xEF\xBB\xBF{}"); // byte order marks
+    ExpectAll(TAKEN, {L"01", L"-01", L"[01.5]"});                                         // not in the standard
 }
 
 TEST_F(JsonTexts, SurrogateEscapes) {
@@ -157,35 +143,10 @@ TEST_F(JsonTexts, SurrogatesThatAreNoEscapes) {
     EXPECT_FALSE(Holds(L"{\"v\":\"\xD83D\"}", L"\xFFFD"));
 }
 
-TEST_F(JsonTexts, Arrays) {
-    ExpectAll(TAKEN, L"[]|[ ]|[1]|[1,2]|[ 1 , 2 ]|[[]]|[[],[[]],{}]|[1,\"a\",true,null,[],{}]");
-    ExpectAll(REFUSED, L"[|]|[1|1]|[1,|[,|[,]|[1,]|[,1]|[1,,2]|[1 2]|[1:2]|[1}|[[]|[]]|[][]|[],|(1)");
-}
-
-TEST_F(JsonTexts, Objects) {
-    ExpectAll(TAKEN, L"{}|{ }|"
-                     LR"({"a":1}|{"a":1,"b":2}| { "a" : 1 , "b" : { } } |{"":1}|{"\u0061\n":1}|{"a":{"a":{"a":[]}}})");
-    ExpectAll(REFUSED,
-              L"{|}|{]|"
-              LR"({"a"}|{"a":}|{"a":1|{"a":1,|{"a":1,}|{,"a":1}|{"a":1,,"b":2}|{"a" 1}|{"a","b"}|)"
-              LR"({"a":1 "b":2}|{"a"::1}|{a:1}|{'a':1}|{1:2}|{null:1}|{[]:1}|{{}:1}|{"a":1]}|{"a":1]|{"a":1}}|)"
-              LR"("a":1|{"a":b})");
-}
-
 TEST_F(JsonTexts, MembersOfOneName) {
-    ExpectAll(TAKEN, {LR"({"v":1,"v":2})", LR"({"v":1,"v":1,"v":{"v":1,"v":2}})"});
     EXPECT_TRUE(Holds(LR"({"v":1,"v":2})", L"1")) << "the first one counts";
     EXPECT_FALSE(Holds(LR"({"v":1,"v":2})", L"2"));
     EXPECT_TRUE(Holds(LR"({"\u0076":1,"v":2})", L"1")) << "names are compared by what they mean";
-}
-
-TEST_F(JsonTexts, WhatFollowsTheValue) {
-    ExpectAll(REFUSED, L"{}x|{}{}|[1]1|1 1|true,|\"a\"b|{}:|{}null|{} {|{}\"|1\"|{}\\|{};");
-    ExpectAll(TAKEN, {L"{} ", L"{}\n\n\r\n", L"1\t"});
-}
-
-TEST_F(JsonTexts, NothingAtAll) {
-    ExpectAll(REFUSED, {L"", L" ", L"\t\r\n", L"//", L"/**/", L"// 1", L",", L":", L"\xFEFF", L"\xFFFF"});
 }
 
 // ---- What stands between the tokens --------------------------------------------------------------------------------
@@ -212,10 +173,6 @@ TEST_F(JsonTexts, UnicodeSpaces) { // not in the standard
                             L"/" + strSpace + L"/\n1", L"\"\\" + strSpace + L"\""});
         EXPECT_TRUE(Holds(L"{\"v\":\"\\\"" + strSpace + L"/*\\\\\"}", (L"\"" + strSpace + L"/*\\").c_str()));
     }
-}
-
-TEST_F(JsonTexts, ByteOrderMarks) {
-    ExpectAll(REFUSED, L"\xFEFF{}|{}\xFEFF| \xFEFF[1]|[\xFEFF]|\xFFFE{}|\xEF\xBB\xBF{}");
 }
 
 TEST_F(JsonTexts, TheLastCharacterOfThePlaneEndsTheText) { // not in the standard

@@ -266,25 +266,11 @@ TEST_F(NetParameterSendNode, LayerChoicesAreSentAsLayerNumbers) {
     m_devices.Add(0, L"");
     m_devices.Publish();
     NameDevice(L"0");
-    const std::pair<int, int> LAYERS[] = {
-        {0, -1},
-        {1, 0},
-        {2, 2147483446},
-        {3, -1023},
-        {4, -1022},
-        {5, 1},
-        {6, 2},
-        {14, 10},
-        {15, 2147483447},
-        {16, 2147483448},
-        // The graph may supply what is no choice.
-        {17, 2147483449},
-        {215, INT_MAX},
-        {216, INT_MIN},
-        {INT_MAX, -217},
-        {-1, -1},
-        {INT_MIN, -1},
-    };
+    // The graph may supply what is no choice, from 17 on and below 0.
+    const std::pair<int, int> LAYERS[] = {{0, -1},          {1, 0},           {2, 2147483446},  {3, -1023},
+                                          {4, -1022},       {5, 1},           {6, 2},           {14, 10},
+                                          {15, 2147483447}, {16, 2147483448}, {17, 2147483449}, {215, INT_MAX},
+                                          {216, INT_MIN},   {INT_MAX, -217},  {-1, -1},         {INT_MIN, -1}};
     for (const auto& [nChoice, nLayer] : LAYERS) {
         Input(LAYER).m_nValue = nChoice;
         const std::vector<SentItem> sent = Sent();

@@ -18,11 +18,6 @@ VEKParamGroup* Add(VEKParamGroupList& lstGroup, unsigned nId) {
     return pGroup;
 }
 
-TEST(ParamModel, GuidIsTheIdInTheFirstWord) {
-    EXPECT_EQ(GuidWords(MakeParamGuid(373)), (std::array<unsigned, 4>{373, 0, 0, 0}));
-    EXPECT_EQ(GuidWords(MakeParamGuid(0xFFFFFFFF)), (std::array<unsigned, 4>{0xFFFFFFFF, 0, 0, 0}));
-}
-
 TEST(ParamModel, ClonesHaveAllContentsOfTheirOriginal) {
     SGraphNode node;
     VEKParamGroup* pGroup = Add(node.m_lstOutputGroup, 1);
@@ -73,16 +68,6 @@ TEST(ParamModel, FindsTheFirstParameterByTheWholeGuid) {
     for (const GUID& guid : {GUID{1, 1, 0, {}}, GUID{1, 0, 0, {0, 0, 0, 0, 0, 0, 0, 1}}}) {
         EXPECT_EQ(FindParam(node.m_lstInputGroup, guid), nullptr);
     }
-}
-
-TEST(ParamModel, InputsOfTheGraphWinOverTheNodesOwn) {
-    SGraphNode graph;
-    SGraphNode own; // owns the list that plays the node's own groups
-    VEKParam* pOwn = Add(*Add(own.m_lstInputGroup, 1), 2);
-    EXPECT_EQ(QORFindParamByGuid(MakeParamGuid(2), graph.m_lstInputGroup, own.m_lstInputGroup), pOwn);
-    VEKParam* pGraph = Add(*Add(graph.m_lstInputGroup, 1), 2);
-    EXPECT_EQ(QORFindParamByGuid(MakeParamGuid(2), graph.m_lstInputGroup, own.m_lstInputGroup), pGraph);
-    EXPECT_EQ(QORFindParamByGuid(MakeParamGuid(3), graph.m_lstInputGroup, own.m_lstInputGroup), nullptr);
 }
 
 } // namespace
