@@ -4,6 +4,8 @@
     same_outputs.py NATIVE_PROGRAM WINDOWS_PROGRAM EMULATOR...
 """
 
+import difflib
+import itertools
 import os
 import subprocess
 import sys
@@ -28,17 +30,9 @@ def main():
     expected_kinds = {"profile", "bytes", "replaced", "character", "text", "number", "key"}
     if kinds != expected_kinds:
         sys.exit(f"outputs of {sorted(kinds)} instead of {sorted(expected_kinds)}")
-    heading = ""
-    differences = 0
-    for native_line, windows_line in zip(native_lines, windows_lines):
-        if not native_line.startswith(" "):
-            heading = native_line
-        if native_line != windows_line:
-            differences += 1
-            if differences <= 20:
-                print(f"{heading}\n  native:  {native_line}\n  Windows: {windows_line}")
-    if differences or len(native_lines) != len(windows_lines):
-        sys.exit(f"{differences} lines differ; {len(native_lines)} and {len(windows_lines)} lines")
+    if native_lines != windows_lines:
+        differences = difflib.unified_diff(native_lines, windows_lines, "native", "Windows", lineterm="", n=1)
+        sys.exit("\n".join(itertools.islice(differences, 60)))
     print(f"{len(native_lines)} lines, all the same")
 
 
