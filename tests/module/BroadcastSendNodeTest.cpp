@@ -98,17 +98,6 @@ TEST_F(BroadcastSendNode, ThePortIsReadWhenTheNodeIsMade) {
     EXPECT_EQ(Port(), 0);
 }
 
-TEST_F(BroadcastSendNode, SendsNothingUnlessTriggered) {
-    EXPECT_TRUE(Sends());
-    EXPECT_TRUE(Sends());
-    VEKParam& send = *FindParam(m_scene.m_graphNode.m_lstInputGroup, MakeParamGuid(SEND));
-    send.m_nValue = 0;
-    m_scene.Input(SEND).m_nValue = 1; // the node's own doesn't count
-    EXPECT_FALSE(Sends());
-    send.m_guid = MakeParamGuid(9999);
-    EXPECT_FALSE(Sends());
-}
-
 TEST_F(BroadcastSendNode, SendsNothingWithoutData) {
     m_scene.Input(DATA).m_strValue.Empty();
     EXPECT_FALSE(Sends());

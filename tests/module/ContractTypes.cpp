@@ -75,7 +75,8 @@ const std::vector<ContractType> TYPES = {
          },
      .nAnswerToOtherEvents = 1,
      .pszLayoutFile = "CVEKIONetParameterSend.XML",
-     .neededInputs = {412}},
+     .neededInputs = {412},
+     .nTrigger = 410},
     {.nTypeByte = TYPE_NET_PARAMETER_RECEIVE,
      .pszName = "NetParameterReceive",
      .pszNameKey = "IO_PROCESS_NETRECEIVE",
@@ -94,7 +95,8 @@ const std::vector<ContractType> TYPES = {
          [](NodeScene& scene) {
              scene.Input(605).m_strValue = L"12|7";
              scene.AddGraphInput(606, 26, 7).m_nValue = 1;
-         }},
+         },
+     .nTrigger = 606},
     {.nTypeByte = TYPE_BROADCAST_RECEIVE,
      .pszName = "BroadcastReceive",
      .pszNameKey = "IO_PROCESS_BROADCASTREV",
@@ -118,6 +120,7 @@ const std::vector<ContractType> TYPES = {
      .bEvaluatesWithoutClip = true,
      .pszLayoutFile = "CVEKIOGesture.XML",
      .pMakeOutputsOld = [](NodeScene& scene) { scene.RemoveOutput(758); },
+     .bNeedsGroups = true,
      .nAddedToForeignOutputs = 1},
     {.nTypeByte = TYPE_VR_HANDLE,
      .pszName = "VRHandle",
@@ -138,7 +141,8 @@ const std::vector<ContractType> TYPES = {
              const POSITION posHit = scene.m_graphNode.m_lstOutputGroup.FindIndex(1);
              delete scene.m_graphNode.m_lstOutputGroup.GetAt(posHit);
              scene.m_graphNode.m_lstOutputGroup.RemoveAt(posHit);
-         }},
+         },
+     .bNeedsGroups = true},
     {.nTypeByte = TYPE_OBJECT_JSON_RECEIVE,
      .pszName = "ObjectJsonReceive",
      .pszNameKey = "IO_PROCESS_OBJ_JSON_RECEIVE",
@@ -148,7 +152,8 @@ const std::vector<ContractType> TYPES = {
          return {{0, &payloads.objectText}};
      },
      .pszNullRecord = NULL_RECORD,
-     .neededInputs = {1202, 1203, 1204}},
+     .neededInputs = {1202, 1203, 1204},
+     .bNeedsGroups = true},
     {.nTypeByte = TYPE_DEVICE_JSON_RECEIVE,
      .pszName = "DeviceJsonReceive",
      .pszNameKey = "IO_PROCESS_DEV_JSON_RECEIVE",
@@ -159,7 +164,8 @@ const std::vector<ContractType> TYPES = {
      },
      .pszNullRecord = "[Clip.Graph.Node]DevIOEventOccurred: pIOData == NULL",
      .pszLayoutFile = "CVEKIODevJsonReceive.XML",
-     .neededInputs = {1402, 1403, 1404, 1405, 1406, 1407, 1408, 1409}},
+     .neededInputs = {1402, 1403, 1404, 1405, 1406, 1407, 1408, 1409},
+     .bNeedsGroups = true},
     {.nTypeByte = TYPE_STRING_DATA_SEND,
      .pszName = "StringDataSend",
      .pszNameKey = "IO_PROCESS_STRING_SEND",
@@ -172,7 +178,8 @@ const std::vector<ContractType> TYPES = {
          },
      .nAnswerToOtherEvents = 1,
      .neededInputs = {1502, 1503, 1505, 1506},
-     .nPanelInput = 1502},
+     .nPanelInput = 1502,
+     .nTrigger = 1507},
 };
 
 } // namespace

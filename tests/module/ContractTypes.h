@@ -43,6 +43,8 @@ struct ContractType {
     std::vector<unsigned> neededInputs = {};       ///< without each of which it does nothing
     void (*pMakeOutputsOld)(NodeScene&) = nullptr; ///< leave an older version's outputs, which the node completes
     unsigned nPanelInput = 0;                      ///< the input whose edit the node wants to hear of
+    unsigned nTrigger = 0;                         ///< the input that pTrigger sets, on the graph node
+    bool bNeedsGroups = false;                     ///< InitParam takes no node without parameters
     int nAddedToForeignOutputs = 0;                ///< pins that the node adds to a group that isn't its own
 
     friend std::ostream& operator<<(std::ostream& out, const ContractType& type) { return out << type.pszName; }

@@ -242,19 +242,4 @@ TEST_P(JsonReceiveNode, InitParamChangesNothing) {
     EXPECT_EQ(FindParam(m_scene.m_pNode->m_lstParamGroup, MakeParamGuid(7)), nullptr);
 }
 
-TEST_P(JsonReceiveNode, InitParamWithoutAnyGroupRaisesInvalidArgument) {
-    m_scene.m_pNode->Empty();
-    EXPECT_TRUE(RaisesInvalidArgument([this] { m_scene.m_pNode->InitParam(); }));
-}
-
-TEST_P(JsonReceiveNode, EvaluationsBindTheGraphNode) {
-    EXPECT_EQ(m_scene.Evaluate(), 1);
-    EXPECT_EQ(m_scene.m_pNode->m_pBaseGraphNode, &m_scene.m_graphNode);
-    EXPECT_EQ(m_scene.m_pNode->ProcessNode(nullptr), 0);
-    EXPECT_EQ(m_scene.m_pNode->m_pBaseGraphNode, nullptr);
-    m_scene.m_pNode->m_pOwnerClip = nullptr;
-    EXPECT_EQ(m_scene.Evaluate(), 0);
-    EXPECT_EQ(m_scene.m_pNode->m_pBaseGraphNode, &m_scene.m_graphNode) << "remembered all the same";
-}
-
 } // namespace

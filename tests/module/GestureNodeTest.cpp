@@ -113,13 +113,6 @@ protected:
     const Groups WITHOUT_TAP = {{751, {752, 753, 754, 755, 756, 757}}};
 };
 
-TEST_F(GestureNodeUpgrade, TextOfVersionIsNotLookedUp) {
-    m_host.WriteFile("Config/Texts/en.json", R"({"Version": "looked up"})");
-    ASSERT_TRUE(SetTextTable(ETextTable::English));
-    m_pNode = m_host.CreateNode(TYPE_GESTURE);
-    EXPECT_EQ(Utf8(Own(VERSION).m_strDisplay), "Version");
-}
-
 TEST_F(GestureNodeUpgrade, OlderVersionsMakeEnableAvailableAndAnyBecomesThree) {
     const struct {
         int nVersion;
@@ -165,8 +158,6 @@ TEST_F(GestureNodeUpgrade, MissingParametersAreNoFaultButMissingGroupsAre) {
     graphNode.m_lstOutputGroup.AddTail(static_cast<VEKParamGroup*>(nullptr));
     EXPECT_TRUE(RaisesInvalidArgument([&] { m_pNode->GetNodeOutput(&graphNode); }));
     graphNode.m_lstOutputGroup.RemoveAll();
-    m_pNode->Empty();
-    EXPECT_TRUE(RaisesInvalidArgument([&] { m_pNode->InitParam(); }));
 }
 
 TEST_F(GestureNodeUpgrade, OldOutputsGainTheTapAtTheEndOfTheFirstGroup) {

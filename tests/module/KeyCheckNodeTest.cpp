@@ -43,15 +43,6 @@ protected:
 
 // ---- One key -------------------------------------------------------------------------------------------------------
 
-TEST_F(KeyCheckNode, PressAndReleaseFireAtTheNextEvaluation) {
-    EXPECT_EQ(Evaluated(), Outputs{});
-    m_keyboard.Hold(KEY_A);
-    EXPECT_EQ(Evaluated(), Outputs{KEY_DOWN});
-    m_keyboard.Release(KEY_A);
-    EXPECT_EQ(Evaluated(), Outputs{KEY_UP});
-    EXPECT_EQ(Evaluated(), Outputs{});
-}
-
 TEST_F(KeyCheckNode, EdgesBetweenTwoEvaluationsAreMissed) {
     m_keyboard.Hold(KEY_A);
     m_keyboard.Release(KEY_A);

@@ -109,31 +109,6 @@ TEST_F(MouseNode, EveryEventIdHasItsOutputAndButton) {
     }
 }
 
-TEST_F(MouseNode, ClickBetweenTwoEvaluationsFiresTwiceAndLeavesNoLevel) {
-    Send(LEFT_DOWN);
-    Send(LEFT_UP);
-    EXPECT_EQ(Fired(), (Outputs{358, 362}));
-    EXPECT_EQ(Evaluated(), (Values{0, 0, 0}));
-}
-
-TEST_F(MouseNode, RepeatedPressFiresAgainAndOneReleaseEndsIt) {
-    Send(LEFT_DOWN);
-    Send(LEFT_DOWN);
-    EXPECT_EQ(Fired(), (Outputs{358, 358}));
-    EXPECT_EQ(Evaluated(), (Values{1, 0, 0}));
-    Send(LEFT_UP);
-    EXPECT_EQ(Evaluated(), (Values{0, 0, 0}));
-}
-
-TEST_F(MouseNode, NothingIsClearedWhenThePointerLeaves) {
-    Move(1, 2, 3.0f, 4.0f);
-    Send(LEFT_DOWN);
-    Send(LEAVE);
-    EXPECT_EQ(Evaluated(), (Values{1, 0, 0, 1, 2, 3.0f, 4.0f}));
-    Send(ENTER);
-    EXPECT_EQ(Evaluated(), (Values{1, 0, 0, 1, 2, 3.0f, 4.0f}));
-}
-
 // ---- Samples -------------------------------------------------------------------------------------------------------
 
 TEST_F(MouseNode, SampleMovesThePositionSilently) {

@@ -191,17 +191,6 @@ TEST_F(NetParameterSendNode, SetsBeforeVersion4OfferTheDeviceAsToDevSays) {
     }
 }
 
-TEST_F(NetParameterSendNode, AChoiceListIsFilledOnlyWhileItIsEmpty) {
-    const std::string asMade = TextOf(Groups());
-    Input(LAYER).m_arChoice.RemoveAll();
-    m_scene.m_pNode->InitParam();
-    EXPECT_EQ(TextOf(Groups()), asMade);
-    Input(LAYER).m_arChoice.RemoveAll();
-    Input(LAYER).m_arChoice.Add(L"own");
-    m_scene.m_pNode->InitParam();
-    EXPECT_EQ(Input(LAYER).m_arChoice.GetSize(), 1);
-}
-
 TEST_F(NetParameterSendNode, ASavedLayerBeyondTheChoicesIsTheLast) {
     for (const auto& [nSaved, nLoaded] : {std::pair{16, 16}, {17, 16}, {20, 16}, {0, 0}}) {
         Input(LAYER).m_nValue = nSaved;
@@ -210,25 +199,7 @@ TEST_F(NetParameterSendNode, ASavedLayerBeyondTheChoicesIsTheLast) {
     }
 }
 
-TEST_F(NetParameterSendNode, InitParamTakesANodeWithoutParameters) {
-    m_scene.m_pNode->Empty();
-    m_scene.m_pNode->InitParam();
-    EXPECT_TRUE(Groups().IsEmpty());
-}
-
 // ---- Sending -------------------------------------------------------------------------------------------------------
-
-TEST_F(NetParameterSendNode, SendsNothingUnlessTriggered) {
-    m_devices.Add(3, L"Wall");
-    m_devices.Publish();
-    NameDevice(L"3");
-    Input(SEND).m_nValue = 1; // the node's own doesn't count
-    EXPECT_EQ(m_scene.Evaluate(), 1);
-    m_scene.AddGraphInput(SEND, 26, 7).m_nValue = 0;
-    EXPECT_EQ(m_scene.Evaluate(), 1);
-    EXPECT_TRUE(m_devices.TakeSent().empty());
-    ExpectSilence();
-}
 
 TEST_F(NetParameterSendNode, SendsTheRecordToTheDevice) {
     m_devices.Add(2, L"Other");

@@ -210,6 +210,34 @@ TEST_P(NodeContract, ANewNodeNeedsNoUpgrade) {
     EXPECT_EQ(TextOf(m_lstOutput), outputs);
 }
 
+TEST_P(NodeContract, AnEmptyListOfChoicesIsFilledAndAnotherKept) {
+    m_lstInput.AddHead(new VEKParamGroup); // it's found in any group
+    const std::string asMade = TextOf(m_lstInput);
+    std::vector<CStringArray*> lists;
+    const auto groups = CellsOf(m_lstInput);
+    for (const auto& param : groups.back()["params"]) {
+        CStringArray& arChoice = m_scene.Input(param["id"]).m_arChoice;
+        if (arChoice.GetSize() != 0) {
+            lists.push_back(&arChoice);
+            arChoice.RemoveAll();
+        }
+    }
+    m_scene.m_pNode->InitParam();
+    EXPECT_EQ(TextOf(m_lstInput), asMade);
+    for (CStringArray* pChoices : lists) {
+        pChoices->RemoveAll();
+        pChoices->Add(L"own");
+        m_scene.m_pNode->InitParam();
+        EXPECT_EQ(pChoices->GetSize(), 1);
+    }
+}
+
+TEST_P(NodeContract, WithoutAnyParametersNoneIsMade) {
+    m_scene.m_pNode->Empty();
+    EXPECT_EQ(RaisesInvalidArgument([this] { m_scene.m_pNode->InitParam(); }), m_type.bNeedsGroups);
+    EXPECT_TRUE(m_lstInput.IsEmpty());
+}
+
 TEST_P(NodeContract, AsksForEditsOfItsPanelInputOnly) {
     for (const auto& group : CellsOf(m_lstInput)) {
         for (const auto& param : group["params"]) {
@@ -425,6 +453,25 @@ TEST_P(EventTakingNode, TakesTheEventsOfAllItsDevices) {
             EXPECT_EQ(m_scene.Send(nDevice, event.nEvent, event.pPayload), 1) << nDevice << '/' << event.nEvent;
         }
     }
+}
+
+// ---- Types that a trigger makes act ---------------------------------------------------------------------------------
+
+class TriggeredNode : public NodeContract {};
+
+INSTANTIATE_TEST_SUITE_P(Types, TriggeredNode,
+                         testing::ValuesIn(TypesWith([](const ContractType& type) { return type.nTrigger != 0; })),
+                         TestName<ContractType>);
+
+TEST_P(TriggeredNode, LooksForTheTriggerOnTheGraphNodeAlone) {
+    Trigger(m_scene);
+    m_scene.Input(m_type.nTrigger).m_nValue = 1;
+    VEKParam& trigger = *FindParam(m_scene.m_graphNode.m_lstInputGroup, MakeParamGuid(m_type.nTrigger));
+    trigger.m_nValue = 0;
+    EXPECT_EQ(ActTriggered(m_scene), Seen{});
+    trigger.m_guid = MakeParamGuid(9999);
+    EXPECT_EQ(ActTriggered(m_scene), Seen{});
+    EXPECT_EQ(m_nAnswer, m_type.nTypeByte == TYPE_STRING_DATA_SEND ? 0 : 1);
 }
 
 // ---- Types with a switch "Enable" ----------------------------------------------------------------------------------

@@ -55,20 +55,6 @@ protected:
     TestDevices m_devices;
 };
 
-TEST_F(StringDataSendNode, InitParamFillsAnEmptyCodeType) {
-    Input(CODE_TYPE).m_arChoice.RemoveAll();
-    m_scene.m_pNode->InitParam();
-    EXPECT_EQ(Input(CODE_TYPE).m_arChoice.GetSize(), 2);
-    Input(CODE_TYPE).m_arChoice.RemoveAt(0);
-    m_scene.m_pNode->InitParam();
-    EXPECT_EQ(Input(CODE_TYPE).m_arChoice.GetSize(), 1) << "no other";
-    m_scene.RemoveInput(CODE_TYPE);
-    m_scene.m_pNode->InitParam();
-    m_scene.m_pNode->Empty();
-    m_scene.m_pNode->InitParam();
-    EXPECT_TRUE(m_scene.m_pNode->m_lstParamGroup.IsEmpty());
-}
-
 TEST_F(StringDataSendNode, SendsTheTextInTheChosenCodePageWithItsZero) {
     const struct {
         int nCodeType;
@@ -119,19 +105,12 @@ TEST_F(StringDataSendNode, SendsToAllDevicesThatTakeBytes) {
     ExpectSilence({SENDING});
 }
 
-TEST_F(StringDataSendNode, SendsNothingUnlessTriggered) {
+TEST_F(StringDataSendNode, InputsMustBeThereEvenUntriggered) {
     m_send.m_nValue = 0;
-    Input(SEND).m_nValue = 1; // the node's own doesn't count
     EXPECT_EQ(Evaluated(), Sent{});
-    ExpectSilence();
-    NodeScene withoutSend(m_host, TYPE_STRING_DATA_SEND);
-    EXPECT_EQ(withoutSend.Evaluate(), 0);
-}
-
-TEST_F(StringDataSendNode, AMissingInputIsNotHandledEvenUntriggered) {
-    m_send.m_nValue = 0;
     m_scene.RemoveInput(STRING_DATA);
     EXPECT_EQ(m_scene.Evaluate(), 0);
+    EXPECT_EQ(NodeScene(m_host, TYPE_STRING_DATA_SEND).Evaluate(), 0) << "without \"Send\"";
 }
 
 // ---- The panel -----------------------------------------------------------------------------------------------------

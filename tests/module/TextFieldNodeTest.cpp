@@ -245,14 +245,6 @@ TEST_F(TextFieldNode, KeysAreAppendedOneByOneWithOneLogLineEach) {
     EXPECT_EQ(Fired(), Outputs{});
 }
 
-TEST_F(TextFieldNode, LogNamesTheClipAlone) {
-    m_scene.m_clip.m_strName = L"剪辑%s";
-    m_inputText.m_strValue = L"a";
-    EvaluateTriggered(true, true);
-    EXPECT_EQ(m_host.TakeLog(), (std::vector<LogLine>{Information("[剪辑%s]触发输入事件[输入事件]"),
-                                                      Information("[剪辑%s]触发输入事件[清除]")}));
-}
-
 TEST_F(TextFieldNode, KeyIsAppliedAtEveryEvaluationInWhichItIsTriggered) {
     m_inputText.m_strValue = L"a";
     EXPECT_EQ(m_scene.Evaluate(), 1);
