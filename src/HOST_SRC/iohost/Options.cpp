@@ -6,7 +6,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "base/TextTables.h"
+#include "base/Network.h"
 #include "protocol/Fields.h"
 
 namespace {
@@ -34,17 +34,7 @@ Read Number(Target& number, T least = std::numeric_limits<T>::lowest(), T most =
 }
 
 Read Address(std::string& strAddress, unsigned short& nPort) {
-    return [&](const std::string& strValue) {
-        const size_t nColon = strValue.rfind(':');
-        if (nColon == std::string::npos || nColon == 0) {
-            return false;
-        }
-        strAddress = strValue.substr(0, nColon);
-        if (strAddress.size() > 2 && strAddress.front() == '[' && strAddress.back() == ']') {
-            strAddress = strAddress.substr(1, strAddress.size() - 2);
-        }
-        return Number<unsigned short>(nPort)(strValue.substr(nColon + 1));
-    };
+    return [&](const std::string& strValue) { return SplitEndpoint(strValue, strAddress, nPort); };
 }
 
 Read Size(int& nWidth, int& nHeight) {
@@ -218,13 +208,13 @@ void DeclareOptions(CCommandLine& line, SOptions& options) {
     constexpr double LEAST_FPS = 0.01;
     constexpr double MOST_FPS = 1000;
     const Read readTexts = [&options](const std::string& strValue) {
-        options.texts = FindTextTable(strValue);
+        options.texts = FindByName<ETextTable>(strValue);
         return options.texts.has_value();
     };
 
     const Read readEvaluation = [&options](const std::string& strValue) {
-        options.evaluation = strValue == "event" ? EEvaluation::Event : EEvaluation::Frame;
-        return strValue == "event" || strValue == "frame";
+        options.evaluation = FindByName<EEvaluation>(strValue);
+        return options.evaluation.has_value();
     };
 
     line.Begin("Options");

@@ -14,6 +14,7 @@
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/beast/core/basic_stream.hpp>
 
+#include <charconv>
 #include <chrono>
 #include <string>
 
@@ -49,4 +50,17 @@ template <typename Endpoint>
 std::string EndpointText(const Endpoint& endpoint) {
     const std::string strAddress = endpoint.address().to_string();
     return (endpoint.address().is_v6() ? "[" + strAddress + "]" : strAddress) + ":" + std::to_string(endpoint.port());
+}
+
+/// The address, its brackets taken off, and the port of such a text; false for any other.
+inline bool SplitEndpoint(const std::string& strText, std::string& strAddress, unsigned short& nPort) {
+    const size_t nColon = strText.rfind(':');
+    if (nColon == std::string::npos || nColon == 0) {
+        return false;
+    }
+    const bool bBrackets = nColon > 2 && strText.front() == '[' && strText[nColon - 1] == ']';
+    strAddress = bBrackets ? strText.substr(1, nColon - 2) : strText.substr(0, nColon);
+    const char* pEnd = strText.data() + strText.size();
+    const auto [pRead, error] = std::from_chars(strText.data() + nColon + 1, pEnd, nPort);
+    return error == std::errc() && pRead == pEnd;
 }

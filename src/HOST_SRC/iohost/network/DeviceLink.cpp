@@ -44,14 +44,16 @@ void CDeviceLink::Stop() {
 SDeviceState CDeviceLink::State() const {
     SDeviceState state = m_state;
     const CSendQueue& queue = m_pConnection->Queue();
-    state.since = std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - m_tState);
+    state.nSinceMs = std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - m_tState).count();
     state.nQueuedItems = queue.ItemCount();
     state.nQueuedBytes = queue.ByteCount();
     state.nSent = queue.SentCount();
     state.nLost = queue.LostCount();
     state.nReceivedBytes = m_reader.ReceivedBytes();
     state.lastReceived = m_reader.LastReceived();
-    state.rejectedLines = m_reader.RejectedLines();
+    if (Setup().nParser == EDeviceParser::JsonLines) {
+        state.rejectedLines = m_reader.RejectedLines();
+    }
     return state;
 }
 
@@ -81,8 +83,8 @@ bool CDeviceLink::Queue(std::span<const unsigned char> bytes) {
     if (!bShownOnly && !m_pConnection->Queue().Push(bytes)) {
         return RefuseItem(m_fullQueueLine, "the queue is full");
     }
-    m_state.bLastShownOnly = bShownOnly;
     SetLast(m_state.lastSent, bytes);
+    m_state.lastSent->bSent = !bShownOnly;
     if (bShownOnly) {
         ++m_state.nShown;
         return true;

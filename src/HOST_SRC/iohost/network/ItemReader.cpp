@@ -99,7 +99,7 @@ void CItemReader::HandOver(EIODevice nDevice, int nEvent, void* pPayload) {
 /// The parsers count over all of their connections.
 void CItemReader::CountRejected() {
     unsigned long long nRejected = m_textLines.RefusedCount();
-    const char* pszLast = m_textLines.LastRefusal() ? LineRefusalName(*m_textLines.LastRefusal()) : "";
+    const char* pszLast = m_textLines.LastRefusal() ? NameOf(*m_textLines.LastRefusal()) : "";
     if (m_pFramedParser != nullptr) {
         const CFrameReader& reader = m_pFramedParser->Reader();
         nRejected = reader.RefusedCount();

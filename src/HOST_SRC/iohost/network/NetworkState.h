@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <optional>
 #include <span>
 #include <string>
@@ -13,7 +12,8 @@
 
 #include "network/TextLines.h"
 
-enum class EDeviceParser { None, Direct, Framed, JsonLines };
+enum class EDeviceParser { Framed, Direct, JsonLines, None };
+NAMES(EDeviceParser, "framed", "direct", "json", "none")
 
 /// How a device is set up.
 struct SDeviceSetup {
@@ -27,6 +27,7 @@ struct SDeviceSetup {
 struct SLastBytes {
     size_t nSize = 0; ///< of the whole message
     std::vector<unsigned char> bytes;
+    std::optional<bool> bSent = {}; ///< false: it was shown instead; none: it came in
 };
 
 /// Another message was the last one.
@@ -48,12 +49,13 @@ struct SItemCounts {
 
 /// How a device's connection stands.
 enum class ELinkState { Unconnected, Connecting, Connected, Waiting };
+NAMES(ELinkState, "unconnected", "connecting", "connected", "waiting")
 
 struct SDeviceState {
     SDeviceSetup setup = {};
     ELinkState nState = ELinkState::Unconnected;
-    std::chrono::milliseconds since = {}; ///< how long it has been so
-    std::string strLastProblem = {};      ///< why the connection isn't or wasn't there
+    long long nSinceMs = 0;          ///< how long it has been so
+    std::string strLastProblem = {}; ///< why the connection isn't or wasn't there
     size_t nQueuedItems = 0;
     size_t nQueuedBytes = 0;
     unsigned long long nSent = 0;    ///< items
@@ -63,9 +65,8 @@ struct SDeviceState {
     unsigned long long nErrors = 0;  ///< failures of this host over a connection
     unsigned long long nReceivedBytes = 0;
     SItemCounts counts = {};
-    LineRefusalCounts rejectedLines = {}; ///< of a device that sends texts
+    std::optional<LineRefusalCounts> rejectedLines = {}; ///< of a device that sends texts
     std::optional<SLastBytes> lastSent = {};
-    bool bLastShownOnly = false; ///< the last was shown instead of sent
     std::optional<SLastBytes> lastReceived = {};
 };
 

@@ -3,11 +3,13 @@
 
 #include <span>
 
+#include "base/Names.h"
 #include "host/EventRecord.h"
 #include "host/PlayControlItem.h"
 
 /// Where an item came in.
 enum class EPeer { Broadcast, Control, Device };
+NAMES(EPeer, "broadcast", "control", "device")
 
 /// What a node handed to a device's socket; lives for the call.
 struct SSentItem {

@@ -6,20 +6,6 @@
 
 #include "base/TextUtf8.h"
 
-const char* LineRefusalName(ELineRefusal nRefusal) {
-    switch (nRefusal) {
-    case ELineRefusal::Empty:
-        return "empty";
-    case ELineRefusal::TooLong:
-        return "too long";
-    case ELineRefusal::NotUtf8:
-        return "not UTF-8";
-    case ELineRefusal::CutOff:
-        return "cut off";
-    }
-    return "";
-}
-
 void CTextLines::OnConnectionBegins() {
     BeginLine();
 }

@@ -8,17 +8,15 @@
 #include <string>
 
 #include "SocketTransport.h"
+#include "base/Names.h"
 
 /// Longest line in bytes, without its end.
 inline constexpr size_t LONGEST_TEXT_LINE = size_t{1} << 20;
 
 /// Why a line isn't taken. The next one is read all the same.
 enum class ELineRefusal { Empty, TooLong, NotUtf8, CutOff };
-inline constexpr size_t LINE_REFUSAL_COUNT = 4;
-using LineRefusalCounts = std::array<unsigned long long, LINE_REFUSAL_COUNT>; ///< by refusal
-
-/// The name of a refusal, for people and counters.
-const char* LineRefusalName(ELineRefusal nRefusal);
+NAMES(ELineRefusal, "empty", "too long", "not UTF-8", "cut off")
+using LineRefusalCounts = std::array<unsigned long long, std::size(Names<ELineRefusal>::ROWS)>; ///< by refusal
 
 /// Takes the texts.
 class ITextReceiver {

@@ -1,6 +1,6 @@
 // How plain data looks as JSON: one table of fields a struct, from which reading and writing follow.
 //
-//   SHAPE(SCalled, SField{"result", &SCalled::nResult})
+//   SHAPE(SCalled, SField{"result", &T::nResult})
 #pragma once
 
 #include <array>
@@ -14,13 +14,14 @@
 #include <vector>
 
 #include "base/GuidText.h"
+#include "base/Names.h"
 #include "base/TextUtf8.h"
 #include "protocol/Fields.h"
 
 enum : unsigned {
     /// Reading: the field may be missing. Writing: it's left out while it is what a new struct has.
     FIELD_OPTIONAL = 1,
-    /// An empty std::optional is null.
+    /// An empty std::optional is null, and so is an empty std::string.
     FIELD_NULLABLE = 2,
     /// Reading: the field may be missing. It's always written.
     FIELD_DEFAULTED = 4,
@@ -46,13 +47,14 @@ struct SFlat {
     Member Object::*pMember;
 };
 
-/// A struct's FIELDS.
-template <typename T>
+/// A struct's FIELDS, in which it is called T.
+template <typename Object>
 struct Shape;
 
 #define SHAPE(type, ...)                                                                                               \
     template <>                                                                                                        \
     struct Shape<type> {                                                                                               \
+        using T = type;                                                                                                \
         static constexpr auto FIELDS = std::tuple(__VA_ARGS__);                                                        \
     };
 
@@ -74,9 +76,10 @@ inline constexpr const char* TAG_NAME = nullptr;
     template <>                                                                                                        \
     inline constexpr const char* TAG_NAME<type> = name;
 
-/// Names of an enum's values, in the order of their numbers: ROWS.
-template <typename Enum>
-struct Names;
+/// An alternative with its table.
+#define TAGGED(type, name, ...)                                                                                        \
+    TAG(type, name)                                                                                                    \
+    SHAPE(type, __VA_ARGS__)
 
 /// How values of one type are read and written:
 ///   static void Read(T& value, const Json& json, const std::string& strPath)   refuses by that path
@@ -137,9 +140,12 @@ void ReadField(Member& member, const CFields& fields, const char* pszName, unsig
             member.reset();
             return;
         }
-        if constexpr (std::is_same_v<Member, std::optional<CString>>) {
-            if ((nFlags & FIELD_NULLABLE) != 0 && !pValue->is_string()) {
+        if ((nFlags & FIELD_NULLABLE) != 0) {
+            if (std::is_same_v<Member, std::optional<CString>> && !pValue->is_string()) {
                 RefuseKind(fields.Path(pszName), "a string or null");
+            }
+            if (IS_LIST<typename Member::value_type> && !pValue->is_array()) {
+                RefuseKind(fields.Path(pszName), "an array or null");
             }
         }
         ReadJson(member.emplace(), *pValue, fields.Path(pszName));
@@ -171,6 +177,9 @@ void AppendField(OrderedJson& json, const Member& member, const SField<Object, M
     }
     if constexpr (IS_OPTIONAL<Member>) {
         AppendMember(json, field.pszName, member ? ToJson(*member) : OrderedJson());
+    } else if constexpr (std::is_same_v<Member, std::string>) {
+        const bool bNull = (field.nFlags & FIELD_NULLABLE) != 0 && member.empty();
+        AppendMember(json, field.pszName, bNull ? OrderedJson() : OrderedJson(member));
     } else {
         AppendMember(json, field.pszName, ToJson(member));
     }
@@ -283,17 +292,17 @@ requires requires {
 struct Codec<T> {
     static void Read(T& value, const Json& json, const std::string& strPath) {
         const std::string& strName = ReadText(json, strPath);
-        std::string strNames;
-        for (size_t i = 0; i < std::size(Names<T>::ROWS); ++i) {
-            if (strName == Names<T>::ROWS[i]) {
-                value = static_cast<T>(i);
-                return;
+        const auto found = FindByName<T>(strName);
+        if (!found) {
+            std::string strNames;
+            for (const char* pszName : Names<T>::ROWS) {
+                strNames += (strNames.empty() ? "" : ", ") + std::string(pszName);
             }
-            strNames += (i == 0 ? "" : ", ") + std::string(Names<T>::ROWS[i]);
+            Refuse(strPath, Quoted(strName) + " is none of " + strNames);
         }
-        Refuse(strPath, Quoted(strName) + " is none of " + strNames);
+        value = *found;
     }
-    static OrderedJson Write(T value) { return Names<T>::ROWS[static_cast<size_t>(value)]; }
+    static OrderedJson Write(T value) { return NameOf(value); }
 };
 
 // ---- Lists --------------------------------------------------------------------------------------------------------

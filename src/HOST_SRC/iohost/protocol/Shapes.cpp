@@ -256,6 +256,32 @@ OrderedJson Codec<const void*>::Write(const void* value) {
     return szText;
 }
 
-void AppendFields(OrderedJson& json, const SNetworkState& state) {
-    json.update(NetworkToJson(state));
+OrderedJson Codec<LineRefusalCounts>::Write(const LineRefusalCounts& value) {
+    OrderedJson counts;
+    for (size_t i = 0; i < value.size(); ++i) {
+        counts[Names<ELineRefusal>::ROWS[i]] = value[i];
+    }
+    return counts;
+}
+
+OrderedJson Codec<SLastBytes>::Write(const SLastBytes& value) {
+    OrderedJson last = {{"size", value.nSize}, {"text", DottedText(value.bytes)}, {"hex", HexText(value.bytes)}};
+    if (value.bSent) {
+        last["sent"] = *value.bSent;
+    }
+    return last;
+}
+
+void Codec<boost::asio::ip::tcp::endpoint>::Read(boost::asio::ip::tcp::endpoint& value, const Json& json,
+                                                 const std::string& strPath) {
+    const std::string& strText = ReadText(json, strPath);
+    std::string strAddress;
+    unsigned short nPort = 0;
+    boost::system::error_code error;
+    const bool bSplit = SplitEndpoint(strText, strAddress, nPort);
+    const auto address = boost::asio::ip::make_address(strAddress, error);
+    if (!bSplit || nPort == 0 || error) {
+        Refuse(strPath, Quoted(strText) + " isn't a numeric address and a port, as in 127.0.0.1:9000");
+    }
+    value = {address, nPort};
 }

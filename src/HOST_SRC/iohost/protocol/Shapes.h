@@ -3,107 +3,71 @@
 
 #include "protocol/Shape.h"
 
-#include "base/TextTables.h"
-#include "protocol/NetworkJson.h"
 #include "session/Outcome.h"
 
 // ---- Parameters, nodes, scenes ------------------------------------------------------------------------------------
 
-SHAPE(SParamState, SField{"id", &SParamState::nId}, SField{"name", &SParamState::name, FIELD_OPTIONAL},
-      SField{"display", &SParamState::display, FIELD_OPTIONAL}, SField{"type", &SParamState::type, FIELD_OPTIONAL},
-      SField{"control", &SParamState::control, FIELD_OPTIONAL},
-      SField{"range", &SParamState::range, FIELD_OPTIONAL | FIELD_NULLABLE},
-      SField{"flags", &SParamState::flags, FIELD_OPTIONAL | FIELD_NULLABLE},
-      SField{"int", &SParamState::integer, FIELD_OPTIONAL}, SField{"float", &SParamState::number, FIELD_OPTIONAL},
-      SField{"string", &SParamState::text, FIELD_OPTIONAL},
-      SField{"length", &SParamState::length, FIELD_OPTIONAL | FIELD_TOLD},
-      SField{"choices", &SParamState::choices, FIELD_OPTIONAL},
-      SField{"available", &SParamState::available, FIELD_OPTIONAL},
-      SField{"extra", &SParamState::extra, FIELD_OPTIONAL | FIELD_TOLD})
+SHAPE(SParamState, SField{"id", &T::nId}, SField{"name", &T::name, FIELD_OPTIONAL},
+      SField{"display", &T::display, FIELD_OPTIONAL}, SField{"type", &T::type, FIELD_OPTIONAL},
+      SField{"control", &T::control, FIELD_OPTIONAL}, SField{"range", &T::range, FIELD_OPTIONAL | FIELD_NULLABLE},
+      SField{"flags", &T::flags, FIELD_OPTIONAL | FIELD_NULLABLE}, SField{"int", &T::integer, FIELD_OPTIONAL},
+      SField{"float", &T::number, FIELD_OPTIONAL}, SField{"string", &T::text, FIELD_OPTIONAL},
+      SField{"length", &T::length, FIELD_OPTIONAL | FIELD_TOLD}, SField{"choices", &T::choices, FIELD_OPTIONAL},
+      SField{"available", &T::available, FIELD_OPTIONAL}, SField{"extra", &T::extra, FIELD_OPTIONAL | FIELD_TOLD})
+SHAPE(SGroupState, SField{"id", &T::nId}, SField{"name", &T::name, FIELD_OPTIONAL},
+      SField{"display", &T::display, FIELD_OPTIONAL}, SField{"params", &T::params})
+SHAPE(SValues, SField{"int", &T::nInteger}, SField{"float", &T::fNumber}, SField{"string", &T::strText},
+      SField{"length", &T::length, FIELD_OPTIONAL})
+SHAPE(SNodeDetails, SField{"type", &T::guidType}, SField{"kind_code", &T::nKindCode}, SField{"name", &T::strName},
+      SField{"second_name", &T::strSecondName}, SField{"own", &T::own}, SField{"inputs", &T::inputs},
+      SField{"outputs", &T::outputs})
+SHAPE(SSceneNode, SField{"node", &T::strHandle}, SField{"type", &T::guidType}, SField{"clip", &T::clip, FIELD_NULLABLE},
+      SField{"graph", &T::strGraph}, SField{"name", &T::strName})
+SHAPE(SLinkDocument, SField{"from", &T::strFrom}, SField{"output", &T::nOutput}, SField{"to", &T::strTo},
+      SField{"input", &T::nInput})
+SHAPE(SSceneView, SField{"version", &T::nVersion}, SField{"nodes", &T::nodes}, SField{"links", &T::links})
+SHAPE(SObjectState, SField{"clip", &T::strClip}, SField{"name", &T::strName}, SField{"matrix", &T::matrix})
+SHAPE(SObjectDocument, SField{"name", &T::strName}, SField{"matrix", &T::matrix, FIELD_OPTIONAL})
+SHAPE(SClipDocument, SField{"name", &T::strName}, SField{"objects", &T::objects})
+SHAPE(SNodeDocument, SField{"node", &T::strHandle}, SField{"type", &T::guidType},
+      SField{"clip", &T::clip, FIELD_NULLABLE}, SField{"graph", &T::strGraph},
+      SField{"event_window", &T::bEventWindow, FIELD_DEFAULTED},
+      SField{"notify_window", &T::bNotifyWindow, FIELD_DEFAULTED}, SField{"own", &T::own, FIELD_OPTIONAL},
+      SField{"inputs", &T::inputs, FIELD_OPTIONAL}, SField{"outputs", &T::outputs, FIELD_OPTIONAL})
 
-SHAPE(SGroupState, SField{"id", &SGroupState::nId}, SField{"name", &SGroupState::name, FIELD_OPTIONAL},
-      SField{"display", &SGroupState::display, FIELD_OPTIONAL}, SField{"params", &SGroupState::params})
-
-SHAPE(SValues, SField{"int", &SValues::nInteger}, SField{"float", &SValues::fNumber},
-      SField{"string", &SValues::strText}, SField{"length", &SValues::length, FIELD_OPTIONAL})
-
-SHAPE(SNodeDetails, SField{"type", &SNodeDetails::guidType}, SField{"kind_code", &SNodeDetails::nKindCode},
-      SField{"name", &SNodeDetails::strName}, SField{"second_name", &SNodeDetails::strSecondName},
-      SField{"own", &SNodeDetails::own}, SField{"inputs", &SNodeDetails::inputs},
-      SField{"outputs", &SNodeDetails::outputs})
-
-SHAPE(SSceneNode, SField{"node", &SSceneNode::strHandle}, SField{"type", &SSceneNode::guidType},
-      SField{"clip", &SSceneNode::clip, FIELD_NULLABLE}, SField{"graph", &SSceneNode::strGraph},
-      SField{"name", &SSceneNode::strName})
-
-SHAPE(SLinkDocument, SField{"from", &SLinkDocument::strFrom}, SField{"output", &SLinkDocument::nOutput},
-      SField{"to", &SLinkDocument::strTo}, SField{"input", &SLinkDocument::nInput})
-
-SHAPE(SSceneView, SField{"version", &SSceneView::nVersion}, SField{"nodes", &SSceneView::nodes},
-      SField{"links", &SSceneView::links})
-
-SHAPE(SObjectState, SField{"clip", &SObjectState::strClip}, SField{"name", &SObjectState::strName},
-      SField{"matrix", &SObjectState::matrix})
-
-SHAPE(SObjectDocument, SField{"name", &SObjectDocument::strName},
-      SField{"matrix", &SObjectDocument::matrix, FIELD_OPTIONAL})
-
-SHAPE(SClipDocument, SField{"name", &SClipDocument::strName}, SField{"objects", &SClipDocument::objects})
-
-SHAPE(SNodeDocument, SField{"node", &SNodeDocument::strHandle}, SField{"type", &SNodeDocument::guidType},
-      SField{"clip", &SNodeDocument::clip, FIELD_NULLABLE}, SField{"graph", &SNodeDocument::strGraph},
-      SField{"event_window", &SNodeDocument::bEventWindow, FIELD_DEFAULTED},
-      SField{"notify_window", &SNodeDocument::bNotifyWindow, FIELD_DEFAULTED},
-      SField{"own", &SNodeDocument::own, FIELD_OPTIONAL}, SField{"inputs", &SNodeDocument::inputs, FIELD_OPTIONAL},
-      SField{"outputs", &SNodeDocument::outputs, FIELD_OPTIONAL})
-
-/// [{"id","name","parser","address"}]
 template <>
-struct Codec<std::vector<SDeviceSetup>> {
-    static void Read(std::vector<SDeviceSetup>& value, const Json& json, const std::string& strPath) {
-        value = *ReadDevices(json, strPath);
-    }
-    static OrderedJson Write(const std::vector<SDeviceSetup>& value) { return DevicesToJson(value); }
+struct Codec<boost::asio::ip::tcp::endpoint> { ///< 127.0.0.1:9000
+    static void Read(boost::asio::ip::tcp::endpoint& value, const Json& json, const std::string& strPath);
+    static OrderedJson Write(const boost::asio::ip::tcp::endpoint& value) { return EndpointText(value); }
 };
 
+SHAPE(SDeviceSetup, SField{"id", &T::nId}, SField{"name", &T::strName}, SField{"parser", &T::nParser},
+      SField{"address", &T::address, FIELD_DEFAULTED | FIELD_NULLABLE})
+
 /// Without "format" and "version", which are a file's.
-SHAPE(SSceneDocument, SField{"clips", &SSceneDocument::clips, FIELD_DEFAULTED},
-      SField{"nodes", &SSceneDocument::nodes, FIELD_DEFAULTED},
-      SField{"links", &SSceneDocument::links, FIELD_DEFAULTED},
-      SField{"devices", &SSceneDocument::devices, FIELD_OPTIONAL | FIELD_NULLABLE})
+SHAPE(SSceneDocument, SField{"clips", &T::clips, FIELD_DEFAULTED}, SField{"nodes", &T::nodes, FIELD_DEFAULTED},
+      SField{"links", &T::links, FIELD_DEFAULTED}, SField{"devices", &T::devices, FIELD_OPTIONAL | FIELD_NULLABLE})
 
 // ---- Payloads -----------------------------------------------------------------------------------------------------
 
-SHAPE(SKeyEventData, SField{"text", &SKeyEventData::m_strText})
-
-SHAPE(CPoint, SField{"x", &CPoint::x}, SField{"y", &CPoint::y})
-
-SHAPE(SQORMouseData, SField{"rx", &SQORMouseData::m_fRelativeX}, SField{"ry", &SQORMouseData::m_fRelativeY},
-      SFlat{&SQORMouseData::m_ptPixel}, SField{"pointer", &SQORMouseData::m_nPointer},
-      SField{"relative", &SQORMouseData::m_bRelative})
-
-SHAPE(SVRPluginData, SField{"hand", &SVRPluginData::m_nHand}, SField{"trigger", &SVRPluginData::m_bTriggerPressed},
-      SField{"pad", &SVRPluginData::m_bTouchPadPressed}, SField{"padx", &SVRPluginData::m_fTouchPadX},
-      SField{"pady", &SVRPluginData::m_fTouchPadY}, SField{"pose", &SVRPluginData::m_fPose},
-      SField{"hit", &SVRPluginData::m_fHitPosition}, SField{"press", &SVRPluginData::m_nPressTime},
-      SField{"release", &SVRPluginData::m_nReleaseTime})
-
-SHAPE(SBroadcastItem, SField{"flag", &SBroadcastItem::m_strFlag}, SField{"clip", &SBroadcastItem::m_strClipName},
-      SField{"name", &SBroadcastItem::m_strName}, SField{"data", &SBroadcastItem::m_strData})
-
-SHAPE(CQORPanelRemoteCtrlData, SField{"DevID", &CQORPanelRemoteCtrlData::m_strDevID},
-      SField{"DevName", &CQORPanelRemoteCtrlData::m_strDevName},
-      SField{"ClipName", &CQORPanelRemoteCtrlData::m_strClipName},
-      SField{"GroupName", &CQORPanelRemoteCtrlData::m_strGroupName},
-      SField{"KeyName", &CQORPanelRemoteCtrlData::m_strKeyName},
-      SField{"KeyNumber", &CQORPanelRemoteCtrlData::m_nKeyNumber},
-      SField{"HelpParameter", &CQORPanelRemoteCtrlData::m_strHelpParameter},
-      SField{"KeyValue", &CQORPanelRemoteCtrlData::m_strKeyValue}, SField{"Layer", &CQORPanelRemoteCtrlData::m_nLayer})
-
-SHAPE(SDeviceTextData, SField{"device", &SDeviceTextData::m_nDeviceId}, SField{"text", &SDeviceTextData::m_strText})
-
-SHAPE(SObjectTextData, SField{"clip", &SObjectTextData::m_strClipName},
-      SField{"object", &SObjectTextData::m_strObjectName}, SField{"text", &SObjectTextData::m_strText})
+TAGGED(SKeyEventData, "key", SField{"text", &T::m_strText})
+SHAPE(CPoint, SField{"x", &T::x}, SField{"y", &T::y})
+TAGGED(SQORMouseData, "pointer", SField{"rx", &T::m_fRelativeX}, SField{"ry", &T::m_fRelativeY}, SFlat{&T::m_ptPixel},
+       SField{"pointer", &T::m_nPointer}, SField{"relative", &T::m_bRelative})
+TAGGED(SVRPluginData, "vr", SField{"hand", &T::m_nHand}, SField{"trigger", &T::m_bTriggerPressed},
+       SField{"pad", &T::m_bTouchPadPressed}, SField{"padx", &T::m_fTouchPadX}, SField{"pady", &T::m_fTouchPadY},
+       SField{"pose", &T::m_fPose}, SField{"hit", &T::m_fHitPosition}, SField{"press", &T::m_nPressTime},
+       SField{"release", &T::m_nReleaseTime})
+TAGGED(SBroadcastItem, "broadcast", SField{"flag", &T::m_strFlag}, SField{"clip", &T::m_strClipName},
+       SField{"name", &T::m_strName}, SField{"data", &T::m_strData})
+TAGGED(CQORPanelRemoteCtrlData, "record", SField{"DevID", &T::m_strDevID}, SField{"DevName", &T::m_strDevName},
+       SField{"ClipName", &T::m_strClipName}, SField{"GroupName", &T::m_strGroupName},
+       SField{"KeyName", &T::m_strKeyName}, SField{"KeyNumber", &T::m_nKeyNumber},
+       SField{"HelpParameter", &T::m_strHelpParameter}, SField{"KeyValue", &T::m_strKeyValue},
+       SField{"Layer", &T::m_nLayer})
+TAGGED(SDeviceTextData, "device_text", SField{"device", &T::m_nDeviceId}, SField{"text", &T::m_strText})
+TAGGED(SObjectTextData, "object_text", SField{"clip", &T::m_strClipName}, SField{"object", &T::m_strObjectName},
+       SField{"text", &T::m_strText})
 
 void ReadFields(SQORMouseData& sample, const CFields& fields);
 
@@ -114,151 +78,58 @@ inline void Emplace<SQORMouseData>(Payload& payload) {
 
 UNION(Payload, "is", "there is no payload kind ")
 
-TAG(SKeyEventData, "key")
-TAG(SQORMouseData, "pointer")
-TAG(SVRPluginData, "vr")
-TAG(SBroadcastItem, "broadcast")
-TAG(CQORPanelRemoteCtrlData, "record")
-TAG(SDeviceTextData, "device_text")
-TAG(SObjectTextData, "object_text")
-
 // ---- Commands -----------------------------------------------------------------------------------------------------
 
-template <>
-struct Names<EPlace> {
-    static constexpr const char* ROWS[] = {"own", "inputs", "outputs"};
-};
-
-template <>
-struct Names<ETextTable> {
-    static constexpr const char* ROWS[] = {"keys", "en", "zh"};
-};
-
-SHAPE(SSavedPins, SField{"group", &SSavedPins::nGroup}, SField{"ids", &SSavedPins::ids})
-
-SHAPE(SSavedSet, SField{"values", &SSavedSet::values, FIELD_OPTIONAL}, SField{"drop", &SSavedSet::drop, FIELD_OPTIONAL},
-      SField{"available", &SSavedSet::available, FIELD_OPTIONAL},
-      SField{"choices", &SSavedSet::emptyChoices, FIELD_OPTIONAL},
-      SField{"groups", &SSavedSet::bGroups, FIELD_OPTIONAL}, SField{"pins", &SSavedSet::pins, FIELD_OPTIONAL})
-
-SHAPE(SCatalogueCommand)
-
-SHAPE(SCallCommand, SField{"code", &SCallCommand::nCode})
-
-SHAPE(SCreateCommand, SField{"node", &SCreateCommand::strHandle}, SField{"type", &SCreateCommand::guidType},
-      SField{"clip", &SCreateCommand::clip, FIELD_NULLABLE}, SField{"graph", &SCreateCommand::strGraph},
-      SField{"event_window", &SCreateCommand::bEventWindow, FIELD_OPTIONAL},
-      SField{"notify_window", &SCreateCommand::bNotifyWindow, FIELD_OPTIONAL},
-      SField{"outputs", &SCreateCommand::bOutputs, FIELD_OPTIONAL},
-      SField{"saved", &SCreateCommand::saved, FIELD_OPTIONAL})
-
-SHAPE(SInspectCommand, SField{"node", &SInspectCommand::strHandle})
-
-SHAPE(SInitCommand, SField{"node", &SInitCommand::strHandle})
-
-SHAPE(SOutputsCommand, SField{"node", &SOutputsCommand::strHandle})
-
-SHAPE(SLayoutCommand, SField{"node", &SLayoutCommand::strHandle})
-
-SHAPE(SDestroyCommand, SField{"node", &SDestroyCommand::strHandle},
-      SField{"type", &SDestroyCommand::type, FIELD_OPTIONAL},
-      SField{"pointer", &SDestroyCommand::bPointer, FIELD_OPTIONAL})
-
-template <>
-struct Names<EEvaluation> {
-    static constexpr const char* ROWS[] = {"frame", "event"};
-};
-
-SHAPE(SEvaluateCommand, SField{"on", &SEvaluateCommand::nOn})
-
-SHAPE(SProcessCommand, SField{"node", &SProcessCommand::handle, FIELD_OPTIONAL},
-      SField{"graph", &SProcessCommand::bGraph, FIELD_OPTIONAL})
-
-SHAPE(SJsonCommand)
-
-SHAPE(SHeldFilter, SField{"device", &SHeldFilter::device, FIELD_OPTIONAL},
-      SField{"identity", &SHeldFilter::identity, FIELD_OPTIONAL})
-
-SHAPE(SReleaseHeldCommand, SField{"reason", &SReleaseHeldCommand::strReason, FIELD_OPTIONAL},
-      SFlat{&SReleaseHeldCommand::filter}, SField{"everyone", &SReleaseHeldCommand::bEveryone, FIELD_OPTIONAL})
-
-SHAPE(STriggerCommand, SField{"node", &STriggerCommand::strHandle}, SField{"param", &STriggerCommand::nParam})
-
-SHAPE(SDropCommand, SField{"node", &SDropCommand::strHandle}, SField{"param", &SDropCommand::nParam},
-      SField{"from", &SDropCommand::from})
-
-SHAPE(SLinkCommand, SField{"from", &SLinkCommand::strFrom}, SField{"output", &SLinkCommand::nOutput},
-      SField{"to", &SLinkCommand::strTo}, SField{"input", &SLinkCommand::nInput})
-
-SHAPE(SKeysCommand, SField{"down", &SKeysCommand::down, FIELD_OPTIONAL},
-      SField{"toggled", &SKeysCommand::toggled, FIELD_OPTIONAL})
-
-SHAPE(SClockCommand, SField{"ms", &SClockCommand::ms, FIELD_NULLABLE})
-
-SHAPE(SMainWindowCommand, SField{"present", &SMainWindowCommand::bPresent},
-      SField{"enabled", &SMainWindowCommand::bEnabled})
-
-SHAPE(SObjectCommand, SField{"clip", &SObjectCommand::strClip}, SField{"name", &SObjectCommand::strName})
-
-SHAPE(SObjectsCommand)
-
-SHAPE(SDevicesCommand, SField{"list", &SDevicesCommand::devices, FIELD_NULLABLE})
-
-SHAPE(SListenCommand, SField{"broadcast", &SListenCommand::broadcast, FIELD_OPTIONAL},
-      SField{"control", &SListenCommand::control, FIELD_OPTIONAL | FIELD_NULLABLE},
-      SField{"address", &SListenCommand::address, FIELD_OPTIONAL})
-
-SHAPE(SWaitCommand, SField{"ms", &SWaitCommand::nMilliseconds})
-
-SHAPE(SNetworkCommand)
-
-SHAPE(SListenOnlyCommand, SField{"on", &SListenOnlyCommand::bOn})
-
-SHAPE(SSaveCommand)
-
-SHAPE(SSceneCommand)
-
-SHAPE(SRecordingCommand, SField{"version", &SRecordingCommand::nVersion}, SField{"texts", &SRecordingCommand::nTexts},
-      SField{"evaluate", &SRecordingCommand::nEvaluation, FIELD_OPTIONAL})
-
-SHAPE(SQuitCommand)
-
+SHAPE(SSavedPins, SField{"group", &T::nGroup}, SField{"ids", &T::ids})
+SHAPE(SSavedSet, SField{"values", &T::values, FIELD_OPTIONAL}, SField{"drop", &T::drop, FIELD_OPTIONAL},
+      SField{"available", &T::available, FIELD_OPTIONAL}, SField{"choices", &T::emptyChoices, FIELD_OPTIONAL},
+      SField{"groups", &T::bGroups, FIELD_OPTIONAL}, SField{"pins", &T::pins, FIELD_OPTIONAL})
+TAGGED(SCatalogueCommand, "catalogue")
+TAGGED(SCallCommand, "call", SField{"code", &T::nCode})
+TAGGED(SCreateCommand, "create", SField{"node", &T::strHandle}, SField{"type", &T::guidType},
+       SField{"clip", &T::clip, FIELD_NULLABLE}, SField{"graph", &T::strGraph},
+       SField{"event_window", &T::bEventWindow, FIELD_OPTIONAL},
+       SField{"notify_window", &T::bNotifyWindow, FIELD_OPTIONAL}, SField{"outputs", &T::bOutputs, FIELD_OPTIONAL},
+       SField{"saved", &T::saved, FIELD_OPTIONAL})
+TAGGED(SInspectCommand, "inspect", SField{"node", &T::strHandle})
+TAGGED(SInitCommand, "init", SField{"node", &T::strHandle})
+TAGGED(SOutputsCommand, "outputs", SField{"node", &T::strHandle})
+TAGGED(SLayoutCommand, "layout", SField{"node", &T::strHandle})
+TAGGED(SDestroyCommand, "destroy", SField{"node", &T::strHandle}, SField{"type", &T::type, FIELD_OPTIONAL},
+       SField{"pointer", &T::bPointer, FIELD_OPTIONAL})
+TAGGED(SEvaluateCommand, "evaluate", SField{"on", &T::nOn})
+TAGGED(SProcessCommand, "process", SField{"node", &T::handle, FIELD_OPTIONAL},
+       SField{"graph", &T::bGraph, FIELD_OPTIONAL})
+TAGGED(SJsonCommand, "json")
+SHAPE(SHeldFilter, SField{"device", &T::device, FIELD_OPTIONAL}, SField{"identity", &T::identity, FIELD_OPTIONAL})
+TAGGED(SReleaseHeldCommand, "release_held", SField{"reason", &T::strReason, FIELD_OPTIONAL}, SFlat{&T::filter},
+       SField{"everyone", &T::bEveryone, FIELD_OPTIONAL})
+TAGGED(STriggerCommand, "trigger", SField{"node", &T::strHandle}, SField{"param", &T::nParam})
+TAGGED(SDropCommand, "drop", SField{"node", &T::strHandle}, SField{"param", &T::nParam}, SField{"from", &T::from})
+TAGGED(SLinkCommand, "link", SField{"from", &T::strFrom}, SField{"output", &T::nOutput}, SField{"to", &T::strTo},
+       SField{"input", &T::nInput})
+TAGGED(SKeysCommand, "keys", SField{"down", &T::down, FIELD_OPTIONAL}, SField{"toggled", &T::toggled, FIELD_OPTIONAL})
+TAGGED(SClockCommand, "clock", SField{"ms", &T::ms, FIELD_NULLABLE})
+TAGGED(SMainWindowCommand, "main_window", SField{"present", &T::bPresent}, SField{"enabled", &T::bEnabled})
+TAGGED(SObjectCommand, "object", SField{"clip", &T::strClip}, SField{"name", &T::strName})
+TAGGED(SObjectsCommand, "objects")
+TAGGED(SDevicesCommand, "devices", SField{"list", &T::devices, FIELD_NULLABLE})
+TAGGED(SListenCommand, "listen", SField{"broadcast", &T::broadcast, FIELD_OPTIONAL},
+       SField{"control", &T::control, FIELD_OPTIONAL | FIELD_NULLABLE}, SField{"address", &T::address, FIELD_OPTIONAL})
+TAGGED(SWaitCommand, "wait", SField{"ms", &T::nMilliseconds})
+TAGGED(SNetworkCommand, "network")
+TAGGED(SListenOnlyCommand, "listen_only", SField{"on", &T::bOn})
+TAGGED(SSaveCommand, "save")
+TAGGED(SSceneCommand, "scene")
+TAGGED(SRecordingCommand, "recording", SField{"version", &T::nVersion}, SField{"texts", &T::nTexts},
+       SField{"evaluate", &T::nEvaluation, FIELD_OPTIONAL})
+TAGGED(SQuitCommand, "quit")
 UNION(Command, "op", "unknown op ")
-
-TAG(SCatalogueCommand, "catalogue")
-TAG(SCallCommand, "call")
-TAG(SCreateCommand, "create")
-TAG(SInspectCommand, "inspect")
-TAG(SInitCommand, "init")
-TAG(SOutputsCommand, "outputs")
-TAG(SLayoutCommand, "layout")
-TAG(SDestroyCommand, "destroy")
-TAG(SEvaluateCommand, "evaluate")
-TAG(SProcessCommand, "process")
 TAG(SFrameCommand, "process")
 TAG(SEventCommand, "event")
-TAG(SJsonCommand, "json")
-TAG(SReleaseHeldCommand, "release_held")
 TAG(SSetCommand, "set")
 TAG(SEditCommand, "edit")
-TAG(STriggerCommand, "trigger")
-TAG(SDropCommand, "drop")
-TAG(SLinkCommand, "link")
-TAG(SKeysCommand, "keys")
-TAG(SClockCommand, "clock")
-TAG(SMainWindowCommand, "main_window")
-TAG(SObjectCommand, "object")
-TAG(SObjectsCommand, "objects")
-TAG(SDevicesCommand, "devices")
-TAG(SListenCommand, "listen")
-TAG(SWaitCommand, "wait")
-TAG(SNetworkCommand, "network")
-TAG(SListenOnlyCommand, "listen_only")
-TAG(SSaveCommand, "save")
 TAG(SLoadCommand, "load")
-TAG(SSceneCommand, "scene")
-TAG(SRecordingCommand, "recording")
-TAG(SQuitCommand, "quit")
 
 // Commands whose fields depend on one another.
 void ReadFields(SFrameCommand& command, const CFields& fields);
@@ -281,120 +152,85 @@ OrderedJson SceneToJson(const SSceneDocument& scene);
 
 void AppendFields(OrderedJson& json, const SFiredByWindow& fired);
 
-SHAPE(SFiredByHost, SField{"clip", &SFiredByHost::clip, FIELD_NULLABLE},
-      SField{"object", &SFiredByHost::object, FIELD_NULLABLE})
+TAGGED(SFiredByHost, "host", SField{"clip", &T::clip, FIELD_NULLABLE}, SField{"object", &T::object, FIELD_NULLABLE})
 
 using FiredBy = decltype(SFired::by);
 UNION(FiredBy, "via", "there is no way ")
-
 TAG(SFiredByWindow, "window")
-TAG(SFiredByHost, "host")
-
-SHAPE(SFired, SField{"node", &SFired::handle, FIELD_NULLABLE}, SField{"output", &SFired::output, FIELD_NULLABLE},
-      SFlat{&SFired::by})
-
-SHAPE(SLogged, SField{"level", &SLogged::nLevel}, SField{"args", &SLogged::arguments},
-      SField{"text", &SLogged::strText}, SField{"length", &SLogged::length, FIELD_OPTIONAL})
-
-SHAPE(SNotified, SField{"node", &SNotified::handle, FIELD_NULLABLE}, SField{"wparam", &SNotified::nWParam},
-      SField{"lparam", &SNotified::nLParam})
-
-SHAPE(SSentRecord, SField{"device", &SSentRecord::nDevice}, SField{"command", &SSentRecord::nCommand},
-      SField{"clip", &SSentRecord::clip, FIELD_NULLABLE}, SField{"record", &SSentRecord::record})
-
-SHAPE(SSentBytes, SField{"device", &SSentBytes::nDevice}, SField{"raw", &SSentBytes::bytes},
-      SField{"size", &SSentBytes::size, FIELD_OPTIONAL})
-
-SHAPE(SRedrawn, SField{"node", &SRedrawn::handle, FIELD_NULLABLE})
-
-SHAPE(SActivity, SField{"posted", &SActivity::fired, FIELD_OPTIONAL}, SField{"log", &SActivity::logged, FIELD_OPTIONAL},
-      SField{"notified", &SActivity::notified, FIELD_OPTIONAL}, SField{"sent", &SActivity::sent, FIELD_OPTIONAL},
-      SField{"redrawn", &SActivity::redrawn, FIELD_OPTIONAL})
+SHAPE(SFired, SField{"node", &T::handle, FIELD_NULLABLE}, SField{"output", &T::output, FIELD_NULLABLE}, SFlat{&T::by})
+SHAPE(SLogged, SField{"level", &T::nLevel}, SField{"args", &T::arguments}, SField{"text", &T::strText},
+      SField{"length", &T::length, FIELD_OPTIONAL})
+SHAPE(SNotified, SField{"node", &T::handle, FIELD_NULLABLE}, SField{"wparam", &T::nWParam},
+      SField{"lparam", &T::nLParam})
+SHAPE(SSentRecord, SField{"device", &T::nDevice}, SField{"command", &T::nCommand},
+      SField{"clip", &T::clip, FIELD_NULLABLE}, SField{"record", &T::record})
+SHAPE(SSentBytes, SField{"device", &T::nDevice}, SField{"raw", &T::bytes}, SField{"size", &T::size, FIELD_OPTIONAL})
+SHAPE(SRedrawn, SField{"node", &T::handle, FIELD_NULLABLE})
+SHAPE(SActivity, SField{"posted", &T::fired, FIELD_OPTIONAL}, SField{"log", &T::logged, FIELD_OPTIONAL},
+      SField{"notified", &T::notified, FIELD_OPTIONAL}, SField{"sent", &T::sent, FIELD_OPTIONAL},
+      SField{"redrawn", &T::redrawn, FIELD_OPTIONAL})
 
 // ---- Results ------------------------------------------------------------------------------------------------------
 
 SHAPE(std::monostate)
-
-SHAPE(SNodeType, SField{"guid", &SNodeType::guid}, SField{"kind", &SNodeType::nKind},
-      SField{"name", &SNodeType::strName}, SField{"aux", &SNodeType::strAux}, SField{"tip", &SNodeType::strTip},
-      SField{"icon", &SNodeType::bIcon}, SField{"enable", &SNodeType::nEnable},
-      SField{"reserved", &SNodeType::reserved})
-
-SHAPE(SCatalogue, SField{"types", &SCatalogue::types})
-
-SHAPE(SCalled, SField{"result", &SCalled::nResult})
-
-SHAPE(SCreated, SField{"result", &SCreated::nResult}, SField{"created", &SCreated::bCreated})
-
-SHAPE(SLayout, SField{"path", &SLayout::strPath}, SField{"reader", &SLayout::pReader},
-      SField{"state", &SLayout::pState}, SField{"array", &SLayout::pArray}, SField{"groups", &SLayout::nGroups})
-
-SHAPE(SDestroyed, SField{"result", &SDestroyed::nResult}, SField{"slot_null", &SDestroyed::bSlotNull},
-      SField{"freed", &SDestroyed::bFreed})
+SHAPE(SNodeType, SField{"guid", &T::guid}, SField{"kind", &T::nKind}, SField{"name", &T::strName},
+      SField{"aux", &T::strAux}, SField{"tip", &T::strTip}, SField{"icon", &T::bIcon}, SField{"enable", &T::nEnable},
+      SField{"reserved", &T::reserved})
+SHAPE(SCatalogue, SField{"types", &T::types})
+SHAPE(SCalled, SField{"result", &T::nResult})
+SHAPE(SCreated, SField{"result", &T::nResult}, SField{"created", &T::bCreated})
+SHAPE(SLayout, SField{"path", &T::strPath}, SField{"reader", &T::pReader}, SField{"state", &T::pState},
+      SField{"array", &T::pArray}, SField{"groups", &T::nGroups})
+SHAPE(SDestroyed, SField{"result", &T::nResult}, SField{"slot_null", &T::bSlotNull}, SField{"freed", &T::bFreed})
 
 inline std::string MemberName(const SNode* pNode) {
     return pNode->strHandle;
 }
 
-SHAPE(SNodeResults, SField{"results", &SNodeResults::results})
-
-SHAPE(SFrameResults, SField{"results", &SFrameResults::results},
-      SField{"outputs", &SFrameResults::outputs, FIELD_OPTIONAL})
-
-SHAPE(SEdited, SField{"needed", &SEdited::bNeeded}, SField{"result", &SEdited::result, FIELD_NULLABLE})
-
-SHAPE(SReleased, SField{"released", &SReleased::releases})
-
-SHAPE(SListening, SField{"broadcast", &SListening::broadcast, FIELD_NULLABLE},
-      SField{"control", &SListening::control, FIELD_NULLABLE})
-
-template <>
-struct Names<EPeer> {
-    static constexpr const char* ROWS[] = {"broadcast", "control", "device"};
-};
-
-SHAPE(SDispatched, SField{"from", &SDispatched::nFrom}, SField{"device", &SDispatched::nDevice},
-      SField{"event", &SDispatched::nEvent}, SFlat{&SDispatched::results})
-
-SHAPE(SWaited, SField{"dispatched", &SWaited::dispatched})
-
-SHAPE(SObjects, SField{"objects", &SObjects::objects})
-
-SHAPE(SHeldEntry, SField{"connection", &SHeldEntry::nConnection}, SField{"device", &SHeldEntry::nDevice},
-      SField{"what", &SHeldEntry::strWhat}, SField{"identity", &SHeldEntry::identity},
-      SField{"ms", &SHeldEntry::nAgeMs})
-
-SHAPE(SOtherDevice, SField{"device", &SOtherDevice::nDevice}, SField{"expected", &SOtherDevice::nExpected})
-
-SHAPE(SOtherObject, SField{"clip", &SOtherObject::strClip}, SField{"object", &SOtherObject::strObject},
-      SField{"expected_clip", &SOtherObject::strExpectedClip},
-      SField{"expected_object", &SOtherObject::strExpectedObject})
-
-SHAPE(SKeyMissing, SField{"key", &SKeyMissing::strKey})
-
-SHAPE(SValueDiffers, SField{"key", &SValueDiffers::strKey}, SField{"value", &SValueDiffers::strValue},
-      SField{"expected", &SValueDiffers::strExpected})
-
-SHAPE(STaken)
-SHAPE(SNotJson)
-SHAPE(SNotObject)
-SHAPE(SNotReady)
+SHAPE(SNodeResults, SField{"results", &T::results})
+SHAPE(SFrameResults, SField{"results", &T::results}, SField{"outputs", &T::outputs, FIELD_OPTIONAL})
+SHAPE(SEdited, SField{"needed", &T::bNeeded}, SField{"result", &T::result, FIELD_NULLABLE})
+SHAPE(SReleased, SField{"released", &T::releases})
+SHAPE(SListening, SField{"broadcast", &T::broadcast, FIELD_NULLABLE}, SField{"control", &T::control, FIELD_NULLABLE})
+SHAPE(SItemCounts, SField{"received", &T::nReceived}, SField{"matched", &T::nMatched},
+      SField{"rejected", &T::nRejected}, SField{"last_rejected", &T::strLastRejected, FIELD_NULLABLE})
+SHAPE(SDeviceState, SFlat{&T::setup}, SField{"state", &T::nState}, SField{"since_ms", &T::nSinceMs},
+      SField{"last_problem", &T::strLastProblem, FIELD_NULLABLE}, SField{"queued_items", &T::nQueuedItems},
+      SField{"queued_bytes", &T::nQueuedBytes}, SField{"sent", &T::nSent}, SField{"refused", &T::nRefused},
+      SField{"lost", &T::nLost}, SField{"shown", &T::nShown}, SField{"errors", &T::nErrors},
+      SField{"received_bytes", &T::nReceivedBytes}, SFlat{&T::counts},
+      SField{"rejected_lines", &T::rejectedLines, FIELD_OPTIONAL},
+      SField{"last_sent_bytes", &T::lastSent, FIELD_NULLABLE},
+      SField{"last_received_bytes", &T::lastReceived, FIELD_NULLABLE})
+SHAPE(SBroadcastState, SField{"port", &T::nPort}, SField{"problem", &T::strProblem, FIELD_NULLABLE},
+      SField{"errors", &T::nErrors}, SField{"last_error", &T::strLastError, FIELD_NULLABLE}, SFlat{&T::counts},
+      SField{"last_received_bytes", &T::lastReceived, FIELD_NULLABLE})
+SHAPE(SControlState, SField{"port", &T::nPort}, SField{"connections", &T::nConnections},
+      SField{"turned_away", &T::nTurnedAway}, SField{"errors", &T::nErrors},
+      SField{"last_error", &T::strLastError, FIELD_NULLABLE}, SFlat{&T::counts})
+SHAPE(SNetworkState, SField{"devices", &T::devices, FIELD_NULLABLE}, SField{"broadcast", &T::broadcast, FIELD_NULLABLE},
+      SField{"control", &T::control, FIELD_NULLABLE}, SField{"listen_only", &T::bListenOnly})
+SHAPE(SDispatched, SField{"from", &T::nFrom}, SField{"device", &T::nDevice}, SField{"event", &T::nEvent},
+      SFlat{&T::results})
+SHAPE(SWaited, SField{"dispatched", &T::dispatched})
+SHAPE(SObjects, SField{"objects", &T::objects})
+SHAPE(SHeldEntry, SField{"connection", &T::nConnection}, SField{"device", &T::nDevice}, SField{"what", &T::strWhat},
+      SField{"identity", &T::identity}, SField{"ms", &T::nAgeMs})
+TAGGED(SOtherDevice, "other_device", SField{"device", &T::nDevice}, SField{"expected", &T::nExpected})
+TAGGED(SOtherObject, "other_object", SField{"clip", &T::strClip}, SField{"object", &T::strObject},
+       SField{"expected_clip", &T::strExpectedClip}, SField{"expected_object", &T::strExpectedObject})
+TAGGED(SKeyMissing, "key_missing", SField{"key", &T::strKey})
+TAGGED(SValueDiffers, "value_differs", SField{"key", &T::strKey}, SField{"value", &T::strValue},
+       SField{"expected", &T::strExpected})
+TAGGED(STaken, "taken")
+TAGGED(SNotJson, "not_json")
+TAGGED(SNotObject, "not_object")
+TAGGED(SNotReady, "not_ready")
 
 using VerdictKind = decltype(SVerdict::what);
 UNION(VerdictKind, "verdict", "there is no verdict ")
-
-TAG(STaken, "taken")
-TAG(SOtherDevice, "other_device")
-TAG(SOtherObject, "other_object")
-TAG(SNotJson, "not_json")
-TAG(SNotObject, "not_object")
-TAG(SKeyMissing, "key_missing")
-TAG(SValueDiffers, "value_differs")
-TAG(SNotReady, "not_ready")
-
-SHAPE(SVerdict, SFlat{&SVerdict::what}, SField{"text", &SVerdict::strText}, SField{"length", &SVerdict::nLength})
-
-SHAPE(SVerdicts, SField{"nodes", &SVerdicts::nodes})
+SHAPE(SVerdict, SFlat{&T::what}, SField{"text", &T::strText}, SField{"length", &T::nLength})
+SHAPE(SVerdicts, SField{"nodes", &T::nodes})
 
 // ---- Values of their own kind -------------------------------------------------------------------------------------
 
@@ -446,7 +282,11 @@ struct Codec<const void*> { ///< an address as text
 };
 
 template <>
-struct Codec<SNetworkState> {
-    static OrderedJson Write(const SNetworkState& value) { return NetworkToJson(value); }
+struct Codec<LineRefusalCounts> { ///< an object
+    static OrderedJson Write(const LineRefusalCounts& value);
 };
-void AppendFields(OrderedJson& json, const SNetworkState& state);
+
+template <>
+struct Codec<SLastBytes> { ///< {"size","text","hex"}, and "sent" of one to a device
+    static OrderedJson Write(const SLastBytes& value);
+};

@@ -64,6 +64,7 @@ enum class EEvaluation {
     Frame, ///< with the next frame, as all nodes are
     Event, ///< at once
 };
+NAMES(EEvaluation, "frame", "event")
 
 struct SEvaluateCommand {
     EEvaluation nOn = EEvaluation::Frame;
@@ -125,6 +126,7 @@ struct STriggerCommand {
 };
 
 enum class EPlace { Own, Inputs, Outputs };
+NAMES(EPlace, "own", "inputs", "outputs")
 
 struct SDropCommand {
     std::string strHandle;

@@ -5,7 +5,6 @@
 
 #include "base/GuidText.h"
 #include "base/HostLine.h"
-#include "base/TextTables.h"
 #include "base/TextUtf8.h"
 #include "scene/ParamSet.h"
 #include "session/EventRecords.h"
@@ -585,7 +584,7 @@ Result CSession::On(const SRecordingCommand& command) {
         Refuse("version", "this program reads recordings of version " + std::to_string(RECORDING_VERSION));
     }
     if (command.nTexts != Texts()) {
-        Refuse("texts", std::string("this session's are ") + TextTableName(Texts()));
+        Refuse("texts", std::string("this session's are ") + NameOf(Texts()));
     }
     m_nEvaluation = command.nEvaluation;
     return {};

@@ -4,7 +4,6 @@
 
 #include "base/LineReader.h"
 #include "base/PrintableText.h"
-#include "base/TextTables.h"
 #include "base/TextUtf8.h"
 #include "fronts/recording/Recorder.h"
 #include "protocol/SceneFile.h"
@@ -93,7 +92,7 @@ std::unique_ptr<CReplay> CReplay::Open(const std::filesystem::path& file, std::s
     try {
         const Json first = ParseLine(pReplay->m_strFirstLine);
         const CFields fields(first);
-        const auto nTexts = FindTextTable(fields.Text("texts"));
+        const auto nTexts = FindByName<ETextTable>(fields.Text("texts"));
         if (fields.Text("op") == "recording" && nTexts) {
             pReplay->m_nTexts = *nTexts;
             return pReplay;
