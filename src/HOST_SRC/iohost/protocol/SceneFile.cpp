@@ -37,11 +37,3 @@ void CSystemFiles::Write(const std::string& strName, const std::string& strText)
         Refuse("file", strProblem);
     }
 }
-
-std::string CNoFiles::Read(const std::string& /*strName*/) {
-    Refuse("file", "is out of reach here");
-}
-
-void CNoFiles::Write(const std::string& /*strName*/, const std::string& /*strText*/) {
-    Refuse("file", "is out of reach here");
-}

@@ -21,6 +21,6 @@ public:
 /// No file at all.
 class CNoFiles final : public ISceneFiles {
 public:
-    std::string Read(const std::string& strName) override;
-    void Write(const std::string& strName, const std::string& strText) override;
+    std::string Read(const std::string& /*strName*/) override { Refuse("file", "is out of reach here"); }
+    void Write(const std::string& /*strName*/, const std::string& /*strText*/) override { Read({}); }
 };

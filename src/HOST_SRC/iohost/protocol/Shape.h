@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -91,6 +92,10 @@ template <typename T>
 concept Shaped = requires {
     Shape<T>::FIELDS;
 };
+template <typename T>
+concept Tagged = requires {
+    Union<T>::TAG;
+};
 
 template <typename T>
 inline constexpr bool IS_OPTIONAL = false;
@@ -169,20 +174,30 @@ bool IsLeftOut(const Member& member, Member Object::*pMember) {
     }
 }
 
-template <typename Object, typename Member>
-void AppendField(OrderedJson& json, const Member& member, const SField<Object, Member>& field) {
-    if ((field.nFlags & FIELD_NULLABLE) == 0 && (field.nFlags & FIELD_OPTIONAL) != 0 &&
-        IsLeftOut(member, field.pMember)) {
+template <typename T, typename Object, typename Member>
+void AppendOne(OrderedJson& json, const T& object, const SField<Object, Member>& field) {
+    const Member& member = object.*field.pMember;
+    const bool bNullable = (field.nFlags & FIELD_NULLABLE) != 0;
+    if (!bNullable && (field.nFlags & FIELD_OPTIONAL) != 0 && IsLeftOut(member, field.pMember)) {
         return;
     }
     if constexpr (IS_OPTIONAL<Member>) {
         AppendMember(json, field.pszName, member ? ToJson(*member) : OrderedJson());
     } else if constexpr (std::is_same_v<Member, std::string>) {
-        const bool bNull = (field.nFlags & FIELD_NULLABLE) != 0 && member.empty();
-        AppendMember(json, field.pszName, bNull ? OrderedJson() : OrderedJson(member));
+        AppendMember(json, field.pszName, bNullable && member.empty() ? OrderedJson() : OrderedJson(member));
     } else {
         AppendMember(json, field.pszName, ToJson(member));
     }
+}
+
+template <typename T, typename Object, typename Member>
+void AppendOne(OrderedJson& json, const T& object, const SFlat<Object, Member>& member) {
+    AppendFields(json, object.*member.pMember);
+}
+
+template <typename T>
+void AppendFields(OrderedJson& json, const T& object) {
+    std::apply([&](const auto&... field) { (AppendOne(json, object, field), ...); }, Shape<T>::FIELDS);
 }
 
 template <typename T, typename Object, typename Member>
@@ -200,23 +215,49 @@ void ReadFields(T& object, const CFields& fields) {
     std::apply([&](const auto&... field) { (ReadOne(object, field, fields), ...); }, Shape<T>::FIELDS);
 }
 
-template <typename T, typename Object, typename Member>
-void AppendOne(OrderedJson& json, const T& object, const SField<Object, Member>& field) {
-    AppendField(json, object.*field.pMember, field);
+// ---- Tagged unions ------------------------------------------------------------------------------------------------
+
+/// Make the variant hold a new one of its alternatives.
+template <typename T, typename Variant>
+void Emplace(Variant& value) {
+    value.template emplace<T>();
 }
 
-template <typename T, typename Object, typename Member>
-void AppendOne(OrderedJson& json, const T& object, const SFlat<Object, Member>& member) {
-    AppendFields(json, object.*member.pMember);
+/// The alternative of that tag name; false for an unknown one.
+template <typename... Alternatives>
+bool EmplaceByTag(std::variant<Alternatives...>& value, std::string_view name) {
+    const auto take = [&]<typename T>(std::type_identity<T>) {
+        const char* pszName = TAG_NAME<T>;
+        const bool bTaken = pszName != nullptr && name == pszName;
+        if (bTaken) {
+            Emplace<T>(value);
+        }
+        return bTaken;
+    };
+    return (take(std::type_identity<Alternatives>()) || ...);
+}
+
+template <Tagged Variant>
+void ReadFields(Variant& value, const CFields& fields) {
+    const std::string& strName = fields.Text(Union<Variant>::TAG);
+    if (!EmplaceByTag(value, strName)) {
+        Refuse(fields.Path(Union<Variant>::TAG), Union<Variant>::UNKNOWN + Quoted(strName));
+    }
+    std::visit([&](auto& alternative) { ReadFields(alternative, fields); }, value);
+}
+
+template <Tagged Variant>
+void AppendFields(OrderedJson& json, const Variant& value) {
+    std::visit(
+        [&]<typename T>(const T& alternative) {
+            AppendMember(json, Union<Variant>::TAG, TAG_NAME<T>);
+            AppendFields(json, alternative);
+        },
+        value);
 }
 
 template <typename T>
-void AppendFields(OrderedJson& json, const T& object) {
-    std::apply([&](const auto&... field) { (AppendOne(json, object, field), ...); }, Shape<T>::FIELDS);
-}
-
-template <Shaped T>
-struct Codec<T> {
+requires(Shaped<T> || Tagged<T>) struct Codec<T> {
     static void Read(T& value, const Json& json, const std::string& strPath) {
         ReadFields(value, CFields(json, strPath.empty() ? strPath : strPath + "."));
     }
@@ -318,6 +359,15 @@ struct Codec<std::optional<T>> { ///< within lists: none is null
     }
 };
 
+template <typename List>
+OrderedJson ListToJson(const List& list) {
+    OrderedJson json = OrderedJson::array();
+    for (const auto& element : list) {
+        json.push_back(ToJson(element));
+    }
+    return json;
+}
+
 template <typename T>
 struct Codec<std::vector<T>> {
     static void Read(std::vector<T>& value, const Json& json, const std::string& strPath) {
@@ -329,16 +379,10 @@ struct Codec<std::vector<T>> {
             ReadJson(value.emplace_back(), json[i], Shaped<T> ? strPath + "[" + std::to_string(i) + "]" : strPath);
         }
     }
-    static OrderedJson Write(const std::vector<T>& value) {
-        OrderedJson list = OrderedJson::array();
-        for (const T& element : value) {
-            list.push_back(ToJson(element));
-        }
-        return list;
-    }
+    static OrderedJson Write(const std::vector<T>& value) { return ListToJson(value); }
 };
 
-template <typename List, typename T, size_t nCount>
+template <typename List, size_t nCount>
 struct SFixedListCodec {
     static void Read(List& value, const Json& json, const std::string& strPath) {
         if (!json.is_array() || json.size() != nCount) {
@@ -348,19 +392,21 @@ struct SFixedListCodec {
             ReadJson(value[i], json[i], strPath + "[" + std::to_string(i) + "]");
         }
     }
-    static OrderedJson Write(const List& value) {
-        OrderedJson list = OrderedJson::array();
-        for (const T& element : value) {
-            list.push_back(ToJson(element));
-        }
-        return list;
-    }
+    static OrderedJson Write(const List& value) { return ListToJson(value); }
 };
 
 template <typename T, size_t nCount>
-struct Codec<std::array<T, nCount>> : SFixedListCodec<std::array<T, nCount>, T, nCount> {};
+struct Codec<std::array<T, nCount>> : SFixedListCodec<std::array<T, nCount>, nCount> {};
 template <typename T, size_t nCount>
-struct Codec<T[nCount]> : SFixedListCodec<T[nCount], T, nCount> {};
+struct Codec<T[nCount]> : SFixedListCodec<T[nCount], nCount> {};
+
+/// A variant without a tag is written as what it holds.
+template <typename Variant>
+struct SUntaggedCodec {
+    static OrderedJson Write(const Variant& value) {
+        return std::visit([](const auto& held) { return ToJson(held); }, value);
+    }
+};
 
 /// What the members of such an object are called.
 inline std::string MemberName(const std::string& strName) {
@@ -384,71 +430,5 @@ struct Codec<std::vector<std::pair<Key, T>>> {
             AppendMember(object, MemberName(key), ToJson(element));
         }
         return object;
-    }
-};
-
-// ---- Tagged unions ------------------------------------------------------------------------------------------------
-
-/// Make the variant hold a new one of its alternatives.
-template <typename T, typename Variant>
-void Emplace(Variant& value) {
-    value.template emplace<T>();
-}
-
-/// The alternative of that tag name; false for an unknown one.
-template <typename Variant, size_t nIndex = 0>
-bool EmplaceByTag(Variant& value, std::string_view name) {
-    if constexpr (nIndex == std::variant_size_v<Variant>) {
-        return false;
-    } else {
-        const char* pszName = TAG_NAME<std::variant_alternative_t<nIndex, Variant>>;
-        if (pszName != nullptr && name == pszName) {
-            Emplace<std::variant_alternative_t<nIndex, Variant>>(value);
-            return true;
-        }
-        return EmplaceByTag<Variant, nIndex + 1>(value, name);
-    }
-}
-
-template <typename... Alternatives>
-requires requires {
-    Union<std::variant<Alternatives...>>::TAG;
-}
-void ReadFields(std::variant<Alternatives...>& value, const CFields& fields) {
-    using Tagged = Union<std::variant<Alternatives...>>;
-    const std::string& strName = fields.Text(Tagged::TAG);
-    if (!EmplaceByTag(value, strName)) {
-        Refuse(fields.Path(Tagged::TAG), Tagged::UNKNOWN + Quoted(strName));
-    }
-    std::visit([&](auto& alternative) { ReadFields(alternative, fields); }, value);
-}
-
-template <typename... Alternatives>
-requires requires {
-    Union<std::variant<Alternatives...>>::TAG;
-}
-void AppendFields(OrderedJson& json, const std::variant<Alternatives...>& value) {
-    std::visit(
-        [&]<typename T>(const T& alternative) {
-            AppendMember(json, Union<std::variant<Alternatives...>>::TAG, TAG_NAME<T>);
-            AppendFields(json, alternative);
-        },
-        value);
-}
-
-template <typename... Alternatives>
-requires requires {
-    Union<std::variant<Alternatives...>>::TAG;
-}
-struct Codec<std::variant<Alternatives...>> {
-    using Variant = std::variant<Alternatives...>;
-
-    static void Read(Variant& value, const Json& json, const std::string& strPath) {
-        ReadFields(value, CFields(json, strPath + "."));
-    }
-    static OrderedJson Write(const Variant& value) {
-        OrderedJson json = OrderedJson::object();
-        AppendFields(json, value);
-        return json;
     }
 };

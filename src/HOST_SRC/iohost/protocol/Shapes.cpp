@@ -172,10 +172,6 @@ void Codec<ParamValue>::Read(ParamValue& value, const Json& json, const std::str
     }
 }
 
-OrderedJson Codec<ParamValue>::Write(const ParamValue& value) {
-    return std::visit([](const auto& held) { return ToJson(held); }, value);
-}
-
 void Codec<HeldIdentity>::Read(HeldIdentity& value, const Json& json, const std::string& strPath) {
     if (json.is_string()) {
         value = json.get<std::string>();
@@ -184,10 +180,6 @@ void Codec<HeldIdentity>::Read(HeldIdentity& value, const Json& json, const std:
     } else {
         RefuseKind(strPath, "the text of a key or the number of a pointer, hand or virtual key");
     }
-}
-
-OrderedJson Codec<HeldIdentity>::Write(const HeldIdentity& value) {
-    return std::visit([](const auto& held) { return ToJson(held); }, value);
 }
 
 void Codec<KeySet>::Read(KeySet& value, const Json& json, const std::string& strPath) {
@@ -237,10 +229,6 @@ void AppendFields(OrderedJson& json, const SFiredByWindow& fired) {
                           {"type_name", Utf8(CString(param.m_szTypeName))},
                           {"points", ToJson(points)}});
     }
-}
-
-OrderedJson Codec<Sent>::Write(const Sent& value) {
-    return std::visit([](const auto& held) { return ToJson(held); }, value);
 }
 
 OrderedJson Codec<std::vector<unsigned char>>::Write(const std::vector<unsigned char>& value) {

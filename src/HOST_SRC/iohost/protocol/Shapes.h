@@ -242,16 +242,15 @@ struct Codec<Payload> { ///< null for none
 
 /// A number or a text: the value of a parameter, or what tells held things apart.
 template <>
-struct Codec<ParamValue> {
+struct Codec<ParamValue> : SUntaggedCodec<ParamValue> {
     static void Read(ParamValue& value, const Json& json, const std::string& strPath);
-    static OrderedJson Write(const ParamValue& value);
 };
-
 template <>
-struct Codec<HeldIdentity> {
+struct Codec<HeldIdentity> : SUntaggedCodec<HeldIdentity> {
     static void Read(HeldIdentity& value, const Json& json, const std::string& strPath);
-    static OrderedJson Write(const HeldIdentity& value);
 };
+template <>
+struct Codec<Sent> : SUntaggedCodec<Sent> {};
 
 /// A list of virtual-key codes.
 template <>
@@ -264,11 +263,6 @@ struct Codec<KeySet> {
 template <>
 struct Codec<SRelease> {
     static OrderedJson Write(const SRelease& value);
-};
-
-template <>
-struct Codec<Sent> {
-    static OrderedJson Write(const Sent& value);
 };
 
 template <>
