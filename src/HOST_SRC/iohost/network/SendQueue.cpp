@@ -14,25 +14,25 @@ bool CSendQueue::Push(std::span<const unsigned char> item) {
     if (ItemCount() >= MOST_ITEMS || item.size() > MOST_BYTES - ByteCount()) {
         return false;
     }
-    const std::size_t nSize = item.size();
-    m_bytes.Append(item);
-    m_itemSizes.Append({&nSize, 1});
+    const auto bytes = boost::asio::buffer(item.data(), item.size());
+    m_bytes.commit(boost::asio::buffer_copy(m_bytes.prepare(item.size()), bytes));
+    m_itemSizes.push_back(item.size());
     return true;
 }
 
 std::span<const unsigned char> CSendQueue::BeginWrite() {
-    const auto next = m_bytes.All().first(std::min(ByteCount(), MOST_WRITTEN));
-    m_writing.assign(next.begin(), next.end());
+    const auto* pNext = static_cast<const unsigned char*>(m_bytes.cdata().data());
+    m_writing.assign(pNext, pNext + std::min(ByteCount(), MOST_WRITTEN));
     return m_writing;
 }
 
 void CSendQueue::EndWrite(bool bWritten) {
-    m_bytes.Drop(m_writing.size());
+    m_bytes.consume(m_writing.size());
     m_nBegun += m_writing.size();
     m_writing.clear();
-    while (ItemCount() > 0 && m_nBegun >= m_itemSizes.All().front()) {
-        m_nBegun -= m_itemSizes.All().front();
-        m_itemSizes.Drop(1);
+    while (ItemCount() > 0 && m_nBegun >= m_itemSizes.front()) {
+        m_nBegun -= m_itemSizes.front();
+        m_itemSizes.pop_front();
         ++(bWritten ? m_nSent : m_nLost);
     }
     const bool bConnectionOver = std::exchange(m_bConnectionOver, false);
@@ -50,8 +50,8 @@ void CSendQueue::EndConnection() {
 
 void CSendQueue::DropBegunItem() {
     if (m_nBegun > 0) {
-        m_bytes.Drop(m_itemSizes.All().front() - m_nBegun);
-        m_itemSizes.Drop(1);
+        m_bytes.consume(m_itemSizes.front() - m_nBegun);
+        m_itemSizes.pop_front();
         m_nBegun = 0;
         ++m_nLost;
     }

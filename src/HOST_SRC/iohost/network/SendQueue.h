@@ -1,7 +1,12 @@
 // What waits to be written to one device. Bounded, so that a device that stops reading costs no more than this.
 #pragma once
 
+#include "base/Network.h"
+
+#include <boost/beast/core/flat_buffer.hpp>
+
 #include <cstddef>
+#include <deque>
 #include <span>
 #include <vector>
 
@@ -25,8 +30,8 @@ public:
     void EndConnection();
 
     /// What waits or is being written.
-    std::size_t ItemCount() const { return m_itemSizes.Size(); }
-    std::size_t ByteCount() const { return m_bytes.Size(); }
+    std::size_t ItemCount() const { return m_itemSizes.size(); }
+    std::size_t ByteCount() const { return m_bytes.size(); }
 
     unsigned long long SentCount() const { return m_nSent; } ///< items
     unsigned long long LostCount() const { return m_nLost; } ///< items
@@ -34,34 +39,8 @@ public:
 private:
     void DropBegunItem();
 
-    /// Elements side by side, taken off at the front. Keeps its storage.
-    template <typename T>
-    class CFifo {
-    public:
-        void Append(std::span<const T> elements) {
-            if (m_nFirst > m_elements.size() / 2) {
-                m_elements.erase(m_elements.begin(), m_elements.begin() + static_cast<std::ptrdiff_t>(m_nFirst));
-                m_nFirst = 0;
-            }
-            m_elements.insert(m_elements.end(), elements.begin(), elements.end());
-        }
-        void Drop(std::size_t nCount) {
-            m_nFirst += nCount;
-            if (m_nFirst == m_elements.size()) {
-                m_elements.clear();
-                m_nFirst = 0;
-            }
-        }
-        std::span<const T> All() const { return std::span(m_elements).subspan(m_nFirst); }
-        std::size_t Size() const { return m_elements.size() - m_nFirst; }
-
-    private:
-        std::vector<T> m_elements;
-        std::size_t m_nFirst = 0;
-    };
-
-    CFifo<unsigned char> m_bytes;
-    CFifo<std::size_t> m_itemSizes;
+    boost::beast::flat_buffer m_bytes;
+    std::deque<std::size_t> m_itemSizes;
     std::size_t m_nBegun = 0; ///< bytes of the first item that were written already
     std::vector<unsigned char> m_writing;
     bool m_bConnectionOver = false; ///< while something was being written
