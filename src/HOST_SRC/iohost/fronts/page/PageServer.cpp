@@ -43,20 +43,96 @@ std::string FullText() {
 /// Joins the session, the frames and the pages: one io_context, one thread.
 class CPageServer final : public IWebSocketListener, private ISessionObserver {
 public:
-    CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files);
+    CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files)
+        : m_session(session), m_fFps(options.fFps), m_files(files), m_scenes(options.sceneFolder),
+          m_terminal(session, m_output.Stream()), m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }),
+          m_nToldSceneVersion(session.SceneVersion()) {
+        m_session.Attach(*this);
+    }
+
     ~CPageServer() { m_session.Detach(*this); }
 
-    CPageServer(const CPageServer&) = delete;
-    CPageServer& operator=(const CPageServer&) = delete;
-
     /// Empty, or why the address can't be had.
-    std::string Listen(const asio::ip::tcp::endpoint& endpoint);
+    std::string Listen(const asio::ip::tcp::endpoint& endpoint) {
+        error_code error;
+        OpenListener(m_acceptor, endpoint, error);
+        if (error) {
+            return error.message();
+        }
+        const auto bound = m_acceptor.local_endpoint();
+        m_strAddress = EndpointText(bound);
+        m_pSite = std::make_unique<const SHttpSite>(
+            SHttpSite{m_files, bound.address().to_string(), bound.port(),
+                      bound.address().is_loopback() ? CAccessToken() : CAccessToken::Make(bound.port()),
+                      static_cast<IWebSocketListener&>(*this),
+                      [this](const SObjectTextData& text) { return TakeObjectText(text); }});
+        return {};
+    }
 
-    void Run();
+    void Run() {
+        std::ostream& output = m_output.Stream();
+        output << "iohost: page at http://" << m_strAddress << "/" << m_pSite->token.Query() << "\n";
+        if (!m_pSite->token.Query().empty()) {
+            output << "iohost: whoever knows the address with its token can drive the nodes\n";
+        }
+        output.flush();
+        GuardedFrame(); // nodes take items once they have been evaluated
+        m_session.Peers().RunAlways();
+        if (const unsigned short nPort = ConfiguredBroadcastPort(); nPort != 0) {
+            m_session.Peers().KeepReceivingBroadcasts(nPort);
+        }
+        for (const int nSignal : EndSignals()) {
+            m_signals.add(nSignal);
+        }
+        AwaitSignal();
+        Spawn(m_context, "the page's connections aren't taken any longer", [this] { return AcceptConnections(); });
+        m_frameTimer.Start();
+        m_tellTimer.Start();
+        RunLoop([this] { m_context.run(); });
+    }
 
-    void OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) override;
-    void OnClientText(CWebSocketClient& client, std::string_view text) override;
-    void OnClientClosed(CWebSocketClient& client) override;
+    void OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) override {
+        CHeldInput& held = m_session.Held().Open();
+        m_clients.emplace(pClient.get(), SClient{pClient, held});
+        pClient->Send(Text({{"push", "hello"},
+                            {"version", IOHOST_VERSION},
+                            {"fps", m_fFps},
+                            {"address", m_strAddress},
+                            {"connection", held.Connection()}}));
+        pClient->Send(Text({{"push", "held"}, {"held", ToJson(m_session.Held().State())}}));
+        // The next frame tells everybody all of it; to those who know it already that changes nothing.
+        m_outputs.Forget();
+        m_objects.Forget();
+        m_session.JsonVerdicts().ForgetTaken();
+    }
+
+    void OnClientText(CWebSocketClient& client, std::string_view text) override {
+        if (m_bStopping) {
+            return; // what it held has been released
+        }
+        const KeySet keysBefore = m_session.Held().VirtualKeys();
+        client.Send(
+            MakeText(AnswerText(m_session, text, m_scenes, {.pHeld = &m_clients.at(&client).held}, CutForViewers)));
+        TellSceneChange();
+        TellHeld();
+        ShowKeysToNodes(keysBefore);
+        if (m_session.HasQuit()) {
+            Stop();
+        }
+    }
+
+    void OnClientClosed(CWebSocketClient& client) override {
+        CHeldInput& held = m_clients.at(&client).held;
+        const KeySet keysBefore = m_session.Held().VirtualKeys();
+        m_clients.erase(&client);
+        m_session.CloseConnection(held, "its connection closed");
+        TellSceneChange();
+        TellHeld();
+        ShowKeysToNodes(keysBefore);
+        if (m_bStopping && m_clients.empty()) {
+            m_context.stop();
+        }
+    }
 
 private:
     struct SClient {
@@ -64,27 +140,235 @@ private:
         CHeldInput& held;
     };
 
-    Awaitable<void> AcceptConnections();
-    void Take(TcpSocket socket);
-    Awaitable<void> Serve(TcpSocket socket);
-    Awaitable<void> TurnAway(TcpSocket socket);
-    void AwaitSignal();
-    void Stop();
+    Awaitable<void> AcceptConnections() {
+        for (;;) {
+            error_code error;
+            TcpSocket socket(m_context);
+            co_await m_acceptor.async_accept(socket, AwaitInto(error));
+            if (!m_acceptor.is_open()) {
+                co_return;
+            }
+            if (error) {
+                // The system is short of something: a pause leaves it the time to get over that.
+                m_acceptTimer.expires_after(ACCEPT_PAUSE);
+                co_await m_acceptTimer.async_wait(AwaitInto(error));
+            } else {
+                Take(std::move(socket));
+            }
+        }
+    }
 
-    SDone TakeObjectText(const SObjectTextData& text);
-    void Frame();
-    void ShowKeysToNodes(const KeySet& keysBefore);
-    void GuardedFrame();
-    void OnDone(const SDone& done) override;
-    void NoteChange(const Command& command);
-    void TellHappened(SActivity activity, const CHeldInput* pButFor);
-    void TellFrame();
-    void TellSceneChange();
-    void TellHeld();
-    void TellNetwork();
-    void SendToAll(const OrderedJson& push, const CHeldInput* pButFor = nullptr);
+    void Take(TcpSocket socket) {
+        if (m_nConnections < MOST_CONNECTIONS) {
+            ++m_nConnections;
+            Spawn(m_context, "a connection of the page",
+                  [this, socket = std::move(socket)]() mutable { return Serve(std::move(socket)); });
+            return;
+        }
+        m_fullLine.Write("a connection was turned away: " + FullText());
+        if (m_nTurnedAway < MOST_TURNED_AWAY) {
+            ++m_nTurnedAway;
+            Spawn(m_context, "a connection that is turned away",
+                  [this, socket = std::move(socket)]() mutable { return TurnAway(std::move(socket)); });
+        }
+    }
+
+    Awaitable<void> Serve(TcpSocket socket) {
+        try {
+            co_await ServeHttpConnection(std::move(socket), *m_pSite);
+        } catch (...) {
+            WriteHostLine(LOG_ERROR, "a connection of the page failed: " + CaughtText());
+        }
+        --m_nConnections;
+    }
+
+    Awaitable<void> TurnAway(TcpSocket socket) {
+        try {
+            co_await TurnAwayHttpConnection(std::move(socket), FullText());
+        } catch (...) {
+            m_fullLine.Write("a connection couldn't be turned away: " + CaughtText());
+        }
+        --m_nTurnedAway;
+    }
+
+    void AwaitSignal() {
+        m_signals.async_wait([this](const error_code& error, int) {
+            if (!error) {
+                AwaitSignal();
+                Stop();
+            }
+        });
+    }
+
+    void Stop() {
+        if (m_bStopping || m_clients.empty()) {
+            m_context.stop();
+            return;
+        }
+        m_bStopping = true;
+        m_acceptor.close();
+        m_frameTimer.Stop();
+        m_tellTimer.Stop();
+        for (const auto& [pKey, client] : m_clients) {
+            m_session.Do(SReleaseHeldCommand{.strReason = "the host ends"}, {.pHeld = &client.held});
+        }
+        for (const auto& [pKey, client] : m_clients) {
+            client.pClient->Close();
+        }
+        // Clients that don't say goodbye aren't waited for.
+        m_goodbyeTimer.expires_after(GOODBYE_TIME);
+        m_goodbyeTimer.async_wait([this](const error_code&) { m_context.stop(); });
+    }
+
+    SDone TakeObjectText(const SObjectTextData& text) {
+        return m_session.Do(SEventCommand{.handle = {}, .nDevice = DEVICE_OBJECT_TEXT, .payload = text});
+    }
+
+    void Frame() {
+        ++m_nFrame;
+        TellHappened(std::exchange(m_ofItems, {}), nullptr);
+        if (!m_session.HasQuit()) {
+            m_session.Do(SFrameCommand{.bOutputs = false}); // pages are told below
+        }
+        if (m_clients.empty()) {
+            return;
+        }
+        if (OutputValues changed = m_outputs.Take(m_session.Scene()); !changed.empty()) {
+            CutForViewers(changed);
+            SendToAll({{"push", "outputs"}, {"nodes", ToJson(changed)}});
+        }
+        if (const Verdicts verdicts = m_session.JsonVerdicts().TakeNew(m_session.Scene()); !verdicts.empty()) {
+            SendToAll({{"push", "json"}, {"nodes", ToJson(verdicts)}});
+        }
+        if (const auto objects = m_objects.Take(m_session.Scene())) {
+            SendToAll({{"push", "objects"}, {"objects", ToJson(*objects)}});
+        }
+        TellNetwork();
+    }
+
+    /// Nodes look at the keyboard when they are evaluated: a frame right after each change lets them miss none of those
+    /// that come between two frames.
+    void ShowKeysToNodes(const KeySet& keysBefore) {
+        if (m_session.Held().VirtualKeys() != keysBefore) {
+            GuardedFrame();
+        }
+    }
+
+    /// The next frame comes whatever becomes of this one.
+    void GuardedFrame() {
+        DoGuarded(m_frameLine, "a frame failed", [this] { Frame(); });
+    }
+
+    /// Whoever asked is told by the reply. What items cause is told with the next frame: they may come by the thousand.
+    void OnDone(const SDone& done) override {
+        if (done.pCommand != nullptr) {
+            NoteChange(*done.pCommand);
+        }
+        if (m_clients.empty()) {
+            return;
+        }
+        if (done.origin.from) {
+            SActivity activity = done.activity;
+            CutForViewers(activity);
+            m_ofItems.Append(std::move(activity));
+            if (m_ofItems.fired.size() + m_ofItems.logged.size() > MOST_UNTOLD) {
+                TellHappened(std::exchange(m_ofItems, {}), nullptr);
+            }
+            return;
+        }
+        TellHappened(done.activity, done.origin.pHeld);
+        if (done.origin.pHeld == nullptr) { // else the reply comes first
+            TellSceneChange();
+            TellHeld();
+        }
+    }
+
+    void TellHappened(SActivity activity, const CHeldInput* pButFor) {
+        if (activity.IsEmpty() || m_clients.empty()) {
+            return;
+        }
+        CutForViewers(activity);
+        OrderedJson push = {{"push", "happened"}};
+        AppendFields(push, activity);
+        push["frame"] = m_nFrame;
+        SendToAll(push, pButFor);
+    }
+
+    /// A page where nothing happens would otherwise not notice that the host has stalled.
+    void TellFrame() {
+        DoGuarded(m_frameLine, "the pages weren't told of a frame", [this] {
+            SendToAll({{"push", "frame"}, {"frame", m_nFrame}});
+        });
+    }
+
+    void NoteChange(const Command& command) {
+        std::visit(
+            [this]<typename Kind>(const Kind& kind) {
+                if constexpr (CHANGES_PARAMETERS<Kind>) {
+                    m_changedNodes.insert(kind.strHandle);
+                } else if constexpr (CHANGES_SCENE<Kind>) {
+                    m_bMoreChanged = true;
+                }
+            },
+            command);
+    }
+
+    void TellSceneChange() {
+        const auto nVersion = m_session.SceneVersion();
+        if (nVersion != m_nToldSceneVersion) {
+            m_nToldSceneVersion = nVersion;
+            OrderedJson push = {{"push", "scene"}, {"version", nVersion}};
+            if (!m_bMoreChanged) {
+                push["nodes"] = m_changedNodes;
+            }
+            SendToAll(push);
+        }
+        m_changedNodes.clear();
+        m_bMoreChanged = false;
+    }
+
+    void TellHeld() {
+        CHeldInputs& held = m_session.Held();
+        if (held.Version() != m_nToldHeldVersion) {
+            m_nToldHeldVersion = held.Version();
+            SendToAll({{"push", "held"}, {"held", ToJson(held.State())}, {"released", held.TakeReleasedByOthers()}});
+        }
+    }
+
+    /// A busy network changes with every item: a few times a second is enough to look at.
+    void TellNetwork() {
+        const auto nVersion = m_session.Peers().StateVersion();
+        const auto tNow = std::chrono::steady_clock::now();
+        if (nVersion != m_nToldNetworkVersion && tNow - m_tToldNetwork >= NETWORK_PAUSE) {
+            m_nToldNetworkVersion = nVersion;
+            m_tToldNetwork = tNow;
+            OrderedJson push = {{"push", "network"}};
+            AppendFields(push, m_session.Peers().State());
+            SendToAll(push);
+        }
+    }
+
+    void SendToAll(const OrderedJson& push, const CHeldInput* pButFor = nullptr) {
+        const auto pText = Text(push);
+        for (const auto& [pKey, client] : m_clients) {
+            if (&client.held != pButFor) {
+                client.pClient->Send(pText);
+            }
+        }
+    }
+
     std::shared_ptr<const std::string> Text(const OrderedJson& message) { return MakeText(ReplyText(message)); }
-    std::shared_ptr<const std::string> MakeText(std::string strText);
+
+    /// A text to send. Where too much waits for clients already, the one goes that most waits for: one that reads never
+    /// has more waiting than one that doesn't, however busy the host is.
+    std::shared_ptr<const std::string> MakeText(std::string strText) {
+        if (m_texts.Bytes() > MOST_QUEUED_BYTES && !m_clients.empty()) {
+            std::ranges::max_element(m_clients, {}, [](const auto& entry) {
+                return entry.second.pClient->QueuedBytes();
+            })->second.pClient->Drop();
+        }
+        return m_texts.Make(std::move(strText));
+    }
 
     CSession& m_session;
     asio::io_context& m_context{m_session.Peers().Context()};
@@ -119,320 +403,6 @@ private:
     std::chrono::steady_clock::time_point m_tToldNetwork;
     bool m_bStopping = false;
 };
-
-CPageServer::CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files)
-    : m_session(session), m_fFps(options.fFps), m_files(files), m_scenes(options.sceneFolder),
-      m_terminal(session, m_output.Stream()), m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }),
-      m_nToldSceneVersion(session.SceneVersion()) {
-    m_session.Attach(*this);
-}
-
-std::string CPageServer::Listen(const asio::ip::tcp::endpoint& endpoint) {
-    error_code error;
-    OpenListener(m_acceptor, endpoint, error);
-    if (error) {
-        return error.message();
-    }
-    const auto bound = m_acceptor.local_endpoint();
-    m_strAddress = EndpointText(bound);
-    m_pSite = std::make_unique<const SHttpSite>(SHttpSite{
-        m_files, bound.address().to_string(), bound.port(),
-        bound.address().is_loopback() ? CAccessToken() : CAccessToken::Make(bound.port()),
-        static_cast<IWebSocketListener&>(*this), [this](const SObjectTextData& text) { return TakeObjectText(text); }});
-    return {};
-}
-
-void CPageServer::Run() {
-    std::ostream& output = m_output.Stream();
-    output << "iohost: page at http://" << m_strAddress << "/" << m_pSite->token.Query() << "\n";
-    if (!m_pSite->token.Query().empty()) {
-        output << "iohost: whoever knows the address with its token can drive the nodes\n";
-    }
-    output.flush();
-    GuardedFrame(); // nodes take items once they have been evaluated
-    m_session.Peers().RunAlways();
-    if (const unsigned short nPort = ConfiguredBroadcastPort(); nPort != 0) {
-        m_session.Peers().KeepReceivingBroadcasts(nPort);
-    }
-    for (const int nSignal : EndSignals()) {
-        m_signals.add(nSignal);
-    }
-    AwaitSignal();
-    Spawn(m_context, "the page's connections aren't taken any longer", [this] { return AcceptConnections(); });
-    m_frameTimer.Start();
-    m_tellTimer.Start();
-    RunLoop([this] { m_context.run(); });
-}
-
-Awaitable<void> CPageServer::AcceptConnections() {
-    for (;;) {
-        error_code error;
-        TcpSocket socket(m_context);
-        co_await m_acceptor.async_accept(socket, AwaitInto(error));
-        if (!m_acceptor.is_open()) {
-            co_return;
-        }
-        if (error) {
-            // The system is short of something: a pause leaves it the time to get over that.
-            m_acceptTimer.expires_after(ACCEPT_PAUSE);
-            co_await m_acceptTimer.async_wait(AwaitInto(error));
-        } else {
-            Take(std::move(socket));
-        }
-    }
-}
-
-void CPageServer::Take(TcpSocket socket) {
-    if (m_nConnections < MOST_CONNECTIONS) {
-        ++m_nConnections;
-        Spawn(m_context, "a connection of the page",
-              [this, socket = std::move(socket)]() mutable { return Serve(std::move(socket)); });
-        return;
-    }
-    m_fullLine.Write("a connection was turned away: " + FullText());
-    if (m_nTurnedAway < MOST_TURNED_AWAY) {
-        ++m_nTurnedAway;
-        Spawn(m_context, "a connection that is turned away",
-              [this, socket = std::move(socket)]() mutable { return TurnAway(std::move(socket)); });
-    }
-}
-
-Awaitable<void> CPageServer::Serve(TcpSocket socket) {
-    try {
-        co_await ServeHttpConnection(std::move(socket), *m_pSite);
-    } catch (...) {
-        WriteHostLine(LOG_ERROR, "a connection of the page failed: " + CaughtText());
-    }
-    --m_nConnections;
-}
-
-Awaitable<void> CPageServer::TurnAway(TcpSocket socket) {
-    try {
-        co_await TurnAwayHttpConnection(std::move(socket), FullText());
-    } catch (...) {
-        m_fullLine.Write("a connection couldn't be turned away: " + CaughtText());
-    }
-    --m_nTurnedAway;
-}
-
-void CPageServer::AwaitSignal() {
-    m_signals.async_wait([this](const error_code& error, int) {
-        if (!error) {
-            AwaitSignal();
-            Stop();
-        }
-    });
-}
-
-void CPageServer::Stop() {
-    if (m_bStopping || m_clients.empty()) {
-        m_context.stop();
-        return;
-    }
-    m_bStopping = true;
-    m_acceptor.close();
-    m_frameTimer.Stop();
-    m_tellTimer.Stop();
-    for (const auto& [pKey, client] : m_clients) {
-        m_session.Do(SReleaseHeldCommand{.strReason = "the host ends"}, {.pHeld = &client.held});
-    }
-    for (const auto& [pKey, client] : m_clients) {
-        client.pClient->Close();
-    }
-    // Clients that don't say goodbye aren't waited for.
-    m_goodbyeTimer.expires_after(GOODBYE_TIME);
-    m_goodbyeTimer.async_wait([this](const error_code&) { m_context.stop(); });
-}
-
-void CPageServer::OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) {
-    CHeldInput& held = m_session.Held().Open();
-    m_clients.emplace(pClient.get(), SClient{pClient, held});
-    pClient->Send(Text({{"push", "hello"},
-                        {"version", IOHOST_VERSION},
-                        {"fps", m_fFps},
-                        {"address", m_strAddress},
-                        {"connection", held.Connection()}}));
-    pClient->Send(Text({{"push", "held"}, {"held", ToJson(m_session.Held().State())}}));
-    // The next frame tells everybody all of it; to those who know it already that changes nothing.
-    m_outputs.Forget();
-    m_objects.Forget();
-    m_session.JsonVerdicts().ForgetTaken();
-}
-
-void CPageServer::OnClientText(CWebSocketClient& client, std::string_view text) {
-    if (m_bStopping) {
-        return; // what it held has been released
-    }
-    const KeySet keysBefore = m_session.Held().VirtualKeys();
-    client.Send(MakeText(AnswerText(m_session, text, m_scenes, {.pHeld = &m_clients.at(&client).held}, CutForViewers)));
-    TellSceneChange();
-    TellHeld();
-    ShowKeysToNodes(keysBefore);
-    if (m_session.HasQuit()) {
-        Stop();
-    }
-}
-
-void CPageServer::OnClientClosed(CWebSocketClient& client) {
-    CHeldInput& held = m_clients.at(&client).held;
-    const KeySet keysBefore = m_session.Held().VirtualKeys();
-    m_clients.erase(&client);
-    m_session.CloseConnection(held, "its connection closed");
-    TellSceneChange();
-    TellHeld();
-    ShowKeysToNodes(keysBefore);
-    if (m_bStopping && m_clients.empty()) {
-        m_context.stop();
-    }
-}
-
-SDone CPageServer::TakeObjectText(const SObjectTextData& text) {
-    return m_session.Do(SEventCommand{.handle = {}, .nDevice = DEVICE_OBJECT_TEXT, .payload = text});
-}
-
-/// Whoever asked is told by the reply. What items cause is told with the next frame: they may come by the thousand.
-void CPageServer::OnDone(const SDone& done) {
-    if (done.pCommand != nullptr) {
-        NoteChange(*done.pCommand);
-    }
-    if (m_clients.empty()) {
-        return;
-    }
-    if (done.origin.from) {
-        SActivity activity = done.activity;
-        CutForViewers(activity);
-        m_ofItems.Append(std::move(activity));
-        if (m_ofItems.fired.size() + m_ofItems.logged.size() > MOST_UNTOLD) {
-            TellHappened(std::exchange(m_ofItems, {}), nullptr);
-        }
-        return;
-    }
-    TellHappened(done.activity, done.origin.pHeld);
-    if (done.origin.pHeld == nullptr) { // else the reply comes first
-        TellSceneChange();
-        TellHeld();
-    }
-}
-
-/// Nodes look at the keyboard when they are evaluated: a frame right after each change lets them miss none of those
-/// that come between two frames.
-void CPageServer::ShowKeysToNodes(const KeySet& keysBefore) {
-    if (m_session.Held().VirtualKeys() != keysBefore) {
-        GuardedFrame();
-    }
-}
-
-/// The next frame comes whatever becomes of this one.
-void CPageServer::GuardedFrame() {
-    DoGuarded(m_frameLine, "a frame failed", [this] { Frame(); });
-}
-
-/// A page where nothing happens would otherwise not notice that the host has stalled.
-void CPageServer::TellFrame() {
-    DoGuarded(m_frameLine, "the pages weren't told of a frame", [this] {
-        SendToAll({{"push", "frame"}, {"frame", m_nFrame}});
-    });
-}
-
-void CPageServer::Frame() {
-    ++m_nFrame;
-    TellHappened(std::exchange(m_ofItems, {}), nullptr);
-    if (!m_session.HasQuit()) {
-        m_session.Do(SFrameCommand{.bOutputs = false}); // pages are told below
-    }
-    if (m_clients.empty()) {
-        return;
-    }
-    if (OutputValues changed = m_outputs.Take(m_session.Scene()); !changed.empty()) {
-        CutForViewers(changed);
-        SendToAll({{"push", "outputs"}, {"nodes", ToJson(changed)}});
-    }
-    if (const Verdicts verdicts = m_session.JsonVerdicts().TakeNew(m_session.Scene()); !verdicts.empty()) {
-        SendToAll({{"push", "json"}, {"nodes", ToJson(verdicts)}});
-    }
-    if (const auto objects = m_objects.Take(m_session.Scene())) {
-        SendToAll({{"push", "objects"}, {"objects", ToJson(*objects)}});
-    }
-    TellNetwork();
-}
-
-/// A busy network changes with every item: a few times a second is enough to look at.
-void CPageServer::TellNetwork() {
-    const auto nVersion = m_session.Peers().StateVersion();
-    const auto tNow = std::chrono::steady_clock::now();
-    if (nVersion != m_nToldNetworkVersion && tNow - m_tToldNetwork >= NETWORK_PAUSE) {
-        m_nToldNetworkVersion = nVersion;
-        m_tToldNetwork = tNow;
-        OrderedJson push = {{"push", "network"}};
-        AppendFields(push, m_session.Peers().State());
-        SendToAll(push);
-    }
-}
-
-void CPageServer::TellHappened(SActivity activity, const CHeldInput* pButFor) {
-    if (activity.IsEmpty() || m_clients.empty()) {
-        return;
-    }
-    CutForViewers(activity);
-    OrderedJson push = {{"push", "happened"}};
-    AppendFields(push, activity);
-    push["frame"] = m_nFrame;
-    SendToAll(push, pButFor);
-}
-
-void CPageServer::NoteChange(const Command& command) {
-    std::visit(
-        [this]<typename Kind>(const Kind& kind) {
-            if constexpr (CHANGES_PARAMETERS<Kind>) {
-                m_changedNodes.insert(kind.strHandle);
-            } else if constexpr (CHANGES_SCENE<Kind>) {
-                m_bMoreChanged = true;
-            }
-        },
-        command);
-}
-
-void CPageServer::TellSceneChange() {
-    const auto nVersion = m_session.SceneVersion();
-    if (nVersion != m_nToldSceneVersion) {
-        m_nToldSceneVersion = nVersion;
-        OrderedJson push = {{"push", "scene"}, {"version", nVersion}};
-        if (!m_bMoreChanged) {
-            push["nodes"] = m_changedNodes;
-        }
-        SendToAll(push);
-    }
-    m_changedNodes.clear();
-    m_bMoreChanged = false;
-}
-
-void CPageServer::TellHeld() {
-    CHeldInputs& held = m_session.Held();
-    if (held.Version() != m_nToldHeldVersion) {
-        m_nToldHeldVersion = held.Version();
-        SendToAll({{"push", "held"}, {"held", ToJson(held.State())}, {"released", held.TakeReleasedByOthers()}});
-    }
-}
-
-void CPageServer::SendToAll(const OrderedJson& push, const CHeldInput* pButFor) {
-    const auto pText = Text(push);
-    for (const auto& [pKey, client] : m_clients) {
-        if (&client.held != pButFor) {
-            client.pClient->Send(pText);
-        }
-    }
-}
-
-/// A text to send. Where too much waits for clients already, the one goes that most waits for: one that reads never has
-/// more waiting than one that doesn't, however busy the host is.
-std::shared_ptr<const std::string> CPageServer::MakeText(std::string strText) {
-    if (m_texts.Bytes() > MOST_QUEUED_BYTES && !m_clients.empty()) {
-        std::ranges::max_element(m_clients, {}, [](const auto& entry) {
-            return entry.second.pClient->QueuedBytes();
-        })->second.pClient->Drop();
-    }
-    return m_texts.Make(std::move(strText));
-}
 
 /// False, with a message on standard error, when the port can't be had.
 bool ListenForRecords(CSession& session, const SListenOptions& options) {

@@ -11,8 +11,7 @@
 
 class CWindowInput {
 public:
-    /// Whether the message is input; its result is 0 then. Commands gather until they are taken: the system may deliver
-    /// messages in the middle of one.
+    /// Whether the message is input; its result is 0 then. Commands gather until taken: messages may come within one.
     bool OnMessage(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
 
     std::vector<Command> TakeCommands() { return std::exchange(m_commands, {}); }
