@@ -7,7 +7,6 @@
 #include "base/PrintableText.h"
 #include "base/TextUtf8.h"
 #include "fronts/describe/Describe.h"
-#include "fronts/describe/TypeScript.h"
 #include "fronts/recording/Recorder.h"
 #include "fronts/recording/Replay.h"
 #include "fronts/stdio/StdioFront.h"

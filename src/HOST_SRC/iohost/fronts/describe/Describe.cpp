@@ -181,8 +181,8 @@ std::string TypeText(CSession& session, const SNodeType& type, const std::string
     if (!Ask<SCreated>(session, create).bCreated) {
         return "## " + Utf8(type.strName) + "\n\nThe module makes no node of this type.\n";
     }
-    const auto details = Ask<SNodeDetails>(session, SInspectCommand{create.strHandle});
-    const std::string strLayout = Utf8(Ask<SLayout>(session, SLayoutCommand{create.strHandle}).strPath);
+    const auto details = Ask<SNodeDetails>(session, SInspectCommand{{create.strHandle}});
+    const std::string strLayout = Utf8(Ask<SLayout>(session, SLayoutCommand{{create.strHandle}}).strPath);
     Ask<SDestroyed>(session, SDestroyCommand{create.strHandle, {}});
 
     std::string strText = "## " + Utf8(type.strName) + "\n\n";

@@ -1,4 +1,4 @@
-// The reference of the node types, written from what the module itself makes.
+// What --describe writes: the node types, from what the module itself makes, and the page's types.
 #pragma once
 
 #include <string>
@@ -8,3 +8,6 @@ class CSession;
 /// All node types that the module offers as a Markdown document: where the catalogue offers them, and each one's
 /// parameters and outputs. Uses the session up: nodes are made in it, and its application folder is forgotten.
 std::string NodeTypesMarkdown(CSession& session);
+
+/// A TypeScript module of the page's types of requests, replies and pushes, from the tables that read and write them.
+std::string ProtocolTypes();

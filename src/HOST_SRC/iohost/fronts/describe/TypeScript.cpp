@@ -1,4 +1,4 @@
-#include "fronts/describe/TypeScript.h"
+#include "fronts/describe/Describe.h"
 
 #include <map>
 #include <typeindex>
@@ -137,7 +137,10 @@ private:
     std::string Body(HeldIdentity*) { return "number | string"; }
     std::string Body(Sent*) { return Type<SSentRecord>() + " | " + Type<SSentBytes>(); }
     std::string Body(std::vector<unsigned char>*) { return "string"; } // hexadecimal
-    // As AppendFields writes it.
+    std::string Body(boost::asio::ip::tcp::endpoint*) { return "string"; }
+    std::string Body(LineRefusalCounts*) { return "Record<string, number>"; }
+    // As their own code writes them.
+    std::string Body(SLastBytes*) { return "{ size: number; text: string; hex: string; sent?: boolean }"; }
     std::string Body(SFiredByWindow*) { return "{ name: string; event_id: number; wparam: number; params: object[] }"; }
 
     std::string Indent() const { return std::string(m_nIndent, ' '); }
@@ -169,5 +172,11 @@ std::string ProtocolTypes() {
     types.Declare<SNodeResults>("NodeResults");
     types.Declare<SVerdict>("JsonVerdict");
     types.Declare<Payload>("Payload");
+    types.Declare<SLastBytes>("MessageBytes");
+    types.Declare<SItemCounts>("ItemCounts");
+    types.Declare<SDeviceState>("DeviceState");
+    types.Declare<SBroadcastState>("BroadcastState");
+    types.Declare<SControlState>("ControlState");
+    types.Declare<SNetworkState>("NetworkState");
     return types.Text();
 }

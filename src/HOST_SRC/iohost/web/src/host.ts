@@ -5,14 +5,13 @@ import { Holders } from "./input/holders.ts";
 import { KeyboardState } from "./input/keyboardState.ts";
 import { VirtualKey } from "./input/virtualKeys.ts";
 import { LogBuffer, type LogLine } from "./log.ts";
-import type { NetworkState } from "./network.ts";
 import { NodeType, nodesOf } from "./nodeTypes.ts";
 import { Pace } from "./pace.ts";
 import type { EditValue } from "./params.ts";
 import type { JsonVerdict } from "./protocol.ts";
 import { Device, EventId } from "./codes.ts";
 import { firedByNodes, type EventReply, type Happened, type InputEvent, type NodeDetails, type Push, type Reply } from "./messages.ts";
-import type { HeldEntry, Link, OfferedType, OutputValue, Scene, SceneNode, SceneObject } from "./protocol.ts";
+import type { HeldEntry, Link, NetworkState, OfferedType, OutputValue, Scene, SceneNode, SceneObject } from "./protocol.ts";
 
 export type ConnectionState =
   | { is: "connecting" }

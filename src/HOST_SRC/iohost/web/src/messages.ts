@@ -1,5 +1,4 @@
 // The messages of the WebSocket /session as the page uses them, made of the protocol's types.
-import type { NetworkState } from "./network.ts";
 import type {
   GroupState,
   HeldEntry,
@@ -7,6 +6,7 @@ import type {
   JsonVerdict,
   Happened as AllHappened,
   LogEntry as WholeLogEntry,
+  NetworkState,
   NodeResults,
   OutputValue,
   ParamState,

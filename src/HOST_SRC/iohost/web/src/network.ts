@@ -1,69 +1,9 @@
 // How the host's network stands, as `network` tells it, and what the page says about it.
 import { timeOfDay } from "./format.ts";
-
-/** The first bytes of a message. */
-export interface MessageBytes {
-  /** Of the whole message. */
-  size: number;
-  text: string;
-  hex: string;
-}
-
-/** What became of the items that came in. */
-export interface ItemCounts {
-  received: number;
-  matched: number;
-  rejected: number;
-  last_rejected: string | null;
-}
-
-export interface DeviceState extends ItemCounts {
-  id: number;
-  name: string;
-  parser: string;
-  address: string | null;
-  state: "unconnected" | "connecting" | "connected" | "waiting";
-  since_ms: number;
-  last_problem: string | null;
-  queued_items: number;
-  queued_bytes: number;
-  sent: number;
-  refused: number;
-  lost: number;
-  /** Items that were shown instead of sent. */
-  shown: number;
-  /** Failures of this host over a connection. */
-  errors: number;
-  received_bytes: number;
-  last_sent_bytes: (MessageBytes & { sent: boolean }) | null;
-  last_received_bytes: MessageBytes | null;
-}
+import type { ControlState, DeviceState, ItemCounts } from "./protocol.ts";
 
 /** What went wrong with receiving. */
-export interface ErrorCounts {
-  errors: number;
-  last_error: string | null;
-}
-
-export interface BroadcastState extends ItemCounts, ErrorCounts {
-  port: number;
-  problem: string | null;
-  last_received_bytes: MessageBytes | null;
-}
-
-export interface ControlState extends ItemCounts, ErrorCounts {
-  port: number;
-  connections: number;
-  turned_away: number;
-}
-
-export interface NetworkState {
-  /** Null: the host has no list. */
-  devices: DeviceState[] | null;
-  broadcast: BroadcastState | null;
-  control: ControlState | null;
-  listen_only: boolean;
-}
+export type ErrorCounts = Pick<ControlState, "errors" | "last_error">;
 
 /** "connected since 14:03:22"; `told` is when the page heard of it. */
 export function stateText(device: DeviceState, told: number): string {

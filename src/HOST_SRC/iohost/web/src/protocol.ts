@@ -194,3 +194,57 @@ export type Payload = { is: "key" } & {
   object: string;
   text: string;
 };
+
+export type MessageBytes = { size: number; text: string; hex: string; sent?: boolean };
+
+export type ItemCounts = {
+  received: number;
+  matched: number;
+  rejected: number;
+  last_rejected: string | null;
+};
+
+export type DeviceState = {
+  state: "unconnected" | "connecting" | "connected" | "waiting";
+  since_ms: number;
+  last_problem: string | null;
+  queued_items: number;
+  queued_bytes: number;
+  sent: number;
+  refused: number;
+  lost: number;
+  shown: number;
+  errors: number;
+  received_bytes: number;
+  rejected_lines?: Record<string, number>;
+  last_sent_bytes: MessageBytes | null;
+  last_received_bytes: MessageBytes | null;
+} & ({
+    id: number;
+    name: string;
+    parser: "framed" | "direct" | "json" | "none";
+    address: string | null;
+  }) & ItemCounts;
+
+export type BroadcastState = {
+  port: number;
+  problem: string | null;
+  errors: number;
+  last_error: string | null;
+  last_received_bytes: MessageBytes | null;
+} & ItemCounts;
+
+export type ControlState = {
+  port: number;
+  connections: number;
+  turned_away: number;
+  errors: number;
+  last_error: string | null;
+} & ItemCounts;
+
+export type NetworkState = {
+  devices: DeviceState[] | null;
+  broadcast: BroadcastState | null;
+  control: ControlState | null;
+  listen_only: boolean;
+};

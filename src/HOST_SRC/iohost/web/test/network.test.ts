@@ -1,7 +1,8 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { timeOfDay } from "../src/format.ts";
-import { deviceChoices, errorsText, pairedHex, queueText, rejectedText, stateText, type DeviceState } from "../src/network.ts";
+import { deviceChoices, errorsText, pairedHex, queueText, rejectedText, stateText } from "../src/network.ts";
+import type { DeviceState } from "../src/protocol.ts";
 
 const DEVICE: DeviceState = {
   id: 3,

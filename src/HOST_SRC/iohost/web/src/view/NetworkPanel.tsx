@@ -1,17 +1,6 @@
 import type { ComponentChildren } from "preact";
-import {
-  errorsText,
-  pairedHex,
-  queueText,
-  rejectedText,
-  stateText,
-  type BroadcastState,
-  type ControlState,
-  type DeviceState,
-  type ErrorCounts,
-  type ItemCounts,
-  type MessageBytes,
-} from "../network.ts";
+import { errorsText, pairedHex, queueText, rejectedText, stateText, type ErrorCounts } from "../network.ts";
+import type { BroadcastState, ControlState, DeviceState, ItemCounts, MessageBytes } from "../protocol.ts";
 import "./network.css";
 import type { PanelProps } from "./panels.ts";
 
