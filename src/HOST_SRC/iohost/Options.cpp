@@ -37,6 +37,19 @@ Read Address(std::string& strAddress, unsigned short& nPort) {
     return [&](const std::string& strValue) { return SplitEndpoint(strValue, strAddress, nPort); };
 }
 
+template <typename Enum>
+Read Named(std::optional<Enum>& value) {
+    return [&value](const std::string& strValue) { return (value = FindByName<Enum>(strValue)).has_value(); };
+}
+
+/// One of two names, true for the first one.
+Read Either(bool& bFirst, std::string_view first, std::string_view second) {
+    return [&bFirst, first, second](const std::string& strValue) {
+        bFirst = strValue == first;
+        return bFirst || strValue == second;
+    };
+}
+
 Read Size(int& nWidth, int& nHeight) {
     return [&](const std::string& strValue) {
         constexpr int MOST_PIXELS = 16384;
@@ -58,8 +71,7 @@ public:
         m_app.get_formatter()->column_width(COLUMN);
     }
 
-    /// The options that are declared from now on stand under this heading, and go with these fronts only (none: with
-    /// any).
+    /// Options declared from now on stand under this heading, and go with these fronts only (none: with any).
     void Begin(const char* pszGroup, Fronts fronts = {}) {
         m_strGroup = pszGroup;
         m_fronts = std::move(fronts);
@@ -164,10 +176,6 @@ void DeclareFronts(CCommandLine& line, SOptions& options) {
     const Read readDevice = [&device](const std::string& strValue) {
         return Number<unsigned short>(device.nPort)(strValue) || Address(device.strAddress, device.nPort)(strValue);
     };
-    const Read readForm = [&options](const std::string& strValue) {
-        options.bDescribeTypes = strValue == "typescript";
-        return options.bDescribeTypes || strValue == "markdown";
-    };
 
     line.Begin("What it does, one of");
     line.IsFront(EFront::Stdio,
@@ -187,7 +195,7 @@ void DeclareFronts(CCommandLine& line, SOptions& options) {
                  line.Add("--describe", "FORM",
                           "writes the reference of the node types, from the module itself (markdown), or the\n"
                           "page's types of the session's messages (typescript)",
-                          readForm, "is none of markdown, typescript"));
+                          Either(options.bDescribeTypes, "typescript", "markdown"), "is none of markdown, typescript"));
     line.IsFront(EFront::Replay,
                  line.Add("--replay", "FILE",
                           "replays a recording with the clock as recorded, names each reply that isn't\n"
@@ -207,30 +215,20 @@ void DeclareFronts(CCommandLine& line, SOptions& options) {
 void DeclareOptions(CCommandLine& line, SOptions& options) {
     constexpr double LEAST_FPS = 0.01;
     constexpr double MOST_FPS = 1000;
-    const Read readTexts = [&options](const std::string& strValue) {
-        options.texts = FindByName<ETextTable>(strValue);
-        return options.texts.has_value();
-    };
-
-    const Read readEvaluation = [&options](const std::string& strValue) {
-        options.evaluation = FindByName<EEvaluation>(strValue);
-        return options.evaluation.has_value();
-    };
-
     line.Begin("Options");
     line.Add("--app", "DIR", "application folder (default: app beside this program)", Text(options.appFolder));
     line.Add("--module", "FILE", "the module (default: beside this program)", Text(options.moduleFile));
     line.Add("--texts", "TABLE",
              "display texts: keys, en or zh (default: en; keys where the application folder has\n"
              "no Config/Texts/en.json; with --replay the recording's)",
-             readTexts, "is none of keys, en, zh");
+             Named(options.texts), "is none of keys, en, zh");
     line.Begin("Options of --stdio, --listen and --window", {EFront::Stdio, EFront::Page, EFront::Window});
     line.Add("--scene", "FILE", "scene to start with (default: an empty one)", Text(options.sceneFile));
     line.Add("--record", "FILE", "writes what comes in, with the replies, as a recording", Text(options.recordFile));
     line.Add("--evaluate", "WHEN",
              "evaluates the nodes behind a fired output at once (event) or with the next frame\n"
              "(frame) (default: event; with --stdio frame)",
-             readEvaluation, "is none of event, frame");
+             Named(options.evaluation), "is none of event, frame");
     line.Begin("Options of --listen and --window", {EFront::Page, EFront::Window});
     line.Add("--fps", "N", "evaluations of the graph a second, 0.01 to 1000 (default: 60)",
              Number(options.listen.fFps, LEAST_FPS, MOST_FPS), "isn't a number from 0.01 to 1000");
@@ -241,13 +239,10 @@ void DeclareOptions(CCommandLine& line, SOptions& options) {
 
 void DeclareDevice(CCommandLine& line, SStandInOptions& device) {
     constexpr char WRONG_NUMBER[] = "isn't a whole number";
-    const Read readParser = [&device](const std::string& strValue) {
-        device.bFramed = strValue == "framed";
-        return device.bFramed || strValue == "direct";
-    };
 
     line.Begin("Options of --device", {EFront::Device});
-    line.Add("--parser", "KIND", "framed or direct (default: framed)", readParser, "is none of framed, direct");
+    line.Add("--parser", "KIND", "framed or direct (default: framed)", Either(device.bFramed, "framed", "direct"),
+             "is none of framed, direct");
     line.Add("--delay", "MS", "send back what it's sent, after MS milliseconds (default: send nothing)",
              Number<unsigned>(device.delay), WRONG_NUMBER);
     line.Add("--say", "TEXT", "send TEXT and a line feed when a connection opens", Text(device.strSay));

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <boost/algorithm/string/predicate.hpp>
+
 namespace {
 
 constexpr unsigned short HTTP_PORT = 80;
@@ -12,13 +14,6 @@ std::string HostText(std::string_view address) {
     return address.find(':') == std::string_view::npos ? strAddress : "[" + strAddress + "]";
 }
 
-std::string SmallLetters(std::string_view text) {
-    std::string strSmall(text);
-    std::ranges::transform(strSmall, strSmall.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return strSmall;
-}
-
 } // namespace
 
 CRequestOrigin::CRequestOrigin(std::string_view boundAddress, std::string_view localAddress, unsigned short nPort) {
@@ -27,7 +22,7 @@ CRequestOrigin::CRequestOrigin(std::string_view boundAddress, std::string_view l
         names.push_back("localhost");
     }
     for (const std::string_view name : names) {
-        const std::string strHost = SmallLetters(HostText(name));
+        const std::string strHost = HostText(name);
         m_arHosts.push_back(strHost + ":" + std::to_string(nPort));
         if (nPort == HTTP_PORT) {
             m_arHosts.push_back(strHost);
@@ -36,7 +31,8 @@ CRequestOrigin::CRequestOrigin(std::string_view boundAddress, std::string_view l
 }
 
 bool CRequestOrigin::IsOwnHost(std::string_view host) const {
-    return std::ranges::find(m_arHosts, SmallLetters(host)) != m_arHosts.end();
+    return std::ranges::any_of(m_arHosts,
+                               [&](const std::string& strOwn) { return boost::algorithm::iequals(strOwn, host); });
 }
 
 bool CRequestOrigin::IsOwnOrigin(std::string_view origin) const {
