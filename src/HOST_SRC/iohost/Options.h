@@ -30,7 +30,6 @@ struct SOptions {
     std::string strHelp;                   ///< what --help prints
 };
 
-/// Read the arguments (without the program's name). Defaults lie in the program's folder. Nothing, with a message that
-/// names the option, when they are wrong.
+/// Read the arguments behind the program's name. Nothing, with a message that names the option, when they are wrong.
 std::optional<SOptions> ParseOptions(const std::vector<std::string>& arguments,
                                      const std::filesystem::path& programFolder, std::string& strError);

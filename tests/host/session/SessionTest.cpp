@@ -44,9 +44,7 @@ TEST(SessionOpen, OnlyOneAtATimeAndItsTextsComeFromItsTable) {
 
 TEST(SessionClose, IconsOfTheCatalogueAreDestroyed) {
     const CTemporaryFolder folder;
-    std::string strError;
-    const auto pHost = CHost::Open({folder.Path(), MODULE_FILE, ETextTable::Keys}, strError);
-    ASSERT_NE(pHost, nullptr) << strError;
+    const auto pHost = CHost::Open({folder.Path(), MODULE_FILE, ETextTable::Keys});
     const HICON hIcon = pHost->Catalogue()[0].hIcon;
     ASSERT_NE(hIcon, nullptr);
     pHost->Close();

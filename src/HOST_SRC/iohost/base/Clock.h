@@ -1,19 +1,17 @@
 // The session's clock: what the module's nodes and the host's own account of held input take for the time.
 #pragma once
 
+#include <boost/core/noncopyable.hpp>
 #include <chrono>
 #include <cstdint>
 #include <optional>
 
 #include "base/Platform.h"
 
-class CClock {
+class CClock : boost::noncopyable {
 public:
     CClock() = default;
     ~CClock() { Set(std::nullopt); }
-
-    CClock(const CClock&) = delete;
-    CClock& operator=(const CClock&) = delete;
 
     /// Milliseconds, counted from no time in particular.
     std::uint64_t Now() const { return m_nStopped.value_or(Running()); }

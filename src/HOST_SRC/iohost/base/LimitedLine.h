@@ -11,8 +11,7 @@ class CLimitedLine {
 public:
     explicit CLimitedLine(EVEKLogLevel nLevel) : m_nLevel(nLevel) {}
 
-    /// Write the line, unless one was written within the last ten seconds. The next one that is written says how many
-    /// were left out.
+    /// Write the line, unless one was written within the last ten seconds; the next one says how many were left out.
     void Write(const std::string& strText);
 
 private:

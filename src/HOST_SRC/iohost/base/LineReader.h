@@ -10,6 +10,5 @@ inline constexpr std::size_t LONGEST_LINE = std::size_t{64} << 20;
 
 enum class ELine { Complete, TooLong, None };
 
-/// Read up to the next line feed; the last line may end with the input instead. What is too long is read past, not
-/// kept.
+/// Read up to the next line feed or the end of the input. What is too long is read past, not kept.
 ELine ReadLine(std::istream& input, std::string& strLine, std::size_t nLongest = LONGEST_LINE);

@@ -6,8 +6,7 @@
 /// A connection that has brought nothing for so long gives up its place when another one needs it.
 inline constexpr std::chrono::seconds SILENCE{60};
 
-/// The connection that has been silent for longest, and for so long at least; null without one. Connections tell
-/// SilentSince().
+/// Of connections that tell SilentSince(), the one silent for longest, and for so long at least; null without one.
 template <typename Connections>
 typename Connections::value_type LongestSilent(const Connections& connections,
                                                std::chrono::steady_clock::duration silence) {

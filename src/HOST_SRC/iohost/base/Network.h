@@ -1,6 +1,5 @@
-// The types that the host's network and the page's server are made of. All of it runs in one io_context, so the
-// executor is spelled out instead of being any executor: names stay short enough for Windows' object files, and calls
-// direct.
+// The types that the host's network and the page's server are made of. All run in one io_context, so the executor is
+// spelled out instead of being any: names stay short enough for Windows' object files, and calls direct.
 #pragma once
 
 #include <utility> // Boost 1.74's Asio leaves it out in C++20

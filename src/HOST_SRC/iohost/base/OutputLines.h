@@ -11,8 +11,7 @@
 #include "base/Platform.h"
 
 struct SOutputLinesOptions {
-    /// Writes all of the text, however long that takes; false when it can't. Called by the thread, which may outlive
-    /// the program's other objects.
+    /// Writes all of the text, however long that takes; false when it can't. The thread calls it, maybe last of all.
     std::function<bool(std::string_view text)> write;
 
     /// The line, with its line feed, that stands where lines were left out. Called by the thread as well.
@@ -30,9 +29,6 @@ public:
 
     /// Waits two seconds at most until what is queued has been written.
     ~COutputLines();
-
-    COutputLines(const COutputLines&) = delete;
-    COutputLines& operator=(const COutputLines&) = delete;
 
     /// What is put into it is queued when the stream is flushed, and never waits.
     std::ostream& Stream() { return *m_pStream; }

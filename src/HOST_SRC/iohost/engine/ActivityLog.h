@@ -1,6 +1,7 @@
 // Collects what the module does: fired events, log lines, notifications, items sent, redraws.
 #pragma once
 
+#include <boost/core/noncopyable.hpp>
 #include <memory>
 #include <utility>
 
@@ -10,14 +11,11 @@
 #include "host/GeneralEvent.h"
 #include "scene/Scene.h"
 
-class CActivityLog final : public ILogSink, public IRenderSink {
+class CActivityLog final : public ILogSink, public IRenderSink, boost::noncopyable {
 public:
     /// Registers itself with the host libraries until it is destroyed. The scene tells which node a pointer means.
     explicit CActivityLog(CScene& scene);
     ~CActivityLog();
-
-    CActivityLog(const CActivityLog&) = delete;
-    CActivityLog& operator=(const CActivityLog&) = delete;
 
     /// The node that the module is called for; null for none. Notification messages don't say whose they are.
     void SetCalledNode(const SNode* pNode) { m_pCalledNode = pNode; }

@@ -3,17 +3,15 @@
 
 #include <afxwin.h>
 
+#include <boost/core/noncopyable.hpp>
+
 class CActivityLog;
 
-class CEventWindow {
+class CEventWindow : boost::noncopyable {
 public:
-    /// Messages go to the log, which must outlive the window. Throws std::runtime_error when the system refuses a
-    /// window.
+    /// Messages go to the log, which must outlive the window. Throws std::runtime_error when the system gives none.
     explicit CEventWindow(CActivityLog& log);
     ~CEventWindow();
-
-    CEventWindow(const CEventWindow&) = delete;
-    CEventWindow& operator=(const CEventWindow&) = delete;
 
     HWND Handle() const { return m_hWnd; }
     UINT EventMessage() const { return m_nEventMsg; }

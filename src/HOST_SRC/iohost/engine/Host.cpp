@@ -1,5 +1,6 @@
 #include "engine/Host.h"
 
+#include <stdexcept>
 #include <vector>
 
 #include "base/Platform.h"
@@ -41,53 +42,40 @@ PinTypes TypesOf(const VEKParamGroupList& lstGroup) {
 } // namespace
 
 CHost::CCallScope::CCallScope(CHost& host, const SNode* pNode) : m_host(host) {
-    m_host.m_pActivity->SetCalledNode(pNode);
+    m_host.m_activity.SetCalledNode(pNode);
 }
 
 CHost::CCallScope::~CCallScope() {
-    m_host.m_pWindow->Pump();
-    m_host.m_pActivity->SetCalledNode(nullptr);
+    m_host.m_window.Pump();
+    m_host.m_activity.SetCalledNode(nullptr);
 }
 
-CHost::CHost()
-    : m_pMainWindow(std::make_unique<CMainWindow>()), m_pActivity(std::make_unique<CActivityLog>(m_scene)),
-      m_pJsonVerdicts(std::make_unique<CJsonVerdicts>()), m_pWindow(std::make_unique<CEventWindow>(*m_pActivity)) {
+CHost::CHost() {
     SetNodeSink(this);
     s_bOpen = true;
 }
 
-std::unique_ptr<CHost> CHost::Open(const SSessionOptions& options, std::string& strError) {
+std::unique_ptr<CHost> CHost::Open(const SSessionOptions& options) {
     if (s_bOpen) {
-        strError = "a session is open in this process already";
-        return nullptr;
+        throw std::runtime_error("a session is open in this process already");
     }
+    const std::string strFolder = "the application folder " + Utf8(options.appFolder);
     std::error_code error;
     if (!std::filesystem::is_directory(options.appFolder, error)) {
-        strError = "the application folder " + Utf8(options.appFolder) + " isn't there";
-        return nullptr;
+        throw std::runtime_error(strFolder + " isn't there");
     }
-    try {
-        std::unique_ptr<CHost> pHost(new CHost);
-        SetAppPath(AppPath(options.appFolder));
-        if (!SetTextTable(options.texts)) {
-            strError = "the application folder " + Utf8(options.appFolder) +
-                       " has no readable text table of that language in Config/Texts";
-            return nullptr;
-        }
-        pHost->m_nTexts = options.texts;
-        if (!options.bMayBroadcast) {
-            HideConfiguration();
-        }
-        pHost->m_pModule = CModule::Load(options.moduleFile, strError);
-        if (pHost->m_pModule == nullptr) {
-            return nullptr;
-        }
-        pHost->CallModule(IOP_REGISTER_TYPES);
-        return pHost;
-    } catch (const std::exception& exception) {
-        strError = exception.what();
-        return nullptr;
+    std::unique_ptr<CHost> pHost(new CHost);
+    SetAppPath(AppPath(options.appFolder));
+    if (!SetTextTable(options.texts)) {
+        throw std::runtime_error(strFolder + " has no readable text table of that language in Config/Texts");
     }
+    pHost->m_nTexts = options.texts;
+    if (!options.bMayBroadcast) {
+        HideConfiguration();
+    }
+    pHost->m_pModule = std::make_unique<CModule>(options.moduleFile);
+    pHost->CallModule(IOP_REGISTER_TYPES);
+    return pHost;
 }
 
 CHost::~CHost() {
@@ -115,8 +103,8 @@ void CHost::Close() {
     }
     m_data.arNodeInfo.RemoveAll();
     m_pModule = nullptr;
-    CScene().Swap(m_scene);
-    m_pMainWindow->Set(false, false);
+    m_scene = {};
+    m_mainWindow.Set(false, false);
     BYTE allKeysUp[256] = {};
     SetKeyboardState(allKeysUp);
 }
@@ -167,12 +155,12 @@ SNodeCreated CHost::Create(const SNodeStart& start, const SNodeContents& content
 void CHost::Prepare(SNode& node, const SNodeStart& start, const SNodeContents& contents) {
     P_ExtDevIOProcess& object = *node.pNode;
     if (start.bEventWindow) {
-        object.m_hEventWnd = m_pWindow->Handle();
-        object.m_nEventMsg = m_pWindow->EventMessage();
+        object.m_hEventWnd = m_window.Handle();
+        object.m_nEventMsg = m_window.EventMessage();
     }
     if (start.bNotifyWindow) {
-        object.m_hNotifyWnd = m_pWindow->Handle();
-        object.m_nNotifyMsg = m_pWindow->NotifyMessage();
+        object.m_hNotifyWnd = m_window.Handle();
+        object.m_nNotifyMsg = m_window.NotifyMessage();
     }
     if (start.clip) {
         object.m_pOwnerClip = &m_scene.Clip(*start.clip);
@@ -212,7 +200,7 @@ void CHost::MakeOutputs(SNode& node) {
     }
 }
 
-SNodeDestroyed CHost::Destroy(SNode& node, const GUID& guidType, bool bPointer) {
+SDestroyed CHost::Destroy(SNode& node, const GUID& guidType, bool bPointer) {
     const VEKProperty* pNode = node.pNode;
     SIOProcessNodeRef ref = {guidType, bPointer ? node.pNode : nullptr};
     m_pLastDestroyed = nullptr;
@@ -245,9 +233,9 @@ int CHost::Evaluate(SNode& node, bool bGraph) {
 }
 
 int CHost::Deliver(SNode& node, const SIOEventRecord* pRecord) {
-    m_pJsonVerdicts->Begin();
+    m_jsonVerdicts.Begin();
     const int nResult = Call(&node, [&] { return node.pNode->DevIOEventOccurred(pRecord); });
-    m_pJsonVerdicts->End(node, pRecord, nResult);
+    m_jsonVerdicts.End(node, pRecord, nResult);
     return nResult;
 }
 
@@ -259,5 +247,5 @@ void CHost::ThrowFault(CException* pException) {
 
 void CHost::OnNodeDestroyed(const VEKProperty* pNode) {
     m_pLastDestroyed = pNode;
-    m_pJsonVerdicts->Forget(pNode);
+    m_jsonVerdicts.Forget(pNode);
 }

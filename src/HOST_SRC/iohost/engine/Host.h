@@ -1,6 +1,7 @@
 // The host's part of the contract: it owns the loaded module and the scene, and makes every call into the module.
 #pragma once
 
+#include <boost/core/noncopyable.hpp>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -47,7 +48,7 @@ struct SNodeCreated {
 };
 
 /// What operation 3 did.
-struct SNodeDestroyed {
+struct SDestroyed {
     int nResult;
     bool bSlotNull; ///< the record's pointer was cleared
     bool bFreed;    ///< the node's destructor ran
@@ -56,14 +57,11 @@ struct SNodeDestroyed {
 /// One at a time in a process, since the host libraries are.
 class CHost final : private INodeSink {
 public:
-    /// Load the module and register its node types. Null, with a clear message, when that fails.
-    static std::unique_ptr<CHost> Open(const SSessionOptions& options, std::string& strError);
+    /// Load the module and register its node types. Throws std::runtime_error, with a clear message, when that fails.
+    static std::unique_ptr<CHost> Open(const SSessionOptions& options);
 
     /// Closes first.
     ~CHost();
-
-    CHost(const CHost&) = delete;
-    CHost& operator=(const CHost&) = delete;
 
     /// Destroy all nodes, release the module's data and unload it.
     void Close();
@@ -73,9 +71,9 @@ public:
     ETextTable Texts() const { return m_nTexts; }
 
     CScene& Scene() { return m_scene; }
-    CActivityLog& Activity() { return *m_pActivity; }
-    CJsonVerdicts& JsonVerdicts() { return *m_pJsonVerdicts; }
-    CMainWindow& MainWindow() { return *m_pMainWindow; }
+    CActivityLog& Activity() { return m_activity; }
+    CJsonVerdicts& JsonVerdicts() { return m_jsonVerdicts; }
+    CMainWindow& MainWindow() { return m_mainWindow; }
     const CArray<SIOProcessNodeInfo>& Catalogue() const { return m_data.arNodeInfo; }
 
     /// Call the exported function; operations that take an argument get one that names nothing.
@@ -89,7 +87,7 @@ public:
 
     /// Operation 3 with this type, and the node's pointer or null, in the record. The node leaves the scene when it was
     /// freed, and when it was handed over as what it is: the module then only unlinked it and the host lets it be.
-    SNodeDestroyed Destroy(SNode& node, const GUID& guidType, bool bPointer);
+    SDestroyed Destroy(SNode& node, const GUID& guidType, bool bPointer);
 
     /// Destroy all nodes of the scene.
     void DestroyAll();
@@ -118,12 +116,10 @@ public:
 
 private:
     /// Says whose messages come in, and handles them at the end of the call.
-    class CCallScope {
+    class CCallScope : boost::noncopyable {
     public:
         CCallScope(CHost& host, const SNode* pNode);
         ~CCallScope();
-        CCallScope(const CCallScope&) = delete;
-        CCallScope& operator=(const CCallScope&) = delete;
 
     private:
         CHost& m_host;
@@ -136,10 +132,10 @@ private:
     void Prepare(SNode& node, const SNodeStart& start, const SNodeContents& contents);
 
     CScene m_scene;
-    std::unique_ptr<CMainWindow> m_pMainWindow;
-    std::unique_ptr<CActivityLog> m_pActivity;
-    std::unique_ptr<CJsonVerdicts> m_pJsonVerdicts;
-    std::unique_ptr<CEventWindow> m_pWindow;
+    CMainWindow m_mainWindow;
+    CActivityLog m_activity{m_scene};
+    CJsonVerdicts m_jsonVerdicts;
+    CEventWindow m_window{m_activity};
     std::unique_ptr<CModule> m_pModule; ///< null once closed
     SIOProcessPluginData m_data;
     ETextTable m_nTexts = ETextTable::Keys;

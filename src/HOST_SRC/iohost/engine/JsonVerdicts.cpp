@@ -138,27 +138,6 @@ SVerdict CJsonVerdicts::JudgePairs(const SNode& node) const {
     return {SValueDiffers{strKey, bSplit ? m_arValue[m_nLastFound].Left(MOST_CHARACTERS) : CString(), strExpected}};
 }
 
-Verdicts CJsonVerdicts::All(const CScene& scene) const {
-    Verdicts all;
-    for (const auto& [nOrder, node] : scene.Nodes()) {
-        if (const auto found = m_verdicts.find(node.pNode); found != m_verdicts.end()) {
-            all.emplace_back(node.strHandle, found->second.verdict);
-        }
-    }
-    return all;
-}
-
-Verdicts CJsonVerdicts::TakeNew(const CScene& scene) {
-    Verdicts news;
-    for (const auto& [nOrder, node] : scene.Nodes()) {
-        const auto found = m_verdicts.find(node.pNode);
-        if (found != m_verdicts.end() && std::exchange(found->second.bNew, false)) {
-            news.emplace_back(node.strHandle, found->second.verdict);
-        }
-    }
-    return news;
-}
-
 void CJsonVerdicts::ForgetTaken() {
     for (auto& [pNode, kept] : m_verdicts) {
         kept.bNew = true;

@@ -1,9 +1,10 @@
-// What the JSON nodes made of the last text that came to them, for people: nodes themselves tell only that they took
-// it.
+// What the JSON nodes made of the last text that came to them, for people: nodes tell only that they took it.
 #pragma once
 
+#include <boost/core/noncopyable.hpp>
 #include <map>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -56,14 +57,11 @@ struct SVerdict {
 using Verdicts = std::vector<std::pair<std::string, SVerdict>>;
 
 /// Watches while events are handed to nodes.
-class CJsonVerdicts final : private IJsonSink {
+class CJsonVerdicts final : private IJsonSink, boost::noncopyable {
 public:
     /// Registers itself with the render library until it is destroyed.
     CJsonVerdicts();
     ~CJsonVerdicts();
-
-    CJsonVerdicts(const CJsonVerdicts&) = delete;
-    CJsonVerdicts& operator=(const CJsonVerdicts&) = delete;
 
     /// A record, or null, is about to be handed to a node.
     void Begin();
@@ -72,10 +70,14 @@ public:
     void End(const SNode& node, const SIOEventRecord* pRecord, int nResult);
 
     /// The verdict of each node that got a text, in the order of the nodes.
-    Verdicts All(const CScene& scene) const;
+    Verdicts All(const CScene& scene) {
+        return Those(scene, [](const SKept&) { return true; });
+    }
 
     /// Those that came since the last call.
-    Verdicts TakeNew(const CScene& scene);
+    Verdicts TakeNew(const CScene& scene) {
+        return Those(scene, [](SKept& kept) { return std::exchange(kept.bNew, false); });
+    }
 
     /// Let the next TakeNew return all.
     void ForgetTaken();
@@ -88,6 +90,17 @@ private:
         SVerdict verdict;
         bool bNew;
     };
+
+    template <typename Condition>
+    Verdicts Those(const CScene& scene, Condition isMet) {
+        Verdicts those;
+        for (const auto& [nOrder, node] : scene.Nodes()) {
+            if (const auto found = m_verdicts.find(node.pNode); found != m_verdicts.end() && isMet(found->second)) {
+                those.emplace_back(node.strHandle, found->second.verdict);
+            }
+        }
+        return those;
+    }
 
     void OnObjectSplit(const CStringArray& arKey, const CStringArray& arValue) override;
     void OnStringSought(const CString& strText, int nIndex) override;

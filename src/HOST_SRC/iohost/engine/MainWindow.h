@@ -3,14 +3,13 @@
 
 #include <afxwin.h>
 
+#include <boost/core/noncopyable.hpp>
+
 /// There is one at a time. The window starts present and enabled; the destructor takes it away.
-class CMainWindow {
+class CMainWindow : boost::noncopyable {
 public:
     CMainWindow();
     ~CMainWindow();
-
-    CMainWindow(const CMainWindow&) = delete;
-    CMainWindow& operator=(const CMainWindow&) = delete;
 
     /// Whether the application has a main window, and whether that is enabled.
     void Set(bool bPresent, bool bEnabled);

@@ -1,5 +1,8 @@
 #include "engine/Module.h"
 
+#include <stdexcept>
+#include <string>
+
 #include "base/Platform.h"
 #include "base/TextUtf8.h"
 
@@ -20,39 +23,31 @@ std::string WhyNotLoaded(DWORD nError) {
 
 } // namespace
 
-std::unique_ptr<CModule> CModule::Load(const std::filesystem::path& file, std::string& strError) {
+CModule::CModule(const std::filesystem::path& file) {
     const std::string strSubject = "the module " + Utf8(file) + " ";
     std::error_code error;
     const std::filesystem::path absoluteFile = std::filesystem::absolute(file, error);
     if (error || !std::filesystem::exists(absoluteFile, error)) {
-        strError = strSubject + "can't be loaded: there is no such file";
-        return nullptr;
+        throw std::runtime_error(strSubject + "can't be loaded: there is no such file");
     }
     if (!std::filesystem::is_regular_file(absoluteFile, error)) {
-        strError = strSubject + "can't be loaded: it isn't a file";
-        return nullptr;
+        throw std::runtime_error(strSubject + "can't be loaded: it isn't a file");
     }
-    const HMODULE hModule = LoadLibraryW(absoluteFile.wstring().c_str());
-    if (hModule == nullptr) {
-        strError = strSubject + "can't be loaded: " + WhyNotLoaded(GetLastError());
-        if (const std::string strDetail = LoadErrorDetail(); !strDetail.empty()) {
-            strError += " (" + strDetail + ")";
-        }
-        return nullptr;
+    m_hModule = LoadLibraryW(absoluteFile.wstring().c_str());
+    if (m_hModule == nullptr) {
+        const std::string strWhy = WhyNotLoaded(GetLastError());
+        const std::string strDetail = LoadErrorDetail();
+        throw std::runtime_error(strSubject + "can't be loaded: " + strWhy +
+                                 (strDetail.empty() ? "" : " (" + strDetail + ")"));
     }
     // By way of a plain pointer: the two function types differ.
-    const auto pFunction =
-        reinterpret_cast<IOProcessFuncType>(reinterpret_cast<void*>(GetProcAddress(hModule, "IOProcessFunc")));
-    if (pFunction == nullptr) {
-        FreeLibrary(hModule);
-        strError = strSubject + "has no function IOProcessFunc";
-        return nullptr;
+    m_pFunction =
+        reinterpret_cast<IOProcessFuncType>(reinterpret_cast<void*>(GetProcAddress(m_hModule, "IOProcessFunc")));
+    if (m_pFunction == nullptr) {
+        FreeLibrary(m_hModule);
+        throw std::runtime_error(strSubject + "has no function IOProcessFunc");
     }
-    return std::unique_ptr<CModule>(new CModule(hModule, pFunction));
-}
-
-CModule::CModule(HMODULE hModule, IOProcessFuncType pFunction) : m_hModule(hModule), m_pFunction(pFunction) {
-    SetClockModule(hModule);
+    SetClockModule(m_hModule);
 }
 
 CModule::~CModule() {

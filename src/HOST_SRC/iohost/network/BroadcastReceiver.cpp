@@ -93,8 +93,7 @@ void CBroadcastReceiver::CountError(const std::string& strError) {
     m_loop.OnStateChanged();
 }
 
-/// Receive until an error. None is about one datagram: the buffer takes the longest, and nothing is sent from this
-/// socket that somebody could refuse.
+/// Receive until an error. None is about one datagram: the buffer takes the longest, and nothing is sent from here.
 Awaitable<void> CBroadcastReceiver::Receive() {
     for (;;) {
         error_code error;

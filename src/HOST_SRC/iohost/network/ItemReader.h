@@ -20,8 +20,7 @@ public:
     /// What takes the bytes; null: they are dropped.
     CZtSocketParser* Parser() const { return m_pParser.get(); }
 
-    /// Read a connection until it ends, in pieces that the gate lets through. Returns why it ended; nothing when this
-    /// side closed it.
+    /// Read a connection, as the gate lets it through, until it ends; returns why, or nothing when this side closed it.
     Awaitable<std::string> Read(TcpSocket& socket);
 
     /// The connection is over; an item that isn't whole is rejected.

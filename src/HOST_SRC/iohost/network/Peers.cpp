@@ -198,7 +198,7 @@ SNetworkState CPeers::State() const {
     if (m_pControl != nullptr) {
         state.control = m_pControl->State();
     }
-    state.bListenOnly = IsListenOnly();
+    state.bListenOnly = m_loop.IsListenOnly();
     return state;
 }
 

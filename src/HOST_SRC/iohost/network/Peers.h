@@ -27,9 +27,6 @@ public:
     explicit CPeers(INetworkReceiver& receiver) : m_loop(receiver) {}
     ~CPeers() { Close(); }
 
-    CPeers(const CPeers&) = delete;
-    CPeers& operator=(const CPeers&) = delete;
-
     /// The loop that all of it runs in. A front may run it, and may put its own work into it.
     boost::asio::io_context& Context() { return m_loop.Context(); }
 
@@ -60,7 +57,6 @@ public:
 
     /// While it is on, what nodes send to devices is shown only, and what waits to be written goes on waiting.
     void SetListenOnly(bool bOn);
-    bool IsListenOnly() const { return m_loop.IsListenOnly(); }
 
     SNetworkState State() const;
 

@@ -5,8 +5,7 @@
 
 #include <optional>
 
-/// Holds back what came in: bytes are read, but nothing is made of them while the gate is closed. Each connection thus
-/// reads one piece ahead at most.
+/// While it is closed nothing is made of bytes that came in. Each connection thus reads one piece ahead at most.
 class CReadGate {
 public:
     explicit CReadGate(boost::asio::io_context& context);
@@ -18,8 +17,7 @@ public:
     /// loop has to do otherwise, frames above all, comes in between.
     void OpenInTurns();
 
-    /// Returns once items may be handled: true. Or false, when the socket has been closed; whoever closes it calls
-    /// Wake.
+    /// True once items may be handled; false when the socket has been closed: whoever closes it calls Wake.
     template <typename Socket>
     Awaitable<bool> Pass(const Socket& socket) {
         while (socket.is_open() && !MayPass()) {

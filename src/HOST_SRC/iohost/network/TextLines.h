@@ -1,5 +1,4 @@
-// Texts that a device sends one a line: UTF-8, each line ended by a line feed, with or without a carriage return before
-// it.
+// Texts that a device sends one a line: UTF-8, with a line feed or a carriage return and a line feed behind each.
 #pragma once
 
 #include <array>

@@ -1,6 +1,7 @@
 #include "scene/ParamSet.h"
 
 #include <algorithm>
+#include <boost/core/noncopyable.hpp>
 #include <limits>
 
 #include "base/Refusal.h"
@@ -8,29 +9,34 @@
 
 namespace {
 
-std::unique_ptr<VEKParamGroup> TakeGroup(VEKParamGroupList& lstGroup, unsigned nId) {
-    for (POSITION pos = lstGroup.GetHeadPosition(); pos != nullptr;) {
-        const POSITION posGroup = pos;
-        VEKParamGroup* pGroup = lstGroup.GetNext(pos);
-        if (IsEqualGUID(pGroup->m_guid, MakeParamGuid(nId))) {
-            lstGroup.RemoveAt(posGroup);
-            return std::unique_ptr<VEKParamGroup>(pGroup);
+/// Take the first group or parameter of that id out of a list; the caller owns it. Null if absent.
+template <typename Element, typename List>
+std::unique_ptr<Element> Take(List& list, unsigned nId) {
+    for (POSITION pos = list.GetHeadPosition(); pos != nullptr;) {
+        const POSITION posElement = pos;
+        Element* pElement = list.GetNext(pos);
+        if (IsEqualGUID(pElement->m_guid, MakeParamGuid(nId))) {
+            list.RemoveAt(posElement);
+            return std::unique_ptr<Element>(pElement);
         }
     }
     return nullptr;
 }
 
-std::unique_ptr<VEKParam> TakeParam(VEKParamGroup& group, unsigned nId) {
-    for (POSITION pos = group.m_lstParam.GetHeadPosition(); pos != nullptr;) {
-        const POSITION posParam = pos;
-        VEKParam* pParam = group.m_lstParam.GetNext(pos);
-        if (IsEqualGUID(pParam->m_guid, MakeParamGuid(nId))) {
-            group.m_lstParam.RemoveAt(posParam);
-            return std::unique_ptr<VEKParam>(pParam);
+/// Owns the groups that it takes from a list.
+struct SOwnedGroups : boost::noncopyable {
+    explicit SOwnedGroups(VEKParamGroupList& lstFrom) {
+        lstGroup.AddTail(&lstFrom);
+        lstFrom.RemoveAll();
+    }
+    ~SOwnedGroups() {
+        while (!lstGroup.IsEmpty()) {
+            delete lstGroup.RemoveHead();
         }
     }
-    return nullptr;
-}
+
+    VEKParamGroupList lstGroup;
+};
 
 float NumberOf(std::optional<float> number) {
     return number.value_or(std::numeric_limits<float>::quiet_NaN());
@@ -135,21 +141,6 @@ void SetSavedValue(VEKParam& param, const ParamValue& value) {
 
 } // namespace
 
-void CParamSet::Swap(VEKParamGroupList& lstGroup) {
-    VEKParamGroupList lstMine;
-    lstMine.AddTail(&m_lstGroup);
-    m_lstGroup.RemoveAll();
-    m_lstGroup.AddTail(&lstGroup);
-    lstGroup.RemoveAll();
-    lstGroup.AddTail(&lstMine);
-}
-
-void CParamSet::DeleteAll() {
-    while (!m_lstGroup.IsEmpty()) {
-        delete m_lstGroup.RemoveHead();
-    }
-}
-
 void CloneGroups(const VEKParamGroupList& lstFrom, VEKParamGroupList& lstTo) {
     for (POSITION pos = lstFrom.GetHeadPosition(); pos != nullptr;) {
         const VEKParamGroup* pFrom = lstFrom.GetNext(pos);
@@ -166,7 +157,7 @@ void CloneGroups(const VEKParamGroupList& lstFrom, VEKParamGroupList& lstTo) {
 
 std::unique_ptr<VEKParam> TakeParam(VEKParamGroupList& lstGroup, unsigned nId) {
     for (POSITION pos = lstGroup.GetHeadPosition(); pos != nullptr;) {
-        if (auto pParam = TakeParam(*lstGroup.GetNext(pos), nId)) {
+        if (auto pParam = Take<VEKParam>(lstGroup.GetNext(pos)->m_lstParam, nId)) {
             return pParam;
         }
     }
@@ -193,18 +184,17 @@ SValues ValuesOf(const VEKParam& param) {
 }
 
 void RestoreGroups(VEKParamGroupList& lstGroup, const std::vector<SGroupState>& groups, bool bOutputs) {
-    CParamSet known;
-    known.Swap(lstGroup);
+    SOwnedGroups known(lstGroup);
     for (const SGroupState& state : groups) {
-        auto pKnownGroup = TakeGroup(known.Groups(), state.nId);
+        auto pKnownGroup = Take<VEKParamGroup>(known.lstGroup, state.nId);
         auto pGroup = std::make_unique<VEKParamGroup>();
         pGroup->m_guid = MakeParamGuid(state.nId);
         pGroup->m_strName = pKnownGroup ? pKnownGroup->m_strName : state.name.value_or(CString());
         pGroup->m_strDisplay = pKnownGroup ? pKnownGroup->m_strDisplay : state.display.value_or(CString());
         for (const SParamState& param : state.params) {
-            auto pParam = pKnownGroup ? TakeParam(*pKnownGroup, param.nId) : nullptr;
+            auto pParam = pKnownGroup ? Take<VEKParam>(pKnownGroup->m_lstParam, param.nId) : nullptr;
             if (pParam == nullptr) {
-                pParam = TakeParam(known.Groups(), param.nId);
+                pParam = TakeParam(known.lstGroup, param.nId);
             }
             if (pParam == nullptr) {
                 pParam = MakeParam(param, bOutputs);
@@ -236,6 +226,6 @@ void ApplySavedSet(const SSavedSet& saved, VEKParamGroupList& lstOwn) {
         pParam->m_arChoice.RemoveAll();
     }
     if (!saved.bGroups) {
-        CParamSet().Swap(lstOwn);
+        SOwnedGroups{lstOwn};
     }
 }

@@ -6,26 +6,6 @@
 #include "host/ParamModel.h"
 #include "scene/Document.h"
 
-/// Groups that are owned until they are handed on.
-class CParamSet {
-public:
-    CParamSet() = default;
-    ~CParamSet() { DeleteAll(); }
-
-    CParamSet(const CParamSet&) = delete;
-    CParamSet& operator=(const CParamSet&) = delete;
-
-    VEKParamGroupList& Groups() { return m_lstGroup; }
-
-    /// Exchange the groups with a list that owns its groups too.
-    void Swap(VEKParamGroupList& lstGroup);
-
-    void DeleteAll();
-
-private:
-    VEKParamGroupList m_lstGroup;
-};
-
 /// All groups of a list with all that can be told of their parameters.
 std::vector<SGroupState> StateOf(const VEKParamGroupList& lstGroup);
 

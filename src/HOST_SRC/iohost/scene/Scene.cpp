@@ -111,16 +111,6 @@ void CScene::Fire(const VEKProperty* pNode, unsigned nOutput) {
     }
 }
 
-void CScene::Swap(CScene& other) {
-    m_clips.swap(other.m_clips);
-    m_nodes.swap(other.m_nodes);
-    m_byHandle.swap(other.m_byHandle);
-    m_byNode.swap(other.m_byNode);
-    m_byGraphNode.swap(other.m_byGraphNode);
-    m_triggered.swap(other.m_triggered);
-    std::swap(m_nNextOrder, other.m_nNextOrder);
-}
-
 CEvaluationInputs::CEvaluationInputs(SNode& node) : m_node(node) {
     const VEKParamGroupList& lstInput = node.pGraphNode->m_lstInputGroup;
     for (const SLink& link : node.arIncoming) {

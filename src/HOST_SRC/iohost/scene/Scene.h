@@ -1,6 +1,7 @@
 // The scene that the host plays: clips with their objects, nodes with their graph nodes, and links between them.
 #pragma once
 
+#include <boost/core/noncopyable.hpp>
 #include <list>
 #include <map>
 #include <memory>
@@ -60,9 +61,8 @@ using NodeMap = std::map<unsigned long long, SNode>;
 class CScene {
 public:
     CScene() = default;
-
-    CScene(const CScene&) = delete;
-    CScene& operator=(const CScene&) = delete;
+    CScene(CScene&&) = default;
+    CScene& operator=(CScene&&) = default;
 
     NodeMap& Nodes() { return m_nodes; }
     const NodeMap& Nodes() const { return m_nodes; }
@@ -104,9 +104,6 @@ public:
     /// The nodes triggered since the last call, in order. One may be named twice, or evaluated since.
     std::vector<SNode*> TakeTriggered() { return std::exchange(m_triggered, {}); }
 
-    /// Exchange all contents.
-    void Swap(CScene& other);
-
 private:
     std::list<VEKClip> m_clips;
     NodeMap m_nodes;
@@ -117,15 +114,11 @@ private:
     unsigned long long m_nNextOrder = 0;
 };
 
-/// Apply the value links into a node and its triggers, for the time of one evaluation: the destructor gives triggered
-/// inputs the value back that they had.
-class CEvaluationInputs {
+/// Applies the value links into a node, and its triggers until the destructor gives those inputs their values back.
+class CEvaluationInputs : boost::noncopyable {
 public:
     explicit CEvaluationInputs(SNode& node);
     ~CEvaluationInputs();
-
-    CEvaluationInputs(const CEvaluationInputs&) = delete;
-    CEvaluationInputs& operator=(const CEvaluationInputs&) = delete;
 
 private:
     SNode& m_node;

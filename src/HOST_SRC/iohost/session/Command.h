@@ -35,21 +35,15 @@ struct SCreateCommand : SNodeStart {
     std::optional<SSavedSet> saved = {}; ///< out of a project; none: a new node
 };
 
-struct SInspectCommand {
+/// Whatever takes one node and nothing else.
+struct SNodeCommand {
     std::string strHandle;
 };
 
-struct SInitCommand {
-    std::string strHandle;
-};
-
-struct SOutputsCommand {
-    std::string strHandle;
-};
-
-struct SLayoutCommand {
-    std::string strHandle;
-};
+struct SInspectCommand : SNodeCommand {};
+struct SInitCommand : SNodeCommand {};
+struct SOutputsCommand : SNodeCommand {};
+struct SLayoutCommand : SNodeCommand {};
 
 struct SDestroyCommand {
     std::string strHandle;

@@ -9,8 +9,7 @@ namespace {
 constexpr int ANY_EVENT = -1;
 constexpr EIODevice READS_NOTHING = static_cast<EIODevice>(-1);
 
-/// The node types known to look at some records only. Any payload may come with the others; types that don't stand here
-/// get only what the record carries.
+/// The node types that look at some records only; others get only what a record of the device and event carries.
 struct NodeRecords {
     GUID guidType;
     EIODevice nDevice;

@@ -9,8 +9,7 @@ Payload PayloadOf(const SIOEventRecord& record);
 /// What an event record points at; null for none.
 void* ObjectOf(Payload& payload);
 
-/// Whether records of this device and event carry such a payload, or there is none. Nodes don't check what a record
-/// points at.
+/// Whether there is no payload or one that the device's records carry: nodes don't check what a record points at.
 bool DeviceFitsPayload(const SEventCommand& event);
 
 /// Whether nodes of this type look at such records. Some answer every record with 1 and take none of them.

@@ -5,11 +5,11 @@
 #include "base/Refusal.h"
 #include "base/TextUtf8.h"
 #include "host/Codes.h"
+#include "session/EventRecords.h"
 
 namespace {
 
-/// One kind of thing that can be held. Keys and buttons go down and up by events of their own; the parts of a hand's
-/// controller are members of its samples.
+/// A kind of thing that can be held. Keys and buttons go down and up by events, parts of a controller in its samples.
 struct HeldKind {
     EIODevice nDevice;
     int nDown;
@@ -28,14 +28,6 @@ constexpr HeldKind HELD_KINDS[] = {
     {DEVICE_KEYBOARD, 0, 0, nullptr, "virtual key"},
 };
 constexpr size_t VIRTUAL_KEY = std::size(HELD_KINDS) - 1;
-
-/// The payload when it is of the device's own kind: another one says nothing of a key, pointer or hand.
-Payload OwnPayload(const SEventCommand& event) {
-    const bool bOwn = (event.nDevice == DEVICE_KEYBOARD && std::holds_alternative<SKeyEventData>(event.payload)) ||
-                      (event.nDevice == DEVICE_POINTER && std::holds_alternative<SQORMouseData>(event.payload)) ||
-                      (event.nDevice == DEVICE_VR_HANDLE && std::holds_alternative<SVRPluginData>(event.payload));
-    return bOwn ? event.payload : Payload();
-}
 
 /// Which key, pointer or hand; without a payload the nameless one, or number 0.
 HeldIdentity Identity(int nDevice, const Payload& payload) {
@@ -75,7 +67,8 @@ bool CHeldInput::Follow(std::vector<SHeld>& arHeld, const SEventCommand& event) 
     if (!event.bRecord) {
         return false;
     }
-    const Payload payload = OwnPayload(event);
+    // One of another device's kind says nothing of a key, pointer or hand.
+    const Payload payload = DeviceFitsPayload(event) ? event.payload : Payload();
     const HeldIdentity identity = Identity(event.nDevice, payload);
     if (event.nDevice != DEVICE_KEYBOARD && payload.index() != 0) {
         for (SHeld& held : arHeld) {
@@ -119,20 +112,29 @@ void CHeldInput::NoteEvent(const SEventCommand& event) {
 }
 
 void CHeldInput::NoteKeys(const KeySet& down) {
-    if (down == m_keys) {
+    const KeySet before = VirtualKeys();
+    if (down == before) {
         return;
     }
     ++m_nVersion;
+    std::erase_if(m_arHeld, [&](const SHeld& held) {
+        return held.nKind == VIRTUAL_KEY && !down[static_cast<size_t>(std::get<int>(held.identity))];
+    });
     for (size_t nCode = 0; nCode < down.size(); ++nCode) {
-        const HeldIdentity identity = static_cast<int>(nCode);
-        if (down[nCode] && !m_keys[nCode]) {
-            m_arHeld.push_back({VIRTUAL_KEY, identity, std::nullopt, 0, {}, m_clock.Now()});
-        } else if (!down[nCode] && m_keys[nCode]) {
-            std::erase_if(m_arHeld,
-                          [&](const SHeld& held) { return held.nKind == VIRTUAL_KEY && held.identity == identity; });
+        if (down[nCode] && !before[nCode]) {
+            m_arHeld.push_back({VIRTUAL_KEY, static_cast<int>(nCode), std::nullopt, 0, {}, m_clock.Now()});
         }
     }
-    m_keys = down;
+}
+
+KeySet CHeldInput::VirtualKeys() const {
+    KeySet keys;
+    for (const SHeld& held : m_arHeld) {
+        if (held.nKind == VIRTUAL_KEY) {
+            keys.set(static_cast<size_t>(std::get<int>(held.identity)));
+        }
+    }
+    return keys;
 }
 
 bool CHeldInput::HasRoomFor(const SEventCommand& event) const {
@@ -167,7 +169,6 @@ std::vector<SRelease> CHeldInput::TakeReleases(const SHeldFilter& filter) {
         release.strDescription = Describe(kind, held.identity);
         if (held.nKind == VIRTUAL_KEY) {
             release.virtualKey = std::get<int>(held.identity);
-            m_keys.reset(static_cast<size_t>(*release.virtualKey));
             continue;
         }
         if (kind.pPart != nullptr) {

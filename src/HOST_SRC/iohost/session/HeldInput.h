@@ -2,6 +2,7 @@
 // events, virtual keys by the keyboard state.
 #pragma once
 
+#include <boost/core/noncopyable.hpp>
 #include <list>
 #include <optional>
 #include <string>
@@ -28,14 +29,11 @@ struct SHeldEntry {
 };
 
 /// What one connection holds.
-class CHeldInput {
+class CHeldInput : boost::noncopyable {
 public:
     /// The number tells connections apart; each change counts the version up.
     CHeldInput(int nConnection, const CClock& clock, unsigned long long& nVersion)
         : m_nConnection(nConnection), m_clock(clock), m_nVersion(nVersion) {}
-
-    CHeldInput(const CHeldInput&) = delete;
-    CHeldInput& operator=(const CHeldInput&) = delete;
 
     int Connection() const { return m_nConnection; }
 
@@ -50,7 +48,7 @@ public:
 
     static constexpr size_t MOST_HELD = 256;
 
-    const KeySet& VirtualKeys() const { return m_keys; }
+    KeySet VirtualKeys() const;
 
     /// The releases of what is held, in the order in which it went down; it isn't held afterwards.
     std::vector<SRelease> TakeReleases(const SHeldFilter& filter = {});
@@ -76,7 +74,6 @@ private:
     const CClock& m_clock;
     unsigned long long& m_nVersion;
     std::vector<SHeld> m_arHeld; ///< in the order in which it went down
-    KeySet m_keys;
 };
 
 /// What all connections hold.

@@ -81,11 +81,10 @@ Result CSession::On(const SCallCommand& command) {
     return SCalled{m_pHost->CallModule(command.nCode)};
 }
 
-Result CSession::On(const SQuitCommand& /*command*/) {
+void CSession::On(const SQuitCommand& /*command*/) {
     m_peers.Close();
     m_pHost->Close();
     m_clock.Set(std::nullopt);
-    return {};
 }
 
 // ---- Nodes ------------------------------------------------------------------------------------------------------
@@ -121,15 +120,13 @@ Result CSession::On(const SInspectCommand& command) {
                         StateOf(node.pGraphNode->m_lstOutputGroup)};
 }
 
-Result CSession::On(const SInitCommand& command) {
+void CSession::On(const SInitCommand& command) {
     SNode& node = NodeOf(command.strHandle);
     m_pHost->Call(&node, [&] { node.pNode->InitParam(); });
-    return {};
 }
 
-Result CSession::On(const SOutputsCommand& command) {
+void CSession::On(const SOutputsCommand& command) {
     m_pHost->MakeOutputs(NodeOf(command.strHandle));
-    return {};
 }
 
 Result CSession::On(const SLayoutCommand& command) {
@@ -143,15 +140,13 @@ Result CSession::On(const SLayoutCommand& command) {
 
 Result CSession::On(const SDestroyCommand& command) {
     SNode& node = NodeOf(command.strHandle);
-    const SNodeDestroyed destroyed = m_pHost->Destroy(node, command.type.value_or(node.guidType), command.bPointer);
-    return SDestroyed{destroyed.nResult, destroyed.bSlotNull, destroyed.bFreed};
+    return m_pHost->Destroy(node, command.type.value_or(node.guidType), command.bPointer);
 }
 
 // ---- Evaluation and events --------------------------------------------------------------------------------------
 
-Result CSession::On(const SEvaluateCommand& command) {
+void CSession::On(const SEvaluateCommand& command) {
     m_nEvaluation = command.nOn;
-    return {};
 }
 
 /// Evaluate the nodes that were triggered, and what their evaluations trigger, each once.
@@ -324,9 +319,8 @@ VEKParam& CSession::SetValue(const SSetCommand& set) {
     return param;
 }
 
-Result CSession::On(const SSetCommand& command) {
+void CSession::On(const SSetCommand& command) {
     SetValue(command);
-    return {};
 }
 
 Result CSession::On(const SEditCommand& command) {
@@ -339,80 +333,67 @@ Result CSession::On(const SEditCommand& command) {
     return edited;
 }
 
-Result CSession::On(const STriggerCommand& command) {
+void CSession::On(const STriggerCommand& command) {
     SNode& node = NodeOf(command.strHandle);
     const VEKParam& input = ParamOf(node.pGraphNode->m_lstInputGroup, command.nParam, "graph inputs");
     if (input.m_nType != PARAM_EVENT.m_nType) {
         Refuse("param", "parameter " + std::to_string(command.nParam) + " isn't an event input");
     }
     Scene().Trigger(node, command.nParam);
-    return {};
 }
 
-Result CSession::On(const SDropCommand& command) {
+void CSession::On(const SDropCommand& command) {
     SNode& node = NodeOf(command.strHandle);
-    struct SPlace {
-        VEKParamGroupList& lstGroup;
-        const char* pszName;
-    };
-    const SPlace places[] = {{node.pNode->m_lstParamGroup, "own"},
-                             {node.pGraphNode->m_lstInputGroup, "inputs"},
-                             {node.pGraphNode->m_lstOutputGroup, "outputs"}};
+    VEKParamGroupList* const places[] = {&node.pNode->m_lstParamGroup, &node.pGraphNode->m_lstInputGroup,
+                                         &node.pGraphNode->m_lstOutputGroup};
     if (command.from.empty()) {
         Refuse("from", "names no place");
     }
     for (const EPlace nPlace : command.from) {
-        const SPlace& place = places[static_cast<size_t>(nPlace)];
-        ParamOf(place.lstGroup, command.nParam, place.pszName);
+        ParamOf(*places[static_cast<size_t>(nPlace)], command.nParam, NameOf(nPlace));
     }
     for (const EPlace nPlace : command.from) {
-        TakeParam(places[static_cast<size_t>(nPlace)].lstGroup, command.nParam); // nothing where it's named twice
+        TakeParam(*places[static_cast<size_t>(nPlace)], command.nParam); // nothing where it's named twice
     }
-    return {};
 }
 
-Result CSession::On(const SLinkCommand& command) {
+void CSession::On(const SLinkCommand& command) {
     SNode& from = NodeOf(command.strFrom, "from");
     ParamOf(from.pGraphNode->m_lstOutputGroup, command.nOutput, "outputs", "output");
     SNode& to = NodeOf(command.strTo, "to");
     ParamOf(to.pGraphNode->m_lstInputGroup, command.nInput, "graph inputs", "input");
     Scene().Link(from, command.nOutput, to, command.nInput);
-    return {};
 }
 
 // ---- The machine around the nodes -------------------------------------------------------------------------------
 
-Result CSession::On(const SKeysCommand& command, const SOrigin& origin) {
+void CSession::On(const SKeysCommand& command, const SOrigin& origin) {
     if (origin.pHeld == nullptr) {
         SetKeyboard(command.down, command.toggled);
-        return {};
+        return;
     }
     // Several people may press keys at once: a key is up when nobody holds it.
     origin.pHeld->NoteKeys(command.down);
     m_held.SetToggledKeys(command.toggled);
     SetKeyboard(m_held.VirtualKeys(), command.toggled);
-    return {};
 }
 
-Result CSession::On(const SClockCommand& command) {
+void CSession::On(const SClockCommand& command) {
     if (!m_clock.Set(command.ms)) {
         Refuse("op", "the clock of this system can't be set");
     }
-    return {};
 }
 
-Result CSession::On(const SMainWindowCommand& command) {
+void CSession::On(const SMainWindowCommand& command) {
     MainWindow().Set(command.bPresent, command.bEnabled);
-    return {};
 }
 
-Result CSession::On(const SObjectCommand& command) {
+void CSession::On(const SObjectCommand& command) {
     VEKClip& clip = Scene().Clip(command.strClip);
     if (clip.FindObject(command.strName, 0) != nullptr) {
         Refuse("name", "the clip has an object " + Quoted(Utf8(command.strName)) + " already");
     }
     clip.m_lstObject.AddTail(new VEKObject(command.strName));
-    return {};
 }
 
 Result CSession::On(const SObjectsCommand& /*command*/) {
@@ -429,10 +410,9 @@ void CSession::AwaitDevices() {
     }
 }
 
-Result CSession::On(const SDevicesCommand& command) {
+void CSession::On(const SDevicesCommand& command) {
     m_peers.SetDevices(command.devices);
     AwaitDevices();
-    return {};
 }
 
 Result CSession::On(const SListenCommand& command) {
@@ -467,9 +447,8 @@ Result CSession::On(const SNetworkCommand& /*command*/) {
     return m_peers.State();
 }
 
-Result CSession::On(const SListenOnlyCommand& command) {
+void CSession::On(const SListenOnlyCommand& command) {
     m_peers.SetListenOnly(command.bOn);
-    return {};
 }
 
 // ---- The scene as a whole, and recordings -----------------------------------------------------------------------
@@ -489,11 +468,11 @@ Result CSession::On(const SSceneCommand& /*command*/) {
 Result CSession::On(const SSaveCommand& /*command*/) {
     SSceneDocument document;
     for (const VEKClip& clip : Scene().Clips()) {
-        document.clips.push_back({clip.m_strName, {}});
-    }
-    for (const SObjectState& object : ObjectsOf(Scene())) {
-        std::ranges::find(document.clips, object.strClip, &SClipDocument::strName)
-            ->objects.push_back({object.strName, object.matrix});
+        SClipDocument& saved = document.clips.emplace_back(SClipDocument{clip.m_strName, {}});
+        for (POSITION pos = clip.m_lstObject.GetHeadPosition(); pos != nullptr;) {
+            const VEKObject& object = *clip.m_lstObject.GetNext(pos);
+            saved.objects.push_back({object.m_strName, std::to_array(object.m_fMatrix)});
+        }
     }
     for (const auto& [nOrder, node] : Scene().Nodes()) {
         SNodeDocument& saved = document.nodes.emplace_back();
@@ -514,22 +493,20 @@ Result CSession::On(const SSaveCommand& /*command*/) {
     return document;
 }
 
-Result CSession::On(const SLoadCommand& command) {
-    CScene former;
-    former.Swap(Scene());
+void CSession::On(const SLoadCommand& command) {
+    CScene former = std::exchange(Scene(), {});
     try {
         BuildScene(*command.pScene, command.strPath);
     } catch (...) {
         m_pHost->DestroyAll();
-        former.Swap(Scene());
+        Scene() = std::move(former);
         throw;
     }
-    former.Swap(Scene());
+    std::swap(former, Scene());
     m_pHost->DestroyAll();
-    former.Swap(Scene());
+    std::swap(former, Scene());
     m_peers.SetDevices(command.pScene->devices);
     AwaitDevices();
-    return {};
 }
 
 /// Fills the empty scene. Refusals name the fields behind strPath.
@@ -579,7 +556,7 @@ void CSession::BuildScene(const SSceneDocument& document, const std::string& str
 }
 
 /// The first command of a recording: refused by a session that would answer the others differently.
-Result CSession::On(const SRecordingCommand& command) {
+void CSession::On(const SRecordingCommand& command) {
     if (command.nVersion != RECORDING_VERSION) {
         Refuse("version", "this program reads recordings of version " + std::to_string(RECORDING_VERSION));
     }
@@ -587,5 +564,4 @@ Result CSession::On(const SRecordingCommand& command) {
         Refuse("texts", std::string("this session's are ") + NameOf(Texts()));
     }
     m_nEvaluation = command.nEvaluation;
-    return {};
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/Activity.h"
+#include "engine/Host.h"
 #include "engine/JsonVerdicts.h"
 #include "network/Peers.h"
 #include "scene/Document.h"
@@ -56,12 +57,6 @@ struct SLayout {
     const void* pState;
     const void* pArray;
     long long nGroups;
-};
-
-struct SDestroyed {
-    int nResult;
-    bool bSlotNull;
-    bool bFreed; ///< the destructor ran
 };
 
 /// What each node answered; none where the module raised an exception.

@@ -1,17 +1,17 @@
 #include "session/Session.h"
 
-#include <algorithm>
-
 #include "base/Caught.h"
 #include "base/TextUtf8.h"
 #include "session/EventRecords.h"
 
 std::unique_ptr<CSession> CSession::Open(const SSessionOptions& options, std::string& strError) {
-    auto pHost = CHost::Open(options, strError);
-    return pHost != nullptr ? std::unique_ptr<CSession>(new CSession(std::move(pHost))) : nullptr;
+    try {
+        return std::unique_ptr<CSession>(new CSession(CHost::Open(options)));
+    } catch (const std::exception& exception) {
+        strError = exception.what();
+        return nullptr;
+    }
 }
-
-CSession::CSession(std::unique_ptr<CHost> pHost) : m_pHost(std::move(pHost)) {}
 
 CSession::~CSession() {
     m_peers.Close();
@@ -61,10 +61,18 @@ SOutcome CSession::CarryOut(const Command& command, const SOrigin& origin) {
         }
         outcome.result = std::visit(
             [&](const auto& kind) -> Result {
-                if constexpr (requires { On(kind, origin); }) {
-                    return On(kind, origin);
+                const auto on = [&] {
+                    if constexpr (requires { On(kind, origin); }) {
+                        return On(kind, origin);
+                    } else {
+                        return On(kind);
+                    }
+                };
+                if constexpr (std::is_void_v<decltype(on())>) {
+                    on();
+                    return {};
                 } else {
-                    return On(kind);
+                    return on();
                 }
             },
             command);

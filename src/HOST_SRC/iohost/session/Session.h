@@ -28,15 +28,11 @@ protected:
 
 class CSession final : private INetworkReceiver {
 public:
-    /// Load the module and register its node types. Null, with a clear message, when that fails. There is one session
-    /// at a time in a process.
+    /// Load the module and register its types. Null, with a message, when that fails. One at a time in a process.
     static std::unique_ptr<CSession> Open(const SSessionOptions& options, std::string& strError);
 
     /// Ends the session as the command `quit` does.
     ~CSession();
-
-    CSession(const CSession&) = delete;
-    CSession& operator=(const CSession&) = delete;
 
     /// Carry a command out.
     SDone Do(const Command& command, const SOrigin& origin = {});
@@ -78,7 +74,7 @@ public:
     CJsonVerdicts& JsonVerdicts() { return m_pHost->JsonVerdicts(); }
 
 private:
-    explicit CSession(std::unique_ptr<CHost> pHost);
+    explicit CSession(std::unique_ptr<CHost> pHost) : m_pHost(std::move(pHost)) {}
 
     bool OnItem(EPeer nFrom, const SIOEventRecord& record) override;
     void OnSent(const SSentItem& item) override;
@@ -99,36 +95,36 @@ private:
     Result On(const SCallCommand& command);
     Result On(const SCreateCommand& command);
     Result On(const SInspectCommand& command);
-    Result On(const SInitCommand& command);
-    Result On(const SOutputsCommand& command);
-    Result On(const SEvaluateCommand& command);
+    void On(const SInitCommand& command);
+    void On(const SOutputsCommand& command);
+    void On(const SEvaluateCommand& command);
     Result On(const SProcessCommand& command);
     Result On(const SFrameCommand& command);
     Result On(const SEventCommand& command, const SOrigin& origin);
     Result On(const SJsonCommand& command);
     Result On(const SReleaseHeldCommand& command, const SOrigin& origin);
-    Result On(const SSetCommand& command);
+    void On(const SSetCommand& command);
     Result On(const SEditCommand& command);
-    Result On(const STriggerCommand& command);
-    Result On(const SDropCommand& command);
-    Result On(const SLinkCommand& command);
-    Result On(const SKeysCommand& command, const SOrigin& origin);
-    Result On(const SClockCommand& command);
-    Result On(const SMainWindowCommand& command);
-    Result On(const SObjectCommand& command);
+    void On(const STriggerCommand& command);
+    void On(const SDropCommand& command);
+    void On(const SLinkCommand& command);
+    void On(const SKeysCommand& command, const SOrigin& origin);
+    void On(const SClockCommand& command);
+    void On(const SMainWindowCommand& command);
+    void On(const SObjectCommand& command);
     Result On(const SObjectsCommand& command);
-    Result On(const SDevicesCommand& command);
+    void On(const SDevicesCommand& command);
     Result On(const SListenCommand& command);
     Result On(const SWaitCommand& command);
     Result On(const SNetworkCommand& command);
-    Result On(const SListenOnlyCommand& command);
+    void On(const SListenOnlyCommand& command);
     Result On(const SLayoutCommand& command);
     Result On(const SDestroyCommand& command);
     Result On(const SSaveCommand& command);
-    Result On(const SLoadCommand& command);
+    void On(const SLoadCommand& command);
     Result On(const SSceneCommand& command);
-    Result On(const SRecordingCommand& command);
-    Result On(const SQuitCommand& command);
+    void On(const SRecordingCommand& command);
+    void On(const SQuitCommand& command);
 
     CClock m_clock;
     std::unique_ptr<CHost> m_pHost;

@@ -61,9 +61,6 @@ public:
     CErrorLines() { SetLogSink(this); }
     ~CErrorLines() { SetLogSink(nullptr); }
 
-    CErrorLines(const CErrorLines&) = delete;
-    CErrorLines& operator=(const CErrorLines&) = delete;
-
 private:
     void OnLogLine(const SLogLine& line) override {
         m_output.Stream() << "iohost: " << PrintableText(Utf8(line.strText)) << std::endl;

@@ -9,8 +9,7 @@ public:
     /// None: whoever reaches the server may ask.
     CAccessToken() = default;
 
-    /// A new one, from the system's source of random numbers. The port tells apart the cookies of servers on one
-    /// machine.
+    /// A new one, from the system's random numbers. The port tells apart the cookies of servers on one machine.
     static CAccessToken Make(unsigned short nPort);
 
     /// Empty where none is needed; else the query that goes behind the server's address.

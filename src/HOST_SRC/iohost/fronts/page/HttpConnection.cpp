@@ -216,8 +216,7 @@ Awaitable<void> WriteResponse(TcpStream& stream, Response& response, bool bHeade
     }
 }
 
-/// Says that nothing follows, and reads on for a moment: a client that is still sending when the connection is closed
-/// would lose the response.
+/// Says that nothing follows, and reads on for a moment: a client that is still sending would lose the response.
 Awaitable<void> CloseGently(TcpStream& stream) {
     error_code error;
     stream.socket().shutdown(TcpSocket::shutdown_send, error);

@@ -1,5 +1,4 @@
-// One connection of the page's server: answers requests for the page's files, takes texts for objects, and hands a
-// WebSocket over to its client.
+// One connection of the page's server: gives the page's files, takes texts for objects, hands WebSockets over.
 #pragma once
 
 #include "base/Network.h"

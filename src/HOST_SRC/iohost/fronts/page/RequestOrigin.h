@@ -1,5 +1,4 @@
-// Whom the page's server answers: only who speaks to it by a name of its own, so that no foreign page reaches the
-// nodes.
+// Whom the page's server answers: who speaks to it by a name of its own, so that no foreign page reaches the nodes.
 #pragma once
 
 #include <string>
@@ -9,8 +8,7 @@
 class CRequestOrigin {
 public:
     /// Addresses as texts, without brackets: the one that the server listens on, and the one that this connection came
-    /// in by, which differs where the server listens on all of the machine's. Where "localhost" is the latter, it is
-    /// own too.
+    /// in by, as where the server listens on all of the machine's. Where "localhost" is the latter, it is own too.
     CRequestOrigin(std::string_view boundAddress, std::string_view localAddress, unsigned short nPort);
 
     /// Whether a Host header names this server.
@@ -20,5 +18,5 @@ public:
     bool IsOwnOrigin(std::string_view origin) const;
 
 private:
-    std::vector<std::string> m_arHosts; ///< in small letters, with the port
+    std::vector<std::string> m_arHosts; ///< with the port
 };

@@ -17,8 +17,7 @@
 #include "protocol/Fields.h"
 #include "session/Session.h"
 
-/// False for commands that only ask, and about what is another at another time; and for those that reach outside of the
-/// session.
+/// False for commands that ask about what changes with time, and for those that reach outside of the session.
 bool IsKept(const Command& command);
 
 /// The command as a replay may carry it out: it connects to nobody.
@@ -27,17 +26,12 @@ Command WithoutAddresses(Command command);
 /// All but the host's own log lines: they tell of connections, too.
 SActivity ActivityToKeep(SActivity activity);
 
-/// While something is carried out the session's clock stands still, so that a replay finds the same time. A clock that
-/// a command has set is left alone.
+/// While a command is carried out the session's clock stands still, unless one has set it, so that a replay finds it.
 class CRecorder final : private ISessionObserver {
 public:
-    /// A recorder of the session on this file, which is written anew. Null, with a message, when it can't be. The
-    /// session must outlive it.
+    /// Records the session, which must outlive it, on this file anew. Null, with a message, when that can't be written.
     static std::unique_ptr<CRecorder> Open(CSession& session, const std::filesystem::path& file, std::string& strError);
     ~CRecorder();
-
-    CRecorder(const CRecorder&) = delete;
-    CRecorder& operator=(const CRecorder&) = delete;
 
     /// False once something couldn't be written; nothing is kept from then on.
     bool IsComplete() const { return static_cast<bool>(m_file); }

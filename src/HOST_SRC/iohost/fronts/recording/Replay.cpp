@@ -44,8 +44,7 @@ CHeldInput& Connection(CSession& session, std::map<int, CHeldInput*>& connection
     return *connections.at(nConnection);
 }
 
-/// Carry out a recorded request. Nothing outside of the session is reached, whatever the recording says: none is
-/// returned for a request that would.
+/// Carry out a recorded request; none for one that would reach outside of the session, whatever the recording says.
 std::optional<OrderedJson> Repeat(CSession& session, const Json& json, CHeldInput* pHeld) {
     const CFields fields(json);
     CNoFiles files;

@@ -1,19 +1,17 @@
 // What the host prints while it serves the page: a line for each log line and each fired event.
 #pragma once
 
+#include <boost/core/noncopyable.hpp>
 #include <ostream>
 #include <string>
 
 #include "session/Session.h"
 
-class CTerminalLines final : private ISessionObserver {
+class CTerminalLines final : private ISessionObserver, boost::noncopyable {
 public:
     /// Prints what happens in the session, which must outlive it.
     CTerminalLines(CSession& session, std::ostream& stream);
     ~CTerminalLines();
-
-    CTerminalLines(const CTerminalLines&) = delete;
-    CTerminalLines& operator=(const CTerminalLines&) = delete;
 
     /// Prints the new values of outputs.
     void PrintOutputs(const OutputValues& changed);
