@@ -60,7 +60,11 @@ Json AnyCommand() {
     case 7:
         return {{"op", "trigger"}, {"node", node()}, {"param", input()}};
     case 8:
-        return {{"op", "link"}, {"from", node()}, {"output", output()}, {"to", node()}, {"input", input()}};
+        return {{"op", flag() ? "link" : "unlink"},
+                {"from", node()},
+                {"output", output()},
+                {"to", node()},
+                {"input", input()}};
     case 9:
         return flag() ? Json{{"op", "drop"}, {"node", node()}, {"param", input()}, {"from", {"inputs"}}}
                       : Json{{"op", "drop"}, {"node", node()}, {"param", output()}, {"from", {"outputs"}}};

@@ -67,6 +67,16 @@ test("a chosen node is removed by a key, with its links", async () => {
   assert.equal(await wires().count(), 0);
 });
 
+test("a chosen wire is cut, and the nodes stay", async () => {
+  await wires().focus();
+  await page.page.keyboard.press("Enter");
+  await page.page.locator(".react-flow__edge.selected").waitFor();
+  await page.page.keyboard.press("Delete");
+  await expectEventually("wires", () => wires().count(), 0);
+  assert.deepEqual(await links(), []);
+  assert.equal(await page.page.locator("[data-face]").count(), 3);
+});
+
 test("all of it is reached by keys alone", async () => {
   await page.page.getByRole("group", { name: /^Text field 1/ }).focus();
   await page.page.keyboard.press("Enter");

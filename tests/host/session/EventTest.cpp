@@ -261,6 +261,43 @@ TEST_F(Graph, LinksEndWithTheirNodesAndTheSameTwiceIsOne) {
     )");
 }
 
+TEST_F(Graph, ALinkThatIsTakenAwayCarriesNothingAnyMore) {
+    Must(CREATE_SECOND_PROBE);
+    Talk(R"(
+        link from=p output=104 to=q input=12
+        link from=p output=101 to=q input=14
+        link from=p output=101 to=p input=14
+        set node=p param=12 string=kept
+        process
+        unlink from=p output=104 to=q input=12
+        unlink from=p output=101 to=q input=14
+        scene => {"links":[{"from":"p","output":101,"to":"p","input":14}]}
+        set node=p param=12 string=later
+        set node=p param=10 int=6
+        process
+        process
+        inspect node=p => {"outputs":{"104":{"string":"later"},"102":{"int":1}}}
+        inspect node=q => {"outputs":{"104":{"string":"kept"},"102":{"int":0}}}
+        # It can be made again.
+        link from=p output=104 to=q input=12
+        process
+        inspect node=q => {"outputs":{"104":{"string":"later"}}}
+    )");
+}
+
+TEST_F(Graph, OnlyLinksThatAreThereAreTakenAway) {
+    Talk(R"(
+        link from=p output=101 to=p input=14
+        unlink => from: is missing
+        unlink from=x output=101 to=p input=14 => from: there is no node "x"
+        unlink from=p output=101 to=x input=14 => to: there is no node "x"
+        unlink from=p output=104 to=p input=14 => op: there is no such link
+        unlink from=p output=101 to=p input=12 => op: there is no such link
+        unlink from=p output=101 to=p input=14
+        unlink from=p output=101 to=p input=14 => op: there is no such link
+    )");
+}
+
 TEST_F(Graph, MalformedLinksAreRefusedByField) {
     Talk(R"(
         link => from: is missing

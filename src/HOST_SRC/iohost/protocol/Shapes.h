@@ -108,6 +108,8 @@ TAGGED(STriggerCommand, "trigger", SField{"node", &T::strHandle}, SField{"param"
 TAGGED(SDropCommand, "drop", SField{"node", &T::strHandle}, SField{"param", &T::nParam}, SField{"from", &T::from})
 TAGGED(SLinkCommand, "link", SField{"from", &T::strFrom}, SField{"output", &T::nOutput}, SField{"to", &T::strTo},
        SField{"input", &T::nInput})
+TAGGED(SUnlinkCommand, "unlink", SField{"from", &T::strFrom}, SField{"output", &T::nOutput}, SField{"to", &T::strTo},
+       SField{"input", &T::nInput})
 TAGGED(SKeysCommand, "keys", SField{"down", &T::down, FIELD_OPTIONAL}, SField{"toggled", &T::toggled, FIELD_OPTIONAL})
 TAGGED(SClockCommand, "clock", SField{"ms", &T::ms, FIELD_NULLABLE})
 TAGGED(SMainWindowCommand, "main_window", SField{"present", &T::bPresent}, SField{"enabled", &T::bEnabled})

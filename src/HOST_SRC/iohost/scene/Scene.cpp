@@ -92,6 +92,14 @@ void CScene::Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput) {
     }
 }
 
+bool CScene::Unlink(SNode& from, unsigned nOutput, SNode& to, unsigned nInput) {
+    const auto isIt = [&](const SLink& link) {
+        return link.pFrom == &from && link.nOutput == nOutput && link.pTo == &to && link.nInput == nInput;
+    };
+    std::erase_if(to.arIncoming, isIt);
+    return std::erase_if(from.arOutgoing, isIt) > 0;
+}
+
 void CScene::Trigger(SNode& node, unsigned nInput) {
     if (std::ranges::find(node.arTriggered, nInput) == node.arTriggered.end()) {
         node.arTriggered.push_back(nInput);

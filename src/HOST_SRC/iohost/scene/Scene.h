@@ -95,6 +95,9 @@ public:
     /// Make a link; the same link twice is one. The pins must have a type.
     void Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput);
 
+    /// Take a link away; false when there is none.
+    bool Unlink(SNode& from, unsigned nOutput, SNode& to, unsigned nInput);
+
     /// Trigger an input for its node's next evaluation.
     void Trigger(SNode& node, unsigned nInput);
 

@@ -130,6 +130,8 @@ struct SDropCommand {
 
 struct SLinkCommand : SLinkDocument {};
 
+struct SUnlinkCommand : SLinkDocument {};
+
 // ---- The machine around the nodes -------------------------------------------------------------------------------
 
 struct SKeysCommand {
@@ -199,10 +201,10 @@ struct SRecordingCommand {
 using Command =
     std::variant<SCatalogueCommand, SCallCommand, SCreateCommand, SInspectCommand, SInitCommand, SOutputsCommand,
                  SEvaluateCommand, SProcessCommand, SFrameCommand, SEventCommand, SJsonCommand, SReleaseHeldCommand,
-                 SSetCommand, SEditCommand, STriggerCommand, SDropCommand, SLinkCommand, SKeysCommand, SClockCommand,
-                 SMainWindowCommand, SObjectCommand, SObjectsCommand, SDevicesCommand, SListenCommand, SWaitCommand,
-                 SNetworkCommand, SListenOnlyCommand, SLayoutCommand, SDestroyCommand, SSaveCommand, SLoadCommand,
-                 SSceneCommand, SRecordingCommand, SQuitCommand>;
+                 SSetCommand, SEditCommand, STriggerCommand, SDropCommand, SLinkCommand, SUnlinkCommand, SKeysCommand,
+                 SClockCommand, SMainWindowCommand, SObjectCommand, SObjectsCommand, SDevicesCommand, SListenCommand,
+                 SWaitCommand, SNetworkCommand, SListenOnlyCommand, SLayoutCommand, SDestroyCommand, SSaveCommand,
+                 SLoadCommand, SSceneCommand, SRecordingCommand, SQuitCommand>;
 
 template <typename Kind, typename... Kinds>
 inline constexpr bool IS_ONE_OF = (std::is_same_v<Kind, Kinds> || ...);
@@ -215,5 +217,5 @@ inline constexpr bool CHANGES_PARAMETERS =
 /// Whether commands of a kind change nodes, links or parameters.
 template <typename Kind>
 inline constexpr bool CHANGES_SCENE =
-    CHANGES_PARAMETERS<Kind> ||
-    IS_ONE_OF<Kind, SCreateCommand, SLinkCommand, SDevicesCommand, SDestroyCommand, SLoadCommand, SQuitCommand>;
+    CHANGES_PARAMETERS<Kind> || IS_ONE_OF<Kind, SCreateCommand, SLinkCommand, SUnlinkCommand, SDevicesCommand,
+                                          SDestroyCommand, SLoadCommand, SQuitCommand>;

@@ -365,6 +365,13 @@ void CSession::On(const SLinkCommand& command) {
     Scene().Link(from, command.nOutput, to, command.nInput);
 }
 
+void CSession::On(const SUnlinkCommand& command) {
+    if (!Scene().Unlink(NodeOf(command.strFrom, "from"), command.nOutput, NodeOf(command.strTo, "to"),
+                        command.nInput)) {
+        Refuse("op", "there is no such link");
+    }
+}
+
 // ---- The machine around the nodes -------------------------------------------------------------------------------
 
 void CSession::On(const SKeysCommand& command, const SOrigin& origin) {

@@ -108,6 +108,7 @@ private:
     void On(const STriggerCommand& command);
     void On(const SDropCommand& command);
     void On(const SLinkCommand& command);
+    void On(const SUnlinkCommand& command);
     void On(const SKeysCommand& command, const SOrigin& origin);
     void On(const SClockCommand& command);
     void On(const SMainWindowCommand& command);

@@ -168,6 +168,10 @@ export class Host implements ConnectionListener {
     return errorOf(await this.#connection.request({ op: "link", from, output, to, input }));
   }
 
+  async unlink(link: Link): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "unlink", ...link }));
+  }
+
   async addObject(clip: string, name: string): Promise<string | null> {
     return errorOf(await this.#connection.request({ op: "object", clip, name }));
   }

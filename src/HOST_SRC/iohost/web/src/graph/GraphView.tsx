@@ -5,6 +5,7 @@ import {
   MiniMap,
   Position,
   ReactFlow,
+  useEdgesState,
   useNodesState,
   type Connection,
   type Edge,
@@ -13,11 +14,12 @@ import {
   type NodeProps,
   type ReactFlowInstance,
 } from "@xyflow/react";
-import { useEffect, useMemo, useRef, useState } from "preact/hooks";
+import { useEffect, useRef, useState } from "preact/hooks";
 import type { Host, NodeView } from "../host.ts";
 import { iconOf } from "../icons.ts";
 import type { Param } from "../messages.ts";
 import { shownValue } from "../params.ts";
+import type { Link } from "../protocol.ts";
 import { LongText } from "../view/LongText.tsx";
 import type { PanelProps } from "../view/panels.ts";
 import { arrange, type Box } from "./layout.ts";
@@ -25,6 +27,7 @@ import { NodePalette } from "./NodePalette.tsx";
 import { refusal, sortOf } from "./wiring.ts";
 
 type FaceNode = Node<{ host: Host; node: NodeView }, "face">;
+type Wire = Edge<{ link: Link }>;
 
 // As the style sheet draws them.
 const WIDTH = 300;
@@ -46,8 +49,9 @@ export function GraphView({ host, shown }: PanelProps) {
   const nodes = host.nodes.value;
   const links = host.links.value;
   const [faces, setFaces, onFacesChange] = useNodesState<FaceNode>([]);
+  const [wires, setWires, onWiresChange] = useEdgesState<Wire>([]);
   const [message, setMessage] = useState("");
-  const flow = useRef<ReactFlowInstance<FaceNode> | null>(null);
+  const flow = useRef<ReactFlowInstance<FaceNode, Wire> | null>(null);
 
   const place = (all: readonly NodeView[], kept: readonly FaceNode[]) => {
     const old = new Map(kept.map((face) => [face.id, face]));
@@ -66,23 +70,24 @@ export function GraphView({ host, shown }: PanelProps) {
   };
   useEffect(() => setFaces((kept) => place(nodes ?? [], kept)), [nodes]);
 
-  const wires = useMemo(
-    () =>
-      links.map(({ from, output, to, input }): Edge => {
-        const source = nodes?.find(({ node }) => node === from);
-        const pin = source && outputsOf(source).find(({ id }) => id === output);
-        return {
-          id: `${from} ${output} ${to} ${input}`,
-          source: from,
-          sourceHandle: String(output),
-          target: to,
-          targetHandle: String(input),
-          className: `wire wire-${pin ? sortOf(pin) : "text"}`,
-          deletable: false,
-        };
-      }),
-    [nodes, links],
-  );
+  const draw = (link: Link, kept: readonly Wire[]): Wire => {
+    const { from, output, to, input } = link;
+    const id = `${from} ${output} ${to} ${input}`;
+    const source = nodes?.find(({ node }) => node === from);
+    const pin = source && outputsOf(source).find((param) => param.id === output);
+    return {
+      id,
+      source: from,
+      sourceHandle: String(output),
+      target: to,
+      targetHandle: String(input),
+      className: `wire wire-${pin ? sortOf(pin) : "text"}`,
+      selected: kept.some((wire) => wire.id === id && wire.selected),
+      data: { link },
+      domAttributes: { tabindex: 0 }, // the library's tabIndex reaches SVG as it's spelt, which means nothing there
+    };
+  };
+  useEffect(() => setWires((kept) => links.map((link) => draw(link, kept))), [nodes, links]);
 
   const whyNot = ({ source, sourceHandle, target, targetHandle }: Connection | Edge): string | null => {
     const from = nodes?.find(({ node }) => node === source);
@@ -109,8 +114,14 @@ export function GraphView({ host, shown }: PanelProps) {
     setFaces((kept) => kept.map((face) => ({ ...face, position: places.get(face.id) ?? face.position })));
     requestAnimationFrame(() => void flow.current?.fitView());
   };
-  const remove = async (gone: readonly FaceNode[]) => {
-    const errors = await Promise.all(gone.map(({ id }) => host.removeNode(id)));
+  /** Of what was chosen, links of nodes that go anyway go with them. */
+  const remove = async (gone: readonly FaceNode[], cutWires: readonly Wire[]) => {
+    const ids = new Set(gone.map(({ id }) => id));
+    const cut = cutWires.filter(({ source, target }) => !ids.has(source) && !ids.has(target));
+    const errors = await Promise.all([
+      ...gone.map(({ id }) => host.removeNode(id)),
+      ...cut.flatMap(({ data }) => (data ? host.unlink(data.link) : [])),
+    ]);
     setMessage(errors.filter((error) => error !== null).join(" "));
   };
 
@@ -135,14 +146,15 @@ export function GraphView({ host, shown }: PanelProps) {
           edges={wires}
           nodeTypes={FACES}
           onNodesChange={onFacesChange}
+          onEdgesChange={onWiresChange}
           isValidConnection={(connection) => whyNot(connection) === null}
           onConnect={async ({ source, sourceHandle, target, targetHandle }) =>
             setMessage((await host.link(source, Number(sourceHandle), target, Number(targetHandle))) ?? "")
           }
           onConnectEnd={tellRefusal}
           // What goes is the host's to say: the graph follows the scene.
-          onBeforeDelete={async ({ nodes: gone }) => {
-            await remove(gone);
+          onBeforeDelete={async ({ nodes: gone, edges: cut }) => {
+            await remove(gone, cut);
             return false;
           }}
           onNodeDoubleClick={(_, { id }) =>
