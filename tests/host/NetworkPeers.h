@@ -123,3 +123,26 @@ private:
 
     boost::asio::io_context m_context;
 };
+
+/// A session with others around it, of which one listens as a device.
+class CNetworkTest : public CHostTest {
+protected:
+    OrderedJson SetDevice(int nId, const char* pszParser, const Json& address) {
+        return Must({{"op", "devices"},
+                     {"list", {{{"id", nId}, {"name", "Wall"}, {"parser", pszParser}, {"address", address}}}}});
+    }
+    CTestPeers::Socket ConnectDevice(const char* pszParser, int nId = 3) {
+        SetDevice(nId, pszParser, m_listener.Address());
+        return m_listener.Accept();
+    }
+
+    OrderedJson Device() { return Must("network")["devices"][0]; }
+
+    /// What the other side's waiting needs: that this one goes on.
+    std::function<void()> Serve() {
+        return [this] { Must("wait ms=10"); };
+    }
+
+    CTestPeers m_peers;
+    CTestPeers::CListener m_listener{m_peers};
+};

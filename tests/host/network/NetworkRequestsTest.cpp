@@ -11,7 +11,7 @@ namespace {
 
 const char* const NOBODYS_ADDRESS = "192.0.2.1"; // kept free for documents
 
-class NetworkRequests : public CHostTest {
+class NetworkRequests : public CNetworkTest {
 protected:
     /// Trigger "Send" of a node and evaluate it.
     OrderedJson Send(const char* pszNode, unsigned nSend) {
@@ -21,16 +21,6 @@ protected:
     OrderedJson SendRecord() { return Send("send", 410); }
     OrderedJson SendString() { return Send("string", 1507); }
 
-    OrderedJson SetDevice(int nId, const char* pszParser, const Json& address) {
-        return Must({{"op", "devices"},
-                     {"list", {{{"id", nId}, {"name", "Wall"}, {"parser", pszParser}, {"address", address}}}}});
-    }
-    CTestPeers::Socket ConnectDevice(const char* pszParser) {
-        SetDevice(3, pszParser, m_listener.Address());
-        return m_listener.Accept();
-    }
-
-    OrderedJson Device() { return Must("network")["devices"][0]; }
     OrderedJson Broadcasts() { return Must("network")["broadcast"]; }
     OrderedJson Control() { return Must("network")["control"]; }
 
@@ -38,11 +28,6 @@ protected:
     OrderedJson AwaitState(const std::string& strState) {
         Await([&] { return Device()["state"] == strState; });
         return Device();
-    }
-
-    /// What the other side's waiting needs: that this one goes on.
-    std::function<void()> Serve() {
-        return [this] { Must("wait ms=10"); };
     }
 
     /// A send node for device 3 and a receive node of the same key.
@@ -108,8 +93,6 @@ protected:
     void ExpectRefused(const std::string& strField, const CRequest& request) {
         EXPECT_EQ(Refusal(request).substr(0, strField.size() + 1), strField + ":");
     }
-    CTestPeers m_peers;
-    CTestPeers::CListener m_listener{m_peers};
 };
 
 // ---- Devices ------------------------------------------------------------------------------------------------------

@@ -48,6 +48,17 @@ TEST_F(Create, TypesAreReadInEitherCaseAndUnknownOnesMakeNoHandle) {
     )");
 }
 
+TEST_F(Create, WhatIsNoGuidIsRefused) {
+    for (const std::string strType :
+         {"", "{}", "8164BB40-6B6A-4707-88B7-386BCB0D1B03", "{8164BB40-6B6A-4707-88B7-386BCB0D1B0}",
+          "{8164BB40-6B6A-4707-88B7-386BCB0D1B030}", "{8164BB4006B6A-4707-88B7-386BCB0D1B03}",
+          "{0x64BB40-6B6A-4707-88B7-386BCB0D1B03}", "{ 164BB40-6B6A-4707-88B7-386BCB0D1B03}",
+          "(8164BB40-6B6A-4707-88B7-386BCB0D1B03)"}) {
+        const Json request = {{"op", "create"}, {"node", "n"}, {"type", strType}, {"clip", "C"}, {"graph", "G"}};
+        EXPECT_EQ(Refusal(request), "type: \"" + strType + "\" isn't a GUID");
+    }
+}
+
 TEST_F(Create, MalformedRequestsAreRefusedByField) {
     Must(CREATE_MOUSE);
     Talk(R"(

@@ -6,7 +6,7 @@
 
 namespace {
 
-class JsonTextRequests : public CHostTest {
+class JsonTextRequests : public CNetworkTest {
 protected:
     JsonTextRequests() {
         Talk(R"(
@@ -33,12 +33,8 @@ protected:
     /// A device that sends texts, connected; the node is about device 3.
     CTestPeers::Socket ConnectDevice(int nId = 3, const char* pszParser = "json") {
         Must("set node=j param=1402 int=3");
-        Must({{"op", "devices"},
-              {"list", {{{"id", nId}, {"name", "Wall"}, {"parser", pszParser}, {"address", m_listener.Address()}}}}});
-        return m_listener.Accept();
+        return CNetworkTest::ConnectDevice(pszParser, nId);
     }
-
-    OrderedJson Device() { return Must("network")["devices"][0]; }
 
     /// Read the network until so many texts were handed to the nodes; what the replies tell of them.
     OrderedJson AwaitTexts(size_t nTexts) {
@@ -53,9 +49,6 @@ protected:
         EXPECT_EQ(dispatched.size(), nTexts);
         return dispatched;
     }
-
-    CTestPeers m_peers;
-    CTestPeers::CListener m_listener{m_peers};
 };
 
 // ---- By request ----------------------------------------------------------------------------------------------------
@@ -176,7 +169,7 @@ TEST_F(JsonTextRequests, RefusedLinesAreCountedAndTheNextOneIsRead) {
     device.close();
     Await([this] { return Device()["rejected"] == 4; });
     EXPECT_EQ(Device()["last_rejected"], "cut off");
-    auto again = m_listener.Accept([this] { Must("wait ms=10"); });
+    auto again = m_listener.Accept(Serve());
     CTestPeers::Write(again, "]\n[4]\n");
     AwaitTexts(2);
     EXPECT_EQ(Text(), "[4]");
@@ -195,13 +188,13 @@ TEST_F(JsonTextRequests, EachDeviceSendsUnderItsOwnNumberAndOtherParsersTakeNoTe
 }
 
 TEST_F(JsonTextRequests, ADeviceThatSendsTextsIsSentThemTooAndKeptInScenes) {
-    ConnectDevice();
+    const auto first = ConnectDevice(); // kept open, so that it isn't connected again before its time
     const std::string strFile = Quote(m_folder.Path() / "scene.json");
     Must("save file=" + strFile);
     Must("devices list=null");
     Must("load file=" + strFile);
     EXPECT_EQ(Device()["parser"], "json");
-    auto device = m_listener.Accept([this] { Must("wait ms=10"); });
+    auto device = m_listener.Accept(Serve());
     Talk(R"(
         create node=string type=string_send clip=Clip graph=G
         set node=string param=1503 int=3

@@ -16,6 +16,10 @@ TEST_F(Parameter, SetChangesOneMemberOfAnInputOrOfTheNodesOwn) {
         set node=p param=13 choice=7
         inspect node=p => {"inputs":{"10":{"int":-2147483648},"11":{"int":1,"float":0.5},"12":{"string":"触发 𝄞"},"13":{"int":7}}}
         inspect node=p => {"own":{"10":{"int":0},"11":{"int":0},"12":{"string":""}}}
+        set node=p param=10 int=2147483647
+        set node=p param=11 float=18446744073709551615
+        inspect node=p => {"inputs":{"10":{"int":2147483647},"11":{"float":18446744073709551616.0}}}
+        set node=p param=10 int=-2147483648
         set node=p param=11 float=2
         set node=p param=10 int=3 own=true
         inspect node=p => {"inputs":{"10":{"int":-2147483648},"11":{"int":1,"float":2}},"own":{"10":{"int":3}}}
@@ -29,6 +33,9 @@ TEST_F(Parameter, MalformedValuesAreRefusedByField) {
         OP node=x param=10 int=1 => node: there is no node "x"
         OP node=p int=1 => param: is missing
         OP node=p param="10" int=1 => param: must be an integer
+        OP node=p param=-1 int=1 => param: is outside the unsigned 32-bit range
+        OP node=p param=4294967296 int=1 => param: is outside the unsigned 32-bit range
+        OP node=p param=4294967295 int=1 => param: there is no parameter 4294967295 among the node's graph inputs
         OP node=p param=77 int=1 => param: there is no parameter 77 among the node's graph inputs
         OP node=p param=77 int=1 own=true => param: there is no parameter 77 among the node's own parameters
         OP node=p param=101 int=1 => param: there is no parameter 101 among the node's graph inputs
