@@ -1,5 +1,6 @@
 #include "base/GuidText.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include <boost/algorithm/string/predicate.hpp>
