@@ -67,6 +67,33 @@ test("a chosen node is removed by a key, with its links", async () => {
   assert.equal(await wires().count(), 0);
 });
 
+test("a key that is typed elsewhere removes nothing", async () => {
+  await face("t").locator("header").click();
+  await chosen().waitFor();
+  await page.page.locator("[data-surface]").focus();
+  await page.page.keyboard.press("Delete");
+  await page.page.keyboard.press("Backspace");
+  await expectEventually("the keys", () => page.count(is.KEY_DOWN), 2);
+  assert.equal(page.sent.some(({ op }) => op === "destroy"), false);
+});
+
+test("another scene is arranged anew and comes into sight", async () => {
+  const node = (name, last) => ({ node: name, type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${last}}`, clip: "Demo", graph: name });
+  const nodes = [node("t2", Type.textField), node("k2", Type.keyboard), node("m2", Type.mouse)];
+  const links = [{ from: "k2", output: is.KEY_DOWN[1], to: "t2", input: APPEND_INPUT }];
+  await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes, links } });
+  await face("k2").waitFor();
+  await expectEventually("those in sight", () => page.page.locator("[data-graph]").evaluate((graph) => {
+    const pane = graph.getBoundingClientRect();
+    return [...graph.querySelectorAll("[data-face]")].filter((one) => {
+      const box = one.getBoundingClientRect();
+      return box.left >= pane.left && box.right <= pane.right && box.top >= pane.top && box.bottom <= pane.bottom;
+    }).length;
+  }), 3);
+  const left = async (node) => (await face(node).boundingBox()).x;
+  assert.ok((await left("k2")) < (await left("t2")));
+});
+
 test("a chosen wire is cut, and the nodes stay", async () => {
   await wires().focus();
   await page.page.keyboard.press("Enter");

@@ -97,6 +97,7 @@ export class Host implements ConnectionListener {
   readonly #connection: Connection;
   readonly #logBuffer = new LogBuffer();
   readonly #pace = new Pace();
+  #logWaits = false;
   #reading = false;
   #sceneIsStale = false;
   readonly #staleNodes = new Set<string>();
@@ -196,7 +197,7 @@ export class Host implements ConnectionListener {
   }
 
   resetCounts(): void {
-    batch(() => this.fired.reset());
+    this.#pace.show(() => this.fired.reset());
   }
 
   lost(retryInMs: number): void {
@@ -289,11 +290,15 @@ export class Host implements ConnectionListener {
     }
     if (log !== undefined) {
       this.#logBuffer.append(log, now);
-      this.#pace.show(() => this.#publishLog());
+      if (!this.#logWaits) {
+        this.#logWaits = true;
+        this.#pace.show(() => this.#publishLog());
+      }
     }
   }
 
   #publishLog(): void {
+    this.#logWaits = false;
     this.log.value = { lines: [...this.#logBuffer.lines], count: this.#logBuffer.count };
   }
 
@@ -316,7 +321,10 @@ export class Host implements ConnectionListener {
   }
 
   async #readNodes(stale: ReadonlySet<string>): Promise<void> {
-    const known = this.nodes.peek() ?? [];
+    const known = this.nodes.peek();
+    if (known === null) {
+      return; // the scene couldn't be read; it will be with the next connection
+    }
     const read = await Promise.all(known.map((node) => (stale.has(node.node) ? this.#readNode(node) : node)));
     this.nodes.value = known.map((node, index) => read[index] ?? node);
   }

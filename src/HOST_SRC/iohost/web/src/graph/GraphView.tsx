@@ -55,8 +55,9 @@ export function GraphView({ host, shown }: PanelProps) {
 
   const place = (all: readonly NodeView[], kept: readonly FaceNode[]) => {
     const old = new Map(kept.map((face) => [face.id, face]));
-    const places = kept.length === 0 ? arrange(all.map(boxOf), links) : null;
-    let below = Math.max(...kept.map(({ position, measured }) => position.y + (measured?.height ?? 0)), 0);
+    const staying = all.flatMap(({ node }) => old.get(node) ?? []);
+    const places = staying.length === 0 ? arrange(all.map(boxOf), links) : null;
+    let below = Math.max(...staying.map(({ position, measured }) => position.y + (measured?.height ?? 0)), 0);
     return all.map((node): FaceNode => {
       const data = { host, node };
       const face = old.get(node.node);
@@ -68,7 +69,14 @@ export function GraphView({ host, shown }: PanelProps) {
       return { id: node.node, type: "face", position, data, ariaLabel: `${node.graph}, ${node.details.name}` };
     });
   };
-  useEffect(() => setFaces((kept) => place(nodes ?? [], kept)), [nodes]);
+  useEffect(() => {
+    setFaces((kept) => place(nodes ?? [], kept));
+  }, [nodes]);
+  // Another scene comes into sight as a whole.
+  const first = nodes?.[0]?.node;
+  useEffect(() => {
+    requestAnimationFrame(() => void flow.current?.fitView());
+  }, [first]);
 
   const draw = (link: Link, kept: readonly Wire[]): Wire => {
     const { from, output, to, input } = link;
@@ -114,13 +122,23 @@ export function GraphView({ host, shown }: PanelProps) {
     setFaces((kept) => kept.map((face) => ({ ...face, position: places.get(face.id) ?? face.position })));
     requestAnimationFrame(() => void flow.current?.fitView());
   };
-  /** Of what was chosen, links of nodes that go anyway go with them. */
-  const remove = async (gone: readonly FaceNode[], cutWires: readonly Wire[]) => {
+  /** Keys remove what is chosen only where they are typed: the library would take them from the whole page. */
+  const removeChosen = (event: KeyboardEvent) => {
+    if (event.key === "Delete" || event.key === "Backspace") {
+      event.preventDefault();
+      void remove(
+        faces.filter(({ selected }) => selected),
+        wires.filter(({ selected }) => selected),
+      );
+    }
+  };
+  /** Links of nodes that go anyway go with them. */
+  const remove = async (gone: readonly FaceNode[], cut: readonly Wire[]) => {
     const ids = new Set(gone.map(({ id }) => id));
-    const cut = cutWires.filter(({ source, target }) => !ids.has(source) && !ids.has(target));
+    const left = cut.filter(({ source, target }) => !ids.has(source) && !ids.has(target));
     const errors = await Promise.all([
       ...gone.map(({ id }) => host.removeNode(id)),
-      ...cut.flatMap(({ data }) => (data ? host.unlink(data.link) : [])),
+      ...left.flatMap(({ data }) => (data ? host.unlink(data.link) : [])),
     ]);
     setMessage(errors.filter((error) => error !== null).join(" "));
   };
@@ -139,7 +157,7 @@ export function GraphView({ host, shown }: PanelProps) {
           {message}
         </span>
       </div>
-      <div class="graph" data-graph>
+      <div class="graph" data-graph onKeyDown={removeChosen}>
         <ReactFlow
           colorMode="dark"
           nodes={faces}
@@ -152,16 +170,13 @@ export function GraphView({ host, shown }: PanelProps) {
             setMessage((await host.link(source, Number(sourceHandle), target, Number(targetHandle))) ?? "")
           }
           onConnectEnd={tellRefusal}
-          // What goes is the host's to say: the graph follows the scene.
-          onBeforeDelete={async ({ nodes: gone, edges: cut }) => {
-            await remove(gone, cut);
-            return false;
-          }}
           onNodeDoubleClick={(_, { id }) =>
             document.getElementById(`node-${id}`)?.scrollIntoView({ behavior: "smooth", block: "start" })
           }
           onInit={(instance) => (flow.current = instance)}
-          deleteKeyCode={["Delete", "Backspace"]}
+          deleteKeyCode={null}
+          panActivationKeyCode={null}
+          selectionKeyCode={null}
           minZoom={0.1}
           fitView
         >
