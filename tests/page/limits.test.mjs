@@ -53,6 +53,13 @@ for (const signal of ["SIGTERM", "SIGINT", "SIGHUP"]) {
   });
 }
 
+test("a host that is told to end as soon as it has printed its address ends by itself", async () => {
+  for (let round = 0; round < 20; ++round) {
+    const host = await startHost();
+    assert.equal(await host.end(), 0);
+  }
+});
+
 test("a terminal that is read again says how many lines were left out", { timeout: 60000 }, async () => {
   const host = await start();
   const script = await createSceneOf(host);

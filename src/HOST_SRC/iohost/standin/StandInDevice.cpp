@@ -290,7 +290,6 @@ int RunStandInDevice(const SStandInOptions& options, std::function<bool(std::str
     }
     const CErrorLines errorLines;
     CLines lines(context, std::move(write));
-    lines.Print({{"listening", EndpointText(acceptor.local_endpoint())}});
     asio::signal_set signals(context);
     for (const int nSignal : EndSignals()) {
         signals.add(nSignal);
@@ -300,6 +299,7 @@ int RunStandInDevice(const SStandInOptions& options, std::function<bool(std::str
             context.stop();
         }
     });
+    lines.Print({{"listening", EndpointText(acceptor.local_endpoint())}});
     Spawn(context, "connections aren't taken any longer",
           [&] { return AcceptConnections(acceptor, options, lines, senders); });
     context.run();

@@ -70,6 +70,10 @@ public:
     }
 
     void Run() {
+        // Whoever reads the address may end the host at once: signals are kept from here on.
+        for (const int nSignal : EndSignals()) {
+            m_signals.add(nSignal);
+        }
         std::ostream& output = m_output.Stream();
         output << "iohost: page at http://" << m_strAddress << "/" << m_pSite->token.Query() << "\n";
         if (!m_pSite->token.Query().empty()) {
@@ -81,10 +85,7 @@ public:
         if (const unsigned short nPort = ConfiguredBroadcastPort(); nPort != 0) {
             m_session.Peers().KeepReceivingBroadcasts(nPort);
         }
-        for (const int nSignal : EndSignals()) {
-            m_signals.add(nSignal);
-        }
-        AwaitSignal();
+        AwaitSignal(); // not before: what the first frame runs of the loop doesn't end it
         Spawn(m_context, "the page's connections aren't taken any longer", [this] { return AcceptConnections(); });
         m_frameTimer.Start();
         m_tellTimer.Start();
