@@ -88,7 +88,8 @@ class Host:
              "--scene", str(scene_file), "--record", str(self.recording)],
             env={**display.environment, **(extra_environment or {})}, stdin=subprocess.DEVNULL,
             stdout=subprocess.DEVNULL, stderr=self.errors)
-        until(lambda: self.windows() - windows_before, "the window opens")
+        until(lambda: self.program.poll() is not None or self.windows() - windows_before, "the window opens")
+        assert self.program.poll() is None, pathlib.Path(self.errors.name).read_text(encoding="utf-8", errors="replace")
         (self.window,) = self.windows() - windows_before
         display.do("windowmove", "--sync", self.window, *place)
         until(lambda: any(line["op"] == "process" for line in self.lines()), "the graph is evaluated")
