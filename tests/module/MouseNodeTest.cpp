@@ -7,8 +7,7 @@
 
 namespace {
 
-const int DEVICE = 1, ENTER = 3002, LEAVE = 3003, SAMPLE = 3013;
-const int LEFT_DOWN = 3005, LEFT_UP = 3006, MIDDLE_DOWN = 3007, RIGHT_DOWN = 3009;
+const int DEVICE = 1, SAMPLE = 3013, LEFT_DOWN = 3005, MIDDLE_DOWN = 3007, RIGHT_DOWN = 3009;
 
 /// All outputs with values: left, right, middle button; pixels; relative units.
 struct Values {
