@@ -1,4 +1,4 @@
-// An event against a message that another show system's library would carry the same in.
+// An event against an Open Sound Control message of the same content.
 #pragma once
 
 #include <memory>

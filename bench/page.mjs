@@ -31,7 +31,7 @@ function writeScene(times) {
 }
 
 const pause = (seconds) => new Promise((resolve) => setTimeout(resolve, seconds * 1000));
-const median = (values) => values.toSorted((a, b) => a - b)[values.length >> 1];
+const median = (values) => [...values].sort((a, b) => a - b)[values.length >> 1];
 
 /** The browser's processor time so far, all of its processes together, in seconds. */
 async function browserTime(tools) {

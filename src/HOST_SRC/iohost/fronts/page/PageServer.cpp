@@ -85,7 +85,7 @@ public:
         if (const unsigned short nPort = ConfiguredBroadcastPort(); nPort != 0) {
             m_session.Peers().KeepReceivingBroadcasts(nPort);
         }
-        AwaitSignal(); // not before: what the first frame runs of the loop doesn't end it
+        AwaitSignal(); // a signal handled during the first frame would stop a loop that doesn't run yet
         Spawn(m_context, "the page's connections aren't taken any longer", [this] { return AcceptConnections(); });
         m_frameTimer.Start();
         m_tellTimer.Start();

@@ -92,7 +92,7 @@ export function GraphView({ host, shown }: PanelProps) {
       className: `wire wire-${pin ? sortOf(pin) : "text"}`,
       selected: kept.some((wire) => wire.id === id && wire.selected),
       data: { link },
-      domAttributes: { tabindex: 0 }, // the library's tabIndex reaches SVG as it's spelt, which means nothing there
+      domAttributes: { tabindex: 0 }, // the library sets tabIndex, which Preact leaves so spelt and SVG doesn't know
     };
   };
   useEffect(() => setWires((kept) => links.map((link) => draw(link, kept))), [nodes, links]);
