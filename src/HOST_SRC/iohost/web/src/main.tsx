@@ -1,8 +1,11 @@
 import { render } from "preact";
 import { Host } from "./host.ts";
+import { startLanguage } from "./i18n.ts";
 import "./graph/graph.css";
 import "./page.css";
 import { App } from "./view/App.tsx";
+
+startLanguage();
 
 const scheme = location.protocol === "https:" ? "wss" : "ws";
 const host = new Host(`${scheme}://${location.host}/session`);
