@@ -1,12 +1,19 @@
+import { useState } from "preact/hooks";
+import { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import { ConnectionBanner, ConnectionLamp } from "./Connection.tsx";
+import "./desk.css";
 import { Dock } from "./Dock.tsx";
+import { Inspector } from "./Inspector.tsx";
 import { LanguageSwitch } from "./LanguageSwitch.tsx";
-import { NodeList } from "./NodeList.tsx";
+import { lazyView } from "./lazyView.tsx";
 import { RenderSurface } from "./RenderSurface.tsx";
 
+const Canvas = lazyView(async () => (await import("../graph/Canvas.tsx")).Canvas);
+
 export function App({ host }: { host: Host }) {
+  const [desk] = useState(() => new Desk());
   return (
     <div class="app">
       <header class="top">
@@ -16,12 +23,17 @@ export function App({ host }: { host: Host }) {
         <LanguageSwitch />
       </header>
       <ConnectionBanner host={host} />
-      <main class="desk">
+      <main class={desk.surfaceIsLarge.value ? "desk desk-surface" : "desk"}>
         <div class="stage">
-          <RenderSurface host={host} />
-          <Dock host={host} />
+          <section class="panel canvas" aria-label={t("Graph of the scene")}>
+            <Canvas host={host} desk={desk} />
+          </section>
+          <Dock host={host} desk={desk} />
         </div>
-        <NodeList host={host} />
+        <div class="side">
+          <RenderSurface host={host} desk={desk} />
+          <Inspector host={host} desk={desk} />
+        </div>
       </main>
     </div>
   );

@@ -1,6 +1,13 @@
 import { useEffect, useRef, useState } from "preact/hooks";
+import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { PANELS } from "./panels.ts";
+import { Splitter } from "./Splitter.tsx";
+
+const STORAGE_KEY = "iohost.dock-height";
+const LEAST_PX = 120;
+/** What the canvas keeps at least. */
+const CANVAS_PX = 172;
 
 /** Where the panel in front is remembered, so that a reload and a link lead back to it. */
 function panelOfAddress(): string {
@@ -8,12 +15,30 @@ function panelOfAddress(): string {
   return PANELS.some((panel) => panel.id === id) ? id : PANELS[0]!.id;
 }
 
-/** The panels below the render surface, one in front. One that was in front once keeps its state behind the others. */
-export function Dock({ host }: { host: Host }) {
+/**
+ * The panels below the canvas, one in front. One that was in front once keeps its state behind the others. Each has the
+ * height that suits it until somebody chooses one for all.
+ */
+export function Dock({ host, desk }: { host: Host; desk: Desk }) {
   const [front, setFront] = useState(panelOfAddress);
   const opened = useRef(new Set<string>());
   const tabs = useRef<HTMLDivElement>(null);
   opened.current.add(front);
+  const dock = useRef<HTMLElement>(null);
+  const [chosen, setChosen] = useState(() => Number(localStorage.getItem(STORAGE_KEY)) || null);
+  const [shown, setShown] = useState({ height: LEAST_PX, most: LEAST_PX });
+  useEffect(() => {
+    const measure = () =>
+      setShown({ height: dock.current!.offsetHeight, most: dock.current!.parentElement!.offsetHeight - CANVAS_PX });
+    const watch = new ResizeObserver(measure);
+    watch.observe(dock.current!);
+    watch.observe(dock.current!.parentElement!);
+    return () => watch.disconnect();
+  }, []);
+  const resize = (height: number) => {
+    localStorage.setItem(STORAGE_KEY, String(height));
+    setChosen(height);
+  };
 
   useEffect(() => {
     const follow = () => setFront(panelOfAddress());
@@ -37,7 +62,14 @@ export function Dock({ host }: { host: Host }) {
   };
 
   return (
-    <section class="panel dock" aria-label="Panels" style={{ height: PANELS.find(({ id }) => id === front)?.height }}>
+    <>
+      <Splitter label="Height of the panels" {...shown} least={LEAST_PX} onResize={resize} />
+      <section
+        class="panel dock"
+        aria-label="Panels"
+        ref={dock}
+        style={{ height: chosen ?? PANELS.find(({ id }) => id === front)?.height }}
+      >
       <div class="tabs" role="tablist" ref={tabs} onKeyDown={step}>
         {PANELS.map(({ id, title }) => (
           <button
@@ -65,9 +97,10 @@ export function Dock({ host }: { host: Host }) {
           hidden={id !== front}
           data-panel={id}
         >
-          <View host={host} shown={id === front} />
+          <View host={host} desk={desk} shown={id === front} />
         </div>
       ))}
-    </section>
+      </section>
+    </>
   );
 }

@@ -1,6 +1,7 @@
 import { useSignal } from "@preact/signals";
 import { useEffect, useRef } from "preact/hooks";
 import { floatText } from "../format.ts";
+import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { firstPointer } from "../input/pointers.ts";
 import type { SampleKind } from "../input/stroke.ts";
@@ -17,7 +18,7 @@ const KINDS: readonly { kind: SampleKind; label: string }[] = [
 ];
 
 /** The stand-in for the host's render window: what happens on it goes to the nodes. */
-export function RenderSurface({ host }: { host: Host }) {
+export function RenderSurface({ host, desk }: { host: Host; desk: Desk }) {
   const surface = useRef<HTMLDivElement>(null);
   const input = useRef<SurfaceInput | null>(null);
   const pointers = useSignal<readonly PointerEcho[]>([]);
@@ -84,7 +85,7 @@ export function RenderSurface({ host }: { host: Host }) {
     <section class="panel surface-panel" aria-labelledby="surface-title">
       <div class="panel-head">
         <h2 id="surface-title">Render surface</h2>
-        <span class="hint" id="surface-hint">
+        <span class="hint" id="surface-hint" title="Keys go to the nodes while it has the focus. Tab leaves it.">
           Keys go to the nodes while it has the focus. <kbd>Tab</kbd> leaves it.
         </span>
         <span class="switch-label">Samples</span>
@@ -101,6 +102,16 @@ export function RenderSurface({ host }: { host: Host }) {
             </button>
           ))}
         </div>
+        <button
+          type="button"
+          class="icon-button"
+          title={desk.surfaceIsLarge.value ? "Make it smaller" : "Enlarge"}
+          aria-label="Enlarge the render surface"
+          aria-pressed={desk.surfaceIsLarge.value}
+          onClick={() => (desk.surfaceIsLarge.value = !desk.surfaceIsLarge.value)}
+        >
+          ⤢
+        </button>
       </div>
       <div
         class="surface"

@@ -1,18 +1,20 @@
 import type { ComponentType } from "preact";
+import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { JsonPanel } from "./JsonPanel.tsx";
 import { KeyboardPanel } from "./KeyboardPanel.tsx";
-import { lazyPanel } from "./lazyPanel.tsx";
+import { lazyView } from "./lazyView.tsx";
 import { LogPanel } from "./LogPanel.tsx";
 import { NetworkPanel } from "./NetworkPanel.tsx";
 
 export interface PanelProps {
   host: Host;
+  desk: Desk;
   /** False while another panel is in front: nothing needs to be drawn then. */
   shown: boolean;
 }
 
-/** One of the panels below the render surface, each behind its own tab. Its view fills the box that it's given. */
+/** One of the panels below the canvas, each behind its own tab. Its view fills the box that it's given. */
 export interface Panel {
   /** Stands in the page's address, as in `/#log`. */
   id: string;
@@ -25,9 +27,8 @@ export interface Panel {
 /** In the order of the tabs; the first one is in front at first. */
 export const PANELS: readonly Panel[] = [
   { id: "log", title: "Log", View: LogPanel },
-  { id: "graph", title: "Graph", View: lazyPanel(async () => (await import("../graph/GraphView.tsx")).GraphView), height: "56%" },
   { id: "keyboard", title: "On-screen keyboard", View: KeyboardPanel, height: "46%" },
-  { id: "hands", title: "VR hands", View: lazyPanel(async () => (await import("../vr/HandsView.tsx")).HandsView), height: "56%" },
+  { id: "hands", title: "VR hands", View: lazyView(async () => (await import("../vr/HandsView.tsx")).HandsView), height: "56%" },
   { id: "network", title: "Network", View: NetworkPanel, height: "46%" },
   { id: "json", title: "JSON texts", View: JsonPanel },
 ];

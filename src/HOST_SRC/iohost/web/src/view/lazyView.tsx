@@ -1,11 +1,10 @@
 import type { ComponentType } from "preact";
 import { useEffect, useState } from "preact/hooks";
-import type { PanelProps } from "./panels.ts";
 
-/** A panel whose code is large: it's loaded when the panel is opened for the first time. */
-export function lazyPanel(load: () => Promise<ComponentType<PanelProps>>): ComponentType<PanelProps> {
-  return function LazyPanel(props) {
-    const [View, setView] = useState<ComponentType<PanelProps> | null>(null);
+/** A view whose code is large: it's loaded when the view is shown for the first time, after the page's first paint. */
+export function lazyView<Props extends object>(load: () => Promise<ComponentType<Props>>): ComponentType<Props> {
+  return function LazyView(props) {
+    const [View, setView] = useState<ComponentType<Props> | null>(null);
     const [error, setError] = useState<string | null>(null);
     useEffect(() => {
       load().then(

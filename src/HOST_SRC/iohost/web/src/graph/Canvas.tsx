@@ -14,14 +14,14 @@ import {
   type NodeProps,
   type ReactFlowInstance,
 } from "@xyflow/react";
-import { useEffect, useRef, useState } from "preact/hooks";
+import { useEffect, useRef } from "preact/hooks";
+import type { Desk } from "../desk.ts";
 import type { Host, NodeView } from "../host.ts";
 import { iconOf } from "../icons.ts";
 import type { Param } from "../messages.ts";
 import { shownValue } from "../params.ts";
 import type { Link } from "../protocol.ts";
 import { LongText } from "../view/LongText.tsx";
-import type { PanelProps } from "../view/panels.ts";
 import { arrange, type Box } from "./layout.ts";
 import { NodePalette } from "./NodePalette.tsx";
 import { refusal, sortOf } from "./wiring.ts";
@@ -45,12 +45,13 @@ function boxOf(node: NodeView): Box {
 }
 
 /** The scene as a graph: what each node shows right now, and what leads where. Nodes are added, wired and removed here. */
-export function GraphView({ host, shown }: PanelProps) {
+export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
   const nodes = host.nodes.value;
   const links = host.links.value;
   const [faces, setFaces, onFacesChange] = useNodesState<FaceNode>([]);
   const [wires, setWires, onWiresChange] = useEdgesState<Wire>([]);
-  const [message, setMessage] = useState("");
+  const message = desk.message.value;
+  const setMessage = (text: string) => (desk.message.value = text);
   const flow = useRef<ReactFlowInstance<FaceNode, Wire> | null>(null);
 
   const place = (all: readonly NodeView[], kept: readonly FaceNode[]) => {
@@ -143,9 +144,15 @@ export function GraphView({ host, shown }: PanelProps) {
     setMessage(errors.filter((error) => error !== null).join(" "));
   };
 
-  if (!shown) {
-    return null;
-  }
+  // What is chosen here the inspector shows, and it can be chosen from elsewhere.
+  const chosen = faces.filter(({ selected }) => selected).map(({ id }) => id);
+  useEffect(() => {
+    desk.chosen.value = chosen;
+  }, [chosen.join("\n")]);
+  useEffect(() => {
+    desk.choose = (ids) => setFaces((kept) => kept.map((face) => ({ ...face, selected: ids.includes(face.id) })));
+  }, [desk]);
+
   return (
     <>
       <div class="panel-head graph-head">

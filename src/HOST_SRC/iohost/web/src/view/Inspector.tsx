@@ -1,4 +1,5 @@
 import { memo } from "preact/compat";
+import type { Desk } from "../desk.ts";
 import type { Host, NodeView } from "../host.ts";
 import { iconOf } from "../icons.ts";
 import { kindOf } from "../params.ts";
@@ -7,21 +8,33 @@ import { JsonVerdictLine } from "./JsonPanel.tsx";
 import { EventOutput, ValueOutput } from "./Outputs.tsx";
 import { ParamEditor } from "./ParamEditor.tsx";
 
-export function NodeList({ host }: { host: Host }) {
+/** The cards of the nodes that are chosen on the canvas, or of all. */
+export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
   const nodes = host.nodes.value;
+  const chosen = desk.chosen.value;
+  const shown = chosen.length === 0 ? nodes : (nodes?.filter(({ node }) => chosen.includes(node)) ?? null);
   return (
     <section class="nodes" aria-labelledby="nodes-title">
       <div class="panel-head">
         <h2 id="nodes-title">Nodes</h2>
-        {nodes !== null && <span class="hint">{nodes.length} in the scene</span>}
+        {nodes !== null && (
+          <span class="hint">
+            {chosen.length === 0 ? `${nodes.length} in the scene` : `${chosen.length} of ${nodes.length} chosen`}
+          </span>
+        )}
+        {chosen.length > 0 && (
+          <button type="button" onClick={() => desk.choose([])}>
+            Show all
+          </button>
+        )}
         <button type="button" class="quiet" onClick={() => host.resetCounts()}>
           Reset counts
         </button>
       </div>
-      {nodes !== null && nodes.length > 1 && <NodeIndex host={host} nodes={nodes} />}
+      {nodes !== null && nodes.length > 1 && chosen.length === 0 && <NodeIndex host={host} nodes={nodes} />}
       <div class="cards">
         {nodes?.length === 0 && <p class="empty">The scene has no nodes.</p>}
-        {nodes?.map((node) => (
+        {shown?.map((node) => (
           <NodeCard key={node.node} host={host} node={node} />
         ))}
       </div>
