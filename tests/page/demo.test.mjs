@@ -113,10 +113,10 @@ test("the on-screen keyboard types through the same nodes", async () => {
 });
 
 test("a swipe sends the text to the Display", async () => {
-  await fires("gesture", 755, () => drag(100, 500));
+  await fires("gesture", 755, () => drag(100, 400));
   await until("the Display's line", () => linesOf("Display").some((line) => line.includes('"hex":"6f6b00"')));
   await picture("pointer", "gesture");
-  await fires("gesture", 754, () => drag(500, 100));
+  await fires("gesture", 754, () => drag(400, 100));
   await shows("text_field", 253, "");
 });
 

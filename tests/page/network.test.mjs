@@ -206,9 +206,9 @@ test("the device of a send node is chosen from the list, and its name follows", 
   await create("send", NET_SEND);
   await create("text", STRING_SEND);
   await until("the choices", async () => (await input("send", NET_SEND.devId).locator("option").count()) === 3);
-  assert.deepEqual(await input("send", NET_SEND.devId).locator("option").allInnerTexts(), ["none", "3 · Wall", "7 · Desk"]);
+  assert.deepEqual(await input("send", NET_SEND.devId).locator("option").allTextContents(), ["none", "3 · Wall", "7 · Desk"]);
   await until("the choices", async () => (await input("text", STRING_SEND.devId).locator("option").count()) === 3);
-  assert.deepEqual(await input("text", STRING_SEND.devId).locator("option").allInnerTexts(),
+  assert.deepEqual(await input("text", STRING_SEND.devId).locator("option").allTextContents(),
     ["0 · no such device", "3 · Wall", "7 · Desk"]);
 
   await input("send", NET_SEND.devId).selectOption("3");

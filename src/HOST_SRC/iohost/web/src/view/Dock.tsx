@@ -1,6 +1,7 @@
 import { useEffect, useRef, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
 import { PANELS } from "./panels.ts";
 import { Splitter } from "./Splitter.tsx";
 
@@ -63,7 +64,7 @@ export function Dock({ host, desk }: { host: Host; desk: Desk }) {
 
   return (
     <>
-      <Splitter label="Height of the panels" {...shown} least={LEAST_PX} onResize={resize} />
+      <Splitter label={t("Height of the panels")} {...shown} least={LEAST_PX} onResize={resize} />
       <section
         class="panel dock"
         aria-label="Panels"

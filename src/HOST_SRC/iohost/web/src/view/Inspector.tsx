@@ -1,6 +1,7 @@
 import { memo } from "preact/compat";
 import type { Desk } from "../desk.ts";
 import type { Host, NodeView } from "../host.ts";
+import { t } from "../i18n.ts";
 import { iconOf } from "../icons.ts";
 import { kindOf } from "../params.ts";
 import type { ParamGroup } from "../messages.ts";
@@ -19,12 +20,14 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
         <h2 id="nodes-title">Nodes</h2>
         {nodes !== null && (
           <span class="hint">
-            {chosen.length === 0 ? `${nodes.length} in the scene` : `${chosen.length} of ${nodes.length} chosen`}
+            {chosen.length === 0
+              ? t("{count} in the scene", { count: nodes.length })
+              : t("{chosen} of {count} chosen", { chosen: chosen.length, count: nodes.length })}
           </span>
         )}
         {chosen.length > 0 && (
           <button type="button" onClick={() => desk.choose([])}>
-            Show all
+            {t("Show all")}
           </button>
         )}
         <button type="button" class="quiet" onClick={() => host.resetCounts()}>

@@ -3,6 +3,7 @@ import { useEffect, useRef } from "preact/hooks";
 import { floatText } from "../format.ts";
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
 import { firstPointer } from "../input/pointers.ts";
 import type { SampleKind } from "../input/stroke.ts";
 import { Strokes, type StrokeView } from "../input/strokes.ts";
@@ -105,8 +106,8 @@ export function RenderSurface({ host, desk }: { host: Host; desk: Desk }) {
         <button
           type="button"
           class="icon-button"
-          title={desk.surfaceIsLarge.value ? "Make it smaller" : "Enlarge"}
-          aria-label="Enlarge the render surface"
+          title={desk.surfaceIsLarge.value ? t("Make it smaller") : t("Enlarge")}
+          aria-label={t("Enlarge the render surface")}
           aria-pressed={desk.surfaceIsLarge.value}
           onClick={() => (desk.surfaceIsLarge.value = !desk.surfaceIsLarge.value)}
         >
