@@ -16,8 +16,8 @@ test("a key fires down and up once each, shows its text, and is logged", async (
   await page.keyboard.up("a");
   await page.fires(is.KEY_UP, 1);
   assert.equal(await page.count(is.KEY_DOWN), 1);
-  await page.logs("[Demo.Keyboard 1.Keyboard]触发输出事件[按下]键盘信息为[a]");
-  await page.logs("[Demo.Keyboard 1.Keyboard]触发输出事件[抬起]键盘信息为[a]");
+  await page.logs("[Demo.Keyboard 1.Keyboard] fired [Pressed] for the key [a]");
+  await page.logs("[Demo.Keyboard 1.Keyboard] fired [Released] for the key [a]");
   await until("lines in the terminal", () => host.output.stdout.includes("event  Demo.Keyboard 1  152 KeyDown\n"));
 });
 

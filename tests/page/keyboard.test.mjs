@@ -38,7 +38,7 @@ test("typing on the screen changes the node's text, and the panel shows it", asy
   const names = page.sent.filter(({ op, param }) => op === "set" && param === 202).map(({ string }) => string);
   assert.deepEqual(names, ["Shift+h", "i", "Space", "Shift+1", "Num 7", "Num Del", "Num Enter", "\\", "Backspace", "Backspace"]);
   await page.page.locator("[data-tab=log]").click();
-  await page.logs("[Demo]触发输入事件[输入事件]");
+  await page.logs("[Demo] took [Input event]");
 });
 
 test("Caps Lock turns letters upper case until it's pressed again, and shows on the keys", async () => {

@@ -35,7 +35,7 @@ test("a finger that swipes to the right fires the drag and the swipe, and the pa
   await page.fires(is.SWIPE_RIGHT, 1);
   assert.equal(await page.count(is.TAP), 0);
   await verdictIs("Drag end, Swipe right", /off the axis, under 30°/);
-  await page.logs("触发输出事件[向右滑动]");
+  await page.logs("fired [Swipe right]");
   const samples = page.sentEvents().filter(([event]) => event === 3005 || event === 3006);
   const finger = page.pointer(1);
   assert.deepEqual(samples.map(([event, { pointer, relative }]) => [event, pointer, relative]), [[3005, finger, 0], [3006, finger, 0]]);

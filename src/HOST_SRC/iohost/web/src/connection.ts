@@ -1,4 +1,5 @@
 import { reconnectDelay } from "./backoff.ts";
+import { t } from "./i18n.ts";
 import type { Push, Reply } from "./messages.ts";
 
 export interface ConnectionListener {
@@ -43,7 +44,7 @@ export class Connection {
       this.#waiting.set(id, resolve as Resolve);
       if (!this.send({ ...request, id })) {
         this.#waiting.delete(id);
-        resolve({ ok: false, error: "not connected" });
+        resolve({ ok: false, error: t("not connected") });
       }
     });
   }
@@ -77,7 +78,7 @@ export class Connection {
     const waiting = [...this.#waiting.values()];
     this.#waiting.clear();
     for (const resolve of waiting) {
-      resolve({ ok: false, error: "the connection was lost" });
+      resolve({ ok: false, error: t("the connection was lost") });
     }
     const delay = reconnectDelay(this.#failures++);
     this.#listener.lost(delay);

@@ -1,3 +1,5 @@
+import { t } from "./i18n.ts";
+
 /** The time of day with milliseconds, in the local zone. */
 export function timeOfDay(milliseconds: number): string {
   const date = new Date(milliseconds);
@@ -30,7 +32,9 @@ export function shortestFloat(value: number): string {
 export function ageText(milliseconds: number): string {
   const seconds = Math.max(0, milliseconds) / 1000;
   if (seconds < 10) {
-    return `${(Math.floor(seconds * 10) / 10).toFixed(1)} s`;
+    return t("{count} s", { count: (Math.floor(seconds * 10) / 10).toFixed(1) });
   }
-  return seconds < 120 ? `${Math.floor(seconds)} s` : `${Math.floor(seconds / 60)} min`;
+  return seconds < 120
+    ? t("{count} s", { count: Math.floor(seconds) })
+    : t("{count} min", { count: Math.floor(seconds / 60) });
 }

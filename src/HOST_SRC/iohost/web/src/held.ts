@@ -1,3 +1,4 @@
+import { t } from "./i18n.ts";
 import { firstPointer } from "./input/pointers.ts";
 import { virtualKeyName } from "./input/virtualKeys.ts";
 import type { HeldEntry } from "./protocol.ts";
@@ -8,14 +9,11 @@ export interface HeldLabel {
   text: string;
 }
 
-const HANDS = ["Left", "Right"];
-
 /** What a person calls it. */
 export function heldLabel({ connection, what, identity }: HeldEntry): HeldLabel {
-  const hand = HANDS[Number(identity)] ?? `Hand ${identity}`;
   // Scripts leave out the number, or give 0.
   const isMouse = identity === 0 || identity === firstPointer(connection);
-  const ofPointer = (button: string) => (isMouse ? `${button} button` : `Pointer ${identity}, ${button.toLowerCase()} button`);
+  const ofHand = (names: readonly string[]) => names[Number(identity)];
   switch (what) {
     case "key":
       return { cap: true, text: identity === " " ? "Space" : String(identity) };
@@ -23,15 +21,15 @@ export function heldLabel({ connection, what, identity }: HeldEntry): HeldLabel 
       return { cap: true, text: virtualKeyName(Number(identity)) };
     case "left button of pointer":
       // A finger or the tip of a pen has no name for it.
-      return { cap: false, text: isMouse ? "Left button" : `Pointer ${identity}` };
+      return { cap: false, text: isMouse ? t("Left button") : t("Pointer {number}", { number: identity }) };
     case "middle button of pointer":
-      return { cap: false, text: ofPointer("Middle") };
+      return { cap: false, text: isMouse ? t("Middle button") : t("Pointer {number}, middle button", { number: identity }) };
     case "right button of pointer":
-      return { cap: false, text: ofPointer("Right") };
+      return { cap: false, text: isMouse ? t("Right button") : t("Pointer {number}, right button", { number: identity }) };
     case "trigger of hand":
-      return { cap: false, text: `${hand} trigger` };
+      return { cap: false, text: ofHand([t("Left trigger"), t("Right trigger")]) ?? t("Hand {number} trigger", { number: identity }) };
     case "touch-pad of hand":
-      return { cap: false, text: `${hand} pad` };
+      return { cap: false, text: ofHand([t("Left pad"), t("Right pad")]) ?? t("Hand {number} pad", { number: identity }) };
     default:
       return { cap: false, text: `${what} ${identity}` };
   }

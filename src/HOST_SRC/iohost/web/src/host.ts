@@ -1,6 +1,7 @@
 import { batch, signal, type Signal } from "@preact/signals";
 import { Connection, type ConnectionListener } from "./connection.ts";
 import { FrameWatch } from "./frames.ts";
+import { t } from "./i18n.ts";
 import { Holders } from "./input/holders.ts";
 import { KeyboardState } from "./input/keyboardState.ts";
 import { VirtualKey } from "./input/virtualKeys.ts";
@@ -158,7 +159,7 @@ export class Host implements ConnectionListener {
   /** Adds a node under a handle that no node has; answers with what was wrong, or null. */
   async addNode(node: string, type: string, clip: string, graph: string): Promise<string | null> {
     const reply = await this.#connection.request<{ created: boolean }>({ op: "create", node, type, clip, graph });
-    return reply.ok && !reply.created ? "The module doesn't make nodes of this type." : errorOf(reply);
+    return reply.ok && !reply.created ? t("The module doesn't make nodes of this type.") : errorOf(reply);
   }
 
   async removeNode(node: string): Promise<string | null> {

@@ -10,6 +10,8 @@ export const LANGUAGES: readonly { language: Language; name: string }[] = [
 
 /** A text of the page that the tables have. */
 export type Text = keyof typeof ZH;
+/** One without values. */
+export type Label = Exclude<Text, `${string}{${string}`>;
 type NamesIn<Key extends string> = Key extends `${string}{${infer Name}}${infer Rest}` ? Name | NamesIn<Rest> : never;
 type ValuesOf<Key extends string> = [NamesIn<Key>] extends [never] ? [] : [values: Record<NamesIn<Key>, string | number>];
 

@@ -1,4 +1,5 @@
 // Texts for the JSON nodes: whom they are for, which were sent, and what the nodes made of them.
+import { t } from "./i18n.ts";
 import type { JsonVerdict } from "./protocol.ts";
 import { shortText } from "./texts.ts";
 
@@ -12,26 +13,33 @@ export type SentText = TextAddress & { text: string };
 export function verdictText(verdict: JsonVerdict): string {
   switch (verdict.verdict) {
     case "taken":
-      return "taken";
+      return t("taken");
     case "not_json":
-      return "not JSON";
+      return t("not JSON");
     case "not_object":
-      return "JSON, but not an object";
+      return t("JSON, but not an object");
     case "not_ready":
-      return "the node isn't ready: no clip, no evaluation yet, or an input is missing";
+      return t("the node isn't ready: no clip, no evaluation yet, or an input is missing");
     case "other_device":
-      return `from device ${verdict.device}, not ${verdict.expected}`;
+      return t("from device {device}, not {expected}", verdict);
     case "other_object":
-      return `for ${shortName(verdict.clip, verdict.object)}, not ${shortName(verdict.expected_clip, verdict.expected_object)}`;
+      return t("for {object}, not {expected}", {
+        object: shortName(verdict.clip, verdict.object),
+        expected: shortName(verdict.expected_clip, verdict.expected_object),
+      });
     case "key_missing":
-      return `no key “${shortText(verdict.key)}”`;
+      return t("no key “{key}”", { key: shortText(verdict.key) });
     case "value_differs":
-      return `“${shortText(verdict.key)}” is “${shortText(verdict.value)}”, not “${shortText(verdict.expected)}”`;
+      return t("“{key}” is “{value}”, not “{expected}”", {
+        key: shortText(verdict.key),
+        value: shortText(verdict.value),
+        expected: shortText(verdict.expected),
+      });
   }
 }
 
 export function addressText(address: TextAddress): string {
-  return address.to === "device" ? `device ${address.device}` : objectName(address.clip, address.object);
+  return address.to === "device" ? t("device {device}", { device: address.device }) : objectName(address.clip, address.object);
 }
 
 function shortName(clip: string, object: string): string {
@@ -39,7 +47,7 @@ function shortName(clip: string, object: string): string {
 }
 
 function objectName(clip: string, object: string): string {
-  return clip === "" && object === "" ? "no object" : `${clip}.${object}`;
+  return clip === "" && object === "" ? t("no object") : `${clip}.${object}`;
 }
 
 /** How many texts are kept. */

@@ -1,3 +1,5 @@
+import { t } from "./i18n.ts";
+import { inEnglish } from "./logTexts.ts";
 import type { LogEntry } from "./messages.ts";
 import { cutText } from "./texts.ts";
 
@@ -10,6 +12,8 @@ export interface LogLine extends LogEntry {
   number: number;
   /** When the page heard of it, in milliseconds since 1970. */
   time: number;
+  /** What the module's line says. */
+  english?: string;
 }
 
 /** Null: every level. */
@@ -31,7 +35,9 @@ export class LogBuffer {
 
   append(entries: readonly LogEntry[], time: number): void {
     for (const { level, ...text } of entries) {
-      this.#lines.push({ number: ++this.#count, time, level, ...cutText(text) });
+      const cut = cutText(text);
+      const english = inEnglish(cut.text);
+      this.#lines.push({ number: ++this.#count, time, level, ...cut, ...(english !== undefined && { english }) });
     }
     if (this.#lines.length > LOG_LIMIT) {
       this.#lines = this.#lines.slice(-LOG_LIMIT);
@@ -46,17 +52,17 @@ export class LogBuffer {
 export function filterLog(lines: readonly LogLine[], level: LevelFilter, search: string): LogLine[] {
   const wanted = search.trim().toLowerCase();
   return lines.filter(
-    (line) => (level === null || line.level === level) && (wanted === "" || line.text.toLowerCase().includes(wanted)),
+    (line) => (level === null || line.level === level) && (wanted === "" || `${line.text}\n${line.english ?? ""}`.toLowerCase().includes(wanted)),
   );
 }
 
 export function levelName(level: number): string {
   switch (level) {
     case LogLevel.information:
-      return "info";
+      return t("info");
     case LogLevel.error:
-      return "error";
+      return t("error");
     default:
-      return `level ${level}`;
+      return t("level {level}", { level });
   }
 }

@@ -1,5 +1,6 @@
 // How the host's network stands, as `network` tells it, and what the page says about it.
 import { timeOfDay } from "./format.ts";
+import { t } from "./i18n.ts";
 import type { ControlState, DeviceState, ItemCounts } from "./protocol.ts";
 
 /** What went wrong with receiving. */
@@ -7,21 +8,25 @@ export type ErrorCounts = Pick<ControlState, "errors" | "last_error">;
 
 /** "connected since 14:03:22"; `told` is when the page heard of it. */
 export function stateText(device: DeviceState, told: number): string {
-  const since = `since ${timeOfDay(told - device.since_ms).replace(/\..*/, "")}`;
+  const time = timeOfDay(told - device.since_ms).replace(/\..*/, "");
   switch (device.state) {
     case "unconnected":
-      return "has no address: what it is sent is only shown";
+      return t("has no address: what it is sent is only shown");
     case "connected":
-      return `connected ${since}`;
+      return t("connected since {time}", { time });
     case "connecting":
-      return `connecting ${since}`;
+      return t("connecting since {time}", { time });
     case "waiting":
-      return `waiting to try again ${since}`;
+      return t("waiting to try again since {time}", { time });
   }
 }
 
 export function queueText({ queued_items: items, queued_bytes: bytes }: DeviceState): string {
-  return items === 0 ? "empty" : `${items} ${items === 1 ? "item" : "items"}, ${bytesText(bytes)}`;
+  if (items === 0) {
+    return t("empty");
+  }
+  const size = bytesText(bytes);
+  return items === 1 ? t("1 item, {size}", { size }) : t("{count} items, {size}", { count: items, size });
 }
 
 export function rejectedText({ rejected, last_rejected: reason }: ItemCounts): string {
@@ -41,7 +46,7 @@ export function pairedHex(hex: string): string {
 export function deviceChoices(devices: readonly DeviceState[], current: string): { value: string; label: string }[] {
   const choices = devices.map(({ id, name }) => ({ value: String(id), label: `${id} · ${name}` }));
   if (!choices.some(({ value }) => value === current)) {
-    choices.unshift({ value: current, label: current === "" ? "none" : `${current} · no such device` });
+    choices.unshift({ value: current, label: current === "" ? t("none") : t("{id} · no such device", { id: current }) });
   }
   return choices;
 }
@@ -52,7 +57,7 @@ function withReason(count: number, reason: string | null): string {
 
 function bytesText(bytes: number): string {
   if (bytes < 1024) {
-    return `${bytes} bytes`;
+    return t("{count} bytes", { count: bytes });
   }
   return bytes < 1024 ** 2 ? `${(bytes / 1024).toFixed(1)} KiB` : `${(bytes / 1024 ** 2).toFixed(1)} MiB`;
 }

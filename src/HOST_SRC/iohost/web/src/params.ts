@@ -1,3 +1,4 @@
+import { t } from "./i18n.ts";
 import type { Param } from "./messages.ts";
 import type { OutputValue } from "./protocol.ts";
 import { floatText } from "./format.ts";
@@ -54,7 +55,7 @@ export function boundsOf(range: Param["range"]): { min: number; max: number; ste
 export function valueText(param: Param, value: OutputValue): string {
   switch (kindOf(param)) {
     case "switch":
-      return value.int !== 0 ? "on" : "off";
+      return value.int !== 0 ? t("on") : t("off");
     case "integer":
     case "keyCode":
       return String(value.int);

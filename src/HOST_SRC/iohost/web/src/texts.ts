@@ -1,4 +1,5 @@
 // Texts of any length: the host and the page show how they begin.
+import { t } from "./i18n.ts";
 
 /** How much of a text is shown. */
 const MOST_SHOWN = 1000;
@@ -21,12 +22,17 @@ export function cutText({ text, length = text.length }: CutText, most = MOST_SHO
 
 /** "1,048,576 characters" */
 export function characters(length: number): string {
-  return `${length.toLocaleString("en")} characters`;
+  return t("{count} characters", { count: length.toLocaleString("en") });
 }
 
 /** What is to be known of a text that was cut. */
 export function lengthText({ text, length }: CutText): string | undefined {
-  return length === undefined ? undefined : `${characters(length)}: these are the first ${text.length.toLocaleString("en")}`;
+  return length === undefined
+    ? undefined
+    : t("{characters}: these are the first {count}", {
+        characters: characters(length),
+        count: text.length.toLocaleString("en"),
+      });
 }
 
 /** A text that stands among others, with dots for what is left out. */

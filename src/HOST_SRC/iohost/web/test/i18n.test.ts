@@ -35,6 +35,18 @@ test("the table has the page's texts, and no others", () => {
   assert.deepEqual(asked.filter((text) => !(text in ZH)), []);
 });
 
+test("what the page's elements say comes from the table", () => {
+  const said = sources
+    .filter(({ name }) => name.endsWith(".tsx"))
+    .flatMap(({ source }) => [
+      ...source.matchAll(/(?<!=)>\s*((?:[^<>{}()[\];=]*[A-Za-z]{2})[^<>{}()[\];=]*)[<{]/g),
+      ...source.matchAll(/\b(?:aria-label|title|placeholder|label)="([^"]*[A-Za-z]{2}[^"]*)"/g),
+    ])
+    .map(([, text]) => text!.trim());
+  const names = ["iohost", "UDP", "TCP", "Tab"]; // the same in all languages
+  assert.deepEqual(said.filter((text) => !names.includes(text)), []);
+});
+
 test("a translation has the values of its text", () => {
   const values = (text: string) => (text.match(/\{\w+\}/g) ?? []).sort();
   for (const [text, translation] of Object.entries(ZH)) {

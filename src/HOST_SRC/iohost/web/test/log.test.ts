@@ -52,6 +52,15 @@ test("the filter takes the level and the text together, whatever the case", () =
   assert.deepEqual(numbers(32, "keyboard"), []);
 });
 
+test("a line of the module is found by what it says in either language", () => {
+  const log = new LogBuffer();
+  log.append([{ level: 4, text: "[Demo.Mouse 1.Mouse]触发输出事件[停留]" }], 0);
+  for (const search of ["停留", "fired [hover]", "mouse 1"]) {
+    assert.equal(filterLog(log.lines, null, search).length, 1, search);
+  }
+  assert.equal(filterLog(log.lines, null, "released").length, 0);
+});
+
 test("levels without a name of their own show their number", () => {
   assert.equal(levelName(4), "info");
   assert.equal(levelName(32), "error");

@@ -17,11 +17,13 @@ import {
 import { useEffect, useRef } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host, NodeView } from "../host.ts";
+import { t } from "../i18n.ts";
 import { iconOf } from "../icons.ts";
 import type { Param } from "../messages.ts";
 import { shownValue } from "../params.ts";
 import type { Link } from "../protocol.ts";
 import { LongText } from "../view/LongText.tsx";
+import { ariaLabels } from "./ariaLabels.ts";
 import { arrange, type Box } from "./layout.ts";
 import { NodePalette } from "./NodePalette.tsx";
 import { refusal, sortOf } from "./wiring.ts";
@@ -104,7 +106,7 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
     const output = from && outputsOf(from).find(({ id }) => String(id) === sourceHandle);
     const input = to && inputsOf(to).find(({ id }) => String(id) === targetHandle);
     if (!output || !input) {
-      return "Links lead from an output to an input.";
+      return t("Links lead from an output to an input.");
     }
     const linked = links.some((link) => link.to === target && link.input === input.id);
     return refusal({ node: source, sort: sortOf(output) }, { node: target, sort: sortOf(input), linked });
@@ -158,7 +160,7 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
       <div class="panel-head graph-head">
         <NodePalette host={host} onMessage={setMessage} />
         <button type="button" onClick={arrangeAnew}>
-          Arrange
+          {t("Arrange")}
         </button>
         <span class="hint" role="status" data-graph-message>
           {message}
@@ -167,6 +169,7 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
       <div class="graph" data-graph onKeyDown={removeChosen}>
         <ReactFlow
           colorMode="dark"
+          ariaLabelConfig={ariaLabels()}
           nodes={faces}
           edges={wires}
           nodeTypes={FACES}

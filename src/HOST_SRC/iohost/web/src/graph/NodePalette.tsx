@@ -1,5 +1,6 @@
 import { useEffect, useState } from "preact/hooks";
 import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
 import type { OfferedType } from "../protocol.ts";
 import { freeName } from "./wiring.ts";
 
@@ -21,14 +22,14 @@ export function NodePalette({ host, onMessage }: { host: Host; onMessage: (messa
       const graph = freeName(type.name, new Set(nodes.map((node) => node.graph)));
       const handle = freeName(type.name, new Set(nodes.map(({ node }) => node)));
       const clip = nodes.find((node) => node.clip !== null)?.clip ?? "Clip";
-      onMessage((await host.addNode(handle, type.guid, clip, graph)) ?? `${graph} was added.`);
+      onMessage((await host.addNode(handle, type.guid, clip, graph)) ?? t("{node} was added.", { node: graph }));
     }
   };
   return (
     <>
       <select
         class="field"
-        aria-label="Type of a new node"
+        aria-label={t("Type of a new node")}
         value={chosen}
         onChange={(event) => setChosen(event.currentTarget.value)}
         data-palette
@@ -40,7 +41,7 @@ export function NodePalette({ host, onMessage }: { host: Host; onMessage: (messa
         ))}
       </select>
       <button type="button" disabled={chosen === ""} onClick={add}>
-        Add node
+        {t("Add node")}
       </button>
     </>
   );

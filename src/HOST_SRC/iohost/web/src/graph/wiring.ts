@@ -1,3 +1,4 @@
+import { t } from "../i18n.ts";
 import { kindOf, type ParamKind } from "../params.ts";
 import type { Param } from "../messages.ts";
 
@@ -22,19 +23,21 @@ export function sortOf(param: Pick<Param, "type" | "control">): PinSort {
 /** Why an output can't be linked to an input; null when it can. */
 export function refusal(from: { node: string; sort: PinSort }, to: { node: string; sort: PinSort; linked: boolean }): string | null {
   if (from.node === to.node) {
-    return "A node can't be linked to itself.";
+    return t("A node can't be linked to itself.");
   }
   if (from.sort !== to.sort) {
-    return `An output with ${nameOf(from.sort)} doesn't fit an input for ${nameOf(to.sort)}.`;
+    return t("An output with {values} doesn't fit an input for {others}.", { values: nameOf(from.sort), others: nameOf(to.sort) });
   }
   if (to.linked && to.sort !== "event") {
-    return "The input has a source already.";
+    return t("The input has a source already.");
   }
   return null;
 }
 
+const NAMES = { event: "events", integer: "whole numbers", float: "numbers", text: "texts" } as const;
+
 function nameOf(sort: PinSort): string {
-  return { event: "events", integer: "whole numbers", float: "numbers", text: "texts" }[sort];
+  return t(NAMES[sort]);
 }
 
 /** The first name of the form "Mouse 2" that isn't taken. */

@@ -1,4 +1,5 @@
 import { SimpleKeyboard } from "simple-keyboard";
+import { t } from "../i18n.ts";
 import type { Holder } from "./holders.ts";
 import { CAPS_BUTTON, CLEAR_BUTTON, KEY_ROWS, keyLabel, keyName, SCREEN_KEYS, screenKey, SHIFT_BUTTON, type ScreenKey } from "./keyNames.ts";
 import { VirtualKey } from "./virtualKeys.ts";
@@ -49,7 +50,7 @@ export class ScreenKeyboard implements Holder {
   set capsLock(on: boolean) {
     if (on !== this.#capsLock) {
       this.#capsLock = on;
-      this.#draw();
+      this.draw();
     }
   }
 
@@ -61,7 +62,7 @@ export class ScreenKeyboard implements Holder {
     this.#keyboard.setMouseHold(false);
     this.#pressed.clear();
     this.#shift = false;
-    this.#draw();
+    this.draw();
   }
 
   /** Called once for the press, and again without an event while the key is held. */
@@ -76,7 +77,7 @@ export class ScreenKeyboard implements Holder {
     switch (button) {
       case SHIFT_BUTTON:
         this.#shift = !this.#shift;
-        this.#draw();
+        this.draw();
         break;
       case CAPS_BUTTON:
         this.#listener.toggleCapsLock();
@@ -100,7 +101,7 @@ export class ScreenKeyboard implements Holder {
     this.#pressed.delete(pointerId);
     if (this.#shift && key.name !== null) {
       this.#shift = false;
-      this.#draw();
+      this.draw();
     }
     this.#tellKeys();
   }
@@ -110,7 +111,8 @@ export class ScreenKeyboard implements Holder {
     this.#listener.keys(this.#shift ? [...codes, VirtualKey.shift] : codes);
   }
 
-  #draw(): void {
+  /** Draws the keys as they are now, in the page's language. */
+  draw(): void {
     const on = [...(this.#shift ? [SHIFT_BUTTON] : []), ...(this.#capsLock ? [CAPS_BUTTON] : [])].join(" ");
     this.#keyboard.setOptions({
       display: this.#labels(),
@@ -119,7 +121,9 @@ export class ScreenKeyboard implements Holder {
   }
 
   #labels(): Record<string, string> {
-    return Object.fromEntries(SCREEN_KEYS.map((key) => [key.button, markup(keyLabel(key, this.#shift, this.#capsLock))]));
+    const labels = SCREEN_KEYS.map((key) => [key.button, markup(keyLabel(key, this.#shift, this.#capsLock))]);
+    // Other keys bear what stands on them everywhere.
+    return { ...Object.fromEntries(labels), [CLEAR_BUTTON]: t("Clear") };
   }
 }
 

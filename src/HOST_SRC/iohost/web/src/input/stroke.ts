@@ -1,4 +1,5 @@
 // What a touch gesture node makes of a stroke, told as it grows. The node decides; this says why.
+import { t } from "../i18n.ts";
 
 /** As far as this from its start, on either axis, a stroke becomes a drag. */
 export const DRAG_THRESHOLD = 50;
@@ -130,16 +131,22 @@ export function explain(judgement: Judgement): string {
   const degrees = (value: number) => `${value.toFixed(1)}°`;
   switch (judgement.is) {
     case "tap":
-      return `too short for a drag: ${Math.round(judgement.farthest)} of ${DRAG_THRESHOLD} units`;
+      return t("too short for a drag: {farthest} of {threshold} units", {
+        farthest: Math.round(judgement.farthest),
+        threshold: DRAG_THRESHOLD,
+      });
     case "swipe":
-      return `${degrees(judgement.degrees)} off the axis, under 30°`;
+      return t("{degrees} off the axis, under 30°", { degrees: degrees(judgement.degrees) });
     case "bent":
-      return `bent: the first half goes ${judgement.first}, the second ${judgement.second}`;
+      return t("bent: the first half goes {first}, the second {second}", {
+        first: t(judgement.first),
+        second: t(judgement.second),
+      });
     case "steep":
-      return `too steep: ${degrees(judgement.degrees)} off the axis, 30° or more`;
+      return t("too steep: {degrees} off the axis, 30° or more", { degrees: degrees(judgement.degrees) });
     case "closed":
-      return "it ends where it began";
+      return t("it ends where it began");
     case "few":
-      return "too few samples";
+      return t("too few samples");
   }
 }

@@ -1,4 +1,5 @@
 import { EventId } from "../codes.ts";
+import { t } from "../i18n.ts";
 import { firedByNodes, type EventReply, type PointerPayload } from "../messages.ts";
 import { explain, Stroke, type Judgement, type SampleKind, type StrokePoint } from "./stroke.ts";
 
@@ -124,10 +125,10 @@ export class Strokes {
       return { fired: [], reason: reply.error };
     }
     if (nodes.length === 0) {
-      return { fired: [], reason: "the scene has no touch gesture node" };
+      return { fired: [], reason: t("the scene has no touch gesture node") };
     }
     if (!view.followed) {
-      return { fired: [], reason: "the touch gesture node is off, or follows another pointer" };
+      return { fired: [], reason: t("the touch gesture node is off, or follows another pointer") };
     }
     const fired = firedByNodes(reply.posted).flatMap(({ node, output }) => {
       const name = nodes.find((gesture) => gesture.node === node)?.outputs.get(output);

@@ -1,6 +1,7 @@
 import { useEffect, useState } from "preact/hooks";
 import { isStalled } from "../frames.ts";
 import type { ConnectionState, Host } from "../host.ts";
+import { t } from "../i18n.ts";
 
 const STEP_MS = 250;
 
@@ -29,7 +30,7 @@ export function ConnectionLamp({ host }: { host: Host }) {
     <>
       {stalled && (
         <span class="stalled" role="alert">
-          <strong>The host has stalled:</strong> what is done here waits.
+          <strong>{t("The host has stalled:")}</strong> {t("what is done here waits.")}
         </span>
       )}
       <span class="connection">
@@ -40,7 +41,7 @@ export function ConnectionLamp({ host }: { host: Host }) {
         {frames !== null && (
           <>
             {" · "}
-            <span data-frame-age>last frame &lt; {Math.floor(age / 1000) + 1} s ago</span>
+            <span data-frame-age>{t("last frame < {seconds} s ago", { seconds: Math.floor(age / 1000) + 1 })}</span>
           </>
         )}
       </span>
@@ -51,11 +52,11 @@ export function ConnectionLamp({ host }: { host: Host }) {
 function lampText(state: ConnectionState): string {
   switch (state.is) {
     case "open":
-      return `Connected to ${state.address} · ${state.fps} frames/s · version ${state.version}`;
+      return t("Connected to {address} · {fps} frames/s · version {version}", state);
     case "connecting":
-      return "Connecting…";
+      return t("Connecting…");
     case "lost":
-      return "Not connected";
+      return t("Not connected");
   }
 }
 
@@ -70,8 +71,8 @@ export function ConnectionBanner({ host }: { host: Host }) {
   const seconds = Math.max(0, Math.ceil((state.retryAt - now) / 1000));
   return (
     <div class="banner" role="alert">
-      <strong>Connection lost.</strong> Held keys and buttons were released.{" "}
-      {seconds > 0 ? `Trying again in ${seconds} s.` : "Trying again…"}
+      <strong>{t("Connection lost.")}</strong> {t("Held keys and buttons were released.")}{" "}
+      {seconds > 0 ? t("Trying again in {seconds} s.", { seconds }) : t("Trying again…")}
     </div>
   );
 }

@@ -67,7 +67,7 @@ export function Dock({ host, desk }: { host: Host; desk: Desk }) {
       <Splitter label={t("Height of the panels")} {...shown} least={LEAST_PX} onResize={resize} />
       <section
         class="panel dock"
-        aria-label="Panels"
+        aria-label={t("Panels")}
         ref={dock}
         style={{ height: chosen ?? PANELS.find(({ id }) => id === front)?.height }}
       >
@@ -84,7 +84,7 @@ export function Dock({ host, desk }: { host: Host; desk: Desk }) {
             data-tab={id}
             onClick={() => open(id)}
           >
-            {title}
+            {t(title)}
           </button>
         ))}
       </div>

@@ -2,6 +2,7 @@ import { useEffect, useState } from "preact/hooks";
 import { ageText } from "../format.ts";
 import { heldLabel, isKeyboardState } from "../held.ts";
 import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
 import type { HeldEntry } from "../protocol.ts";
 
 const AGE_STEP_MS = 100;
@@ -28,25 +29,25 @@ export function HeldBar({ host }: { host: Host }) {
       <span
         class={cap ? "held held-key" : "held"}
         key={`${entry.connection} ${entry.what} ${entry.identity}`}
-        title={isOwn ? "Held on this page" : `Held by connection ${entry.connection}`}
+        title={isOwn ? t("Held on this page") : t("Held by connection {connection}", { connection: entry.connection })}
         data-held={`${entry.what} ${entry.identity}`}
       >
         {text} <span class="held-age">{ageText(entry.ms + now - told)}</span>
-        {!isOwn && <span class="held-other"> elsewhere</span>}
+        {!isOwn && <span class="held-other"> {t("elsewhere")}</span>}
       </span>
     );
   };
   const keyboard = entries.filter(isKeyboardState);
   return (
-    <div class="held-bar" role="group" aria-label="Held">
-      <span class="held-title">Held</span>
+    <div class="held-bar" role="group" aria-label={t("Held")}>
+      <span class="held-title">{t("Held")}</span>
       <span class="held-list" data-readout="held">
-        {!isAny && <span class="none">nothing</span>}
+        {!isAny && <span class="none">{t("nothing")}</span>}
         {entries.filter((entry) => !isKeyboardState(entry)).map(chip)}
       </span>
       {keyboard.length > 0 && (
         <>
-          <span class="held-title">Keyboard state</span>
+          <span class="held-title">{t("Keyboard state")}</span>
           <span class="held-list" data-readout="keyboard">
             {keyboard.map(chip)}
           </span>
@@ -58,7 +59,7 @@ export function HeldBar({ host }: { host: Host }) {
         disabled={!isAny}
         onClick={() => host.releaseAll("somebody released everything", true)}
       >
-        Release all
+        {t("Release all")}
       </button>
     </div>
   );

@@ -17,7 +17,7 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
   return (
     <section class="nodes" aria-labelledby="nodes-title">
       <div class="panel-head">
-        <h2 id="nodes-title">Nodes</h2>
+        <h2 id="nodes-title">{t("Nodes")}</h2>
         {nodes !== null && (
           <span class="hint">
             {chosen.length === 0
@@ -31,12 +31,12 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
           </button>
         )}
         <button type="button" class="quiet" onClick={() => host.resetCounts()}>
-          Reset counts
+          {t("Reset counts")}
         </button>
       </div>
       {nodes !== null && nodes.length > 1 && chosen.length === 0 && <NodeIndex host={host} nodes={nodes} />}
       <div class="cards">
-        {nodes?.length === 0 && <p class="empty">The scene has no nodes.</p>}
+        {nodes?.length === 0 && <p class="empty">{t("The scene has no nodes.")}</p>}
         {shown?.map((node) => (
           <NodeCard key={node.node} host={host} node={node} />
         ))}
@@ -48,7 +48,7 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
 /** Leads to each node's card, and flashes when the node fires, so that it's seen wherever the cards are scrolled to. */
 function NodeIndex({ host, nodes }: { host: Host; nodes: readonly NodeView[] }) {
   return (
-    <nav class="node-index" aria-label="Nodes">
+    <nav class="node-index" aria-label={t("Nodes")}>
       {nodes.map((node) => (
         <NodeIndexEntry key={node.node} host={host} node={node} />
       ))}
@@ -75,7 +75,7 @@ const NodeIndexEntry = memo(function NodeIndexEntry({ host, node }: { host: Host
 
 const NodeCard = memo(function NodeCard({ host, node }: { host: Host; node: NodeView }) {
   const { inputs, outputs } = node.details;
-  const place = node.clip === null ? "no clip" : node.clip;
+  const place = node.clip === null ? t("no clip") : node.clip;
   return (
     <article class="panel card" id={`node-${node.node}`} data-node={node.node}>
       <header class="card-head">
@@ -89,7 +89,7 @@ const NodeCard = memo(function NodeCard({ host, node }: { host: Host; node: Node
       </header>
       {inputs.some((group) => group.params.length > 0) && (
         <section class="group">
-          <h4>Inputs</h4>
+          <h4>{t("Inputs")}</h4>
           <div class="inputs">
             {inputs.flatMap((group) =>
               group.params.map((param) => <ParamEditor key={param.id} host={host} node={node.node} param={param} />),

@@ -1,5 +1,6 @@
 import { useState } from "preact/hooks";
 import type { Host, NodeView } from "../host.ts";
+import { t } from "../i18n.ts";
 import { addressText, keepTexts, readTexts, verdictText, withText, type SentText, type TextAddress } from "../json.ts";
 import { inputOf, JsonPin, NodeType, nodesOf } from "../nodeTypes.ts";
 import { Device } from "../codes.ts";
@@ -53,13 +54,13 @@ export function JsonPanel({ host }: PanelProps) {
       <form class="json-form" onSubmit={send}>
         <div class="json-address">
           <select
-            aria-label="Send"
+            aria-label={t("Whom to send to")}
             data-json="to"
             value={to}
             onChange={(event) => setTo(event.currentTarget.value as TextAddress["to"])}
           >
-            <option value="device">as device</option>
-            <option value="object">to object</option>
+            <option value="device">{t("as device")}</option>
+            <option value="object">{t("to object")}</option>
           </select>
           {to === "device" ? (
             <input
@@ -67,7 +68,7 @@ export function JsonPanel({ host }: PanelProps) {
               type="number"
               required
               step="1"
-              aria-label="Device number"
+              aria-label={t("Device number")}
               data-json="device"
               value={deviceShown}
               onInput={(event) => setDevice(event.currentTarget.valueAsNumber)}
@@ -76,16 +77,16 @@ export function JsonPanel({ host }: PanelProps) {
             <>
               <input
                 class="field"
-                placeholder="clip"
-                aria-label="Clip"
+                placeholder={t("clip")}
+                aria-label={t("Clip")}
                 data-json="clip"
                 value={namesShown.clip}
                 onInput={(event) => setNames({ ...namesShown, clip: event.currentTarget.value })}
               />
               <input
                 class="field"
-                placeholder="object"
-                aria-label="Object"
+                placeholder={t("object")}
+                aria-label={t("Object")}
                 data-json="object"
                 value={namesShown.object}
                 onInput={(event) => setNames({ ...namesShown, object: event.currentTarget.value })}
@@ -93,14 +94,14 @@ export function JsonPanel({ host }: PanelProps) {
             </>
           )}
           <button type="submit" data-json="send">
-            Send
+            {t("Send")}
           </button>
         </div>
         <textarea
           class="field json-text"
           spellcheck={false}
           placeholder='{"cmd":"start"}'
-          aria-label="Text"
+          aria-label={t("Text")}
           data-json="text"
           value={text}
           onInput={(event) => setText(event.currentTarget.value)}
@@ -111,8 +112,8 @@ export function JsonPanel({ host }: PanelProps) {
           </p>
         )}
       </form>
-      <section class="json-side" aria-label="What the nodes made of their last texts">
-        {deviceNodes.length + objectNodes.length === 0 && <p class="empty">The scene has no JSON node.</p>}
+      <section class="json-side" aria-label={t("What the nodes made of their last texts")}>
+        {deviceNodes.length + objectNodes.length === 0 && <p class="empty">{t("The scene has no JSON node.")}</p>}
         {[...deviceNodes, ...objectNodes].map((node) => (
           <div class="json-node" key={node.node}>
             <span>{node.graph}</span>
@@ -120,11 +121,11 @@ export function JsonPanel({ host }: PanelProps) {
           </div>
         ))}
       </section>
-      <section class="json-side" aria-label="Last texts">
+      <section class="json-side" aria-label={t("Last texts")}>
         <ol class="json-texts">
           {texts.map((sent) => (
             <li key={`${addressText(sent)} ${sent.text}`}>
-              <button type="button" title="Fill this in again" onClick={() => fill(sent)}>
+              <button type="button" title={t("Fill this in again")} onClick={() => fill(sent)}>
                 <span class="json-to">{shortText(addressText(sent))}</span>
                 <code>
                   <LongText text={sent.text} />
@@ -133,7 +134,7 @@ export function JsonPanel({ host }: PanelProps) {
             </li>
           ))}
         </ol>
-        {texts.length === 0 && <p class="empty">Texts that were sent are kept here.</p>}
+        {texts.length === 0 && <p class="empty">{t("Texts that were sent are kept here.")}</p>}
       </section>
     </div>
   );
@@ -151,7 +152,7 @@ export function JsonVerdictLine({ host, node }: { host: Host; node: string }) {
       data-verdict={verdict.verdict}
       title={verdict.text.length < verdict.length ? `${verdict.text}… (${characters(verdict.length)})` : verdict.text}
     >
-      Last text: {verdictText(verdict)}
+      {t("Last text: {verdict}", { verdict: verdictText(verdict) })}
     </p>
   );
 }

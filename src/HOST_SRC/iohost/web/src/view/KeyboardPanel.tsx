@@ -1,5 +1,6 @@
 import { useEffect, useRef, useState } from "preact/hooks";
 import "simple-keyboard/build/css/index.css";
+import { language, t } from "../i18n.ts";
 import { ScreenKeyboard } from "../input/screenKeyboard.ts";
 import { VirtualKey } from "../input/virtualKeys.ts";
 import { NodeType, nodesOf, TextFieldPin } from "../nodeTypes.ts";
@@ -40,7 +41,9 @@ export function KeyboardPanel({ host }: PanelProps) {
     keyboard.current = made;
     const stopHolding = host.holders.add(made);
     const stopFollowing = host.capsLock.subscribe((on) => (made.capsLock = on));
+    const stopTranslating = language.subscribe(() => made.draw());
     return () => {
+      stopTranslating();
       stopFollowing();
       stopHolding();
       made.detach();
@@ -51,10 +54,10 @@ export function KeyboardPanel({ host }: PanelProps) {
     <>
       <div class="panel-head keyboard-head">
         {nodes.length === 0 ? (
-          <span class="hint">The scene has no text field node: keys set the keyboard state only.</span>
+          <span class="hint">{t("The scene has no text field node: keys set the keyboard state only.")}</span>
         ) : (
           <label class="keyboard-target">
-            Types into
+            {t("Types into")}
             <select value={target!.node} onChange={(event) => setChosen(event.currentTarget.value)}>
               {nodes.map(({ node, graph }) => (
                 <option key={node} value={node}>
@@ -64,12 +67,12 @@ export function KeyboardPanel({ host }: PanelProps) {
             </select>
           </label>
         )}
-        <output class="keyboard-text" aria-label="Text" data-keyboard-text={text.text}>
+        <output class="keyboard-text" aria-label={t("Text")} data-keyboard-text={text.text}>
           <LongText {...text} />
           <span class="keyboard-caret" aria-hidden="true" />
         </output>
         <span class="hint keyboard-last">
-          {lastName === null ? "Key name –" : "Key name "}
+          {t("Key name")} {lastName === null && "–"}
           {lastName !== null && <code data-key-name={lastName}>{lastName}</code>}
         </span>
       </div>

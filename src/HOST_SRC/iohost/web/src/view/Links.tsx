@@ -1,4 +1,5 @@
 import type { Host, NodeView } from "../host.ts";
+import { t } from "../i18n.ts";
 import type { ParamGroup } from "../messages.ts";
 
 function pinName(groups: readonly ParamGroup[], id: number): string {
@@ -25,7 +26,7 @@ export function LinkTargets({ host, node, output }: { host: Host; node: string; 
           class="link"
           key={`${link.to} ${link.input}`}
           data-link-to={link.to}
-          title={`Goes to ${target.graph}, ${pinName(target.details.inputs, link.input)}`}
+          title={t("Goes to {node}, {pin}", { node: target.graph, pin: pinName(target.details.inputs, link.input) })}
           onClick={() => showCard(link.to)}
         >
           → {target.graph} · {pinName(target.details.inputs, link.input)}
@@ -47,7 +48,7 @@ export function LinkSources({ host, node, input }: { host: Host; node: string; i
           class="link"
           key={`${link.from} ${link.output}`}
           data-link-from={link.from}
-          title={`Comes from ${source.graph}, ${pinName(source.details.outputs, link.output)}`}
+          title={t("Comes from {node}, {pin}", { node: source.graph, pin: pinName(source.details.outputs, link.output) })}
           onClick={() => showCard(link.from)}
         >
           ← {source.graph} · {pinName(source.details.outputs, link.output)}

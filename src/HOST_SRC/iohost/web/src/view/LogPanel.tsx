@@ -1,11 +1,12 @@
 import { memo } from "preact/compat";
 import { useEffect, useMemo, useRef, useState } from "preact/hooks";
 import { timeOfDay } from "../format.ts";
+import { language, t, type Label } from "../i18n.ts";
 import { filterLog, levelName, LogLevel, type LevelFilter, type LogLine } from "../log.ts";
 import { LongText } from "./LongText.tsx";
 import type { PanelProps } from "./panels.ts";
 
-const FILTERS: readonly { label: string; level: LevelFilter }[] = [
+const FILTERS: readonly { label: Label; level: LevelFilter }[] = [
   { label: "All", level: null },
   { label: "Information", level: LogLevel.information },
   { label: "Errors", level: LogLevel.error },
@@ -40,49 +41,51 @@ export function LogPanel({ host }: PanelProps) {
   return (
     <>
       <div class="panel-head log-head">
-        <div class="segments" role="group" aria-label="Level">
+        <div class="segments" role="group" aria-label={t("Level")}>
           {FILTERS.map((filter) => (
             <button
               type="button"
-              key={filter.label}
+              key={t(filter.label)}
               aria-pressed={level === filter.level}
               data-level={filter.level ?? "all"}
               onClick={() => setLevel(filter.level)}
             >
-              {filter.label}
+              {t(filter.label)}
             </button>
           ))}
         </div>
         <input
           type="search"
           class="field log-search"
-          placeholder="Search"
-          aria-label="Search the log"
+          placeholder={t("Search")}
+          aria-label={t("Search the log")}
           value={search}
           onInput={(event) => setSearch(event.currentTarget.value)}
         />
         <span class="hint" data-log-shown={shown.length}>
-          {shown.length === lines.length ? `${lines.length} lines` : `${shown.length} of ${lines.length} lines`}
+          {shown.length === lines.length
+            ? t("{count} lines", { count: lines.length })
+            : t("{shown} of {count} lines", { shown: shown.length, count: lines.length })}
         </span>
         <button type="button" aria-pressed={paused !== null} onClick={() => setPaused(paused === null ? live : null)}>
-          {paused === null ? "Pause" : waiting > 0 ? `Go on (${waiting} new)` : "Go on"}
+          {paused === null ? t("Pause") : waiting > 0 ? t("Go on ({count} new)", { count: waiting }) : t("Go on")}
         </button>
         <button type="button" onClick={clear}>
-          Clear
+          {t("Clear")}
         </button>
       </div>
       <div
         class="log"
         ref={list}
         tabIndex={0}
-        aria-label="Log lines"
+        aria-label={t("Log lines")}
         aria-live="off"
         data-log
         onScroll={({ currentTarget: { scrollTop, scrollHeight, clientHeight } }) => {
           follows.current = scrollHeight - scrollTop - clientHeight < FOLLOW_DISTANCE_PX;
         }}
       >
-        {shown.length === 0 && <p class="empty">{lines.length === 0 ? "Nothing logged yet." : "No line fits."}</p>}
+        {shown.length === 0 && <p class="empty">{lines.length === 0 ? t("Nothing logged yet.") : t("No line fits.")}</p>}
         {shown.map((line) => (
           <Line key={line.number} line={line} />
         ))}
@@ -96,9 +99,15 @@ const Line = memo(function Line({ line }: { line: LogLine }) {
     <div class={line.level === LogLevel.error ? "line line-error" : "line"} data-log-level={line.level}>
       <time>{timeOfDay(line.time)}</time>
       <span class="line-level">{levelName(line.level)}</span>
-      <span class="line-text">
-        <LongText text={line.text} length={line.length} />
-      </span>
+      {line.english !== undefined && language.value === "en" ? (
+        <span class="line-text" title={line.text}>
+          {line.english}
+        </span>
+      ) : (
+        <span class="line-text">
+          <LongText text={line.text} length={line.length} />
+        </span>
+      )}
     </div>
   );
 });

@@ -1,4 +1,5 @@
 import type { ComponentChildren } from "preact";
+import { t } from "../i18n.ts";
 import { errorsText, pairedHex, queueText, rejectedText, stateText, type ErrorCounts } from "../network.ts";
 import type { BroadcastState, ControlState, DeviceState, ItemCounts, MessageBytes } from "../protocol.ts";
 import "./network.css";
@@ -23,17 +24,17 @@ export function NetworkPanel({ host, shown }: PanelProps) {
             data-listen-only
             onChange={(event) => host.setListenOnly(event.currentTarget.checked)}
           />
-          Listen only
+          {t("Listen only")}
         </label>
         <span class="hint">
           {listenOnly
-            ? "What nodes send to devices is shown here and goes nowhere. Broadcasts go out all the same."
-            : "What nodes send to devices goes out."}
+            ? t("What nodes send to devices is shown here and goes nowhere. Broadcasts go out all the same.")
+            : t("What nodes send to devices goes out.")}
         </span>
       </div>
       <div class="network">
-        {devices === null && <p class="empty">The scene has no list of devices.</p>}
-        {devices?.length === 0 && <p class="empty">The scene's list of devices is empty.</p>}
+        {devices === null && <p class="empty">{t("The scene has no list of devices.")}</p>}
+        {devices?.length === 0 && <p class="empty">{t("The scene's list of devices is empty.")}</p>}
         {devices?.map((device, index) => <Device key={index} device={device} told={network.told} />)}
         {broadcast !== null && <Broadcasts state={broadcast} />}
         {control !== null && <Control state={control} />}
@@ -57,34 +58,34 @@ function Device({ device, told }: { device: DeviceState; told: number }) {
         )}
       </p>
       <dl class="counts">
-        <Count label="Queue" field="queue" value={queueText(device)} />
-        <Count label="Sent" field="sent" value={device.sent} />
-        <Count label="Refused" field="refused" value={device.refused} isTrouble={device.refused > 0} />
-        <Count label="Lost" field="lost" value={device.lost} isTrouble={device.lost > 0} />
-        <Count label="Shown only" field="shown" value={device.shown} />
+        <Count label={t("Queue")} field="queue" value={queueText(device)} />
+        <Count label={t("Sent")} field="sent" value={device.sent} />
+        <Count label={t("Refused")} field="refused" value={device.refused} isTrouble={device.refused > 0} />
+        <Count label={t("Lost")} field="lost" value={device.lost} isTrouble={device.lost > 0} />
+        <Count label={t("Shown only")} field="shown" value={device.shown} />
         <Received counts={device} />
-        <Count label="Errors" field="errors" value={device.errors} isTrouble={device.errors > 0} />
+        <Count label={t("Errors")} field="errors" value={device.errors} isTrouble={device.errors > 0} />
       </dl>
       <Bytes
-        label={device.last_sent_bytes?.sent === false ? "Would be sent" : "Last sent"}
+        label={device.last_sent_bytes?.sent === false ? t("Would be sent") : t("Last sent")}
         field="sent-bytes"
         bytes={device.last_sent_bytes}
       />
-      <Bytes label="Last received" field="received-bytes" bytes={device.last_received_bytes} />
+      <Bytes label={t("Last received")} field="received-bytes" bytes={device.last_received_bytes} />
     </Peer>
   );
 }
 
 function Broadcasts({ state }: { state: BroadcastState }) {
   return (
-    <Peer id="broadcast" title="Broadcasts" lamp={state.problem === null ? "lamp lamp-open" : "lamp lamp-lost"}>
+    <Peer id="broadcast" title={t("Broadcasts")} lamp={state.problem === null ? "lamp lamp-open" : "lamp lamp-lost"}>
       <p class="hint">
         UDP {state.port} ·{" "}
         {state.problem === null ? (
-          "received here"
+          t("received here")
         ) : (
           <span class="peer-problem" data-field="problem">
-            not received: {state.problem}; trying again
+            {t("not received: {problem}; trying again", { problem: state.problem })}
           </span>
         )}
       </p>
@@ -92,20 +93,20 @@ function Broadcasts({ state }: { state: BroadcastState }) {
         <Received counts={state} />
         <Errors counts={state} />
       </dl>
-      <Bytes label="Last received" field="received-bytes" bytes={state.last_received_bytes} />
+      <Bytes label={t("Last received")} field="received-bytes" bytes={state.last_received_bytes} />
     </Peer>
   );
 }
 
 function Control({ state }: { state: ControlState }) {
   return (
-    <Peer id="control" title="Records of other hosts" lamp="lamp lamp-open">
+    <Peer id="control" title={t("Records of other hosts")} lamp="lamp lamp-open">
       <p class="hint">
-        TCP {state.port} · {state.connections} connected
+        TCP {state.port} · {t("{count} connected", { count: state.connections })}
       </p>
       <dl class="counts">
         <Received counts={state} />
-        <Count label="Turned away" field="turned-away" value={state.turned_away} isTrouble={state.turned_away > 0} />
+        <Count label={t("Turned away")} field="turned-away" value={state.turned_away} isTrouble={state.turned_away > 0} />
         <Errors counts={state} />
       </dl>
     </Peer>
@@ -127,15 +128,15 @@ function Peer({ id, title, lamp, children }: { id: string; title: string; lamp: 
 function Received({ counts }: { counts: ItemCounts }) {
   return (
     <>
-      <Count label="Received" field="received" value={counts.received} />
-      <Count label="Matched" field="matched" value={counts.matched} />
-      <Count label="Rejected" field="rejected" value={rejectedText(counts)} isTrouble={counts.rejected > 0} />
+      <Count label={t("Received")} field="received" value={counts.received} />
+      <Count label={t("Matched")} field="matched" value={counts.matched} />
+      <Count label={t("Rejected")} field="rejected" value={rejectedText(counts)} isTrouble={counts.rejected > 0} />
     </>
   );
 }
 
 function Errors({ counts }: { counts: ErrorCounts }) {
-  return <Count label="Errors" field="errors" value={errorsText(counts)} isTrouble={counts.errors > 0} />;
+  return <Count label={t("Errors")} field="errors" value={errorsText(counts)} isTrouble={counts.errors > 0} />;
 }
 
 function Count(props: { label: string; field: string; value: string | number; isTrouble?: boolean }) {
@@ -156,8 +157,8 @@ function Bytes({ label, field, bytes }: { label: string; field: string; bytes: M
   return (
     <div class="bytes" data-field={field}>
       <span class="bytes-label">
-        {label}, {bytes.size} {bytes.size === 1 ? "byte" : "bytes"}
-        {isCut && ", the beginning"}
+        {label}, {bytes.size === 1 ? t("1 byte") : t("{count} bytes", { count: bytes.size })}
+        {isCut && `, ${t("the beginning")}`}
       </span>
       <code data-bytes="text">{bytes.text}</code>
       <code class="bytes-hex" data-bytes="hex">

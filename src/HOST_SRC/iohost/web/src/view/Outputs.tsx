@@ -1,5 +1,6 @@
 import { timeOfDay } from "../format.ts";
 import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
 import { kindOf, shownValue } from "../params.ts";
 import type { Param } from "../messages.ts";
 import { LinkTargets } from "./Links.tsx";
@@ -26,7 +27,7 @@ export function EventOutput({ host, node, param }: OutputProps) {
       <span class="event-lamp" key={count} aria-hidden="true" />
       <span class="output-name">{param.display}</span>
       <span class="event-count">{count}</span>
-      <span class="event-time">{last === null ? "not yet fired" : timeOfDay(last)}</span>
+      <span class="event-time">{last === null ? t("not yet fired") : timeOfDay(last)}</span>
       <LinkTargets host={host} node={node} output={param.id} />
     </div>
   );
@@ -46,7 +47,7 @@ export function ValueOutput({ host, node, param }: OutputProps) {
     >
       <span class="output-name">{param.display}</span>
       <span class={kind === "switch" && value.int !== 0 ? "value-text value-on" : "value-text"}>
-        {text.text === "" ? <span class="none">empty</span> : <LongText {...text} />}
+        {text.text === "" ? <span class="none">{t("empty")}</span> : <LongText {...text} />}
       </span>
       <LinkTargets host={host} node={node} output={param.id} />
     </div>

@@ -2,6 +2,7 @@ import type { ComponentChildren } from "preact";
 import { useState } from "preact/hooks";
 import { shortestFloat } from "../format.ts";
 import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
 import { CombinationCapture } from "../input/capture.ts";
 import { keyValueText, virtualKeyName } from "../input/virtualKeys.ts";
 import { boundsOf, kindOf, parseNumber, shownValue, type EditValue, type ParamKind } from "../params.ts";
@@ -46,7 +47,7 @@ export function ParamEditor({ host, node, param }: EditorProps) {
     case "event":
       control = (
         <button type="button" disabled={!param.available} data-node={node} data-param={param.id} onClick={trigger}>
-          Fire
+          {t("Fire")}
         </button>
       );
       break;
@@ -100,7 +101,7 @@ function KeyCombination({ node, param, onEdit }: ControlProps) {
     }
   };
   const text = keyValueText(param.int);
-  const waiting = held.length > 0 ? `${held.map(virtualKeyName).join(" + ")} + …` : "Press the keys…";
+  const waiting = held.length > 0 ? `${held.map(virtualKeyName).join(" + ")} + …` : t("Press the keys…");
   return (
     <span class="combination">
       <button
@@ -118,14 +119,14 @@ function KeyCombination({ node, param, onEdit }: ControlProps) {
         onKeyDown={follow((event) => capture!.down(event))}
         onKeyUp={follow((event) => capture!.up(event))}
       >
-        {capture !== null ? waiting : text === "" ? <span class="none">none: click and press</span> : text}
+        {capture !== null ? waiting : text === "" ? <span class="none">{t("none: click and press")}</span> : text}
       </button>
       {text !== "" && (
         <button
           type="button"
           class="icon-button"
-          title="No key"
-          aria-label={`${param.display}: no key`}
+          title={t("No key")}
+          aria-label={t("{input}: no key", { input: param.display })}
           disabled={!param.available}
           onClick={() => onEdit({ int: 0 })}
         >
@@ -203,12 +204,10 @@ function useDraft(current: string, commit: (draft: string) => void) {
 }
 
 function NumberField({ node, param, kind, onEdit, onError }: ControlProps & { kind: ParamKind }) {
-  const bounds = boundsOf(param.range);
   const field = useDraft(kind === "float" ? shortestFloat(param.float) : String(param.int), (draft) => {
     const value = parseNumber(draft, kind, param.range);
     if (value === null) {
-      const limits = bounds === null ? "" : ` from ${bounds.min} to ${bounds.max}`;
-      onError(`${kind === "float" ? "A number" : "A whole number"}${limits}, please.`);
+      onError(wantedNumber(kind, boundsOf(param.range)));
     } else {
       onEdit(value);
     }
@@ -226,6 +225,15 @@ function NumberField({ node, param, kind, onEdit, onError }: ControlProps & { ki
   );
 }
 
+function wantedNumber(kind: ParamKind, bounds: { min: number; max: number } | null): string {
+  if (bounds === null) {
+    return kind === "float" ? t("A number, please.") : t("A whole number, please.");
+  }
+  return kind === "float"
+    ? t("A number from {min} to {max}, please.", bounds)
+    : t("A whole number from {min} to {max}, please.", bounds);
+}
+
 /** Of a text that the host cut the end isn't known: it can be replaced, not edited. */
 function TextField({ node, param, onEdit }: ControlProps) {
   const isCut = param.length !== undefined;
@@ -235,7 +243,7 @@ function TextField({ node, param, onEdit }: ControlProps) {
       type="text"
       class="field"
       spellcheck={false}
-      placeholder={isCut ? `${characters(param.length!)}; typing replaces them` : undefined}
+      placeholder={isCut ? t("{characters}; typing replaces them", { characters: characters(param.length!) }) : undefined}
       disabled={!param.available}
       data-node={node}
       data-param={param.id}

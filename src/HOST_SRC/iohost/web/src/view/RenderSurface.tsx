@@ -3,7 +3,7 @@ import { useEffect, useRef } from "preact/hooks";
 import { floatText } from "../format.ts";
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
-import { t } from "../i18n.ts";
+import { t, type Label } from "../i18n.ts";
 import { firstPointer } from "../input/pointers.ts";
 import type { SampleKind } from "../input/stroke.ts";
 import { Strokes, type StrokeView } from "../input/strokes.ts";
@@ -13,10 +13,12 @@ import { Device } from "../codes.ts";
 import { HeldBar } from "./HeldBar.tsx";
 import { StrokeOverlay } from "./StrokeOverlay.tsx";
 
-const KINDS: readonly { kind: SampleKind; label: string }[] = [
+const KINDS: readonly { kind: SampleKind; label: Label }[] = [
   { kind: "pixel", label: "Pixels" },
   { kind: "relative", label: "Relative" },
 ];
+
+const POINTER_TYPES: Record<string, Label> = { mouse: "mouse", touch: "touch", pen: "pen" };
 
 /** The stand-in for the host's render window: what happens on it goes to the nodes. */
 export function RenderSurface({ host, desk }: { host: Host; desk: Desk }) {
@@ -85,12 +87,12 @@ export function RenderSurface({ host, desk }: { host: Host; desk: Desk }) {
   return (
     <section class="panel surface-panel" aria-labelledby="surface-title">
       <div class="panel-head">
-        <h2 id="surface-title">Render surface</h2>
-        <span class="hint" id="surface-hint" title="Keys go to the nodes while it has the focus. Tab leaves it.">
-          Keys go to the nodes while it has the focus. <kbd>Tab</kbd> leaves it.
+        <h2 id="surface-title">{t("Render surface")}</h2>
+        <span class="hint" id="surface-hint" title={t("Keys go to the nodes while it has the focus. Tab leaves it.")}>
+          {t("Keys go to the nodes while it has the focus.")} <kbd>Tab</kbd> {t("leaves it.")}
         </span>
-        <span class="switch-label">Samples</span>
-        <div class="segments" role="group" aria-label="Samples">
+        <span class="switch-label">{t("Samples")}</span>
+        <div class="segments" role="group" aria-label={t("Samples")}>
           {KINDS.map(({ kind, label }) => (
             <button
               type="button"
@@ -99,7 +101,7 @@ export function RenderSurface({ host, desk }: { host: Host; desk: Desk }) {
               data-samples-in={kind}
               onClick={() => chooseKind(kind)}
             >
-              {label}
+              {t(label)}
             </button>
           ))}
         </div>
@@ -127,8 +129,8 @@ export function RenderSurface({ host, desk }: { host: Host; desk: Desk }) {
         <span class="axis axis-origin">0, 0</span>
         {strokes.value.length === 0 && (
           <p class="surface-call">
-            <span class="call-blurred">Click here, then type, move, click, scroll and swipe</span>
-            <span class="call-focused">Type, move, click, scroll and swipe</span>
+            <span class="call-blurred">{t("Click here, then type, move, click, scroll and swipe")}</span>
+            <span class="call-focused">{t("Type, move, click, scroll and swipe")}</span>
           </p>
         )}
         <StrokeOverlay strokes={strokes.value} height={surface.current?.clientHeight ?? 0} />
@@ -138,13 +140,13 @@ export function RenderSurface({ host, desk }: { host: Host; desk: Desk }) {
         {ended !== undefined && <VerdictCard view={ended} />}
       </div>
       <dl class="readout">
-        <Reading label="Pixels" value={first && `${first.point.x}, ${first.point.y}`} data="pixels" />
+        <Reading label={t("Pixels")} value={first && `${first.point.x}, ${first.point.y}`} data="pixels" />
         <Reading
-          label="Relative"
+          label={t("Relative")}
           value={first && `${floatText(round(first.point.rx))}, ${floatText(round(first.point.ry))}`}
           data="relative"
         />
-        <Reading label="Pointers" value={pointersText(pointers.value)} data="pointers" />
+        <Reading label={t("Pointers")} value={pointersText(pointers.value)} data="pointers" />
       </dl>
       <HeldBar host={host} />
     </section>
@@ -156,7 +158,7 @@ function round(value: number): number {
 }
 
 function pointersText(pointers: readonly PointerEcho[]): string | undefined {
-  return pointers.length === 0 ? undefined : pointers.map(({ number, type }) => `${number} ${type}`).join(", ");
+  return pointers.length === 0 ? undefined : pointers.map(({ number, type }) => `${number} ${t(POINTER_TYPES[type] ?? "pointer")}`).join(", ");
 }
 
 function Reading({ label, value, data }: { label: string; value: string | undefined; data: string }) {
@@ -173,10 +175,10 @@ function VerdictCard({ view: { pointer, stroke, verdict } }: { view: StrokeView 
   const { fired, reason } = verdict!;
   return (
     <div class={fired.length > 0 ? "verdict verdict-fired" : "verdict"} role="status" data-verdict={fired.join(", ")}>
-      <strong>{fired.length > 0 ? fired.join(" · ") : "No event"}</strong>
+      <strong>{fired.length > 0 ? fired.join(" · ") : t("No event")}</strong>
       <span>{reason}</span>
       <span class="verdict-stroke">
-        pointer {pointer}, {stroke.count} samples
+        {t("pointer {pointer}, {count} samples", { pointer, count: stroke.count })}
       </span>
     </div>
   );

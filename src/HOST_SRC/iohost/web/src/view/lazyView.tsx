@@ -1,5 +1,6 @@
 import type { ComponentType } from "preact";
 import { useEffect, useState } from "preact/hooks";
+import { t } from "../i18n.ts";
 
 /** A view whose code is large: it's loaded when the view is shown for the first time, after the page's first paint. */
 export function lazyView<Props extends object>(load: () => Promise<ComponentType<Props>>): ComponentType<Props> {
@@ -13,7 +14,7 @@ export function lazyView<Props extends object>(load: () => Promise<ComponentType
       );
     }, []);
     if (View === null) {
-      return <p class="empty">{error ?? "Loading…"}</p>;
+      return <p class="empty">{error ?? t("Loading…")}</p>;
     }
     return <View {...props} />;
   };

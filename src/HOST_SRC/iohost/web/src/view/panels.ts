@@ -1,6 +1,7 @@
 import type { ComponentType } from "preact";
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
+import type { Label } from "../i18n.ts";
 import { JsonPanel } from "./JsonPanel.tsx";
 import { KeyboardPanel } from "./KeyboardPanel.tsx";
 import { lazyView } from "./lazyView.tsx";
@@ -18,7 +19,7 @@ export interface PanelProps {
 export interface Panel {
   /** Stands in the page's address, as in `/#log`. */
   id: string;
-  title: string;
+  title: Label;
   View: ComponentType<PanelProps>;
   /** How much of the page's height it takes, when that isn't the usual third: a length of CSS. */
   height?: string;

@@ -3,6 +3,7 @@ import { useEffect, useRef, useState } from "preact/hooks";
 import { Vector3 } from "three";
 import { floatText } from "../format.ts";
 import type { Host, NodeView } from "../host.ts";
+import { t } from "../i18n.ts";
 import { inputOf, NodeType, nodesOf, outputNames, VRHandlePin } from "../nodeTypes.ts";
 import { Device } from "../codes.ts";
 import { firedByNodes, type VRPayload } from "../messages.ts";
@@ -46,7 +47,7 @@ export function HandsView({ host, shown }: PanelProps) {
       void hasHeadset().then(setCanEnter);
       return () => made.detach();
     } catch (error) {
-      setDrawing(`This browser can't draw in space here: ${error instanceof Error ? error.message : error}`);
+      setDrawing(t("This browser can't draw in space here: {error}", { error: error instanceof Error ? error.message : String(error) }));
       return undefined;
     }
   }, [hands]);
@@ -108,7 +109,7 @@ export function HandsView({ host, shown }: PanelProps) {
           ref={place}
           tabIndex={0}
           role="application"
-          aria-label="Space: drag a hand or its hit point; arrow keys and Page Up and Down move the right hand, with Alt the left one"
+          aria-label={t("Space: drag a hand or its hit point; arrow keys and Page Up and Down move the right hand, with Alt the left one")}
           onKeyDown={(event) => {
             const by = keyStep(event.key);
             if (by !== null) {
@@ -121,20 +122,20 @@ export function HandsView({ host, shown }: PanelProps) {
           {drawing !== null && <p class="empty">{drawing}</p>}
         </div>
         <div class="space-foot">
-          <span class="hint">{problem ?? "Drag a hand or its hit point. Metres, y up."}</span>
+          <span class="hint">{problem ?? t("Drag a hand or its hit point. Metres, y up.")}</span>
           {headset !== null ? (
             <button type="button" onClick={() => headset.end()}>
-              Leave the headset
+              {t("Leave the headset")}
             </button>
           ) : (
             <button
               type="button"
               disabled={!canEnter}
-              title={canEnter ? "Use real controllers" : "This browser offers no headset to this address"}
+              title={canEnter ? t("Use real controllers") : t("This browser offers no headset to this address")}
               data-enter-headset
               onClick={enter}
             >
-              Use a headset
+              {t("Use a headset")}
             </button>
           )}
         </div>
@@ -292,8 +293,8 @@ function HandCard({ side, host, hands, sample, fired, followers }: HandCardProps
   const mine = followers.filter((follower) => follower.side === side);
   const place = placeOf(sample.pose).toArray();
   return (
-    <section class={`hand hand-${side}`} aria-label={HAND_NAMES[side]} data-hand={side}>
-      <h3>{HAND_NAMES[side]}</h3>
+    <section class={`hand hand-${side}`} aria-label={t(HAND_NAMES[side])} data-hand={side}>
+      <h3>{t(HAND_NAMES[side])}</h3>
       <Pad side={side} hands={hands} sample={sample} />
       <button
         type="button"
@@ -312,18 +313,18 @@ function HandCard({ side, host, hands, sample, fired, followers }: HandCardProps
         onKeyUp={(event) => isPress(event) && hands.trigger(side, false)}
         onBlur={() => hands.trigger(side, false)}
       >
-        Trigger
+        {t("Trigger")}
       </button>
       <dl class="hand-places">
-        <dt>At</dt>
+        <dt>{t("At")}</dt>
         <dd data-place={side}>{place.map((value) => floatText(Math.round(value * 100) / 100)).join("  ")}</dd>
-        <dt>Hits</dt>
+        <dt>{t("Hits")}</dt>
         <dd data-hit={side}>{sample.hit.map((value) => floatText(Math.round(value * 100) / 100)).join("  ")}</dd>
       </dl>
       <p class="hand-fired" role="status" data-hand-fired={side}>
-        {fired.length === 0 ? <span class="none">no event yet</span> : fired.join(" · ")}
+        {fired.length === 0 ? <span class="none">{t("no event yet")}</span> : fired.join(" · ")}
       </p>
-      {mine.length === 0 && <p class="hand-node none">No node takes this hand.</p>}
+      {mine.length === 0 && <p class="hand-node none">{t("No node takes this hand.")}</p>}
       {mine.map((follower) => (
         <FollowerLine key={follower.node.node} host={host} follower={follower} />
       ))}
@@ -342,18 +343,18 @@ function FollowerLine({ host, follower: { node, clip, name } }: { host: Host; fo
     <p class="hand-node">
       {node.graph}
       {name === "" ? (
-        <span class="none"> moves nothing</span>
+        <span class="none"> {t("moves nothing")}</span>
       ) : isThere ? (
         <>
-          {" moves "}
+          {` ${t("moves")} `}
           <strong>{name}</strong>
         </>
       ) : (
         <>
-          {`: no object “${name}” `}
+          {`: ${t("no object “{name}”", { name })} `}
           {clip !== null && (
             <button type="button" class="link" onClick={() => host.addObject(clip, name)}>
-              Add it
+              {t("Add it")}
             </button>
           )}
         </>
@@ -381,7 +382,7 @@ function Pad({ side, hands, sample: { pad, padx, pady } }: { side: Side; hands: 
       viewBox="-1.1 -1.1 2.2 2.2"
       role="button"
       tabIndex={0}
-      aria-label="Touch-pad: arrow keys move the thumb, Space presses"
+      aria-label={t("Touch-pad: arrow keys move the thumb, Space presses")}
       data-pad={pad}
       data-pad-zone={zone ?? "none"}
       onPointerMove={(event) => {
@@ -416,7 +417,7 @@ function Pad({ side, hands, sample: { pad, padx, pady } }: { side: Side; hands: 
     >
       <circle class="pad-plate" r="1" />
       <path class="pad-lines" d="M-.7071 -.7071L-.5 -.5M.7071 -.7071L.5 -.5M-.7071 .7071L-.5 .5M.7071 .7071L.5 .5M-.5 -.5H.5V.5H-.5Z" />
-      {zone !== null && <text class="pad-zone" y={zone === "centre" ? 0.34 : 0}>{zone}</text>}
+      {zone !== null && <text class="pad-zone" y={zone === "centre" ? 0.34 : 0}>{t(zone)}</text>}
       <circle class="pad-thumb" cx={padx} cy={-pady} r={isDown ? 0.2 : 0.13} />
     </svg>
   );

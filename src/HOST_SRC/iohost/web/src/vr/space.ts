@@ -30,6 +30,7 @@ import {
 } from "three";
 import { OrbitControls } from "three/addons/controls/OrbitControls.js";
 import { CSS2DObject, CSS2DRenderer } from "three/addons/renderers/CSS2DRenderer.js";
+import { t } from "../i18n.ts";
 import type { VRPayload } from "../messages.ts";
 import type { SceneObject } from "../protocol.ts";
 import { SIDES, type Side } from "./hand.ts";
@@ -87,7 +88,7 @@ export class Space {
     const canvas = document.createElement("canvas");
     const context = canvas.getContext("webgl2", { antialias: true, alpha: true });
     if (context === null) {
-      throw new Error("it has no WebGL 2");
+      throw new Error(t("it has no WebGL 2"));
     }
     this.renderer = new WebGLRenderer({ canvas, context });
     this.renderer.xr.enabled = true;

@@ -1,0 +1,20 @@
+import type { AriaLabelConfig } from "@xyflow/react";
+import { t } from "../i18n.ts";
+
+/** What the graph's library says by itself, in the page's language. */
+export function ariaLabels(): Partial<AriaLabelConfig> {
+  return {
+    "node.a11yDescription.default": t("Enter or Space chooses a node. Delete removes it, Escape lets it go."),
+    "node.a11yDescription.keyboardDisabled": t(
+      "Enter or Space chooses a node; the arrow keys then move it. Delete removes it, Escape lets it go.",
+    ),
+    "node.a11yDescription.ariaLiveMessage": ({ x, y }) => t("Moved to {x}, {y}.", { x, y }),
+    "edge.a11yDescription.default": t("Enter or Space chooses a wire. Delete removes it, Escape lets it go."),
+    "controls.ariaLabel": t("View of the graph"),
+    "controls.zoomIn.ariaLabel": t("Zoom in"),
+    "controls.zoomOut.ariaLabel": t("Zoom out"),
+    "controls.fitView.ariaLabel": t("Show all"),
+    "minimap.ariaLabel": t("Map of the graph"),
+    "handle.ariaLabel": t("Pin"),
+  };
+}

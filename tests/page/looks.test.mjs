@@ -1,0 +1,76 @@
+// The page's languages.
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import * as is from "./support/page.mjs";
+import { browser, host, page, script, useScene } from "./support/scene.mjs";
+import { createNode, Type, until } from "./support/session.mjs";
+
+useScene({ start: () => ({ options: ["--texts", "zh"] }) });
+
+const TABS = ["log", "keyboard", "hands", "network", "json"];
+
+const tab = (view, name) => view.page.locator(`[data-tab=${name}]`).click();
+const language = (view) => view.page.evaluate(() => document.documentElement.lang);
+const logLine = (view) => view.page.locator("[data-log] .line-text").last();
+
+/** What the page says: what stands on it and what it tells screen readers, without the texts of the scene. */
+const saidOn = (view) =>
+  view.page.evaluate(() => {
+    const said = [];
+    const isForeign = (element) => element.closest("kbd, [data-skbtn], .line-text, .react-flow__attribution") !== null;
+    const walker = document.createTreeWalker(document.body, NodeFilter.SHOW_TEXT);
+    while (walker.nextNode()) {
+      const element = walker.currentNode.parentElement;
+      if (element.checkVisibility() && !isForeign(element)) {
+        said.push(walker.currentNode.textContent);
+      }
+    }
+    for (const element of document.querySelectorAll("[aria-label], [placeholder]")) {
+      if (!isForeign(element)) {
+        said.push(element.ariaLabel, element.getAttribute("placeholder"));
+      }
+    }
+    return said.filter((text) => text !== null && text.trim() !== "");
+  });
+
+test("in Chinese no text is left in English, on any tab", async () => {
+  await createNode(script, "t", Type.textField, "文本 1");
+  await createNode(script, "v", Type.vrHandle, "手柄 1");
+  await page.page.getByRole("button", { name: "中文" }).click();
+  assert.equal(await language(page), "zh");
+  const fromHost = ["Keyboard 1", "Mouse 1", "Demo", "Version"];
+  const sameEverywhere = ["iohost", "JSON", "EN", "VR", "Alt", "Page Up", "Page Down", "Delete", "Esc", "UDP", '{"cmd":"start"}'];
+  const known = [...fromHost, ...sameEverywhere, host.address];
+  for (const name of TABS) {
+    await tab(page, name);
+    await page.page.locator(`#panel-${name} :visible`).first().waitFor();
+    const rest = (await saidOn(page)).map((text) => known.reduce((left, word) => left.replaceAll(word, ""), text));
+    assert.deepEqual(rest.filter((text) => /[A-Za-z]{2}/.test(text)), [], name);
+  }
+});
+
+test("the browser's languages choose the page's, and a switch does, which the page remembers", async () => {
+  const context = await browser.newContext({ locale: "zh-CN" });
+  const view = { page: await context.newPage() };
+  await view.page.goto(host.page);
+  await view.page.getByRole("heading", { name: "渲染画面" }).waitFor();
+  await view.page.getByRole("button", { name: "EN" }).click();
+  await view.page.getByRole("heading", { name: "Render surface" }).waitFor();
+  assert.equal(await language(view), "en");
+  await view.page.reload();
+  await view.page.getByRole("heading", { name: "Render surface" }).waitFor();
+  await context.close();
+});
+
+test("the module's log lines are shown in the page's language, with what was logged as the title", async () => {
+  await script.request({ op: "event", device: 1, event: 3004 });
+  await page.fires(is.HOVER, 1);
+  await until("the line", async () => (await logLine(page).innerText()) === "[Demo.Mouse 1.鼠标] fired [Hover]");
+  assert.equal(await logLine(page).getAttribute("title"), "[Demo.Mouse 1.鼠标]触发输出事件[停留]");
+  for (const search of ["fired [hover", "[停留]"]) {
+    await page.page.locator(".log-search").fill(search);
+    await page.page.locator('[data-log-shown="1"]').waitFor();
+  }
+  await page.page.getByRole("button", { name: "中文" }).click();
+  await until("the line", async () => (await logLine(page).innerText()) === "[Demo.Mouse 1.鼠标]触发输出事件[停留]");
+});
