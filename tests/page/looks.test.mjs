@@ -1,4 +1,4 @@
-// The page's languages.
+// How the page looks to whom: its languages, its colours, its motion.
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import * as is from "./support/page.mjs";
@@ -73,4 +73,37 @@ test("the module's log lines are shown in the page's language, with what was log
   }
   await page.page.getByRole("button", { name: "中文" }).click();
   await until("the line", async () => (await logLine(page).innerText()) === "[Demo.Mouse 1.鼠标]触发输出事件[停留]");
+});
+
+test("light or dark is as the system says, at any time", async () => {
+  const ground = () => page.page.evaluate(() => Number(/\d+/.exec(getComputedStyle(document.body).backgroundColor)[0]));
+  await page.page.emulateMedia({ colorScheme: "light" });
+  assert.ok((await ground()) > 200);
+  await page.page.locator(".react-flow.light").waitFor();
+  await page.page.emulateMedia({ colorScheme: "dark" });
+  assert.ok((await ground()) < 50);
+  await page.page.locator(".react-flow.dark").waitFor();
+});
+
+test("where less motion is wished, a flash is a mark that stands still for a while", async () => {
+  await script.request({ op: "event", device: 1, event: 3004 });
+  await page.fires(is.HOVER, 1);
+  const strengths = () =>
+    page.page.locator(".index-flash").evaluate((flash) => {
+      flash.style.animationName = "none";
+      flash.getAnimations(); // takes it in
+      flash.style.animationName = "";
+      const [animation] = flash.getAnimations();
+      animation.pause();
+      return [100, 400, 600, 1500].map((time) => {
+        animation.currentTime = time;
+        return Number(getComputedStyle(flash).opacity);
+      });
+    });
+  const [first, , fading, later] = await strengths();
+  assert.equal(first, 1);
+  assert.ok(fading > 0 && fading < 1, fading);
+  assert.equal(later, 0);
+  await page.page.emulateMedia({ reducedMotion: "reduce" });
+  assert.deepEqual(await strengths(), [1, 1, 1, 1]);
 });

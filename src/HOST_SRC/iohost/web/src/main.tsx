@@ -1,8 +1,11 @@
 import { render } from "preact";
+import "./base.css";
+import "./view/controls.css";
+// Of views that are loaded later.
+import "./graph/graph.css";
+import "./vr/hands.css";
 import { Host } from "./host.ts";
 import { startLanguage } from "./i18n.ts";
-import "./graph/graph.css";
-import "./page.css";
 import { App } from "./view/App.tsx";
 
 startLanguage();

@@ -168,7 +168,7 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
       </div>
       <div class="graph" data-graph onKeyDown={removeChosen}>
         <ReactFlow
-          colorMode="dark"
+          colorMode="system"
           ariaLabelConfig={ariaLabels()}
           nodes={faces}
           edges={wires}
@@ -181,7 +181,7 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
           }
           onConnectEnd={tellRefusal}
           onNodeDoubleClick={(_, { id }) =>
-            document.getElementById(`node-${id}`)?.scrollIntoView({ behavior: "smooth", block: "start" })
+            document.getElementById(`node-${id}`)?.scrollIntoView({ block: "start" })
           }
           onInit={(instance) => (flow.current = instance)}
           deleteKeyCode={null}

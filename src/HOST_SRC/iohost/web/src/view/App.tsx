@@ -8,6 +8,7 @@ import { Dock } from "./Dock.tsx";
 import { Inspector } from "./Inspector.tsx";
 import { LanguageSwitch } from "./LanguageSwitch.tsx";
 import { lazyView } from "./lazyView.tsx";
+import "./topBar.css";
 import { RenderSurface } from "./RenderSurface.tsx";
 
 const Canvas = lazyView(async () => (await import("../graph/Canvas.tsx")).Canvas);

@@ -2,6 +2,7 @@ import { useEffect, useState } from "preact/hooks";
 import { isStalled } from "../frames.ts";
 import type { ConnectionState, Host } from "../host.ts";
 import { t } from "../i18n.ts";
+import "./connection.css";
 
 const STEP_MS = 250;
 

@@ -2,6 +2,7 @@ import { useEffect, useRef, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
+import "./dock.css";
 import { PANELS } from "./panels.ts";
 import { Splitter } from "./Splitter.tsx";
 
@@ -69,7 +70,7 @@ export function Dock({ host, desk }: { host: Host; desk: Desk }) {
         class="panel dock"
         aria-label={t("Panels")}
         ref={dock}
-        style={{ height: chosen ?? PANELS.find(({ id }) => id === front)?.height }}
+        style={{ "--dock-height": chosen === null ? PANELS.find(({ id }) => id === front)?.height : `${chosen}px` }}
       >
       <div class="tabs" role="tablist" ref={tabs} onKeyDown={step}>
         {PANELS.map(({ id, title }) => (

@@ -4,6 +4,7 @@ import { heldLabel, isKeyboardState } from "../held.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { HeldEntry } from "../protocol.ts";
+import "./heldBar.css";
 
 const AGE_STEP_MS = 100;
 

@@ -5,6 +5,7 @@ import { t } from "../i18n.ts";
 import { iconOf } from "../icons.ts";
 import { kindOf } from "../params.ts";
 import type { ParamGroup } from "../messages.ts";
+import "./inspector.css";
 import { JsonVerdictLine } from "./JsonPanel.tsx";
 import { EventOutput, ValueOutput } from "./Outputs.tsx";
 import { ParamEditor } from "./ParamEditor.tsx";
@@ -64,7 +65,7 @@ const NodeIndexEntry = memo(function NodeIndexEntry({ host, node }: { host: Host
       type="button"
       title={`${node.graph} (${node.details.name})`}
       aria-label={node.graph}
-      onClick={() => document.getElementById(`node-${node.node}`)?.scrollIntoView({ behavior: "smooth", block: "start" })}
+      onClick={() => document.getElementById(`node-${node.node}`)?.scrollIntoView({ block: "start" })}
     >
       <NodeIcon type={node.type} />
       {/* A new key makes a new element, whose flash starts afresh. */}

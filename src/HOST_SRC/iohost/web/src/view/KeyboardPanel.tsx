@@ -5,6 +5,7 @@ import { ScreenKeyboard } from "../input/screenKeyboard.ts";
 import { VirtualKey } from "../input/virtualKeys.ts";
 import { NodeType, nodesOf, TextFieldPin } from "../nodeTypes.ts";
 import { cutText } from "../texts.ts";
+import "./keyboard.css";
 import { LongText } from "./LongText.tsx";
 import type { PanelProps } from "./panels.ts";
 

@@ -1,6 +1,7 @@
 import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { ParamGroup } from "../messages.ts";
+import "./links.css";
 
 function pinName(groups: readonly ParamGroup[], id: number): string {
   return groups.flatMap(({ params }) => params).find((param) => param.id === id)?.display ?? String(id);
@@ -11,7 +12,7 @@ function nodeOf(host: Host, handle: string): NodeView | undefined {
 }
 
 function showCard(handle: string): void {
-  document.getElementById(`node-${handle}`)?.scrollIntoView({ behavior: "smooth", block: "start" });
+  document.getElementById(`node-${handle}`)?.scrollIntoView({ block: "start" });
 }
 
 /** What an output feeds. */

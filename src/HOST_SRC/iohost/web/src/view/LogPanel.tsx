@@ -3,6 +3,7 @@ import { useEffect, useMemo, useRef, useState } from "preact/hooks";
 import { timeOfDay } from "../format.ts";
 import { language, t, type Label } from "../i18n.ts";
 import { filterLog, levelName, LogLevel, type LevelFilter, type LogLine } from "../log.ts";
+import "./log.css";
 import { LongText } from "./LongText.tsx";
 import type { PanelProps } from "./panels.ts";
 

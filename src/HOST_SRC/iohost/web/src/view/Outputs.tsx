@@ -3,8 +3,10 @@ import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import { kindOf, shownValue } from "../params.ts";
 import type { Param } from "../messages.ts";
+import "./cell.css";
 import { LinkTargets } from "./Links.tsx";
 import { LongText } from "./LongText.tsx";
+import "./outputs.css";
 
 interface OutputProps {
   host: Host;

@@ -8,9 +8,11 @@ import { keyValueText, virtualKeyName } from "../input/virtualKeys.ts";
 import { boundsOf, kindOf, parseNumber, shownValue, type EditValue, type ParamKind } from "../params.ts";
 import type { Param } from "../messages.ts";
 import { characters } from "../texts.ts";
+import "./cell.css";
 import { DeviceChoice, namesDevice } from "./DeviceChoice.tsx";
 import { LinkSources } from "./Links.tsx";
 import { LongText } from "./LongText.tsx";
+import "./paramEditor.css";
 
 interface EditorProps {
   host: Host;

@@ -11,6 +11,7 @@ import { SurfaceInput, type PointerEcho } from "../input/surface.ts";
 import { NodeType, nodesOf, outputNames } from "../nodeTypes.ts";
 import { Device } from "../codes.ts";
 import { HeldBar } from "./HeldBar.tsx";
+import "./surface.css";
 import { StrokeOverlay } from "./StrokeOverlay.tsx";
 
 const KINDS: readonly { kind: SampleKind; label: Label }[] = [

@@ -1,6 +1,7 @@
 import { DRAG_THRESHOLD } from "../input/stroke.ts";
 import type { StrokeView, TrailPoint } from "../input/strokes.ts";
 import { RELATIVE_HEIGHT } from "../input/units.ts";
+import "./strokes.css";
 
 /** A stroke that never ends is drawn by its newest part only. */
 const LONGEST_TRAIL = 1500;
