@@ -28,6 +28,15 @@ std::string AnyText() {
                                           "\"\\\n");
 }
 
+Json AnyPlacing(const std::string& strNode, bool bNote) {
+    Json request = {{"op", "place"}, {"nodes", Json::object()}, {"notes", Json::object()}};
+    request["nodes"][strNode] = {{"x", *rc::gen::inRange(-9, 9)}, {"y", 2}};
+    if (bNote) {
+        request["notes"]["1"] = {{"x", 1}, {"y", 2}, {"width", 3}, {"height", 4}, {"text", AnyText()}};
+    }
+    return request;
+}
+
 /// A request of those that change a scene or come to it; many are refused.
 Json AnyCommand() {
     const auto node = [] { return *rc::gen::element<std::string>("a", "b", "c", "d"); };
@@ -37,7 +46,7 @@ Json AnyCommand() {
     };
     const auto output = [] { return *rc::gen::element(152, 154, 253, 352, 358, 366, 370, 752, 852, 862, 1152); };
     const auto number = [] { return *rc::gen::oneOf(rc::gen::inRange(-3, 70), rc::gen::arbitrary<int>()); };
-    switch (*rc::gen::inRange(0, 16)) {
+    switch (*rc::gen::inRange(0, 20)) {
     case 0:
     case 1:
     case 2: {
@@ -80,15 +89,37 @@ Json AnyCommand() {
     case 14:
         return Event(3, 0,
                      HandSample({{"hand", flag() ? 1 : 0}, {"trigger", flag() ? 1 : 0}, {"pad", flag() ? 1 : 0}}));
-    default:
+    case 15:
         return {{"op", "process"}, {"frame", flag()}};
+    case 16:
+        return AnyPlacing(node(), flag());
+    case 17:
+        return flag() ? Json{{"op", "rename"}, {"node", node()}, {"graph", AnyText()}}
+                      : Json{{"op", "init"}, {"node", node()}};
+    case 18:
+        return flag() ? Json{{"op", "remove_object"}, {"clip", "Clip"}, {"name", AnyText()}}
+                      : Json{{"op", "change_object"}, {"clip", "Clip"}, {"name", AnyText()}, {"to", AnyText()}};
+    default:
+        return {{"op", flag() ? "undo" : "redo"}};
     }
+}
+
+/// A few commands, some of them as one.
+Json AnyStep() {
+    if (*rc::gen::inRange(0, 8) > 0) {
+        return AnyCommand();
+    }
+    Json batch = {{"op", "batch"}, {"requests", Json::array()}};
+    for (int nRequests = *rc::gen::inRange(0, 4); nRequests > 0; --nRequests) {
+        batch["requests"].push_back(AnyCommand());
+    }
+    return batch;
 }
 
 using Commands = std::vector<Json>;
 
 rc::Gen<Commands> AnyCommands() {
-    return rc::gen::container<Commands>(rc::gen::exec(AnyCommand));
+    return rc::gen::container<Commands>(rc::gen::exec(AnyStep));
 }
 
 using Properties = CHostTest;

@@ -95,6 +95,7 @@ int RunSession(const SOptions& options) {
         if (!reply["ok"]) {
             return Fail("--scene " + Utf8(options.sceneFile) + ": " + reply["error"].get<std::string>());
         }
+        pSession->History().Clear(); // nobody wants to undo it
     }
     if (const std::string strProblem = ConfiguredPortProblem(); !strProblem.empty()) {
         if (options.nFront == EFront::Stdio) {

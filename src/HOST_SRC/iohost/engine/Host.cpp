@@ -215,14 +215,17 @@ SDestroyed CHost::Destroy(SNode& node, const GUID& guidType, bool bPointer) {
     return {nResult, ref.pNode == nullptr, bFreed};
 }
 
+void CHost::Discard(SNode& node) {
+    try {
+        Destroy(node, node.guidType, true);
+    } catch (const CModuleFault&) {
+        m_scene.Remove(node); // what is left of it belongs to the module
+    }
+}
+
 void CHost::DestroyAll() {
     while (!m_scene.Nodes().empty()) {
-        SNode& node = m_scene.Nodes().begin()->second;
-        try {
-            Destroy(node, node.guidType, true);
-        } catch (const CModuleFault&) {
-            m_scene.Remove(node); // what is left of it belongs to the module
-        }
+        Discard(m_scene.Nodes().begin()->second);
     }
 }
 

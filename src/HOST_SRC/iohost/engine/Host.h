@@ -89,7 +89,10 @@ public:
     /// freed, and when it was handed over as what it is: the module then only unlinked it and the host lets it be.
     SDestroyed Destroy(SNode& node, const GUID& guidType, bool bPointer);
 
-    /// Destroy all nodes of the scene.
+    /// Destroy a node; it leaves the scene whatever becomes of it.
+    void Discard(SNode& node);
+
+    /// Discard all nodes of the scene.
     void DestroyAll();
 
     /// One evaluation; bGraph false hands over a null graph node.

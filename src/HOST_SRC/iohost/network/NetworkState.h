@@ -21,6 +21,8 @@ struct SDeviceSetup {
     std::string strName;
     EDeviceParser nParser = EDeviceParser::None;
     std::optional<boost::asio::ip::tcp::endpoint> address; ///< none: never connected; what is sent is shown only
+
+    bool operator==(const SDeviceSetup&) const = default;
 };
 
 /// The first bytes of a message, for people.

@@ -27,7 +27,7 @@ void ReadRequest(SRequest& request, const CFields& fields, ISceneFiles& files) {
     const std::string& strOp = fields.Text("op");
     if (strOp == TAG_NAME<SLoadCommand> && !fields.Has("scene")) {
         const Json scene = ParseJson(files.Read(fields.Text("file")), "file");
-        request.command = SLoadCommand{ReadScene(scene, "file"), "file"};
+        request.command = SLoadCommand{ReadScene(scene, "file"), "file", fields.Text("file")};
     } else if (strOp == TAG_NAME<SFrameCommand> && fields.Has("frame") && ReadBool(*fields.Find("frame"), "frame")) {
         ReadFields(request.command.emplace<SFrameCommand>(), fields);
     } else {
@@ -76,6 +76,7 @@ OrderedJson Answer(CSession& session, const Json& json, ISceneFiles& files, cons
             done.outcome.result = {};
             try {
                 files.Write(request.strFile, strText);
+                session.History().NoteSaved(request.strFile);
             } catch (const CRefusal& refusal) {
                 done.outcome.error = refusal.what();
             }

@@ -416,12 +416,21 @@ inline std::string MemberName(unsigned nId) {
     return std::to_string(nId);
 }
 
+inline void ReadKey(unsigned& nId, const std::string& strKey, const std::string& strPath) {
+    nId = ReadIdKey(strKey, strPath);
+}
+inline void ReadKey(std::string& strName, const std::string& strKey, const std::string& /*strPath*/) {
+    strName = strKey;
+}
+
 /// A list by name, id or node: an object.
 template <typename Key, typename T>
 struct Codec<std::vector<std::pair<Key, T>>> {
     static void Read(std::vector<std::pair<Key, T>>& value, const Json& json, const std::string& strPath) {
         for (const auto& [key, member] : CFields(json, strPath + ".").Object().items()) {
-            ReadJson(value.emplace_back(ReadIdKey(key, strPath), T()).second, member, strPath + "." + key);
+            auto& [name, element] = value.emplace_back();
+            ReadKey(name, key, strPath);
+            ReadJson(element, member, strPath + "." + key);
         }
     }
     static OrderedJson Write(const std::vector<std::pair<Key, T>>& value) {

@@ -114,10 +114,46 @@ void ReadFields(SSavedSet& saved, const CFields& fields) {
 void ReadFields(SLoadCommand& command, const CFields& fields) {
     command.strPath = fields.Has("scene") ? "scene" : "file";
     command.pScene = ReadScene(fields.Required(command.strPath.c_str()), command.strPath);
+    ReadField(command.strFile, fields, "name", FIELD_OPTIONAL);
 }
 
 void AppendFields(OrderedJson& json, const SLoadCommand& command) {
     json["scene"] = SceneToJson(*command.pScene);
+    if (!command.strFile.empty()) {
+        json["name"] = command.strFile;
+    }
+}
+
+void ReadFields(SBatchCommand& command, const CFields& fields) {
+    ReadField(command.name, fields, "name", FIELD_OPTIONAL);
+    const Json& requests = fields.Required("requests");
+    if (!requests.is_array()) {
+        RefuseKind("requests", "a list");
+    }
+    auto pCommands = std::make_shared<SCommands>();
+    for (size_t i = 0; i < requests.size(); ++i) {
+        const std::string strPath = "requests[" + std::to_string(i) + "].";
+        try {
+            Command& part = pCommands->list.emplace_back();
+            ReadFields(part, CFields(requests[i]));
+            if (!std::visit([]<typename Kind>(const Kind&) { return FITS_BATCH<Kind>; }, part)) {
+                Refuse("op", "can't be part of a batch");
+            }
+        } catch (const CRefusal& refusal) {
+            throw CRefusal(strPath + refusal.what());
+        }
+    }
+    command.pCommands = std::move(pCommands);
+}
+
+void AppendFields(OrderedJson& json, const SBatchCommand& command) {
+    if (command.name) {
+        json["name"] = *command.name;
+    }
+    OrderedJson& requests = json["requests"] = OrderedJson::array();
+    for (const Command& part : command.pCommands->list) {
+        AppendFields(requests.emplace_back(OrderedJson::object()), part);
+    }
 }
 
 std::shared_ptr<const SSceneDocument> ReadScene(const Json& json, const std::string& strPath) {

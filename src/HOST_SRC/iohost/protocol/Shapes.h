@@ -21,11 +21,15 @@ SHAPE(SValues, SField{"int", &T::nInteger}, SField{"float", &T::fNumber}, SField
 SHAPE(SNodeDetails, SField{"type", &T::guidType}, SField{"kind_code", &T::nKindCode}, SField{"name", &T::strName},
       SField{"second_name", &T::strSecondName}, SField{"own", &T::own}, SField{"inputs", &T::inputs},
       SField{"outputs", &T::outputs})
+SHAPE(SPlace, SField{"x", &T::fX}, SField{"y", &T::fY}, SField{"folded", &T::bFolded, FIELD_OPTIONAL})
+SHAPE(SNote, SField{"x", &T::fX}, SField{"y", &T::fY}, SField{"width", &T::fWidth}, SField{"height", &T::fHeight},
+      SField{"text", &T::strText})
 SHAPE(SSceneNode, SField{"node", &T::strHandle}, SField{"type", &T::guidType}, SField{"clip", &T::clip, FIELD_NULLABLE},
-      SField{"graph", &T::strGraph}, SField{"name", &T::strName})
+      SField{"graph", &T::strGraph}, SField{"name", &T::strName}, SField{"place", &T::place, FIELD_OPTIONAL})
 SHAPE(SLinkDocument, SField{"from", &T::strFrom}, SField{"output", &T::nOutput}, SField{"to", &T::strTo},
       SField{"input", &T::nInput})
-SHAPE(SSceneView, SField{"version", &T::nVersion}, SField{"nodes", &T::nodes}, SField{"links", &T::links})
+SHAPE(SSceneView, SField{"version", &T::nVersion}, SField{"nodes", &T::nodes}, SField{"links", &T::links},
+      SField{"notes", &T::notes, FIELD_OPTIONAL})
 SHAPE(SObjectState, SField{"clip", &T::strClip}, SField{"name", &T::strName}, SField{"matrix", &T::matrix})
 SHAPE(SObjectDocument, SField{"name", &T::strName}, SField{"matrix", &T::matrix, FIELD_OPTIONAL})
 SHAPE(SClipDocument, SField{"name", &T::strName}, SField{"objects", &T::objects})
@@ -33,7 +37,8 @@ SHAPE(SNodeDocument, SField{"node", &T::strHandle}, SField{"type", &T::guidType}
       SField{"clip", &T::clip, FIELD_NULLABLE}, SField{"graph", &T::strGraph},
       SField{"event_window", &T::bEventWindow, FIELD_DEFAULTED},
       SField{"notify_window", &T::bNotifyWindow, FIELD_DEFAULTED}, SField{"own", &T::own, FIELD_OPTIONAL},
-      SField{"inputs", &T::inputs, FIELD_OPTIONAL}, SField{"outputs", &T::outputs, FIELD_OPTIONAL})
+      SField{"inputs", &T::inputs, FIELD_OPTIONAL}, SField{"outputs", &T::outputs, FIELD_OPTIONAL},
+      SField{"place", &T::place, FIELD_OPTIONAL})
 
 template <>
 struct Codec<boost::asio::ip::tcp::endpoint> { ///< 127.0.0.1:9000
@@ -46,7 +51,8 @@ SHAPE(SDeviceSetup, SField{"id", &T::nId}, SField{"name", &T::strName}, SField{"
 
 /// Without "format" and "version", which are a file's.
 SHAPE(SSceneDocument, SField{"clips", &T::clips, FIELD_DEFAULTED}, SField{"nodes", &T::nodes, FIELD_DEFAULTED},
-      SField{"links", &T::links, FIELD_DEFAULTED}, SField{"devices", &T::devices, FIELD_OPTIONAL | FIELD_NULLABLE})
+      SField{"links", &T::links, FIELD_DEFAULTED}, SField{"devices", &T::devices, FIELD_OPTIONAL | FIELD_NULLABLE},
+      SField{"notes", &T::notes, FIELD_OPTIONAL})
 
 // ---- Payloads -----------------------------------------------------------------------------------------------------
 
@@ -113,7 +119,11 @@ TAGGED(SUnlinkCommand, "unlink", SField{"from", &T::strFrom}, SField{"output", &
 TAGGED(SKeysCommand, "keys", SField{"down", &T::down, FIELD_OPTIONAL}, SField{"toggled", &T::toggled, FIELD_OPTIONAL})
 TAGGED(SClockCommand, "clock", SField{"ms", &T::ms, FIELD_NULLABLE})
 TAGGED(SMainWindowCommand, "main_window", SField{"present", &T::bPresent}, SField{"enabled", &T::bEnabled})
-TAGGED(SObjectCommand, "object", SField{"clip", &T::strClip}, SField{"name", &T::strName})
+TAGGED(SObjectCommand, "object", SField{"clip", &T::strClip}, SField{"name", &T::strName},
+       SField{"matrix", &T::matrix, FIELD_OPTIONAL})
+TAGGED(SChangeObjectCommand, "change_object", SField{"clip", &T::strClip}, SField{"name", &T::strName},
+       SField{"to", &T::newName, FIELD_OPTIONAL}, SField{"matrix", &T::matrix, FIELD_OPTIONAL})
+TAGGED(SRemoveObjectCommand, "remove_object", SField{"clip", &T::strClip}, SField{"name", &T::strName})
 TAGGED(SObjectsCommand, "objects")
 TAGGED(SDevicesCommand, "devices", SField{"list", &T::devices, FIELD_NULLABLE})
 TAGGED(SListenCommand, "listen", SField{"broadcast", &T::broadcast, FIELD_OPTIONAL},
@@ -121,6 +131,11 @@ TAGGED(SListenCommand, "listen", SField{"broadcast", &T::broadcast, FIELD_OPTION
 TAGGED(SWaitCommand, "wait", SField{"ms", &T::nMilliseconds})
 TAGGED(SNetworkCommand, "network")
 TAGGED(SListenOnlyCommand, "listen_only", SField{"on", &T::bOn})
+TAGGED(SRenameCommand, "rename", SField{"node", &T::strHandle}, SField{"graph", &T::strGraph})
+TAGGED(SPlaceCommand, "place", SField{"nodes", &T::nodes, FIELD_OPTIONAL}, SField{"notes", &T::notes, FIELD_OPTIONAL})
+TAGGED(SUndoCommand, "undo")
+TAGGED(SRedoCommand, "redo")
+TAGGED(SHistoryCommand, "history")
 TAGGED(SSaveCommand, "save")
 TAGGED(SSceneCommand, "scene")
 TAGGED(SRecordingCommand, "recording", SField{"version", &T::nVersion}, SField{"texts", &T::nTexts},
@@ -132,6 +147,7 @@ TAG(SEventCommand, "event")
 TAG(SSetCommand, "set")
 TAG(SEditCommand, "edit")
 TAG(SLoadCommand, "load")
+TAG(SBatchCommand, "batch")
 
 // Commands whose fields depend on one another.
 void ReadFields(SFrameCommand& command, const CFields& fields);
@@ -140,11 +156,13 @@ void ReadFields(SSavedSet& saved, const CFields& fields);
 void ReadFields(SSetCommand& command, const CFields& fields);
 void ReadFields(SEditCommand& command, const CFields& fields);
 void ReadFields(SLoadCommand& command, const CFields& fields);
+void ReadFields(SBatchCommand& command, const CFields& fields);
 void AppendFields(OrderedJson& json, const SFrameCommand& command);
 void AppendFields(OrderedJson& json, const SEventCommand& command);
 void AppendFields(OrderedJson& json, const SSetCommand& command);
 void AppendFields(OrderedJson& json, const SEditCommand& command);
 void AppendFields(OrderedJson& json, const SLoadCommand& command);
+void AppendFields(OrderedJson& json, const SBatchCommand& command);
 
 /// A scene file's content; refusals name the fields behind strPath.
 std::shared_ptr<const SSceneDocument> ReadScene(const Json& json, const std::string& strPath);
@@ -180,6 +198,10 @@ SHAPE(SNodeType, SField{"guid", &T::guid}, SField{"kind", &T::nKind}, SField{"na
       SField{"reserved", &T::reserved})
 SHAPE(SCatalogue, SField{"types", &T::types})
 SHAPE(SCalled, SField{"result", &T::nResult})
+SHAPE(SStep, SField{"name", &T::strName}, SField{"op", &T::strOp}, SField{"of", &T::strOf, FIELD_OPTIONAL})
+SHAPE(SStepTaken, SField{"step", &T::step})
+SHAPE(SSceneFile, SField{"file", &T::strName, FIELD_NULLABLE}, SField{"unsaved", &T::bUnsaved})
+SHAPE(SHistoryState, SField{"steps", &T::steps}, SField{"done", &T::nDone}, SFlat{&T::file})
 SHAPE(SCreated, SField{"result", &T::nResult}, SField{"created", &T::bCreated})
 SHAPE(SLayout, SField{"path", &T::strPath}, SField{"reader", &T::pReader}, SField{"state", &T::pState},
       SField{"array", &T::pArray}, SField{"groups", &T::nGroups})

@@ -25,6 +25,8 @@ struct SParamState {
     std::optional<std::vector<CString>> choices = std::nullopt;
     std::optional<int> available = std::nullopt;
     std::optional<long long> extra = std::nullopt; ///< the host word of an output pin; files' are ignored
+
+    bool operator==(const SParamState&) const = default;
 };
 
 struct SGroupState {
@@ -32,6 +34,8 @@ struct SGroupState {
     std::optional<CString> name = std::nullopt;
     std::optional<CString> display = std::nullopt;
     std::vector<SParamState> params = {};
+
+    bool operator==(const SGroupState&) const = default;
 };
 
 /// The three members of a parameter that can be its value.
@@ -69,7 +73,32 @@ struct SNodeStart {
     CString strGraph;                           ///< name of the graph node
     bool bEventWindow = true;
     bool bNotifyWindow = true;
+
+    bool operator==(const SNodeStart&) const = default;
 };
+
+/// Where a node stands on the graph's canvas.
+struct SPlace {
+    float fX = 0.0f; ///< of its upper left corner, in the canvas's units
+    float fY = 0.0f;
+    bool bFolded = false; ///< it's shown without its pins
+
+    bool operator==(const SPlace&) const = default;
+};
+
+/// A text on the canvas.
+struct SNote {
+    float fX = 0.0f; ///< of its upper left corner
+    float fY = 0.0f;
+    float fWidth = 0.0f;
+    float fHeight = 0.0f;
+    CString strText;
+
+    bool operator==(const SNote&) const = default;
+};
+
+/// Notes by their ids, in the order in which they were made.
+using Notes = std::vector<std::pair<std::string, SNote>>;
 
 /// A node of a scene file. Of parameters that the node makes by itself only ids, values, choices and availability
 /// matter. Where a list is missing, the node has what a new one has.
@@ -77,6 +106,9 @@ struct SNodeDocument : SNodeStart {
     std::optional<std::vector<SGroupState>> own = std::nullopt;
     std::optional<std::vector<SGroupState>> inputs = std::nullopt;
     std::optional<std::vector<SGroupState>> outputs = std::nullopt;
+    std::optional<SPlace> place = std::nullopt; ///< none: wherever the viewer puts it
+
+    bool operator==(const SNodeDocument&) const = default;
 };
 
 /// A link may name a pin that the node makes by itself and that was dropped.
@@ -85,14 +117,20 @@ struct SLinkDocument {
     unsigned nOutput = 0;
     std::string strTo;
     unsigned nInput = 0;
+
+    bool operator==(const SLinkDocument&) const = default;
 };
 
 struct SObjectDocument {
     CString strName;
     std::optional<std::array<float, 16>> matrix = std::nullopt; ///< none: where a new object stands
+
+    bool operator==(const SObjectDocument&) const = default;
 };
 
 struct SClipDocument {
     CString strName;
     std::vector<SObjectDocument> objects = {};
+
+    bool operator==(const SClipDocument&) const = default;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <boost/core/noncopyable.hpp>
+#include <cmath>
 #include <limits>
 
 #include "base/Refusal.h"
@@ -42,6 +43,10 @@ float NumberOf(std::optional<float> number) {
     return number.value_or(std::numeric_limits<float>::quiet_NaN());
 }
 
+std::optional<float> NumberIn(float fNumber) {
+    return std::isnan(fNumber) ? std::nullopt : std::optional(fNumber);
+}
+
 /// A parameter that the node doesn't make: older sets may hold such.
 std::unique_ptr<VEKParam> MakeParam(const SParamState& state, bool bOutput) {
     const ParamCodes codes = bOutput ? PARAM_EVENT : PARAM_INTEGER;
@@ -52,7 +57,7 @@ std::unique_ptr<VEKParam> MakeParam(const SParamState& state, bool bOutput) {
     std::unique_ptr<VEKParam> pParam;
     if (bOutput) {
         auto pOutput = std::make_unique<SQORNodeOutput>(state.nId, strName, strDisplay, nType, nControl);
-        pOutput->m_nExtra = 0;
+        pOutput->m_nExtra = state.extra.value_or(0);
         pParam = std::move(pOutput);
     } else {
         pParam = std::make_unique<VEKParam>(state.nId, strName, strDisplay, nType, nControl);
@@ -88,12 +93,12 @@ SParamState StateOf(const VEKParam& param) {
                       .type = param.m_nType,
                       .control = param.m_nControl,
                       .integer = param.m_nValue,
-                      .number = param.m_fValue,
+                      .number = NumberIn(param.m_fValue),
                       .text = param.m_strValue,
                       .choices = std::vector<CString>(),
                       .available = param.m_bAvailable};
     if (param.m_bRangeSet != 0) {
-        std::ranges::copy(param.m_fRange, state.range.emplace().begin());
+        std::ranges::transform(param.m_fRange, state.range.emplace().begin(), NumberIn);
     }
     if (param.m_bBoolValueSet != 0) {
         state.flags = std::to_array(param.m_nBoolValue);
@@ -203,6 +208,25 @@ void RestoreGroups(VEKParamGroupList& lstGroup, const std::vector<SGroupState>& 
             pGroup->m_lstParam.AddTail(pParam.release());
         }
         lstGroup.AddTail(pGroup.release());
+    }
+}
+
+void ChangeGroups(VEKParamGroupList& lstGroup, const std::vector<SGroupState>& from, const std::vector<SGroupState>& to,
+                  bool bOutputs) {
+    const auto haveSameParams = [](const SGroupState& a, const SGroupState& b) {
+        return a.nId == b.nId && std::ranges::equal(a.params, b.params, {}, &SParamState::nId, &SParamState::nId);
+    };
+    if (!std::ranges::equal(from, to, haveSameParams)) {
+        RestoreGroups(lstGroup, to, bOutputs);
+        return;
+    }
+    for (size_t nGroup = 0; nGroup < to.size(); ++nGroup) {
+        for (size_t nParam = 0; nParam < to[nGroup].params.size(); ++nParam) {
+            const SParamState& state = to[nGroup].params[nParam];
+            if (from[nGroup].params[nParam] != state) {
+                ApplyValues(*FindParam(lstGroup, MakeParamGuid(state.nId)), state);
+            }
+        }
     }
 }
 

@@ -22,6 +22,11 @@ std::unique_ptr<VEKParam> TakeParam(VEKParamGroupList& lstGroup, unsigned nId);
 /// ordinary ones else.
 void RestoreGroups(VEKParamGroupList& lstGroup, const std::vector<SGroupState>& groups, bool bOutputs);
 
+/// Change groups that were `from` to `to`. Where both have the same parameters, those that are alike in both stay as
+/// they are by now.
+void ChangeGroups(VEKParamGroupList& lstGroup, const std::vector<SGroupState>& from, const std::vector<SGroupState>& to,
+                  bool bOutputs);
+
 /// Change a node's own groups to what a project holds. A parameter that gets a value or a flag and isn't there is added
 /// to the first group, as older sets hold parameters that today's nodes don't make; dropping or emptying one that isn't
 /// there is refused.

@@ -24,6 +24,10 @@ std::optional<int> PinType(const VEKParamGroupList& lstGroup, const PinTypes& ow
     return pin != own.end() ? std::optional(pin->second) : std::nullopt;
 }
 
+bool JoinsSamePins(const SLink& a, const SLink& b) {
+    return a.pFrom == b.pFrom && a.nOutput == b.nOutput && a.pTo == b.pTo && a.nInput == b.nInput;
+}
+
 } // namespace
 
 std::optional<int> SNode::InputType(unsigned nInput) const {
@@ -41,6 +45,19 @@ SNode& CScene::Add(SNode node) {
     m_byNode[added.pNode] = &added;
     m_byGraphNode[added.pGraphNode.get()] = &added;
     return added;
+}
+
+void CScene::SetOrders(const std::vector<std::pair<SNode*, unsigned long long>>& orders) {
+    std::vector<NodeMap::node_type> entries;
+    for (const auto& [pNode, nOrder] : orders) {
+        entries.push_back(m_nodes.extract(pNode->nOrder));
+        entries.back().key() = nOrder;
+        pNode->nOrder = nOrder;
+        m_nNextOrder = std::max(m_nNextOrder, nOrder + 1);
+    }
+    for (NodeMap::node_type& entry : entries) {
+        m_nodes.insert(std::move(entry));
+    }
 }
 
 void CScene::Remove(SNode& node) {
@@ -84,18 +101,36 @@ VEKClip& CScene::Clip(const CString& strName) {
     return pClip != nullptr ? *pClip : m_clips.emplace_back(strName);
 }
 
+void CScene::SetClips(const std::vector<CString>& names) {
+    std::list<VEKClip> clips;
+    for (const CString& strName : names) {
+        const auto clip = std::ranges::find(m_clips, strName, &VEKClip::m_strName);
+        if (clip != m_clips.end()) {
+            clips.splice(clips.end(), m_clips, clip); // nodes point at it
+        } else {
+            clips.emplace_back(strName);
+        }
+    }
+    m_clips = std::move(clips);
+}
+
 void CScene::Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput) {
-    const SLink link{&from, nOutput, &to, nInput, from.OutputType(nOutput) == PARAM_EVENT.m_nType};
-    if (std::ranges::find(from.arOutgoing, link) == from.arOutgoing.end()) {
-        from.arOutgoing.push_back(link);
-        to.arIncoming.push_back(link);
+    const SLink link{&from, nOutput, &to, nInput, from.OutputType(nOutput) == PARAM_EVENT.m_nType, m_nNextLink};
+    if (std::ranges::none_of(from.arOutgoing, [&](const SLink& other) { return JoinsSamePins(link, other); })) {
+        Relink(link);
     }
 }
 
+void CScene::Relink(const SLink& link) {
+    for (auto* pLinks : {&link.pFrom->arOutgoing, &link.pTo->arIncoming}) {
+        pLinks->insert(std::ranges::upper_bound(*pLinks, link.nOrder, {}, &SLink::nOrder), link);
+    }
+    m_nNextLink = std::max(m_nNextLink, link.nOrder + 1);
+}
+
 bool CScene::Unlink(SNode& from, unsigned nOutput, SNode& to, unsigned nInput) {
-    const auto isIt = [&](const SLink& link) {
-        return link.pFrom == &from && link.nOutput == nOutput && link.pTo == &to && link.nInput == nInput;
-    };
+    const SLink link{&from, nOutput, &to, nInput, false, 0};
+    const auto isIt = [&](const SLink& other) { return JoinsSamePins(link, other); };
     std::erase_if(to.arIncoming, isIt);
     return std::erase_if(from.arOutgoing, isIt) > 0;
 }

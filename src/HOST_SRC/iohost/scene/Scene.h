@@ -13,6 +13,7 @@
 
 #include "host/Clip.h"
 #include "host/NodeBase.h"
+#include "scene/Document.h"
 
 struct SNode;
 
@@ -22,7 +23,8 @@ struct SLink {
     unsigned nOutput;
     SNode* pTo;
     unsigned nInput;
-    bool bEvent; ///< the output is an event: firing it triggers the input; otherwise its value is copied
+    bool bEvent;               ///< the output is an event: firing it triggers the input; otherwise its value is copied
+    unsigned long long nOrder; ///< place in the order in which links were made
 
     bool operator==(const SLink&) const = default;
 };
@@ -49,6 +51,7 @@ struct SNode {
     PinTypes ownInputs;            ///< the inputs that the node makes by itself, also when they were dropped since
     PinTypes ownOutputs;           ///< the outputs, likewise
     std::vector<SLink> arOutgoing; ///< links out of this node, in the order in which they were made
+    std::optional<SPlace> place;   ///< on the canvas; none: wherever the viewer puts it
 
     /// The type of a pin that is there, or was dropped and may come back; none for any other.
     std::optional<int> InputType(unsigned nInput) const;
@@ -73,6 +76,9 @@ public:
     /// Takes the node and its links out. Frees the graph node, not the module's object.
     void Remove(SNode& node);
 
+    /// Give nodes other places in the order of creation, which no other node may have.
+    void SetOrders(const std::vector<std::pair<SNode*, unsigned long long>>& orders);
+
     /// The node, null for an unknown one. The pointers are compared only, never followed.
     SNode* Find(const std::string& strHandle);
     SNode* Find(const VEKProperty* pNode);
@@ -92,11 +98,22 @@ public:
     /// Takes away the clip made last. No node may belong to it.
     void RemoveLastClip() { m_clips.pop_back(); }
 
+    /// Make the clips be these, in their order: those that are there stay, new ones are empty. No node may belong to
+    /// any other.
+    void SetClips(const std::vector<CString>& names);
+
     /// Make a link; the same link twice is one. The pins must have a type.
     void Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput);
 
+    /// Make a link that was there before, in its place among the others.
+    void Relink(const SLink& link);
+
     /// Take a link away; false when there is none.
     bool Unlink(SNode& from, unsigned nOutput, SNode& to, unsigned nInput);
+
+    /// The texts on the canvas.
+    Notes& CanvasNotes() { return m_notes; }
+    const Notes& CanvasNotes() const { return m_notes; }
 
     /// Trigger an input for its node's next evaluation.
     void Trigger(SNode& node, unsigned nInput);
@@ -115,6 +132,8 @@ private:
     std::unordered_map<const SGraphNode*, SNode*> m_byGraphNode;
     std::vector<SNode*> m_triggered;
     unsigned long long m_nNextOrder = 0;
+    unsigned long long m_nNextLink = 0;
+    Notes m_notes;
 };
 
 /// Applies the value links into a node, and its triggers until the destructor gives those inputs their values back.

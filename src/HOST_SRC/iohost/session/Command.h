@@ -1,6 +1,7 @@
 // What a session can be told to do, one struct an operation. docs/session-protocol.md describes each.
 #pragma once
 
+#include <array>
 #include <bitset>
 #include <cstdint>
 #include <memory>
@@ -44,6 +45,11 @@ struct SInspectCommand : SNodeCommand {};
 struct SInitCommand : SNodeCommand {};
 struct SOutputsCommand : SNodeCommand {};
 struct SLayoutCommand : SNodeCommand {};
+
+struct SRenameCommand {
+    std::string strHandle;
+    CString strGraph; ///< the graph node's new name
+};
 
 struct SDestroyCommand {
     std::string strHandle;
@@ -148,7 +154,21 @@ struct SMainWindowCommand {
     bool bEnabled = false;
 };
 
+/// Adds one.
 struct SObjectCommand {
+    CString strClip;
+    CString strName;
+    std::optional<std::array<float, 16>> matrix = {}; ///< none: where a new object stands
+};
+
+struct SChangeObjectCommand {
+    CString strClip;
+    CString strName;
+    std::optional<CString> newName = {};
+    std::optional<std::array<float, 16>> matrix = {};
+};
+
+struct SRemoveObjectCommand {
     CString strClip;
     CString strName;
 };
@@ -178,6 +198,28 @@ struct SListenOnlyCommand {
     bool bOn = false;
 };
 
+// ---- Building the scene -----------------------------------------------------------------------------------------
+
+/// Where nodes and notes stand on the canvas.
+struct SPlaceCommand {
+    std::vector<std::pair<std::string, SPlace>> nodes = {};               ///< by handle
+    std::vector<std::pair<std::string, std::optional<SNote>>> notes = {}; ///< by id; none: it goes
+};
+
+struct SCommands;
+
+/// All of it or nothing, as one step.
+struct SBatchCommand {
+    std::optional<std::string> name = {};       ///< of the step
+    std::shared_ptr<const SCommands> pCommands; ///< never null; each may be part of a batch
+};
+
+struct SUndoCommand {};
+
+struct SRedoCommand {};
+
+struct SHistoryCommand {};
+
 // ---- The scene as a whole, and recordings -----------------------------------------------------------------------
 
 /// The result is the scene: whoever asked keeps it where it belongs.
@@ -186,6 +228,7 @@ struct SSaveCommand {};
 struct SLoadCommand {
     std::shared_ptr<const SSceneDocument> pScene; ///< never null
     std::string strPath;                          ///< what refusals call it: "scene" or "file"
+    std::string strFile = {};                     ///< its name; empty: it's no file's
 };
 
 struct SSceneCommand {};
@@ -204,7 +247,13 @@ using Command =
                  SSetCommand, SEditCommand, STriggerCommand, SDropCommand, SLinkCommand, SUnlinkCommand, SKeysCommand,
                  SClockCommand, SMainWindowCommand, SObjectCommand, SObjectsCommand, SDevicesCommand, SListenCommand,
                  SWaitCommand, SNetworkCommand, SListenOnlyCommand, SLayoutCommand, SDestroyCommand, SSaveCommand,
-                 SLoadCommand, SSceneCommand, SRecordingCommand, SQuitCommand>;
+                 SLoadCommand, SSceneCommand, SRecordingCommand, SQuitCommand, SRenameCommand, SPlaceCommand,
+                 SChangeObjectCommand, SRemoveObjectCommand, SBatchCommand, SUndoCommand, SRedoCommand,
+                 SHistoryCommand>;
+
+struct SCommands {
+    std::vector<Command> list;
+};
 
 template <typename Kind, typename... Kinds>
 inline constexpr bool IS_ONE_OF = (std::is_same_v<Kind, Kinds> || ...);
@@ -212,10 +261,17 @@ inline constexpr bool IS_ONE_OF = (std::is_same_v<Kind, Kinds> || ...);
 /// Whether commands of a kind change parameters of the node that they name, and nothing else of the scene.
 template <typename Kind>
 inline constexpr bool CHANGES_PARAMETERS =
-    IS_ONE_OF<Kind, SInitCommand, SOutputsCommand, SSetCommand, SEditCommand, STriggerCommand, SDropCommand>;
+    IS_ONE_OF<Kind, SInitCommand, SOutputsCommand, SSetCommand, SEditCommand, SDropCommand>;
 
-/// Whether commands of a kind change nodes, links or parameters.
+/// Whether commands of a kind can be part of a batch: each is a step of the scene's history.
+template <typename Kind>
+inline constexpr bool FITS_BATCH =
+    CHANGES_PARAMETERS<Kind> ||
+    IS_ONE_OF<Kind, SCreateCommand, SLinkCommand, SUnlinkCommand, SObjectCommand, SChangeObjectCommand,
+              SRemoveObjectCommand, SDevicesCommand, SDestroyCommand, SRenameCommand, SPlaceCommand>;
+
+/// Whether the scene's version counts commands of a kind.
 template <typename Kind>
 inline constexpr bool CHANGES_SCENE =
-    CHANGES_PARAMETERS<Kind> || IS_ONE_OF<Kind, SCreateCommand, SLinkCommand, SUnlinkCommand, SDevicesCommand,
-                                          SDestroyCommand, SLoadCommand, SQuitCommand>;
+    (FITS_BATCH<Kind> && !std::is_same_v<Kind, SObjectCommand>) ||
+    IS_ONE_OF<Kind, STriggerCommand, SLoadCommand, SBatchCommand, SUndoCommand, SRedoCommand, SQuitCommand>;

@@ -34,13 +34,32 @@ void SetKeyboard(const KeySet& down, const KeySet& toggled) {
     SetKeyboardState(state);
 }
 
-std::optional<CString> ClipNameOf(const SNode& node) {
-    const VEKClip* pClip = node.pNode->m_pOwnerClip;
-    return pClip != nullptr ? std::optional(pClip->m_strName) : std::nullopt;
+/// The clip's object. A clip or object that isn't there is refused.
+VEKObject& ObjectOf(CScene& scene, const CString& strClip, const CString& strName) {
+    VEKClip* pClip = scene.FindClip(strClip);
+    if (pClip == nullptr) {
+        Refuse("clip", "there is no clip " + Quoted(Utf8(strClip)));
+    }
+    VEKObject* pObject = pClip->FindObject(strName, 0);
+    if (pObject == nullptr) {
+        Refuse("name", "the clip has no object " + Quoted(Utf8(strName)));
+    }
+    return *pObject;
 }
 
-SLinkDocument DocumentOf(const SLink& link) {
-    return {link.pFrom->strHandle, link.nOutput, link.pTo->strHandle, link.nInput};
+/// Refuse a name that an object of the clip has; strField is what gave it.
+void CheckNewObject(VEKClip& clip, const CString& strName, const std::string& strField) {
+    if (clip.FindObject(strName, 0) != nullptr) {
+        Refuse(strField, "the clip has an object " + Quoted(Utf8(strName)) + " already");
+    }
+}
+
+void AddObject(VEKClip& clip, const CString& strName, const std::optional<std::array<float, 16>>& matrix) {
+    auto* pObject = new VEKObject(strName);
+    clip.m_lstObject.AddTail(pObject);
+    if (matrix) {
+        std::ranges::copy(*matrix, pObject->m_fMatrix);
+    }
 }
 
 } // namespace
@@ -397,10 +416,26 @@ void CSession::On(const SMainWindowCommand& command) {
 
 void CSession::On(const SObjectCommand& command) {
     VEKClip& clip = Scene().Clip(command.strClip);
-    if (clip.FindObject(command.strName, 0) != nullptr) {
-        Refuse("name", "the clip has an object " + Quoted(Utf8(command.strName)) + " already");
+    CheckNewObject(clip, command.strName, "name");
+    AddObject(clip, command.strName, command.matrix);
+}
+
+void CSession::On(const SChangeObjectCommand& command) {
+    VEKObject& object = ObjectOf(Scene(), command.strClip, command.strName);
+    if (command.newName && *command.newName != object.m_strName) {
+        CheckNewObject(Scene().Clip(command.strClip), *command.newName, "to");
+        object.m_strName = *command.newName;
     }
-    clip.m_lstObject.AddTail(new VEKObject(command.strName));
+    if (command.matrix) {
+        std::ranges::copy(*command.matrix, object.m_fMatrix);
+    }
+}
+
+void CSession::On(const SRemoveObjectCommand& command) {
+    VEKObject* pObject = &ObjectOf(Scene(), command.strClip, command.strName);
+    CList<VEKObject*>& lstObject = Scene().Clip(command.strClip).m_lstObject;
+    lstObject.RemoveAt(lstObject.Find(pObject));
+    delete pObject;
 }
 
 Result CSession::On(const SObjectsCommand& /*command*/) {
@@ -458,45 +493,38 @@ void CSession::On(const SListenOnlyCommand& command) {
     m_peers.SetListenOnly(command.bOn);
 }
 
-// ---- The scene as a whole, and recordings -----------------------------------------------------------------------
+// ---- The scene as a whole ---------------------------------------------------------------------------------------
 
 Result CSession::On(const SSceneCommand& /*command*/) {
     SSceneView view{m_nSceneVersion, {}, {}};
     for (const auto& [nOrder, node] : Scene().Nodes()) {
-        view.nodes.push_back(
-            {node.strHandle, node.guidType, ClipNameOf(node), node.pGraphNode->m_strName, node.pNode->m_strName});
+        const VEKClip* pClip = node.pNode->m_pOwnerClip;
+        view.nodes.push_back({node.strHandle, node.guidType,
+                              pClip != nullptr ? std::optional(pClip->m_strName) : std::nullopt,
+                              node.pGraphNode->m_strName, node.pNode->m_strName, node.place});
         for (const SLink& link : node.arOutgoing) {
             view.links.push_back(DocumentOf(link));
         }
     }
+    view.notes = Scene().CanvasNotes();
     return view;
 }
 
 Result CSession::On(const SSaveCommand& /*command*/) {
-    SSceneDocument document;
-    for (const VEKClip& clip : Scene().Clips()) {
-        SClipDocument& saved = document.clips.emplace_back(SClipDocument{clip.m_strName, {}});
-        for (POSITION pos = clip.m_lstObject.GetHeadPosition(); pos != nullptr;) {
-            const VEKObject& object = *clip.m_lstObject.GetNext(pos);
-            saved.objects.push_back({object.m_strName, std::to_array(object.m_fMatrix)});
-        }
-    }
+    SSceneDocument document{ClipDocumentsOf(Scene()), {}, {}, m_peers.Devices(), Scene().CanvasNotes()};
+    std::map<unsigned long long, SLinkDocument> links;
     for (const auto& [nOrder, node] : Scene().Nodes()) {
-        SNodeDocument& saved = document.nodes.emplace_back();
-        static_cast<SNodeStart&>(saved) = {node.strHandle,    node.guidType,
-                                           ClipNameOf(node),  node.pGraphNode->m_strName,
-                                           node.bEventWindow, node.bNotifyWindow};
-        saved.own = StateOf(node.pNode->m_lstParamGroup);
-        saved.inputs = StateOf(node.pGraphNode->m_lstInputGroup);
-        saved.outputs = StateOf(node.pGraphNode->m_lstOutputGroup);
+        document.nodes.push_back(DocumentOf(node));
         for (const SLink& link : node.arOutgoing) {
             // Not those of pins that were dropped and that no node makes again.
             if (link.pFrom->OutputType(link.nOutput) && link.pTo->InputType(link.nInput)) {
-                document.links.push_back(DocumentOf(link));
+                links.emplace(link.nOrder, DocumentOf(link));
             }
         }
     }
-    document.devices = m_peers.Devices();
+    for (auto& [nOrder, link] : links) {
+        document.links.push_back(std::move(link));
+    }
     return document;
 }
 
@@ -525,15 +553,8 @@ void CSession::BuildScene(const SSceneDocument& document, const std::string& str
         VEKClip& clip = Scene().Clip(document.clips[i].strName);
         for (size_t n = 0; n < document.clips[i].objects.size(); ++n) {
             const SObjectDocument& object = document.clips[i].objects[n];
-            if (clip.FindObject(object.strName, 0) != nullptr) {
-                Refuse(path("clips", i, "objects[" + std::to_string(n) + "].name"),
-                       "the clip has an object " + Quoted(Utf8(object.strName)) + " already");
-            }
-            auto* pObject = new VEKObject(object.strName);
-            clip.m_lstObject.AddTail(pObject);
-            if (object.matrix) {
-                std::ranges::copy(*object.matrix, pObject->m_fMatrix);
-            }
+            CheckNewObject(clip, object.strName, path("clips", i, "objects[" + std::to_string(n) + "].name"));
+            AddObject(clip, object.strName, object.matrix);
         }
     }
     for (size_t i = 0; i < document.nodes.size(); ++i) {
@@ -543,10 +564,13 @@ void CSession::BuildScene(const SSceneDocument& document, const std::string& str
                                      .pInputs = list(node.inputs),
                                      .pOutputs = list(node.outputs),
                                      .bOutputs = !node.outputs};
-        if (m_pHost->Create(node, contents).pNode == nullptr) {
+        SNode* pNode = m_pHost->Create(node, contents).pNode;
+        if (pNode == nullptr) {
             Refuse(path("nodes", i, "type"), "the module makes no node of the type " + GuidText(node.guidType));
         }
+        pNode->place = node.place;
     }
+    Scene().CanvasNotes() = document.notes;
     for (size_t i = 0; i < document.links.size(); ++i) {
         // Pins that the nodes lack are linked all the same when they make them by themselves: links outlive pins.
         const SLinkDocument& link = document.links[i];
@@ -561,6 +585,72 @@ void CSession::BuildScene(const SSceneDocument& document, const std::string& str
         Scene().Link(from, link.nOutput, to, link.nInput);
     }
 }
+
+// ---- Building the scene -----------------------------------------------------------------------------------------
+
+void CSession::On(const SRenameCommand& command) {
+    NodeOf(command.strHandle).pGraphNode->m_strName = command.strGraph;
+}
+
+void CSession::On(const SPlaceCommand& command) {
+    for (const auto& [strHandle, place] : command.nodes) {
+        NodeOf(strHandle, "nodes");
+    }
+    for (const auto& [strHandle, place] : command.nodes) {
+        NodeOf(strHandle).place = place;
+    }
+    Notes& notes = Scene().CanvasNotes();
+    for (const auto& [strId, note] : command.notes) {
+        const auto known = std::ranges::find(notes, strId, &Notes::value_type::first);
+        if (!note) {
+            std::erase_if(notes, [&](const auto& entry) { return entry.first == strId; });
+        } else if (known != notes.end()) {
+            known->second = *note;
+        } else {
+            notes.emplace_back(strId, *note);
+        }
+    }
+}
+
+void CSession::On(const SBatchCommand& command, const SOrigin& origin) {
+    const std::vector<Command>& list = command.pCommands->list;
+    for (size_t i = 0; i < list.size(); ++i) {
+        const std::string strPlace = "requests[" + std::to_string(i) + "]";
+        try {
+            Perform(list[i], origin);
+        } catch (const CModuleFault& fault) {
+            throw CModuleFault(strPlace + ": " + fault.what());
+        } catch (const CRefusal& refusal) {
+            throw CRefusal(strPlace + "." + refusal.what());
+        }
+    }
+}
+
+Result CSession::On(const SUndoCommand& /*command*/) {
+    if (m_history.ToUndo() == nullptr) {
+        Refuse("op", "there is nothing to undo");
+    }
+    const SStep step = *m_history.ToUndo();
+    m_change = m_history.Undo(*m_pHost, m_peers);
+    AwaitDevices();
+    return SStepTaken{step};
+}
+
+Result CSession::On(const SRedoCommand& /*command*/) {
+    if (m_history.ToRedo() == nullptr) {
+        Refuse("op", "there is nothing to redo");
+    }
+    const SStep step = *m_history.ToRedo();
+    m_change = m_history.Redo(*m_pHost, m_peers);
+    AwaitDevices();
+    return SStepTaken{step};
+}
+
+Result CSession::On(const SHistoryCommand& /*command*/) {
+    return SHistoryState{m_history.Steps(), m_history.Done(), m_history.File()};
+}
+
+// ---- Recordings -------------------------------------------------------------------------------------------------
 
 /// The first command of a recording: refused by a session that would answer the others differently.
 void CSession::On(const SRecordingCommand& command) {

@@ -14,6 +14,7 @@
 #include "scene/ObjectChanges.h"
 #include "scene/OutputChanges.h"
 #include "session/HeldInput.h"
+#include "session/History.h"
 #include "session/SceneDocument.h"
 
 /// One entry of the module's catalogue.
@@ -100,12 +101,25 @@ struct SSceneNode {
     std::optional<CString> clip;
     CString strGraph;
     CString strName;
+    std::optional<SPlace> place = {};
 };
 
 struct SSceneView {
     unsigned long long nVersion;
     std::vector<SSceneNode> nodes;
     std::vector<SLinkDocument> links;
+    Notes notes = {};
+};
+
+/// Which step was undone or redone.
+struct SStepTaken {
+    SStep step;
+};
+
+struct SHistoryState {
+    std::vector<SStep> steps; ///< oldest first
+    size_t nDone;             ///< how many of them are done; the others were undone
+    SSceneFile file;
 };
 
 struct SObjects {
@@ -118,7 +132,7 @@ struct SVerdicts {
 
 using Result = std::variant<std::monostate, SCatalogue, SCalled, SCreated, SNodeDetails, SLayout, SDestroyed,
                             SNodeResults, SFrameResults, SEdited, SReleased, SListening, SWaited, SNetworkState,
-                            SSceneView, SObjects, SVerdicts, SSceneDocument>;
+                            SSceneView, SObjects, SVerdicts, SSceneDocument, SStepTaken, SHistoryState>;
 
 struct SOutcome {
     Result result;
@@ -136,5 +150,6 @@ struct SDone {
     const Command* pCommand; ///< null: what happened between commands
     SOrigin origin;
     SOutcome outcome;
-    SActivity activity; ///< what the module did meanwhile
+    SActivity activity;    ///< what the module did meanwhile
+    SSceneChange change{}; ///< what it changed of the scene
 };

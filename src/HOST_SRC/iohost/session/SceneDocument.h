@@ -14,4 +14,5 @@ struct SSceneDocument {
     std::vector<SNodeDocument> nodes;
     std::vector<SLinkDocument> links;
     DeviceSetups devices;
+    Notes notes = {};
 };

@@ -3,6 +3,7 @@
 #include "base/Caught.h"
 #include "base/TextUtf8.h"
 #include "session/EventRecords.h"
+#include "session/Steps.h"
 
 std::unique_ptr<CSession> CSession::Open(const SSessionOptions& options, std::string& strError) {
     try {
@@ -31,6 +32,7 @@ SDone CSession::Do(const Command& command, const SOrigin& origin) {
     ++m_nDepth;
     SDone done{&command, origin, CarryOut(command, origin), {}};
     --m_nDepth;
+    done.change = std::exchange(m_change, {});
     done.activity = log.Exchange({});
     if (m_nDepth > 0) {
         before.Append(done.activity); // it happened during the command around this one, too
@@ -59,23 +61,7 @@ SOutcome CSession::CarryOut(const Command& command, const SOrigin& origin) {
         if (m_nDepth == 1) {
             m_peers.Poll();
         }
-        outcome.result = std::visit(
-            [&](const auto& kind) -> Result {
-                const auto on = [&] {
-                    if constexpr (requires { On(kind, origin); }) {
-                        return On(kind, origin);
-                    } else {
-                        return On(kind);
-                    }
-                };
-                if constexpr (std::is_void_v<decltype(on())>) {
-                    on();
-                    return {};
-                } else {
-                    return on();
-                }
-            },
-            command);
+        outcome.result = CarryOutStep(command, origin);
         Follow();
         if (m_nDepth == 1) {
             m_peers.Poll();
@@ -89,6 +75,62 @@ SOutcome CSession::CarryOut(const Command& command, const SOrigin& origin) {
         outcome.error = CaughtText();
     }
     return outcome;
+}
+
+/// What the command changes of the scene becomes a step of its history, also where the module raised an exception. A
+/// batch that fails changes nothing.
+Result CSession::CarryOutStep(const Command& command, const SOrigin& origin) {
+    auto plan = PlanOf(command, Scene());
+    if (!plan) {
+        return Perform(command, origin);
+    }
+    const auto* pLoad = std::get_if<SLoadCommand>(&command);
+    SScenePart before = TakePart(*m_pHost, m_peers, plan->scope);
+    const auto noteStep = [&] {
+        SScenePart after = TakePart(*m_pHost, m_peers, plan->scope);
+        if (before == after && pLoad == nullptr) {
+            return;
+        }
+        KeepDifferences(before, after);
+        m_change = ChangeBetween(before, after);
+        m_change.bEverything = pLoad != nullptr;
+        m_history.Add(std::move(plan->step), std::move(before), std::move(after));
+        if (pLoad != nullptr) {
+            m_history.NoteOpened(pLoad->strFile);
+        }
+    };
+    try {
+        Result result = Perform(command, origin);
+        noteStep();
+        return result;
+    } catch (const CRefusal& refusal) {
+        if (std::holds_alternative<SBatchCommand>(command)) {
+            ChangePart(*m_pHost, m_peers, TakePart(*m_pHost, m_peers, plan->scope), before);
+        } else if (dynamic_cast<const CModuleFault*>(&refusal) != nullptr) {
+            noteStep();
+        }
+        throw;
+    }
+}
+
+Result CSession::Perform(const Command& command, const SOrigin& origin) {
+    return std::visit(
+        [&](const auto& kind) -> Result {
+            const auto on = [&] {
+                if constexpr (requires { On(kind, origin); }) {
+                    return On(kind, origin);
+                } else {
+                    return On(kind);
+                }
+            };
+            if constexpr (std::is_void_v<decltype(on())>) {
+                on();
+                return {};
+            } else {
+                return on();
+            }
+        },
+        command);
 }
 
 SDone CSession::CloseConnection(CHeldInput& held, const std::string& strReason) {

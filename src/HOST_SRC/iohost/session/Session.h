@@ -73,6 +73,9 @@ public:
     /// What the JSON nodes made of the texts that came.
     CJsonVerdicts& JsonVerdicts() { return m_pHost->JsonVerdicts(); }
 
+    /// The scene's steps, and its file.
+    CHistory& History() { return m_history; }
+
 private:
     explicit CSession(std::unique_ptr<CHost> pHost) : m_pHost(std::move(pHost)) {}
 
@@ -81,6 +84,8 @@ private:
 
     void TellObservers(const SDone& done);
     SOutcome CarryOut(const Command& command, const SOrigin& origin);
+    Result CarryOutStep(const Command& command, const SOrigin& origin);
+    Result Perform(const Command& command, const SOrigin& origin);
 
     SNode& NodeOf(const std::string& strHandle, const std::string& strField = "node");
     std::vector<SNode*> NodeOrAll(const std::optional<std::string>& handle);
@@ -124,6 +129,14 @@ private:
     Result On(const SSaveCommand& command);
     void On(const SLoadCommand& command);
     Result On(const SSceneCommand& command);
+    void On(const SRenameCommand& command);
+    void On(const SPlaceCommand& command);
+    void On(const SChangeObjectCommand& command);
+    void On(const SRemoveObjectCommand& command);
+    void On(const SBatchCommand& command, const SOrigin& origin);
+    Result On(const SUndoCommand& command);
+    Result On(const SRedoCommand& command);
+    Result On(const SHistoryCommand& command);
     void On(const SRecordingCommand& command);
     void On(const SQuitCommand& command);
 
@@ -136,6 +149,8 @@ private:
     EEvaluation m_nEvaluation = EEvaluation::Frame;
     unsigned long long m_nFollow = 0; ///< number of the current call of Follow
     unsigned long long m_nSceneVersion = 0;
+    CHistory m_history;
+    SSceneChange m_change;         ///< of the command under way
     COutputChanges m_frameOutputs; ///< as frames told them
     std::vector<SDispatched> m_dispatched;
     bool m_bTaken = false; ///< a node took the last item

@@ -158,9 +158,14 @@ std::string ProtocolTypes() {
     types.Declare<SParamState>("ParamState");
     types.Declare<SGroupState>("GroupState");
     types.Declare<SNodeDetails>("InspectedNode");
+    types.Declare<SPlace>("Place");
+    types.Declare<SNote>("Note");
     types.Declare<SSceneNode>("SceneNode");
     types.Declare<SLinkDocument>("Link");
     types.Declare<SSceneView>("Scene");
+    types.Declare<SStep>("Step");
+    types.Declare<SSceneFile>("SceneFile");
+    types.Declare<SHistoryState>("History");
     types.Declare<SNodeType>("OfferedType");
     types.Declare<SObjectState>("SceneObject");
     types.Declare<SHeldEntry>("HeldEntry");

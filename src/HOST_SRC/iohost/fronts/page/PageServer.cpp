@@ -45,8 +45,7 @@ class CPageServer final : public IWebSocketListener, private ISessionObserver {
 public:
     CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files)
         : m_session(session), m_fFps(options.fFps), m_files(files), m_scenes(options.sceneFolder),
-          m_terminal(session, m_output.Stream()), m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }),
-          m_nToldSceneVersion(session.SceneVersion()) {
+          m_terminal(session, m_output.Stream()), m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }) {
         m_session.Attach(*this);
     }
 
@@ -101,6 +100,7 @@ public:
                             {"address", m_strAddress},
                             {"connection", held.Connection()}}));
         pClient->Send(Text({{"push", "held"}, {"held", ToJson(m_session.Held().State())}}));
+        pClient->Send(Text(HistoryPush()));
         // The next frame tells everybody all of it; to those who know it already that changes nothing.
         m_outputs.Forget();
         m_objects.Forget();
@@ -114,7 +114,7 @@ public:
         const KeySet keysBefore = m_session.Held().VirtualKeys();
         client.Send(
             MakeText(AnswerText(m_session, text, m_scenes, {.pHeld = &m_clients.at(&client).held}, CutForViewers)));
-        TellSceneChange();
+        TellScene();
         TellHeld();
         ShowKeysToNodes(keysBefore);
         if (m_session.HasQuit()) {
@@ -127,7 +127,7 @@ public:
         const KeySet keysBefore = m_session.Held().VirtualKeys();
         m_clients.erase(&client);
         m_session.CloseConnection(held, "its connection closed");
-        TellSceneChange();
+        TellScene();
         TellHeld();
         ShowKeysToNodes(keysBefore);
         if (m_bStopping && m_clients.empty()) {
@@ -262,9 +262,7 @@ private:
 
     /// Whoever asked is told by the reply. What items cause is told with the next frame: they may come by the thousand.
     void OnDone(const SDone& done) override {
-        if (done.pCommand != nullptr) {
-            NoteChange(*done.pCommand);
-        }
+        NoteChange(done.change);
         if (m_clients.empty()) {
             return;
         }
@@ -279,7 +277,7 @@ private:
         }
         TellHappened(done.activity, done.origin.pHeld);
         if (done.origin.pHeld == nullptr) { // else the reply comes first
-            TellSceneChange();
+            TellScene();
             TellHeld();
         }
     }
@@ -302,30 +300,46 @@ private:
         });
     }
 
-    void NoteChange(const Command& command) {
-        std::visit(
-            [this]<typename Kind>(const Kind& kind) {
-                if constexpr (CHANGES_PARAMETERS<Kind>) {
-                    m_changedNodes.insert(kind.strHandle);
-                } else if constexpr (CHANGES_SCENE<Kind>) {
-                    m_bMoreChanged = true;
-                }
-            },
-            command);
+    void NoteChange(const SSceneChange& change) {
+        m_change.nodes.insert(change.nodes.begin(), change.nodes.end());
+        m_change.bList |= change.bList;
+        m_change.bEverything |= change.bEverything;
+    }
+
+    void TellScene() {
+        TellSceneChange();
+        TellHistory();
     }
 
     void TellSceneChange() {
-        const auto nVersion = m_session.SceneVersion();
-        if (nVersion != m_nToldSceneVersion) {
-            m_nToldSceneVersion = nVersion;
-            OrderedJson push = {{"push", "scene"}, {"version", nVersion}};
-            if (!m_bMoreChanged) {
-                push["nodes"] = m_changedNodes;
-            }
-            SendToAll(push);
+        const SSceneChange change = std::exchange(m_change, {});
+        if (!change.bEverything && !change.bList && change.nodes.empty()) {
+            return;
         }
-        m_changedNodes.clear();
-        m_bMoreChanged = false;
+        OrderedJson push = {{"push", "scene"}, {"version", m_session.SceneVersion()}};
+        if (!change.bEverything) {
+            push["nodes"] = change.nodes;
+            if (change.bList) {
+                push["list"] = true;
+            }
+        }
+        SendToAll(push);
+    }
+
+    /// What can be undone and redone, and whether the scene is saved.
+    OrderedJson HistoryPush() {
+        const CHistory& history = m_session.History();
+        const auto step = [](const SStep* pStep) { return pStep != nullptr ? ToJson(*pStep) : OrderedJson(); };
+        OrderedJson push = {{"push", "history"}, {"undo", step(history.ToUndo())}, {"redo", step(history.ToRedo())}};
+        AppendFields(push, history.File());
+        return push;
+    }
+
+    void TellHistory() {
+        if (OrderedJson push = HistoryPush(); push != m_toldHistory) {
+            m_toldHistory = std::move(push);
+            SendToAll(m_toldHistory);
+        }
     }
 
     void TellHeld() {
@@ -396,9 +410,8 @@ private:
     size_t m_nConnections = 0;
     size_t m_nTurnedAway = 0; ///< that aren't closed yet
     unsigned long long m_nFrame = 0;
-    unsigned long long m_nToldSceneVersion = 0;
-    std::set<std::string> m_changedNodes; ///< since then, by their parameters
-    bool m_bMoreChanged = false;          ///< than these parameters
+    SSceneChange m_change; ///< that nobody was told of yet
+    OrderedJson m_toldHistory;
     unsigned long long m_nToldNetworkVersion = 0;
     unsigned long long m_nToldHeldVersion = 0;
     std::chrono::steady_clock::time_point m_tToldNetwork;

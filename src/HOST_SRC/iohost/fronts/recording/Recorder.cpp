@@ -10,7 +10,8 @@
 bool IsKept(const Command& command) {
     return std::visit(
         []<typename Kind>(const Kind&) {
-            return !IS_ONE_OF<Kind, SLayoutCommand, SListenCommand, SNetworkCommand, SSaveCommand, SWaitCommand>;
+            return !IS_ONE_OF<Kind, SHistoryCommand, SLayoutCommand, SListenCommand, SNetworkCommand, SSaveCommand,
+                              SWaitCommand>;
         },
         command);
 }
@@ -29,6 +30,12 @@ Command WithoutAddresses(Command command) {
         SSceneDocument scene = *pLoad->pScene;
         drop(scene.devices);
         pLoad->pScene = std::make_shared<const SSceneDocument>(std::move(scene));
+    } else if (auto* pBatch = std::get_if<SBatchCommand>(&command)) {
+        SCommands commands;
+        for (const Command& part : pBatch->pCommands->list) {
+            commands.list.push_back(WithoutAddresses(part));
+        }
+        pBatch->pCommands = std::make_shared<const SCommands>(std::move(commands));
     }
     return command;
 }

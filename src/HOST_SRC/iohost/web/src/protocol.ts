@@ -35,12 +35,27 @@ export type InspectedNode = {
   outputs: GroupState[];
 };
 
+export type Place = {
+  x: number;
+  y: number;
+  folded?: boolean;
+};
+
+export type Note = {
+  x: number;
+  y: number;
+  width: number;
+  height: number;
+  text: string;
+};
+
 export type SceneNode = {
   node: string;
   type: string;
   clip: string | null;
   graph: string;
   name: string;
+  place?: Place;
 };
 
 export type Link = {
@@ -54,7 +69,24 @@ export type Scene = {
   version: number;
   nodes: SceneNode[];
   links: Link[];
+  notes?: Record<string, Note>;
 };
+
+export type Step = {
+  name: string;
+  op: string;
+  of?: string;
+};
+
+export type SceneFile = {
+  file: string | null;
+  unsaved: boolean;
+};
+
+export type History = {
+  steps: Step[];
+  done: number;
+} & SceneFile;
 
 export type OfferedType = {
   guid: string;

@@ -1,0 +1,61 @@
+#include "session/History.h"
+
+#include <algorithm>
+#include <utility>
+
+void CHistory::Add(SStep step, SScenePart before, SScenePart after) {
+    while (m_entries.size() > m_nDone) {
+        m_nNodes -= m_entries.back().NodeCount();
+        m_entries.pop_back();
+    }
+    const unsigned long long nBefore = std::exchange(m_nState, ++m_nStates);
+    m_entries.push_back({std::move(step), std::move(before), std::move(after), nBefore, m_nState, {}});
+    m_nNodes += m_entries.back().NodeCount();
+    while (m_entries.size() > MOST_STEPS || (m_nNodes > MOST_NODES && m_entries.size() > 1)) {
+        m_nNodes -= m_entries.front().NodeCount();
+        m_entries.pop_front();
+    }
+    m_nDone = m_entries.size();
+}
+
+void CHistory::NoteOpened(const std::string& strFile) {
+    m_entries.back().otherKept = std::exchange(m_kept, {strFile, m_nState});
+}
+
+SSceneChange CHistory::Undo(CHost& host, CPeers& peers) {
+    SEntry& entry = m_entries[m_nDone - 1];
+    const SSceneChange change = Move(entry, host, peers, entry.after, entry.before);
+    --m_nDone;
+    m_nState = entry.nStateBefore;
+    return change;
+}
+
+SSceneChange CHistory::Redo(CHost& host, CPeers& peers) {
+    SEntry& entry = m_entries[m_nDone];
+    const SSceneChange change = Move(entry, host, peers, entry.before, entry.after);
+    ++m_nDone;
+    m_nState = entry.nStateAfter;
+    return change;
+}
+
+SSceneChange CHistory::Move(SEntry& entry, CHost& host, CPeers& peers, const SScenePart& from, const SScenePart& to) {
+    ChangePart(host, peers, from, to);
+    if (entry.otherKept) {
+        std::swap(m_kept, *entry.otherKept);
+    }
+    SSceneChange change = ChangeBetween(from, to);
+    change.bEverything = entry.otherKept.has_value();
+    return change;
+}
+
+std::vector<SStep> CHistory::Steps() const {
+    std::vector<SStep> steps;
+    std::ranges::transform(m_entries, std::back_inserter(steps), &SEntry::step);
+    return steps;
+}
+
+void CHistory::Clear() {
+    m_entries.clear();
+    m_nDone = 0;
+    m_nNodes = 0;
+}

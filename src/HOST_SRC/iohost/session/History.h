@@ -1,0 +1,80 @@
+// The steps by which a scene came to be what it is, to be undone and redone.
+#pragma once
+
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "session/ScenePart.h"
+
+/// A step, for people and for programs that tell it in other words.
+struct SStep {
+    std::string strName; ///< "Delete Mouse 1"
+    std::string strOp;   ///< the request that it was
+    std::string strOf;   ///< what it was about, if that was one thing
+};
+
+/// Where the scene is kept.
+struct SSceneFile {
+    std::string strName;   ///< empty: nowhere yet
+    bool bUnsaved = false; ///< it was changed since
+};
+
+class CHistory {
+public:
+    static constexpr size_t MOST_STEPS = 200;
+    static constexpr size_t MOST_NODES = 50'000; ///< before and after all steps: each costs some kilobytes
+
+    /// A step was taken; those that were undone can't be redone any more, and the oldest go where they are too many.
+    void Add(SStep step, SScenePart before, SScenePart after);
+
+    /// The step brought another scene, which the file has so; none has it where the name is empty.
+    void NoteOpened(const std::string& strFile);
+
+    /// The file has the scene as it is now.
+    void NoteSaved(const std::string& strFile) { m_kept = {strFile, m_nState}; }
+
+    /// The last step that is done, and the first that was undone; null for none.
+    const SStep* ToUndo() const { return m_nDone > 0 ? &m_entries[m_nDone - 1].step : nullptr; }
+    const SStep* ToRedo() const { return m_nDone < m_entries.size() ? &m_entries[m_nDone].step : nullptr; }
+
+    /// Undo or redo it in the scene. It must be there.
+    SSceneChange Undo(CHost& host, CPeers& peers);
+    SSceneChange Redo(CHost& host, CPeers& peers);
+
+    std::vector<SStep> Steps() const;
+    size_t Done() const { return m_nDone; }
+
+    /// Forget all steps.
+    void Clear();
+
+    SSceneFile File() const { return {m_kept.strFile, m_kept.nState != m_nState}; }
+
+private:
+    /// A file, and which state of the scene it has.
+    struct SKept {
+        std::string strFile;
+        unsigned long long nState = 0;
+    };
+
+    struct SEntry {
+        SStep step;
+        SScenePart before;
+        SScenePart after;
+        unsigned long long nStateBefore;
+        unsigned long long nStateAfter;
+        std::optional<SKept> otherKept; ///< of the scene that is away, where the step brought another
+
+        size_t NodeCount() const { return before.nodes.size() + after.nodes.size(); }
+    };
+
+    SSceneChange Move(SEntry& entry, CHost& host, CPeers& peers, const SScenePart& from, const SScenePart& to);
+
+    std::deque<SEntry> m_entries;
+    size_t m_nDone = 0;
+    size_t m_nNodes = 0;              ///< in all entries
+    unsigned long long m_nState = 0;  ///< each state has a number, which undoing and redoing come back to
+    unsigned long long m_nStates = 0; ///< the last number given
+    SKept m_kept;
+};

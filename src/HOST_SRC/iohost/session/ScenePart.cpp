@@ -1,0 +1,216 @@
+#include "session/ScenePart.h"
+
+#include <algorithm>
+
+#include "scene/ParamSet.h"
+
+namespace {
+
+/// Whether one can become the other without being made anew.
+bool IsSameObject(const SNodeState& a, const SNodeState& b) {
+    return IsEqualGUID(a.document.guidType, b.document.guidType) && a.document.clip == b.document.clip &&
+           a.document.bEventWindow == b.document.bEventWindow && a.document.bNotifyWindow == b.document.bNotifyWindow;
+}
+
+void ChangeNode(SNode& node, const SNodeDocument& from, const SNodeDocument& to) {
+    ChangeGroups(node.pNode->m_lstParamGroup, *from.own, *to.own, false);
+    ChangeGroups(node.pGraphNode->m_lstInputGroup, *from.inputs, *to.inputs, false);
+    ChangeGroups(node.pGraphNode->m_lstOutputGroup, *from.outputs, *to.outputs, true);
+    node.pGraphNode->m_strName = to.strGraph;
+}
+
+SNode& MakeNode(CHost& host, const SNodeDocument& document) {
+    return *host.Create(document, {.pOwn = &*document.own,
+                                   .pInputs = &*document.inputs,
+                                   .pOutputs = &*document.outputs,
+                                   .bOutputs = false})
+                .pNode;
+}
+
+void ChangeObjects(VEKClip& clip, const SClipDocument* pFrom, const SClipDocument& to) {
+    const auto find = [](auto& objects, const CString& strName) {
+        const auto object = std::ranges::find(objects, strName, &SObjectDocument::strName);
+        return object != objects.end() ? &*object : nullptr;
+    };
+    std::vector<VEKObject*> objects;
+    for (const SObjectDocument& object : to.objects) {
+        VEKObject* pObject = clip.FindObject(object.strName, 0);
+        const SObjectDocument* pWas = pFrom != nullptr ? find(pFrom->objects, object.strName) : nullptr;
+        if (pObject == nullptr) {
+            pObject = new VEKObject(object.strName);
+        }
+        if (pWas == nullptr || *pWas != object) {
+            std::ranges::copy(*object.matrix, pObject->m_fMatrix);
+        }
+        objects.push_back(pObject);
+    }
+    while (!clip.m_lstObject.IsEmpty()) {
+        VEKObject* pObject = clip.m_lstObject.RemoveHead();
+        if (std::ranges::find(objects, pObject) == objects.end()) {
+            delete pObject;
+        }
+    }
+    for (VEKObject* pObject : objects) {
+        clip.m_lstObject.AddTail(pObject);
+    }
+}
+
+void ChangeClips(CScene& scene, const std::vector<SClipDocument>& from, const std::vector<SClipDocument>& to) {
+    std::vector<CString> names;
+    std::ranges::transform(to, std::back_inserter(names), &SClipDocument::strName);
+    scene.SetClips(names);
+    for (const SClipDocument& clip : to) {
+        const auto was = std::ranges::find(from, clip.strName, &SClipDocument::strName);
+        ChangeObjects(*scene.FindClip(clip.strName), was != from.end() ? &*was : nullptr, clip);
+    }
+}
+
+} // namespace
+
+void SSceneScope::Add(const SSceneScope& other) {
+    nodes.insert(other.nodes.begin(), other.nodes.end());
+    bClips |= other.bClips;
+    bDevices |= other.bDevices;
+    bNotes |= other.bNotes;
+    bEverything |= other.bEverything;
+}
+
+SNodeDocument DocumentOf(const SNode& node) {
+    const VEKClip* pClip = node.pNode->m_pOwnerClip;
+    SNodeDocument document;
+    static_cast<SNodeStart&>(document) = {node.strHandle,
+                                          node.guidType,
+                                          pClip != nullptr ? std::optional(pClip->m_strName) : std::nullopt,
+                                          node.pGraphNode->m_strName,
+                                          node.bEventWindow,
+                                          node.bNotifyWindow};
+    document.own = StateOf(node.pNode->m_lstParamGroup);
+    document.inputs = StateOf(node.pGraphNode->m_lstInputGroup);
+    document.outputs = StateOf(node.pGraphNode->m_lstOutputGroup);
+    document.place = node.place;
+    return document;
+}
+
+SLinkDocument DocumentOf(const SLink& link) {
+    return {link.pFrom->strHandle, link.nOutput, link.pTo->strHandle, link.nInput};
+}
+
+std::vector<SClipDocument> ClipDocumentsOf(const CScene& scene) {
+    std::vector<SClipDocument> documents;
+    for (const VEKClip& clip : scene.Clips()) {
+        SClipDocument& document = documents.emplace_back(SClipDocument{clip.m_strName, {}});
+        for (POSITION pos = clip.m_lstObject.GetHeadPosition(); pos != nullptr;) {
+            const VEKObject& object = *clip.m_lstObject.GetNext(pos);
+            document.objects.push_back({object.m_strName, std::to_array(object.m_fMatrix)});
+        }
+    }
+    return documents;
+}
+
+SScenePart TakePart(CHost& host, const CPeers& peers, const SSceneScope& scope) {
+    CScene& scene = host.Scene();
+    SScenePart part;
+    const auto take = [&part](const SNode& node) {
+        part.nodes[node.strHandle] = {node.nOrder, node.ownInputs, node.ownOutputs, DocumentOf(node)};
+        for (const auto* pLinks : {&node.arIncoming, &node.arOutgoing}) {
+            for (const SLink& link : *pLinks) {
+                part.links[link.nOrder] = {DocumentOf(link), link.bEvent};
+            }
+        }
+    };
+    if (scope.bEverything) {
+        for (const auto& [nOrder, node] : scene.Nodes()) {
+            take(node);
+        }
+    } else {
+        for (const std::string& strHandle : scope.nodes) {
+            if (const SNode* pNode = scene.Find(strHandle)) {
+                take(*pNode);
+            }
+        }
+    }
+    if (scope.bClips || scope.bEverything) {
+        part.clips = ClipDocumentsOf(scene);
+    }
+    if (scope.bDevices || scope.bEverything) {
+        part.devices = peers.Devices();
+    }
+    if (scope.bNotes || scope.bEverything) {
+        part.notes = scene.CanvasNotes();
+    }
+    return part;
+}
+
+void KeepDifferences(SScenePart& before, SScenePart& after) {
+    std::erase_if(before.nodes, [&](const auto& entry) {
+        const auto same = after.nodes.find(entry.first);
+        if (same == after.nodes.end() || same->second != entry.second) {
+            return false;
+        }
+        after.nodes.erase(same);
+        return true;
+    });
+}
+
+void ChangePart(CHost& host, CPeers& peers, const SScenePart& from, const SScenePart& to) {
+    CScene& scene = host.Scene();
+    for (const auto& [nOrder, link] : from.links) {
+        const auto same = to.links.find(nOrder);
+        if (same == to.links.end() || same->second != link) {
+            const SLinkDocument& document = link.document;
+            scene.Unlink(*scene.Find(document.strFrom), document.nOutput, *scene.Find(document.strTo), document.nInput);
+        }
+    }
+    for (const auto& [strHandle, state] : from.nodes) {
+        const auto next = to.nodes.find(strHandle);
+        if (next == to.nodes.end() || !IsSameObject(state, next->second)) {
+            host.Discard(*scene.Find(strHandle));
+        }
+    }
+    if (to.clips) {
+        ChangeClips(scene, *from.clips, *to.clips);
+    }
+    std::vector<std::pair<SNode*, unsigned long long>> orders;
+    for (const auto& [strHandle, state] : to.nodes) {
+        SNode* pNode = scene.Find(strHandle);
+        if (pNode != nullptr) {
+            ChangeNode(*pNode, from.nodes.at(strHandle).document, state.document);
+        } else {
+            pNode = &MakeNode(host, state.document);
+        }
+        pNode->ownInputs = state.ownInputs;
+        pNode->ownOutputs = state.ownOutputs;
+        pNode->place = state.document.place;
+        orders.emplace_back(pNode, state.nOrder);
+    }
+    scene.SetOrders(orders);
+    for (const auto& [nOrder, link] : to.links) {
+        SNode& source = *scene.Find(link.document.strFrom);
+        if (std::ranges::find(source.arOutgoing, nOrder, &SLink::nOrder) == source.arOutgoing.end()) {
+            scene.Relink({&source, link.document.nOutput, scene.Find(link.document.strTo), link.document.nInput,
+                          link.bEvent, nOrder});
+        }
+    }
+    if (to.notes) {
+        scene.CanvasNotes() = *to.notes;
+    }
+    if (from.devices != to.devices) {
+        peers.SetDevices(*to.devices);
+    }
+}
+
+SSceneChange ChangeBetween(const SScenePart& before, const SScenePart& after) {
+    SSceneChange change{.bList = before.links != after.links || before.notes != after.notes};
+    for (const auto& [strHandle, state] : before.nodes) {
+        const auto now = after.nodes.find(strHandle);
+        change.bList |= now == after.nodes.end();
+        change.nodes.insert(strHandle);
+    }
+    for (const auto& [strHandle, state] : after.nodes) {
+        const auto was = before.nodes.find(strHandle);
+        change.bList |= was == before.nodes.end() || was->second.document.strGraph != state.document.strGraph ||
+                        was->second.document.place != state.document.place;
+        change.nodes.insert(strHandle);
+    }
+    return change;
+}

@@ -1,0 +1,114 @@
+#include "session/Steps.h"
+
+#include "base/TextUtf8.h"
+
+namespace {
+
+class CPlanner {
+public:
+    explicit CPlanner(CScene& scene) : m_scene(scene) {}
+
+    SStepPlan operator()(const SCreateCommand& command) const {
+        return {{"Add " + NameOr(command.strGraph, command.strHandle), "create",
+                 NameOr(command.strGraph, command.strHandle)},
+                {.nodes = {command.strHandle}, .bClips = command.clip.has_value()}};
+    }
+
+    SStepPlan operator()(const SDestroyCommand& command) const {
+        return OfNode("Delete", "destroy", command.strHandle);
+    }
+    SStepPlan operator()(const SInitCommand& command) const { return OfNode("Change", "init", command.strHandle); }
+    SStepPlan operator()(const SOutputsCommand& command) const {
+        return OfNode("Change", "outputs", command.strHandle);
+    }
+    SStepPlan operator()(const SSetCommand& command) const { return OfNode("Change", "set", command.strHandle); }
+    SStepPlan operator()(const SEditCommand& command) const { return OfNode("Change", "edit", command.strHandle); }
+    SStepPlan operator()(const SDropCommand& command) const { return OfNode("Change", "drop", command.strHandle); }
+    SStepPlan operator()(const SRenameCommand& command) const {
+        const std::string strOf = NodeName(command.strHandle) + " to " + NameOr(command.strGraph, command.strHandle);
+        return {{"Rename " + strOf, "rename", strOf}, {.nodes = {command.strHandle}}};
+    }
+
+    SStepPlan operator()(const SLinkCommand& command) const { return OfLink("Link", "to", "link", command); }
+    SStepPlan operator()(const SUnlinkCommand& command) const { return OfLink("Unlink", "from", "unlink", command); }
+
+    SStepPlan operator()(const SPlaceCommand& command) const {
+        SSceneScope scope{.bNotes = !command.notes.empty()};
+        for (const auto& [strHandle, place] : command.nodes) {
+            scope.nodes.insert(strHandle);
+        }
+        if (command.nodes.empty()) {
+            return {{"Change notes", "place", {}}, scope};
+        }
+        const std::string strOf = command.nodes.size() == 1 ? NodeName(command.nodes.front().first)
+                                                            : std::to_string(command.nodes.size()) + " nodes";
+        return {{"Move " + strOf, "place", strOf}, scope};
+    }
+
+    SStepPlan operator()(const SObjectCommand& command) const { return OfObject("Add", "object", command.strName); }
+    SStepPlan operator()(const SChangeObjectCommand& command) const {
+        return OfObject("Change", "change_object", command.strName);
+    }
+    SStepPlan operator()(const SRemoveObjectCommand& command) const {
+        return OfObject("Remove", "remove_object", command.strName);
+    }
+
+    SStepPlan operator()(const SDevicesCommand& /*command*/) const {
+        return {{"Change devices", "devices", {}}, {.bDevices = true}};
+    }
+
+    SStepPlan operator()(const SLoadCommand& command) const {
+        return {{command.strFile.empty() ? "Open a scene" : "Open " + command.strFile, "load", command.strFile},
+                {.bEverything = true}};
+    }
+
+    SStepPlan operator()(const SBatchCommand& command) const {
+        SStepPlan batch{{command.name.value_or("Change the scene"), "batch", {}}, {}};
+        for (const Command& part : command.pCommands->list) {
+            batch.scope.Add(PlanOf(part, m_scene)->scope);
+        }
+        return batch;
+    }
+
+private:
+    static std::string NameOr(const CString& strName, const std::string& strHandle) {
+        return strName.IsEmpty() ? strHandle : Utf8(strName);
+    }
+
+    std::string NodeName(const std::string& strHandle) const {
+        const SNode* pNode = m_scene.Find(strHandle);
+        return pNode != nullptr ? NameOr(pNode->pGraphNode->m_strName, strHandle) : strHandle;
+    }
+
+    SStepPlan OfNode(const std::string& strVerb, const char* pszOp, const std::string& strHandle) const {
+        const std::string strOf = NodeName(strHandle);
+        return {{strVerb + " " + strOf, pszOp, strOf}, {.nodes = {strHandle}}};
+    }
+
+    SStepPlan OfLink(const std::string& strVerb, const char* pszWhere, const char* pszOp,
+                     const SLinkDocument& link) const {
+        const std::string strOf = NodeName(link.strFrom) + " " + pszWhere + " " + NodeName(link.strTo);
+        return {{strVerb + " " + strOf, pszOp, strOf}, {.nodes = {link.strFrom, link.strTo}}};
+    }
+
+    static SStepPlan OfObject(const std::string& strVerb, const char* pszOp, const CString& strName) {
+        return {{strVerb + " object " + Utf8(strName), pszOp, Utf8(strName)}, {.bClips = true}};
+    }
+
+    CScene& m_scene;
+};
+
+} // namespace
+
+std::optional<SStepPlan> PlanOf(const Command& command, CScene& scene) {
+    return std::visit(
+        [&scene]<typename Kind>(const Kind& kind) -> std::optional<SStepPlan> {
+            if constexpr (requires(const CPlanner& planner) { planner(kind); }) {
+                return CPlanner(scene)(kind);
+            } else {
+                static_assert(!FITS_BATCH<Kind>, "what changes the scene is a step");
+                return std::nullopt;
+            }
+        },
+        command);
+}

@@ -1,0 +1,16 @@
+// Commands as steps of the scene's history.
+#pragma once
+
+#include <optional>
+
+#include "session/Command.h"
+#include "session/History.h"
+
+/// What a command is as a step, before it is carried out.
+struct SStepPlan {
+    SStep step;
+    SSceneScope scope; ///< what it may change
+};
+
+/// Nothing for a command that changes nothing of the scene, or moves in the history.
+std::optional<SStepPlan> PlanOf(const Command& command, CScene& scene);
