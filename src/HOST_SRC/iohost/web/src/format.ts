@@ -28,6 +28,15 @@ export function shortestFloat(value: number): string {
   return String(value);
 }
 
+/** How long ago something was, at a glance: now, 3 s ago, 5 min ago. */
+export function agoText(milliseconds: number): string {
+  const seconds = Math.floor(milliseconds / 1000);
+  if (seconds < 1) {
+    return t("now");
+  }
+  return seconds < 120 ? t("{seconds} s ago", { seconds }) : t("{minutes} min ago", { minutes: Math.floor(seconds / 60) });
+}
+
 /** How long something has lasted, at a glance: 0.4 s, 12 s, 3 min. */
 export function ageText(milliseconds: number): string {
   const seconds = Math.max(0, milliseconds) / 1000;

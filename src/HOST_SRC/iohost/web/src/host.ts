@@ -1,18 +1,18 @@
-import { batch, signal, type Signal } from "@preact/signals";
+import { batch, signal } from "@preact/signals";
 import { Connection, type ConnectionListener } from "./connection.ts";
 import { FrameWatch } from "./frames.ts";
-import { t } from "./i18n.ts";
 import { Holders } from "./input/holders.ts";
 import { KeyboardState } from "./input/keyboardState.ts";
 import { VirtualKey } from "./input/virtualKeys.ts";
+import { NEVER_FIRED, NO_VALUE, NodeSignals, OutputSignals } from "./live.ts";
 import { LogBuffer, type LogLine } from "./log.ts";
 import { NodeType, nodesOf } from "./nodeTypes.ts";
 import { Pace } from "./pace.ts";
-import type { EditValue } from "./params.ts";
+import { Requests } from "./requests.ts";
 import type { JsonVerdict } from "./protocol.ts";
 import { Device, EventId } from "./codes.ts";
-import { firedByNodes, type EventReply, type Happened, type InputEvent, type NodeDetails, type Push, type Reply } from "./messages.ts";
-import type { HeldEntry, Link, NetworkState, OfferedType, OutputValue, Scene, SceneNode, SceneObject } from "./protocol.ts";
+import { firedByNodes, type Counters, type EventReply, type Happened, type InputEvent, type NodeDetails, type NumberedLine, type Push, type Recovered, type Reply, type SceneState } from "./messages.ts";
+import type { HeldEntry, Link, NetworkState, Note, OutputValue, Scene, SceneNode, SceneObject } from "./protocol.ts";
 
 export type ConnectionState =
   | { is: "connecting" }
@@ -20,53 +20,6 @@ export type ConnectionState =
   | { is: "lost"; retryAt: number };
 
 export type NodeView = SceneNode & { details: NodeDetails };
-
-export interface Fired {
-  count: number;
-  /** When it fired last, in milliseconds since 1970; null: never yet. */
-  last: number | null;
-}
-
-const NEVER_FIRED: Fired = { count: 0, last: null };
-const NO_VALUE: OutputValue = { int: 0, float: 0, string: "" };
-
-/** Signals by node and output, made when they are first asked for. */
-class OutputSignals<Value> {
-  readonly #initial: Value;
-  readonly #signals = new Map<string, Map<number, Signal<Value>>>();
-
-  constructor(initial: Value) {
-    this.#initial = initial;
-  }
-
-  of(node: string, output: number): Signal<Value> {
-    let outputs = this.#signals.get(node);
-    if (outputs === undefined) {
-      this.#signals.set(node, (outputs = new Map()));
-    }
-    let found = outputs.get(output);
-    if (found === undefined) {
-      outputs.set(output, (found = signal(this.#initial)));
-    }
-    return found;
-  }
-
-  keepOnly(nodes: ReadonlySet<string>): void {
-    for (const node of this.#signals.keys()) {
-      if (!nodes.has(node)) {
-        this.#signals.delete(node);
-      }
-    }
-  }
-
-  reset(): void {
-    for (const outputs of this.#signals.values()) {
-      for (const one of outputs.values()) {
-        one.value = this.#initial;
-      }
-    }
-  }
-}
 
 /** What the page knows of its host, and what it asks of it. */
 export class Host implements ConnectionListener {
@@ -76,6 +29,8 @@ export class Host implements ConnectionListener {
   /** Null until the scene was read for the first time. */
   readonly nodes = signal<NodeView[] | null>(null);
   readonly links = signal<readonly Link[]>([]);
+  /** Texts on the canvas, by their ids. */
+  readonly notes = signal<Readonly<Record<string, Note>>>({});
   readonly objects = signal<readonly SceneObject[]>([]);
   /** How the network stands, and when the page was told, in milliseconds since 1970. */
   readonly network = signal<{ state: NetworkState; told: number } | null>(null);
@@ -91,9 +46,19 @@ export class Host implements ConnectionListener {
     this.#connection.send({ op: "keys", ...state });
   });
   readonly capsLock = signal(false);
-  readonly values = new OutputSignals<OutputValue>(NO_VALUE);
-  readonly fired = new OutputSignals<Fired>(NEVER_FIRED);
+  readonly values = new OutputSignals(NO_VALUE);
+  readonly fired = new OutputSignals(NEVER_FIRED);
+  /** When each node last did something, in milliseconds since 1970; null: never yet. */
+  readonly active = new NodeSignals<number | null>(null);
+  /** What each node did since the scene came, whoever looks; null: nothing yet. */
+  readonly counters = new NodeSignals<Counters | null>(null);
+  /** Undo, redo and the scene's file; null until the host told. */
+  readonly scene = signal<SceneState | null>(null);
+  /** What an earlier run of the host left unsaved. */
+  readonly recovered = signal<Recovered | null>(null);
   readonly log = signal<{ lines: readonly LogLine[]; count: number }>({ lines: [], count: 0 });
+
+  readonly requests: Requests;
 
   readonly #connection: Connection;
   readonly #logBuffer = new LogBuffer();
@@ -101,10 +66,12 @@ export class Host implements ConnectionListener {
   #logWaits = false;
   #reading = false;
   #sceneIsStale = false;
+  #listIsStale = false;
   readonly #staleNodes = new Set<string>();
 
   constructor(address: string) {
     this.#connection = new Connection(address, this);
+    this.requests = new Requests(this.#connection);
   }
 
   sendInput(event: InputEvent): void {
@@ -150,43 +117,6 @@ export class Host implements ConnectionListener {
     return keyboards.find((keyboard) => keyboard.node === link?.from)?.node ?? null;
   }
 
-  /** The node types that the module offers now. */
-  async offeredTypes(): Promise<OfferedType[]> {
-    const reply = await this.#connection.request<{ types: OfferedType[] }>({ op: "catalogue" });
-    return reply.ok ? reply.types : [];
-  }
-
-  /** Adds a node under a handle that no node has; answers with what was wrong, or null. */
-  async addNode(node: string, type: string, clip: string, graph: string): Promise<string | null> {
-    const reply = await this.#connection.request<{ created: boolean }>({ op: "create", node, type, clip, graph });
-    return reply.ok && !reply.created ? t("The module doesn't make nodes of this type.") : errorOf(reply);
-  }
-
-  async removeNode(node: string): Promise<string | null> {
-    return errorOf(await this.#connection.request({ op: "destroy", node }));
-  }
-
-  async link(from: string, output: number, to: string, input: number): Promise<string | null> {
-    return errorOf(await this.#connection.request({ op: "link", from, output, to, input }));
-  }
-
-  async unlink(link: Link): Promise<string | null> {
-    return errorOf(await this.#connection.request({ op: "unlink", ...link }));
-  }
-
-  async addObject(clip: string, name: string): Promise<string | null> {
-    return errorOf(await this.#connection.request({ op: "object", clip, name }));
-  }
-
-  /** Changes an input as the editor's panel does; answers with what was wrong, or null. */
-  async edit(node: string, param: number, value: EditValue): Promise<string | null> {
-    return errorOf(await this.#connection.request({ op: "edit", node, param, ...value }));
-  }
-
-  async trigger(node: string, param: number): Promise<string | null> {
-    return errorOf(await this.#connection.request({ op: "trigger", node, param }));
-  }
-
   /** While it is on, what nodes send to devices is shown only. */
   setListenOnly(on: boolean): void {
     this.#connection.send({ op: "listen_only", on });
@@ -218,15 +148,30 @@ export class Host implements ConnectionListener {
         // What went down while there was no connection was told to nobody, so its end isn't either.
         this.#forgetHeld();
         this.connection.value = { is: "open", ...push };
+        this.recovered.value = push.recovered ?? null;
         this.frames.value = new FrameWatch(Date.now());
         void this.#refresh();
         void this.#readNetwork();
+        void this.#readLog();
         break;
       case "frame":
         this.frames.value?.told(push.frame, Date.now());
         break;
       case "scene":
-        void this.#refresh(push.nodes);
+        void this.#refresh(push.nodes, push.list);
+        break;
+      case "history":
+        this.scene.value = push;
+        break;
+      case "counters":
+        this.#pace.show(() => {
+          for (const [node, counters] of Object.entries(push.nodes)) {
+            this.#showCounters(node, counters);
+          }
+        });
+        break;
+      case "dropped":
+        // The node's counter and the device's tell of it.
         break;
       case "happened":
         this.#happened(push);
@@ -234,6 +179,7 @@ export class Host implements ConnectionListener {
       case "json":
         this.#pace.show(() => {
           this.jsonVerdicts.value = new Map([...this.jsonVerdicts.value, ...Object.entries(push.nodes)]);
+          Object.keys(push.nodes).forEach((node) => (this.active.of(node).value = Date.now()));
         });
         break;
       case "network":
@@ -249,12 +195,31 @@ export class Host implements ConnectionListener {
         this.#pace.show(() => {
           for (const [node, outputs] of Object.entries(push.nodes)) {
             for (const [output, value] of Object.entries(outputs)) {
-              this.values.of(node, Number(output)).value = value;
+              this.#showValue(node, Number(output), value);
             }
           }
         });
         break;
     }
+  }
+
+  /** All values come with each connection: only one that is another than before is something that the node did. */
+  #showValue(node: string, output: number, value: OutputValue): void {
+    const shown = this.values.of(node, output);
+    const { int, float, string } = shown.peek();
+    if (shown.peek() !== NO_VALUE && (int !== value.int || float !== value.float || string !== value.string)) {
+      this.active.of(node).value = Date.now();
+    }
+    shown.value = value;
+  }
+
+  /** All counters come with each connection: only one that is another than before tells that the node did something. */
+  #showCounters(node: string, counters: Counters): void {
+    const shown = this.counters.of(node);
+    if (shown.peek() !== null) {
+      this.active.of(node).value = Date.now();
+    }
+    shown.value = counters;
   }
 
   #heldChanged(entries: HeldEntry[], released: number[]): void {
@@ -286,6 +251,7 @@ export class Host implements ConnectionListener {
         for (const { node, output } of firedByNodes(posted)) {
           const fired = this.fired.of(node, output);
           fired.value = { count: fired.value.count + 1, last: now };
+          this.active.of(node).value = now;
         }
       });
     }
@@ -303,20 +269,26 @@ export class Host implements ConnectionListener {
     this.log.value = { lines: [...this.#logBuffer.lines], count: this.#logBuffer.count };
   }
 
-  /** Reads these nodes anew, or the scene with every node; what is asked for meanwhile is read at the end. */
-  async #refresh(nodes?: readonly string[]): Promise<void> {
+  /**
+   * Reads these nodes anew and, with `list`, which there are; or the scene with every node. What is asked for meanwhile is
+   * read at the end.
+   */
+  async #refresh(nodes?: readonly string[], list = false): Promise<void> {
     this.#sceneIsStale ||= nodes === undefined;
+    this.#listIsStale ||= list;
     nodes?.forEach((node) => this.#staleNodes.add(node));
     if (this.#reading) {
       return;
     }
     this.#reading = true;
-    while (this.#sceneIsStale || this.#staleNodes.size > 0) {
+    while (this.#sceneIsStale || this.#listIsStale || this.#staleNodes.size > 0) {
       const whole = this.#sceneIsStale;
+      const listed = whole || this.#listIsStale;
       const stale = new Set(this.#staleNodes);
       this.#sceneIsStale = false;
+      this.#listIsStale = false;
       this.#staleNodes.clear();
-      await (whole ? this.#readScene() : this.#readNodes(stale));
+      await (listed ? this.#readScene(whole ? null : stale) : this.#readNodes(stale));
     }
     this.#reading = false;
   }
@@ -330,21 +302,40 @@ export class Host implements ConnectionListener {
     this.nodes.value = known.map((node, index) => read[index] ?? node);
   }
 
-  async #readScene(): Promise<void> {
+  /** Of nodes that are known, only stale ones are inspected; null: all are. */
+  async #readScene(stale: ReadonlySet<string> | null): Promise<void> {
     const scene = await this.#connection.request<Scene>({ op: "scene" });
     if (!scene.ok) {
       return;
     }
-    const read = await Promise.all(scene.nodes.map((node) => this.#readNode(node)));
+    const known = new Map((this.nodes.peek() ?? []).map((node) => [node.node, node.details]));
+    const read = await Promise.all(
+      scene.nodes.map((node): Promise<NodeView | null> => {
+        const details = stale === null || stale.has(node.node) ? undefined : known.get(node.node);
+        return details === undefined ? this.#readNode(node) : Promise.resolve({ ...node, details });
+      }),
+    );
     const nodes = read.filter((node) => node !== null);
     const handles = new Set(nodes.map(({ node }) => node));
     this.values.keepOnly(handles);
     this.fired.keepOnly(handles);
+    this.active.keepOnly(handles);
+    this.counters.keepOnly(handles);
     batch(() => {
       this.nodes.value = nodes;
       this.jsonVerdicts.value = new Map([...this.jsonVerdicts.value].filter(([node]) => handles.has(node)));
       this.links.value = scene.links;
+      this.notes.value = scene.notes ?? {};
     });
+  }
+
+  /** What was logged before this connection came, and while there was none. */
+  async #readLog(): Promise<void> {
+    const log = await this.#connection.request<{ lines: NumberedLine[] }>({ op: "log" });
+    if (log.ok) {
+      this.#logBuffer.read(log.lines);
+      this.#publishLog();
+    }
   }
 
   async #readNetwork(): Promise<void> {
@@ -373,8 +364,4 @@ export class Host implements ConnectionListener {
     }
     return { ...node, details };
   }
-}
-
-function errorOf(reply: Reply): string | null {
-  return reply.ok ? null : reply.error;
 }

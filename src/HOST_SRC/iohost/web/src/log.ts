@@ -1,6 +1,6 @@
 import { t } from "./i18n.ts";
 import { inEnglish } from "./logTexts.ts";
-import type { LogEntry } from "./messages.ts";
+import type { LogEntry, NumberedLine } from "./messages.ts";
 import { cutText } from "./texts.ts";
 
 export const LOG_LIMIT = 1000;
@@ -10,7 +10,7 @@ export const LogLevel = { information: 4, error: 32 } as const;
 export interface LogLine extends LogEntry {
   /** Grows by one a line. */
   number: number;
-  /** When the page heard of it, in milliseconds since 1970. */
+  /** When it was logged, in milliseconds since 1970. */
   time: number;
   /** What the module's line says. */
   english?: string;
@@ -23,6 +23,8 @@ export type LevelFilter = number | null;
 export class LogBuffer {
   #lines: LogLine[] = [];
   #count = 0;
+  /** The number of the last line that was cleared away. */
+  #cleared = 0;
 
   get lines(): readonly LogLine[] {
     return this.#lines;
@@ -34,19 +36,31 @@ export class LogBuffer {
   }
 
   append(entries: readonly LogEntry[], time: number): void {
-    for (const { level, ...text } of entries) {
-      const cut = cutText(text);
-      const english = inEnglish(cut.text);
-      this.#lines.push({ number: ++this.#count, time, level, ...cut, ...(english !== undefined && { english }) });
+    for (const entry of entries) {
+      this.#lines.push(lineOf(entry, ++this.#count, time));
     }
-    if (this.#lines.length > LOG_LIMIT) {
-      this.#lines = this.#lines.slice(-LOG_LIMIT);
-    }
+    this.#lines = this.#lines.slice(-LOG_LIMIT);
+  }
+
+  /** Begins anew with what the host kept; what was cleared here stays away. */
+  read(kept: readonly NumberedLine[]): void {
+    const last = kept.at(-1)?.n ?? 0;
+    const cleared = last < this.#cleared ? 0 : this.#cleared; // another run of the host counts from the beginning
+    this.#lines = kept.filter(({ n }) => n > cleared).slice(-LOG_LIMIT).map((line) => lineOf(line, line.n, line.ms));
+    this.#count = last;
+    this.#cleared = cleared;
   }
 
   clear(): void {
     this.#lines = [];
+    this.#cleared = this.#count;
   }
+}
+
+function lineOf({ level, ...text }: LogEntry, number: number, time: number): LogLine {
+  const cut = cutText({ text: text.text, length: text.length });
+  const english = inEnglish(cut.text);
+  return { number, time, level, ...cut, ...(english !== undefined && { english }) };
 }
 
 export function filterLog(lines: readonly LogLine[], level: LevelFilter, search: string): LogLine[] {

@@ -12,7 +12,9 @@ import type {
   ParamState,
   Payload,
   PostedEvent,
+  SceneFile,
   SceneObject,
+  Step,
 } from "./protocol.ts";
 import type { CutText } from "./texts.ts";
 
@@ -42,8 +44,41 @@ export type Reply<Body = object> = Happened & ({ ok: true; id?: number } & Body 
 /** To an event: what each node made of it. */
 export type EventReply = Reply<NodeResults>;
 
+/** Where undo and redo lead, which file the scene is of, and whether it was changed since that was written. */
+export type SceneState = SceneFile & { undo: Step | null; redo: Step | null };
+
+/** A file in the folder of scenes. */
+export interface ListedFile {
+  file: string;
+  bytes: number;
+  modified_ms: number;
+}
+
+/** What an earlier run of the host left unsaved. */
+export interface Recovered {
+  file: string | null;
+  modified_ms: number;
+}
+
+/** What a node did since the scene came. */
+export interface Counters {
+  fired: number;
+  received: number;
+  matched: number;
+  rejected: number;
+  sent: number;
+  dropped: number;
+}
+
+/** A line of the host's log, by its number there. */
+export type NumberedLine = LogEntry & { n: number; ms: number };
+
 export type Push =
-  | { push: "hello"; version: string; fps: number; address: string; connection: number }
+  | { push: "hello"; version: string; fps: number; address: string; connection: number; recovered?: Recovered }
+  | ({ push: "history" } & SceneState)
+  | { push: "counters"; nodes: Record<string, Counters> }
+  /** What waited too long for a device. */
+  | { push: "dropped"; node: string | null; device: number; items: number }
   /** Once a second: the number of the last frame. */
   | { push: "frame"; frame: number }
   | { push: "objects"; objects: SceneObject[] }
@@ -54,8 +89,8 @@ export type Push =
   | ({ push: "happened"; frame: number } & Happened)
   | ({ push: "network" } & NetworkState)
   | { push: "outputs"; nodes: Record<string, Record<string, OutputValue>> }
-  /** Of these nodes parameters changed; without them, anything may have. */
-  | { push: "scene"; version: number; nodes?: string[] };
+  /** Of these nodes parameters changed; without them, anything may have. With `list`, what the scene is made of did too. */
+  | { push: "scene"; version: number; nodes?: string[]; list?: boolean };
 
 export type KeyPayload = Extract<Payload, { is: "key" }>;
 export type PointerPayload = Extract<Payload, { is: "pointer" }>;

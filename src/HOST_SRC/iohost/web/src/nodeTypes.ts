@@ -9,7 +9,7 @@ export function typeByte(typeGuid: string): string | null {
 }
 
 /** The types that the page has controls of its own for. */
-export const NodeType = { keyboard: "01", textField: "02", gesture: "07", vrHandle: "08", objectJson: "0C", deviceJson: "0E" } as const;
+export const NodeType = { keyboard: "01", textField: "02", gesture: "07", vrHandle: "08", objectJson: "0C", deviceJson: "0E", stringSend: "0F" } as const;
 
 export function nodesOf(nodes: readonly NodeView[] | null, type: string): NodeView[] {
   return nodes?.filter((node) => typeByte(node.type) === type) ?? [];
@@ -18,6 +18,7 @@ export function nodesOf(nodes: readonly NodeView[] | null, type: string): NodeVi
 /** Ids of the pins that these controls work with. */
 export const TextFieldPin = { text: 202, event: 203, clear: 204, output: 253 } as const;
 export const JsonPin = { clipName: 1202, objectName: 1203, deviceId: 1402 } as const;
+export const StringSendPin = { toDevice: 1502, deviceId: 1503 } as const;
 export const VRHandlePin = { objectName: 802, hand: 803 } as const;
 
 export function inputOf(node: NodeView, id: number): Param | undefined {

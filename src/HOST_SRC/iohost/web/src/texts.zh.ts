@@ -1,8 +1,9 @@
+import { EDITOR_ZH } from "./texts.editor.zh.ts";
+
 /** The page's texts in Chinese, by the English ones. Names in braces stand for values. */
 export const ZH = {
   // The page
   "Language": "语言",
-  "input and output nodes, live": "实时输入与输出节点",
   "Panels": "面板",
   "Log": "日志",
   "On-screen keyboard": "屏幕键盘",
@@ -138,21 +139,17 @@ export const ZH = {
 
   // Graph
   "Graph of the scene": "场景的节点图",
-  "Type of a new node": "新节点的类型",
   "Add node": "添加节点",
-  "{node} was added.": "已添加 {node}。",
   "Arrange": "整理",
   "Links lead from an output to an input.": "连线从输出通向输入。",
   "A node can't be linked to itself.": "节点不能连到自身。",
-  "An output with {values} doesn't fit an input for {others}.": "输出的{values}与输入所需的{others}不匹配。",
-  "The input has a source already.": "该输入已有来源。",
   "events": "事件",
   "whole numbers": "整数",
   "numbers": "数字",
   "texts": "文本",
   "Enter or Space chooses a node. Delete removes it, Escape lets it go.": "按回车或空格选择节点，按 Delete 删除，按 Esc 取消选择。",
-  "Enter or Space chooses a node; the arrow keys then move it. Delete removes it, Escape lets it go.":
-    "按回车或空格选择节点，再用方向键移动，按 Delete 删除，按 Esc 取消选择。",
+  "Enter or Space chooses a node; the arrow keys then move it, and Tab leads to its pins. F2 renames it, Delete removes it, Escape lets it go.":
+    "按回车或空格选择节点，再用方向键移动，用 Tab 移到其端口，按 F2 重命名，按 Delete 删除，按 Esc 取消选择。",
   "Enter or Space chooses a wire. Delete removes it, Escape lets it go.": "按回车或空格选择连线，按 Delete 删除，按 Esc 取消选择。",
   "Moved to {x}, {y}.": "已移动到 {x}, {y}。",
   "View of the graph": "节点图视图",
@@ -252,4 +249,6 @@ export const ZH = {
   "“{key}” is “{value}”, not “{expected}”": "“{key}”为“{value}”，而不是“{expected}”",
   "device {device}": "设备 {device}",
   "no object": "无物体",
+
+  ...EDITOR_ZH,
 } as const satisfies Record<string, string>;

@@ -6,7 +6,7 @@ import { language, preferredLanguage, t } from "../src/i18n.ts";
 import { ZH } from "../src/texts.zh.ts";
 
 const sources = readdirSync("src", { recursive: true, encoding: "utf8" })
-  .filter((name) => /\.tsx?$/.test(name) && name !== "texts.zh.ts")
+  .filter((name) => /\.tsx?$/.test(name) && !name.endsWith(".zh.ts"))
   .map((name) => ({ name, source: readFileSync(join("src", name), "utf8") }));
 
 afterEach(() => {

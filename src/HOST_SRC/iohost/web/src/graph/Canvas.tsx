@@ -1,251 +1,251 @@
 import {
   Background,
   Controls,
-  Handle,
   MiniMap,
-  Position,
   ReactFlow,
+  SelectionMode,
   useEdgesState,
   useNodesState,
   type Connection,
   type Edge,
   type FinalConnectionState,
-  type Node,
-  type NodeProps,
   type ReactFlowInstance,
 } from "@xyflow/react";
-import { useEffect, useRef } from "preact/hooks";
+import { useEffect, useRef, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
-import { iconOf } from "../icons.ts";
-import type { Param } from "../messages.ts";
-import { shownValue } from "../params.ts";
+import { inputsOf, outputsOf } from "../nodePins.ts";
 import type { Link } from "../protocol.ts";
-import { LongText } from "../view/LongText.tsx";
 import { ariaLabels } from "./ariaLabels.ts";
-import { arrange, type Box } from "./layout.ts";
-import { NodePalette } from "./NodePalette.tsx";
-import { refusal, sortOf } from "./wiring.ts";
+import { CanvasHead } from "./CanvasHead.tsx";
+import { Editor, linkOf, type Pin } from "./editor.ts";
+import { EmptyScene } from "./EmptyScene.tsx";
+import { Face, type FaceNode } from "./Face.tsx";
+import { AutomaticPlaces, boxOf } from "./layout.ts";
+import { NoteFace, type NoteNode } from "./NoteFace.tsx";
+import { Outline } from "./Outline.tsx";
+import { Palette } from "./Palette.tsx";
+import { QuestionBar } from "./QuestionBar.tsx";
+import { useCanvasKeys } from "./useCanvasKeys.ts";
+import { WireEdge, type Wire } from "./WireEdge.tsx";
+import { conversion, sortOf } from "./wiring.ts";
 
-type FaceNode = Node<{ host: Host; node: NodeView }, "face">;
-type Wire = Edge<{ link: Link }>;
+export type CanvasNode = FaceNode | NoteNode;
 
-// As the style sheet draws them.
-const WIDTH = 300;
-const HEAD_HEIGHT = 42;
-const PIN_HEIGHT = 20;
+const FACES = { face: Face, note: NoteFace };
+const WIRES = { wire: WireEdge };
 
-const GAP = 24;
-
-const inputsOf = ({ details }: NodeView) => details.inputs.flatMap(({ params }) => params);
-const outputsOf = ({ details }: NodeView) => details.outputs.flatMap(({ params }) => params);
-
-function boxOf(node: NodeView): Box {
-  const rows = Math.max(inputsOf(node).length, outputsOf(node).length);
-  return { id: node.node, width: WIDTH, height: HEAD_HEIGHT + PIN_HEIGHT * rows };
-}
-
-/** The scene as a graph: what each node shows right now, and what leads where. Nodes are added, wired and removed here. */
+/** The scene as a graph, live: nodes are added, wired, moved, named and removed here. */
 export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
   const nodes = host.nodes.value;
   const links = host.links.value;
-  const [faces, setFaces, onFacesChange] = useNodesState<FaceNode>([]);
+  const notes = host.notes.value;
+  const [editor] = useState(() => new Editor(host, desk));
+  const [automatic] = useState(() => new AutomaticPlaces());
+  const [faces, setFaces, onFacesChange] = useNodesState<CanvasNode>([]);
   const [wires, setWires, onWiresChange] = useEdgesState<Wire>([]);
-  const message = desk.message.value;
-  const setMessage = (text: string) => (desk.message.value = text);
-  const flow = useRef<ReactFlowInstance<FaceNode, Wire> | null>(null);
+  const flow = useRef<ReactFlowInstance<CanvasNode, Wire> | null>(null);
+  const pane = useRef<HTMLDivElement>(null);
+  const wantChosen = useRef<readonly string[] | null>(null);
 
-  const place = (all: readonly NodeView[], kept: readonly FaceNode[]) => {
-    const old = new Map(kept.map((face) => [face.id, face]));
-    const staying = all.flatMap(({ node }) => old.get(node) ?? []);
-    const places = staying.length === 0 ? arrange(all.map(boxOf), links) : null;
-    let below = Math.max(...staying.map(({ position, measured }) => position.y + (measured?.height ?? 0)), 0);
-    return all.map((node): FaceNode => {
-      const data = { host, node };
-      const face = old.get(node.node);
-      if (face !== undefined) {
-        return { ...face, data };
-      }
-      const position = places?.get(node.node) ?? { x: 0, y: below + GAP };
-      below = position.y + boxOf(node).height;
-      return { id: node.node, type: "face", position, data, ariaLabel: `${node.graph}, ${node.details.name}` };
+  useEffect(() => {
+    automatic.follow(nodes ?? [], links);
+    const wanted = wantChosen.current;
+    wantChosen.current = null;
+    setFaces((kept) => {
+      const old = new Map(kept.map((face) => [face.id, face]));
+      return [...(nodes ?? []).map((node) => faceOf(editor, node, automatic.of(node.node))), ...notesOf(editor, notes)].map((face) => {
+        const { measured, selected, dragging, position } = old.get(face.id) ?? {};
+        return {
+          ...face,
+          ...(measured && { measured }),
+          selected: wanted === null ? selected === true : wanted.includes(face.id),
+          // What is being dragged stays under the pointer.
+          ...(dragging === true && position && { position }),
+        };
+      });
     });
-  };
+  }, [nodes, links, notes]);
   useEffect(() => {
-    setFaces((kept) => place(nodes ?? [], kept));
-  }, [nodes]);
+    setWires((kept) => {
+      const chosen = new Set(kept.flatMap(({ id, selected }) => (selected ? id : [])));
+      return links.map((link) => wireOf(host, nodes ?? [], link, chosen));
+    });
+  }, [nodes, links]);
   // Another scene comes into sight as a whole.
-  const first = nodes?.[0]?.node;
+  const scene = automatic.scene;
   useEffect(() => {
     requestAnimationFrame(() => void flow.current?.fitView());
-  }, [first]);
-
-  const draw = (link: Link, kept: readonly Wire[]): Wire => {
-    const { from, output, to, input } = link;
-    const id = `${from} ${output} ${to} ${input}`;
-    const source = nodes?.find(({ node }) => node === from);
-    const pin = source && outputsOf(source).find((param) => param.id === output);
-    return {
-      id,
-      source: from,
-      sourceHandle: String(output),
-      target: to,
-      targetHandle: String(input),
-      className: `wire wire-${pin ? sortOf(pin) : "text"}`,
-      selected: kept.some((wire) => wire.id === id && wire.selected),
-      data: { link },
-      domAttributes: { tabindex: 0 }, // the library sets tabIndex, which Preact leaves so spelt and SVG doesn't know
-    };
-  };
-  useEffect(() => setWires((kept) => links.map((link) => draw(link, kept))), [nodes, links]);
-
-  const whyNot = ({ source, sourceHandle, target, targetHandle }: Connection | Edge): string | null => {
-    const from = nodes?.find(({ node }) => node === source);
-    const to = nodes?.find(({ node }) => node === target);
-    const output = from && outputsOf(from).find(({ id }) => String(id) === sourceHandle);
-    const input = to && inputsOf(to).find(({ id }) => String(id) === targetHandle);
-    if (!output || !input) {
-      return t("Links lead from an output to an input.");
-    }
-    const linked = links.some((link) => link.to === target && link.input === input.id);
-    return refusal({ node: source, sort: sortOf(output) }, { node: target, sort: sortOf(input), linked });
-  };
-  const tellRefusal = (_: unknown, { isValid, fromHandle, toHandle }: FinalConnectionState) => {
-    if (isValid === false && fromHandle !== null && toHandle !== null) {
-      const [from, to] = fromHandle.type === "source" ? [fromHandle, toHandle] : [toHandle, fromHandle];
-      setMessage(
-        whyNot({ source: from.nodeId, sourceHandle: from.id ?? null, target: to.nodeId, targetHandle: to.id ?? null }) ?? "",
-      );
-    }
-  };
-
-  const arrangeAnew = () => {
-    const places = arrange((nodes ?? []).map(boxOf), links);
-    setFaces((kept) => kept.map((face) => ({ ...face, position: places.get(face.id) ?? face.position })));
-    requestAnimationFrame(() => void flow.current?.fitView());
-  };
-  /** Keys remove what is chosen only where they are typed: the library would take them from the whole page. */
-  const removeChosen = (event: KeyboardEvent) => {
-    if (event.key === "Delete" || event.key === "Backspace") {
-      event.preventDefault();
-      void remove(
-        faces.filter(({ selected }) => selected),
-        wires.filter(({ selected }) => selected),
-      );
-    }
-  };
-  /** Links of nodes that go anyway go with them. */
-  const remove = async (gone: readonly FaceNode[], cut: readonly Wire[]) => {
-    const ids = new Set(gone.map(({ id }) => id));
-    const left = cut.filter(({ source, target }) => !ids.has(source) && !ids.has(target));
-    const errors = await Promise.all([
-      ...gone.map(({ id }) => host.removeNode(id)),
-      ...left.flatMap(({ data }) => (data ? host.unlink(data.link) : [])),
-    ]);
-    setMessage(errors.filter((error) => error !== null).join(" "));
-  };
+  }, [scene, faces.length > 0]);
 
   // What is chosen here the inspector shows, and it can be chosen from elsewhere.
-  const chosen = faces.filter(({ selected }) => selected).map(({ id }) => id);
+  const chosenFaces = faces.filter(({ selected }) => selected);
+  const chosen = chosenFaces.filter(({ type }) => type === "face").map(({ id }) => id);
   useEffect(() => {
     desk.chosen.value = chosen;
   }, [chosen.join("\n")]);
   useEffect(() => {
-    desk.choose = (ids) => setFaces((kept) => kept.map((face) => ({ ...face, selected: ids.includes(face.id) })));
-  }, [desk]);
+    desk.choose = (ids) => {
+      // Nodes that were just made aren't here yet.
+      wantChosen.current = ids.every((id) => flow.current?.getNode(id)) ? null : ids;
+      setFaces((kept) => kept.map((face) => ({ ...face, selected: ids.includes(face.id) })));
+    };
+    desk.goTo = (id) => {
+      desk.choose([id]);
+      void flow.current?.fitView({ nodes: [{ id }], maxZoom: 1, duration: 200 });
+      pane.current?.querySelector<HTMLElement>(`[data-id="${CSS.escape(id)}"]`)?.focus({ preventScroll: true });
+    };
+    editor.view = {
+      placeOf: (id) => {
+        const face = flow.current?.getNode(id);
+        return { ...(face?.position ?? { x: 0, y: 0 }), ...(face?.type === "face" && face.data.folded && { folded: true }) };
+      },
+      middle: () => {
+        const box = pane.current!.getBoundingClientRect();
+        return flow.current!.screenToFlowPosition({ x: box.x + box.width / 2, y: box.y + box.height / 2 });
+      },
+    };
+  }, [desk, editor]);
+
+  const place = (moved: readonly CanvasNode[]) => {
+    const movedNodes = moved.filter(({ type }) => type === "face").map(({ id }) => [id, editor.view.placeOf(id)]);
+    const movedNotes = moved.flatMap((one) => (one.type === "note" ? [[one.data.id, { ...one.data.note, ...one.position }]] : []));
+    if (moved.length > 0) {
+      void editor.place(Object.fromEntries(movedNodes), Object.fromEntries(movedNotes));
+    }
+  };
+  const keys = useCanvasKeys(editor, {
+    chosenNodes: chosen,
+    chosenNotes: chosenFaces.flatMap((face) => (face.type === "note" ? face.data.id : [])),
+    chosenLinks: wires.flatMap(({ selected, data }) => (selected && data ? data.link : [])),
+    chooseAll: () => setFaces((kept) => kept.map((face) => ({ ...face, selected: true }))),
+    placeChosen: () => place(chosenFaces),
+  });
+
+  const endWire = (event: MouseEvent | TouchEvent, { isValid, fromHandle, toHandle }: FinalConnectionState) => {
+    if (fromHandle === null) {
+      return;
+    }
+    const from = pinOf(fromHandle);
+    if (toHandle !== null) {
+      if (isValid === false) {
+        desk.message.value = editor.whyNot(linkOf(from, pinOf(toHandle))) ?? "";
+      }
+      return;
+    }
+    const { clientX, clientY } = "changedTouches" in event ? event.changedTouches[0]! : event;
+    if (document.elementFromPoint(clientX, clientY)?.classList.contains("react-flow__pane") === true) {
+      editor.palette.value = { at: flow.current!.screenToFlowPosition({ x: clientX, y: clientY }), pin: from };
+    }
+  };
 
   return (
     <>
-      <div class="panel-head graph-head">
-        <NodePalette host={host} onMessage={setMessage} />
-        <button type="button" onClick={arrangeAnew}>
-          {t("Arrange")}
-        </button>
-        <span class="hint" role="status" data-graph-message>
-          {message}
-        </span>
-      </div>
-      <div class="graph" data-graph onKeyDown={removeChosen}>
-        <ReactFlow
+      <CanvasHead
+        editor={editor}
+        faces={faces}
+        onArrange={() => {
+          const places = automatic.arrangeAnew(nodes ?? [], links);
+          setFaces((kept) => kept.map((face) => ({ ...face, position: places.get(face.id) ?? face.position })));
+          requestAnimationFrame(() => void flow.current?.fitView());
+          void editor.place(
+            Object.fromEntries([...places].map(([id, at]) => [id, { ...editor.view.placeOf(id), ...at }])),
+          );
+        }}
+      />
+      <QuestionBar desk={desk} />
+      <div class="graph" data-graph ref={pane} tabIndex={-1} {...keys}>
+        <ReactFlow<CanvasNode, Wire>
           colorMode="system"
-          ariaLabelConfig={ariaLabels()}
           nodes={faces}
           edges={wires}
           nodeTypes={FACES}
+          edgeTypes={WIRES}
           onNodesChange={onFacesChange}
           onEdgesChange={onWiresChange}
-          isValidConnection={(connection) => whyNot(connection) === null}
-          onConnect={async ({ source, sourceHandle, target, targetHandle }) =>
-            setMessage((await host.link(source, Number(sourceHandle), target, Number(targetHandle))) ?? "")
-          }
-          onConnectEnd={tellRefusal}
+          isValidConnection={(connection) => editor.whyNot(asLink(connection)) === null}
+          onConnect={(connection) => void editor.connect(asLink(connection))}
+          onConnectEnd={endWire}
+          onNodeDragStop={(_event, _node, moved) => place(moved)}
+          onSelectionDragStop={(_event, moved) => place(moved)}
           onNodeDoubleClick={(_, { id }) =>
             document.getElementById(`node-${id}`)?.scrollIntoView({ block: "start" })
           }
           onInit={(instance) => (flow.current = instance)}
           deleteKeyCode={null}
           panActivationKeyCode={null}
-          selectionKeyCode={null}
+          selectionKeyCode="Shift"
+          selectionMode={SelectionMode.Partial}
+          multiSelectionKeyCode={["Control", "Meta"]}
+          zoomOnDoubleClick={false}
+          nodeDragThreshold={2}
           minZoom={0.1}
           fitView
+          ariaLabelConfig={ariaLabels()}
         >
           <Background />
           <Controls showInteractive={false} />
-          <MiniMap pannable zoomable />
+          <MiniMap pannable zoomable style={{ width: 120, height: 80 }} />
         </ReactFlow>
+        {nodes?.length === 0 && faces.length === 0 && <EmptyScene editor={editor} />}
+        {editor.palette.value !== null && <Palette editor={editor} call={editor.palette.value} />}
       </div>
+      <Outline host={host} />
     </>
   );
 }
 
-function Face({ data: { host, node } }: NodeProps<FaceNode>) {
-  const icon = iconOf(node.type);
-  return (
-    <div class="face" data-face={node.node}>
-      <header class="face-head">
-        {icon !== null && <img src={icon} alt="" width="22" height="22" />}
-        <strong>{node.graph}</strong>
-      </header>
-      <div class="face-pins">
-        <div>
-          {inputsOf(node).map((param) => (
-            <div class="face-pin" key={param.id} title={`${param.name}, ${param.id}`}>
-              <Handle type="target" position={Position.Left} id={String(param.id)} className={`pin pin-${sortOf(param)}`} />
-              <span class="face-name">{param.display}</span>
-            </div>
-          ))}
-        </div>
-        <div>
-          {outputsOf(node).map((param) => (
-            <div class="face-pin face-output" key={param.id} title={`${param.name}, ${param.id}`}>
-              <OutputState host={host} node={node.node} param={param} />
-              <span class="face-name">{param.display}</span>
-              <Handle type="source" position={Position.Right} id={String(param.id)} className={`pin pin-${sortOf(param)}`} />
-            </div>
-          ))}
-        </div>
-      </div>
-    </div>
-  );
+function faceOf(editor: Editor, node: NodeView, automatic: { x: number; y: number }): FaceNode {
+  const { x, y, folded = false } = node.place ?? { ...automatic };
+  return {
+    id: node.node,
+    type: "face",
+    position: { x, y },
+    data: { editor, node, folded },
+    ariaLabel: `${node.graph}, ${node.details.name}`,
+    initialWidth: boxOf(node).width,
+    initialHeight: boxOf(node).height,
+  };
 }
 
-/** What an output shows right now: how often it fired, or its value. */
-function OutputState({ host, node, param }: { host: Host; node: string; param: Param }) {
-  if (sortOf(param) === "event") {
-    const { count } = host.fired.of(node, param.id).value;
-    return (
-      <span class={count > 0 ? "face-value fired" : "face-value"} data-face-count={count}>
-        {/* A new key makes a new element, whose flash starts afresh. */}
-        <span class="event-lamp" key={count} aria-hidden="true" /> {count}
-      </span>
-    );
-  }
-  return (
-    <span class="face-value">
-      <LongText {...shownValue(param, host.values.of(node, param.id).value)} />
-    </span>
-  );
+function notesOf(editor: Editor, notes: Host["notes"]["value"]): NoteNode[] {
+  return Object.entries(notes).map(([id, note]) => ({
+    id: `note:${id}`,
+    type: "note",
+    position: { x: note.x, y: note.y },
+    width: note.width,
+    height: note.height,
+    data: { editor, id, note },
+    zIndex: -1,
+    ariaLabel: t("Note"),
+  }));
 }
 
-const FACES = { face: Face };
+function wireOf(host: Host, nodes: readonly NodeView[], link: Link, chosen: ReadonlySet<string>): Wire {
+  const { from, output, to, input } = link;
+  const id = `${from} ${output} ${to} ${input}`;
+  const [source, target] = [nodes.find(({ node }) => node === from), nodes.find(({ node }) => node === to)];
+  const outputParam = source && outputsOf(source).find((param) => param.id === output);
+  const inputParam = target && inputsOf(target).find((param) => param.id === input);
+  return {
+    id,
+    type: "wire",
+    source: from,
+    sourceHandle: String(output),
+    target: to,
+    targetHandle: String(input),
+    className: `wire wire-${outputParam ? sortOf(outputParam) : "text"}`,
+    selected: chosen.has(id),
+    data: { host, link, output: outputParam, conversion: outputParam && inputParam ? conversion(outputParam, inputParam) : null },
+    domAttributes: { tabindex: 0 }, // the library sets tabIndex, which Preact leaves so spelt and SVG doesn't know
+  };
+}
+
+function asLink({ source, sourceHandle, target, targetHandle }: Connection | Edge): Link {
+  return { from: source, output: Number(sourceHandle), to: target, input: Number(targetHandle) };
+}
+
+function pinOf(handle: NonNullable<FinalConnectionState["fromHandle"]>): Pin {
+  return { node: handle.nodeId, id: Number(handle.id), is: handle.type === "source" ? "output" : "input" };
+}

@@ -1,4 +1,6 @@
 import dagre from "@dagrejs/dagre";
+import type { NodeView } from "../host.ts";
+import { inputsOf, outputsOf } from "../nodePins.ts";
 import type { Link } from "../protocol.ts";
 
 export interface Box {
@@ -13,43 +15,110 @@ export interface Place {
 }
 
 const GAP = 24;
-const WIDEST_ROW = 1600;
 const RANK_GAP = 96;
+/** Of the whole, as of most canvases. */
+const WIDTH_TO_HEIGHT = 2;
 
-/**
- * Upper left corners: nodes with links from sources on the left to what they feed on the right, and those without in
- * rows below.
- */
+interface Block {
+  width: number;
+  height: number;
+  places: Map<string, Place>;
+}
+
+/** Upper left corners: linked nodes stand together, from sources on the left to what they feed on the right, in rows. */
 export function arrange(boxes: readonly Box[], links: readonly Link[]): Map<string, Place> {
-  const linked = new Set(links.flatMap(({ from, to }) => [from, to]));
+  const blocks = linkedTogether(boxes, links).map((together) => blockOf(together, links));
+  const area = blocks.reduce((sum, { width, height }) => sum + (width + RANK_GAP) * (height + RANK_GAP), 0);
+  const wide = Math.max(Math.sqrt(WIDTH_TO_HEIGHT * area), ...blocks.map(({ width }) => width));
+  const places = new Map<string, Place>();
+  let next = { x: 0, y: 0 };
+  let rowHeight = 0;
+  for (const block of blocks) {
+    if (next.x > 0 && next.x + block.width > wide) {
+      next = { x: 0, y: next.y + rowHeight + RANK_GAP };
+      rowHeight = 0;
+    }
+    for (const [id, { x, y }] of block.places) {
+      places.set(id, { x: next.x + x, y: next.y + y });
+    }
+    next.x += block.width + (block.places.size > 1 ? RANK_GAP : GAP);
+    rowHeight = Math.max(rowHeight, block.height);
+  }
+  return places;
+}
+
+/** The boxes in groups that no link leads out of, the largest group first. */
+function linkedTogether(boxes: readonly Box[], links: readonly Link[]): Box[][] {
+  const groups = new Map(boxes.map((box) => [box.id, [box]]));
+  for (const { from, to } of links) {
+    const [one, other] = [groups.get(from)!, groups.get(to)!];
+    if (one !== other) {
+      one.push(...other);
+      other.forEach(({ id }) => groups.set(id, one));
+    }
+  }
+  return [...new Set(groups.values())].sort((a, b) => b.length - a.length);
+}
+
+function blockOf(boxes: readonly Box[], links: readonly Link[]): Block {
   const graph = new dagre.graphlib.Graph({ multigraph: true });
   graph.setGraph({ rankdir: "LR", nodesep: GAP, ranksep: RANK_GAP });
-  for (const { id, width, height } of boxes.filter(({ id }) => linked.has(id))) {
+  const ids = new Set(boxes.map(({ id }) => id));
+  for (const { id, width, height } of boxes) {
     graph.setNode(id, { width, height });
   }
-  for (const { from, output, to, input } of links) {
+  for (const { from, output, to, input } of links.filter((link) => ids.has(link.from))) {
     graph.setEdge(from, to, {}, `${output} ${input}`);
   }
   dagre.layout(graph);
+  const { width = 0, height = 0 } = graph.graph();
+  const places = boxes.map((box): [string, Place] => {
+    const { x, y } = graph.node(box.id);
+    return [box.id, { x: x - box.width / 2, y: y - box.height / 2 }];
+  });
+  return { width, height, places: new Map(places) };
+}
 
-  const places = new Map<string, Place>();
-  const { width: rowWidth = 0, height: top = 0 } = graph.graph();
-  const wide = Math.max(rowWidth, top, WIDEST_ROW);
-  let next = { x: 0, y: linked.size > 0 ? top + RANK_GAP : 0 };
-  let rowHeight = 0;
-  for (const { id, width, height } of boxes) {
-    if (linked.has(id)) {
-      const { x, y } = graph.node(id);
-      places.set(id, { x: x - width / 2, y: y - height / 2 });
-      continue;
-    }
-    if (next.x > 0 && next.x + width > wide) {
-      next = { x: 0, y: next.y + rowHeight + GAP };
-      rowHeight = 0;
-    }
-    places.set(id, { ...next });
-    next.x += width + GAP;
-    rowHeight = Math.max(rowHeight, height);
+// As the style sheet draws them.
+const WIDTH = 300;
+const HEAD_HEIGHT = 42;
+const FOOT_HEIGHT = 24;
+const PIN_HEIGHT = 20;
+
+export function boxOf(node: NodeView): Box {
+  const rows = Math.max(inputsOf(node).length, outputsOf(node).length);
+  return { id: node.node, width: WIDTH, height: HEAD_HEIGHT + PIN_HEIGHT * rows + FOOT_HEIGHT };
+}
+
+/** Where nodes stand that nobody has placed: this page's alone. */
+export class AutomaticPlaces {
+  #places = new Map<string, Place>();
+  /** Grows when another scene comes, of which no node was there before. */
+  scene = 0;
+
+  of(node: string): Place {
+    return this.#places.get(node) ?? { x: 0, y: 0 };
   }
-  return places;
+
+  /** Nodes that are new stand below the others; those of another scene are arranged. */
+  follow(nodes: readonly NodeView[], links: readonly Link[]): void {
+    const staying = nodes.filter(({ node }) => this.#places.has(node));
+    if (staying.length === 0) {
+      ++this.scene;
+      this.arrangeAnew(nodes, links);
+      return;
+    }
+    const kept = new Map(staying.map(({ node }) => [node, this.of(node)]));
+    let below = Math.max(...staying.map((node) => (node.place ?? this.of(node.node)).y + boxOf(node).height));
+    for (const node of nodes.filter((one) => !kept.has(one.node))) {
+      kept.set(node.node, { x: 0, y: below + GAP });
+      below += GAP + boxOf(node).height;
+    }
+    this.#places = kept;
+  }
+
+  arrangeAnew(nodes: readonly NodeView[], links: readonly Link[]): ReadonlyMap<string, Place> {
+    this.#places = arrange(nodes.map(boxOf), links);
+    return this.#places;
+  }
 }

@@ -35,7 +35,7 @@ export function ConnectionLamp({ host }: { host: Host }) {
         </span>
       )}
       <span class="connection">
-        <span data-connection={stalled ? "stalled" : state.is} role="status">
+        <span data-connection={stalled ? "stalled" : state.is} role="status" title={lampTitle(state)}>
           <span class={`lamp lamp-${stalled ? "stalled" : state.is}`} aria-hidden="true" />
           {lampText(state)}
         </span>
@@ -53,12 +53,16 @@ export function ConnectionLamp({ host }: { host: Host }) {
 function lampText(state: ConnectionState): string {
   switch (state.is) {
     case "open":
-      return t("Connected to {address} · {fps} frames/s · version {version}", state);
+      return t("Connected");
     case "connecting":
       return t("Connecting…");
     case "lost":
       return t("Not connected");
   }
+}
+
+function lampTitle(state: ConnectionState): string | undefined {
+  return state.is === "open" ? t("Connected to {address} · {fps} frames/s · version {version}", state) : undefined;
 }
 
 /** Across the page while there is no connection: nothing that is done then reaches the nodes. */

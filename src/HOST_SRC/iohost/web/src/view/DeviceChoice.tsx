@@ -32,7 +32,7 @@ export function DeviceChoice({ host, node, param, otherwise, onEdit }: DeviceCho
     const name = inputs.flatMap(({ params }) => params).find((one) => one.name === "DevName");
     const device = devices.find(({ id }) => String(id) === value);
     if (name !== undefined && device !== undefined) {
-      void host.edit(node, name.id, { string: device.name });
+      void host.requests.change({ op: "edit", node, param: name.id, string: device.name });
     }
   };
   return (

@@ -33,7 +33,7 @@ export function KeyboardPanel({ host }: PanelProps) {
       clear: () => {
         setLastName(null);
         if (targetNode.current !== undefined) {
-          void host.trigger(targetNode.current, TextFieldPin.clear);
+          void host.requests.trigger(targetNode.current, TextFieldPin.clear);
         }
       },
       toggleCapsLock: () => host.keyboard.setToggled(VirtualKey.capsLock, !host.keyboard.isToggled(VirtualKey.capsLock)),

@@ -1,3 +1,5 @@
+import { useContext } from "preact/hooks";
+import { DeskContext } from "../desk.ts";
 import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { ParamGroup } from "../messages.ts";
@@ -11,12 +13,21 @@ function nodeOf(host: Host, handle: string): NodeView | undefined {
   return host.nodes.value?.find(({ node }) => node === handle);
 }
 
-function showCard(handle: string): void {
-  document.getElementById(`node-${handle}`)?.scrollIntoView({ block: "start" });
+/** Leads to a node: to its card, or on the canvas where other nodes' cards are shown alone. */
+function useShow(): (handle: string) => void {
+  const desk = useContext(DeskContext);
+  return (handle) => {
+    if (desk.chosen.peek().length > 0) {
+      desk.goTo(handle);
+    } else {
+      document.getElementById(`node-${handle}`)?.scrollIntoView({ block: "start" });
+    }
+  };
 }
 
 /** What an output feeds. */
 export function LinkTargets({ host, node, output }: { host: Host; node: string; output: number }) {
+  const show = useShow();
   const links = host.links.value.filter((link) => link.from === node && link.output === output);
   return links.map((link) => {
     const target = nodeOf(host, link.to);
@@ -28,7 +39,7 @@ export function LinkTargets({ host, node, output }: { host: Host; node: string; 
           key={`${link.to} ${link.input}`}
           data-link-to={link.to}
           title={t("Goes to {node}, {pin}", { node: target.graph, pin: pinName(target.details.inputs, link.input) })}
-          onClick={() => showCard(link.to)}
+          onClick={() => show(link.to)}
         >
           → {target.graph} · {pinName(target.details.inputs, link.input)}
         </button>
@@ -39,21 +50,33 @@ export function LinkTargets({ host, node, output }: { host: Host; node: string; 
 
 /** What feeds an input. */
 export function LinkSources({ host, node, input }: { host: Host; node: string; input: number }) {
+  const show = useShow();
   const links = host.links.value.filter((link) => link.to === node && link.input === input);
   return links.map((link) => {
     const source = nodeOf(host, link.from);
     return (
       source !== undefined && (
-        <button
-          type="button"
-          class="link"
-          key={`${link.from} ${link.output}`}
-          data-link-from={link.from}
-          title={t("Comes from {node}, {pin}", { node: source.graph, pin: pinName(source.details.outputs, link.output) })}
-          onClick={() => showCard(link.from)}
-        >
-          ← {source.graph} · {pinName(source.details.outputs, link.output)}
-        </button>
+        <span class="link-source" key={`${link.from} ${link.output}`}>
+          <button
+            type="button"
+            class="link"
+            data-link-from={link.from}
+            title={t("Comes from {node}, {pin}", { node: source.graph, pin: pinName(source.details.outputs, link.output) })}
+            onClick={() => show(link.from)}
+          >
+            ← {source.graph} · {pinName(source.details.outputs, link.output)}
+          </button>
+          <button
+            type="button"
+            class="icon-button"
+            title={t("Unlink")}
+            aria-label={t("Unlink from {node}", { node: source.graph })}
+            data-unlink={link.from}
+            onClick={() => void host.requests.change({ op: "unlink", ...link })}
+          >
+            ×
+          </button>
+        </span>
       )
     );
   });

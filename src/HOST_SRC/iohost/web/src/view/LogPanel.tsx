@@ -3,6 +3,7 @@ import { useEffect, useMemo, useRef, useState } from "preact/hooks";
 import { timeOfDay } from "../format.ts";
 import { language, t, type Label } from "../i18n.ts";
 import { filterLog, levelName, LogLevel, type LevelFilter, type LogLine } from "../log.ts";
+import { nodeOfLine } from "../logNodes.ts";
 import "./log.css";
 import { LongText } from "./LongText.tsx";
 import type { PanelProps } from "./panels.ts";
@@ -16,7 +17,7 @@ const FILTERS: readonly { label: Label; level: LevelFilter }[] = [
 /** Scrolled this near to its end, the log keeps following its newest line. */
 const FOLLOW_DISTANCE_PX = 24;
 
-export function LogPanel({ host }: PanelProps) {
+export function LogPanel({ host, desk }: PanelProps) {
   const [level, setLevel] = useState<LevelFilter>(null);
   const [search, setSearch] = useState("");
   const [paused, setPaused] = useState<{ lines: readonly LogLine[]; count: number } | null>(null);
@@ -34,6 +35,27 @@ export function LogPanel({ host }: PanelProps) {
     }
   }, [shown]);
 
+  /** Leads to the node that a line tells of. */
+  const goTo = (number: number | null) => {
+    const line = shown.find((one) => one.number === number);
+    const node = line && nodeOfLine(line.text, host.nodes.peek() ?? []);
+    if (node != null) {
+      desk.goTo(node);
+    }
+  };
+  const [marked, setMarked] = useState<number | null>(null);
+  const step = (event: KeyboardEvent) => {
+    const by = { ArrowDown: 1, ArrowUp: -1 }[event.key];
+    if (by !== undefined) {
+      event.preventDefault();
+      const index = shown.findIndex(({ number }) => number === marked);
+      const next = index < 0 ? shown.length - 1 : Math.max(0, Math.min(shown.length - 1, index + by));
+      setMarked(shown[next]?.number ?? null);
+      list.current?.querySelectorAll("[data-line]")[next]?.scrollIntoView({ block: "nearest" });
+    } else if (event.key === "Enter") {
+      goTo(marked);
+    }
+  };
   const clear = () => {
     host.clearLog();
     setPaused(paused && { lines: [], count: live.count });
@@ -82,22 +104,34 @@ export function LogPanel({ host }: PanelProps) {
         aria-label={t("Log lines")}
         aria-live="off"
         data-log
+        title={t("A click on a line leads to its node; so do arrow keys and Enter.")}
+        onKeyDown={step}
+        onClick={({ target }) => {
+          const line = (target as Element).closest("[data-line]")?.getAttribute("data-line");
+          if (line != null && getSelection()?.isCollapsed !== false) {
+            goTo(Number(line));
+          }
+        }}
         onScroll={({ currentTarget: { scrollTop, scrollHeight, clientHeight } }) => {
           follows.current = scrollHeight - scrollTop - clientHeight < FOLLOW_DISTANCE_PX;
         }}
       >
         {shown.length === 0 && <p class="empty">{lines.length === 0 ? t("Nothing logged yet.") : t("No line fits.")}</p>}
         {shown.map((line) => (
-          <Line key={line.number} line={line} />
+          <Line key={line.number} line={line} isMarked={line.number === marked} />
         ))}
       </div>
     </>
   );
 }
 
-const Line = memo(function Line({ line }: { line: LogLine }) {
+const Line = memo(function Line({ line, isMarked }: { line: LogLine; isMarked: boolean }) {
   return (
-    <div class={line.level === LogLevel.error ? "line line-error" : "line"} data-log-level={line.level}>
+    <div
+      class={`line${line.level === LogLevel.error ? " line-error" : ""}${isMarked ? " line-marked" : ""}`}
+      data-log-level={line.level}
+      data-line={line.number}
+    >
       <time>{timeOfDay(line.time)}</time>
       <span class="line-level">{levelName(line.level)}</span>
       {line.english !== undefined && language.value === "en" ? (

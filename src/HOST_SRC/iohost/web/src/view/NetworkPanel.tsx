@@ -1,13 +1,18 @@
 import type { ComponentChildren } from "preact";
+import { useState } from "preact/hooks";
+import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import { errorsText, pairedHex, queueText, rejectedText, stateText, type ErrorCounts } from "../network.ts";
 import type { BroadcastState, ControlState, DeviceState, ItemCounts, MessageBytes } from "../protocol.ts";
+import { DeviceForm } from "./DeviceForm.tsx";
+import { DeviceTools } from "./DeviceTools.tsx";
 import "./network.css";
 import type { PanelProps } from "./panels.ts";
 
 /** The play-control devices, and what other hosts send to this one. */
 export function NetworkPanel({ host, shown }: PanelProps) {
   const network = host.network.value;
+  const [isAdding, setAdding] = useState(false);
   if (!shown || network === null) {
     return null;
   }
@@ -31,11 +36,21 @@ export function NetworkPanel({ host, shown }: PanelProps) {
             ? t("What nodes send to devices is shown here and goes nowhere. Broadcasts go out all the same.")
             : t("What nodes send to devices goes out.")}
         </span>
+        {!isAdding && (
+          <button type="button" class="quiet" onClick={() => setAdding(true)}>
+            {t("Add device")}
+          </button>
+        )}
       </div>
       <div class="network">
+        {isAdding && (
+          <article class="peer">
+            <DeviceForm host={host} device={null} onDone={() => setAdding(false)} />
+          </article>
+        )}
         {devices === null && <p class="empty">{t("The scene has no list of devices.")}</p>}
         {devices?.length === 0 && <p class="empty">{t("The scene's list of devices is empty.")}</p>}
-        {devices?.map((device, index) => <Device key={index} device={device} told={network.told} />)}
+        {devices?.map((device, index) => <Device key={index} host={host} device={device} told={network.told} />)}
         {broadcast !== null && <Broadcasts state={broadcast} />}
         {control !== null && <Control state={control} />}
       </div>
@@ -43,7 +58,7 @@ export function NetworkPanel({ host, shown }: PanelProps) {
   );
 }
 
-function Device({ device, told }: { device: DeviceState; told: number }) {
+function Device({ host, device, told }: { host: Host; device: DeviceState; told: number }) {
   const lamp = { connected: "lamp lamp-open", waiting: "lamp lamp-lost", connecting: "lamp", unconnected: "lamp" };
   return (
     <Peer id={`device-${device.id}`} title={`${device.id} · ${device.name}`} lamp={lamp[device.state]}>
@@ -72,6 +87,7 @@ function Device({ device, told }: { device: DeviceState; told: number }) {
         bytes={device.last_sent_bytes}
       />
       <Bytes label={t("Last received")} field="received-bytes" bytes={device.last_received_bytes} />
+      <DeviceTools host={host} device={device} />
     </Peer>
   );
 }

@@ -21,11 +21,12 @@ interface EditorProps {
 }
 
 /** An input of a node with the control that fits its type. */
-export function ParamEditor({ host, node, param }: EditorProps) {
+export function ParamEditor({ host, node, param: present }: EditorProps) {
+  const param = useFed(host, node, present);
   const [error, setError] = useState<string | null>(null);
   const kind = kindOf(param);
-  const edit = async (value: EditValue) => setError(await host.edit(node, param.id, value));
-  const trigger = async () => setError(await host.trigger(node, param.id));
+  const edit = async (value: EditValue) => setError(await host.requests.change({ op: "edit", node, param: param.id, ...value }));
+  const trigger = async () => setError(await host.requests.trigger(node, param.id));
   const common = { node, param, onError: setError };
 
   let control: ComponentChildren;
@@ -78,6 +79,17 @@ export function ParamEditor({ host, node, param }: EditorProps) {
       )}
     </Frame>
   );
+}
+
+/** A value input that is linked can't be changed by hand: it shows what its source brings. */
+function useFed(host: Host, node: string, param: Param): Param {
+  const link = kindOf(param) === "event" ? undefined : host.links.value.find(({ to, input }) => to === node && input === param.id);
+  if (link === undefined) {
+    return param;
+  }
+  const { int, float, string, length } = host.values.of(link.from, link.output).value;
+  const { length: _, ...rest } = param;
+  return { ...rest, int, float, string, ...(length !== undefined && { length }), available: 0 };
 }
 
 /**

@@ -7,6 +7,7 @@ import { KeyboardPanel } from "./KeyboardPanel.tsx";
 import { lazyView } from "./lazyView.tsx";
 import { LogPanel } from "./LogPanel.tsx";
 import { NetworkPanel } from "./NetworkPanel.tsx";
+import { ObjectsPanel } from "./ObjectsPanel.tsx";
 
 export interface PanelProps {
   host: Host;
@@ -32,4 +33,5 @@ export const PANELS: readonly Panel[] = [
   { id: "hands", title: "VR hands", View: lazyView(async () => (await import("../vr/HandsView.tsx")).HandsView), height: "56%" },
   { id: "network", title: "Network", View: NetworkPanel, height: "46%" },
   { id: "json", title: "JSON texts", View: JsonPanel },
+  { id: "objects", title: "Objects", View: ObjectsPanel },
 ];

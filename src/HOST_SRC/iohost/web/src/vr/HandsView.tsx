@@ -353,7 +353,7 @@ function FollowerLine({ host, follower: { node, clip, name } }: { host: Host; fo
         <>
           {`: ${t("no object “{name}”", { name })} `}
           {clip !== null && (
-            <button type="button" class="link" onClick={() => host.addObject(clip, name)}>
+            <button type="button" class="link" onClick={() => void host.requests.change({ op: "object", clip, name })}>
               {t("Add it")}
             </button>
           )}

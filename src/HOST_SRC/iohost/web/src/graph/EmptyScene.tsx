@@ -1,0 +1,31 @@
+import { t } from "../i18n.ts";
+import type { Editor } from "./editor.ts";
+import { starts } from "./starts.ts";
+
+const DEMO = "demo.json";
+
+/** What an empty scene can begin with, and how nodes are wired. */
+export function EmptyScene({ editor }: { editor: Editor }) {
+  const { requests } = editor.host;
+  return (
+    <div class="empty-scene" data-empty-scene>
+      <h2>{t("Start from")}</h2>
+      <div class="empty-starts">
+        <button type="button" onClick={async () => editor.desk.tell(await requests.load(DEMO), "")}>
+          {t("demo")}
+        </button>
+        {starts().map(({ name, changes }) => (
+          <button
+            type="button"
+            key={name}
+            data-start={name}
+            onClick={async () => editor.desk.tell(await requests.batch("Add a start", changes), "")}
+          >
+            {name}
+          </button>
+        ))}
+      </div>
+      <p>{t("Or add a node with Ctrl+K. Drag from a pin on its right to a pin on another node's left to wire them.")}</p>
+    </div>
+  );
+}

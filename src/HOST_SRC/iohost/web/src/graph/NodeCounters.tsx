@@ -1,0 +1,29 @@
+import type { Host, NodeView } from "../host.ts";
+import { t } from "../i18n.ts";
+import type { Counters } from "../messages.ts";
+import { outputsOf } from "../nodePins.ts";
+import { sortOf } from "./wiring.ts";
+
+/** How often a node did what, in one line. */
+export function NodeCounters({ host, node }: { host: Host; node: NodeView }) {
+  const events = outputsOf(node).filter((param) => sortOf(param) === "event");
+  const fired = events.reduce((sum, { id }) => sum + host.fired.of(node.node, id).value.count, 0);
+  const counters = host.counters.of(node.node).value;
+  return (
+    <p class="face-counters" data-counters>
+      {counterTexts(counters ?? { fired }).join(" · ")}
+    </p>
+  );
+}
+
+/** Those that count something, and how often it fired in any case. */
+function counterTexts({ fired = 0, received = 0, matched = 0, rejected = 0, sent = 0, dropped = 0 }: Partial<Counters>): string[] {
+  const texts = [
+    { count: received, text: t("received {count}", { count: received }) },
+    { count: matched, text: t("matched {count}", { count: matched }) },
+    { count: rejected, text: t("rejected {count}", { count: rejected }) },
+    { count: sent, text: t("sent {count}", { count: sent }) },
+    { count: dropped, text: t("dropped {count}", { count: dropped }) },
+  ];
+  return [t("fired {count}", { count: fired }), ...texts.filter(({ count }) => count > 0).map(({ text }) => text)];
+}

@@ -1,0 +1,38 @@
+import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
+import { inputsOf, outputsOf, pinText } from "../nodePins.ts";
+
+/** The graph as a list, for who can't see it: each node with what its inputs come from. */
+export function Outline({ host }: { host: Host }) {
+  const nodes = host.nodes.value ?? [];
+  const links = host.links.value;
+  return (
+    <section class="screen-reader" aria-label={t("Outline of the graph")} data-outline>
+      <ul>
+        {nodes.map((node) => (
+          <li key={node.node}>
+            {node.graph}, {node.details.name}
+            <ul>
+              {links
+                .filter(({ to }) => to === node.node)
+                .flatMap((link) => {
+                  const source = nodes.find((one) => one.node === link.from);
+                  const input = inputsOf(node).find(({ id }) => id === link.input);
+                  return source === undefined || input === undefined ? (
+                    []
+                  ) : (
+                    <li key={`${link.from} ${link.output} ${link.input}`}>
+                      {t("{input} from {output}", {
+                        input: input.display,
+                        output: pinText(source, outputsOf(source), link.output),
+                      })}
+                    </li>
+                  );
+                })}
+            </ul>
+          </li>
+        ))}
+      </ul>
+    </section>
+  );
+}

@@ -1,0 +1,68 @@
+import { BaseEdge, EdgeLabelRenderer, getBezierPath, type Edge, type EdgeProps } from "@xyflow/react";
+import { useRef, useState } from "preact/hooks";
+import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
+import type { Param } from "../messages.ts";
+import { shownValue } from "../params.ts";
+import type { Link } from "../protocol.ts";
+import { LongText } from "../view/LongText.tsx";
+import { sortOf } from "./wiring.ts";
+
+/** What a wire carries; a scene may hold links of pins that the node doesn't have now. */
+export type Wire = Edge<{ host: Host; link: Link; output: Param | undefined; conversion: string | null }, "wire">;
+
+/** A wire that lights when something runs through it, and tells what when it's pointed at or chosen. */
+export function WireEdge({ id, sourceX, sourceY, targetX, targetY, sourcePosition, targetPosition, selected, data }: EdgeProps<Wire>) {
+  const [isPointedAt, setPointedAt] = useState(false);
+  const [path, x, y] = getBezierPath({ sourceX, sourceY, sourcePosition, targetX, targetY, targetPosition });
+  const { host, link, output, conversion } = data!;
+  return (
+    <g onMouseEnter={() => setPointedAt(true)} onMouseLeave={() => setPointedAt(false)}>
+      <BaseEdge id={id} path={path} interactionWidth={14} />
+      {output !== undefined && <Pulse host={host} link={link} output={output} path={path} />}
+      <EdgeLabelRenderer>
+        <div class="wire-label" style={{ transform: `translate(-50%, -50%) translate(${x}px, ${y}px)` }}>
+          {conversion !== null && (
+            <span class="wire-conversion" title={conversion}>
+              ≈
+            </span>
+          )}
+          {output !== undefined && (isPointedAt || selected === true) && <WireValue host={host} link={link} output={output} />}
+        </div>
+      </EdgeLabelRenderer>
+    </g>
+  );
+}
+
+interface Carried {
+  host: Host;
+  link: Link;
+  output: Param;
+}
+
+/** Stays dark for what ran before it was drawn. */
+function Pulse({ host, link, output, path }: Carried & { path: string }) {
+  const passed = sortOf(output) === "event" ? host.fired.of(link.from, output.id).value.count : host.values.of(link.from, output.id).value;
+  const first = useRef(passed);
+  const beats = useRef({ passed, count: 0 });
+  if (beats.current.passed !== passed) {
+    beats.current = { passed, count: beats.current.count + 1 };
+  }
+  return passed === first.current ? null : (
+    // A new key makes a new element, whose flash starts afresh.
+    <path class="wire-pulse" key={beats.current.count} d={path} data-pulse={beats.current.count} />
+  );
+}
+
+function WireValue({ host, link, output }: Carried) {
+  const isEvent = sortOf(output) === "event";
+  return (
+    <span class="wire-value" data-wire-value>
+      {isEvent ? (
+        t("{count} times", { count: host.fired.of(link.from, output.id).value.count })
+      ) : (
+        <LongText {...shownValue(output, host.values.of(link.from, output.id).value)} />
+      )}
+    </span>
+  );
+}

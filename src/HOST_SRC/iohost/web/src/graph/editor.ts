@@ -1,0 +1,231 @@
+import { signal } from "@preact/signals";
+import type { Desk } from "../desk.ts";
+import type { Host, NodeView } from "../host.ts";
+import { t } from "../i18n.ts";
+import { inputsOf, outputsOf, pinText } from "../nodePins.ts";
+import type { Link, Note, OfferedType, Place } from "../protocol.ts";
+import type { Change } from "../requests.ts";
+import { copyOf, keepClipping, pasteOf, readClipping } from "./clipboard.ts";
+import { kindOfType } from "./nodeKinds.ts";
+import { freeName, refusal, sortOf } from "./wiring.ts";
+
+/** A pin at which a wire begins. */
+export interface Pin {
+  node: string;
+  id: number;
+  is: "output" | "input";
+}
+
+/** What the palette was opened for. */
+export interface PaletteCall {
+  /** Where the new node goes, on the canvas; null: in the middle of what is seen. */
+  at: Place | null;
+  /** The pin that the new node is wired to. */
+  pin: Pin | null;
+}
+
+/** What the canvas shows. */
+export interface View {
+  placeOf(node: string): Place;
+  middle(): Place;
+}
+
+const PASTE_OFFSET = 40;
+
+/** What is done to the scene on the canvas: each a request, or a batch of them that is one step. */
+export class Editor {
+  readonly host: Host;
+  readonly desk: Desk;
+  readonly palette = signal<PaletteCall | null>(null);
+  /** The pin at which a wire was begun by keys. */
+  readonly begun = signal<Pin | null>(null);
+  /** The node whose name is being changed. */
+  readonly renaming = signal<string | null>(null);
+  view: View = { placeOf: () => ({ x: 0, y: 0 }), middle: () => ({ x: 0, y: 0 }) };
+
+  constructor(host: Host, desk: Desk) {
+    this.host = host;
+    this.desk = desk;
+  }
+
+  node(handle: string): NodeView | undefined {
+    return this.host.nodes.peek()?.find(({ node }) => node === handle);
+  }
+
+  /** Why there can't be such a link; null when there can. */
+  whyNot({ from, output, to, input }: Link): string | null {
+    const [source, target] = [this.node(from), this.node(to)];
+    const outputParam = source && outputsOf(source).find(({ id }) => id === output);
+    const inputParam = target && inputsOf(target).find(({ id }) => id === input);
+    return outputParam && inputParam
+      ? refusal({ node: from, param: outputParam }, { node: to, param: inputParam })
+      : t("Links lead from an output to an input.");
+  }
+
+  /** Links; asks first where a value's present source would have to go. */
+  async connect(link: Link): Promise<void> {
+    const refused = this.whyNot(link);
+    if (refused !== null) {
+      this.desk.message.value = refused;
+      return;
+    }
+    const [source, target] = [this.node(link.from)!, this.node(link.to)!];
+    const names = { from: pinText(source, outputsOf(source), link.output), to: pinText(target, inputsOf(target), link.input) };
+    const isValue = sortOf(inputsOf(target).find(({ id }) => id === link.input)!) !== "event";
+    const present = this.host.links.peek().find(({ to, input }) => to === link.to && input === link.input);
+    const presentSource = present && this.node(present.from);
+    if (isValue && present !== undefined && presentSource !== undefined) {
+      if (present.from === link.from && present.output === link.output) {
+        return;
+      }
+      this.desk.question.value = {
+        text: t("{to} takes its value from {present}. Take {from} instead?", {
+          ...names,
+          present: pinText(presentSource, outputsOf(presentSource), present.output),
+        }),
+        yes: t("Replace"),
+        act: async () => {
+          const changes: Change[] = [{ op: "unlink", ...present }, { op: "link", ...link }];
+          const error = await this.host.requests.batch(`Link ${names.from} to ${names.to}`, changes);
+          this.desk.tell(error, t("{from} now leads to {to}.", names));
+        },
+      };
+      return;
+    }
+    this.desk.tell(await this.host.requests.change({ op: "link", ...link }), t("{from} now leads to {to}.", names));
+  }
+
+  async unlink(link: Link): Promise<void> {
+    this.desk.tell(await this.host.requests.change({ op: "unlink", ...link }), "");
+  }
+
+  /** Begins a wire at a pin, or ends there the one that was begun. */
+  usePin(pin: Pin): void {
+    const begun = this.begun.peek();
+    if (begun === null || begun.is === pin.is) {
+      this.begun.value = pin;
+      const node = this.node(pin.node)!;
+      const name = pinText(node, pin.is === "output" ? outputsOf(node) : inputsOf(node), pin.id);
+      this.desk.message.value = t("Wire from {pin}: Tab to a pin that fits and press Enter there, or Escape.", { pin: name });
+      return;
+    }
+    this.begun.value = null;
+    void this.connect(linkOf(begun, pin));
+  }
+
+  giveUp(): void {
+    if (this.begun.peek() !== null) {
+      this.begun.value = null;
+      this.desk.message.value = "";
+    }
+  }
+
+  /** Whether the wire that was begun by keys can end at this pin. */
+  canEnd(pin: Pin): boolean {
+    const begun = this.begun.value;
+    return begun !== null && begun.is !== pin.is && this.whyNot(linkOf(begun, pin)) === null;
+  }
+
+  /** Adds a node, and wires it where the palette was opened from a pin. */
+  async add(type: OfferedType, { at, pin }: PaletteCall): Promise<void> {
+    const nodes = this.host.nodes.peek() ?? [];
+    const graph = freeName(type.name, new Set(nodes.map((node) => node.graph)));
+    const node = freeName(type.name, new Set(nodes.map((one) => one.node)));
+    const clip = nodes.find((one) => one.clip !== null)?.clip ?? "Clip";
+    const changes: Change[] = [
+      { op: "create", node, type: type.guid, clip, graph },
+      { op: "place", nodes: { [node]: rounded(at ?? this.view.middle()) } },
+    ];
+    const other = pin && this.endFor(pin, type);
+    if (pin !== null && other !== undefined) {
+      const end: Pin = { node, id: other!, is: pin.is === "output" ? "input" : "output" };
+      changes.push({ op: "link", ...linkOf(pin, end) });
+    }
+    const error = await this.host.requests.batch(`Add ${graph}`, changes);
+    this.desk.tell(error, t("{name} was added.", { name: graph }));
+    if (error === null) {
+      this.desk.choose([node]);
+    }
+  }
+
+  /** The pin of a type that a wire from this pin leads to; undefined where none fits. */
+  endFor(pin: Pin, type: Pick<OfferedType, "guid">): number | undefined {
+    const node = this.node(pin.node);
+    const params = node && (pin.is === "output" ? outputsOf(node) : inputsOf(node));
+    const param = params?.find(({ id }) => id === pin.id);
+    const kind = kindOfType(type.guid);
+    return param && (pin.is === "output" ? kind?.inputs : kind?.outputs)?.[sortOf(param)];
+  }
+
+  /** Removes nodes with their links, cuts wires, takes notes away. */
+  async remove(nodes: readonly string[], links: readonly Link[], notes: readonly string[]): Promise<void> {
+    const gone = new Set(nodes);
+    const changes: Change[] = [
+      ...links.filter(({ from, to }) => !gone.has(from) && !gone.has(to)).map((link): Change => ({ op: "unlink", ...link })),
+      ...nodes.map((node): Change => ({ op: "destroy", node })),
+      ...(notes.length === 0 ? [] : [{ op: "place", notes: Object.fromEntries(notes.map((id) => [id, null])) } as const]),
+    ];
+    const name = nodes.length === 1 ? this.node(nodes[0]!)?.graph : `${nodes.length} nodes`;
+    const step = nodes.length > 0 ? `Delete ${name}` : links.length > 0 ? "Unlink" : "Delete a note";
+    this.desk.tell(await this.host.requests.batch(step, changes), "");
+  }
+
+  copy(handles: readonly string[]): void {
+    const nodes = this.host.nodes.peek()?.filter(({ node }) => handles.includes(node)) ?? [];
+    if (nodes.length > 0) {
+      keepClipping(localStorage, copyOf(nodes, this.host.links.peek(), this.view.placeOf));
+      this.desk.message.value = t("Copied: {count}", { count: nodes.length });
+    }
+  }
+
+  paste(): Promise<void> {
+    const clipping = readClipping(localStorage);
+    return clipping === null ? Promise.resolve() : this.#make(clipping, "Paste");
+  }
+
+  duplicate(handles: readonly string[]): Promise<void> {
+    const nodes = this.host.nodes.peek()?.filter(({ node }) => handles.includes(node)) ?? [];
+    return nodes.length === 0 ? Promise.resolve() : this.#make(copyOf(nodes, this.host.links.peek(), this.view.placeOf), "Duplicate");
+  }
+
+  async #make(clipping: Parameters<typeof pasteOf>[0], verb: string): Promise<void> {
+    const { changes, handles } = pasteOf(clipping, this.host.nodes.peek() ?? [], { x: PASTE_OFFSET, y: PASTE_OFFSET });
+    const count = handles.length === 1 ? clipping.nodes[0]!.graph : `${handles.length} nodes`;
+    const error = await this.host.requests.batch(`${verb} ${count}`, changes);
+    this.desk.tell(error, t("Added: {count}", { count: handles.length }));
+    if (error === null) {
+      this.desk.choose(handles);
+    }
+  }
+
+  async rename(node: string, graph: string): Promise<void> {
+    this.renaming.value = null;
+    if (graph !== "" && graph !== this.node(node)?.graph) {
+      this.desk.tell(await this.host.requests.change({ op: "rename", node, graph }), "");
+    }
+  }
+
+  /** Puts nodes and notes where they are to stay, as one step. */
+  async place(nodes: Record<string, Place>, notes: Record<string, Note> = {}): Promise<void> {
+    const change: Change = {
+      op: "place",
+      ...(Object.keys(nodes).length > 0 && { nodes: mapped(nodes, rounded) }),
+      ...(Object.keys(notes).length > 0 && { notes: mapped(notes, rounded) }),
+    };
+    this.desk.tell(await this.host.requests.change(change), "");
+  }
+}
+
+/** The link between two pins, whichever it was begun at. */
+export function linkOf(one: Pin, other: Pin): Link {
+  const [from, to] = one.is === "output" ? [one, other] : [other, one];
+  return { from: from.node, output: from.id, to: to.node, input: to.id };
+}
+
+function rounded<Box extends Place | Note>(box: Box): Box {
+  return { ...box, x: Math.round(box.x), y: Math.round(box.y) };
+}
+
+function mapped<Value>(values: Record<string, Value>, change: (value: Value) => Value): Record<string, Value> {
+  return Object.fromEntries(Object.entries(values).map(([key, value]) => [key, change(value)]));
+}

@@ -1,0 +1,53 @@
+import { useEffect } from "preact/hooks";
+import type { Link } from "../protocol.ts";
+import type { Editor } from "./editor.ts";
+
+interface CanvasKeys {
+  chosenNodes: readonly string[];
+  chosenNotes: readonly string[];
+  chosenLinks: readonly Link[];
+  chooseAll(): void;
+  placeChosen(): void;
+}
+
+/** Keys of the canvas, which work only while it has the focus, and Ctrl+K, which opens the palette from everywhere else. */
+export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
+  useEffect(() => {
+    const open = (event: KeyboardEvent) => {
+      const isOnSurface = event.target instanceof Element && event.target.closest("[data-surface]") !== null;
+      if ((event.ctrlKey || event.metaKey) && event.key.toLowerCase() === "k" && !isOnSurface) {
+        event.preventDefault();
+        editor.palette.value = { at: null, pin: null };
+      }
+    };
+    window.addEventListener("keydown", open);
+    return () => window.removeEventListener("keydown", open);
+  }, [editor]);
+
+  const { chosenNodes, chosenNotes, chosenLinks } = canvas;
+  const actions: Record<string, () => unknown> = {
+    Delete: () => editor.remove(chosenNodes, chosenLinks, chosenNotes),
+    Backspace: () => editor.remove(chosenNodes, chosenLinks, chosenNotes),
+    F2: () => (editor.renaming.value = chosenNodes[0] ?? null),
+    "Control+c": () => editor.copy(chosenNodes),
+    "Control+v": () => editor.paste(),
+    "Control+d": () => editor.duplicate(chosenNodes),
+    "Control+a": () => canvas.chooseAll(),
+    Escape: () => editor.giveUp(),
+  };
+  return {
+    onKeyDown: (event: KeyboardEvent) => {
+      const action = actions[`${event.ctrlKey || event.metaKey ? "Control+" : ""}${event.key}`];
+      if (action !== undefined) {
+        event.preventDefault();
+        action();
+      }
+    },
+    // The library moves what is chosen while an arrow key is down; where it ends up is kept.
+    onKeyUp: (event: KeyboardEvent) => {
+      if (event.key.startsWith("Arrow")) {
+        canvas.placeChosen();
+      }
+    },
+  };
+}

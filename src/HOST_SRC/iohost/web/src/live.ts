@@ -1,0 +1,76 @@
+// What nodes do right now, by node and output.
+import { signal, type Signal } from "@preact/signals";
+import type { OutputValue } from "./protocol.ts";
+
+export interface Fired {
+  count: number;
+  /** When it fired last, in milliseconds since 1970; null: never yet. */
+  last: number | null;
+}
+
+export const NEVER_FIRED: Fired = { count: 0, last: null };
+export const NO_VALUE: OutputValue = { int: 0, float: 0, string: "" };
+
+/** Signals by node and output, made when they are first asked for. */
+export class OutputSignals<Value> {
+  readonly #initial: Value;
+  readonly #signals = new Map<string, Map<number, Signal<Value>>>();
+
+  constructor(initial: Value) {
+    this.#initial = initial;
+  }
+
+  of(node: string, output: number): Signal<Value> {
+    let outputs = this.#signals.get(node);
+    if (outputs === undefined) {
+      this.#signals.set(node, (outputs = new Map()));
+    }
+    let found = outputs.get(output);
+    if (found === undefined) {
+      outputs.set(output, (found = signal(this.#initial)));
+    }
+    return found;
+  }
+
+  keepOnly(nodes: ReadonlySet<string>): void {
+    for (const node of this.#signals.keys()) {
+      if (!nodes.has(node)) {
+        this.#signals.delete(node);
+      }
+    }
+  }
+
+  reset(): void {
+    for (const outputs of this.#signals.values()) {
+      for (const one of outputs.values()) {
+        one.value = this.#initial;
+      }
+    }
+  }
+}
+
+/** Signals by node, made when they are first asked for. */
+export class NodeSignals<Value> {
+  readonly #initial: Value;
+  readonly #signals = new Map<string, Signal<Value>>();
+
+  constructor(initial: Value) {
+    this.#initial = initial;
+  }
+
+  of(node: string): Signal<Value> {
+    let found = this.#signals.get(node);
+    if (found === undefined) {
+      this.#signals.set(node, (found = signal(this.#initial)));
+    }
+    return found;
+  }
+
+  keepOnly(nodes: ReadonlySet<string>): void {
+    for (const node of this.#signals.keys()) {
+      if (!nodes.has(node)) {
+        this.#signals.delete(node);
+      }
+    }
+  }
+}

@@ -1,0 +1,104 @@
+import type { Connection } from "./connection.ts";
+import { t } from "./i18n.ts";
+import type { Reply, ListedFile } from "./messages.ts";
+import type { EditValue } from "./params.ts";
+import type { History, Link, Note, OfferedType, Place } from "./protocol.ts";
+
+/** A request that changes the scene, as `batch` takes it. */
+export type Change =
+  | { op: "create"; node: string; type: string; clip: string | null; graph: string }
+  | { op: "destroy"; node: string }
+  | { op: "rename"; node: string; graph: string }
+  | ({ op: "edit"; node: string; param: number } & EditValue)
+  | ({ op: "link" | "unlink" } & Link)
+  | { op: "place"; nodes?: Record<string, Place>; notes?: Record<string, Note | null> }
+  | { op: "device"; id: number; name: string; parser: string; address?: string | null; drop_after?: number | null }
+  | { op: "remove_device"; id: number }
+  | { op: "object"; clip: string; name: string }
+  | { op: "change_object"; clip: string; name: string; to: string }
+  | { op: "remove_object"; clip: string; name: string };
+
+/** What is asked of the host to change the scene. Each answers with what was wrong, or null. */
+export class Requests {
+  readonly #connection: Connection;
+
+  constructor(connection: Connection) {
+    this.#connection = connection;
+  }
+
+  /** The node types that the module has, with whether it offers them. */
+  async types(): Promise<OfferedType[]> {
+    const reply = await this.#connection.request<{ types: OfferedType[] }>({ op: "catalogue" });
+    return reply.ok ? reply.types : [];
+  }
+
+  async change(change: Change): Promise<string | null> {
+    const reply = await this.#connection.request<{ created?: boolean }>(change);
+    return reply.ok && reply.created === false ? t("The module doesn't make nodes of this type.") : errorOf(reply);
+  }
+
+  /** All of it or nothing, as one step of the name. */
+  async batch(name: string, requests: readonly Change[]): Promise<string | null> {
+    return requests.length === 0 ? null : errorOf(await this.#connection.request({ op: "batch", name, requests }));
+  }
+
+  async trigger(node: string, param: number): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "trigger", node, param }));
+  }
+
+  async undo(): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "undo" }));
+  }
+
+  async redo(): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "redo" }));
+  }
+
+  async history(): Promise<History | null> {
+    const reply = await this.#connection.request<History>({ op: "history" });
+    return reply.ok ? reply : null;
+  }
+
+  /** The files in the folder of scenes, or why they can't be told. */
+  async scenes(): Promise<ListedFile[] | string> {
+    const reply = await this.#connection.request<{ files: ListedFile[] }>({ op: "scenes" });
+    return reply.ok ? reply.files : reply.error;
+  }
+
+  async save(file: string): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "save", file }));
+  }
+
+  async load(file: string): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "load", file }));
+  }
+
+  async loadEmpty(): Promise<string | null> {
+    const scene = { format: "iohost scene", version: 1, nodes: [], links: [] };
+    return errorOf(await this.#connection.request({ op: "load", scene }));
+  }
+
+  /** Loads a scene file of this computer. */
+  async upload(file: Blob): Promise<string | null> {
+    const reply = await fetch("scene", { method: "POST", body: file });
+    return errorOf((await reply.json()) as Reply);
+  }
+
+  /** Takes what an earlier run of the host left unsaved, or throws it away. */
+  async recover(take: boolean): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "recover", take }));
+  }
+
+  /** Tries to connect to a device now. */
+  async connect(id: number): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "connect", id }));
+  }
+
+  async sendText(id: number, text: string): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "send", id, text }));
+  }
+}
+
+export function errorOf(reply: Reply): string | null {
+  return reply.ok ? null : reply.error;
+}

@@ -1,0 +1,59 @@
+import { useEffect, useRef, useState } from "preact/hooks";
+import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
+import type { History } from "../protocol.ts";
+import { stepText } from "../steps.ts";
+import "./historyList.css";
+
+/** The steps that were done and those that can be redone; choosing one goes there. */
+export function HistoryList({ host }: { host: Host }) {
+  const [isOpen, setOpen] = useState(false);
+  const [list, setList] = useState<History | null>(null);
+  const box = useRef<HTMLDivElement>(null);
+  const state = host.scene.value;
+  useEffect(() => {
+    if (isOpen) {
+      void host.requests.history().then(setList);
+    }
+  }, [isOpen, state]);
+  useEffect(() => {
+    const close = (event: PointerEvent) => box.current?.contains(event.target as Element) === false && setOpen(false);
+    window.addEventListener("pointerdown", close);
+    return () => window.removeEventListener("pointerdown", close);
+  }, []);
+
+  /** So many steps are done then. */
+  const goTo = async (wanted: number, from: number) => {
+    for (let done = from; done > wanted && (await host.requests.undo()) === null; --done);
+    for (let done = from; done < wanted && (await host.requests.redo()) === null; ++done);
+  };
+  const entry = (step: number, done: number, text: string) => (
+    <li key={step}>
+      <button
+        type="button"
+        class={step > done ? "history-undone" : ""}
+        aria-current={step === done ? "step" : undefined}
+        data-step={step}
+        onClick={() => void goTo(step, done)}
+      >
+        {text}
+      </button>
+    </li>
+  );
+  return (
+    <div class="history" ref={box} onKeyDown={(event) => event.key === "Escape" && setOpen(false)}>
+      <button type="button" aria-expanded={isOpen} onClick={() => setOpen(!isOpen)} data-history>
+        {t("History")}
+      </button>
+      {isOpen && list !== null && (
+        <div class="history-list" role="dialog" aria-label={t("History")}>
+          <p class="hint">{t("Going back changes the scene; what nodes heard or sent stays.")}</p>
+          <ol>
+            {list.steps.map((step, index) => entry(index + 1, list.done, stepText(step))).reverse()}
+            {entry(0, list.done, t("As it was at first"))}
+          </ol>
+        </div>
+      )}
+    </div>
+  );
+}

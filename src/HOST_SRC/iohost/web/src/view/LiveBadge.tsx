@@ -1,0 +1,23 @@
+import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
+
+/** Whether what nodes send goes out to the devices; pressed, it's the other way. */
+export function LiveBadge({ host }: { host: Host }) {
+  const network = host.network.value;
+  if (network === null) {
+    return null;
+  }
+  const isListening = network.state.listen_only;
+  return (
+    <button
+      type="button"
+      class={isListening ? "live-badge listening" : "live-badge"}
+      aria-pressed={!isListening}
+      title={isListening ? t("What nodes send to devices is only shown. Press to go live.") : t("What nodes send goes out. Press to listen only.")}
+      data-live={!isListening}
+      onClick={() => host.setListenOnly(!isListening)}
+    >
+      {isListening ? t("LISTEN ONLY") : t("LIVE")}
+    </button>
+  );
+}

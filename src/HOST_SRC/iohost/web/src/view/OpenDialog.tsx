@@ -1,0 +1,89 @@
+import { useEffect, useState } from "preact/hooks";
+import type { Desk } from "../desk.ts";
+import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
+import type { ListedFile } from "../messages.ts";
+import { Dialog } from "./Dialog.tsx";
+
+interface FileDialogProps {
+  host: Host;
+  desk: Desk;
+  onClose(): void;
+}
+
+/** Opens a file of the folder of scenes, one of this computer, or an empty scene. Asks before changes are lost. */
+export function OpenDialog({ host, desk, onClose }: FileDialogProps) {
+  const [files, setFiles] = useState<readonly ListedFile[]>([]);
+  const [error, setError] = useState<string | null>(null);
+  const [waiting, setWaiting] = useState<{ name: string; open: () => Promise<string | null> } | null>(null);
+  useEffect(() => {
+    void host.requests.scenes().then((found) => (typeof found === "string" ? setError(found) : setFiles(found)));
+  }, [host]);
+
+  const carryOut = async (name: string, open: () => Promise<string | null>) => {
+    const problem = await open();
+    setWaiting(null);
+    setError(problem);
+    if (problem === null) {
+      desk.message.value = t("Opened: {file}", { file: name });
+      onClose();
+    }
+  };
+  const ask = (name: string, open: () => Promise<string | null>) =>
+    host.scene.peek()?.unsaved === true ? setWaiting({ name, open }) : void carryOut(name, open);
+  return (
+    <Dialog title={t("Open a scene")} onClose={onClose}>
+      {waiting !== null ? (
+        <div role="alert">
+          <p class="dialog-warning">{t("The scene has changes that aren't saved. Open {file} all the same?", { file: waiting.name })}</p>
+          <div class="dialog-row">
+            <button type="button" onClick={() => void carryOut(waiting.name, waiting.open)}>
+              {t("Open all the same")}
+            </button>
+            <button type="button" onClick={() => setWaiting(null)}>
+              {t("Go back")}
+            </button>
+          </div>
+        </div>
+      ) : (
+        <>
+          <ul class="scene-list">
+            {files.map(({ file, modified_ms }) => (
+              <li key={file}>
+                <button type="button" data-scene-file={file} onClick={() => ask(file, () => host.requests.load(file))}>
+                  <span>{file}</span>
+                  <time>{new Date(modified_ms).toLocaleString()}</time>
+                </button>
+              </li>
+            ))}
+          </ul>
+          {files.length === 0 && <p class="empty">{t("There is no file in the folder of scenes.")}</p>}
+          <div class="dialog-row">
+            <button type="button" onClick={() => ask(t("an empty scene"), () => host.requests.loadEmpty())}>
+              {t("Empty scene")}
+            </button>
+            <label class="file-choice">
+              {t("From this computer:")}{" "}
+              <input
+                type="file"
+                accept=".json"
+                data-upload
+                onChange={({ currentTarget: { files: chosen } }) => {
+                  const file = chosen?.[0];
+                  if (file !== undefined) {
+                    ask(file.name, () => host.requests.upload(file));
+                  }
+                }}
+              />
+            </label>
+          </div>
+        </>
+      )}
+      {error !== null && (
+        <p class="dialog-error" role="alert">
+          {error}
+        </p>
+      )}
+    </Dialog>
+  );
+}

@@ -1,0 +1,34 @@
+import type { Desk } from "../desk.ts";
+import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
+
+/** Offers what an earlier run of the host left unsaved. */
+export function RecoveredBanner({ host, desk }: { host: Host; desk: Desk }) {
+  const recovered = host.recovered.value;
+  if (recovered === null) {
+    return null;
+  }
+  const answer = async (take: boolean) => {
+    const error = await host.requests.recover(take);
+    desk.tell(error, take ? t("Recovered. Save it to keep it.") : t("Thrown away."));
+    if (error === null) {
+      host.recovered.value = null;
+    }
+  };
+  return (
+    <div class="recovered" role="alert" data-recovered>
+      <span>
+        {t("An earlier run left changes of {file} unsaved, of {time}.", {
+          file: recovered.file ?? t("untitled scene"),
+          time: new Date(recovered.modified_ms).toLocaleString(),
+        })}
+      </span>
+      <button type="button" onClick={() => void answer(true)}>
+        {t("Take them")}
+      </button>
+      <button type="button" onClick={() => void answer(false)}>
+        {t("Throw them away")}
+      </button>
+    </div>
+  );
+}

@@ -1,0 +1,54 @@
+import { useEffect, useState } from "preact/hooks";
+import type { Desk } from "../desk.ts";
+import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
+import { Dialog } from "./Dialog.tsx";
+
+/** Saves the scene under a name in the folder of scenes, or on this computer. */
+export function SaveDialog({ host, desk, onClose }: { host: Host; desk: Desk; onClose(): void }) {
+  const [name, setName] = useState(host.scene.peek()?.file ?? "");
+  const [present, setPresent] = useState<readonly string[]>([]);
+  const [error, setError] = useState<string | null>(null);
+  useEffect(() => {
+    void host.requests.scenes().then((found) => (typeof found === "string" ? setError(found) : setPresent(found.map(({ file }) => file))));
+  }, [host]);
+  const file = name.trim() === "" || name.endsWith(".json") ? name.trim() : `${name.trim()}.json`;
+  const save = async (event: Event) => {
+    event.preventDefault();
+    const problem = await host.requests.save(file);
+    setError(problem);
+    if (problem === null) {
+      desk.message.value = t("Saved: {file}", { file });
+      onClose();
+    }
+  };
+  const replaces = present.includes(file) && file !== host.scene.value?.file;
+  return (
+    <Dialog title={t("Save the scene")} onClose={onClose}>
+      <form onSubmit={save}>
+        <input
+          class="field"
+          aria-label={t("File name")}
+          placeholder={t("File name")}
+          value={name}
+          data-scene-name
+          onInput={(event) => setName(event.currentTarget.value)}
+        />
+        {replaces && <p class="dialog-warning">{t("{file} is there already and will be replaced.", { file })}</p>}
+        <div class="dialog-row">
+          <button type="submit" disabled={file === ""}>
+            {replaces ? t("Replace") : t("Save")}
+          </button>
+          <a href="scene" download={file === "" ? "scene.json" : file} data-download>
+            {t("Download to this computer")}
+          </a>
+        </div>
+      </form>
+      {error !== null && (
+        <p class="dialog-error" role="alert">
+          {error}
+        </p>
+      )}
+    </Dialog>
+  );
+}

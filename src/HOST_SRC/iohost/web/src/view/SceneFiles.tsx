@@ -1,0 +1,56 @@
+import { useEffect, useState } from "preact/hooks";
+import type { Desk } from "../desk.ts";
+import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
+import { OpenDialog } from "./OpenDialog.tsx";
+import { SaveDialog } from "./SaveDialog.tsx";
+
+/** The scene's file with a mark for what isn't saved, and the ways to open and save it. */
+export function SceneFiles({ host, desk }: { host: Host; desk: Desk }) {
+  const [dialog, setDialog] = useState<"open" | "save" | null>(null);
+  const { file = null, unsaved = false } = host.scene.value ?? {};
+  const save = async () => {
+    const name = host.scene.peek()?.file ?? null;
+    if (name === null) {
+      setDialog("save");
+    } else {
+      desk.tell(await host.requests.save(name), t("Saved: {file}", { file: name }));
+    }
+  };
+  useEffect(() => {
+    const follow = (event: KeyboardEvent) => {
+      const isOnSurface = event.target instanceof Element && event.target.closest("[data-surface]") !== null;
+      if ((event.ctrlKey || event.metaKey) && event.key.toLowerCase() === "s" && !isOnSurface) {
+        event.preventDefault();
+        void save();
+      }
+    };
+    window.addEventListener("keydown", follow);
+    return () => window.removeEventListener("keydown", follow);
+  }, [host]);
+  const close = () => setDialog(null);
+  return (
+    <div class="scene-files">
+      <span class="scene-name" data-scene={file ?? ""} data-unsaved={unsaved}>
+        {file ?? t("untitled scene")}
+        {unsaved && (
+          <span class="scene-unsaved" title={t("Not saved yet")}>
+            {" "}
+            ●<span class="screen-reader"> {t("Not saved yet")}</span>
+          </span>
+        )}
+      </span>
+      <button type="button" onClick={() => setDialog("open")}>
+        {t("Open")}
+      </button>
+      <button type="button" onClick={() => void save()}>
+        {t("Save")}
+      </button>
+      <button type="button" onClick={() => setDialog("save")}>
+        {t("Save as")}
+      </button>
+      {dialog === "open" && <OpenDialog host={host} desk={desk} onClose={close} />}
+      {dialog === "save" && <SaveDialog host={host} desk={desk} onClose={close} />}
+    </div>
+  );
+}

@@ -1,0 +1,29 @@
+import assert from "node:assert/strict";
+import { test } from "node:test";
+import { textWarning } from "../src/graph/textWarning.ts";
+import type { NodeView } from "../src/host.ts";
+import { NodeType } from "../src/nodeTypes.ts";
+
+function stringSend(toDevice: number, device: number, type: string = NodeType.stringSend): NodeView {
+  const params = [{ id: 1502, int: toDevice }, { id: 1503, int: device }];
+  const details = { inputs: [{ params }], own: [], outputs: [] };
+  return { type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${type}}`, details } as unknown as NodeView;
+}
+
+const devices = [
+  { id: 1, parser: "framed" },
+  { id: 2, parser: "direct" },
+  { id: 3, parser: "json" },
+] as const;
+
+test("a device that takes no texts is told, and so is one that isn't there", () => {
+  assert.equal(textWarning(stringSend(1, 1), devices), "Device 1 takes no texts (framed).");
+  assert.equal(textWarning(stringSend(1, 9), devices), "There is no device 9.");
+});
+
+test("nothing is told of devices that take texts, of texts for all, and of other nodes", () => {
+  assert.equal(textWarning(stringSend(1, 2), devices), null);
+  assert.equal(textWarning(stringSend(1, 3), devices), null);
+  assert.equal(textWarning(stringSend(0, 9), devices), null);
+  assert.equal(textWarning(stringSend(1, 1, NodeType.keyboard), devices), null);
+});
