@@ -28,6 +28,15 @@ void ReadRequest(SRequest& request, const CFields& fields, ISceneFiles& files) {
     if (strOp == TAG_NAME<SLoadCommand> && !fields.Has("scene")) {
         const Json scene = ParseJson(files.Read(fields.Text("file")), "file");
         request.command = SLoadCommand{ReadScene(scene, "file"), "file", fields.Text("file")};
+    } else if (strOp == TAG_NAME<SRecoverCommand>) {
+        const Json scene = ParseJson(files.ReadLeft(), "scene");
+        if (ReadBool(fields.Required("take"), "take")) {
+            const auto pScene = ReadScene(scene, "scene");
+            request.command = SLoadCommand{pScene, "scene", FileNameIn(scene), true};
+        } else {
+            request.command = SRecoverCommand{};
+        }
+        files.ForgetLeft();
     } else if (strOp == TAG_NAME<SFrameCommand> && fields.Has("frame") && ReadBool(*fields.Find("frame"), "frame")) {
         ReadFields(request.command.emplace<SFrameCommand>(), fields);
     } else {
@@ -80,6 +89,9 @@ OrderedJson Answer(CSession& session, const Json& json, ISceneFiles& files, cons
             } catch (const CRefusal& refusal) {
                 done.outcome.error = refusal.what();
             }
+        }
+        if (std::holds_alternative<SScenesCommand>(request.command)) {
+            done.outcome.result = SScenes{files.List()};
         }
         if (edit != nullptr) {
             edit(done);
@@ -142,6 +154,15 @@ void CutForViewers(SDone& done) {
     }
 }
 
-std::string SceneText(const SSceneDocument& scene) {
-    return SceneToJson(scene).dump(1, ' ', false, OrderedJson::error_handler_t::replace) + "\n";
+std::string SceneText(const SSceneDocument& scene, const std::string& strFile) {
+    OrderedJson json = SceneToJson(scene);
+    if (!strFile.empty()) {
+        json["file"] = strFile;
+    }
+    return json.dump(1, ' ', false, OrderedJson::error_handler_t::replace) + "\n";
+}
+
+std::string FileNameIn(const Json& scene) {
+    const auto file = scene.find("file");
+    return file != scene.end() && file->is_string() ? file->get<std::string>() : std::string();
 }

@@ -14,6 +14,13 @@ public:
     virtual std::string Read(const std::string& strName) = 0;
     virtual void Write(const std::string& strName, const std::string& strText) = 0;
 
+    /// The scenes that are there.
+    virtual std::vector<SSceneFileInfo> List() { Refuse("op", "there is a folder of scenes for connections only"); }
+
+    /// What an earlier host left unsaved, as SceneText wrote it; refused where there is nothing.
+    virtual std::string ReadLeft() { Refuse("op", "nothing unsaved was left"); }
+    virtual void ForgetLeft() {}
+
 protected:
     ~ISceneFiles() = default;
 };
@@ -51,5 +58,8 @@ void CutForViewers(SActivity& activity);
 void CutForViewers(OutputValues& values);
 void CutForViewers(SDone& done);
 
-/// A scene as the text of a file.
-std::string SceneText(const SSceneDocument& scene);
+/// A scene as the text of a file. strFile: the file's name, if it isn't told by where the text goes.
+std::string SceneText(const SSceneDocument& scene, const std::string& strFile = {});
+
+/// The file's name in such a text; empty where there is none.
+std::string FileNameIn(const Json& scene);

@@ -115,12 +115,16 @@ void ReadFields(SLoadCommand& command, const CFields& fields) {
     command.strPath = fields.Has("scene") ? "scene" : "file";
     command.pScene = ReadScene(fields.Required(command.strPath.c_str()), command.strPath);
     ReadField(command.strFile, fields, "name", FIELD_OPTIONAL);
+    ReadField(command.bUnsaved, fields, "unsaved", FIELD_OPTIONAL);
 }
 
 void AppendFields(OrderedJson& json, const SLoadCommand& command) {
     json["scene"] = SceneToJson(*command.pScene);
     if (!command.strFile.empty()) {
         json["name"] = command.strFile;
+    }
+    if (command.bUnsaved) {
+        json["unsaved"] = true;
     }
 }
 

@@ -136,6 +136,8 @@ TAGGED(SPlaceCommand, "place", SField{"nodes", &T::nodes, FIELD_OPTIONAL}, SFiel
 TAGGED(SUndoCommand, "undo")
 TAGGED(SRedoCommand, "redo")
 TAGGED(SHistoryCommand, "history")
+TAGGED(SScenesCommand, "scenes")
+TAGGED(SRecoverCommand, "recover")
 TAGGED(SSaveCommand, "save")
 TAGGED(SSceneCommand, "scene")
 TAGGED(SRecordingCommand, "recording", SField{"version", &T::nVersion}, SField{"texts", &T::nTexts},
@@ -201,6 +203,8 @@ SHAPE(SCalled, SField{"result", &T::nResult})
 SHAPE(SStep, SField{"name", &T::strName}, SField{"op", &T::strOp}, SField{"of", &T::strOf, FIELD_OPTIONAL})
 SHAPE(SStepTaken, SField{"step", &T::step})
 SHAPE(SSceneFile, SField{"file", &T::strName, FIELD_NULLABLE}, SField{"unsaved", &T::bUnsaved})
+SHAPE(SSceneFileInfo, SField{"file", &T::strName}, SField{"bytes", &T::nBytes}, SField{"modified_ms", &T::nModifiedMs})
+SHAPE(SScenes, SField{"files", &T::files})
 SHAPE(SHistoryState, SField{"steps", &T::steps}, SField{"done", &T::nDone}, SFlat{&T::file})
 SHAPE(SCreated, SField{"result", &T::nResult}, SField{"created", &T::bCreated})
 SHAPE(SLayout, SField{"path", &T::strPath}, SField{"reader", &T::pReader}, SField{"state", &T::pState},

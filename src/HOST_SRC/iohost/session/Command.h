@@ -229,7 +229,14 @@ struct SLoadCommand {
     std::shared_ptr<const SSceneDocument> pScene; ///< never null
     std::string strPath;                          ///< what refusals call it: "scene" or "file"
     std::string strFile = {};                     ///< its name; empty: it's no file's
+    bool bUnsaved = false;                        ///< the file has it otherwise
 };
+
+/// The files of the folder of scenes: whoever asked fills the result in.
+struct SScenesCommand {};
+
+/// What was left unsaved isn't wanted; to take it is a load.
+struct SRecoverCommand {};
 
 struct SSceneCommand {};
 
@@ -248,8 +255,8 @@ using Command =
                  SClockCommand, SMainWindowCommand, SObjectCommand, SObjectsCommand, SDevicesCommand, SListenCommand,
                  SWaitCommand, SNetworkCommand, SListenOnlyCommand, SLayoutCommand, SDestroyCommand, SSaveCommand,
                  SLoadCommand, SSceneCommand, SRecordingCommand, SQuitCommand, SRenameCommand, SPlaceCommand,
-                 SChangeObjectCommand, SRemoveObjectCommand, SBatchCommand, SUndoCommand, SRedoCommand,
-                 SHistoryCommand>;
+                 SChangeObjectCommand, SRemoveObjectCommand, SBatchCommand, SUndoCommand, SRedoCommand, SHistoryCommand,
+                 SScenesCommand, SRecoverCommand>;
 
 struct SCommands {
     std::vector<Command> list;

@@ -1,7 +1,14 @@
 #include "session/History.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
+
+namespace {
+
+constexpr auto NO_STATE = std::numeric_limits<unsigned long long>::max(); ///< of the scene
+
+} // namespace
 
 void CHistory::Add(SStep step, SScenePart before, SScenePart after) {
     while (m_entries.size() > m_nDone) {
@@ -18,8 +25,8 @@ void CHistory::Add(SStep step, SScenePart before, SScenePart after) {
     m_nDone = m_entries.size();
 }
 
-void CHistory::NoteOpened(const std::string& strFile) {
-    m_entries.back().otherKept = std::exchange(m_kept, {strFile, m_nState});
+void CHistory::NoteOpened(const std::string& strFile, bool bUnsaved) {
+    m_entries.back().otherKept = std::exchange(m_kept, {strFile, bUnsaved ? NO_STATE : m_nState});
 }
 
 SSceneChange CHistory::Undo(CHost& host, CPeers& peers) {

@@ -29,8 +29,8 @@ public:
     /// A step was taken; those that were undone can't be redone any more, and the oldest go where they are too many.
     void Add(SStep step, SScenePart before, SScenePart after);
 
-    /// The step brought another scene, which the file has so; none has it where the name is empty.
-    void NoteOpened(const std::string& strFile);
+    /// The step brought another scene, which is the file's; no file's where the name is empty.
+    void NoteOpened(const std::string& strFile, bool bUnsaved);
 
     /// The file has the scene as it is now.
     void NoteSaved(const std::string& strFile) { m_kept = {strFile, m_nState}; }

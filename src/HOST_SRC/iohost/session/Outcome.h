@@ -122,6 +122,17 @@ struct SHistoryState {
     SSceneFile file;
 };
 
+/// A file in the folder of scenes.
+struct SSceneFileInfo {
+    std::string strName; ///< relative to the folder
+    std::uintmax_t nBytes;
+    long long nModifiedMs; ///< since 1970
+};
+
+struct SScenes {
+    std::vector<SSceneFileInfo> files;
+};
+
 struct SObjects {
     std::vector<SObjectState> objects;
 };
@@ -132,7 +143,7 @@ struct SVerdicts {
 
 using Result = std::variant<std::monostate, SCatalogue, SCalled, SCreated, SNodeDetails, SLayout, SDestroyed,
                             SNodeResults, SFrameResults, SEdited, SReleased, SListening, SWaited, SNetworkState,
-                            SSceneView, SObjects, SVerdicts, SSceneDocument, SStepTaken, SHistoryState>;
+                            SSceneView, SObjects, SVerdicts, SSceneDocument, SStepTaken, SHistoryState, SScenes>;
 
 struct SOutcome {
     Result result;

@@ -96,7 +96,7 @@ Result CSession::CarryOutStep(const Command& command, const SOrigin& origin) {
         m_change.bEverything = pLoad != nullptr;
         m_history.Add(std::move(plan->step), std::move(before), std::move(after));
         if (pLoad != nullptr) {
-            m_history.NoteOpened(pLoad->strFile);
+            m_history.NoteOpened(pLoad->strFile, pLoad->bUnsaved);
         }
     };
     try {

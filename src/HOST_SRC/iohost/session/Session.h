@@ -137,6 +137,8 @@ private:
     Result On(const SUndoCommand& command);
     Result On(const SRedoCommand& command);
     Result On(const SHistoryCommand& command);
+    void On(const SScenesCommand& /*command*/) {}
+    void On(const SRecoverCommand& /*command*/) {}
     void On(const SRecordingCommand& command);
     void On(const SQuitCommand& command);
 

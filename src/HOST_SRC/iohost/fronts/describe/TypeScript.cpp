@@ -166,6 +166,7 @@ std::string ProtocolTypes() {
     types.Declare<SStep>("Step");
     types.Declare<SSceneFile>("SceneFile");
     types.Declare<SHistoryState>("History");
+    types.Declare<SSceneFileInfo>("SceneFileInfo");
     types.Declare<SNodeType>("OfferedType");
     types.Declare<SObjectState>("SceneObject");
     types.Declare<SHeldEntry>("HeldEntry");

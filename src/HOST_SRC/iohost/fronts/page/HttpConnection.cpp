@@ -15,6 +15,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "base/TextUtf8.h"
 #include "fronts/page/RequestOrigin.h"
@@ -36,6 +37,8 @@ constexpr std::uint32_t LONGEST_HEADER = 16 * 1024;
 constexpr std::chrono::seconds REQUEST_TIME{30};
 constexpr std::chrono::seconds GOODBYE_TIME{1};
 constexpr std::string_view SESSION_TARGET = "/session";
+constexpr std::string_view SCENE_TARGET = "/scene";
+constexpr std::uint64_t LARGEST_SCENE = 256u << 20; ///< as of a file
 
 std::string_view View(beast::string_view text) {
     return {text.data(), text.size()};
@@ -132,14 +135,18 @@ std::string AddressText(asio::ip::address address) {
     return address.to_string();
 }
 
-/// Whether the request brings a text for an object; no other one may have a body.
+bool HasPath(const Request& request, std::string_view path) {
+    const std::string_view target = View(request.target());
+    return target.substr(0, target.find('?')) == path;
+}
+
+/// Whether the request brings a text for an object; but for a scene no other one may have a body.
 bool IsObjectText(const Request& request) {
     return request.method() == http::verb::post && IsObjectTextTarget(View(request.target()));
 }
 
-bool IsSession(const Request& request) {
-    const std::string_view target = View(request.target());
-    return target.substr(0, target.find('?')) == SESSION_TARGET;
+bool IsSceneUpload(const Request& request) {
+    return request.method() == http::verb::post && HasPath(request, SCENE_TARGET);
 }
 
 /// Reads the head of one request.
@@ -150,14 +157,15 @@ Awaitable<void> ReadHead(TcpStream& stream, beast::flat_buffer& buffer, RequestP
     parser.body_limit(std::numeric_limits<std::uint64_t>::max());
     stream.expires_after(tLongest);
     co_await http::async_read_header(stream, buffer, parser, AwaitInto(error));
-    if (!error && !parser.is_done() && !IsObjectText(parser.get())) {
+    if (!error && !parser.is_done() && !IsObjectText(parser.get()) && !IsSceneUpload(parser.get())) {
         error = http::error::unexpected_body;
     }
 }
 
 /// Reads the body behind a head.
-Awaitable<std::string> ReadBody(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head, error_code& error) {
-    if (head.content_length().value_or(0) > LONGEST_TEXT_LINE) {
+Awaitable<std::string> ReadBody(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head,
+                                std::uint64_t nLongest, error_code& error) {
+    if (head.content_length().value_or(0) > nLongest) {
         error = http::error::body_limit;
         co_return std::string();
     }
@@ -166,7 +174,7 @@ Awaitable<std::string> ReadBody(TcpStream& stream, beast::flat_buffer& buffer, R
         co_await http::async_write(stream, goOn, AwaitInto(error));
     }
     http::request_parser<http::string_body> parser(std::move(head));
-    parser.body_limit(LONGEST_TEXT_LINE);
+    parser.body_limit(nLongest);
     co_await http::async_read(stream, buffer, parser, AwaitInto(error));
     co_return parser.get().body();
 }
@@ -176,7 +184,7 @@ Awaitable<std::string> ReadBody(TcpStream& stream, beast::flat_buffer& buffer, R
 Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head,
                                    const SHttpSite& site, error_code& error) {
     const Request request = head.get();
-    const std::string strText = co_await ReadBody(stream, buffer, head, error);
+    const std::string strText = co_await ReadBody(stream, buffer, head, LONGEST_TEXT_LINE, error);
     OrderedJson reply;
     auto status = http::status::bad_request;
     std::string strProblem;
@@ -202,6 +210,36 @@ Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer
     Response response = MakeResponse(request, status, "application/json", ReplyText(reply) + "\n");
     response.keep_alive(!error && request.keep_alive());
     co_return response;
+}
+
+/// Reads a scene's file and has it loaded, as TakeObjectText does with a text.
+Awaitable<Response> TakeScene(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head, const SHttpSite& site,
+                              error_code& error) {
+    const Request request = head.get();
+    if (std::exchange(site.bTakesScene, true)) {
+        Response response = MakeRefusal(request, http::status::service_unavailable, "Another scene is being uploaded.");
+        response.keep_alive(false); // the body isn't read
+        co_return response;
+    }
+    const std::string strText = co_await ReadBody(stream, buffer, head, LARGEST_SCENE, error);
+    site.bTakesScene = false;
+    std::string strReply;
+    if (error == http::error::body_limit) {
+        strReply = ReplyText(ErrorReply("the scene is larger than 256 MiB"));
+    } else if (error) {
+        strReply = ReplyText(ErrorReply("the request's body can't be read: " + error.message()));
+    } else {
+        strReply = site.loadScene(strText);
+    }
+    Response response = MakeResponse(request, http::status::ok, "application/json", strReply + "\n");
+    response.keep_alive(!error && request.keep_alive());
+    co_return response;
+}
+
+Response MakeSceneResponse(const Request& request, const SHttpSite& site) {
+    Response response = MakeResponse(request, http::status::ok, "application/json", site.presentScene());
+    response.set(http::field::content_disposition, "attachment; filename=\"scene.json\"");
+    return response;
 }
 
 /// Writes a response, or the head of it only.
@@ -268,12 +306,16 @@ Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
                                    "The request lacks the token of the address that the host printed.");
             response->set(http::field::www_authenticate, "Bearer");
             response->keep_alive(parser.is_done() && request.keep_alive()); // a body isn't read
-        } else if (IsSession(request) && beast::websocket::is_upgrade(request)) {
+        } else if (HasPath(request, SESSION_TARGET) && beast::websocket::is_upgrade(request)) {
             const auto pClient = std::make_shared<CWebSocketClient>(std::move(stream), site.listener);
             co_await pClient->Run(parser.release());
             co_return;
         } else if (IsObjectText(request)) {
             response = co_await TakeObjectText(stream, buffer, parser, site, error);
+        } else if (IsSceneUpload(request)) {
+            response = co_await TakeScene(stream, buffer, parser, site, error);
+        } else if (request.method() == http::verb::get && HasPath(request, SCENE_TARGET)) {
+            response = MakeSceneResponse(request, site);
         } else {
             response = MakeFileResponse(request, site.files, site.token);
         }

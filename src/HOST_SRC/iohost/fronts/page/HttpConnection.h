@@ -22,6 +22,13 @@ struct SHttpSite {
 
     /// Hands a posted text to the nodes.
     std::function<SDone(const SObjectTextData& text)> takeObjectText;
+
+    /// The scene as a file's text.
+    std::function<std::string()> presentScene;
+
+    /// Loads a scene from a file's text; returns the reply's text.
+    std::function<std::string(const std::string& strText)> loadScene;
+    mutable bool bTakesScene = false; ///< one at a time: each may be large
 };
 
 /// Serves the connection until it ends. The site outlives it.

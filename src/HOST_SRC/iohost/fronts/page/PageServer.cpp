@@ -4,6 +4,7 @@
 #include "fronts/page/HttpConnection.h"
 #include "fronts/page/QueuedTexts.h"
 #include "fronts/page/SceneFolder.h"
+#include "fronts/page/UnsavedScene.h"
 #include "fronts/page/WebSocketClient.h"
 
 #include <boost/asio/signal_set.hpp>
@@ -44,7 +45,7 @@ std::string FullText() {
 class CPageServer final : public IWebSocketListener, private ISessionObserver {
 public:
     CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files)
-        : m_session(session), m_fFps(options.fFps), m_files(files), m_scenes(options.sceneFolder),
+        : m_session(session), m_fFps(options.fFps), m_files(files), m_scenes(options.sceneFolder, options.nPort),
           m_terminal(session, m_output.Stream()), m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }) {
         m_session.Attach(*this);
     }
@@ -60,11 +61,12 @@ public:
         }
         const auto bound = m_acceptor.local_endpoint();
         m_strAddress = EndpointText(bound);
-        m_pSite = std::make_unique<const SHttpSite>(
-            SHttpSite{m_files, bound.address().to_string(), bound.port(),
-                      bound.address().is_loopback() ? CAccessToken() : CAccessToken::Make(bound.port()),
-                      static_cast<IWebSocketListener&>(*this),
-                      [this](const SObjectTextData& text) { return TakeObjectText(text); }});
+        m_pSite = std::make_unique<const SHttpSite>(SHttpSite{
+            m_files, bound.address().to_string(), bound.port(),
+            bound.address().is_loopback() ? CAccessToken() : CAccessToken::Make(bound.port()),
+            static_cast<IWebSocketListener&>(*this),
+            [this](const SObjectTextData& text) { return TakeObjectText(text); }, [this] { return PresentScene(); },
+            [this](const std::string& strText) { return LoadScene(strText); }});
         return {};
     }
 
@@ -94,11 +96,16 @@ public:
     void OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) override {
         CHeldInput& held = m_session.Held().Open();
         m_clients.emplace(pClient.get(), SClient{pClient, held});
-        pClient->Send(Text({{"push", "hello"},
-                            {"version", IOHOST_VERSION},
-                            {"fps", m_fFps},
-                            {"address", m_strAddress},
-                            {"connection", held.Connection()}}));
+        OrderedJson hello = {{"push", "hello"},
+                             {"version", IOHOST_VERSION},
+                             {"fps", m_fFps},
+                             {"address", m_strAddress},
+                             {"connection", held.Connection()}};
+        if (const auto& left = m_scenes.Left()) {
+            hello["recovered"] = {{"file", left->strFile.empty() ? OrderedJson() : OrderedJson(left->strFile)},
+                                  {"modified_ms", left->nModifiedMs}};
+        }
+        pClient->Send(Text(hello));
         pClient->Send(Text({{"push", "held"}, {"held", ToJson(m_session.Held().State())}}));
         pClient->Send(Text(HistoryPush()));
         // The next frame tells everybody all of it; to those who know it already that changes nothing.
@@ -225,6 +232,19 @@ private:
         return m_session.Do(SEventCommand{.handle = {}, .nDevice = DEVICE_OBJECT_TEXT, .payload = text});
     }
 
+    std::string PresentScene() {
+        return SceneText(std::get<SSceneDocument>(m_session.Do(SSaveCommand()).outcome.result));
+    }
+
+    std::string LoadScene(const std::string& strText) {
+        try {
+            const auto pScene = ReadScene(ParseJson(strText, "scene"), "scene");
+            return ReplyText(ReplyTo(m_session.Do(SLoadCommand{pScene, "scene"})));
+        } catch (const CRefusal& refusal) {
+            return ReplyText(ErrorReply(refusal.what()));
+        }
+    }
+
     void Frame() {
         ++m_nFrame;
         TellHappened(std::exchange(m_ofItems, {}), nullptr);
@@ -316,12 +336,10 @@ private:
         if (!change.bEverything && !change.bList && change.nodes.empty()) {
             return;
         }
+        m_unsaved.NoteChange();
         OrderedJson push = {{"push", "scene"}, {"version", m_session.SceneVersion()}};
         if (!change.bEverything) {
-            push["nodes"] = change.nodes;
-            if (change.bList) {
-                push["list"] = true;
-            }
+            push[change.bList ? "changed" : "nodes"] = change.nodes;
         }
         SendToAll(push);
     }
@@ -339,6 +357,7 @@ private:
         if (OrderedJson push = HistoryPush(); push != m_toldHistory) {
             m_toldHistory = std::move(push);
             SendToAll(m_toldHistory);
+            m_unsaved.NoteChange();
         }
     }
 
@@ -390,6 +409,7 @@ private:
     const double m_fFps;
     const CHttpFiles& m_files;
     CSceneFolder m_scenes;
+    CUnsavedScene m_unsaved{m_context, m_session, m_scenes.UnsavedFile()};
     COutputLines m_output{TerminalOutput()};
     CTerminalLines m_terminal;
     SActivity m_ofItems; ///< what items of the network caused since the last frame

@@ -1,22 +1,42 @@
-// Where connections load scenes from and save them: one folder, whose files they name.
+// Where connections load scenes from and save them: one folder, whose files they name. Beside them it keeps what an
+// earlier host left unsaved.
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "protocol/SceneFile.h"
 
+/// What an earlier host left unsaved.
+struct SLeftScene {
+    std::string strFile;   ///< that the scene was saved in before; empty: in none
+    long long nModifiedMs; ///< since 1970
+};
+
 class CSceneFolder final : public ISceneFiles {
 public:
-    explicit CSceneFolder(std::filesystem::path folder) : m_folder(std::move(folder)) {}
+    /// The port tells hosts that share a folder apart; 0: nothing unsaved is kept.
+    CSceneFolder(std::filesystem::path folder, unsigned short nPort);
 
     // Names that lead out of the folder are refused.
     std::string Read(const std::string& strName) override;
     void Write(const std::string& strName, const std::string& strText) override;
+    std::vector<SSceneFileInfo> List() override;
+    std::string ReadLeft() override;
+    void ForgetLeft() override;
+
+    const std::optional<SLeftScene>& Left() const { return m_leftScene; }
+
+    /// Where this host writes what isn't saved; empty: nowhere.
+    const std::filesystem::path& UnsavedFile() const { return m_unsaved; }
 
 private:
     std::string Place(const std::string& strName) const;
 
     std::filesystem::path m_folder;
+    std::filesystem::path m_unsaved;
+    std::filesystem::path m_left;
+    std::optional<SLeftScene> m_leftScene; ///< none: nothing was left
     CSystemFiles m_files;
 };

@@ -10,8 +10,8 @@
 bool IsKept(const Command& command) {
     return std::visit(
         []<typename Kind>(const Kind&) {
-            return !IS_ONE_OF<Kind, SHistoryCommand, SLayoutCommand, SListenCommand, SNetworkCommand, SSaveCommand,
-                              SWaitCommand>;
+            return !IS_ONE_OF<Kind, SHistoryCommand, SLayoutCommand, SListenCommand, SNetworkCommand, SRecoverCommand,
+                              SSaveCommand, SScenesCommand, SWaitCommand>;
         },
         command);
 }

@@ -158,7 +158,7 @@ export class Host implements ConnectionListener {
         this.frames.value?.told(push.frame, Date.now());
         break;
       case "scene":
-        void this.#refresh(push.nodes, push.list);
+        void this.#refresh(push.nodes ?? push.changed, push.changed !== undefined);
         break;
       case "history":
         this.scene.value = push;

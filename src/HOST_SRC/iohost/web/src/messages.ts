@@ -89,8 +89,8 @@ export type Push =
   | ({ push: "happened"; frame: number } & Happened)
   | ({ push: "network" } & NetworkState)
   | { push: "outputs"; nodes: Record<string, Record<string, OutputValue>> }
-  /** Of these nodes parameters changed; without them, anything may have. With `list`, what the scene is made of did too. */
-  | { push: "scene"; version: number; nodes?: string[]; list?: boolean };
+  /** Of `nodes` parameters changed; of `changed` anything, and what the scene lists; without either there is another scene. */
+  | { push: "scene"; version: number; nodes?: string[]; changed?: string[] };
 
 export type KeyPayload = Extract<Payload, { is: "key" }>;
 export type PointerPayload = Extract<Payload, { is: "pointer" }>;

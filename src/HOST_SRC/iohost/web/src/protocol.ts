@@ -88,6 +88,12 @@ export type History = {
   done: number;
 } & SceneFile;
 
+export type SceneFileInfo = {
+  file: string;
+  bytes: number;
+  modified_ms: number;
+};
+
 export type OfferedType = {
   guid: string;
   kind: number;

@@ -1,0 +1,154 @@
+// Scenes as connections build and keep them: pushes of what changed, files, download and upload, what wasn't saved.
+import assert from "node:assert/strict";
+import { existsSync, mkdirSync, mkdtempSync, readFileSync, rmSync, symlinkSync, writeFileSync } from "node:fs";
+import net from "node:net";
+import { once } from "node:events";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
+import { after, before, test } from "node:test";
+import { startHost } from "./support/host.mjs";
+import { ask } from "./support/http.mjs";
+import { createNode, must, openSession, Type, until } from "./support/session.mjs";
+
+const EMPTY = { format: "iohost scene", version: 1 };
+
+let folder;
+let port;
+let host;
+let script;
+
+/** A port that is free, for hosts that follow one another. */
+async function freePort() {
+  const server = net.createServer().listen(0, "127.0.0.1");
+  await once(server, "listening");
+  const { port } = server.address();
+  server.close();
+  await once(server, "close");
+  return port;
+}
+
+async function start() {
+  host = await startHost({ port, options: ["--scenes", folder] });
+  script = await openSession(host.address);
+}
+
+async function restart(signal) {
+  host.kill(signal);
+  await host.ended();
+  await start();
+}
+
+const pushed = (name) => script.pushes.filter(({ push }) => push === name);
+const scene = async () => (await must(script, { op: "scene" })).nodes.map(({ node, graph }) => [node, graph]);
+
+before(async () => {
+  folder = mkdtempSync(join(tmpdir(), "iohost-scenes-"));
+  port = await freePort();
+  await start();
+});
+after(async () => {
+  await host.end();
+  rmSync(folder, { recursive: true });
+});
+
+test("pages are told which nodes changed, what can be undone, and whether it's saved", async () => {
+  const other = await openSession(host.address);
+  const told = async (request, scene, history) => {
+    const from = other.pushes.length;
+    await must(script, request);
+    const news = () => other.pushes.slice(from).filter(({ push }) => push === "scene" || push === "history");
+    await until("the pushes", () => news().length === (scene ? 1 : 0) + (history ? 1 : 0));
+    const [first, second] = news();
+    if (scene) {
+      assert.deepEqual([first.nodes, first.changed], scene);
+    }
+    if (history) {
+      const { undo, redo, file, unsaved } = scene ? second : first;
+      assert.deepEqual([undo?.name ?? null, redo?.name ?? null, file, unsaved], history);
+    }
+  };
+  const { undo, redo, file } = other.pushes.find(({ push }) => push === "history");
+  assert.deepEqual([undo, redo, file], [null, null, null]);
+  const create = { op: "create", type: "{8164BB40-6B6A-4707-88B7-386BCB0D1B01}", clip: "Demo" };
+  await told({ ...create, node: "k", graph: "Keys" }, [undefined, ["k"]], ["Add Keys", null, null, true]);
+  await told({ ...create, node: "l", graph: "More" }, [undefined, ["l"]], ["Add More", null, null, true]);
+  await told({ op: "edit", node: "k", param: 2, int: 0 }, [["k"], undefined], ["Change Keys", null, null, true]);
+  await told({ op: "edit", node: "k", param: 2, int: 0 });
+  await told({ op: "trigger", node: "k", param: 2 }).catch(() => {}); // no event input, and nothing to tell
+  await told({ op: "place", nodes: { k: { x: 1, y: 2 } } }, [undefined, ["k"]], ["Move Keys", null, null, true]);
+  await told({ op: "save", file: "keys.json" }, undefined, ["Move Keys", null, "keys.json", false]);
+  await told({ op: "undo" }, [undefined, ["k"]], ["Change Keys", "Move Keys", "keys.json", true]);
+  await told({ op: "redo" }, [undefined, ["k"]], ["Move Keys", null, "keys.json", false]);
+  await told({ op: "load", scene: EMPTY }, [undefined, undefined], ["Open a scene", null, null, false]);
+  await other.close();
+});
+
+test("the scenes of the folder are listed", async () => {
+  mkdirSync(join(folder, "show"));
+  for (const name of ["show/b.json", ".hidden.json", "notes.txt", "a.json"]) {
+    writeFileSync(join(folder, name), "{}");
+  }
+  symlinkSync("a.json", join(folder, "link.json"));
+  const { files } = await must(script, { op: "scenes" });
+  assert.deepEqual(files.map(({ file, bytes }) => [file, bytes > 0]), [["a.json", true], ["keys.json", true], ["show/b.json", true]]);
+  assert.ok(Math.abs(files[0].modified_ms - Date.now()) < 600_000);
+});
+
+test("the scene is downloaded and uploaded as a file", async () => {
+  await createNode(script, "m", Type.mouse, "Mouse 1");
+  const file = await ask(host.address, "/scene");
+  assert.equal(file.status, 200);
+  assert.match(file.headers["content-disposition"], /^attachment/);
+  assert.deepEqual(JSON.parse(file.body).nodes.map(({ node }) => node), ["m"]);
+  await must(script, { op: "load", scene: EMPTY });
+  const upload = (body, headers) => ask(host.address, "/scene", { method: "POST", body, headers });
+  const loaded = await upload(file.body);
+  assert.deepEqual([loaded.status, JSON.parse(loaded.body).ok], [200, true]);
+  assert.deepEqual(await scene(), [["m", "Mouse 1"]]);
+  for (const [body, error] of [
+    ["{", /^scene: not JSON/],
+    ["{}", /^scene\.format: is missing$/],
+    [JSON.stringify({ ...EMPTY, nodes: [{ node: "x" }] }), /^scene\.nodes\[0\]\.type: is missing$/],
+    [file.body.replace('"graph": "Mouse 1"', '"graph": 5'), /^scene\.nodes\[0\]\.graph: must be a string$/],
+    ["[".repeat(100_000), /nested/],
+  ]) {
+    const reply = JSON.parse((await upload(body)).body);
+    assert.equal(reply.ok, false);
+    assert.match(reply.error, error);
+  }
+  assert.equal((await upload(file.body, { origin: "http://elsewhere.example" })).status, 403);
+  assert.deepEqual(await scene(), [["m", "Mouse 1"]]);
+});
+
+test("what wasn't saved outlives a crash and an end, and is taken or discarded", async () => {
+  await must(script, { op: "load", scene: EMPTY });
+  await must(script, { op: "save", file: "show.json" });
+  await createNode(script, "m", Type.mouse, "Mouse 1");
+  const aside = join(folder, `.unsaved-${port}.json`);
+  await until("it's written aside", () => existsSync(aside));
+  await restart("SIGKILL");
+  const hello = () => pushed("hello")[0];
+  assert.ok(hello().recovered.modified_ms > 0);
+  assert.deepEqual(await scene(), []);
+  await must(script, { op: "recover", take: true });
+  assert.deepEqual(await scene(), [["m", "Mouse 1"]]);
+  const { file, unsaved } = await must(script, { op: "history" });
+  assert.deepEqual([file, unsaved], ["show.json", true]);
+  assert.deepEqual(await script.request({ op: "recover", take: true }), { ok: false, error: "op: nothing unsaved was left" });
+
+  // An end writes what changed last.
+  await must(script, { op: "rename", node: "m", graph: "Pointer" });
+  await restart("SIGTERM");
+  assert.ok(hello().recovered !== undefined);
+  assert.equal(JSON.parse(readFileSync(join(folder, `.left-${port}.json`))).nodes[0].graph, "Pointer");
+  await must(script, { op: "recover", take: false });
+  assert.deepEqual(await scene(), []);
+
+  // What is saved leaves nothing.
+  await createNode(script, "m", Type.mouse, "Mouse 1");
+  await until("it's written aside", () => existsSync(aside));
+  await must(script, { op: "save", file: "show.json" });
+  await until("it's gone", () => !existsSync(aside));
+  await restart("SIGKILL");
+  assert.equal(hello().recovered, undefined);
+});
