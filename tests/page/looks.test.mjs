@@ -7,7 +7,7 @@ import { createNode, Type, until } from "./support/session.mjs";
 
 useScene({ start: () => ({ options: ["--texts", "zh"] }) });
 
-const TABS = ["log", "keyboard", "hands", "network", "json"];
+const TABS = ["log", "keyboard", "hands", "network", "json", "objects"];
 
 const tab = (view, name) => view.page.locator(`[data-tab=${name}]`).click();
 const language = (view) => view.page.evaluate(() => document.documentElement.lang);

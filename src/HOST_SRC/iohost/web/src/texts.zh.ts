@@ -192,6 +192,7 @@ export const ZH = {
   "it has no WebGL 2": "不支持 WebGL 2",
 
   // Network
+  "Devices and other hosts": "设备与其他主机",
   "Listen only": "只监听",
   "What nodes send to devices is shown here and goes nowhere. Broadcasts go out all the same.":
     "节点发给设备的内容只在此显示，不会发出。广播照常发出。",

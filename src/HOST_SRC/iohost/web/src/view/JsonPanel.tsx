@@ -112,7 +112,7 @@ export function JsonPanel({ host }: PanelProps) {
           </p>
         )}
       </form>
-      <section class="json-side" aria-label={t("What the nodes made of their last texts")}>
+      <section class="json-side" tabIndex={0} aria-label={t("What the nodes made of their last texts")}>
         {deviceNodes.length + objectNodes.length === 0 && <p class="empty">{t("The scene has no JSON node.")}</p>}
         {[...deviceNodes, ...objectNodes].map((node) => (
           <div class="json-node" key={node.node}>

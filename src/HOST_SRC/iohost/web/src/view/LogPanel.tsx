@@ -101,6 +101,7 @@ export function LogPanel({ host, desk }: PanelProps) {
         class="log"
         ref={list}
         tabIndex={0}
+        role="log"
         aria-label={t("Log lines")}
         aria-live="off"
         data-log

@@ -42,7 +42,7 @@ export function NetworkPanel({ host, shown }: PanelProps) {
           </button>
         )}
       </div>
-      <div class="network">
+      <div class="network" tabIndex={0} role="group" aria-label={t("Devices and other hosts")}>
         {isAdding && (
           <article class="peer">
             <DeviceForm host={host} device={null} onDone={() => setAdding(false)} />
@@ -176,8 +176,8 @@ function Bytes({ label, field, bytes }: { label: string; field: string; bytes: M
         {label}, {bytes.size === 1 ? t("1 byte") : t("{count} bytes", { count: bytes.size })}
         {isCut && `, ${t("the beginning")}`}
       </span>
-      <code data-bytes="text">{bytes.text}</code>
-      <code class="bytes-hex" data-bytes="hex">
+      <code tabIndex={0} data-bytes="text">{bytes.text}</code>
+      <code class="bytes-hex" tabIndex={0} data-bytes="hex">
         {pairedHex(bytes.hex)}
       </code>
     </div>

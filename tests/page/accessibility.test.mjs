@@ -1,0 +1,67 @@
+// The page by the rules of WCAG 2.2 AA, as far as a program can tell.
+import assert from "node:assert/strict";
+import { readFileSync } from "node:fs";
+import { createRequire } from "node:module";
+import { test } from "node:test";
+import * as is from "./support/page.mjs";
+import { page, script, useScene } from "./support/scene.mjs";
+import { createNode, must, Type } from "./support/session.mjs";
+
+const AXE = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
+const RULES = ["wcag2a", "wcag2aa", "wcag21aa", "wcag22aa"];
+const TABS = ["log", "keyboard", "hands", "network", "json", "objects"];
+const LANGUAGES = ["EN", "中文"];
+
+const NET_SEND = { type: "04", devId: 402, send: 410 };
+const DEVICE_JSON = { type: "0E" };
+const TEXT_APPEND = 203;
+
+useScene({
+  // Something of all that may stand there: what fired, an error in the log, what is held, a verdict, what would be sent.
+  prepare: async () => {
+    const send = (request) => must(script, request);
+    await createNode(script, "t", Type.textField, "Text field 1");
+    await createNode(script, "n", NET_SEND.type, "Net send 1");
+    await createNode(script, "j", DEVICE_JSON.type, "Device JSON 1");
+    await createNode(script, "v", Type.vrHandle, "VR handle 1");
+    await send({ op: "link", from: "k", output: is.KEY_DOWN[1], to: "t", input: TEXT_APPEND });
+    await send({ op: "devices", list: [{ id: 1, name: "Stage", parser: "framed", address: "127.0.0.1:9" }] });
+    await send({ op: "listen_only", on: true });
+    await send({ op: "set", node: "n", param: NET_SEND.devId, string: "1" });
+    await send({ op: "trigger", node: "n", param: NET_SEND.send });
+    await send({ op: "event", device: 0, event: 2002, payload: { is: "key", text: "a" } });
+    await send({ op: "event", device: 5, event: 0, payload: { is: "device_text", device: 1, text: "no JSON" } });
+    await script.request({ op: "event", node: "m", record: null });
+  },
+});
+
+/** What breaks a rule, told by rule and element. */
+async function violationsIn(part) {
+  const { violations } = await page.page.evaluate(
+    ([part, rules]) => window.axe.run(part, { runOnly: rules, resultTypes: ["violations"], preload: false }),
+    [part, RULES],
+  );
+  return violations.flatMap(({ id, nodes }) => nodes.map(({ target, any, all }) => `${id} ${target} ${[...any, ...all].map(({ message }) => message)}`));
+}
+
+for (const colorScheme of ["dark", "light"]) {
+  for (const language of LANGUAGES) {
+    test(`no rule is broken on any tab, ${colorScheme}, ${language}`, async () => {
+      await page.page.emulateMedia({ colorScheme });
+      await page.page.evaluate(AXE);
+      await page.page.getByRole("button", { name: language, exact: true }).click();
+      await page.moveTo(20, 20);
+      await page.mouse.down();
+      await page.moveTo(200, 30);
+      await page.mouse.up();
+      await page.page.locator(".verdict").waitFor();
+      const found = { page: await violationsIn("html") };
+      for (const tab of TABS) {
+        await page.page.locator(`[data-tab=${tab}]`).click();
+        await page.page.locator(`#panel-${tab} :visible`).first().waitFor();
+        found[tab] = await violationsIn(`#panel-${tab}`);
+      }
+      assert.deepEqual(found, Object.fromEntries(["page", ...TABS].map((part) => [part, []])));
+    });
+  }
+}
