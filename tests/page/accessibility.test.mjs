@@ -65,3 +65,23 @@ for (const colorScheme of ["dark", "light"]) {
     });
   }
 }
+
+test("no rule is broken by what opens above the page", async () => {
+  await page.page.evaluate(AXE);
+  const found = {};
+  for (const [name, key, opened] of [["Save as", null, "dialog"], ["Open", null, "dialog"], ["History", null, ".history-list"], ["palette", "Control+k", "[data-palette]"]]) {
+    await (key === null ? page.page.getByRole("button", { name, exact: true }).click() : page.page.keyboard.press(key));
+    await page.page.locator(opened).waitFor();
+    found[name] = await violationsIn(opened);
+    await page.page.keyboard.press("Escape");
+    await page.page.locator(opened).waitFor({ state: "detached" });
+  }
+  assert.deepEqual(found, { "Save as": [], Open: [], History: [], palette: [] });
+});
+
+test("no rule is broken on a phone", async () => {
+  await page.page.setViewportSize({ width: 390, height: 844 });
+  await page.page.locator(".phone").waitFor();
+  await page.page.evaluate(AXE);
+  assert.deepEqual(await violationsIn("html"), []);
+});

@@ -19,8 +19,8 @@ export class Desk {
   readonly surfaceIsLarge = signal(false);
   /** Chooses nodes on the canvas, which sets this while it's there. */
   choose: (nodes: readonly string[]) => void = () => {};
-  /** Chooses a node and brings it into sight. */
-  goTo: (node: string) => void = () => {};
+  /** Chooses a node and brings it into sight; without a canvas, its card. */
+  goTo: (node: string) => void = (node) => document.getElementById(`node-${node}`)?.scrollIntoView({ block: "start" });
 
   /** Tells what was wrong, or else what was done. */
   tell(error: string | null, done: string): void {

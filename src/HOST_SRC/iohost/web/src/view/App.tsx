@@ -1,4 +1,4 @@
-import { useState } from "preact/hooks";
+import { useMemo } from "preact/hooks";
 import { Desk, DeskContext } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
@@ -10,22 +10,27 @@ import { lazyView } from "./lazyView.tsx";
 import { RecoveredBanner } from "./RecoveredBanner.tsx";
 import { RenderSurface } from "./RenderSurface.tsx";
 import { TopBar } from "./TopBar.tsx";
+import { usePhone } from "./usePhone.ts";
 
 const Canvas = lazyView(async () => (await import("../graph/Canvas.tsx")).Canvas);
 
 export function App({ host }: { host: Host }) {
-  const [desk] = useState(() => new Desk());
+  const isPhone = usePhone();
+  // Without the canvas nothing is chosen.
+  const desk = useMemo(() => new Desk(), [isPhone]);
   return (
     <DeskContext.Provider value={desk}>
-      <div class="app">
+      <div class={isPhone ? "app phone" : "app"}>
         <TopBar host={host} desk={desk} />
         <ConnectionBanner host={host} />
         <RecoveredBanner host={host} desk={desk} />
         <main class={desk.surfaceIsLarge.value ? "desk desk-surface" : "desk"}>
           <div class="stage">
-            <section class="panel canvas" aria-label={t("Graph of the scene")}>
-              <Canvas host={host} desk={desk} />
-            </section>
+            {!isPhone && (
+              <section class="panel canvas" aria-label={t("Graph of the scene")}>
+                <Canvas host={host} desk={desk} />
+              </section>
+            )}
             <Dock host={host} desk={desk} />
           </div>
           <div class="side">
