@@ -12,6 +12,7 @@ import { createNode, must, openSession, Type, until } from "./support/session.mj
 
 const EMPTY = { format: "iohost scene", version: 1 };
 
+let temporary;
 let folder;
 let port;
 let host;
@@ -42,13 +43,15 @@ const pushed = (name) => script.pushes.filter(({ push }) => push === name);
 const scene = async () => (await must(script, { op: "scene" })).nodes.map(({ node, graph }) => [node, graph]);
 
 before(async () => {
-  folder = mkdtempSync(join(tmpdir(), "iohost-scenes-"));
+  temporary = mkdtempSync(join(tmpdir(), "iohost-scenes-"));
+  folder = join(temporary, "scenes");
+  mkdirSync(folder);
   port = await freePort();
   await start();
 });
 after(async () => {
   await host.end();
-  rmSync(folder, { recursive: true });
+  rmSync(temporary, { recursive: true });
 });
 
 test("pages are told which nodes changed, what can be undone, and whether it's saved", async () => {
@@ -151,4 +154,17 @@ test("what wasn't saved outlives a crash and an end, and is taken or discarded",
   await until("it's gone", () => !existsSync(aside));
   await restart("SIGKILL");
   assert.equal(hello().recovered, undefined);
+});
+
+test("the scene that the host begins with is known by its name in the folder, and no step", async () => {
+  for (const [file, name] of [["show.json", "show.json"], ["../outside-of-scenes.json", null]]) {
+    const path = join(folder, file);
+    writeFileSync(path, JSON.stringify(EMPTY));
+    const other = await startHost({ options: ["--scenes", folder, "--scene", path] });
+    const session = await openSession(other.address);
+    const { steps, file: told, unsaved } = await must(session, { op: "history" });
+    assert.deepEqual([steps, told, unsaved], [[], name, false]);
+    await session.close();
+    await other.end();
+  }
 });

@@ -48,6 +48,9 @@ public:
         : m_session(session), m_fFps(options.fFps), m_files(files), m_scenes(options.sceneFolder, options.nPort),
           m_terminal(session, m_output.Stream()), m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }) {
         m_session.Attach(*this);
+        // Connections know the scene of --scene by its name in their folder.
+        CHistory& history = m_session.History();
+        history.NoteSaved(m_scenes.NameOf(history.File().strName));
     }
 
     ~CPageServer() { m_session.Detach(*this); }

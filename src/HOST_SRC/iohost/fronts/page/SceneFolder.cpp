@@ -72,6 +72,12 @@ void CSceneFolder::ForgetLeft() {
     m_leftScene.reset();
 }
 
+std::string CSceneFolder::NameOf(const std::string& strFile) const {
+    const std::filesystem::path folder = RealPath(m_folder);
+    const std::filesystem::path file = RealPath(PathFromUtf8(strFile));
+    return !folder.empty() && IsWithin(file, folder) ? Utf8(file.lexically_relative(folder)) : std::string();
+}
+
 /// The file's path; a name that leads out of the folder is refused.
 std::string CSceneFolder::Place(const std::string& strName) const {
     constexpr char OUTSIDE[] = "must be the name of a file in the folder of scenes";

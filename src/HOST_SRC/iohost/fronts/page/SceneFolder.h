@@ -26,6 +26,9 @@ public:
     std::string ReadLeft() override;
     void ForgetLeft() override;
 
+    /// What a file of the system is called in the folder; empty where it isn't in it.
+    std::string NameOf(const std::string& strFile) const;
+
     const std::optional<SLeftScene>& Left() const { return m_leftScene; }
 
     /// Where this host writes what isn't saved; empty: nowhere.
