@@ -58,7 +58,8 @@ TEST_F(Peers, AnItemThatFailsDoesNotStopTheOthers) {
     m_network.SetDevices({{{.nId = 3,
                             .strName = "Wall",
                             .nParser = EDeviceParser::Framed,
-                            .address = CTestPeers::Endpoint(m_listener.Port())}}});
+                            .address = CTestPeers::Endpoint(m_listener.Port()),
+                            .dropAfter = {}}}});
     m_network.Listen({.address = "127.0.0.1", .broadcast = 0, .control = std::nullopt});
     m_network.AwaitFirstAttempts(60'000);
     auto device = m_listener.Accept();

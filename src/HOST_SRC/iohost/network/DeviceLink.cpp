@@ -18,8 +18,8 @@ constexpr std::chrono::seconds REFUSALS_END{10};
 CDeviceLink::CDeviceLink(CPeerLoop& loop, SDeviceSetup setup)
     : m_loop(loop), m_state{.setup = std::move(setup)}, m_tState(steady_clock::now()) {
     m_device.m_nId = Setup().nId;
-    m_device.m_strName = FromUtf8(Setup().strName);
     m_device.m_pSocket = &m_deviceSocket;
+    Change(Setup());
 }
 
 void CDeviceLink::Start() {
@@ -39,6 +39,25 @@ void CDeviceLink::Stop() {
     m_bStopped = true;
     m_pConnection->Close();
     m_reconnection.Stop();
+}
+
+bool CDeviceLink::Reaches(const SDeviceSetup& setup) const {
+    return setup.nId == Setup().nId && setup.nParser == Setup().nParser && setup.address == Setup().address;
+}
+
+void CDeviceLink::Change(const SDeviceSetup& setup) {
+    m_state.setup = setup;
+    m_device.m_strName = FromUtf8(setup.strName);
+}
+
+void CDeviceLink::TryNow() {
+    if (!Setup().address) {
+        Refuse("device", Description() + " has no address");
+    }
+    if (m_state.nState == ELinkState::Waiting) {
+        m_bTried = false;
+        m_reconnection.TryNow();
+    }
 }
 
 SDeviceState CDeviceLink::State() const {
@@ -62,19 +81,30 @@ SDeviceState CDeviceLink::State() const {
 bool CDeviceLink::SendItem(const CZtBaseNetProtocol& item) {
     const auto* pItem = dynamic_cast<const CQORNetItemPlayCtlProtocol*>(&item);
     if (pItem == nullptr || dynamic_cast<const CQORPanelRemoteCtrlData*>(pItem->m_pAttachedData) == nullptr) {
-        return RefuseItem(m_wrongItemLine, "the item isn't a record");
+        RefuseItem(m_wrongItemLine, "the item isn't a record");
+        return false;
     }
     m_loop.OnSent({Setup().nId, pItem, {}});
-    return Queue(WriteItem(m_frameWriter, *pItem));
+    return Queue(WriteItem(m_frameWriter, *pItem)) == nullptr;
 }
 
 bool CDeviceLink::SendBytes(std::span<const unsigned char> bytes) {
     m_loop.OnSent({Setup().nId, nullptr, bytes});
-    return Queue(bytes);
+    return Queue(bytes) == nullptr;
 }
 
-/// Never waits. No bytes are an item that is too long for a frame.
-bool CDeviceLink::Queue(std::span<const unsigned char> bytes) {
+void CDeviceLink::Send(std::span<const unsigned char> bytes) {
+    if (Setup().nParser != EDeviceParser::Direct && Setup().nParser != EDeviceParser::JsonLines) {
+        Refuse("device", Description() + " takes no texts: its parser is " + NameOf(Setup().nParser));
+    }
+    m_loop.OnSent({Setup().nId, nullptr, bytes});
+    if (const char* pszReason = Queue(bytes)) {
+        Refuse("text", pszReason);
+    }
+}
+
+/// Never waits. No bytes are an item that is too long for a frame. Answers why it was refused; null: it wasn't.
+const char* CDeviceLink::Queue(std::span<const unsigned char> bytes) {
     m_loop.OnStateChanged();
     const bool bShownOnly = !Setup().address || m_loop.IsListenOnly();
     if (bytes.empty() || (!bShownOnly && bytes.size() > CSendQueue::MOST_BYTES)) {
@@ -87,24 +117,23 @@ bool CDeviceLink::Queue(std::span<const unsigned char> bytes) {
     m_state.lastSent->bSent = !bShownOnly;
     if (bShownOnly) {
         ++m_state.nShown;
-        return true;
+        return nullptr;
     }
     if (m_nRefusedLately > 0 && steady_clock::now() - m_tRefused >= REFUSALS_END) {
         WriteHostLine(LOG_INFORMATION, Description() + ": items are taken again after " +
                                            std::to_string(std::exchange(m_nRefusedLately, 0)) + " refused");
     }
     Write();
-    return true;
+    return nullptr;
 }
 
-/// Always false.
-bool CDeviceLink::RefuseItem(CLimitedLine& line, const char* pszReason) {
+const char* CDeviceLink::RefuseItem(CLimitedLine& line, const char* pszReason) {
     ++m_state.nRefused;
     ++m_nRefusedLately;
     m_tRefused = steady_clock::now();
     line.Write(Description() + ": " + pszReason + ", the item is refused");
     m_loop.OnStateChanged();
-    return false;
+    return pszReason;
 }
 
 // ---- The connection -----------------------------------------------------------------------------------------------

@@ -20,6 +20,18 @@ public:
     void Start();
     void Stop();
 
+    /// Whether a device that is set up so is reached over this link's connection.
+    bool Reaches(const SDeviceSetup& setup) const;
+
+    /// Take over what doesn't concern the connection.
+    void Change(const SDeviceSetup& setup);
+
+    /// Try now to connect, unless that is under way or done.
+    void TryNow();
+
+    /// Send bytes that no node sent; refuses what the device doesn't take.
+    void Send(std::span<const unsigned char> bytes);
+
     /// Write what waits, if it may be written now.
     void Write() { m_pConnection->Write(); }
 
@@ -35,8 +47,8 @@ public:
 private:
     bool SendItem(const CZtBaseNetProtocol& item) override;
     bool SendBytes(std::span<const unsigned char> bytes) override;
-    bool Queue(std::span<const unsigned char> bytes);
-    bool RefuseItem(CLimitedLine& line, const char* pszReason);
+    const char* Queue(std::span<const unsigned char> bytes);
+    const char* RefuseItem(CLimitedLine& line, const char* pszReason);
 
     Awaitable<void> Run();
     void SetState(ELinkState nState);

@@ -108,15 +108,31 @@ std::string ConfiguredPortProblem() {
 
 void CPeers::SetDevices(std::optional<std::vector<SDeviceSetup>> setups) {
     StopDevices();
+    ChangeDevices(std::move(setups));
+}
+
+void CPeers::ChangeDevices(std::optional<std::vector<SDeviceSetup>> setups) {
+    std::vector<std::shared_ptr<CDeviceLink>> former = std::exchange(m_links, {});
+    std::vector<std::shared_ptr<CDeviceLink>> made;
+    m_arDevice.RemoveAll();
     m_bDeviceList = setups.has_value();
-    if (setups) {
-        for (SDeviceSetup& setup : *setups) {
-            const auto pLink = std::make_shared<CDeviceLink>(m_loop, std::move(setup));
-            m_arDevice.Add(&pLink->Device());
-            m_links.push_back(pLink);
-            pLink->Start();
+    for (const SDeviceSetup& setup : setups.value_or(std::vector<SDeviceSetup>())) {
+        const auto kept = std::ranges::find_if(former, [&](const auto& pLink) { return pLink->Reaches(setup); });
+        if (kept != former.end()) {
+            (*kept)->Change(setup);
+            m_links.push_back(*kept);
+            former.erase(kept);
+        } else {
+            m_links.push_back(made.emplace_back(std::make_shared<CDeviceLink>(m_loop, setup)));
         }
-        SetNetPlayCtrlDevices(&m_arDevice);
+        m_arDevice.Add(&m_links.back()->Device());
+    }
+    SetNetPlayCtrlDevices(m_bDeviceList ? &m_arDevice : nullptr);
+    for (const auto& pLink : former) {
+        pLink->Stop();
+    }
+    for (const auto& pLink : made) {
+        pLink->Start();
     }
     m_loop.OnStateChanged();
 }
@@ -165,6 +181,24 @@ void CPeers::Close() {
     StopDevices();
     Replace(m_pBroadcast, {});
     Replace(m_pControl, {});
+}
+
+const SDeviceSetup* CPeers::FindDevice(int nId) const {
+    const CDeviceLink* pLink = FindLink(nId);
+    return pLink != nullptr ? &pLink->Setup() : nullptr;
+}
+
+CDeviceLink* CPeers::FindLink(int nId) const {
+    const auto found = std::ranges::find(m_links, nId, [](const auto& pLink) { return pLink->Setup().nId; });
+    return found != m_links.end() ? found->get() : nullptr;
+}
+
+CDeviceLink& CPeers::LinkOf(int nId) const {
+    CDeviceLink* pLink = FindLink(nId);
+    if (pLink == nullptr) {
+        Refuse("device", "there is no device " + std::to_string(nId));
+    }
+    return *pLink;
 }
 
 void CPeers::StopDevices() {

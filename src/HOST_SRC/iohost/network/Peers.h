@@ -30,14 +30,26 @@ public:
     /// The loop that all of it runs in. A front may run it, and may put its own work into it.
     boost::asio::io_context& Context() { return m_loop.Context(); }
 
-    /// Replace the devices; nothing: there is no list then.
+    /// Replace the devices and connect each anew; nothing: there is no list then.
     void SetDevices(std::optional<std::vector<SDeviceSetup>> setups);
+
+    /// Replace the devices, and leave those that are reached as before their connections and what waits for them.
+    void ChangeDevices(std::optional<std::vector<SDeviceSetup>> setups);
+
+    /// How the device of that id is set up; null for an unknown one.
+    const SDeviceSetup* FindDevice(int nId) const;
 
     /// The devices as they were set.
     std::optional<std::vector<SDeviceSetup>> Devices() const;
 
     /// Listen on these ports in place of others; refuses a port that can't be had, and then nothing is changed.
     void Listen(const SListenSetup& setup);
+
+    /// Try now to connect to a device; refuses one that isn't there or has no address.
+    void Connect(int nId) { LinkOf(nId).TryNow(); }
+
+    /// Send bytes to a device as a node would; refuses what it doesn't take.
+    void Send(int nId, std::span<const unsigned char> bytes) { LinkOf(nId).Send(bytes); }
 
     /// Receive broadcasts on the port for as long as the host runs, trying again while it can't be had.
     void KeepReceivingBroadcasts(unsigned short nPort);
@@ -67,6 +79,8 @@ public:
     void Close();
 
 private:
+    CDeviceLink* FindLink(int nId) const;
+    CDeviceLink& LinkOf(int nId) const;
     void StopDevices();
 
     CPeerLoop m_loop;

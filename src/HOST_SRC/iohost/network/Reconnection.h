@@ -22,6 +22,12 @@ public:
         return Pause(m_timer, pause);
     }
 
+    /// It's time to try again.
+    void TryNow() {
+        m_pause = SHORTEST_PAUSE;
+        m_timer.cancel();
+    }
+
     void Stop() { m_timer.cancel(); }
 
 private:

@@ -300,6 +300,21 @@ OrderedJson Codec<SLastBytes>::Write(const SLastBytes& value) {
     return last;
 }
 
+void Codec<std::chrono::milliseconds>::Read(std::chrono::milliseconds& value, const Json& json,
+                                            const std::string& strPath) {
+    constexpr std::chrono::duration<float> SHORTEST = std::chrono::milliseconds(1);
+    constexpr std::chrono::duration<float> LONGEST = std::chrono::hours(24);
+    const std::chrono::duration<float> time(ReadFloat(json, strPath));
+    if (time < SHORTEST || time > LONGEST) {
+        Refuse(strPath, "must be from 0.001 to 86400 seconds");
+    }
+    value = std::chrono::round<std::chrono::milliseconds>(time);
+}
+
+OrderedJson Codec<std::chrono::milliseconds>::Write(std::chrono::milliseconds value) {
+    return std::chrono::duration<double>(value).count();
+}
+
 void Codec<boost::asio::ip::tcp::endpoint>::Read(boost::asio::ip::tcp::endpoint& value, const Json& json,
                                                  const std::string& strPath) {
     const std::string& strText = ReadText(json, strPath);

@@ -46,8 +46,15 @@ struct Codec<boost::asio::ip::tcp::endpoint> { ///< 127.0.0.1:9000
     static OrderedJson Write(const boost::asio::ip::tcp::endpoint& value) { return EndpointText(value); }
 };
 
+template <>
+struct Codec<std::chrono::milliseconds> { ///< in seconds
+    static void Read(std::chrono::milliseconds& value, const Json& json, const std::string& strPath);
+    static OrderedJson Write(std::chrono::milliseconds value);
+};
+
 SHAPE(SDeviceSetup, SField{"id", &T::nId}, SField{"name", &T::strName}, SField{"parser", &T::nParser},
-      SField{"address", &T::address, FIELD_DEFAULTED | FIELD_NULLABLE})
+      SField{"address", &T::address, FIELD_DEFAULTED | FIELD_NULLABLE},
+      SField{"drop_after", &T::dropAfter, FIELD_OPTIONAL})
 
 /// Without "format" and "version", which are a file's.
 SHAPE(SSceneDocument, SField{"clips", &T::clips, FIELD_DEFAULTED}, SField{"nodes", &T::nodes, FIELD_DEFAULTED},
@@ -126,6 +133,12 @@ TAGGED(SChangeObjectCommand, "change_object", SField{"clip", &T::strClip}, SFiel
 TAGGED(SRemoveObjectCommand, "remove_object", SField{"clip", &T::strClip}, SField{"name", &T::strName})
 TAGGED(SObjectsCommand, "objects")
 TAGGED(SDevicesCommand, "devices", SField{"list", &T::devices, FIELD_NULLABLE})
+TAGGED(SDeviceCommand, "device", SField{"device", &T::nId}, SField{"name", &T::strName}, SField{"parser", &T::nParser},
+       SField{"address", &T::address, FIELD_DEFAULTED | FIELD_NULLABLE},
+       SField{"drop_after", &T::dropAfter, FIELD_DEFAULTED | FIELD_NULLABLE})
+TAGGED(SRemoveDeviceCommand, "remove_device", SField{"device", &T::nId})
+TAGGED(SConnectCommand, "connect", SField{"device", &T::nId})
+TAGGED(SSendCommand, "send", SField{"device", &T::nId}, SField{"text", &T::strText})
 TAGGED(SListenCommand, "listen", SField{"broadcast", &T::broadcast, FIELD_OPTIONAL},
        SField{"control", &T::control, FIELD_OPTIONAL | FIELD_NULLABLE}, SField{"address", &T::address, FIELD_OPTIONAL})
 TAGGED(SWaitCommand, "wait", SField{"ms", &T::nMilliseconds})

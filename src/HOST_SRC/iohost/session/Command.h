@@ -181,6 +181,24 @@ struct SDevicesCommand {
     DeviceSetups devices;
 };
 
+/// Adds the device, or changes the one of its id.
+struct SDeviceCommand : SDeviceSetup {
+    SDeviceCommand() { dropAfter = std::chrono::seconds(2); }
+};
+
+struct SRemoveDeviceCommand {
+    int nId = 0;
+};
+
+struct SConnectCommand {
+    int nId = 0;
+};
+
+struct SSendCommand {
+    int nId = 0;
+    std::string strText;
+};
+
 struct SListenCommand {
     std::optional<std::string> address = {}; ///< numeric; none: broadcasts from anywhere, records from this machine
     std::optional<std::optional<unsigned short>> broadcast =
@@ -252,11 +270,12 @@ using Command =
     std::variant<SCatalogueCommand, SCallCommand, SCreateCommand, SInspectCommand, SInitCommand, SOutputsCommand,
                  SEvaluateCommand, SProcessCommand, SFrameCommand, SEventCommand, SJsonCommand, SReleaseHeldCommand,
                  SSetCommand, SEditCommand, STriggerCommand, SDropCommand, SLinkCommand, SUnlinkCommand, SKeysCommand,
-                 SClockCommand, SMainWindowCommand, SObjectCommand, SObjectsCommand, SDevicesCommand, SListenCommand,
-                 SWaitCommand, SNetworkCommand, SListenOnlyCommand, SLayoutCommand, SDestroyCommand, SSaveCommand,
-                 SLoadCommand, SSceneCommand, SRecordingCommand, SQuitCommand, SRenameCommand, SPlaceCommand,
-                 SChangeObjectCommand, SRemoveObjectCommand, SBatchCommand, SUndoCommand, SRedoCommand, SHistoryCommand,
-                 SScenesCommand, SRecoverCommand>;
+                 SClockCommand, SMainWindowCommand, SObjectCommand, SObjectsCommand, SDevicesCommand, SDeviceCommand,
+                 SRemoveDeviceCommand, SConnectCommand, SSendCommand, SListenCommand, SWaitCommand, SNetworkCommand,
+                 SListenOnlyCommand, SLayoutCommand, SDestroyCommand, SSaveCommand, SLoadCommand, SSceneCommand,
+                 SRecordingCommand, SQuitCommand, SRenameCommand, SPlaceCommand, SChangeObjectCommand,
+                 SRemoveObjectCommand, SBatchCommand, SUndoCommand, SRedoCommand, SHistoryCommand, SScenesCommand,
+                 SRecoverCommand>;
 
 struct SCommands {
     std::vector<Command> list;
@@ -273,9 +292,9 @@ inline constexpr bool CHANGES_PARAMETERS =
 /// Whether commands of a kind can be part of a batch: each is a step of the scene's history.
 template <typename Kind>
 inline constexpr bool FITS_BATCH =
-    CHANGES_PARAMETERS<Kind> ||
-    IS_ONE_OF<Kind, SCreateCommand, SLinkCommand, SUnlinkCommand, SObjectCommand, SChangeObjectCommand,
-              SRemoveObjectCommand, SDevicesCommand, SDestroyCommand, SRenameCommand, SPlaceCommand>;
+    CHANGES_PARAMETERS<Kind> || IS_ONE_OF<Kind, SCreateCommand, SLinkCommand, SUnlinkCommand, SObjectCommand,
+                                          SChangeObjectCommand, SRemoveObjectCommand, SDevicesCommand, SDeviceCommand,
+                                          SRemoveDeviceCommand, SDestroyCommand, SRenameCommand, SPlaceCommand>;
 
 /// Whether the scene's version counts commands of a kind.
 template <typename Kind>

@@ -442,57 +442,6 @@ Result CSession::On(const SObjectsCommand& /*command*/) {
     return SObjects{ObjectsOf(Scene())};
 }
 
-// ---- The network ------------------------------------------------------------------------------------------------
-
-/// Where the host doesn't run the loop by itself, devices are given the time to be there for the next command.
-void CSession::AwaitDevices() {
-    constexpr unsigned LONGEST_WAIT = 1000;
-    if (!m_peers.RunsAlways()) {
-        m_peers.AwaitFirstAttempts(LONGEST_WAIT);
-    }
-}
-
-void CSession::On(const SDevicesCommand& command) {
-    m_peers.SetDevices(command.devices);
-    AwaitDevices();
-}
-
-Result CSession::On(const SListenCommand& command) {
-    const unsigned short nConfigured = ConfiguredBroadcastPort();
-    const auto configured = nConfigured != 0 ? std::optional(nConfigured) : std::nullopt;
-    m_peers.Listen({command.address, command.broadcast.value_or(configured), command.control});
-    const SNetworkState state = m_peers.State();
-    SListening listening;
-    if (state.broadcast) {
-        listening.broadcast = state.broadcast->nPort;
-    }
-    if (state.control) {
-        listening.control = state.control->nPort;
-    }
-    return listening;
-}
-
-Result CSession::On(const SWaitCommand& command) {
-    constexpr unsigned LONGEST_WAIT = 600'000;
-    if (command.nMilliseconds > LONGEST_WAIT) {
-        Refuse("ms", "is longer than " + std::to_string(LONGEST_WAIT));
-    }
-    if (m_peers.RunsAlways()) {
-        Refuse("op", "the host reads the network by itself here");
-    }
-    m_dispatched.clear();
-    m_peers.Wait(command.nMilliseconds);
-    return SWaited{std::exchange(m_dispatched, {})};
-}
-
-Result CSession::On(const SNetworkCommand& /*command*/) {
-    return m_peers.State();
-}
-
-void CSession::On(const SListenOnlyCommand& command) {
-    m_peers.SetListenOnly(command.bOn);
-}
-
 // ---- The scene as a whole ---------------------------------------------------------------------------------------
 
 Result CSession::On(const SSceneCommand& /*command*/) {

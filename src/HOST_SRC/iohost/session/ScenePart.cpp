@@ -195,7 +195,7 @@ void ChangePart(CHost& host, CPeers& peers, const SScenePart& from, const SScene
         scene.CanvasNotes() = *to.notes;
     }
     if (from.devices != to.devices) {
-        peers.SetDevices(*to.devices);
+        peers.ChangeDevices(*to.devices);
     }
 }
 

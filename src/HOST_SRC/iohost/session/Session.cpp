@@ -80,7 +80,7 @@ SOutcome CSession::CarryOut(const Command& command, const SOrigin& origin) {
 /// What the command changes of the scene becomes a step of its history, also where the module raised an exception. A
 /// batch that fails changes nothing.
 Result CSession::CarryOutStep(const Command& command, const SOrigin& origin) {
-    auto plan = PlanOf(command, Scene());
+    auto plan = PlanOf(command, Scene(), m_peers);
     if (!plan) {
         return Perform(command, origin);
     }

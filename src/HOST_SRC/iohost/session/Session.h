@@ -120,6 +120,10 @@ private:
     void On(const SObjectCommand& command);
     Result On(const SObjectsCommand& command);
     void On(const SDevicesCommand& command);
+    void On(const SDeviceCommand& command);
+    void On(const SRemoveDeviceCommand& command);
+    void On(const SConnectCommand& command);
+    void On(const SSendCommand& command);
     Result On(const SListenCommand& command);
     Result On(const SWaitCommand& command);
     Result On(const SNetworkCommand& command);

@@ -6,7 +6,7 @@ namespace {
 
 class CPlanner {
 public:
-    explicit CPlanner(CScene& scene) : m_scene(scene) {}
+    CPlanner(CScene& scene, const CPeers& peers) : m_scene(scene), m_peers(peers) {}
 
     SStepPlan operator()(const SCreateCommand& command) const {
         return {{"Add " + NameOr(command.strGraph, command.strHandle), "create",
@@ -57,6 +57,14 @@ public:
         return {{"Change devices", "devices", {}}, {.bDevices = true}};
     }
 
+    SStepPlan operator()(const SDeviceCommand& command) const {
+        return OfDevice(m_peers.FindDevice(command.nId) != nullptr ? "Change" : "Add", "device", command.strName);
+    }
+    SStepPlan operator()(const SRemoveDeviceCommand& command) const {
+        const SDeviceSetup* pDevice = m_peers.FindDevice(command.nId);
+        return OfDevice("Remove", "remove_device", pDevice != nullptr ? pDevice->strName : std::string());
+    }
+
     SStepPlan operator()(const SLoadCommand& command) const {
         return {{command.strFile.empty() ? "Open a scene" : "Open " + command.strFile, "load", command.strFile},
                 {.bEverything = true}};
@@ -65,7 +73,7 @@ public:
     SStepPlan operator()(const SBatchCommand& command) const {
         SStepPlan batch{{command.name.value_or("Change the scene"), "batch", {}}, {}};
         for (const Command& part : command.pCommands->list) {
-            batch.scope.Add(PlanOf(part, m_scene)->scope);
+            batch.scope.Add(PlanOf(part, m_scene, m_peers)->scope);
         }
         return batch;
     }
@@ -95,16 +103,21 @@ private:
         return {{strVerb + " object " + Utf8(strName), pszOp, Utf8(strName)}, {.bClips = true}};
     }
 
+    static SStepPlan OfDevice(const std::string& strVerb, const char* pszOp, const std::string& strName) {
+        return {{strVerb + " device " + strName, pszOp, strName}, {.bDevices = true}};
+    }
+
     CScene& m_scene;
+    const CPeers& m_peers;
 };
 
 } // namespace
 
-std::optional<SStepPlan> PlanOf(const Command& command, CScene& scene) {
+std::optional<SStepPlan> PlanOf(const Command& command, CScene& scene, const CPeers& peers) {
     return std::visit(
-        [&scene]<typename Kind>(const Kind& kind) -> std::optional<SStepPlan> {
+        [&]<typename Kind>(const Kind& kind) -> std::optional<SStepPlan> {
             if constexpr (requires(const CPlanner& planner) { planner(kind); }) {
-                return CPlanner(scene)(kind);
+                return CPlanner(scene, peers)(kind);
             } else {
                 static_assert(!FITS_BATCH<Kind>, "what changes the scene is a step");
                 return std::nullopt;

@@ -13,4 +13,4 @@ struct SStepPlan {
 };
 
 /// Nothing for a command that changes nothing of the scene, or moves in the history.
-std::optional<SStepPlan> PlanOf(const Command& command, CScene& scene);
+std::optional<SStepPlan> PlanOf(const Command& command, CScene& scene, const CPeers& peers);

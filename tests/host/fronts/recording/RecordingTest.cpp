@@ -223,6 +223,22 @@ TEST_F(Recording, DevicesAreKeptWithoutTheirAddresses) {
     Talk(R"(network => {"devices":[{"state":"unconnected"}]})");
 }
 
+TEST_F(Recording, ADeviceByItselfIsKeptAndWhatReachesItIsNot) {
+    CTestPeers peers;
+    CTestPeers::CListener listener(peers);
+    Record();
+    Must("device device=4 name=d parser=direct address=" + listener.Address());
+    Must("connect device=4");
+    Must("send device=4 text=cue");
+    Must("remove_device device=4");
+    const auto lines = Lines();
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[1], Json::parse(R"({"op":"device","device":4,"name":"d","parser":"direct","address":null,)"
+                                    R"("drop_after":2.0,"reply":{"ok":true}})"));
+    EXPECT_EQ(lines[2]["op"], "remove_device");
+    ReplaysTheSame();
+}
+
 TEST_F(Recording, ScenesAreKeptInsideAndSavingIsNotRepeated) {
     const auto scene = m_folder.Path() / "scene.json";
     Must(CREATE_MOUSE);

@@ -138,6 +138,7 @@ private:
     std::string Body(Sent*) { return Type<SSentRecord>() + " | " + Type<SSentBytes>(); }
     std::string Body(std::vector<unsigned char>*) { return "string"; } // hexadecimal
     std::string Body(boost::asio::ip::tcp::endpoint*) { return "string"; }
+    std::string Body(std::chrono::milliseconds*) { return "number"; } // seconds
     std::string Body(LineRefusalCounts*) { return "Record<string, number>"; }
     // As their own code writes them.
     std::string Body(SLastBytes*) { return "{ size: number; text: string; hex: string; sent?: boolean }"; }

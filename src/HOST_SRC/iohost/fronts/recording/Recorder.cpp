@@ -10,8 +10,8 @@
 bool IsKept(const Command& command) {
     return std::visit(
         []<typename Kind>(const Kind&) {
-            return !IS_ONE_OF<Kind, SHistoryCommand, SLayoutCommand, SListenCommand, SNetworkCommand, SRecoverCommand,
-                              SSaveCommand, SScenesCommand, SWaitCommand>;
+            return !IS_ONE_OF<Kind, SConnectCommand, SHistoryCommand, SLayoutCommand, SListenCommand, SNetworkCommand,
+                              SRecoverCommand, SSaveCommand, SScenesCommand, SSendCommand, SWaitCommand>;
         },
         command);
 }
@@ -26,6 +26,8 @@ Command WithoutAddresses(Command command) {
     };
     if (auto* pDevices = std::get_if<SDevicesCommand>(&command)) {
         drop(pDevices->devices);
+    } else if (auto* pDevice = std::get_if<SDeviceCommand>(&command)) {
+        pDevice->address.reset();
     } else if (auto* pLoad = std::get_if<SLoadCommand>(&command)) {
         SSceneDocument scene = *pLoad->pScene;
         drop(scene.devices);

@@ -262,6 +262,7 @@ export type DeviceState = {
     name: string;
     parser: "framed" | "direct" | "json" | "none";
     address: string | null;
+    drop_after?: number;
   }) & ItemCounts;
 
 export type BroadcastState = {
