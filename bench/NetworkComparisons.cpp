@@ -109,7 +109,7 @@ bool IsAlone() {
 class CQuietReceiver final : public INetworkReceiver {
 public:
     bool OnItem(EPeer, const SIOEventRecord&) override { return false; }
-    void OnSent(const SSentItem&) override {}
+    std::optional<std::string> OnSent(const SSentItem&) override { return {}; }
 };
 
 /// The far end of a connection: throws away what it's sent.

@@ -156,7 +156,7 @@ private:
         }
         return true;
     }
-    void OnSent(const SSentItem& /*item*/) override {}
+    std::optional<std::string> OnSent(const SSentItem& /*item*/) override { return {}; }
 
     CPeerLoop m_loop{*this};
     CItemReader m_reader;

@@ -49,7 +49,7 @@ protected:
 
 private:
     bool OnItem(EPeer /*nFrom*/, const SIOEventRecord& /*record*/) override { return true; }
-    void OnSent(const SSentItem& /*item*/) override {}
+    std::optional<std::string> OnSent(const SSentItem& /*item*/) override { return {}; }
 };
 
 TEST_F(ControlListener, WhoHasBeenSilentForLongestMakesRoom) {

@@ -1,6 +1,11 @@
 // Devices one by one: added, changed, connected, sent texts, taken away, while the others stay as they are.
 #include "NetworkPeers.h"
 
+#include <thread>
+
+#include "base/TextUtf8.h"
+#include "protocol/Shapes.h"
+
 namespace {
 
 class DeviceRequests : public CNetworkTest {
@@ -22,7 +27,39 @@ protected:
 
     std::string Read(CTestPeers::Socket& device, size_t nBytes) { return m_peers.Read(device, nBytes, Serve()); }
 
+    /// A node that sends texts to device 3, and is told to.
+    OrderedJson SendByNode(const std::string& strText) {
+        if (m_pSession->Scene().Find(std::string("s")) == nullptr) {
+            Must("create node=s type=string_send clip=Clip graph=G");
+            Must("set node=s param=1503 int=3");
+        }
+        Must({{"op", "set"}, {"node", "s"}, {"param", 1505}, {"string", strText}});
+        Must("trigger node=s param=1507");
+        return Must("process");
+    }
+
     CTestPeers::CListener m_second{m_peers};
+};
+
+/// Remembers what was dropped.
+class CDropped final : private ISessionObserver {
+public:
+    explicit CDropped(CSession& session) : m_session(session) { m_session.Attach(*this); }
+    ~CDropped() { m_session.Detach(*this); }
+
+    /// As the page is told.
+    std::vector<std::string> m_dropped;
+    size_t m_nLines = 0; ///< of the log, about it
+
+private:
+    void OnDone(const SDone& done) override {
+        for (const SLogged& line : done.activity.logged) {
+            m_nLines += Utf8(line.strText).find("waited too long") != std::string::npos ? 1 : 0;
+        }
+    }
+    void OnDropped(const SDroppedItems& dropped) override { m_dropped.push_back(ToJson(dropped).dump()); }
+
+    CSession& m_session;
 };
 
 TEST_F(DeviceRequests, AddingOneLeavesTheOthersConnected) {
@@ -149,6 +186,94 @@ TEST_F(DeviceRequests, HowLongAnItemMayWaitIsKept) {
     EXPECT_FALSE(Device().contains("drop_after")) << "lists without it mean what they always did";
     Must("load file=" + strFile);
     EXPECT_EQ(Device()["drop_after"], 0.25);
+}
+
+// ---- Late items ---------------------------------------------------------------------------------------------------
+
+TEST_F(DeviceRequests, WhatWaitsTooLongForADeviceIsDroppedAndTold) {
+    CTestPeers::CListener later(m_peers, false);
+    ChangeDevice(3, later.Address(), {{"drop_after", 0.05}});
+    EXPECT_FALSE(Device().contains("dropped"));
+    CDropped dropped(*m_pSession);
+    SendByNode("late");
+    Await([this] { return Device()["queued_items"] == 0; });
+    EXPECT_EQ(dropped.m_dropped, std::vector<std::string>{R"({"node":"s","device":3,"items":1})"});
+    Must("send device=3 text=late");
+    Await([this] { return Device()["dropped"] == 2; });
+    EXPECT_EQ(dropped.m_dropped.back(), R"({"node":null,"device":3,"items":1})");
+    EXPECT_EQ(dropped.m_nLines, 1u) << "one in ten seconds";
+    EXPECT_TRUE(Matches(Device(), {{"queued_bytes", 0}, {"lost", 0}, {"sent", 0}}));
+
+    // It fires nothing when the device is there again; what is sent then arrives.
+    later.Listen();
+    auto device = later.Accept(Serve());
+    AwaitState("connected");
+    SendByNode("now");
+    EXPECT_EQ(Read(device, 4), std::string("now\0", 4));
+    EXPECT_EQ(dropped.m_dropped.size(), 2u);
+}
+
+TEST_F(DeviceRequests, TheLogNamesWhoSentWhatIsDropped) {
+    CTestPeers::CListener later(m_peers, false);
+    ChangeDevice(3, later.Address(), {{"drop_after", 3600}});
+    SendByNode("a");
+    SendByNode("b");
+    Must("send device=3 text=c");
+    CDropped dropped(*m_pSession);
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    ChangeDevice(3, later.Address(), {{"drop_after", 0.001}}); // which is over for all of them
+    Await([this] { return Device()["dropped"] == 3; });
+    EXPECT_EQ(dropped.m_dropped, (std::vector<std::string>{R"({"node":"s","device":3,"items":2})",
+                                                           R"({"node":null,"device":3,"items":1})"}));
+    const OrderedJson lines = Must("log")["lines"];
+    EXPECT_EQ(lines.back()["text"], "device 3 \"Wall\" at " + later.Address() +
+                                        ": 3 items sent by \"s\", a request waited too long and are dropped");
+}
+
+TEST_F(DeviceRequests, WhatMayWaitForEverIsKept) {
+    CTestPeers::CListener later(m_peers, false);
+    ChangeDevice(3, later.Address(), {{"drop_after", nullptr}});
+    ChangeDevice(4, later.Address(), {{"drop_after", 0.05}});
+    Must("send device=3 text=kept");
+    Must("send device=4 text=late");
+    Await([this] { return Devices()[1]["dropped"] == 1; });
+    EXPECT_EQ(Device()["queued_items"], 1);
+}
+
+TEST_F(DeviceRequests, WhatListenOnlyHoldsBackIsLateToo) {
+    CTestPeers::CListener later(m_peers, false);
+    ChangeDevice(3, later.Address(), {{"drop_after", 3600}});
+    Must("send device=3 text=held");
+    Must("listen_only on=true");
+    later.Listen();
+    auto device = later.Accept(Serve());
+    AwaitState("connected");
+    EXPECT_EQ(Device()["queued_items"], 1);
+    ChangeDevice(3, later.Address(), {{"drop_after", 0.05}});
+    Await([this] { return Device()["dropped"] == 1; });
+    Must("listen_only on=false");
+    Must("send device=3 text=now");
+    EXPECT_EQ(Read(device, 3), "now");
+}
+
+TEST_F(DeviceRequests, WhatADeviceThatStopsReadingDoesNotTakeIsDropped) {
+    auto device = ConnectDevice("direct"); // and doesn't read at first
+    ChangeDevice(3, m_listener.Address(), {{"drop_after", 3600}});
+    const std::string strLong(100'000, 'x');
+    size_t nItems = 0;
+    while (Device()["queued_items"] < 10) { // the system's buffers take much
+        ASSERT_LT(++nItems, 4000u);
+        Must({{"op", "send"}, {"device", 3}, {"text", strLong}});
+    }
+    ChangeDevice(3, m_listener.Address(), {{"drop_after", 0.05}});
+    Await([this] { return Device()["queued_items"] <= 1; }); // that was begun
+    const size_t nDropped = Device()["dropped"];
+    EXPECT_GE(nDropped, 1u);
+    // It reads again: what was begun arrives whole, and behind it what is sent then.
+    EXPECT_EQ(Read(device, (nItems - nDropped) * strLong.size()).size(), (nItems - nDropped) * strLong.size());
+    Must("send device=3 text=now");
+    EXPECT_EQ(Read(device, 3), "now");
+    EXPECT_TRUE(Matches(Device(), {{"sent", nItems - nDropped + 1}, {"dropped", nDropped}, {"lost", 0}}));
 }
 
 } // namespace

@@ -48,7 +48,7 @@ private:
         m_items.push_back(nFrom);
         return true;
     }
-    void OnSent(const SSentItem& /*item*/) override {}
+    std::optional<std::string> OnSent(const SSentItem& /*item*/) override { return {}; }
     void OnLogLine(const SLogLine& line) override { m_lines.push_back(Utf8(line.strText)); }
 
     std::vector<std::string> m_lines;

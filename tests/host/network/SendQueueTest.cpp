@@ -1,4 +1,4 @@
-// The queue in front of a device: order, bounds, and what a lost connection takes with it.
+// The queue in front of a device: order, bounds, what a lost connection takes with it, and what waits too long.
 #include "network/SendQueue.h"
 
 #include <string>
@@ -8,14 +8,16 @@
 
 namespace {
 
+using namespace std::chrono_literals;
+
 class SendQueue : public testing::Test {
 protected:
     bool Push(std::string_view item) {
-        return m_queue.Push({reinterpret_cast<const unsigned char*>(item.data()), item.size()});
+        return m_queue.Push({reinterpret_cast<const unsigned char*>(item.data()), item.size()}, "node", m_tNow);
     }
 
     std::string BeginWrite() {
-        const auto bytes = m_queue.BeginWrite();
+        const auto bytes = m_queue.BeginWrite(m_tNow);
         return {bytes.begin(), bytes.end()};
     }
 
@@ -25,6 +27,14 @@ protected:
         EXPECT_EQ(m_queue.LostCount(), nLost);
     }
 
+    /// How many items are dropped once so much time has passed.
+    size_t DroppedAfter(std::chrono::milliseconds time) {
+        m_tNow += time;
+        m_queue.DropLate(m_tNow);
+        return m_queue.TakeDropped().size();
+    }
+
+    CSendQueue::Time m_tNow;
     const std::string m_strLong = std::string(100'000, 'a') + std::string(100'000, 'b');
     CSendQueue m_queue;
 };
@@ -114,6 +124,56 @@ TEST_F(SendQueue, AnItemBegunOnALostConnectionIsNotContinued) {
         m_queue.EndWrite(true);
         ExpectCounts(1, 2, 1);
     }
+}
+
+TEST_F(SendQueue, WhatWaitsTooLongIsDropped) {
+    Push("kept");
+    EXPECT_EQ(DroppedAfter(24h), 0u) << "no time was set";
+    m_queue.SetDropAfter(100ms);
+    EXPECT_EQ(DroppedAfter(0ms), 1u);
+    EXPECT_EQ(m_queue.NextDrop(), std::nullopt);
+    Push("first");
+    EXPECT_EQ(m_queue.NextDrop(), m_tNow + 100ms);
+    EXPECT_EQ(DroppedAfter(60ms), 0u);
+    m_queue.Push({reinterpret_cast<const unsigned char*>("2"), 1}, std::nullopt, m_tNow);
+    EXPECT_EQ(DroppedAfter(39ms), 0u);
+    ExpectCounts(2, 0, 0);
+    m_tNow += 1ms;
+    m_queue.DropLate(m_tNow);
+    EXPECT_EQ(m_queue.TakeDropped(), std::vector<CSendQueue::Sender>{"node"});
+    EXPECT_EQ(m_queue.NextDrop(), m_tNow + 60ms);
+    EXPECT_EQ(m_queue.ByteCount(), 1u);
+    m_tNow += 60ms;
+    EXPECT_EQ(BeginWrite(), "") << "a late item isn't written";
+    EXPECT_EQ(m_queue.TakeDropped(), std::vector<CSendQueue::Sender>{std::nullopt});
+    ExpectCounts(0, 0, 0);
+}
+
+TEST_F(SendQueue, AnItemThatWasBegunIsNeverLate) {
+    m_queue.SetDropAfter(100ms);
+    Push(m_strLong);
+    Push("second");
+    Push("third");
+    BeginWrite(); // a piece of the first
+    EXPECT_EQ(DroppedAfter(100ms), 2u);
+    ExpectCounts(1, 0, 0);
+    Push("fourth");
+    m_queue.EndWrite(true);
+    EXPECT_EQ(m_queue.NextDrop(), m_tNow + 100ms) << "of the fourth";
+    EXPECT_EQ(DroppedAfter(100ms), 1u);
+    while (!BeginWrite().empty()) {
+        m_queue.EndWrite(true);
+    }
+    m_queue.EndWrite(true);
+    ExpectCounts(0, 1, 0);
+    EXPECT_EQ(m_queue.ByteCount(), 0u);
+    // Of several short ones only that which is being written is begun.
+    Push("one");
+    Push("two");
+    EXPECT_EQ(BeginWrite(), "one");
+    EXPECT_EQ(DroppedAfter(100ms), 1u);
+    m_queue.EndWrite(true);
+    ExpectCounts(0, 2, 0);
 }
 
 } // namespace

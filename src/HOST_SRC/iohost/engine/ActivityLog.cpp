@@ -51,9 +51,16 @@ void CActivityLog::OnEventMessage(std::unique_ptr<const SQOREvent> pEvent, WPARA
     for (POSITION pos = event.m_lstParam.GetHeadPosition(); pos != nullptr;) {
         points.push_back(PointsAt(*event.m_lstParam.GetNext(pos)));
     }
-    m_activity.fired.push_back({HandleOf(m_scene.Find(pNode)),
-                                pOutputId != nullptr ? std::optional(*pOutputId) : std::nullopt,
-                                SFiredByWindow{std::move(pEvent), wParam, std::move(points)}});
+    OnFired(pNode, pOutputId != nullptr ? std::optional(*pOutputId) : std::nullopt,
+            SFiredByWindow{std::move(pEvent), wParam, std::move(points)});
+}
+
+void CActivityLog::OnFired(const VEKProperty* pNode, std::optional<int> output, decltype(SFired::by) by) {
+    SNode* pFound = m_scene.Find(pNode);
+    if (pFound != nullptr) {
+        pFound->Count(&SNodeCounts::nFired);
+    }
+    m_activity.fired.push_back({HandleOf(pFound), output, std::move(by)});
 }
 
 void CActivityLog::OnNotifyMessage(WPARAM wParam, LPARAM lParam) {
@@ -62,13 +69,13 @@ void CActivityLog::OnNotifyMessage(WPARAM wParam, LPARAM lParam) {
 
 void CActivityLog::OnLogLine(const SLogLine& line) {
     m_activity.logged.push_back({static_cast<int>(line.nLevel), std::to_array(line.nArguments), line.strText, {}});
+    m_lines.Add(m_activity.logged.back());
 }
 
 void CActivityLog::OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) {
     m_scene.Fire(pNode, static_cast<unsigned>(nOutput));
-    m_activity.fired.push_back(
-        {HandleOf(m_scene.Find(pNode)), nOutput,
-         SFiredByHost{ClipName(pClip), pObject != nullptr ? std::optional(pObject->m_strName) : std::nullopt}});
+    OnFired(pNode, nOutput,
+            SFiredByHost{ClipName(pClip), pObject != nullptr ? std::optional(pObject->m_strName) : std::nullopt});
 }
 
 void CActivityLog::OnNodeRedraw(SGraphNode* pGraphNode) {

@@ -8,6 +8,7 @@
 #include "LogSink.h"
 #include "RenderSink.h"
 #include "engine/Activity.h"
+#include "engine/LogLines.h"
 #include "host/GeneralEvent.h"
 #include "scene/Scene.h"
 
@@ -18,7 +19,8 @@ public:
     ~CActivityLog();
 
     /// The node that the module is called for; null for none. Notification messages don't say whose they are.
-    void SetCalledNode(const SNode* pNode) { m_pCalledNode = pNode; }
+    void SetCalledNode(SNode* pNode) { m_pCalledNode = pNode; }
+    SNode* CalledNode() const { return m_pCalledNode; }
 
     /// A general event reached the host's event window.
     void OnEventMessage(std::unique_ptr<const SQOREvent> pEvent, WPARAM wParam);
@@ -33,14 +35,19 @@ public:
     void OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) override;
     void OnNodeRedraw(SGraphNode* pGraphNode) override;
 
+    /// The last lines of the log.
+    const CLogLines& Lines() const { return m_lines; }
+
     /// What happened since the last call; from now on the log goes on behind `begin`.
     SActivity Exchange(SActivity begin) { return std::exchange(m_activity, std::move(begin)); }
 
 private:
+    void OnFired(const VEKProperty* pNode, std::optional<int> output, decltype(SFired::by) by);
     std::optional<CString> ClipName(const void* pClip) const;
     std::optional<std::string> PointsAt(const VEKParam& param) const;
 
     CScene& m_scene;
-    const SNode* m_pCalledNode = nullptr;
+    SNode* m_pCalledNode = nullptr;
+    CLogLines m_lines;
     SActivity m_activity;
 };

@@ -41,7 +41,7 @@ PinTypes TypesOf(const VEKParamGroupList& lstGroup) {
 
 } // namespace
 
-CHost::CCallScope::CCallScope(CHost& host, const SNode* pNode) : m_host(host) {
+CHost::CCallScope::CCallScope(CHost& host, SNode* pNode) : m_host(host) {
     m_host.m_activity.SetCalledNode(pNode);
 }
 
@@ -238,7 +238,14 @@ int CHost::Evaluate(SNode& node, bool bGraph) {
 int CHost::Deliver(SNode& node, const SIOEventRecord* pRecord) {
     m_jsonVerdicts.Begin();
     const int nResult = Call(&node, [&] { return node.pNode->DevIOEventOccurred(pRecord); });
-    m_jsonVerdicts.End(node, pRecord, nResult);
+    if (const SVerdict* pVerdict = m_jsonVerdicts.End(node, pRecord, nResult)) {
+        if (std::holds_alternative<STaken>(pVerdict->what)) {
+            node.Count(&SNodeCounts::nMatched);
+        } else if (!std::holds_alternative<SOtherDevice>(pVerdict->what) &&
+                   !std::holds_alternative<SOtherObject>(pVerdict->what)) {
+            node.Count(&SNodeCounts::nRejected);
+        }
+    }
     return nResult;
 }
 

@@ -104,7 +104,7 @@ public:
     /// Make any other call into a node, or into the module for no node: messages that it posts are handled, and what it
     /// raises becomes a CModuleFault.
     template <typename Function>
-    auto Call(const SNode* pNode, Function function) -> decltype(function()) {
+    auto Call(SNode* pNode, Function function) -> decltype(function()) {
         const CCallScope scope(*this, pNode);
         try {
             return function();
@@ -121,7 +121,7 @@ private:
     /// Says whose messages come in, and handles them at the end of the call.
     class CCallScope : boost::noncopyable {
     public:
-        CCallScope(CHost& host, const SNode* pNode);
+        CCallScope(CHost& host, SNode* pNode);
         ~CCallScope();
 
     private:

@@ -63,9 +63,9 @@ void CJsonVerdicts::Begin() {
     m_nLastFound = -1;
 }
 
-void CJsonVerdicts::End(const SNode& node, const SIOEventRecord* pRecord, int nResult) {
+const SVerdict* CJsonVerdicts::End(const SNode& node, const SIOEventRecord* pRecord, int nResult) {
     if (pRecord == nullptr || pRecord->m_pPayload == nullptr) {
-        return;
+        return nullptr;
     }
     const CString* pText = nullptr;
     SVerdict verdict{STaken{}};
@@ -83,11 +83,13 @@ void CJsonVerdicts::End(const SNode& node, const SIOEventRecord* pRecord, int nR
             verdict = JudgeObjectText(node, text);
         }
     } else {
-        return;
+        return nullptr;
     }
     verdict.strText = pText->Left(MOST_CHARACTERS);
     verdict.nLength = pText->GetLength();
-    m_verdicts[node.pNode] = {std::move(verdict), true};
+    SKept& kept = m_verdicts[node.pNode];
+    kept = {std::move(verdict), true};
+    return &kept.verdict;
 }
 
 /// Why the text of a device was refused.

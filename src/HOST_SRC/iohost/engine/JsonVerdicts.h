@@ -66,8 +66,8 @@ public:
     /// A record, or null, is about to be handed to a node.
     void Begin();
 
-    /// It was, with this result.
-    void End(const SNode& node, const SIOEventRecord* pRecord, int nResult);
+    /// It was, with this result. What became of the text; null when it was none for a JSON node.
+    const SVerdict* End(const SNode& node, const SIOEventRecord* pRecord, int nResult);
 
     /// The verdict of each node that got a text, in the order of the nodes.
     Verdicts All(const CScene& scene) {

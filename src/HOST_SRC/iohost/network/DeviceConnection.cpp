@@ -78,7 +78,7 @@ void CDeviceConnection::Write() {
     if (m_bWriting || !m_bConnected || !m_socket.is_open() || m_loop.IsListenOnly()) {
         return;
     }
-    const auto bytes = m_queue.BeginWrite();
+    const auto bytes = m_queue.BeginWrite(std::chrono::steady_clock::now());
     if (bytes.empty()) {
         return;
     }

@@ -1,5 +1,6 @@
 #include "network/DeviceLink.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/Caught.h"
@@ -12,6 +13,10 @@ namespace {
 
 /// Once nothing was refused for so long, items are taken again.
 constexpr std::chrono::seconds REFUSALS_END{10};
+
+std::string ItemsText(size_t nItems) {
+    return std::to_string(nItems) + (nItems == 1 ? " item" : " items");
+}
 
 } // namespace
 
@@ -32,13 +37,13 @@ void CDeviceLink::Start() {
 void CDeviceLink::Stop() {
     const size_t nItems = m_pConnection->Queue().ItemCount();
     if (!m_bStopped && nItems > 0) {
-        WriteHostLine(LOG_INFORMATION,
-                      Description() + ": " + std::to_string(nItems) +
-                          (nItems == 1 ? " item that waited is dropped" : " items that waited are dropped"));
+        WriteHostLine(LOG_INFORMATION, Description() + ": " + ItemsText(nItems) +
+                                           (nItems == 1 ? " that waited is dropped" : " that waited are dropped"));
     }
     m_bStopped = true;
     m_pConnection->Close();
     m_reconnection.Stop();
+    m_lateTimer.cancel();
 }
 
 bool CDeviceLink::Reaches(const SDeviceSetup& setup) const {
@@ -48,6 +53,9 @@ bool CDeviceLink::Reaches(const SDeviceSetup& setup) const {
 void CDeviceLink::Change(const SDeviceSetup& setup) {
     m_state.setup = setup;
     m_device.m_strName = FromUtf8(setup.strName);
+    m_pConnection->Queue().SetDropAfter(setup.dropAfter);
+    m_lateTimer.cancel(); // and set anew
+    AwaitLateItems();
 }
 
 void CDeviceLink::TryNow() {
@@ -84,33 +92,31 @@ bool CDeviceLink::SendItem(const CZtBaseNetProtocol& item) {
         RefuseItem(m_wrongItemLine, "the item isn't a record");
         return false;
     }
-    m_loop.OnSent({Setup().nId, pItem, {}});
-    return Queue(WriteItem(m_frameWriter, *pItem)) == nullptr;
+    CSendQueue::Sender sender = m_loop.OnSent({Setup().nId, pItem, {}});
+    return Queue(WriteItem(m_frameWriter, *pItem), std::move(sender)) == nullptr;
 }
 
 bool CDeviceLink::SendBytes(std::span<const unsigned char> bytes) {
-    m_loop.OnSent({Setup().nId, nullptr, bytes});
-    return Queue(bytes) == nullptr;
+    return Queue(bytes, m_loop.OnSent({Setup().nId, nullptr, bytes})) == nullptr;
 }
 
 void CDeviceLink::Send(std::span<const unsigned char> bytes) {
     if (Setup().nParser != EDeviceParser::Direct && Setup().nParser != EDeviceParser::JsonLines) {
         Refuse("device", Description() + " takes no texts: its parser is " + NameOf(Setup().nParser));
     }
-    m_loop.OnSent({Setup().nId, nullptr, bytes});
-    if (const char* pszReason = Queue(bytes)) {
+    if (const char* pszReason = Queue(bytes, m_loop.OnSent({Setup().nId, nullptr, bytes}))) {
         Refuse("text", pszReason);
     }
 }
 
 /// Never waits. No bytes are an item that is too long for a frame. Answers why it was refused; null: it wasn't.
-const char* CDeviceLink::Queue(std::span<const unsigned char> bytes) {
+const char* CDeviceLink::Queue(std::span<const unsigned char> bytes, CSendQueue::Sender sender) {
     m_loop.OnStateChanged();
     const bool bShownOnly = !Setup().address || m_loop.IsListenOnly();
     if (bytes.empty() || (!bShownOnly && bytes.size() > CSendQueue::MOST_BYTES)) {
         return RefuseItem(m_wrongItemLine, "the item is too long");
     }
-    if (!bShownOnly && !m_pConnection->Queue().Push(bytes)) {
+    if (!bShownOnly && !m_pConnection->Queue().Push(bytes, std::move(sender), steady_clock::now())) {
         return RefuseItem(m_fullQueueLine, "the queue is full");
     }
     SetLast(m_state.lastSent, bytes);
@@ -124,6 +130,7 @@ const char* CDeviceLink::Queue(std::span<const unsigned char> bytes) {
                                            std::to_string(std::exchange(m_nRefusedLately, 0)) + " refused");
     }
     Write();
+    AwaitLateItems();
     return nullptr;
 }
 
@@ -134,6 +141,46 @@ const char* CDeviceLink::RefuseItem(CLimitedLine& line, const char* pszReason) {
     line.Write(Description() + ": " + pszReason + ", the item is refused");
     m_loop.OnStateChanged();
     return pszReason;
+}
+
+/// See to it that items are dropped when they are late.
+void CDeviceLink::AwaitLateItems() {
+    const auto tNext = m_pConnection->Queue().NextDrop();
+    if (!tNext || m_bLateTimer) {
+        return;
+    }
+    m_bLateTimer = true;
+    m_lateTimer.expires_at(*tNext);
+    m_lateTimer.async_wait([pSelf = shared_from_this()](const boost::system::error_code&) {
+        pSelf->m_bLateTimer = false;
+        if (!pSelf->m_bStopped) {
+            pSelf->DropLateItems();
+        }
+    });
+}
+
+void CDeviceLink::DropLateItems() {
+    m_pConnection->Queue().DropLate(steady_clock::now());
+    std::vector<SDroppedItems> dropped; // one for each sender
+    size_t nItems = 0;
+    for (CSendQueue::Sender& sender : m_pConnection->Queue().TakeDropped()) {
+        const auto same = std::ranges::find(dropped, sender, &SDroppedItems::sender);
+        ++(same != dropped.end() ? *same : dropped.emplace_back(SDroppedItems{Setup().nId, std::move(sender), 0}))
+              .nItems;
+        ++nItems;
+    }
+    if (nItems > 0) {
+        std::string strSenders;
+        for (const SDroppedItems& items : dropped) {
+            strSenders += (strSenders.empty() ? "" : ", ") + (items.sender ? Quoted(*items.sender) : "a request");
+            m_loop.OnDropped(items);
+        }
+        m_state.nDropped += nItems;
+        m_lateLine.Write(Description() + ": " + ItemsText(nItems) + " sent by " + strSenders +
+                         (nItems == 1 ? " waited too long and is dropped" : " waited too long and are dropped"));
+        m_loop.OnStateChanged();
+    }
+    AwaitLateItems();
 }
 
 // ---- The connection -----------------------------------------------------------------------------------------------

@@ -47,8 +47,11 @@ public:
 private:
     bool SendItem(const CZtBaseNetProtocol& item) override;
     bool SendBytes(std::span<const unsigned char> bytes) override;
-    const char* Queue(std::span<const unsigned char> bytes);
+    const char* Queue(std::span<const unsigned char> bytes, CSendQueue::Sender sender);
     const char* RefuseItem(CLimitedLine& line, const char* pszReason);
+
+    void AwaitLateItems();
+    void DropLateItems();
 
     Awaitable<void> Run();
     void SetState(ELinkState nState);
@@ -61,6 +64,8 @@ private:
     const std::shared_ptr<CDeviceConnection> m_pConnection = std::make_shared<CDeviceConnection>(m_loop);
     CZTSocket m_deviceSocket{this, m_reader.Parser()};
     SQORNetPlayCtrlDev m_device;
+    SteadyTimer m_lateTimer{m_loop.Context()};
+    bool m_bLateTimer = false;                      ///< it runs
     std::chrono::steady_clock::time_point m_tState; ///< when the state became what it is
     bool m_bTried = false;
     bool m_bStopped = false;
@@ -70,4 +75,5 @@ private:
     std::chrono::steady_clock::time_point m_tRefused;
     CLimitedLine m_wrongItemLine{LOG_ERROR};
     CLimitedLine m_fullQueueLine{LOG_ERROR};
+    CLimitedLine m_lateLine{LOG_ERROR};
 };

@@ -20,8 +20,8 @@ struct SDeviceSetup {
     int nId = 0;
     std::string strName;
     EDeviceParser nParser = EDeviceParser::None;
-    std::optional<boost::asio::ip::tcp::endpoint> address; ///< none: never connected; what is sent is shown only
-    std::optional<std::chrono::milliseconds> dropAfter;    ///< how long an item may wait; none: for ever
+    std::optional<boost::asio::ip::tcp::endpoint> address;   ///< none: never connected; what is sent is shown only
+    std::optional<std::chrono::milliseconds> dropAfter = {}; ///< how long an item may wait; none: for ever
 
     bool operator==(const SDeviceSetup&) const = default;
 };
@@ -64,6 +64,7 @@ struct SDeviceState {
     unsigned long long nSent = 0;    ///< items
     unsigned long long nRefused = 0; ///< items that weren't taken from nodes
     unsigned long long nLost = 0;    ///< items that were being written when the connection was lost
+    unsigned long long nDropped = 0; ///< items that waited too long
     unsigned long long nShown = 0;   ///< items that were only shown
     unsigned long long nErrors = 0;  ///< failures of this host over a connection
     unsigned long long nReceivedBytes = 0;

@@ -24,8 +24,10 @@ public:
     }
     unsigned long long HandedOverCount() const { return m_nHandedOver; }
 
-    /// A node handed something to a device's socket.
-    void OnSent(const SSentItem& item) { m_receiver.OnSent(item); }
+    /// Something was handed to a device's socket. Who did that: the handle of a node, or none.
+    std::optional<std::string> OnSent(const SSentItem& item) { return m_receiver.OnSent(item); }
+
+    void OnDropped(const SDroppedItems& dropped) { m_receiver.OnDropped(dropped); }
 
     /// Whether what nodes send is shown only.
     bool IsListenOnly() const { return m_bListenOnly; }

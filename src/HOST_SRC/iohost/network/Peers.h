@@ -67,7 +67,7 @@ public:
     /// Read the network for up to so long, or until something was handed to the nodes.
     void Wait(unsigned nMilliseconds);
 
-    /// While it is on, what nodes send to devices is shown only, and what waits to be written goes on waiting.
+    /// While it is on, what nodes send to devices is shown only, and what waits to be written isn't written.
     void SetListenOnly(bool bOn);
 
     SNetworkState State() const;

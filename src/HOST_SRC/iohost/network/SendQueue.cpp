@@ -1,7 +1,6 @@
 #include "network/SendQueue.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace {
 
@@ -10,29 +9,37 @@ constexpr std::size_t MOST_WRITTEN = std::size_t{64} << 10;
 
 } // namespace
 
-bool CSendQueue::Push(std::span<const unsigned char> item) {
+bool CSendQueue::Push(std::span<const unsigned char> item, Sender sender, Time tNow) {
     if (ItemCount() >= MOST_ITEMS || item.size() > MOST_BYTES - ByteCount()) {
         return false;
     }
-    const auto bytes = boost::asio::buffer(item.data(), item.size());
-    m_bytes.commit(boost::asio::buffer_copy(m_bytes.prepare(item.size()), bytes));
-    m_itemSizes.push_back(item.size());
+    m_items.push_back({{item.begin(), item.end()}, std::move(sender), tNow});
+    m_nBytes += item.size();
     return true;
 }
 
-std::span<const unsigned char> CSendQueue::BeginWrite() {
-    const auto* pNext = static_cast<const unsigned char*>(m_bytes.cdata().data());
-    m_writing.assign(pNext, pNext + std::min(ByteCount(), MOST_WRITTEN));
+/// What is given to be written can't be dropped any longer: items that may become late are given one at a time.
+std::span<const unsigned char> CSendQueue::BeginWrite(Time tNow) {
+    DropLate(tNow);
+    std::size_t nSkipped = m_nBegun;
+    for (const SItem& item : m_items) {
+        const auto bytes = std::span(item.bytes).subspan(std::exchange(nSkipped, 0));
+        const auto taken = bytes.first(std::min(bytes.size(), MOST_WRITTEN - m_writing.size()));
+        m_writing.insert(m_writing.end(), taken.begin(), taken.end());
+        if (m_writing.size() == MOST_WRITTEN || m_dropAfter) {
+            break;
+        }
+    }
     return m_writing;
 }
 
 void CSendQueue::EndWrite(bool bWritten) {
-    m_bytes.consume(m_writing.size());
+    m_nBytes -= m_writing.size();
     m_nBegun += m_writing.size();
     m_writing.clear();
-    while (ItemCount() > 0 && m_nBegun >= m_itemSizes.front()) {
-        m_nBegun -= m_itemSizes.front();
-        m_itemSizes.pop_front();
+    while (ItemCount() > 0 && m_nBegun >= m_items.front().bytes.size()) {
+        m_nBegun -= m_items.front().bytes.size();
+        m_items.pop_front();
         ++(bWritten ? m_nSent : m_nLost);
     }
     const bool bConnectionOver = std::exchange(m_bConnectionOver, false);
@@ -48,10 +55,34 @@ void CSendQueue::EndConnection() {
     }
 }
 
+void CSendQueue::DropLate(Time tNow) {
+    const auto begin = m_items.begin() + static_cast<std::ptrdiff_t>(BegunItems());
+    auto end = begin;
+    for (; m_dropAfter && end != m_items.end() && end->tQueued + *m_dropAfter <= tNow; ++end) {
+        m_nBytes -= end->bytes.size();
+        m_dropped.push_back(std::move(end->sender));
+    }
+    m_items.erase(begin, end);
+}
+
+std::optional<CSendQueue::Time> CSendQueue::NextDrop() const {
+    const std::size_t nNext = BegunItems();
+    return m_dropAfter && nNext < ItemCount() ? std::optional(m_items[nNext].tQueued + *m_dropAfter) : std::nullopt;
+}
+
+/// How many items something was or is being written of.
+std::size_t CSendQueue::BegunItems() const {
+    std::size_t nItems = 0;
+    for (std::size_t nBytes = m_nBegun + m_writing.size(); nBytes > 0; ++nItems) {
+        nBytes -= std::min(nBytes, m_items[nItems].bytes.size());
+    }
+    return nItems;
+}
+
 void CSendQueue::DropBegunItem() {
     if (m_nBegun > 0) {
-        m_bytes.consume(m_itemSizes.front() - m_nBegun);
-        m_itemSizes.pop_front();
+        m_nBytes -= m_items.front().bytes.size() - m_nBegun;
+        m_items.pop_front();
         m_nBegun = 0;
         ++m_nLost;
     }

@@ -143,6 +143,11 @@ void CutForViewers(SDone& done) {
     if (auto* pFrame = std::get_if<SFrameResults>(&done.outcome.result)) {
         CutForViewers(pFrame->outputs);
     }
+    if (auto* pLog = std::get_if<SLogLines>(&done.outcome.result)) {
+        for (SKeptLine& kept : pLog->lines) {
+            Cut(kept.line.strText, kept.line.length);
+        }
+    }
     if (auto* pDetails = std::get_if<SNodeDetails>(&done.outcome.result)) {
         for (auto* pGroups : {&pDetails->own, &pDetails->inputs, &pDetails->outputs}) {
             for (SGroupState& group : *pGroups) {

@@ -3,7 +3,7 @@
 //    "clips": [{"name", "objects": [{"name", "matrix": [16 floats]}]}],
 //    "nodes": [{"node", "type", "clip", "graph", "event_window", "notify_window", "own", "inputs", "outputs"}],
 //    "links": [{"from", "output", "to", "input"}],
-//    "devices": [{"id", "name", "parser", "address"}] or null}
+//    "devices": [{"id", "name", "parser", "address", "drop_after"}] or null}
 // "own", "inputs" and "outputs" are groups as `inspect` shows them; only their ids, values, choices and availability
 // matter for parameters that the node makes itself. Where one of the three is missing, the node has what a new one has.
 // A link may name a pin that "inputs" or "outputs" lack, when the node makes it by itself: it was dropped.

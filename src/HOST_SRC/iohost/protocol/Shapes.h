@@ -144,6 +144,8 @@ TAGGED(SListenCommand, "listen", SField{"broadcast", &T::broadcast, FIELD_OPTION
 TAGGED(SWaitCommand, "wait", SField{"ms", &T::nMilliseconds})
 TAGGED(SNetworkCommand, "network")
 TAGGED(SListenOnlyCommand, "listen_only", SField{"on", &T::bOn})
+TAGGED(SLogCommand, "log", SField{"after", &T::nAfter, FIELD_OPTIONAL})
+TAGGED(SCountersCommand, "counters")
 TAGGED(SRenameCommand, "rename", SField{"node", &T::strHandle}, SField{"graph", &T::strGraph})
 TAGGED(SPlaceCommand, "place", SField{"nodes", &T::nodes, FIELD_OPTIONAL}, SField{"notes", &T::notes, FIELD_OPTIONAL})
 TAGGED(SUndoCommand, "undo")
@@ -238,8 +240,8 @@ SHAPE(SItemCounts, SField{"received", &T::nReceived}, SField{"matched", &T::nMat
 SHAPE(SDeviceState, SFlat{&T::setup}, SField{"state", &T::nState}, SField{"since_ms", &T::nSinceMs},
       SField{"last_problem", &T::strLastProblem, FIELD_NULLABLE}, SField{"queued_items", &T::nQueuedItems},
       SField{"queued_bytes", &T::nQueuedBytes}, SField{"sent", &T::nSent}, SField{"refused", &T::nRefused},
-      SField{"lost", &T::nLost}, SField{"shown", &T::nShown}, SField{"errors", &T::nErrors},
-      SField{"received_bytes", &T::nReceivedBytes}, SFlat{&T::counts},
+      SField{"lost", &T::nLost}, SField{"dropped", &T::nDropped, FIELD_OPTIONAL}, SField{"shown", &T::nShown},
+      SField{"errors", &T::nErrors}, SField{"received_bytes", &T::nReceivedBytes}, SFlat{&T::counts},
       SField{"rejected_lines", &T::rejectedLines, FIELD_OPTIONAL},
       SField{"last_sent_bytes", &T::lastSent, FIELD_NULLABLE},
       SField{"last_received_bytes", &T::lastReceived, FIELD_NULLABLE})
@@ -272,6 +274,13 @@ using VerdictKind = decltype(SVerdict::what);
 UNION(VerdictKind, "verdict", "there is no verdict ")
 SHAPE(SVerdict, SFlat{&T::what}, SField{"text", &T::strText}, SField{"length", &T::nLength})
 SHAPE(SVerdicts, SField{"nodes", &T::nodes})
+SHAPE(SKeptLine, SField{"n", &T::nNumber}, SField{"ms", &T::nTimeMs}, SFlat{&T::line})
+SHAPE(SLogLines, SField{"lines", &T::lines})
+SHAPE(SNodeCounts, SField{"fired", &T::nFired}, SField{"received", &T::nReceived}, SField{"matched", &T::nMatched},
+      SField{"rejected", &T::nRejected}, SField{"sent", &T::nSent}, SField{"dropped", &T::nDropped})
+SHAPE(SCounters, SField{"nodes", &T::nodes})
+SHAPE(SDroppedItems, SField{"node", &T::sender, FIELD_NULLABLE}, SField{"device", &T::nDevice},
+      SField{"items", &T::nItems})
 
 // ---- Values of their own kind -------------------------------------------------------------------------------------
 

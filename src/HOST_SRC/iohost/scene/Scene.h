@@ -32,6 +32,16 @@ struct SLink {
 /// Pins by their ids, with their types.
 using PinTypes = std::map<unsigned, int>;
 
+/// What came of a node since it was made, for people.
+struct SNodeCounts {
+    unsigned long long nFired = 0;    ///< event outputs
+    unsigned long long nReceived = 0; ///< events that it took
+    unsigned long long nMatched = 0;  ///< texts that it took
+    unsigned long long nRejected = 0; ///< texts for it that it refused
+    unsigned long long nSent = 0;     ///< items that it handed to devices
+    unsigned long long nDropped = 0;  ///< of these, items that waited too long
+};
+
 /// One node of the scene. The module's object belongs to the scene until it is handed to operation 3.
 struct SNode {
     // What each frame looks at lies together.
@@ -52,6 +62,13 @@ struct SNode {
     PinTypes ownOutputs;           ///< the outputs, likewise
     std::vector<SLink> arOutgoing; ///< links out of this node, in the order in which they were made
     std::optional<SPlace> place;   ///< on the canvas; none: wherever the viewer puts it
+    SNodeCounts counts;
+    bool bCountsTold = true; ///< they are as whoever shows them knows
+
+    void Count(unsigned long long SNodeCounts::*pCount, unsigned long long nMore = 1) {
+        counts.*pCount += nMore;
+        bCountsTold = false;
+    }
 
     /// The type of a pin that is there, or was dropped and may come back; none for any other.
     std::optional<int> InputType(unsigned nInput) const;

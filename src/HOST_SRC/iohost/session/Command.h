@@ -216,6 +216,14 @@ struct SListenOnlyCommand {
     bool bOn = false;
 };
 
+// ---- The log, and what nodes did ----------------------------------------------------------------------------------
+
+struct SLogCommand {
+    unsigned long long nAfter = 0; ///< number of the last line that is known already
+};
+
+struct SCountersCommand {};
+
 // ---- Building the scene -----------------------------------------------------------------------------------------
 
 /// Where nodes and notes stand on the canvas.
@@ -272,10 +280,10 @@ using Command =
                  SSetCommand, SEditCommand, STriggerCommand, SDropCommand, SLinkCommand, SUnlinkCommand, SKeysCommand,
                  SClockCommand, SMainWindowCommand, SObjectCommand, SObjectsCommand, SDevicesCommand, SDeviceCommand,
                  SRemoveDeviceCommand, SConnectCommand, SSendCommand, SListenCommand, SWaitCommand, SNetworkCommand,
-                 SListenOnlyCommand, SLayoutCommand, SDestroyCommand, SSaveCommand, SLoadCommand, SSceneCommand,
-                 SRecordingCommand, SQuitCommand, SRenameCommand, SPlaceCommand, SChangeObjectCommand,
-                 SRemoveObjectCommand, SBatchCommand, SUndoCommand, SRedoCommand, SHistoryCommand, SScenesCommand,
-                 SRecoverCommand>;
+                 SListenOnlyCommand, SLogCommand, SCountersCommand, SLayoutCommand, SDestroyCommand, SSaveCommand,
+                 SLoadCommand, SSceneCommand, SRecordingCommand, SQuitCommand, SRenameCommand, SPlaceCommand,
+                 SChangeObjectCommand, SRemoveObjectCommand, SBatchCommand, SUndoCommand, SRedoCommand, SHistoryCommand,
+                 SScenesCommand, SRecoverCommand>;
 
 struct SCommands {
     std::vector<Command> list;

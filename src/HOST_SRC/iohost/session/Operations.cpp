@@ -265,10 +265,10 @@ Result CSession::On(const SEventCommand& command, const SOrigin& origin) {
         std::optional<int> result;
         try {
             result = m_pHost->Deliver(*pNode, command.bRecord ? &record : nullptr);
-            const bool bMatters = origin.from || !pNode->arOutgoing.empty();
-            if (bMatters && *result != 0 && MayRead(pNode->guidType, command.nDevice, command.nEvent)) {
+            if (*result != 0 && MayRead(pNode->guidType, command.nDevice, command.nEvent)) {
                 m_bTaken = true;
-                pNode->bGotEvent = true;
+                pNode->bGotEvent |= origin.from || !pNode->arOutgoing.empty();
+                pNode->Count(&SNodeCounts::nReceived);
             }
         } catch (const CModuleFault& fault) {
             if (!origin.from) {

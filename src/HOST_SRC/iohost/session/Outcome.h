@@ -141,9 +141,18 @@ struct SVerdicts {
     Verdicts nodes;
 };
 
-using Result = std::variant<std::monostate, SCatalogue, SCalled, SCreated, SNodeDetails, SLayout, SDestroyed,
-                            SNodeResults, SFrameResults, SEdited, SReleased, SListening, SWaited, SNetworkState,
-                            SSceneView, SObjects, SVerdicts, SSceneDocument, SStepTaken, SHistoryState, SScenes>;
+struct SLogLines {
+    std::vector<SKeptLine> lines;
+};
+
+struct SCounters {
+    std::vector<std::pair<std::string, SNodeCounts>> nodes; ///< by their handles
+};
+
+using Result =
+    std::variant<std::monostate, SCatalogue, SCalled, SCreated, SNodeDetails, SLayout, SDestroyed, SNodeResults,
+                 SFrameResults, SEdited, SReleased, SListening, SWaited, SNetworkState, SSceneView, SObjects, SVerdicts,
+                 SLogLines, SCounters, SSceneDocument, SStepTaken, SHistoryState, SScenes>;
 
 struct SOutcome {
     Result result;

@@ -156,13 +156,20 @@ bool CSession::OnItem(EPeer nFrom, const SIOEventRecord& record) {
     return m_bTaken;
 }
 
-void CSession::OnSent(const SSentItem& item) {
+std::optional<std::string> CSession::OnSent(const SSentItem& item) {
+    CActivityLog& log = m_pHost->Activity();
     if (item.pItem == nullptr) {
-        m_pHost->Activity().OnSent(SSentBytes{item.nDevice, {item.bytes.begin(), item.bytes.end()}, {}});
-        return;
+        log.OnSent(SSentBytes{item.nDevice, {item.bytes.begin(), item.bytes.end()}, {}});
+    } else {
+        const VEKClip* pClip = item.pItem->m_pClip;
+        log.OnSent(SSentRecord{item.nDevice, item.pItem->m_nCommandCode,
+                               pClip != nullptr ? std::optional(pClip->m_strName) : std::nullopt,
+                               dynamic_cast<const CQORPanelRemoteCtrlData&>(*item.pItem->m_pAttachedData)});
     }
-    const VEKClip* pClip = item.pItem->m_pClip;
-    m_pHost->Activity().OnSent(SSentRecord{item.nDevice, item.pItem->m_nCommandCode,
-                                           pClip != nullptr ? std::optional(pClip->m_strName) : std::nullopt,
-                                           dynamic_cast<const CQORPanelRemoteCtrlData&>(*item.pItem->m_pAttachedData)});
+    SNode* pNode = log.CalledNode();
+    if (pNode == nullptr) {
+        return std::nullopt;
+    }
+    pNode->Count(&SNodeCounts::nSent);
+    return pNode->strHandle;
 }

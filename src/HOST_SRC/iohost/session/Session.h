@@ -22,6 +22,9 @@ public:
     /// It was, or something happened between commands. Whoever changes the session from here does so later.
     virtual void OnDone(const SDone& done) = 0;
 
+    /// Items waited too long for a device.
+    virtual void OnDropped(const SDroppedItems& /*dropped*/) {}
+
 protected:
     ~ISessionObserver() = default;
 };
@@ -73,6 +76,12 @@ public:
     /// What the JSON nodes made of the texts that came.
     CJsonVerdicts& JsonVerdicts() { return m_pHost->JsonVerdicts(); }
 
+    /// The counts that changed since the last call.
+    SCounters TakeChangedCounts();
+
+    /// Let the next TakeChangedCounts return all.
+    void ForgetToldCounts();
+
     /// The scene's steps, and its file.
     CHistory& History() { return m_history; }
 
@@ -80,7 +89,8 @@ private:
     explicit CSession(std::unique_ptr<CHost> pHost) : m_pHost(std::move(pHost)) {}
 
     bool OnItem(EPeer nFrom, const SIOEventRecord& record) override;
-    void OnSent(const SSentItem& item) override;
+    std::optional<std::string> OnSent(const SSentItem& item) override;
+    void OnDropped(const SDroppedItems& dropped) override;
 
     void TellObservers(const SDone& done);
     SOutcome CarryOut(const Command& command, const SOrigin& origin);
@@ -128,6 +138,8 @@ private:
     Result On(const SWaitCommand& command);
     Result On(const SNetworkCommand& command);
     void On(const SListenOnlyCommand& command);
+    Result On(const SLogCommand& command);
+    Result On(const SCountersCommand& command);
     Result On(const SLayoutCommand& command);
     Result On(const SDestroyCommand& command);
     Result On(const SSaveCommand& command);

@@ -174,6 +174,7 @@ std::string ProtocolTypes() {
     types.Declare<CQORPanelRemoteCtrlData>("RemoteControlRecord");
     types.Declare<SFired>("PostedEvent");
     types.Declare<SLogged>("LogEntry");
+    types.Declare<SKeptLine>("LogLine");
     types.Declare<SActivity>("Happened");
     types.Declare<SValues>("OutputValue");
     types.Declare<SNodeResults>("NodeResults");
@@ -185,5 +186,7 @@ std::string ProtocolTypes() {
     types.Declare<SBroadcastState>("BroadcastState");
     types.Declare<SControlState>("ControlState");
     types.Declare<SNetworkState>("NetworkState");
+    types.Declare<SNodeCounts>("NodeCounts");
+    types.Declare<SDroppedItems>("DroppedItems");
     return types.Text();
 }

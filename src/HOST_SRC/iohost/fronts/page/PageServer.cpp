@@ -36,6 +36,7 @@ constexpr size_t MOST_TURNED_AWAY = 64;                ///< at once; those beyon
 constexpr std::chrono::seconds GOODBYE_TIME{1};
 constexpr std::chrono::milliseconds ACCEPT_PAUSE{100};
 constexpr std::chrono::milliseconds NETWORK_PAUSE{250};
+constexpr std::chrono::milliseconds COUNTS_PAUSE{250};
 
 std::string FullText() {
     return "the page's server has " + std::to_string(MOST_CONNECTIONS) + " connections, which is its most";
@@ -115,6 +116,7 @@ public:
         m_outputs.Forget();
         m_objects.Forget();
         m_session.JsonVerdicts().ForgetTaken();
+        m_session.ForgetToldCounts();
     }
 
     void OnClientText(CWebSocketClient& client, std::string_view text) override {
@@ -267,6 +269,8 @@ private:
         if (const auto objects = m_objects.Take(m_session.Scene())) {
             SendToAll({{"push", "objects"}, {"objects", ToJson(*objects)}});
         }
+        TellDropped();
+        TellCounts();
         TellNetwork();
     }
 
@@ -302,6 +306,40 @@ private:
         if (done.origin.pHeld == nullptr) { // else the reply comes first
             TellScene();
             TellHeld();
+        }
+    }
+
+    void OnDropped(const SDroppedItems& dropped) override {
+        if (m_clients.empty()) {
+            return;
+        }
+        const auto same = std::ranges::find_if(m_dropped, [&](const SDroppedItems& items) {
+            return items.nDevice == dropped.nDevice && items.sender == dropped.sender;
+        });
+        if (same != m_dropped.end()) {
+            same->nItems += dropped.nItems;
+        } else {
+            m_dropped.push_back(dropped);
+        }
+    }
+
+    /// Once a frame, however many items are late.
+    void TellDropped() {
+        for (const SDroppedItems& dropped : std::exchange(m_dropped, {})) {
+            OrderedJson push = {{"push", "dropped"}};
+            AppendFields(push, dropped);
+            SendToAll(push);
+        }
+    }
+
+    void TellCounts() {
+        const auto tNow = std::chrono::steady_clock::now();
+        if (tNow - m_tToldCounts < COUNTS_PAUSE) {
+            return;
+        }
+        m_tToldCounts = tNow;
+        if (const SCounters changed = m_session.TakeChangedCounts(); !changed.nodes.empty()) {
+            SendToAll({{"push", "counters"}, {"nodes", ToJson(changed.nodes)}});
         }
     }
 
@@ -438,6 +476,8 @@ private:
     unsigned long long m_nToldNetworkVersion = 0;
     unsigned long long m_nToldHeldVersion = 0;
     std::chrono::steady_clock::time_point m_tToldNetwork;
+    std::vector<SDroppedItems> m_dropped; ///< since the last frame
+    std::chrono::steady_clock::time_point m_tToldCounts;
     bool m_bStopping = false;
 };
 

@@ -10,8 +10,9 @@
 bool IsKept(const Command& command) {
     return std::visit(
         []<typename Kind>(const Kind&) {
-            return !IS_ONE_OF<Kind, SConnectCommand, SHistoryCommand, SLayoutCommand, SListenCommand, SNetworkCommand,
-                              SRecoverCommand, SSaveCommand, SScenesCommand, SSendCommand, SWaitCommand>;
+            return !IS_ONE_OF<Kind, SConnectCommand, SCountersCommand, SHistoryCommand, SLayoutCommand, SListenCommand,
+                              SLogCommand, SNetworkCommand, SRecoverCommand, SSaveCommand, SScenesCommand, SSendCommand,
+                              SWaitCommand>;
         },
         command);
 }

@@ -146,6 +146,11 @@ export type LogEntry = {
   length?: number;
 };
 
+export type LogLine = {
+  n: number;
+  ms: number;
+} & LogEntry;
+
 export type Happened = {
   posted?: PostedEvent[];
   log?: LogEntry[];
@@ -251,6 +256,7 @@ export type DeviceState = {
   sent: number;
   refused: number;
   lost: number;
+  dropped?: number;
   shown: number;
   errors: number;
   received_bytes: number;
@@ -286,4 +292,19 @@ export type NetworkState = {
   broadcast: BroadcastState | null;
   control: ControlState | null;
   listen_only: boolean;
+};
+
+export type NodeCounts = {
+  fired: number;
+  received: number;
+  matched: number;
+  rejected: number;
+  sent: number;
+  dropped: number;
+};
+
+export type DroppedItems = {
+  node: string | null;
+  device: number;
+  items: number;
 };

@@ -1,0 +1,133 @@
+// What the session keeps for people: the last lines of its log, and what became of each node.
+#include "HostTest.h"
+
+#include "base/HostLine.h"
+#include "engine/LogLines.h"
+#include "protocol/Shapes.h"
+
+namespace {
+
+class LogAndCounts : public CHostTest {
+protected:
+    OrderedJson Counts(const std::string& strNode) { return Must("counters")["nodes"][strNode]; }
+};
+
+TEST_F(LogAndCounts, TheLogIsThereForWhoeverComesLater) {
+    Talk(R"(
+        log => {"lines":[]}
+        create node=k type=keyboard clip=Intro graph=K
+        process
+    )");
+    const auto nBefore =
+        std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::system_clock::now().time_since_epoch())
+            .count();
+    const OrderedJson first = Must(Event(0, 2002, KeyText("a")))["log"][0];
+    Must("clock ms=5000"); // the module's, which isn't the log's
+    Must(Event(0, 2003, KeyText("a")));
+    const OrderedJson lines = Must("log")["lines"];
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_TRUE(
+        Matches(lines[0], {{"n", 1}, {"level", first["level"]}, {"args", first["args"]}, {"text", first["text"]}}));
+    EXPECT_GE(lines[0]["ms"], nBefore);
+    EXPECT_GE(lines[1]["ms"], lines[0]["ms"]);
+    Talk(R"(
+        log after=1 => {"lines":[{"n":2}]}
+        log after=2 => {"lines":[]}
+        log after=7 => {"lines":[]}
+        log after=-1 => after: must be a whole number
+    )");
+    WriteHostLine(LOG_INFORMATION, "the host's own are in it, too");
+    Talk(R"(log after=2 => {"lines":[{"n":3,"args":[0,0,0,0],"text":"the host's own are in it, too"}]})");
+}
+
+TEST(LogLines, KeepsTheLastOnes) {
+    CLogLines log;
+    for (size_t i = 0; i < CLogLines::MOST_LINES + 5; ++i) {
+        log.Add({4, {}, L"line", {}});
+    }
+    EXPECT_EQ(log.Behind(0).size(), CLogLines::MOST_LINES);
+    EXPECT_EQ(log.Behind(0).front().nNumber, 6u);
+    EXPECT_EQ(log.Behind(5).size(), CLogLines::MOST_LINES);
+    EXPECT_EQ(log.Behind(6).front().nNumber, 7u);
+    // Long ones cost no more memory than that.
+    const CString strLong(L'x', static_cast<int>(CLogLines::MOST_CHARACTERS / 2));
+    log.Add({4, {}, strLong, {}});
+    EXPECT_EQ(log.Behind(0).size(), CLogLines::MOST_LINES);
+    log.Add({4, {}, strLong, {}});
+    EXPECT_EQ(log.Behind(0).size(), 2u);
+    log.Add({4, {}, strLong + strLong + strLong, {}});
+    EXPECT_EQ(log.Behind(0).size(), 1u) << "the last one is there, however long";
+}
+
+TEST_F(LogAndCounts, ConnectionsAreToldTheBeginningOfLongLines) {
+    WriteHostLine(LOG_INFORMATION, std::string(70'000, 'x'));
+    EXPECT_EQ(Must("log")["lines"][0]["text"].get<std::string>().size(), 70'000u);
+    SDone done = m_pSession->Do(SLogCommand{});
+    CutForViewers(done);
+    const OrderedJson line = ReplyTo(done)["lines"][0];
+    EXPECT_EQ(line["text"].get<std::string>().size(), 65'536u);
+    EXPECT_EQ(line.value("length", 0), 70'000);
+}
+
+TEST_F(LogAndCounts, EventsCountAtTheNodesThatTakeAndFireThem) {
+    Must(CREATE_MOUSE);
+    Must(CREATE_KEYBOARD);
+    Must("create node=send type=send clip=Intro graph=S"); // answers every record with 1
+    Must("process");
+    EXPECT_EQ(Counts("m").dump(), R"({"fired":0,"received":0,"matched":0,"rejected":0,"sent":0,"dropped":0})");
+    Must("event device=1 event=3005");
+    Must("event device=1 event=3006");
+    Must(Event(0, 2002, KeyText("a")));
+    Talk(R"(
+        counters => {"nodes":{"m":{"fired":2,"received":2},"k":{"fired":1,"received":1},"send":{"received":0}}}
+        destroy node=k
+        create node=k type=keyboard clip=Intro graph=K
+        counters => {"nodes":{"m":{"fired":2},"k":{"fired":0,"received":0}}}
+    )");
+}
+
+TEST_F(LogAndCounts, TextsCountAsTheirVerdictsSay) {
+    Talk(R"(
+        create node=j type=device_json clip=Intro graph=J
+        set node=j param=1402 int=3
+        set node=j param=1403 int=1
+        set node=j param=1404 string=scene
+        process
+    )");
+    const auto text = [this](int nDevice, const char* pszText) {
+        Must(Event(5, 0, {{"is", "device_text"}, {"device", nDevice}, {"text", pszText}}));
+    };
+    text(3, R"({"scene":""})");
+    text(3, R"({"level":1})");
+    text(3, "no JSON");
+    text(4, R"({"scene":""})"); // for another node
+    Talk(R"(counters => {"nodes":{"j":{"matched":1,"rejected":2,"received":1,"fired":1}}})");
+}
+
+TEST_F(LogAndCounts, ItemsForDevicesCountAtTheirSender) {
+    Talk(R"(
+        device device=3 name=Wall parser=direct
+        create node=s type=string_send clip=Clip graph=G
+        set node=s param=1503 int=3
+        set node=s param=1505 string=text
+        trigger node=s param=1507
+        process
+        send device=3 text="nobody's"
+        counters => {"nodes":{"s":{"sent":1,"dropped":0}}}
+    )");
+}
+
+TEST_F(LogAndCounts, TheChangedCountsAreToldOnce) {
+    const auto changed = [this] { return ToJson(m_pSession->TakeChangedCounts())["nodes"]; };
+    Must(CREATE_MOUSE);
+    Must(CREATE_KEYBOARD);
+    Must("process");
+    EXPECT_EQ(changed(), OrderedJson::object());
+    Must("event device=1 event=3005");
+    EXPECT_TRUE(Matches(changed(), {{"m", {{"fired", 1}}}, {"k", nullptr}}));
+    EXPECT_EQ(changed(), OrderedJson::object());
+    m_pSession->ForgetToldCounts();
+    EXPECT_EQ(changed().size(), 2u);
+}
+
+} // namespace
