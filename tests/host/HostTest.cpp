@@ -19,6 +19,7 @@ const std::map<std::string, std::string> TYPES = {
     {"receive", "{8164BB40-6B6A-4707-88B7-386BCB0D1B05}"},
     {"gesture", "{8164BB40-6B6A-4707-88B7-386BCB0D1B07}"},
     {"handle", "{8164BB40-6B6A-4707-88B7-386BCB0D1B08}"},
+    {"broadcast_send", "{8164BB40-6B6A-4707-88B7-386BCB0D1B06}"},
     {"nobodys", "{8164BB40-6B6A-4707-88B7-386BCB0D1B09}"}, // the module makes none
     {"key_check", "{8164BB40-6B6A-4707-88B7-386BCB0D1B0B}"},
     {"object_json", "{8164BB40-6B6A-4707-88B7-386BCB0D1B0C}"},

@@ -76,6 +76,19 @@ class TwoHosts(unittest.TestCase):
         self.assertEqual(self.b.output("receive", 1352), "score")
         self.assertEqual(self.b.output("receive", 1353), data)
 
+    def test_broadcasts_are_held_back_while_only_listening(self):
+        self.a.create("send", BROADCAST_SEND, p602="1", p605="held back")
+        self.b.create("receive", BROADCAST_RECEIVE, p1302="1")
+        self.b.ask("listen")
+        self.a.ask("listen_only", on=True)
+        self.assertIn("held back", self.a.send("send", 606)["log"][-1]["text"])
+        self.a.ask("listen_only", on=False)
+        self.a.ask("set", node="send", param=605, string="sent")
+        self.a.send("send", 606)
+        self.b.await_dispatched()
+        self.assertEqual(self.b.ask("network")["broadcast"]["received"], 1)
+        self.assertEqual(self.b.output("receive", 1353), "sent")
+
     def test_record_fires_the_other_hosts_receive_node(self):
         self.create_record_nodes()
         self.a.send("send", 410)

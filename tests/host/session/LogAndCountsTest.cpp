@@ -130,4 +130,22 @@ TEST_F(LogAndCounts, TheChangedCountsAreToldOnce) {
     EXPECT_EQ(changed().size(), 2u);
 }
 
+// ---- Broadcasts -----------------------------------------------------------------------------------------------------
+
+TEST_F(LogAndCounts, ABroadcastThatIsHeldBackIsALineOfTheLog) {
+    Talk(R"(
+        create node=b type=broadcast_send clip=Clip graph=G
+        set node=b param=605 string=data
+        process
+        listen_only on=true
+        trigger node=b param=606
+    )");
+    EXPECT_EQ(Must("process")["log"].back()["text"], R"(a broadcast of the node "b" was held back: listen-only is on)");
+    Talk(R"(
+        trigger node=b param=606
+        process => {"log":null}
+        listen_only on=false
+    )");
+}
+
 } // namespace

@@ -8,6 +8,7 @@
 #endif
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 // While on, AfxInitExtensionModule fails, so that a module that uses it must refuse to be loaded.
@@ -20,6 +21,10 @@ COMPAT_API int CompatExtensionModuleCount();
 
 // Makes GetTickCount answer the low 32 bits of this fixed value; the running clock again for nullopt.
 COMPAT_API void CompatFreezeTickCount(std::optional<std::uint64_t> nMilliseconds);
+
+// While there is a taker, every datagram that the process gives sendto goes to it instead of the network, and sendto
+// answers that all of it was sent; the network again for none.
+COMPAT_API void CompatTakeDatagrams(std::function<void()> taker);
 
 // Sets the ANSI code page (CP_ACP): 1252, 936, 65001 ... False, and no change, for one that is unknown.
 COMPAT_API bool CompatSetAnsiCodePage(unsigned nCodePage);

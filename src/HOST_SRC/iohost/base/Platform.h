@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -14,8 +15,12 @@
 /// system's own clock answers and can't be stopped.
 bool FreezeClock(std::optional<std::uint64_t> nMilliseconds);
 
+/// While there is a taker, datagrams that the module sends by itself go to it and nowhere else: the module is told that
+/// they were sent. None: they go out again.
+void TakeDatagrams(std::function<void()> taker);
+
 /// Tell which library is the module, as soon as it's loaded and before it's unloaded (null).
-void SetClockModule(HMODULE hModule);
+void SetModule(HMODULE hModule);
 
 /// Let the process have as many sockets open as the system allows: nodes that broadcast never close theirs.
 void AllowManySockets();

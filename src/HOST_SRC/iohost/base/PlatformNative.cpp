@@ -3,6 +3,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <utility>
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
@@ -17,7 +18,11 @@ bool FreezeClock(std::optional<std::uint64_t> nMilliseconds) {
     return true;
 }
 
-void SetClockModule(HMODULE /*hModule*/) {} // there is one clock in the process
+void TakeDatagrams(std::function<void()> taker) {
+    CompatTakeDatagrams(std::move(taker));
+}
+
+void SetModule(HMODULE /*hModule*/) {} // there is one clock and one sendto in the process
 
 void AllowManySockets() {
     rlimit limit = {};

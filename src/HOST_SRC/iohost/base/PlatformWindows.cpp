@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
+#include <utility>
 
 #include <mstcpip.h>
 
@@ -14,9 +15,17 @@ namespace {
 
 DWORD g_nFrozenTicks = 0;
 ULONG_PTR* g_pTickCountImport = nullptr; ///< where the module keeps the address of GetTickCount
+std::function<void()> g_datagramTaker;
+ULONG_PTR* g_pSendToImport = nullptr; ///< where it keeps the one of sendto
 
 DWORD WINAPI FrozenTickCount() {
     return g_nFrozenTicks;
+}
+
+int WSAAPI TakenSendTo(SOCKET /*hSocket*/, const char* /*pBytes*/, int nBytes, int /*nFlags*/,
+                       const sockaddr* /*pAddress*/, int /*nAddressSize*/) {
+    g_datagramTaker();
+    return nBytes;
 }
 
 /// Where a loaded library keeps the address of an imported function; null when it doesn't import it.
@@ -39,25 +48,41 @@ ULONG_PTR* FindImport(HMODULE hModule, ULONG_PTR nFunction) {
     return nullptr;
 }
 
+/// Lead the module to another function; false when that can't be done.
+bool Redirect(ULONG_PTR* pImport, ULONG_PTR nFunction) {
+    DWORD nProtection = 0;
+    if (!VirtualProtect(pImport, sizeof(*pImport), PAGE_READWRITE, &nProtection)) {
+        return false;
+    }
+    *pImport = nFunction;
+    VirtualProtect(pImport, sizeof(*pImport), nProtection, &nProtection);
+    return true;
+}
+
 } // namespace
 
 /// The clock is the system's, so the module is led to another function instead.
 bool FreezeClock(std::optional<std::uint64_t> nMilliseconds) {
     g_nFrozenTicks = static_cast<DWORD>(nMilliseconds.value_or(0));
-    if (g_pTickCountImport != nullptr) {
-        DWORD nProtection = 0;
-        if (!VirtualProtect(g_pTickCountImport, sizeof(*g_pTickCountImport), PAGE_READWRITE, &nProtection)) {
-            return false;
-        }
-        *g_pTickCountImport = reinterpret_cast<ULONG_PTR>(nMilliseconds ? &FrozenTickCount : &GetTickCount);
-        VirtualProtect(g_pTickCountImport, sizeof(*g_pTickCountImport), nProtection, &nProtection);
-    }
-    return true;
+    return g_pTickCountImport == nullptr ||
+           Redirect(g_pTickCountImport, reinterpret_cast<ULONG_PTR>(nMilliseconds ? &FrozenTickCount : &GetTickCount));
 }
 
-void SetClockModule(HMODULE hModule) {
+void TakeDatagrams(std::function<void()> taker) {
+    g_datagramTaker = std::move(taker);
+    if (g_pSendToImport != nullptr) {
+        Redirect(g_pSendToImport, reinterpret_cast<ULONG_PTR>(g_datagramTaker ? &TakenSendTo : &sendto));
+    }
+}
+
+void SetModule(HMODULE hModule) {
     FreezeClock(std::nullopt); // the library that was the module until now may stay loaded
-    g_pTickCountImport = hModule == nullptr ? nullptr : FindImport(hModule, reinterpret_cast<ULONG_PTR>(&GetTickCount));
+    TakeDatagrams(nullptr);
+    const auto find = [&](auto* pFunction) {
+        return hModule == nullptr ? nullptr : FindImport(hModule, reinterpret_cast<ULONG_PTR>(pFunction));
+    };
+    g_pTickCountImport = find(&GetTickCount);
+    g_pSendToImport = find(&sendto);
 }
 
 // No limit but memory.

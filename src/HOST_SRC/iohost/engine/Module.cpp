@@ -47,10 +47,10 @@ CModule::CModule(const std::filesystem::path& file) {
         FreeLibrary(m_hModule);
         throw std::runtime_error(strSubject + "has no function IOProcessFunc");
     }
-    SetClockModule(m_hModule);
+    SetModule(m_hModule);
 }
 
 CModule::~CModule() {
-    SetClockModule(nullptr);
+    SetModule(nullptr);
     FreeLibrary(m_hModule);
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "base/Platform.h"
 #include "base/Refusal.h"
 
 namespace {
@@ -94,4 +95,12 @@ Result CSession::On(const SNetworkCommand& /*command*/) {
 
 void CSession::On(const SListenOnlyCommand& command) {
     m_peers.SetListenOnly(command.bOn);
+    TakeDatagrams(command.bOn ? [this] { OnHeldBack(); } : std::function<void()>());
+}
+
+/// Broadcasts pass the session by, since their node owns its socket.
+void CSession::OnHeldBack() {
+    const SNode* pNode = m_pHost->Activity().CalledNode();
+    m_heldBackLine.Write("a broadcast" + (pNode != nullptr ? " of the node " + Quoted(pNode->strHandle) : "") +
+                         " was held back: listen-only is on");
 }

@@ -1,6 +1,7 @@
 #include "session/Session.h"
 
 #include "base/Caught.h"
+#include "base/Platform.h"
 #include "base/TextUtf8.h"
 #include "session/EventRecords.h"
 #include "session/Steps.h"
@@ -15,6 +16,7 @@ std::unique_ptr<CSession> CSession::Open(const SSessionOptions& options, std::st
 }
 
 CSession::~CSession() {
+    TakeDatagrams(nullptr);
     m_peers.Close();
 }
 

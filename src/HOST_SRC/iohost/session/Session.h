@@ -105,6 +105,7 @@ private:
     bool Settle(SNode& node);
     void BuildScene(const SSceneDocument& document, const std::string& strPath);
     void AwaitDevices();
+    void OnHeldBack();
 
     Result On(const SCatalogueCommand& command);
     Result On(const SCallCommand& command);
@@ -173,6 +174,7 @@ private:
     std::vector<SDispatched> m_dispatched;
     bool m_bTaken = false; ///< a node took the last item
     CLimitedLine m_faultLine{LOG_ERROR};
+    CLimitedLine m_heldBackLine{LOG_INFORMATION};
 };
 
 inline constexpr int RECORDING_VERSION = 1;
