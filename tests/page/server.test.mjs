@@ -336,6 +336,27 @@ test("a connection too many is told so, and the host goes on", async () => {
   assert.equal(own.output.stderr, "");
 });
 
+test("what nodes did and what came too late is pushed", async () => {
+  const page = await openSession(host.address);
+  const pushed = (name) => page.pushes.filter(({ push }) => push === name);
+  const countsOf = (node) => pushed("counters").findLast(({ nodes }) => nodes[node])?.nodes[node];
+  await until("all counters", () => countsOf("k") && countsOf("m"));
+  const { fired, received } = countsOf("k");
+  await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "a" } });
+  await must(script, { op: "event", device: 0, event: 2003, payload: { is: "key", text: "a" } });
+  await until("the keyboard node's counters", () => countsOf("k").fired === fired + 2);
+  assert.equal(countsOf("k").received, received + 2);
+  assert.deepEqual((await must(script, { op: "counters" })).nodes.k, countsOf("k"));
+
+  const nobody = { name: "Wall", parser: "direct", address: "127.0.0.1:9" };
+  await must(script, { op: "device", device: 3, ...nobody, drop_after: 0.01 });
+  await must(script, { op: "send", device: 3, text: "late" });
+  await until("what was dropped", () => pushed("dropped").length > 0);
+  assert.deepEqual(pushed("dropped"), [{ push: "dropped", node: null, device: 3, items: 1 }]);
+  await must(script, { op: "remove_device", device: 3 });
+  await page.close();
+});
+
 test("quit by a client ends the host cleanly", async () => {
   const own = await startHost();
   const client = await createScene(own.address);

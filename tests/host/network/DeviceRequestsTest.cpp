@@ -188,6 +188,29 @@ TEST_F(DeviceRequests, HowLongAnItemMayWaitIsKept) {
     EXPECT_EQ(Device()["drop_after"], 0.25);
 }
 
+TEST_F(DeviceRequests, EachIsAStepThatLeavesTheOthersConnected) {
+    auto first = ConnectDevice("direct");
+    ChangeDevice(4, m_second.Address(), {{"name", "Floor"}});
+    auto second = m_second.Accept();
+    Talk(R"(
+        undo => {"step":{"name":"Add device Floor","op":"device","of":"Floor"}}
+        network => {"devices":[{"id":3,"state":"connected"}]}
+    )");
+    EXPECT_TRUE(m_peers.IsClosed(second));
+    Must("redo");
+    second = m_second.Accept();
+    Talk(R"(
+        device device=4 name=Stage parser=none
+        undo => {"step":{"name":"Change device Stage"}}
+        remove_device device=4
+        undo => {"step":{"name":"Remove device Floor"}}
+        batch requests=[{"op":"remove_device","device":4},{"op":"remove_device","device":5}] => requests[1].device: there is no device 5
+        network => {"devices":[{"id":3,"state":"connected"},{"id":4,"name":"Floor","parser":"direct"}]}
+        send device=3 text=still
+    )");
+    EXPECT_EQ(Read(first, 5), "still");
+}
+
 // ---- Late items ---------------------------------------------------------------------------------------------------
 
 TEST_F(DeviceRequests, WhatWaitsTooLongForADeviceIsDroppedAndTold) {
