@@ -221,6 +221,7 @@ TEST_F(DeviceRequests, WhatWaitsTooLongForADeviceIsDroppedAndTold) {
     SendByNode("late");
     Await([this] { return Device()["queued_items"] == 0; });
     EXPECT_EQ(dropped.m_dropped, std::vector<std::string>{R"({"node":"s","device":3,"items":1})"});
+    Talk(R"(counters => {"nodes":{"s":{"sent":1,"dropped":1}}})");
     Must("send device=3 text=late");
     Await([this] { return Device()["dropped"] == 2; });
     EXPECT_EQ(dropped.m_dropped.back(), R"({"node":null,"device":3,"items":1})");

@@ -12,8 +12,8 @@ export type Change =
   | ({ op: "edit"; node: string; param: number } & EditValue)
   | ({ op: "link" | "unlink" } & Link)
   | { op: "place"; nodes?: Record<string, Place>; notes?: Record<string, Note | null> }
-  | { op: "device"; id: number; name: string; parser: string; address?: string | null; drop_after?: number | null }
-  | { op: "remove_device"; id: number }
+  | { op: "device"; device: number; name: string; parser: string; address?: string | null; drop_after?: number | null }
+  | { op: "remove_device"; device: number }
   | { op: "object"; clip: string; name: string }
   | { op: "change_object"; clip: string; name: string; to: string }
   | { op: "remove_object"; clip: string; name: string };
@@ -90,12 +90,12 @@ export class Requests {
   }
 
   /** Tries to connect to a device now. */
-  async connect(id: number): Promise<string | null> {
-    return errorOf(await this.#connection.request({ op: "connect", id }));
+  async connect(device: number): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "connect", device }));
   }
 
-  async sendText(id: number, text: string): Promise<string | null> {
-    return errorOf(await this.#connection.request({ op: "send", id, text }));
+  async sendText(device: number, text: string): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "send", device, text }));
   }
 }
 

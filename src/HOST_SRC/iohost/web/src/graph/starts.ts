@@ -37,8 +37,8 @@ export function starts(): readonly Start[] {
     {
       name: t("device JSON to parameter"),
       changes: [
-        { op: "device", id: 1, name: "Panel", parser: "json", address: null },
-        { op: "device", id: 2, name: "Stage", parser: "framed", address: null },
+        { op: "device", device: 1, name: "Panel", parser: "json", address: null },
+        { op: "device", device: 2, name: "Stage", parser: "framed", address: null },
         create("Device JSON 1", "0E"),
         create("Net send 1", "04"),
         { op: "edit", node: "Device JSON 1", param: 1402, int: 1 },

@@ -34,7 +34,7 @@ export function DeviceForm({ host, device, onDone }: DeviceFormProps) {
     }
     const problem = await host.requests.change({
       op: "device",
-      id: Number(id),
+      device: Number(id),
       name,
       parser,
       address: address.trim() === "" ? null : address.trim(),

@@ -24,7 +24,7 @@ export function DeviceTools({ host, device }: { host: Host; device: DeviceState 
       <button type="button" onClick={() => setEditing(true)}>
         {t("Edit")}
       </button>
-      <button type="button" onClick={async () => tell(await host.requests.change({ op: "remove_device", id }), "")}>
+      <button type="button" onClick={async () => tell(await host.requests.change({ op: "remove_device", device: id }), "")}>
         {t("Remove")}
       </button>
       {device.address !== null && (
