@@ -47,13 +47,6 @@ export type EventReply = Reply<NodeResults>;
 /** Where undo and redo lead, which file the scene is of, and whether it was changed since that was written. */
 export type SceneState = SceneFile & { undo: Step | null; redo: Step | null };
 
-/** A file in the folder of scenes. */
-export interface ListedFile {
-  file: string;
-  bytes: number;
-  modified_ms: number;
-}
-
 /** What an earlier run of the host left unsaved. */
 export interface Recovered {
   file: string | null;

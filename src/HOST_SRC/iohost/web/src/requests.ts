@@ -1,8 +1,8 @@
 import type { Connection } from "./connection.ts";
 import { t } from "./i18n.ts";
-import type { Reply, ListedFile } from "./messages.ts";
+import type { Reply } from "./messages.ts";
 import type { EditValue } from "./params.ts";
-import type { History, Link, Note, OfferedType, Place } from "./protocol.ts";
+import type { History, Link, Note, OfferedType, Place, SceneFileInfo } from "./protocol.ts";
 
 /** A request that changes the scene, as `batch` takes it. */
 export type Change =
@@ -60,8 +60,8 @@ export class Requests {
   }
 
   /** The files in the folder of scenes, or why they can't be told. */
-  async scenes(): Promise<ListedFile[] | string> {
-    const reply = await this.#connection.request<{ files: ListedFile[] }>({ op: "scenes" });
+  async scenes(): Promise<SceneFileInfo[] | string> {
+    const reply = await this.#connection.request<{ files: SceneFileInfo[] }>({ op: "scenes" });
     return reply.ok ? reply.files : reply.error;
   }
 

@@ -9,7 +9,9 @@ import {
   type Connection,
   type Edge,
   type FinalConnectionState,
+  type NodeChange,
   type ReactFlowInstance,
+  type XYPosition,
 } from "@xyflow/react";
 import { useEffect, useRef, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
@@ -108,19 +110,31 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
     };
   }, [desk, editor]);
 
-  const place = (moved: readonly CanvasNode[]) => {
-    const movedNodes = moved.filter(({ type }) => type === "face").map(({ id }) => [id, editor.view.placeOf(id)]);
-    const movedNotes = moved.flatMap((one) => (one.type === "note" ? [[one.data.id, { ...one.data.note, ...one.position }]] : []));
-    if (moved.length > 0) {
+  // Where nodes and notes were moved to, until that is asked for.
+  const moved = useRef(new Map<string, XYPosition>());
+  const place = () => {
+    const all = faces.flatMap((face) => (moved.current.has(face.id) ? { ...face, position: moved.current.get(face.id)! } : []));
+    moved.current.clear();
+    const movedNodes = all.flatMap(({ id, type, position }) => (type === "face" ? [[id, { ...editor.view.placeOf(id), ...position }]] : []));
+    const movedNotes = all.flatMap((one) => (one.type === "note" ? [[one.data.id, { ...one.data.note, ...one.position }]] : []));
+    if (all.length > 0) {
       void editor.place(Object.fromEntries(movedNodes), Object.fromEntries(movedNotes));
     }
+  };
+  const follow = (changes: NodeChange<CanvasNode>[]) => {
+    for (const change of changes) {
+      if (change.type === "position" && change.position !== undefined) {
+        moved.current.set(change.id, change.position);
+      }
+    }
+    onFacesChange(changes);
   };
   const keys = useCanvasKeys(editor, {
     chosenNodes: chosen,
     chosenNotes: chosenFaces.flatMap((face) => (face.type === "note" ? face.data.id : [])),
     chosenLinks: wires.flatMap(({ selected, data }) => (selected && data ? data.link : [])),
     chooseAll: () => setFaces((kept) => kept.map((face) => ({ ...face, selected: true }))),
-    placeChosen: () => place(chosenFaces),
+    place,
   });
 
   const endWire = (event: MouseEvent | TouchEvent, { isValid, fromHandle, toHandle }: FinalConnectionState) => {
@@ -162,16 +176,13 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
           edges={wires}
           nodeTypes={FACES}
           edgeTypes={WIRES}
-          onNodesChange={onFacesChange}
+          onNodesChange={follow}
           onEdgesChange={onWiresChange}
           isValidConnection={(connection) => editor.whyNot(asLink(connection)) === null}
           onConnect={(connection) => void editor.connect(asLink(connection))}
           onConnectEnd={endWire}
-          onNodeDragStop={(_event, _node, moved) => place(moved)}
-          onSelectionDragStop={(_event, moved) => place(moved)}
-          onNodeDoubleClick={(_, { id }) =>
-            document.getElementById(`node-${id}`)?.scrollIntoView({ block: "start" })
-          }
+          onNodeDragStop={place}
+          onSelectionDragStop={place}
           onInit={(instance) => (flow.current = instance)}
           deleteKeyCode={null}
           panActivationKeyCode={null}
@@ -204,8 +215,8 @@ function faceOf(editor: Editor, node: NodeView, automatic: { x: number; y: numbe
     position: { x, y },
     data: { editor, node, folded },
     ariaLabel: `${node.graph}, ${node.details.name}`,
-    initialWidth: boxOf(node).width,
-    initialHeight: boxOf(node).height,
+    // About so large until it's drawn: the library forgets the pins of a node that comes anew without a size.
+    measured: { width: boxOf(node).width, height: boxOf(node).height },
   };
 }
 
@@ -216,6 +227,7 @@ function notesOf(editor: Editor, notes: Host["notes"]["value"]): NoteNode[] {
     position: { x: note.x, y: note.y },
     width: note.width,
     height: note.height,
+    measured: { width: note.width, height: note.height },
     data: { editor, id, note },
     zIndex: -1,
     ariaLabel: t("Note"),

@@ -7,7 +7,7 @@ interface CanvasKeys {
   chosenNotes: readonly string[];
   chosenLinks: readonly Link[];
   chooseAll(): void;
-  placeChosen(): void;
+  place(): void;
 }
 
 /** Keys of the canvas, which work only while it has the focus, and Ctrl+K, which opens the palette from everywhere else. */
@@ -46,7 +46,7 @@ export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
     // The library moves what is chosen while an arrow key is down; where it ends up is kept.
     onKeyUp: (event: KeyboardEvent) => {
       if (event.key.startsWith("Arrow")) {
-        canvas.placeChosen();
+        canvas.place();
       }
     },
   };

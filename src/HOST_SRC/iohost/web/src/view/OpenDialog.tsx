@@ -2,7 +2,7 @@ import { useEffect, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
-import type { ListedFile } from "../messages.ts";
+import type { SceneFileInfo } from "../protocol.ts";
 import { Dialog } from "./Dialog.tsx";
 
 interface FileDialogProps {
@@ -13,7 +13,7 @@ interface FileDialogProps {
 
 /** Opens a file of the folder of scenes, one of this computer, or an empty scene. Asks before changes are lost. */
 export function OpenDialog({ host, desk, onClose }: FileDialogProps) {
-  const [files, setFiles] = useState<readonly ListedFile[]>([]);
+  const [files, setFiles] = useState<readonly SceneFileInfo[]>([]);
   const [error, setError] = useState<string | null>(null);
   const [waiting, setWaiting] = useState<{ name: string; open: () => Promise<string | null> } | null>(null);
   useEffect(() => {

@@ -1,0 +1,326 @@
+// The scene is edited on the canvas: by the mouse and by keys, each step as one, seen by other pages at once.
+import assert from "node:assert/strict";
+import { beforeEach, test } from "node:test";
+import { canvasOf } from "./support/canvas.mjs";
+import * as is from "./support/page.mjs";
+import { browser, host, page, script, useScene } from "./support/scene.mjs";
+import { createNode, expectEventually, must, Type, until } from "./support/session.mjs";
+
+const TEXT_INPUT = 202;
+const APPEND_INPUT = 203;
+const CLEAR_INPUT = 204;
+
+useScene({
+  prepare: async () => {
+    await createNode(script, "t", Type.textField, "Text field 1");
+    const nodes = { k: { x: 0, y: 0 }, m: { x: 0, y: 200 }, t: { x: 420, y: 0 } };
+    await must(script, { op: "place", nodes });
+    await must(script, { op: "link", from: "k", output: is.KEY_TEXT[1], to: "t", input: TEXT_INPUT });
+  },
+  look: () => page.page.locator('[data-face="t"]').waitFor(),
+});
+
+let canvas;
+beforeEach(() => (canvas = canvasOf(page.page, script)));
+
+const undoStep = async () => (await must(script, { op: "history" })).steps.at(-1)?.name;
+const stepIs = (name) => expectEventually("the step", undoStep, name);
+const placeOf = async (node) => (await canvas.scene()).nodes.find((one) => one.node === node).place;
+
+/** A place on the canvas with nothing on it. */
+async function freePlace() {
+  const { x, y, width, height } = await canvas.pane().boundingBox();
+  return { x: x + width * 0.8, y: y + height * 0.8 };
+}
+
+test("a wire that is dropped on the canvas adds a node that it fits, wired", async () => {
+  await canvas.drag(await canvas.middleOf(canvas.pin("t", is.TEXT[1])), await freePlace());
+  await page.page.locator("[data-palette]").waitFor();
+  assert.equal(await page.page.locator("[data-entry=Mouse]").count(), 0, "a mouse takes no text");
+  await page.page.locator('[data-entry="String data send"]').click();
+  await until("the link", async () => (await canvas.links()).length === 2);
+  const [, link] = await canvas.links();
+  const { nodes } = await canvas.scene();
+  assert.deepEqual(link, { from: "t", output: is.TEXT[1], to: nodes.at(-1).node, input: 1505 });
+  assert.ok(nodes.at(-1).place.x > 420);
+  await stepIs("Add String data send 1");
+  await page.keyboard.press("Control+z");
+  await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1"]);
+});
+
+test("another source for a value replaces the first one only when somebody says so, as one step", async () => {
+  await createNode(script, "k2", Type.keyboard, "Keyboard 2");
+  await must(script, { op: "place", nodes: { k2: { x: 0, y: -300 } } });
+  await canvas.face("k2").waitFor();
+  await page.page.locator(".react-flow__controls-fitview").click();
+  const wire = () => canvas.pin("k2", is.KEY_TEXT[1]).dragTo(canvas.pin("t", TEXT_INPUT));
+  await wire();
+  const question = page.page.getByRole("alertdialog");
+  await question.getByText("Text field 1 · Input key takes its value from Keyboard 1 · Key.").waitFor();
+  await question.getByRole("button", { name: "Leave it" }).click();
+  assert.deepEqual((await canvas.links()).map(({ from }) => from), ["k"]);
+  await wire();
+  await question.getByRole("button", { name: "Replace" }).click();
+  await expectEventually("the source", async () => (await canvas.links()).map(({ from }) => from).join(), "k2");
+  await stepIs("Link Keyboard 2 · Key to Text field 1 · Input key");
+  await page.page.locator("[data-undo]").click();
+  await expectEventually("the source", async () => (await canvas.links()).map(({ from }) => from).join(), "k");
+});
+
+test("an event input takes wires of several events without asking", async () => {
+  await canvas.pin("k", is.KEY_DOWN[1]).dragTo(canvas.pin("t", APPEND_INPUT));
+  await canvas.pin("m", is.LEFT_DOWN[1]).dragTo(canvas.pin("t", APPEND_INPUT));
+  await expectEventually("wires", () => canvas.wires().count(), 3);
+});
+
+test("a linked input shows what comes, from where, and can't be changed by hand until it's unlinked", async () => {
+  const field = page.page.locator(`article[data-node=t] input[data-param="${TEXT_INPUT}"]`);
+  await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
+  await expectEventually("the value", () => field.inputValue(), "F5");
+  assert.equal(await field.isDisabled(), true);
+  assert.equal(await page.page.locator("[data-link-from=k]").innerText(), "← Keyboard 1 · Key");
+  await page.page.locator("[data-unlink=k]").click();
+  await until("a field to type in", () => field.isEnabled());
+  assert.deepEqual(await canvas.links(), []);
+});
+
+test("a wire lights when an event runs through it, and shows its value while it's pointed at", async () => {
+  await must(script, { op: "link", from: "k", output: is.KEY_DOWN[1], to: "t", input: APPEND_INPUT });
+  await expectEventually("wires", () => canvas.wires().count(), 2);
+  assert.equal(await page.page.locator("[data-pulse]").count(), 0);
+  await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F7" } });
+  await expectEventually("lit wires", () => page.page.locator("[data-pulse]").count(), 2);
+  await canvas.wires().first().focus();
+  await page.page.keyboard.press("Enter");
+  await page.page.locator("[data-wire-value]", { hasText: "F7" }).waitFor();
+});
+
+test("a node that is dragged stays where it was put, on every page, and goes back when that's undone", async () => {
+  const other = canvasOf((await is.openPage(browser, host)).page, script);
+  const from = await canvas.middleOf(canvas.face("m").locator("header strong"));
+  await canvas.drag(from, { x: from.x + 60, y: from.y + 30 });
+  await until("another place", async () => (await placeOf("m")).x > 0);
+  await stepIs("Move Mouse 1");
+  const position = (view) => view.face("m").locator("..").evaluate((node) => node.style.transform);
+  await until("one place on both pages", async () => {
+    const here = await position(canvas);
+    return !here.includes("0px, 200px") && (await position(other)) === here;
+  });
+  await page.keyboard.press("Control+z");
+  await until("the place", async () => (await placeOf("m")).x === 0);
+  await until("the place on the canvas", async () => /translate\(0px, ?200px\)/.test(await position(other)));
+});
+
+test("what is chosen by a frame is moved by the arrow keys as one step", async () => {
+  await page.page.locator(".react-flow__controls-fitview").click();
+  const { x, y, width, height } = await canvas.pane().boundingBox();
+  await page.keyboard.down("Shift");
+  await page.page.locator(".react-flow__pane.selection").waitFor();
+  await canvas.drag({ x: x + 4, y: y + 4 }, { x: x + width - 4, y: y + height - 60 });
+  await page.keyboard.up("Shift");
+  await expectEventually("chosen", () => canvas.chosen().count(), 3);
+  await canvas.chosen().first().focus();
+  await page.keyboard.press("ArrowDown");
+  await stepIs("Move 3 nodes");
+  assert.ok((await placeOf("k")).y > 0);
+});
+
+test("nodes are lined up", async () => {
+  await canvas.choose("k", "t");
+  await page.page.getByRole("button", { name: "Align left" }).click();
+  await until("one line", async () => (await placeOf("t")).x === 0);
+});
+
+test("chosen nodes are copied with their values and links, and pasted on another page", async () => {
+  await must(script, { op: "edit", node: "m", param: is.ENABLE, int: 0 });
+  await page.page.locator("[data-face=m].face-off").waitFor();
+  await canvas.choose("k", "t", "m");
+  await page.keyboard.press("Control+c");
+  await page.page.getByText("Copied: 3").waitFor();
+  const other = await is.openPage(browser, host);
+  const there = canvasOf(other.page, script);
+  await there.choose("k");
+  await other.keyboard.press("Control+v");
+  await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1", "Keyboard 2", "Mouse 2", "Text field 2"]);
+  const { nodes, links } = await canvas.scene();
+  const [keyboard, mouse, text] = nodes.slice(3).map(({ node }) => node);
+  assert.deepEqual(links.at(-1), { from: keyboard, output: is.KEY_TEXT[1], to: text, input: TEXT_INPUT });
+  const { inputs } = await must(script, { op: "inspect", node: mouse });
+  assert.equal(inputs[0].params.find(({ id }) => id === is.ENABLE).int, 0);
+  await stepIs("Paste 3 nodes");
+  await other.keyboard.press("Control+z");
+  await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1"]);
+  await other.close();
+});
+
+test("a chosen node is doubled, and several are deleted as one step", async () => {
+  await canvas.choose("m");
+  await page.keyboard.press("Control+d");
+  await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1", "Mouse 2"]);
+  await canvas.choose("k", "t");
+  await page.keyboard.press("Delete");
+  await canvas.nodesAre(["Mouse 1", "Mouse 2"]);
+  await stepIs("Delete 2 nodes");
+  await page.keyboard.press("Control+z");
+  await until("both", async () => (await canvas.names()).length === 4);
+  assert.equal((await canvas.links()).length, 1);
+});
+
+test("a node is renamed by F2 and by a double click; Escape keeps the name", async () => {
+  await canvas.choose("m");
+  await page.keyboard.press("F2");
+  await page.keyboard.type("Pointer");
+  await page.keyboard.press("Enter");
+  await expectEventually("the name", async () => (await canvas.names())[1], "Pointer");
+  await page.page.locator("article[data-node=m] h3", { hasText: "Pointer" }).waitFor();
+  await canvas.face("m").locator("strong").dblclick();
+  await page.keyboard.type("Other");
+  await page.keyboard.press("Escape");
+  await canvas.face("m").locator("strong", { hasText: "Pointer" }).waitFor();
+  assert.equal(await undoStep(), "Rename Mouse 1 to Pointer");
+});
+
+test("a folded node has only its linked pins, on every page", async () => {
+  const other = canvasOf((await is.openPage(browser, host)).page, script);
+  await page.page.getByRole("button", { name: "Fold Keyboard 1" }).click();
+  await page.page.locator('[data-face="k"][data-folded=true]').waitFor();
+  await other.face("k").locator(".pin").first().waitFor();
+  await expectEventually("pins", () => other.face("k").locator(".pin").count(), 1);
+  await expectEventually("wires", () => canvas.wires().count(), 1);
+  await page.page.getByRole("button", { name: "Unfold Keyboard 1" }).click();
+  await expectEventually("pins", () => canvas.face("k").locator(".pin").count(), 4);
+});
+
+test("notes are part of the scene: written, moved, and taken away", async () => {
+  await page.page.getByRole("button", { name: "Add note" }).click();
+  const note = page.page.locator("[data-note] textarea");
+  await note.fill("Keys for the title");
+  await note.blur();
+  const notes = async () => Object.values((await canvas.scene()).notes ?? {});
+  await expectEventually("the text", async () => (await notes())[0]?.text, "Keys for the title");
+  const { x } = (await notes())[0];
+  const box = await page.page.locator("[data-note]").boundingBox();
+  await canvas.drag({ x: box.x + 20, y: box.y + 6 }, { x: box.x + 70, y: box.y + 6 });
+  await until("another place", async () => (await notes())[0].x > x);
+  await page.keyboard.press("Delete");
+  await until("no note", async () => (await notes()).length === 0);
+});
+
+test("without a mouse: a node is added, wired, found and removed", async () => {
+  await page.page.locator("[data-undo]").focus();
+  await canvas.add("Mouse");
+  await page.page.getByRole("heading", { name: "Mouse 2" }).waitFor();
+  await page.page.getByRole("group", { name: /^Keyboard 1/ }).focus();
+  await page.keyboard.press("Enter");
+  const focused = () => page.page.evaluate(() => document.activeElement.getAttribute("aria-label"));
+  const tabTo = async (label) => {
+    for (let steps = 0; (await focused()) !== label; ++steps) {
+      assert.ok(steps < 60, `Tab never came to ${label}`);
+      await page.keyboard.press("Tab");
+    }
+  };
+  await tabTo("Output Pressed");
+  await page.keyboard.press("Enter");
+  await page.page.getByText("Wire from Keyboard 1 · Pressed").waitFor();
+  await tabTo("Input Clear");
+  await page.keyboard.press("Enter");
+  await expectEventually("the link", async () => JSON.stringify((await canvas.links()).at(-1)),
+    JSON.stringify({ from: "k", output: is.KEY_DOWN[1], to: "t", input: CLEAR_INPUT }));
+  await page.keyboard.press("Control+k");
+  await page.keyboard.type("Mouse 2");
+  await page.keyboard.press("Enter");
+  await page.page.getByRole("heading", { name: "Mouse 2" }).waitFor();
+  await page.page.getByRole("group", { name: /^Mouse 2/ }).focus();
+  await page.keyboard.press("Delete");
+  await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1"]);
+});
+
+test("Escape gives up a wire that was begun by keys", async () => {
+  await canvas.choose("k");
+  await canvas.pin("k", is.KEY_DOWN[1]).focus();
+  await page.keyboard.press("Enter");
+  await page.page.locator(".pin-begun").waitFor();
+  await page.keyboard.press("Escape");
+  await page.page.locator(".pin-begun").waitFor({ state: "detached" });
+});
+
+test("the outline tells of each node where its inputs come from", async () => {
+  const outline = page.page.locator("[data-outline]");
+  assert.match(await outline.innerText(), /Text field 1, Text field input\s+Input key from Keyboard 1 · Key/);
+});
+
+test("Ctrl+Z in a field is the field's; elsewhere it undoes, with Shift it does again, as both pages show", async () => {
+  const other = await is.openPage(browser, host);
+  await must(script, { op: "rename", node: "m", graph: "Pointer" });
+  const button = (view, which) => view.page.locator(`[data-${which}]`);
+  await expectEventually("the step", () => button(page, "undo").getAttribute("title"), "Undo: Rename Mouse 1 to Pointer");
+  await page.page.locator(".log-search").focus();
+  await page.keyboard.press("Control+z");
+  await button(page, "undo").focus();
+  assert.equal((await canvas.names())[1], "Pointer");
+  await page.keyboard.press("Control+z");
+  await expectEventually("the name", async () => (await canvas.names())[1], "Mouse 1");
+  await page.page.getByText("Undone: Rename Mouse 1 to Pointer. What nodes heard or sent meanwhile stays.").waitFor();
+  await expectEventually("the step", () => button(other, "redo").getAttribute("title"), "Redo: Rename Mouse 1 to Pointer");
+  await page.keyboard.press("Control+Shift+z");
+  await expectEventually("the name", async () => (await canvas.names())[1], "Pointer");
+  await other.page.locator("article[data-node=m] h3", { hasText: "Pointer" }).waitFor();
+  await other.close();
+});
+
+test("the history lists the steps and leads back to any of them", async () => {
+  for (const graph of ["One", "Two", "Three"]) {
+    await must(script, { op: "rename", node: "m", graph });
+  }
+  await page.page.locator("[data-history]").click();
+  await page.page.locator("[data-step]", { hasText: "Rename Mouse 1 to One" }).click();
+  await expectEventually("the name", async () => (await canvas.names())[1], "One");
+  await page.page.locator("[data-step][aria-current]", { hasText: "to One" }).waitFor();
+  await page.page.locator("[data-step]", { hasText: "Rename Two to Three" }).click();
+  await expectEventually("the name", async () => (await canvas.names())[1], "Three");
+});
+
+test("a line of the log leads to its node", async () => {
+  await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
+  await page.page.locator("[data-line]").last().click();
+  await expectEventually("the chosen node", () => canvas.chosen().locator("[data-face]").getAttribute("data-face"), "k");
+  await page.page.getByRole("heading", { name: "Keyboard 1" }).waitFor();
+  assert.equal(await page.page.locator("article[data-node]").count(), 1);
+});
+
+test("the badge says whether what is sent goes out, and switches it for all pages", async () => {
+  const other = await is.openPage(browser, host);
+  await page.page.locator("[data-live=true]").click();
+  await other.page.locator("[data-live=false]", { hasText: "LISTEN ONLY" }).waitFor();
+  await other.page.locator("[data-live=false]").click();
+  await page.page.locator("[data-live=true]", { hasText: "LIVE" }).waitFor();
+  await other.close();
+});
+
+test("the panels' height is changed by dragging their edge and by keys, and the surface keeps its size", async () => {
+  const edge = page.page.getByRole("separator");
+  const height = async () => Math.round((await page.page.locator(".dock").boundingBox()).height);
+  const surface = async () => JSON.stringify(await page.surface.boundingBox());
+  const [before, seen] = [await height(), await surface()];
+  const from = await canvas.middleOf(edge);
+  await canvas.drag(from, { x: from.x, y: from.y - 60 });
+  await expectEventually("the height", height, before + 60);
+  await edge.focus();
+  await page.keyboard.press("ArrowDown");
+  await expectEventually("the height", height, before + 36);
+  for (const tab of ["keyboard", "network", "hands"]) {
+    await page.page.locator(`[data-tab=${tab}]`).click();
+    assert.equal(await surface(), seen, tab);
+  }
+  await page.page.evaluate(() => localStorage.removeItem("iohost.dock-height"));
+});
+
+test("the render surface is enlarged and made smaller again", async () => {
+  const width = async () => (await page.surface.boundingBox()).width;
+  const before = await width();
+  const button = page.page.getByRole("button", { name: "Enlarge the render surface" });
+  await button.click();
+  await until("a larger surface", async () => (await width()) > 1.2 * before);
+  await button.click();
+  await expectEventually("the width", width, before);
+});

@@ -1,0 +1,53 @@
+// The canvas: what the tests read off it and do to it.
+import { expectEventually, must } from "./session.mjs";
+
+/** Done when what the page does after it drew is done. */
+const drawn = () =>
+  new Promise((resolve) => requestAnimationFrame(() => setTimeout(() => requestAnimationFrame(() => setTimeout(resolve)))));
+
+/** What is on the canvas of a page, whose scene a script can ask for. */
+export function canvasOf(page, script) {
+  const face = (node) => page.locator(`[data-face="${node}"]`);
+  const scene = () => must(script, { op: "scene" });
+  return {
+    face,
+    pin: (node, id) => face(node).locator(`[data-handleid="${id}"]`),
+    wires: () => page.locator(".react-flow__edge"),
+    chosen: () => page.locator(".react-flow__node.selected"),
+    message: () => page.locator("[data-graph-message]"),
+    pane: () => page.locator("[data-graph]"),
+    scene,
+    links: async () => (await scene()).links,
+    names: async () => (await scene()).nodes.map(({ graph }) => graph),
+    nodesAre: (names) => expectEventually("the nodes", async () => (await scene()).nodes.map(({ graph }) => graph).join(), names.join()),
+    /** Chooses nodes by clicks on their heads, with Ctrl held from the second one on. */
+    choose: async (first, ...others) => {
+      await face(first).locator("header img").click();
+      for (const node of others) {
+        await page.keyboard.down("Control");
+        await page.evaluate(drawn); // the canvas takes note of the key
+        await face(node).locator("header img").click();
+        await page.keyboard.up("Control");
+      }
+    },
+    /** Adds a node by the palette. */
+    add: async (name) => {
+      await page.keyboard.press("Control+k");
+      await page.keyboard.type(name);
+      await page.locator(`[data-entry="${name}"].marked`).waitFor();
+      await page.keyboard.press("Enter");
+    },
+    /** Drags by the mouse in steps, as a hand does. */
+    drag: async (from, to) => {
+      await page.mouse.move(from.x, from.y);
+      await page.mouse.down();
+      await page.mouse.move((from.x + to.x) / 2, (from.y + to.y) / 2, { steps: 4 });
+      await page.mouse.move(to.x, to.y, { steps: 4 });
+      await page.mouse.up();
+    },
+    middleOf: async (locator) => {
+      const { x, y, width, height } = await locator.boundingBox();
+      return { x: x + width / 2, y: y + height / 2 };
+    },
+  };
+}
