@@ -17,13 +17,15 @@ const DEVICE_JSON = { type: "0E" };
 const TEXT_APPEND = 203;
 
 useScene({
-  // Something of all that may stand there: what fired, an error in the log, what is held, a verdict, what would be sent.
+  // Something of all that may stand there: what fired, an error in the log, what is held, a verdict, what would
+  // be sent, a node that is off.
   prepare: async () => {
     const send = (request) => must(script, request);
     await createNode(script, "t", Type.textField, "Text field 1");
     await createNode(script, "n", NET_SEND.type, "Net send 1");
     await createNode(script, "j", DEVICE_JSON.type, "Device JSON 1");
     await createNode(script, "v", Type.vrHandle, "VR handle 1");
+    await send({ op: "set", node: "v", param: is.ENABLE, int: 0 });
     await send({ op: "link", from: "k", output: is.KEY_DOWN[1], to: "t", input: TEXT_APPEND });
     await send({ op: "devices", list: [{ id: 1, name: "Stage", parser: "framed", address: "127.0.0.1:9" }] });
     await send({ op: "listen_only", on: true });

@@ -66,7 +66,9 @@ function lineOf({ level, ...text }: LogEntry, number: number, time: number): Log
 export function filterLog(lines: readonly LogLine[], level: LevelFilter, search: string): LogLine[] {
   const wanted = search.trim().toLowerCase();
   return lines.filter(
-    (line) => (level === null || line.level === level) && (wanted === "" || `${line.text}\n${line.english ?? ""}`.toLowerCase().includes(wanted)),
+    (line) =>
+      (level === null || line.level === level) &&
+      (wanted === "" || `${line.text}\n${line.english ?? ""}`.toLowerCase().includes(wanted)),
   );
 }
 

@@ -9,9 +9,10 @@ const MODULE = "../../../PI_SRC/QORIOProcess";
 /** What the module's sources log: their texts that begin with names or are Chinese. */
 function formatsOfModule(): string[] {
   const sources = readdirSync(MODULE, { recursive: true, encoding: "utf8" }).filter((name) => /\.(cpp|h)$/.test(name));
-  return sources.flatMap((name) =>
-    [...readFileSync(join(MODULE, name), "utf8").matchAll(/L"((?:\[%s|[^"\n]*\p{Script=Han})[^"\n]*)"/gu)].map(([, text]) => text!),
-  );
+  return sources.flatMap((name) => {
+    const source = readFileSync(join(MODULE, name), "utf8");
+    return [...source.matchAll(/L"((?:\[%s|[^"\n]*\p{Script=Han})[^"\n]*)"/gu)].map(([, text]) => text!);
+  });
 }
 
 test("every line that the module can log has an English text, and no other has one", () => {
@@ -24,7 +25,8 @@ test("an English text has the values of its format, in their order", () => {
   for (const [format, text] of Object.entries(LOG_TEXTS)) {
     assert.equal(text.match(/%s/g)?.length, format.match(/%s/g)?.length, format);
     assert.doesNotMatch(text, /\p{Script=Han}/u);
-    const line = (filled: string) => ["Demo", "键 1", "a.[b]", "x"].reduce((rest, value) => rest.replace("%s", () => value), filled);
+    const values = ["Demo", "键 1", "a.[b]", "x"];
+    const line = (form: string) => values.reduce((rest, value) => rest.replace("%s", () => value), form);
     assert.equal(inEnglish(line(format)), line(text));
   }
 });

@@ -68,7 +68,7 @@ export function LogPanel({ host, desk }: PanelProps) {
           {FILTERS.map((filter) => (
             <button
               type="button"
-              key={t(filter.label)}
+              key={filter.label}
               aria-pressed={level === filter.level}
               data-level={filter.level ?? "all"}
               onClick={() => setLevel(filter.level)}

@@ -159,7 +159,8 @@ function round(value: number): number {
 }
 
 function pointersText(pointers: readonly PointerEcho[]): string | undefined {
-  return pointers.length === 0 ? undefined : pointers.map(({ number, type }) => `${number} ${t(POINTER_TYPES[type] ?? "pointer")}`).join(", ");
+  const texts = pointers.map(({ number, type }) => `${number} ${t(POINTER_TYPES[type] ?? "pointer")}`);
+  return texts.length === 0 ? undefined : texts.join(", ");
 }
 
 function Reading({ label, value, data }: { label: string; value: string | undefined; data: string }) {

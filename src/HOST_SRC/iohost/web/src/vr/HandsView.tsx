@@ -47,7 +47,8 @@ export function HandsView({ host, shown }: PanelProps) {
       void hasHeadset().then(setCanEnter);
       return () => made.detach();
     } catch (error) {
-      setDrawing(t("This browser can't draw in space here: {error}", { error: error instanceof Error ? error.message : String(error) }));
+      const reason = error instanceof Error ? error.message : String(error);
+      setDrawing(t("This browser can't draw in space here: {error}", { error: reason }));
       return undefined;
     }
   }, [hands]);
@@ -109,7 +110,9 @@ export function HandsView({ host, shown }: PanelProps) {
           ref={place}
           tabIndex={0}
           role="application"
-          aria-label={t("Space: drag a hand or its hit point; arrow keys and Page Up and Down move the right hand, with Alt the left one")}
+          aria-label={t(
+            "Space: drag a hand or its hit point; arrow keys and Page Up and Down move the right hand, with Alt the left one",
+          )}
           onKeyDown={(event) => {
             const by = keyStep(event.key);
             if (by !== null) {
