@@ -51,6 +51,7 @@ export const ZH = {
   "pen": "触控笔",
   "pointer": "指针",
   "Click here, then type, move, click, scroll and swipe": "先点击此处，再键入、移动、点击、滚动和滑动",
+  "Tap, drag and swipe here": "在此点按、拖动和滑动",
   "Type, move, click, scroll and swipe": "键入、移动、点击、滚动和滑动",
   "No event": "无事件",
   "pointer {pointer}, {count} samples": "指针 {pointer}，{count} 个采样",

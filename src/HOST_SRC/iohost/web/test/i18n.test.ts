@@ -41,7 +41,7 @@ test("what the page's elements say comes from the table", () => {
   const said = sources
     .filter(({ name }) => name.endsWith(".tsx"))
     .flatMap(({ source }) => [
-      ...source.matchAll(/(?<!=)>\s*((?:[^<>{}()[\];=]*[A-Za-z]{2})[^<>{}()[\];=]*)[<{]/g),
+      ...source.matchAll(/(?<!=)>\s*((?:[^<>{}()[\];=`]*[A-Za-z]{2})[^<>{}()[\];=`]*)[<{]/g),
       ...source.matchAll(/\b(?:aria-label|title|placeholder|label)="([^"]*[A-Za-z]{2}[^"]*)"/g),
     ])
     .map(([, text]) => text!.trim());

@@ -67,7 +67,7 @@ export function Palette({ editor, call }: { editor: Editor; call: PaletteCall })
           role="combobox"
           aria-expanded="true"
           aria-controls="palette-list"
-          aria-activedescendant={`palette-${marked}`}
+          aria-activedescendant={entries.length > 0 ? `palette-${marked}` : undefined}
           aria-label={t("Type of a new node, or name of a node")}
           placeholder={t("Type of a new node, or name of a node")}
           value={search}

@@ -131,6 +131,7 @@ export function RenderSurface({ host, desk }: { host: Host; desk: Desk }) {
         {strokes.value.length === 0 && (
           <p class="surface-call">
             <span class="call-blurred">{t("Click here, then type, move, click, scroll and swipe")}</span>
+            <span class="call-touch">{t("Tap, drag and swipe here")}</span>
             <span class="call-focused">{t("Type, move, click, scroll and swipe")}</span>
           </p>
         )}
