@@ -130,8 +130,10 @@ test("what wasn't saved outlives a crash and an end, and is taken or discarded",
   const aside = join(folder, `.unsaved-${port}.json`);
   await until("it's written aside", () => existsSync(aside));
   await restart("SIGKILL");
-  const hello = () => pushed("hello")[0];
-  assert.ok(hello().recovered.modified_ms > 0);
+  const left = () => pushed("history").at(-1).recovered;
+  await until("the history", () => pushed("history").length > 0);
+  assert.equal(left().file, "show.json");
+  assert.ok(left().modified_ms > 0);
   assert.deepEqual(await scene(), []);
   await must(script, { op: "recover", take: true });
   assert.deepEqual(await scene(), [["m", "Mouse 1"]]);
@@ -142,7 +144,8 @@ test("what wasn't saved outlives a crash and an end, and is taken or discarded",
   // An end writes what changed last.
   await must(script, { op: "rename", node: "m", graph: "Pointer" });
   await restart("SIGTERM");
-  assert.ok(hello().recovered !== undefined);
+  await until("the history", () => pushed("history").length > 0);
+  assert.notEqual(left(), undefined);
   assert.equal(JSON.parse(readFileSync(join(folder, `.left-${port}.json`))).nodes[0].graph, "Pointer");
   await must(script, { op: "recover", take: false });
   assert.deepEqual(await scene(), []);
@@ -153,7 +156,67 @@ test("what wasn't saved outlives a crash and an end, and is taken or discarded",
   await must(script, { op: "save", file: "show.json" });
   await until("it's gone", () => !existsSync(aside));
   await restart("SIGKILL");
-  assert.equal(hello().recovered, undefined);
+  await until("the history", () => pushed("history").length > 0);
+  assert.equal(left(), undefined);
+});
+
+test("unsaved work that nobody decided about becomes a scene of the folder when more is left", async () => {
+  for (const name of ["an hour's work", "a try"]) {
+    await must(script, { op: "load", scene: EMPTY });
+    await createNode(script, "m", Type.mouse, name);
+    await restart("SIGTERM");
+  }
+  const names = (await must(script, { op: "scenes" })).files.map(({ file }) => file);
+  const older = names.find((name) => /^recovered-\d+\.json$/.test(name));
+  await must(script, { op: "load", file: older });
+  assert.deepEqual(await scene(), [["m", "an hour's work"]]);
+  await must(script, { op: "recover", take: true });
+  assert.deepEqual(await scene(), [["m", "a try"]]);
+  assert.equal((await must(script, { op: "undo" })).step.name, "Recover a scene");
+
+  // What a host has taken and not saved is left to the next one even if it ends at once.
+  await must(script, { op: "redo" });
+  await restart("SIGKILL");
+  await must(script, { op: "recover", take: true });
+  assert.deepEqual(await scene(), [["m", "a try"]]);
+  await must(script, { op: "load", scene: EMPTY });
+});
+
+test("what is left and can't be read is told and discarded, and doesn't keep the host from starting", async () => {
+  for (const content of ["no scene", JSON.stringify({ ...EMPTY, nodes: [{ node: "x" }] })]) {
+    host.kill();
+    await host.ended();
+    writeFileSync(join(folder, `.unsaved-${port}.json`), content);
+    await start();
+    assert.equal((await script.request({ op: "recover", take: true })).ok, false);
+    await must(script, { op: "recover", take: false }).catch(() => {});
+    assert.deepEqual(await scene(), []);
+  }
+});
+
+test("a scene that is refused changes neither the scene nor what is unsaved", async () => {
+  await createNode(script, "m", Type.mouse, "Mouse 1");
+  const before = await must(script, { op: "history" });
+  const gesture = { node: "g", type: "{8164BB40-6B6A-4707-88B7-386BCB0D1B07}", clip: null, graph: "", own: [] };
+  const reply = await ask(host.address, "/scene", { method: "POST", body: JSON.stringify({ ...EMPTY, nodes: [gesture] }) });
+  assert.equal(JSON.parse(reply.body).ok, false);
+  assert.deepEqual(await must(script, { op: "history" }), before);
+  for (const file of [".hidden.json", `.unsaved-${port}.json`, ".folder/a.json"]) {
+    assert.deepEqual(await script.request({ op: "save", file }), { ok: false, error: "file: no part of it may begin with a dot" });
+  }
+  // Steps of one name are written aside each, and what changed right before the end of the session is.
+  const matrix = (x) => [1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, x, 0, 0, 1];
+  await must(script, { op: "object", clip: "Stage", name: "Box" });
+  const aside = () => JSON.parse(readFileSync(join(folder, `.unsaved-${port}.json`)));
+  for (const x of [1, 2]) {
+    await must(script, { op: "change_object", clip: "Stage", name: "Box", matrix: matrix(x) });
+    await until("it's written aside", () => existsSync(join(folder, `.unsaved-${port}.json`)) && aside().clips.at(-1).objects[0].matrix[12] === x);
+  }
+  await must(script, { op: "rename", node: "m", graph: "Last" });
+  await must(script, { op: "quit" });
+  await host.ended();
+  assert.equal(aside().nodes[0].graph, "Last");
+  await start();
 });
 
 test("the scene that the host begins with is known by its name in the folder, and no step", async () => {

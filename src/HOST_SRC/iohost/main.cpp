@@ -91,11 +91,11 @@ int RunSession(const SOptions& options) {
     }
     if (!options.sceneFile.empty()) {
         CSystemFiles files;
-        const OrderedJson reply = Answer(*pSession, {{"op", "load"}, {"file", Utf8(options.sceneFile)}}, files);
+        const OrderedJson reply =
+            Answer(*pSession, {{"op", "load"}, {"file", Utf8(options.sceneFile)}, {"step", false}}, files);
         if (!reply["ok"]) {
             return Fail("--scene " + Utf8(options.sceneFile) + ": " + reply["error"].get<std::string>());
         }
-        pSession->History().Clear(); // nobody wants to undo it
     }
     if (const std::string strProblem = ConfiguredPortProblem(); !strProblem.empty()) {
         if (options.nFront == EFront::Stdio) {

@@ -213,6 +213,81 @@ TEST_F(History, TheScenesFileAndWhetherItHasTheSceneAreKnown) {
     EXPECT_EQ(state(), saved);
 }
 
+TEST_F(History, AFileHasOneStateOnly) {
+    const std::string strFile = Quote(m_folder.Path() / "show.json");
+    Must(CREATE_MOUSE);
+    Must("save file=" + strFile);
+    Must("rename node=m graph=two");
+    Must("load file=" + strFile);
+    Must("rename node=m graph=three");
+    Must("save file=" + strFile);
+    for (int i = 0; i < 3; ++i) {
+        Must("undo");
+    }
+    Talk(R"(history => {"done":1,"unsaved":true})");
+}
+
+TEST_F(History, ANodeIsToldWhatUndoingChanges) {
+    Must("create node=s type=string_send clip=Intro graph=Send");
+    Must("process");
+    Must("edit node=s param=1502 int=1");
+    Must("edit node=s param=1502 int=0");
+    const OrderedJson all = Must("inspect node=s")["own"];
+    Must("undo");
+    Must("edit node=s param=1502 int=0");
+    EXPECT_EQ(Must("inspect node=s")["own"], all);
+}
+
+TEST_F(History, UndoingADropLeavesTheOtherValues) {
+    Must(CREATE_MOUSE);
+    const auto sample = [this](double x) { Must(Event(1, 3013, PointerSample({{"rx", x}, {"x", 5}}))); };
+    sample(0.5);
+    Must("process");
+    Must(R"(drop node=m param=352 from=["outputs"])");
+    sample(0.75);
+    Must("process");
+    const OrderedJson value = Param("m", "outputs", 372);
+    Must("undo");
+    EXPECT_EQ(Param("m", "outputs", 372), value);
+    EXPECT_FALSE(Param("m", "outputs", 352).is_null());
+}
+
+TEST_F(History, ABatchWhoseNodeIsntMadeIsRefused) {
+    EXPECT_EQ(Refusal(R"(batch requests=[{"op":"create","node":"n","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1BFF}",)"
+                      R"("clip":null,"graph":""}])"),
+              "requests[0].type: the module makes no such node");
+}
+
+using ProbeHistory = CProbeTest;
+
+TEST_F(ProbeHistory, ALoadThatFaultsIsNoStep) {
+    Must(CREATE_PROBE);
+    Must("set node=p param=10 int=8 own=true");
+    Must("save file=" + Quote(m_folder.Path() / "faulty.json"));
+    const OrderedJson history = Must("history");
+    const OrderedJson reply = AskObject("load file=" + Quote(m_folder.Path() / "faulty.json"));
+    EXPECT_EQ(reply["ok"], false);
+    EXPECT_EQ(Must("history"), history);
+}
+
+/// The 8 makes it raise when it's made again.
+TEST_F(ProbeHistory, NodesThatRaiseComeBackAllTheSame) {
+    Must(CREATE_PROBE);
+    Must(CREATE_SECOND_PROBE);
+    Must("set node=p param=10 int=8 own=true");
+    Must("link from=p output=101 to=q input=10");
+    const OrderedJson before = WholeScene();
+    Must("destroy node=p");
+    Must("undo");
+    EXPECT_EQ(WholeScene(), before);
+    EXPECT_EQ(AskObject(R"(batch requests=[{"op":"destroy","node":"p"},{"op":"rename","node":"zz","graph":""}])")["ok"],
+              false);
+    EXPECT_EQ(WholeScene(), before);
+    Must(R"(load scene={"format":"iohost scene","version":1})");
+    Must("undo");
+    EXPECT_EQ(WholeScene(), before);
+}
+
 TEST_F(History, LinksKeepTheOrderInWhichTheyWereMade) {
     Must(CREATE_KEYBOARD);
     Must("create node=a type=string_send clip=Intro graph=A");

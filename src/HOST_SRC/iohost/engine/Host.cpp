@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "base/HostLine.h"
 #include "base/Platform.h"
 #include "base/TextUtf8.h"
 #include "scene/ParamSet.h"
@@ -165,6 +166,16 @@ void CHost::Prepare(SNode& node, const SNodeStart& start, const SNodeContents& c
     if (start.clip) {
         object.m_pOwnerClip = &m_scene.Clip(*start.clip);
     }
+    const auto call = [&](auto function) {
+        try {
+            function();
+        } catch (const CModuleFault& fault) {
+            if (!contents.bRestored) {
+                throw;
+            }
+            WriteHostLine(LOG_ERROR, fault.what());
+        }
+    };
     node.ownInputs = TypesOf(object.m_lstParamGroup);
     if (contents.pSaved != nullptr) {
         ApplySavedSet(*contents.pSaved, object.m_lstParamGroup);
@@ -173,7 +184,7 @@ void CHost::Prepare(SNode& node, const SNodeStart& start, const SNodeContents& c
         RestoreGroups(object.m_lstParamGroup, *contents.pOwn, false);
     }
     if (contents.pSaved != nullptr || contents.pOwn != nullptr) {
-        Call(&node, [&] { object.InitParam(); });
+        call([&] { Call(&node, [&] { object.InitParam(); }); });
     }
     SGraphNode& graphNode = *node.pGraphNode;
     graphNode.m_strName = start.strGraph;
@@ -183,7 +194,7 @@ void CHost::Prepare(SNode& node, const SNodeStart& start, const SNodeContents& c
     }
     if (contents.pOutputs != nullptr) {
         // The node knows its pins' names and types: let it make them all, then keep those that the project holds.
-        MakeOutputs(node);
+        call([&] { MakeOutputs(node); });
         RestoreGroups(graphNode.m_lstOutputGroup, *contents.pOutputs, true);
     }
     if (contents.bOutputs) {

@@ -38,7 +38,8 @@ struct SNodeContents {
     const std::vector<SGroupState>* pOwn = nullptr;
     const std::vector<SGroupState>* pInputs = nullptr;
     const std::vector<SGroupState>* pOutputs = nullptr;
-    bool bOutputs = true; ///< ask the node for its outputs in the end
+    bool bOutputs = true;   ///< ask the node for its outputs in the end
+    bool bRestored = false; ///< it was there before: what it raises is logged, and it's there all the same
 };
 
 /// What operation 2 did.

@@ -27,16 +27,17 @@ void ReadRequest(SRequest& request, const CFields& fields, ISceneFiles& files) {
     const std::string& strOp = fields.Text("op");
     if (strOp == TAG_NAME<SLoadCommand> && !fields.Has("scene")) {
         const Json scene = ParseJson(files.Read(fields.Text("file")), "file");
-        request.command = SLoadCommand{ReadScene(scene, "file"), "file", fields.Text("file")};
+        auto& load =
+            request.command.emplace<SLoadCommand>(SLoadCommand{ReadScene(scene, "file"), "file", fields.Text("file")});
+        ReadField(load.bStep, fields, "step", FIELD_OPTIONAL);
     } else if (strOp == TAG_NAME<SRecoverCommand>) {
-        const Json scene = ParseJson(files.ReadLeft(), "scene");
+        request.bRecovers = true;
+        request.command = SRecoverCommand();
+        const std::string strText = files.ReadLeft();
         if (ReadBool(fields.Required("take"), "take")) {
-            const auto pScene = ReadScene(scene, "scene");
-            request.command = SLoadCommand{pScene, "scene", FileNameIn(scene), true};
-        } else {
-            request.command = SRecoverCommand{};
+            const Json scene = ParseJson(strText, "scene");
+            request.command = SLoadCommand{ReadScene(scene, "scene"), "scene", FileNameIn(scene), true};
         }
-        files.ForgetLeft();
     } else if (strOp == TAG_NAME<SFrameCommand> && fields.Has("frame") && ReadBool(*fields.Find("frame"), "frame")) {
         ReadFields(request.command.emplace<SFrameCommand>(), fields);
     } else {
@@ -89,6 +90,9 @@ OrderedJson Answer(CSession& session, const Json& json, ISceneFiles& files, cons
             } catch (const CRefusal& refusal) {
                 done.outcome.error = refusal.what();
             }
+        }
+        if (request.bRecovers && !done.outcome.error) {
+            files.EndLeft(std::holds_alternative<SLoadCommand>(request.command));
         }
         if (std::holds_alternative<SScenesCommand>(request.command)) {
             done.outcome.result = SScenes{files.List()};

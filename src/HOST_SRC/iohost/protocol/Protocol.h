@@ -19,7 +19,9 @@ public:
 
     /// What an earlier host left unsaved, as SceneText wrote it; refused where there is nothing.
     virtual std::string ReadLeft() { Refuse("op", "nothing unsaved was left"); }
-    virtual void ForgetLeft() {}
+
+    /// It was loaded, and is unsaved still, or it is forgotten.
+    virtual void EndLeft(bool /*bLoaded*/) {}
 
 protected:
     ~ISceneFiles() = default;
@@ -29,7 +31,8 @@ protected:
 struct SRequest {
     OrderedJson id = OrderedJson::value_t::discarded; ///< comes back in the reply; discarded: there is none
     Command command;
-    std::string strFile; ///< where `save` keeps the scene
+    std::string strFile;    ///< where `save` keeps the scene
+    bool bRecovers = false; ///< it's about what an earlier host left unsaved
 };
 
 /// Read a request, and the file of a scene to load. On a refusal the id is there, if it could be read.

@@ -116,6 +116,7 @@ void ReadFields(SLoadCommand& command, const CFields& fields) {
     command.pScene = ReadScene(fields.Required(command.strPath.c_str()), command.strPath);
     ReadField(command.strFile, fields, "name", FIELD_OPTIONAL);
     ReadField(command.bUnsaved, fields, "unsaved", FIELD_OPTIONAL);
+    ReadField(command.bStep, fields, "step", FIELD_OPTIONAL);
 }
 
 void AppendFields(OrderedJson& json, const SLoadCommand& command) {
@@ -125,6 +126,9 @@ void AppendFields(OrderedJson& json, const SLoadCommand& command) {
     }
     if (command.bUnsaved) {
         json["unsaved"] = true;
+    }
+    if (!command.bStep) {
+        json["step"] = false;
     }
 }
 

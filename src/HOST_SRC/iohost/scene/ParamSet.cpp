@@ -4,6 +4,7 @@
 #include <boost/core/noncopyable.hpp>
 #include <cmath>
 #include <limits>
+#include <map>
 
 #include "base/Refusal.h"
 #include "host/HostRender.h"
@@ -213,21 +214,25 @@ void RestoreGroups(VEKParamGroupList& lstGroup, const std::vector<SGroupState>& 
 
 void ChangeGroups(VEKParamGroupList& lstGroup, const std::vector<SGroupState>& from, const std::vector<SGroupState>& to,
                   bool bOutputs) {
-    const auto haveSameParams = [](const SGroupState& a, const SGroupState& b) {
-        return a.nId == b.nId && std::ranges::equal(a.params, b.params, {}, &SParamState::nId, &SParamState::nId);
-    };
-    if (!std::ranges::equal(from, to, haveSameParams)) {
-        RestoreGroups(lstGroup, to, bOutputs);
+    if (from == to) {
         return;
     }
-    for (size_t nGroup = 0; nGroup < to.size(); ++nGroup) {
-        for (size_t nParam = 0; nParam < to[nGroup].params.size(); ++nParam) {
-            const SParamState& state = to[nGroup].params[nParam];
-            if (from[nGroup].params[nParam] != state) {
-                ApplyValues(*FindParam(lstGroup, MakeParamGuid(state.nId)), state);
+    std::map<unsigned, const SParamState*> were;
+    for (const SGroupState& group : from) {
+        for (const SParamState& param : group.params) {
+            were.emplace(param.nId, &param);
+        }
+    }
+    std::vector<SGroupState> groups = to;
+    for (SGroupState& group : groups) {
+        for (SParamState& param : group.params) {
+            const auto was = were.find(param.nId);
+            if (was != were.end() && *was->second == param) {
+                param = StateOf(*FindParam(lstGroup, MakeParamGuid(param.nId)));
             }
         }
     }
+    RestoreGroups(lstGroup, groups, bOutputs);
 }
 
 void ApplySavedSet(const SSavedSet& saved, VEKParamGroupList& lstOwn) {

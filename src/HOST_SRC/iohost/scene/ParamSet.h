@@ -22,8 +22,7 @@ std::unique_ptr<VEKParam> TakeParam(VEKParamGroupList& lstGroup, unsigned nId);
 /// ordinary ones else.
 void RestoreGroups(VEKParamGroupList& lstGroup, const std::vector<SGroupState>& groups, bool bOutputs);
 
-/// Change groups that were `from` to `to`. Where both have the same parameters, those that are alike in both stay as
-/// they are by now.
+/// Change groups that were `from` to `to`. Parameters that are alike in both stay as they are by now.
 void ChangeGroups(VEKParamGroupList& lstGroup, const std::vector<SGroupState>& from, const std::vector<SGroupState>& to,
                   bool bOutputs);
 

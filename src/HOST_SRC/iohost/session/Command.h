@@ -255,13 +255,14 @@ struct SLoadCommand {
     std::shared_ptr<const SSceneDocument> pScene; ///< never null
     std::string strPath;                          ///< what refusals call it: "scene" or "file"
     std::string strFile = {};                     ///< its name; empty: it's no file's
-    bool bUnsaved = false;                        ///< the file has it otherwise
+    bool bUnsaved = false;                        ///< the file has an older one
+    bool bStep = true;                            ///< false: the history begins with it
 };
 
 /// The files of the folder of scenes: whoever asked fills the result in.
 struct SScenesCommand {};
 
-/// What was left unsaved isn't wanted; to take it is a load.
+/// What an earlier host left unsaved is forgotten. Taking it is SLoadCommand.
 struct SRecoverCommand {};
 
 struct SSceneCommand {};

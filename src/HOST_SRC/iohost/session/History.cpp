@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr auto NO_STATE = std::numeric_limits<unsigned long long>::max(); ///< of the scene
+constexpr auto NO_STATE = std::numeric_limits<unsigned long long>::max(); ///< of a file that has none of the states
 
 } // namespace
 
@@ -29,6 +29,20 @@ void CHistory::NoteOpened(const std::string& strFile, bool bUnsaved) {
     m_entries.back().otherKept = std::exchange(m_kept, {strFile, bUnsaved ? NO_STATE : m_nState});
 }
 
+void CHistory::Begin(const std::string& strFile) {
+    Clear();
+    NoteSaved(strFile);
+}
+
+void CHistory::NoteSaved(const std::string& strFile) {
+    m_kept = {strFile, m_nState};
+    for (SEntry& entry : m_entries) {
+        if (entry.otherKept && entry.otherKept->strFile == strFile) {
+            entry.otherKept->nState = NO_STATE; // the file has this scene now
+        }
+    }
+}
+
 SSceneChange CHistory::Undo(CHost& host, CPeers& peers) {
     SEntry& entry = m_entries[m_nDone - 1];
     const SSceneChange change = Move(entry, host, peers, entry.after, entry.before);
@@ -46,7 +60,12 @@ SSceneChange CHistory::Redo(CHost& host, CPeers& peers) {
 }
 
 SSceneChange CHistory::Move(SEntry& entry, CHost& host, CPeers& peers, const SScenePart& from, const SScenePart& to) {
-    ChangePart(host, peers, from, to);
+    try {
+        ChangePart(host, peers, from, to);
+    } catch (...) {
+        Clear();
+        throw;
+    }
     if (entry.otherKept) {
         std::swap(m_kept, *entry.otherKept);
     }
@@ -65,4 +84,5 @@ void CHistory::Clear() {
     m_entries.clear();
     m_nDone = 0;
     m_nNodes = 0;
+    m_nState = ++m_nStates;
 }

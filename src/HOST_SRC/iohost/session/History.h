@@ -24,30 +24,37 @@ struct SSceneFile {
 class CHistory {
 public:
     static constexpr size_t MOST_STEPS = 200;
-    static constexpr size_t MOST_NODES = 50'000; ///< before and after all steps: each costs some kilobytes
+    static constexpr size_t MOST_NODES = 50'000; ///< in all steps, before and after them: each costs some kilobytes
 
     /// A step was taken; those that were undone can't be redone any more, and the oldest go where they are too many.
     void Add(SStep step, SScenePart before, SScenePart after);
 
-    /// The step brought another scene, which is the file's; no file's where the name is empty.
+    /// The last step brought another scene, out of that file; empty: out of none. bUnsaved: the file has an older one.
     void NoteOpened(const std::string& strFile, bool bUnsaved);
 
+    /// The history begins with the scene as it is now, out of that file.
+    void Begin(const std::string& strFile);
+
     /// The file has the scene as it is now.
-    void NoteSaved(const std::string& strFile) { m_kept = {strFile, m_nState}; }
+    void NoteSaved(const std::string& strFile);
 
     /// The last step that is done, and the first that was undone; null for none.
     const SStep* ToUndo() const { return m_nDone > 0 ? &m_entries[m_nDone - 1].step : nullptr; }
     const SStep* ToRedo() const { return m_nDone < m_entries.size() ? &m_entries[m_nDone].step : nullptr; }
 
-    /// Undo or redo it in the scene. It must be there.
+    /// Undo or redo it in the scene. It must be there. Where that fails no step fits the scene any more: all are
+    /// forgotten.
     SSceneChange Undo(CHost& host, CPeers& peers);
     SSceneChange Redo(CHost& host, CPeers& peers);
 
     std::vector<SStep> Steps() const;
     size_t Done() const { return m_nDone; }
 
-    /// Forget all steps.
+    /// Forget all steps: the scene isn't what they left.
     void Clear();
+
+    /// Number of the scene's present state. States that undoing and redoing come back to have the same number.
+    unsigned long long State() const { return m_nState; }
 
     SSceneFile File() const { return {m_kept.strFile, m_kept.nState != m_nState}; }
 
@@ -64,7 +71,7 @@ private:
         SScenePart after;
         unsigned long long nStateBefore;
         unsigned long long nStateAfter;
-        std::optional<SKept> otherKept; ///< of the scene that is away, where the step brought another
+        std::optional<SKept> otherKept; ///< of a step that brought another scene: where the other one is kept
 
         size_t NodeCount() const { return before.nodes.size() + after.nodes.size(); }
     };
@@ -73,8 +80,8 @@ private:
 
     std::deque<SEntry> m_entries;
     size_t m_nDone = 0;
-    size_t m_nNodes = 0;              ///< in all entries
-    unsigned long long m_nState = 0;  ///< each state has a number, which undoing and redoing come back to
+    size_t m_nNodes = 0; ///< in all entries
+    unsigned long long m_nState = 0;
     unsigned long long m_nStates = 0; ///< the last number given
     SKept m_kept;
 };

@@ -566,7 +566,11 @@ void CSession::On(const SBatchCommand& command, const SOrigin& origin) {
     for (size_t i = 0; i < list.size(); ++i) {
         const std::string strPlace = "requests[" + std::to_string(i) + "]";
         try {
-            Perform(list[i], origin);
+            const Result result = Perform(list[i], origin);
+            const auto* pCreated = std::get_if<SCreated>(&result);
+            if (pCreated != nullptr && !pCreated->bCreated) {
+                Refuse("type", "the module makes no such node");
+            }
         } catch (const CModuleFault& fault) {
             throw CModuleFault(strPlace + ": " + fault.what());
         } catch (const CRefusal& refusal) {
@@ -576,21 +580,21 @@ void CSession::On(const SBatchCommand& command, const SOrigin& origin) {
 }
 
 Result CSession::On(const SUndoCommand& /*command*/) {
-    if (m_history.ToUndo() == nullptr) {
-        Refuse("op", "there is nothing to undo");
-    }
-    const SStep step = *m_history.ToUndo();
-    m_change = m_history.Undo(*m_pHost, m_peers);
-    AwaitDevices();
-    return SStepTaken{step};
+    return Move(m_history.ToUndo(), &CHistory::Undo, "there is nothing to undo");
 }
 
 Result CSession::On(const SRedoCommand& /*command*/) {
-    if (m_history.ToRedo() == nullptr) {
-        Refuse("op", "there is nothing to redo");
+    return Move(m_history.ToRedo(), &CHistory::Redo, "there is nothing to redo");
+}
+
+/// Go one step back or forth.
+Result CSession::Move(const SStep* pStep, SSceneChange (CHistory::*move)(CHost&, CPeers&), const char* pszNone) {
+    if (pStep == nullptr) {
+        Refuse("op", pszNone);
     }
-    const SStep step = *m_history.ToRedo();
-    m_change = m_history.Redo(*m_pHost, m_peers);
+    const SStep step = *pStep;
+    m_change.bEverything = true; // where it fails
+    m_change = (m_history.*move)(*m_pHost, m_peers);
     AwaitDevices();
     return SStepTaken{step};
 }

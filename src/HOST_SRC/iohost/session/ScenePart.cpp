@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/HostLine.h"
 #include "scene/ParamSet.h"
 
 namespace {
@@ -12,19 +13,56 @@ bool IsSameObject(const SNodeState& a, const SNodeState& b) {
            a.document.bEventWindow == b.document.bEventWindow && a.document.bNotifyWindow == b.document.bNotifyWindow;
 }
 
-void ChangeNode(SNode& node, const SNodeDocument& from, const SNodeDocument& to) {
+/// Ids of the parameters that differ.
+std::vector<unsigned> Differing(const std::vector<SGroupState>& from, const std::vector<SGroupState>& to) {
+    std::vector<unsigned> ids;
+    for (size_t nGroup = 0; nGroup < std::min(from.size(), to.size()); ++nGroup) {
+        for (const SParamState& param : to[nGroup].params) {
+            if (std::ranges::find(from[nGroup].params, param) == from[nGroup].params.end()) {
+                ids.push_back(param.nId);
+            }
+        }
+    }
+    return ids;
+}
+
+/// Tell the node as an editor's panel does; what it then changes by itself doesn't count.
+void TellNode(CHost& host, SNode& node, const std::vector<unsigned>& ids) {
+    const auto own = StateOf(node.pNode->m_lstParamGroup);
+    const auto inputs = StateOf(node.pGraphNode->m_lstInputGroup);
+    for (const unsigned nId : ids) {
+        const GUID guid = MakeParamGuid(nId);
+        try {
+            if (host.Call(&node, [&] { return node.pNode->NeedUpdateSingleParam(guid); }) != FALSE) {
+                host.Call(&node, [&] { return node.pNode->UpdateSingleParamValue(guid); });
+            }
+        } catch (const CModuleFault& fault) {
+            WriteHostLine(LOG_ERROR, fault.what());
+        }
+    }
+    RestoreGroups(node.pNode->m_lstParamGroup, own, false);
+    RestoreGroups(node.pGraphNode->m_lstInputGroup, inputs, false);
+}
+
+void ChangeNode(CHost& host, SNode& node, const SNodeDocument& from, const SNodeDocument& to) {
     ChangeGroups(node.pNode->m_lstParamGroup, *from.own, *to.own, false);
     ChangeGroups(node.pGraphNode->m_lstInputGroup, *from.inputs, *to.inputs, false);
+    if (const auto ids = Differing(*from.inputs, *to.inputs); !ids.empty()) {
+        TellNode(host, node, ids);
+    }
     ChangeGroups(node.pGraphNode->m_lstOutputGroup, *from.outputs, *to.outputs, true);
     node.pGraphNode->m_strName = to.strGraph;
 }
 
 SNode& MakeNode(CHost& host, const SNodeDocument& document) {
-    return *host.Create(document, {.pOwn = &*document.own,
-                                   .pInputs = &*document.inputs,
-                                   .pOutputs = &*document.outputs,
-                                   .bOutputs = false})
-                .pNode;
+    SNode& node = *host.Create(document, {.pOwn = &*document.own,
+                                          .pInputs = &*document.inputs,
+                                          .pOutputs = &*document.outputs,
+                                          .bOutputs = false,
+                                          .bRestored = true})
+                       .pNode;
+    RestoreGroups(node.pNode->m_lstParamGroup, *document.own, false); // whatever InitParam made of them
+    return node;
 }
 
 void ChangeObjects(VEKClip& clip, const SClipDocument* pFrom, const SClipDocument& to) {
@@ -174,7 +212,7 @@ void ChangePart(CHost& host, CPeers& peers, const SScenePart& from, const SScene
     for (const auto& [strHandle, state] : to.nodes) {
         SNode* pNode = scene.Find(strHandle);
         if (pNode != nullptr) {
-            ChangeNode(*pNode, from.nodes.at(strHandle).document, state.document);
+            ChangeNode(host, *pNode, from.nodes.at(strHandle).document, state.document);
         } else {
             pNode = &MakeNode(host, state.document);
         }
@@ -208,7 +246,8 @@ SSceneChange ChangeBetween(const SScenePart& before, const SScenePart& after) {
     }
     for (const auto& [strHandle, state] : after.nodes) {
         const auto was = before.nodes.find(strHandle);
-        change.bList |= was == before.nodes.end() || was->second.document.strGraph != state.document.strGraph ||
+        change.bList |= was == before.nodes.end() || was->second.nOrder != state.nOrder ||
+                        !IsSameObject(was->second, state) || was->second.document.strGraph != state.document.strGraph ||
                         was->second.document.place != state.document.place;
         change.nodes.insert(strHandle);
     }

@@ -28,7 +28,7 @@ SDone CSession::Do(const Command& command, const SOrigin& origin) {
         }
     }
     for (ISessionObserver* pObserver : m_observers) {
-        pObserver->OnBegin();
+        pObserver->OnBegin(command);
     }
     SActivity before = m_nDepth > 0 ? log.Exchange({}) : SActivity();
     ++m_nDepth;
@@ -80,7 +80,8 @@ SOutcome CSession::CarryOut(const Command& command, const SOrigin& origin) {
 }
 
 /// What the command changes of the scene becomes a step of its history, also where the module raised an exception. A
-/// batch that fails changes nothing.
+/// load or batch that fails changes nothing. Recordings have no addresses of devices: whether they differ makes no
+/// step.
 Result CSession::CarryOutStep(const Command& command, const SOrigin& origin) {
     auto plan = PlanOf(command, Scene(), m_peers);
     if (!plan) {
@@ -90,15 +91,20 @@ Result CSession::CarryOutStep(const Command& command, const SOrigin& origin) {
     SScenePart before = TakePart(*m_pHost, m_peers, plan->scope);
     const auto noteStep = [&] {
         SScenePart after = TakePart(*m_pHost, m_peers, plan->scope);
-        if (before == after && pLoad == nullptr) {
+        if (before == after && pLoad == nullptr && !plan->scope.bDevices) {
             return;
         }
         KeepDifferences(before, after);
         m_change = ChangeBetween(before, after);
         m_change.bEverything = pLoad != nullptr;
+        if (pLoad != nullptr && !pLoad->bStep) {
+            m_history.Begin(pLoad->strFile);
+            return;
+        }
         m_history.Add(std::move(plan->step), std::move(before), std::move(after));
         if (pLoad != nullptr) {
-            m_history.NoteOpened(pLoad->strFile, pLoad->bUnsaved);
+            const bool bInNoFile = pLoad->strFile.empty() && !pLoad->pScene->nodes.empty();
+            m_history.NoteOpened(pLoad->strFile, pLoad->bUnsaved || bInNoFile);
         }
     };
     try {
@@ -107,11 +113,21 @@ Result CSession::CarryOutStep(const Command& command, const SOrigin& origin) {
         return result;
     } catch (const CRefusal& refusal) {
         if (std::holds_alternative<SBatchCommand>(command)) {
-            ChangePart(*m_pHost, m_peers, TakePart(*m_pHost, m_peers, plan->scope), before);
-        } else if (dynamic_cast<const CModuleFault*>(&refusal) != nullptr) {
+            RollBack(before, plan->scope);
+        } else if (pLoad == nullptr && dynamic_cast<const CModuleFault*>(&refusal) != nullptr) {
             noteStep();
         }
         throw;
+    }
+}
+
+/// Where that fails, too, the steps don't fit the scene any more.
+void CSession::RollBack(const SScenePart& before, const SSceneScope& scope) {
+    try {
+        ChangePart(*m_pHost, m_peers, TakePart(*m_pHost, m_peers, scope), before);
+    } catch (const CRefusal&) {
+        m_history.Clear();
+        m_change.bEverything = true;
     }
 }
 

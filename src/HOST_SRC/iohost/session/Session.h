@@ -17,7 +17,7 @@
 class ISessionObserver {
 public:
     /// A command is about to be carried out.
-    virtual void OnBegin() {}
+    virtual void OnBegin(const Command& /*command*/) {}
 
     /// It was, or something happened between commands. Whoever changes the session from here does so later.
     virtual void OnDone(const SDone& done) = 0;
@@ -95,6 +95,7 @@ private:
     void TellObservers(const SDone& done);
     SOutcome CarryOut(const Command& command, const SOrigin& origin);
     Result CarryOutStep(const Command& command, const SOrigin& origin);
+    void RollBack(const SScenePart& before, const SSceneScope& scope);
     Result Perform(const Command& command, const SOrigin& origin);
 
     SNode& NodeOf(const std::string& strHandle, const std::string& strField = "node");
@@ -105,6 +106,7 @@ private:
     bool Settle(SNode& node);
     void BuildScene(const SSceneDocument& document, const std::string& strPath);
     void AwaitDevices();
+    Result Move(const SStep* pStep, SSceneChange (CHistory::*move)(CHost&, CPeers&), const char* pszNone);
     void OnHeldBack();
 
     Result On(const SCatalogueCommand& command);

@@ -66,7 +66,8 @@ public:
     }
 
     SStepPlan operator()(const SLoadCommand& command) const {
-        return {{command.strFile.empty() ? "Open a scene" : "Open " + command.strFile, "load", command.strFile},
+        const std::string strVerb = command.bUnsaved ? "Recover " : "Open ";
+        return {{strVerb + (command.strFile.empty() ? "a scene" : command.strFile), "load", command.strFile},
                 {.bEverything = true}};
     }
 

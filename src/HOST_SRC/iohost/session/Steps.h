@@ -6,7 +6,7 @@
 #include "session/Command.h"
 #include "session/History.h"
 
-/// What a command is as a step, before it is carried out.
+/// How a command stands in the history, told before it is carried out.
 struct SStepPlan {
     SStep step;
     SSceneScope scope; ///< what it may change

@@ -8,6 +8,7 @@
 #include <boost/beast/http/string_body.hpp>
 #include <boost/beast/http/write.hpp>
 #include <boost/beast/websocket/rfc6455.hpp>
+#include <boost/core/noncopyable.hpp>
 
 #include <algorithm>
 #include <array>
@@ -140,7 +141,7 @@ bool HasPath(const Request& request, std::string_view path) {
     return target.substr(0, target.find('?')) == path;
 }
 
-/// Whether the request brings a text for an object; but for a scene no other one may have a body.
+/// Whether the request brings a text for an object. Such a request and the upload of a scene may have a body, no other.
 bool IsObjectText(const Request& request) {
     return request.method() == http::verb::post && IsObjectTextTarget(View(request.target()));
 }
@@ -176,7 +177,11 @@ Awaitable<std::string> ReadBody(TcpStream& stream, beast::flat_buffer& buffer, R
     http::request_parser<http::string_body> parser(std::move(head));
     parser.body_limit(nLongest);
     co_await http::async_read(stream, buffer, parser, AwaitInto(error));
-    co_return parser.get().body();
+    co_return std::move(parser.get().body());
+}
+
+Response MakeReply(const Request& request, http::status status, const std::string& strReply) {
+    return MakeResponse(request, status, "application/json", strReply + "\n");
 }
 
 /// Reads the text for an object and hands it over. The reply says what became of it. A request whose body isn't there
@@ -207,22 +212,27 @@ Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer
     } else {
         reply = ErrorReply(strProblem);
     }
-    Response response = MakeResponse(request, status, "application/json", ReplyText(reply) + "\n");
+    Response response = MakeReply(request, status, ReplyText(reply));
     response.keep_alive(!error && request.keep_alive());
     co_return response;
 }
 
-/// Reads a scene's file and has it loaded, as TakeObjectText does with a text.
+/// Reads a scene's file and has it loaded, as TakeObjectText does with a text. One at a time: each may be large.
 Awaitable<Response> TakeScene(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head, const SHttpSite& site,
                               error_code& error) {
     const Request request = head.get();
-    if (std::exchange(site.bTakesScene, true)) {
-        Response response = MakeRefusal(request, http::status::service_unavailable, "Another scene is being uploaded.");
+    if (site.bTakesScene) {
+        Response response = MakeReply(request, http::status::service_unavailable,
+                                      ReplyText(ErrorReply("another scene is being uploaded")));
         response.keep_alive(false); // the body isn't read
         co_return response;
     }
+    struct STurn : boost::noncopyable {
+        explicit STurn(bool& bHeld) : bTaken(bHeld) { bTaken = true; }
+        ~STurn() { bTaken = false; }
+        bool& bTaken;
+    } const turn(site.bTakesScene);
     const std::string strText = co_await ReadBody(stream, buffer, head, LARGEST_SCENE, error);
-    site.bTakesScene = false;
     std::string strReply;
     if (error == http::error::body_limit) {
         strReply = ReplyText(ErrorReply("the scene is larger than 256 MiB"));
@@ -231,13 +241,17 @@ Awaitable<Response> TakeScene(TcpStream& stream, beast::flat_buffer& buffer, Req
     } else {
         strReply = site.loadScene(strText);
     }
-    Response response = MakeResponse(request, http::status::ok, "application/json", strReply + "\n");
+    Response response = MakeReply(request, http::status::ok, strReply);
     response.keep_alive(!error && request.keep_alive());
     co_return response;
 }
 
 Response MakeSceneResponse(const Request& request, const SHttpSite& site) {
-    Response response = MakeResponse(request, http::status::ok, "application/json", site.presentScene());
+    auto text = site.presentScene();
+    if (!text) {
+        return MakeRefusal(request, http::status::service_unavailable, "The session has ended.");
+    }
+    Response response = MakeResponse(request, http::status::ok, "application/json", std::move(*text));
     response.set(http::field::content_disposition, "attachment; filename=\"scene.json\"");
     return response;
 }

@@ -4,6 +4,7 @@
 #include "base/Network.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "fronts/page/AccessToken.h"
@@ -23,12 +24,12 @@ struct SHttpSite {
     /// Hands a posted text to the nodes.
     std::function<SDone(const SObjectTextData& text)> takeObjectText;
 
-    /// The scene as a file's text.
-    std::function<std::string()> presentScene;
+    /// The scene as a file's text; nothing once the session has ended.
+    std::function<std::optional<std::string>()> presentScene;
 
     /// Loads a scene from a file's text; returns the reply's text.
     std::function<std::string(const std::string& strText)> loadScene;
-    mutable bool bTakesScene = false; ///< one at a time: each may be large
+    mutable bool bTakesScene = false; ///< an upload is under way
 };
 
 /// Serves the connection until it ends. The site outlives it.

@@ -46,7 +46,7 @@ std::string FullText() {
 class CPageServer final : public IWebSocketListener, private ISessionObserver {
 public:
     CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files)
-        : m_session(session), m_fFps(options.fFps), m_files(files), m_scenes(options.sceneFolder, options.nPort),
+        : m_session(session), m_fFps(options.fFps), m_files(files), m_scenes(options.sceneFolder),
           m_terminal(session, m_output.Stream()), m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }) {
         m_session.Attach(*this);
         // Connections know the scene of --scene by its name in their folder.
@@ -62,6 +62,9 @@ public:
         OpenListener(m_acceptor, endpoint, error);
         if (error) {
             return error.message();
+        }
+        if (endpoint.port() != 0) {
+            m_unsaved.SetFile(m_scenes.TakeOver(endpoint.port()));
         }
         const auto bound = m_acceptor.local_endpoint();
         m_strAddress = EndpointText(bound);
@@ -100,16 +103,11 @@ public:
     void OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) override {
         CHeldInput& held = m_session.Held().Open();
         m_clients.emplace(pClient.get(), SClient{pClient, held});
-        OrderedJson hello = {{"push", "hello"},
-                             {"version", IOHOST_VERSION},
-                             {"fps", m_fFps},
-                             {"address", m_strAddress},
-                             {"connection", held.Connection()}};
-        if (const auto& left = m_scenes.Left()) {
-            hello["recovered"] = {{"file", left->strFile.empty() ? OrderedJson() : OrderedJson(left->strFile)},
-                                  {"modified_ms", left->nModifiedMs}};
-        }
-        pClient->Send(Text(hello));
+        pClient->Send(Text({{"push", "hello"},
+                            {"version", IOHOST_VERSION},
+                            {"fps", m_fFps},
+                            {"address", m_strAddress},
+                            {"connection", held.Connection()}}));
         pClient->Send(Text({{"push", "held"}, {"held", ToJson(m_session.Held().State())}}));
         pClient->Send(Text(HistoryPush()));
         // The next frame tells everybody all of it; to those who know it already that changes nothing.
@@ -237,14 +235,19 @@ private:
         return m_session.Do(SEventCommand{.handle = {}, .nDevice = DEVICE_OBJECT_TEXT, .payload = text});
     }
 
-    std::string PresentScene() {
-        return SceneText(std::get<SSceneDocument>(m_session.Do(SSaveCommand()).outcome.result));
+    /// Nothing once the session has ended.
+    std::optional<std::string> PresentScene() {
+        const SDone done = m_session.Do(SSaveCommand());
+        const auto* pScene = std::get_if<SSceneDocument>(&done.outcome.result);
+        return pScene != nullptr ? std::optional(SceneText(*pScene)) : std::nullopt;
     }
 
     std::string LoadScene(const std::string& strText) {
         try {
             const auto pScene = ReadScene(ParseJson(strText, "scene"), "scene");
-            return ReplyText(ReplyTo(m_session.Do(SLoadCommand{pScene, "scene"})));
+            SDone done = m_session.Do(SLoadCommand{pScene, "scene"});
+            CutForViewers(done);
+            return ReplyText(ReplyTo(done));
         } catch (const CRefusal& refusal) {
             return ReplyText(ErrorReply(refusal.what()));
         }
@@ -285,6 +288,12 @@ private:
     /// The next frame comes whatever becomes of this one.
     void GuardedFrame() {
         DoGuarded(m_frameLine, "a frame failed", [this] { Frame(); });
+    }
+
+    void OnBegin(const Command& command) override {
+        if (std::holds_alternative<SQuitCommand>(command)) {
+            m_unsaved.Flush();
+        }
     }
 
     /// Whoever asked is told by the reply. What items cause is told with the next frame: they may come by the thousand.
@@ -356,6 +365,7 @@ private:
 
     /// A page where nothing happens would otherwise not notice that the host has stalled.
     void TellFrame() {
+        m_unsaved.Check();
         DoGuarded(m_frameLine, "the pages weren't told of a frame", [this] {
             SendToAll({{"push", "frame"}, {"frame", m_nFrame}});
         });
@@ -377,7 +387,6 @@ private:
         if (!change.bEverything && !change.bList && change.nodes.empty()) {
             return;
         }
-        m_unsaved.NoteChange();
         OrderedJson push = {{"push", "scene"}, {"version", m_session.SceneVersion()}};
         if (!change.bEverything) {
             push[change.bList ? "changed" : "nodes"] = change.nodes;
@@ -391,6 +400,10 @@ private:
         const auto step = [](const SStep* pStep) { return pStep != nullptr ? ToJson(*pStep) : OrderedJson(); };
         OrderedJson push = {{"push", "history"}, {"undo", step(history.ToUndo())}, {"redo", step(history.ToRedo())}};
         AppendFields(push, history.File());
+        if (const auto& left = m_scenes.Left()) {
+            push["recovered"] = {{"file", left->strFile.empty() ? OrderedJson() : OrderedJson(left->strFile)},
+                                 {"modified_ms", left->nModifiedMs}};
+        }
         return push;
     }
 
@@ -398,7 +411,6 @@ private:
         if (OrderedJson push = HistoryPush(); push != m_toldHistory) {
             m_toldHistory = std::move(push);
             SendToAll(m_toldHistory);
-            m_unsaved.NoteChange();
         }
     }
 
@@ -450,7 +462,7 @@ private:
     const double m_fFps;
     const CHttpFiles& m_files;
     CSceneFolder m_scenes;
-    CUnsavedScene m_unsaved{m_context, m_session, m_scenes.UnsavedFile()};
+    CUnsavedScene m_unsaved{m_session};
     COutputLines m_output{TerminalOutput()};
     CTerminalLines m_terminal;
     SActivity m_ofItems; ///< what items of the network caused since the last frame

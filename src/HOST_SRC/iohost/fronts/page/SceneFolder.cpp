@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
+#include "base/HostLine.h"
 #include "base/SafeFile.h"
 #include "base/TextUtf8.h"
 
@@ -12,6 +13,10 @@ bool IsWithin(const std::filesystem::path& file, const std::filesystem::path& fo
     return std::mismatch(folder.begin(), folder.end(), file.begin(), file.end()).first == folder.end();
 }
 
+bool IsHidden(const std::filesystem::path& name) {
+    return name.native().starts_with('.') && name != ".";
+}
+
 long long MillisecondsSince1970(std::filesystem::file_time_type time) {
     const auto system = std::chrono::file_clock::to_sys(time).time_since_epoch();
     return std::chrono::duration_cast<std::chrono::milliseconds>(system).count();
@@ -19,20 +24,31 @@ long long MillisecondsSince1970(std::filesystem::file_time_type time) {
 
 } // namespace
 
-CSceneFolder::CSceneFolder(std::filesystem::path folder, unsigned short nPort) : m_folder(std::move(folder)) {
-    if (nPort == 0) {
-        return;
-    }
+std::filesystem::path CSceneFolder::TakeOver(unsigned short nPort) {
     const std::string strPort = std::to_string(nPort);
     m_unsaved = m_folder / (".unsaved-" + strPort + ".json");
     m_left = m_folder / (".left-" + strPort + ".json");
     std::error_code error;
-    std::filesystem::rename(m_unsaved, m_left, error); // most often there is none
-    const auto time = std::filesystem::last_write_time(m_left, error);
+    const auto timeUnsaved = std::filesystem::last_write_time(m_unsaved, error);
     if (!error) {
-        m_leftScene = {FileNameIn(Json::parse(m_files.Read(Utf8(m_left)), nullptr, false)),
-                       MillisecondsSince1970(time)};
+        const auto timeLeft = std::filesystem::last_write_time(m_left, error);
+        if (!error) { // nobody has decided about it yet: from now on it's a scene like others
+            const std::string strTime = std::to_string(MillisecondsSince1970(timeLeft));
+            std::filesystem::rename(m_left, m_folder / ("recovered-" + strTime + ".json"), error);
+        }
+        std::filesystem::rename(m_unsaved, m_left, error);
+        std::filesystem::last_write_time(m_left, timeUnsaved, error);
     }
+    const auto time = std::filesystem::last_write_time(m_left, error);
+    if (error) {
+        return m_unsaved;
+    }
+    try {
+        m_leftScene = {FileNameIn(ParseJson(m_files.Read(Utf8(m_left)), "scene")), MillisecondsSince1970(time)};
+    } catch (const CRefusal& refusal) {
+        WriteHostLine(LOG_ERROR, "what was left unsaved in " + Utf8(m_left) + " can't be read: " + refusal.what());
+    }
+    return m_unsaved;
 }
 
 std::string CSceneFolder::Read(const std::string& strName) {
@@ -49,9 +65,14 @@ std::vector<SSceneFileInfo> CSceneFolder::List() {
     for (auto entry = std::filesystem::recursive_directory_iterator(m_folder, error);
          !error && entry != std::filesystem::recursive_directory_iterator(); entry.increment(error)) {
         const std::filesystem::path& path = entry->path();
-        const bool bHidden = path.filename().native().front() == '.';
+        const bool bHidden = IsHidden(path.filename());
+        if (bHidden) {
+            entry.disable_recursion_pending();
+        }
         if (entry->is_regular_file(error) && !entry->is_symlink(error) && !bHidden && path.extension() == ".json") {
-            files.push_back({Utf8(path.lexically_relative(m_folder)), entry->file_size(error),
+            const std::u8string name = path.lexically_relative(m_folder).generic_u8string();
+            files.push_back({{name.begin(), name.end()},
+                             entry->file_size(error),
                              MillisecondsSince1970(entry->last_write_time(error))});
         }
     }
@@ -66,16 +87,24 @@ std::string CSceneFolder::ReadLeft() {
     return m_files.Read(Utf8(m_left));
 }
 
-void CSceneFolder::ForgetLeft() {
+void CSceneFolder::EndLeft(bool bLoaded) {
     std::error_code error;
-    std::filesystem::remove(m_left, error);
+    if (bLoaded) {
+        std::filesystem::rename(m_left, m_unsaved, error); // until it's written anew
+    } else {
+        std::filesystem::remove(m_left, error);
+    }
     m_leftScene.reset();
 }
 
 std::string CSceneFolder::NameOf(const std::string& strFile) const {
     const std::filesystem::path folder = RealPath(m_folder);
     const std::filesystem::path file = RealPath(PathFromUtf8(strFile));
-    return !folder.empty() && IsWithin(file, folder) ? Utf8(file.lexically_relative(folder)) : std::string();
+    if (folder.empty() || !IsWithin(file, folder)) {
+        return {};
+    }
+    const std::u8string name = file.lexically_relative(folder).generic_u8string();
+    return {name.begin(), name.end()};
 }
 
 /// The file's path; a name that leads out of the folder is refused.
@@ -86,6 +115,9 @@ std::string CSceneFolder::Place(const std::string& strName) const {
     if (name.empty() || name.has_root_path() || strName.find('\0') != std::string::npos ||
         std::ranges::find(name, std::filesystem::path("..")) != name.end()) {
         Refuse("file", OUTSIDE);
+    }
+    if (std::ranges::any_of(name, IsHidden)) {
+        Refuse("file", "no part of it may begin with a dot");
     }
     const std::filesystem::path folder = RealPath(m_folder);
     if (folder.empty()) {

@@ -16,23 +16,23 @@ struct SLeftScene {
 
 class CSceneFolder final : public ISceneFiles {
 public:
-    /// The port tells hosts that share a folder apart; 0: nothing unsaved is kept.
-    CSceneFolder(std::filesystem::path folder, unsigned short nPort);
+    explicit CSceneFolder(std::filesystem::path folder) : m_folder(std::move(folder)) {}
+
+    /// This host listens on that port, and on its address alone: look what one before it left unsaved. Returns where
+    /// this one writes what isn't saved.
+    std::filesystem::path TakeOver(unsigned short nPort);
 
     // Names that lead out of the folder are refused.
     std::string Read(const std::string& strName) override;
     void Write(const std::string& strName, const std::string& strText) override;
     std::vector<SSceneFileInfo> List() override;
     std::string ReadLeft() override;
-    void ForgetLeft() override;
+    void EndLeft(bool bLoaded) override;
 
     /// What a file of the system is called in the folder; empty where it isn't in it.
     std::string NameOf(const std::string& strFile) const;
 
     const std::optional<SLeftScene>& Left() const { return m_leftScene; }
-
-    /// Where this host writes what isn't saved; empty: nowhere.
-    const std::filesystem::path& UnsavedFile() const { return m_unsaved; }
 
 private:
     std::string Place(const std::string& strName) const;

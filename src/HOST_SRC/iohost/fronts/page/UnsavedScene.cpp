@@ -5,56 +5,43 @@
 #include "base/SafeFile.h"
 #include "protocol/Protocol.h"
 
-namespace {
-
-constexpr std::chrono::seconds DELAY{1};
-
-} // namespace
-
 CUnsavedScene::~CUnsavedScene() {
-    if (m_bDue) {
-        Write();
-    }
+    Flush();
 }
 
-void CUnsavedScene::NoteChange() {
-    if (m_file.empty() || m_bDue || (!m_session.History().File().bUnsaved && !m_bWritten)) {
+void CUnsavedScene::Flush() {
+    if (m_writing.valid()) {
+        m_writing.wait();
+    }
+    Check();
+}
+
+void CUnsavedScene::Check() {
+    const bool bBusy = m_writing.valid() && m_writing.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
+    if (m_file.empty() || bBusy || m_session.HasQuit()) {
         return;
     }
-    m_bDue = true;
-    m_timer.expires_after(DELAY);
-    m_timer.async_wait([this](const boost::system::error_code& error) {
-        if (error) {
-            return;
-        }
-        m_bDue = false;
-        if (m_writing.valid() && m_writing.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
-            NoteChange();
-        } else {
-            Write();
-        }
-    });
-}
-
-void CUnsavedScene::Write() {
     if (m_writing.valid()) {
         if (const std::string strProblem = m_writing.get(); !strProblem.empty()) {
-            m_problemLine.Write("what isn't saved can't be written aside: " + strProblem);
+            m_problemLine.Write("the unsaved scene can't be written aside: " + strProblem);
+            m_written.reset();
         }
     }
-    if (m_session.HasQuit()) {
-        return; // what was written last stays
-    }
-    const SSceneFile file = m_session.History().File();
-    m_bWritten = file.bUnsaved;
+    const CHistory& history = m_session.History();
+    const SSceneFile file = history.File();
     if (!file.bUnsaved) {
-        std::error_code error;
-        std::filesystem::remove(m_file, error);
-        return;
+        if (std::exchange(m_bThere, false)) {
+            std::error_code error;
+            std::filesystem::remove(m_file, error);
+        }
+        m_written.reset();
+    } else if (m_written != history.State()) {
+        m_written = history.State();
+        m_bThere = true;
+        SDone done = m_session.Do(SSaveCommand());
+        m_writing = std::async(std::launch::async, [path = m_file, strName = file.strName,
+                                                    scene = std::get<SSceneDocument>(std::move(done.outcome.result))] {
+            return WriteFileSafely(path, SceneText(scene, strName));
+        });
     }
-    SDone done = m_session.Do(SSaveCommand());
-    m_writing = std::async(std::launch::async, [path = m_file, strName = file.strName,
-                                                scene = std::get<SSceneDocument>(std::move(done.outcome.result))] {
-        return WriteFileSafely(path, SceneText(scene, strName));
-    });
 }

@@ -1,10 +1,9 @@
 // Writes aside what isn't saved, so that it outlives a crash or the end of the host.
 #pragma once
 
-#include "base/Network.h"
-
 #include <filesystem>
 #include <future>
+#include <optional>
 #include <string>
 
 #include "base/LimitedLine.h"
@@ -12,25 +11,26 @@
 
 class CUnsavedScene {
 public:
-    /// file: where it's written; empty: nowhere.
-    CUnsavedScene(boost::asio::io_context& context, CSession& session, std::filesystem::path file)
-        : m_session(session), m_file(std::move(file)), m_timer(context) {}
+    explicit CUnsavedScene(CSession& session) : m_session(session) {}
 
-    /// Waits until the scene as it is now is written, if it isn't saved.
+    /// Writes the scene as it is now, if it isn't saved, and waits for that.
     ~CUnsavedScene();
 
-    /// The scene or its file may have changed: it's written a little later. The file's text is made and written by a
-    /// thread of its own.
-    void NoteChange();
+    /// Where it's written from now on.
+    void SetFile(std::filesystem::path file) { m_file = std::move(file); }
+
+    /// Write the scene if it isn't saved and was changed since it was written; take the file away when it is saved. To
+    /// be called once a second. A thread of its own makes the text and writes it.
+    void Check();
+
+    /// The same at once, after what is being written.
+    void Flush();
 
 private:
-    void Write();
-
     CSession& m_session;
-    const std::filesystem::path m_file;
-    SteadyTimer m_timer;
-    bool m_bDue = false;                ///< the timer runs
-    bool m_bWritten = false;            ///< the file is there, or is being written
-    std::future<std::string> m_writing; ///< why it couldn't be written
+    std::filesystem::path m_file;                ///< empty: nothing is written
+    std::optional<unsigned long long> m_written; ///< number of the state that was written; none: the last try failed
+    bool m_bThere = true;                        ///< the file may be there
+    std::future<std::string> m_writing;          ///< why it couldn't be written
     CLimitedLine m_problemLine{LOG_ERROR};
 };

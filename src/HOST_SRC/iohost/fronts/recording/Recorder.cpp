@@ -71,7 +71,7 @@ CRecorder::~CRecorder() {
     }
 }
 
-void CRecorder::OnBegin() {
+void CRecorder::OnBegin(const Command& /*command*/) {
     if (!IsComplete() && !std::exchange(m_bSaid, true)) {
         WriteHostLine(LOG_ERROR, "the recording can't be written any further; nothing more is recorded");
     }

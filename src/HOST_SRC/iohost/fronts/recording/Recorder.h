@@ -39,7 +39,7 @@ public:
 private:
     CRecorder(CSession& session, const std::filesystem::path& file);
 
-    void OnBegin() override;
+    void OnBegin(const Command& command) override;
     void OnDone(const SDone& done) override;
 
     void KeepClock();

@@ -148,7 +148,6 @@ export class Host implements ConnectionListener {
         // What went down while there was no connection was told to nobody, so its end isn't either.
         this.#forgetHeld();
         this.connection.value = { is: "open", ...push };
-        this.recovered.value = push.recovered ?? null;
         this.frames.value = new FrameWatch(Date.now());
         void this.#refresh();
         void this.#readNetwork();
@@ -162,6 +161,7 @@ export class Host implements ConnectionListener {
         break;
       case "history":
         this.scene.value = push;
+        this.recovered.value = push.recovered ?? null;
         break;
       case "counters":
         this.#pace.show(() => {

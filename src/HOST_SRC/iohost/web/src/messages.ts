@@ -67,8 +67,8 @@ export interface Counters {
 export type NumberedLine = LogEntry & { n: number; ms: number };
 
 export type Push =
-  | { push: "hello"; version: string; fps: number; address: string; connection: number; recovered?: Recovered }
-  | ({ push: "history" } & SceneState)
+  | { push: "hello"; version: string; fps: number; address: string; connection: number }
+  | ({ push: "history"; recovered?: Recovered } & SceneState)
   | { push: "counters"; nodes: Record<string, Counters> }
   /** What waited too long for a device. */
   | { push: "dropped"; node: string | null; device: number; items: number }
