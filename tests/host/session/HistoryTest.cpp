@@ -305,7 +305,7 @@ TEST_F(History, LinksKeepTheOrderInWhichTheyWereMade) {
 
 /// Any steps, undone and redone at random, leave what the steps that are done leave in a new session.
 TEST_F(History, RandomEditsUndosAndRedosEndWhereTheirEffectDoes) {
-    constexpr int SEQUENCES = 40;
+    constexpr int SEQUENCES = 400;
     constexpr int LENGTH = 250;
     constexpr const char* TYPES[] = {"keyboard", "text_field", "mouse", "string_send", "object_json", "handle"};
     constexpr int INPUTS[] = {2, 202, 203, 402, 802, 1102, 1505, 1506, 1507};
