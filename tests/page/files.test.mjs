@@ -5,6 +5,7 @@ import { createServer } from "node:net";
 import { once } from "node:events";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
+import { isDeepStrictEqual } from "node:util";
 import { after, afterEach, before, beforeEach, test } from "node:test";
 import { startBrowser } from "./support/browser.mjs";
 import { canvasOf } from "./support/canvas.mjs";
@@ -18,6 +19,7 @@ let script;
 let page;
 let canvas;
 let problems;
+const devices = [];
 
 async function start(port = 0) {
   host = await startHost({ port, options: ["--scenes", folder] });
@@ -46,6 +48,7 @@ beforeEach(async () => {
   await open();
 });
 afterEach(async () => {
+  devices.splice(0).forEach((close) => close());
   assert.deepEqual(problems, []);
   await page.close();
   await end();
@@ -75,22 +78,157 @@ async function startDevice() {
     socket.on("data", (data) => received.push(data)).on("error", () => {});
   }).listen(0, "127.0.0.1");
   await once(server, "listening");
-  return {
-    address: `127.0.0.1:${server.address().port}`,
-    text: () => Buffer.concat(received).toString(),
-    close: () => (sockets.forEach((socket) => socket.destroy()), server.close()),
-  };
+  devices.push(() => (sockets.forEach((socket) => socket.destroy()), server.close()));
+  return { address: `127.0.0.1:${server.address().port}`, text: () => Buffer.concat(received).toString() };
 }
 
-/** The scene as it's saved, without what a run of the host adds. */
-const wholeScene = async () => JSON.stringify(await (await fetch(new URL("scene", host.page))).json());
+/** The scene as it's saved, without what its nodes and links write by themselves: outputs, and inputs that are linked. */
+async function sceneAsMade() {
+  const scene = await (await fetch(new URL("scene", host.page))).json();
+  for (const node of scene.nodes) {
+    delete node.outputs;
+    for (const param of (node.inputs ?? []).flatMap(({ params }) => params)) {
+      if (scene.links.some(({ to, input }) => to === node.node && input === param.id)) {
+        ["int", "float", "string"].forEach((member) => delete param[member]);
+      }
+    }
+  }
+  return scene;
+}
+
+/** Waits until it's this scene; fails with what differs. */
+async function sceneIs(expected) {
+  await until("the scene", async () => isDeepStrictEqual(await sceneAsMade(), expected), 5000).catch(() => {});
+  assert.deepEqual(await sceneAsMade(), expected);
+}
+
+const pressSend = () => page.locator('article button[data-param="1507"]').click();
+
+test("from nothing to a text on a device, ten steps back and again, and the same scene after the host's end", { timeout: 120000 }, async () => {
+  const device = await startDevice();
+  for (const type of ["Keyboard", "Text field input", "String data send"]) {
+    await canvas.choosePalette(type);
+    await page.getByRole("heading", { name: `${type} 1` }).waitFor();
+  }
+  await page.getByRole("button", { name: "Arrange" }).click();
+  await expectEventually("the last step", async () => (await must(script, { op: "history" })).steps.at(-1).name, "Move 3 nodes");
+  await canvas.pin("Keyboard 1", 154).dragTo(canvas.pin("Text field input 1", 202));
+  await canvas.pin("Keyboard 1", 152).dragTo(canvas.pin("Text field input 1", 203));
+  await canvas.pin("Text field input 1", 253).dragTo(canvas.pin("String data send 1", 1505));
+  await until("the links", async () => (await canvas.links()).length === 3);
+
+  await page.locator("[data-tab=network]").click();
+  await page.getByRole("button", { name: "Add device" }).click();
+  await page.locator("[data-device=name]").fill("Title");
+  await page.locator("[data-device=address]").fill(device.address);
+  await page.locator("[data-device-form] button[type=submit]").click();
+  await page.locator("[data-peer=device-1] .lamp-open").waitFor();
+  await canvas.choose("String data send 1");
+  await page.locator('article select[data-param="1503"]').selectOption("1");
+  await page.locator('article select[data-param="1506"]').selectOption({ label: "multi-byte" });
+  await expectEventually("the encoding", () => page.locator('article select[data-param="1506"]').inputValue(), "1");
+  await expectEventually("the name", () => page.locator('article input[data-param="1504"]').inputValue(), "Title");
+
+  const made = await sceneAsMade();
+  const { steps } = await must(script, { op: "history" });
+  assert.ok(steps.length >= 10, `${steps.length} steps`);
+  await page.locator("[data-undo]").focus();
+  for (let step = 0; step < 10; ++step) {
+    await page.keyboard.press("Control+z");
+  }
+  await expectEventually("steps done", async () => (await must(script, { op: "history" })).done, steps.length - 10);
+  assert.notDeepEqual(await sceneAsMade(), made);
+  for (let step = 0; step < 10; ++step) {
+    await page.keyboard.press("Control+y");
+  }
+  await sceneIs(made);
+  await page.locator("[data-peer=device-1] .lamp-open").waitFor();
+
+  await canvas.choose("String data send 1");
+  await page.locator("[data-surface]").click();
+  await page.keyboard.type("hello", { delay: 50 });
+  await expectEventually("the text", () => page.locator('article input[data-param="1505"]').inputValue(), "hello");
+  await pressSend();
+  await expectEventually("the device's text", device.text, "hello\0");
+
+  await saveAs("title");
+  const saved = await sceneAsMade();
+  await page.close();
+  await end();
+  await start();
+  await open();
+  await page.getByRole("button", { name: "Open", exact: true }).click();
+  await page.locator('[data-scene-file="title.json"]').click();
+  await canvas.nodesAre(["Keyboard 1", "Text field input 1", "String data send 1"]);
+  await sceneIs(saved);
+  await canvas.choose("String data send 1");
+  await pressSend();
+  await expectEventually("the device's text", device.text, "hello\0hello\0");
+});
+
+test("a device is tried by a text, changed and removed", async () => {
+  const device = await startDevice();
+  await must(script, { op: "device", device: 4, name: "Wall", parser: "direct", address: device.address });
+  await page.locator("[data-tab=network]").click();
+  const peer = page.locator("[data-peer=device-4]");
+  await peer.locator(".lamp-open").waitFor();
+  await peer.getByRole("button", { name: "Send a test text" }).click();
+  await peer.locator("[data-test-text]").fill("are you there?");
+  await peer.locator("[data-send-test]").click();
+  await expectEventually("the device's text", device.text, "are you there?");
+  await peer.getByRole("button", { name: "Edit" }).click();
+  await page.locator("[data-device=name]").fill("Floor");
+  await page.locator("[data-device=drop-after]").fill("");
+  await page.locator("[data-device-form] button[type=submit]").click();
+  await expectEventually("the name", () => peer.locator("h3").innerText(), "4 · Floor");
+  const { devices } = await must(script, { op: "network" });
+  assert.equal(devices[0].drop_after, undefined);
+  await peer.getByRole("button", { name: "Remove" }).click();
+  await peer.waitFor({ state: "detached" });
+});
+
+test("a node whose device takes no texts says so", async () => {
+  await must(script, { op: "device", device: 1, name: "Stage", parser: "framed" });
+  await canvas.choosePalette("String data send");
+  await must(script, { op: "edit", node: "String data send 1", param: 1503, int: 1 });
+  await canvas.face("String data send 1").getByText("Device 1 takes no texts (framed).").waitFor();
+  await must(script, { op: "device", device: 1, name: "Stage", parser: "direct" });
+  await canvas.face("String data send 1").getByText("takes no texts").waitFor({ state: "detached" });
+});
+
+test("objects are added, renamed and removed", async () => {
+  const objects = async () => (await must(script, { op: "objects" })).objects.map(({ clip, name }) => `${clip}.${name}`).join();
+  await page.locator("[data-tab=objects]").click();
+  await page.locator("[data-object=clip]").fill("Show");
+  await page.locator("[data-object=name]").fill("Lamp");
+  await page.getByRole("button", { name: "Add object" }).click();
+  await expectEventually("objects", objects, "Show.Lamp");
+  await page.locator('[data-object-line="Show.Lamp"] input').fill("Light");
+  await page.keyboard.press("Enter");
+  await expectEventually("objects", objects, "Show.Light");
+  await page.locator('[data-object-line="Show.Light"]').getByRole("button", { name: "Remove" }).click();
+  await expectEventually("objects", objects, "");
+});
+
+test("a page that opens later shows what an earlier one saw: the log, and what each node did", async () => {
+  await canvas.choosePalette("Keyboard");
+  await canvas.nodesAre(["Keyboard 1"]);
+  await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
+  await must(script, { op: "event", device: 0, event: 2003, payload: { is: "key", text: "F5" } });
+  await canvas.face("Keyboard 1").getByText("fired 2 · received 2").waitFor();
+  await page.close();
+  await open();
+  await canvas.face("Keyboard 1").getByText("fired 2 · received 2").waitFor();
+  await page.locator("[data-log] .line-text", { hasText: "Released" }).waitFor();
+  assert.equal(await page.locator("[data-log] .line-text", { hasText: "F5" }).count(), 2);
+});
 
 test("a scene is saved under a name, marked when it changes, and saved again by a key", async () => {
   await nameIs("", false);
-  await canvas.add("Mouse");
+  await canvas.choosePalette("Mouse");
   await nameIs("", true);
   await saveAs("mine");
-  await canvas.add("Keyboard");
+  await canvas.choosePalette("Keyboard");
   await nameIs("mine.json", true);
   await page.keyboard.press("Control+s");
   await nameIs("mine.json", false);
@@ -98,12 +236,12 @@ test("a scene is saved under a name, marked when it changes, and saved again by 
 });
 
 test("another file is opened; what isn't saved is asked for first, and undo brings the scene before back", async () => {
-  await canvas.add("Mouse");
+  await canvas.choosePalette("Mouse");
   await saveAs("mouse");
   await page.getByRole("button", { name: "Open", exact: true }).click();
   await page.getByRole("button", { name: "Empty scene" }).click();
   await canvas.nodesAre([]);
-  await canvas.add("Keyboard");
+  await canvas.choosePalette("Keyboard");
   await page.getByRole("button", { name: "Open", exact: true }).click();
   await page.locator('[data-scene-file="mouse.json"]').click();
   await page.getByText("The scene has changes that aren't saved.").waitFor();
@@ -117,7 +255,7 @@ test("another file is opened; what isn't saved is asked for first, and undo brin
 });
 
 test("a scene is taken along as a file of this computer, and brought back", async () => {
-  await canvas.add("Mouse");
+  await canvas.choosePalette("Mouse");
   await canvas.nodesAre(["Mouse 1"]);
   await page.getByRole("button", { name: "Save as" }).click();
   const [download] = await Promise.all([page.waitForEvent("download"), page.locator("[data-download]").click()]);
@@ -132,7 +270,7 @@ test("a scene is taken along as a file of this computer, and brought back", asyn
 });
 
 test("a file that is no scene is refused with the reason, and the scene stays", async () => {
-  await canvas.add("Mouse");
+  await canvas.choosePalette("Mouse");
   await saveAs("mouse");
   const file = join(folder, "other.txt");
   writeFileSync(file, "no scene");
@@ -159,7 +297,7 @@ test("what an ended host left unsaved is offered, and taken", async () => {
   await end();
   await start(port);
   await open();
-  await canvas.add("Mouse");
+  await canvas.choosePalette("Mouse");
   await canvas.nodesAre(["Mouse 1"]);
   await page.close();
   await end();

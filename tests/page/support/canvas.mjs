@@ -30,9 +30,10 @@ export function canvasOf(page, script) {
         await page.keyboard.up("Control");
       }
     },
-    /** Adds a node by the palette. */
-    add: async (name) => {
+    /** Chooses in the palette: a type to add, or a node to go to. */
+    choosePalette: async (name) => {
       await page.keyboard.press("Control+k");
+      await page.locator("[data-palette] input:focus").waitFor();
       await page.keyboard.type(name);
       await page.locator(`[data-entry="${name}"].marked`).waitFor();
       await page.keyboard.press("Enter");

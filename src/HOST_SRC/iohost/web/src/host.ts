@@ -11,8 +11,8 @@ import { Pace } from "./pace.ts";
 import { Requests } from "./requests.ts";
 import type { JsonVerdict } from "./protocol.ts";
 import { Device, EventId } from "./codes.ts";
-import { firedByNodes, type Counters, type EventReply, type Happened, type InputEvent, type NodeDetails, type NumberedLine, type Push, type Recovered, type Reply, type SceneState } from "./messages.ts";
-import type { HeldEntry, Link, NetworkState, Note, OutputValue, Scene, SceneNode, SceneObject } from "./protocol.ts";
+import { firedByNodes, type EventReply, type Happened, type InputEvent, type NodeDetails, type NumberedLine, type Push, type Recovered, type Reply, type SceneState } from "./messages.ts";
+import type { HeldEntry, Link, NetworkState, NodeCounts, Note, OutputValue, Scene, SceneNode, SceneObject } from "./protocol.ts";
 
 export type ConnectionState =
   | { is: "connecting" }
@@ -51,7 +51,7 @@ export class Host implements ConnectionListener {
   /** When each node last did something, in milliseconds since 1970; null: never yet. */
   readonly active = new NodeSignals<number | null>(null);
   /** What each node did since the scene came, whoever looks; null: nothing yet. */
-  readonly counters = new NodeSignals<Counters | null>(null);
+  readonly counters = new NodeSignals<NodeCounts | null>(null);
   /** Undo, redo and the scene's file; null until the host told. */
   readonly scene = signal<SceneState | null>(null);
   /** What an earlier run of the host left unsaved. */
@@ -214,7 +214,7 @@ export class Host implements ConnectionListener {
   }
 
   /** All counters come with each connection: only one that is another than before tells that the node did something. */
-  #showCounters(node: string, counters: Counters): void {
+  #showCounters(node: string, counters: NodeCounts): void {
     const shown = this.counters.of(node);
     if (shown.peek() !== null) {
       this.active.of(node).value = Date.now();

@@ -1,12 +1,15 @@
 // The messages of the WebSocket /session as the page uses them, made of the protocol's types.
 import type {
+  DroppedItems,
   GroupState,
   HeldEntry,
   InspectedNode,
   JsonVerdict,
   Happened as AllHappened,
   LogEntry as WholeLogEntry,
+  LogLine,
   NetworkState,
+  NodeCounts,
   NodeResults,
   OutputValue,
   ParamState,
@@ -53,25 +56,15 @@ export interface Recovered {
   modified_ms: number;
 }
 
-/** What a node did since the scene came. */
-export interface Counters {
-  fired: number;
-  received: number;
-  matched: number;
-  rejected: number;
-  sent: number;
-  dropped: number;
-}
-
 /** A line of the host's log, by its number there. */
-export type NumberedLine = LogEntry & { n: number; ms: number };
+export type NumberedLine = LogEntry & Pick<LogLine, "n" | "ms">;
 
 export type Push =
   | { push: "hello"; version: string; fps: number; address: string; connection: number }
   | ({ push: "history"; recovered?: Recovered } & SceneState)
-  | { push: "counters"; nodes: Record<string, Counters> }
+  | { push: "counters"; nodes: Record<string, NodeCounts> }
   /** What waited too long for a device. */
-  | { push: "dropped"; node: string | null; device: number; items: number }
+  | ({ push: "dropped" } & DroppedItems)
   /** Once a second: the number of the last frame. */
   | { push: "frame"; frame: number }
   | { push: "objects"; objects: SceneObject[] }

@@ -133,4 +133,5 @@ export const EDITOR_ZH = {
   "A click on a line leads to its node; so do arrow keys and Enter.": "点击一行会转到其节点；也可用方向键和 Enter。",
   "Unlink": "断开",
   "Unlink from {node}": "断开与 {node} 的连线",
+  "Dropped": "已丢弃",
 } as const satisfies Record<string, string>;

@@ -195,8 +195,7 @@ export const ZH = {
   // Network
   "Devices and other hosts": "设备与其他主机",
   "Listen only": "只监听",
-  "What nodes send to devices is shown here and goes nowhere. Broadcasts go out all the same.":
-    "节点发给设备的内容只在此显示，不会发出。广播照常发出。",
+  "What nodes send is shown here and goes nowhere, broadcasts too.": "节点发送的内容只在此显示，不会发出，广播也一样。",
   "What nodes send to devices goes out.": "节点发给设备的内容会发出。",
   "The scene has no list of devices.": "场景没有设备列表。",
   "The scene's list of devices is empty.": "场景的设备列表为空。",

@@ -35,6 +35,7 @@ import { conversion, sortOf } from "./wiring.ts";
 
 export type CanvasNode = FaceNode | NoteNode;
 
+const FAR_ZOOM = 0.2;
 const FACES = { face: Face, note: NoteFace };
 const WIRES = { wire: WireEdge };
 
@@ -49,6 +50,7 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
   const [wires, setWires, onWiresChange] = useEdgesState<Wire>([]);
   const flow = useRef<ReactFlowInstance<CanvasNode, Wire> | null>(null);
   const pane = useRef<HTMLDivElement>(null);
+  const [isFar, setFar] = useState(false);
   const wantChosen = useRef<readonly string[] | null>(null);
 
   useEffect(() => {
@@ -76,10 +78,16 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
     });
   }, [nodes, links]);
   // Another scene comes into sight as a whole.
+  const showAll = (places: ReadonlyMap<string, XYPosition>) => {
+    const boxes = (nodes ?? []).map((node) => ({ ...boxOf(node), ...(places.get(node.node) ?? node.place ?? automatic.of(node.node)) }));
+    const [left, top] = [Math.min(...boxes.map(({ x }) => x)), Math.min(...boxes.map(({ y }) => y))];
+    const [right, bottom] = [Math.max(...boxes.map(({ x, width }) => x + width)), Math.max(...boxes.map(({ y, height }) => y + height))];
+    if (boxes.length > 0) {
+      void flow.current?.fitBounds({ x: left, y: top, width: right - left, height: bottom - top }, { padding: 0.1 });
+    }
+  };
   const scene = automatic.scene;
-  useEffect(() => {
-    requestAnimationFrame(() => void flow.current?.fitView());
-  }, [scene, faces.length > 0]);
+  useEffect(() => showAll(new Map()), [scene, faces.length > 0]);
 
   // What is chosen here the inspector shows, and it can be chosen from elsewhere.
   const chosenFaces = faces.filter(({ selected }) => selected);
@@ -162,14 +170,14 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
         onArrange={() => {
           const places = automatic.arrangeAnew(nodes ?? [], links);
           setFaces((kept) => kept.map((face) => ({ ...face, position: places.get(face.id) ?? face.position })));
-          requestAnimationFrame(() => void flow.current?.fitView());
+          showAll(places);
           void editor.place(
             Object.fromEntries([...places].map(([id, at]) => [id, { ...editor.view.placeOf(id), ...at }])),
           );
         }}
       />
       <QuestionBar desk={desk} />
-      <div class="graph" data-graph ref={pane} tabIndex={-1} {...keys}>
+      <div class={isFar ? "graph graph-far" : "graph"} data-graph ref={pane} tabIndex={-1} {...keys}>
         <ReactFlow<CanvasNode, Wire>
           colorMode="system"
           nodes={faces}
@@ -183,6 +191,7 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
           onConnectEnd={endWire}
           onNodeDragStop={place}
           onSelectionDragStop={place}
+          onMove={(_, { zoom }) => setFar(zoom < FAR_ZOOM)}
           onInit={(instance) => (flow.current = instance)}
           deleteKeyCode={null}
           panActivationKeyCode={null}
@@ -192,6 +201,7 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
           zoomOnDoubleClick={false}
           nodeDragThreshold={2}
           minZoom={0.1}
+          maxZoom={1.5}
           fitView
           ariaLabelConfig={ariaLabels()}
         >

@@ -1,6 +1,6 @@
 import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
-import type { Counters } from "../messages.ts";
+import type { NodeCounts } from "../protocol.ts";
 import { outputsOf } from "../nodePins.ts";
 import { sortOf } from "./wiring.ts";
 
@@ -17,7 +17,7 @@ export function NodeCounters({ host, node }: { host: Host; node: NodeView }) {
 }
 
 /** Those that count something, and how often it fired in any case. */
-function counterTexts({ fired = 0, received = 0, matched = 0, rejected = 0, sent = 0, dropped = 0 }: Partial<Counters>): string[] {
+function counterTexts({ fired = 0, received = 0, matched = 0, rejected = 0, sent = 0, dropped = 0 }: Partial<NodeCounts>): string[] {
   const texts = [
     { count: received, text: t("received {count}", { count: received }) },
     { count: matched, text: t("matched {count}", { count: matched }) },

@@ -134,7 +134,7 @@ export class Editor {
     const clip = nodes.find((one) => one.clip !== null)?.clip ?? "Clip";
     const changes: Change[] = [
       { op: "create", node, type: type.guid, clip, graph },
-      { op: "place", nodes: { [node]: rounded(at ?? this.view.middle()) } },
+      { op: "place", nodes: { [node]: rounded(at ?? this.#freePlace()) } },
     ];
     const other = pin && this.endFor(pin, type);
     if (pin !== null && other !== undefined) {
@@ -146,6 +146,17 @@ export class Editor {
     if (error === null) {
       this.desk.choose([node]);
     }
+  }
+
+  /** The middle of what is seen, or beside what stands there. */
+  #freePlace(): Place {
+    const taken = (this.host.nodes.peek() ?? []).map(({ node }) => this.view.placeOf(node));
+    const place = this.view.middle();
+    while (taken.some(({ x, y }) => Math.abs(x - place.x) < PASTE_OFFSET && Math.abs(y - place.y) < PASTE_OFFSET)) {
+      place.x += PASTE_OFFSET;
+      place.y += PASTE_OFFSET;
+    }
+    return place;
   }
 
   /** The pin of a type that a wire from this pin leads to; undefined where none fits. */

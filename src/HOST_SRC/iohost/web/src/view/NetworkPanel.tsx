@@ -33,7 +33,7 @@ export function NetworkPanel({ host, shown }: PanelProps) {
         </label>
         <span class="hint">
           {listenOnly
-            ? t("What nodes send to devices is shown here and goes nowhere. Broadcasts go out all the same.")
+            ? t("What nodes send is shown here and goes nowhere, broadcasts too.")
             : t("What nodes send to devices goes out.")}
         </span>
         {!isAdding && (
@@ -77,6 +77,7 @@ function Device({ host, device, told }: { host: Host; device: DeviceState; told:
         <Count label={t("Sent")} field="sent" value={device.sent} />
         <Count label={t("Refused")} field="refused" value={device.refused} isTrouble={device.refused > 0} />
         <Count label={t("Lost")} field="lost" value={device.lost} isTrouble={device.lost > 0} />
+        {(device.dropped ?? 0) > 0 && <Count label={t("Dropped")} field="dropped" value={device.dropped!} isTrouble />}
         <Count label={t("Shown only")} field="shown" value={device.shown} />
         <Received counts={device} />
         <Count label={t("Errors")} field="errors" value={device.errors} isTrouble={device.errors > 0} />

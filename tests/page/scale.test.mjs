@@ -1,0 +1,110 @@
+// A large scene on a small screen: 200 nodes are found, panned over and edited, about as fast as 13.
+import assert from "node:assert/strict";
+import { after, afterEach, before, test } from "node:test";
+import { startBrowser } from "./support/browser.mjs";
+import { canvasOf } from "./support/canvas.mjs";
+import { startHost } from "./support/host.mjs";
+import { expectEventually, must, openSession, until } from "./support/session.mjs";
+
+const MOST_RATIO = 3;
+const ROUNDS = 3;
+const TYPES = ["01", "02", "03", "0B", "0F"];
+
+/** Chains of a keyboard and a text field, and other nodes between them. */
+function sceneOf(count) {
+  const nodes = Array.from({ length: count }, (_, index) => ({
+    node: `n${index}`,
+    type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${TYPES[index % TYPES.length]}}`,
+    clip: "Show",
+    graph: `Node ${index}`,
+    place: { x: 340 * (index % 14), y: 480 * Math.floor(index / 14) },
+  }));
+  const links = nodes.flatMap(({ node }, index) =>
+    index % TYPES.length === 1 ? [{ from: `n${index - 1}`, output: 154, to: node, input: 202 }] : []);
+  return { format: "iohost scene", version: 1, nodes, links };
+}
+
+let browser;
+before(async () => (browser = await startBrowser()));
+after(() => browser.close());
+
+async function startScene(count) {
+  const host = await startHost();
+  const script = await openSession(host.address);
+  await must(script, { op: "load", scene: sceneOf(count) });
+  ended.push(async () => (await script.close(), assert.equal(await host.end(), 0)));
+  return { host, script };
+}
+
+async function openAt(host, count) {
+  const page = await browser.contexts()[0].newPage();
+  await page.setViewportSize({ width: 1280, height: 720 });
+  await page.addInitScript(() => {
+    window.longest = 0;
+    new PerformanceObserver((list) => {
+      for (const { duration } of list.getEntries()) {
+        window.longest = Math.max(window.longest, duration);
+      }
+    }).observe({ type: "longtask" });
+  });
+  await page.goto(host.page);
+  await expectEventually("all nodes", () => page.locator("[data-face]").count(), count);
+  return page;
+}
+
+/** The first paint, and the longest task while the canvas is panned to and fro, in milliseconds. */
+async function measure(host, count) {
+  const page = await openAt(host, count);
+  const paint = await page.evaluate(() => performance.getEntriesByName("first-contentful-paint")[0].startTime);
+  await page.evaluate(() => (window.longest = 0));
+  const { x, y, width, height } = await page.locator("[data-graph]").boundingBox();
+  await page.mouse.move(x + 4, y + 4);
+  await page.mouse.down();
+  for (let step = 0; step < 30; ++step) {
+    await page.mouse.move(x + 4 + (step % 2) * width * 0.5, y + 4 + (step % 3) * height * 0.2);
+  }
+  await page.mouse.up();
+  // Tasks shorter than that aren't told.
+  const longest = Math.max(50, await page.evaluate(() => window.longest));
+  await page.close();
+  return { paint, longest };
+}
+
+const median = (values) => [...values].sort((a, b) => a - b)[Math.floor(values.length / 2)];
+
+const ended = [];
+afterEach(() => Promise.all(ended.splice(0).map((end) => end())));
+
+test("200 nodes are first painted and panned about as fast as 13", { timeout: 200000 }, async () => {
+  const [small, large] = [await startScene(13), await startScene(200)];
+  const ratios = { paint: [], longest: [] };
+  for (let round = 0; round < ROUNDS; ++round) {
+    const [few, many] = [await measure(small.host, 13), await measure(large.host, 200)];
+    for (const what of Object.keys(ratios)) {
+      ratios[what].push(many[what] / few[what]);
+    }
+  }
+  console.log(`# median of 200 nodes to 13: first paint ${median(ratios.paint).toFixed(2)}, longest task ${median(ratios.longest).toFixed(2)}`);
+  for (const [what, values] of Object.entries(ratios)) {
+    assert.ok(median(values) < MOST_RATIO, `${what}: ${values}`);
+  }
+});
+
+test("among 200 nodes one is found by its name, and edited", { timeout: 60000 }, async () => {
+  const { host, script } = await startScene(200);
+  const page = await openAt(host, 200);
+  const canvas = canvasOf(page, script);
+  await canvas.choosePalette("Node 187");
+  await page.getByRole("heading", { name: "Node 187" }).waitFor();
+  await until("the node in sight", () => page.evaluate(() => {
+    const [pane, node] = ["[data-graph]", "[data-face=n187]"].map((one) => document.querySelector(one).getBoundingClientRect());
+    return node.left >= pane.left && node.right <= pane.right && node.top >= pane.top && node.bottom <= pane.bottom;
+  }));
+  await page.locator('article[data-node=n187] [data-param="2"]').click();
+  await page.locator("[data-face=n187].face-off").waitFor();
+  await page.keyboard.press("Escape");
+  await canvas.choose("n187");
+  await page.keyboard.press("Delete");
+  await until("199 nodes", async () => (await canvas.names()).length === 199);
+  await page.close();
+});
