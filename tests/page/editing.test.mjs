@@ -17,7 +17,10 @@ useScene({
     await must(script, { op: "place", nodes });
     await must(script, { op: "link", from: "k", output: is.KEY_TEXT[1], to: "t", input: TEXT_INPUT });
   },
-  look: () => page.page.locator('[data-face="t"]').waitFor(),
+  look: async () => {
+    await page.page.locator('[data-face="t"]').waitFor();
+    await page.page.locator(".react-flow__edge").waitFor();
+  },
 });
 
 let canvas;
@@ -169,11 +172,13 @@ test("a chosen node is doubled, and several are deleted as one step", async () =
 test("a node is renamed by F2 and by a double click; Escape keeps the name", async () => {
   await canvas.choose("m");
   await page.keyboard.press("F2");
+  await page.page.locator(".face-rename:focus").waitFor();
   await page.keyboard.type("Pointer");
   await page.keyboard.press("Enter");
   await expectEventually("the name", async () => (await canvas.names())[1], "Pointer");
   await page.page.locator("article[data-node=m] h3", { hasText: "Pointer" }).waitFor();
   await canvas.face("m").locator("strong").dblclick();
+  await page.page.locator(".face-rename:focus").waitFor();
   await page.keyboard.type("Other");
   await page.keyboard.press("Escape");
   await canvas.face("m").locator("strong", { hasText: "Pointer" }).waitFor();

@@ -159,11 +159,16 @@ test("from nothing to a text on a device, ten steps back and again, and the same
   await open();
   await page.getByRole("button", { name: "Open", exact: true }).click();
   await page.locator('[data-scene-file="title.json"]').click();
+  await page.locator("[data-tab=network]").click();
   await canvas.nodesAre(["Keyboard 1", "Text field input 1", "String data send 1"]);
   await sceneIs(saved);
+  await page.locator("[data-peer=device-1] .lamp-open").waitFor();
   await canvas.choose("String data send 1");
+  await page.locator("[data-surface]").click();
+  await page.keyboard.type("again", { delay: 50 });
+  await expectEventually("the text", () => page.locator('article input[data-param="1505"]').inputValue(), "again");
   await pressSend();
-  await expectEventually("the device's text", device.text, "hello\0hello\0");
+  await until("the device's text", () => device.text().endsWith("again\0"));
 });
 
 test("a device is tried by a text, changed and removed", async () => {

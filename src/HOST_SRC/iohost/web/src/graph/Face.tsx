@@ -83,7 +83,10 @@ export function Face({ data: { editor, node, folded }, selected }: NodeProps<Fac
 function FaceName({ editor, node }: { editor: Editor; node: NodeView }) {
   const field = useRef<HTMLInputElement>(null);
   const isOpen = editor.renaming.value === node.node;
-  useEffect(() => field.current?.select(), [isOpen]);
+  useEffect(() => {
+    field.current?.focus();
+    field.current?.select();
+  }, [isOpen]);
   if (!isOpen) {
     return <strong onDblClick={() => (editor.renaming.value = node.node)}>{node.graph}</strong>;
   }

@@ -42,7 +42,9 @@ interface Carried {
 
 /** Stays dark for what ran before it was drawn. */
 function Pulse({ host, link, output, path }: Carried & { path: string }) {
-  const passed = sortOf(output) === "event" ? host.fired.of(link.from, output.id).value.count : host.values.of(link.from, output.id).value;
+  const { count } = host.fired.of(link.from, output.id).value;
+  const { int, float, string } = host.values.of(link.from, output.id).value;
+  const passed = sortOf(output) === "event" ? count : `${int} ${float} ${string}`;
   const first = useRef(passed);
   const beats = useRef({ passed, count: 0 });
   if (beats.current.passed !== passed) {
