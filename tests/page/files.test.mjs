@@ -1,6 +1,6 @@
 // Scenes and their files: begun, saved, opened, taken along, and found again after the host ended.
 import assert from "node:assert/strict";
-import { mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
+import { mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { createServer } from "node:net";
 import { once } from "node:events";
 import { tmpdir } from "node:os";
@@ -21,8 +21,8 @@ let canvas;
 let problems;
 const devices = [];
 
-async function start(port = 0) {
-  host = await startHost({ port, options: ["--scenes", folder] });
+async function start(port = 0, options = []) {
+  host = await startHost({ port, options: ["--scenes", folder, ...options] });
   script = await openSession(host.address);
 }
 
@@ -311,4 +311,20 @@ test("what an ended host left unsaved is offered, and taken", async () => {
   await page.locator("[data-recovered]").getByRole("button", { name: "Take them" }).click();
   await canvas.nodesAre(["Mouse 1"]);
   await page.locator("[data-recovered]").waitFor({ state: "detached" });
+});
+
+test("types that are switched off stand in the palette with the reason, and aren't added", async () => {
+  const plugins = join(folder, "Plugins", "NodePlugin");
+  mkdirSync(plugins, { recursive: true });
+  writeFileSync(join(plugins, "NodePlugin.ini"), "[IOProcess]\nGesture=0\nBroadcastSend=1\n");
+  await page.close();
+  await end();
+  await start(0, ["--app", folder]);
+  await open();
+  await page.keyboard.press("Control+k");
+  const switchedOff = page.locator("[data-entry][aria-disabled=true]", { hasText: "switched off: Gesture in NodePlugin.ini" });
+  await switchedOff.click();
+  assert.equal(await page.locator("[data-palette]").count(), 1);
+  assert.equal(await page.locator("[data-entry]", { hasText: "switched off: BroadcastSend" }).count(), 0);
+  await canvas.nodesAre([]);
 });
