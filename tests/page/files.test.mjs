@@ -323,7 +323,7 @@ test("types that are switched off stand in the palette with the reason, and aren
   await open();
   await page.keyboard.press("Control+k");
   const switchedOff = page.locator("[data-entry][aria-disabled=true]", { hasText: "switched off: Gesture in NodePlugin.ini" });
-  await switchedOff.click();
+  await switchedOff.click({ force: true });
   assert.equal(await page.locator("[data-palette]").count(), 1);
   assert.equal(await page.locator("[data-entry]", { hasText: "switched off: BroadcastSend" }).count(), 0);
   await canvas.nodesAre([]);

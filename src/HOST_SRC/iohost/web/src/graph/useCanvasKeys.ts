@@ -1,4 +1,4 @@
-import { useEffect } from "preact/hooks";
+import { useLayoutEffect } from "preact/hooks";
 import type { Link } from "../protocol.ts";
 import type { Editor } from "./editor.ts";
 
@@ -12,7 +12,7 @@ interface CanvasKeys {
 
 /** Keys of the canvas, which work only while it has the focus, and Ctrl+K, which opens the palette from everywhere else. */
 export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
-  useEffect(() => {
+  useLayoutEffect(() => {
     const open = (event: KeyboardEvent) => {
       const isOnSurface = event.target instanceof Element && event.target.closest("[data-surface]") !== null;
       if ((event.ctrlKey || event.metaKey) && event.key.toLowerCase() === "k" && !isOnSurface) {
