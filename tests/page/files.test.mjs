@@ -144,6 +144,7 @@ test("from nothing to a text on a device, ten steps back and again, and the same
   await sceneIs(made);
   await page.locator("[data-peer=device-1] .lamp-open").waitFor();
 
+  await page.locator(".react-flow__controls-fitview").click(); // steps leave the view where it is
   await canvas.choose("String data send 1");
   await page.locator("[data-surface]").click();
   await page.keyboard.type("hello", { delay: 50 });

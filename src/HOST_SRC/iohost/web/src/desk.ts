@@ -33,5 +33,5 @@ export const DeskContext = createContext(new Desk());
 
 /** Whether a key is typed into something that takes it: a field, or the render surface. */
 export function takesKeys(target: EventTarget | null): boolean {
-  return target instanceof Element && target.closest("input, textarea, select, [data-surface], dialog") !== null;
+  return target instanceof Element && target.closest("input:not([type=checkbox]), textarea, [data-surface], dialog") !== null;
 }

@@ -179,7 +179,6 @@ export class Host implements ConnectionListener {
       case "json":
         this.#pace.show(() => {
           this.jsonVerdicts.value = new Map([...this.jsonVerdicts.value, ...Object.entries(push.nodes)]);
-          Object.keys(push.nodes).forEach((node) => (this.active.of(node).value = Date.now()));
         });
         break;
       case "network":
@@ -216,7 +215,8 @@ export class Host implements ConnectionListener {
   /** All counters come with each connection: only one that is another than before tells that the node did something. */
   #showCounters(node: string, counters: NodeCounts): void {
     const shown = this.counters.of(node);
-    if (shown.peek() !== null) {
+    const before = shown.peek();
+    if (before !== null && JSON.stringify(before) !== JSON.stringify(counters)) {
       this.active.of(node).value = Date.now();
     }
     shown.value = counters;
@@ -315,6 +315,9 @@ export class Host implements ConnectionListener {
         return details === undefined ? this.#readNode(node) : Promise.resolve({ ...node, details });
       }),
     );
+    if (this.connection.peek().is !== "open") {
+      return; // it comes as a whole with the next connection
+    }
     const nodes = read.filter((node) => node !== null);
     const handles = new Set(nodes.map(({ node }) => node));
     this.values.keepOnly(handles);
@@ -324,7 +327,7 @@ export class Host implements ConnectionListener {
     batch(() => {
       this.nodes.value = nodes;
       this.jsonVerdicts.value = new Map([...this.jsonVerdicts.value].filter(([node]) => handles.has(node)));
-      this.links.value = scene.links;
+      this.links.value = scene.links.filter(({ from, to }) => handles.has(from) && handles.has(to));
       this.notes.value = scene.notes ?? {};
     });
   }

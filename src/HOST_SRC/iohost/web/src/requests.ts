@@ -80,8 +80,13 @@ export class Requests {
 
   /** Loads a scene file of this computer. */
   async upload(file: Blob): Promise<string | null> {
-    const reply = await fetch("scene", { method: "POST", body: file });
-    return errorOf((await reply.json()) as Reply);
+    try {
+      const reply = await fetch("scene", { method: "POST", body: file });
+      const isJson = reply.headers.get("content-type") === "application/json";
+      return isJson ? errorOf((await reply.json()) as Reply) : `${reply.status} ${reply.statusText}`;
+    } catch (error) {
+      return String(error);
+    }
   }
 
   /** Takes what an earlier run of the host left unsaved, or throws it away. */

@@ -12,7 +12,7 @@ let retry: () => void;
 class StandInSocket extends EventTarget {
   static readonly OPEN = 1;
   readyState = 0;
-  readonly sent: { op: string; event?: number; down?: number[] }[] = [];
+  readonly sent: { op: string; id?: number; event?: number; down?: number[] }[] = [];
 
   constructor() {
     super();
@@ -28,8 +28,11 @@ class StandInSocket extends EventTarget {
   }
 
   greet(): void {
-    const hello = { push: "hello", version: "1.0.0", fps: 60, address: "127.0.0.1:1", connection: sockets.length };
-    this.dispatchEvent(new MessageEvent("message", { data: JSON.stringify(hello) }));
+    this.tell({ push: "hello", version: "1.0.0", fps: 60, address: "127.0.0.1:1", connection: sockets.length });
+  }
+
+  tell(message: object): void {
+    this.dispatchEvent(new MessageEvent("message", { data: JSON.stringify(message) }));
   }
 
   lose(): void {
@@ -137,4 +140,42 @@ test("nothing is sent before the host's greeting", () => {
   socket!.greet();
   page.release();
   assert.equal(socket!.keys.includes(EventId.keyUp), false);
+});
+
+test("a node did something only when its counters are others than before: all are told to each page that opens", () => {
+  const { host } = openPage();
+  const socket = connect();
+  const counters = { fired: 1, received: 2, matched: 0, rejected: 0, sent: 0, dropped: 0 };
+  const tell = (nodes: object) => {
+    socket.tell({ push: "counters", nodes });
+    retry(); // the pause until the next that is shown
+  };
+  tell({ k: counters });
+  tell({ k: counters });
+  assert.equal(host.active.of("k").value, null);
+  tell({ k: { ...counters, fired: 2 } });
+  assert.notEqual(host.active.of("k").value, null);
+});
+
+test("a connection that is lost while the scene is read leaves the page what it shows", async () => {
+  const { host } = openPage();
+  const answer = async (socket: StandInSocket, op: string, reply: object) => {
+    await new Promise(setImmediate);
+    const request = socket.sent.filter((sent) => sent.op === op).at(-1);
+    socket.tell({ ok: true, id: request?.id, ...reply });
+    await new Promise(setImmediate);
+  };
+  const node = { node: "k", type: "", clip: null, graph: "Keys", name: "" };
+  const scene = { version: 1, nodes: [node], links: [{ from: "k", output: 1, to: "gone", input: 2 }] };
+  const first = connect();
+  await answer(first, "scene", scene);
+  await answer(first, "inspect", { own: [], inputs: [], outputs: [] });
+  const shown = host.nodes.value;
+  assert.deepEqual(shown?.map(({ graph }) => graph), ["Keys"]);
+  assert.deepEqual(host.links.value, []);
+  first.tell({ push: "scene", version: 2 });
+  await answer(first, "scene", scene);
+  first.lose();
+  await new Promise(setImmediate);
+  assert.equal(host.nodes.value, shown);
 });

@@ -131,7 +131,8 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
   };
   const follow = (changes: NodeChange<CanvasNode>[]) => {
     for (const change of changes) {
-      if (change.type === "position" && change.position !== undefined) {
+      // A note that is sized by its upper or left edge moves, too, and keeps that by itself.
+      if (change.type === "position" && change.position !== undefined && change.dragging !== undefined) {
         moved.current.set(change.id, change.position);
       }
     }

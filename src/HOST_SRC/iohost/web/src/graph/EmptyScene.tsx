@@ -1,4 +1,5 @@
 import { t } from "../i18n.ts";
+import type { Change } from "../requests.ts";
 import type { Editor } from "./editor.ts";
 import { starts } from "./starts.ts";
 
@@ -7,6 +8,11 @@ const DEMO = "demo.json";
 /** What an empty scene can begin with, and how nodes are wired. */
 export function EmptyScene({ editor }: { editor: Editor }) {
   const { requests } = editor.host;
+  /** Devices that somebody has set up already stay as they are. */
+  const withoutKnownDevices = (changes: readonly Change[]) => {
+    const known = (editor.host.network.peek()?.state.devices ?? []).map(({ id }) => id);
+    return changes.filter((change) => change.op !== "device" || !known.includes(change.device));
+  };
   return (
     <div class="empty-scene" data-empty-scene>
       <h2>{t("Start from")}</h2>
@@ -19,7 +25,7 @@ export function EmptyScene({ editor }: { editor: Editor }) {
             type="button"
             key={name}
             data-start={name}
-            onClick={async () => editor.desk.tell(await requests.batch("Add a start", changes), "")}
+            onClick={async () => editor.desk.tell(await requests.batch("Add a start", withoutKnownDevices(changes)), "")}
           >
             {name}
           </button>

@@ -20,9 +20,14 @@ export function Palette({ editor, call }: { editor: Editor; call: PaletteCall })
   const list = useRef<HTMLUListElement>(null);
   const opener = useRef(document.activeElement);
   useEffect(() => {
-    field.current?.focus();
+    const own = field.current;
+    own?.focus();
     void editor.host.requests.types().then(setTypes);
-    return () => (opener.current as HTMLElement | null)?.focus({ preventScroll: true });
+    return () => {
+      if (document.activeElement === own || document.activeElement === document.body) {
+        (opener.current as HTMLElement | null)?.focus({ preventScroll: true });
+      }
+    };
   }, []);
 
   const groups = groupsOf(editor, call, types, search);
@@ -41,6 +46,9 @@ export function Palette({ editor, call }: { editor: Editor; call: PaletteCall })
   };
   const follow = (event: KeyboardEvent) => {
     event.stopPropagation();
+    if (event.isComposing) {
+      return;
+    }
     const by = { ArrowDown: 1, ArrowUp: -1 }[event.key];
     if (by !== undefined) {
       event.preventDefault();

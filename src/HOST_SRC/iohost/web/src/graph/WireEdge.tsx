@@ -45,12 +45,11 @@ function Pulse({ host, link, output, path }: Carried & { path: string }) {
   const { count } = host.fired.of(link.from, output.id).value;
   const { int, float, string } = host.values.of(link.from, output.id).value;
   const passed = sortOf(output) === "event" ? count : `${int} ${float} ${string}`;
-  const first = useRef(passed);
   const beats = useRef({ passed, count: 0 });
   if (beats.current.passed !== passed) {
     beats.current = { passed, count: beats.current.count + 1 };
   }
-  return passed === first.current ? null : (
+  return beats.current.count === 0 ? null : (
     // A new key makes a new element, whose flash starts afresh.
     <path class="wire-pulse" key={beats.current.count} d={path} data-pulse={beats.current.count} />
   );

@@ -71,28 +71,39 @@ export class Editor {
     }
     const [source, target] = [this.node(link.from)!, this.node(link.to)!];
     const names = { from: pinText(source, outputsOf(source), link.output), to: pinText(target, inputsOf(target), link.input) };
-    const isValue = sortOf(inputsOf(target).find(({ id }) => id === link.input)!) !== "event";
-    const present = this.host.links.peek().find(({ to, input }) => to === link.to && input === link.input);
-    const presentSource = present && this.node(present.from);
-    if (isValue && present !== undefined && presentSource !== undefined) {
-      if (present.from === link.from && present.output === link.output) {
-        return;
-      }
-      this.desk.question.value = {
-        text: t("{to} takes its value from {present}. Take {from} instead?", {
-          ...names,
-          present: pinText(presentSource, outputsOf(presentSource), present.output),
-        }),
-        yes: t("Replace"),
-        act: async () => {
+    const present = this.#presentSource(link);
+    if (present !== undefined) {
+      if (present.from !== link.from || present.output !== link.output) {
+        this.#askToReplace(present, names.from, async () => {
           const changes: Change[] = [{ op: "unlink", ...present }, { op: "link", ...link }];
           const error = await this.host.requests.batch(`Link ${names.from} to ${names.to}`, changes);
           this.desk.tell(error, t("{from} now leads to {to}.", names));
-        },
-      };
+        });
+      }
       return;
     }
     this.desk.tell(await this.host.requests.change({ op: "link", ...link }), t("{from} now leads to {to}.", names));
+  }
+
+  /** The link that a value input has already; it takes one only. */
+  #presentSource({ to, input }: Link): Link | undefined {
+    const target = this.node(to);
+    const param = target && inputsOf(target).find(({ id }) => id === input);
+    const isValue = param !== undefined && sortOf(param) !== "event";
+    return isValue ? this.host.links.peek().find((link) => link.to === to && link.input === input) : undefined;
+  }
+
+  #askToReplace(present: Link, from: string, act: () => void): void {
+    const [source, target] = [this.node(present.from)!, this.node(present.to)!];
+    this.desk.question.value = {
+      text: t("{to} takes its value from {present}. Take {from} instead?", {
+        from,
+        to: pinText(target, inputsOf(target), present.input),
+        present: pinText(source, outputsOf(source), present.output),
+      }),
+      yes: t("Replace"),
+      act,
+    };
   }
 
   async unlink(link: Link): Promise<void> {
@@ -136,15 +147,26 @@ export class Editor {
       { op: "create", node, type: type.guid, clip, graph },
       { op: "place", nodes: { [node]: rounded(at ?? this.#freePlace()) } },
     ];
-    const other = pin && this.endFor(pin, type);
-    if (pin !== null && other !== undefined) {
-      const end: Pin = { node, id: other!, is: pin.is === "output" ? "input" : "output" };
-      changes.push({ op: "link", ...linkOf(pin, end) });
+    let present: Link | undefined;
+    if (pin !== null) {
+      const other = this.endFor(pin, type);
+      if (other !== undefined) {
+        const link = linkOf(pin, { node, id: other, is: pin.is === "output" ? "input" : "output" });
+        present = this.#presentSource(link);
+        changes.push(...(present === undefined ? [] : [{ op: "unlink", ...present } as const]), { op: "link", ...link });
+      }
     }
-    const error = await this.host.requests.batch(`Add ${graph}`, changes);
-    this.desk.tell(error, t("{name} was added.", { name: graph }));
-    if (error === null) {
-      this.desk.choose([node]);
+    const make = async () => {
+      const error = await this.host.requests.batch(`Add ${graph}`, changes);
+      this.desk.tell(error, t("{name} was added.", { name: graph }));
+      if (error === null) {
+        this.desk.choose([node]);
+      }
+    };
+    if (present === undefined) {
+      await make();
+    } else {
+      this.#askToReplace(present, graph, () => void make());
     }
   }
 

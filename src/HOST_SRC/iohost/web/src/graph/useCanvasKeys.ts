@@ -37,10 +37,13 @@ export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
   };
   return {
     onKeyDown: (event: KeyboardEvent) => {
-      const action = actions[`${event.ctrlKey || event.metaKey ? "Control+" : ""}${event.key}`];
+      const key = event.key.length === 1 ? event.key.toLowerCase() : event.key;
+      const action = actions[`${event.ctrlKey || event.metaKey ? "Control+" : ""}${key}`];
       if (action !== undefined) {
         event.preventDefault();
-        action();
+        if (!event.repeat) {
+          action();
+        }
       }
     },
     // The library moves what is chosen while an arrow key is down; where it ends up is kept.

@@ -27,12 +27,17 @@ export function DeviceChoice({ host, node, param, otherwise, onEdit }: DeviceCho
   const isText = kindOf(param) === "text";
   const current = isText ? param.string : String(param.int);
   const choose = (value: string) => {
-    onEdit(isText ? { string: value } : { int: Number(value) });
+    const edit = isText ? { string: value } : { int: Number(value) };
     const inputs = host.nodes.value?.find((one) => one.node === node)?.details.inputs ?? [];
     const name = inputs.flatMap(({ params }) => params).find((one) => one.name === "DevName");
     const device = devices.find(({ id }) => String(id) === value);
-    if (name !== undefined && device !== undefined) {
-      void host.requests.change({ op: "edit", node, param: name.id, string: device.name });
+    if (name === undefined || device === undefined) {
+      onEdit(edit);
+    } else {
+      void host.requests.batch(`Send to ${device.name}`, [
+        { op: "edit", node, param: param.id, ...edit },
+        { op: "edit", node, param: name.id, string: device.name },
+      ]);
     }
   };
   return (

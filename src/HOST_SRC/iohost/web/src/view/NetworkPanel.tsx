@@ -50,7 +50,7 @@ export function NetworkPanel({ host, shown }: PanelProps) {
         )}
         {devices === null && <p class="empty">{t("The scene has no list of devices.")}</p>}
         {devices?.length === 0 && <p class="empty">{t("The scene's list of devices is empty.")}</p>}
-        {devices?.map((device, index) => <Device key={index} host={host} device={device} told={network.told} />)}
+        {devices?.map((device) => <Device key={device.id} host={host} device={device} told={network.told} />)}
         {broadcast !== null && <Broadcasts state={broadcast} />}
         {control !== null && <Control state={control} />}
       </div>

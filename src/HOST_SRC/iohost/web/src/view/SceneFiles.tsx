@@ -22,7 +22,10 @@ export function SceneFiles({ host, desk }: { host: Host; desk: Desk }) {
       const isOnSurface = event.target instanceof Element && event.target.closest("[data-surface]") !== null;
       if ((event.ctrlKey || event.metaKey) && event.key.toLowerCase() === "s" && !isOnSurface) {
         event.preventDefault();
-        void save();
+        if (document.querySelector("dialog[open]") === null) {
+          (document.activeElement as HTMLElement | null)?.blur(); // what is being typed is part of the scene
+          void save();
+        }
       }
     };
     window.addEventListener("keydown", follow);
