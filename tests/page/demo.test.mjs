@@ -64,14 +64,14 @@ async function drag(fromX, toX) {
   await page.mouse.up();
 }
 
-/** A picture of the page with this card in view. */
-async function picture(name, node) {
+/** A picture of the page, or of a part of it, with this card in view. */
+async function picture(name, node, part = "body") {
   if (process.env.PICTURES === undefined) {
     return;
   }
   await page.locator(`article[data-node=${node}]`).evaluate((card) => card.scrollIntoView({ block: "start" }));
   await page.waitForTimeout(400); // for what moves on the page
-  await page.screenshot({ path: path.join(process.env.PICTURES, `${name}.png`) });
+  await page.locator(part).screenshot({ path: path.join(process.env.PICTURES, `${name}.png`) });
 }
 
 test("all thirteen types have their card", async () => {
@@ -92,6 +92,7 @@ test("keys make a text", async () => {
   await shows("text_field", 253, "hi");
   await shows("text_field", 252, "on");
   await until("both releases", async () => (await count("keyboard", 153)) === 2);
+  await picture("graph", "text_field", "[data-graph]");
 });
 
 test("Esc, held, is seen by the key check node and empties the text", async () => {
@@ -100,6 +101,7 @@ test("Esc, held, is seen by the key check node and empties the text", async () =
   await until("held", async () => (await count("key_check", 1153)) >= holds + 2);
   await fires("key_check", 1154, () => page.keyboard.up("Escape"));
   await shows("text_field", 253, "");
+  await picture("page", "keyboard");
 });
 
 test("the on-screen keyboard types through the same nodes", async () => {
