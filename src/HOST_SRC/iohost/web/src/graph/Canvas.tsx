@@ -103,7 +103,12 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
     };
     desk.goTo = (id) => {
       desk.choose([id]);
-      void flow.current?.fitView({ nodes: [{ id }], maxZoom: 1, duration: 200 });
+      const node = editor.node(id);
+      if (node !== undefined) {
+        const { x, y } = editor.view.placeOf(id);
+        const { width, height } = boxOf(node);
+        void flow.current?.fitBounds({ x, y, width, height }, { padding: 0.5, duration: 200 });
+      }
       pane.current?.querySelector<HTMLElement>(`[data-id="${CSS.escape(id)}"]`)?.focus({ preventScroll: true });
     };
     editor.view = {
