@@ -7,7 +7,7 @@ import { startHost } from "./support/host.mjs";
 import { expectEventually, must, openSession, until } from "./support/session.mjs";
 
 const MOST_RATIO = 3;
-const ROUNDS = 3;
+const ROUNDS = 5;
 const TYPES = ["01", "02", "03", "0B", "0F"];
 
 /** Chains of a keyboard and a text field, and other nodes between them. */
