@@ -18,8 +18,8 @@ class CSceneFolder final : public ISceneFiles {
 public:
     explicit CSceneFolder(std::filesystem::path folder) : m_folder(std::move(folder)) {}
 
-    /// This host listens on that port, and on its address alone: look what one before it left unsaved. Returns where
-    /// this one writes what isn't saved.
+    /// Find what the last host on that port left unsaved. Call it once this host has the port. Returns the file that
+    /// this host writes its unsaved scene to.
     std::filesystem::path TakeOver(unsigned short nPort);
 
     // Names that lead out of the folder are refused.
