@@ -78,19 +78,43 @@ test("a key that is typed elsewhere removes nothing", async () => {
   assert.equal(page.sent.some(({ op }) => op === "destroy"), false);
 });
 
+const inSight = () => page.page.locator("[data-graph]").evaluate((graph) => {
+  const pane = graph.getBoundingClientRect();
+  return [...graph.querySelectorAll("[data-face]")].filter((one) => {
+    const box = one.getBoundingClientRect();
+    return box.left >= pane.left && box.right <= pane.right && box.top >= pane.top && box.bottom <= pane.bottom;
+  }).length;
+});
+
+test("another scene whose nodes have the same handles begins anew: counts, what is chosen, places, view", async () => {
+  await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
+  await expectEventually("the count", () => face("k").locator('[data-face-count="1"]').count(), 1);
+  await face("k").locator("header img").click();
+  await chosen().waitFor();
+  for (let steps = 0; steps < 4; ++steps) {
+    await page.page.getByRole("button", { name: "Zoom in" }).click();
+  }
+  await until("a part", async () => (await inSight()) < 3);
+  const at = () => face("t").locator("..").evaluate(({ style }) => style.transform);
+  const before = await at();
+  const node = (name, last) => ({ node: name, type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${last}}`, clip: "Demo", graph: name });
+  const nodes = [node("k", Type.keyboard), node("m", Type.mouse), node("t", Type.textField)];
+  const links = [{ from: "m", output: is.LEFT_DOWN[1], to: "t", input: APPEND_INPUT }];
+  await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes, links } });
+  await expectEventually("those in sight", inSight, 3);
+  assert.equal(await chosen().count(), 0);
+  assert.equal(await face("k").locator('[data-face-count="0"]').count(), 2);
+  assert.equal(await page.page.locator("article[data-node]").count(), 3);
+  assert.notEqual(await at(), before);
+});
+
 test("another scene is arranged anew and comes into sight", async () => {
   const node = (name, last) => ({ node: name, type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${last}}`, clip: "Demo", graph: name });
   const nodes = [node("t2", Type.textField), node("k2", Type.keyboard), node("m2", Type.mouse)];
   const links = [{ from: "k2", output: is.KEY_DOWN[1], to: "t2", input: APPEND_INPUT }];
   await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes, links } });
   await face("k2").waitFor();
-  await expectEventually("those in sight", () => page.page.locator("[data-graph]").evaluate((graph) => {
-    const pane = graph.getBoundingClientRect();
-    return [...graph.querySelectorAll("[data-face]")].filter((one) => {
-      const box = one.getBoundingClientRect();
-      return box.left >= pane.left && box.right <= pane.right && box.top >= pane.top && box.bottom <= pane.bottom;
-    }).length;
-  }), 3);
+  await expectEventually("those in sight", inSight, 3);
   const left = async (node) => (await face(node).boundingBox()).x;
   assert.ok((await left("k2")) < (await left("t2")));
 });

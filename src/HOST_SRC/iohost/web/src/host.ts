@@ -26,6 +26,8 @@ export class Host implements ConnectionListener {
   readonly connection = signal<ConnectionState>({ is: "connecting" });
   /** Null while there is no connection. */
   readonly frames = signal<FrameWatch | null>(null);
+  /** Tells scenes apart, however alike their nodes are: grows when another one is shown. */
+  readonly sceneNumber = signal(0);
   /** Null until the scene was read for the first time. */
   readonly nodes = signal<NodeView[] | null>(null);
   readonly links = signal<readonly Link[]>([]);
@@ -64,6 +66,8 @@ export class Host implements ConnectionListener {
   readonly #logBuffer = new LogBuffer();
   readonly #pace = new Pace();
   #logWaits = false;
+  /** How many other scenes the host told of; `sceneNumber` follows once that one was read. */
+  #scenes = 0;
   #reading = false;
   #sceneIsStale = false;
   #listIsStale = false;
@@ -157,6 +161,10 @@ export class Host implements ConnectionListener {
         this.frames.value?.told(push.frame, Date.now());
         break;
       case "scene":
+        if (push.nodes === undefined && push.changed === undefined) {
+          ++this.#scenes;
+          this.#pace.show(() => this.#forgetNodes());
+        }
         void this.#refresh(push.nodes ?? push.changed, push.changed !== undefined);
         break;
       case "history":
@@ -200,6 +208,15 @@ export class Host implements ConnectionListener {
         });
         break;
     }
+  }
+
+  /** What nodes of the scene before did, those of another one with equal handles haven't done. */
+  #forgetNodes(): void {
+    this.values.reset();
+    this.fired.reset();
+    this.active.reset();
+    this.counters.reset();
+    this.jsonVerdicts.value = new Map();
   }
 
   /** All values come with each connection: only one that is another than before is something that the node did. */
@@ -304,6 +321,7 @@ export class Host implements ConnectionListener {
 
   /** Of nodes that are known, only stale ones are inspected; null: all are. */
   async #readScene(stale: ReadonlySet<string> | null): Promise<void> {
+    let number = this.#scenes;
     const scene = await this.#connection.request<Scene>({ op: "scene" });
     if (!scene.ok) {
       return;
@@ -320,11 +338,15 @@ export class Host implements ConnectionListener {
     }
     const nodes = read.filter((node) => node !== null);
     const handles = new Set(nodes.map(({ node }) => node));
+    if (known.size > 0 && handles.size > 0 && !nodes.some(({ node }) => known.has(node))) {
+      number = ++this.#scenes; // another host answers at the address, say
+    }
     this.values.keepOnly(handles);
     this.fired.keepOnly(handles);
     this.active.keepOnly(handles);
     this.counters.keepOnly(handles);
     batch(() => {
+      this.sceneNumber.value = number;
       this.nodes.value = nodes;
       this.jsonVerdicts.value = new Map([...this.jsonVerdicts.value].filter(([node]) => handles.has(node)));
       this.links.value = scene.links.filter(({ from, to }) => handles.has(from) && handles.has(to));

@@ -73,4 +73,10 @@ export class NodeSignals<Value> {
       }
     }
   }
+
+  reset(): void {
+    for (const one of this.#signals.values()) {
+      one.value = this.#initial;
+    }
+  }
 }

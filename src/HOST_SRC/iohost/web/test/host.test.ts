@@ -157,19 +157,50 @@ test("a node did something only when its counters are others than before: all ar
   assert.notEqual(host.active.of("k").value, null);
 });
 
+const KEYS = { node: "k", type: "", clip: null, graph: "Keys", name: "" };
+const NO_PINS = { own: [], inputs: [], outputs: [] };
+
+/** Answers the last request of the kind. */
+async function answer(socket: StandInSocket, op: string, reply: object): Promise<void> {
+  await new Promise(setImmediate);
+  const request = socket.sent.filter((sent) => sent.op === op).at(-1);
+  socket.tell({ ok: true, id: request?.id, ...reply });
+  await new Promise(setImmediate);
+}
+
+async function answerScene(socket: StandInSocket, nodes: readonly (typeof KEYS)[]): Promise<void> {
+  await answer(socket, "scene", { version: 1, nodes, links: [] });
+  await answer(socket, "inspect", NO_PINS);
+}
+
+test("another scene begins anew, also for nodes of the same handles; a new connection goes on", async () => {
+  const { host } = openPage();
+  const socket = connect();
+  await answerScene(socket, [KEYS]);
+  const number = host.sceneNumber.value;
+  socket.tell({ push: "happened", frame: 1, posted: [{ node: "k", output: 152 }] });
+  socket.tell({ push: "scene", version: 2, changed: ["k"] });
+  await answerScene(socket, [KEYS]);
+  socket.tell({ push: "hello", version: "1.0.0", fps: 60, address: "127.0.0.1:1", connection: 2 });
+  await answerScene(socket, [KEYS]);
+  retry(); // the pause until the next that is shown
+  assert.deepEqual([host.sceneNumber.value, host.fired.of("k", 152).value.count], [number, 1]);
+  socket.tell({ push: "scene", version: 3 });
+  retry();
+  assert.deepEqual([host.sceneNumber.value, host.fired.of("k", 152).value.count, host.active.of("k").value], [number, 0, null]);
+  await answerScene(socket, [KEYS]);
+  assert.equal(host.sceneNumber.value, number + 1);
+  socket.tell({ push: "hello", version: "1.0.0", fps: 60, address: "127.0.0.1:1", connection: 3 });
+  await answerScene(socket, [{ ...KEYS, node: "of another host" }]);
+  assert.equal(host.sceneNumber.value, number + 2);
+});
+
 test("a connection that is lost while the scene is read leaves the page what it shows", async () => {
   const { host } = openPage();
-  const answer = async (socket: StandInSocket, op: string, reply: object) => {
-    await new Promise(setImmediate);
-    const request = socket.sent.filter((sent) => sent.op === op).at(-1);
-    socket.tell({ ok: true, id: request?.id, ...reply });
-    await new Promise(setImmediate);
-  };
-  const node = { node: "k", type: "", clip: null, graph: "Keys", name: "" };
-  const scene = { version: 1, nodes: [node], links: [{ from: "k", output: 1, to: "gone", input: 2 }] };
+  const scene = { version: 1, nodes: [KEYS], links: [{ from: "k", output: 1, to: "gone", input: 2 }] };
   const first = connect();
   await answer(first, "scene", scene);
-  await answer(first, "inspect", { own: [], inputs: [], outputs: [] });
+  await answer(first, "inspect", NO_PINS);
   const shown = host.nodes.value;
   assert.deepEqual(shown?.map(({ graph }) => graph), ["Keys"]);
   assert.deepEqual(host.links.value, []);

@@ -39,8 +39,12 @@ const FAR_ZOOM = 0.2;
 const FACES = { face: Face, note: NoteFace };
 const WIRES = { wire: WireEdge };
 
-/** The scene as a graph, live: nodes are added, wired, moved, named and removed here. */
+/** The scene as a graph, live: nodes are added, wired, moved, named and removed here. Another scene begins anew. */
 export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
+  return <SceneCanvas key={host.sceneNumber.value} host={host} desk={desk} />;
+}
+
+function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   const nodes = host.nodes.value;
   const links = host.links.value;
   const notes = host.notes.value;
@@ -77,7 +81,7 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
       return links.map((link) => wireOf(host, nodes ?? [], link, chosen));
     });
   }, [nodes, links]);
-  // Another scene comes into sight as a whole.
+  // The first nodes come into sight as a whole.
   const showAll = (places: ReadonlyMap<string, XYPosition>) => {
     const boxes = (nodes ?? []).map((node) => ({ ...boxOf(node), ...(places.get(node.node) ?? node.place ?? automatic.of(node.node)) }));
     const [left, top] = [Math.min(...boxes.map(({ x }) => x)), Math.min(...boxes.map(({ y }) => y))];
@@ -86,8 +90,7 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
       void flow.current?.fitBounds({ x: left, y: top, width: right - left, height: bottom - top }, { padding: 0.1 });
     }
   };
-  const scene = automatic.scene;
-  useEffect(() => showAll(new Map()), [scene, faces.length > 0]);
+  useEffect(() => showAll(new Map()), [faces.length > 0]);
 
   // What is chosen here the inspector shows, and it can be chosen from elsewhere.
   const chosenFaces = faces.filter(({ selected }) => selected);
@@ -120,6 +123,9 @@ export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
         const box = pane.current!.getBoundingClientRect();
         return flow.current!.screenToFlowPosition({ x: box.x + box.width / 2, y: box.y + box.height / 2 });
       },
+    };
+    return () => {
+      desk.question.value = null; // it's about this scene
     };
   }, [desk, editor]);
 

@@ -93,18 +93,15 @@ export function boxOf(node: NodeView): Box {
 /** Where nodes stand that nobody has placed: this page's alone. */
 export class AutomaticPlaces {
   #places = new Map<string, Place>();
-  /** Grows when another scene comes, of which no node was there before. */
-  scene = 0;
 
   of(node: string): Place {
     return this.#places.get(node) ?? { x: 0, y: 0 };
   }
 
-  /** Nodes that are new stand below the others; those of another scene are arranged. */
+  /** Nodes that are new stand below the others; where there are no others, they are arranged. */
   follow(nodes: readonly NodeView[], links: readonly Link[]): void {
     const staying = nodes.filter(({ node }) => this.#places.has(node));
     if (staying.length === 0) {
-      ++this.scene;
       this.arrangeAnew(nodes, links);
       return;
     }

@@ -36,7 +36,7 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
         </button>
       </div>
       {nodes !== null && nodes.length > 1 && chosen.length === 0 && <NodeIndex host={host} nodes={nodes} />}
-      <div class="cards">
+      <div class="cards" key={host.sceneNumber.value}>
         {nodes?.length === 0 && <p class="empty">{t("The scene has no nodes.")}</p>}
         {shown?.map((node) => (
           <NodeCard key={node.node} host={host} node={node} />
