@@ -211,6 +211,45 @@ test("notes are part of the scene: written, moved, and taken away", async () => 
   await until("no note", async () => (await notes()).length === 0);
 });
 
+test("nodes are wired, chosen, renamed and removed whatever their handles are", async () => {
+  const keyboard = 'a"b';
+  const fields = ["x y", "note:n1", "back\\slash", "constructor", "__proto__"];
+  const node = (handle, type, x, y) =>
+    ({ node: handle, type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${type}}`, clip: "Demo", graph: `The ${handle}`, place: { x, y } });
+  const nodes = [node(keyboard, Type.keyboard, 0, 0), ...fields.map((handle, index) => node(handle, Type.textField, 400, 220 * index))];
+  const notes = { n1: { x: 0, y: 300, width: 200, height: 100, text: "here" } };
+  await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes, links: [], notes } });
+  await canvas.face(fields.at(-1)).waitFor();
+  await page.page.locator("[data-note=n1]").waitFor();
+  await expectEventually("faces", () => page.page.locator("[data-face]").count(), 6);
+  for (const [index, field] of fields.entries()) {
+    await canvas.pin(keyboard, is.KEY_DOWN[1]).dragTo(canvas.pin(field, APPEND_INPUT));
+    await expectEventually("wires", () => canvas.wires().count(), index + 1);
+  }
+  assert.deepEqual((await canvas.links()).map(({ from, to }) => [from, to]), fields.map((field) => [keyboard, field]));
+  await canvas.wires().nth(1).focus();
+  await page.keyboard.press("Enter");
+  await page.keyboard.press("Delete");
+  await expectEventually("wires", () => canvas.wires().count(), 4);
+  assert.equal((await canvas.links()).some(({ to }) => to === fields[1]), false);
+  for (const handle of [keyboard, ...fields]) {
+    await canvas.choosePalette(`The ${handle}`);
+    await page.page.locator(`article[data-node=${JSON.stringify(handle)}]`).waitFor();
+    await page.page.locator(".react-flow__node.selected:focus").waitFor();
+    await page.keyboard.press("F2");
+    await page.page.locator(".face-rename:focus").waitFor();
+    await page.keyboard.type(`Now ${handle}`);
+    await page.keyboard.press("Enter");
+    await canvas.face(handle).locator("strong", { hasText: `Now ${handle}` }).waitFor();
+    await canvas.choose(handle);
+    await page.keyboard.press("ArrowDown");
+    await until("another place", async () => (await placeOf(handle)).y % 10 !== 0);
+    await page.keyboard.press("Delete");
+    await canvas.face(handle).waitFor({ state: "detached" });
+  }
+  assert.equal(await page.page.locator("[data-note=n1]").count(), 1);
+});
+
 test("without a mouse: a node is added, wired, found and removed", async () => {
   await page.page.locator("[data-undo]").focus();
   await canvas.choosePalette("Mouse");

@@ -112,3 +112,37 @@ test("among 200 nodes one is found by its name, and edited", { timeout: 60000 },
   await until("199 nodes", async () => (await canvas.names()).length === 199);
   await page.close();
 });
+
+/** How often a face is drawn meanwhile: how often the innermost function runs that makes one. */
+async function facesDrawn(page, act) {
+  await page.coverage.startJSCoverage();
+  await act();
+  const length = ({ startOffset, endOffset }) => endOffset - startOffset;
+  const makers = (await page.coverage.stopJSCoverage()).flatMap(({ source, functions }) =>
+    functions
+      .map(({ ranges: [whole] }) => whole)
+      .filter(({ startOffset, endOffset }) => source.slice(startOffset, endOffset).includes('"data-face":'))
+      .sort((a, b) => length(a) - length(b))
+      .slice(0, 1));
+  return makers.reduce((sum, { count }) => sum + count, 0);
+}
+
+test("an edit draws no more faces anew than those of its nodes", { timeout: 60000 }, async () => {
+  const { host, script } = await startScene(200);
+  const page = await openAt(host, 200);
+  await page.locator(".react-flow__edge").first().waitFor();
+  const edit = async (request, shown) => {
+    const drawn = await facesDrawn(page, async () => {
+      await must(script, request);
+      await shown();
+    });
+    assert.ok(drawn > 0 && drawn <= 4, `${request.op} drew ${drawn} faces`); // each of two nodes twice at most
+  };
+  const wires = (count) => () => expectEventually("wires", () => page.locator(".react-flow__edge").count(), count);
+  await edit({ op: "edit", node: "n5", param: 2, int: 0 }, () => page.locator("[data-face=n5].face-off").waitFor());
+  await edit({ op: "rename", node: "n5", graph: "Another" }, () => page.locator("[data-face=n5]", { hasText: "Another" }).waitFor());
+  await edit({ op: "place", nodes: { n5: { x: 1, y: 2000, folded: true } } }, () => page.locator("[data-face=n5][data-folded=true]").waitFor());
+  await edit({ op: "link", from: "n0", output: 152, to: "n6", input: 203 }, wires(41));
+  await edit({ op: "destroy", node: "n6" }, () => page.locator("[data-face=n6]").waitFor({ state: "detached" }));
+  await page.close();
+});

@@ -7,7 +7,7 @@ const drawn = () =>
 
 /** What is on the canvas of a page, whose scene a script can ask for. */
 export function canvasOf(page, script) {
-  const face = (node) => page.locator(`[data-face="${node}"]`);
+  const face = (node) => page.locator(`[data-face=${JSON.stringify(node)}]`);
   const scene = () => must(script, { op: "scene" });
   return {
     face,
@@ -35,7 +35,7 @@ export function canvasOf(page, script) {
       await page.keyboard.press("Control+k");
       await page.locator("[data-palette] input:focus").waitFor();
       await page.keyboard.type(name);
-      await page.locator(`[data-entry="${name}"].marked`).waitFor();
+      await page.locator(`[data-entry=${JSON.stringify(name)}].marked`).waitFor();
       await page.keyboard.press("Enter");
     },
     /** Drags by the mouse in steps, as a hand does. */

@@ -326,11 +326,11 @@ export class Host implements ConnectionListener {
     if (!scene.ok) {
       return;
     }
-    const known = new Map((this.nodes.peek() ?? []).map((node) => [node.node, node.details]));
+    const known = new Map((this.nodes.peek() ?? []).map((node) => [node.node, node]));
     const read = await Promise.all(
       scene.nodes.map((node): Promise<NodeView | null> => {
-        const details = stale === null || stale.has(node.node) ? undefined : known.get(node.node);
-        return details === undefined ? this.#readNode(node) : Promise.resolve({ ...node, details });
+        const before = stale === null || stale.has(node.node) ? undefined : known.get(node.node);
+        return before === undefined ? this.#readNode(node) : Promise.resolve(listedAnew(before, node));
       }),
     );
     if (this.connection.peek().is !== "open") {
@@ -389,4 +389,10 @@ export class Host implements ConnectionListener {
     }
     return { ...node, details };
   }
+}
+
+/** Stays the same object where the scene lists it as before, so that nothing of it is drawn anew. */
+function listedAnew(before: NodeView, node: SceneNode): NodeView {
+  const { details, ...listed } = before;
+  return JSON.stringify(listed) === JSON.stringify(node) ? before : { ...node, details };
 }

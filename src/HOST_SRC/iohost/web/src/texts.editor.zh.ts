@@ -30,6 +30,7 @@ export const EDITOR_ZH = {
   "Replace": "替换",
   "{from} now leads to {to}.": "{from} 现已连到 {to}。",
   "Wire from {pin}: Tab to a pin that fits and press Enter there, or Escape.": "从 {pin} 连线：用 Tab 移到合适的端口并按 Enter，或按 Escape 放弃。",
+  "Wire from {from} to {to}": "从 {from} 到 {to} 的连线",
   "{name} was added.": "已添加 {name}。",
   "Copied: {count}": "已复制：{count}",
   "Added: {count}": "已添加：{count}",

@@ -195,6 +195,25 @@ test("another scene begins anew, also for nodes of the same handles; a new conne
   assert.equal(host.sceneNumber.value, number + 2);
 });
 
+test("a node of which nothing changed stays the same object when the scene changes around it", async () => {
+  const { host } = openPage();
+  const socket = connect();
+  const mouse = { ...KEYS, node: "m", graph: "Mouse", place: { x: 1, y: 2 } };
+  await answer(socket, "scene", { version: 1, nodes: [KEYS, mouse], links: [] });
+  for (const { id } of socket.sent.filter(({ op }) => op === "inspect")) {
+    socket.tell({ ok: true, id, ...NO_PINS });
+  }
+  await new Promise(setImmediate);
+  const before = host.nodes.value!;
+  socket.tell({ push: "scene", version: 2, changed: ["k"] });
+  await answerScene(socket, [{ ...KEYS, graph: "Keyboard" }, mouse]);
+  assert.deepEqual(host.nodes.value!.map(({ graph }) => graph), ["Keyboard", "Mouse"]);
+  assert.equal(host.nodes.value![1], before[1]);
+  socket.tell({ push: "scene", version: 3, changed: [] });
+  await answer(socket, "scene", { version: 3, nodes: [KEYS, { ...mouse, place: { x: 1, y: 3 } }], links: [] });
+  assert.equal(host.nodes.value![1]!.place!.y, 3);
+});
+
 test("a connection that is lost while the scene is read leaves the page what it shows", async () => {
   const { host } = openPage();
   const scene = { version: 1, nodes: [KEYS], links: [{ from: "k", output: 1, to: "gone", input: 2 }] };

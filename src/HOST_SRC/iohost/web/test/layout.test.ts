@@ -28,3 +28,9 @@ test("no two boxes cover each other, with links and without", () => {
 test("an empty scene has no places", () => {
   assert.equal(arrange([], []).size, 0);
 });
+
+test("nodes stand where they belong whatever their handles are", () => {
+  const places = arrange(["constructor", "__proto__", 'a "b'].map(box), [link("constructor", "__proto__"), link("__proto__", 'a "b')]);
+  assert.ok(at(places, "constructor").x + 300 < at(places, "__proto__").x);
+  assert.ok(at(places, "__proto__").x + 300 < at(places, 'a "b').x);
+});

@@ -13,31 +13,32 @@ import {
   type ReactFlowInstance,
   type XYPosition,
 } from "@xyflow/react";
-import { useEffect, useRef, useState } from "preact/hooks";
+import { useEffect, useMemo, useRef, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
-import type { Host, NodeView } from "../host.ts";
-import { t } from "../i18n.ts";
-import { inputsOf, outputsOf } from "../nodePins.ts";
+import type { Host } from "../host.ts";
+import { language } from "../i18n.ts";
 import type { Link } from "../protocol.ts";
 import { ariaLabels } from "./ariaLabels.ts";
 import { CanvasHead } from "./CanvasHead.tsx";
 import { Editor, linkOf, type Pin } from "./editor.ts";
+import { facesOf, wiresOf, type CanvasNode } from "./elements.ts";
 import { EmptyScene } from "./EmptyScene.tsx";
-import { Face, type FaceNode } from "./Face.tsx";
+import { Face } from "./Face.tsx";
+import { handleOf, nodeId } from "./ids.ts";
 import { AutomaticPlaces, boxOf } from "./layout.ts";
-import { NoteFace, type NoteNode } from "./NoteFace.tsx";
+import { NoteFace } from "./NoteFace.tsx";
 import { Outline } from "./Outline.tsx";
 import { Palette } from "./Palette.tsx";
 import { QuestionBar } from "./QuestionBar.tsx";
 import { useCanvasKeys } from "./useCanvasKeys.ts";
 import { WireEdge, type Wire } from "./WireEdge.tsx";
-import { conversion, sortOf } from "./wiring.ts";
-
-export type CanvasNode = FaceNode | NoteNode;
 
 const FAR_ZOOM = 0.2;
 const FACES = { face: Face, note: NoteFace };
 const WIRES = { wire: WireEdge };
+// Made once: what is another object is another setting to the library.
+const ADDING_KEYS = ["Control", "Meta"];
+const MAP_SIZE = { width: 120, height: 80 };
 
 /** The scene as a graph, live: nodes are added, wired, moved, named and removed here. Another scene begins anew. */
 export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
@@ -54,6 +55,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   const [wires, setWires, onWiresChange] = useEdgesState<Wire>([]);
   const flow = useRef<ReactFlowInstance<CanvasNode, Wire> | null>(null);
   const pane = useRef<HTMLDivElement>(null);
+  const labels = useMemo(ariaLabels, [language.value]);
   const [isFar, setFar] = useState(false);
   const wantChosen = useRef<readonly string[] | null>(null);
 
@@ -61,26 +63,11 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     automatic.follow(nodes ?? [], links);
     const wanted = wantChosen.current;
     wantChosen.current = null;
-    setFaces((kept) => {
-      const old = new Map(kept.map((face) => [face.id, face]));
-      return [...(nodes ?? []).map((node) => faceOf(editor, node, automatic.of(node.node))), ...notesOf(editor, notes)].map((face) => {
-        const { measured, selected, dragging, position } = old.get(face.id) ?? {};
-        return {
-          ...face,
-          ...(measured && { measured }),
-          selected: wanted === null ? selected === true : wanted.includes(face.id),
-          // What is being dragged stays under the pointer.
-          ...(dragging === true && position && { position }),
-        };
-      });
-    });
-  }, [nodes, links, notes]);
+    setFaces((kept) => facesOf(editor, { nodes: nodes ?? [], links, notes }, automatic, kept, wanted));
+  }, [nodes, links, notes, language.value]);
   useEffect(() => {
-    setWires((kept) => {
-      const chosen = new Set(kept.flatMap(({ id, selected }) => (selected ? id : [])));
-      return links.map((link) => wireOf(host, nodes ?? [], link, chosen));
-    });
-  }, [nodes, links]);
+    setWires((kept) => wiresOf(editor, nodes ?? [], links, kept));
+  }, [nodes, links, language.value]);
   // The first nodes come into sight as a whole.
   const showAll = (places: ReadonlyMap<string, XYPosition>) => {
     const boxes = (nodes ?? []).map((node) => ({ ...boxOf(node), ...(places.get(node.node) ?? node.place ?? automatic.of(node.node)) }));
@@ -94,29 +81,30 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
 
   // What is chosen here the inspector shows, and it can be chosen from elsewhere.
   const chosenFaces = faces.filter(({ selected }) => selected);
-  const chosen = chosenFaces.filter(({ type }) => type === "face").map(({ id }) => id);
+  const chosen = chosenFaces.flatMap((face) => (face.type === "face" ? face.data.node.node : []));
   useEffect(() => {
     desk.chosen.value = chosen;
   }, [chosen.join("\n")]);
   useEffect(() => {
-    desk.choose = (ids) => {
+    desk.choose = (handles) => {
+      const ids = handles.map(nodeId);
       // Nodes that were just made aren't here yet.
       wantChosen.current = ids.every((id) => flow.current?.getNode(id)) ? null : ids;
       setFaces((kept) => kept.map((face) => ({ ...face, selected: ids.includes(face.id) })));
     };
-    desk.goTo = (id) => {
-      desk.choose([id]);
-      const node = editor.node(id);
+    desk.goTo = (handle) => {
+      desk.choose([handle]);
+      const node = editor.node(handle);
       if (node !== undefined) {
-        const { x, y } = editor.view.placeOf(id);
+        const { x, y } = editor.view.placeOf(handle);
         const { width, height } = boxOf(node);
         void flow.current?.fitBounds({ x, y, width, height }, { padding: 0.5, duration: 200 });
       }
-      pane.current?.querySelector<HTMLElement>(`[data-id="${CSS.escape(id)}"]`)?.focus({ preventScroll: true });
+      pane.current?.querySelector<HTMLElement>(`[data-id="${nodeId(handle)}"]`)?.focus({ preventScroll: true });
     };
     editor.view = {
-      placeOf: (id) => {
-        const face = flow.current?.getNode(id);
+      placeOf: (handle) => {
+        const face = flow.current?.getNode(nodeId(handle));
         return { ...(face?.position ?? { x: 0, y: 0 }), ...(face?.type === "face" && face.data.folded && { folded: true }) };
       },
       middle: () => {
@@ -134,8 +122,10 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   const place = () => {
     const all = faces.flatMap((face) => (moved.current.has(face.id) ? { ...face, position: moved.current.get(face.id)! } : []));
     moved.current.clear();
-    const movedNodes = all.flatMap(({ id, type, position }) => (type === "face" ? [[id, { ...editor.view.placeOf(id), ...position }]] : []));
-    const movedNotes = all.flatMap((one) => (one.type === "note" ? [[one.data.id, { ...one.data.note, ...one.position }]] : []));
+    const movedNodes = all.flatMap(({ type, data, position }) =>
+      type === "face" ? [[data.node.node, { ...editor.view.placeOf(data.node.node), ...position }]] : [],
+    );
+    const movedNotes = all.flatMap(({ type, data, position }) => (type === "note" ? [[data.id, { ...data.note, ...position }]] : []));
     if (all.length > 0) {
       void editor.place(Object.fromEntries(movedNodes), Object.fromEntries(movedNotes));
     }
@@ -181,10 +171,11 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
         faces={faces}
         onArrange={() => {
           const places = automatic.arrangeAnew(nodes ?? [], links);
-          setFaces((kept) => kept.map((face) => ({ ...face, position: places.get(face.id) ?? face.position })));
+          const placeOf = (face: CanvasNode) => (face.type === "face" ? places.get(face.data.node.node) : undefined);
+          setFaces((kept) => kept.map((face) => ({ ...face, position: placeOf(face) ?? face.position })));
           showAll(places);
           void editor.place(
-            Object.fromEntries([...places].map(([id, at]) => [id, { ...editor.view.placeOf(id), ...at }])),
+            Object.fromEntries([...places].map(([handle, at]) => [handle, { ...editor.view.placeOf(handle), ...at }])),
           );
         }}
       />
@@ -209,17 +200,17 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
           panActivationKeyCode={null}
           selectionKeyCode="Shift"
           selectionMode={SelectionMode.Partial}
-          multiSelectionKeyCode={["Control", "Meta"]}
+          multiSelectionKeyCode={ADDING_KEYS}
           zoomOnDoubleClick={false}
           nodeDragThreshold={2}
           minZoom={0.1}
           maxZoom={1.5}
           fitView
-          ariaLabelConfig={ariaLabels()}
+          ariaLabelConfig={labels}
         >
           <Background />
           <Controls showInteractive={false} />
-          <MiniMap pannable zoomable style={{ width: 120, height: 80 }} />
+          <MiniMap pannable zoomable style={MAP_SIZE} />
         </ReactFlow>
         {nodes?.length === 0 && faces.length === 0 && <EmptyScene editor={editor} />}
         {editor.palette.value !== null && <Palette editor={editor} call={editor.palette.value} />}
@@ -229,57 +220,10 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   );
 }
 
-function faceOf(editor: Editor, node: NodeView, automatic: { x: number; y: number }): FaceNode {
-  const { x, y, folded = false } = node.place ?? { ...automatic };
-  return {
-    id: node.node,
-    type: "face",
-    position: { x, y },
-    data: { editor, node, folded },
-    ariaLabel: `${node.graph}, ${node.details.name}`,
-    // About so large until it's drawn: the library forgets the pins of a node that comes anew without a size.
-    measured: { width: boxOf(node).width, height: boxOf(node).height },
-  };
-}
-
-function notesOf(editor: Editor, notes: Host["notes"]["value"]): NoteNode[] {
-  return Object.entries(notes).map(([id, note]) => ({
-    id: `note:${id}`,
-    type: "note",
-    position: { x: note.x, y: note.y },
-    width: note.width,
-    height: note.height,
-    measured: { width: note.width, height: note.height },
-    data: { editor, id, note },
-    zIndex: -1,
-    ariaLabel: t("Note"),
-  }));
-}
-
-function wireOf(host: Host, nodes: readonly NodeView[], link: Link, chosen: ReadonlySet<string>): Wire {
-  const { from, output, to, input } = link;
-  const id = `${from} ${output} ${to} ${input}`;
-  const [source, target] = [nodes.find(({ node }) => node === from), nodes.find(({ node }) => node === to)];
-  const outputParam = source && outputsOf(source).find((param) => param.id === output);
-  const inputParam = target && inputsOf(target).find((param) => param.id === input);
-  return {
-    id,
-    type: "wire",
-    source: from,
-    sourceHandle: String(output),
-    target: to,
-    targetHandle: String(input),
-    className: `wire wire-${outputParam ? sortOf(outputParam) : "text"}`,
-    selected: chosen.has(id),
-    data: { host, link, output: outputParam, conversion: outputParam && inputParam ? conversion(outputParam, inputParam) : null },
-    domAttributes: { tabindex: 0 }, // the library sets tabIndex, which Preact leaves so spelt and SVG doesn't know
-  };
-}
-
 function asLink({ source, sourceHandle, target, targetHandle }: Connection | Edge): Link {
-  return { from: source, output: Number(sourceHandle), to: target, input: Number(targetHandle) };
+  return { from: handleOf(source), output: Number(sourceHandle), to: handleOf(target), input: Number(targetHandle) };
 }
 
 function pinOf(handle: NonNullable<FinalConnectionState["fromHandle"]>): Pin {
-  return { node: handle.nodeId, id: Number(handle.id), is: handle.type === "source" ? "output" : "input" };
+  return { node: handleOf(handle.nodeId), id: Number(handle.id), is: handle.type === "source" ? "output" : "input" };
 }

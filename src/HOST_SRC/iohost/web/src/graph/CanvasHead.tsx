@@ -1,6 +1,6 @@
 import { t } from "../i18n.ts";
-import type { CanvasNode } from "./Canvas.tsx";
 import type { Editor } from "./editor.ts";
+import type { CanvasNode } from "./elements.ts";
 
 const SHORTCUT = "Ctrl+K";
 const NOTE_SIZE = { width: 220, height: 90 };
@@ -13,10 +13,10 @@ interface CanvasHeadProps {
 
 /** What can be done on the canvas as a whole, and what came of the last step. */
 export function CanvasHead({ editor, faces, onArrange }: CanvasHeadProps) {
-  const chosen = faces.filter(({ selected, type }) => selected && type === "face");
+  const chosen = faces.flatMap((face) => (face.selected && face.type === "face" ? face : []));
   const align = (axis: "x" | "y") => {
     const line = Math.min(...chosen.map(({ position }) => position[axis]));
-    void editor.place(Object.fromEntries(chosen.map(({ id }) => [id, { ...editor.view.placeOf(id), [axis]: line }])));
+    void editor.place(Object.fromEntries(chosen.map(({ data: { node } }) => [node.node, { ...editor.view.placeOf(node.node), [axis]: line }])));
   };
   const addNote = () => {
     const id = `note ${Date.now().toString(36)}`;

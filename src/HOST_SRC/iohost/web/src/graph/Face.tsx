@@ -1,5 +1,6 @@
 import { Handle, Position, type Node, type NodeProps } from "@xyflow/react";
-import { useEffect, useRef } from "preact/hooks";
+import { computed, useComputed } from "@preact/signals";
+import { useEffect, useMemo, useRef } from "preact/hooks";
 import { clock } from "../clock.ts";
 import { agoText } from "../format.ts";
 import type { Host, NodeView } from "../host.ts";
@@ -11,36 +12,33 @@ import { shownValue } from "../params.ts";
 import { LongText } from "../view/LongText.tsx";
 import { JsonVerdictLine } from "../view/JsonPanel.tsx";
 import type { Editor, Pin } from "./editor.ts";
+import { linkedPin } from "./elements.ts";
 import { NodeCounters } from "./NodeCounters.tsx";
 import { textWarning } from "./textWarning.ts";
 import { sortOf } from "./wiring.ts";
 
-export type FaceNode = Node<{ editor: Editor; node: NodeView; folded: boolean }, "face">;
+/** What is linked of it, as linkedPin() names pins: links of other nodes draw nothing of it anew. */
+export type FaceNode = Node<{ editor: Editor; node: NodeView; folded: boolean; linked: readonly string[] }, "face">;
 
 /** As many values stand beside their pins; the others show on the wires and in the inspector. */
 const MOST_VALUES = 3;
 const ENABLE = 2;
 
 /** A node on the canvas: what it is, what it does right now, and its pins. Folded it has only those that are linked. */
-export function Face({ data: { editor, node, folded }, selected }: NodeProps<FaceNode>) {
+export function Face({ data: { editor, node, folded, linked }, selected }: NodeProps<FaceNode>) {
   const { host } = editor;
   const icon = iconOf(node.type);
-  const links = host.links.value;
-  const isLinked = (pin: Pin) =>
-    links.some((link) =>
-      pin.is === "output" ? link.from === pin.node && link.output === pin.id : link.to === pin.node && link.input === pin.id,
-    );
   const inputs = inputsOf(node);
   const outputs = outputsOf(node);
   const isOff = inputs.some(({ id, int }) => id === ENABLE && int === 0);
   const shown = (params: readonly Param[], is: Pin["is"]) =>
-    folded ? params.filter(({ id }) => isLinked({ node: node.node, id, is })) : params;
+    folded ? params.filter(({ id }) => linked.includes(linkedPin(is, id))) : params;
+  const isSource = ({ id }: Param) => Number(linked.includes(linkedPin("output", id)));
   const values = outputs.filter((param) => sortOf(param) !== "event");
-  const linkedFirst = [...values].sort(
-    (a, b) => Number(isLinked({ node: node.node, id: b.id, is: "output" })) - Number(isLinked({ node: node.node, id: a.id, is: "output" })),
-  );
+  const linkedFirst = [...values].sort((a, b) => isSource(b) - isSource(a));
   const valued = new Set(linkedFirst.slice(0, MOST_VALUES).map(({ id }) => id));
-  const warning = textWarning(node, host.network.value?.state.devices ?? null);
+  // The network tells of itself several times a second; a warning seldom changes.
+  const warning = useMemo(() => computed(() => textWarning(node, host.network.value?.state.devices ?? null)), [node]).value;
   const pinProps = { editor, node: node.node, isReachable: selected };
   return (
     <div class={isOff ? "face face-off" : "face"} data-face={node.node} data-folded={folded}>
@@ -82,7 +80,7 @@ export function Face({ data: { editor, node, folded }, selected }: NodeProps<Fac
 /** A double click or F2 makes a field of it. */
 function FaceName({ editor, node }: { editor: Editor; node: NodeView }) {
   const field = useRef<HTMLInputElement>(null);
-  const isOpen = editor.renaming.value === node.node;
+  const isOpen = useComputed(() => editor.renaming.value === node.node).value;
   useEffect(() => {
     field.current?.focus();
     field.current?.select();

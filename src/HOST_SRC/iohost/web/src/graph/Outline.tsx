@@ -1,9 +1,10 @@
+import { memo } from "preact/compat";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import { inputsOf, outputsOf, pinText } from "../nodePins.ts";
 
 /** The graph as a list, for who can't see it: each node with what its inputs come from. */
-export function Outline({ host }: { host: Host }) {
+export const Outline = memo(function Outline({ host }: { host: Host }) {
   const nodes = host.nodes.value ?? [];
   const links = host.links.value;
   return (
@@ -35,4 +36,4 @@ export function Outline({ host }: { host: Host }) {
       </ul>
     </section>
   );
-}
+});

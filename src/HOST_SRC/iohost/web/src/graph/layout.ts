@@ -2,6 +2,7 @@ import dagre from "@dagrejs/dagre";
 import type { NodeView } from "../host.ts";
 import { inputsOf, outputsOf } from "../nodePins.ts";
 import type { Link } from "../protocol.ts";
+import { nodeId } from "./ids.ts";
 
 export interface Box {
   id: string;
@@ -65,15 +66,15 @@ function blockOf(boxes: readonly Box[], links: readonly Link[]): Block {
   graph.setGraph({ rankdir: "LR", nodesep: GAP, ranksep: RANK_GAP });
   const ids = new Set(boxes.map(({ id }) => id));
   for (const { id, width, height } of boxes) {
-    graph.setNode(id, { width, height });
+    graph.setNode(nodeId(id), { width, height });
   }
   for (const { from, output, to, input } of links.filter((link) => ids.has(link.from))) {
-    graph.setEdge(from, to, {}, `${output} ${input}`);
+    graph.setEdge(nodeId(from), nodeId(to), {}, `${output} ${input}`);
   }
   dagre.layout(graph);
   const { width = 0, height = 0 } = graph.graph();
   const places = boxes.map((box): [string, Place] => {
-    const { x, y } = graph.node(box.id);
+    const { x, y } = graph.node(nodeId(box.id));
     return [box.id, { x: x - box.width / 2, y: y - box.height / 2 }];
   });
   return { width, height, places: new Map(places) };

@@ -1,0 +1,127 @@
+// What the graph's library draws of the scene. What nothing changed of stays the same object, so that it isn't drawn anew.
+import type { NodeView } from "../host.ts";
+import { t } from "../i18n.ts";
+import { inputsOf, outputsOf, pinText } from "../nodePins.ts";
+import type { Link, Note, Place } from "../protocol.ts";
+import type { Editor } from "./editor.ts";
+import type { FaceNode } from "./Face.tsx";
+import { nodeId, noteId, wireId } from "./ids.ts";
+import { boxOf, type AutomaticPlaces } from "./layout.ts";
+import type { NoteNode } from "./NoteFace.tsx";
+import type { Wire } from "./WireEdge.tsx";
+import { conversion, sortOf } from "./wiring.ts";
+
+export type CanvasNode = FaceNode | NoteNode;
+
+/** Nodes and notes. Where `chosen` is null, those that were chosen stay so. */
+export function facesOf(
+  editor: Editor,
+  scene: { nodes: readonly NodeView[]; links: readonly Link[]; notes: Readonly<Record<string, Note>> },
+  automatic: AutomaticPlaces,
+  kept: readonly CanvasNode[],
+  chosen: readonly string[] | null,
+): CanvasNode[] {
+  const old = new Map(kept.map((face) => [face.id, face]));
+  const linked = linkedPins(scene.links);
+  return [
+    ...scene.nodes.map((node) => faceOf(editor, node, linked.get(node.node) ?? [], automatic)),
+    ...Object.entries(scene.notes).map(([id, note]) => noteOf(editor, id, note)),
+  ].map((face) => {
+    const before = old.get(face.id);
+    const { measured, selected, dragging, position } = before ?? {};
+    return sameOr(before, {
+      ...face,
+      ...(measured && { measured }),
+      selected: chosen === null ? selected === true : chosen.includes(face.id),
+      // What is being dragged stays under the pointer.
+      ...(dragging === true && position && { position }),
+    });
+  });
+}
+
+function faceOf(editor: Editor, node: NodeView, linked: readonly string[], automatic: AutomaticPlaces): FaceNode {
+  const { x, y, folded = false }: Place = node.place ?? automatic.of(node.node);
+  return {
+    id: nodeId(node.node),
+    type: "face",
+    position: { x, y },
+    data: { editor, node, folded, linked },
+    ariaLabel: `${node.graph}, ${node.details.name}`,
+    // About so large until it's drawn: the library forgets the pins of a node that comes anew without a size.
+    measured: { width: boxOf(node).width, height: boxOf(node).height },
+  };
+}
+
+function noteOf(editor: Editor, id: string, note: Note): NoteNode {
+  const { x, y, width, height } = note;
+  return {
+    id: noteId(id),
+    type: "note",
+    position: { x, y },
+    width,
+    height,
+    measured: { width, height },
+    data: { editor, id, note },
+    zIndex: -1,
+    ariaLabel: t("Note"),
+  };
+}
+
+/** As `linkedPin` names them, by nodes. */
+function linkedPins(links: readonly Link[]): ReadonlyMap<string, readonly string[]> {
+  const pins = new Map<string, string[]>();
+  const add = (node: string, pin: string) => pins.set(node, [...(pins.get(node) ?? []), pin]);
+  for (const { from, output, to, input } of links) {
+    add(from, linkedPin("output", output));
+    add(to, linkedPin("input", input));
+  }
+  return pins;
+}
+
+export function linkedPin(is: "output" | "input", id: number): string {
+  return `${is} ${id}`;
+}
+
+export function wiresOf(editor: Editor, nodes: readonly NodeView[], links: readonly Link[], kept: readonly Wire[]): Wire[] {
+  const old = new Map(kept.map((wire) => [wire.id, wire]));
+  const byHandle = new Map(nodes.map((node) => [node.node, node]));
+  return links.map((link) => {
+    const before = old.get(wireId(link));
+    return sameOr(before, { ...wireOf(editor, byHandle.get(link.from)!, byHandle.get(link.to)!, link), selected: before?.selected === true });
+  });
+}
+
+function wireOf({ host }: Editor, source: NodeView, target: NodeView, link: Link): Wire {
+  const output = outputsOf(source).find(({ id }) => id === link.output);
+  const input = inputsOf(target).find(({ id }) => id === link.input);
+  return {
+    id: wireId(link),
+    type: "wire",
+    source: nodeId(link.from),
+    sourceHandle: String(link.output),
+    target: nodeId(link.to),
+    targetHandle: String(link.input),
+    className: `wire wire-${output ? sortOf(output) : "text"}`,
+    ariaLabel: t("Wire from {from} to {to}", {
+      from: pinText(source, outputsOf(source), link.output),
+      to: pinText(target, inputsOf(target), link.input),
+    }),
+    data: { host, link, output, conversion: output && input ? conversion(output, input) : null },
+    domAttributes: { tabindex: 0 }, // the library sets tabIndex, which Preact leaves so spelt and SVG doesn't know
+  };
+}
+
+/** The one that was there, where the new one says the same; what the library has added to it counts for nothing. */
+function sameOr<Element extends object>(before: Element | undefined, now: Element): Element {
+  const isSame = (key: string) => isAlike(before?.[key as keyof Element], now[key as keyof Element], 2);
+  return before !== undefined && Object.keys(now).every(isSame) ? before : now;
+}
+
+/** Whether two are equal, down to so many objects in objects. */
+function isAlike(one: unknown, other: unknown, depth: number): boolean {
+  if (one === other || depth === 0 || one === null || other === null || typeof one !== "object" || typeof other !== "object") {
+    return one === other;
+  }
+  const [values, others] = [Object.entries(one), other as Record<string, unknown>];
+  return values.length === Object.keys(other).length && values.every(([key, value]) => isAlike(value, others[key], depth - 1));
+}
