@@ -10,6 +10,8 @@ import { createNode, must, Type } from "./support/session.mjs";
 const AXE = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
 const RULES = ["wcag2a", "wcag2aa", "wcag21aa", "wcag22aa"];
 const TABS = ["log", "keyboard", "hands", "network", "json", "objects"];
+/** What leads to a device, an object and new ones. */
+const PARTS = ["[data-open-device]", "[data-open-object]", ".part-index nav:first-child button:last-child", ".part-index nav:last-child button:last-child"];
 const LANGUAGES = ["EN", "中文"];
 
 const NET_SEND = { type: "04", devId: 402, send: 410 };
@@ -28,6 +30,7 @@ useScene({
     await send({ op: "set", node: "v", param: is.ENABLE, int: 0 });
     await send({ op: "link", from: "k", output: is.KEY_DOWN[1], to: "t", input: TEXT_APPEND });
     await send({ op: "devices", list: [{ id: 1, name: "Stage", parser: "framed", address: "127.0.0.1:9" }] });
+    await send({ op: "object", clip: "Demo", name: "Lamp" });
     await send({ op: "listen_only", on: true });
     await send({ op: "set", node: "n", param: NET_SEND.devId, string: "1" });
     await send({ op: "trigger", node: "n", param: NET_SEND.send });
@@ -61,12 +64,15 @@ for (const colorScheme of ["dark", "light"]) {
       for (const tab of TABS) {
         await page.page.locator(`[data-tab=${tab}]`).click();
         await page.page.locator(`#panel-${tab} :visible`).first().waitFor();
-        if (tab === "network") {
-          await page.page.locator("#panel-network .quiet").click(); // the form of a new device
-        }
         found[tab] = await violationsIn(`#panel-${tab}`);
       }
-      assert.deepEqual(found, Object.fromEntries(["page", ...TABS].map((part) => [part, []])));
+      for (const part of PARTS) {
+        await page.page.locator(part).click();
+        await page.page.locator("[data-part-card]").waitFor();
+        found[part] = await violationsIn(".nodes");
+        await page.page.locator(".nodes .panel-head button").click();
+      }
+      assert.deepEqual(found, Object.fromEntries(["page", ...TABS, ...PARTS].map((part) => [part, []])));
     });
   }
 }

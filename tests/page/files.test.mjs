@@ -102,6 +102,8 @@ async function sceneIs(expected) {
   assert.deepEqual(await sceneAsMade(), expected);
 }
 
+/** The device or object that is open in the inspector. */
+const card = () => page.locator("[data-part-card]");
 const pressSend = () => page.locator('article button[data-param="1507"]').click();
 
 test("from nothing to a text on a device, ten steps back and again, and the same scene after the host's end", { timeout: 120000 }, async () => {
@@ -118,9 +120,9 @@ test("from nothing to a text on a device, ten steps back and again, and the same
   await until("the links", async () => (await canvas.links()).length === 3);
 
   await page.locator("[data-tab=network]").click();
-  await page.getByRole("button", { name: "Add device" }).click();
-  await page.locator("[data-device=name]").fill("Title");
-  await page.locator("[data-device=address]").fill(device.address);
+  await page.locator("#panel-network").getByRole("button", { name: "Add device" }).click();
+  await page.locator("[data-part=name]").fill("Title");
+  await page.locator("[data-part=address]").fill(device.address);
   await page.locator("[data-device-form] button[type=submit]").click();
   await page.locator("[data-peer=device-1] .lamp-open").waitFor();
   await canvas.choose("String data send 1");
@@ -172,25 +174,64 @@ test("from nothing to a text on a device, ten steps back and again, and the same
   await until("the device's text", () => device.text().endsWith("again\0"));
 });
 
-test("a device is tried by a text, changed and removed", async () => {
+test("a device is opened in the inspector, tried by a text, changed and removed", async () => {
   const device = await startDevice();
   await must(script, { op: "device", device: 4, name: "Wall", parser: "direct", address: device.address });
   await page.locator("[data-tab=network]").click();
   const peer = page.locator("[data-peer=device-4]");
   await peer.locator(".lamp-open").waitFor();
-  await peer.getByRole("button", { name: "Send a test text" }).click();
-  await peer.locator("[data-test-text]").fill("are you there?");
-  await peer.locator("[data-send-test]").click();
+  await peer.getByRole("button", { name: "4 · Wall" }).click();
+  await card().getByText("connected since").waitFor();
+  await page.locator("[data-test-text]").fill("are you there?");
+  await page.getByRole("button", { name: "Send a test text" }).click();
   await expectEventually("the device's text", device.text, "are you there?");
-  await peer.getByRole("button", { name: "Edit" }).click();
-  await page.locator("[data-device=name]").fill("Floor");
-  await page.locator("[data-device=drop-after]").fill("");
-  await page.locator("[data-device-form] button[type=submit]").click();
+  await page.locator("[data-part=name]").fill("Floor");
+  await page.locator("[data-part=dropAfter]").fill("");
+  await page.getByRole("button", { name: "Change device" }).click();
   await expectEventually("the name", () => peer.locator("h3").innerText(), "4 · Floor");
   const { devices } = await must(script, { op: "network" });
   assert.equal(devices[0].drop_after, undefined);
-  await peer.getByRole("button", { name: "Remove" }).click();
+  await card().getByRole("button", { name: "Remove" }).click();
   await peer.waitFor({ state: "detached" });
+  await card().waitFor({ state: "detached" });
+});
+
+test("a device that isn't there is tried again from the inspector, and what others change of it shows there", async () => {
+  const { address } = await startDevice();
+  devices.splice(0).forEach((close) => close());
+  await must(script, { op: "device", device: 4, name: "Wall", parser: "direct", address });
+  await page.locator("[data-open-device='4']").click();
+  await card().getByText("refused").waitFor();
+  await page.getByRole("button", { name: "Try to connect" }).click();
+  await expectEventually("what is said", () => canvas.message().innerText(), "Trying to connect…");
+  await must(script, { op: "device", device: 4, name: "Floor", parser: "framed", address });
+  await expectEventually("the name", () => page.locator("[data-part=name]").inputValue(), "Floor");
+  assert.equal(await page.locator("[data-test-text]").count(), 0);
+  await must(script, { op: "remove_device", device: 4 });
+  await card().getByText("There is no device 4.").waitFor();
+});
+
+test("devices and objects are opened and closed by keys, and the focus comes and goes with them", async () => {
+  await must(script, { op: "device", device: 4, name: "Wall", parser: "direct" });
+  await canvas.choosePalette("String data send");
+  await must(script, { op: "edit", node: "String data send 1", param: 1503, int: 4 });
+  await page.locator("[data-show-device='4']").focus();
+  await page.keyboard.press("Enter");
+  await page.locator("section.nodes:focus").getByRole("heading", { name: "Device 4" }).waitFor();
+  await page.keyboard.press("Tab");
+  await page.keyboard.press("Enter");
+  await page.locator("section.nodes:focus").getByRole("heading", { name: "Nodes" }).waitFor();
+  await page.locator("[data-tab=objects]").click();
+  await must(script, { op: "object", clip: "Show", name: "Lamp" });
+  await page.locator('[data-object-line="Show.Lamp"] button').focus();
+  await page.keyboard.press("Enter");
+  await page.locator("section.nodes:focus").getByRole("heading", { name: "Show · Lamp" }).waitFor();
+  await page.keyboard.press("Tab");
+  await page.keyboard.press("Enter");
+  await page.locator('[data-object-line="Show.Lamp"] button:focus').waitFor();
+  await page.locator("[data-open-device='4']").click();
+  await canvas.choose("String data send 1");
+  await page.locator("article[data-node]").getByRole("heading", { name: "String data send 1" }).waitFor();
 });
 
 test("a node whose device takes no texts says so", async () => {
@@ -204,16 +245,19 @@ test("a node whose device takes no texts says so", async () => {
 
 test("objects are added, renamed and removed", async () => {
   const objects = async () => (await must(script, { op: "objects" })).objects.map(({ clip, name }) => `${clip}.${name}`).join();
-  await page.locator("[data-tab=objects]").click();
-  await page.locator("[data-object=clip]").fill("Show");
-  await page.locator("[data-object=name]").fill("Lamp");
   await page.getByRole("button", { name: "Add object" }).click();
+  await page.locator("[data-part=clip]").fill("Show");
+  await page.locator("[data-part=name]").fill("Lamp");
+  await page.keyboard.press("Enter");
   await expectEventually("objects", objects, "Show.Lamp");
-  await page.locator('[data-object-line="Show.Lamp"] input').fill("Light");
+  await card().getByText("0.00, 0.00, 0.00").waitFor();
+  await page.locator("[data-part=name]").fill("Light");
   await page.keyboard.press("Enter");
   await expectEventually("objects", objects, "Show.Light");
-  await page.locator('[data-object-line="Show.Light"]').getByRole("button", { name: "Remove" }).click();
+  await page.getByRole("heading", { name: "Show · Light" }).waitFor();
+  await card().getByRole("button", { name: "Remove" }).click();
   await expectEventually("objects", objects, "");
+  await page.locator("[data-open-object]").waitFor({ state: "detached" });
 });
 
 test("a page that opens later shows what an earlier one saw: the log, and what each node did", async () => {

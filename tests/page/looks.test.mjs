@@ -38,14 +38,25 @@ test("in Chinese no text is left in English, on any tab", async () => {
   await createNode(script, "v", Type.vrHandle, "手柄 1");
   await page.page.getByRole("button", { name: "中文" }).click();
   assert.equal(await language(page), "zh");
-  const fromHost = ["Keyboard 1", "Mouse 1", "Demo", "Version"];
-  const sameEverywhere = ["iohost", "JSON", "EN", "VR", "Alt", "Page Up", "Page Down", "Delete", "Esc", "UDP", '{"cmd":"start"}'];
+  const fromHost = ["Keyboard 1", "Mouse 1", "Demo", "Version", "Wall", "Lamp", "Connection refused"];
+  const sameEverywhere = ["iohost", "JSON", "EN", "VR", "Alt", "Page Up", "Page Down", "Delete", "Esc", "UDP", '{"cmd":"start"}', "framed", "direct", "json", "none"];
   const known = [...fromHost, ...sameEverywhere, host.address];
+  const english = async () => {
+    const rest = (await saidOn(page)).map((text) => known.reduce((left, word) => left.replaceAll(word, ""), text));
+    return rest.filter((text) => /[A-Za-z]{2}/.test(text));
+  };
   for (const name of TABS) {
     await tab(page, name);
     await page.page.locator(`#panel-${name} :visible`).first().waitFor();
-    const rest = (await saidOn(page)).map((text) => known.reduce((left, word) => left.replaceAll(word, ""), text));
-    assert.deepEqual(rest.filter((text) => /[A-Za-z]{2}/.test(text)), [], name);
+    assert.deepEqual(await english(), [], name);
+  }
+  await script.request({ op: "device", device: 1, name: "Wall", parser: "direct", address: "127.0.0.1:9" });
+  await script.request({ op: "object", clip: "Demo", name: "Lamp" });
+  for (const part of ["[data-open-device]", "[data-open-object]"]) {
+    await page.page.locator(part).click();
+    await page.page.locator("[data-part-card]").waitFor();
+    assert.deepEqual(await english(), [], part);
+    await page.page.getByRole("button", { name: "显示全部" }).last().click();
   }
 });
 

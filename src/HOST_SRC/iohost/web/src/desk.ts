@@ -1,5 +1,6 @@
 import { signal } from "@preact/signals";
 import { createContext } from "preact";
+import type { ObjectName } from "./requests.ts";
 
 /** Asked before something is done that takes something away. */
 export interface Question {
@@ -8,11 +9,18 @@ export interface Question {
   act: () => void;
 }
 
-/** What is chosen on the desk, and what came of the last step: canvas, inspector, log and top bar share it. */
+/** A device or an object of the scene; null: one that is to be added. */
+export type Part = { is: "device"; id: number | null } | { is: "object"; name: ObjectName | null };
+
+/** What is chosen on the desk, and what came of the last step: canvas, inspector, panels and top bar share it. */
 export class Desk {
+  /** Whether the scene is edited here; on a phone it's watched and operated. */
+  readonly edits: boolean;
   /** Handles of the chosen nodes; none: the inspector shows all. */
   readonly chosen = signal<readonly string[]>([]);
-  /** Said in the canvas's status line, also to screen readers. */
+  /** What the inspector shows in place of nodes. */
+  readonly opened = signal<Part | null>(null);
+  /** Said in the canvas's status line, or a phone's, also to screen readers. */
   readonly message = signal("");
   readonly question = signal<Question | null>(null);
   /** Whether the render surface has most of the width. */
@@ -20,7 +28,31 @@ export class Desk {
   /** Chooses nodes on the canvas, which sets this while it's there. */
   choose: (nodes: readonly string[]) => void = () => {};
   /** Chooses a node and brings it into sight; without a canvas, its card. */
-  goTo: (node: string) => void = (node) => document.getElementById(`node-${node}`)?.scrollIntoView({ block: "start" });
+  goTo: (node: string) => void = (node) => {
+    this.opened.value = null;
+    requestAnimationFrame(() => document.getElementById(`node-${node}`)?.scrollIntoView({ block: "start" }));
+  };
+
+  constructor(edits = true) {
+    this.edits = edits;
+    this.chosen.subscribe((nodes) => {
+      if (nodes.length > 0) {
+        this.opened.value = null;
+      }
+    });
+  }
+
+  /** Shows a device or an object in the inspector. */
+  open(part: Part): void {
+    this.choose([]);
+    this.opened.value = part;
+  }
+
+  /** Shows all nodes in the inspector. */
+  showAll(): void {
+    this.choose([]);
+    this.opened.value = null;
+  }
 
   /** Tells what was wrong, or else what was done. */
   tell(error: string | null, done: string): void {

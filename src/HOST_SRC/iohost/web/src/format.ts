@@ -47,3 +47,11 @@ export function ageText(milliseconds: number): string {
     ? t("{count} s", { count: Math.floor(seconds) })
     : t("{count} min", { count: Math.floor(seconds / 60) });
 }
+
+/** The place that a matrix puts things at. */
+export function placeText(matrix: readonly number[]): string {
+  return matrix
+    .slice(12, 15)
+    .map((value) => value.toFixed(2))
+    .join(", ");
+}

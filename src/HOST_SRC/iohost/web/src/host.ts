@@ -154,7 +154,7 @@ export class Host implements ConnectionListener {
         this.connection.value = { is: "open", ...push };
         this.frames.value = new FrameWatch(Date.now());
         void this.#refresh();
-        void this.#readNetwork();
+        void this.readNetwork();
         void this.#readLog();
         break;
       case "frame":
@@ -363,7 +363,7 @@ export class Host implements ConnectionListener {
     }
   }
 
-  async #readNetwork(): Promise<void> {
+  async readNetwork(): Promise<void> {
     const state = await this.#connection.request<NetworkState>({ op: "network" });
     if (state.ok) {
       this.network.value = { state, told: Date.now() };

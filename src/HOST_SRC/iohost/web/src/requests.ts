@@ -14,9 +14,15 @@ export type Change =
   | { op: "place"; nodes?: Record<string, Place>; notes?: Record<string, Note | null> }
   | { op: "device"; device: number; name: string; parser: string; address?: string | null; drop_after?: number | null }
   | { op: "remove_device"; device: number }
-  | { op: "object"; clip: string; name: string }
-  | { op: "change_object"; clip: string; name: string; to: string }
-  | { op: "remove_object"; clip: string; name: string };
+  | ({ op: "object" } & ObjectName)
+  | ({ op: "change_object"; to: string } & ObjectName)
+  | ({ op: "remove_object" } & ObjectName);
+
+/** What an object of the scene goes by. */
+export interface ObjectName {
+  clip: string;
+  name: string;
+}
 
 /** What is asked of the host to change the scene. Each answers with what was wrong, or null. */
 export class Requests {

@@ -5,6 +5,7 @@ import { t } from "../i18n.ts";
 import { ConnectionBanner } from "./Connection.tsx";
 import "./desk.css";
 import { Dock } from "./Dock.tsx";
+import { Editing } from "./Editing.tsx";
 import { Inspector } from "./Inspector.tsx";
 import { lazyView } from "./lazyView.tsx";
 import { RecoveredBanner } from "./RecoveredBanner.tsx";
@@ -14,23 +15,34 @@ import { usePhone } from "./usePhone.ts";
 
 const Canvas = lazyView(async () => (await import("../graph/Canvas.tsx")).Canvas);
 
+/** What came of the last step, where no canvas says it. */
+function Message({ desk }: { desk: Desk }) {
+  return (
+    <p class="message" role="status" data-message>
+      {desk.message.value}
+    </p>
+  );
+}
+
 export function App({ host }: { host: Host }) {
   const isPhone = usePhone();
   // Without the canvas nothing is chosen.
-  const desk = useMemo(() => new Desk(), [isPhone]);
+  const desk = useMemo(() => new Desk(!isPhone), [isPhone]);
   return (
     <DeskContext.Provider value={desk}>
       <div class={isPhone ? "app phone" : "app"}>
         <TopBar host={host} desk={desk} />
         <ConnectionBanner host={host} />
-        <RecoveredBanner host={host} desk={desk} />
+        <Editing otherwise={<Message desk={desk} />}>
+          <RecoveredBanner host={host} desk={desk} />
+        </Editing>
         <main class={desk.surfaceIsLarge.value ? "desk desk-surface" : "desk"}>
           <div class="stage">
-            {!isPhone && (
+            <Editing>
               <section class="panel canvas" aria-label={t("Graph of the scene")}>
                 <Canvas host={host} desk={desk} />
               </section>
-            )}
+            </Editing>
             <Dock host={host} desk={desk} />
           </div>
           <div class="side">

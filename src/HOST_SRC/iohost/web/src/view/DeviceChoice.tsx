@@ -1,5 +1,8 @@
 import type { ComponentChildren } from "preact";
+import { useContext } from "preact/hooks";
+import { DeskContext } from "../desk.ts";
 import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
 import { deviceChoices } from "../network.ts";
 import { kindOf, type EditValue } from "../params.ts";
 import type { Param } from "../messages.ts";
@@ -20,6 +23,7 @@ export function namesDevice(param: Param): boolean {
 
 /** The "DevID" of a node that sends: a device of the list. The "DevName" beside it follows. */
 export function DeviceChoice({ host, node, param, otherwise, onEdit }: DeviceChoiceProps) {
+  const desk = useContext(DeskContext);
   const devices = host.network.value?.state.devices ?? [];
   if (devices.length === 0) {
     return <>{otherwise}</>;
@@ -40,19 +44,34 @@ export function DeviceChoice({ host, node, param, otherwise, onEdit }: DeviceCho
       ]);
     }
   };
+  const chosen = devices.find(({ id }) => String(id) === current);
   return (
-    <select
-      value={current}
-      disabled={!param.available}
-      data-node={node}
-      data-param={param.id}
-      onChange={(event) => choose(event.currentTarget.value)}
-    >
-      {deviceChoices(devices, current).map(({ value, label }) => (
-        <option key={value} value={value}>
-          {label}
-        </option>
-      ))}
-    </select>
+    <>
+      <select
+        value={current}
+        disabled={!param.available}
+        data-node={node}
+        data-param={param.id}
+        onChange={(event) => choose(event.currentTarget.value)}
+      >
+        {deviceChoices(devices, current).map(({ value, label }) => (
+          <option key={value} value={value}>
+            {label}
+          </option>
+        ))}
+      </select>
+      {chosen !== undefined && (
+        <button
+          type="button"
+          class="icon-button"
+          title={t("Show device {id}", { id: chosen.id })}
+          aria-label={t("Show device {id}", { id: chosen.id })}
+          data-show-device={chosen.id}
+          onClick={() => desk.open({ is: "device", id: chosen.id })}
+        >
+          →
+        </button>
+      )}
+    </>
   );
 }

@@ -1,24 +1,64 @@
 import { memo } from "preact/compat";
+import { useEffect, useRef } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
 import { iconOf } from "../icons.ts";
 import { kindOf } from "../params.ts";
 import type { ParamGroup } from "../messages.ts";
+import { DeviceCard } from "./DeviceCard.tsx";
 import "./inspector.css";
 import { JsonVerdictLine } from "./JsonPanel.tsx";
+import { ObjectCard } from "./ObjectCard.tsx";
 import { EventOutput, ValueOutput } from "./Outputs.tsx";
 import { ParamEditor } from "./ParamEditor.tsx";
+import { PartIndex } from "./PartIndex.tsx";
 
-/** The cards of the nodes that are chosen on the canvas, or of all. */
+/** The device or object that was opened, or the nodes. */
 export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
+  const section = useRef<HTMLElement>(null);
+  const opened = desk.opened.value;
+  // The focus comes to what was opened, and goes back to where that was done.
+  useEffect(() => {
+    if (opened === null) {
+      return undefined;
+    }
+    const opener = document.activeElement;
+    section.current!.focus();
+    return () => {
+      if (document.activeElement === document.body) {
+        const isThere = opener instanceof HTMLElement && opener.isConnected && opener !== document.body;
+        (isThere ? opener : section.current)?.focus();
+      }
+    };
+  }, [opened]);
+  return (
+    <section class="nodes" aria-labelledby="inspector-title" tabIndex={-1} ref={section}>
+      {opened === null ? (
+        <Nodes host={host} desk={desk} />
+      ) : opened.is === "device" ? (
+        <DeviceCard key={`${host.sceneNumber.value} ${opened.id}`} host={host} desk={desk} id={opened.id} />
+      ) : (
+        <ObjectCard
+          key={`${host.sceneNumber.value} ${JSON.stringify(opened.name)}`}
+          host={host}
+          desk={desk}
+          name={opened.name}
+        />
+      )}
+    </section>
+  );
+}
+
+/** The cards of the nodes that are chosen on the canvas, or of all, with what else the scene has. */
+function Nodes({ host, desk }: { host: Host; desk: Desk }) {
   const nodes = host.nodes.value;
   const chosen = desk.chosen.value;
   const shown = chosen.length === 0 ? nodes : (nodes?.filter(({ node }) => chosen.includes(node)) ?? null);
   return (
-    <section class="nodes" aria-labelledby="nodes-title">
+    <>
       <div class="panel-head">
-        <h2 id="nodes-title">{t("Nodes")}</h2>
+        <h2 id="inspector-title">{t("Nodes")}</h2>
         {nodes !== null && (
           <span class="hint">
             {chosen.length === 0
@@ -27,7 +67,7 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
           </span>
         )}
         {chosen.length > 0 && (
-          <button type="button" onClick={() => desk.choose([])}>
+          <button type="button" onClick={() => desk.showAll()}>
             {t("Show all")}
           </button>
         )}
@@ -36,13 +76,14 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
         </button>
       </div>
       {nodes !== null && nodes.length > 1 && chosen.length === 0 && <NodeIndex host={host} nodes={nodes} />}
+      {chosen.length === 0 && <PartIndex host={host} desk={desk} />}
       <div class="cards" key={host.sceneNumber.value}>
         {nodes?.length === 0 && <p class="empty">{t("The scene has no nodes.")}</p>}
         {shown?.map((node) => (
           <NodeCard key={node.node} host={host} node={node} />
         ))}
       </div>
-    </section>
+    </>
   );
 }
 

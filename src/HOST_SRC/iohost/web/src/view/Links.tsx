@@ -3,6 +3,7 @@ import { DeskContext } from "../desk.ts";
 import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { ParamGroup } from "../messages.ts";
+import { Editing } from "./Editing.tsx";
 import "./links.css";
 
 function pinName(groups: readonly ParamGroup[], id: number): string {
@@ -66,16 +67,18 @@ export function LinkSources({ host, node, input }: { host: Host; node: string; i
           >
             ← {source.graph} · {pinName(source.details.outputs, link.output)}
           </button>
-          <button
-            type="button"
-            class="icon-button"
-            title={t("Unlink")}
-            aria-label={t("Unlink from {node}", { node: source.graph })}
-            data-unlink={link.from}
-            onClick={() => void host.requests.change({ op: "unlink", ...link })}
-          >
-            ×
-          </button>
+          <Editing>
+            <button
+              type="button"
+              class="icon-button"
+              title={t("Unlink")}
+              aria-label={t("Unlink from {node}", { node: source.graph })}
+              data-unlink={link.from}
+              onClick={() => void host.requests.change({ op: "unlink", ...link })}
+            >
+              ×
+            </button>
+          </Editing>
         </span>
       )
     );

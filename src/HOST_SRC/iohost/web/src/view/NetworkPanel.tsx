@@ -1,18 +1,16 @@
 import type { ComponentChildren } from "preact";
-import { useState } from "preact/hooks";
-import type { Host } from "../host.ts";
+import type { Desk } from "../desk.ts";
 import { t } from "../i18n.ts";
-import { errorsText, pairedHex, queueText, rejectedText, stateText, type ErrorCounts } from "../network.ts";
+import { errorsText, pairedHex, queueText, rejectedText, type ErrorCounts } from "../network.ts";
 import type { BroadcastState, ControlState, DeviceState, ItemCounts, MessageBytes } from "../protocol.ts";
-import { DeviceForm } from "./DeviceForm.tsx";
-import { DeviceTools } from "./DeviceTools.tsx";
+import { DeviceLine } from "./DeviceLine.tsx";
+import { Editing } from "./Editing.tsx";
 import "./network.css";
 import type { PanelProps } from "./panels.ts";
 
-/** The play-control devices, and what other hosts send to this one. */
-export function NetworkPanel({ host, shown }: PanelProps) {
+/** What goes over the network: to and from the devices, and what other hosts send to this one. */
+export function NetworkPanel({ host, desk, shown }: PanelProps) {
   const network = host.network.value;
-  const [isAdding, setAdding] = useState(false);
   if (!shown || network === null) {
     return null;
   }
@@ -36,21 +34,16 @@ export function NetworkPanel({ host, shown }: PanelProps) {
             ? t("What nodes send is shown here and goes nowhere, broadcasts too.")
             : t("What nodes send to devices goes out.")}
         </span>
-        {!isAdding && (
-          <button type="button" class="quiet" onClick={() => setAdding(true)}>
+        <Editing>
+          <button type="button" class="quiet" onClick={() => desk.open({ is: "device", id: null })}>
             {t("Add device")}
           </button>
-        )}
+        </Editing>
       </div>
       <div class="network" tabIndex={0} role="group" aria-label={t("Devices and other hosts")}>
-        {isAdding && (
-          <article class="peer">
-            <DeviceForm host={host} device={null} onDone={() => setAdding(false)} />
-          </article>
-        )}
         {devices === null && <p class="empty">{t("The scene has no list of devices.")}</p>}
         {devices?.length === 0 && <p class="empty">{t("The scene's list of devices is empty.")}</p>}
-        {devices?.map((device) => <Device key={device.id} host={host} device={device} told={network.told} />)}
+        {devices?.map((device) => <Device key={device.id} desk={desk} device={device} told={network.told} />)}
         {broadcast !== null && <Broadcasts state={broadcast} />}
         {control !== null && <Control state={control} />}
       </div>
@@ -58,20 +51,16 @@ export function NetworkPanel({ host, shown }: PanelProps) {
   );
 }
 
-function Device({ host, device, told }: { host: Host; device: DeviceState; told: number }) {
+function Device({ desk, device, told }: { desk: Desk; device: DeviceState; told: number }) {
   const lamp = { connected: "lamp lamp-open", waiting: "lamp lamp-lost", connecting: "lamp", unconnected: "lamp" };
+  const title = (
+    <button type="button" class="link" onClick={() => desk.open({ is: "device", id: device.id })}>
+      {device.id} · {device.name}
+    </button>
+  );
   return (
-    <Peer id={`device-${device.id}`} title={`${device.id} · ${device.name}`} lamp={lamp[device.state]}>
-      <p class="hint">
-        {device.parser}
-        {device.address !== null && ` · ${device.address}`} · <span data-field="state">{stateText(device, told)}</span>
-        {device.last_problem !== null && device.state !== "connected" && (
-          <span class="peer-problem" data-field="problem">
-            {" "}
-            · {device.last_problem}
-          </span>
-        )}
-      </p>
+    <Peer id={`device-${device.id}`} title={title} lamp={lamp[device.state]}>
+      <DeviceLine device={device} told={told} />
       <dl class="counts">
         <Count label={t("Queue")} field="queue" value={queueText(device)} />
         <Count label={t("Sent")} field="sent" value={device.sent} />
@@ -88,7 +77,6 @@ function Device({ host, device, told }: { host: Host; device: DeviceState; told:
         bytes={device.last_sent_bytes}
       />
       <Bytes label={t("Last received")} field="received-bytes" bytes={device.last_received_bytes} />
-      <DeviceTools host={host} device={device} />
     </Peer>
   );
 }
@@ -130,7 +118,7 @@ function Control({ state }: { state: ControlState }) {
   );
 }
 
-function Peer({ id, title, lamp, children }: { id: string; title: string; lamp: string; children: ComponentChildren }) {
+function Peer({ id, title, lamp, children }: { id: string; title: ComponentChildren; lamp: string; children: ComponentChildren }) {
   return (
     <article class="peer" data-peer={id}>
       <h3>

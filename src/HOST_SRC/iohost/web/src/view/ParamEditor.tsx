@@ -10,6 +10,7 @@ import type { Param } from "../messages.ts";
 import { characters } from "../texts.ts";
 import "./cell.css";
 import { DeviceChoice, namesDevice } from "./DeviceChoice.tsx";
+import { Editing } from "./Editing.tsx";
 import { LinkSources } from "./Links.tsx";
 import { LongText } from "./LongText.tsx";
 import "./paramEditor.css";
@@ -55,15 +56,14 @@ export function ParamEditor({ host, node, param: present }: EditorProps) {
       );
       break;
     case "other":
-      control = (
-        <span class="value-text">
-          <LongText {...shownValue(param, param)} />
-        </span>
-      );
+      control = <ParamValue param={param} />;
       break;
   }
   if (namesDevice(param)) {
     control = <DeviceChoice host={host} node={node} param={param} otherwise={control} onEdit={edit} />;
+  }
+  if (kind !== "event") {
+    control = <Editing otherwise={<ParamValue param={param} />}>{control}</Editing>;
   }
   // A button isn't labelled by what it stands in: a click beside it must not fire.
   const Frame = kind === "event" || kind === "keyCode" ? "div" : "label";
@@ -78,6 +78,15 @@ export function ParamEditor({ host, node, param: present }: EditorProps) {
         </span>
       )}
     </Frame>
+  );
+}
+
+function ParamValue({ param }: { param: Param }) {
+  const text = kindOf(param) === "keyCode" ? { text: keyValueText(param.int) } : shownValue(param, param);
+  return (
+    <span class="value-text" data-param-value={param.id}>
+      {text.text === "" ? <span class="none">{t("empty")}</span> : <LongText {...text} />}
+    </span>
   );
 }
 

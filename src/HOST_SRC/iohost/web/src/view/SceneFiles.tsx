@@ -5,10 +5,9 @@ import { t } from "../i18n.ts";
 import { OpenDialog } from "./OpenDialog.tsx";
 import { SaveDialog } from "./SaveDialog.tsx";
 
-/** The scene's file with a mark for what isn't saved, and the ways to open and save it. */
+/** The ways to open and save scenes. */
 export function SceneFiles({ host, desk }: { host: Host; desk: Desk }) {
   const [dialog, setDialog] = useState<"open" | "save" | null>(null);
-  const { file = null, unsaved = false } = host.scene.value ?? {};
   const save = async () => {
     const name = host.scene.peek()?.file ?? null;
     if (name === null) {
@@ -34,15 +33,6 @@ export function SceneFiles({ host, desk }: { host: Host; desk: Desk }) {
   const close = () => setDialog(null);
   return (
     <div class="scene-files">
-      <span class="scene-name" data-scene={file ?? ""} data-unsaved={unsaved}>
-        {file ?? t("untitled scene")}
-        {unsaved && (
-          <span class="scene-unsaved" title={t("Not saved yet")}>
-            {" "}
-            ●<span class="screen-reader"> {t("Not saved yet")}</span>
-          </span>
-        )}
-      </span>
       <button type="button" onClick={() => setDialog("open")}>
         {t("Open")}
       </button>

@@ -4,10 +4,12 @@ import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import { stepText } from "../steps.ts";
 import { ConnectionLamp } from "./Connection.tsx";
+import { Editing } from "./Editing.tsx";
 import { HistoryList } from "./HistoryList.tsx";
 import { LanguageSwitch } from "./LanguageSwitch.tsx";
 import { LiveBadge } from "./LiveBadge.tsx";
 import { SceneFiles } from "./SceneFiles.tsx";
+import { SceneName } from "./SceneName.tsx";
 import "./topBar.css";
 
 /** Which scene it is, undo and redo, files, and whether the host is live. */
@@ -15,8 +17,11 @@ export function TopBar({ host, desk }: { host: Host; desk: Desk }) {
   return (
     <header class="top">
       <h1>iohost</h1>
-      <SceneFiles host={host} desk={desk} />
-      <UndoButtons host={host} desk={desk} />
+      <SceneName host={host} />
+      <Editing>
+        <SceneFiles host={host} desk={desk} />
+        <UndoButtons host={host} desk={desk} />
+      </Editing>
       <LiveBadge host={host} />
       <ConnectionLamp host={host} />
       <LanguageSwitch />

@@ -7,6 +7,7 @@ import { t } from "../i18n.ts";
 import { inputOf, NodeType, nodesOf, outputNames, VRHandlePin } from "../nodeTypes.ts";
 import { Device } from "../codes.ts";
 import { firedByNodes, type VRPayload } from "../messages.ts";
+import { Editing } from "../view/Editing.tsx";
 import type { PanelProps } from "../view/panels.ts";
 import { Hand, padPoint, padZone, SIDES, type Place, type Side } from "./hand.ts";
 import { Headset, hasHeadset } from "./headset.ts";
@@ -356,9 +357,11 @@ function FollowerLine({ host, follower: { node, clip, name } }: { host: Host; fo
         <>
           {`: ${t("no object “{name}”", { name })} `}
           {clip !== null && (
-            <button type="button" class="link" onClick={() => void host.requests.change({ op: "object", clip, name })}>
-              {t("Add it")}
-            </button>
+            <Editing>
+              <button type="button" class="link" onClick={() => void host.requests.change({ op: "object", clip, name })}>
+                {t("Add it")}
+              </button>
+            </Editing>
           )}
         </>
       )}

@@ -1,0 +1,189 @@
+import type { TargetedEvent } from "preact";
+import { useState } from "preact/hooks";
+import type { Desk } from "../desk.ts";
+import type { Host } from "../host.ts";
+import { t } from "../i18n.ts";
+import type { DeviceState } from "../protocol.ts";
+import { DeviceLine } from "./DeviceLine.tsx";
+import { Editing } from "./Editing.tsx";
+import { PartCard } from "./PartCard.tsx";
+
+const PARSERS = ["framed", "direct", "json", "none"] as const;
+const EXAMPLE_ADDRESS = "127.0.0.1:8052";
+const TEST_TEXT = "test";
+
+/** What is set of a device, as it's typed. */
+interface Settings {
+  id: string;
+  name: string;
+  address: string;
+  parser: string;
+  dropAfter: string;
+}
+
+interface DeviceCardProps {
+  host: Host;
+  desk: Desk;
+  /** Null: a new one. */
+  id: number | null;
+}
+
+/** A device in the inspector: its settings, and whether it can be reached. */
+export function DeviceCard({ host, desk, id }: DeviceCardProps) {
+  const network = host.network.value;
+  const devices = network?.state.devices ?? [];
+  if (id === null) {
+    const free = Math.max(0, ...devices.map((one) => one.id)) + 1;
+    const settings = { id: String(free), name: "", address: "", parser: "direct", dropAfter: "2" };
+    return (
+      <PartCard desk={desk} title={t("New device")}>
+        <DeviceForm host={host} desk={desk} settings={settings} isNew />
+      </PartCard>
+    );
+  }
+  const device = devices.find((one) => one.id === id);
+  return (
+    <PartCard desk={desk} title={t("Device {id}", { id })}>
+      {network === null || device === undefined ? (
+        <p class="hint">{t("There is no device {id}.", { id })}</p>
+      ) : (
+        <>
+          <h3>{device.name}</h3>
+          <DeviceLine device={device} told={network.told} />
+          <Editing>
+            <DeviceForm host={host} desk={desk} settings={settingsOf(device)} isNew={false} />
+          </Editing>
+          <DeviceTrial host={host} desk={desk} device={device} />
+        </>
+      )}
+    </PartCard>
+  );
+}
+
+function settingsOf({ id, name, address, parser, drop_after: seconds }: DeviceState): Settings {
+  return { id: String(id), name, address: address ?? "", parser, dropAfter: String(seconds ?? "") };
+}
+
+/** What is typed stands in place of what is set until it's sent. */
+function DeviceForm({ host, desk, settings, isNew }: { host: Host; desk: Desk; settings: Settings; isNew: boolean }) {
+  const [typed, setTyped] = useState<Partial<Settings>>({});
+  const [error, setError] = useState<string | null>(null);
+  const shown = { ...settings, ...typed };
+  const id = Number(shown.id);
+  const field = (name: keyof Settings) => ({
+    class: "field",
+    value: shown[name],
+    "data-part": name,
+    onInput: ({ currentTarget: { value } }: TargetedEvent<HTMLInputElement>) => setTyped({ ...typed, [name]: value }),
+  });
+  const submit = async (event: Event) => {
+    event.preventDefault();
+    if (isNew && host.network.peek()?.state.devices?.some((one) => one.id === id)) {
+      setError(t("There is a device {id} already.", { id }));
+      return;
+    }
+    const problem = await host.requests.change({
+      op: "device",
+      device: id,
+      name: shown.name,
+      parser: shown.parser,
+      address: shown.address.trim() || null,
+      drop_after: shown.dropAfter.trim() === "" ? null : Number(shown.dropAfter),
+    });
+    if (problem === null) {
+      await host.readNetwork();
+      setTyped({});
+      desk.open({ is: "device", id });
+    }
+    setError(problem);
+  };
+  const remove = async () => {
+    const problem = await host.requests.change({ op: "remove_device", device: id });
+    setError(problem);
+    if (problem === null) {
+      desk.showAll();
+    }
+  };
+  return (
+    <form class="part-form" onSubmit={submit} data-device-form={isNew ? "new" : id}>
+      {isNew && (
+        <label>
+          {t("Number")}
+          <input type="number" min="0" required {...field("id")} />
+        </label>
+      )}
+      <label>
+        {t("Name")}
+        <input required {...field("name")} />
+      </label>
+      <label>
+        {t("Address")}
+        <input placeholder={EXAMPLE_ADDRESS} {...field("address")} />
+      </label>
+      <label>
+        {t("Parser")}
+        <select
+          value={shown.parser}
+          data-part="parser"
+          onChange={(event) => setTyped({ ...typed, parser: event.currentTarget.value })}
+        >
+          {PARSERS.map((one) => (
+            <option key={one} value={one}>
+              {one}
+            </option>
+          ))}
+        </select>
+      </label>
+      <label title={t("Empty: what can't be sent waits until it can.")}>
+        {t("Drop after (s)")}
+        <input type="number" min="0" step="any" {...field("dropAfter")} />
+      </label>
+      <div class="part-row">
+        <button type="submit">{isNew ? t("Add device") : t("Change device")}</button>
+        {!isNew && (
+          <button type="button" onClick={remove}>
+            {t("Remove")}
+          </button>
+        )}
+      </div>
+      {error !== null && (
+        <p class="input-error" role="alert">
+          {error}
+        </p>
+      )}
+    </form>
+  );
+}
+
+/** Finds out whether a device is there: connects now, or sends a text. */
+function DeviceTrial({ host, desk, device: { id, address, parser } }: { host: Host; desk: Desk; device: DeviceState }) {
+  const [text, setText] = useState(TEST_TEXT);
+  const takesTexts = parser === "direct" || parser === "json";
+  const send = async (event: Event) => {
+    event.preventDefault();
+    desk.tell(await host.requests.sendText(id, text), t("Handed over: see “Last sent”."));
+  };
+  return (
+    <>
+      {address !== null && (
+        <div class="part-row">
+          <button type="button" onClick={async () => desk.tell(await host.requests.connect(id), t("Trying to connect…"))}>
+            {t("Try to connect")}
+          </button>
+        </div>
+      )}
+      {takesTexts && (
+        <form class="part-row" onSubmit={send}>
+          <input
+            class="field"
+            aria-label={t("Test text")}
+            value={text}
+            data-test-text
+            onInput={(event) => setText(event.currentTarget.value)}
+          />
+          <button type="submit">{t("Send a test text")}</button>
+        </form>
+      )}
+    </>
+  );
+}

@@ -1,0 +1,23 @@
+import type { ComponentChildren } from "preact";
+import type { Desk } from "../desk.ts";
+import { t } from "../i18n.ts";
+import "./partCard.css";
+
+/** A device or an object in the inspector. */
+export function PartCard({ desk, title, children }: { desk: Desk; title: string; children: ComponentChildren }) {
+  return (
+    <>
+      <div class="panel-head">
+        <h2 id="inspector-title">{title}</h2>
+        <button type="button" class="quiet" onClick={() => desk.showAll()}>
+          {t("Show all")}
+        </button>
+      </div>
+      <div class="cards">
+        <article class="panel card" data-part-card>
+          {children}
+        </article>
+      </div>
+    </>
+  );
+}
