@@ -86,6 +86,41 @@ TEST_F(LogAndCounts, EventsCountAtTheNodesThatTakeAndFireThem) {
     )");
 }
 
+TEST_F(LogAndCounts, EachOutputThatFiredHasItsOwnCount) {
+    Must(CREATE_MOUSE);
+    Must("process");
+    for (const int nEvent : {3005, 3006, 3005}) {
+        Must(Event(1, nEvent, PointerSample()));
+    }
+    EXPECT_EQ(Counts("m")["fired"], 3);
+    EXPECT_EQ(Counts("m")["outputs"].dump(), R"({"358":2,"362":1})");
+}
+
+TEST_F(LogAndCounts, CountersBeginAnewWhenTheyAreReset) {
+    Must(CREATE_MOUSE);
+    Must(CREATE_KEYBOARD);
+    Must("process");
+    const OrderedJson fresh = Counts("m");
+    const auto act = [this] {
+        Must("event device=1 event=3005");
+        Must(Event(0, 2002, KeyText("a")));
+        m_pSession->TakeChangedCounts();
+    };
+    act();
+    const OrderedJson history = Must("history");
+    Talk(R"(
+        reset_counters node=m
+        counters => {"nodes":{"m":{"fired":0,"received":0,"outputs":null},"k":{"fired":1}}}
+        reset_counters node=x => node: there is no node "x"
+    )");
+    EXPECT_EQ(ToJson(m_pSession->TakeChangedCounts())["nodes"], (OrderedJson{{"m", fresh}}));
+    act();
+    EXPECT_EQ(Counts("m")["outputs"].dump(), R"({"358":1})");
+    Must("reset_counters");
+    EXPECT_EQ(ToJson(m_pSession->TakeChangedCounts())["nodes"], (OrderedJson{{"m", fresh}, {"k", fresh}}));
+    EXPECT_EQ(Must("history"), history) << "it's no step";
+}
+
 TEST_F(LogAndCounts, TextsCountAsTheirVerdictsSay) {
     Talk(R"(
         create node=j type=device_json clip=Intro graph=J
@@ -122,9 +157,10 @@ TEST_F(LogAndCounts, TheChangedCountsAreToldOnce) {
     Must(CREATE_MOUSE);
     Must(CREATE_KEYBOARD);
     Must("process");
+    EXPECT_TRUE(Matches(changed(), {{"m", {{"fired", 0}}}, {"k", {{"fired", 0}}}})) << "of new nodes, too";
     EXPECT_EQ(changed(), OrderedJson::object());
     Must("event device=1 event=3005");
-    EXPECT_TRUE(Matches(changed(), {{"m", {{"fired", 1}}}, {"k", nullptr}}));
+    EXPECT_TRUE(Matches(changed(), {{"m", {{"fired", 1}, {"outputs", {{"358", 1}}}}}, {"k", nullptr}}));
     EXPECT_EQ(changed(), OrderedJson::object());
     m_pSession->ForgetToldCounts();
     EXPECT_EQ(changed().size(), 2u);

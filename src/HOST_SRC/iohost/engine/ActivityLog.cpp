@@ -44,9 +44,6 @@ void CActivityLog::OnEventMessage(std::unique_ptr<const SQOREvent> pEvent, WPARA
     const auto* pNode = pOwner != nullptr ? static_cast<const VEKProperty*>(pOwner->m_pValue) : nullptr;
     const VEKParam* pOutput = FindPointer(event, L"EventID");
     const auto* pOutputId = pOutput != nullptr ? static_cast<const int*>(pOutput->m_pValue) : nullptr;
-    if (pOutputId != nullptr) {
-        m_scene.Fire(pNode, static_cast<unsigned>(*pOutputId));
-    }
     std::vector<std::optional<std::string>> points;
     for (POSITION pos = event.m_lstParam.GetHeadPosition(); pos != nullptr;) {
         points.push_back(PointsAt(*event.m_lstParam.GetNext(pos)));
@@ -58,7 +55,10 @@ void CActivityLog::OnEventMessage(std::unique_ptr<const SQOREvent> pEvent, WPARA
 void CActivityLog::OnFired(const VEKProperty* pNode, std::optional<int> output, decltype(SFired::by) by) {
     SNode* pFound = m_scene.Find(pNode);
     if (pFound != nullptr) {
-        pFound->Count(&SNodeCounts::nFired);
+        pFound->CountFired(output);
+        if (output) {
+            m_scene.Fire(*pFound, static_cast<unsigned>(*output));
+        }
     }
     m_activity.fired.push_back({HandleOf(pFound), output, std::move(by)});
 }
@@ -73,7 +73,6 @@ void CActivityLog::OnLogLine(const SLogLine& line) {
 }
 
 void CActivityLog::OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) {
-    m_scene.Fire(pNode, static_cast<unsigned>(nOutput));
     OnFired(pNode, nOutput,
             SFiredByHost{ClipName(pClip), pObject != nullptr ? std::optional(pObject->m_strName) : std::nullopt});
 }

@@ -146,6 +146,7 @@ TAGGED(SNetworkCommand, "network")
 TAGGED(SListenOnlyCommand, "listen_only", SField{"on", &T::bOn})
 TAGGED(SLogCommand, "log", SField{"after", &T::nAfter, FIELD_OPTIONAL})
 TAGGED(SCountersCommand, "counters")
+TAGGED(SResetCountersCommand, "reset_counters", SField{"node", &T::handle, FIELD_OPTIONAL})
 TAGGED(SRenameCommand, "rename", SField{"node", &T::strHandle}, SField{"graph", &T::strGraph})
 TAGGED(SPlaceCommand, "place", SField{"nodes", &T::nodes, FIELD_OPTIONAL}, SField{"notes", &T::notes, FIELD_OPTIONAL})
 TAGGED(SUndoCommand, "undo")
@@ -277,7 +278,8 @@ SHAPE(SVerdicts, SField{"nodes", &T::nodes})
 SHAPE(SKeptLine, SField{"n", &T::nNumber}, SField{"ms", &T::nTimeMs}, SFlat{&T::line})
 SHAPE(SLogLines, SField{"lines", &T::lines})
 SHAPE(SNodeCounts, SField{"fired", &T::nFired}, SField{"received", &T::nReceived}, SField{"matched", &T::nMatched},
-      SField{"rejected", &T::nRejected}, SField{"sent", &T::nSent}, SField{"dropped", &T::nDropped})
+      SField{"rejected", &T::nRejected}, SField{"sent", &T::nSent}, SField{"dropped", &T::nDropped},
+      SField{"outputs", &T::outputs, FIELD_OPTIONAL})
 SHAPE(SCounters, SField{"nodes", &T::nodes})
 SHAPE(SDroppedItems, SField{"node", &T::sender, FIELD_NULLABLE}, SField{"device", &T::nDevice},
       SField{"items", &T::nItems})

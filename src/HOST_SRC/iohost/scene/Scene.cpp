@@ -38,6 +38,18 @@ std::optional<int> SNode::OutputType(unsigned nOutput) const {
     return PinType(pGraphNode->m_lstOutputGroup, ownOutputs, nOutput);
 }
 
+void SNode::CountFired(std::optional<int> output) {
+    Count(&SNodeCounts::nFired);
+    if (output) {
+        const auto nOutput = static_cast<unsigned>(*output);
+        auto entry = std::ranges::find(counts.outputs, nOutput, &std::pair<unsigned, unsigned long long>::first);
+        if (entry == counts.outputs.end()) {
+            entry = counts.outputs.insert(entry, {nOutput, 0});
+        }
+        ++entry->second;
+    }
+}
+
 SNode& CScene::Add(SNode node) {
     node.nOrder = m_nNextOrder++;
     SNode& added = m_nodes.emplace(node.nOrder, std::move(node)).first->second;
@@ -142,12 +154,8 @@ void CScene::Trigger(SNode& node, unsigned nInput) {
     m_triggered.push_back(&node);
 }
 
-void CScene::Fire(const VEKProperty* pNode, unsigned nOutput) {
-    const SNode* pFrom = Find(pNode);
-    if (pFrom == nullptr) {
-        return;
-    }
-    for (const SLink& link : pFrom->arOutgoing) {
+void CScene::Fire(SNode& node, unsigned nOutput) {
+    for (const SLink& link : node.arOutgoing) {
         if (link.bEvent && link.nOutput == nOutput) {
             Trigger(*link.pTo, link.nInput);
         }

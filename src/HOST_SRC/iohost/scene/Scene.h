@@ -32,14 +32,15 @@ struct SLink {
 /// Pins by their ids, with their types.
 using PinTypes = std::map<unsigned, int>;
 
-/// What came of a node since it was made, for people.
+/// What came of a node since it was made or its counters were reset, for people.
 struct SNodeCounts {
-    unsigned long long nFired = 0;    ///< event outputs
-    unsigned long long nReceived = 0; ///< events that it took
-    unsigned long long nMatched = 0;  ///< texts that it took
-    unsigned long long nRejected = 0; ///< texts for it that it refused
-    unsigned long long nSent = 0;     ///< items that it handed to devices
-    unsigned long long nDropped = 0;  ///< of these, items that waited too long
+    unsigned long long nFired = 0;                                ///< event outputs
+    unsigned long long nReceived = 0;                             ///< events that it took
+    unsigned long long nMatched = 0;                              ///< texts that it took
+    unsigned long long nRejected = 0;                             ///< texts for it that it refused
+    unsigned long long nSent = 0;                                 ///< items that it handed to devices
+    unsigned long long nDropped = 0;                              ///< of these, items that waited too long
+    std::vector<std::pair<unsigned, unsigned long long>> outputs; ///< how often each fired, of those that did
 };
 
 /// One node of the scene. The module's object belongs to the scene until it is handed to operation 3.
@@ -63,12 +64,15 @@ struct SNode {
     std::vector<SLink> arOutgoing; ///< links out of this node, in the order in which they were made
     std::optional<SPlace> place;   ///< on the canvas; none: wherever the viewer puts it
     SNodeCounts counts;
-    bool bCountsTold = true; ///< they are as whoever shows them knows
+    bool bCountsTold = false; ///< they are as whoever shows them knows
 
     void Count(unsigned long long SNodeCounts::*pCount, unsigned long long nMore = 1) {
         counts.*pCount += nMore;
         bCountsTold = false;
     }
+
+    /// An event output fired; none: which one isn't known.
+    void CountFired(std::optional<int> output);
 
     /// The type of a pin that is there, or was dropped and may come back; none for any other.
     std::optional<int> InputType(unsigned nInput) const;
@@ -136,7 +140,7 @@ public:
     void Trigger(SNode& node, unsigned nInput);
 
     /// A node fired an event output: the inputs linked to it are triggered, in the order of the links.
-    void Fire(const VEKProperty* pNode, unsigned nOutput);
+    void Fire(SNode& node, unsigned nOutput);
 
     /// The nodes triggered since the last call, in order. One may be named twice, or evaluated since.
     std::vector<SNode*> TakeTriggered() { return std::exchange(m_triggered, {}); }

@@ -224,6 +224,10 @@ struct SLogCommand {
 
 struct SCountersCommand {};
 
+struct SResetCountersCommand {
+    std::optional<std::string> handle = {}; ///< none: all nodes
+};
+
 // ---- Building the scene -----------------------------------------------------------------------------------------
 
 /// Where nodes and notes stand on the canvas.
@@ -284,7 +288,7 @@ using Command =
                  SListenOnlyCommand, SLogCommand, SCountersCommand, SLayoutCommand, SDestroyCommand, SSaveCommand,
                  SLoadCommand, SSceneCommand, SRecordingCommand, SQuitCommand, SRenameCommand, SPlaceCommand,
                  SChangeObjectCommand, SRemoveObjectCommand, SBatchCommand, SUndoCommand, SRedoCommand, SHistoryCommand,
-                 SScenesCommand, SRecoverCommand>;
+                 SScenesCommand, SRecoverCommand, SResetCountersCommand>;
 
 struct SCommands {
     std::vector<Command> list;

@@ -13,6 +13,13 @@ Result CSession::On(const SCountersCommand& /*command*/) {
     return counters;
 }
 
+void CSession::On(const SResetCountersCommand& command) {
+    for (SNode* pNode : NodeOrAll(command.handle)) {
+        pNode->counts = {};
+        pNode->bCountsTold = false;
+    }
+}
+
 SCounters CSession::TakeChangedCounts() {
     SCounters changed;
     for (auto& [nOrder, node] : Scene().Nodes()) {

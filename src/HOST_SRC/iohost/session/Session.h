@@ -143,6 +143,7 @@ private:
     void On(const SListenOnlyCommand& command);
     Result On(const SLogCommand& command);
     Result On(const SCountersCommand& command);
+    void On(const SResetCountersCommand& command);
     Result On(const SLayoutCommand& command);
     Result On(const SDestroyCommand& command);
     Result On(const SSaveCommand& command);

@@ -301,6 +301,7 @@ export type NodeCounts = {
   rejected: number;
   sent: number;
   dropped: number;
+  outputs?: Record<string, number>;
 };
 
 export type DroppedItems = {
