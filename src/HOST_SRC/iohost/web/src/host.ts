@@ -5,7 +5,7 @@ import { Holders } from "./input/holders.ts";
 import { KeyboardState } from "./input/keyboardState.ts";
 import { VirtualKey } from "./input/virtualKeys.ts";
 import { NEVER_FIRED, NO_VALUE, NodeSignals, OutputSignals } from "./live.ts";
-import { LogBuffer, type LogLine } from "./log.ts";
+import { LogBuffer } from "./log.ts";
 import { NodeType, nodesOf } from "./nodeTypes.ts";
 import { Pace } from "./pace.ts";
 import { Requests } from "./requests.ts";
@@ -58,12 +58,11 @@ export class Host implements ConnectionListener {
   readonly scene = signal<SceneState | null>(null);
   /** What an earlier run of the host left unsaved. */
   readonly recovered = signal<Recovered | null>(null);
-  readonly log = signal<{ lines: readonly LogLine[]; count: number }>({ lines: [], count: 0 });
+  readonly log = new LogBuffer();
 
   readonly requests: Requests;
 
   readonly #connection: Connection;
-  readonly #logBuffer = new LogBuffer();
   readonly #pace = new Pace();
   #logWaits = false;
   /** How many other scenes the host told of; `sceneNumber` follows once that one was read. */
@@ -127,8 +126,8 @@ export class Host implements ConnectionListener {
   }
 
   clearLog(): void {
-    this.#logBuffer.clear();
-    this.#publishLog();
+    this.log.clear();
+    this.log.publish();
   }
 
   resetCounts(): void {
@@ -273,17 +272,15 @@ export class Host implements ConnectionListener {
       });
     }
     if (log !== undefined) {
-      this.#logBuffer.append(log, now);
+      this.log.append(log, now);
       if (!this.#logWaits) {
         this.#logWaits = true;
-        this.#pace.show(() => this.#publishLog());
+        this.#pace.show(() => {
+          this.#logWaits = false;
+          this.log.publish();
+        });
       }
     }
-  }
-
-  #publishLog(): void {
-    this.#logWaits = false;
-    this.log.value = { lines: [...this.#logBuffer.lines], count: this.#logBuffer.count };
   }
 
   /**
@@ -358,8 +355,8 @@ export class Host implements ConnectionListener {
   async #readLog(): Promise<void> {
     const log = await this.#connection.request<{ lines: NumberedLine[] }>({ op: "log" });
     if (log.ok) {
-      this.#logBuffer.read(log.lines);
-      this.#publishLog();
+      this.log.read(log.lines);
+      this.log.publish();
     }
   }
 

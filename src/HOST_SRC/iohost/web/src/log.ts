@@ -1,19 +1,42 @@
+import { signal } from "@preact/signals";
 import { t } from "./i18n.ts";
 import { inEnglish } from "./logTexts.ts";
 import type { LogEntry, NumberedLine } from "./messages.ts";
-import { cutText } from "./texts.ts";
+import { Tail } from "./tail.ts";
+import { cutText, type CutText } from "./texts.ts";
 
-export const LOG_LIMIT = 1000;
+/** As many as the host keeps. */
+export const LOG_LIMIT = 10_000;
 
 export const LogLevel = { information: 4, error: 32 } as const;
 
-export interface LogLine extends LogEntry {
-  /** Grows by one a line. */
-  number: number;
-  /** When it was logged, in milliseconds since 1970. */
-  time: number;
-  /** What the module's line says. */
-  english?: string;
+export class LogLine {
+  readonly level: number;
+  /** The whole text, or how it begins. */
+  readonly cut: CutText;
+  #english: string | null | undefined;
+
+  /** The number grows by one a line; the time is when it was logged, in milliseconds since 1970. */
+  constructor(
+    { level, text, length }: LogEntry,
+    readonly number: number,
+    readonly time: number,
+  ) {
+    this.level = level;
+    this.cut = cutText({ text, length });
+  }
+
+  get text(): string {
+    return this.cut.text;
+  }
+
+  /** What a line of the module says; null for any other. Found out when it's first read: most lines never are. */
+  get english(): string | null {
+    if (this.#english === undefined) {
+      this.#english = inEnglish(this.text);
+    }
+    return this.#english;
+  }
 }
 
 /** Null: every level. */
@@ -21,12 +44,15 @@ export type LevelFilter = number | null;
 
 /** The newest lines of the log, of long ones the beginning. */
 export class LogBuffer {
-  #lines: LogLine[] = [];
+  /** Grows whenever what there is now is to be shown. */
+  readonly published = signal(0);
+  #lines = new Tail<LogLine>();
   #count = 0;
   /** The number of the last line that was cleared away. */
   #cleared = 0;
 
-  get lines(): readonly LogLine[] {
+  /** They come and go at its ends; others than those before are another one. */
+  get lines(): Tail<LogLine> {
     return this.#lines;
   }
 
@@ -37,39 +63,71 @@ export class LogBuffer {
 
   append(entries: readonly LogEntry[], time: number): void {
     for (const entry of entries) {
-      this.#lines.push(lineOf(entry, ++this.#count, time));
+      this.#lines.push(new LogLine(entry, ++this.#count, time));
+      if (this.#lines.length > LOG_LIMIT) {
+        this.#lines.shift();
+      }
     }
-    this.#lines = this.#lines.slice(-LOG_LIMIT);
   }
 
   /** Begins anew with what the host kept; what was cleared here stays away. */
   read(kept: readonly NumberedLine[]): void {
     const last = kept.at(-1)?.n ?? 0;
     const cleared = last < this.#cleared ? 0 : this.#cleared; // another run of the host counts from the beginning
-    this.#lines = kept.filter(({ n }) => n > cleared).slice(-LOG_LIMIT).map((line) => lineOf(line, line.n, line.ms));
+    this.#lines = new Tail(kept.filter(({ n }) => n > cleared).map((line) => new LogLine(line, line.n, line.ms)));
     this.#count = last;
     this.#cleared = cleared;
   }
 
   clear(): void {
-    this.#lines = [];
+    this.#lines = new Tail();
     this.#cleared = this.#count;
+  }
+
+  publish(): void {
+    this.published.value += 1;
   }
 }
 
-function lineOf({ level, ...text }: LogEntry, number: number, time: number): LogLine {
-  const cut = cutText({ text: text.text, length: text.length });
-  const english = inEnglish(cut.text);
-  return { number, time, level, ...cut, ...(english !== undefined && { english }) };
-}
+/** The lines that fit a level and a text. Of lines that it knows it looks at those that came since. */
+export class LogSearch {
+  readonly #level: LevelFilter;
+  readonly #wanted: string;
+  #lines: Tail<LogLine> | null = null;
+  #found = new Tail<LogLine>();
+  #last = 0;
 
-export function filterLog(lines: readonly LogLine[], level: LevelFilter, search: string): LogLine[] {
-  const wanted = search.trim().toLowerCase();
-  return lines.filter(
-    (line) =>
-      (level === null || line.level === level) &&
-      (wanted === "" || `${line.text}\n${line.english ?? ""}`.toLowerCase().includes(wanted)),
-  );
+  constructor(level: LevelFilter, search: string) {
+    this.#level = level;
+    this.#wanted = search.trim().toLowerCase();
+  }
+
+  in(lines: Tail<LogLine>): Tail<LogLine> {
+    if (lines !== this.#lines) {
+      this.#lines = lines;
+      this.#found = new Tail();
+      this.#last = 0;
+    }
+    const first = lines.at(0)?.number ?? 0;
+    while (this.#found.length > 0 && this.#found.at(0)!.number < first) {
+      this.#found.shift();
+    }
+    for (let index = Math.max(0, this.#last + 1 - first); index < lines.length; ++index) {
+      const line = lines.at(index)!;
+      if (this.#fits(line)) {
+        this.#found.push(line);
+      }
+      this.#last = line.number;
+    }
+    return this.#found;
+  }
+
+  #fits(line: LogLine): boolean {
+    const has = (text: string | null) => text !== null && text.toLowerCase().includes(this.#wanted);
+    return (
+      (this.#level === null || line.level === this.#level) && (this.#wanted === "" || has(line.text) || has(line.english))
+    );
+  }
 }
 
 export function levelName(level: number): string {

@@ -47,13 +47,13 @@ const PATTERNS = Object.entries(LOG_TEXTS).map(([format, text]) => ({
   parts: text.replace(NAMES, "%s").split("%s"),
 }));
 
-/** A line of the module's log in English; undefined for any other. */
-export function inEnglish(line: string): string | undefined {
+/** A line of the module's log in English; null for any other. */
+export function inEnglish(line: string): string | null {
   for (const { pattern, parts } of PATTERNS) {
     const values = pattern.exec(line)?.slice(1);
     if (values !== undefined) {
       return parts.reduce((text, part, index) => text + values[index - 1] + part);
     }
   }
-  return undefined;
+  return null;
 }

@@ -32,6 +32,6 @@ test("an English text has the values of its format, in their order", () => {
 });
 
 test("other lines have none", () => {
-  assert.equal(inEnglish("synthetic release of the key"), undefined);
-  assert.equal(inEnglish("[Demo.Mouse 1.Mouse]触发输出事件[停留]…"), undefined);
+  assert.equal(inEnglish("synthetic release of the key"), null);
+  assert.equal(inEnglish("[Demo.Mouse 1.Mouse]触发输出事件[停留]…"), null);
 });

@@ -1,9 +1,10 @@
 import { memo } from "preact/compat";
-import { useEffect, useMemo, useRef, useState } from "preact/hooks";
+import { useLayoutEffect, useMemo, useRef, useState } from "preact/hooks";
 import { timeOfDay } from "../format.ts";
 import { language, t, type Label } from "../i18n.ts";
-import { filterLog, levelName, LogLevel, type LevelFilter, type LogLine } from "../log.ts";
+import { levelName, LogLevel, LogSearch, type LevelFilter, type LogLine } from "../log.ts";
 import { nodeOfLine } from "../logNodes.ts";
+import { Tail } from "../tail.ts";
 import "./log.css";
 import { LongText } from "./LongText.tsx";
 import type { PanelProps } from "./panels.ts";
@@ -14,52 +15,127 @@ const FILTERS: readonly { label: Label; level: LevelFilter }[] = [
   { label: "Errors", level: LogLevel.error },
 ];
 
-/** Scrolled this near to its end, the log keeps following its newest line. */
+/** Scrolled this near to its end, the log follows its newest line. */
 const FOLLOW_DISTANCE_PX = 24;
+/** So many lines are drawn: what is seen, and enough around it to scroll on. */
+const DRAWN = 150;
+/** Others are drawn once what is seen comes this near to the last one. */
+const MARGIN_PX = 400;
+/** What a line takes that isn't drawn. */
+const LINE_PX = 20;
 
-export function LogPanel({ host, desk }: PanelProps) {
+/** The log as it was when it was paused, or scrolled away from its end. */
+interface StandStill {
+  lines: Tail<LogLine>;
+  count: number;
+  /** Coming to the end again is enough to go on. */
+  byScrolling: boolean;
+}
+
+export function LogPanel({ host, desk, shown }: PanelProps) {
   const [level, setLevel] = useState<LevelFilter>(null);
-  const [search, setSearch] = useState("");
-  const [paused, setPaused] = useState<{ lines: readonly LogLine[]; count: number } | null>(null);
+  const [text, setText] = useState("");
+  const [still, setStill] = useState<StandStill | null>(null);
+  /** Which lines are drawn: those before this one; null: the newest. */
+  const [end, setEnd] = useState<number | null>(null);
+  const [marked, setMarked] = useState<number | null>(null);
   const list = useRef<HTMLDivElement>(null);
-  const follows = useRef(true);
+  const drawn = useRef<HTMLDivElement>(null);
 
-  const live = host.log.value;
-  const { lines, count } = paused ?? live;
-  const shown = useMemo(() => filterLog(lines, level, search), [lines, level, search]);
-  const waiting = live.count - count;
+  const { log } = host;
+  if (shown) {
+    log.published.value; // what is hidden needn't follow
+  }
+  const search = useMemo(() => new LogSearch(level, text), [level, text]);
+  const { lines, count } = still ?? log;
+  const found = search.in(lines);
+  const last = Math.min(end ?? found.length, found.length);
+  const first = Math.max(0, last - DRAWN);
+  const seen = found.slice(first, last);
+  const waiting = log.count - count;
 
-  useEffect(() => {
-    if (follows.current && list.current !== null) {
-      list.current.scrollTop = list.current.scrollHeight;
+  const standStill = (byScrolling: boolean) => {
+    setStill(still ?? { lines: new Tail(log.lines.slice()), count: log.count, byScrolling });
+  };
+  const toEnd = () => {
+    setEnd(null);
+    list.current!.scrollTop = 0;
+  };
+  const goOn = () => {
+    setStill(null);
+    toEnd();
+  };
+  const clear = () => {
+    host.clearLog();
+    setStill(still && { ...still, lines: new Tail(), count: log.count });
+    setEnd(null);
+  };
+
+  // The line in the middle stays where it is when others are drawn around it.
+  const kept = useRef<{ line: HTMLElement; top: number } | null>(null);
+  useLayoutEffect(() => {
+    const { line, top } = kept.current ?? {};
+    kept.current = null;
+    if (line?.isConnected) {
+      list.current!.scrollTop += line.getBoundingClientRect().top - top!;
     }
-  }, [shown]);
+  }, [end]);
+  const follow = () => {
+    // The box lies on its lines' end: from there it's scrolled by negative numbers.
+    if (list.current!.scrollTop > -FOLLOW_DISTANCE_PX) {
+      setEnd(null);
+      setStill(still?.byScrolling === true ? null : still);
+      return;
+    }
+    standStill(true);
+    const box = list.current!.getBoundingClientRect();
+    const block = drawn.current!.getBoundingClientRect();
+    const isLate = (first > 0 && block.top > box.top - MARGIN_PX) || (last < found.length && block.bottom < box.bottom + MARGIN_PX);
+    if (isLate) {
+      const middle = (box.top + box.bottom) / 2;
+      const inBlock = Math.min(block.bottom, Math.max(block.top, middle));
+      const at = Math.floor(((inBlock - block.top) / (block.height + 1)) * seen.length);
+      const line = drawn.current!.children[at] as HTMLElement | undefined;
+      kept.current = line && inBlock === middle ? { line, top: line.getBoundingClientRect().top } : null;
+      drawAround(first + at + (middle - inBlock) / LINE_PX);
+    }
+  };
+  const drawAround = (index: number) => {
+    setEnd(Math.min(found.length, Math.max(DRAWN, Math.round(index + DRAWN / 2))));
+  };
 
   /** Leads to the node that a line tells of. */
-  const goTo = (number: number | null) => {
-    const line = shown.find((one) => one.number === number);
+  const goTo = (line: LogLine | undefined) => {
     const node = line && nodeOfLine(line.text, host.nodes.peek() ?? []);
     if (node != null) {
       desk.goTo(node);
     }
   };
-  const [marked, setMarked] = useState<number | null>(null);
+  const indexOf = (number: number | null) => found.slice().findIndex((line) => line.number === number);
   const step = (event: KeyboardEvent) => {
-    const by = { ArrowDown: 1, ArrowUp: -1 }[event.key];
-    if (by !== undefined) {
+    const now = indexOf(marked);
+    const wanted = {
+      ArrowUp: now < 0 ? last - 1 : now - 1,
+      ArrowDown: now < 0 ? last - 1 : now + 1,
+      Home: 0,
+      End: found.length - 1,
+    }[event.key];
+    if (wanted !== undefined) {
       event.preventDefault();
-      const index = shown.findIndex(({ number }) => number === marked);
-      const next = index < 0 ? shown.length - 1 : Math.max(0, Math.min(shown.length - 1, index + by));
-      setMarked(shown[next]?.number ?? null);
-      list.current?.querySelectorAll("[data-line]")[next]?.scrollIntoView({ block: "nearest" });
+      const next = Math.max(0, Math.min(found.length - 1, wanted));
+      standStill(false);
+      setMarked(found.at(next)?.number ?? null);
+      if (next < first || next >= last) {
+        drawAround(next);
+      }
     } else if (event.key === "Enter") {
-      goTo(marked);
+      goTo(found.at(now));
     }
   };
-  const clear = () => {
-    host.clearLog();
-    setPaused(paused && { lines: [], count: live.count });
-  };
+  const isMarkedDrawn = seen.some(({ number }) => number === marked);
+  useLayoutEffect(() => {
+    document.getElementById(idOf(marked))?.scrollIntoView({ block: "nearest" });
+  }, [marked]);
 
   return (
     <>
@@ -71,7 +147,10 @@ export function LogPanel({ host, desk }: PanelProps) {
               key={filter.label}
               aria-pressed={level === filter.level}
               data-level={filter.level ?? "all"}
-              onClick={() => setLevel(filter.level)}
+              onClick={() => {
+                setLevel(filter.level);
+                toEnd();
+              }}
             >
               {t(filter.label)}
             </button>
@@ -82,66 +161,84 @@ export function LogPanel({ host, desk }: PanelProps) {
           class="field log-search"
           placeholder={t("Search")}
           aria-label={t("Search the log")}
-          value={search}
-          onInput={(event) => setSearch(event.currentTarget.value)}
+          value={text}
+          onInput={(event) => {
+            setText(event.currentTarget.value);
+            toEnd();
+          }}
         />
-        <span class="hint" data-log-shown={shown.length}>
-          {shown.length === lines.length
+        <span class="hint" data-log-shown={found.length}>
+          {found.length === lines.length
             ? t("{count} lines", { count: lines.length })
-            : t("{shown} of {count} lines", { shown: shown.length, count: lines.length })}
+            : t("{shown} of {count} lines", { shown: found.length, count: lines.length })}
         </span>
-        <button type="button" aria-pressed={paused !== null} onClick={() => setPaused(paused === null ? live : null)}>
-          {paused === null ? t("Pause") : waiting > 0 ? t("Go on ({count} new)", { count: waiting }) : t("Go on")}
+        <button type="button" aria-pressed={still !== null} onClick={() => (still === null ? standStill(false) : goOn())}>
+          {still === null ? t("Pause") : waiting > 0 ? t("Go on ({count} new)", { count: waiting }) : t("Go on")}
         </button>
         <button type="button" onClick={clear}>
           {t("Clear")}
         </button>
       </div>
+      {found.length === 0 && <p class="empty">{lines.length === 0 ? t("Nothing logged yet.") : t("No line fits.")}</p>}
       <div
         class="log"
         ref={list}
         tabIndex={0}
-        role="log"
+        role="listbox"
         aria-label={t("Log lines")}
-        aria-live="off"
+        aria-activedescendant={isMarkedDrawn ? idOf(marked) : undefined}
         data-log
         title={t("A click on a line leads to its node; so do arrow keys and Enter.")}
         onKeyDown={step}
         onClick={({ target }) => {
           const line = (target as Element).closest("[data-line]")?.getAttribute("data-line");
           if (line != null && getSelection()?.isCollapsed !== false) {
-            goTo(Number(line));
+            goTo(seen.find(({ number }) => number === Number(line)));
           }
         }}
-        onScroll={({ currentTarget: { scrollTop, scrollHeight, clientHeight } }) => {
-          follows.current = scrollHeight - scrollTop - clientHeight < FOLLOW_DISTANCE_PX;
-        }}
+        onScroll={follow}
       >
-        {shown.length === 0 && <p class="empty">{lines.length === 0 ? t("Nothing logged yet.") : t("No line fits.")}</p>}
-        {shown.map((line) => (
-          <Line key={line.number} line={line} isMarked={line.number === marked} />
-        ))}
+        <div class="log-lines">
+          <div style={{ height: `${first * LINE_PX}px` }} />
+          <div ref={drawn}>
+            {seen.map((line) => (
+              <Line key={line.number} line={line} isMarked={line.number === marked} />
+            ))}
+          </div>
+          <div style={{ height: `${(found.length - last) * LINE_PX}px` }} />
+        </div>
       </div>
     </>
   );
 }
 
+function idOf(number: number | null): string {
+  return `log-line-${number}`;
+}
+
 const Line = memo(function Line({ line, isMarked }: { line: LogLine; isMarked: boolean }) {
+  const english = language.value === "en" ? line.english : null;
   return (
     <div
       class={`line${line.level === LogLevel.error ? " line-error" : ""}${isMarked ? " line-marked" : ""}`}
+      id={idOf(line.number)}
+      role="option"
+      aria-selected={isMarked}
+      // Of all lines only some are drawn.
+      aria-setsize={-1}
+      aria-posinset={line.number}
       data-log-level={line.level}
       data-line={line.number}
     >
       <time>{timeOfDay(line.time)}</time>
       <span class="line-level">{levelName(line.level)}</span>
-      {line.english !== undefined && language.value === "en" ? (
+      {english !== null ? (
         <span class="line-text" title={line.text}>
-          {line.english}
+          {english}
         </span>
       ) : (
         <span class="line-text">
-          <LongText text={line.text} length={line.length} />
+          <LongText {...line.cut} />
         </span>
       )}
     </div>
