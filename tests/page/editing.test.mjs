@@ -169,6 +169,18 @@ test("a chosen node is doubled, and several are deleted as one step", async () =
   assert.equal((await canvas.links()).length, 1);
 });
 
+test("what is doubled twice in a row gets names of its own each time", async () => {
+  await canvas.choose("m");
+  await page.page.evaluate(() => {
+    for (let times = 0; times < 2; ++times) {
+      const options = { key: "d", ctrlKey: true, bubbles: true, cancelable: true };
+      document.querySelector(".react-flow__node.selected").dispatchEvent(new KeyboardEvent("keydown", options));
+    }
+  });
+  await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1", "Mouse 2", "Mouse 3"]);
+  await expectEventually("the chosen node", () => canvas.chosen().locator("strong").allInnerTexts().then(String), "Mouse 3");
+});
+
 test("a node is renamed by F2 and by a double click; Escape keeps the name", async () => {
   await canvas.choose("m");
   await page.keyboard.press("F2");
@@ -209,6 +221,98 @@ test("notes are part of the scene: written, moved, and taken away", async () => 
   await until("another place", async () => (await notes())[0].x > x);
   await page.keyboard.press("Delete");
   await until("no note", async () => (await notes()).length === 0);
+});
+
+/** The texts of the scene's notes. */
+const noteTexts = async () => Object.values((await canvas.scene()).notes ?? {}).map(({ text }) => text).sort().join();
+
+test("notes are copied, doubled and lined up as nodes are, and with them", async () => {
+  await must(script, { op: "place", notes: { n: { x: -300, y: 420, width: 200, height: 100, text: "here" } } });
+  const note = page.page.locator("[data-note]");
+  await note.first().waitFor();
+  await page.page.locator(".react-flow__controls-fitview").click();
+  const chooseNote = async () => {
+    const { x, y } = await note.first().boundingBox();
+    await page.mouse.click(x + 3, y + 3);
+    await page.page.locator(".react-flow__node-note.selected").waitFor();
+  };
+  await chooseNote();
+  await page.keyboard.press("Control+d");
+  await expectEventually("the notes", noteTexts, "here,here");
+  await stepIs("Duplicate a note");
+  await page.keyboard.press("Control+z");
+  await expectEventually("the notes", noteTexts, "here");
+  await canvas.choose("m");
+  await page.keyboard.down("Control");
+  await chooseNote();
+  await page.keyboard.up("Control");
+  await page.keyboard.press("Control+c");
+  await page.page.getByText("Copied: 2").waitFor();
+  await page.page.getByRole("button", { name: "Align tops" }).click();
+  await expectEventually("the place", async () => (await canvas.scene()).notes.n.y, 200);
+  const other = await is.openPage(browser, host);
+  await canvasOf(other.page, script).choose("k");
+  await other.keyboard.press("Control+v");
+  await expectEventually("the notes", noteTexts, "here,here");
+  await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1", "Mouse 2"]);
+  await stepIs("Paste Mouse 1 and a note");
+  await other.close();
+});
+
+test("what is being typed into a note stays while another page changes the note, and what isn't touched follows", async () => {
+  const note = { x: 30, y: 420, width: 200, height: 100, text: "first" };
+  const change = (text) => must(script, { op: "place", notes: { n: { ...note, text } } });
+  await change("first");
+  const field = page.page.locator("[data-note] textarea");
+  await field.waitFor();
+  await field.focus();
+  await change("second");
+  await expectEventually("the text", () => field.inputValue(), "second");
+  await field.fill("typed");
+  await change("third");
+  await expectEventually("what the page knows", () => undoStep(), "Change notes");
+  const other = await is.openPage(browser, host);
+  await expectEventually("the text", () => other.page.locator("[data-note] textarea").inputValue(), "third");
+  await other.close();
+  await page.page.locator("[data-note] textarea:focus").waitFor();
+  assert.equal(await field.inputValue(), "typed");
+  await field.blur();
+  await expectEventually("the notes", noteTexts, "typed");
+  await change("fourth");
+  await expectEventually("the text", () => field.inputValue(), "fourth");
+});
+
+test("Enter that ends a composed word keeps the field of a name open", async () => {
+  await canvas.choose("m");
+  await page.keyboard.press("F2");
+  const field = page.page.locator(".face-rename:focus");
+  await field.fill("名");
+  await field.dispatchEvent("keydown", { key: "Enter", isComposing: true, bubbles: true });
+  assert.equal(await field.count(), 1);
+  await page.keyboard.press("Enter");
+  await expectEventually("the name", async () => (await canvas.names())[1], "名");
+});
+
+test("Ctrl+S saves from a note, a node's name and the palette too, with what is being typed", async () => {
+  await must(script, { op: "place", notes: { n: { x: 30, y: 420, width: 200, height: 100, text: "" } } });
+  const dialog = page.page.getByRole("dialog", { name: "Save the scene" });
+  const save = async () => {
+    await page.keyboard.press("Control+s");
+    await dialog.waitFor();
+    await page.keyboard.press("Escape");
+    await dialog.waitFor({ state: "detached" });
+  };
+  await page.page.locator("[data-note] textarea").fill("typed");
+  await save();
+  await expectEventually("the notes", noteTexts, "typed");
+  await canvas.choose("m");
+  await page.keyboard.press("F2");
+  await page.page.locator(".face-rename:focus").fill("Pointer");
+  await save();
+  await expectEventually("the name", async () => (await canvas.names())[1], "Pointer");
+  await page.keyboard.press("Control+k");
+  await page.page.locator("[data-palette] input:focus").waitFor();
+  await save();
 });
 
 test("nodes are wired, chosen, renamed and removed whatever their handles are", async () => {

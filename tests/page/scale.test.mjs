@@ -127,7 +127,7 @@ async function facesDrawn(page, act) {
   return makers.reduce((sum, { count }) => sum + count, 0);
 }
 
-test("an edit draws no more faces anew than those of its nodes", { timeout: 60000 }, async () => {
+test("an edit draws no more faces anew than those of its nodes", { timeout: 120000 }, async () => {
   const { host, script } = await startScene(200);
   const page = await openAt(host, 200);
   await page.locator(".react-flow__edge").first().waitFor();

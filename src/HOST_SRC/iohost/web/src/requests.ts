@@ -2,7 +2,7 @@ import type { Connection } from "./connection.ts";
 import { t } from "./i18n.ts";
 import type { Reply } from "./messages.ts";
 import type { EditValue } from "./params.ts";
-import type { History, Link, Note, OfferedType, Place, SceneFileInfo } from "./protocol.ts";
+import type { History, Link, Note, OfferedType, Place, Scene, SceneFileInfo } from "./protocol.ts";
 
 /** A request that changes the scene, as `batch` takes it. */
 export type Change =
@@ -46,6 +46,11 @@ export class Requests {
   /** All of it or nothing, as one step of the name. */
   async batch(name: string, requests: readonly Change[]): Promise<string | null> {
     return requests.length === 0 ? null : errorOf(await this.#connection.request({ op: "batch", name, requests }));
+  }
+
+  /** The scene as it is by now; the page may not show all of it yet. */
+  scene(): Promise<Reply<Scene>> {
+    return this.#connection.request<Scene>({ op: "scene" });
   }
 
   async trigger(node: string, param: number): Promise<string | null> {
@@ -108,6 +113,15 @@ export class Requests {
   async sendText(device: number, text: string): Promise<string | null> {
     return errorOf(await this.#connection.request({ op: "send", device, text }));
   }
+}
+
+/** Where nodes and notes stand. */
+export function placing(nodes: Record<string, Place>, notes: Record<string, Note | null>): Change {
+  return {
+    op: "place",
+    ...(Object.keys(nodes).length > 0 && { nodes }),
+    ...(Object.keys(notes).length > 0 && { notes }),
+  };
 }
 
 export function errorOf(reply: Reply): string | null {

@@ -33,6 +33,7 @@ export const EDITOR_ZH = {
   "Wire from {from} to {to}": "从 {from} 到 {to} 的连线",
   "{name} was added.": "已添加 {name}。",
   "Copied: {count}": "已复制：{count}",
+  "Copied for this page alone: {count}": "已复制，仅供本页面使用：{count}",
   "Added: {count}": "已添加：{count}",
   "There is no device {id}.": "没有设备 {id}。",
   "Device {id} takes no texts ({parser}).": "设备 {id} 不接收文本（{parser}）。",

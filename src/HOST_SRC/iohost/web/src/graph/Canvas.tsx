@@ -21,10 +21,10 @@ import type { Link } from "../protocol.ts";
 import { ariaLabels } from "./ariaLabels.ts";
 import { CanvasHead } from "./CanvasHead.tsx";
 import { Editor, linkOf, type Pin } from "./editor.ts";
-import { facesOf, wiresOf, type CanvasNode } from "./elements.ts";
+import { chosenIn, facesOf, wiresOf, type CanvasNode } from "./elements.ts";
 import { EmptyScene } from "./EmptyScene.tsx";
 import { Face } from "./Face.tsx";
-import { handleOf, nodeId } from "./ids.ts";
+import { handleOf, nodeId, noteId } from "./ids.ts";
 import { AutomaticPlaces, boxOf } from "./layout.ts";
 import { NoteFace } from "./NoteFace.tsx";
 import { Outline } from "./Outline.tsx";
@@ -57,13 +57,12 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   const pane = useRef<HTMLDivElement>(null);
   const labels = useMemo(ariaLabels, [language.value]);
   const [isFar, setFar] = useState(false);
-  const wantChosen = useRef<readonly string[] | null>(null);
+  /** Those to choose when they come: what was just made isn't here yet. */
+  const wantChosen = useRef<readonly string[]>([]);
 
   useEffect(() => {
     automatic.follow(nodes ?? [], links);
-    const wanted = wantChosen.current;
-    wantChosen.current = null;
-    setFaces((kept) => facesOf(editor, { nodes: nodes ?? [], links, notes }, automatic, kept, wanted));
+    setFaces((kept) => facesOf(editor, { nodes: nodes ?? [], links, notes }, automatic, kept, wantChosen.current));
   }, [nodes, links, notes, language.value]);
   useEffect(() => {
     setWires((kept) => wiresOf(editor, nodes ?? [], links, kept));
@@ -81,17 +80,15 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
 
   // What is chosen here the inspector shows, and it can be chosen from elsewhere.
   const chosenFaces = faces.filter(({ selected }) => selected);
-  const chosen = chosenFaces.flatMap((face) => (face.type === "face" ? face.data.node.node : []));
+  const chosen = {
+    nodes: chosenFaces.flatMap((face) => (face.type === "face" ? face.data.node.node : [])),
+    notes: chosenFaces.flatMap((face) => (face.type === "note" ? face.data.id : [])),
+  };
   useEffect(() => {
-    desk.chosen.value = chosen;
-  }, [chosen.join("\n")]);
+    desk.chosen.value = chosen.nodes;
+  }, [chosen.nodes.join("\n")]);
   useEffect(() => {
-    desk.choose = (handles) => {
-      const ids = handles.map(nodeId);
-      // Nodes that were just made aren't here yet.
-      wantChosen.current = ids.every((id) => flow.current?.getNode(id)) ? null : ids;
-      setFaces((kept) => kept.map((face) => ({ ...face, selected: ids.includes(face.id) })));
-    };
+    desk.choose = (handles) => editor.view.choose(handles, []);
     desk.goTo = (handle) => {
       desk.choose([handle]);
       const node = editor.node(handle);
@@ -106,6 +103,11 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       placeOf: (handle) => {
         const face = flow.current?.getNode(nodeId(handle));
         return { ...(face?.position ?? { x: 0, y: 0 }), ...(face?.type === "face" && face.data.folded && { folded: true }) };
+      },
+      choose: (handles, notes) => {
+        const ids = [...handles.map(nodeId), ...notes.map(noteId)];
+        wantChosen.current = ids;
+        setFaces((kept) => chosenIn(kept, (id) => ids.includes(id)));
       },
       middle: () => {
         const box = pane.current!.getBoundingClientRect();
@@ -132,6 +134,9 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   };
   const follow = (changes: NodeChange<CanvasNode>[]) => {
     for (const change of changes) {
+      if (change.type === "select") {
+        wantChosen.current = []; // somebody chooses otherwise
+      }
       // A note that is sized by its upper or left edge moves, too, and keeps that by itself.
       if (change.type === "position" && change.position !== undefined && change.dragging !== undefined) {
         moved.current.set(change.id, change.position);
@@ -140,10 +145,9 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     onFacesChange(changes);
   };
   const keys = useCanvasKeys(editor, {
-    chosenNodes: chosen,
-    chosenNotes: chosenFaces.flatMap((face) => (face.type === "note" ? face.data.id : [])),
+    chosen,
     chosenLinks: wires.flatMap(({ selected, data }) => (selected && data ? data.link : [])),
-    chooseAll: () => setFaces((kept) => kept.map((face) => ({ ...face, selected: true }))),
+    chooseAll: () => setFaces((kept) => chosenIn(kept, () => true)),
     place,
   });
 

@@ -1,4 +1,5 @@
 import { t } from "../i18n.ts";
+import { newNoteId } from "./clipboard.ts";
 import type { Editor } from "./editor.ts";
 import type { CanvasNode } from "./elements.ts";
 
@@ -13,14 +14,18 @@ interface CanvasHeadProps {
 
 /** What can be done on the canvas as a whole, and what came of the last step. */
 export function CanvasHead({ editor, faces, onArrange }: CanvasHeadProps) {
-  const chosen = faces.flatMap((face) => (face.selected && face.type === "face" ? face : []));
+  const chosen = faces.filter(({ selected }) => selected);
   const align = (axis: "x" | "y") => {
     const line = Math.min(...chosen.map(({ position }) => position[axis]));
-    void editor.place(Object.fromEntries(chosen.map(({ data: { node } }) => [node.node, { ...editor.view.placeOf(node.node), [axis]: line }])));
+    const nodes = chosen.flatMap(({ type, data }) => (type === "face" ? data.node.node : []));
+    const notes = chosen.flatMap(({ type, data }) => (type === "note" ? data : []));
+    void editor.place(
+      Object.fromEntries(nodes.map((node) => [node, { ...editor.view.placeOf(node), [axis]: line }])),
+      Object.fromEntries(notes.map(({ id, note }) => [id, { ...note, [axis]: line }])),
+    );
   };
   const addNote = () => {
-    const id = `note ${Date.now().toString(36)}`;
-    void editor.place({}, { [id]: { ...editor.view.middle(), ...NOTE_SIZE, text: "" } });
+    void editor.place({}, { [newNoteId()]: { ...editor.view.middle(), ...NOTE_SIZE, text: "" } });
   };
   return (
     <div class="panel-head graph-head">

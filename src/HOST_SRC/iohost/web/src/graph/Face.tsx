@@ -91,11 +91,13 @@ function FaceName({ editor, node }: { editor: Editor; node: NodeView }) {
   return (
     <input
       ref={field}
-      class="field face-rename nodrag"
+      class="field face-rename nodrag nokey"
       aria-label={t("Name of the node")}
       defaultValue={node.graph}
       onKeyDown={(event) => {
-        event.stopPropagation();
+        if (event.isComposing) {
+          return;
+        }
         if (event.key === "Enter") {
           void editor.rename(node.node, event.currentTarget.value.trim());
         } else if (event.key === "Escape") {

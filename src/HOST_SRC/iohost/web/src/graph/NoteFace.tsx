@@ -1,12 +1,22 @@
 import { NodeResizer, type Node, type NodeProps } from "@xyflow/react";
+import { useEffect, useRef } from "preact/hooks";
 import { t } from "../i18n.ts";
 import type { Note } from "../protocol.ts";
 import type { Editor } from "./editor.ts";
 
 export type NoteNode = Node<{ editor: Editor; id: string; note: Note }, "note">;
 
-/** A text box on the canvas. */
+/** A text box on the canvas. What is being typed stays, whatever other pages do to the note meanwhile. */
 export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<NoteNode>) {
+  const field = useRef<HTMLTextAreaElement>(null);
+  /** The text that the host has: anything else in the field is being typed. */
+  const known = useRef(note.text);
+  useEffect(() => {
+    if (field.current!.value === known.current) {
+      field.current!.value = note.text;
+    }
+    known.current = note.text;
+  }, [note.text]);
   return (
     <div class="note" data-note={id}>
       <NodeResizer
@@ -16,18 +26,22 @@ export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<Not
         onResizeEnd={(_, { x, y, width, height }) => void editor.place({}, { [id]: { ...note, x, y, width, height } })}
       />
       <textarea
-        key={note.text}
-        class="note-text nodrag nowheel"
+        ref={field}
+        class="note-text nodrag nowheel nokey"
         aria-label={t("Note")}
         placeholder={t("Note")}
         defaultValue={note.text}
         onKeyDown={(event) => {
-          event.stopPropagation();
-          if (event.key === "Escape") {
+          if (event.key === "Escape" && !event.isComposing) {
             event.currentTarget.blur();
           }
         }}
-        onBlur={({ currentTarget: { value } }) => value !== note.text && void editor.place({}, { [id]: { ...note, text: value } })}
+        onBlur={({ currentTarget: { value } }) => {
+          if (value !== known.current) {
+            known.current = value;
+            void editor.place({}, { [id]: { ...note, text: value } });
+          }
+        }}
       />
     </div>
   );

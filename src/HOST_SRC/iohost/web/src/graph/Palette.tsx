@@ -45,7 +45,6 @@ export function Palette({ editor, call }: { editor: Editor; call: PaletteCall })
     }
   };
   const follow = (event: KeyboardEvent) => {
-    event.stopPropagation();
     if (event.isComposing) {
       return;
     }
@@ -70,8 +69,7 @@ export function Palette({ editor, call }: { editor: Editor; call: PaletteCall })
         <input
           ref={field}
           type="text"
-          list={undefined}
-          class="field"
+          class="field nokey"
           role="combobox"
           aria-expanded="true"
           aria-controls="palette-list"

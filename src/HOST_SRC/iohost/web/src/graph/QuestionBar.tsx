@@ -17,7 +17,6 @@ export function QuestionBar({ desk }: { desk: Desk }) {
       role="alertdialog"
       aria-label={question.text}
       onKeyDown={(event) => {
-        event.stopPropagation();
         if (event.key === "Escape") {
           close();
         }

@@ -1,9 +1,9 @@
-// Copied nodes: kept by the browser, so that another page of the same host can paste them.
+// Copied nodes and notes: kept by the browser, so that another page of the same host can paste them.
 import type { NodeView } from "../host.ts";
 import { kindOf, type EditValue } from "../params.ts";
 import { inputsOf } from "../nodePins.ts";
-import type { Link, Place } from "../protocol.ts";
-import type { Change } from "../requests.ts";
+import type { Link, Note, Place } from "../protocol.ts";
+import { placing, type Change } from "../requests.ts";
 import { freeName } from "./wiring.ts";
 
 interface CopiedNode {
@@ -16,16 +16,24 @@ interface CopiedNode {
 }
 
 export interface Clipping {
-  format: "iohost nodes";
+  format: typeof FORMAT;
   nodes: CopiedNode[];
   links: Link[];
+  notes: Note[];
 }
 
+const FORMAT = "iohost nodes and notes";
+
 /** Nodes with the links among them. An input that is linked has no value of its own to copy. */
-export function copyOf(nodes: readonly NodeView[], links: readonly Link[], placeOf: (node: string) => Place): Clipping {
+export function copyOf(
+  nodes: readonly NodeView[],
+  links: readonly Link[],
+  notes: readonly Note[],
+  placeOf: (node: string) => Place,
+): Clipping {
   const ids = new Set(nodes.map(({ node }) => node));
   return {
-    format: "iohost nodes",
+    format: FORMAT,
     nodes: nodes.map((view) => {
       const { node, type, clip, graph } = view;
       const isLinked = (id: number) => links.some((link) => link.to === node && link.input === id);
@@ -36,6 +44,7 @@ export function copyOf(nodes: readonly NodeView[], links: readonly Link[], place
       return { node, type, clip, graph, place: placeOf(node), values: Object.fromEntries(values) };
     }),
     links: links.filter(({ from, to }) => ids.has(from) && ids.has(to)),
+    notes: [...notes],
   };
 }
 
@@ -55,15 +64,16 @@ function valueOf(param: Parameters<typeof kindOf>[0] & { int: number; float: num
   }
 }
 
-/** What makes the copied nodes anew, under free handles and names, moved by so much; and the new handles. */
+/** What makes the copy anew, under free handles and names, moved by so much; and the new handles and notes' ids. */
 export function pasteOf(
-  { nodes, links }: Clipping,
+  { nodes, links, notes }: Clipping,
   present: readonly Pick<NodeView, "node" | "graph">[],
   by: { x: number; y: number },
-): { changes: Change[]; handles: string[] } {
+): { changes: Change[]; handles: string[]; noteIds: string[] } {
   const takenHandles = new Set(present.map(({ node }) => node));
   const takenNames = new Set(present.map(({ graph }) => graph));
   const handles = new Map<string, string>();
+  const moved = <Box extends Place | Note>(box: Box): Box => ({ ...box, x: box.x + by.x, y: box.y + by.y });
   const places: Record<string, Place> = {};
   const changes = nodes.flatMap(({ node, type, clip, graph, place, values }): Change[] => {
     const handle = freeName(withoutNumber(node), takenHandles);
@@ -71,7 +81,7 @@ export function pasteOf(
     takenHandles.add(handle);
     takenNames.add(name);
     handles.set(node, handle);
-    places[handle] = { ...place, x: place.x + by.x, y: place.y + by.y };
+    places[handle] = moved(place);
     return [
       { op: "create", node: handle, type, clip, graph: name },
       ...Object.entries(values).map(([param, value]): Change => ({ op: "edit", node: handle, param: Number(param), ...value })),
@@ -80,7 +90,17 @@ export function pasteOf(
   const wires = links.map(({ from, output, to, input }): Change => {
     return { op: "link", from: handles.get(from)!, output, to: handles.get(to)!, input };
   });
-  return { changes: [...changes, ...wires, { op: "place", nodes: places }], handles: [...handles.values()] };
+  const newNotes = Object.fromEntries(notes.map((note) => [newNoteId(), moved(note)]));
+  return {
+    changes: [...changes, ...wires, placing(places, newNotes)],
+    handles: [...handles.values()],
+    noteIds: Object.keys(newNotes),
+  };
+}
+
+/** Notes of several pages get different ones. */
+export function newNoteId(): string {
+  return `note ${Math.random().toString(36).slice(2)}`;
 }
 
 function withoutNumber(name: string): string {
@@ -89,11 +109,21 @@ function withoutNumber(name: string): string {
 
 const STORAGE_KEY = "iohost.copied-nodes";
 
-export function keepClipping(storage: Pick<Storage, "setItem">, clipping: Clipping): void {
-  storage.setItem(STORAGE_KEY, JSON.stringify(clipping));
+/** What this page copied last, where the browser doesn't keep it: it's too much, say. */
+let unkept: Clipping | null = null;
+
+/** Whether other pages can paste it, too. */
+export function keepClipping(storage: Pick<Storage, "setItem">, clipping: Clipping): boolean {
+  try {
+    storage.setItem(STORAGE_KEY, JSON.stringify(clipping));
+    unkept = null;
+  } catch {
+    unkept = clipping;
+  }
+  return unkept === null;
 }
 
 export function readClipping(storage: Pick<Storage, "getItem">): Clipping | null {
-  const kept = JSON.parse(storage.getItem(STORAGE_KEY) ?? "null") as Clipping | null;
-  return kept?.format === "iohost nodes" ? kept : null;
+  const clipping = unkept ?? (JSON.parse(storage.getItem(STORAGE_KEY) ?? "null") as Clipping | null);
+  return clipping?.format === FORMAT ? clipping : null;
 }

@@ -3,9 +3,9 @@ import type { Desk } from "../desk.ts";
 import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
 import { inputsOf, outputsOf, pinText } from "../nodePins.ts";
-import type { Link, Note, OfferedType, Place } from "../protocol.ts";
-import type { Change } from "../requests.ts";
-import { copyOf, keepClipping, pasteOf, readClipping } from "./clipboard.ts";
+import type { Link, Note, OfferedType, Place, Scene, SceneNode } from "../protocol.ts";
+import { placing, type Change } from "../requests.ts";
+import { copyOf, keepClipping, pasteOf, readClipping, type Clipping } from "./clipboard.ts";
 import { kindOfType } from "./nodeKinds.ts";
 import { freeName, refusal, sortOf } from "./wiring.ts";
 
@@ -28,6 +28,13 @@ export interface PaletteCall {
 export interface View {
   placeOf(node: string): Place;
   middle(): Place;
+  choose(nodes: readonly string[], notes: readonly string[]): void;
+}
+
+/** What is chosen of nodes and notes. */
+export interface Chosen {
+  nodes: readonly string[];
+  notes: readonly string[];
 }
 
 const PASTE_OFFSET = 40;
@@ -41,7 +48,8 @@ export class Editor {
   readonly begun = signal<Pin | null>(null);
   /** The node whose name is being changed. */
   readonly renaming = signal<string | null>(null);
-  view: View = { placeOf: () => ({ x: 0, y: 0 }), middle: () => ({ x: 0, y: 0 }) };
+  view: View = { placeOf: () => ({ x: 0, y: 0 }), middle: () => ({ x: 0, y: 0 }), choose: () => {} };
+  #lastMade: Promise<void> = Promise.resolve();
 
   constructor(host: Host, desk: Desk) {
     this.host = host;
@@ -86,7 +94,7 @@ export class Editor {
   }
 
   /** The link that a value input has already; it takes one only. */
-  #presentSource({ to, input }: Link): Link | undefined {
+  #presentSource({ to, input }: Pick<Link, "to" | "input">): Link | undefined {
     const target = this.node(to);
     const param = target && inputsOf(target).find(({ id }) => id === input);
     const isValue = param !== undefined && sortOf(param) !== "event";
@@ -139,40 +147,44 @@ export class Editor {
 
   /** Adds a node, and wires it where the palette was opened from a pin. */
   async add(type: OfferedType, { at, pin }: PaletteCall): Promise<void> {
-    const nodes = this.host.nodes.peek() ?? [];
-    const graph = freeName(type.name, new Set(nodes.map((node) => node.graph)));
-    const node = freeName(type.name, new Set(nodes.map((one) => one.node)));
-    const clip = nodes.find((one) => one.clip !== null)?.clip ?? "Clip";
-    const changes: Change[] = [
-      { op: "create", node, type: type.guid, clip, graph },
-      { op: "place", nodes: { [node]: rounded(at ?? this.#freePlace()) } },
-    ];
-    let present: Link | undefined;
-    if (pin !== null) {
-      const other = this.endFor(pin, type);
-      if (other !== undefined) {
-        const link = linkOf(pin, { node, id: other, is: pin.is === "output" ? "input" : "output" });
-        present = this.#presentSource(link);
-        changes.push(...(present === undefined ? [] : [{ op: "unlink", ...present } as const]), { op: "link", ...link });
-      }
-    }
-    const make = async () => {
-      const error = await this.host.requests.batch(`Add ${graph}`, changes);
-      this.desk.tell(error, t("{name} was added.", { name: graph }));
-      if (error === null) {
-        this.desk.choose([node]);
-      }
-    };
+    const end = pin === null ? undefined : this.endFor(pin, type);
+    const present = pin?.is === "input" && end !== undefined ? this.#presentSource({ to: pin.node, input: pin.id }) : undefined;
+    const make = () =>
+      this.#makeNext(async ({ nodes }) => {
+        const graph = freeName(type.name, new Set(nodes.map((one) => one.graph)));
+        const node = freeName(type.name, new Set(nodes.map((one) => one.node)));
+        const error = await this.host.requests.batch(`Add ${graph}`, [
+          { op: "create", node, type: type.guid, clip: nodes.find(({ clip }) => clip !== null)?.clip ?? "Clip", graph },
+          placing({ [node]: rounded(at ?? this.#freePlace(nodes)) }, {}),
+          ...(present === undefined ? [] : [{ op: "unlink", ...present } as const]),
+          ...(pin === null || end === undefined
+            ? []
+            : [{ op: "link", ...linkOf(pin, { node, id: end, is: pin.is === "output" ? "input" : "output" }) } as const]),
+        ]);
+        this.desk.tell(error, t("{name} was added.", { name: graph }));
+        if (error === null) {
+          this.view.choose([node], []);
+        }
+      });
     if (present === undefined) {
       await make();
     } else {
-      this.#askToReplace(present, graph, () => void make());
+      this.#askToReplace(present, type.name, () => void make());
     }
   }
 
+  /** Makes one after the other: each finds free names among all that the host has by then, shown here yet or not. */
+  #makeNext(make: (scene: Scene) => Promise<void>): Promise<void> {
+    this.#lastMade = this.#lastMade.then(async () => {
+      const scene = await this.host.requests.scene();
+      await (scene.ok ? make(scene) : this.desk.tell(scene.error, ""));
+    });
+    return this.#lastMade;
+  }
+
   /** The middle of what is seen, or beside what stands there. */
-  #freePlace(): Place {
-    const taken = (this.host.nodes.peek() ?? []).map(({ node }) => this.view.placeOf(node));
+  #freePlace(nodes: readonly SceneNode[]): Place {
+    const taken = nodes.map(({ node, place }) => place ?? this.view.placeOf(node));
     const place = this.view.middle();
     while (taken.some(({ x, y }) => Math.abs(x - place.x) < PASTE_OFFSET && Math.abs(y - place.y) < PASTE_OFFSET)) {
       place.x += PASTE_OFFSET;
@@ -191,44 +203,54 @@ export class Editor {
   }
 
   /** Removes nodes with their links, cuts wires, takes notes away. */
-  async remove(nodes: readonly string[], links: readonly Link[], notes: readonly string[]): Promise<void> {
+  async remove({ nodes, notes }: Chosen, links: readonly Link[]): Promise<void> {
     const gone = new Set(nodes);
     const changes: Change[] = [
       ...links.filter(({ from, to }) => !gone.has(from) && !gone.has(to)).map((link): Change => ({ op: "unlink", ...link })),
       ...nodes.map((node): Change => ({ op: "destroy", node })),
-      ...(notes.length === 0 ? [] : [{ op: "place", notes: Object.fromEntries(notes.map((id) => [id, null])) } as const]),
+      ...(notes.length === 0 ? [] : [placing({}, Object.fromEntries(notes.map((id) => [id, null])))]),
     ];
-    const name = nodes.length === 1 ? this.node(nodes[0]!)?.graph : `${nodes.length} nodes`;
-    const step = nodes.length > 0 ? `Delete ${name}` : links.length > 0 ? "Unlink" : "Delete a note";
+    const step = nodes.length + notes.length === 0 ? "Unlink" : `Delete ${nameOf(nodes.flatMap((node) => this.node(node) ?? []), notes)}`;
     this.desk.tell(await this.host.requests.batch(step, changes), "");
   }
 
-  copy(handles: readonly string[]): void {
-    const nodes = this.host.nodes.peek()?.filter(({ node }) => handles.includes(node)) ?? [];
-    if (nodes.length > 0) {
-      keepClipping(localStorage, copyOf(nodes, this.host.links.peek(), this.view.placeOf));
-      this.desk.message.value = t("Copied: {count}", { count: nodes.length });
+  copy(chosen: Chosen): void {
+    const clipping = this.#copyOf(chosen);
+    const count = clipping.nodes.length + clipping.notes.length;
+    if (count > 0) {
+      const isKept = keepClipping(localStorage, clipping);
+      this.desk.message.value = isKept ? t("Copied: {count}", { count }) : t("Copied for this page alone: {count}", { count });
     }
   }
 
-  paste(): Promise<void> {
+  async paste(): Promise<void> {
     const clipping = readClipping(localStorage);
-    return clipping === null ? Promise.resolve() : this.#make(clipping, "Paste");
-  }
-
-  duplicate(handles: readonly string[]): Promise<void> {
-    const nodes = this.host.nodes.peek()?.filter(({ node }) => handles.includes(node)) ?? [];
-    return nodes.length === 0 ? Promise.resolve() : this.#make(copyOf(nodes, this.host.links.peek(), this.view.placeOf), "Duplicate");
-  }
-
-  async #make(clipping: Parameters<typeof pasteOf>[0], verb: string): Promise<void> {
-    const { changes, handles } = pasteOf(clipping, this.host.nodes.peek() ?? [], { x: PASTE_OFFSET, y: PASTE_OFFSET });
-    const count = handles.length === 1 ? clipping.nodes[0]!.graph : `${handles.length} nodes`;
-    const error = await this.host.requests.batch(`${verb} ${count}`, changes);
-    this.desk.tell(error, t("Added: {count}", { count: handles.length }));
-    if (error === null) {
-      this.desk.choose(handles);
+    if (clipping !== null) {
+      await this.#make(clipping, "Paste");
     }
+  }
+
+  async duplicate(chosen: Chosen): Promise<void> {
+    if (chosen.nodes.length + chosen.notes.length > 0) {
+      await this.#make(this.#copyOf(chosen), "Duplicate");
+    }
+  }
+
+  #copyOf(chosen: Chosen): Clipping {
+    const nodes = this.host.nodes.peek()?.filter(({ node }) => chosen.nodes.includes(node)) ?? [];
+    const notes = chosen.notes.flatMap((id) => this.host.notes.peek()[id] ?? []);
+    return copyOf(nodes, this.host.links.peek(), notes, this.view.placeOf);
+  }
+
+  #make(clipping: Clipping, verb: string): Promise<void> {
+    return this.#makeNext(async ({ nodes }) => {
+      const { changes, handles, noteIds } = pasteOf(clipping, nodes, { x: PASTE_OFFSET, y: PASTE_OFFSET });
+      const error = await this.host.requests.batch(`${verb} ${nameOf(clipping.nodes, clipping.notes)}`, changes);
+      this.desk.tell(error, t("Added: {count}", { count: handles.length + noteIds.length }));
+      if (error === null) {
+        this.view.choose(handles, noteIds);
+      }
+    });
   }
 
   async rename(node: string, graph: string): Promise<void> {
@@ -240,13 +262,17 @@ export class Editor {
 
   /** Puts nodes and notes where they are to stay, as one step. */
   async place(nodes: Record<string, Place>, notes: Record<string, Note> = {}): Promise<void> {
-    const change: Change = {
-      op: "place",
-      ...(Object.keys(nodes).length > 0 && { nodes: mapped(nodes, rounded) }),
-      ...(Object.keys(notes).length > 0 && { notes: mapped(notes, rounded) }),
-    };
-    this.desk.tell(await this.host.requests.change(change), "");
+    this.desk.tell(await this.host.requests.change(placing(mapped(nodes, rounded), mapped(notes, rounded))), "");
   }
+}
+
+/** Nodes and notes as the name of a step tells of them. */
+function nameOf(nodes: readonly { graph: string }[], notes: readonly unknown[]): string {
+  const texts = [
+    ...(nodes.length === 0 ? [] : [nodes.length === 1 ? nodes[0]!.graph : `${nodes.length} nodes`]),
+    ...(notes.length === 0 ? [] : [notes.length === 1 ? "a note" : `${notes.length} notes`]),
+  ];
+  return texts.join(" and ");
 }
 
 /** The link between two pins, whichever it was begun at. */

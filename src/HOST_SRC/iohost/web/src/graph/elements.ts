@@ -13,13 +13,13 @@ import { conversion, sortOf } from "./wiring.ts";
 
 export type CanvasNode = FaceNode | NoteNode;
 
-/** Nodes and notes. Where `chosen` is null, those that were chosen stay so. */
+/** Nodes and notes. Those that were chosen stay so, and of those that come `toChoose` are. */
 export function facesOf(
   editor: Editor,
   scene: { nodes: readonly NodeView[]; links: readonly Link[]; notes: Readonly<Record<string, Note>> },
   automatic: AutomaticPlaces,
   kept: readonly CanvasNode[],
-  chosen: readonly string[] | null,
+  toChoose: readonly string[],
 ): CanvasNode[] {
   const old = new Map(kept.map((face) => [face.id, face]));
   const linked = linkedPins(scene.links);
@@ -32,11 +32,16 @@ export function facesOf(
     return sameOr(before, {
       ...face,
       ...(measured && { measured }),
-      selected: chosen === null ? selected === true : chosen.includes(face.id),
+      selected: before === undefined ? toChoose.includes(face.id) : selected === true,
       // What is being dragged stays under the pointer.
       ...(dragging === true && position && { position }),
     });
   });
+}
+
+/** The same, with those chosen that are to be. */
+export function chosenIn(faces: readonly CanvasNode[], isChosen: (id: string) => boolean): CanvasNode[] {
+  return faces.map((face) => ((face.selected === true) === isChosen(face.id) ? face : { ...face, selected: isChosen(face.id) }));
 }
 
 function faceOf(editor: Editor, node: NodeView, linked: readonly string[], automatic: AutomaticPlaces): FaceNode {

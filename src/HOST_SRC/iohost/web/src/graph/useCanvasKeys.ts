@@ -1,16 +1,16 @@
 import { useLayoutEffect } from "preact/hooks";
+import { takesKeys } from "../desk.ts";
 import type { Link } from "../protocol.ts";
-import type { Editor } from "./editor.ts";
+import type { Chosen, Editor } from "./editor.ts";
 
 interface CanvasKeys {
-  chosenNodes: readonly string[];
-  chosenNotes: readonly string[];
+  chosen: Chosen;
   chosenLinks: readonly Link[];
   chooseAll(): void;
   place(): void;
 }
 
-/** Keys of the canvas, which work only while it has the focus, and Ctrl+K, which opens the palette from everywhere else. */
+/** Keys of the canvas, which work while it has the focus and no field in it takes them, and Ctrl+K, which opens the palette from everywhere else. */
 export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
   useLayoutEffect(() => {
     const open = (event: KeyboardEvent) => {
@@ -24,14 +24,14 @@ export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
     return () => window.removeEventListener("keydown", open);
   }, [editor]);
 
-  const { chosenNodes, chosenNotes, chosenLinks } = canvas;
+  const { chosen, chosenLinks } = canvas;
   const actions: Record<string, () => unknown> = {
-    Delete: () => editor.remove(chosenNodes, chosenLinks, chosenNotes),
-    Backspace: () => editor.remove(chosenNodes, chosenLinks, chosenNotes),
-    F2: () => (editor.renaming.value = chosenNodes[0] ?? null),
-    "Control+c": () => editor.copy(chosenNodes),
+    Delete: () => editor.remove(chosen, chosenLinks),
+    Backspace: () => editor.remove(chosen, chosenLinks),
+    F2: () => (editor.renaming.value = chosen.nodes[0] ?? null),
+    "Control+c": () => editor.copy(chosen),
     "Control+v": () => editor.paste(),
-    "Control+d": () => editor.duplicate(chosenNodes),
+    "Control+d": () => editor.duplicate(chosen),
     "Control+a": () => canvas.chooseAll(),
     Escape: () => editor.giveUp(),
   };
@@ -39,7 +39,7 @@ export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
     onKeyDown: (event: KeyboardEvent) => {
       const key = event.key.length === 1 ? event.key.toLowerCase() : event.key;
       const action = actions[`${event.ctrlKey || event.metaKey ? "Control+" : ""}${key}`];
-      if (action !== undefined) {
+      if (action !== undefined && !takesKeys(event.target)) {
         event.preventDefault();
         if (!event.repeat) {
           action();
