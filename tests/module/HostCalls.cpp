@@ -5,23 +5,29 @@
 
 #include "ReplacedCalls.h"
 #include "host/HostCommon.h"
+#include "host/HostJson.h"
 #include "host/HostRender.h"
 
 #define LOAD_STRING SYMBOL("?PXLoadString@@YA?AVCString@@PEB_W@Z", "_Z12PXLoadStringPKw")
 #define SET_PARAM_VALUE SYMBOL("?SetParamValue@@YAXPEAVVEKParam@@MMMM@Z", "_Z13SetParamValueP8VEKParamffff")
 #define SET_PARAM_BOOL_VALUE                                                                                           \
     SYMBOL("?SetParamBoolValue@@YAXPEAVVEKParam@@HHHH@Z", "_Z17SetParamBoolValueP8VEKParamiiii")
+#define PARSE_OBJECT                                                                                                   \
+    SYMBOL("?G_ParseDataFormJsObj@@YAXAEBVvalue@json@web@@AEAVCStringArray@@1@Z",                                      \
+           "_Z20G_ParseDataFormJsObjRKN3web4json5valueER12CStringArrayS5_")
 #define MAKE_PARAM SYMBOL("??0VEKParam@@QEAA@IAEBVCString@@0HH@Z", "_ZN8VEKParamC1EjRK7CStringS2_ii")
 
 namespace {
 
 const wchar_t LIBRARY[] = L"VEKCommonx.dll";
+const wchar_t JSON_LIBRARY[] = L"VEKRenderx.dll";
 
 std::wstring_view s_failingKey;
 int s_nAnswered = 0;
 void (*s_pRaise)() = nullptr;
 
 bool s_bMarked = false;
+bool s_bLoseLastValue = false;
 
 CarelessHost* s_pCareless = nullptr;
 
@@ -39,6 +45,8 @@ void SetFlags(VEKParam* pParam, int a, int b, int c, int d) IN_PLACE_OF(SET_PARA
 // In Microsoft's C++ ABI a constructor answers the object.
 VEKParam* MakeParam(VEKParam* pParam, unsigned nId, const CString& strName, const CString& strDisplay, int nType,
                     int nControl) IN_PLACE_OF(MAKE_PARAM);
+
+void ParseObject(const web::json::value& value, CStringArray& arKey, CStringArray& arValue) IN_PLACE_OF(PARSE_OBJECT);
 
 CString LoadFailableString(const wchar_t* pszKey) {
     static const auto s_pOriginal = Original<decltype(PXLoadString)>(LIBRARY, LOAD_STRING);
@@ -82,11 +90,20 @@ VEKParam* MakeParam(VEKParam* pParam, unsigned nId, const CString& strName, cons
     return pParam;
 }
 
+void ParseObject(const web::json::value& value, CStringArray& arKey, CStringArray& arValue) {
+    static const auto s_pOriginal = Original<decltype(G_ParseDataFormJsObj)>(JSON_LIBRARY, PARSE_OBJECT);
+    s_pOriginal(value, arKey, arValue);
+    if (s_bLoseLastValue && !arValue.IsEmpty()) {
+        arValue.RemoveAt(arValue.GetUpperBound());
+    }
+}
+
 void WatchHostCalls(HMODULE hModule) {
     ReplaceImport(hModule, LIBRARY, LOAD_STRING, LoadFailableString);
     ReplaceImport(hModule, LIBRARY, SET_PARAM_VALUE, SetRange);
     ReplaceImport(hModule, LIBRARY, SET_PARAM_BOOL_VALUE, SetFlags);
     ReplaceImport(hModule, LIBRARY, MAKE_PARAM, MakeParam);
+    ReplaceImport(hModule, JSON_LIBRARY, PARSE_OBJECT, ParseObject);
 }
 
 FailingText::FailingText(std::wstring_view key, int nAnswered, void (*pRaise)()) {
@@ -113,4 +130,12 @@ CarelessHost::CarelessHost() {
 
 CarelessHost::~CarelessHost() {
     s_pCareless = nullptr;
+}
+
+LostLastValue::LostLastValue() {
+    s_bLoseLastValue = true;
+}
+
+LostLastValue::~LostLastValue() {
+    s_bLoseLastValue = false;
 }

@@ -1,5 +1,5 @@
-// Stands between the module and the host's services for texts and parameters: a host whose texts can't be had, and one
-// that leaves whatever it may in what it makes.
+// Stands between the module and the host's services for texts, parameters and JSON: a host whose texts can't be had,
+// one that leaves whatever it may in what it makes, and one that loses values.
 #pragma once
 
 #include <string_view>
@@ -47,4 +47,14 @@ public:
 
     /// The extra words of the pins for which SetParamValue and SetParamBoolValue were called, at each call.
     std::vector<long long> m_extraWords;
+};
+
+/// While an object lives, G_ParseDataFormJsObj gives the module one value too few.
+class LostLastValue {
+public:
+    LostLastValue();
+    ~LostLastValue();
+
+    LostLastValue(const LostLastValue&) = delete;
+    LostLastValue& operator=(const LostLastValue&) = delete;
 };
