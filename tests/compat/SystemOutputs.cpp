@@ -230,59 +230,38 @@ DWORD WithoutGbkLookAlikes(UINT nCodePage, DWORD nFlags) {
 #endif
 }
 
-void PrintBytes(UINT nCodePage, DWORD nFlags, std::wstring_view text, int nRoom = 64) {
-    char bytes[64];
+constexpr int ROOM = 64;
+
+/// The conversion of so many characters (-1: up to the zero), with a replacement of the caller's or none.
+void PrintConversion(UINT nCodePage, DWORD nFlags, const wchar_t* pText, int nLength, int nRoom,
+                     const char* pszDefault = nullptr, BOOL* pbReplaced = nullptr) {
+    char bytes[ROOM];
     std::memset(bytes, '#', sizeof(bytes));
     SetLastError(0);
-    const int nLength =
-        WideCharToMultiByte(nCodePage, WithoutGbkLookAlikes(nCodePage, nFlags), text.data(),
-                            static_cast<int>(text.size()), nRoom == 0 ? nullptr : bytes, nRoom, nullptr, nullptr);
+    const int nBytes = WideCharToMultiByte(nCodePage, WithoutGbkLookAlikes(nCodePage, nFlags), pText, nLength,
+                                           nRoom == 0 ? nullptr : bytes, nRoom, pszDefault, pbReplaced);
+    const DWORD nError = nBytes == 0 ? GetLastError() : 0;
     std::printf("bytes %u %X ", nCodePage, static_cast<unsigned>(nFlags));
-    Print(text);
-    std::printf(" in %d: %d, %u ", nRoom, nLength, nLength == 0 ? static_cast<unsigned>(GetLastError()) : 0);
-    Print(std::string_view(bytes, nRoom == 0 ? 0 : static_cast<size_t>(nLength)));
+    Print(nLength < 0 ? std::wstring_view(pText) : std::wstring_view(pText, static_cast<size_t>(nLength)));
+    if (pbReplaced != nullptr) {
+        Print(std::string_view(pszDefault != nullptr ? pszDefault : "none"));
+        std::printf(" replaced %d", *pbReplaced);
+    }
+    std::printf(" in %d: %d, %u ", nRoom, nBytes, static_cast<unsigned>(nError));
+    Print(std::string_view(bytes, nRoom == 0 ? 0 : static_cast<size_t>(nBytes)));
     std::putchar('\n');
 }
 
-/// As PrintBytes, with a length of -1, a replacement of the caller's (or none), and whether it was needed.
-void PrintReplaced(UINT nCodePage, DWORD nFlags, const wchar_t* pszText, const char* pszDefault, int nRoom = 64) {
-    char bytes[64];
-    std::memset(bytes, '#', sizeof(bytes));
-    BOOL bReplaced = -1;
-    SetLastError(0);
-    const int nLength = WideCharToMultiByte(nCodePage, WithoutGbkLookAlikes(nCodePage, nFlags), pszText, -1,
-                                            nRoom == 0 ? nullptr : bytes, nRoom, pszDefault, &bReplaced);
-    const DWORD nError = nLength == 0 ? GetLastError() : 0;
-    std::printf("replaced %u %X ", nCodePage, static_cast<unsigned>(nFlags));
-    Print(std::wstring_view(pszText));
-    Print(std::string_view(pszDefault != nullptr ? pszDefault : "none"));
-    std::printf(" in %d: %d, %u, %d ", nRoom, nLength, static_cast<unsigned>(nError), bReplaced);
-    Print(std::string_view(bytes, nRoom == 0 ? 0 : static_cast<size_t>(nLength)));
-    std::putchar('\n');
+void PrintBytes(UINT nCodePage, DWORD nFlags, std::wstring_view text, int nRoom = ROOM) {
+    PrintConversion(nCodePage, nFlags, text.data(), static_cast<int>(text.size()), nRoom);
 }
 
-const std::wstring_view TEXTS[] = {
-    L"a",
-    L"plain text",
-    std::wstring_view(L"with\0zero", 9),
-    L"\xE9\x20AC\x81",
-    L"\x4E2D\x6587",
-    L"\x4E2D a \xE9",
-    L"\x0E01\x0100",
-    L"\U0001F600",
-    L"a\U0001F600z",
-    // marks behind letters
-    L"e\x0301",
-    L"e\x0301\x0301",
-    L"\x0301",
-    L"a\x0308o\x0308u\x0308",
-    L"n\x0303 c\x0327 A\x030A",
-    L"x\x0301",
-    L"q\x0302z",
-    L"\xE9\x0301",
-    L"u\x0308\x0304",
-    L"\x4E2D\x0301",
-};
+const std::wstring_view TEXTS[] = {L"a", L"plain text", std::wstring_view(L"with\0zero", 9), L"\xE9\x20AC\x81",
+                                   L"\x4E2D\x6587", L"\x4E2D a \xE9", L"\x0E01\x0100", L"\U0001F600", L"a\U0001F600z",
+                                   // marks behind letters
+                                   L"e\x0301", L"e\x0301\x0301", L"\x0301", L"a\x0308o\x0308u\x0308",
+                                   L"n\x0303 c\x0327 A\x030A", L"x\x0301", L"q\x0302z", L"\xE9\x0301", L"u\x0308\x0304",
+                                   L"\x4E2D\x0301"};
 
 bool IsPrivate(wchar_t c) {
     return c >= 0xE000 && c <= 0xF8FF;
@@ -290,13 +269,10 @@ bool IsPrivate(wchar_t c) {
 
 void PrintCodePages() {
     for (const UINT nCodePage : {UINT(CP_UTF8), UINT(CP_ACP), CODE_PAGE_LATIN, CODE_PAGE_GBK}) {
-        std::vector<DWORD> flags;
-        if (nCodePage == CP_UTF8) {
-            flags = {0};
-        } else {
-            flags = {0, WC_COMPOSITECHECK};
-        }
-        for (const DWORD nFlags : flags) {
+        for (const DWORD nFlags : {DWORD(0), DWORD(WC_COMPOSITECHECK)}) {
+            if (nCodePage == CP_UTF8 && nFlags != 0) {
+                continue;
+            }
             for (const std::wstring_view text : TEXTS) {
                 PrintBytes(nCodePage, nFlags, text);
                 PrintBytes(nCodePage, nFlags, text, 0);
@@ -308,17 +284,16 @@ void PrintCodePages() {
                      {HIGH}, {LOW}, {'a', HIGH, 'b'}, {LOW, HIGH}, {HIGH, HIGH, 'a'}, {'a', LOW, LOW}}) {
                 PrintBytes(nCodePage, nFlags, {units.data(), units.size()});
             }
-        }
-        for (const DWORD nFlags : flags) {
             if (nCodePage == CP_UTF8) {
-                break; // Windows refuses replacements there, Wine doesn't
+                continue; // Windows refuses replacements there, Wine doesn't
             }
             for (const wchar_t* pszText :
                  {L"", L"plain", L"\x4E2D a \xE9", L"a\x0E01", L"\x0100\x2460", L"z\U0001F600", L"e\x0301"}) {
                 for (const char* pszDefault : {static_cast<const char*>(nullptr), "!", "?", "\xB0\xA1"}) {
-                    PrintReplaced(nCodePage, nFlags, pszText, pszDefault);
-                    PrintReplaced(nCodePage, nFlags, pszText, pszDefault, 0);
-                    PrintReplaced(nCodePage, nFlags, pszText, pszDefault, 3);
+                    for (const int nRoom : {ROOM, 0, 3}) {
+                        BOOL bReplaced = -1;
+                        PrintConversion(nCodePage, nFlags, pszText, -1, nRoom, pszDefault, &bReplaced);
+                    }
                 }
             }
         }
@@ -366,39 +341,16 @@ void PrintNumber(const std::wstring& strText) {
     std::printf(" %d\n", _wtoi(strText.c_str()));
 }
 
+/// Separated by bars.
+const std::wstring_view NUMBERS =
+    L"12| \t\n\v\f\r12|-12|+12|+-12|- 12|12abc|abc||-|+|0x10|1.9|007|2147483647|2147483648|-2147483648|-2147483649|"
+    L"4294967295|4294967296|9223372036854775807|9223372036854775808|-9223372036854775809|99999999999999999999999|"
+    L"\u00A012|\u200312|\u300012|\u0661\u0662|\uFF11\uFF12|1\u0661|1_000";
+
 void PrintNumbers() {
-    for (const wchar_t* pszText : {L"12",
-                                   L" \t\n\v\f\r12",
-                                   L"-12",
-                                   L"+12",
-                                   L"+-12",
-                                   L"- 12",
-                                   L"12abc",
-                                   L"abc",
-                                   L"",
-                                   L"-",
-                                   L"+",
-                                   L"0x10",
-                                   L"1.9",
-                                   L"007",
-                                   L"2147483647",
-                                   L"2147483648",
-                                   L"-2147483648",
-                                   L"-2147483649",
-                                   L"4294967295",
-                                   L"4294967296",
-                                   L"9223372036854775807",
-                                   L"9223372036854775808",
-                                   L"-9223372036854775809",
-                                   L"99999999999999999999999",
-                                   L"\u00A012",
-                                   L"\u200312",
-                                   L"\u300012",
-                                   L"\u0661\u0662",
-                                   L"\uFF11\uFF12",
-                                   L"1\u0661",
-                                   L"1_000"}) {
-        PrintNumber(pszText);
+    for (size_t nAt = 0, nEnd = 0; nEnd != NUMBERS.npos; nAt = nEnd + 1) {
+        nEnd = NUMBERS.find(L'|', nAt);
+        PrintNumber(std::wstring(NUMBERS.substr(nAt, nEnd - nAt)));
     }
     // Which characters count as blanks, which as digits.
     for (unsigned nCharacter = 1; nCharacter < 0x10000; ++nCharacter) {
