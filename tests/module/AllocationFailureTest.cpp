@@ -181,29 +181,30 @@ TEST_F(AllocationFailure, OfTheCatalogueStaysInside) {
 }
 
 TEST_F(AllocationFailure, DoesNotConcernReleasingAndDestroying) {
-    for (const auto& [nTypeByte, pszName] : NODE_TYPES) {
-        if (nTypeByte == TYPE_BROADCAST_SEND) {
+    for (const ContractType& type : ContractTypes()) {
+        if (type.nTypeByte == TYPE_BROADCAST_SEND) {
             continue; // its socket calls are recorded by these tests, which allocates where nothing may be thrown
         }
-        SCOPED_TRACE(pszName);
-        const NodePtr pKeyCheck = nTypeByte == TYPE_KEY_CHECK ? m_host.CreateNode(nTypeByte) : nullptr;
-        SIOProcessNodeRef ref{TypeGuid(nTypeByte),
-                              pKeyCheck ? pKeyCheck.get() : m_host.CreateNode(nTypeByte).release()};
+        SCOPED_TRACE(type);
+        NodePtr pNode = m_host.CreateNode(type.nTypeByte);
+        SIOProcessNodeRef ref{TypeGuid(type.nTypeByte), pNode.get()};
         EXPECT_FALSE(Raises(0, [&] { m_host.Call(3, &ref, nullptr); }));
-        EXPECT_EQ(ref.pNode, nullptr);
+        if (type.nTypeByte != TYPE_KEY_CHECK) {
+            static_cast<void>(pNode.release());
+        }
     }
     EXPECT_FALSE(Raises(0, [&] { m_host.Call(1, nullptr, nullptr); }));
     EXPECT_FALSE(Raises(0, [&] { m_host.Call(4, nullptr, nullptr); }));
 }
 
 TEST_F(AllocationFailure, OfANodeGoesOutOfTheFunctionAndLeavesNothing) {
-    for (const auto& [nTypeByte, pszName] : NODE_TYPES) {
-        if (nTypeByte == TYPE_BROADCAST_SEND) {
+    for (const ContractType& type : ContractTypes()) {
+        if (type.nTypeByte == TYPE_BROADCAST_SEND) {
             continue; // its socket calls are recorded by these tests, which allocates where nothing may be thrown
         }
-        SCOPED_TRACE(pszName);
+        SCOPED_TRACE(type);
         P_ExtDevIOProcess before;
-        GUID guidType = TypeGuid(nTypeByte);
+        GUID guidType = TypeGuid(type.nTypeByte);
         SIOProcessPluginData data;
         const auto create = [&] { m_host.Call(2, &guidType, &data); };
         create(); // whatever is allocated once is allocated now

@@ -1,5 +1,7 @@
 #include "ContractTypes.h"
 
+#include <algorithm>
+
 ContractPayloads::ContractPayloads() {
     key.m_strText = L"a";
     pressed.m_bTriggerPressed = pressed.m_bTouchPadPressed = 1;
@@ -186,4 +188,8 @@ const std::vector<ContractType> TYPES = {
 
 const std::vector<ContractType>& ContractTypes() {
     return TYPES;
+}
+
+const ContractType& ContractTypeOf(unsigned char nTypeByte) {
+    return *std::ranges::find(TYPES, nTypeByte, &ContractType::nTypeByte);
 }

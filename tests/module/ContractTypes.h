@@ -52,3 +52,6 @@ struct ContractType {
 
 /// All types, in the catalogue's order.
 const std::vector<ContractType>& ContractTypes();
+
+/// The type of that byte.
+const ContractType& ContractTypeOf(unsigned char nTypeByte);

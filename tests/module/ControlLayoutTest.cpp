@@ -1,25 +1,12 @@
 // The control layouts of the parameter panels: one for each of the five classes that have one, read from its file.
+#include "ContractTypes.h"
 #include "HostSetup.h"
-#include "ModuleHost.h"
 
 namespace {
 
-struct LayoutClass {
-    const char* pszName;
-    unsigned char nTypeByte;
-    const char* pszFileName;
-
-    friend std::ostream& operator<<(std::ostream& out, const LayoutClass& layout) { return out << layout.pszName; }
-};
-
 /// In the order in which the module releases the layouts.
-const LayoutClass CLASSES[] = {
-    {"Gesture", TYPE_GESTURE, "CVEKIOGesture.XML"},
-    {"Mouse", TYPE_MOUSE, "CVEKIOMouse.XML"},
-    {"NetParameterSend", TYPE_NET_PARAMETER_SEND, "CVEKIONetParameterSend.XML"},
-    {"VRHandle", TYPE_VR_HANDLE, "CVEKIOVRHandle.XML"},
-    {"DeviceJsonReceive", TYPE_DEVICE_JSON_RECEIVE, "CVEKIODevJsonReceive.XML"},
-};
+const unsigned char TYPES[] = {TYPE_GESTURE, TYPE_MOUSE, TYPE_NET_PARAMETER_SEND, TYPE_VR_HANDLE,
+                               TYPE_DEVICE_JSON_RECEIVE};
 
 constexpr std::string_view LAYOUT = R"(<?xml version="1.0" encoding="UTF-8"?>
 <ParamLayout class="AnyClass" version="1">
@@ -59,31 +46,33 @@ private:
     std::vector<std::string>& m_deleted;
 };
 
-class ControlLayout : public ModuleTest, public testing::WithParamInterface<LayoutClass> {
+class ControlLayout : public ModuleTest, public testing::WithParamInterface<unsigned char> {
 protected:
-    void Write(std::string_view text, const LayoutClass& layoutClass = GetParam()) const {
-        m_host.WriteFile(std::filesystem::path("Plugins/NodePlugin/IOProcess") / layoutClass.pszFileName, text);
+    void Write(std::string_view text) const {
+        m_host.WriteFile(
+            std::filesystem::path("Plugins/NodePlugin/IOProcess") / ContractTypeOf(GetParam()).pszLayoutFile, text);
     }
     void ExpectRead() const { ExpectLayoutOfTheFile(*m_pNode->GetNodeParamInfoGrpAr()); }
 
-    NodePtr m_pNode = m_host.CreateNode(GetParam().nTypeByte);
+    NodePtr m_pNode = m_host.CreateNode(GetParam());
 };
 
-INSTANTIATE_TEST_SUITE_P(EachClass, ControlLayout, testing::ValuesIn(CLASSES), TestName<LayoutClass>);
+INSTANTIATE_TEST_SUITE_P(EachClass, ControlLayout, testing::ValuesIn(TYPES),
+                         [](const auto& type) { return std::string(ContractTypeOf(type.param).pszName); });
 
 TEST_P(ControlLayout, IsOnePerClassAndSharedWithNoOther) {
     Write(LAYOUT);
     ExpectRead();
-    for (const LayoutClass& layoutClass : CLASSES) {
-        SCOPED_TRACE(layoutClass);
-        const NodePtr pOther = m_host.CreateNode(layoutClass.nTypeByte);
-        const bool bSame = layoutClass.nTypeByte == GetParam().nTypeByte;
+    for (const unsigned char nTypeByte : TYPES) {
+        SCOPED_TRACE(ContractTypeOf(nTypeByte));
+        const NodePtr pOther = m_host.CreateNode(nTypeByte);
+        const bool bSame = nTypeByte == GetParam();
         EXPECT_EQ(pOther->GetXmlReader() == m_pNode->GetXmlReader(), bSame);
         EXPECT_EQ(pOther->GetXmlLoadStatePtr() == m_pNode->GetXmlLoadStatePtr(), bSame);
         EXPECT_EQ(pOther->GetNodeParamInfoGrpAr() == m_pNode->GetNodeParamInfoGrpAr(), bSame);
         EXPECT_EQ(pOther->GetNodeParamInfoGrpAr()->GetSize(), bSame ? 2 : 0) << "only one file is there";
     }
-    m_pNode = m_host.CreateNode(GetParam().nTypeByte); // it outlives its nodes
+    m_pNode = m_host.CreateNode(GetParam()); // it outlives its nodes
     ExpectRead();
 }
 
@@ -136,7 +125,7 @@ TEST_P(ControlLayout, IsFreedWhenTheModuleIsUnloadedUnreleased) {
     m_pNode.reset();
     m_host.Unload();
     m_host.Load();
-    m_pNode = m_host.CreateNode(GetParam().nTypeByte);
+    m_pNode = m_host.CreateNode(GetParam());
     EXPECT_EQ(*m_pNode->GetXmlLoadStatePtr(), 0) << "a module loaded anew knows nothing";
 }
 
@@ -164,10 +153,12 @@ TEST_F(ControlLayouts, AreReleasedTogetherInTheOrderOfTheirClasses) {
     std::vector<std::string> deleted;
     std::vector<CArray<SNodeParamInfoGrp*>*> arrays;
     // Filled in another order than they are released in.
-    for (size_t i = std::size(CLASSES); i-- > 0;) {
-        arrays.push_back(m_host.CreateNode(CLASSES[i].nTypeByte)->GetNodeParamInfoGrpAr());
-        arrays.back()->Add(new CTracedGroup(std::string(CLASSES[i].pszName) + " 1", deleted));
-        arrays.back()->Add(new CTracedGroup(std::string(CLASSES[i].pszName) + " 2", deleted));
+    for (const unsigned char nTypeByte :
+         {TYPE_DEVICE_JSON_RECEIVE, TYPE_VR_HANDLE, TYPE_NET_PARAMETER_SEND, TYPE_MOUSE, TYPE_GESTURE}) {
+        arrays.push_back(m_host.CreateNode(nTypeByte)->GetNodeParamInfoGrpAr());
+        for (const char* pszNumber : {" 1", " 2"}) {
+            arrays.back()->Add(new CTracedGroup(ContractTypeOf(nTypeByte).pszName + std::string(pszNumber), deleted));
+        }
     }
     EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);
     EXPECT_EQ(deleted, (std::vector<std::string>{"Gesture 2", "Gesture 1", "Mouse 2", "Mouse 1", "NetParameterSend 2",

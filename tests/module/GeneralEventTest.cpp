@@ -1,5 +1,4 @@
 // The general event by which a node fires an output, seen where it arrives: at the host's event window.
-#include <algorithm>
 #include <functional>
 #include <memory>
 #include <new>
@@ -119,7 +118,7 @@ TEST_F(GeneralEvent, ComesBehindItsLogLine) {
         {TYPE_GESTURE, "lelele"},         {TYPE_NET_PARAMETER_RECEIVE, "le"},
         {TYPE_DEVICE_JSON_RECEIVE, "le"}, {TYPE_OBJECT_JSON_RECEIVE, "le"}};
     for (const auto& [nTypeByte, pszOrder] : ORDERS) {
-        const ContractType& type = *std::ranges::find(ContractTypes(), nTypeByte, &ContractType::nTypeByte);
+        const ContractType& type = ContractTypeOf(nTypeByte);
         NodeScene scene(m_host, nTypeByte);
         scene.Evaluate();
         for (const ContractEvent& event : type.pEvents(payloads)) {

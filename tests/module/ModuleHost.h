@@ -42,30 +42,6 @@ enum NodeTypeByte : unsigned char {
     TYPE_STRING_DATA_SEND = 0x0F,
 };
 
-struct NodeTypeName {
-    unsigned char nTypeByte;
-    const char* pszName;
-
-    friend std::ostream& operator<<(std::ostream& out, const NodeTypeName& type) { return out << type.pszName; }
-};
-
-/// All types, in the catalogue's order.
-inline constexpr NodeTypeName NODE_TYPES[] = {
-    {TYPE_KEYBOARD, "Keyboard"},
-    {TYPE_KEY_CHECK, "KeyCheck"},
-    {TYPE_TEXT_FIELD, "TextField"},
-    {TYPE_MOUSE, "Mouse"},
-    {TYPE_NET_PARAMETER_SEND, "NetParameterSend"},
-    {TYPE_NET_PARAMETER_RECEIVE, "NetParameterReceive"},
-    {TYPE_BROADCAST_SEND, "BroadcastSend"},
-    {TYPE_BROADCAST_RECEIVE, "BroadcastReceive"},
-    {TYPE_GESTURE, "Gesture"},
-    {TYPE_VR_HANDLE, "VRHandle"},
-    {TYPE_OBJECT_JSON_RECEIVE, "ObjectJsonReceive"},
-    {TYPE_DEVICE_JSON_RECEIVE, "DeviceJsonReceive"},
-    {TYPE_STRING_DATA_SEND, "StringDataSend"},
-};
-
 /// Of a test that runs for several types.
 template <typename Type>
 std::string TestName(const testing::TestParamInfo<Type>& info) {

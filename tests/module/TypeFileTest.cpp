@@ -6,8 +6,8 @@
 #include <fstream>
 #include <iterator>
 
+#include "ContractTypes.h"
 #include "HostCalls.h"
-#include "ModuleHost.h"
 #include "ParamText.h"
 #include "SystemCalls.h"
 
@@ -15,7 +15,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-class TypeFile : public ModuleTest, public testing::WithParamInterface<NodeTypeName> {
+class TypeFile : public ModuleTest, public testing::WithParamInterface<ContractType> {
 protected:
     Json Row() {
         SIOProcessPluginData data;
@@ -74,7 +74,7 @@ protected:
     }
 };
 
-INSTANTIATE_TEST_SUITE_P(Types, TypeFile, testing::ValuesIn(NODE_TYPES), TestName<NodeTypeName>);
+INSTANTIATE_TEST_SUITE_P(Types, TypeFile, testing::ValuesIn(ContractTypes()), TestName<ContractType>);
 
 TEST_P(TypeFile, SaysWhatTheHostSees) {
     const auto path = std::filesystem::path(TYPES_FOLDER) / (std::string(GetParam().pszName) + ".json");
