@@ -82,7 +82,8 @@ SVRPluginData s_triggerReleased = Controller(0);
 
 const SIOEventRecord TRIGGER[] = {{DEVICE_VR_HANDLE, 0, &s_triggerPressed}, {DEVICE_VR_HANDLE, 0, &s_triggerReleased}};
 constexpr Fired TRIGGER_FIRED[] = {{862, nullptr, nullptr}, {863, nullptr, nullptr}};
-const FiringEvent VR_HANDLE_EVENTS[] = {{"Trigger", TRIGGER, TRIGGER_FIRED}};
+// Each sample that fires makes a list of what it fires.
+const FiringEvent VR_HANDLE_EVENTS[] = {{"Trigger", TRIGGER, TRIGGER_FIRED, 2}};
 
 // ---- Network --------------------------------------------------------------------------------------------------------
 

@@ -32,8 +32,8 @@ namespace {
 
 // As in Comparison.cpp: set from what was measured (docs/benchmarks.md), with room for a busy machine.
 constexpr double BROADCAST_SEND_LIMIT = 1.5; // what the node has to keep to
-constexpr double RECORD_SEND_LIMIT = 4.5;
-constexpr double BROADCAST_RECEIVE_LIMIT = 14.0; // two code pages and a map lie around the parse
+constexpr double RECORD_SEND_LIMIT = 2.5;
+constexpr double BROADCAST_RECEIVE_LIMIT = 8.0; // two conversions and four texts lie around the parse
 
 void Require(bool bHolds, const char* pszProblem) {
     if (!bHolds) {
@@ -343,8 +343,8 @@ CNetworkComparisons::CNetworkComparisons(const CBenchHost& host)
             "BroadcastSend/Send: not measured, since this machine's network would hear it; bench/run measures it "
             "in a network of its own where it may make one\n");
     }
-    add("NetParameterSend/Send", RECORD_SEND_LIMIT, 62, *m_pRecordSend);
-    add("BroadcastReceive/Receive", BROADCAST_RECEIVE_LIMIT, 16, *m_pBroadcastReceive);
+    add("NetParameterSend/Send", RECORD_SEND_LIMIT, 10, *m_pRecordSend);
+    add("BroadcastReceive/Receive", BROADCAST_RECEIVE_LIMIT, 8, *m_pBroadcastReceive);
 }
 
 CNetworkComparisons::~CNetworkComparisons() = default;

@@ -20,6 +20,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <utf8proc.h>
 
 namespace {
@@ -178,6 +179,17 @@ public:
             Append(ch);
     }
 
+    // Takes the ASCII characters that the text begins with, which are the same everywhere; tells how many those are.
+    template <class OTHER>
+    std::size_t AppendAscii(std::basic_string_view<OTHER> str) {
+        const auto isOther = [](OTHER ch) { return static_cast<std::make_unsigned_t<OTHER>>(ch) >= 0x80; };
+        const auto nLength = static_cast<std::size_t>(std::find_if(str.begin(), str.end(), isOther) - str.begin());
+        const std::size_t nRoom = m_nCount < m_nRoom ? m_nRoom - m_nCount : 0;
+        std::copy_n(str.begin(), std::min(nLength, nRoom), m_pOut + m_nCount);
+        m_nCount += nLength;
+        return nLength;
+    }
+
     // What the function returns, under the rules for lengths.
     int Finish() const {
         if (m_nCount > static_cast<std::size_t>(std::numeric_limits<int>::max()))
@@ -276,7 +288,9 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
     if (nCodePage == CP_UTF8) {
         if (pszDefault != nullptr || pbUsedDefault != nullptr)
             return FailConversion(ERROR_INVALID_PARAMETER);
-        for (const wchar_t ch : strWide) {
+        for (std::size_t nPosition = output.AppendAscii(strWide); nPosition < strWide.size();
+             nPosition += output.AppendAscii(strWide.substr(nPosition))) {
+            const wchar_t ch = strWide[nPosition++];
             const bool bValid = IsCharacter(static_cast<std::uint32_t>(ch));
             if (!bValid && (nFlags & WC_ERR_INVALID_CHARS) != 0)
                 return FailConversion(ERROR_NO_UNICODE_TRANSLATION);
@@ -340,7 +354,8 @@ int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR pszBytes, in
                                     nBytes < 0 ? std::strlen(pszBytes) + 1 : static_cast<std::size_t>(nBytes));
     COutput<wchar_t> output(pszWide, nWideLength);
     if (nCodePage == CP_UTF8) {
-        for (std::size_t nPosition = 0; nPosition < strBytes.size();) {
+        for (std::size_t nPosition = output.AppendAscii(strBytes); nPosition < strBytes.size();
+             nPosition += output.AppendAscii(strBytes.substr(nPosition))) {
             std::uint32_t nCharacter = 0;
             const bool bValid = ReadUtf8(strBytes, nPosition, nCharacter);
             if (!bValid && bStrict)
@@ -352,7 +367,8 @@ int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR pszBytes, in
         const CCodePage* pCodePage = FindCodePage(nCodePage);
         if (pCodePage == nullptr)
             return FailConversion(ERROR_INVALID_PARAMETER);
-        for (std::size_t nPosition = 0; nPosition < strBytes.size();) {
+        for (std::size_t nPosition = output.AppendAscii(strBytes); nPosition < strBytes.size();
+             nPosition += output.AppendAscii(strBytes.substr(nPosition))) {
             const auto character = pCodePage->ToWide(strBytes.substr(nPosition));
             if (!character && bStrict)
                 return FailConversion(ERROR_NO_UNICODE_TRANSLATION);

@@ -1,15 +1,16 @@
 #include "BroadcastDatagram.h"
 
 #include <climits>
+#include <string_view>
+#include <utility>
 
 #include "XmlElement.h"
 #include "host/EventRecord.h"
 
 namespace {
 
-constexpr const wchar_t* FRAME_BEGIN = L"[.{";
-constexpr const wchar_t* FRAME_END = L"}.]";
-constexpr int FRAME_MARK_LENGTH = 3;
+constexpr std::wstring_view FRAME_BEGIN = L"[.{";
+constexpr std::wstring_view FRAME_END = L"}.]";
 
 } // namespace
 
@@ -45,14 +46,16 @@ bool ReadBroadcast(std::span<const unsigned char> datagram, SBroadcastItem& item
         nRefusal = EBroadcastRefusal::NotText;
         return false;
     }
-    strText.ReleaseBuffer(nLength);
-    if (nLength < 2 * FRAME_MARK_LENGTH || strText.Left(FRAME_MARK_LENGTH) != FRAME_BEGIN ||
-        strText.Right(FRAME_MARK_LENGTH) != FRAME_END) {
+    std::wstring_view text(strText.GetString(), static_cast<size_t>(nLength));
+    if (text.size() < FRAME_BEGIN.size() + FRAME_END.size() || !text.starts_with(FRAME_BEGIN) ||
+        !text.ends_with(FRAME_END)) {
         nRefusal = EBroadcastRefusal::NotFramed;
         return false;
     }
+    text.remove_prefix(FRAME_BEGIN.size());
+    text.remove_suffix(FRAME_END.size());
     CXmlElement element;
-    if (!element.Parse(strText.Mid(FRAME_MARK_LENGTH, nLength - 2 * FRAME_MARK_LENGTH), "Broadcast")) {
+    if (!element.Parse(text, "Broadcast")) {
         nRefusal = EBroadcastRefusal::NotXml;
         return false;
     }
@@ -62,6 +65,6 @@ bool ReadBroadcast(std::span<const unsigned char> datagram, SBroadcastItem& item
         nRefusal = EBroadcastRefusal::AttributeMissing;
         return false;
     }
-    item = read;
+    item = std::move(read);
     return true;
 }

@@ -3,19 +3,9 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
-#include <map>
-#include <optional>
-#include <string>
-#include <string_view>
-
-#include <pugixml.hpp>
+#include <cstring>
 
 #include "HostSetup.h"
-
-struct CXmlElement::SDocument {
-    pugi::xml_document document;
-    std::map<std::string_view, std::string> attributes; ///< names within the document, and values
-};
 
 namespace {
 
@@ -24,6 +14,9 @@ namespace {
 // refused.
 constexpr unsigned PARSE_OPTIONS = pugi::parse_fragment | pugi::parse_pi | pugi::parse_doctype | pugi::parse_cdata |
                                    pugi::parse_wconv_attribute | pugi::parse_eol;
+
+constexpr size_t USUAL_ATTRIBUTES = 9; // a record's; a broadcast has four
+constexpr auto NAME = &std::pair<std::string_view, std::string_view>::first;
 
 /// The character that a reference names, such as "lt" or "#x3C"; nothing when it names none.
 std::optional<std::uint32_t> NamedCharacter(std::string_view name) {
@@ -49,85 +42,91 @@ std::optional<std::uint32_t> NamedCharacter(std::string_view name) {
     return nCharacter;
 }
 
-void AppendUtf8(std::string& utf8, std::uint32_t nCharacter) {
+/// The character in UTF-8, written there; tells where it ends.
+char* WriteUtf8(char* pTo, std::uint32_t nCharacter) {
     const int nTrail = nCharacter < 0x80 ? 0 : nCharacter < 0x800 ? 1 : nCharacter < 0x10000 ? 2 : 3;
     constexpr unsigned LEADS[] = {0x00, 0xC0, 0xE0, 0xF0};
-    utf8 += static_cast<char>(LEADS[nTrail] | nCharacter >> 6 * nTrail);
+    *pTo++ = static_cast<char>(LEADS[nTrail] | nCharacter >> 6 * nTrail);
     for (int i = nTrail - 1; i >= 0; --i) {
-        utf8 += static_cast<char>(0x80 | (nCharacter >> 6 * i & 0x3F));
+        *pTo++ = static_cast<char>(0x80 | (nCharacter >> 6 * i & 0x3F));
     }
+    return pTo;
 }
 
-/// A value with its references replaced; nothing when it isn't one.
-std::optional<std::string> ReadValue(std::string_view written) {
-    std::string value;
-    while (!written.empty()) {
-        const size_t nPlain = std::min(written.find_first_of("&<"), written.size());
-        value.append(written.substr(0, nPlain));
-        written.remove_prefix(nPlain);
-        if (written.empty()) {
-            break;
+/// A value, its references replaced in place: none is shorter than what it names. Nothing when it isn't a value.
+std::optional<std::string_view> ReadValue(char* pWritten) {
+    char* pEnd = pWritten;
+    for (const char* pRead = pWritten; *pRead != '\0';) {
+        if (*pRead != '&' && *pRead != '<') {
+            *pEnd++ = *pRead++;
+            continue;
         }
-        const size_t nEnd = written.find(';');
-        const auto character = written.starts_with('&') && nEnd != std::string_view::npos
-                                   ? NamedCharacter(written.substr(1, nEnd - 1))
-                                   : std::nullopt;
+        const char* pReferenceEnd = *pRead == '&' ? std::strchr(pRead, ';') : nullptr;
+        const auto character = pReferenceEnd != nullptr ? NamedCharacter({pRead + 1, pReferenceEnd}) : std::nullopt;
         if (!character) {
             return std::nullopt;
         }
-        AppendUtf8(value, *character);
-        written.remove_prefix(nEnd + 1);
+        pEnd = WriteUtf8(pEnd, *character);
+        pRead = pReferenceEnd + 1;
     }
-    return value;
+    return std::string_view(pWritten, pEnd);
 }
 
 } // namespace
 
-CXmlElement::CXmlElement() : m_pDocument(std::make_unique<SDocument>()) {}
-CXmlElement::~CXmlElement() = default;
-
-bool CXmlElement::Parse(const CString& strXml, const char* pszName) {
-    auto& [document, attributes] = *m_pDocument;
-    attributes.clear();
-    const std::string utf8 = ToUtf8(strXml, strXml.GetLength());
+bool CXmlElement::Parse(std::wstring_view xml, const char* pszName) {
+    m_attributes.clear();
+    m_strText = ToUtf8(xml.data(), static_cast<int>(xml.size()));
     // The library takes a zero for the end.
-    if (utf8.find('\0') != std::string::npos ||
-        !document.load_buffer(utf8.data(), utf8.size(), PARSE_OPTIONS, pugi::encoding_utf8)) {
+    if (m_strText.find('\0') != std::string::npos ||
+        !m_document.load_buffer_inplace(m_strText.data(), m_strText.size(), PARSE_OPTIONS, pugi::encoding_utf8)) {
         return false;
     }
-    const pugi::xml_node element = document.first_child();
+    const pugi::xml_node element = m_document.first_child();
     if (element.type() != pugi::node_element || element.next_sibling() || element.first_child() ||
         std::string_view(element.name()) != pszName) {
         return false;
     }
+    m_attributes.reserve(USUAL_ATTRIBUTES);
     for (const pugi::xml_attribute& attribute : element.attributes()) {
-        auto value = ReadValue(attribute.value());
-        if (!value || !attributes.emplace(attribute.name(), std::move(*value)).second) {
-            attributes.clear();
+        const auto value = ReadValue(m_strText.data() + (attribute.value() - m_strText.data()));
+        if (!value) {
+            m_attributes.clear();
             return false;
         }
+        m_attributes.emplace_back(attribute.name(), *value);
+    }
+    std::ranges::sort(m_attributes, {}, NAME);
+    if (std::ranges::adjacent_find(m_attributes, {}, NAME) != m_attributes.end()) {
+        m_attributes.clear();
+        return false;
     }
     return true;
 }
 
+/// The value of an attribute; nothing without it.
+std::optional<std::string_view> CXmlElement::Find(std::string_view name) const {
+    const auto attribute = std::ranges::lower_bound(m_attributes, name, {}, NAME);
+    return attribute != m_attributes.end() && attribute->first == name ? std::optional(attribute->second) : std::nullopt;
+}
+
 bool CXmlElement::GetText(const char* pszAttribute, CString& strValue) const {
-    const auto attribute = m_pDocument->attributes.find(pszAttribute);
-    if (attribute == m_pDocument->attributes.end()) {
+    const auto value = Find(pszAttribute);
+    if (!value) {
         return false;
     }
-    strValue = FromUtf8(attribute->second);
+    strValue = FromUtf8(*value);
     return true;
 }
 
 bool CXmlElement::GetNumber(const char* pszAttribute, int& nValue) const {
-    const auto attribute = m_pDocument->attributes.find(pszAttribute);
-    if (attribute == m_pDocument->attributes.end()) {
+    const auto value = Find(pszAttribute);
+    if (!value) {
         return false;
     }
-    const std::string& text = attribute->second;
-    const char* pEnd = text.data() + text.size();
+    const char* pEnd = value->data() + value->size();
     int nParsed = 0;
-    const auto [pRead, nError] = std::from_chars(text.data(), pEnd, nParsed);
+    const auto [pRead, nError] = std::from_chars(value->data(), pEnd, nParsed);
     if (nError != std::errc() || pRead != pEnd) {
         return false;
     }

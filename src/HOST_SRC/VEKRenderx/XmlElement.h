@@ -3,25 +3,28 @@
 
 #include <afxwin.h>
 
-#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <pugixml.hpp>
 
 /// A document of exactly one element without content. An XML declaration and comments beside it are passed over.
 class CXmlElement {
 public:
     /// False, and no element, for a text that isn't such a document or whose element has another name.
-    bool Parse(const CString& strXml, const char* pszName);
-
-    CXmlElement();
-    ~CXmlElement();
-
-    CXmlElement(const CXmlElement&) = delete;
-    CXmlElement& operator=(const CXmlElement&) = delete;
+    bool Parse(std::wstring_view xml, const char* pszName);
 
     /// The value of an attribute; false, and no change, without it or, for a number, when it isn't one in decimal.
     bool GetText(const char* pszAttribute, CString& strValue) const;
     bool GetNumber(const char* pszAttribute, int& nValue) const;
 
 private:
-    struct SDocument;
-    std::unique_ptr<SDocument> m_pDocument;
+    std::optional<std::string_view> Find(std::string_view name) const;
+
+    std::string m_strText; ///< what the document and the attributes point into
+    pugi::xml_document m_document;
+    std::vector<std::pair<std::string_view, std::string_view>> m_attributes; ///< names and values, by name
 };
