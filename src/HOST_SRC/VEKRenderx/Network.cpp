@@ -36,10 +36,10 @@ CString CQORPanelRemoteCtrlData::GetXmlDoc() const {
 bool CQORPanelRemoteCtrlData::SetXmlDoc(const CString& strXml) {
     CXmlElement element;
     CQORPanelRemoteCtrlData read;
-    if (!element.Parse({strXml.GetString(), static_cast<size_t>(strXml.GetLength())}, RECORD_ELEMENT) || !element.GetText("DevID", read.m_strDevID) ||
-        !element.GetText("DevName", read.m_strDevName) || !element.GetText("ClipName", read.m_strClipName) ||
-        !element.GetText("GroupName", read.m_strGroupName) || !element.GetText("KeyName", read.m_strKeyName) ||
-        !element.GetNumber("KeyNumber", read.m_nKeyNumber) ||
+    if (!element.Parse({strXml.GetString(), static_cast<size_t>(strXml.GetLength())}, RECORD_ELEMENT) ||
+        !element.GetText("DevID", read.m_strDevID) || !element.GetText("DevName", read.m_strDevName) ||
+        !element.GetText("ClipName", read.m_strClipName) || !element.GetText("GroupName", read.m_strGroupName) ||
+        !element.GetText("KeyName", read.m_strKeyName) || !element.GetNumber("KeyNumber", read.m_nKeyNumber) ||
         !element.GetText("HelpParameter", read.m_strHelpParameter) ||
         !element.GetText("KeyValue", read.m_strKeyValue) || !element.GetNumber("Layer", read.m_nLayer)) {
         return false;

@@ -107,7 +107,8 @@ bool CXmlElement::Parse(std::wstring_view xml, const char* pszName) {
 /// The value of an attribute; nothing without it.
 std::optional<std::string_view> CXmlElement::Find(std::string_view name) const {
     const auto attribute = std::ranges::lower_bound(m_attributes, name, {}, NAME);
-    return attribute != m_attributes.end() && attribute->first == name ? std::optional(attribute->second) : std::nullopt;
+    return attribute != m_attributes.end() && attribute->first == name ? std::optional(attribute->second)
+                                                                       : std::nullopt;
 }
 
 bool CXmlElement::GetText(const char* pszAttribute, CString& strValue) const {
