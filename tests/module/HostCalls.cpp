@@ -26,9 +26,6 @@ std::wstring_view s_failingKey;
 int s_nAnswered = 0;
 void (*s_pRaise)() = nullptr;
 
-bool s_bMarked = false;
-bool s_bLoseLastValue = false;
-
 CarelessHost* s_pCareless = nullptr;
 
 void NoteExtraWord(const VEKParam* pParam) {
@@ -53,7 +50,7 @@ CString LoadFailableString(const wchar_t* pszKey) {
     if (s_pRaise != nullptr && pszKey == s_failingKey && s_nAnswered-- <= 0) {
         s_pRaise();
     }
-    return s_bMarked ? CString(L"<") + pszKey + L">" : s_pOriginal(pszKey);
+    return s_bTextsMarked ? CString(L"<") + pszKey + L">" : s_pOriginal(pszKey);
 }
 
 void SetRange(VEKParam* pParam, float fValue, float fMinimum, float fMaximum, float fStep) {
@@ -93,7 +90,7 @@ VEKParam* MakeParam(VEKParam* pParam, unsigned nId, const CString& strName, cons
 void ParseObject(const web::json::value& value, CStringArray& arKey, CStringArray& arValue) {
     static const auto s_pOriginal = Original<decltype(G_ParseDataFormJsObj)>(JSON_LIBRARY, PARSE_OBJECT);
     s_pOriginal(value, arKey, arValue);
-    if (s_bLoseLastValue && !arValue.IsEmpty()) {
+    if (s_bLastValueLost && !arValue.IsEmpty()) {
         arValue.RemoveAt(arValue.GetUpperBound());
     }
 }
@@ -116,26 +113,10 @@ FailingText::~FailingText() {
     s_pRaise = nullptr;
 }
 
-MarkedTexts::MarkedTexts() {
-    s_bMarked = true;
-}
-
-MarkedTexts::~MarkedTexts() {
-    s_bMarked = false;
-}
-
 CarelessHost::CarelessHost() {
     s_pCareless = this;
 }
 
 CarelessHost::~CarelessHost() {
     s_pCareless = nullptr;
-}
-
-LostLastValue::LostLastValue() {
-    s_bLoseLastValue = true;
-}
-
-LostLastValue::~LostLastValue() {
-    s_bLoseLastValue = false;
 }

@@ -23,15 +23,24 @@ public:
     FailingText& operator=(const FailingText&) = delete;
 };
 
-/// While an object lives, PXLoadString answers the key in angle brackets.
-class MarkedTexts {
+/// A switch that is on while an object lives.
+template <bool& bOn>
+class While {
 public:
-    MarkedTexts();
-    ~MarkedTexts();
+    While() { bOn = true; }
+    ~While() { bOn = false; }
 
-    MarkedTexts(const MarkedTexts&) = delete;
-    MarkedTexts& operator=(const MarkedTexts&) = delete;
+    While(const While&) = delete;
+    While& operator=(const While&) = delete;
 };
+
+/// PXLoadString answers the key in angle brackets.
+inline bool s_bTextsMarked = false;
+using MarkedTexts = While<s_bTextsMarked>;
+
+/// G_ParseDataFormJsObj gives the module one value too few.
+inline bool s_bLastValueLost = false;
+using LostLastValue = While<s_bLastValueLost>;
 
 /// While an object lives, parameters are made with junk in their value and type name, and SetParamValue records the
 /// range alone.
@@ -47,14 +56,4 @@ public:
 
     /// The extra words of the pins for which SetParamValue and SetParamBoolValue were called, at each call.
     std::vector<long long> m_extraWords;
-};
-
-/// While an object lives, G_ParseDataFormJsObj gives the module one value too few.
-class LostLastValue {
-public:
-    LostLastValue();
-    ~LostLastValue();
-
-    LostLastValue(const LostLastValue&) = delete;
-    LostLastValue& operator=(const LostLastValue&) = delete;
 };

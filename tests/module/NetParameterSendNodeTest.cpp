@@ -2,7 +2,6 @@
 #include <climits>
 
 #include "HostCalls.h"
-#include "ModuleHost.h"
 #include "ParamText.h"
 #include "TestDevices.h"
 
@@ -23,20 +22,14 @@ enum : unsigned {
     TO_DEV = 412,
 };
 
-constexpr UINT NOTIFY_MESSAGE = WM_APP + 18;
-
 const LogLine NO_DEVICE_ID = Error("[Clip.Graph.Node]找不到网络播放控制设备ID");
 const LogLine NO_DEVICE = Error("[Clip.Graph.Node]找不到网络播放控制设备");
 const LogLine SENT = Information("[Clip.Graph.Node]触发事件");
 
-class NetParameterSendNode : public ModuleTest {
+class NetParameterSendNode : public SendingNodeTest {
 protected:
-    NetParameterSendNode() {
-        m_scene.m_pNode->m_hNotifyWnd = m_host.Window();
-        m_scene.m_pNode->m_nNotifyMsg = NOTIFY_MESSAGE;
-    }
+    NetParameterSendNode() : SendingNodeTest(TYPE_NET_PARAMETER_SEND) {}
 
-    VEKParam& Input(unsigned nId) const { return m_scene.Input(nId); }
     VEKParamGroupList& Groups() const { return m_scene.m_pNode->m_lstParamGroup; }
 
     /// Fill in a device, as it's written in the panel.
@@ -54,31 +47,13 @@ protected:
 
     /// Evaluate once with "Send" set. What was sent.
     std::vector<SentItem> Sent() {
-        if (m_pSend == nullptr) {
-            m_pSend = &m_scene.AddGraphInput(SEND, 26, 7);
-        }
-        m_pSend->m_nValue = 1;
+        m_send.m_nValue = 1;
         EXPECT_EQ(m_scene.Evaluate(), 1);
-        m_pSend->m_nValue = 0;
+        m_send.m_nValue = 0;
         return m_devices.TakeSent();
     }
 
-    /// The panel was redrawn, and its window notified, or not.
-    void ExpectRedrawn(bool bRedrawn, bool bNotified) {
-        EXPECT_EQ(m_host.TakeRedraws(),
-                  bRedrawn ? std::vector<SGraphNode*>{&m_scene.m_graphNode} : std::vector<SGraphNode*>{});
-        const std::vector<MSG> messages = m_host.TakeOtherMessages();
-        ASSERT_EQ(messages.size(), bNotified ? 1u : 0u);
-        if (bNotified) {
-            EXPECT_EQ(messages[0].message, NOTIFY_MESSAGE);
-            EXPECT_EQ(messages[0].wParam, 0u);
-            EXPECT_EQ(messages[0].lParam, 1);
-        }
-    }
-
-    NodeScene m_scene{m_host, TYPE_NET_PARAMETER_SEND};
-    TestDevices m_devices;
-    VEKParam* m_pSend = nullptr;
+    VEKParam& m_send = m_scene.AddGraphInput(SEND, 26, 7);
 };
 
 // ---- Upgrades ------------------------------------------------------------------------------------------------------

@@ -1,5 +1,4 @@
 // The string data send node: the bytes that it sends to which devices, its panel.
-#include "ModuleHost.h"
 #include "TestDevices.h"
 
 namespace {
@@ -15,18 +14,14 @@ enum : unsigned {
     SEND = 1507,
 };
 
-constexpr UINT NOTIFY_MESSAGE = WM_APP + 18;
-
 const LogLine SENDING = Information("[Clip.Graph.Node]触发发送事件");
 
 /// Devices and the bytes that went there.
 using Sent = std::vector<std::pair<int, std::string>>;
 
-class StringDataSendNode : public ModuleTest {
+class StringDataSendNode : public SendingNodeTest {
 protected:
-    StringDataSendNode() {
-        m_scene.m_pNode->m_hNotifyWnd = m_host.Window();
-        m_scene.m_pNode->m_nNotifyMsg = NOTIFY_MESSAGE;
+    StringDataSendNode() : SendingNodeTest(TYPE_STRING_DATA_SEND) {
         m_send.m_nValue = 1;
         m_devices.Add(0, L"Zero", ParserKind::Direct);
         m_devices.Add(1000, L"Thousand", ParserKind::Direct);
@@ -35,8 +30,6 @@ protected:
         m_devices.Add(3, L"Three", ParserKind::None);
         m_devices.Publish();
     }
-
-    VEKParam& Input(unsigned nId) const { return m_scene.Input(nId); }
 
     Sent Evaluated() {
         EXPECT_EQ(m_scene.Evaluate(), 1);
@@ -50,9 +43,7 @@ protected:
 
     int UpdateSingle(unsigned nId) { return m_scene.m_pNode->UpdateSingleParamValue(GUID{nId, 0, 0, {}}); }
 
-    NodeScene m_scene{m_host, TYPE_STRING_DATA_SEND};
     VEKParam& m_send = m_scene.AddGraphInput(SEND, 26, 7);
-    TestDevices m_devices;
 };
 
 TEST_F(StringDataSendNode, SendsTheTextInTheChosenCodePageWithItsZero) {
@@ -127,16 +118,14 @@ TEST_F(StringDataSendNode, AsksForEditsByTheWholeGuid) {
 TEST_F(StringDataSendNode, AnEditOfToDevRedrawsThePanel) {
     m_send.m_nValue = 0;
     m_scene.Evaluate();
-    EXPECT_TRUE(m_host.TakeRedraws().empty()) << "evaluations leave the panel alone";
     EXPECT_EQ(UpdateSingle(DEV_ID), 0);
+    ExpectRedrawn(false, false); // evaluations leave the panel alone
 
     EXPECT_EQ(UpdateSingle(TO_DEV), 1);
     EXPECT_EQ(Input(DEV_ID).m_bAvailable, 1);
-    EXPECT_EQ(m_host.TakeRedraws(), std::vector<SGraphNode*>{&m_scene.m_graphNode});
-    EXPECT_EQ(m_host.TakeOtherMessages().size(), 1u);
+    ExpectRedrawn(true, true);
     EXPECT_EQ(UpdateSingle(TO_DEV), 1); // no change
-    EXPECT_TRUE(m_host.TakeRedraws().empty());
-    EXPECT_TRUE(m_host.TakeOtherMessages().empty());
+    ExpectRedrawn(false, false);
 
     Input(DEV_ID).m_strValue = L"3";
     Input(DEV_ID).m_nValue = 3;
@@ -148,11 +137,7 @@ TEST_F(StringDataSendNode, AnEditOfToDevRedrawsThePanel) {
         EXPECT_EQ(Utf8(Input(nId).m_strValue), "");
     }
     EXPECT_EQ(Input(DEV_ID).m_nValue, 3);
-    EXPECT_EQ(m_host.TakeRedraws().size(), 1u);
-    const std::vector<MSG> messages = m_host.TakeOtherMessages();
-    ASSERT_EQ(messages.size(), 1u);
-    EXPECT_EQ(messages[0].message, NOTIFY_MESSAGE);
-    EXPECT_EQ(messages[0].lParam, 1);
+    ExpectRedrawn(true, true);
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "DeviceList.h"
+#include "ModuleHost.h"
 #include "SocketTransport.h"
 #include "host/Clip.h"
 #include "host/PlayControlDevice.h"
@@ -56,4 +57,33 @@ private:
     std::vector<std::shared_ptr<Device>> m_devices;
     std::vector<SentItem> m_sent;
     bool m_bTakes = true;
+};
+
+/// A node that sends to devices, at its place; its panel tells the host's window of its changes.
+class SendingNodeTest : public ModuleTest {
+protected:
+    static constexpr UINT NOTIFY_MESSAGE = WM_APP + 18;
+
+    explicit SendingNodeTest(unsigned char nTypeByte) : m_scene(m_host, nTypeByte) {
+        m_scene.m_pNode->m_hNotifyWnd = m_host.Window();
+        m_scene.m_pNode->m_nNotifyMsg = NOTIFY_MESSAGE;
+    }
+
+    VEKParam& Input(unsigned nId) const { return m_scene.Input(nId); }
+
+    /// The panel was redrawn, and its window notified, or not.
+    void ExpectRedrawn(bool bRedrawn, bool bNotified) {
+        EXPECT_EQ(m_host.TakeRedraws(),
+                  bRedrawn ? std::vector<SGraphNode*>{&m_scene.m_graphNode} : std::vector<SGraphNode*>{});
+        const std::vector<MSG> messages = m_host.TakeOtherMessages();
+        ASSERT_EQ(messages.size(), bNotified ? 1u : 0u);
+        if (bNotified) {
+            EXPECT_EQ(messages[0].message, NOTIFY_MESSAGE);
+            EXPECT_EQ(messages[0].wParam, 0u);
+            EXPECT_EQ(messages[0].lParam, 1);
+        }
+    }
+
+    NodeScene m_scene;
+    TestDevices m_devices;
 };
