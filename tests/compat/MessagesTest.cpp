@@ -123,15 +123,6 @@ TEST_F(MessagesTest, ClassesAreRegisteredOnce) {
     EXPECT_FALSE(UnregisterClassW(L"NoSuchClass", GetModuleHandleW(nullptr)));
 }
 
-TEST_F(MessagesTest, WindowsAreEnabledUntilDisabled) {
-    EXPECT_TRUE(IsWindowEnabled(m_hWnd));
-    EXPECT_FALSE(EnableWindow(m_hWnd, FALSE));
-    EXPECT_TRUE(EnableWindow(m_hWnd, FALSE));
-    EXPECT_FALSE(IsWindowEnabled(m_hWnd));
-    EXPECT_TRUE(EnableWindow(m_hWnd, TRUE));
-    EXPECT_TRUE(IsWindowEnabled(m_hWnd));
-}
-
 #if !defined(_WIN32) // there, the limit is a setting
 
 TEST_F(MessagesTest, TheQueueHoldsTenThousandMessages) {

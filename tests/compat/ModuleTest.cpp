@@ -119,16 +119,3 @@ TEST_F(ModuleTest, CarriesItsIcons) {
     EXPECT_TRUE(FreeLibrary(hModule));
     EXPECT_TRUE(DestroyIcon(hSecond)) << "it outlives the module";
 }
-
-#if !defined(_WIN32)
-
-TEST_F(ModuleTest, TheEntryCanBeCalledForOtherReasons) {
-    const HMODULE hModule = Load();
-    EntryCalls();
-    constexpr DWORD nReason = 7;
-    EXPECT_TRUE(CompatCallModuleEntry(hModule, nReason));
-    EXPECT_EQ(EntryCalls(), std::vector<WPARAM>{nReason});
-    EXPECT_TRUE(FreeLibrary(hModule));
-}
-
-#endif

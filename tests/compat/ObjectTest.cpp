@@ -74,7 +74,9 @@ TEST(WndTest, ForwardsToTheWindowThatItOwns) {
         EXPECT_FALSE(window.Attach(nullptr));
         ASSERT_TRUE(window.Attach(hOwned));
         EXPECT_EQ(window.GetSafeHwnd(), hOwned);
+        EXPECT_TRUE(window.IsWindowEnabled());
         EXPECT_FALSE(window.EnableWindow(FALSE));
+        EXPECT_TRUE(window.EnableWindow(FALSE));
         EXPECT_FALSE(window.IsWindowEnabled());
         EXPECT_TRUE(window.EnableWindow());
         EXPECT_TRUE(window.IsWindowEnabled());
