@@ -2,6 +2,7 @@
 // long or too deep. The verdicts are the same in every build; docs/json.md tells where they aren't the standard's.
 #include "ModuleHost.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <iterator>
 #include <random>
