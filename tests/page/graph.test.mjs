@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import * as is from "./support/page.mjs";
-import { page, script, useScene } from "./support/scene.mjs";
+import { browser, host, page, script, useScene } from "./support/scene.mjs";
 import { createNode, expectEventually, must, Type, until } from "./support/session.mjs";
 
 const TEXT_INPUT = 202;
@@ -34,6 +34,25 @@ test("a node's face counts its events and shows its values", async () => {
   await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
   await expectEventually("the count", () => face("k").locator('[data-face-count="1"]').count(), 1);
   await until("the key's name", async () => (await face("k").innerText()).includes("F5"));
+});
+
+test("a page that opens later shows the same counts, and when they are reset all pages count anew", async () => {
+  const press = () => must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
+  await press();
+  await press();
+  await page.fires(is.KEY_DOWN, 2);
+  const other = await is.openPage(browser, host);
+  await other.fires(is.KEY_DOWN, 2);
+  await expectEventually("the count", () => other.page.locator('[data-face="k"] [data-face-count="2"]').count(), 1);
+  await other.page.locator(".react-flow__edge").focus();
+  await other.keyboard.press("Enter");
+  await other.page.locator("[data-wire-value]", { hasText: "2 times" }).waitFor();
+  await other.page.getByRole("button", { name: "Reset counts" }).click();
+  await page.fires(is.KEY_DOWN, 0);
+  await press();
+  await page.fires(is.KEY_DOWN, 1);
+  await other.fires(is.KEY_DOWN, 1);
+  await other.close();
 });
 
 test("a wire that is drawn from an event to an event is a link", async () => {

@@ -62,6 +62,11 @@ export async function createNode(session, node, type, graph) {
   }
 }
 
+/** How often an output has fired by now; the page is told a few times a second. */
+export async function timesFired(session, [node, output]) {
+  return (await must(session, { op: "counters" })).nodes[node].outputs?.[output] ?? 0;
+}
+
 /** A keyboard node "k" and a mouse node "m", as the tests use them. */
 export async function createScene(address, options) {
   const session = await openSession(address, options);

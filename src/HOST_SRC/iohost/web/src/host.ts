@@ -4,7 +4,7 @@ import { FrameWatch } from "./frames.ts";
 import { Holders } from "./input/holders.ts";
 import { KeyboardState } from "./input/keyboardState.ts";
 import { VirtualKey } from "./input/virtualKeys.ts";
-import { NEVER_FIRED, NO_VALUE, NodeSignals, OutputSignals } from "./live.ts";
+import { NO_VALUE, NodeSignals, OutputSignals } from "./live.ts";
 import { LogBuffer } from "./log.ts";
 import { NodeType, nodesOf } from "./nodeTypes.ts";
 import { Pace } from "./pace.ts";
@@ -49,10 +49,11 @@ export class Host implements ConnectionListener {
   });
   readonly capsLock = signal(false);
   readonly values = new OutputSignals(NO_VALUE);
-  readonly fired = new OutputSignals(NEVER_FIRED);
+  /** When an event output fired last that this page heard of, in milliseconds since 1970; null: not since the reset. */
+  readonly fired = new OutputSignals<number | null>(null);
   /** When each node last did something, in milliseconds since 1970; null: never yet. */
   readonly active = new NodeSignals<number | null>(null);
-  /** What each node did since the scene came, whoever looks; null: nothing yet. */
+  /** What each node did since it was made or its counters were reset, whoever looked; null until the host told. */
   readonly counters = new NodeSignals<NodeCounts | null>(null);
   /** Undo, redo and the scene's file; null until the host told. */
   readonly scene = signal<SceneState | null>(null);
@@ -130,8 +131,14 @@ export class Host implements ConnectionListener {
     this.log.publish();
   }
 
+  /** For all pages. */
   resetCounts(): void {
-    this.#pace.show(() => this.fired.reset());
+    this.#connection.send({ op: "reset_counters" });
+  }
+
+  /** How often an event output fired, as the counters tell. */
+  firedCount(node: string, output: number): number {
+    return this.counters.of(node).value?.outputs?.[output] ?? 0;
   }
 
   lost(retryInMs: number): void {
@@ -236,6 +243,9 @@ export class Host implements ConnectionListener {
       this.active.of(node).value = Date.now();
     }
     shown.value = counters;
+    if (counters.fired === 0) {
+      this.fired.reset(node);
+    }
   }
 
   #heldChanged(entries: HeldEntry[], released: number[]): void {
@@ -265,8 +275,7 @@ export class Host implements ConnectionListener {
     if (posted !== undefined) {
       this.#pace.show(() => {
         for (const { node, output } of firedByNodes(posted)) {
-          const fired = this.fired.of(node, output);
-          fired.value = { count: fired.value.count + 1, last: now };
+          this.fired.of(node, output).value = now;
           this.active.of(node).value = now;
         }
       });

@@ -2,13 +2,6 @@
 import { signal, type Signal } from "@preact/signals";
 import type { OutputValue } from "./protocol.ts";
 
-export interface Fired {
-  count: number;
-  /** When it fired last, in milliseconds since 1970; null: never yet. */
-  last: number | null;
-}
-
-export const NEVER_FIRED: Fired = { count: 0, last: null };
 export const NO_VALUE: OutputValue = { int: 0, float: 0, string: "" };
 
 /** Signals by node and output, made when they are first asked for. */
@@ -40,8 +33,9 @@ export class OutputSignals<Value> {
     }
   }
 
-  reset(): void {
-    for (const outputs of this.#signals.values()) {
+  /** Of one node, or of all. */
+  reset(node?: string): void {
+    for (const outputs of node === undefined ? this.#signals.values() : [this.#signals.get(node) ?? []]) {
       for (const one of outputs.values()) {
         one.value = this.#initial;
       }

@@ -70,7 +70,7 @@ export function Face({ data: { editor, node, folded, linked }, selected }: NodeP
           ))}
         </div>
       </div>
-      <NodeCounters host={host} node={node} />
+      <NodeCounters host={host} node={node.node} />
       <JsonVerdictLine host={host} node={node.node} />
       {warning !== null && <p class="face-warning">{warning}</p>}
     </div>
@@ -178,11 +178,12 @@ function OutputPin({ hasValue, ...props }: PinProps & { hasValue: boolean }) {
 /** What an output shows right now: how often it fired, or its value. */
 function OutputState({ host, node, param }: { host: Host; node: string; param: Param }) {
   if (sortOf(param) === "event") {
-    const { count } = host.fired.of(node, param.id).value;
+    const count = host.firedCount(node, param.id);
+    const last = host.fired.of(node, param.id).value;
     return (
-      <span class={count > 0 ? "face-value fired" : "face-value"} data-face-count={count}>
+      <span class={last !== null ? "face-value fired" : "face-value"} data-face-count={count}>
         {/* A new key makes a new element, whose flash starts afresh. */}
-        <span class="event-lamp" key={count} aria-hidden="true" /> {count}
+        <span class="event-lamp" key={last} aria-hidden="true" /> {count}
       </span>
     );
   }

@@ -1,17 +1,12 @@
-import type { Host, NodeView } from "../host.ts";
+import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { NodeCounts } from "../protocol.ts";
-import { outputsOf } from "../nodePins.ts";
-import { sortOf } from "./wiring.ts";
 
 /** How often a node did what, in one line. */
-export function NodeCounters({ host, node }: { host: Host; node: NodeView }) {
-  const events = outputsOf(node).filter((param) => sortOf(param) === "event");
-  const fired = events.reduce((sum, { id }) => sum + host.fired.of(node.node, id).value.count, 0);
-  const counters = host.counters.of(node.node).value;
+export function NodeCounters({ host, node }: { host: Host; node: string }) {
   return (
     <p class="face-counters" data-counters>
-      {counterTexts(counters ?? { fired }).join(" · ")}
+      {counterTexts(host.counters.of(node).value ?? {}).join(" · ")}
     </p>
   );
 }

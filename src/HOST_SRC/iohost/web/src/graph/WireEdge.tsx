@@ -42,11 +42,11 @@ interface Carried {
 
 /** Stays dark for what ran before it was drawn. */
 function Pulse({ host, link, output, path }: Carried & { path: string }) {
-  const { count } = host.fired.of(link.from, output.id).value;
+  const fired = host.fired.of(link.from, output.id).value;
   const { int, float, string } = host.values.of(link.from, output.id).value;
-  const passed = sortOf(output) === "event" ? count : `${int} ${float} ${string}`;
+  const passed = sortOf(output) === "event" ? fired : `${int} ${float} ${string}`;
   const beats = useRef({ passed, count: 0 });
-  if (beats.current.passed !== passed) {
+  if (passed !== null && beats.current.passed !== passed) {
     beats.current = { passed, count: beats.current.count + 1 };
   }
   return beats.current.count === 0 ? null : (
@@ -60,7 +60,7 @@ function WireValue({ host, link, output }: Carried) {
   return (
     <span class="wire-value" data-wire-value>
       {isEvent ? (
-        t("{count} times", { count: host.fired.of(link.from, output.id).value.count })
+        t("{count} times", { count: host.firedCount(link.from, output.id) })
       ) : (
         <LongText {...shownValue(output, host.values.of(link.from, output.id).value)} />
       )}

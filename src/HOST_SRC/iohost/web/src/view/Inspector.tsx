@@ -100,7 +100,7 @@ function NodeIndex({ host, nodes }: { host: Host; nodes: readonly NodeView[] }) 
 
 const NodeIndexEntry = memo(function NodeIndexEntry({ host, node }: { host: Host; node: NodeView }) {
   const events = node.details.outputs.flatMap(({ params }) => params).filter((param) => kindOf(param) === "event");
-  const count = events.reduce((sum, { id }) => sum + host.fired.of(node.node, id).value.count, 0);
+  const last = Math.max(0, ...events.map(({ id }) => host.fired.of(node.node, id).value ?? 0));
   return (
     <button
       type="button"
@@ -110,7 +110,7 @@ const NodeIndexEntry = memo(function NodeIndexEntry({ host, node }: { host: Host
     >
       <NodeIcon type={node.type} />
       {/* A new key makes a new element, whose flash starts afresh. */}
-      {count > 0 && <span class="index-flash" key={count} aria-hidden="true" />}
+      {last > 0 && <span class="index-flash" key={last} aria-hidden="true" />}
     </button>
   );
 });

@@ -16,20 +16,21 @@ interface OutputProps {
 
 /** An event output: flashes when it fires, and says how often and when it did. */
 export function EventOutput({ host, node, param }: OutputProps) {
-  const { count, last } = host.fired.of(node, param.id).value;
+  const count = host.firedCount(node, param.id);
+  const last = host.fired.of(node, param.id).value;
   return (
     <div
-      class={count > 0 ? "output event fired" : "output event"}
+      class={last !== null ? "output event fired" : "output event"}
       title={`${param.name}, ${param.id}`}
       data-node={node}
       data-output={param.id}
       data-count={count}
     >
       {/* A new key makes a new element, whose flash starts afresh. */}
-      <span class="event-lamp" key={count} aria-hidden="true" />
+      <span class="event-lamp" key={last} aria-hidden="true" />
       <span class="output-name">{param.display}</span>
       <span class="event-count">{count}</span>
-      <span class="event-time">{last === null ? t("not yet fired") : timeOfDay(last)}</span>
+      <span class="event-time">{last !== null ? timeOfDay(last) : count === 0 && t("not yet fired")}</span>
       <LinkTargets host={host} node={node} output={param.id} />
     </div>
   );
