@@ -1,5 +1,8 @@
 // When the nodes behind a fired output are evaluated: with the next frame, or at once.
 #include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
 #include <random>
 #include <sstream>
 
@@ -98,6 +101,36 @@ TEST_F(Evaluation, TheValuesOfAChainComeAlong) {
     EXPECT_EQ(Sent(PressKey("A")), Texts{"a"});
     EXPECT_EQ(Sent(Frame()), Texts{});
     EXPECT_EQ(Sent(PressKey("B")), Texts{"ab"});
+}
+
+/// What a hand's place sends as a key number, which is an integer.
+TEST_F(Evaluation, AFloatComesToAnIntegerRounded) {
+    Talk(R"(
+        devices list=[{"id":0,"name":"Wall","parser":"framed"}]
+        create node=v type=handle clip=Clip graph=V
+        create node=s type=send clip=Clip graph=S
+        set node=s param=412 int=0
+        link from=v output=852 to=s input=407
+        link from=v output=862 to=s input=410
+    )");
+    Frame();
+    const auto moveTo = [this](double fX) {
+        OrderedJson reply;
+        for (const int nTrigger : {1, 0}) {
+            Json sample = HandSample({{"trigger", nTrigger}});
+            sample["pose"][12] = fX;
+            OrderedJson next = Must(Event(3, 0, sample));
+            if (nTrigger == 1) {
+                reply = std::move(next);
+            }
+        }
+        return reply;
+    };
+    const auto keyNumber = [](const OrderedJson& reply) { return reply["sent"][0]["record"]["KeyNumber"]; };
+    moveTo(10.5);
+    EXPECT_EQ(keyNumber(Frame()), 11);
+    Must(AT_ONCE);
+    EXPECT_EQ(keyNumber(moveTo(-20.25)), -20);
 }
 
 /// Each release of a connection that closes is an event of its own.
@@ -226,6 +259,42 @@ protected:
 
 constexpr char RAISE_IN_Q[] = "set node=q param=10 int=1";
 constexpr char TRIGGER[] = "trigger node=p param=14";
+
+TEST_F(ProbeEvaluation, AFloatIsRoundedForIntegersOnly) {
+    constexpr float ENDLESS = std::numeric_limits<float>::infinity();
+    constexpr int LEAST = std::numeric_limits<int>::min();
+    constexpr int MOST = std::numeric_limits<int>::max();
+    const std::pair<float, int> CASES[] = {
+        {0.5f, 1},    {0.49f, 0},     {-0.5f, -1},     {-2.4f, -2},       {2.5f, 3},          {16777215.0f, 16777215},
+        {3e9f, MOST}, {-3e9f, LEAST}, {ENDLESS, MOST}, {-ENDLESS, LEAST}, {std::nanf(""), 0},
+    };
+    Must("evaluate on=frame");
+    for (const int nInput : {11, 12, 13, 14}) {
+        Must("link from=p output=103 to=r input=" + std::to_string(nInput));
+    }
+    Talk(R"(
+        unlink from=p output=103 to=r input=13
+        undo
+    )");
+    const auto inputOf = [this](const char* pszNode, unsigned nId) {
+        return FindParam(m_pSession->Scene().Find(pszNode)->pGraphNode->m_lstInputGroup, MakeParamGuid(nId));
+    };
+    for (const auto& [fNumber, nRounded] : CASES) {
+        SCOPED_TRACE(fNumber);
+        inputOf("p", 11)->m_fValue = fNumber;
+        Frame();
+        EXPECT_EQ(inputOf("r", 13)->m_nValue, nRounded);
+        EXPECT_EQ(std::bit_cast<int>(inputOf("r", 13)->m_fValue), std::bit_cast<int>(fNumber));
+        for (const unsigned nOther : {11, 12, 14}) {
+            EXPECT_EQ(inputOf("r", nOther)->m_nValue, 0);
+        }
+    }
+    Must("link from=p output=102 to=r input=11");
+    Must("set node=r param=11 float=0.25");
+    Frame();
+    EXPECT_EQ(inputOf("r", 11)->m_fValue, 0.0f) << "an integer's own float is none";
+    EXPECT_EQ(Seen("r"), 0);
+}
 
 TEST_F(ProbeEvaluation, ANodeBehindTwoOthersIsEvaluatedOnce) {
     Talk(R"(

@@ -28,16 +28,16 @@ CString AppPath(const std::filesystem::path& folder) {
     return path.wstring().c_str();
 }
 
-PinTypes TypesOf(const VEKParamGroupList& lstGroup) {
-    PinTypes types;
+PinKinds KindsOf(const VEKParamGroupList& lstGroup) {
+    PinKinds kinds;
     for (POSITION pos = lstGroup.GetHeadPosition(); pos != nullptr;) {
         const VEKParamGroup& group = *lstGroup.GetNext(pos);
         for (POSITION posParam = group.m_lstParam.GetHeadPosition(); posParam != nullptr;) {
             const VEKParam& param = *group.m_lstParam.GetNext(posParam);
-            types.emplace(static_cast<unsigned>(param.m_guid.Data1), param.m_nType);
+            kinds.emplace(static_cast<unsigned>(param.m_guid.Data1), KindOf(param));
         }
     }
-    return types;
+    return kinds;
 }
 
 } // namespace
@@ -176,7 +176,7 @@ void CHost::Prepare(SNode& node, const SNodeStart& start, const SNodeContents& c
             WriteHostLine(LOG_ERROR, fault.what());
         }
     };
-    node.ownInputs = TypesOf(object.m_lstParamGroup);
+    node.ownInputs = KindsOf(object.m_lstParamGroup);
     if (contents.pSaved != nullptr) {
         ApplySavedSet(*contents.pSaved, object.m_lstParamGroup);
     }
@@ -207,7 +207,7 @@ void CHost::MakeOutputs(SNode& node) {
     const bool bNoneYet = lstOutput.IsEmpty();
     Call(&node, [&] { node.pNode->GetNodeOutput(node.pGraphNode.get()); });
     if (bNoneYet) {
-        node.ownOutputs = TypesOf(lstOutput); // all that are there are the node's own
+        node.ownOutputs = KindsOf(lstOutput); // all that are there are the node's own
     }
 }
 

@@ -15,7 +15,7 @@ OutputValues COutputChanges::Take(CScene& scene) {
             const VEKParamGroup& group = *lstGroup.GetNext(pos);
             for (POSITION posParam = group.m_lstParam.GetHeadPosition(); posParam != nullptr;) {
                 const VEKParam& output = *group.m_lstParam.GetNext(posParam);
-                if (output.m_nType == PARAM_EVENT.m_nType) {
+                if (KindOf(output) == EPinKind::Event) {
                     continue;
                 }
                 const unsigned nId = output.m_guid.Data1;

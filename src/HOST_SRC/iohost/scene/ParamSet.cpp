@@ -8,6 +8,7 @@
 
 #include "base/Refusal.h"
 #include "host/HostRender.h"
+#include "scene/Scene.h"
 
 namespace {
 
@@ -133,12 +134,11 @@ VEKParam& FindOrAdd(VEKParamGroupList& lstOwn, unsigned nId, ParamCodes codes) {
 
 /// A whole number is what a parameter of that kind holds as a float.
 void SetSavedValue(VEKParam& param, const ParamValue& value) {
-    const bool bFloat = param.m_nType == PARAM_FLOAT.m_nType && param.m_nControl == PARAM_FLOAT.m_nControl;
     if (const auto* pText = std::get_if<CString>(&value)) {
         param.m_strValue = *pText;
     } else if (const auto* pNumber = std::get_if<float>(&value)) {
         param.m_fValue = *pNumber;
-    } else if (bFloat) {
+    } else if (KindOf(param) == EPinKind::Float) {
         param.m_fValue = static_cast<float>(std::get<int>(value));
     } else {
         param.m_nValue = std::get<int>(value);

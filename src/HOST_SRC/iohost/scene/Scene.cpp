@@ -1,6 +1,8 @@
 #include "scene/Scene.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 namespace {
 
@@ -10,15 +12,30 @@ SNode* Lookup(const std::unordered_map<Key, SNode*>& nodes, const Key& key) {
     return node != nodes.end() ? node->second : nullptr;
 }
 
-void CopyValue(const VEKParam& from, VEKParam& to) {
-    to.m_nValue = from.m_nValue;
+/// The nearest whole number that an integer can hold.
+int Rounded(float fNumber) {
+    using Limits = std::numeric_limits<int>;
+    return std::isnan(fNumber)
+               ? 0
+               : static_cast<int>(std::clamp<double>(std::round(fNumber), Limits::min(), Limits::max()));
+}
+
+void CopyValue(const VEKParam& from, VEKParam& to, ELinkKind nKind) {
+    to.m_nValue = nKind == ELinkKind::Rounded ? Rounded(from.m_fValue) : from.m_nValue;
     to.m_fValue = from.m_fValue;
     to.m_strValue = from.m_strValue;
 }
 
-std::optional<int> PinType(const VEKParamGroupList& lstGroup, const PinTypes& own, unsigned nId) {
+ELinkKind LinkKind(EPinKind nOutput, EPinKind nInput) {
+    if (nOutput == EPinKind::Event) {
+        return ELinkKind::Event;
+    }
+    return nOutput == EPinKind::Float && nInput == EPinKind::Integer ? ELinkKind::Rounded : ELinkKind::Copy;
+}
+
+std::optional<EPinKind> PinKind(const VEKParamGroupList& lstGroup, const PinKinds& own, unsigned nId) {
     if (const VEKParam* pParam = FindParam(lstGroup, MakeParamGuid(nId))) {
-        return pParam->m_nType;
+        return KindOf(*pParam);
     }
     const auto pin = own.find(nId);
     return pin != own.end() ? std::optional(pin->second) : std::nullopt;
@@ -30,12 +47,23 @@ bool JoinsSamePins(const SLink& a, const SLink& b) {
 
 } // namespace
 
-std::optional<int> SNode::InputType(unsigned nInput) const {
-    return PinType(pGraphNode->m_lstInputGroup, ownInputs, nInput);
+EPinKind KindOf(const VEKParam& pin) {
+    if (pin.m_nType == PARAM_EVENT.m_nType) {
+        return EPinKind::Event;
+    }
+    if (pin.m_nType == PARAM_FLOAT.m_nType && pin.m_nControl == PARAM_FLOAT.m_nControl) {
+        return EPinKind::Float;
+    }
+    const auto types = {PARAM_INTEGER.m_nType, PARAM_SWITCH.m_nType, PARAM_CHOICE.m_nType, PARAM_KEY_CODE.m_nType};
+    return std::ranges::find(types, pin.m_nType) != types.end() ? EPinKind::Integer : EPinKind::Other;
 }
 
-std::optional<int> SNode::OutputType(unsigned nOutput) const {
-    return PinType(pGraphNode->m_lstOutputGroup, ownOutputs, nOutput);
+std::optional<EPinKind> SNode::InputKind(unsigned nInput) const {
+    return PinKind(pGraphNode->m_lstInputGroup, ownInputs, nInput);
+}
+
+std::optional<EPinKind> SNode::OutputKind(unsigned nOutput) const {
+    return PinKind(pGraphNode->m_lstOutputGroup, ownOutputs, nOutput);
 }
 
 void SNode::CountFired(std::optional<int> output) {
@@ -127,7 +155,8 @@ void CScene::SetClips(const std::vector<CString>& names) {
 }
 
 void CScene::Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput) {
-    const SLink link{&from, nOutput, &to, nInput, from.OutputType(nOutput) == PARAM_EVENT.m_nType, m_nNextLink};
+    const ELinkKind nKind = LinkKind(*from.OutputKind(nOutput), *to.InputKind(nInput));
+    const SLink link{&from, nOutput, &to, nInput, nKind, m_nNextLink};
     if (std::ranges::none_of(from.arOutgoing, [&](const SLink& other) { return JoinsSamePins(link, other); })) {
         Relink(link);
     }
@@ -141,7 +170,7 @@ void CScene::Relink(const SLink& link) {
 }
 
 bool CScene::Unlink(SNode& from, unsigned nOutput, SNode& to, unsigned nInput) {
-    const SLink link{&from, nOutput, &to, nInput, false, 0};
+    const SLink link{&from, nOutput, &to, nInput, {}, {}};
     const auto isIt = [&](const SLink& other) { return JoinsSamePins(link, other); };
     std::erase_if(to.arIncoming, isIt);
     return std::erase_if(from.arOutgoing, isIt) > 0;
@@ -156,7 +185,7 @@ void CScene::Trigger(SNode& node, unsigned nInput) {
 
 void CScene::Fire(SNode& node, unsigned nOutput) {
     for (const SLink& link : node.arOutgoing) {
-        if (link.bEvent && link.nOutput == nOutput) {
+        if (link.nKind == ELinkKind::Event && link.nOutput == nOutput) {
             Trigger(*link.pTo, link.nInput);
         }
     }
@@ -167,8 +196,8 @@ CEvaluationInputs::CEvaluationInputs(SNode& node) : m_node(node) {
     for (const SLink& link : node.arIncoming) {
         const VEKParam* pOutput = FindParam(link.pFrom->pGraphNode->m_lstOutputGroup, MakeParamGuid(link.nOutput));
         VEKParam* pInput = FindParam(lstInput, MakeParamGuid(link.nInput));
-        if (!link.bEvent && pOutput != nullptr && pInput != nullptr) {
-            CopyValue(*pOutput, *pInput);
+        if (link.nKind != ELinkKind::Event && pOutput != nullptr && pInput != nullptr) {
+            CopyValue(*pOutput, *pInput, link.nKind);
         }
     }
     for (const unsigned nInput : node.arTriggered) {

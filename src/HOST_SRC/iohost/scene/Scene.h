@@ -17,20 +17,32 @@
 
 struct SNode;
 
+/// What a pin carries, by its type and control.
+enum class EPinKind { Event, Integer, Float, Other };
+
+EPinKind KindOf(const VEKParam& pin);
+
+/// What a link does.
+enum class ELinkKind {
+    Event,   ///< firing the output triggers the input
+    Copy,    ///< the output's value is copied to the input
+    Rounded, ///< the same, and the input's integer becomes the output's float, rounded
+};
+
 /// One link of the graph: an output pin of one node, an input of another (or the same) node.
 struct SLink {
     SNode* pFrom;
     unsigned nOutput;
     SNode* pTo;
     unsigned nInput;
-    bool bEvent;               ///< the output is an event: firing it triggers the input; otherwise its value is copied
+    ELinkKind nKind;
     unsigned long long nOrder; ///< place in the order in which links were made
 
     bool operator==(const SLink&) const = default;
 };
 
-/// Pins by their ids, with their types.
-using PinTypes = std::map<unsigned, int>;
+/// Pins by their ids.
+using PinKinds = std::map<unsigned, EPinKind>;
 
 /// What came of a node since it was made or its counters were reset, for people.
 struct SNodeCounts {
@@ -59,8 +71,8 @@ struct SNode {
     unsigned long long nOrder;           ///< place in the order of creation
     std::string strHandle;
     GUID guidType;
-    PinTypes ownInputs;            ///< the inputs that the node makes by itself, also when they were dropped since
-    PinTypes ownOutputs;           ///< the outputs, likewise
+    PinKinds ownInputs;            ///< the inputs that the node makes by itself, also when they were dropped since
+    PinKinds ownOutputs;           ///< the outputs, likewise
     std::vector<SLink> arOutgoing; ///< links out of this node, in the order in which they were made
     std::optional<SPlace> place;   ///< on the canvas; none: wherever the viewer puts it
     SNodeCounts counts;
@@ -74,9 +86,9 @@ struct SNode {
     /// An event output fired; none: which one isn't known.
     void CountFired(std::optional<int> output);
 
-    /// The type of a pin that is there, or was dropped and may come back; none for any other.
-    std::optional<int> InputType(unsigned nInput) const;
-    std::optional<int> OutputType(unsigned nOutput) const;
+    /// The kind of a pin that is there, or was dropped and may come back; none for any other.
+    std::optional<EPinKind> InputKind(unsigned nInput) const;
+    std::optional<EPinKind> OutputKind(unsigned nOutput) const;
 };
 
 /// Nodes in the order of their creation.
@@ -123,7 +135,7 @@ public:
     /// any other.
     void SetClips(const std::vector<CString>& names);
 
-    /// Make a link; the same link twice is one. The pins must have a type.
+    /// Make a link; the same link twice is one. The pins must have a kind.
     void Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput);
 
     /// Make a link that was there before, in its place among the others.

@@ -199,7 +199,7 @@ bool CSession::Settle(SNode& node) {
     }
     bool bConcerned = node.bGotEvent;
     for (const SLink& link : node.arIncoming) {
-        bConcerned |= Settle(*link.pFrom) && !link.bEvent;
+        bConcerned |= Settle(*link.pFrom) && link.nKind != ELinkKind::Event;
     }
     bConcerned |= !node.arTriggered.empty();
     if (bConcerned) {
@@ -355,7 +355,7 @@ Result CSession::On(const SEditCommand& command) {
 void CSession::On(const STriggerCommand& command) {
     SNode& node = NodeOf(command.strHandle);
     const VEKParam& input = ParamOf(node.pGraphNode->m_lstInputGroup, command.nParam, "graph inputs");
-    if (input.m_nType != PARAM_EVENT.m_nType) {
+    if (KindOf(input) != EPinKind::Event) {
         Refuse("param", "parameter " + std::to_string(command.nParam) + " isn't an event input");
     }
     Scene().Trigger(node, command.nParam);
@@ -466,7 +466,7 @@ Result CSession::On(const SSaveCommand& /*command*/) {
         document.nodes.push_back(DocumentOf(node));
         for (const SLink& link : node.arOutgoing) {
             // Not those of pins that were dropped and that no node makes again.
-            if (link.pFrom->OutputType(link.nOutput) && link.pTo->InputType(link.nInput)) {
+            if (link.pFrom->OutputKind(link.nOutput) && link.pTo->InputKind(link.nInput)) {
                 links.emplace(link.nOrder, DocumentOf(link));
             }
         }
@@ -525,10 +525,10 @@ void CSession::BuildScene(const SSceneDocument& document, const std::string& str
         const SLinkDocument& link = document.links[i];
         SNode& from = NodeOf(link.strFrom, path("links", i, "from"));
         SNode& to = NodeOf(link.strTo, path("links", i, "to"));
-        if (!from.OutputType(link.nOutput)) {
+        if (!from.OutputKind(link.nOutput)) {
             RefuseParam(path("links", i, "output"), link.nOutput, "outputs");
         }
-        if (!to.InputType(link.nInput)) {
+        if (!to.InputKind(link.nInput)) {
             RefuseParam(path("links", i, "input"), link.nInput, "graph inputs");
         }
         Scene().Link(from, link.nOutput, to, link.nInput);

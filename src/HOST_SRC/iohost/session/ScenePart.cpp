@@ -152,7 +152,7 @@ SScenePart TakePart(CHost& host, const CPeers& peers, const SSceneScope& scope) 
         part.nodes[node.strHandle] = {node.nOrder, node.ownInputs, node.ownOutputs, DocumentOf(node)};
         for (const auto* pLinks : {&node.arIncoming, &node.arOutgoing}) {
             for (const SLink& link : *pLinks) {
-                part.links[link.nOrder] = {DocumentOf(link), link.bEvent};
+                part.links[link.nOrder] = {DocumentOf(link), link.nKind};
             }
         }
     };
@@ -226,7 +226,7 @@ void ChangePart(CHost& host, CPeers& peers, const SScenePart& from, const SScene
         SNode& source = *scene.Find(link.document.strFrom);
         if (std::ranges::find(source.arOutgoing, nOrder, &SLink::nOrder) == source.arOutgoing.end()) {
             scene.Relink({&source, link.document.nOutput, scene.Find(link.document.strTo), link.document.nInput,
-                          link.bEvent, nOrder});
+                          link.nKind, nOrder});
         }
     }
     if (to.notes) {

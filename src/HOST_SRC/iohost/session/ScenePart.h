@@ -24,8 +24,8 @@ struct SSceneScope {
 
 struct SNodeState {
     unsigned long long nOrder; ///< as in SNode, and so are the pins
-    PinTypes ownInputs;
-    PinTypes ownOutputs;
+    PinKinds ownInputs;
+    PinKinds ownOutputs;
     SNodeDocument document;
 
     bool operator==(const SNodeState&) const = default;
@@ -33,7 +33,7 @@ struct SNodeState {
 
 struct SLinkState {
     SLinkDocument document;
-    bool bEvent;
+    ELinkKind nKind;
 
     bool operator==(const SLinkState&) const = default;
 };

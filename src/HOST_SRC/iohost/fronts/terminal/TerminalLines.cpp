@@ -13,8 +13,7 @@ std::string ValueText(const VEKParam& output, const SValues& values) {
     if (output.m_nType == PARAM_STRING.m_nType) {
         return "\"" + Utf8(values.strText) + "\"";
     }
-    const bool bFloat = output.m_nType == PARAM_FLOAT.m_nType && output.m_nControl == PARAM_FLOAT.m_nControl;
-    if (!bFloat) {
+    if (KindOf(output) != EPinKind::Float) {
         return std::to_string(values.nInteger);
     }
     std::array<char, 32> text{};
