@@ -357,6 +357,34 @@ test("what nodes did and what came too late is pushed", async () => {
   await page.close();
 });
 
+test("lines that the log's reply has aren't told behind it", async () => {
+  // What comes from a device is told with the next frame, for which nobody waits here.
+  const own = await startHost({ options: ["--fps", "0.01"] });
+  const client = await openSession(own.address);
+  await createNode(client, "j", "0E", "Device text");
+  await must(client, { op: "set", node: "j", param: 1402, int: 1 });
+  await must(client, { op: "process" });
+  const desk = net.createServer().listen(0, "127.0.0.1");
+  await once(desk, "listening");
+  const connected = once(desk, "connection");
+  const address = `127.0.0.1:${desk.address().port}`;
+  await must(client, { op: "device", device: 1, name: "Desk", parser: "json", address });
+  const [device] = await connected;
+  device.write("no JSON\n");
+  const ofNode = (lines) => lines.filter((line) => line.includes("Device text"));
+  let lines = [];
+  await until("the node's line", async () => {
+    lines = ofNode((await must(client, { op: "log" })).lines.map(({ text }) => text));
+    return lines.length > 0;
+  });
+  assert.deepEqual(ofNode(logIn(client.pushes)), lines, "it was told before");
+
+  device.destroy();
+  desk.close();
+  await client.close();
+  assert.equal(await own.end(), 0);
+});
+
 test("quit by a client ends the host cleanly", async () => {
   const own = await startHost();
   const client = await createScene(own.address);

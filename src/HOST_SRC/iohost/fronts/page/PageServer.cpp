@@ -294,6 +294,9 @@ private:
         if (std::holds_alternative<SQuitCommand>(command)) {
             m_unsaved.Flush();
         }
+        if (std::holds_alternative<SLogCommand>(command)) {
+            TellHappened(std::exchange(m_ofItems, {}), nullptr); // lines that the reply has aren't told behind it
+        }
     }
 
     /// Whoever asked is told by the reply. What items cause is told with the next frame: they may come by the thousand.
