@@ -138,6 +138,22 @@ TEST_F(History, TheLast200StepsAreKept) {
     EXPECT_EQ(Refusal("undo"), "op: there is nothing to undo");
 }
 
+TEST_F(History, FewerStepsAreKeptWhereTheyHoldLongTexts) {
+    Must("create node=s type=string_send clip=Clip graph=S");
+    const auto longText = [](wchar_t c) {
+        return CString(c, static_cast<int>(CHistory::MOST_BYTES / sizeof(wchar_t) / 8));
+    };
+    for (const wchar_t c : std::wstring_view(L"abcde")) {
+        m_pSession->Do(
+            SSetCommand{"s", 1505, false, longText(c)}); // a step has the text before it and the one behind it
+    }
+    EXPECT_EQ(Steps(), OrderedJson({"Change S", "Change S", "Change S"}));
+    for (const wchar_t c : std::wstring_view(L"fg")) {
+        m_pSession->Do(SPlaceCommand{.notes = {{"1", SNote{.strText = longText(c)}}}});
+    }
+    EXPECT_EQ(Steps(), OrderedJson({"Change S", "Change S", "Change notes", "Change notes"}));
+}
+
 TEST_F(History, ABatchIsAllOrNothing) {
     Must(CREATE_MOUSE);
     Must(CREATE_KEYBOARD);

@@ -12,14 +12,15 @@ constexpr auto NO_STATE = std::numeric_limits<unsigned long long>::max(); ///< o
 
 void CHistory::Add(SStep step, SScenePart before, SScenePart after) {
     while (m_entries.size() > m_nDone) {
-        m_nNodes -= m_entries.back().NodeCount();
+        m_nBytes -= m_entries.back().nBytes;
         m_entries.pop_back();
     }
     const unsigned long long nBefore = std::exchange(m_nState, ++m_nStates);
-    m_entries.push_back({std::move(step), std::move(before), std::move(after), nBefore, m_nState, {}});
-    m_nNodes += m_entries.back().NodeCount();
-    while (m_entries.size() > MOST_STEPS || (m_nNodes > MOST_NODES && m_entries.size() > 1)) {
-        m_nNodes -= m_entries.front().NodeCount();
+    const size_t nBytes = BytesOf(before) + BytesOf(after);
+    m_entries.push_back({std::move(step), std::move(before), std::move(after), nBefore, m_nState, nBytes, {}});
+    m_nBytes += nBytes;
+    while (m_entries.size() > MOST_STEPS || (m_nBytes > MOST_BYTES && m_entries.size() > 1)) {
+        m_nBytes -= m_entries.front().nBytes;
         m_entries.pop_front();
     }
     m_nDone = m_entries.size();
@@ -83,6 +84,6 @@ std::vector<SStep> CHistory::Steps() const {
 void CHistory::Clear() {
     m_entries.clear();
     m_nDone = 0;
-    m_nNodes = 0;
+    m_nBytes = 0;
     m_nState = ++m_nStates;
 }

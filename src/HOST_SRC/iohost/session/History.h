@@ -24,7 +24,7 @@ struct SSceneFile {
 class CHistory {
 public:
     static constexpr size_t MOST_STEPS = 200;
-    static constexpr size_t MOST_NODES = 50'000; ///< in all steps, before and after them: each costs some kilobytes
+    static constexpr size_t MOST_BYTES = size_t{256} << 20; ///< of all steps together, unless one has more
 
     /// A step was taken; those that were undone can't be redone any more, and the oldest go where they are too many.
     void Add(SStep step, SScenePart before, SScenePart after);
@@ -71,16 +71,15 @@ private:
         SScenePart after;
         unsigned long long nStateBefore;
         unsigned long long nStateAfter;
+        size_t nBytes;
         std::optional<SKept> otherKept; ///< of a step that brought another scene: where the other one is kept
-
-        size_t NodeCount() const { return before.nodes.size() + after.nodes.size(); }
     };
 
     SSceneChange Move(SEntry& entry, CHost& host, CPeers& peers, const SScenePart& from, const SScenePart& to);
 
     std::deque<SEntry> m_entries;
     size_t m_nDone = 0;
-    size_t m_nNodes = 0; ///< in all entries
+    size_t m_nBytes = 0; ///< of all entries
     unsigned long long m_nState = 0;
     unsigned long long m_nStates = 0; ///< the last number given
     SKept m_kept;

@@ -179,6 +179,39 @@ SScenePart TakePart(CHost& host, const CPeers& peers, const SSceneScope& scope) 
     return part;
 }
 
+size_t BytesOf(const SScenePart& part) {
+    const auto text = [](const CString& strText) { return static_cast<size_t>(strText.GetLength()) * sizeof(wchar_t); };
+    size_t nBytes = part.links.size() * sizeof(SLinkState);
+    for (const auto& [strHandle, state] : part.nodes) {
+        const SNodeDocument& node = state.document;
+        nBytes += sizeof state + text(node.strGraph);
+        for (const auto* pGroups : {&node.own, &node.inputs, &node.outputs}) {
+            for (const SGroupState& group : **pGroups) {
+                nBytes += sizeof group + group.params.size() * sizeof(SParamState);
+                for (const SParamState& param : group.params) {
+                    nBytes += text(*param.name) + text(*param.display) + text(*param.text);
+                    for (const CString& strChoice : *param.choices) {
+                        nBytes += sizeof strChoice + text(strChoice);
+                    }
+                }
+            }
+        }
+    }
+    if (part.clips) {
+        for (const SClipDocument& clip : *part.clips) {
+            for (const SObjectDocument& object : clip.objects) {
+                nBytes += sizeof object + text(object.strName);
+            }
+        }
+    }
+    if (part.notes) {
+        for (const auto& [strId, note] : *part.notes) {
+            nBytes += sizeof note + text(note.strText);
+        }
+    }
+    return nBytes;
+}
+
 void KeepDifferences(SScenePart& before, SScenePart& after) {
     std::erase_if(before.nodes, [&](const auto& entry) {
         const auto same = after.nodes.find(entry.first);

@@ -62,6 +62,9 @@ std::vector<SClipDocument> ClipDocumentsOf(const CScene& scene);
 
 SScenePart TakePart(CHost& host, const CPeers& peers, const SSceneScope& scope);
 
+/// The memory that a part takes, about. Texts that it shares with others count.
+size_t BytesOf(const SScenePart& part);
+
 /// Leave in both parts only nodes that differ.
 void KeepDifferences(SScenePart& before, SScenePart& after);
 
