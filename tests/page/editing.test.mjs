@@ -70,6 +70,17 @@ test("another source for a value replaces the first one only when somebody says 
   await expectEventually("the source", async () => (await canvas.links()).map(({ from }) => from).join(), "k");
 });
 
+test("a number is wired to a whole number, and the wire says that it's rounded", async () => {
+  await canvas.pin("m", is.RELATIVE_X[1]).dragTo(canvas.pin("t", is.ENABLE));
+  await expectEventually("wires", () => canvas.wires().count(), 2);
+  assert.deepEqual((await canvas.links()).at(-1), { from: "m", output: is.RELATIVE_X[1], to: "t", input: is.ENABLE });
+  await page.page.locator('.wire-conversion[title="rounded to the nearest whole number, taken as switch"]').waitFor();
+  const enable = page.page.locator(`article[data-node=t] input[data-param="${is.ENABLE}"]`);
+  await expectEventually("the switch", () => enable.isChecked(), false);
+  await page.moveTo(page.box.height / 2, page.box.height / 4);
+  await expectEventually("the switch", () => enable.isChecked(), true);
+});
+
 test("an event input takes wires of several events without asking", async () => {
   await canvas.pin("k", is.KEY_DOWN[1]).dragTo(canvas.pin("t", APPEND_INPUT));
   await canvas.pin("m", is.LEFT_DOWN[1]).dragTo(canvas.pin("t", APPEND_INPUT));

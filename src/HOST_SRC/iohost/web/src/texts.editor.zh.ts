@@ -40,6 +40,8 @@ export const EDITOR_ZH = {
   "An output with {output} doesn't fit an input for {input}.": "带{output}的输出不适合接收{input}的输入。",
   "An output with {output} brings nothing to an input for {input}: links copy values as they stand.": "带{output}的输出无法给接收{input}的输入带来值：连线原样复制值。",
   "{output} taken as {input}": "{output}作为{input}使用",
+  "rounded to the nearest whole number": "四舍五入为整数",
+  "rounded to the nearest whole number, taken as {input}": "四舍五入为整数，作为{input}",
   "switch": "开关",
   "choice": "选项",
   "key code": "键码",

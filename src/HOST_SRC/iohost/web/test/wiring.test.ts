@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { conversion, freeName, refusal, sortOf } from "../src/graph/wiring.ts";
+import { broughtValue, conversion, freeName, refusal, sortOf } from "../src/graph/wiring.ts";
 
 const KINDS = {
   switch: { type: 5, control: 5 },
@@ -26,9 +26,19 @@ test("pins of one sort fit, others don't", () => {
   assert.equal(refusal(from("text"), to("switch")), "An output with texts doesn't fit an input for whole numbers.");
 });
 
-test("a number with a fraction brings nothing to a whole number: the host copies values as they stand", () => {
-  assert.match(refusal(from("float"), to("integer"))!, /brings nothing to an input for whole numbers/);
+test("a number is rounded for a whole number; a whole number brings nothing to a number", () => {
+  assert.equal(refusal(from("float"), to("integer")), null);
+  assert.equal(refusal(from("float"), to("switch")), null);
   assert.match(refusal(from("switch"), to("float"))!, /brings nothing to an input for numbers/);
+  assert.equal(refusal(from("float"), to("text")), "An output with numbers doesn't fit an input for texts.");
+  assert.equal(refusal(from("text"), to("float")), "An output with texts doesn't fit an input for numbers.");
+});
+
+test("what a number brings to a whole number is the nearest one that there is", () => {
+  const brought = (float: number) => broughtValue(KINDS.float, KINDS.integer, { int: 0, float, string: "" }).int;
+  assert.deepEqual([2.5, -2.5, 0.4, 1e20, -1e20, NaN].map(brought), [3, -3, 0, 2147483647, -2147483648, 0]);
+  const value = { int: 1, float: 0, string: "" };
+  assert.equal(broughtValue(KINDS.switch, KINDS.integer, value), value);
 });
 
 test("a node isn't linked to itself", () => {
@@ -37,6 +47,9 @@ test("a node isn't linked to itself", () => {
 
 test("a wire says what it takes a value for", () => {
   assert.equal(conversion(KINDS.integer, KINDS.switch), "whole number taken as switch");
+  assert.equal(conversion(KINDS.float, KINDS.integer), "rounded to the nearest whole number");
+  assert.equal(conversion(KINDS.float, KINDS.switch), "rounded to the nearest whole number, taken as switch");
+  assert.equal(conversion(KINDS.float, KINDS.float), null);
   assert.equal(conversion(KINDS.switch, KINDS.switch), null);
   assert.equal(conversion(KINDS.event, KINDS.event), null);
 });

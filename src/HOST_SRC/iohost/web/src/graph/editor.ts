@@ -7,7 +7,7 @@ import type { Link, Note, OfferedType, Place, Scene, SceneNode } from "../protoc
 import { placing, type Change } from "../requests.ts";
 import { copyOf, keepClipping, pasteOf, readClipping, type Clipping } from "./clipboard.ts";
 import { kindOfType } from "./nodeKinds.ts";
-import { freeName, refusal, sortOf } from "./wiring.ts";
+import { fittingSorts, freeName, refusal, sortOf } from "./wiring.ts";
 
 /** A pin at which a wire begins. */
 export interface Pin {
@@ -199,7 +199,9 @@ export class Editor {
     const params = node && (pin.is === "output" ? outputsOf(node) : inputsOf(node));
     const param = params?.find(({ id }) => id === pin.id);
     const kind = kindOfType(type.guid);
-    return param && (pin.is === "output" ? kind?.inputs : kind?.outputs)?.[sortOf(param)];
+    const ends = pin.is === "output" ? kind?.inputs : kind?.outputs;
+    const sort = param && fittingSorts(pin.is, sortOf(param)).find((one) => ends?.[one] !== undefined);
+    return sort && ends?.[sort];
   }
 
   /** Removes nodes with their links, cuts wires, takes notes away. */

@@ -1,12 +1,14 @@
 import type { ComponentChildren } from "preact";
 import { useState } from "preact/hooks";
 import { shortestFloat } from "../format.ts";
+import { broughtValue } from "../graph/wiring.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import { CombinationCapture } from "../input/capture.ts";
 import { keyValueText, virtualKeyName } from "../input/virtualKeys.ts";
 import { boundsOf, kindOf, parseNumber, shownValue, type EditValue, type ParamKind } from "../params.ts";
 import type { Param } from "../messages.ts";
+import { outputsOf } from "../nodePins.ts";
 import { characters } from "../texts.ts";
 import "./cell.css";
 import { DeviceChoice, namesDevice } from "./DeviceChoice.tsx";
@@ -96,7 +98,10 @@ function useFed(host: Host, node: string, param: Param): Param {
   if (link === undefined) {
     return param;
   }
-  const { int, float, string, length } = host.values.of(link.from, link.output).value;
+  const source = host.nodes.value?.find((one) => one.node === link.from);
+  const output = source && outputsOf(source).find(({ id }) => id === link.output);
+  const brought = host.values.of(link.from, link.output).value;
+  const { int, float, string, length } = output === undefined ? brought : broughtValue(output, param, brought);
   const { length: _, ...rest } = param;
   return { ...rest, int, float, string, ...(length !== undefined && { length }), available: 0 };
 }
