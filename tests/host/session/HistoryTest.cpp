@@ -154,6 +154,35 @@ TEST_F(History, FewerStepsAreKeptWhereTheyHoldLongTexts) {
     EXPECT_EQ(Steps(), OrderedJson({"Change S", "Change S", "Change notes", "Change notes"}));
 }
 
+TEST_F(History, AStateIsGoneToOrRefusedWhateverOthersDidMeanwhile) {
+    Must(CREATE_MOUSE);
+    Must("rename node=m graph=a");
+    Must("rename node=m graph=b");
+    Must("rename node=m graph=c");
+    const OrderedJson states = Must("history")["states"];
+    ASSERT_EQ(states.size(), 5U);
+    const auto undo = [&](size_t nState) { return "undo to=" + states[nState].dump(); };
+    const auto redo = [&](size_t nState) { return "redo to=" + states[nState].dump(); };
+    const auto name = [&] { return Must("scene")["nodes"][0]["graph"]; };
+    EXPECT_EQ(Must(undo(2))["step"]["name"], "Rename a to b");
+    EXPECT_EQ(name(), "a");
+    EXPECT_EQ(Must(redo(4))["step"]["name"], "Rename b to c");
+    EXPECT_EQ(name(), "c");
+    EXPECT_EQ(Refusal(redo(3)), "op: there is nothing to redo");
+    EXPECT_EQ(Refusal(undo(4)), "to: the scene has no such state there");
+
+    Must("undo");
+    Must("rename node=m graph=other");
+    EXPECT_EQ(Must("history")["states"].size(), 5U);
+    EXPECT_EQ(Refusal(undo(4)), "to: the scene has no such state there");
+    Must(undo(3));
+    EXPECT_EQ(name(), "b");
+    EXPECT_EQ(Refusal(redo(4)), "to: the scene has no such state there");
+    Must(undo(0));
+    EXPECT_EQ(Must("scene")["nodes"].size(), 0U);
+    EXPECT_EQ(Must("history")["done"], 0);
+}
+
 TEST_F(History, ABatchIsAllOrNothing) {
     Must(CREATE_MOUSE);
     Must(CREATE_KEYBOARD);

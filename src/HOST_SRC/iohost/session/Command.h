@@ -244,9 +244,13 @@ struct SBatchCommand {
     std::shared_ptr<const SCommands> pCommands; ///< never null; each may be part of a batch
 };
 
-struct SUndoCommand {};
+struct SUndoCommand {
+    std::optional<unsigned long long> to = {}; ///< the state of the scene that is gone to; none: one step
+};
 
-struct SRedoCommand {};
+struct SRedoCommand {
+    std::optional<unsigned long long> to = {};
+};
 
 struct SHistoryCommand {};
 

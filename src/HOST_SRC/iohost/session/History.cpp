@@ -81,6 +81,12 @@ std::vector<SStep> CHistory::Steps() const {
     return steps;
 }
 
+std::vector<unsigned long long> CHistory::States() const {
+    std::vector states{m_entries.empty() ? m_nState : m_entries.front().nStateBefore};
+    std::ranges::transform(m_entries, std::back_inserter(states), &SEntry::nStateAfter);
+    return states;
+}
+
 void CHistory::Clear() {
     m_entries.clear();
     m_nDone = 0;

@@ -48,6 +48,9 @@ public:
     SSceneChange Redo(CHost& host, CPeers& peers);
 
     std::vector<SStep> Steps() const;
+
+    /// Numbers of the scene's states before the first step and after each.
+    std::vector<unsigned long long> States() const;
     size_t Done() const { return m_nDone; }
 
     /// Forget all steps: the scene isn't what they left.

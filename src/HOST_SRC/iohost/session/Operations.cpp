@@ -579,28 +579,42 @@ void CSession::On(const SBatchCommand& command, const SOrigin& origin) {
     }
 }
 
-Result CSession::On(const SUndoCommand& /*command*/) {
-    return Move(m_history.ToUndo(), &CHistory::Undo, "there is nothing to undo");
+Result CSession::On(const SUndoCommand& command) {
+    const auto states = m_history.States();
+    return Move({states.begin(), states.begin() + m_history.Done()}, command.to, &CHistory::ToUndo, &CHistory::Undo,
+                "there is nothing to undo");
 }
 
-Result CSession::On(const SRedoCommand& /*command*/) {
-    return Move(m_history.ToRedo(), &CHistory::Redo, "there is nothing to redo");
+Result CSession::On(const SRedoCommand& command) {
+    const auto states = m_history.States();
+    return Move({states.begin() + m_history.Done() + 1, states.end()}, command.to, &CHistory::ToRedo, &CHistory::Redo,
+                "there is nothing to redo");
 }
 
-/// Go one step back or forth.
-Result CSession::Move(const SStep* pStep, SSceneChange (CHistory::*move)(CHost&, CPeers&), const char* pszNone) {
-    if (pStep == nullptr) {
+/// Go one step back or forth, or to one of the states that lie there.
+Result CSession::Move(const std::vector<unsigned long long>& states, std::optional<unsigned long long> to,
+                      const SStep* (CHistory::*next)() const, SSceneChange (CHistory::*move)(CHost&, CPeers&),
+                      const char* pszNone) {
+    if (states.empty()) {
         Refuse("op", pszNone);
     }
-    const SStep step = *pStep;
-    m_change.bEverything = true; // where it fails
-    m_change = (m_history.*move)(*m_pHost, m_peers);
+    if (to && std::ranges::find(states, *to) == states.end()) {
+        Refuse("to", "the scene has no such state there");
+    }
+    SStep step;
+    SSceneChange change;
+    do {
+        step = *(m_history.*next)();
+        m_change.bEverything = true; // where it fails
+        change.Add((m_history.*move)(*m_pHost, m_peers));
+    } while (to && m_history.State() != *to);
+    m_change = change;
     AwaitDevices();
     return SStepTaken{step};
 }
 
 Result CSession::On(const SHistoryCommand& /*command*/) {
-    return SHistoryState{m_history.Steps(), m_history.Done(), m_history.File()};
+    return SHistoryState{m_history.Steps(), m_history.Done(), m_history.States(), m_history.File()};
 }
 
 // ---- Recordings -------------------------------------------------------------------------------------------------

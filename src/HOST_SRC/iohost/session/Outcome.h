@@ -117,8 +117,9 @@ struct SStepTaken {
 };
 
 struct SHistoryState {
-    std::vector<SStep> steps; ///< oldest first
-    size_t nDone;             ///< how many of them are done; the others were undone
+    std::vector<SStep> steps;               ///< oldest first
+    size_t nDone;                           ///< how many of them are done; the others were undone
+    std::vector<unsigned long long> states; ///< of the scene: before the first step, and after each
     SSceneFile file;
 };
 

@@ -105,6 +105,12 @@ void ChangeClips(CScene& scene, const std::vector<SClipDocument>& from, const st
 
 } // namespace
 
+void SSceneChange::Add(const SSceneChange& other) {
+    nodes.insert(other.nodes.begin(), other.nodes.end());
+    bList |= other.bList;
+    bEverything |= other.bEverything;
+}
+
 void SSceneScope::Add(const SSceneScope& other) {
     nodes.insert(other.nodes.begin(), other.nodes.end());
     bClips |= other.bClips;

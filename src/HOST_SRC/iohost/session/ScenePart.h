@@ -53,6 +53,8 @@ struct SSceneChange {
     std::set<std::string> nodes = {}; ///< handles of those that came, went or have other parameters
     bool bList = false;               ///< nodes came or went, or links, names, places or notes changed
     bool bEverything = false;         ///< there is another scene
+
+    void Add(const SSceneChange& other);
 };
 
 /// A node as a scene file holds it.

@@ -106,7 +106,9 @@ private:
     bool Settle(SNode& node);
     void BuildScene(const SSceneDocument& document, const std::string& strPath);
     void AwaitDevices();
-    Result Move(const SStep* pStep, SSceneChange (CHistory::*move)(CHost&, CPeers&), const char* pszNone);
+    Result Move(const std::vector<unsigned long long>& states, std::optional<unsigned long long> to,
+                const SStep* (CHistory::*next)() const, SSceneChange (CHistory::*move)(CHost&, CPeers&),
+                const char* pszNone);
     void OnHeldBack();
 
     Result On(const SCatalogueCommand& command);

@@ -401,7 +401,10 @@ private:
     OrderedJson HistoryPush() {
         const CHistory& history = m_session.History();
         const auto step = [](const SStep* pStep) { return pStep != nullptr ? ToJson(*pStep) : OrderedJson(); };
-        OrderedJson push = {{"push", "history"}, {"undo", step(history.ToUndo())}, {"redo", step(history.ToRedo())}};
+        OrderedJson push = {{"push", "history"},
+                            {"undo", step(history.ToUndo())},
+                            {"redo", step(history.ToRedo())},
+                            {"state", history.State()}};
         AppendFields(push, history.File());
         if (const auto& left = m_scenes.Left()) {
             push["recovered"] = {{"file", left->strFile.empty() ? OrderedJson() : OrderedJson(left->strFile)},

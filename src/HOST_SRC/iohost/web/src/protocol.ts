@@ -86,6 +86,7 @@ export type SceneFile = {
 export type History = {
   steps: Step[];
   done: number;
+  states: number[];
 } & SceneFile;
 
 export type SceneFileInfo = {
