@@ -358,6 +358,88 @@ test("what an ended host left unsaved is offered, and taken", async () => {
   await page.locator("[data-recovered]").waitFor({ state: "detached" });
 });
 
+test("what was left unsaved is thrown away only when somebody says so twice", async () => {
+  const port = Number(host.address.split(":")[1]);
+  const again = async () => {
+    await page.close();
+    await end();
+    await start(port);
+    await open();
+  };
+  await again();
+  await canvas.choosePalette("Mouse");
+  await canvas.nodesAre(["Mouse 1"]);
+  await again();
+  const banner = () => page.locator("[data-recovered]");
+  const throwAway = () => banner().getByRole("button", { name: "Throw them away" }).click();
+  await throwAway();
+  await page.getByRole("alertdialog").locator("button:focus", { hasText: "Leave it" }).waitFor();
+  await page.keyboard.press("Enter");
+  await page.getByRole("alertdialog").waitFor({ state: "detached" });
+  await again();
+  await banner().waitFor();
+  await throwAway();
+  await page.getByRole("button", { name: "Throw it away" }).click();
+  await banner().waitFor({ state: "detached" });
+  await again();
+  await expectEventually("the scene", async () => await page.locator("[data-empty-scene]").count(), 1);
+  assert.equal(await banner().count(), 0);
+});
+
+test("the demo is asked about where it takes the place of something that isn't saved", async () => {
+  await canvas.choosePalette("Mouse");
+  await saveAs("demo");
+  await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes: [], links: [] } });
+  await must(script, { op: "device", device: 1, name: "Wall", parser: "direct" });
+  const demo = page.getByRole("button", { name: "demo", exact: true });
+  await demo.click();
+  await page.getByRole("alertdialog", { name: "Open demo.json all the same?" }).locator("button:focus", { hasText: "Leave it" }).click();
+  assert.equal((await must(script, { op: "network" })).devices.length, 1);
+  await demo.click();
+  await page.getByRole("button", { name: "Open all the same" }).click();
+  await canvas.nodesAre(["Mouse 1"]);
+});
+
+test("blanks around a file's name aren't part of it", async () => {
+  await canvas.choosePalette("Mouse");
+  await page.getByRole("button", { name: "Save as" }).click();
+  await page.locator("[data-scene-name]").fill(" mine .json ");
+  await page.keyboard.press("Enter");
+  await nameIs("mine.json", false);
+});
+
+test("a line of the history leads where it says, though somebody changes the scene meanwhile", async () => {
+  const late = await browser.contexts()[0].newPage();
+  let hears = true;
+  await late.routeWebSocket(/\/session$/, (socket) => {
+    const toHost = socket.connectToServer();
+    toHost.onMessage((text) => (hears || !text.startsWith('{"push":"history"')) && socket.send(text));
+  });
+  await late.goto(host.page);
+  const create = (node) => must(script, { op: "create", node, type: "{8164BB40-6B6A-4707-88B7-386BCB0D1B03}", clip: "Show", graph: node });
+  await create("a");
+  await create("b");
+  await late.locator("[data-history]").click();
+  await late.locator('[data-step="2"][aria-current]').waitFor();
+  hears = false;
+  await create("c");
+  await late.locator('[data-step="1"]').click();
+  await canvas.nodesAre(["a"]);
+
+  hears = true;
+  await create("d");
+  await create("e");
+  await late.locator('[data-step="3"][aria-current]').waitFor();
+  hears = false;
+  await must(script, { op: "undo" });
+  await must(script, { op: "undo" });
+  await create("f");
+  await late.locator('[data-step="2"]').click(); // nowhere any more
+  await expectEventually("what is said", () => canvasOf(late, script).message().innerText(), "to: the scene has no such state there");
+  await canvas.nodesAre(["a", "f"]);
+  await late.close();
+});
+
 test("types that are switched off stand in the palette with the reason, and aren't added", async () => {
   const plugins = join(folder, "Plugins", "NodePlugin");
   mkdirSync(plugins, { recursive: true });

@@ -58,6 +58,13 @@ test("in Chinese no text is left in English, on any tab", async () => {
     assert.deepEqual(await english(), [], part);
     await page.page.getByRole("button", { name: "显示全部" }).last().click();
   }
+  await script.request({ op: "link", from: "k", output: 154, to: "t", input: 202 });
+  await script.request({ op: "rename", node: "m", graph: "Mouse 1" });
+  await script.request({ op: "place", nodes: { k: { x: 0, y: 0 }, m: { x: 400, y: 0 } } });
+  await script.request({ op: "batch", requests: [{ op: "remove_object", clip: "Demo", name: "Lamp" }] });
+  await page.page.locator("[data-history]").click();
+  await page.page.locator(".history-list", { hasText: "更改场景" }).waitFor();
+  assert.deepEqual(await english(), [], "the history");
 });
 
 test("the browser's languages choose the page's, and a switch does, which the page remembers", async () => {

@@ -2,7 +2,7 @@ import type { Connection } from "./connection.ts";
 import { t } from "./i18n.ts";
 import type { Reply } from "./messages.ts";
 import type { EditValue } from "./params.ts";
-import type { History, Link, Note, OfferedType, Place, Scene, SceneFileInfo } from "./protocol.ts";
+import type { History, Link, Note, OfferedType, Place, Scene, SceneFileInfo, Step } from "./protocol.ts";
 
 /** A request that changes the scene, as `batch` takes it. */
 export type Change =
@@ -57,12 +57,10 @@ export class Requests {
     return errorOf(await this.#connection.request({ op: "trigger", node, param }));
   }
 
-  async undo(): Promise<string | null> {
-    return errorOf(await this.#connection.request({ op: "undo" }));
-  }
-
-  async redo(): Promise<string | null> {
-    return errorOf(await this.#connection.request({ op: "redo" }));
+  /** One step, or all to a state of the scene. Answers with the last one taken, or with why there was none. */
+  async move(op: "undo" | "redo", to?: number): Promise<Step | string> {
+    const reply = await this.#connection.request<{ step: Step }>({ op, ...(to !== undefined && { to }) });
+    return reply.ok ? reply.step : reply.error;
   }
 
   async history(): Promise<History | null> {

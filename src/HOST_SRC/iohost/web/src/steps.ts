@@ -1,33 +1,69 @@
 import { t } from "./i18n.ts";
 import type { Step } from "./protocol.ts";
 
-/** The name of a step in the reader's language; the host names it in English. */
-export function stepText({ name }: Pick<Step, "name">): string {
-  const [verb, ...rest] = name.split(" ");
-  const what = rest.join(" ");
-  switch (verb) {
-    case "Add":
-      return t("Add {what}", { what });
-    case "Delete":
-    case "Remove":
-      return t("Delete {what}", { what });
-    case "Rename":
-      return t("Rename {what}", { what });
-    case "Change":
-      return t("Change {what}", { what });
-    case "Link":
-      return t("Link {what}", { what });
-    case "Unlink":
-      return t("Unlink {what}", { what });
-    case "Move":
-      return t("Move {what}", { what });
-    case "Paste":
-      return t("Paste {what}", { what });
-    case "Duplicate":
-      return t("Duplicate {what}", { what });
-    case "Open":
-      return t("Open {what}", { what });
+/** Steps of one thing, as the host names them, or a page its batches. */
+const OF_SOMETHING = [
+  "Add {what}",
+  "Delete {what}",
+  "Rename {what}",
+  "Change {what}",
+  "Link {what}",
+  "Unlink {what}",
+  "Move {what}",
+  "Add object {what}",
+  "Change object {what}",
+  "Remove object {what}",
+  "Add device {what}",
+  "Change device {what}",
+  "Remove device {what}",
+  "Open {what}",
+  "Recover {what}",
+  "Paste {what}",
+  "Duplicate {what}",
+  "Send to {what}",
+] as const;
+
+/** Steps that name nothing. */
+const OTHERS = [
+  "Change notes",
+  "Change devices",
+  "Change the scene",
+  "Open a scene",
+  "Recover a scene",
+  "Unlink",
+  "Delete a note",
+  "Add a start",
+] as const;
+
+/** The name of a step in the reader's language; the host and who sends a batch name it in English. */
+export function stepText({ name, op, of }: Step): string {
+  const other = OTHERS.find((one) => one === name);
+  if (other !== undefined && of === undefined) {
+    return t(other);
+  }
+  // What a batch is of only its name tells.
+  const pattern = OF_SOMETHING.find((one) => (op === "batch" ? name.startsWith(beginning(one)) : name === beginning(one) + of));
+  return pattern === undefined ? name : t(pattern, { what: whatText(pattern, name.slice(beginning(pattern).length)) });
+}
+
+function beginning(pattern: (typeof OF_SOMETHING)[number]): string {
+  return pattern.replace("{what}", "");
+}
+
+/** What a step is of: one thing, two that belong together, or a number of nodes. */
+function whatText(pattern: (typeof OF_SOMETHING)[number], what: string): string {
+  const [, count] = /^(\d+) nodes$/.exec(what) ?? [];
+  if (count !== undefined) {
+    return t("{count} nodes", { count });
+  }
+  const [, from, to] = (pattern === "Unlink {what}" ? /^(.*?) from (.*)$/s : /^(.*?) to (.*)$/s).exec(what) ?? [];
+  switch (pattern) {
+    case "Link {what}":
+    case "Rename {what}":
+      return from === undefined ? what : t("{from} to {to}", { from, to: to! });
+    case "Unlink {what}":
+      return from === undefined ? what : t("{from} from {to}", { from, to: to! });
     default:
-      return name;
+      return what;
   }
 }

@@ -13,11 +13,23 @@ export function EmptyScene({ editor }: { editor: Editor }) {
     const known = (editor.host.network.peek()?.state.devices ?? []).map(({ id }) => id);
     return changes.filter((change) => change.op !== "device" || !known.includes(change.device));
   };
+  const openDemo = () => {
+    const act = async () => editor.desk.tell(await requests.load(DEMO), "");
+    if (editor.host.scene.peek()?.unsaved !== true) {
+      void act();
+      return;
+    }
+    editor.desk.question.value = {
+      text: t("The scene has changes that aren't saved. Open {file} all the same?", { file: DEMO }),
+      yes: t("Open all the same"),
+      act: () => void act(),
+    };
+  };
   return (
     <div class="empty-scene" data-empty-scene>
       <h2>{t("Start from")}</h2>
       <div class="empty-starts">
-        <button type="button" onClick={async () => editor.desk.tell(await requests.load(DEMO), "")}>
+        <button type="button" onClick={openDemo}>
           {t("demo")}
         </button>
         {starts().map(({ name, changes }) => (

@@ -1,12 +1,10 @@
-import { useEffect, useRef } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import { t } from "../i18n.ts";
+import { Answers } from "../view/Answers.tsx";
 
 /** Asks before something is taken away. */
 export function QuestionBar({ desk }: { desk: Desk }) {
-  const yes = useRef<HTMLButtonElement>(null);
   const question = desk.question.value;
-  useEffect(() => yes.current?.focus(), [question]);
   if (question === null) {
     return null;
   }
@@ -23,19 +21,16 @@ export function QuestionBar({ desk }: { desk: Desk }) {
       }}
     >
       <span>{question.text}</span>
-      <button
-        type="button"
-        ref={yes}
-        onClick={() => {
+      <Answers
+        key={question.text}
+        yes={question.yes}
+        onYes={() => {
           close();
           question.act();
         }}
-      >
-        {question.yes}
-      </button>
-      <button type="button" onClick={close}>
-        {t("Leave it")}
-      </button>
+        no={t("Leave it")}
+        onNo={close}
+      />
     </div>
   );
 }

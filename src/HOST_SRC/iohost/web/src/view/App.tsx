@@ -33,7 +33,7 @@ export function App({ host }: { host: Host }) {
       <div class={isPhone ? "app phone" : "app"}>
         <TopBar host={host} desk={desk} />
         <ConnectionBanner host={host} />
-        <Editing otherwise={<Message desk={desk} />}>
+        <Editing>
           <RecoveredBanner host={host} desk={desk} />
         </Editing>
         <main class={desk.surfaceIsLarge.value ? "desk desk-surface" : "desk"}>
@@ -50,6 +50,7 @@ export function App({ host }: { host: Host }) {
             <Inspector host={host} desk={desk} />
           </div>
         </main>
+        <Editing otherwise={<Message desk={desk} />}>{null}</Editing>
       </div>
     </DeskContext.Provider>
   );

@@ -30,7 +30,7 @@ export function DeviceChoice({ host, node, param, otherwise, onEdit }: DeviceCho
   }
   const isText = kindOf(param) === "text";
   const current = isText ? param.string : String(param.int);
-  const choose = (value: string) => {
+  const choose = async (value: string) => {
     const edit = isText ? { string: value } : { int: Number(value) };
     const inputs = host.nodes.value?.find((one) => one.node === node)?.details.inputs ?? [];
     const name = inputs.flatMap(({ params }) => params).find((one) => one.name === "DevName");
@@ -38,10 +38,11 @@ export function DeviceChoice({ host, node, param, otherwise, onEdit }: DeviceCho
     if (name === undefined || device === undefined) {
       onEdit(edit);
     } else {
-      void host.requests.batch(`Send to ${device.name}`, [
+      const error = await host.requests.batch(`Send to ${device.name}`, [
         { op: "edit", node, param: param.id, ...edit },
         { op: "edit", node, param: name.id, string: device.name },
       ]);
+      desk.tell(error, "");
     }
   };
   const chosen = devices.find(({ id }) => String(id) === current);
@@ -52,7 +53,7 @@ export function DeviceChoice({ host, node, param, otherwise, onEdit }: DeviceCho
         disabled={!param.available}
         data-node={node}
         data-param={param.id}
-        onChange={(event) => choose(event.currentTarget.value)}
+        onChange={(event) => void choose(event.currentTarget.value)}
       >
         {deviceChoices(devices, current).map(({ value, label }) => (
           <option key={value} value={value}>

@@ -1,6 +1,5 @@
 import { stateText } from "../network.ts";
 import type { DeviceState } from "../protocol.ts";
-import "./deviceLine.css";
 
 /** How a device is reached, and whether it is. */
 export function DeviceLine({ device, told }: { device: DeviceState; told: number }) {
@@ -9,7 +8,7 @@ export function DeviceLine({ device, told }: { device: DeviceState; told: number
       {device.parser}
       {device.address !== null && ` · ${device.address}`} · <span data-field="state">{stateText(device, told)}</span>
       {device.last_problem !== null && device.state !== "connected" && (
-        <span class="peer-problem" data-field="problem">
+        <span class="problem" data-field="problem">
           {" "}
           · {device.last_problem}
         </span>

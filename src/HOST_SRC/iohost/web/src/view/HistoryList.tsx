@@ -1,4 +1,5 @@
 import { useEffect, useRef, useState } from "preact/hooks";
+import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { History } from "../protocol.ts";
@@ -6,7 +7,7 @@ import { stepText } from "../steps.ts";
 import "./historyList.css";
 
 /** The steps that were done and those that can be redone; choosing one goes there. */
-export function HistoryList({ host }: { host: Host }) {
+export function HistoryList({ host, desk }: { host: Host; desk: Desk }) {
   const [isOpen, setOpen] = useState(false);
   const [list, setList] = useState<History | null>(null);
   const box = useRef<HTMLDivElement>(null);
@@ -22,19 +23,19 @@ export function HistoryList({ host }: { host: Host }) {
     return () => window.removeEventListener("pointerdown", close);
   }, []);
 
-  /** So many steps are done then. */
-  const goTo = async (wanted: number, from: number) => {
-    for (let done = from; done > wanted && (await host.requests.undo()) === null; --done);
-    for (let done = from; done < wanted && (await host.requests.redo()) === null; ++done);
+  const goTo = async (op: "undo" | "redo", state: number) => {
+    const taken = await host.requests.move(op, state);
+    desk.message.value = typeof taken === "string" ? taken : "";
   };
-  const entry = (step: number, done: number, text: string) => (
+  /** What it was after so many steps. */
+  const entry = (step: number, { done, states }: History, text: string) => (
     <li key={step}>
       <button
         type="button"
         class={step > done ? "history-undone" : ""}
         aria-current={step === done ? "step" : undefined}
         data-step={step}
-        onClick={() => void goTo(step, done)}
+        onClick={() => step !== done && void goTo(step < done ? "undo" : "redo", states[step]!)}
       >
         {text}
       </button>
@@ -49,8 +50,8 @@ export function HistoryList({ host }: { host: Host }) {
         <div class="history-list" role="dialog" aria-label={t("History")}>
           <p class="hint">{t("Going back changes the scene; what nodes heard or sent stays.")}</p>
           <ol>
-            {list.steps.map((step, index) => entry(index + 1, list.done, stepText(step))).reverse()}
-            {entry(0, list.done, t("As it was at first"))}
+            {list.steps.map((step, index) => entry(index + 1, list, stepText(step))).reverse()}
+            {entry(0, list, t("As it was at first"))}
           </ol>
         </div>
       )}

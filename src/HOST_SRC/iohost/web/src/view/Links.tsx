@@ -51,6 +51,7 @@ export function LinkTargets({ host, node, output }: { host: Host; node: string; 
 
 /** What feeds an input. */
 export function LinkSources({ host, node, input }: { host: Host; node: string; input: number }) {
+  const desk = useContext(DeskContext);
   const show = useShow();
   const links = host.links.value.filter((link) => link.to === node && link.input === input);
   return links.map((link) => {
@@ -74,7 +75,7 @@ export function LinkSources({ host, node, input }: { host: Host; node: string; i
               title={t("Unlink")}
               aria-label={t("Unlink from {node}", { node: source.graph })}
               data-unlink={link.from}
-              onClick={() => void host.requests.change({ op: "unlink", ...link })}
+              onClick={async () => desk.tell(await host.requests.change({ op: "unlink", ...link }), "")}
             >
               ×
             </button>

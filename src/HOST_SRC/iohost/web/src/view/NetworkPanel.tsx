@@ -89,7 +89,7 @@ function Broadcasts({ state }: { state: BroadcastState }) {
         {state.problem === null ? (
           t("received here")
         ) : (
-          <span class="peer-problem" data-field="problem">
+          <span class="problem" data-field="problem">
             {t("not received: {problem}; trying again", { problem: state.problem })}
           </span>
         )}

@@ -3,6 +3,7 @@ import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { SceneFileInfo } from "../protocol.ts";
+import { Answers } from "./Answers.tsx";
 import { Dialog } from "./Dialog.tsx";
 
 interface FileDialogProps {
@@ -37,12 +38,12 @@ export function OpenDialog({ host, desk, onClose }: FileDialogProps) {
         <div role="alert">
           <p class="dialog-warning">{t("The scene has changes that aren't saved. Open {file} all the same?", { file: waiting.name })}</p>
           <div class="dialog-row">
-            <button type="button" onClick={() => void carryOut(waiting.name, waiting.open)}>
-              {t("Open all the same")}
-            </button>
-            <button type="button" onClick={() => setWaiting(null)}>
-              {t("Go back")}
-            </button>
+            <Answers
+              yes={t("Open all the same")}
+              onYes={() => void carryOut(waiting.name, waiting.open)}
+              no={t("Go back")}
+              onNo={() => setWaiting(null)}
+            />
           </div>
         </div>
       ) : (

@@ -9,11 +9,14 @@ export function RecoveredBanner({ host, desk }: { host: Host; desk: Desk }) {
     return null;
   }
   const answer = async (take: boolean) => {
-    const error = await host.requests.recover(take);
-    desk.tell(error, take ? t("Recovered. Save it to keep it.") : t("Thrown away."));
-    if (error === null) {
-      host.recovered.value = null;
-    }
+    desk.tell(await host.requests.recover(take), take ? t("Recovered. Save it to keep it.") : t("Thrown away."));
+  };
+  const askToThrowAway = () => {
+    desk.question.value = {
+      text: t("What was left unsaved can't be brought back then. Throw it away?"),
+      yes: t("Throw it away"),
+      act: () => void answer(false),
+    };
   };
   return (
     <div class="recovered" role="alert" data-recovered>
@@ -26,7 +29,7 @@ export function RecoveredBanner({ host, desk }: { host: Host; desk: Desk }) {
       <button type="button" onClick={() => void answer(true)}>
         {t("Take them")}
       </button>
-      <button type="button" onClick={() => void answer(false)}>
+      <button type="button" onClick={askToThrowAway}>
         {t("Throw them away")}
       </button>
     </div>

@@ -12,7 +12,8 @@ export function SaveDialog({ host, desk, onClose }: { host: Host; desk: Desk; on
   useEffect(() => {
     void host.requests.scenes().then((found) => (typeof found === "string" ? setError(found) : setPresent(found.map(({ file }) => file))));
   }, [host]);
-  const file = name.trim() === "" || name.endsWith(".json") ? name.trim() : `${name.trim()}.json`;
+  const stem = name.trim().replace(/\s*\.json$/, "");
+  const file = stem === "" ? "" : `${stem}.json`;
   const save = async (event: Event) => {
     event.preventDefault();
     const problem = await host.requests.save(file);

@@ -32,16 +32,14 @@ export function TopBar({ host, desk }: { host: Host; desk: Desk }) {
 function UndoButtons({ host, desk }: { host: Host; desk: Desk }) {
   const { undo = null, redo = null } = host.scene.value ?? {};
   const go = async (is: "undo" | "redo") => {
-    const step = host.scene.peek()?.[is];
-    const error = await host.requests[is]();
-    desk.tell(
-      error,
-      step == null
-        ? ""
-        : is === "undo"
-          ? t("Undone: {step}. What nodes heard or sent meanwhile stays.", { step: stepText(step) })
-          : t("Done again: {step}", { step: stepText(step) }),
-    );
+    const taken = await host.requests.move(is);
+    if (typeof taken === "string") {
+      desk.message.value = taken;
+    } else {
+      const step = stepText(taken);
+      desk.message.value =
+        is === "undo" ? t("Undone: {step}. What nodes heard or sent meanwhile stays.", { step }) : t("Done again: {step}", { step });
+    }
   };
   useEffect(() => {
     const follow = (event: KeyboardEvent) => {
@@ -78,7 +76,7 @@ function UndoButtons({ host, desk }: { host: Host; desk: Desk }) {
       >
         {t("Redo")}
       </button>
-      <HistoryList host={host} />
+      <HistoryList host={host} desk={desk} />
     </div>
   );
 }
