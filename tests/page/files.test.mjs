@@ -214,6 +214,7 @@ test("a device that isn't there is tried again from the inspector, and what othe
 test("devices and objects are opened and closed by keys, and the focus comes and goes with them", async () => {
   await must(script, { op: "device", device: 4, name: "Wall", parser: "direct" });
   await canvas.choosePalette("String data send");
+  await canvas.nodesAre(["String data send 1"]);
   await must(script, { op: "edit", node: "String data send 1", param: 1503, int: 4 });
   await page.locator("[data-show-device='4']").focus();
   await page.keyboard.press("Enter");
@@ -237,6 +238,7 @@ test("devices and objects are opened and closed by keys, and the focus comes and
 test("a node whose device takes no texts says so", async () => {
   await must(script, { op: "device", device: 1, name: "Stage", parser: "framed" });
   await canvas.choosePalette("String data send");
+  await canvas.nodesAre(["String data send 1"]);
   await must(script, { op: "edit", node: "String data send 1", param: 1503, int: 1 });
   await canvas.face("String data send 1").getByText("Device 1 takes no texts (framed).").waitFor();
   await must(script, { op: "device", device: 1, name: "Stage", parser: "direct" });
