@@ -284,15 +284,15 @@ test("errors of the control port and of a device are counted, with the last one 
   // Such errors are the system's: they are put into what the host tells.
   const context = await browser.newContext();
   const opened = await context.newPage();
-  await opened.routeWebSocket(/\/session$/, (socket) => {
+  await opened.routeWebSocket(/\/session\/gathered$/, (socket) => {
     const toHost = socket.connectToServer();
     toHost.onMessage((text) => {
-      const message = JSON.parse(text);
-      if (message.control) {
+      const messages = JSON.parse(text);
+      for (const message of messages.filter(({ control }) => control)) {
         Object.assign(message.control, { errors: 2, last_error: "Too many open files" });
         message.devices[0].errors = 5;
       }
-      socket.send(JSON.stringify(message));
+      socket.send(JSON.stringify(messages));
     });
   });
   await opened.goto(`${host.page}#network`);

@@ -15,7 +15,7 @@ const line = (number) => ({ level: 4, text: `[Demo.Mouse 1.Mouse] number ${numbe
 async function openWithLog(browser, count) {
   const opened = await browser.contexts()[0].newPage();
   let tell;
-  await opened.routeWebSocket(/\/session$/, (socket) => {
+  await opened.routeWebSocket(/\/session\/gathered$/, (socket) => {
     const toHost = socket.connectToServer();
     let asked;
     socket.onMessage((text) => {
@@ -24,11 +24,12 @@ async function openWithLog(browser, count) {
       toHost.send(text);
     });
     toHost.onMessage((text) => {
-      const reply = JSON.parse(text);
-      const kept = Array.from({ length: reply.id === asked && reply.lines ? count : 0 }, (_, index) => ({ n: index + 1, ms: 0, ...line(index + 1) }));
-      socket.send(kept.length > 0 ? JSON.stringify({ ...reply, lines: kept }) : text);
+      const kept = Array.from({ length: count }, (_, index) => ({ n: index + 1, ms: 0, ...line(index + 1) }));
+      const messages = JSON.parse(text);
+      const told = messages.map((reply) => (reply.id === asked && reply.lines ? { ...reply, lines: kept } : reply));
+      socket.send(JSON.stringify(told));
     });
-    tell = (log) => socket.send(JSON.stringify({ push: "happened", frame: 0, log }));
+    tell = (log) => socket.send(JSON.stringify([{ push: "happened", frame: 0, log }]));
   });
   await opened.goto(`${host.page}#log`);
   return {

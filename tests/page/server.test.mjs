@@ -8,6 +8,7 @@ import { after, before, test } from "node:test";
 import { once } from "node:events";
 import { runHost, startHost } from "./support/host.mjs";
 import { ask, upgrade } from "./support/http.mjs";
+import WebSocket from "ws";
 import { createNode, createScene, logIn, must, openSession, postedIn, until } from "./support/session.mjs";
 
 let host;
@@ -383,6 +384,29 @@ test("lines that the log's reply has aren't told behind it", async () => {
   desk.close();
   await client.close();
   assert.equal(await own.end(), 0);
+});
+
+test("a viewer that is told together is told the same in the same order", async () => {
+  const each = await openSession(host.address);
+  const socket = new WebSocket(`ws://${host.address}/session/gathered`);
+  const messages = [];
+  socket.on("message", (data) => messages.push(JSON.parse(String(data))));
+  await until("the greeting", () => messages.length > 0);
+  assert.deepEqual(messages[0].map(({ push }) => push), ["hello", "held", "history"]);
+
+  for (let press = 0; press < 10; ++press) {
+    for (const event of [2002, 2003]) {
+      await must(script, { op: "event", device: 0, event, payload: { is: "key", text: "A" } });
+    }
+  }
+  socket.send(JSON.stringify({ op: "scene", id: 7 }));
+  await until("the reply", () => messages.flat().some(({ id }) => id === 7));
+  const told = messages.flat();
+  const untilReply = told.slice(0, told.findIndex(({ id }) => id === 7));
+  assert.equal(postedIn(untilReply).length, 20, "what was pushed before a reply comes before it");
+  assert.deepEqual(postedIn(told), postedIn(each.pushes));
+  socket.close();
+  await each.close();
 });
 
 test("quit by a client ends the host cleanly", async () => {

@@ -62,9 +62,7 @@ export async function openPage(browser, host, { panel = "log", scripts = [] } = 
   page.on("websocket", (socket) => {
     socket.on("framesent", ({ payload }) => sent.push(JSON.parse(payload)));
     socket.on("framereceived", ({ payload }) => {
-      if (payload.startsWith('{"push":"hello"')) {
-        connection = JSON.parse(payload).connection;
-      }
+      connection = JSON.parse(payload).find(({ push }) => push === "hello")?.connection ?? connection;
     });
   });
   await page.goto(`${host.page}#${panel}`);

@@ -38,6 +38,7 @@ constexpr std::uint32_t LONGEST_HEADER = 16 * 1024;
 constexpr std::chrono::seconds REQUEST_TIME{30};
 constexpr std::chrono::seconds GOODBYE_TIME{1};
 constexpr std::string_view SESSION_TARGET = "/session";
+constexpr std::string_view GATHERED_TARGET = "/session/gathered";
 constexpr std::string_view SCENE_TARGET = "/scene";
 constexpr std::uint64_t LARGEST_SCENE = 256u << 20; ///< as of a file
 
@@ -320,8 +321,10 @@ Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
                                    "The request lacks the token of the address that the host printed.");
             response->set(http::field::www_authenticate, "Bearer");
             response->keep_alive(parser.is_done() && request.keep_alive()); // a body isn't read
-        } else if (HasPath(request, SESSION_TARGET) && beast::websocket::is_upgrade(request)) {
-            const auto pClient = std::make_shared<CWebSocketClient>(std::move(stream), site.listener);
+        } else if ((HasPath(request, SESSION_TARGET) || HasPath(request, GATHERED_TARGET)) &&
+                   beast::websocket::is_upgrade(request)) {
+            const auto pClient =
+                std::make_shared<CWebSocketClient>(std::move(stream), site.listener, HasPath(request, GATHERED_TARGET));
             co_await pClient->Run(parser.release());
             co_return;
         } else if (IsObjectText(request)) {

@@ -109,7 +109,7 @@ public:
                             {"address", m_strAddress},
                             {"connection", held.Connection()}}));
         pClient->Send(Text({{"push", "held"}, {"held", ToJson(m_session.Held().State())}}));
-        pClient->Send(Text(HistoryPush()));
+        pClient->Send(Text(HistoryPush()), true);
         // The next frame tells everybody all of it; to those who know it already that changes nothing.
         m_outputs.Forget();
         m_objects.Forget();
@@ -123,7 +123,8 @@ public:
         }
         const KeySet keysBefore = m_session.Held().VirtualKeys();
         client.Send(
-            MakeText(AnswerText(m_session, text, m_scenes, {.pHeld = &m_clients.at(&client).held}, CutForViewers)));
+            MakeText(AnswerText(m_session, text, m_scenes, {.pHeld = &m_clients.at(&client).held}, CutForViewers)),
+            true);
         TellScene();
         TellHeld();
         ShowKeysToNodes(keysBefore);

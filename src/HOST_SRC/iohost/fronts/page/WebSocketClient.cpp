@@ -3,6 +3,10 @@
 #include <boost/beast/core/buffers_to_string.hpp>
 #include <boost/beast/websocket/rfc6455.hpp>
 
+#include <algorithm>
+#include <iterator>
+#include <vector>
+
 #include "base/Caught.h"
 #include "fronts/page/QueuedTexts.h"
 
@@ -15,16 +19,35 @@ namespace {
 
 constexpr size_t LONGEST_TEXT = size_t{1024} * 1024;
 constexpr size_t MOST_QUEUED_BYTES = size_t{8} * 1024 * 1024;
+constexpr std::chrono::milliseconds GATHER_TIME{100}; // people don't see the difference
 constexpr std::chrono::seconds HANDSHAKE_TIME{10};
 constexpr std::chrono::seconds PING_PERIOD{10};
 constexpr std::chrono::seconds LONGEST_SILENCE{30};
 
 constexpr char CANT_WRITE[] = "a page isn't written to any longer";
 
+using Texts = std::vector<std::shared_ptr<const std::string>>;
+
+/// One text as it is, or any number as an array. The texts and the vector that is answered stay as long as it's used.
+std::vector<asio::const_buffer> MessageOf(const Texts& texts, bool bArray) {
+    std::vector<asio::const_buffer> message;
+    for (const auto& pText : texts) {
+        if (bArray) {
+            message.push_back(asio::buffer(message.empty() ? "[" : ",", 1));
+        }
+        message.push_back(asio::buffer(*pText));
+    }
+    if (bArray) {
+        message.push_back(asio::buffer("]", 1));
+    }
+    return message;
+}
+
 } // namespace
 
-CWebSocketClient::CWebSocketClient(TcpStream stream, IWebSocketListener& listener)
-    : m_socket(std::move(stream)), m_listener(listener), m_silenceTimer(m_socket.get_executor()) {}
+CWebSocketClient::CWebSocketClient(TcpStream stream, IWebSocketListener& listener, bool bGathered)
+    : m_socket(std::move(stream)), m_listener(listener), m_bGathered(bGathered), m_gatherTimer(m_socket.get_executor()),
+      m_silenceTimer(m_socket.get_executor()) {}
 
 Awaitable<void> CWebSocketClient::Run(UpgradeRequest request) {
     // The coroutine keeps the client alive.
@@ -65,12 +88,15 @@ Awaitable<void> CWebSocketClient::ReadTexts() {
     }
 }
 
-void CWebSocketClient::Send(std::shared_ptr<const std::string> pText) {
+void CWebSocketClient::Send(std::shared_ptr<const std::string> pText, bool bUrgent) {
     if (m_bClosing) {
         return;
     }
     m_nQueuedBytes += pText->size() + CQueuedTexts::COST_OF_EACH;
     m_queue.push_back(std::move(pText));
+    if (bUrgent) {
+        DontWait();
+    }
     if (m_nQueuedBytes > MOST_QUEUED_BYTES) {
         Drop();
     } else if (!m_bWriting) {
@@ -80,12 +106,20 @@ void CWebSocketClient::Send(std::shared_ptr<const std::string> pText) {
 }
 
 Awaitable<void> CWebSocketClient::WriteQueue() {
+    error_code error;
     while (!m_queue.empty()) {
-        const std::shared_ptr<const std::string> pText = std::move(m_queue.front());
-        m_queue.pop_front();
-        error_code error;
-        co_await m_socket.async_write(asio::buffer(*pText), AwaitInto(error));
-        m_nQueuedBytes -= pText->size() + CQueuedTexts::COST_OF_EACH;
+        if (m_bGathered && !m_bUrgent) {
+            m_gatherTimer.expires_after(GATHER_TIME);
+            co_await m_gatherTimer.async_wait(AwaitInto(error));
+        }
+        m_bUrgent = false;
+        const auto end = m_bGathered ? m_queue.end() : std::min(m_queue.end(), m_queue.begin() + 1);
+        const Texts texts(std::move_iterator(m_queue.begin()), std::move_iterator(end));
+        m_queue.erase(m_queue.begin(), end);
+        co_await m_socket.async_write(MessageOf(texts, m_bGathered), AwaitInto(error));
+        for (const auto& pText : texts) {
+            m_nQueuedBytes -= pText->size() + CQueuedTexts::COST_OF_EACH;
+        }
         if (error) {
             Drop();
             break;
@@ -93,9 +127,13 @@ Awaitable<void> CWebSocketClient::WriteQueue() {
     }
     m_bWriting = false;
     if (m_bClosing) {
-        error_code error;
         co_await m_socket.async_close(websocket::close_code::going_away, AwaitInto(error));
     }
+}
+
+void CWebSocketClient::DontWait() {
+    m_bUrgent = true;
+    m_gatherTimer.cancel();
 }
 
 void CWebSocketClient::Close() {
@@ -103,6 +141,7 @@ void CWebSocketClient::Close() {
         return;
     }
     m_bClosing = true;
+    DontWait();
     if (!m_bWriting) {
         Spawn(m_socket.get_executor(), CANT_WRITE, [pSelf = shared_from_this()] { return pSelf->WriteQueue(); });
     }
@@ -137,5 +176,6 @@ void CWebSocketClient::Drop() {
     m_bClosing = true;
     m_bDropped = true;
     m_queue.clear();
+    DontWait();
     beast::get_lowest_layer(m_socket).close();
 }

@@ -35,13 +35,15 @@ class CWebSocketClient : public std::enable_shared_from_this<CWebSocketClient> {
 public:
     using UpgradeRequest = boost::beast::http::request<boost::beast::http::empty_body>;
 
-    CWebSocketClient(TcpStream stream, IWebSocketListener& listener);
+    /// With bGathered, what is sent comes together: each message is an array of texts.
+    CWebSocketClient(TcpStream stream, IWebSocketListener& listener, bool bGathered);
 
     /// Answers the upgrade and serves the client until it's gone.
     Awaitable<void> Run(UpgradeRequest request);
 
     /// Queues a text. Never waits: a client that doesn't take what it's sent is dropped when too much has gathered.
-    void Send(std::shared_ptr<const std::string> pText);
+    /// Where texts come together, others wait for a moment; an urgent one goes out at once with all before it.
+    void Send(std::shared_ptr<const std::string> pText, bool bUrgent = false);
 
     /// Says goodbye; what is queued goes out first.
     void Close();
@@ -55,18 +57,22 @@ public:
 private:
     Awaitable<void> ReadTexts();
     Awaitable<void> WriteQueue();
+    void DontWait();
     Awaitable<void> WatchSilence();
     void Heard();
 
     boost::beast::websocket::stream<TcpStream> m_socket;
     IWebSocketListener& m_listener;
     boost::beast::flat_buffer m_received;
+    const bool m_bGathered;
     std::deque<std::shared_ptr<const std::string>> m_queue;
     size_t m_nQueuedBytes = 0;
+    bool m_bUrgent = false; ///< the queue goes out without waiting for more
     bool m_bWriting = false;
     bool m_bClosing = false;
     bool m_bDropped = false;
     bool m_bPinging = false;
+    SteadyTimer m_gatherTimer;
     SteadyTimer m_silenceTimer;
     std::chrono::steady_clock::time_point m_tHeard;
 };

@@ -52,7 +52,11 @@ export class Connection {
   #open(): void {
     const socket = new WebSocket(this.#address);
     this.#socket = socket;
-    socket.addEventListener("message", (message) => this.#receive(JSON.parse(String(message.data)) as Push | Reply));
+    socket.addEventListener("message", (event) => {
+      for (const message of JSON.parse(String(event.data)) as (Push | Reply)[]) {
+        this.#receive(message);
+      }
+    });
     socket.addEventListener("close", () => this.#lose());
   }
 

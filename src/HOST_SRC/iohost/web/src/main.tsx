@@ -11,7 +11,7 @@ import { App } from "./view/App.tsx";
 startLanguage();
 
 const scheme = location.protocol === "https:" ? "wss" : "ws";
-const host = new Host(`${scheme}://${location.host}/session`);
+const host = new Host(`${scheme}://${location.host}/session/gathered`);
 
 // What is held when the page can't see any more how it ends is let go.
 const release = (reason: string) => host.holders.any && host.releaseAll(reason);

@@ -1,4 +1,4 @@
-// The messages of the WebSocket /session as the page uses them, made of the protocol's types.
+// The messages of the WebSocket /session/gathered as the page uses them, made of the protocol's types.
 import type {
   DroppedItems,
   GroupState,

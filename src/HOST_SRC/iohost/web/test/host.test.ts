@@ -32,7 +32,7 @@ class StandInSocket extends EventTarget {
   }
 
   tell(message: object): void {
-    this.dispatchEvent(new MessageEvent("message", { data: JSON.stringify(message) }));
+    this.dispatchEvent(new MessageEvent("message", { data: JSON.stringify([message]) }));
   }
 
   lose(): void {
@@ -120,7 +120,7 @@ test("the page knows how old the host's last frame is, from the greeting on", ()
   const now = mock.method(Date, "now", () => 10000);
   const socket = connect();
   const push = (frame: number) =>
-    socket.dispatchEvent(new MessageEvent("message", { data: JSON.stringify({ push: "frame", frame }) }));
+    socket.dispatchEvent(new MessageEvent("message", { data: JSON.stringify([{ push: "frame", frame }]) }));
   assert.equal(host.frames.value!.age(10500), 500);
   now.mock.mockImplementation(() => 11000);
   push(60);
