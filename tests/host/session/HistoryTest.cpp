@@ -7,11 +7,13 @@ namespace {
 
 class History : public CHostTest {
 protected:
-    /// All that a file of the scene would hold.
+    /// All that a file of the scene would hold. The steps left the same.
     std::string Scene() {
         const auto file = m_folder.Path() / "compared.json";
+        const std::string strLeft = SceneText(m_pSession->SceneLeft());
         Must("save file=" + Quote(file));
-        return ReadAll(file);
+        EXPECT_EQ(ReadAll(file), strLeft);
+        return strLeft;
     }
 
     OrderedJson Steps() {

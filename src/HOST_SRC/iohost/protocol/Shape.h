@@ -6,6 +6,7 @@
 #include <array>
 #include <concepts>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <tuple>
@@ -393,6 +394,16 @@ struct SFixedListCodec {
         }
     }
     static OrderedJson Write(const List& value) { return ListToJson(value); }
+};
+
+template <typename T>
+struct Codec<std::shared_ptr<const T>> { ///< what it points at; null is left out
+    static void Read(std::shared_ptr<const T>& value, const Json& json, const std::string& strPath) {
+        auto pRead = std::make_shared<T>();
+        ReadJson(*pRead, json, strPath);
+        value = std::move(pRead);
+    }
+    static OrderedJson Write(const std::shared_ptr<const T>& value) { return ToJson(*value); }
 };
 
 template <typename T, size_t nCount>

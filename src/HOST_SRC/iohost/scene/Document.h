@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
@@ -100,12 +101,24 @@ struct SNote {
 /// Notes by their ids, in the order in which they were made.
 using Notes = std::vector<std::pair<std::string, SNote>>;
 
+/// Groups that several hold: a copy of them takes long.
+using SharedGroups = std::shared_ptr<const std::vector<SGroupState>>;
+
+/// The parameters of a node and its graph node. Any of the lists may be missing.
+struct SParamSets {
+    SharedGroups own;
+    SharedGroups inputs;
+    SharedGroups outputs;
+
+    bool operator==(const SParamSets& other) const {
+        const auto same = [](const SharedGroups& a, const SharedGroups& b) { return a == b || (a && b && *a == *b); };
+        return same(own, other.own) && same(inputs, other.inputs) && same(outputs, other.outputs);
+    }
+};
+
 /// A node of a scene file. Of parameters that the node makes by itself only ids, values, choices and availability
 /// matter. Where a list is missing, the node has what a new one has.
-struct SNodeDocument : SNodeStart {
-    std::optional<std::vector<SGroupState>> own = std::nullopt;
-    std::optional<std::vector<SGroupState>> inputs = std::nullopt;
-    std::optional<std::vector<SGroupState>> outputs = std::nullopt;
+struct SNodeDocument : SNodeStart, SParamSets {
     std::optional<SPlace> place = std::nullopt; ///< none: wherever the viewer puts it
 
     bool operator==(const SNodeDocument&) const = default;

@@ -75,6 +75,7 @@ struct SNode {
     PinKinds ownOutputs;           ///< the outputs, likewise
     std::vector<SLink> arOutgoing; ///< links out of this node, in the order in which they were made
     std::optional<SPlace> place;   ///< on the canvas; none: wherever the viewer puts it
+    SParamSets left;               ///< the parameters as the last step that may have changed them left them
     SNodeCounts counts;
     bool bCountsTold = false; ///< they are as whoever shows them knows
 

@@ -460,6 +460,13 @@ Result CSession::On(const SSceneCommand& /*command*/) {
 }
 
 Result CSession::On(const SSaveCommand& /*command*/) {
+    for (auto& [nOrder, node] : Scene().Nodes()) {
+        NoteParameters(node);
+    }
+    return SceneLeft();
+}
+
+SSceneDocument CSession::SceneLeft() {
     SSceneDocument document{ClipDocumentsOf(Scene()), {}, {}, m_peers.Devices(), Scene().CanvasNotes()};
     std::map<unsigned long long, SLinkDocument> links;
     for (const auto& [nOrder, node] : Scene().Nodes()) {
@@ -508,11 +515,10 @@ void CSession::BuildScene(const SSceneDocument& document, const std::string& str
     }
     for (size_t i = 0; i < document.nodes.size(); ++i) {
         const SNodeDocument& node = document.nodes[i];
-        const auto list = [](const auto& groups) { return groups ? &*groups : nullptr; };
-        const SNodeContents contents{.pOwn = list(node.own),
-                                     .pInputs = list(node.inputs),
-                                     .pOutputs = list(node.outputs),
-                                     .bOutputs = !node.outputs};
+        const SNodeContents contents{.pOwn = node.own.get(),
+                                     .pInputs = node.inputs.get(),
+                                     .pOutputs = node.outputs.get(),
+                                     .bOutputs = node.outputs == nullptr};
         SNode* pNode = m_pHost->Create(node, contents).pNode;
         if (pNode == nullptr) {
             Refuse(path("nodes", i, "type"), "the module makes no node of the type " + GuidText(node.guidType));

@@ -45,23 +45,28 @@ void TellNode(CHost& host, SNode& node, const std::vector<unsigned>& ids) {
 }
 
 void ChangeNode(CHost& host, SNode& node, const SNodeDocument& from, const SNodeDocument& to) {
+    node.pGraphNode->m_strName = to.strGraph;
+    if (to.own == nullptr) {
+        return; // the step was about other things
+    }
     ChangeGroups(node.pNode->m_lstParamGroup, *from.own, *to.own, false);
     ChangeGroups(node.pGraphNode->m_lstInputGroup, *from.inputs, *to.inputs, false);
     if (const auto ids = Differing(*from.inputs, *to.inputs); !ids.empty()) {
         TellNode(host, node, ids);
     }
     ChangeGroups(node.pGraphNode->m_lstOutputGroup, *from.outputs, *to.outputs, true);
-    node.pGraphNode->m_strName = to.strGraph;
+    NoteParameters(node);
 }
 
 SNode& MakeNode(CHost& host, const SNodeDocument& document) {
-    SNode& node = *host.Create(document, {.pOwn = &*document.own,
-                                          .pInputs = &*document.inputs,
-                                          .pOutputs = &*document.outputs,
+    SNode& node = *host.Create(document, {.pOwn = document.own.get(),
+                                          .pInputs = document.inputs.get(),
+                                          .pOutputs = document.outputs.get(),
                                           .bOutputs = false,
                                           .bRestored = true})
                        .pNode;
     RestoreGroups(node.pNode->m_lstParamGroup, *document.own, false); // whatever InitParam made of them
+    NoteParameters(node);
     return node;
 }
 
@@ -113,10 +118,19 @@ void SSceneChange::Add(const SSceneChange& other) {
 
 void SSceneScope::Add(const SSceneScope& other) {
     nodes.insert(other.nodes.begin(), other.nodes.end());
+    bParameters |= other.bParameters;
     bClips |= other.bClips;
     bDevices |= other.bDevices;
     bNotes |= other.bNotes;
     bEverything |= other.bEverything;
+}
+
+void NoteParameters(SNode& node) {
+    const auto share = [](const VEKParamGroupList& lstGroup) {
+        return std::make_shared<const std::vector<SGroupState>>(StateOf(lstGroup));
+    };
+    node.left = {share(node.pNode->m_lstParamGroup), share(node.pGraphNode->m_lstInputGroup),
+                 share(node.pGraphNode->m_lstOutputGroup)};
 }
 
 SNodeDocument DocumentOf(const SNode& node) {
@@ -128,9 +142,7 @@ SNodeDocument DocumentOf(const SNode& node) {
                                           node.pGraphNode->m_strName,
                                           node.bEventWindow,
                                           node.bNotifyWindow};
-    document.own = StateOf(node.pNode->m_lstParamGroup);
-    document.inputs = StateOf(node.pGraphNode->m_lstInputGroup);
-    document.outputs = StateOf(node.pGraphNode->m_lstOutputGroup);
+    static_cast<SParamSets&>(document) = node.left;
     document.place = node.place;
     return document;
 }
@@ -154,8 +166,15 @@ std::vector<SClipDocument> ClipDocumentsOf(const CScene& scene) {
 SScenePart TakePart(CHost& host, const CPeers& peers, const SSceneScope& scope) {
     CScene& scene = host.Scene();
     SScenePart part;
-    const auto take = [&part](const SNode& node) {
-        part.nodes[node.strHandle] = {node.nOrder, node.ownInputs, node.ownOutputs, DocumentOf(node)};
+    const auto take = [&](SNode& node) {
+        if (scope.bParameters) {
+            NoteParameters(node);
+        }
+        SNodeState& state = part.nodes[node.strHandle];
+        state = {node.nOrder, node.ownInputs, node.ownOutputs, DocumentOf(node)};
+        if (!scope.bParameters) {
+            static_cast<SParamSets&>(state.document) = {};
+        }
         for (const auto* pLinks : {&node.arIncoming, &node.arOutgoing}) {
             for (const SLink& link : *pLinks) {
                 part.links[link.nOrder] = {DocumentOf(link), link.nKind};
@@ -163,12 +182,12 @@ SScenePart TakePart(CHost& host, const CPeers& peers, const SSceneScope& scope) 
         }
     };
     if (scope.bEverything) {
-        for (const auto& [nOrder, node] : scene.Nodes()) {
+        for (auto& [nOrder, node] : scene.Nodes()) {
             take(node);
         }
     } else {
         for (const std::string& strHandle : scope.nodes) {
-            if (const SNode* pNode = scene.Find(strHandle)) {
+            if (SNode* pNode = scene.Find(strHandle)) {
                 take(*pNode);
             }
         }
@@ -191,8 +210,11 @@ size_t BytesOf(const SScenePart& part) {
     for (const auto& [strHandle, state] : part.nodes) {
         const SNodeDocument& node = state.document;
         nBytes += sizeof state + text(node.strGraph);
-        for (const auto* pGroups : {&node.own, &node.inputs, &node.outputs}) {
-            for (const SGroupState& group : **pGroups) {
+        for (const SharedGroups& pGroups : {node.own, node.inputs, node.outputs}) {
+            if (pGroups == nullptr) {
+                continue;
+            }
+            for (const SGroupState& group : *pGroups) {
                 nBytes += sizeof group + group.params.size() * sizeof(SParamState);
                 for (const SParamState& param : group.params) {
                     nBytes += text(*param.name) + text(*param.display) + text(*param.text);

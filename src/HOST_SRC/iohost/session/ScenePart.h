@@ -14,6 +14,7 @@
 /// What a part is about.
 struct SSceneScope {
     std::set<std::string> nodes = {}; ///< handles, also of nodes that aren't there yet
+    bool bParameters = false;         ///< also parameters of these nodes
     bool bClips = false;
     bool bDevices = false;
     bool bNotes = false;
@@ -57,7 +58,10 @@ struct SSceneChange {
     void Add(const SSceneChange& other);
 };
 
-/// A node as a scene file holds it.
+/// Note the node's parameters as what they were left as.
+void NoteParameters(SNode& node);
+
+/// A node as a scene file holds it, with its parameters as they were noted.
 SNodeDocument DocumentOf(const SNode& node);
 SLinkDocument DocumentOf(const SLink& link);
 std::vector<SClipDocument> ClipDocumentsOf(const CScene& scene);

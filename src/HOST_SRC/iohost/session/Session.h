@@ -82,6 +82,10 @@ public:
     /// Let the next TakeChangedCounts return all.
     void ForgetToldCounts();
 
+    /// The scene as its steps left it: what nodes and links have written to parameters since isn't in it. That takes
+    /// little time, however many nodes there are.
+    SSceneDocument SceneLeft();
+
     /// The scene's steps, and its file.
     CHistory& History() { return m_history; }
 

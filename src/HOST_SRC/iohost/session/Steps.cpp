@@ -11,7 +11,7 @@ public:
     SStepPlan operator()(const SCreateCommand& command) const {
         return {{"Add " + NameOr(command.strGraph, command.strHandle), "create",
                  NameOr(command.strGraph, command.strHandle)},
-                {.nodes = {command.strHandle}, .bClips = command.clip.has_value()}};
+                {.nodes = {command.strHandle}, .bParameters = true, .bClips = command.clip.has_value()}};
     }
 
     SStepPlan operator()(const SDestroyCommand& command) const {
@@ -68,7 +68,7 @@ public:
     SStepPlan operator()(const SLoadCommand& command) const {
         const std::string strVerb = command.bUnsaved ? "Recover " : "Open ";
         return {{strVerb + (command.strFile.empty() ? "a scene" : command.strFile), "load", command.strFile},
-                {.bEverything = true}};
+                {.bParameters = true, .bEverything = true}};
     }
 
     SStepPlan operator()(const SBatchCommand& command) const {
@@ -91,7 +91,7 @@ private:
 
     SStepPlan OfNode(const std::string& strVerb, const char* pszOp, const std::string& strHandle) const {
         const std::string strOf = NodeName(strHandle);
-        return {{strVerb + " " + strOf, pszOp, strOf}, {.nodes = {strHandle}}};
+        return {{strVerb + " " + strOf, pszOp, strOf}, {.nodes = {strHandle}, .bParameters = true}};
     }
 
     SStepPlan OfLink(const std::string& strVerb, const char* pszWhere, const char* pszOp,

@@ -38,10 +38,9 @@ void CUnsavedScene::Check() {
     } else if (m_written != history.State()) {
         m_written = history.State();
         m_bThere = true;
-        SDone done = m_session.Do(SSaveCommand());
-        m_writing = std::async(std::launch::async, [path = m_file, strName = file.strName,
-                                                    scene = std::get<SSceneDocument>(std::move(done.outcome.result))] {
-            return WriteFileSafely(path, SceneText(scene, strName));
-        });
+        m_writing =
+            std::async(std::launch::async, [path = m_file, strName = file.strName, scene = m_session.SceneLeft()] {
+                return WriteFileSafely(path, SceneText(scene, strName));
+            });
     }
 }
