@@ -97,6 +97,7 @@ TEST_F(Session, WhatIsNoRequestIsRefusedAndTheSessionGoesOn) {
     for (const std::string& strText : {strObjects, std::string(100'000, '['), nested(65)}) {
         EXPECT_EQ(RefusalOfText(strText), "request: nested deeper than 64 levels");
     }
+    EXPECT_EQ(Ask(R"({"op":"objects","id":"\"[[)" + std::string(65, '[') + R"("})").substr(0, 11), R"({"ok":true,)");
     Must(Json::parse(nested(64)));
     Must("process node=m");
 }
