@@ -121,7 +121,7 @@ void CheckFloors(const MeasuredType& type, CBenchHost& host, const CPlacedNode& 
             throw std::runtime_error(std::string(type.pszName) + " has no parameter " + std::to_string(lookUp.nId));
         }
     }
-    host.ReceiveEvents(); // that a stroke left, which was being measured
+    host.ReceiveEvents(); // those that a measured stroke left
     for (const FiringEvent& firing : type.events) {
         CString strNodeLog;
         host.KeepLog(&strNodeLog);

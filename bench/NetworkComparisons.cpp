@@ -33,7 +33,7 @@ namespace {
 // As in Comparison.cpp: set from what was measured (docs/benchmarks.md), with room for a busy machine.
 constexpr double BROADCAST_SEND_LIMIT = 1.5; // what the node has to keep to
 constexpr double RECORD_SEND_LIMIT = 2.5;
-constexpr double BROADCAST_RECEIVE_LIMIT = 8.0; // two conversions and four texts lie around the parse
+constexpr double BROADCAST_RECEIVE_LIMIT = 8.0; // beside the parse, the text is converted twice and four texts are made
 
 void Require(bool bHolds, const char* pszProblem) {
     if (!bHolds) {

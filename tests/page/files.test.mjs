@@ -413,9 +413,12 @@ test("blanks around a file's name aren't part of it", async () => {
 test("a line of the history leads where it says, though somebody changes the scene meanwhile", async () => {
   const late = await browser.contexts()[0].newPage();
   let hears = true;
-  await late.routeWebSocket(/\/session$/, (socket) => {
+  await late.routeWebSocket(/\/session\/gathered$/, (socket) => {
     const toHost = socket.connectToServer();
-    toHost.onMessage((text) => (hears || !text.startsWith('{"push":"history"')) && socket.send(text));
+    toHost.onMessage((text) => {
+      const heard = JSON.parse(text).filter(({ push }) => hears || push !== "history");
+      socket.send(JSON.stringify(heard));
+    });
   });
   await late.goto(host.page);
   const create = (node) => must(script, { op: "create", node, type: "{8164BB40-6B6A-4707-88B7-386BCB0D1B03}", clip: "Show", graph: node });
@@ -436,6 +439,7 @@ test("a line of the history leads where it says, though somebody changes the sce
   await must(script, { op: "undo" });
   await must(script, { op: "undo" });
   await create("f");
+  await late.locator("[data-face=f]").waitFor();
   await late.locator('[data-step="2"]').click(); // nowhere any more
   await expectEventually("what is said", () => canvasOf(late, script).message().innerText(), "to: the scene has no such state there");
   await canvas.nodesAre(["a", "f"]);

@@ -401,6 +401,7 @@ test("a viewer that is told together is told the same in the same order", async 
   }
   socket.send(JSON.stringify({ op: "scene", id: 7 }));
   await until("the reply", () => messages.flat().some(({ id }) => id === 7));
+  await until("the other viewer's pushes", () => postedIn(each.pushes).length === 20);
   const told = messages.flat();
   const untilReply = told.slice(0, told.findIndex(({ id }) => id === 7));
   assert.equal(postedIn(untilReply).length, 20, "what was pushed before a reply comes before it");

@@ -184,8 +184,8 @@ public:
     std::size_t AppendAscii(std::basic_string_view<OTHER> str) {
         const auto isOther = [](OTHER ch) { return static_cast<std::make_unsigned_t<OTHER>>(ch) >= 0x80; };
         const auto nLength = static_cast<std::size_t>(std::find_if(str.begin(), str.end(), isOther) - str.begin());
-        const std::size_t nRoom = m_nCount < m_nRoom ? m_nRoom - m_nCount : 0;
-        std::copy_n(str.begin(), std::min(nLength, nRoom), m_pOut + m_nCount);
+        if (m_nCount < m_nRoom)
+            std::copy_n(str.begin(), std::min(nLength, m_nRoom - m_nCount), m_pOut + m_nCount);
         m_nCount += nLength;
         return nLength;
     }

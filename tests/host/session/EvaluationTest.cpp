@@ -103,18 +103,22 @@ TEST_F(Evaluation, TheValuesOfAChainComeAlong) {
     EXPECT_EQ(Sent(PressKey("B")), Texts{"ab"});
 }
 
-/// What a hand's place sends as a key number, which is an integer.
-TEST_F(Evaluation, AFloatComesToAnIntegerRounded) {
-    Talk(R"(
-        devices list=[{"id":0,"name":"Wall","parser":"framed"}]
-        create node=v type=handle clip=Clip graph=V
-        create node=s type=send clip=Clip graph=S
-        set node=s param=412 int=0
-        link from=v output=852 to=s input=407
-        link from=v output=862 to=s input=410
-    )");
-    Frame();
-    const auto moveTo = [this](double fX) {
+/// A hand's place is sent as a key number, which is an integer.
+class FloatToInteger : public Evaluation {
+protected:
+    void LinkPlaceToNumber() {
+        Talk(R"(
+            devices list=[{"id":0,"name":"Wall","parser":"framed"}]
+            create node=v type=handle clip=Clip graph=V
+            create node=s type=send clip=Clip graph=S
+            set node=s param=412 int=0
+            link from=v output=852 to=s input=407
+            link from=v output=862 to=s input=410
+        )");
+        Frame();
+    }
+
+    OrderedJson MoveTo(double fX) {
         OrderedJson reply;
         for (const int nTrigger : {1, 0}) {
             Json sample = HandSample({{"trigger", nTrigger}});
@@ -125,12 +129,24 @@ TEST_F(Evaluation, AFloatComesToAnIntegerRounded) {
             }
         }
         return reply;
-    };
-    const auto keyNumber = [](const OrderedJson& reply) { return reply["sent"][0]["record"]["KeyNumber"]; };
-    moveTo(10.5);
-    EXPECT_EQ(keyNumber(Frame()), 11);
+    }
+
+    static OrderedJson KeyNumber(const OrderedJson& reply) { return reply["sent"][0]["record"]["KeyNumber"]; }
+};
+
+TEST_F(FloatToInteger, IsRounded) {
+    LinkPlaceToNumber();
+    MoveTo(10.5);
+    EXPECT_EQ(KeyNumber(Frame()), 11);
     Must(AT_ONCE);
-    EXPECT_EQ(keyNumber(moveTo(-20.25)), -20);
+    EXPECT_EQ(KeyNumber(MoveTo(-20.25)), -20);
+}
+
+TEST_F(FloatToInteger, BringsNothingInRecordingsFromBeforeItWasRounded) {
+    Must("recording version=1 texts=keys");
+    LinkPlaceToNumber();
+    MoveTo(10.5);
+    EXPECT_EQ(KeyNumber(Frame()), 0);
 }
 
 /// Each release of a connection that closes is an event of its own.

@@ -157,7 +157,7 @@ TAGGED(SRecoverCommand, "recover")
 TAGGED(SSaveCommand, "save")
 TAGGED(SSceneCommand, "scene")
 TAGGED(SRecordingCommand, "recording", SField{"version", &T::nVersion}, SField{"texts", &T::nTexts},
-       SField{"evaluate", &T::nEvaluation, FIELD_OPTIONAL})
+       SField{"evaluate", &T::nEvaluation, FIELD_OPTIONAL}, SField{"rounding", &T::bRounding, FIELD_OPTIONAL})
 TAGGED(SQuitCommand, "quit")
 UNION(Command, "op", "unknown op ")
 TAG(SFrameCommand, "process")

@@ -26,11 +26,12 @@ void CopyValue(const VEKParam& from, VEKParam& to, ELinkKind nKind) {
     to.m_strValue = from.m_strValue;
 }
 
-ELinkKind LinkKind(EPinKind nOutput, EPinKind nInput) {
+ELinkKind LinkKind(EPinKind nOutput, EPinKind nInput, bool bRounding) {
     if (nOutput == EPinKind::Event) {
         return ELinkKind::Event;
     }
-    return nOutput == EPinKind::Float && nInput == EPinKind::Integer ? ELinkKind::Rounded : ELinkKind::Copy;
+    return bRounding && nOutput == EPinKind::Float && nInput == EPinKind::Integer ? ELinkKind::Rounded
+                                                                                  : ELinkKind::Copy;
 }
 
 std::optional<EPinKind> PinKind(const VEKParamGroupList& lstGroup, const PinKinds& own, unsigned nId) {
@@ -154,8 +155,8 @@ void CScene::SetClips(const std::vector<CString>& names) {
     m_clips = std::move(clips);
 }
 
-void CScene::Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput) {
-    const ELinkKind nKind = LinkKind(*from.OutputKind(nOutput), *to.InputKind(nInput));
+void CScene::Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput, bool bRounding) {
+    const ELinkKind nKind = LinkKind(*from.OutputKind(nOutput), *to.InputKind(nInput), bRounding);
     const SLink link{&from, nOutput, &to, nInput, nKind, m_nNextLink};
     if (std::ranges::none_of(from.arOutgoing, [&](const SLink& other) { return JoinsSamePins(link, other); })) {
         Relink(link);

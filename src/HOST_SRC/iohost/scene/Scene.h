@@ -136,8 +136,9 @@ public:
     /// any other.
     void SetClips(const std::vector<CString>& names);
 
-    /// Make a link; the same link twice is one. The pins must have a kind.
-    void Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput);
+    /// Make a link; the same link twice is one. The pins must have a kind. Only with bRounding does a float output
+    /// bring an integer input a value.
+    void Link(SNode& from, unsigned nOutput, SNode& to, unsigned nInput, bool bRounding);
 
     /// Make a link that was there before, in its place among the others.
     void Relink(const SLink& link);

@@ -281,6 +281,7 @@ struct SRecordingCommand {
     int nVersion = 0;
     ETextTable nTexts = ETextTable::Keys;
     EEvaluation nEvaluation = EEvaluation::Frame;
+    bool bRounding = false; ///< links bring whole numbers from floats
 };
 
 using Command =

@@ -381,7 +381,7 @@ void CSession::On(const SLinkCommand& command) {
     ParamOf(from.pGraphNode->m_lstOutputGroup, command.nOutput, "outputs", "output");
     SNode& to = NodeOf(command.strTo, "to");
     ParamOf(to.pGraphNode->m_lstInputGroup, command.nInput, "graph inputs", "input");
-    Scene().Link(from, command.nOutput, to, command.nInput);
+    Scene().Link(from, command.nOutput, to, command.nInput, m_bRounding);
 }
 
 void CSession::On(const SUnlinkCommand& command) {
@@ -537,7 +537,7 @@ void CSession::BuildScene(const SSceneDocument& document, const std::string& str
         if (!to.InputKind(link.nInput)) {
             RefuseParam(path("links", i, "input"), link.nInput, "graph inputs");
         }
-        Scene().Link(from, link.nOutput, to, link.nInput);
+        Scene().Link(from, link.nOutput, to, link.nInput, m_bRounding);
     }
 }
 
@@ -634,4 +634,5 @@ void CSession::On(const SRecordingCommand& command) {
         Refuse("texts", std::string("this session's are ") + NameOf(Texts()));
     }
     m_nEvaluation = command.nEvaluation;
+    m_bRounding = command.bRounding;
 }

@@ -96,7 +96,8 @@ TEST_F(Recording, HoldsTheRequestsWithTheirReplies) {
     AskObject("process node=none");
     const auto lines = Lines();
     ASSERT_EQ(lines.size(), 4u);
-    EXPECT_EQ(lines[0], Json::parse(R"({"op":"recording","version":1,"texts":"keys","reply":{"ok":true}})"));
+    EXPECT_EQ(lines[0],
+              Json::parse(R"({"op":"recording","version":1,"texts":"keys","rounding":true,"reply":{"ok":true}})"));
     EXPECT_EQ(lines[1]["reply"], Json::parse(R"({"ok":true,"result":1,"created":true})"));
     EXPECT_EQ(lines[2],
               Json::parse(R"({"op":"process","reply":{"ok":true,"results":{"m":1}}})")); // ids are the asker's

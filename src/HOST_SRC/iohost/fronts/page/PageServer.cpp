@@ -302,7 +302,7 @@ private:
 
     /// Whoever asked is told by the reply. What items cause is told with the next frame: they may come by the thousand.
     void OnDone(const SDone& done) override {
-        NoteChange(done.change);
+        m_change.Add(done.change);
         if (m_clients.empty()) {
             return;
         }
@@ -373,12 +373,6 @@ private:
         DoGuarded(m_frameLine, "the pages weren't told of a frame", [this] {
             SendToAll({{"push", "frame"}, {"frame", m_nFrame}});
         });
-    }
-
-    void NoteChange(const SSceneChange& change) {
-        m_change.nodes.insert(change.nodes.begin(), change.nodes.end());
-        m_change.bList |= change.bList;
-        m_change.bEverything |= change.bEverything;
     }
 
     void TellScene() {

@@ -3,10 +3,6 @@
 #include <boost/beast/core/buffers_to_string.hpp>
 #include <boost/beast/websocket/rfc6455.hpp>
 
-#include <algorithm>
-#include <iterator>
-#include <vector>
-
 #include "base/Caught.h"
 #include "fronts/page/QueuedTexts.h"
 
@@ -19,29 +15,13 @@ namespace {
 
 constexpr size_t LONGEST_TEXT = size_t{1024} * 1024;
 constexpr size_t MOST_QUEUED_BYTES = size_t{8} * 1024 * 1024;
+constexpr size_t LONGEST_GATHERED = size_t{256} * 1024;
 constexpr std::chrono::milliseconds GATHER_TIME{100}; // people don't see the difference
 constexpr std::chrono::seconds HANDSHAKE_TIME{10};
 constexpr std::chrono::seconds PING_PERIOD{10};
 constexpr std::chrono::seconds LONGEST_SILENCE{30};
 
 constexpr char CANT_WRITE[] = "a page isn't written to any longer";
-
-using Texts = std::vector<std::shared_ptr<const std::string>>;
-
-/// One text as it is, or any number as an array. The texts and the vector that is answered stay as long as it's used.
-std::vector<asio::const_buffer> MessageOf(const Texts& texts, bool bArray) {
-    std::vector<asio::const_buffer> message;
-    for (const auto& pText : texts) {
-        if (bArray) {
-            message.push_back(asio::buffer(message.empty() ? "[" : ",", 1));
-        }
-        message.push_back(asio::buffer(*pText));
-    }
-    if (bArray) {
-        message.push_back(asio::buffer("]", 1));
-    }
-    return message;
-}
 
 } // namespace
 
@@ -112,14 +92,13 @@ Awaitable<void> CWebSocketClient::WriteQueue() {
             m_gatherTimer.expires_after(GATHER_TIME);
             co_await m_gatherTimer.async_wait(AwaitInto(error));
         }
-        m_bUrgent = false;
-        const auto end = m_bGathered ? m_queue.end() : std::min(m_queue.end(), m_queue.begin() + 1);
-        const Texts texts(std::move_iterator(m_queue.begin()), std::move_iterator(end));
-        m_queue.erase(m_queue.begin(), end);
-        co_await m_socket.async_write(MessageOf(texts, m_bGathered), AwaitInto(error));
-        for (const auto& pText : texts) {
-            m_nQueuedBytes -= pText->size() + CQueuedTexts::COST_OF_EACH;
+        if (m_queue.empty()) {
+            break; // dropped meanwhile
         }
+        m_nWritingBytes = 0;
+        const std::shared_ptr<const std::string> pText = m_bGathered ? TakeGathered() : TakeText();
+        co_await m_socket.async_write(asio::buffer(*pText), AwaitInto(error));
+        m_nQueuedBytes -= m_nWritingBytes;
         if (error) {
             Drop();
             break;
@@ -129,6 +108,23 @@ Awaitable<void> CWebSocketClient::WriteQueue() {
     if (m_bClosing) {
         co_await m_socket.async_close(websocket::close_code::going_away, AwaitInto(error));
     }
+}
+
+std::shared_ptr<const std::string> CWebSocketClient::TakeText() {
+    std::shared_ptr<const std::string> pText = std::move(m_queue.front());
+    m_queue.pop_front();
+    m_nWritingBytes += pText->size() + CQueuedTexts::COST_OF_EACH;
+    return pText;
+}
+
+/// Texts that make a message of no more than that, or one; those left over don't wait.
+std::shared_ptr<const std::string> CWebSocketClient::TakeGathered() {
+    std::string strMessage;
+    do {
+        strMessage += (strMessage.empty() ? '[' : ',') + *TakeText();
+    } while (!m_queue.empty() && strMessage.size() + m_queue.front()->size() <= LONGEST_GATHERED);
+    m_bUrgent = !m_queue.empty();
+    return std::make_shared<const std::string>(strMessage + ']');
 }
 
 void CWebSocketClient::DontWait() {

@@ -57,6 +57,8 @@ public:
 private:
     Awaitable<void> ReadTexts();
     Awaitable<void> WriteQueue();
+    std::shared_ptr<const std::string> TakeText();
+    std::shared_ptr<const std::string> TakeGathered();
     void DontWait();
     Awaitable<void> WatchSilence();
     void Heard();
@@ -66,8 +68,9 @@ private:
     boost::beast::flat_buffer m_received;
     const bool m_bGathered;
     std::deque<std::shared_ptr<const std::string>> m_queue;
-    size_t m_nQueuedBytes = 0;
-    bool m_bUrgent = false; ///< the queue goes out without waiting for more
+    size_t m_nQueuedBytes = 0;  ///< with those that are being written
+    size_t m_nWritingBytes = 0; ///< and those alone
+    bool m_bUrgent = false;     ///< the queue goes out without waiting for more
     bool m_bWriting = false;
     bool m_bClosing = false;
     bool m_bDropped = false;

@@ -55,7 +55,7 @@ std::unique_ptr<CRecorder> CRecorder::Open(CSession& session, const std::filesys
         strError = "the file " + Utf8(file) + " can't be written";
         return nullptr;
     }
-    session.Do(SRecordingCommand{RECORDING_VERSION, session.Texts(), session.Evaluation()});
+    session.Do(SRecordingCommand{RECORDING_VERSION, session.Texts(), session.Evaluation(), true});
     return pRecorder;
 }
 

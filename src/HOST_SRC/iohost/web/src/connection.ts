@@ -52,9 +52,10 @@ export class Connection {
   #open(): void {
     const socket = new WebSocket(this.#address);
     this.#socket = socket;
-    socket.addEventListener("message", (event) => {
+    socket.addEventListener("message", async (event) => {
       for (const message of JSON.parse(String(event.data)) as (Push | Reply)[]) {
         this.#receive(message);
+        await null; // who waited for a reply goes on before what was told behind it
       }
     });
     socket.addEventListener("close", () => this.#lose());

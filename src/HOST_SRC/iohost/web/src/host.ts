@@ -21,6 +21,11 @@ export type ConnectionState =
 
 export type NodeView = SceneNode & { details: NodeDetails };
 
+/** Grows with whatever the node does. */
+function total({ fired, received, matched, rejected, sent, dropped }: NodeCounts): number {
+  return fired + received + matched + rejected + sent + dropped;
+}
+
 /** What the page knows of its host, and what it asks of it. */
 export class Host implements ConnectionListener {
   readonly connection = signal<ConnectionState>({ is: "connecting" });
@@ -216,7 +221,7 @@ export class Host implements ConnectionListener {
     }
   }
 
-  /** What nodes of the scene before did, those of another one with equal handles haven't done. */
+  /** Another scene's nodes begin with nothing done, also those whose handles the scene before had. */
   #forgetNodes(): void {
     this.values.reset();
     this.fired.reset();
@@ -239,7 +244,7 @@ export class Host implements ConnectionListener {
   #showCounters(node: string, counters: NodeCounts): void {
     const shown = this.counters.of(node);
     const before = shown.peek();
-    if (before !== null && JSON.stringify(before) !== JSON.stringify(counters)) {
+    if (before !== null && total(counters) > total(before)) {
       this.active.of(node).value = Date.now();
     }
     shown.value = counters;
@@ -344,7 +349,7 @@ export class Host implements ConnectionListener {
     }
     const nodes = read.filter((node) => node !== null);
     const handles = new Set(nodes.map(({ node }) => node));
-    if (known.size > 0 && handles.size > 0 && !nodes.some(({ node }) => known.has(node))) {
+    if (stale === null && known.size > 0 && handles.size > 0 && !nodes.some(({ node }) => known.has(node))) {
       number = ++this.#scenes; // another host answers at the address, say
     }
     this.values.keepOnly(handles);

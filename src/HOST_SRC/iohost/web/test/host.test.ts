@@ -31,8 +31,9 @@ class StandInSocket extends EventTarget {
     this.tell({ push: "hello", version: "1.0.0", fps: 60, address: "127.0.0.1:1", connection: sockets.length });
   }
 
-  tell(message: object): void {
-    this.dispatchEvent(new MessageEvent("message", { data: JSON.stringify([message]) }));
+  /** Messages that come together. */
+  tell(...messages: object[]): void {
+    this.dispatchEvent(new MessageEvent("message", { data: JSON.stringify(messages) }));
   }
 
   lose(): void {
@@ -142,7 +143,7 @@ test("nothing is sent before the host's greeting", () => {
   assert.equal(socket!.keys.includes(EventId.keyUp), false);
 });
 
-test("a node did something only when its counters are others than before: all are told to each page that opens", () => {
+test("a node did something only when its counters grew: all are told to each page that opens", () => {
   const { host } = openPage();
   const socket = connect();
   const counters = { fired: 1, received: 2, matched: 0, rejected: 0, sent: 0, dropped: 0 };
@@ -152,6 +153,7 @@ test("a node did something only when its counters are others than before: all ar
   };
   tell({ k: counters });
   tell({ k: counters });
+  tell({ k: { ...counters, fired: 0, received: 0 } }); // they were reset
   assert.equal(host.active.of("k").value, null);
   tell({ k: { ...counters, fired: 2 } });
   assert.notEqual(host.active.of("k").value, null);
@@ -194,6 +196,30 @@ test("another scene begins anew, also for nodes of the same handles; a new conne
   socket.tell({ push: "hello", version: "1.0.0", fps: 60, address: "127.0.0.1:1", connection: 3 });
   await answerScene(socket, [{ ...KEYS, node: "of another host" }]);
   assert.equal(host.sceneNumber.value, number + 2);
+});
+
+test("a step that replaces all nodes makes no other scene", async () => {
+  const { host } = openPage();
+  const socket = connect();
+  await answerScene(socket, [KEYS]);
+  const number = host.sceneNumber.value;
+  socket.tell({ push: "scene", version: 2, changed: ["k", "l"] });
+  await answerScene(socket, [{ ...KEYS, node: "l" }]);
+  assert.deepEqual([host.nodes.value!.map(({ node }) => node), host.sceneNumber.value], [["l"], number]);
+});
+
+test("what is told behind a reply, in the same message, comes behind it", async () => {
+  const { host } = openPage();
+  const socket = connect();
+  const { id } = socket.sent.find(({ op }) => op === "log")!;
+  const line = (text: string) => ({ level: 4, text });
+  socket.tell(
+    { ok: true, id, lines: [{ n: 1, ms: 0, ...line("one") }] },
+    { push: "happened", frame: 1, log: [line("two")] },
+  );
+  await new Promise(setImmediate);
+  retry(); // the pause until the next that is shown
+  assert.deepEqual([0, 1].map((index) => host.log.lines.at(index)?.text), ["one", "two"]);
 });
 
 test("a node of which nothing changed stays the same object when the scene changes around it", async () => {

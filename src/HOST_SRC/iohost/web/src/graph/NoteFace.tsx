@@ -38,7 +38,6 @@ export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<Not
         }}
         onBlur={({ currentTarget: { value } }) => {
           if (value !== known.current) {
-            known.current = value;
             void editor.place({}, { [id]: { ...note, text: value } });
           }
         }}

@@ -1,6 +1,7 @@
 import { BaseEdge, EdgeLabelRenderer, getBezierPath, type Edge, type EdgeProps } from "@xyflow/react";
 import { useRef, useState } from "preact/hooks";
 import type { Host } from "../host.ts";
+import { NO_VALUE } from "../live.ts";
 import { t } from "../i18n.ts";
 import type { Param } from "../messages.ts";
 import { shownValue } from "../params.ts";
@@ -43,11 +44,14 @@ interface Carried {
 /** Stays dark for what ran before it was drawn. */
 function Pulse({ host, link, output, path }: Carried & { path: string }) {
   const fired = host.fired.of(link.from, output.id).value;
-  const { int, float, string } = host.values.of(link.from, output.id).value;
-  const passed = sortOf(output) === "event" ? fired : `${int} ${float} ${string}`;
+  const value = host.values.of(link.from, output.id).value;
+  const isEvent = sortOf(output) === "event";
+  const passed = isEvent ? fired : value === NO_VALUE ? null : `${value.int} ${value.float} ${value.string}`;
   const beats = useRef({ passed, count: 0 });
-  if (passed !== null && beats.current.passed !== passed) {
-    beats.current = { passed, count: beats.current.count + 1 };
+  const { passed: before, count } = beats.current;
+  if (passed !== before) {
+    const isBeat = passed !== null && (isEvent || before !== null); // the first value is the one that it had
+    beats.current = { passed, count: isBeat ? count + 1 : count };
   }
   return beats.current.count === 0 ? null : (
     // A new key makes a new element, whose flash starts afresh.
