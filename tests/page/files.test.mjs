@@ -292,7 +292,7 @@ test("another file is opened; what isn't saved is asked for first, and undo brin
   await saveAs("mouse");
   await page.getByRole("button", { name: "Open", exact: true }).click();
   await page.getByRole("button", { name: "Empty scene" }).click();
-  await canvas.nodesAre([]);
+  await page.locator("[data-face]").waitFor({ state: "detached" }); // with it goes an open palette
   await canvas.choosePalette("Keyboard");
   await page.getByRole("button", { name: "Open", exact: true }).click();
   await page.locator('[data-scene-file="mouse.json"]').click();
