@@ -265,6 +265,7 @@ test("objects are added, renamed and removed", async () => {
 test("a page that opens later shows what an earlier one saw: the log, and what each node did", async () => {
   await canvas.choosePalette("Keyboard");
   await canvas.nodesAre(["Keyboard 1"]);
+  await must(script, { op: "process" }); // nodes take no event before they are evaluated
   await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
   await must(script, { op: "event", device: 0, event: 2003, payload: { is: "key", text: "F5" } });
   await canvas.face("Keyboard 1").getByText("fired 2 · received 2").waitFor();
