@@ -191,6 +191,12 @@ test("lines are marked by keys, which screen readers are told, and lead to their
     await view.page.keyboard.press(key);
     await expectEventually("the marked line", marked, String(number));
   }
+  await list.hover();
+  await view.page.mouse.wheel(0, -400);
+  const isSeen = () => list.evaluate((log) => log.scrollTop > -20);
+  await until("lines further up", async () => !(await isSeen()));
+  await view.page.keyboard.press("End");
+  await until("the marked line", isSeen);
   await view.log([line(LOG_LIMIT + 1)]);
   await view.page.getByRole("button", { name: "Go on (1 new)" }).waitFor();
   await view.page.keyboard.press("Enter");

@@ -51,7 +51,7 @@ export class LogBuffer {
   /** The number of the last line that was cleared away. */
   #cleared = 0;
 
-  /** They come and go at its ends; others than those before are another one. */
+  /** Lines are added and dropped at its ends. Once cleared or read anew it's another object. */
   get lines(): Tail<LogLine> {
     return this.#lines;
   }

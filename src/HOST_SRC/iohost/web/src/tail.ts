@@ -12,7 +12,7 @@ export class Tail<Item> {
   }
 
   at(index: number): Item | undefined {
-    return this.#items[this.#front + index];
+    return index < 0 ? undefined : this.#items[this.#front + index];
   }
 
   push(item: Item): void {

@@ -38,6 +38,7 @@ test("what goes from the front and comes at the end leaves the others as they ar
     assert.deepEqual(tail.slice(), Array.from({ length: Math.min(next + 1, 7) }, (_, index) => Math.max(0, next - 6) + index));
     assert.equal(tail.at(tail.length - 1), next);
     assert.equal(tail.at(tail.length), undefined);
+    assert.equal(tail.at(-1), undefined);
   }
 });
 

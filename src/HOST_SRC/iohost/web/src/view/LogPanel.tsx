@@ -19,7 +19,7 @@ const FILTERS: readonly { label: Label; level: LevelFilter }[] = [
 const FOLLOW_DISTANCE_PX = 24;
 /** So many lines are drawn: what is seen, and enough around it to scroll on. */
 const DRAWN = 150;
-/** Others are drawn once what is seen comes this near to the last one. */
+/** Scrolled this near to the first or last drawn line, the log draws those around what is seen. */
 const MARGIN_PX = 400;
 /** What a line takes that isn't drawn. */
 const LINE_PX = 20;
@@ -38,7 +38,9 @@ export function LogPanel({ host, desk, shown }: PanelProps) {
   const [still, setStill] = useState<StandStill | null>(null);
   /** Which lines are drawn: those before this one; null: the newest. */
   const [end, setEnd] = useState<number | null>(null);
-  const [marked, setMarked] = useState<number | null>(null);
+  /** Marked anew by each key, the line comes into sight again. */
+  const [mark, setMark] = useState<{ number: number } | null>(null);
+  const marked = mark?.number ?? null;
   const list = useRef<HTMLDivElement>(null);
   const drawn = useRef<HTMLDivElement>(null);
 
@@ -124,7 +126,8 @@ export function LogPanel({ host, desk, shown }: PanelProps) {
       event.preventDefault();
       const next = Math.max(0, Math.min(found.length - 1, wanted));
       standStill(false);
-      setMarked(found.at(next)?.number ?? null);
+      const line = found.at(next);
+      setMark(line === undefined ? null : { number: line.number });
       if (next < first || next >= last) {
         drawAround(next);
       }
@@ -135,7 +138,7 @@ export function LogPanel({ host, desk, shown }: PanelProps) {
   const isMarkedDrawn = seen.some(({ number }) => number === marked);
   useLayoutEffect(() => {
     document.getElementById(idOf(marked))?.scrollIntoView({ block: "nearest" });
-  }, [marked]);
+  }, [mark]);
 
   return (
     <>
