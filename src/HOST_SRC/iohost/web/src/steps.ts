@@ -31,7 +31,6 @@ const OTHERS = [
   "Open a scene",
   "Recover a scene",
   "Unlink",
-  "Delete a note",
   "Add a start",
 ] as const;
 
@@ -50,7 +49,7 @@ function beginning(pattern: (typeof OF_SOMETHING)[number]): string {
   return pattern.replace("{what}", "");
 }
 
-/** What a step is of: one thing, two that belong together, or a number of nodes. */
+/** What a step is of: one thing, two that belong together, or numbers of nodes and notes. */
 function whatText(pattern: (typeof OF_SOMETHING)[number], what: string): string {
   const [, count] = /^(\d+) nodes$/.exec(what) ?? [];
   if (count !== undefined) {
@@ -63,6 +62,16 @@ function whatText(pattern: (typeof OF_SOMETHING)[number], what: string): string 
       return from === undefined ? what : t("{from} to {to}", { from, to: to! });
     case "Unlink {what}":
       return from === undefined ? what : t("{from} from {to}", { from, to: to! });
+    case "Delete {what}":
+    case "Duplicate {what}":
+    case "Paste {what}": {
+      const [, nodes, notes, count] = /^(?:(.+) and )?(a note|(\d+) notes)$/s.exec(what) ?? [];
+      if (notes === undefined) {
+        return what;
+      }
+      const notesText = count === undefined ? t("a note") : t("{count} notes", { count });
+      return nodes === undefined ? notesText : t("{nodes} and {notes}", { nodes: whatText(pattern, nodes), notes: notesText });
+    }
     default:
       return what;
   }
