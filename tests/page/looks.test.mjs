@@ -3,7 +3,7 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
-import { createNode, Type, until } from "./support/session.mjs";
+import { createNode, must, Type, until } from "./support/session.mjs";
 
 useScene({ start: () => ({ options: ["--texts", "zh"] }) });
 
@@ -50,18 +50,18 @@ test("in Chinese no text is left in English, on any tab", async () => {
     await page.page.locator(`#panel-${name} :visible`).first().waitFor();
     assert.deepEqual(await english(), [], name);
   }
-  await script.request({ op: "device", device: 1, name: "Wall", parser: "direct", address: "127.0.0.1:9" });
-  await script.request({ op: "object", clip: "Demo", name: "Lamp" });
+  await must(script, { op: "device", device: 1, name: "Wall", parser: "direct", address: "127.0.0.1:9" });
+  await must(script, { op: "object", clip: "Demo", name: "Lamp" });
   for (const part of ["[data-open-device]", "[data-open-object]"]) {
     await page.page.locator(part).click();
     await page.page.locator("[data-part-card]").waitFor();
     assert.deepEqual(await english(), [], part);
     await page.page.getByRole("button", { name: "显示全部" }).last().click();
   }
-  await script.request({ op: "link", from: "k", output: 154, to: "t", input: 202 });
-  await script.request({ op: "rename", node: "m", graph: "Mouse 1" });
-  await script.request({ op: "place", nodes: { k: { x: 0, y: 0 }, m: { x: 400, y: 0 } } });
-  await script.request({ op: "batch", requests: [{ op: "remove_object", clip: "Demo", name: "Lamp" }] });
+  await must(script, { op: "link", from: "k", output: 154, to: "t", input: 202 });
+  await must(script, { op: "rename", node: "m", graph: "Mouse 1" });
+  await must(script, { op: "place", nodes: { k: { x: 0, y: 0 }, m: { x: 400, y: 0 } } });
+  await must(script, { op: "batch", requests: [{ op: "remove_object", clip: "Demo", name: "Lamp" }] });
   await page.page.locator("[data-history]").click();
   await page.page.locator(".history-list", { hasText: "更改场景" }).waitFor();
   assert.deepEqual(await english(), [], "the history");
