@@ -17,10 +17,13 @@ useScene({
 
 let context;
 let phone;
+let sent;
 
 beforeEach(async () => {
   context = await browser.newContext({ viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true });
   phone = await context.newPage();
+  sent = [];
+  phone.on("websocket", (socket) => socket.on("framesent", ({ payload }) => sent.push(JSON.parse(payload).op)));
   await phone.goto(host.page);
   await phone.locator("article[data-node=g]").waitFor();
 });
@@ -54,10 +57,13 @@ test("nothing changes the scene: no graph, no files, no steps, no fields", async
   }
   assert.deepEqual(found.filter((name) => /^(Open|Save|Undo|Redo|History|Add|Unlink|Remove)/.test(name)), []);
   assert.equal(await phone.locator("article[data-node] :is(input, select, textarea)").count(), 0);
-  const { version } = await must(script, { op: "scene" });
   await phone.keyboard.press("Control+z");
   await phone.keyboard.press("Control+k");
-  assert.equal((await must(script, { op: "scene" })).version, version);
+  await openTab("network");
+  await phone.locator("[data-listen-only]").tap();
+  await until("the state", async () => (await must(script, { op: "network" })).listen_only);
+  assert.ok(sent.includes("listen_only") && !sent.includes("undo"), sent.join());
+  assert.equal(await phone.locator("[data-palette]").count(), 0);
 });
 
 test("inputs show their values, also those that a link brings", async () => {
@@ -78,6 +84,16 @@ test("a device is opened, its connection and texts are tried, and what came of i
   const { top, bottom } = await phone.locator("[data-message]").evaluate((message) => message.getBoundingClientRect());
   assert.ok(top > 0 && bottom < 844, `${top} to ${bottom}`);
   assert.equal(await phone.locator("[data-part-card] [data-part]").count(), 0);
+  await phone.getByRole("button", { name: "Close" }).tap();
+  await expectEventually("what is said", () => phone.locator("[data-message]").innerText(), "");
+  assert.equal(await phone.getByRole("button", { name: "Close" }).count(), 0);
+});
+
+test("where the scene has no objects nothing leads to them", async () => {
+  await phone.getByRole("navigation", { name: "Devices" }).waitFor();
+  assert.equal(await phone.getByRole("navigation", { name: "Objects" }).count(), 0);
+  await must(script, { op: "object", clip: "Demo", name: "Lamp" });
+  await phone.getByRole("navigation", { name: "Objects" }).getByRole("button", { name: "Lamp" }).waitFor();
 });
 
 test("touches on the render surface reach the nodes", async () => {

@@ -17,10 +17,16 @@ const Canvas = lazyView(async () => (await import("../graph/Canvas.tsx")).Canvas
 
 /** What came of the last step, where no canvas says it. */
 function Message({ desk }: { desk: Desk }) {
+  const text = desk.message.value;
   return (
-    <p class="message" role="status" data-message>
-      {desk.message.value}
-    </p>
+    <div class={text === "" ? "message message-none" : "message"}>
+      <p role="status" data-message>
+        {text}
+      </p>
+      <button type="button" class="icon-button" aria-label={t("Close")} onClick={() => desk.tell(null, "")}>
+        ×
+      </button>
+    </div>
   );
 }
 

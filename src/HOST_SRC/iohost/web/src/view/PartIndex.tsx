@@ -10,38 +10,42 @@ export function PartIndex({ host, desk }: { host: Host; desk: Desk }) {
   const objects = host.objects.value;
   return (
     <div class="part-index">
-      <nav aria-label={t("Devices")}>
-        <span aria-hidden="true">{t("Devices")}</span>
-        {devices.map(({ id, name }) => (
-          <button type="button" key={id} data-open-device={id} onClick={() => desk.open({ is: "device", id })}>
-            {id} · {name}
-          </button>
-        ))}
-        <Editing>
-          <button type="button" aria-label={t("Add device")} onClick={() => desk.open({ is: "device", id: null })}>
-            +
-          </button>
-        </Editing>
-      </nav>
-      <nav aria-label={t("Objects")}>
-        <span aria-hidden="true">{t("Objects")}</span>
-        {objects.map(({ clip, name }) => (
-          <button
-            type="button"
-            key={`${clip}\n${name}`}
-            title={`${clip} · ${name}`}
-            data-open-object={`${clip}.${name}`}
-            onClick={() => desk.open({ is: "object", name: { clip, name } })}
-          >
-            {name}
-          </button>
-        ))}
-        <Editing>
-          <button type="button" aria-label={t("Add object")} onClick={() => desk.open({ is: "object", name: null })}>
-            +
-          </button>
-        </Editing>
-      </nav>
+      {(desk.edits || devices.length > 0) && (
+        <nav aria-label={t("Devices")}>
+          <span aria-hidden="true">{t("Devices")}</span>
+          {devices.map(({ id, name }) => (
+            <button type="button" key={id} data-open-device={id} onClick={() => desk.open({ is: "device", id })}>
+              {id} · {name}
+            </button>
+          ))}
+          <Editing>
+            <button type="button" aria-label={t("Add device")} onClick={() => desk.open({ is: "device", id: null })}>
+              +
+            </button>
+          </Editing>
+        </nav>
+      )}
+      {(desk.edits || objects.length > 0) && (
+        <nav aria-label={t("Objects")}>
+          <span aria-hidden="true">{t("Objects")}</span>
+          {objects.map(({ clip, name }) => (
+            <button
+              type="button"
+              key={`${clip}\n${name}`}
+              title={`${clip} · ${name}`}
+              data-open-object={`${clip}.${name}`}
+              onClick={() => desk.open({ is: "object", name: { clip, name } })}
+            >
+              {name}
+            </button>
+          ))}
+          <Editing>
+            <button type="button" aria-label={t("Add object")} onClick={() => desk.open({ is: "object", name: null })}>
+              +
+            </button>
+          </Editing>
+        </nav>
+      )}
     </div>
   );
 }
