@@ -70,13 +70,13 @@ async function saveAs(name) {
 }
 
 /** What a device on this machine was sent. */
-async function startDevice() {
+async function startDevice(port = 0) {
   const received = [];
   const sockets = new Set();
   const server = createServer((socket) => {
     sockets.add(socket);
     socket.on("data", (data) => received.push(data)).on("error", () => {});
-  }).listen(0, "127.0.0.1");
+  }).listen(port, "127.0.0.1");
   await once(server, "listening");
   devices.push(() => (sockets.forEach((socket) => socket.destroy()), server.close()));
   return { address: `127.0.0.1:${server.address().port}`, text: () => Buffer.concat(received).toString() };
@@ -209,6 +209,31 @@ test("a device that isn't there is tried again from the inspector, and what othe
   assert.equal(await page.locator("[data-test-text]").count(), 0);
   await must(script, { op: "remove_device", device: 4 });
   await card().getByText("There is no device 4.").waitFor();
+});
+
+test("what is said of a device that is tried goes once it's connected", async () => {
+  const { address } = await startDevice();
+  const port = Number(address.split(":")[1]);
+  devices.splice(0).forEach((close) => close());
+  await must(script, { op: "device", device: 4, name: "Wall", parser: "direct", address });
+  await page.locator("[data-open-device='4']").click();
+  await card().getByText("refused").waitFor();
+  await page.getByRole("button", { name: "Try to connect" }).click();
+  await expectEventually("what is said", () => canvas.message().innerText(), "Trying to connect…");
+  await startDevice(port);
+  await card().getByText("connected since").waitFor();
+  await expectEventually("what is said", () => canvas.message().innerText(), "");
+});
+
+test("an object that others remove is told as gone; what is open closes with its scene", async () => {
+  await must(script, { op: "object", clip: "Show", name: "Lamp" });
+  await page.locator("[data-open-object='Show.Lamp']").click();
+  await page.locator("[data-part=name]").waitFor();
+  await must(script, { op: "change_object", clip: "Show", name: "Lamp", to: "Light" });
+  await card().getByText("There is no object Show · Lamp.").waitFor();
+  assert.equal(await page.locator("[data-part=name]").count(), 0);
+  await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes: [], links: [] } });
+  await card().waitFor({ state: "detached" });
 });
 
 test("devices and objects are opened and closed by keys, and the focus comes and goes with them", async () => {
@@ -442,7 +467,7 @@ test("a line of the history leads where it says, though somebody changes the sce
   await create("f");
   await late.locator("[data-face=f]").waitFor();
   await late.locator('[data-step="2"]').click(); // nowhere any more
-  await expectEventually("what is said", () => canvasOf(late, script).message().innerText(), "to: the scene has no such state there");
+  await expectEventually("what is said", () => canvasOf(late, script).message().innerText(), "The scene has no such state there any more.");
   await canvas.nodesAre(["a", "f"]);
   await late.close();
 });

@@ -48,6 +48,13 @@ export class Desk {
     this.opened.value = part;
   }
 
+  /** Goes on from a part to another one, or to all nodes; not where the inspector shows something else by now. */
+  leave(from: Part | null, to: Part | null): void {
+    if (this.opened.peek() === from) {
+      this.opened.value = to;
+    }
+  }
+
   /** Shows all nodes in the inspector. */
   showAll(): void {
     this.choose([]);

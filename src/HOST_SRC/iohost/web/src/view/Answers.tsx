@@ -7,7 +7,7 @@ interface AnswersProps {
   onNo(): void;
 }
 
-/** The answers to whether something is taken away. The focus is on the one that takes nothing. */
+/** The two answers to a question before something is taken away. The focus is on the one that takes nothing. */
 export function Answers({ yes, onYes, no, onNo }: AnswersProps) {
   const harmless = useRef<HTMLButtonElement>(null);
   useEffect(() => harmless.current!.focus(), []);

@@ -1,5 +1,5 @@
 import type { TargetedEvent } from "preact";
-import { useState } from "preact/hooks";
+import { useEffect, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
@@ -82,6 +82,7 @@ function DeviceForm({ host, desk, settings, isNew }: { host: Host; desk: Desk; s
       setError(t("There is a device {id} already.", { id }));
       return;
     }
+    const opened = desk.opened.peek();
     const problem = await host.requests.change({
       op: "device",
       device: id,
@@ -93,15 +94,18 @@ function DeviceForm({ host, desk, settings, isNew }: { host: Host; desk: Desk; s
     if (problem === null) {
       await host.readNetwork();
       setTyped({});
-      desk.open({ is: "device", id });
+      if (isNew) {
+        desk.leave(opened, { is: "device", id });
+      }
     }
     setError(problem);
   };
   const remove = async () => {
+    const opened = desk.opened.peek();
     const problem = await host.requests.change({ op: "remove_device", device: id });
     setError(problem);
     if (problem === null) {
-      desk.showAll();
+      desk.leave(opened, null);
     }
   };
   return (
@@ -156,9 +160,19 @@ function DeviceForm({ host, desk, settings, isNew }: { host: Host; desk: Desk; s
 }
 
 /** Finds out whether a device is there: connects now, or sends a text. */
-function DeviceTrial({ host, desk, device: { id, address, parser } }: { host: Host; desk: Desk; device: DeviceState }) {
+function DeviceTrial({ host, desk, device }: { host: Host; desk: Desk; device: DeviceState }) {
+  const { id, address, parser, state } = device;
   const [text, setText] = useState(TEST_TEXT);
   const takesTexts = parser === "direct" || parser === "json";
+  useEffect(() => {
+    if (state === "connected" && desk.message.peek() === t("Trying to connect…")) {
+      desk.tell(null, "");
+    }
+  }, [state]);
+  const tryNow = async () => {
+    const problem = await host.requests.connect(id);
+    desk.tell(problem, state === "connected" ? "" : t("Trying to connect…"));
+  };
   const send = async (event: Event) => {
     event.preventDefault();
     desk.tell(await host.requests.sendText(id, text), t("Handed over: see “Last sent”."));
@@ -167,7 +181,7 @@ function DeviceTrial({ host, desk, device: { id, address, parser } }: { host: Ho
     <>
       {address !== null && (
         <div class="part-row">
-          <button type="button" onClick={async () => desk.tell(await host.requests.connect(id), t("Trying to connect…"))}>
+          <button type="button" onClick={tryNow}>
             {t("Try to connect")}
           </button>
         </div>

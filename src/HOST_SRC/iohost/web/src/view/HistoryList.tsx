@@ -23,9 +23,10 @@ export function HistoryList({ host, desk }: { host: Host; desk: Desk }) {
     return () => window.removeEventListener("pointerdown", close);
   }, []);
 
-  const goTo = async (op: "undo" | "redo", state: number) => {
-    const taken = await host.requests.move(op, state);
-    desk.message.value = typeof taken === "string" ? taken : "";
+  const goTo = async (op: "undo" | "redo", to: number) => {
+    const taken = await host.requests.move(op, to);
+    const problem = typeof taken === "string" ? taken : null;
+    desk.tell(problem?.startsWith("to: ") ? t("The scene has no such state there any more.") : problem, "");
   };
   /** What it was after so many steps. */
   const entry = (step: number, { done, states }: History, text: string) => (

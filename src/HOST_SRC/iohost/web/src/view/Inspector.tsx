@@ -18,6 +18,8 @@ import { PartIndex } from "./PartIndex.tsx";
 export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
   const section = useRef<HTMLElement>(null);
   const opened = desk.opened.value;
+  const scene = host.sceneNumber.value;
+  useEffect(() => () => void (desk.opened.value = null), [desk, scene]); // it's of that scene
   // The focus comes to what was opened, and goes back to where that was done.
   useEffect(() => {
     if (opened === null) {
@@ -37,14 +39,9 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
       {opened === null ? (
         <Nodes host={host} desk={desk} />
       ) : opened.is === "device" ? (
-        <DeviceCard key={`${host.sceneNumber.value} ${opened.id}`} host={host} desk={desk} id={opened.id} />
+        <DeviceCard key={opened.id} host={host} desk={desk} id={opened.id} />
       ) : (
-        <ObjectCard
-          key={`${host.sceneNumber.value} ${JSON.stringify(opened.name)}`}
-          host={host}
-          desk={desk}
-          name={opened.name}
-        />
+        <ObjectCard key={JSON.stringify(opened.name)} host={host} desk={desk} name={opened.name} />
       )}
     </section>
   );

@@ -1,5 +1,5 @@
 import type { TargetedEvent } from "preact";
-import { useState } from "preact/hooks";
+import { useRef, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import { placeText } from "../format.ts";
 import type { Host } from "../host.ts";
@@ -18,16 +18,25 @@ interface ObjectCardProps {
 /** An object in the inspector, which hands move and JSON texts are for. */
 export function ObjectCard({ host, desk, name }: ObjectCardProps) {
   const object = name && host.objects.value.find((one) => one.clip === name.clip && one.name === name.name);
+  // One that was just added or renamed may not be told of yet.
+  const wasThere = useRef(false);
+  wasThere.current ||= object != null;
+  const isGone = object === undefined && wasThere.current;
+  const title = name === null ? t("New object") : `${name.clip} · ${name.name}`;
   return (
-    <PartCard desk={desk} title={name === null ? t("New object") : `${name.clip} · ${name.name}`}>
+    <PartCard desk={desk} title={title}>
       {object != null && (
         <p class="hint" data-object-place>
           {placeText(object.matrix)}
         </p>
       )}
-      <Editing>
-        <ObjectForm host={host} desk={desk} present={name} />
-      </Editing>
+      {isGone ? (
+        <p class="hint">{t("There is no object {name}.", { name: title })}</p>
+      ) : (
+        <Editing>
+          <ObjectForm host={host} desk={desk} present={name} />
+        </Editing>
+      )}
     </PartCard>
   );
 }
@@ -46,20 +55,24 @@ function ObjectForm({ host, desk, present }: { host: Host; desk: Desk; present: 
   });
   const submit = async (event: Event) => {
     event.preventDefault();
+    const opened = desk.opened.peek();
     const problem = await host.requests.change(
       present === null ? { op: "object", ...shown } : { op: "change_object", ...present, to: shown.name },
     );
     if (problem === null) {
       setTyped({});
-      desk.open({ is: "object", name: shown });
+      if (shown.name !== present?.name) {
+        desk.leave(opened, { is: "object", name: shown });
+      }
     }
     setError(problem);
   };
   const remove = async (object: ObjectName) => {
+    const opened = desk.opened.peek();
     const problem = await host.requests.change({ op: "remove_object", ...object });
     setError(problem);
     if (problem === null) {
-      desk.showAll();
+      desk.leave(opened, null);
     }
   };
   return (

@@ -1,6 +1,7 @@
 import { useSignal, type Signal } from "@preact/signals";
-import { useEffect, useRef, useState } from "preact/hooks";
+import { useContext, useEffect, useRef, useState } from "preact/hooks";
 import { Vector3 } from "three";
+import { DeskContext } from "../desk.ts";
 import { floatText } from "../format.ts";
 import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
@@ -342,6 +343,7 @@ function isPress(event: KeyboardEvent): boolean {
 }
 
 function FollowerLine({ host, follower: { node, clip, name } }: { host: Host; follower: Follower }) {
+  const desk = useContext(DeskContext);
   const isThere = host.objects.value.some((object) => object.clip === clip && object.name === name);
   return (
     <p class="hand-node">
@@ -358,7 +360,11 @@ function FollowerLine({ host, follower: { node, clip, name } }: { host: Host; fo
           {`: ${t("no object “{name}”", { name })} `}
           {clip !== null && (
             <Editing>
-              <button type="button" class="link" onClick={() => void host.requests.change({ op: "object", clip, name })}>
+              <button
+                type="button"
+                class="link"
+                onClick={async () => desk.tell(await host.requests.change({ op: "object", clip, name }), "")}
+              >
                 {t("Add it")}
               </button>
             </Editing>
