@@ -192,6 +192,16 @@ test("what is doubled twice in a row gets names of its own each time", async () 
   await expectEventually("the chosen node", () => canvas.chosen().locator("strong").allInnerTexts().then(String), "Mouse 3");
 });
 
+test("what can't be pasted says so, and what comes next is made all the same", async () => {
+  await canvas.choose("m");
+  await page.page.evaluate(() => localStorage.setItem("iohost.copied-nodes", '{ "format": "iohost nodes and notes", "nodes": [], "links": [] }'));
+  await page.keyboard.press("Control+v");
+  await until("the reason", async () => (await canvas.message().innerText()).includes("TypeError"));
+  await page.keyboard.press("Control+d");
+  await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1", "Mouse 2"]);
+  await page.page.evaluate(() => localStorage.removeItem("iohost.copied-nodes"));
+});
+
 test("a node is renamed by F2 and by a double click; Escape keeps the name", async () => {
   await canvas.choose("m");
   await page.keyboard.press("F2");

@@ -175,10 +175,12 @@ export class Editor {
 
   /** Makes one after the other: each finds free names among all that the host has by then, shown here yet or not. */
   #makeNext(make: (scene: Scene) => Promise<void>): Promise<void> {
-    this.#lastMade = this.#lastMade.then(async () => {
+    const makeNow = async () => {
       const scene = await this.host.requests.scene();
       await (scene.ok ? make(scene) : this.desk.tell(scene.error, ""));
-    });
+    };
+    // What can't be made says so, and the next is made all the same.
+    this.#lastMade = this.#lastMade.then(makeNow).catch((error: unknown) => this.desk.tell(String(error), ""));
     return this.#lastMade;
   }
 
