@@ -336,6 +336,16 @@ test("Ctrl+S saves from a note, a node's name and the palette too, with what is 
   await save();
 });
 
+test("Ctrl+K opens nothing behind a dialog", async () => {
+  await page.page.getByRole("button", { name: "Open", exact: true }).click();
+  const dialog = page.page.getByRole("dialog", { name: "Open a scene" });
+  await dialog.waitFor();
+  await page.keyboard.press("Control+k");
+  await page.keyboard.press("Escape");
+  await dialog.waitFor({ state: "detached" });
+  assert.equal(await page.page.locator("[data-palette]").count(), 0);
+});
+
 test("nodes are wired, chosen, renamed and removed whatever their handles are", async () => {
   const keyboard = 'a"b';
   const fields = ["x y", "note:n1", "back\\slash", "constructor", "__proto__"];

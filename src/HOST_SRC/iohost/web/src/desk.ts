@@ -70,6 +70,19 @@ export class Desk {
 /** The page's desk, for what stands deep inside of the inspector. */
 export const DeskContext = createContext(new Desk());
 
+/**
+ * Takes Ctrl or Cmd with a letter from the browser, wherever it's pressed but on the render surface. Answers whether the page
+ * is to act on it: not while a dialog waits for an answer.
+ */
+export function takesShortcut(event: KeyboardEvent, letter: string): boolean {
+  const isOnSurface = event.target instanceof Element && event.target.closest("[data-surface]") !== null;
+  if (!(event.ctrlKey || event.metaKey) || event.key.toLowerCase() !== letter || isOnSurface) {
+    return false;
+  }
+  event.preventDefault();
+  return document.querySelector("dialog[open]") === null;
+}
+
 /** Whether a key is typed into something that takes it: a field, or the render surface. */
 export function takesKeys(target: EventTarget | null): boolean {
   return target instanceof Element && target.closest("input:not([type=checkbox]), textarea, [data-surface], dialog") !== null;

@@ -1,5 +1,5 @@
 import { useLayoutEffect } from "preact/hooks";
-import { takesKeys } from "../desk.ts";
+import { takesKeys, takesShortcut } from "../desk.ts";
 import type { Link } from "../protocol.ts";
 import type { Chosen, Editor } from "./editor.ts";
 
@@ -14,9 +14,7 @@ interface CanvasKeys {
 export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
   useLayoutEffect(() => {
     const open = (event: KeyboardEvent) => {
-      const isOnSurface = event.target instanceof Element && event.target.closest("[data-surface]") !== null;
-      if ((event.ctrlKey || event.metaKey) && event.key.toLowerCase() === "k" && !isOnSurface) {
-        event.preventDefault();
+      if (takesShortcut(event, "k")) {
         editor.palette.value = { at: null, pin: null };
       }
     };

@@ -1,5 +1,5 @@
 import { useEffect, useState } from "preact/hooks";
-import type { Desk } from "../desk.ts";
+import { takesShortcut, type Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import { OpenDialog } from "./OpenDialog.tsx";
@@ -18,13 +18,9 @@ export function SceneFiles({ host, desk }: { host: Host; desk: Desk }) {
   };
   useEffect(() => {
     const follow = (event: KeyboardEvent) => {
-      const isOnSurface = event.target instanceof Element && event.target.closest("[data-surface]") !== null;
-      if ((event.ctrlKey || event.metaKey) && event.key.toLowerCase() === "s" && !isOnSurface) {
-        event.preventDefault();
-        if (document.querySelector("dialog[open]") === null) {
-          (document.activeElement as HTMLElement | null)?.blur(); // what is being typed is part of the scene
-          void save();
-        }
+      if (takesShortcut(event, "s")) {
+        (document.activeElement as HTMLElement | null)?.blur(); // what is being typed is part of the scene
+        void save();
       }
     };
     window.addEventListener("keydown", follow);
