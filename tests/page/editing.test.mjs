@@ -70,6 +70,26 @@ test("another source for a value replaces the first one only when somebody says 
   await expectEventually("the source", async () => (await canvas.links()).map(({ from }) => from).join(), "k");
 });
 
+test("a question gives the focus back to what asked it, and takes it again when it's asked again", async () => {
+  await createNode(script, "k2", Type.keyboard, "Keyboard 2");
+  await canvas.pin("k2", is.KEY_TEXT[1]).waitFor();
+  const ask = async () => {
+    await canvas.pin("k2", is.KEY_TEXT[1]).press("Enter");
+    await canvas.pin("t", TEXT_INPUT).press("Enter");
+    await page.page.locator("[role=alertdialog] button:focus", { hasText: "Leave it" }).waitFor();
+  };
+  const pinHasFocus = () => until("the focus on the pin", () => canvas.pin("t", TEXT_INPUT).evaluate((pin) => pin.matches(":focus")));
+  await ask();
+  await page.keyboard.press("Escape");
+  await pinHasFocus();
+  await ask();
+  await ask();
+  await page.keyboard.press("Shift+Tab");
+  await page.keyboard.press("Enter");
+  await expectEventually("the source", async () => (await canvas.links()).map(({ from }) => from).join(), "k2");
+  await pinHasFocus();
+});
+
 test("a number is wired to a whole number, and the wire says that it's rounded", async () => {
   await canvas.pin("m", is.RELATIVE_X[1]).dragTo(canvas.pin("t", is.ENABLE));
   await expectEventually("wires", () => canvas.wires().count(), 2);
@@ -209,13 +229,21 @@ test("a node is renamed by F2 and by a double click; Escape keeps the name", asy
   await page.keyboard.type("Pointer");
   await page.keyboard.press("Enter");
   await expectEventually("the name", async () => (await canvas.names())[1], "Pointer");
+  const nodeHasFocus = () => page.page.locator(".react-flow__node:focus", { has: page.page.locator("[data-face=m]") }).waitFor();
+  await nodeHasFocus();
   await page.page.locator("article[data-node=m] h3", { hasText: "Pointer" }).waitFor();
   await canvas.face("m").locator("strong").dblclick();
   await page.page.locator(".face-rename:focus").waitFor();
   await page.keyboard.type("Other");
   await page.keyboard.press("Escape");
   await canvas.face("m").locator("strong", { hasText: "Pointer" }).waitFor();
+  await nodeHasFocus();
   assert.equal(await undoStep(), "Rename Mouse 1 to Pointer");
+  await page.keyboard.press("F2");
+  await page.page.locator(".face-rename:focus").waitFor();
+  await page.page.locator(".log-search").click();
+  await page.page.locator(".face-rename").waitFor({ state: "detached" });
+  await page.page.locator(".log-search:focus").waitFor();
 });
 
 test("a folded node has only its linked pins, on every page", async () => {
@@ -233,7 +261,8 @@ test("notes are part of the scene: written, moved, and taken away", async () => 
   await page.page.getByRole("button", { name: "Add note" }).click();
   const note = page.page.locator("[data-note] textarea");
   await note.fill("Keys for the title");
-  await note.blur();
+  await page.keyboard.press("Escape");
+  await page.page.locator(".react-flow__node-note:focus").waitFor();
   const notes = async () => Object.values((await canvas.scene()).notes ?? {});
   await expectEventually("the text", async () => (await notes())[0]?.text, "Keys for the title");
   const { x } = (await notes())[0];
@@ -386,11 +415,10 @@ test("nodes are wired, chosen, renamed and removed whatever their handles are", 
 });
 
 test("without a mouse: a node is added, wired, found and removed", async () => {
-  await page.page.locator("[data-undo]").focus();
   await canvas.choosePalette("Mouse");
   await page.page.getByRole("heading", { name: "Mouse 2" }).waitFor();
-  await page.page.getByRole("group", { name: /^Keyboard 1/ }).focus();
-  await page.keyboard.press("Enter");
+  await canvas.choosePalette("Keyboard 1");
+  await page.page.getByRole("heading", { name: "Keyboard 1" }).waitFor();
   const focused = () => page.page.evaluate(() => document.activeElement.getAttribute("aria-label"));
   const tabTo = async (label) => {
     for (let steps = 0; (await focused()) !== label; ++steps) {
@@ -407,9 +435,16 @@ test("without a mouse: a node is added, wired, found and removed", async () => {
     JSON.stringify({ from: "k", output: is.KEY_DOWN[1], to: "t", input: CLEAR_INPUT }));
   await canvas.choosePalette("Mouse 2");
   await page.page.getByRole("heading", { name: "Mouse 2" }).waitFor();
-  await page.page.getByRole("group", { name: /^Mouse 2/ }).focus();
+  await page.keyboard.press("F2");
+  await page.page.locator(".face-rename:focus").waitFor();
+  await page.keyboard.type("Pointer");
+  await page.keyboard.press("Enter");
+  await page.page.getByRole("heading", { name: "Pointer" }).waitFor();
   await page.keyboard.press("Delete");
   await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1"]);
+  await page.page.locator("[data-graph]:focus").waitFor();
+  await page.keyboard.press("Control+a");
+  await expectEventually("chosen", () => canvas.chosen().count(), 3);
 });
 
 test("Escape gives up a wire that was begun by keys", async () => {

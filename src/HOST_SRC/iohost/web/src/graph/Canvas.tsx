@@ -145,6 +145,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     onFacesChange(changes);
   };
   const keys = useCanvasKeys(editor, {
+    pane,
     chosen,
     chosenLinks: wires.flatMap(({ selected, data }) => (selected && data ? data.link : [])),
     chooseAll: () => setFaces((kept) => chosenIn(kept, () => true)),

@@ -1,6 +1,6 @@
 import { Handle, Position, type Node, type NodeProps } from "@xyflow/react";
 import { computed, useComputed } from "@preact/signals";
-import { useEffect, useMemo, useRef } from "preact/hooks";
+import { useLayoutEffect, useMemo, useRef } from "preact/hooks";
 import { clock } from "../clock.ts";
 import { agoText } from "../format.ts";
 import type { Host, NodeView } from "../host.ts";
@@ -11,6 +11,7 @@ import { inputsOf, outputsOf } from "../nodePins.ts";
 import { shownValue } from "../params.ts";
 import { LongText } from "../view/LongText.tsx";
 import { JsonVerdictLine } from "../view/JsonPanel.tsx";
+import { useFocusOn } from "../view/useFocusOn.ts";
 import type { Editor, Pin } from "./editor.ts";
 import { linkedPin } from "./elements.ts";
 import { NodeCounters } from "./NodeCounters.tsx";
@@ -79,15 +80,18 @@ export function Face({ data: { editor, node, folded, linked }, selected }: NodeP
 
 /** A double click or F2 makes a field of it. */
 function FaceName({ editor, node }: { editor: Editor; node: NodeView }) {
-  const field = useRef<HTMLInputElement>(null);
   const isOpen = useComputed(() => editor.renaming.value === node.node).value;
-  useEffect(() => {
-    field.current?.focus();
-    field.current?.select();
-  }, [isOpen]);
-  if (!isOpen) {
-    return <strong onDblClick={() => (editor.renaming.value = node.node)}>{node.graph}</strong>;
-  }
+  return isOpen ? (
+    <NameField editor={editor} node={node} />
+  ) : (
+    <strong onDblClick={() => (editor.renaming.value = node.node)}>{node.graph}</strong>
+  );
+}
+
+function NameField({ editor, node }: { editor: Editor; node: NodeView }) {
+  const field = useRef<HTMLInputElement>(null);
+  useFocusOn(field);
+  useLayoutEffect(() => field.current!.select(), []);
   return (
     <input
       ref={field}

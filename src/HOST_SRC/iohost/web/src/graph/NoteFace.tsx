@@ -33,7 +33,7 @@ export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<Not
         defaultValue={note.text}
         onKeyDown={(event) => {
           if (event.key === "Escape" && !event.isComposing) {
-            event.currentTarget.blur();
+            event.currentTarget.closest<HTMLElement>(".react-flow__node")!.focus();
           }
         }}
         onBlur={({ currentTarget: { value } }) => {

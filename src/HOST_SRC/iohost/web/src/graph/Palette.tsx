@@ -3,6 +3,7 @@ import type { NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
 import { iconOf } from "../icons.ts";
 import type { OfferedType } from "../protocol.ts";
+import { useFocusOn } from "../view/useFocusOn.ts";
 import type { Editor, PaletteCall } from "./editor.ts";
 import { kindOfType, purposeName, PURPOSES } from "./nodeKinds.ts";
 
@@ -18,16 +19,9 @@ export function Palette({ editor, call }: { editor: Editor; call: PaletteCall })
   const [marked, setMarked] = useState(0);
   const field = useRef<HTMLInputElement>(null);
   const list = useRef<HTMLUListElement>(null);
-  const opener = useRef(document.activeElement);
+  useFocusOn(field);
   useEffect(() => {
-    const own = field.current;
-    own?.focus();
     void editor.host.requests.types().then(setTypes);
-    return () => {
-      if (document.activeElement === own || document.activeElement === document.body) {
-        (opener.current as HTMLElement | null)?.focus({ preventScroll: true });
-      }
-    };
   }, []);
 
   const groups = groupsOf(editor, call, types, search);

@@ -11,6 +11,7 @@ export function QuestionBar({ desk }: { desk: Desk }) {
   const close = () => (desk.question.value = null);
   return (
     <div
+      key={question} // one that's asked again takes the focus again
       class="question"
       role="alertdialog"
       aria-label={question.text}
@@ -22,7 +23,6 @@ export function QuestionBar({ desk }: { desk: Desk }) {
     >
       <span>{question.text}</span>
       <Answers
-        key={question.text}
         yes={question.yes}
         onYes={() => {
           close();

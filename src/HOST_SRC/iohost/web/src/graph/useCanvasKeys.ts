@@ -1,9 +1,11 @@
+import type { RefObject } from "preact";
 import { useLayoutEffect } from "preact/hooks";
 import { takesKeys, takesShortcut } from "../desk.ts";
 import type { Link } from "../protocol.ts";
 import type { Chosen, Editor } from "./editor.ts";
 
 interface CanvasKeys {
+  pane: RefObject<HTMLElement | null>;
   chosen: Chosen;
   chosenLinks: readonly Link[];
   chooseAll(): void;
@@ -22,10 +24,16 @@ export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
     return () => window.removeEventListener("keydown", open);
   }, [editor]);
 
-  const { chosen, chosenLinks } = canvas;
+  const { pane, chosen, chosenLinks } = canvas;
+  const remove = () => {
+    if (chosen.nodes.length + chosen.notes.length + chosenLinks.length > 0) {
+      pane.current!.focus({ preventScroll: true }); // what has the focus goes
+      void editor.remove(chosen, chosenLinks);
+    }
+  };
   const actions: Record<string, () => unknown> = {
-    Delete: () => editor.remove(chosen, chosenLinks),
-    Backspace: () => editor.remove(chosen, chosenLinks),
+    Delete: remove,
+    Backspace: remove,
     F2: () => (editor.renaming.value = chosen.nodes[0] ?? null),
     "Control+c": () => editor.copy(chosen),
     "Control+v": () => editor.paste(),
