@@ -94,7 +94,13 @@ test("a number is wired to a whole number, and the wire says that it's rounded",
   await canvas.pin("m", is.RELATIVE_X[1]).dragTo(canvas.pin("t", is.ENABLE));
   await expectEventually("wires", () => canvas.wires().count(), 2);
   assert.deepEqual((await canvas.links()).at(-1), { from: "m", output: is.RELATIVE_X[1], to: "t", input: is.ENABLE });
-  await page.page.locator('.wire-conversion[title="rounded to the nearest whole number, taken as switch"]').waitFor();
+  const says = "rounded to the nearest whole number, taken as switch";
+  await page.page.locator(`.wire-conversion[title="${says}"]`, { hasText: "≈" }).waitFor();
+  assert.equal(await page.page.locator(".wire-label").count(), 1, "nothing is to be told of the other wire");
+  assert.match(await page.page.locator("[data-outline]").innerText(), new RegExp(`from Mouse 1 · .*, ${says}`));
+  await page.page.getByLabel(new RegExp(`^Wire from Mouse 1 .*, ${says}$`)).press("Enter");
+  await page.page.locator(".wire-conversion", { hasText: `≈ ${says}` }).waitFor();
+  await page.page.locator("[data-wire-value]").waitFor();
   const enable = page.page.locator(`article[data-node=t] input[data-param="${is.ENABLE}"]`);
   await expectEventually("the switch", () => enable.isChecked(), false);
   await page.moveTo(page.box.height / 2, page.box.height / 4);

@@ -2,6 +2,7 @@ import { memo } from "preact/compat";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import { inputsOf, outputsOf, pinText } from "../nodePins.ts";
+import { conversion } from "./wiring.ts";
 
 /** The graph as a list, for who can't see it: each node with what its inputs come from. */
 export const Outline = memo(function Outline({ host }: { host: Host }) {
@@ -19,6 +20,8 @@ export const Outline = memo(function Outline({ host }: { host: Host }) {
                 .flatMap((link) => {
                   const source = nodes.find((one) => one.node === link.from);
                   const input = inputsOf(node).find(({ id }) => id === link.input);
+                  const output = source && outputsOf(source).find(({ id }) => id === link.output);
+                  const converted = input && output ? conversion(output, input) : null;
                   return source === undefined || input === undefined ? (
                     []
                   ) : (
@@ -27,6 +30,7 @@ export const Outline = memo(function Outline({ host }: { host: Host }) {
                         input: input.display,
                         output: pinText(source, outputsOf(source), link.output),
                       })}
+                      {converted !== null && `, ${converted}`}
                     </li>
                   );
                 })}

@@ -17,20 +17,23 @@ export function WireEdge({ id, sourceX, sourceY, targetX, targetY, sourcePositio
   const [isPointedAt, setPointedAt] = useState(false);
   const [path, x, y] = getBezierPath({ sourceX, sourceY, sourcePosition, targetX, targetY, targetPosition });
   const { host, link, output, conversion } = data!;
+  const hasValue = output !== undefined && (isPointedAt || selected === true);
   return (
     <g onMouseEnter={() => setPointedAt(true)} onMouseLeave={() => setPointedAt(false)}>
       <BaseEdge id={id} path={path} interactionWidth={14} />
       {output !== undefined && <Pulse host={host} link={link} output={output} path={path} />}
-      <EdgeLabelRenderer>
-        <div class="wire-label" style={{ transform: `translate(-50%, -50%) translate(${x}px, ${y}px)` }}>
-          {conversion !== null && (
-            <span class="wire-conversion" title={conversion}>
-              ≈
-            </span>
-          )}
-          {output !== undefined && (isPointedAt || selected === true) && <WireValue host={host} link={link} output={output} />}
-        </div>
-      </EdgeLabelRenderer>
+      {(conversion !== null || hasValue) && (
+        <EdgeLabelRenderer>
+          <div class="wire-label" style={{ transform: `translate(-50%, -50%) translate(${x}px, ${y}px)` }}>
+            {conversion !== null && (
+              <span class="wire-conversion" title={conversion}>
+                {selected === true ? `≈ ${conversion}` : "≈"}
+              </span>
+            )}
+            {hasValue && <WireValue host={host} link={link} output={output} />}
+          </div>
+        </EdgeLabelRenderer>
+      )}
     </g>
   );
 }

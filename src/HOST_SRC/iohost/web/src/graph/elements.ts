@@ -99,6 +99,11 @@ export function wiresOf(editor: Editor, nodes: readonly NodeView[], links: reado
 function wireOf({ host }: Editor, source: NodeView, target: NodeView, link: Link): Wire {
   const output = outputsOf(source).find(({ id }) => id === link.output);
   const input = inputsOf(target).find(({ id }) => id === link.input);
+  const converted = output && input ? conversion(output, input) : null;
+  const label = t("Wire from {from} to {to}", {
+    from: pinText(source, outputsOf(source), link.output),
+    to: pinText(target, inputsOf(target), link.input),
+  });
   return {
     id: wireId(link),
     type: "wire",
@@ -107,11 +112,8 @@ function wireOf({ host }: Editor, source: NodeView, target: NodeView, link: Link
     target: nodeId(link.to),
     targetHandle: String(link.input),
     className: `wire wire-${output ? sortOf(output) : "text"}`,
-    ariaLabel: t("Wire from {from} to {to}", {
-      from: pinText(source, outputsOf(source), link.output),
-      to: pinText(target, inputsOf(target), link.input),
-    }),
-    data: { host, link, output, conversion: output && input ? conversion(output, input) : null },
+    ariaLabel: converted === null ? label : `${label}, ${converted}`,
+    data: { host, link, output, conversion: converted },
     domAttributes: { tabindex: 0 }, // the library sets tabIndex, which Preact leaves so spelt and SVG doesn't know
   };
 }
