@@ -173,7 +173,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     <>
       <CanvasHead
         editor={editor}
-        faces={faces}
+        chosen={chosen}
         onArrange={() => {
           const places = automatic.arrangeAnew(nodes ?? [], links);
           const placeOf = (face: CanvasNode) => (face.type === "face" ? places.get(face.data.node.node) : undefined);

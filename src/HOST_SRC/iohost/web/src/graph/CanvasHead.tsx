@@ -1,27 +1,25 @@
 import { t } from "../i18n.ts";
 import { newNoteId } from "./clipboard.ts";
-import type { Editor } from "./editor.ts";
-import type { CanvasNode } from "./elements.ts";
+import type { Chosen, Editor } from "./editor.ts";
 
 const SHORTCUT = "Ctrl+K";
 const NOTE_SIZE = { width: 220, height: 90 };
 
 interface CanvasHeadProps {
   editor: Editor;
-  faces: readonly CanvasNode[];
+  chosen: Chosen;
   onArrange(): void;
 }
 
 /** What can be done on the canvas as a whole, and what came of the last step. */
-export function CanvasHead({ editor, faces, onArrange }: CanvasHeadProps) {
-  const chosen = faces.filter(({ selected }) => selected);
+export function CanvasHead({ editor, chosen, onArrange }: CanvasHeadProps) {
   const align = (axis: "x" | "y") => {
-    const line = Math.min(...chosen.map(({ position }) => position[axis]));
-    const nodes = chosen.flatMap(({ type, data }) => (type === "face" ? data.node.node : []));
-    const notes = chosen.flatMap(({ type, data }) => (type === "note" ? data : []));
+    const nodes = chosen.nodes.map((node) => [node, editor.view.placeOf(node)] as const);
+    const notes = Object.entries(editor.host.notes.peek()).filter(([id]) => chosen.notes.includes(id));
+    const line = Math.min(...[...nodes, ...notes].map(([, box]) => box[axis]));
     void editor.place(
-      Object.fromEntries(nodes.map((node) => [node, { ...editor.view.placeOf(node), [axis]: line }])),
-      Object.fromEntries(notes.map(({ id, note }) => [id, { ...note, [axis]: line }])),
+      Object.fromEntries(nodes.map(([node, place]) => [node, { ...place, [axis]: line }])),
+      Object.fromEntries(notes.map(([id, note]) => [id, { ...note, [axis]: line }])),
     );
   };
   const addNote = () => {
@@ -38,7 +36,7 @@ export function CanvasHead({ editor, faces, onArrange }: CanvasHeadProps) {
       <button type="button" onClick={onArrange}>
         {t("Arrange")}
       </button>
-      {chosen.length > 1 && (
+      {chosen.nodes.length + chosen.notes.length > 1 && (
         <>
           <button type="button" onClick={() => align("x")}>
             {t("Align left")}

@@ -67,7 +67,7 @@ export function broughtValue(from: Kinds, to: Kinds, value: OutputValue): Output
   return isRounded(from, to) ? { ...value, int: nearestInteger(value.float) } : value;
 }
 
-/** Of two as near the one farther from 0. */
+/** A half is rounded away from 0: Math.round() alone takes -2.5 to -2. */
 function nearestInteger(number: number): number {
   const nearest = Math.sign(number) * Math.round(Math.abs(number));
   return Math.max(-(2 ** 31), Math.min(2 ** 31 - 1, nearest)) || 0;
