@@ -62,7 +62,8 @@ export async function openPage(browser, host, { panel = "log", scripts = [] } = 
   page.on("websocket", (socket) => {
     socket.on("framesent", ({ payload }) => sent.push(JSON.parse(payload)));
     socket.on("framereceived", ({ payload }) => {
-      connection = JSON.parse(payload).find(({ push }) => push === "hello")?.connection ?? connection;
+      const messages = [JSON.parse(payload)].flat(); // a test may open a plain session in the page
+      connection = messages.find(({ push }) => push === "hello")?.connection ?? connection;
     });
   });
   await page.goto(`${host.page}#${panel}`);

@@ -38,7 +38,11 @@ export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<Not
         }}
         onBlur={({ currentTarget: { value } }) => {
           if (value !== known.current) {
-            void editor.place({}, { [id]: { ...note, text: value } });
+            const before = known.current;
+            known.current = value;
+            void editor.place({}, { [id]: { ...note, text: value } }).then((isSaved) => {
+              known.current = isSaved ? known.current : before;
+            });
           }
         }}
       />

@@ -264,9 +264,11 @@ export class Editor {
     }
   }
 
-  /** Puts nodes and notes where they are to stay, as one step. */
-  async place(nodes: Record<string, Place>, notes: Record<string, Note> = {}): Promise<void> {
-    this.desk.tell(await this.host.requests.change(placing(mapped(nodes, rounded), mapped(notes, rounded))), "");
+  /** Puts nodes and notes where they are to stay, as one step; false when that was refused. */
+  async place(nodes: Record<string, Place>, notes: Record<string, Note> = {}): Promise<boolean> {
+    const error = await this.host.requests.change(placing(mapped(nodes, rounded), mapped(notes, rounded)));
+    this.desk.tell(error, "");
+    return error === null;
   }
 }
 
