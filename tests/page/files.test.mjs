@@ -225,6 +225,50 @@ test("what is said of a device that is tried goes once it's connected", async ()
   await expectEventually("what is said", () => canvas.message().innerText(), "");
 });
 
+test("a device that is changed stays as it was opened; who chose something else meanwhile stays there", async () => {
+  const late = [];
+  let isLate = false;
+  let hear;
+  await page.close();
+  page = await browser.contexts()[0].newPage();
+  page.on("pageerror", (error) => problems.push(error.message));
+  await page.routeWebSocket(/\/session\/gathered$/, (socket) => {
+    const toHost = socket.connectToServer();
+    hear = () => {
+      isLate = false;
+      late.splice(0).forEach((text) => socket.send(text));
+    };
+    toHost.onMessage((text) => (isLate ? late.push(text) : socket.send(text)));
+  });
+  await page.goto(host.page);
+  canvas = canvasOf(page, script);
+  const create = { op: "create", node: "m", type: "{8164BB40-6B6A-4707-88B7-386BCB0D1B03}", clip: "Show", graph: "Mouse 1" };
+  await must(script, create);
+  await must(script, { op: "device", device: 4, name: "Wall", parser: "direct" });
+  await canvas.face("m").waitFor();
+  await page.locator("[data-tab=network]").click();
+  const opener = page.locator("[data-peer=device-4]").getByRole("button", { name: "4 · Wall" });
+  await opener.click();
+  const change = page.getByRole("button", { name: "Change device" });
+  await page.locator("[data-part=dropAfter]").fill("3");
+  await change.click();
+  await expectEventually("what is set", async () => (await must(script, { op: "network" })).devices[0].drop_after, 3);
+  await page.locator("section.nodes button.quiet", { hasText: "Show all" }).click();
+  await page.locator("[data-peer=device-4] button:focus").waitFor();
+
+  await opener.click();
+  await page.locator("[data-part=dropAfter]").fill("4");
+  isLate = true;
+  await change.click();
+  await expectEventually("what is set", async () => (await must(script, { op: "network" })).devices[0].drop_after, 4);
+  await canvas.choose("m");
+  await page.locator("article[data-node]").getByRole("heading", { name: "Mouse 1" }).waitFor();
+  hear();
+  await must(script, { op: "rename", node: "m", graph: "Pointer" });
+  await page.locator("article[data-node]").getByRole("heading", { name: "Pointer" }).waitFor();
+  assert.equal(await card().count(), 0);
+});
+
 test("an object that others remove is told as gone; what is open closes with its scene", async () => {
   await must(script, { op: "object", clip: "Show", name: "Lamp" });
   await page.locator("[data-open-object='Show.Lamp']").click();
