@@ -6,7 +6,7 @@ import { t } from "../i18n.ts";
 import type { DeviceState } from "../protocol.ts";
 import { DeviceLine } from "./DeviceLine.tsx";
 import { Editing } from "./Editing.tsx";
-import { PartCard } from "./PartCard.tsx";
+import { PartButtons, PartCard } from "./PartCard.tsx";
 
 const PARSERS = ["framed", "direct", "json", "none"] as const;
 const EXAMPLE_ADDRESS = "127.0.0.1:8052";
@@ -142,19 +142,7 @@ function DeviceForm({ host, desk, settings, isNew }: { host: Host; desk: Desk; s
         {t("Drop after (s)")}
         <input type="number" min="0" step="any" {...field("dropAfter")} />
       </label>
-      <div class="part-row">
-        <button type="submit">{isNew ? t("Add device") : t("Change device")}</button>
-        {!isNew && (
-          <button type="button" onClick={remove}>
-            {t("Remove")}
-          </button>
-        )}
-      </div>
-      {error !== null && (
-        <p class="input-error" role="alert">
-          {error}
-        </p>
-      )}
+      <PartButtons submit={isNew ? t("Add device") : t("Change device")} remove={isNew ? null : remove} error={error} />
     </form>
   );
 }

@@ -6,7 +6,7 @@ import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { ObjectName } from "../requests.ts";
 import { Editing } from "./Editing.tsx";
-import { PartCard } from "./PartCard.tsx";
+import { PartButtons, PartCard } from "./PartCard.tsx";
 
 interface ObjectCardProps {
   host: Host;
@@ -87,19 +87,11 @@ function ObjectForm({ host, desk, present }: { host: Host; desk: Desk; present: 
         {t("Name")}
         <input required {...field("name")} />
       </label>
-      <div class="part-row">
-        <button type="submit">{present === null ? t("Add object") : t("Rename")}</button>
-        {present !== null && (
-          <button type="button" onClick={() => remove(present)}>
-            {t("Remove")}
-          </button>
-        )}
-      </div>
-      {error !== null && (
-        <p class="input-error" role="alert">
-          {error}
-        </p>
-      )}
+      <PartButtons
+        submit={present === null ? t("Add object") : t("Rename")}
+        remove={present === null ? null : () => void remove(present)}
+        error={error}
+      />
     </form>
   );
 }

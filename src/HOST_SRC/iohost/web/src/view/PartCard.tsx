@@ -21,3 +21,31 @@ export function PartCard({ desk, title, children }: { desk: Desk; title: string;
     </>
   );
 }
+
+interface PartActions {
+  submit: string;
+  /** Null for a part that isn't there yet. */
+  remove: (() => void) | null;
+  error: string | null;
+}
+
+/** The end of a part's form. */
+export function PartButtons({ submit, remove, error }: PartActions) {
+  return (
+    <>
+      <div class="part-row">
+        <button type="submit">{submit}</button>
+        {remove !== null && (
+          <button type="button" onClick={remove}>
+            {t("Remove")}
+          </button>
+        )}
+      </div>
+      {error !== null && (
+        <p class="input-error" role="alert">
+          {error}
+        </p>
+      )}
+    </>
+  );
+}
