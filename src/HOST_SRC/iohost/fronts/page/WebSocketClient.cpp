@@ -117,7 +117,8 @@ std::shared_ptr<const std::string> CWebSocketClient::TakeText() {
     return pText;
 }
 
-/// Texts that make a message of no more than that, or one; those left over don't wait.
+/// Joins texts into a message of LONGEST_GATHERED at most, or takes a single longer one. What is left goes out right
+/// after.
 std::shared_ptr<const std::string> CWebSocketClient::TakeGathered() {
     std::string strMessage;
     do {
