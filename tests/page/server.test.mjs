@@ -410,6 +410,18 @@ test("a viewer that is told together is told the same in the same order", async 
   await each.close();
 });
 
+test("a viewer is told the history when it opens, and again only when it changes", async () => {
+  const own = await startHost();
+  const client = await openSession(own.address);
+  const history = () => client.pushes.filter(({ push }) => push === "history").length;
+  await until("frames", () => client.pushes.filter(({ push }) => push === "frame").length >= 2);
+  assert.equal(history(), 1);
+  await createNode(client, "k", "01", "Keys");
+  await until("the change", () => history() === 2);
+  await client.close();
+  assert.equal(await own.end(), 0);
+});
+
 test("quit by a client ends the host cleanly", async () => {
   const own = await startHost();
   const client = await createScene(own.address);

@@ -19,8 +19,8 @@ export async function openSession(address, options = {}) {
     }
   });
   await once(socket, "open");
-  // The host has it among its clients, and pushes to it, from its greeting on.
-  await until("the greeting", () => pushes.length > 0);
+  // The host has it among its clients, and pushes to it, from its greeting on, of which this is the last.
+  await until("the greeting", () => pushes.some(({ push }) => push === "history"));
   return {
     socket,
     pushes,

@@ -101,6 +101,7 @@ public:
     }
 
     void OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) override {
+        TellHistory(); // so that nobody is told later what the new client is told now
         CHeldInput& held = m_session.Held().Open();
         m_clients.emplace(pClient.get(), SClient{pClient, held});
         pClient->Send(Text({{"push", "hello"},
@@ -109,7 +110,7 @@ public:
                             {"address", m_strAddress},
                             {"connection", held.Connection()}}));
         pClient->Send(Text({{"push", "held"}, {"held", ToJson(m_session.Held().State())}}));
-        pClient->Send(Text(HistoryPush()), true);
+        pClient->Send(Text(m_toldHistory), true);
         // The next frame tells everybody all of it; to those who know it already that changes nothing.
         m_outputs.Forget();
         m_objects.Forget();
