@@ -236,6 +236,27 @@ test("changes of the scene are pushed to everybody", async () => {
   await client.close();
 });
 
+test("each scene has a number of its own: another one of the same nodes has, and another host's has", async () => {
+  const own = await startHost();
+  const client = await createScene(own.address);
+  const numberFor = async (address) => {
+    const viewer = await openSession(address);
+    await viewer.close();
+    return viewer.pushes[0].scene;
+  };
+  const first = await numberFor(own.address);
+  assert.equal(first, client.pushes[0].scene, "adding nodes makes no other scene");
+  const scene = JSON.parse((await ask(own.address, "/scene")).body);
+  await must(client, { op: "load", scene });
+  const told = () => client.pushes.filter(({ push, scene }) => push === "scene" && scene !== undefined);
+  await until("the push", () => told().length > 0);
+  const second = await numberFor(own.address);
+  assert.deepEqual(told().map(({ scene }) => scene), [second]);
+  assert.equal(new Set([first, second, await numberFor(host.address)]).size, 3);
+  await client.close();
+  assert.equal(await own.end(), 0);
+});
+
 test("a client that takes nothing stops neither frames nor the others, and is dropped with what it holds", { timeout: 120000 }, async () => {
   const stalled = await openSession(host.address);
   await stalled.request({ op: "event", device: 0, event: 2002, payload: { is: "key", text: "stuck" } });

@@ -13,6 +13,7 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <random>
 #include <set>
 #include <utility>
 
@@ -101,14 +102,15 @@ public:
     }
 
     void OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) override {
-        TellHistory(); // so that nobody is told later what the new client is told now
+        TellScene(); // so that nobody is told later what the new client is told now
         CHeldInput& held = m_session.Held().Open();
         m_clients.emplace(pClient.get(), SClient{pClient, held});
         pClient->Send(Text({{"push", "hello"},
                             {"version", IOHOST_VERSION},
                             {"fps", m_fFps},
                             {"address", m_strAddress},
-                            {"connection", held.Connection()}}));
+                            {"connection", held.Connection()},
+                            {"scene", m_nSceneNumber}}));
         pClient->Send(Text({{"push", "held"}, {"held", ToJson(m_session.Held().State())}}));
         pClient->Send(Text(m_toldHistory), true);
         // The next frame tells everybody all of it; to those who know it already that changes nothing.
@@ -387,7 +389,10 @@ private:
             return;
         }
         OrderedJson push = {{"push", "scene"}, {"version", m_session.SceneVersion()}};
-        if (!change.bEverything) {
+        if (change.bEverything) {
+            m_nSceneNumber = std::random_device{}();
+            push["scene"] = m_nSceneNumber;
+        } else {
             push[change.bList ? "changed" : "nodes"] = change.nodes;
         }
         SendToAll(push);
@@ -486,6 +491,8 @@ private:
     size_t m_nTurnedAway = 0; ///< that aren't closed yet
     unsigned long long m_nFrame = 0;
     SSceneChange m_change; ///< that nobody was told of yet
+    /// Tells scenes apart, also those of one host from another's at the same address.
+    unsigned m_nSceneNumber{std::random_device{}()};
     OrderedJson m_toldHistory;
     unsigned long long m_nToldNetworkVersion = 0;
     unsigned long long m_nToldHeldVersion = 0;

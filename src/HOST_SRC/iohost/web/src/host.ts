@@ -31,7 +31,7 @@ export class Host implements ConnectionListener {
   readonly connection = signal<ConnectionState>({ is: "connecting" });
   /** Null while there is no connection. */
   readonly frames = signal<FrameWatch | null>(null);
-  /** Tells scenes apart, however alike their nodes are: grows when another one is shown. */
+  /** Tells scenes apart, however alike their nodes are: the host's number of the one that is shown. */
   readonly sceneNumber = signal(0);
   /** Null until the scene was read for the first time. */
   readonly nodes = signal<NodeView[] | null>(null);
@@ -71,8 +71,8 @@ export class Host implements ConnectionListener {
   readonly #connection: Connection;
   readonly #pace = new Pace();
   #logWaits = false;
-  /** How many other scenes the host told of; `sceneNumber` follows once that one was read. */
-  #scenes = 0;
+  /** The scene that the host told of; `sceneNumber` follows once that one was read. */
+  #toldScene = 0;
   #reading = false;
   #sceneIsStale = false;
   #listIsStale = false;
@@ -164,6 +164,7 @@ export class Host implements ConnectionListener {
         this.#forgetHeld();
         this.connection.value = { is: "open", ...push };
         this.frames.value = new FrameWatch(Date.now());
+        this.#tellScene(push.scene);
         void this.#refresh();
         void this.readNetwork();
         void this.#readLog();
@@ -172,11 +173,12 @@ export class Host implements ConnectionListener {
         this.frames.value?.told(push.frame, Date.now());
         break;
       case "scene":
-        if (push.nodes === undefined && push.changed === undefined) {
-          ++this.#scenes;
-          this.#pace.show(() => this.#forgetNodes());
+        if ("scene" in push) {
+          this.#tellScene(push.scene);
+          void this.#refresh();
+        } else {
+          void this.#refresh(push.nodes ?? push.changed, push.changed !== undefined);
         }
-        void this.#refresh(push.nodes ?? push.changed, push.changed !== undefined);
         break;
       case "history":
         this.scene.value = push;
@@ -218,6 +220,13 @@ export class Host implements ConnectionListener {
           }
         });
         break;
+    }
+  }
+
+  #tellScene(scene: number): void {
+    if (scene !== this.#toldScene) {
+      this.#toldScene = scene;
+      this.#pace.show(() => this.#forgetNodes());
     }
   }
 
@@ -332,7 +341,7 @@ export class Host implements ConnectionListener {
 
   /** Of nodes that are known, only stale ones are inspected; null: all are. */
   async #readScene(stale: ReadonlySet<string> | null): Promise<void> {
-    let number = this.#scenes;
+    const number = this.#toldScene;
     const scene = await this.#connection.request<Scene>({ op: "scene" });
     if (!scene.ok) {
       return;
@@ -349,9 +358,6 @@ export class Host implements ConnectionListener {
     }
     const nodes = read.filter((node) => node !== null);
     const handles = new Set(nodes.map(({ node }) => node));
-    if (stale === null && known.size > 0 && handles.size > 0 && !nodes.some(({ node }) => known.has(node))) {
-      number = ++this.#scenes; // another host answers at the address, say
-    }
     this.values.keepOnly(handles);
     this.fired.keepOnly(handles);
     this.active.keepOnly(handles);

@@ -60,7 +60,7 @@ export interface Recovered {
 export type NumberedLine = LogEntry & Pick<LogLine, "n" | "ms">;
 
 export type Push =
-  | { push: "hello"; version: string; fps: number; address: string; connection: number }
+  | { push: "hello"; version: string; fps: number; address: string; connection: number; scene: number }
   | ({ push: "history"; recovered?: Recovered } & SceneState)
   | { push: "counters"; nodes: Record<string, NodeCounts> }
   /** What waited too long for a device. */
@@ -75,8 +75,10 @@ export type Push =
   | ({ push: "happened"; frame: number } & Happened)
   | ({ push: "network" } & NetworkState)
   | { push: "outputs"; nodes: Record<string, Record<string, OutputValue>> }
-  /** Of `nodes` parameters changed; of `changed` anything, and what the scene lists; without either there is another scene. */
-  | { push: "scene"; version: number; nodes?: string[]; changed?: string[] };
+  /** Of `nodes` parameters changed; of `changed` anything, and what the scene lists. */
+  | { push: "scene"; version: number; nodes?: string[]; changed?: string[] }
+  /** There is another scene; its number. */
+  | { push: "scene"; version: number; scene: number };
 
 export type KeyPayload = Extract<Payload, { is: "key" }>;
 export type PointerPayload = Extract<Payload, { is: "pointer" }>;
