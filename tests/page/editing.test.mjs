@@ -215,6 +215,8 @@ test("what is doubled twice in a row gets names of its own each time", async () 
     }
   });
   await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1", "Mouse 2", "Mouse 3"]);
+  const places = (await canvas.scene()).nodes.slice(3).map(({ place: { x, y } }) => `${x} ${y}`);
+  assert.equal(new Set(places).size, 2, "each stands where it's seen");
   await expectEventually("the chosen node", () => canvas.chosen().locator("strong").allInnerTexts().then(String), "Mouse 3");
 });
 
@@ -451,6 +453,15 @@ test("without a mouse: a node is added, wired, found and removed", async () => {
   await page.page.locator("[data-graph]:focus").waitFor();
   await page.keyboard.press("Control+a");
   await expectEventually("chosen", () => canvas.chosen().count(), 3);
+});
+
+test("Escape unselects a node, which keeps the focus", async () => {
+  await canvas.choose("k");
+  await page.page.locator(".react-flow__node.selected").focus();
+  await page.keyboard.press("Escape");
+  await expectEventually("chosen", () => canvas.chosen().count(), 0);
+  await page.page.evaluate(() => new Promise((drawn) => requestAnimationFrame(() => requestAnimationFrame(drawn))));
+  await page.page.locator(`.react-flow__node[data-id="node:k"]:focus`).waitFor();
 });
 
 test("Escape gives up a wire that was begun by keys", async () => {

@@ -211,7 +211,7 @@ test("a device that isn't there is tried again from the inspector, and what othe
   await card().getByText("There is no device 4.").waitFor();
 });
 
-test("what is said of a device that is tried goes once it's connected", async () => {
+test("what is said of a device that is tried goes once it's closed or connected", async () => {
   const { address } = await startDevice();
   const port = Number(address.split(":")[1]);
   devices.splice(0).forEach((close) => close());
@@ -220,9 +220,26 @@ test("what is said of a device that is tried goes once it's connected", async ()
   await card().getByText("refused").waitFor();
   await page.getByRole("button", { name: "Try to connect" }).click();
   await expectEventually("what is said", () => canvas.message().innerText(), "Trying to connect…");
+  await page.getByText("Show all").click();
+  await expectEventually("what is said", () => canvas.message().innerText(), "");
+  await page.locator("[data-open-device='4']").click();
+  await page.getByRole("button", { name: "Try to connect" }).click();
   await startDevice(port);
   await card().getByText("connected since").waitFor();
   await expectEventually("what is said", () => canvas.message().innerText(), "");
+});
+
+test("a device is added only where nobody has added one of its number meanwhile", async () => {
+  await page.locator("[data-tab=network]").click();
+  await page.locator("#panel-network").getByRole("button", { name: "Add device" }).click();
+  await page.locator("[data-part=id]").fill("1");
+  await page.locator("[data-part=name]").fill("Wall");
+  await must(script, { op: "device", device: 1, name: "Floor", parser: "direct" });
+  await page.locator("[data-device-form] button[type=submit]").click();
+  await card().getByText("there is a device 1 already").waitFor();
+  await page.locator("[data-part=id]").fill("2");
+  await page.locator("[data-device-form] button[type=submit]").click();
+  await expectEventually("the devices", async () => (await must(script, { op: "network" })).devices.map(({ name }) => name).join(), "Floor,Wall");
 });
 
 test("a device that is changed stays as it was opened; who chose something else meanwhile stays there", async () => {

@@ -198,6 +198,7 @@ TEST_F(DeviceRequests, EachIsAStepThatLeavesTheOthersConnected) {
     Must("redo");
     second = m_second.Accept();
     Talk(R"(
+        device device=4 name=Stage parser=none new=true => device: there is a device 4 already
         device device=4 name=Stage parser=none
         undo => {"step":{"name":"Change device Stage"}}
         remove_device device=4

@@ -135,7 +135,7 @@ TAGGED(SObjectsCommand, "objects")
 TAGGED(SDevicesCommand, "devices", SField{"list", &T::devices, FIELD_NULLABLE})
 TAGGED(SDeviceCommand, "device", SField{"device", &T::nId}, SField{"name", &T::strName}, SField{"parser", &T::nParser},
        SField{"address", &T::address, FIELD_DEFAULTED | FIELD_NULLABLE},
-       SField{"drop_after", &T::dropAfter, FIELD_DEFAULTED | FIELD_NULLABLE})
+       SField{"drop_after", &T::dropAfter, FIELD_DEFAULTED | FIELD_NULLABLE}, SField{"new", &T::bNew, FIELD_OPTIONAL})
 TAGGED(SRemoveDeviceCommand, "remove_device", SField{"device", &T::nId})
 TAGGED(SConnectCommand, "connect", SField{"device", &T::nId})
 TAGGED(SSendCommand, "send", SField{"device", &T::nId}, SField{"text", &T::strText})

@@ -183,6 +183,7 @@ struct SDevicesCommand {
 
 /// Adds the device, or changes the one of its id.
 struct SDeviceCommand : SDeviceSetup {
+    bool bNew = false; ///< refused where there is a device of the id
     SDeviceCommand() { dropAfter = std::chrono::seconds(2); }
 };
 

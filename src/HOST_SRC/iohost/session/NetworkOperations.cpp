@@ -31,6 +31,9 @@ void CSession::On(const SDeviceCommand& command) {
     std::vector<SDeviceSetup> devices = m_peers.Devices().value_or(std::vector<SDeviceSetup>());
     const auto found = FindDevice(devices, command.nId);
     if (found != devices.end()) {
+        if (command.bNew) {
+            Refuse("device", "there is a device " + std::to_string(command.nId) + " already");
+        }
         *found = command;
     } else {
         devices.push_back(command);

@@ -12,7 +12,7 @@ export type Change =
   | ({ op: "edit"; node: string; param: number } & EditValue)
   | ({ op: "link" | "unlink" } & Link)
   | { op: "place"; nodes?: Record<string, Place>; notes?: Record<string, Note | null> }
-  | { op: "device"; device: number; name: string; parser: string; address?: string | null; drop_after?: number | null }
+  | { op: "device"; device: number; name: string; parser: string; address?: string | null; drop_after?: number | null; new?: true }
   | { op: "remove_device"; device: number }
   | ({ op: "object" } & ObjectName)
   | ({ op: "change_object"; to: string } & ObjectName)

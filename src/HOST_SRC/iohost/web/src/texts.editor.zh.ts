@@ -130,7 +130,6 @@ export const EDITOR_ZH = {
   "rejected {count}": "拒绝 {count}",
   "sent {count}": "发送 {count}",
   "dropped {count}": "丢弃 {count}",
-  "There is a device {id} already.": "已有设备 {id}。",
   "Number": "编号",
   "Name": "名称",
   "Address": "地址",

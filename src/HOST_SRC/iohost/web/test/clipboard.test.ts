@@ -29,7 +29,7 @@ const links = [
 const placeOf = (handle: string) => ({ x: handle === "k 1" ? 10 : 300, y: 20 });
 
 test("copied nodes are made anew under free names, with their values, the links among them, and a little aside", () => {
-  const { changes, handles } = pasteOf(copyOf(nodes, links, [], placeOf), nodes, { x: 5, y: 5 });
+  const { changes, handles } = pasteOf(copyOf(nodes, links, [], placeOf), nodes, 5);
   assert.deepEqual(handles, ["k 2", "t 2"]);
   assert.deepEqual(changes, [
     { op: "create", node: "k 2", type: "T", clip: "Show", graph: "Keyboard 2" },
@@ -43,13 +43,13 @@ test("copied nodes are made anew under free names, with their values, the links 
 
 test("two of one name get names of their own", () => {
   const twins = [node("a", "Same", []), node("b", "Same", [])];
-  const { changes } = pasteOf(copyOf(twins, [], [], placeOf), [], { x: 0, y: 0 });
+  const { changes } = pasteOf(copyOf(twins, [], [], placeOf), [], 0);
   assert.deepEqual(changes.flatMap((change) => (change.op === "create" ? [change.graph] : [])), ["Same 1", "Same 2"]);
 });
 
 test("copied notes are made anew under ids of their own, a little aside", () => {
   const note = { x: 1, y: 2, width: 200, height: 100, text: "here" };
-  const { changes, noteIds } = pasteOf(copyOf([], [], [note, note], placeOf), nodes, { x: 5, y: 5 });
+  const { changes, noteIds } = pasteOf(copyOf([], [], [note, note], placeOf), nodes, 5);
   const moved = { ...note, x: 6, y: 7 };
   assert.deepEqual(changes, [{ op: "place", notes: { [noteIds[0]!]: moved, [noteIds[1]!]: moved } }]);
   assert.equal(new Set(noteIds).size, 2);

@@ -64,16 +64,16 @@ function valueOf(param: Parameters<typeof kindOf>[0] & { int: number; float: num
   }
 }
 
-/** What makes the copy anew, under free handles and names, moved by so much; and the new handles and notes' ids. */
+/** What makes the copy anew, under free handles and names, moved right and down by so much; and the new handles and notes' ids. */
 export function pasteOf(
   { nodes, links, notes }: Clipping,
   present: readonly Pick<NodeView, "node" | "graph">[],
-  by: { x: number; y: number },
+  by: number,
 ): { changes: Change[]; handles: string[]; noteIds: string[] } {
   const takenHandles = new Set(present.map(({ node }) => node));
   const takenNames = new Set(present.map(({ graph }) => graph));
   const handles = new Map<string, string>();
-  const moved = <Box extends Place | Note>(box: Box): Box => ({ ...box, x: box.x + by.x, y: box.y + by.y });
+  const moved = <Box extends Place | Note>(box: Box): Box => ({ ...box, x: box.x + by, y: box.y + by });
   const places: Record<string, Place> = {};
   const changes = nodes.flatMap(({ node, type, clip, graph, place, values }): Change[] => {
     const handle = freeName(withoutNumber(node), takenHandles);

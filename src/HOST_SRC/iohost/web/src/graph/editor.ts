@@ -3,7 +3,7 @@ import type { Desk } from "../desk.ts";
 import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
 import { inputsOf, outputsOf, pinText } from "../nodePins.ts";
-import type { Link, Note, OfferedType, Place, Scene, SceneNode } from "../protocol.ts";
+import type { Link, Note, OfferedType, Place, Scene } from "../protocol.ts";
 import { placing, type Change } from "../requests.ts";
 import { copyOf, keepClipping, pasteOf, readClipping, type Clipping } from "./clipboard.ts";
 import { kindOfType } from "./nodeKinds.ts";
@@ -37,7 +37,8 @@ export interface Chosen {
   notes: readonly string[];
 }
 
-const PASTE_OFFSET = 40;
+/** In pixels of the canvas: what is added stands at least so far beside what was there, right or down. */
+const APART = 40;
 
 /** What is done to the scene on the canvas: each a request, or a batch of them that is one step. */
 export class Editor {
@@ -150,12 +151,12 @@ export class Editor {
     const end = pin === null ? undefined : this.endFor(pin, type);
     const present = pin?.is === "input" && end !== undefined ? this.#presentSource({ to: pin.node, input: pin.id }) : undefined;
     const make = () =>
-      this.#makeNext(async ({ nodes }) => {
+      this.#makeNext(async ({ nodes }, taken) => {
         const graph = freeName(type.name, new Set(nodes.map((one) => one.graph)));
         const node = freeName(type.name, new Set(nodes.map((one) => one.node)));
         const error = await this.host.requests.batch(`Add ${graph}`, [
           { op: "create", node, type: type.guid, clip: nodes.find(({ clip }) => clip !== null)?.clip ?? "Clip", graph },
-          placing({ [node]: rounded(at ?? this.#freePlace(nodes)) }, {}),
+          placing({ [node]: rounded(at ?? this.#freePlace(taken)) }, {}),
           ...(present === undefined ? [] : [{ op: "unlink", ...present } as const]),
           ...(pin === null || end === undefined
             ? []
@@ -173,11 +174,16 @@ export class Editor {
     }
   }
 
-  /** Makes one after the other: each finds free names among all that the host has by then, shown here yet or not. */
-  #makeNext(make: (scene: Scene) => Promise<void>): Promise<void> {
+  /** Makes one after the other: each finds free names and places among all that the host has by then, shown here yet or not. */
+  #makeNext(make: (scene: Scene, taken: Place[]) => Promise<void>): Promise<void> {
     const makeNow = async () => {
       const scene = await this.host.requests.scene();
-      await (scene.ok ? make(scene) : this.desk.tell(scene.error, ""));
+      if (scene.ok) {
+        const places = scene.nodes.map(({ node, place }) => place ?? this.view.placeOf(node));
+        await make(scene, [...places, ...Object.values(scene.notes ?? {})]);
+      } else {
+        this.desk.tell(scene.error, "");
+      }
     };
     // What can't be made says so, and the next is made all the same.
     this.#lastMade = this.#lastMade.then(makeNow).catch((error: unknown) => this.desk.tell(String(error), ""));
@@ -185,14 +191,10 @@ export class Editor {
   }
 
   /** The middle of what is seen, or beside what stands there. */
-  #freePlace(nodes: readonly SceneNode[]): Place {
-    const taken = nodes.map(({ node, place }) => place ?? this.view.placeOf(node));
-    const place = this.view.middle();
-    while (taken.some(({ x, y }) => Math.abs(x - place.x) < PASTE_OFFSET && Math.abs(y - place.y) < PASTE_OFFSET)) {
-      place.x += PASTE_OFFSET;
-      place.y += PASTE_OFFSET;
-    }
-    return place;
+  #freePlace(taken: readonly Place[]): Place {
+    const { x, y } = this.view.middle();
+    const by = freeShift([{ x, y }], taken, 0);
+    return { x: x + by, y: y + by };
   }
 
   /** The pin of a type that a wire from this pin leads to; undefined where none fits. */
@@ -247,8 +249,9 @@ export class Editor {
   }
 
   #make(clipping: Clipping, verb: string): Promise<void> {
-    return this.#makeNext(async ({ nodes }) => {
-      const { changes, handles, noteIds } = pasteOf(clipping, nodes, { x: PASTE_OFFSET, y: PASTE_OFFSET });
+    return this.#makeNext(async ({ nodes }, taken) => {
+      const by = freeShift([...clipping.nodes.map(({ place }) => place), ...clipping.notes], taken, APART);
+      const { changes, handles, noteIds } = pasteOf(clipping, nodes, by);
       const error = await this.host.requests.batch(`${verb} ${nameOf(clipping.nodes, clipping.notes)}`, changes);
       this.desk.tell(error, t("Added: {count}", { count: handles.length + noteIds.length }));
       if (error === null) {
@@ -285,6 +288,17 @@ function nameOf(nodes: readonly { graph: string }[], notes: readonly unknown[]):
 export function linkOf(one: Pin, other: Pin): Link {
   const [from, to] = one.is === "output" ? [one, other] : [other, one];
   return { from: from.node, output: from.id, to: to.node, input: to.id };
+}
+
+/** How far these move right and down, from `least` on, until each stands apart from what is there. */
+function freeShift(moved: readonly Place[], there: readonly Place[], least: number): number {
+  const isTaken = (by: number) =>
+    moved.some((one) => there.some(({ x, y }) => Math.abs(one.x + by - x) < APART && Math.abs(one.y + by - y) < APART));
+  let by = least;
+  while (isTaken(by)) {
+    by += APART;
+  }
+  return by;
 }
 
 function rounded<Box extends Place | Note>(box: Box): Box {

@@ -31,7 +31,7 @@ export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
       void editor.remove(chosen, chosenLinks);
     }
   };
-  const actions: Record<string, () => unknown> = {
+  const actions: Record<string, (target: EventTarget | null) => unknown> = {
     Delete: remove,
     Backspace: remove,
     F2: () => (editor.renaming.value = chosen.nodes[0] ?? null),
@@ -39,7 +39,11 @@ export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
     "Control+v": () => editor.paste(),
     "Control+d": () => editor.duplicate(chosen),
     "Control+a": () => canvas.chooseAll(),
-    Escape: () => editor.giveUp(),
+    Escape: (target) => {
+      editor.giveUp();
+      // The library takes the focus from what it unselects; who works by keys goes on from there.
+      requestAnimationFrame(() => (target as HTMLElement).focus());
+    },
   };
   return {
     onKeyDown: (event: KeyboardEvent) => {
@@ -48,7 +52,7 @@ export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
       if (action !== undefined && !takesKeys(event.target)) {
         event.preventDefault();
         if (!event.repeat) {
-          action();
+          action(event.target);
         }
       }
     },

@@ -78,10 +78,6 @@ function DeviceForm({ host, desk, settings, isNew }: { host: Host; desk: Desk; s
   });
   const submit = async (event: Event) => {
     event.preventDefault();
-    if (isNew && host.network.peek()?.state.devices?.some((one) => one.id === id)) {
-      setError(t("There is a device {id} already.", { id }));
-      return;
-    }
     const opened = desk.opened.peek();
     const problem = await host.requests.change({
       op: "device",
@@ -90,6 +86,7 @@ function DeviceForm({ host, desk, settings, isNew }: { host: Host; desk: Desk; s
       parser: shown.parser,
       address: shown.address.trim() || null,
       drop_after: shown.dropAfter.trim() === "" ? null : Number(shown.dropAfter),
+      ...(isNew && { new: true }),
     });
     if (problem === null) {
       await host.readNetwork();
@@ -152,11 +149,17 @@ function DeviceTrial({ host, desk, device }: { host: Host; desk: Desk; device: D
   const { id, address, parser, state } = device;
   const [text, setText] = useState(TEST_TEXT);
   const takesTexts = parser === "direct" || parser === "json";
-  useEffect(() => {
-    if (state === "connected" && desk.message.peek() === t("Trying to connect…")) {
+  const stopSaying = () => {
+    if (desk.message.peek() === t("Trying to connect…")) {
       desk.tell(null, "");
     }
+  };
+  useEffect(() => {
+    if (state === "connected") {
+      stopSaying();
+    }
   }, [state]);
+  useEffect(() => stopSaying, []);
   const tryNow = async () => {
     const problem = await host.requests.connect(id);
     desk.tell(problem, state === "connected" ? "" : t("Trying to connect…"));
