@@ -65,6 +65,17 @@ test("in Chinese no text is left in English, on any tab", async () => {
   await page.page.locator("[data-history]").click();
   await page.page.locator(".history-list", { hasText: "更改场景" }).waitFor();
   assert.deepEqual(await english(), [], "the history");
+
+  const isRefused = (text) => page.page.locator("dialog [role=alert]", { hasText: text }).waitFor();
+  await page.page.getByRole("button", { name: "另存为" }).click();
+  await page.page.locator("[data-scene-name]").fill(".hidden");
+  await page.page.keyboard.press("Enter");
+  await isRefused(/^file: 任何一级名称都不能以点开头$/);
+  await page.page.keyboard.press("Escape");
+  await page.page.getByRole("button", { name: "打开", exact: true }).click();
+  await page.page.locator("[data-upload]").setInputFiles({ name: "a.json", mimeType: "application/json", buffer: Buffer.from("no scene") });
+  await page.page.getByRole("button", { name: "仍然打开" }).click();
+  await isRefused(/^scene: 从第 2 字节起不是 JSON$/);
 });
 
 test("the browser's languages choose the page's, and a switch does, which the page remembers", async () => {

@@ -1,6 +1,7 @@
 import { reconnectDelay } from "./backoff.ts";
 import { t } from "./i18n.ts";
 import type { Push, Reply } from "./messages.ts";
+import { inReadersLanguage } from "./refusals.ts";
 
 export interface ConnectionListener {
   pushed(push: Push): void;
@@ -72,7 +73,7 @@ export class Connection {
     }
     this.#listener.replied(message);
     if (message.id !== undefined) {
-      this.#waiting.get(message.id)?.(message);
+      this.#waiting.get(message.id)?.(inReadersLanguage(message));
       this.#waiting.delete(message.id);
     }
   }

@@ -1,4 +1,5 @@
 // The module logs in Chinese: what its lines mean in English.
+import { textsByFormat } from "./formats.ts";
 
 /** By the format that the module writes a line with. */
 export const LOG_TEXTS: Record<string, string> = {
@@ -40,20 +41,7 @@ export const LOG_TEXTS: Record<string, string> = {
 };
 
 /** The three names count as one: they stand together in both texts. */
-const NAMES = "%s.%s.%s";
-
-const PATTERNS = Object.entries(LOG_TEXTS).map(([format, text]) => ({
-  pattern: new RegExp(`^${format.replace(NAMES, "%s").replace(/[[\].]/g, "\\$&").replaceAll("%s", "(.*)")}$`, "s"),
-  parts: text.replace(NAMES, "%s").split("%s"),
-}));
+const WITH_NAMES_AS_ONE = Object.entries(LOG_TEXTS).map((texts) => texts.map((text) => text.replace("%s.%s.%s", "%s")));
 
 /** A line of the module's log in English; null for any other. */
-export function inEnglish(line: string): string | null {
-  for (const { pattern, parts } of PATTERNS) {
-    const values = pattern.exec(line)?.slice(1);
-    if (values !== undefined) {
-      return parts.reduce((text, part, index) => text + values[index - 1] + part);
-    }
-  }
-  return null;
-}
+export const inEnglish = textsByFormat(Object.fromEntries(WITH_NAMES_AS_ONE));

@@ -3,6 +3,7 @@ import { t } from "./i18n.ts";
 import type { Reply } from "./messages.ts";
 import type { EditValue } from "./params.ts";
 import type { History, Link, Note, OfferedType, Place, Scene, SceneFileInfo, Step } from "./protocol.ts";
+import { inReadersLanguage } from "./refusals.ts";
 
 /** A request that changes the scene, as `batch` takes it. */
 export type Change =
@@ -92,7 +93,7 @@ export class Requests {
     try {
       const reply = await fetch("scene", { method: "POST", body: file });
       const isJson = reply.headers.get("content-type") === "application/json";
-      return isJson ? errorOf((await reply.json()) as Reply) : `${reply.status} ${reply.statusText}`;
+      return isJson ? errorOf(inReadersLanguage((await reply.json()) as Reply)) : `${reply.status} ${reply.statusText}`;
     } catch (error) {
       return String(error);
     }
