@@ -39,6 +39,10 @@ async function restart(signal) {
   await start();
 }
 
+const asideFile = () => join(folder, `.unsaved-${port}.json`);
+/** The unsaved scene as it's written aside; undefined where there is none. */
+const aside = () => (existsSync(asideFile()) ? JSON.parse(readFileSync(asideFile(), "utf8")) : undefined);
+
 const pushed = (name) => script.pushes.filter(({ push }) => push === name);
 const scene = async () => (await must(script, { op: "scene" })).nodes.map(({ node, graph }) => [node, graph]);
 
@@ -127,8 +131,7 @@ test("what wasn't saved outlives a crash and an end, and is taken or discarded",
   await must(script, { op: "load", scene: EMPTY });
   await must(script, { op: "save", file: "show.json" });
   await createNode(script, "m", Type.mouse, "Mouse 1");
-  const aside = join(folder, `.unsaved-${port}.json`);
-  await until("it's written aside", () => existsSync(aside));
+  await until("it's written aside", () => aside()?.file === "show.json"); // there may be one of an earlier test
   await restart("SIGKILL");
   const left = () => pushed("history").at(-1).recovered;
   await until("the history", () => pushed("history").length > 0);
@@ -152,9 +155,9 @@ test("what wasn't saved outlives a crash and an end, and is taken or discarded",
 
   // What is saved leaves nothing.
   await createNode(script, "m", Type.mouse, "Mouse 1");
-  await until("it's written aside", () => existsSync(aside));
+  await until("it's written aside", () => existsSync(asideFile()));
   await must(script, { op: "save", file: "show.json" });
-  await until("it's gone", () => !existsSync(aside));
+  await until("it's gone", () => !existsSync(asideFile()));
   await restart("SIGKILL");
   await until("the history", () => pushed("history").length > 0);
   assert.equal(left(), undefined);
@@ -207,10 +210,10 @@ test("a scene that is refused changes neither the scene nor what is unsaved", as
   // Steps of one name are written aside each, and what changed right before the end of the session is.
   const matrix = (x) => [1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, x, 0, 0, 1];
   await must(script, { op: "object", clip: "Stage", name: "Box" });
-  const aside = () => JSON.parse(readFileSync(join(folder, `.unsaved-${port}.json`)));
+  const place = () => aside()?.clips.flatMap(({ objects }) => objects).find(({ name }) => name === "Box")?.matrix[12];
   for (const x of [1, 2]) {
     await must(script, { op: "change_object", clip: "Stage", name: "Box", matrix: matrix(x) });
-    await until("it's written aside", () => existsSync(join(folder, `.unsaved-${port}.json`)) && aside().clips.at(-1).objects[0].matrix[12] === x);
+    await until("it's written aside", () => place() === x);
   }
   await must(script, { op: "rename", node: "m", graph: "Last" });
   await must(script, { op: "quit" });
