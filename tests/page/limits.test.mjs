@@ -19,13 +19,6 @@ const KEY_RELEASED = ["k", 153];
 const hosts = [];
 after(() => hosts.forEach((host) => host.kill()));
 
-/** A scene whose nodes have been evaluated once, as they must have been to fire. */
-async function createSceneOf(host) {
-  const script = await createScene(host.address);
-  await until("the first values", () => script.pushes.some(({ nodes }) => nodes?.m));
-  return script;
-}
-
 /** A host that is ended with the file's tests, whatever becomes of them. */
 async function start(options) {
   const host = await startHost({ options });
@@ -36,7 +29,7 @@ async function start(options) {
 for (const signal of ["SIGTERM", "SIGINT", "SIGHUP"]) {
   test(`a terminal that isn't read stalls nobody, and ${signal} ends the host with its releases`, { timeout: 60000 }, async () => {
     const host = await start();
-    const script = await createSceneOf(host);
+    const script = await createScene(host.address);
     const other = await openSession(host.address);
     host.stopReading();
     for (let index = 0; index < 1000; ++index) {
@@ -62,7 +55,7 @@ test("a host that is told to end as soon as it has printed its address ends by i
 
 test("a terminal that is read again says how many lines were left out", { timeout: 60000 }, async () => {
   const host = await start();
-  const script = await createSceneOf(host);
+  const script = await createScene(host.address);
   host.stopReading();
   const presses = 1000; // more than pipe and queue hold
   const payload = { is: "key", text: "a".repeat(2000) }; // the log's line names it
@@ -136,7 +129,7 @@ test("a text goes out in one frame, however long it is", async () => {
 
 test("clients that don't read cost bounded memory together, and go first", { timeout: 120000 }, async () => {
   const host = await start();
-  const script = await createSceneOf(host);
+  const script = await createScene(host.address);
   const memory = () => Number(/VmRSS:\s+(\d+)/.exec(readFileSync(`/proc/${host.pid}/status`, "utf8"))[1]) / 1024;
   const before = memory();
   // A node whose texts make long replies to short requests: more than the system's buffers and a client's queue hold.

@@ -67,11 +67,12 @@ export async function timesFired(session, [node, output]) {
   return (await must(session, { op: "counters" })).nodes[node].outputs?.[output] ?? 0;
 }
 
-/** A keyboard node "k" and a mouse node "m", as the tests use them. */
+/** A keyboard node "k" and a mouse node "m", as the tests use them: evaluated once, as they must have been to fire. */
 export async function createScene(address, options) {
   const session = await openSession(address, options);
   await createNode(session, "k", Type.keyboard, "Keyboard 1");
   await createNode(session, "m", Type.mouse, "Mouse 1");
+  await until("the first values", () => session.pushes.some(({ push, nodes }) => push === "outputs" && nodes.m));
   return session;
 }
 
