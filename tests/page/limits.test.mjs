@@ -39,8 +39,10 @@ for (const signal of ["SIGTERM", "SIGINT", "SIGHUP"]) {
     await must(script, KEY_DOWN);
     await until("the pushes", () => postedIn(other.pushes).length > 2000);
     const before = other.pushes.length;
+    const closed = once(other.socket, "close"); // what the host told before its end may come behind it
     host.kill(signal);
     assert.equal(await host.ended(), 0);
+    await closed;
     assert.deepEqual(postedIn(other.pushes.slice(before)).filter(([, output]) => output === 153), [KEY_RELEASED]);
     assert.equal(host.output.stderr, "");
   });
