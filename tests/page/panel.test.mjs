@@ -49,7 +49,7 @@ test("each node has its icon, its graph node's name and its clip", async () => {
   assert.match(await card.innerText(), /Mouse · Demo/);
   const icon = card.locator("img");
   assert.match(await icon.getAttribute("src"), /mouse\.svg$/);
-  assert.ok(await icon.evaluate((image) => image.complete && image.naturalWidth > 0));
+  await until("the icon's picture", () => icon.evaluate((image) => image.complete && image.naturalWidth > 0));
 });
 
 test("switching a node off stops its events, and every page shows the switch", async () => {
@@ -181,10 +181,10 @@ test("lines are marked by keys, which screen readers are told, and lead to their
   const view = await openWithLog(browser, LOG_LIMIT);
   await view.shows(LOG_LIMIT);
   const list = view.page.locator("[data-log]");
-  const marked = async () => {
-    const id = await list.getAttribute("aria-activedescendant");
-    return id && view.page.locator(`#${id}[aria-selected=true]`).getAttribute("data-line");
-  };
+  const marked = () => list.evaluate((log) => {
+    const line = document.getElementById(log.getAttribute("aria-activedescendant"));
+    return line?.ariaSelected === "true" ? line.dataset.line : null;
+  });
   assert.equal(await marked(), null);
   await list.focus();
   for (const [key, number] of [["ArrowUp", LOG_LIMIT], ["ArrowUp", LOG_LIMIT - 1], ["Home", 1], ["ArrowDown", 2], ["End", LOG_LIMIT]]) {
@@ -221,7 +221,8 @@ test("a page without its host says so, and comes back by itself with the host", 
 
 test("a host that stalls is told, and so is that it goes on", async () => {
   const age = page.page.locator("[data-frame-age]");
-  assert.match(await age.innerText(), /^last frame < [12] s ago$/);
+  const isFresh = async () => /^last frame < [12] s ago$/.test(await age.innerText());
+  await until("a fresh frame", isFresh);
   process.kill(host.pid, "SIGSTOP");
   try {
     await page.page.locator("[data-connection=stalled]").waitFor();
@@ -232,7 +233,7 @@ test("a host that stalls is told, and so is that it goes on", async () => {
   }
   await page.page.locator("[data-connection=open]").waitFor();
   assert.equal(await page.page.getByRole("alert").count(), 0);
-  assert.match(await age.innerText(), /^last frame < [12] s ago$/);
+  await until("a fresh frame", isFresh);
 });
 
 test("no script or style of the page is refused by its own policy", async () => {
