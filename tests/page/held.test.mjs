@@ -205,6 +205,7 @@ test("one button lets go of everything, whoever holds it, and the pages forget i
   await page.logs(`synthetic release of the left button of pointer ${page.pointer(1)}: somebody released everything`);
 
   // The key that is down in fact says nothing more: neither by its repeats nor by its end.
+  await other.held("key x").waitFor({ state: "detached" });
   await page.fires(is.KEY_UP, 1);
   await other.keyboard.down("x");
   await other.keyboard.up("x");
