@@ -103,6 +103,7 @@ test("the last texts are kept, also by a reload, and can be sent again", async (
   await expectEventually("the texts", async () => (await texts()).join("|"), expected.join("|"));
   await page.page.reload();
   await expectEventually("the texts", async () => (await texts()).join("|"), expected.join("|"));
+  await page.page.locator("article[data-node=o]").waitFor(); // it's connected
   await page.page.locator(".json-texts button", { hasText: "Demo.Map" }).click();
   await control("send").click();
   await page.shows(OBJECT_TEXT, "[2]");
