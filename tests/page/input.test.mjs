@@ -3,7 +3,7 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
-import { postedIn, timesFired, until } from "./support/session.mjs";
+import { expectEventually, postedIn, timesFired, until } from "./support/session.mjs";
 
 useScene();
 
@@ -201,7 +201,7 @@ test("input of different kinds keeps its order", async () => {
 test("the surface shows where the pointer is and what is held", async () => {
   const readout = (which) => page.page.locator(`[data-readout=${which}]`).innerText();
   await page.moveTo(page.box.height / 2, page.box.height / 2);
-  assert.equal(await readout("relative"), "500, 500");
+  await expectEventually("the place", () => readout("relative"), "500, 500");
   assert.equal(await readout("pixels"), `${Math.floor(page.box.height / 2)}, ${Math.floor(page.box.height / 2)}`);
   await page.mouse.down();
   await page.keyboard.down("Shift");
