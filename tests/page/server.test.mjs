@@ -284,9 +284,8 @@ test("a client that takes nothing stops neither frames nor the others, and is dr
 test("each fired event and each log line is printed, with nothing in it that steers a terminal", async () => {
   const text = "\u001b]0;title\u0007\u009b31m";
   await script.request({ op: "event", device: 0, event: 2002, payload: { is: "key", text } });
-  await until("the line", () => host.output.stdout.includes("title"));
-  assert.ok(host.output.stdout.includes("[\\x1B]0;title\\x07\\x9B31m]"));
-  assert.match(host.output.stdout, /\nevent {2}Demo\.Keyboard 1 {2}152 KeyDown\n/);
+  await until("the line", () => host.output.stdout.includes("[\\x1B]0;title\\x07\\x9B31m]"));
+  await until("the event", () => /\nevent {2}Demo\.Keyboard 1 {2}152 KeyDown\n/.test(host.output.stdout));
   assert.doesNotMatch(host.output.stdout, /[\u001b\u0007\u009b]/);
 });
 
@@ -348,7 +347,8 @@ test("a connection too many is told so, and the host goes on", async () => {
   await Promise.all(silent.map((socket) => once(socket, "close")));
   const lines = () => logIn(client.pushes).filter((line) => line.includes("turned away"));
   await until("the line in the log", () => lines().length > 0);
-  assert.deepEqual(lines(), [`a connection was turned away: ${text.trimEnd()}`]);
+  assert.equal(lines()[0], `a connection was turned away: ${text.trimEnd()}`);
+  assert.ok(lines().length < silent.length / 10, "one in ten seconds at most");
   assert.equal((await client.request({ op: "scene" })).ok, true);
 
   sockets.forEach((socket) => socket.destroy());
