@@ -24,8 +24,7 @@ const verdict = () => page.page.locator("[data-verdict]");
 const stroke = (pointer) => page.page.locator(`[data-stroke="${page.pointer(pointer)}"]`);
 
 async function verdictIs(fired, reason) {
-  await until(`the verdict ${fired}`, async () => (await verdict().count()) === 1 && (await verdict().getAttribute("data-verdict")) === fired);
-  assert.match(await verdict().innerText(), reason);
+  await verdict().filter({ hasText: reason }).and(page.page.locator(`[data-verdict="${fired}"]`)).waitFor();
 }
 
 test("a finger that swipes to the right fires the drag and the swipe, and the page says so", async () => {
