@@ -136,7 +136,8 @@ test("a wire lights when an event runs through it, and shows its value while it'
 });
 
 test("a node that is dragged stays where it was put, on every page, and goes back when that's undone", async () => {
-  const other = canvasOf((await is.openPage(browser, host)).page, script);
+  const second = await is.openPage(browser, host);
+  const other = canvasOf(second.page, script);
   const from = await canvas.middleOf(canvas.face("m").locator("header strong"));
   await canvas.drag(from, { x: from.x + 60, y: from.y + 30 });
   await until("another place", async () => (await placeOf("m")).x > 0);
@@ -149,6 +150,7 @@ test("a node that is dragged stays where it was put, on every page, and goes bac
   await page.keyboard.press("Control+z");
   await until("the place", async () => (await placeOf("m")).x === 0);
   await until("the place on the canvas", async () => /translate\(0px, ?200px\)/.test(await position(other)));
+  await second.close();
 });
 
 test("what is chosen by a frame is moved by the arrow keys as one step", async () => {
@@ -255,7 +257,8 @@ test("a node is renamed by F2 and by a double click; Escape keeps the name", asy
 });
 
 test("a folded node has only its linked pins, on every page", async () => {
-  const other = canvasOf((await is.openPage(browser, host)).page, script);
+  const second = await is.openPage(browser, host);
+  const other = canvasOf(second.page, script);
   await page.page.getByRole("button", { name: "Fold Keyboard 1" }).click();
   await page.page.locator('[data-face="k"][data-folded=true]').waitFor();
   await other.face("k").locator(".pin").first().waitFor();
@@ -263,6 +266,7 @@ test("a folded node has only its linked pins, on every page", async () => {
   await expectEventually("wires", () => canvas.wires().count(), 1);
   await page.page.getByRole("button", { name: "Unfold Keyboard 1" }).click();
   await expectEventually("pins", () => canvas.face("k").locator(".pin").count(), 4);
+  await second.close();
 });
 
 test("notes are part of the scene: written, moved, and taken away", async () => {
@@ -290,8 +294,7 @@ test("notes are copied, doubled and lined up as nodes are, and with them", async
   await note.first().waitFor();
   await page.page.locator(".react-flow__controls-fitview").click();
   const chooseNote = async () => {
-    const { x, y } = await note.first().boundingBox();
-    await page.mouse.click(x + 3, y + 3);
+    await note.first().click({ position: { x: 3, y: 3 } });
     await page.page.locator(".react-flow__node-note.selected").waitFor();
   };
   await chooseNote();
@@ -301,9 +304,7 @@ test("notes are copied, doubled and lined up as nodes are, and with them", async
   await page.keyboard.press("Control+z");
   await expectEventually("the notes", noteTexts, "here");
   await canvas.choose("m");
-  await page.keyboard.down("Control");
-  await chooseNote();
-  await page.keyboard.up("Control");
+  await canvas.adding(chooseNote);
   await page.keyboard.press("Control+c");
   await page.page.getByText("Copied: 2").waitFor();
   await page.page.getByRole("button", { name: "Align tops" }).click();
@@ -513,8 +514,8 @@ test("a line of the log leads to its node", async () => {
   await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
   await page.page.locator("[data-line]").last().click();
   await expectEventually("the chosen node", () => canvas.chosen().locator("[data-face]").getAttribute("data-face"), "k");
+  await expectEventually("cards", () => page.page.locator("article[data-node]").count(), 1);
   await page.page.getByRole("heading", { name: "Keyboard 1" }).waitFor();
-  assert.equal(await page.page.locator("article[data-node]").count(), 1);
 });
 
 test("the badge says whether what is sent goes out, and switches it for all pages", async () => {

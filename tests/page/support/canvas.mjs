@@ -9,6 +9,14 @@ const drawn = () =>
 export function canvasOf(page, script) {
   const face = (node) => page.locator(`[data-face=${JSON.stringify(node)}]`);
   const scene = () => must(script, { op: "scene" });
+  const isChosen = (node) => page.locator(".react-flow__node.selected").filter({ has: face(node) }).waitFor();
+  /** What is chosen meanwhile is added to what is chosen. */
+  const adding = async (choose) => {
+    await page.keyboard.down("Control");
+    await page.evaluate(drawn); // the canvas takes note of the key
+    await choose();
+    await page.keyboard.up("Control");
+  };
   return {
     face,
     pin: (node, id) => face(node).locator(`[data-handleid="${id}"]`),
@@ -23,13 +31,13 @@ export function canvasOf(page, script) {
     /** Chooses nodes by clicks on their heads, with Ctrl held from the second one on. */
     choose: async (first, ...others) => {
       await face(first).locator("header img").click();
+      await isChosen(first);
       for (const node of others) {
-        await page.keyboard.down("Control");
-        await page.evaluate(drawn); // the canvas takes note of the key
-        await face(node).locator("header img").click();
-        await page.keyboard.up("Control");
+        await adding(() => face(node).locator("header img").click());
+        await isChosen(node);
       }
     },
+    adding,
     /** Chooses in the palette: a type to add, or a node to go to. */
     choosePalette: async (name) => {
       await page.keyboard.press("Control+k");
