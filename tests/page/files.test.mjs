@@ -98,7 +98,7 @@ async function sceneAsMade() {
 
 /** Waits until it's this scene; fails with what differs. */
 async function sceneIs(expected) {
-  await until("the scene", async () => isDeepStrictEqual(await sceneAsMade(), expected), 5000).catch(() => {});
+  await until("the scene", async () => isDeepStrictEqual(await sceneAsMade(), expected)).catch(() => {});
   assert.deepEqual(await sceneAsMade(), expected);
 }
 
@@ -480,6 +480,7 @@ test("the demo is asked about where it takes the place of something that isn't s
   await saveAs("demo");
   await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes: [], links: [] } });
   await must(script, { op: "device", device: 1, name: "Wall", parser: "direct" });
+  await nameIs("", true);
   const demo = page.getByRole("button", { name: "demo", exact: true });
   await demo.click();
   await page.getByRole("alertdialog", { name: "Open demo.json all the same?" }).locator("button:focus", { hasText: "Leave it" }).click();
