@@ -8,7 +8,7 @@ import { join } from "node:path";
 import { isDeepStrictEqual } from "node:util";
 import { after, afterEach, before, beforeEach, test } from "node:test";
 import { startBrowser } from "./support/browser.mjs";
-import { canvasOf } from "./support/canvas.mjs";
+import { canvasOf, drawn } from "./support/canvas.mjs";
 import { startHost } from "./support/host.mjs";
 import { expectEventually, must, openSession, until } from "./support/session.mjs";
 
@@ -319,6 +319,24 @@ test("devices and objects are opened and closed by keys, and the focus comes and
   await page.locator("[data-open-device='4']").click();
   await canvas.choose("String data send 1");
   await page.locator("article[data-node]").getByRole("heading", { name: "String data send 1" }).waitFor();
+});
+
+test("what is opened leaves the focus to the field that somebody has gone on to", async () => {
+  await page.getByRole("button", { name: "Add object" }).evaluate((button) => new Promise((resolve) => {
+    const quick = new MutationObserver(() => {
+      const field = document.querySelector("[data-part=name]");
+      if (field !== null) {
+        quick.disconnect();
+        field.focus();
+        resolve();
+      }
+    });
+    quick.observe(document.body, { childList: true, subtree: true });
+    button.click();
+  }));
+  await page.evaluate(drawn);
+  await page.keyboard.type("Lamp");
+  assert.equal(await page.locator("[data-part=name]").inputValue(), "Lamp");
 });
 
 test("a node whose device takes no texts says so", async () => {

@@ -2,7 +2,7 @@
 import { expectEventually, must } from "./session.mjs";
 
 /** Done when what the page does after it drew is done. */
-const drawn = () =>
+export const drawn = () =>
   new Promise((resolve) => requestAnimationFrame(() => setTimeout(() => requestAnimationFrame(() => setTimeout(resolve)))));
 
 /** What is on the canvas of a page, whose scene a script can ask for. */

@@ -1,5 +1,5 @@
 import { memo } from "preact/compat";
-import { useEffect, useRef } from "preact/hooks";
+import { useEffect, useLayoutEffect, useRef } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
@@ -20,8 +20,8 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
   const opened = desk.opened.value;
   const scene = host.sceneNumber.value;
   useEffect(() => () => void (desk.opened.value = null), [desk, scene]); // it's of that scene
-  // The focus comes to what was opened, and goes back to where that was done.
-  useEffect(() => {
+  // The focus comes to what was opened, before somebody can go on there, and goes back to where that was done.
+  useLayoutEffect(() => {
     if (opened === null) {
       return undefined;
     }
