@@ -17,7 +17,12 @@ export function useHands({ space = false } = {}) {
       await must(script, { op: "set", node: "v", param: 802, string: "Lamp" });
       await must(script, { op: "set", node: "v", param: 803, choice: 1 });
     },
-    look: () => look(page),
+    async look() {
+      await look(page);
+      if (!space) {
+        await page.page.getByText("This browser can't draw in space here").waitFor(); // it takes its place
+      }
+    },
   });
 }
 

@@ -183,8 +183,9 @@ class Hands {
     this.#hands = samples.map(({ value }, side) => new Hand(side as Side, value.pose, value.hit));
   }
 
-  trigger(side: Side, down: boolean): void {
-    if (this.#hands[side]!.setTrigger(down, performance.now())) {
+  /** A busy page comes late to what was done: when that was is told by its event. */
+  trigger(side: Side, down: boolean, time = performance.now()): void {
+    if (this.#hands[side]!.setTrigger(down, time)) {
       this.#send(side, true);
     }
   }
@@ -307,15 +308,15 @@ function HandCard({ side, host, hands, sample, fired, followers }: HandCardProps
         data-trigger={sample.trigger}
         onPointerDown={(event) => {
           event.currentTarget.setPointerCapture(event.pointerId);
-          hands.trigger(side, true);
+          hands.trigger(side, true, event.timeStamp);
         }}
-        onPointerUp={() => hands.trigger(side, false)}
+        onPointerUp={(event) => hands.trigger(side, false, event.timeStamp)}
         onPointerCancel={() => hands.release(side, "the pointer was cancelled")}
         onLostPointerCapture={() => hands.lostPointer(side, "trigger")}
         onMouseDown={(event) => event.preventDefault()}
         onContextMenu={(event) => event.preventDefault()}
-        onKeyDown={(event) => isPress(event) && hands.trigger(side, true)}
-        onKeyUp={(event) => isPress(event) && hands.trigger(side, false)}
+        onKeyDown={(event) => isPress(event) && hands.trigger(side, true, event.timeStamp)}
+        onKeyUp={(event) => isPress(event) && hands.trigger(side, false, event.timeStamp)}
         onBlur={() => hands.trigger(side, false)}
       >
         {t("Trigger")}
