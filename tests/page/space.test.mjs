@@ -4,6 +4,7 @@ import { readFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { test } from "node:test";
 import { isDeepStrictEqual } from "node:util";
+import { drawn } from "./support/canvas.mjs";
 import { hand, openHands, openHandsAgain, openLog, useHands } from "./support/hands.mjs";
 import * as is from "./support/page.mjs";
 import { page, script } from "./support/scene.mjs";
@@ -73,7 +74,7 @@ test("a hand that is dragged while its panel is hidden isn't dragged any longer,
     await page.mouse.move(fromX, fromY);
     await page.mouse.down();
     await page.mouse.move(fromX + 2, fromY);
-    await page.page.waitForTimeout(200);
+    await page.page.evaluate(drawn);
     const before = await page.page.locator(".space-hand").nth(1).boundingBox();
     await openLog();
     await page.page.locator("[data-space]").waitFor({ state: "hidden" });
@@ -82,7 +83,7 @@ test("a hand that is dragged while its panel is hidden isn't dragged any longer,
     await openHandsAgain();
     await page.page.locator("[data-space]").waitFor();
     await page.mouse.move(fromX + 40, fromY - 40, { steps: 5 });
-    await page.page.waitForTimeout(200);
+    await page.page.evaluate(drawn);
     assert.deepEqual(await page.page.locator(".space-hand").nth(1).boundingBox(), before);
   }
 });

@@ -1,4 +1,5 @@
 // The hand controllers' panel, and what the tests do to it.
+import { drawn } from "./canvas.mjs";
 import { openPage } from "./page.mjs";
 import { browser, host, page, script, useScene } from "./scene.mjs";
 import { createNode, must, Type } from "./session.mjs";
@@ -19,9 +20,8 @@ export function useHands({ space = false } = {}) {
     },
     async look() {
       await look(page);
-      if (!space) {
-        await page.page.getByText("This browser can't draw in space here").waitFor(); // it takes its place
-      }
+      // What is drawn, or why nothing is, has its place then.
+      await (space ? page.page.evaluate(drawn) : page.page.getByText("This browser can't draw in space here").waitFor());
     },
   });
 }
