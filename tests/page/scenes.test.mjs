@@ -95,10 +95,14 @@ test("the scenes of the folder are listed", async () => {
   for (const name of ["show/b.json", ".hidden.json", "notes.txt", "a.json"]) {
     writeFileSync(join(folder, name), "{}");
   }
-  symlinkSync("a.json", join(folder, "link.json"));
   const { files } = await must(script, { op: "scenes" });
   assert.deepEqual(files.map(({ file, bytes }) => [file, bytes > 0]), [["a.json", true], ["keys.json", true], ["show/b.json", true]]);
   assert.ok(Math.abs(files[0].modified_ms - Date.now()) < 600_000);
+});
+
+test("links in the folder aren't listed", { skip: process.env.IOHOST_SYSTEM === "windows" && "Wine shows them as files" }, async () => {
+  symlinkSync("a.json", join(folder, "link.json"));
+  assert.ok(!(await must(script, { op: "scenes" })).files.some(({ file }) => file === "link.json"));
 });
 
 test("the scene is downloaded and uploaded as a file", async () => {
@@ -146,7 +150,7 @@ test("what wasn't saved outlives a crash and an end, and is taken or discarded",
 
   // An end writes what changed last.
   await must(script, { op: "rename", node: "m", graph: "Pointer" });
-  await restart("SIGTERM");
+  await restart("SIGINT");
   await until("the history", () => pushed("history").length > 0);
   assert.notEqual(left(), undefined);
   assert.equal(JSON.parse(readFileSync(join(folder, `.left-${port}.json`))).nodes[0].graph, "Pointer");
@@ -167,7 +171,7 @@ test("unsaved work that nobody decided about becomes a scene of the folder when 
   for (const name of ["an hour's work", "a try"]) {
     await must(script, { op: "load", scene: EMPTY });
     await createNode(script, "m", Type.mouse, name);
-    await restart("SIGTERM");
+    await restart("SIGINT");
   }
   const names = (await must(script, { op: "scenes" })).files.map(({ file }) => file);
   const older = names.find((name) => /^recovered-\d+\.json$/.test(name));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <iterator>
 
 #include "base/HostLine.h"
 #include "base/SafeFile.h"
@@ -103,7 +104,12 @@ std::string CSceneFolder::NameOf(const std::string& strFile) const {
     if (folder.empty() || !IsWithin(file, folder)) {
         return {};
     }
-    const std::u8string name = file.lexically_relative(folder).generic_u8string();
+    // Not lexically_relative: the drive in Windows' real paths (\\?\C:\...) keeps that from answering.
+    std::filesystem::path rest;
+    for (auto part = std::next(file.begin(), std::distance(folder.begin(), folder.end())); part != file.end(); ++part) {
+        rest /= *part;
+    }
+    const std::u8string name = rest.generic_u8string();
     return {name.begin(), name.end()};
 }
 
