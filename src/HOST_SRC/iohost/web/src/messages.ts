@@ -47,8 +47,8 @@ export type Reply<Body = object> = Happened & ({ ok: true; id?: number } & Body 
 /** To an event: what each node made of it. */
 export type EventReply = Reply<NodeResults>;
 
-/** Where undo and redo lead, the number of the scene's state, which file the scene is of, and whether it was changed since that was written. */
-export type SceneState = SceneFile & { undo: Step | null; redo: Step | null; state: number };
+/** Where undo and redo lead, which file the scene is of, and whether it was changed since that was written. */
+export type SceneState = SceneFile & { undo: Step | null; redo: Step | null };
 
 /** What an earlier run of the host left unsaved. */
 export interface Recovered {
