@@ -3,6 +3,7 @@ import "./base.css";
 import "./view/controls.css";
 // Of views that are loaded later.
 import "./graph/graph.css";
+import "./view/keyboard.css";
 import "./vr/hands.css";
 import { Host } from "./host.ts";
 import { startLanguage } from "./i18n.ts";

@@ -3,7 +3,6 @@ import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import type { Label } from "../i18n.ts";
 import { JsonPanel } from "./JsonPanel.tsx";
-import { KeyboardPanel } from "./KeyboardPanel.tsx";
 import { lazyView } from "./lazyView.tsx";
 import { LogPanel } from "./LogPanel.tsx";
 import { NetworkPanel } from "./NetworkPanel.tsx";
@@ -26,11 +25,14 @@ export interface Panel {
   height?: string;
 }
 
+const LazyKeyboard = lazyView(async () => (await import("./KeyboardPanel.tsx")).KeyboardPanel);
+const LazyHands = lazyView(async () => (await import("../vr/HandsView.tsx")).HandsView);
+
 /** In the order of the tabs; the first one is in front at first. */
 export const PANELS: readonly Panel[] = [
   { id: "log", title: "Log", View: LogPanel },
-  { id: "keyboard", title: "On-screen keyboard", View: KeyboardPanel, height: "46%" },
-  { id: "hands", title: "VR hands", View: lazyView(async () => (await import("../vr/HandsView.tsx")).HandsView), height: "56%" },
+  { id: "keyboard", title: "On-screen keyboard", View: LazyKeyboard, height: "46%" },
+  { id: "hands", title: "VR hands", View: LazyHands, height: "56%" },
   { id: "network", title: "Network", View: NetworkPanel, height: "46%" },
   { id: "json", title: "JSON texts", View: JsonPanel },
   { id: "objects", title: "Objects", View: ObjectsPanel },
