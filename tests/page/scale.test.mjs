@@ -113,6 +113,27 @@ test("among 200 nodes one is found by its name, and edited", { timeout: 60000 },
   await page.close();
 });
 
+test("nodes out of sight have their names and wires alone", { timeout: 60000 }, async () => {
+  const { host, script } = await startScene(200);
+  const page = await openAt(host, 200);
+  const [names, cards] = [page.locator("article[data-node] h3"), page.locator("article[data-node] header")];
+  const [faces, pins] = [page.locator("[data-face] .face-counters"), page.locator("[data-face] .pin")];
+  await cards.first().waitFor();
+  assert.equal(await names.count(), 200);
+  assert.ok(await cards.count() < 20, `${await cards.count()} cards`);
+  await expectEventually("whole faces of those that nobody could read", () => faces.count(), 0);
+  await expectEventually("wires", () => page.locator(".react-flow__edge").count(), 40);
+  assert.equal(await pins.count(), 80);
+  await page.locator("article[data-node=n199]").evaluate((card) => card.scrollIntoView());
+  await page.locator("article[data-node=n199] header").waitFor();
+  await canvasOf(page, script).choosePalette("Node 187");
+  await page.locator("[data-face=n187] .pin-event").first().waitFor();
+  await expectEventually("faces close by", async () => (await faces.count()) < 30, true);
+  const scripts = await page.evaluate(() => performance.getEntriesByType("resource").map(({ name }) => name));
+  assert.deepEqual(scripts.filter((name) => /Keyboard|Hands/.test(name)), [], "panels that nobody opened");
+  await page.close();
+});
+
 /** How often a face is drawn meanwhile: how often the innermost function runs that makes one. */
 async function facesDrawn(page, act) {
   await page.coverage.startJSCoverage();

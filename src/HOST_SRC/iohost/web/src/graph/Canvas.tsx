@@ -33,7 +33,6 @@ import { QuestionBar } from "./QuestionBar.tsx";
 import { useCanvasKeys } from "./useCanvasKeys.ts";
 import { WireEdge, type Wire } from "./WireEdge.tsx";
 
-const FAR_ZOOM = 0.2;
 const FACES = { face: Face, note: NoteFace };
 const WIRES = { wire: WireEdge };
 // Made once: what is another object is another setting to the library.
@@ -56,7 +55,6 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   const flow = useRef<ReactFlowInstance<CanvasNode, Wire> | null>(null);
   const pane = useRef<HTMLDivElement>(null);
   const labels = useMemo(ariaLabels, [language.value]);
-  const [isFar, setFar] = useState(false);
   /** Those to choose when they come: what was just made isn't here yet. */
   const wantChosen = useRef<readonly string[]>([]);
 
@@ -185,7 +183,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
         }}
       />
       <QuestionBar desk={desk} />
-      <div class={isFar ? "graph graph-far" : "graph"} data-graph ref={pane} tabIndex={-1} {...keys}>
+      <div class="graph" data-graph ref={pane} tabIndex={-1} {...keys}>
         <ReactFlow<CanvasNode, Wire>
           colorMode="system"
           nodes={faces}
@@ -199,7 +197,6 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
           onConnectEnd={endWire}
           onNodeDragStop={place}
           onSelectionDragStop={place}
-          onMove={(_, { zoom }) => setFar(zoom < FAR_ZOOM)}
           onInit={(instance) => (flow.current = instance)}
           deleteKeyCode={null}
           panActivationKeyCode={null}

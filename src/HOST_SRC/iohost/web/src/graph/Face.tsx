@@ -1,4 +1,13 @@
-import { Handle, Position, type Node, type NodeProps } from "@xyflow/react";
+import {
+  Handle,
+  Position,
+  useStore,
+  useUpdateNodeInternals,
+  type Node,
+  type NodeProps,
+  type ReactFlowState,
+  type Rect,
+} from "@xyflow/react";
 import { computed, useComputed } from "@preact/signals";
 import { useLayoutEffect, useMemo, useRef } from "preact/hooks";
 import { clock } from "../clock.ts";
@@ -14,6 +23,7 @@ import { JsonVerdictLine } from "../view/JsonPanel.tsx";
 import { useFocusOn } from "../view/useFocusOn.ts";
 import type { Editor, Pin } from "./editor.ts";
 import { linkedPin } from "./elements.ts";
+import { boxOf, pinTop } from "./layout.ts";
 import { NodeCounters } from "./NodeCounters.tsx";
 import { textWarning } from "./textWarning.ts";
 import { sortOf } from "./wiring.ts";
@@ -24,58 +34,153 @@ export type FaceNode = Node<{ editor: Editor; node: NodeView; folded: boolean; l
 /** As many values stand beside their pins; the others show on the wires and in the inspector. */
 const MOST_VALUES = 3;
 const ENABLE = 2;
+/** From further away nobody reads a pin's name. */
+const LEGIBLE_ZOOM = 0.2;
+/** So that nothing is missing while the canvas is panned. */
+const NEAR_PX = 100;
 
-/** A node on the canvas: what it is, what it does right now, and its pins. Folded it has only those that are linked. */
-export function Face({ data: { editor, node, folded, linked }, selected }: NodeProps<FaceNode>) {
+/**
+ * A node on the canvas: what it is, what it does right now, and its pins; folded those alone that are linked. What is out of
+ * sight, or too far to be read, is its name and the pins that wires lead to.
+ */
+export function Face({ id, data, selected, positionAbsoluteX: x, positionAbsoluteY: y }: NodeProps<FaceNode>) {
+  const { editor, node, folded, linked } = data;
   const { host } = editor;
-  const icon = iconOf(node.type);
   const inputs = inputsOf(node);
   const outputs = outputsOf(node);
-  const isOff = inputs.some(({ id, int }) => id === ENABLE && int === 0);
+  const isOff = inputs.some((input) => input.id === ENABLE && input.int === 0);
+  const { width, height } = boxOf(node);
+  const isLegible = useStore((canvas) => isInSight({ x, y, width, height }, canvas));
+  const isWhole = isLegible || folded || selected;
+  useMeasured(id, isWhole ? "all" : linked.join());
+  const pinProps = { editor, node: node.node, isReachable: selected };
+  return (
+    <div
+      class={isOff ? "face face-off" : "face"}
+      style={{ height: isWhole ? undefined : `${height}px` }}
+      data-face={node.node}
+      data-folded={folded}
+    >
+      <header class="face-head">
+        {isWhole && <FaceIcon type={node.type} />}
+        <FaceName editor={editor} node={node} />
+        {isWhole && (
+          <>
+            {isOff && <span class="face-state">{t("off")}</span>}
+            <Activity host={host} node={node.node} />
+            <button
+              type="button"
+              class="face-fold nodrag"
+              aria-label={folded ? t("Unfold {name}", { name: node.graph }) : t("Fold {name}", { name: node.graph })}
+              aria-expanded={!folded}
+              tabIndex={selected ? 0 : -1}
+              onClick={() => void editor.place({ [node.node]: { ...editor.view.placeOf(node.node), folded: !folded } })}
+            >
+              {folded ? "▸" : "▾"}
+            </button>
+          </>
+        )}
+      </header>
+      {isWhole ? (
+        <>
+          <FacePins {...pinProps} inputs={inputs} outputs={outputs} folded={folded} linked={linked} />
+          <NodeCounters host={host} node={node.node} />
+          <JsonVerdictLine host={host} node={node.node} />
+          <Warning host={host} node={node} />
+        </>
+      ) : (
+        <div class="face-pins">
+          <WiredPins {...pinProps} params={inputs} is="input" linked={linked} />
+          <WiredPins {...pinProps} params={outputs} is="output" linked={linked} />
+        </div>
+      )}
+    </div>
+  );
+}
+
+const unmeasured = new Set<string>();
+
+/** The library learns of a node's pins when it measures it: anew when others are drawn, and all such nodes at once. */
+function useMeasured(id: string, pins: string): void {
+  const measure = useUpdateNodeInternals();
+  const before = useRef(pins);
+  useLayoutEffect(() => {
+    if (before.current === pins) {
+      return; // it measures what comes by itself
+    }
+    before.current = pins;
+    if (unmeasured.size === 0) {
+      queueMicrotask(() => {
+        measure([...unmeasured]);
+        unmeasured.clear();
+      });
+    }
+    unmeasured.add(id);
+  }, [pins]);
+}
+
+/** Whether a box can be read: it's as large as that, and in what is seen, or close by. */
+function isInSight(box: Rect, { transform: [left, top, zoom], width, height }: ReactFlowState): boolean {
+  const [x, y] = [box.x * zoom + left, box.y * zoom + top];
+  return (
+    zoom >= LEGIBLE_ZOOM &&
+    x < width + NEAR_PX &&
+    y < height + NEAR_PX &&
+    x + box.width * zoom > -NEAR_PX &&
+    y + box.height * zoom > -NEAR_PX
+  );
+}
+
+function FaceIcon({ type }: { type: string }) {
+  const icon = iconOf(type);
+  return icon === null ? null : <img src={icon} alt="" width="22" height="22" />;
+}
+
+interface PinsProps extends Omit<PinProps, "param"> {
+  linked: readonly string[];
+}
+
+interface FacePinsProps extends PinsProps {
+  inputs: readonly Param[];
+  outputs: readonly Param[];
+  folded: boolean;
+}
+
+function FacePins({ inputs, outputs, folded, linked, ...props }: FacePinsProps) {
   const shown = (params: readonly Param[], is: Pin["is"]) =>
     folded ? params.filter(({ id }) => linked.includes(linkedPin(is, id))) : params;
   const isSource = ({ id }: Param) => Number(linked.includes(linkedPin("output", id)));
   const values = outputs.filter((param) => sortOf(param) !== "event");
   const linkedFirst = [...values].sort((a, b) => isSource(b) - isSource(a));
   const valued = new Set(linkedFirst.slice(0, MOST_VALUES).map(({ id }) => id));
-  // The network tells of itself several times a second; a warning seldom changes.
-  const warning = useMemo(() => computed(() => textWarning(node, host.network.value?.state.devices ?? null)), [node]).value;
-  const pinProps = { editor, node: node.node, isReachable: selected };
   return (
-    <div class={isOff ? "face face-off" : "face"} data-face={node.node} data-folded={folded}>
-      <header class="face-head">
-        {icon !== null && <img src={icon} alt="" width="22" height="22" />}
-        <FaceName editor={editor} node={node} />
-        {isOff && <span class="face-state">{t("off")}</span>}
-        <Activity host={host} node={node.node} />
-        <button
-          type="button"
-          class="face-fold nodrag"
-          aria-label={folded ? t("Unfold {name}", { name: node.graph }) : t("Fold {name}", { name: node.graph })}
-          aria-expanded={!folded}
-          tabIndex={selected ? 0 : -1}
-          onClick={() => void editor.place({ [node.node]: { ...editor.view.placeOf(node.node), folded: !folded } })}
-        >
-          {folded ? "▸" : "▾"}
-        </button>
-      </header>
-      <div class="face-pins">
-        <div>
-          {shown(inputs, "input").map((param) => (
-            <InputPin key={param.id} {...pinProps} param={param} />
-          ))}
-        </div>
-        <div>
-          {shown(outputs, "output").map((param) => (
-            <OutputPin key={param.id} {...pinProps} param={param} hasValue={valued.has(param.id)} />
-          ))}
-        </div>
+    <div class="face-pins">
+      <div>
+        {shown(inputs, "input").map((param) => (
+          <InputPin key={param.id} {...props} param={param} />
+        ))}
       </div>
-      <NodeCounters host={host} node={node.node} />
-      <JsonVerdictLine host={host} node={node.node} />
-      {warning !== null && <p class="face-warning">{warning}</p>}
+      <div>
+        {shown(outputs, "output").map((param) => (
+          <OutputPin key={param.id} {...props} param={param} hasValue={valued.has(param.id)} />
+        ))}
+      </div>
     </div>
   );
+}
+
+/** The pins that wires lead to, or could by keys, where they stand in the whole face. */
+function WiredPins({ params, is, linked, ...props }: PinsProps & { params: readonly Param[]; is: Pin["is"] }) {
+  return params.map((param, row) => {
+    const isShown = linked.includes(linkedPin(is, param.id)) || props.editor.canEnd({ node: props.node, id: param.id, is });
+    return isShown && <PinHandle key={param.id} {...props} param={param} is={is} top={pinTop(row)} />;
+  });
+}
+
+/** The network tells of itself several times a second; a warning seldom changes. */
+function Warning({ host, node }: { host: Host; node: NodeView }) {
+  const warning = useMemo(() => computed(() => textWarning(node, host.network.value?.state.devices ?? null)), [node]).value;
+  return warning === null ? null : <p class="face-warning">{warning}</p>;
 }
 
 /** A double click or F2 makes a field of it. */
@@ -134,7 +239,7 @@ interface PinProps {
   isReachable: boolean;
 }
 
-function PinHandle({ editor, node, param, isReachable, is }: PinProps & { is: Pin["is"] }) {
+function PinHandle({ editor, node, param, isReachable, is, top }: PinProps & { is: Pin["is"]; top?: number }) {
   const pin: Pin = { node, id: param.id, is };
   const isEnd = editor.canEnd(pin);
   const isBegun = editor.begun.value?.node === node && editor.begun.value.id === param.id && editor.begun.value.is === is;
@@ -144,6 +249,7 @@ function PinHandle({ editor, node, param, isReachable, is }: PinProps & { is: Pi
       position={is === "output" ? Position.Right : Position.Left}
       id={String(param.id)}
       className={`pin pin-${sortOf(param)}${isEnd ? " pin-end" : ""}${isBegun ? " pin-begun" : ""}`}
+      style={{ top }}
       role="button"
       tabIndex={isReachable || isEnd ? 0 : -1}
       aria-label={is === "output" ? t("Output {name}", { name: param.display }) : t("Input {name}", { name: param.display })}

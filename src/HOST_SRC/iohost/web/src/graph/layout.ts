@@ -83,12 +83,18 @@ function blockOf(boxes: readonly Box[], links: readonly Link[]): Block {
 // As the style sheet draws them.
 const WIDTH = 300;
 const HEAD_HEIGHT = 42;
-const FOOT_HEIGHT = 24;
+const FOOT_HEIGHT = 22;
 const PIN_HEIGHT = 20;
+const PIN_INSET = 5;
 
 export function boxOf(node: NodeView): Box {
   const rows = Math.max(inputsOf(node).length, outputsOf(node).length);
   return { id: node.node, width: WIDTH, height: HEAD_HEIGHT + PIN_HEIGHT * rows + FOOT_HEIGHT };
+}
+
+/** Where the pin of a row stands, from the top of the rows. */
+export function pinTop(row: number): number {
+  return PIN_HEIGHT * row + PIN_INSET;
 }
 
 /** Where nodes stand that nobody has placed: this page's alone. */

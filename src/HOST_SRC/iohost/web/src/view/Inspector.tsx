@@ -13,6 +13,7 @@ import { ObjectCard } from "./ObjectCard.tsx";
 import { EventOutput, ValueOutput } from "./Outputs.tsx";
 import { ParamEditor } from "./ParamEditor.tsx";
 import { PartIndex } from "./PartIndex.tsx";
+import { useSeen } from "./useSeen.ts";
 
 /** The device or object that was opened, or the nodes. */
 export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
@@ -112,11 +113,22 @@ const NodeIndexEntry = memo(function NodeIndexEntry({ host, node }: { host: Host
   );
 });
 
+/** Of a node that nobody has scrolled to yet it has the name alone. */
 const NodeCard = memo(function NodeCard({ host, node }: { host: Host; node: NodeView }) {
+  const card = useRef<HTMLElement>(null);
+  const isSeen = useSeen(card);
+  return (
+    <article class="panel card" id={`node-${node.node}`} data-node={node.node} ref={card}>
+      {isSeen ? <CardContent host={host} node={node} /> : <h3>{node.graph}</h3>}
+    </article>
+  );
+});
+
+function CardContent({ host, node }: { host: Host; node: NodeView }) {
   const { inputs, outputs } = node.details;
   const place = node.clip === null ? t("no clip") : node.clip;
   return (
-    <article class="panel card" id={`node-${node.node}`} data-node={node.node}>
+    <>
       <header class="card-head">
         <NodeIcon type={node.type} />
         <div class="card-names">
@@ -140,9 +152,9 @@ const NodeCard = memo(function NodeCard({ host, node }: { host: Host; node: Node
         <OutputGroup key={group.id} host={host} node={node.node} group={group} />
       ))}
       <JsonVerdictLine host={host} node={node.node} />
-    </article>
+    </>
   );
-});
+}
 
 function OutputGroup({ host, node, group }: { host: Host; node: string; group: ParamGroup }) {
   return (
