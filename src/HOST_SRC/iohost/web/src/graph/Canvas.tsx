@@ -13,7 +13,7 @@ import {
   type ReactFlowInstance,
   type XYPosition,
 } from "@xyflow/react";
-import { useEffect, useMemo, useRef, useState } from "preact/hooks";
+import { useCallback, useEffect, useMemo, useRef, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { language } from "../i18n.ts";
@@ -119,7 +119,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
 
   // Where nodes and notes were moved to, until that is asked for.
   const moved = useRef(new Map<string, XYPosition>());
-  const place = () => {
+  const place = useConstant(() => {
     const all = faces.flatMap((face) => (moved.current.has(face.id) ? { ...face, position: moved.current.get(face.id)! } : []));
     moved.current.clear();
     const movedNodes = all.flatMap(({ type, data, position }) =>
@@ -129,8 +129,8 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     if (all.length > 0) {
       void editor.place(Object.fromEntries(movedNodes), Object.fromEntries(movedNotes));
     }
-  };
-  const follow = (changes: NodeChange<CanvasNode>[]) => {
+  });
+  const follow = useConstant((changes: NodeChange<CanvasNode>[]) => {
     for (const change of changes) {
       if (change.type === "select") {
         wantChosen.current = []; // somebody chooses otherwise
@@ -141,7 +141,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       }
     }
     onFacesChange(changes);
-  };
+  });
   const keys = useCanvasKeys(editor, {
     pane,
     chosen,
@@ -150,7 +150,10 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     place,
   });
 
-  const endWire = (event: MouseEvent | TouchEvent, { isValid, fromHandle, toHandle }: FinalConnectionState) => {
+  const keepFlow = useConstant((instance: ReactFlowInstance<CanvasNode, Wire>) => void (flow.current = instance));
+  const canLink = useConstant((connection: Connection | Edge) => editor.whyNot(asLink(connection)) === null);
+  const link = useConstant((connection: Connection) => void editor.connect(asLink(connection)));
+  const endWire = useConstant((event: MouseEvent | TouchEvent, { isValid, fromHandle, toHandle }: FinalConnectionState) => {
     if (fromHandle === null) {
       return;
     }
@@ -165,7 +168,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     if (document.elementFromPoint(clientX, clientY)?.classList.contains("react-flow__pane") === true) {
       editor.palette.value = { at: flow.current!.screenToFlowPosition({ x: clientX, y: clientY }), pin: from };
     }
-  };
+  });
 
   return (
     <>
@@ -192,12 +195,12 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
           edgeTypes={WIRES}
           onNodesChange={follow}
           onEdgesChange={onWiresChange}
-          isValidConnection={(connection) => editor.whyNot(asLink(connection)) === null}
-          onConnect={(connection) => void editor.connect(asLink(connection))}
+          isValidConnection={canLink}
+          onConnect={link}
           onConnectEnd={endWire}
           onNodeDragStop={place}
           onSelectionDragStop={place}
-          onInit={(instance) => (flow.current = instance)}
+          onInit={keepFlow}
           deleteKeyCode={null}
           panActivationKeyCode={null}
           selectionKeyCode="Shift"
@@ -220,6 +223,16 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       <Outline host={host} />
     </>
   );
+}
+
+/**
+ * Stays the same function and does what the last one given does: to the library another function is another setting, of which
+ * it tells everything that it draws.
+ */
+function useConstant<Arguments extends unknown[], Result>(act: (...given: Arguments) => Result): typeof act {
+  const last = useRef(act);
+  last.current = act;
+  return useCallback((...given: Arguments) => last.current(...given), []);
 }
 
 function asLink({ source, sourceHandle, target, targetHandle }: Connection | Edge): Link {

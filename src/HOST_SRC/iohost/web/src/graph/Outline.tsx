@@ -2,12 +2,17 @@ import { memo } from "preact/compat";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import { inputsOf, outputsOf, pinText } from "../nodePins.ts";
+import type { Link } from "../protocol.ts";
 import { conversion } from "./wiring.ts";
 
 /** The graph as a list, for who can't see it: each node with what its inputs come from. */
 export const Outline = memo(function Outline({ host }: { host: Host }) {
   const nodes = host.nodes.value ?? [];
-  const links = host.links.value;
+  const byHandle = new Map(nodes.map((node) => [node.node, node]));
+  const links = new Map<string, Link[]>();
+  for (const link of host.links.value) {
+    links.set(link.to, [...(links.get(link.to) ?? []), link]);
+  }
   return (
     <section class="screen-reader" aria-label={t("Outline of the graph")} data-outline>
       <ul>
@@ -15,25 +20,23 @@ export const Outline = memo(function Outline({ host }: { host: Host }) {
           <li key={node.node}>
             {node.graph}, {node.details.name}
             <ul>
-              {links
-                .filter(({ to }) => to === node.node)
-                .flatMap((link) => {
-                  const source = nodes.find((one) => one.node === link.from);
-                  const input = inputsOf(node).find(({ id }) => id === link.input);
-                  const output = source && outputsOf(source).find(({ id }) => id === link.output);
-                  const converted = input && output ? conversion(output, input) : null;
-                  return source === undefined || input === undefined ? (
-                    []
-                  ) : (
-                    <li key={`${link.from} ${link.output} ${link.input}`}>
-                      {t("{input} from {output}", {
-                        input: input.display,
-                        output: pinText(source, outputsOf(source), link.output),
-                      })}
-                      {converted !== null && `, ${converted}`}
-                    </li>
-                  );
-                })}
+              {links.get(node.node)?.flatMap((link) => {
+                const source = byHandle.get(link.from);
+                const input = inputsOf(node).find(({ id }) => id === link.input);
+                const output = source && outputsOf(source).find(({ id }) => id === link.output);
+                const converted = input && output ? conversion(output, input) : null;
+                return source === undefined || input === undefined ? (
+                  []
+                ) : (
+                  <li key={`${link.from} ${link.output} ${link.input}`}>
+                    {t("{input} from {output}", {
+                      input: input.display,
+                      output: pinText(source, outputsOf(source), link.output),
+                    })}
+                    {converted !== null && `, ${converted}`}
+                  </li>
+                );
+              })}
             </ul>
           </li>
         ))}

@@ -87,13 +87,14 @@ export function linkedPin(is: "output" | "input", id: number): string {
   return `${is} ${id}`;
 }
 
-export function wiresOf(editor: Editor, nodes: readonly NodeView[], links: readonly Link[], kept: readonly Wire[]): Wire[] {
+export function wiresOf(editor: Editor, nodes: readonly NodeView[], links: readonly Link[], kept: Wire[]): Wire[] {
   const old = new Map(kept.map((wire) => [wire.id, wire]));
   const byHandle = new Map(nodes.map((node) => [node.node, node]));
-  return links.map((link) => {
+  const wires = links.map((link) => {
     const before = old.get(wireId(link));
     return sameOr(before, { ...wireOf(editor, byHandle.get(link.from)!, byHandle.get(link.to)!, link), selected: before?.selected === true });
   });
+  return wires.length === kept.length && wires.every((wire, index) => wire === kept[index]) ? kept : wires;
 }
 
 function wireOf({ host }: Editor, source: NodeView, target: NodeView, link: Link): Wire {
@@ -120,7 +121,7 @@ function wireOf({ host }: Editor, source: NodeView, target: NodeView, link: Link
 
 /** The one that was there, where the new one says the same; what the library has added to it counts for nothing. */
 function sameOr<Element extends object>(before: Element | undefined, now: Element): Element {
-  const isSame = (key: string) => isAlike(before?.[key as keyof Element], now[key as keyof Element], 2);
+  const isSame = (key: string) => isAlike(before?.[key as keyof Element], now[key as keyof Element], 3);
   return before !== undefined && Object.keys(now).every(isSame) ? before : now;
 }
 
