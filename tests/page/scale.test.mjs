@@ -124,8 +124,11 @@ test("nodes out of sight have their names and wires alone", { timeout: 60000 }, 
   await expectEventually("whole faces of those that nobody could read", () => faces.count(), 0);
   await expectEventually("wires", () => page.locator(".react-flow__edge").count(), 40);
   assert.equal(await pins.count(), 80);
-  await page.locator("article[data-node=n199]").evaluate((card) => card.scrollIntoView());
-  await page.locator("article[data-node=n199] header").waitFor();
+  await page.getByRole("button", { name: "Node 150", exact: true }).click();
+  await page.locator("article[data-node=n149] header").waitFor();
+  await page.locator("article[data-node=n150] header").waitFor();
+  await until("the card on top", () => page.locator("article[data-node=n150]").evaluate((card) =>
+    Math.abs(card.getBoundingClientRect().top - card.parentElement.getBoundingClientRect().top) < 20));
   await canvasOf(page, script).choosePalette("Node 187");
   await page.locator("[data-face=n187] .pin-event").first().waitFor();
   await expectEventually("faces close by", async () => (await faces.count()) < 30, true);
