@@ -75,6 +75,9 @@ async function picture(name, node, part = "body") {
 }
 
 test("all thirteen types have their card", async () => {
+  const cards = page.locator("article[data-node]");
+  await cards.last().evaluate((card) => card.scrollIntoView());
+  await cards.last().locator("img").waitFor();
   const icons = await page.locator("article[data-node] img").evaluateAll((images) => images.map(({ src }) => src));
   assert.equal(icons.length, 13);
   assert.equal(new Set(icons).size, 13);
