@@ -124,15 +124,24 @@ test("a linked input shows what comes, from where, and can't be changed by hand 
   assert.deepEqual(await canvas.links(), []);
 });
 
-test("a wire lights when an event runs through it, and shows its value while it's pointed at", async () => {
+test("a wire lights when an event runs through it, and shows its value while it's pointed at or chosen", async () => {
   await must(script, { op: "link", from: "k", output: is.KEY_DOWN[1], to: "t", input: APPEND_INPUT });
   await expectEventually("wires", () => canvas.wires().count(), 2);
   assert.equal(await page.page.locator("[data-pulse]").count(), 0);
   await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F7" } });
   await expectEventually("lit wires", () => page.page.locator("[data-pulse]").count(), 2);
+  const value = page.page.locator("[data-wire-value]", { hasText: "F7" });
+  const { x, y } = await canvas.wires().first().locator("path").first().evaluate((path) => {
+    const { x, y } = path.getPointAtLength(path.getTotalLength() / 2);
+    return new DOMPoint(x, y).matrixTransform(path.getScreenCTM());
+  });
+  await page.mouse.move(x, y);
+  await value.waitFor();
+  await page.mouse.move(x, y + 100);
+  await value.waitFor({ state: "detached" });
   await canvas.wires().first().focus();
   await page.page.keyboard.press("Enter");
-  await page.page.locator("[data-wire-value]", { hasText: "F7" }).waitFor();
+  await value.waitFor();
 });
 
 test("a node that is dragged stays where it was put, on every page, and goes back when that's undone", async () => {
@@ -372,6 +381,23 @@ test("Ctrl+S saves from a note, a node's name and the palette too, with what is 
   await page.keyboard.press("Control+k");
   await page.page.locator("[data-palette] input:focus").waitFor();
   await save();
+  await page.keyboard.press("Escape");
+  await page.page.locator("[data-palette]").waitFor({ state: "detached" });
+  await page.page.locator("[data-history]").focus();
+  await save();
+  await page.page.locator("[data-history]:focus").waitFor();
+});
+
+test("a node that a link switches off looks so, and no longer when that switches it on", async () => {
+  const point = (x) => must(script, { op: "event", device: 1, event: 3013, payload: { is: "pointer", rx: x, ry: 0, x, y: 0, pointer: 0, relative: 0 } });
+  await must(script, { op: "link", from: "m", output: 370, to: "t", input: is.ENABLE });
+  const off = page.page.locator("[data-face=t].face-off");
+  await point(0);
+  await off.waitFor();
+  await point(1);
+  await off.waitFor({ state: "detached" });
+  await point(0);
+  await off.waitFor();
 });
 
 test("Ctrl+K opens nothing behind a dialog", async () => {
@@ -465,6 +491,17 @@ test("Escape unselects a node, which keeps the focus", async () => {
   await page.page.locator(`.react-flow__node[data-id="node:k"]:focus`).waitFor();
 });
 
+test("Ctrl+K adds a node at the end of a wire that was begun by keys", async () => {
+  await canvas.choose("k");
+  await canvas.pin("k", is.KEY_TEXT[1]).focus();
+  await page.keyboard.press("Enter");
+  await page.page.locator(".pin-begun").waitFor();
+  await canvas.choosePalette("String data send");
+  await until("the link", async () => (await canvas.links()).some(({ from, output, to }) =>
+    from === "k" && output === is.KEY_TEXT[1] && to === "String data send 1"));
+  assert.equal(await page.page.locator(".pin-begun").count(), 0);
+});
+
 test("Escape gives up a wire that was begun by keys", async () => {
   await canvas.choose("k");
   await canvas.pin("k", is.KEY_DOWN[1]).focus();
@@ -508,6 +545,9 @@ test("the history lists the steps and leads back to any of them", async () => {
   await page.page.locator("[data-step][aria-current]", { hasText: "to One" }).waitFor();
   await page.page.locator("[data-step]", { hasText: "Rename Two to Three" }).click();
   await expectEventually("the name", async () => (await canvas.names())[1], "Three");
+  await page.keyboard.press("Escape");
+  await page.page.locator("[data-history]:focus").waitFor();
+  assert.equal(await page.page.locator("[data-step]").count(), 0);
 });
 
 test("a line of the log leads to its node", async () => {

@@ -446,6 +446,19 @@ test("an empty scene offers something to begin with", async () => {
   await page.locator('[data-start="controller to object"]').click();
   await canvas.nodesAre(["VR handle 1"]);
   assert.deepEqual((await must(script, { op: "objects" })).objects.map(({ clip, name }) => [clip, name]), [["Show", "Lamp"]]);
+  // What it sets up is left when its nodes are removed.
+  const remove = async () => {
+    await canvas.face("VR handle 1").waitFor();
+    await must(script, { op: "destroy", node: "VR handle 1" });
+    await canvas.face("VR handle 1").waitFor({ state: "detached" });
+  };
+  await remove();
+  await page.locator('[data-start="controller to object"]').click();
+  await canvas.nodesAre(["VR handle 1"]);
+  await remove();
+  await page.locator('[data-start="device JSON to parameter"]').click();
+  await canvas.nodesAre(["Device JSON 1", "Net send 1"]);
+  assert.equal((await canvas.links()).length, 2);
 });
 
 test("what an ended host left unsaved is offered, and taken", async () => {

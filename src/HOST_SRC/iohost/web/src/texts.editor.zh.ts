@@ -96,7 +96,7 @@ export const EDITOR_ZH = {
   "As it was at first": "最初状态",
   "LISTEN ONLY": "只监听",
   "LIVE": "直播",
-  "What nodes send to devices is only shown. Press to go live.": "节点发给设备的内容只显示。按下即开始直播。",
+  "What nodes send is only shown. Press to go live.": "节点发出的内容只显示。按下即开始直播。",
   "What nodes send goes out. Press to listen only.": "节点发送的内容会发出。按下改为只监听。",
   "Close": "关闭",
   "Saved: {file}": "已保存：{file}",

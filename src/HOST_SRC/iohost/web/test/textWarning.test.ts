@@ -2,6 +2,7 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import { textWarning } from "../src/graph/textWarning.ts";
 import type { NodeView } from "../src/host.ts";
+import type { Param } from "../src/messages.ts";
 import { NodeType } from "../src/nodeTypes.ts";
 
 function stringSend(toDevice: number, device: number, type: string = NodeType.stringSend): NodeView {
@@ -10,6 +11,7 @@ function stringSend(toDevice: number, device: number, type: string = NodeType.st
   return { type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${type}}`, details } as unknown as NodeView;
 }
 
+const asIs = (input: Param) => input;
 const devices = [
   { id: 1, parser: "framed" },
   { id: 2, parser: "direct" },
@@ -17,13 +19,18 @@ const devices = [
 ] as const;
 
 test("a device that takes no texts is told, and so is one that isn't there", () => {
-  assert.equal(textWarning(stringSend(1, 1), devices), "Device 1 takes no texts (framed).");
-  assert.equal(textWarning(stringSend(1, 9), devices), "There is no device 9.");
+  assert.equal(textWarning(stringSend(1, 1), devices, asIs), "Device 1 takes no texts (framed).");
+  assert.equal(textWarning(stringSend(1, 9), devices, asIs), "There is no device 9.");
+});
+
+test("where the device comes by a link, what the link brings counts", () => {
+  const fed = (input: Param) => (input.id === 1503 ? { ...input, int: 1 } : input);
+  assert.equal(textWarning(stringSend(1, 2), devices, fed), "Device 1 takes no texts (framed).");
 });
 
 test("nothing is told of devices that take texts, of texts for all, and of other nodes", () => {
-  assert.equal(textWarning(stringSend(1, 2), devices), null);
-  assert.equal(textWarning(stringSend(1, 3), devices), null);
-  assert.equal(textWarning(stringSend(0, 9), devices), null);
-  assert.equal(textWarning(stringSend(1, 1, NodeType.keyboard), devices), null);
+  assert.equal(textWarning(stringSend(1, 2), devices, asIs), null);
+  assert.equal(textWarning(stringSend(1, 3), devices, asIs), null);
+  assert.equal(textWarning(stringSend(0, 9), devices, asIs), null);
+  assert.equal(textWarning(stringSend(1, 1, NodeType.keyboard), devices, asIs), null);
 });

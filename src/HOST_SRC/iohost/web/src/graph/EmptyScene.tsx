@@ -8,10 +8,15 @@ const DEMO = "demo.json";
 /** What an empty scene can begin with, and how nodes are wired. */
 export function EmptyScene({ editor }: { editor: Editor }) {
   const { requests } = editor.host;
-  /** Devices that somebody has set up already stay as they are. */
-  const withoutKnownDevices = (changes: readonly Change[]) => {
-    const known = (editor.host.network.peek()?.state.devices ?? []).map(({ id }) => id);
-    return changes.filter((change) => change.op !== "device" || !known.includes(change.device));
+  /** Devices and objects that are there already stay as they are. */
+  const withoutKnownParts = (changes: readonly Change[]) => {
+    const devices = editor.host.network.peek()?.state.devices ?? [];
+    const objects = editor.host.objects.peek();
+    return changes.filter(
+      (change) =>
+        !(change.op === "device" && devices.some(({ id }) => id === change.device)) &&
+        !(change.op === "object" && objects.some(({ clip, name }) => clip === change.clip && name === change.name)),
+    );
   };
   const openDemo = () => {
     const act = async () => editor.desk.tell(await requests.load(DEMO), "");
@@ -37,7 +42,7 @@ export function EmptyScene({ editor }: { editor: Editor }) {
             type="button"
             key={name}
             data-start={name}
-            onClick={async () => editor.desk.tell(await requests.batch("Add a start", withoutKnownDevices(changes)), "")}
+            onClick={async () => editor.desk.tell(await requests.batch("Add a start", withoutKnownParts(changes)), "")}
           >
             {name}
           </button>

@@ -11,6 +11,7 @@ import {
 import { computed, useComputed } from "@preact/signals";
 import { useLayoutEffect, useMemo, useRef } from "preact/hooks";
 import { clock } from "../clock.ts";
+import { fedInput } from "../fed.ts";
 import { agoText } from "../format.ts";
 import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
@@ -48,7 +49,12 @@ export function Face({ id, data, selected, positionAbsoluteX: x, positionAbsolut
   const { host } = editor;
   const inputs = inputsOf(node);
   const outputs = outputsOf(node);
-  const isOff = inputs.some((input) => input.id === ENABLE && input.int === 0);
+  const isSwitched = linked.includes(linkedPin("input", ENABLE));
+  const enable = inputs.find((input) => input.id === ENABLE);
+  const isOff = useMemo(
+    () => computed(() => enable !== undefined && (isSwitched ? fedInput(host, node.node, enable) : enable).int === 0),
+    [enable, isSwitched],
+  ).value;
   const { width, height } = boxOf(node);
   const isLegible = useStore((canvas) => isInSight({ x, y, width, height }, canvas));
   const isWhole = isLegible || folded || selected;
@@ -179,7 +185,8 @@ function WiredPins({ params, is, linked, ...props }: PinsProps & { params: reado
 
 /** The network tells of itself several times a second; a warning seldom changes. */
 function Warning({ host, node }: { host: Host; node: NodeView }) {
-  const warning = useMemo(() => computed(() => textWarning(node, host.network.value?.state.devices ?? null)), [node]).value;
+  const fed = (input: Param) => fedInput(host, node.node, input);
+  const warning = useMemo(() => computed(() => textWarning(node, host.network.value?.state.devices ?? null, fed)), [node]).value;
   return warning === null ? null : <p class="face-warning">{warning}</p>;
 }
 

@@ -1,14 +1,26 @@
 import type { NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
+import type { Param } from "../messages.ts";
 import { inputOf, NodeType, StringSendPin, typeByte } from "../nodeTypes.ts";
 import type { DeviceState } from "../protocol.ts";
 
-/** Why a string data send node's texts reach no one; null where they do. */
-export function textWarning(node: NodeView, devices: readonly Pick<DeviceState, "id" | "parser">[] | null): string | null {
-  if (typeByte(node.type) !== NodeType.stringSend || inputOf(node, StringSendPin.toDevice)?.int === 0) {
+/** Why a string data send node's texts reach no one; null where they do. `fed` gives an input as it is right now. */
+export function textWarning(
+  node: NodeView,
+  devices: readonly Pick<DeviceState, "id" | "parser">[] | null,
+  fed: (input: Param) => Param,
+): string | null {
+  if (typeByte(node.type) !== NodeType.stringSend) {
     return null;
   }
-  const id = inputOf(node, StringSendPin.deviceId)?.int ?? 0;
+  const valueOf = (id: number) => {
+    const input = inputOf(node, id);
+    return input && fed(input).int;
+  };
+  if (valueOf(StringSendPin.toDevice) === 0) {
+    return null;
+  }
+  const id = valueOf(StringSendPin.deviceId) ?? 0;
   const device = devices?.find((one) => one.id === id);
   if (device === undefined) {
     return t("There is no device {id}.", { id });

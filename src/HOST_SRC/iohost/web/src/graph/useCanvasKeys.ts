@@ -17,7 +17,8 @@ export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
   useLayoutEffect(() => {
     const open = (event: KeyboardEvent) => {
       if (takesShortcut(event, "k")) {
-        editor.palette.value = { at: null, pin: null };
+        editor.palette.value = { at: null, pin: editor.begun.peek() };
+        editor.giveUp();
       }
     };
     window.addEventListener("keydown", open);

@@ -11,6 +11,7 @@ export function HistoryList({ host, desk }: { host: Host; desk: Desk }) {
   const [isOpen, setOpen] = useState(false);
   const [list, setList] = useState<History | null>(null);
   const box = useRef<HTMLDivElement>(null);
+  const opener = useRef<HTMLButtonElement>(null);
   const state = host.scene.value;
   useEffect(() => {
     if (isOpen) {
@@ -18,11 +19,15 @@ export function HistoryList({ host, desk }: { host: Host; desk: Desk }) {
     }
   }, [isOpen, state]);
   useEffect(() => {
-    const close = (event: PointerEvent) => box.current?.contains(event.target as Element) === false && setOpen(false);
-    window.addEventListener("pointerdown", close);
-    return () => window.removeEventListener("pointerdown", close);
+    const leave = (event: PointerEvent) => box.current?.contains(event.target as Element) === false && setOpen(false);
+    window.addEventListener("pointerdown", leave);
+    return () => window.removeEventListener("pointerdown", leave);
   }, []);
 
+  const close = () => {
+    opener.current!.focus();
+    setOpen(false);
+  };
   const goTo = async (op: "undo" | "redo", to: number) => {
     const taken = await host.requests.move(op, to);
     const problem = typeof taken === "string" ? taken : null;
@@ -43,8 +48,8 @@ export function HistoryList({ host, desk }: { host: Host; desk: Desk }) {
     </li>
   );
   return (
-    <div class="history" ref={box} onKeyDown={(event) => event.key === "Escape" && setOpen(false)}>
-      <button type="button" aria-expanded={isOpen} onClick={() => setOpen(!isOpen)} data-history>
+    <div class="history" ref={box} onKeyDown={(event) => event.key === "Escape" && close()}>
+      <button type="button" aria-expanded={isOpen} onClick={() => setOpen(!isOpen)} ref={opener} data-history>
         {t("History")}
       </button>
       {isOpen && list !== null && (

@@ -12,8 +12,7 @@ export function LiveBadge({ host }: { host: Host }) {
     <button
       type="button"
       class={isListening ? "live-badge listening" : "live-badge"}
-      aria-pressed={!isListening}
-      title={isListening ? t("What nodes send to devices is only shown. Press to go live.") : t("What nodes send goes out. Press to listen only.")}
+      title={isListening ? t("What nodes send is only shown. Press to go live.") : t("What nodes send goes out. Press to listen only.")}
       data-live={!isListening}
       onClick={() => host.setListenOnly(!isListening)}
     >

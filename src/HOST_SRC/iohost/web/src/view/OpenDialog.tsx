@@ -69,8 +69,9 @@ export function OpenDialog({ host, desk, onClose }: FileDialogProps) {
                 type="file"
                 accept=".json"
                 data-upload
-                onChange={({ currentTarget: { files: chosen } }) => {
-                  const file = chosen?.[0];
+                onChange={({ currentTarget }) => {
+                  const file = currentTarget.files?.[0];
+                  currentTarget.value = ""; // so that the same one can be chosen again
                   if (file !== undefined) {
                     ask(file.name, () => host.requests.upload(file));
                   }

@@ -1,14 +1,13 @@
 import type { ComponentChildren } from "preact";
 import { useState } from "preact/hooks";
+import { fedInput } from "../fed.ts";
 import { shortestFloat } from "../format.ts";
-import { broughtValue } from "../graph/wiring.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import { CombinationCapture } from "../input/capture.ts";
 import { keyValueText, virtualKeyName } from "../input/virtualKeys.ts";
 import { boundsOf, kindOf, parseNumber, shownValue, type EditValue, type ParamKind } from "../params.ts";
 import type { Param } from "../messages.ts";
-import { outputsOf } from "../nodePins.ts";
 import { characters } from "../texts.ts";
 import "./cell.css";
 import { DeviceChoice, namesDevice } from "./DeviceChoice.tsx";
@@ -25,7 +24,7 @@ interface EditorProps {
 
 /** An input of a node with the control that fits its type. */
 export function ParamEditor({ host, node, param: present }: EditorProps) {
-  const param = useFed(host, node, present);
+  const param = fedInput(host, node, present);
   const [error, setError] = useState<string | null>(null);
   const kind = kindOf(param);
   const edit = async (value: EditValue) => setError(await host.requests.change({ op: "edit", node, param: param.id, ...value }));
@@ -90,20 +89,6 @@ function ParamValue({ param }: { param: Param }) {
       {text.text === "" ? <span class="none">{t("empty")}</span> : <LongText {...text} />}
     </span>
   );
-}
-
-/** A value input that is linked can't be changed by hand: it shows what its source brings. */
-function useFed(host: Host, node: string, param: Param): Param {
-  const link = kindOf(param) === "event" ? undefined : host.links.value.find(({ to, input }) => to === node && input === param.id);
-  if (link === undefined) {
-    return param;
-  }
-  const source = host.nodes.value?.find((one) => one.node === link.from);
-  const output = source && outputsOf(source).find(({ id }) => id === link.output);
-  const brought = host.values.of(link.from, link.output).value;
-  const { int, float, string, length } = output === undefined ? brought : broughtValue(output, param, brought);
-  const { length: _, ...rest } = param;
-  return { ...rest, int, float, string, ...(length !== undefined && { length }), available: 0 };
 }
 
 /**

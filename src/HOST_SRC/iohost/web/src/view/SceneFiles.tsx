@@ -19,7 +19,10 @@ export function SceneFiles({ host, desk }: { host: Host; desk: Desk }) {
   useEffect(() => {
     const follow = (event: KeyboardEvent) => {
       if (takesShortcut(event, "s")) {
-        (document.activeElement as HTMLElement | null)?.blur(); // what is being typed is part of the scene
+        // What is being typed is part of the scene: leaving the field sets it.
+        const focused = document.activeElement as HTMLElement | null;
+        focused?.blur();
+        focused?.focus();
         void save();
       }
     };
