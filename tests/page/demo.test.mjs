@@ -1,7 +1,5 @@
 // The demo scene as a user meets it: every one of its thirteen nodes is seen at work. It runs in a network of its own,
 // since the scene broadcasts.
-//
-// With PICTURES=FOLDER the pictures of docs/operators.md are taken on the way.
 import assert from "node:assert/strict";
 import { spawn } from "node:child_process";
 import { once } from "node:events";
@@ -9,6 +7,7 @@ import path from "node:path";
 import { after, before, test } from "node:test";
 import { fileURLToPath } from "node:url";
 import { startBrowser } from "./support/browser.mjs";
+import { takePicture } from "./support/pictures.mjs";
 import { expectEventually, until } from "./support/session.mjs";
 
 const ROOT = fileURLToPath(new URL("../..", import.meta.url));
@@ -64,14 +63,10 @@ async function drag(fromX, toX) {
   await page.mouse.up();
 }
 
-/** A picture of the page, or of a part of it, with this card in view. */
-async function picture(name, node, part = "body") {
-  if (process.env.PICTURES === undefined) {
-    return;
-  }
+/** A picture with this card in view. */
+async function picture(name, node, part) {
   await page.locator(`article[data-node=${node}]`).evaluate((card) => card.scrollIntoView({ block: "start" }));
-  await page.waitForTimeout(400); // for what moves on the page
-  await page.locator(part).screenshot({ path: path.join(process.env.PICTURES, `${name}.png`) });
+  await takePicture(page, name, part);
 }
 
 test("all thirteen types have their card", async () => {

@@ -10,6 +10,7 @@ import { after, afterEach, before, beforeEach, test } from "node:test";
 import { startBrowser } from "./support/browser.mjs";
 import { canvasOf, drawn } from "./support/canvas.mjs";
 import { startHost } from "./support/host.mjs";
+import { takePicture } from "./support/pictures.mjs";
 import { expectEventually, must, openSession, until } from "./support/session.mjs";
 
 let browser;
@@ -108,6 +109,7 @@ const pressSend = () => page.locator('article button[data-param="1507"]').click(
 
 test("from nothing to a text on a device, ten steps back and again, and the same scene after the host's end", { timeout: 120000 }, async () => {
   const device = await startDevice();
+  await takePicture(page, "empty");
   for (const type of ["Keyboard", "Text field input", "String data send"]) {
     await canvas.choosePalette(type);
     await page.getByRole("heading", { name: `${type} 1` }).waitFor();
@@ -123,6 +125,7 @@ test("from nothing to a text on a device, ten steps back and again, and the same
   await page.locator("#panel-network").getByRole("button", { name: "Add device" }).click();
   await page.locator("[data-part=name]").fill("Title");
   await page.locator("[data-part=address]").fill(device.address);
+  await takePicture(page, "device");
   await page.locator("[data-device-form] button[type=submit]").click();
   await page.locator("[data-peer=device-1] .lamp-open").waitFor();
   await canvas.choose("String data send 1");
