@@ -77,6 +77,15 @@ test("after an edit the page reads the node that changed, and no other", async (
   assert.deepEqual(new Set(read().map(({ node }) => node)), new Set(["k"]));
 });
 
+test("of nodes that are moved or renamed the page reads the list alone", async () => {
+  const before = page.sent.length;
+  await script.request({ op: "place", nodes: { k: { x: 700, y: 0 }, m: { x: 700, y: 300 } } });
+  await script.request({ op: "rename", node: "k", graph: "Renamed" });
+  await page.page.locator("article[data-node=k]", { hasText: "Renamed" }).waitFor();
+  const read = page.sent.slice(before).map(({ op }) => op).filter((op) => op === "inspect" || op === "scene");
+  assert.deepEqual(new Set(read), new Set(["scene"]));
+});
+
 test("nodes that come and go with the scene come and go on the page", async () => {
   const type = "{8164BB40-6B6A-4707-88B7-386BCB0D1B01}";
   await script.request({ op: "create", node: "k2", type, clip: null, graph: "Keyboard 2" });

@@ -82,10 +82,10 @@ test("pages are told which nodes changed, what can be undone, and whether it's s
   await told({ op: "edit", node: "k", param: 2, int: 0 }, [["k"], undefined], ["Change Keys", null, null, true]);
   await told({ op: "edit", node: "k", param: 2, int: 0 });
   await told({ op: "trigger", node: "k", param: 2 }).catch(() => {}); // no event input, and nothing to tell
-  await told({ op: "place", nodes: { k: { x: 1, y: 2 } } }, [undefined, ["k"]], ["Move Keys", null, null, true]);
+  await told({ op: "place", nodes: { k: { x: 1, y: 2 } } }, [undefined, []], ["Move Keys", null, null, true]);
   await told({ op: "save", file: "keys.json" }, undefined, ["Move Keys", null, "keys.json", false]);
-  await told({ op: "undo" }, [undefined, ["k"]], ["Change Keys", "Move Keys", "keys.json", true]);
-  await told({ op: "redo" }, [undefined, ["k"]], ["Move Keys", null, "keys.json", false]);
+  await told({ op: "undo" }, [undefined, []], ["Change Keys", "Move Keys", "keys.json", true]);
+  await told({ op: "redo" }, [undefined, []], ["Move Keys", null, "keys.json", false]);
   await told({ op: "load", scene: EMPTY }, [undefined, undefined], ["Open a scene", null, null, false]);
   await other.close();
 });

@@ -13,6 +13,12 @@ bool IsSameObject(const SNodeState& a, const SNodeState& b) {
            a.document.bEventWindow == b.document.bEventWindow && a.document.bNotifyWindow == b.document.bNotifyWindow;
 }
 
+bool DifferInNameAndPlaceOnly(SNodeState a, const SNodeState& b) {
+    a.document.strGraph = b.document.strGraph;
+    a.document.place = b.document.place;
+    return a == b;
+}
+
 /// Ids of the parameters that differ.
 std::vector<unsigned> Differing(const std::vector<SGroupState>& from, const std::vector<SGroupState>& to) {
     std::vector<unsigned> ids;
@@ -301,16 +307,19 @@ void ChangePart(CHost& host, CPeers& peers, const SScenePart& from, const SScene
 SSceneChange ChangeBetween(const SScenePart& before, const SScenePart& after) {
     SSceneChange change{.bList = before.links != after.links || before.notes != after.notes};
     for (const auto& [strHandle, state] : before.nodes) {
-        const auto now = after.nodes.find(strHandle);
-        change.bList |= now == after.nodes.end();
-        change.nodes.insert(strHandle);
+        if (!after.nodes.contains(strHandle)) {
+            change.bList = true;
+            change.nodes.insert(strHandle);
+        }
     }
     for (const auto& [strHandle, state] : after.nodes) {
         const auto was = before.nodes.find(strHandle);
         change.bList |= was == before.nodes.end() || was->second.nOrder != state.nOrder ||
                         !IsSameObject(was->second, state) || was->second.document.strGraph != state.document.strGraph ||
                         was->second.document.place != state.document.place;
-        change.nodes.insert(strHandle);
+        if (was == before.nodes.end() || !DifferInNameAndPlaceOnly(was->second, state)) {
+            change.nodes.insert(strHandle);
+        }
     }
     return change;
 }
