@@ -3,6 +3,7 @@ import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { test } from "node:test";
+import { canvasOf } from "./support/canvas.mjs";
 import * as is from "./support/page.mjs";
 import { page, script, useScene } from "./support/scene.mjs";
 import { createNode, must, Type } from "./support/session.mjs";
@@ -94,6 +95,33 @@ test("no rule is broken by what opens above the page", async () => {
     await page.page.locator(opened).waitFor({ state: "detached" });
   }
   assert.deepEqual(found, { "Save as": [], Open: [], History: [], palette: [] });
+});
+
+test("no rule is broken while the graph is edited", async () => {
+  await must(script, { op: "place", notes: { a: { x: 0, y: -200, width: 200, height: 100, text: "a note" } } });
+  await page.page.evaluate(AXE);
+  const canvas = canvasOf(page.page, script);
+  const { keyboard } = page;
+  const found = {};
+  // What stands on the canvas is as large as somebody zooms it.
+  const isOfSize = (violation) => violation.startsWith("target-size");
+  const look = async (name) => (found[name] = (await violationsIn(".canvas")).filter((violation) => !isOfSize(violation)));
+  await page.page.locator("[data-note]").waitFor();
+  await canvas.choose("k");
+  await look("chosen");
+  await keyboard.press("F2");
+  await page.page.locator(".face-rename:focus").waitFor();
+  await look("renamed");
+  await keyboard.press("Escape");
+  await canvas.pin("k", is.KEY_DOWN[1]).focus();
+  await keyboard.press("Enter");
+  await page.page.locator(".pin-begun").waitFor();
+  await look("wire begun");
+  await keyboard.press("Escape");
+  await must(script, { op: "load", scene: { format: "iohost scene", version: 1 } });
+  await page.page.locator("[data-empty-scene]").waitFor();
+  await look("empty");
+  assert.deepEqual(found, { chosen: [], renamed: [], "wire begun": [], empty: [] });
 });
 
 test("no rule is broken on a phone", async () => {
