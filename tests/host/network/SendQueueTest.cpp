@@ -17,8 +17,8 @@ protected:
     }
 
     std::string BeginWrite() {
-        const auto bytes = m_queue.BeginWrite(m_tNow);
-        return {bytes.begin(), bytes.end()};
+        const auto pBytes = m_queue.BeginWrite(m_tNow);
+        return {pBytes->begin(), pBytes->end()};
     }
 
     void ExpectCounts(size_t nItems, unsigned long long nSent, unsigned long long nLost) {
@@ -41,20 +41,20 @@ protected:
 
 TEST_F(SendQueue, WritesInOrderAndAtOnceLongItemsInPieces) {
     EXPECT_EQ(BeginWrite(), "");
-    m_queue.EndWrite(true);
+    m_queue.EndWrite();
     Push("one");
     Push("two");
     EXPECT_EQ(BeginWrite(), "onetwo");
     Push(m_strLong);
     Push("end");
     ExpectCounts(4, 0, 0);
-    m_queue.EndWrite(true);
+    m_queue.EndWrite();
     ExpectCounts(2, 2, 0);
     std::string strWritten;
     for (std::string strPiece = BeginWrite(); !strPiece.empty(); strPiece = BeginWrite()) {
         EXPECT_LT(strPiece.size(), m_strLong.size());
         strWritten += strPiece;
-        m_queue.EndWrite(true);
+        m_queue.EndWrite();
         EXPECT_EQ(m_queue.ByteCount(), m_strLong.size() + 3 - strWritten.size());
     }
     EXPECT_TRUE(strWritten == m_strLong + "end");
@@ -75,55 +75,56 @@ TEST_F(SendQueue, RefusesMoreThanItHolds) {
     EXPECT_FALSE(Push("y"));
     BeginWrite();
     EXPECT_FALSE(Push("y")) << "what is being written still counts";
-    m_queue.EndWrite(true);
+    m_queue.EndWrite();
     EXPECT_TRUE(Push("y"));
     EXPECT_EQ(BeginWrite(), "y");
 }
 
-TEST_F(SendQueue, ALostWriteLosesItsItemsOnly) {
+TEST_F(SendQueue, ALostConnectionLosesWhatWasBeingWrittenOnly) {
     Push("one");
     Push("two");
     BeginWrite();
     Push(m_strLong);
     Push("next");
-    m_queue.EndWrite(false);
+    m_queue.EndConnection();
     ExpectCounts(2, 0, 2);
     BeginWrite();
-    m_queue.EndWrite(true);
+    m_queue.EndWrite();
     BeginWrite();
-    m_queue.EndWrite(false); // a piece, with which the whole item is lost
+    m_queue.EndConnection(); // amid an item, which is lost whole
     ExpectCounts(1, 0, 3);
     EXPECT_EQ(BeginWrite(), "next");
-    m_queue.EndWrite(true);
+    m_queue.EndWrite();
     ExpectCounts(0, 1, 3);
 }
 
 TEST_F(SendQueue, AnItemBegunOnALostConnectionIsNotContinued) {
-    for (const bool bOutlasts : {false, true}) { // the write its connection
-        m_queue = CSendQueue();
-        Push(m_strLong);
-        Push("next");
-        Push("last");
-        BeginWrite();
-        if (bOutlasts) {
-            m_queue.EndConnection();
-            ExpectCounts(3, 0, 0);
-            m_queue.EndWrite(true);
-        } else {
-            m_queue.EndWrite(true);
-            m_queue.EndConnection();
-            m_queue.EndConnection();
-        }
-        ExpectCounts(2, 0, 1);
-        EXPECT_EQ(BeginWrite(), "nextlast");
-        m_queue.EndWrite(true);
-        ExpectCounts(0, 2, 1);
-        // Nothing of the kind is left for the next connection.
-        Push(m_strLong);
-        BeginWrite();
-        m_queue.EndWrite(true);
-        ExpectCounts(1, 2, 1);
-    }
+    Push(m_strLong);
+    Push("next");
+    Push("last");
+    BeginWrite();
+    m_queue.EndWrite();
+    m_queue.EndConnection();
+    m_queue.EndConnection();
+    ExpectCounts(2, 0, 1);
+    EXPECT_EQ(BeginWrite(), "nextlast");
+    m_queue.EndWrite();
+    ExpectCounts(0, 2, 1);
+    // Nothing of the kind is left for the next connection.
+    Push(m_strLong);
+    BeginWrite();
+    m_queue.EndWrite();
+    ExpectCounts(1, 2, 1);
+}
+
+TEST_F(SendQueue, WhatALostConnectionWasWritingStaysForTheSystemAndKeepsTheNextOneFromNothing) {
+    Push("lost");
+    const auto pLost = m_queue.BeginWrite(m_tNow);
+    m_queue.EndConnection();
+    EXPECT_FALSE(m_queue.IsWriting());
+    Push("next");
+    EXPECT_EQ(BeginWrite(), "next");
+    EXPECT_EQ(std::string(pLost->begin(), pLost->end()), "lost");
 }
 
 TEST_F(SendQueue, WhatWaitsTooLongIsDropped) {
@@ -158,13 +159,13 @@ TEST_F(SendQueue, AnItemThatWasBegunIsNeverLate) {
     EXPECT_EQ(DroppedAfter(100ms), 2u);
     ExpectCounts(1, 0, 0);
     Push("fourth");
-    m_queue.EndWrite(true);
+    m_queue.EndWrite();
     EXPECT_EQ(m_queue.NextDrop(), m_tNow + 100ms) << "of the fourth";
     EXPECT_EQ(DroppedAfter(100ms), 1u);
     while (!BeginWrite().empty()) {
-        m_queue.EndWrite(true);
+        m_queue.EndWrite();
     }
-    m_queue.EndWrite(true);
+    m_queue.EndWrite();
     ExpectCounts(0, 1, 0);
     EXPECT_EQ(m_queue.ByteCount(), 0u);
     // Of several short ones only that which is being written is begun.
@@ -172,7 +173,7 @@ TEST_F(SendQueue, AnItemThatWasBegunIsNeverLate) {
     Push("two");
     EXPECT_EQ(BeginWrite(), "one");
     EXPECT_EQ(DroppedAfter(100ms), 1u);
-    m_queue.EndWrite(true);
+    m_queue.EndWrite();
     ExpectCounts(0, 2, 0);
 }
 

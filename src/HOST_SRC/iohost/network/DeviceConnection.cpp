@@ -75,29 +75,30 @@ void CDeviceConnection::Disconnect(std::string strReason) {
 }
 
 void CDeviceConnection::Write() {
-    if (m_bWriting || !m_bConnected || !m_socket.is_open() || m_loop.IsListenOnly()) {
+    if (m_queue.IsWriting() || !m_bConnected || !m_socket.is_open() || m_loop.IsListenOnly()) {
         return;
     }
-    const auto bytes = m_queue.BeginWrite(std::chrono::steady_clock::now());
-    if (bytes.empty()) {
+    const auto pBytes = m_queue.BeginWrite(std::chrono::steady_clock::now());
+    if (pBytes->empty()) {
         return;
     }
-    m_bWriting = true;
-    asio::async_write(m_socket, asio::buffer(bytes.data(), bytes.size()),
-                      [pSelf = shared_from_this(), nConnection = m_nConnection](const error_code& error, size_t) {
-                          pSelf->OnWritten(nConnection, error);
-                      });
+    asio::async_write(
+        m_socket, asio::buffer(*pBytes),
+        [pSelf = shared_from_this(), nConnection = m_nConnection, pBytes](const error_code& error, size_t) {
+            if (nConnection == pSelf->m_nConnection) { // else that connection is over, and so is what was written to it
+                pSelf->OnWritten(error);
+            }
+        });
 }
 
-/// The connection that was written to may be over by now, and the next one be there.
-void CDeviceConnection::OnWritten(unsigned long long nConnection, const error_code& error) {
-    m_bWriting = false;
-    m_queue.EndWrite(!error);
-    m_loop.OnStateChanged();
-    if (error && nConnection == m_nConnection && m_socket.is_open()) {
+void CDeviceConnection::OnWritten(const error_code& error) {
+    if (!error) {
+        m_queue.EndWrite();
+        m_loop.OnStateChanged();
+        Write();
+    } else if (m_socket.is_open()) {
         Disconnect(error.message());
     }
-    Write();
 }
 
 /// Look from time to time whether the device still answers, until the connection ends.

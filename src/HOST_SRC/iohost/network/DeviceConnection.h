@@ -31,7 +31,7 @@ public:
     void Write();
 
 private:
-    void OnWritten(unsigned long long nConnection, const boost::system::error_code& error);
+    void OnWritten(const boost::system::error_code& error);
     void WatchAnswers();
     void Disconnect(std::string strReason);
 
@@ -40,7 +40,6 @@ private:
     TcpSocket m_socket;
     SteadyTimer m_timer; ///< ends an attempt to connect; later, WatchAnswers
     bool m_bConnected = false;
-    bool m_bWriting = false;
     unsigned long long m_nConnection = 0; ///< number of the present connection, or of the next one
     std::string m_strDisconnectReason;    ///< why this side closed it
 };

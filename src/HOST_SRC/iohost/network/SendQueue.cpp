@@ -19,39 +19,45 @@ bool CSendQueue::Push(std::span<const unsigned char> item, Sender sender, Time t
 }
 
 /// What is given to be written can't be dropped any longer: items that may become late are given one at a time.
-std::span<const unsigned char> CSendQueue::BeginWrite(Time tNow) {
+std::shared_ptr<const CSendQueue::Bytes> CSendQueue::BeginWrite(Time tNow) {
     DropLate(tNow);
+    Bytes& writing = *m_pWriting;
     std::size_t nSkipped = m_nBegun;
     for (const SItem& item : m_items) {
         const auto bytes = std::span(item.bytes).subspan(std::exchange(nSkipped, 0));
-        const auto taken = bytes.first(std::min(bytes.size(), MOST_WRITTEN - m_writing.size()));
-        m_writing.insert(m_writing.end(), taken.begin(), taken.end());
-        if (m_writing.size() == MOST_WRITTEN || m_dropAfter) {
+        const auto taken = bytes.first(std::min(bytes.size(), MOST_WRITTEN - writing.size()));
+        writing.insert(writing.end(), taken.begin(), taken.end());
+        if (writing.size() == MOST_WRITTEN || m_dropAfter) {
             break;
         }
     }
-    return m_writing;
+    return m_pWriting;
 }
 
-void CSendQueue::EndWrite(bool bWritten) {
-    m_nBytes -= m_writing.size();
-    m_nBegun += m_writing.size();
-    m_writing.clear();
-    while (ItemCount() > 0 && m_nBegun >= m_items.front().bytes.size()) {
-        m_nBegun -= m_items.front().bytes.size();
-        m_items.pop_front();
-        ++(bWritten ? m_nSent : m_nLost);
-    }
-    const bool bConnectionOver = std::exchange(m_bConnectionOver, false);
-    if (!bWritten || bConnectionOver) {
-        DropBegunItem();
-    }
+void CSendQueue::EndWrite() {
+    TakeOffWritten(m_nSent);
+    m_pWriting->clear();
 }
 
 void CSendQueue::EndConnection() {
-    m_bConnectionOver = !m_writing.empty();
-    if (!m_bConnectionOver) {
-        DropBegunItem();
+    TakeOffWritten(m_nLost);
+    m_pWriting = std::make_shared<Bytes>();
+    if (m_nBegun > 0) {
+        m_nBytes -= m_items.front().bytes.size() - m_nBegun;
+        m_items.pop_front();
+        m_nBegun = 0;
+        ++m_nLost;
+    }
+}
+
+/// Take off what was being written, and count the items that end with it.
+void CSendQueue::TakeOffWritten(unsigned long long& nCounted) {
+    m_nBytes -= m_pWriting->size();
+    m_nBegun += m_pWriting->size();
+    while (ItemCount() > 0 && m_nBegun >= m_items.front().bytes.size()) {
+        m_nBegun -= m_items.front().bytes.size();
+        m_items.pop_front();
+        ++nCounted;
     }
 }
 
@@ -73,17 +79,8 @@ std::optional<CSendQueue::Time> CSendQueue::NextDrop() const {
 /// How many items something was or is being written of.
 std::size_t CSendQueue::BegunItems() const {
     std::size_t nItems = 0;
-    for (std::size_t nBytes = m_nBegun + m_writing.size(); nBytes > 0; ++nItems) {
+    for (std::size_t nBytes = m_nBegun + m_pWriting->size(); nBytes > 0; ++nItems) {
         nBytes -= std::min(nBytes, m_items[nItems].bytes.size());
     }
     return nItems;
-}
-
-void CSendQueue::DropBegunItem() {
-    if (m_nBegun > 0) {
-        m_nBytes -= m_items.front().bytes.size() - m_nBegun;
-        m_items.pop_front();
-        m_nBegun = 0;
-        ++m_nLost;
-    }
 }

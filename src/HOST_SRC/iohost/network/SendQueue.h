@@ -5,6 +5,7 @@
 #include <chrono>
 #include <cstddef>
 #include <deque>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -15,6 +16,7 @@ class CSendQueue {
 public:
     using Time = std::chrono::steady_clock::time_point;
     using Sender = std::optional<std::string>; ///< none: no node
+    using Bytes = std::vector<unsigned char>;
 
     static constexpr std::size_t MOST_ITEMS = 1024;
     static constexpr std::size_t MOST_BYTES = std::size_t{4} << 20;
@@ -22,15 +24,18 @@ public:
     /// Append an item, which has a byte at least; false, and no change, when that is too much.
     bool Push(std::span<const unsigned char> item, Sender sender, Time tNow);
 
-    /// The next bytes to write, none when nothing waits; valid until EndWrite, which must follow.
-    std::span<const unsigned char> BeginWrite(Time tNow);
+    /// The next bytes to write, none when nothing waits. They stay as they are until EndWrite, which must follow, and
+    /// after EndConnection for as long as somebody has them: the system may be slow to give a write up.
+    std::shared_ptr<const Bytes> BeginWrite(Time tNow);
 
-    /// The bytes were written, or the connection was lost over them: then the items that they belong to are lost, since
-    /// nobody knows how much of them arrived.
-    void EndWrite(bool bWritten);
+    /// The bytes were written.
+    void EndWrite();
 
-    /// The connection is over: the rest of an item that was begun is lost, at once or, while something is being
-    /// written, with EndWrite. The next connection begins with a whole item.
+    /// Whether bytes are being written.
+    bool IsWriting() const { return !m_pWriting->empty(); }
+
+    /// The connection is over. Items that something was or is being written of are lost, since nobody knows how much of
+    /// them arrived: the next connection begins with a whole item.
     void EndConnection();
 
     /// How long an item may wait until it's begun; none: for ever.
@@ -54,19 +59,18 @@ public:
 
 private:
     struct SItem {
-        std::vector<unsigned char> bytes;
+        Bytes bytes;
         Sender sender;
         Time tQueued;
     };
 
     std::size_t BegunItems() const;
-    void DropBegunItem();
+    void TakeOffWritten(unsigned long long& nCounted);
 
     std::deque<SItem> m_items;
     std::size_t m_nBytes = 0; ///< of all items, without those that were written already
     std::size_t m_nBegun = 0; ///< bytes of the first item that were written already
-    std::vector<unsigned char> m_writing;
-    bool m_bConnectionOver = false; ///< while something was being written
+    std::shared_ptr<Bytes> m_pWriting = std::make_shared<Bytes>();
     std::optional<std::chrono::milliseconds> m_dropAfter;
     std::vector<Sender> m_dropped;
     unsigned long long m_nSent = 0;
