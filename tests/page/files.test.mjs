@@ -199,14 +199,19 @@ test("a device is opened in the inspector, tried by a text, changed and removed"
   await card().waitFor({ state: "detached" });
 });
 
-test("a device that isn't there is tried again from the inspector, and what others change of it shows there", async () => {
-  const { address } = await startDevice();
-  devices.splice(0).forEach((close) => close());
+/** Opens a device that isn't there, and tries to connect to it. */
+async function tryInVain(address) {
   await must(script, { op: "device", device: 4, name: "Wall", parser: "direct", address });
   await page.locator("[data-open-device='4']").click();
   await card().getByText("refused").waitFor();
   await page.getByRole("button", { name: "Try to connect" }).click();
   await expectEventually("what is said", () => canvas.message().innerText(), "Trying to connect…");
+}
+
+test("a device that isn't there is tried again from the inspector, and what others change of it shows there", async () => {
+  const { address } = await startDevice();
+  devices.splice(0).forEach((close) => close());
+  await tryInVain(address);
   await must(script, { op: "device", device: 4, name: "Floor", parser: "framed", address });
   await expectEventually("the name", () => page.locator("[data-part=name]").inputValue(), "Floor");
   assert.equal(await page.locator("[data-test-text]").count(), 0);
@@ -218,11 +223,7 @@ test("what is said of a device that is tried goes once it's closed or connected"
   const { address } = await startDevice();
   const port = Number(address.split(":")[1]);
   devices.splice(0).forEach((close) => close());
-  await must(script, { op: "device", device: 4, name: "Wall", parser: "direct", address });
-  await page.locator("[data-open-device='4']").click();
-  await card().getByText("refused").waitFor();
-  await page.getByRole("button", { name: "Try to connect" }).click();
-  await expectEventually("what is said", () => canvas.message().innerText(), "Trying to connect…");
+  await tryInVain(address);
   await page.getByText("Show all").click();
   await expectEventually("what is said", () => canvas.message().innerText(), "");
   await page.locator("[data-open-device='4']").click();

@@ -117,7 +117,7 @@ TEST_F(SendQueue, AnItemBegunOnALostConnectionIsNotContinued) {
     ExpectCounts(1, 2, 1);
 }
 
-TEST_F(SendQueue, WhatALostConnectionWasWritingStaysForTheSystemAndKeepsTheNextOneFromNothing) {
+TEST_F(SendQueue, BytesOfALostConnectionOutliveItAndDelayNoOther) {
     Push("lost");
     const auto pLost = m_queue.BeginWrite(m_tNow);
     m_queue.EndConnection();

@@ -175,7 +175,7 @@ private:
     std::vector<ISessionObserver*> m_observers;
     int m_nDepth = 0; ///< commands under way: items come within a `wait`
     EEvaluation m_nEvaluation = EEvaluation::Frame;
-    bool m_bRounding = true;          ///< but for recordings made before links did
+    bool m_bRounding = true;          ///< false for recordings made before links rounded
     unsigned long long m_nFollow = 0; ///< number of the current call of Follow
     unsigned long long m_nSceneVersion = 0;
     CHistory m_history;
