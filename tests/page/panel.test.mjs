@@ -1,9 +1,10 @@
-// The node cards, the log and the state of the connection.
+// What stands around the graph: the node cards, the log, the size of the panels, the state of the connection.
 import assert from "node:assert/strict";
 import { test } from "node:test";
+import { canvasOf } from "./support/canvas.mjs";
 import * as is from "./support/page.mjs";
 import { browser, endScene, host, page, script, startScene, useScene } from "./support/scene.mjs";
-import { expectEventually, until } from "./support/session.mjs";
+import { expectEventually, must, until } from "./support/session.mjs";
 
 useScene();
 
@@ -211,6 +212,52 @@ test("lines are marked by keys, which screen readers are told, and lead to their
   await view.page.keyboard.press("Enter");
   await view.page.locator(".react-flow__node.selected [data-face=m]").waitFor();
   await view.close();
+});
+
+test("a line of the log leads to its node", async () => {
+  await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
+  await page.page.locator("[data-line]").last().click();
+  await expectEventually("the chosen node", () => page.page.locator(".react-flow__node.selected").locator("[data-face]").getAttribute("data-face"), "k");
+  await expectEventually("cards", () => page.page.locator("article[data-node]").count(), 1);
+  await page.page.getByRole("heading", { name: "Keyboard 1" }).waitFor();
+});
+
+test("the badge says whether what is sent goes out, and switches it for all pages", async () => {
+  const other = await is.openPage(browser, host);
+  await page.page.locator("[data-live=true]").click();
+  await other.page.locator("[data-live=false]", { hasText: "LISTEN ONLY" }).waitFor();
+  await other.page.locator("[data-live=false]").click();
+  await page.page.locator("[data-live=true]", { hasText: "LIVE" }).waitFor();
+  await other.close();
+});
+
+test("the panels' height is changed by dragging their edge and by keys, and the surface keeps its size", async () => {
+  const canvas = canvasOf(page.page, script);
+  const edge = page.page.getByRole("separator");
+  const height = async () => Math.round((await page.page.locator(".dock").boundingBox()).height);
+  const surface = async () => JSON.stringify(await page.surface.boundingBox());
+  const [before, seen] = [await height(), await surface()];
+  const from = await canvas.middleOf(edge);
+  await canvas.drag(from, { x: from.x, y: from.y - 60 });
+  await expectEventually("the height", height, before + 60);
+  await edge.focus();
+  await page.keyboard.press("ArrowDown");
+  await expectEventually("the height", height, before + 36);
+  for (const tab of ["keyboard", "network", "hands"]) {
+    await page.page.locator(`[data-tab=${tab}]`).click();
+    assert.equal(await surface(), seen, tab);
+  }
+  await page.page.evaluate(() => localStorage.removeItem("iohost.dock-height"));
+});
+
+test("the render surface is enlarged and made smaller again", async () => {
+  const width = async () => (await page.surface.boundingBox()).width;
+  const before = await width();
+  const button = page.page.getByRole("button", { name: "Enlarge the render surface" });
+  await button.click();
+  await until("a larger surface", async () => (await width()) > 1.2 * before);
+  await button.click();
+  await expectEventually("the width", width, before);
 });
 
 test("a page without its host says so, and comes back by itself with the host", async () => {

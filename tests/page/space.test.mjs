@@ -1,17 +1,12 @@
-// The hands in space: where they are, the objects that follow them, and a headset's real controllers.
+// The hands in space: where they are, and the objects that follow them.
 import assert from "node:assert/strict";
-import { readFileSync } from "node:fs";
-import { createRequire } from "node:module";
 import { test } from "node:test";
 import { isDeepStrictEqual } from "node:util";
 import { drawn } from "./support/canvas.mjs";
-import { hand, openHands, openHandsAgain, openLog, useHands } from "./support/hands.mjs";
+import { hand, openHandsAgain, openLog, useHands } from "./support/hands.mjs";
 import * as is from "./support/page.mjs";
 import { page, script } from "./support/scene.mjs";
 import { must, until } from "./support/session.mjs";
-
-// A WebXR runtime without a headset, with controllers that a script moves.
-const HEADSET = readFileSync(createRequire(import.meta.url).resolve("iwer/build/iwer.min.js"), "utf8");
 
 useHands({ space: true });
 
@@ -103,39 +98,4 @@ test("objects that others move move on the page", async () => {
   const payload = { is: "vr", hand: 1, trigger: 0, pad: 0, padx: 0, pady: 0, pose, hit: [0, 0, 0], press: 0, release: 0 };
   await must(script, { op: "event", device: 3, event: 0, payload });
   await until("the moved object", async () => (await label.boundingBox()).y < before.y - 20);
-});
-
-test("a headset's real controllers move the hands and press their buttons", async () => {
-  const start = "globalThis.headset = new IWER.XRDevice(IWER.metaQuest3); headset.installRuntime({ forceInstall: true });";
-  const other = await openHands({ scripts: [`${HEADSET};${start}`] });
-  await other.page.locator("[data-enter-headset]:enabled").click();
-  await other.page.getByRole("button", { name: "Leave the headset" }).waitFor();
-  await other.page.evaluate(() => {
-    const { right } = globalThis.headset.controllers;
-    right.position.set(0.25, 1.5, -0.5);
-    right.quaternion.set(0, 0, 0, 1);
-  });
-  await until("the controller's position", async () => Math.abs((await number(is.POSITION[0])) - 0.25) < 0.1);
-  assert.ok((await number(is.HIT[2])) <= -0.5);
-  const press = (id, value) =>
-    other.page.evaluate(([button, down]) => globalThis.headset.controllers.right.updateButtonValue(button, down), [id, value]);
-  await press("trigger", 1);
-  await page.fires(is.TRIGGER_DOWN, 1);
-  await page.held("trigger of hand 1").waitFor();
-  await press("trigger", 0);
-  await page.fires(is.TRIGGER_UP, 1);
-  await other.page.evaluate(() => globalThis.headset.controllers.right.updateAxes("thumbstick", 0.9, 0));
-  await press("thumbstick", 1);
-  await page.fires(is.PAD_DOWN, 1);
-  await press("thumbstick", 0);
-  await page.fires(is.PAD_RIGHT_CLICK, 1);
-
-  // What is pressed when the headset is left is let go of.
-  await press("trigger", 1);
-  await page.fires(is.TRIGGER_DOWN, 2);
-  await other.page.getByRole("button", { name: "Leave the headset" }).dispatchEvent("click");
-  await page.fires(is.TRIGGER_UP, 2);
-  await other.page.locator("[data-enter-headset]").waitFor();
-  assert.deepEqual(other.problems, []);
-  await other.close();
 });
