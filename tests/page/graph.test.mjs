@@ -55,6 +55,19 @@ test("a page that opens later shows the same counts, and when they are reset all
   await other.close();
 });
 
+test("a page that opens later tells how long ago a node acted, and lights no lamp of what is over", async () => {
+  await must(script, { op: "clock", ms: 0 });
+  await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
+  await until("that it acted", () => script.pushes.some(({ push, idle_ms }) => push === "counters" && idle_ms?.k === 0));
+  await must(script, { op: "clock", ms: 180000 });
+  const other = await is.openPage(browser, host);
+  const activity = other.page.locator('[data-face="k"] [data-active]', { hasText: "3 min ago" });
+  await activity.waitFor();
+  assert.doesNotMatch(await activity.getAttribute("class"), /fired/);
+  assert.equal(await other.page.locator('[data-face="m"] [data-active]').count(), 0);
+  await other.close();
+});
+
 test("a wire that is drawn from an event to an event is a link", async () => {
   await pin("m", is.LEFT_DOWN[1]).dragTo(pin("t", CLEAR_INPUT));
   await expectEventually("wires", () => wires().count(), 2);

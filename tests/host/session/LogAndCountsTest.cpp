@@ -166,6 +166,26 @@ TEST_F(LogAndCounts, TheChangedCountsAreToldOnce) {
     EXPECT_EQ(changed().size(), 2u);
 }
 
+TEST_F(LogAndCounts, HowLongAgoANodeActedIsToldWhoeverLookedThen) {
+    const auto idle = [this] {
+        m_pSession->ForgetToldCounts();
+        return ToJson(m_pSession->TakeChangedCounts())["idle_ms"];
+    };
+    Must(CREATE_MOUSE);
+    Must(CREATE_KEYBOARD);
+    Must("process");
+    EXPECT_EQ(idle(), nullptr);
+    Must("clock ms=1000");
+    Must("event device=1 event=3005");
+    EXPECT_EQ(idle().dump(), R"({"m":0})");
+    Must("clock ms=6000");
+    EXPECT_EQ(idle().dump(), R"({"m":5000})");
+    Must("reset_counters");
+    EXPECT_EQ(idle().dump(), R"({"m":5000})") << "it did act";
+    Must("clock ms=0");
+    EXPECT_EQ(idle().dump(), R"({"m":0})") << "the clock was set back";
+}
+
 // ---- Broadcasts -----------------------------------------------------------------------------------------------------
 
 TEST_F(LogAndCounts, ABroadcastThatIsHeldBackIsALineOfTheLog) {

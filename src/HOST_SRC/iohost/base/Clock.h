@@ -1,6 +1,7 @@
 // The session's clock: what the module's nodes and the host's own account of held input take for the time.
 #pragma once
 
+#include <algorithm>
 #include <boost/core/noncopyable.hpp>
 #include <chrono>
 #include <cstdint>
@@ -15,6 +16,9 @@ public:
 
     /// Milliseconds, counted from no time in particular.
     std::uint64_t Now() const { return m_nStopped.value_or(Running()); }
+
+    /// Milliseconds since a time that Now told; none where the clock was set back.
+    std::uint64_t Since(std::uint64_t tThen) const { return std::max(Now(), tThen) - tThen; }
 
     /// What it would answer if it ran.
     static std::uint64_t Running() {

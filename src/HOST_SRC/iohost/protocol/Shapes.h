@@ -281,7 +281,7 @@ SHAPE(SLogLines, SField{"lines", &T::lines})
 SHAPE(SNodeCounts, SField{"fired", &T::nFired}, SField{"received", &T::nReceived}, SField{"matched", &T::nMatched},
       SField{"rejected", &T::nRejected}, SField{"sent", &T::nSent}, SField{"dropped", &T::nDropped},
       SField{"outputs", &T::outputs, FIELD_OPTIONAL})
-SHAPE(SCounters, SField{"nodes", &T::nodes})
+SHAPE(SCounters, SField{"nodes", &T::nodes}, SField{"idle_ms", &T::idle, FIELD_OPTIONAL})
 SHAPE(SDroppedItems, SField{"node", &T::sender, FIELD_NULLABLE}, SField{"device", &T::nDevice},
       SField{"items", &T::nItems})
 

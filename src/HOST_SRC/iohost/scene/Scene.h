@@ -77,11 +77,14 @@ struct SNode {
     std::optional<SPlace> place;   ///< on the canvas; none: wherever the viewer puts it
     SParamSets left;               ///< the parameters as the last step that may have changed them left them
     SNodeCounts counts;
-    bool bCountsTold = false; ///< they are as whoever shows them knows
+    bool bCountsTold = false;            ///< they are as whoever shows them knows
+    bool bActed = false;                 ///< something was counted since they were looked at
+    std::optional<std::uint64_t> tActed; ///< when that was seen last, by the session's clock
 
     void Count(unsigned long long SNodeCounts::*pCount, unsigned long long nMore = 1) {
         counts.*pCount += nMore;
         bCountsTold = false;
+        bActed = true;
     }
 
     /// An event output fired; none: which one isn't known.

@@ -101,12 +101,6 @@ bool CHeldInput::Follow(std::vector<SHeld>& arHeld, const SEventCommand& event) 
     return bChanged;
 }
 
-/// Milliseconds; none where a command has set the clock back.
-long long CHeldInput::AgeOf(const SHeld& held) const {
-    const std::uint64_t tNow = m_clock.Now();
-    return tNow > held.tDown ? static_cast<long long>(tNow - held.tDown) : 0;
-}
-
 void CHeldInput::NoteEvent(const SEventCommand& event) {
     m_nVersion += Follow(m_arHeld, event) ? 1 : 0;
 }
@@ -179,7 +173,7 @@ std::vector<SRelease> CHeldInput::TakeReleases(const SHeldFilter& filter) {
                     auto& sample = std::get<SVRPluginData>(arTaken[n].payload);
                     sample.*kind.pPart = 0;
                     if (kind.pPart == &SVRPluginData::m_bTriggerPressed) {
-                        sample.m_nReleaseTime = sample.m_nPressTime + static_cast<unsigned>(AgeOf(held));
+                        sample.m_nReleaseTime = sample.m_nPressTime + static_cast<unsigned>(m_clock.Since(held.tDown));
                     }
                 }
             }
@@ -193,7 +187,7 @@ std::vector<SRelease> CHeldInput::TakeReleases(const SHeldFilter& filter) {
 void CHeldInput::AppendState(std::vector<SHeldEntry>& entries) const {
     for (const SHeld& held : m_arHeld) {
         const HeldKind& kind = HELD_KINDS[held.nKind];
-        entries.push_back({m_nConnection, kind.nDevice, kind.pszWhat, held.identity, AgeOf(held)});
+        entries.push_back({m_nConnection, kind.nDevice, kind.pszWhat, held.identity, m_clock.Since(held.tDown)});
     }
 }
 

@@ -25,7 +25,7 @@ struct SHeldEntry {
     int nDevice;
     std::string strWhat; ///< "left button of pointer"
     HeldIdentity identity;
-    long long nAgeMs;
+    std::uint64_t nAgeMs;
 };
 
 /// What one connection holds.
@@ -64,8 +64,6 @@ private:
         Payload payload;                   ///< the key as it went down, or the last sample of the pointer or hand
         std::uint64_t tDown;
     };
-
-    long long AgeOf(const SHeld& held) const;
 
     /// Follow an event in a list of what is held; true when something went down or up.
     bool Follow(std::vector<SHeld>& arHeld, const SEventCommand& event) const;

@@ -23,8 +23,14 @@ void CSession::On(const SResetCountersCommand& command) {
 SCounters CSession::TakeChangedCounts() {
     SCounters changed;
     for (auto& [nOrder, node] : Scene().Nodes()) {
+        if (std::exchange(node.bActed, false)) {
+            node.tActed = m_clock.Now();
+        }
         if (!std::exchange(node.bCountsTold, true)) {
             changed.nodes.emplace_back(node.strHandle, node.counts);
+            if (node.tActed) {
+                changed.idle.emplace_back(node.strHandle, m_clock.Since(*node.tActed));
+            }
         }
     }
     return changed;

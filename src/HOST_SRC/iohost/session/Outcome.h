@@ -147,7 +147,8 @@ struct SLogLines {
 };
 
 struct SCounters {
-    std::vector<std::pair<std::string, SNodeCounts>> nodes; ///< by their handles
+    std::vector<std::pair<std::string, SNodeCounts>> nodes;  ///< by their handles
+    std::vector<std::pair<std::string, std::uint64_t>> idle; ///< milliseconds since those of them that ever acted did
 };
 
 using Result =

@@ -187,6 +187,7 @@ std::string ProtocolTypes() {
     types.Declare<SControlState>("ControlState");
     types.Declare<SNetworkState>("NetworkState");
     types.Declare<SNodeCounts>("NodeCounts");
+    types.Declare<SCounters>("Counters");
     types.Declare<SDroppedItems>("DroppedItems");
     return types.Text();
 }

@@ -355,7 +355,9 @@ private:
         }
         m_tToldCounts = tNow;
         if (const SCounters changed = m_session.TakeChangedCounts(); !changed.nodes.empty()) {
-            SendToAll({{"push", "counters"}, {"nodes", ToJson(changed.nodes)}});
+            OrderedJson push = {{"push", "counters"}};
+            AppendFields(push, changed);
+            SendToAll(push);
         }
     }
 

@@ -12,7 +12,7 @@ import { Requests } from "./requests.ts";
 import type { JsonVerdict } from "./protocol.ts";
 import { Device, EventId } from "./codes.ts";
 import { firedByNodes, type EventReply, type Happened, type InputEvent, type NodeDetails, type NumberedLine, type Push, type Recovered, type Reply, type SceneState } from "./messages.ts";
-import type { HeldEntry, Link, NetworkState, NodeCounts, Note, OutputValue, Scene, SceneNode, SceneObject } from "./protocol.ts";
+import type { Counters, HeldEntry, Link, NetworkState, NodeCounts, Note, OutputValue, Scene, SceneNode, SceneObject } from "./protocol.ts";
 
 export type ConnectionState =
   | { is: "connecting" }
@@ -21,10 +21,8 @@ export type ConnectionState =
 
 export type NodeView = SceneNode & { details: NodeDetails };
 
-/** Grows with whatever the node does. */
-function total({ fired, received, matched, rejected, sent, dropped }: NodeCounts): number {
-  return fired + received + matched + rejected + sent + dropped;
-}
+/** Longer than the host takes to count what the page has already seen. */
+const COUNTED_WITHIN_MS = 500;
 
 /** What the page knows of its host, and what it asks of it. */
 export class Host implements ConnectionListener {
@@ -185,11 +183,7 @@ export class Host implements ConnectionListener {
         this.recovered.value = push.recovered ?? null;
         break;
       case "counters":
-        this.#pace.show(() => {
-          for (const [node, counters] of Object.entries(push.nodes)) {
-            this.#showCounters(node, counters);
-          }
-        });
+        this.#showCounters(push, Date.now());
         break;
       case "dropped":
         // The node's counter and the device's tell of it.
@@ -249,17 +243,21 @@ export class Host implements ConnectionListener {
     shown.value = value;
   }
 
-  /** All counters come with each connection: only one that is another than before tells that the node did something. */
-  #showCounters(node: string, counters: NodeCounts): void {
-    const shown = this.counters.of(node);
-    const before = shown.peek();
-    if (before !== null && total(counters) > total(before)) {
-      this.active.of(node).value = Date.now();
-    }
-    shown.value = counters;
-    if (counters.fired === 0) {
-      this.fired.reset(node);
-    }
+  #showCounters({ nodes, idle_ms = {} }: Counters, now: number): void {
+    this.#pace.show(() => {
+      for (const [node, counters] of Object.entries(nodes)) {
+        this.counters.of(node).value = counters;
+        if (counters.fired === 0) {
+          this.fired.reset(node);
+        }
+      }
+      for (const [node, idle] of Object.entries(idle_ms)) {
+        const active = this.active.of(node);
+        if (now - idle > (active.peek() ?? 0) + COUNTED_WITHIN_MS) {
+          active.value = now - idle;
+        }
+      }
+    });
   }
 
   #heldChanged(entries: HeldEntry[], released: number[]): void {

@@ -1,5 +1,6 @@
 // The messages of the WebSocket /session/gathered as the page uses them, made of the protocol's types.
 import type {
+  Counters,
   DroppedItems,
   GroupState,
   HeldEntry,
@@ -9,7 +10,6 @@ import type {
   LogEntry as WholeLogEntry,
   LogLine,
   NetworkState,
-  NodeCounts,
   NodeResults,
   OutputValue,
   ParamState,
@@ -62,7 +62,7 @@ export type NumberedLine = LogEntry & Pick<LogLine, "n" | "ms">;
 export type Push =
   | { push: "hello"; version: string; fps: number; address: string; connection: number; scene: number }
   | ({ push: "history"; recovered?: Recovered } & SceneState)
-  | { push: "counters"; nodes: Record<string, NodeCounts> }
+  | ({ push: "counters" } & Counters)
   /** What waited too long for a device. */
   | ({ push: "dropped" } & DroppedItems)
   /** Once a second: the number of the last frame. */

@@ -305,6 +305,11 @@ export type NodeCounts = {
   outputs?: Record<string, number>;
 };
 
+export type Counters = {
+  nodes: Record<string, NodeCounts>;
+  idle_ms?: Record<string, number>;
+};
+
 export type DroppedItems = {
   node: string | null;
   device: number;

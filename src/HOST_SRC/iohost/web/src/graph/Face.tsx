@@ -231,9 +231,10 @@ function Activity({ host, node }: { host: Host; node: string }) {
   if (last === null) {
     return null;
   }
+  const age = clock.value - last;
   return (
-    <span class="face-activity fired" data-active={last}>
-      <span class="event-lamp" key={last} aria-hidden="true" /> {agoText(clock.value - last)}
+    <span class={`face-activity ${age < 1000 ? "fired" : ""}`} data-active={last}>
+      <span class="event-lamp" key={last} aria-hidden="true" /> {agoText(age)}
     </span>
   );
 }
