@@ -91,7 +91,7 @@ test("the browser's languages choose the page's, and a switch does, which the pa
   await context.close();
 });
 
-test("the module's log lines are shown in the page's language, with what was logged as the title", async () => {
+test("lines of the log are shown in the page's language, with what was logged as the title", async () => {
   await script.request({ op: "event", device: 1, event: 3004 });
   await page.fires(is.HOVER, 1);
   await until("the line", async () => (await logLine(page).innerText()) === "[Demo.Mouse 1.鼠标] fired [Hover]");
@@ -102,6 +102,10 @@ test("the module's log lines are shown in the page's language, with what was log
   }
   await page.page.getByRole("button", { name: "中文" }).click();
   await until("the line", async () => (await logLine(page).innerText()) === "[Demo.Mouse 1.鼠标]触发输出事件[停留]");
+  await page.page.locator(".log-search").fill("");
+  await must(script, { op: "device", device: 1, name: "Wall", parser: "direct", address: "127.0.0.1:9" });
+  await until("the host's line", async () => (await logLine(page).innerText()).startsWith('无法连接设备 1 "Wall" at 127.0.0.1:9：'));
+  assert.match(await logLine(page).getAttribute("title"), /^device 1 "Wall" at 127.0.0.1:9 can't be reached: /);
 });
 
 test("light or dark is as the system says, at any time", async () => {

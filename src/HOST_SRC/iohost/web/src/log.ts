@@ -1,6 +1,6 @@
 import { signal } from "@preact/signals";
-import { t } from "./i18n.ts";
-import { inEnglish } from "./logTexts.ts";
+import { language, t } from "./i18n.ts";
+import { translationOf } from "./logTexts.ts";
 import type { LogEntry, NumberedLine } from "./messages.ts";
 import { Tail } from "./tail.ts";
 import { cutText, type CutText } from "./texts.ts";
@@ -14,7 +14,7 @@ export class LogLine {
   readonly level: number;
   /** The whole text, or how it begins. */
   readonly cut: CutText;
-  #english: string | null | undefined;
+  #translation: ReturnType<typeof translationOf> | undefined;
 
   /** The number grows by one a line; the time is when it was logged, in milliseconds since 1970. */
   constructor(
@@ -30,12 +30,17 @@ export class LogLine {
     return this.cut.text;
   }
 
-  /** What a line of the module says; null for any other. Found out when it's first read: most lines never are. */
-  get english(): string | null {
-    if (this.#english === undefined) {
-      this.#english = inEnglish(this.text);
+  /** What the line says in the other language; null where it isn't known. Found out when it's first read: most lines never are. */
+  get translation() {
+    if (this.#translation === undefined) {
+      this.#translation = translationOf(this.text);
     }
-    return this.#english;
+    return this.#translation;
+  }
+
+  /** The whole line in the reader's language; null where it stands as it is. */
+  get translated(): string | null {
+    return this.translation?.language === language.value ? this.translation.text : null;
   }
 }
 
@@ -123,9 +128,9 @@ export class LogSearch {
   }
 
   #fits(line: LogLine): boolean {
-    const has = (text: string | null) => text !== null && text.toLowerCase().includes(this.#wanted);
+    const has = (text = "") => text.toLowerCase().includes(this.#wanted);
     return (
-      (this.#level === null || line.level === this.#level) && (this.#wanted === "" || has(line.text) || has(line.english))
+      (this.#level === null || line.level === this.#level) && (this.#wanted === "" || has(line.text) || has(line.translation?.text))
     );
   }
 }

@@ -2,7 +2,8 @@ import assert from "node:assert/strict";
 import { readdirSync, readFileSync } from "node:fs";
 import { join } from "node:path";
 import { test } from "node:test";
-import { inEnglish, LOG_TEXTS } from "../src/logTexts.ts";
+import { HOST_LINES, LOG_TEXTS, translationOf } from "../src/logTexts.ts";
+import { hostSources, lastArgument } from "./hostSources.ts";
 
 const MODULE = "../../../PI_SRC/QORIOProcess";
 
@@ -27,11 +28,47 @@ test("an English text has the values of its format, in their order", () => {
     assert.doesNotMatch(text, /\p{Script=Han}/u);
     const values = ["Demo", "键 1", "a.[b]", "x"];
     const line = (form: string) => values.reduce((rest, value) => rest.replace("%s", () => value), form);
-    assert.equal(inEnglish(line(format)), line(text));
+    assert.deepEqual(translationOf(line(format)), { language: "en", text: line(text) });
   }
 });
 
+/** The pieces of text that the host's lines are made of. */
+function piecesOfHost(): string[] {
+  const sources = hostSources("base", "session", "scene", "engine", "network", "fronts/page", "fronts/recording");
+  const calls = sources.flatMap((source) =>
+    [...source.matchAll(/(?:WriteHostLine|\w[lL]ine\.Write|\bline\.Write)\(/g)].map(({ 0: call, index }) =>
+      lastArgument(source, index + call.length),
+    ),
+  );
+  return calls.flatMap((call) => [...call.matchAll(/"([^"]*)"/g)].map(([, piece]) => piece!)).filter((piece) => /[a-z]/.test(piece));
+}
+
+test("every line that the host can log has a Chinese text", () => {
+  const pieces = piecesOfHost().filter((piece) => !piece.includes("times since the last line") && piece !== " (and ");
+  assert.ok(pieces.length > 25);
+  const formats = Object.keys(HOST_LINES).join("\n");
+  assert.deepEqual(pieces.filter((piece) => !formats.includes(piece)), []);
+});
+
+test("what a line of the host names stands in its Chinese text, too", () => {
+  for (const [format, text] of Object.entries(HOST_LINES)) {
+    const values = ['3 "Wall" at 127.0.0.1:9000', "7", "a: b"];
+    const line = (form: string) => values.reduce((rest, value) => rest.replace("%s", () => value), form);
+    assert.deepEqual(translationOf(line(format)), { language: "zh", text: line(text) });
+    assert.match(text, /\p{Script=Han}/u);
+  }
+});
+
+test("a line of the host that stands for several says so, and faults are told as refusals are", () => {
+  const text = (line: string) => translationOf(line)?.text;
+  assert.equal(
+    text("the unsaved scene can't be written aside: disk full (and 3 times since the last line)"),
+    "无法另存未保存的场景：disk full（自上一行以来又有 3 次）",
+  );
+  assert.equal(text("the module raised bad_alloc"), "模块抛出异常 bad_alloc");
+});
+
 test("other lines have none", () => {
-  assert.equal(inEnglish("synthetic release of the key"), null);
-  assert.equal(inEnglish("[Demo.Mouse 1.Mouse]触发输出事件[停留]…"), null);
+  assert.equal(translationOf("something else"), null);
+  assert.equal(translationOf("[Demo.Mouse 1.Mouse]触发输出事件[停留]…"), null);
 });

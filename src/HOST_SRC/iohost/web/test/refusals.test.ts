@@ -1,36 +1,17 @@
 import assert from "node:assert/strict";
-import { readdirSync, readFileSync } from "node:fs";
+import { readFileSync } from "node:fs";
 import { join } from "node:path";
 import { afterEach, test } from "node:test";
 import { language } from "../src/i18n.ts";
 import { REFUSALS, refusalText } from "../src/refusals.ts";
+import { HOST, hostSources, lastArgument } from "./hostSources.ts";
 
-const HOST = "..";
-const ROOMS = ["protocol", "session", "scene", "engine", "network", "fronts/page"];
-const SOURCES = ROOMS.flatMap((room) =>
-  readdirSync(join(HOST, room))
-    .filter((name) => /\.(cpp|h)$/.test(name))
-    .map((name) => readFileSync(join(HOST, room, name), "utf8")),
-);
+const SOURCES = hostSources("protocol", "session", "scene", "engine", "network", "fronts/page");
 
 /** What ends with a text that a request is refused with. */
 const CALLS = /\b(Refuse|RefuseKind|CRefusal|CModuleFault|ErrorReply(?=\(")|return RefuseItem|return Move|UNION(?=\((?:Command|Payload),))\(/g;
 /** Where texts stand that a call names. */
 const CONSTANTS = ["base/SafeFile.h", "fronts/page/SceneFolder.cpp"];
-
-/** The last argument of a call whose arguments begin there. */
-function lastArgument(source: string, begin: number): string {
-  let depth = 0;
-  let argument = "";
-  for (const [token] of source.slice(begin).matchAll(/"(?:[^"\\]|\\.)*"|[^]/g)) {
-    depth += "([{".includes(token) ? 1 : ")]}".includes(token) ? -1 : 0;
-    if (depth < 0) {
-      break;
-    }
-    argument = token === "," && depth === 0 ? "" : argument + token;
-  }
-  return argument.trim();
-}
 
 /** The texts that an expression joins or chooses between, its values as %s. */
 function formatsOf(expression: string): string[] {

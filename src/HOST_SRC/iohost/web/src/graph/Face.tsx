@@ -225,6 +225,9 @@ function NameField({ editor, node }: { editor: Editor; node: NodeView }) {
   );
 }
 
+/** As long as the mark that stands in place of a flash. */
+const LIT_MS = 2000;
+
 /** Flashes when the node does something, and says how long ago that was. */
 function Activity({ host, node }: { host: Host; node: string }) {
   const last = host.active.of(node).value;
@@ -233,7 +236,7 @@ function Activity({ host, node }: { host: Host; node: string }) {
   }
   const age = clock.value - last;
   return (
-    <span class={`face-activity ${age < 1000 ? "fired" : ""}`} data-active={last}>
+    <span class={`face-activity ${age < LIT_MS ? "fired" : ""}`} data-active={last}>
       <span class="event-lamp" key={last} aria-hidden="true" /> {agoText(age)}
     </span>
   );

@@ -1,7 +1,7 @@
 import { memo } from "preact/compat";
 import { useLayoutEffect, useMemo, useRef, useState } from "preact/hooks";
 import { timeOfDay } from "../format.ts";
-import { language, t, type Label } from "../i18n.ts";
+import { t, type Label } from "../i18n.ts";
 import { levelName, LogLevel, LogSearch, type LevelFilter, type LogLine } from "../log.ts";
 import { nodeOfLine } from "../logNodes.ts";
 import { Tail } from "../tail.ts";
@@ -220,7 +220,7 @@ function idOf(number: number | null): string {
 }
 
 const Line = memo(function Line({ line, isMarked }: { line: LogLine; isMarked: boolean }) {
-  const english = language.value === "en" ? line.english : null;
+  const { translated } = line;
   return (
     <div
       class={`line${line.level === LogLevel.error ? " line-error" : ""}${isMarked ? " line-marked" : ""}`}
@@ -235,9 +235,9 @@ const Line = memo(function Line({ line, isMarked }: { line: LogLine; isMarked: b
     >
       <time>{timeOfDay(line.time)}</time>
       <span class="line-level">{levelName(line.level)}</span>
-      {english !== null ? (
+      {translated !== null ? (
         <span class="line-text" title={line.text}>
-          {english}
+          {translated}
         </span>
       ) : (
         <span class="line-text">
