@@ -1,6 +1,8 @@
 // Undo, redo and batch; places, names and notes.
 #include "HostTest.h"
 
+#include <algorithm>
+#include <map>
 #include <random>
 
 namespace {
@@ -352,85 +354,138 @@ TEST_F(History, LinksKeepTheOrderInWhichTheyWereMade) {
 
 /// Any steps, undone and redone at random, leave what the steps that are done leave in a new session.
 TEST_F(History, RandomEditsUndosAndRedosEndWhereTheirEffectDoes) {
-    constexpr int SEQUENCES = 400;
-    constexpr int LENGTH = 250;
-    constexpr const char* TYPES[] = {"keyboard", "text_field", "mouse", "string_send", "object_json", "handle"};
-    constexpr int INPUTS[] = {2, 202, 203, 402, 802, 1102, 1505, 1506, 1507};
-    constexpr int OUTPUTS[] = {152, 154, 253, 352, 358, 1452};
-    std::mt19937 random(16);
-    const auto upTo = [&random](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
-    const auto node = [&] { return std::string(1, static_cast<char>('a' + upTo(5))); };
-    const auto any = [&](const auto& list) { return list[upTo(static_cast<int>(std::size(list)))]; };
-    const auto anyEdit = [&]() -> Json {
-        switch (upTo(12)) {
-        case 0:
-        case 1:
-        case 2: {
-            Json request = Request(std::string("create type=") + any(TYPES));
-            request.update({{"node", node()}, {"graph", node()}, {"clip", upTo(3) > 0 ? Json(node()) : Json()}});
-            return request;
-        }
-        case 3:
-            return {{"op", "destroy"}, {"node", node()}};
-        case 4:
-        case 5:
-            return {{"op", "link"}, {"from", node()}, {"output", any(OUTPUTS)}, {"to", node()}, {"input", any(INPUTS)}};
-        case 6:
-            return {{"op", "edit"}, {"node", node()}, {"param", any(INPUTS)}, {"int", upTo(9)}};
-        case 7:
-            return {
-                {"op", "drop"}, {"node", node()}, {"param", any(INPUTS)}, {"from", {upTo(2) > 0 ? "own" : "inputs"}}};
-        case 8:
-            return {{"op", upTo(2) > 0 ? "init" : "outputs"}, {"node", node()}};
-        case 9:
-            return {{"op", "place"}, {"nodes", {{node(), {{"x", upTo(9)}, {"y", 1}}}}}};
-        case 10:
-            return {{"op", upTo(2) > 0 ? "object" : "remove_object"}, {"clip", node()}, {"name", node()}};
-        default:
-            return {{"op", "rename"}, {"node", node()}, {"graph", node()}};
-        }
+    constexpr int SEQUENCES = 50;
+    constexpr int LENGTH = 2000;
+    constexpr int LEAST = 100; ///< times that each kind of request must have had an effect
+    constexpr int MOST_STEPS = CHistory::MOST_STEPS;
+    const std::string strEmpty = R"(load scene={"format":"iohost scene","version":1} step=false)";
+    const std::string strOther =
+        R"({"format":"iohost scene","version":1,"clips":[{"name":"a","objects":[{"name":"a"}]}],"nodes":[)"
+        R"({"node":"a","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1B01}","clip":"a","graph":"A","place":{"x":1,"y":2}},)"
+        R"({"node":"b","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1B0F}","clip":null,"graph":"B"}],)"
+        R"("links":[{"from":"a","output":154,"to":"b","input":1505}],"devices":[{"id":1,"name":"D","parser":"none"}],)"
+        R"("notes":{"a":{"x":1,"y":2,"width":3,"height":4,"text":"t"}}})";
+    const std::string strFile = Quote(m_folder.Write("other.json", strOther));
+    const std::pair<int, std::string> edits[] = {
+        // how often, and what; a word of capitals becomes any of those below
+        {12, "create NODE graph=NAME clip=NAME"},
+        {6, "create NODE graph=NAME clip=null"},
+        {4, "destroy node=NAME"},
+        {8, "link OUTPUT INPUT"},
+        {4, "unlink LINK"},
+        {4, "edit PARAM int=NUMBER"},
+        {4, "set PARAM string=NAME"},
+        {4, "set PARAM int=NUMBER own=true"},
+        {4, R"(drop PARAM from=["own"])"},
+        {4, R"(drop PARAM from=["inputs"])"},
+        {4, R"(drop PIN from=["outputs"])"},
+        {8, "init node=d"},
+        {4, "outputs node=d"},
+        {4, "rename node=NAME graph=NAME"},
+        {4, R"(place nodes={"NAME":{"x":NUMBER,"y":1}})"},
+        {4, R"(place nodes={"NAME":{"x":NUMBER,"y":1,"folded":true}})"},
+        {4, R"(place notes={"NAME":{"x":NUMBER,"y":1,"width":1,"height":1,"text":"NAME"}})"},
+        {4, R"(place notes={"NAME":null})"},
+        {4, "object clip=NAME name=NAME"},
+        {8, "change_object clip=NAME name=NAME to=NAME"},
+        {8, "change_object clip=NAME name=NAME matrix=[1,0,0,0,0,1,0,0,0,0,1,0,NUMBER,0,0,1]"},
+        {4, "remove_object clip=NAME name=NAME"},
+        {2, "device device=NUMBER name=NAME parser=PARSER"},
+        {2, "remove_device device=NUMBER"},
+        {1, R"(devices list=[{"id":NUMBER,"name":"NAME","parser":"PARSER"}])"},
+        {1, "devices list=null"},
+        {1, "load file=" + strFile},
+        {1, "load scene=" + strOther},
     };
-    constexpr char EMPTY[] = R"(load scene={"format":"iohost scene","version":1})";
-    size_t nSteps = 0;
+    std::map<std::string, std::vector<std::string>> words = {
+        {"NODE",
+         {"node=a type=keyboard", "node=b type=text_field", "node=b type=mouse", "node=c type=string_send",
+          "node=d type=gesture"}},
+        {"NAME", {"a", "b", "c", "d"}},
+        {"NUMBER", {"0", "1", "2"}},
+        {"PARAM",
+         {"node=a param=2", "node=b param=2", "node=b param=202", "node=c param=1502", "node=c param=1505",
+          "node=d param=7"}},
+        {"OUTPUT", {"from=a output=152", "from=a output=154", "from=b output=253", "from=b output=358"}},
+        {"INPUT", {"to=a input=2", "to=b input=202", "to=b input=203", "to=c input=1505", "to=c input=1507"}},
+        {"PIN", {"node=a param=154", "node=b param=358", "node=d param=758"}},
+        {"PARSER", {"framed", "direct", "json", "none"}},
+        {"LINK", std::vector<std::string>(3, "from=a output=154 to=c input=1505")}, // some that were made
+    };
+    std::map<std::string, int> effects = {{"batch", 0}, {"undo", 0}, {"redo", 0}, {"undo to", 0}, {"redo to", 0}};
+    std::vector<std::string> kinds;
+    for (const auto& [nWeight, strEdit] : edits) {
+        effects[strEdit] = 0;
+        kinds.insert(kinds.end(), nWeight, strEdit);
+    }
+    std::mt19937 random(16);
+    const auto upTo = [&random](size_t n) { return static_cast<int>(random() % n); };
+    const auto any = [&](const std::vector<std::string>& list) { return list[upTo(list.size())]; };
+    const auto filled = [&](std::string strEdit) {
+        for (const auto& [strWord, choices] : words) {
+            for (size_t n; (n = strEdit.find(strWord)) != std::string::npos;) {
+                strEdit.replace(n, strWord.size(), any(choices));
+            }
+        }
+        return strEdit;
+    };
+    const CHistory& history = m_pSession->History();
+    int nForgotten = 0;
     for (int nSequence = 0; nSequence < SEQUENCES; ++nSequence) {
-        Must(EMPTY);
-        m_pSession->History().Clear();
-        std::vector<Json> done;
-        std::vector<Json> undone;
+        Must(strEmpty);
+        std::vector<Json> steps;
+        int nDone = 0;   // those behind were undone
+        int nOldest = 0; // those before can't be undone any more
         for (int i = 0; i < LENGTH; ++i) {
-            const int nWhat = upTo(10);
-            if (nWhat < 3) {
-                if (AskObject("undo")["ok"]) {
-                    undone.push_back(done.back());
-                    done.pop_back();
+            const auto nState = history.State();
+            std::string strKind = any(kinds);
+            if (const int nWay = upTo(20); nWay < 5) {
+                const bool bBack = nWay < 3;
+                strKind = bBack ? "undo" : "redo";
+                std::string strMove = strKind;
+                int nTo = bBack ? nDone - 1 : nDone + 1;
+                if (upTo(4) == 0) { // a state near this one, which may lie on the other side
+                    nTo = std::clamp(nDone + upTo(11) - 5, nOldest, static_cast<int>(steps.size()));
+                    strMove += " to=" + std::to_string(history.States()[nTo - nOldest]);
+                    strKind += " to";
                 }
-            } else if (nWhat < 5) {
-                if (AskObject("redo")["ok"]) {
-                    done.push_back(undone.back());
-                    undone.pop_back();
-                }
+                const bool bThere =
+                    bBack ? nTo >= nOldest && nTo < nDone : nTo > nDone && nTo <= static_cast<int>(steps.size());
+                ASSERT_EQ(AskObject(strMove)["ok"], bThere) << strMove;
+                nDone = bThere ? nTo : nDone;
             } else {
-                Json edit = anyEdit();
-                if (nWhat == 9) {
-                    edit = {{"op", "batch"}, {"requests", {edit, anyEdit()}}};
+                const std::string strEdit = filled(strKind);
+                Json request = Request(strEdit);
+                if (upTo(8) == 0) {
+                    strKind = "batch";
+                    request = {{"op", "batch"}, {"requests", {request, Request(filled(any(kinds)))}}};
                 }
-                const auto nBefore = m_pSession->History().Done();
-                if (AskObject(edit)["ok"] && m_pSession->History().Done() > nBefore) {
-                    done.push_back(edit);
-                    undone.clear();
+                AskObject(request);
+                if (history.State() != nState) {
+                    steps.resize(nDone);
+                    steps.push_back(request);
+                    nOldest = std::max(nOldest, ++nDone - MOST_STEPS);
+                    if (strKind.starts_with("link")) {
+                        words["LINK"][upTo(3)] = strEdit.substr(5);
+                    }
                 }
             }
-            ++nSteps;
+            effects[strKind] += history.State() != nState ? 1 : 0;
+            ASSERT_EQ(static_cast<int>(history.Done()), nDone - nOldest);
         }
-        ASSERT_LT(done.size(), CHistory::MOST_STEPS);
+        nForgotten += nOldest;
         const std::string strScene = Scene();
-        Must(EMPTY);
-        for (const Json& edit : done) {
-            Must(edit);
+        Must(strEmpty);
+        steps.resize(nDone);
+        for (const Json& step : steps) {
+            Must(step);
         }
         ASSERT_EQ(Scene(), strScene) << "sequence " << nSequence;
     }
-    EXPECT_EQ(nSteps, static_cast<size_t>(SEQUENCES) * LENGTH);
+    for (const auto& [strKind, nTimes] : effects) {
+        EXPECT_GE(nTimes, LEAST) << strKind;
+    }
+    EXPECT_GE(nForgotten, LEAST);
 }
 
 } // namespace
