@@ -1,10 +1,6 @@
 import { render } from "preact";
 import "./base.css";
 import "./view/controls.css";
-// Of views that are loaded later.
-import "./graph/graph.css";
-import "./view/keyboard.css";
-import "./vr/hands.css";
 import { Host } from "./host.ts";
 import { startLanguage } from "./i18n.ts";
 import { App } from "./view/App.tsx";

@@ -13,6 +13,7 @@ import {
   type ReactFlowInstance,
   type XYPosition,
 } from "@xyflow/react";
+import "@xyflow/react/dist/base.css";
 import { useCallback, useEffect, useMemo, useRef, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
@@ -32,6 +33,7 @@ import { Palette } from "./Palette.tsx";
 import { QuestionBar } from "./QuestionBar.tsx";
 import { useCanvasKeys } from "./useCanvasKeys.ts";
 import { WireEdge, type Wire } from "./WireEdge.tsx";
+import "./canvas.css";
 
 const FACES = { face: Face, note: NoteFace };
 const WIRES = { wire: WireEdge };

@@ -26,7 +26,7 @@ export function CanvasHead({ editor, chosen, onArrange }: CanvasHeadProps) {
     void editor.place({}, { [newNoteId()]: { ...editor.view.middle(), ...NOTE_SIZE, text: "" } });
   };
   return (
-    <div class="panel-head graph-head">
+    <div class="panel-head">
       <button type="button" title={SHORTCUT} onClick={() => (editor.palette.value = { at: null, pin: null })}>
         {t("Add node")}
       </button>

@@ -2,6 +2,7 @@ import { t } from "../i18n.ts";
 import type { Change } from "../requests.ts";
 import type { Editor } from "./editor.ts";
 import { starts } from "./starts.ts";
+import "./emptyScene.css";
 
 const DEMO = "demo.json";
 

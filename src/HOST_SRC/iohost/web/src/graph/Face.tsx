@@ -1,13 +1,4 @@
-import {
-  Handle,
-  Position,
-  useStore,
-  useUpdateNodeInternals,
-  type Node,
-  type NodeProps,
-  type ReactFlowState,
-  type Rect,
-} from "@xyflow/react";
+import { useStore, useUpdateNodeInternals, type Node, type NodeProps, type ReactFlowState, type Rect } from "@xyflow/react";
 import { computed, useComputed } from "@preact/signals";
 import { useLayoutEffect, useMemo, useRef } from "preact/hooks";
 import { clock } from "../clock.ts";
@@ -18,22 +9,19 @@ import { t } from "../i18n.ts";
 import { iconOf } from "../icons.ts";
 import type { Param } from "../messages.ts";
 import { inputsOf, outputsOf } from "../nodePins.ts";
-import { shownValue } from "../params.ts";
-import { LongText } from "../view/LongText.tsx";
 import { JsonVerdictLine } from "../view/JsonPanel.tsx";
 import { useFocusOn } from "../view/useFocusOn.ts";
-import type { Editor, Pin } from "./editor.ts";
+import type { Editor } from "./editor.ts";
 import { linkedPin } from "./elements.ts";
-import { boxOf, pinTop } from "./layout.ts";
+import { FacePins, WiredPins } from "./FacePins.tsx";
+import { boxOf } from "./layout.ts";
 import { NodeCounters } from "./NodeCounters.tsx";
 import { textWarning } from "./textWarning.ts";
-import { sortOf } from "./wiring.ts";
+import "./face.css";
 
 /** What is linked of it, as linkedPin() names pins: links of other nodes draw nothing of it anew. */
 export type FaceNode = Node<{ editor: Editor; node: NodeView; folded: boolean; linked: readonly string[] }, "face">;
 
-/** As many values stand beside their pins; the others show on the wires and in the inspector. */
-const MOST_VALUES = 3;
 const ENABLE = 2;
 /** From further away nobody reads a pin's name. */
 const LEGIBLE_ZOOM = 0.2;
@@ -95,10 +83,7 @@ export function Face({ id, data, selected, positionAbsoluteX: x, positionAbsolut
           <Warning host={host} node={node} />
         </>
       ) : (
-        <div class="face-pins">
-          <WiredPins {...pinProps} params={inputs} is="input" linked={linked} />
-          <WiredPins {...pinProps} params={outputs} is="output" linked={linked} />
-        </div>
+        <WiredPins {...pinProps} inputs={inputs} outputs={outputs} linked={linked} />
       )}
     </div>
   );
@@ -140,47 +125,6 @@ function isInSight(box: Rect, { transform: [left, top, zoom], width, height }: R
 function FaceIcon({ type }: { type: string }) {
   const icon = iconOf(type);
   return icon === null ? null : <img src={icon} alt="" width="22" height="22" />;
-}
-
-interface PinsProps extends Omit<PinProps, "param"> {
-  linked: readonly string[];
-}
-
-interface FacePinsProps extends PinsProps {
-  inputs: readonly Param[];
-  outputs: readonly Param[];
-  folded: boolean;
-}
-
-function FacePins({ inputs, outputs, folded, linked, ...props }: FacePinsProps) {
-  const shown = (params: readonly Param[], is: Pin["is"]) =>
-    folded ? params.filter(({ id }) => linked.includes(linkedPin(is, id))) : params;
-  const isSource = ({ id }: Param) => Number(linked.includes(linkedPin("output", id)));
-  const values = outputs.filter((param) => sortOf(param) !== "event");
-  const linkedFirst = [...values].sort((a, b) => isSource(b) - isSource(a));
-  const valued = new Set(linkedFirst.slice(0, MOST_VALUES).map(({ id }) => id));
-  return (
-    <div class="face-pins">
-      <div>
-        {shown(inputs, "input").map((param) => (
-          <InputPin key={param.id} {...props} param={param} />
-        ))}
-      </div>
-      <div>
-        {shown(outputs, "output").map((param) => (
-          <OutputPin key={param.id} {...props} param={param} hasValue={valued.has(param.id)} />
-        ))}
-      </div>
-    </div>
-  );
-}
-
-/** The pins that wires lead to, or could by keys, where they stand in the whole face. */
-function WiredPins({ params, is, linked, ...props }: PinsProps & { params: readonly Param[]; is: Pin["is"] }) {
-  return params.map((param, row) => {
-    const isShown = linked.includes(linkedPin(is, param.id)) || props.editor.canEnd({ node: props.node, id: param.id, is });
-    return isShown && <PinHandle key={param.id} {...props} param={param} is={is} top={pinTop(row)} />;
-  });
 }
 
 /** The network tells of itself several times a second; a warning seldom changes. */
@@ -238,79 +182,6 @@ function Activity({ host, node }: { host: Host; node: string }) {
   return (
     <span class={`face-activity ${age < LIT_MS ? "fired" : ""}`} data-active={last}>
       <span class="event-lamp" key={last} aria-hidden="true" /> {agoText(age)}
-    </span>
-  );
-}
-
-interface PinProps {
-  editor: Editor;
-  node: string;
-  param: Param;
-  /** Tab reaches the pins of chosen nodes, and those where a wire that was begun can end. */
-  isReachable: boolean;
-}
-
-function PinHandle({ editor, node, param, isReachable, is, top }: PinProps & { is: Pin["is"]; top?: number }) {
-  const pin: Pin = { node, id: param.id, is };
-  const isEnd = editor.canEnd(pin);
-  const isBegun = editor.begun.value?.node === node && editor.begun.value.id === param.id && editor.begun.value.is === is;
-  return (
-    <Handle
-      type={is === "output" ? "source" : "target"}
-      position={is === "output" ? Position.Right : Position.Left}
-      id={String(param.id)}
-      className={`pin pin-${sortOf(param)}${isEnd ? " pin-end" : ""}${isBegun ? " pin-begun" : ""}`}
-      style={{ top }}
-      role="button"
-      tabIndex={isReachable || isEnd ? 0 : -1}
-      aria-label={is === "output" ? t("Output {name}", { name: param.display }) : t("Input {name}", { name: param.display })}
-      onKeyDown={(event) => {
-        if (event.key === "Enter" || event.key === " ") {
-          event.preventDefault();
-          event.stopPropagation();
-          editor.usePin(pin);
-        }
-      }}
-    />
-  );
-}
-
-function InputPin(props: PinProps) {
-  const { param } = props;
-  return (
-    <div class="face-pin" title={`${param.name}, ${param.id}`}>
-      <PinHandle {...props} is="input" />
-      <span class="face-name">{param.display}</span>
-    </div>
-  );
-}
-
-function OutputPin({ hasValue, ...props }: PinProps & { hasValue: boolean }) {
-  const { editor, node, param } = props;
-  return (
-    <div class="face-pin face-output" title={`${param.name}, ${param.id}`}>
-      {(hasValue || sortOf(param) === "event") && <OutputState host={editor.host} node={node} param={param} />}
-      <span class="face-name">{param.display}</span>
-      <PinHandle {...props} is="output" />
-    </div>
-  );
-}
-
-/** What an output shows right now: how often it fired, or its value. */
-function OutputState({ host, node, param }: { host: Host; node: string; param: Param }) {
-  if (sortOf(param) === "event") {
-    const count = host.firedCount(node, param.id);
-    const last = host.fired.of(node, param.id).value;
-    return (
-      <span class={last !== null ? "face-value fired" : "face-value"} data-face-count={count}>
-        {/* A new key makes a new element, whose flash starts afresh. */}
-        <span class="event-lamp" key={last} aria-hidden="true" /> {count}
-      </span>
-    );
-  }
-  return (
-    <span class="face-value">
-      <LongText {...shownValue(param, host.values.of(node, param.id).value)} />
     </span>
   );
 }

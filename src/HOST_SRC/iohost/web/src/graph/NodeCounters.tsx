@@ -1,6 +1,7 @@
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { NodeCounts } from "../protocol.ts";
+import "./nodeCounters.css";
 
 /** How often a node did what, in one line. */
 export function NodeCounters({ host, node }: { host: Host; node: string }) {

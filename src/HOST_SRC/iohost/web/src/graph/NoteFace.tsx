@@ -3,6 +3,7 @@ import { useEffect, useRef } from "preact/hooks";
 import { t } from "../i18n.ts";
 import type { Note } from "../protocol.ts";
 import type { Editor } from "./editor.ts";
+import "./noteFace.css";
 
 export type NoteNode = Node<{ editor: Editor; id: string; note: Note }, "note">;
 

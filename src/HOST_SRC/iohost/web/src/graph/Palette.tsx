@@ -6,6 +6,7 @@ import type { OfferedType } from "../protocol.ts";
 import { useFocusOn } from "../view/useFocusOn.ts";
 import type { Editor, PaletteCall } from "./editor.ts";
 import { kindOfType, purposeName, PURPOSES } from "./nodeKinds.ts";
+import "./palette.css";
 
 /** Something to choose: a type to add, or a node of the scene to go to. */
 type Entry = { type: OfferedType; why: string | null } | { node: NodeView };

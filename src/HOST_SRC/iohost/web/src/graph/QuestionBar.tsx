@@ -1,6 +1,7 @@
 import type { Desk } from "../desk.ts";
 import { t } from "../i18n.ts";
 import { Answers } from "../view/Answers.tsx";
+import "./questionBar.css";
 
 /** Asks before something is taken away. */
 export function QuestionBar({ desk }: { desk: Desk }) {

@@ -8,6 +8,7 @@ import { shownValue } from "../params.ts";
 import type { Link } from "../protocol.ts";
 import { LongText } from "../view/LongText.tsx";
 import { sortOf } from "./wiring.ts";
+import "./wireEdge.css";
 
 /** What a wire carries; a scene may hold links of pins that the node doesn't have now. */
 export type Wire = Edge<{ host: Host; link: Link; output: Param | undefined; conversion: string | null }, "wire">;

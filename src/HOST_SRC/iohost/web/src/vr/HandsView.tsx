@@ -14,6 +14,7 @@ import { Hand, padPoint, padZone, SIDES, type Place, type Side } from "./hand.ts
 import { Headset, hasHeadset } from "./headset.ts";
 import { firstPose, hitOf, movedTo, placeOf, poseAt } from "./room.ts";
 import { Space, type ShownObject } from "./space.ts";
+import "./hands.css";
 
 const HAND_NAMES = ["Left hand", "Right hand"] as const;
 const STEP = 0.05;
