@@ -42,21 +42,30 @@ async function openAt(host, count) {
   await page.setViewportSize({ width: 1280, height: 720 });
   await page.addInitScript(() => {
     performance.mark("begun");
-    const lookForNode = () => {
-      const isInSight = (face) => {
-        const [at, pane] = [face, face.closest("[data-graph]")].map((one) => one.getBoundingClientRect());
-        return face.checkVisibility({ visibilityProperty: true }) && at.right > pane.left && at.left < pane.right && at.bottom > pane.top && at.top < pane.bottom;
-      };
-      if (![...document.querySelectorAll("[data-face]")].some(isInSight)) {
-        requestAnimationFrame(lookForNode);
-        return;
-      }
-      // What comes next comes after this frame was painted.
-      const { port1, port2 } = new MessageChannel();
-      port1.onmessage = () => performance.mark("node painted");
-      port2.postMessage(null);
+    const isInSight = (face) => {
+      const [at, pane] = [face, face.closest("[data-graph]")].map((one) => one.getBoundingClientRect());
+      return face.checkVisibility({ visibilityProperty: true }) && at.right > pane.left && at.left < pane.right && at.bottom > pane.top && at.top < pane.bottom;
     };
-    requestAnimationFrame(lookForNode);
+    window.nodePainted = new Promise((resolve) => {
+      const look = () => {
+        if (![...document.querySelectorAll("[data-face]")].some(isInSight)) {
+          requestAnimationFrame(look);
+          return;
+        }
+        // What comes next comes after this frame was painted.
+        const { port1, port2 } = new MessageChannel();
+        port1.onmessage = () => resolve(performance.mark("node painted"));
+        port2.postMessage(null);
+      };
+      // Nothing is asked of the page before, which would take its time.
+      const observer = new MutationObserver(() => {
+        if (document.querySelector("[data-face]") !== null) {
+          observer.disconnect();
+          requestAnimationFrame(look);
+        }
+      });
+      observer.observe(document, { childList: true, subtree: true });
+    });
     window.lastTask = 0;
     new PerformanceObserver((list) => {
       for (const { duration, startTime } of list.getEntries()) {
@@ -65,6 +74,7 @@ async function openAt(host, count) {
     }).observe({ type: "longtask" });
   });
   await page.goto(host.page);
+  await page.evaluate(() => window.nodePainted.then(() => {}));
   await expectEventually("all nodes", () => page.locator("[data-face]").count(), count);
   return page;
 }

@@ -1,6 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { arrange, type Box, type Place } from "../src/graph/layout.ts";
+import { arrange, AutomaticPlaces, type Box, type Place } from "../src/graph/layout.ts";
+import type { NodeView } from "../src/host.ts";
 
 const box = (id: string): Box => ({ id, width: 300, height: 100 });
 const link = (from: string, to: string) => ({ from, output: 1, to, input: 2 });
@@ -33,4 +34,13 @@ test("nodes stand where they belong whatever their handles are", () => {
   const places = arrange(["constructor", "__proto__", 'a "b'].map(box), [link("constructor", "__proto__"), link("__proto__", 'a "b')]);
   assert.ok(at(places, "constructor").x + 300 < at(places, "__proto__").x);
   assert.ok(at(places, "__proto__").x + 300 < at(places, 'a "b').x);
+});
+
+test("nodes that all have a place aren't arranged: there they stay when it's taken back, and others come below", () => {
+  const node = (handle: string, place?: Place) => ({ node: handle, place, details: { inputs: [], outputs: [] } }) as unknown as NodeView;
+  const automatic = new AutomaticPlaces();
+  automatic.follow([node("a", { x: 500, y: 7 }), node("b", { x: 0, y: 900 })], []);
+  automatic.follow([node("a"), node("b", { x: 0, y: 900 }), node("c")], []);
+  assert.deepEqual(automatic.of("a"), { x: 500, y: 7 });
+  assert.ok(automatic.of("c").y > 900);
 });

@@ -105,8 +105,13 @@ export class AutomaticPlaces {
     return this.#places.get(node) ?? { x: 0, y: 0 };
   }
 
-  /** Nodes that are new stand below the others; where there are no others, they are arranged. */
+  /** Nodes that are new stand below the others; where there are no others, they are arranged unless all were placed. */
   follow(nodes: readonly NodeView[], links: readonly Link[]): void {
+    const placed = nodes.flatMap(({ node, place }): [string, Place][] => (place === undefined ? [] : [[node, place]]));
+    if (placed.length === nodes.length) {
+      this.#places = new Map(placed);
+      return;
+    }
     const staying = nodes.filter(({ node }) => this.#places.has(node));
     if (staying.length === 0) {
       this.arrangeAnew(nodes, links);
