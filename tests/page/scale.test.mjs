@@ -18,7 +18,7 @@ function sceneOf(count) {
     type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${TYPES[index % TYPES.length]}}`,
     clip: "Show",
     graph: `Node ${index}`,
-    place: { x: 340 * (index % 14), y: 480 * Math.floor(index / 14) },
+    place: { x: 340 * (index % 14), y: 600 * Math.floor(index / 14) },
   }));
   const links = nodes.flatMap(({ node }, index) =>
     index % TYPES.length === 1 ? [{ from: `n${index - 1}`, output: 154, to: node, input: 202 }] : []);

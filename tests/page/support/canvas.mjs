@@ -24,6 +24,7 @@ export function canvasOf(page, script) {
     chosen: () => page.locator(".react-flow__node.selected"),
     message: () => page.locator("[data-graph-message]"),
     pane: () => page.locator("[data-graph]"),
+    zoom: () => page.locator(".react-flow__viewport").evaluate((view) => new DOMMatrix(getComputedStyle(view).transform).a),
     scene,
     links: async () => (await scene()).links,
     names: async () => (await scene()).nodes.map(({ graph }) => graph),

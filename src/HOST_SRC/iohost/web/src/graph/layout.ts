@@ -84,8 +84,8 @@ function blockOf(boxes: readonly Box[], links: readonly Link[]): Block {
 const WIDTH = 300;
 const HEAD_HEIGHT = 42;
 const FOOT_HEIGHT = 22;
-const PIN_HEIGHT = 20;
-const PIN_INSET = 5;
+const PIN_HEIGHT = 24;
+const PIN_INSET = 7;
 
 export function boxOf(node: NodeView): Box {
   const rows = Math.max(inputsOf(node).length, outputsOf(node).length);

@@ -8,9 +8,11 @@ import { cutText } from "../texts.ts";
 import "./keyboard.css";
 import { LongText } from "./LongText.tsx";
 import type { PanelProps } from "./panels.ts";
+import { usePhone } from "./usePhone.ts";
 
 /** The on-screen keyboard. It types into one text field node of the scene, whose text is shown above it. */
 export function KeyboardPanel({ host }: PanelProps) {
+  const isPhone = usePhone();
   const place = useRef<HTMLDivElement>(null);
   const keyboard = useRef<ScreenKeyboard | null>(null);
   const nodes = nodesOf(host.nodes.value, NodeType.textField);
@@ -77,7 +79,8 @@ export function KeyboardPanel({ host }: PanelProps) {
           {lastName !== null && <code data-key-name={lastName}>{lastName}</code>}
         </span>
       </div>
-      <div class="keyboard-place">
+      {/* It's moved by keys, too, where it's wider than the window. */}
+      <div class="keyboard-place" role="group" aria-label={t("On-screen keyboard")} tabIndex={isPhone ? 0 : undefined}>
         <div class="screen-keyboard" ref={place} />
       </div>
     </>
