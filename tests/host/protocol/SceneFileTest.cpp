@@ -73,6 +73,25 @@ TEST_F(SceneFile, WhatIsMissingIsAsInANewNodeAndWhatOnlyTellsIsNotRead) {
     EXPECT_GE(Must("scene")["nodes"].size(), 2u);
 }
 
+/// As hosts wrote them before scenes had devices, and before nodes had places.
+TEST_F(SceneFile, ScenesOfEarlierHostsOpenUnchanged) {
+    for (const char* pszName : {"first.json", "devices.json"}) {
+        const auto file = std::filesystem::path(SCENES_FOLDER) / pszName;
+        Must("load file=" + Quote(file));
+        const auto saved = m_folder.Path() / pszName;
+        Must("save file=" + Quote(saved));
+        const std::string strSaved = ReadAll(saved);
+        const Json scene = Json::parse(strSaved);
+        const Json earlier = Json::parse(ReadAll(file));
+        for (const auto& [strField, value] : earlier.items()) {
+            EXPECT_EQ(scene[strField], value) << pszName << ", " << strField;
+        }
+        Must("load file=" + Quote(saved));
+        Must("save file=" + Quote(saved));
+        EXPECT_EQ(ReadAll(saved), strSaved) << pszName;
+    }
+}
+
 TEST_F(SceneFile, WrongScenesAreRefusedByFieldAndLeaveTheSceneAsItWas) {
     Must(CREATE_MOUSE);
     Must(CREATE_KEYBOARD);
