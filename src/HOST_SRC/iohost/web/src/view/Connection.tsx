@@ -1,24 +1,8 @@
-import { useEffect, useState } from "preact/hooks";
 import { isStalled } from "../frames.ts";
 import type { ConnectionState, Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import "./connection.css";
-
-const STEP_MS = 250;
-
-/** The time, in milliseconds since 1970, a few times a second while it runs. */
-function useNow(runs: boolean): number {
-  const [now, setNow] = useState(Date.now());
-  useEffect(() => {
-    if (runs) {
-      setNow(Date.now());
-      const timer = setInterval(() => setNow(Date.now()), STEP_MS);
-      return () => clearInterval(timer);
-    }
-    return undefined;
-  }, [runs]);
-  return now;
-}
+import { useNow } from "./useNow.ts";
 
 /** The state of the connection in the header, always there, and how long ago the host had its last frame. */
 export function ConnectionLamp({ host }: { host: Host }) {

@@ -1,26 +1,16 @@
-import { useEffect, useState } from "preact/hooks";
 import { ageText } from "../format.ts";
 import { heldLabel, isKeyboardState } from "../held.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { HeldEntry } from "../protocol.ts";
 import "./heldBar.css";
-
-const AGE_STEP_MS = 100;
+import { useNow } from "./useNow.ts";
 
 /** What is held in the host, by this page and everybody else, since when; and the button that lets go of it. */
 export function HeldBar({ host }: { host: Host }) {
   const { entries, told } = host.held.value;
-  const [now, setNow] = useState(Date.now());
   const isAny = entries.length > 0;
-  useEffect(() => {
-    setNow(Date.now());
-    if (isAny) {
-      const timer = setInterval(() => setNow(Date.now()), AGE_STEP_MS);
-      return () => clearInterval(timer);
-    }
-    return undefined;
-  }, [isAny, told]);
+  const now = useNow(isAny);
 
   const state = host.connection.value;
   const chip = (entry: HeldEntry) => {
