@@ -100,13 +100,6 @@ TEST_F(ModuleLoad, WorksAgainAfterUnloading) {
     EXPECT_EQ(scene.Evaluate(), 1);
 }
 
-TEST_F(ModuleLoad, SecondLoadIsTheSameModule) {
-    const HMODULE hSecond = LoadLibraryW(ModuleHost::ModulePath().wstring().c_str());
-    EXPECT_EQ(hSecond, m_host.Module());
-    FreeLibrary(hSecond);
-    EXPECT_NE(GetModuleHandleW(MODULE_FILE_NAME), nullptr);
-}
-
 TEST_F(ModuleLoad, ThreadsThatComeAndGoChangeNothing) {
     NodeScene scene(m_host, TYPE_KEYBOARD);
     AnnounceThread(m_host.Module());
@@ -120,12 +113,6 @@ TEST_F(ModuleLoad, ThreadsThatComeAndGoChangeNothing) {
 #if defined(FRAMEWORK_IS_STAND_IN)
     EXPECT_EQ(CompatExtensionModuleCount(), 1);
 #endif
-}
-
-TEST_F(ModuleLoad, ExportsTheFunctionByName) {
-    EXPECT_NE(GetProcAddress(m_host.Module(), "IOProcessFunc"), nullptr);
-    EXPECT_EQ(GetProcAddress(m_host.Module(), "DllMain"), nullptr);
-    EXPECT_EQ(GetProcAddress(m_host.Module(), "ModuleInstance"), nullptr);
 }
 
 TEST_F(ModuleLoad, RegistersTheTrackerMessages) {

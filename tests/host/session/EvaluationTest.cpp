@@ -68,41 +68,6 @@ TEST_F(Evaluation, WaitsForTheFrameUnlessAskedOtherwise) {
     EXPECT_EQ(Sent(Frame()), Texts{"D"});
 }
 
-TEST_F(Evaluation, AnEventIsActedOnAtOnceAndOnlyOnce) {
-    MakeSenders();
-    Must(AT_ONCE);
-    EXPECT_EQ(Sent(ReceiveText(R"({"a":1})")), Texts{R"({"a":1})"});
-    EXPECT_EQ(Sent(ReceiveText(R"({"a":2})")), Texts{R"({"a":2})"});
-    EXPECT_EQ(Sent(Frame()), Texts{});
-}
-
-/// A keyboard writes its text when it is evaluated, after it fired.
-TEST_F(Evaluation, TheValuesOfTheEventComeAlong) {
-    MakeSenders();
-    Must(AT_ONCE);
-    EXPECT_EQ(Sent(PressKey("A")), Texts{"A"});
-    EXPECT_EQ(Sent(PressKey("B")), Texts{"B"});
-}
-
-/// A text field between the keyboard and what is sent, whichever links were made first.
-TEST_F(Evaluation, TheValuesOfAChainComeAlong) {
-    Must(DEVICE);
-    Talk(R"(
-        create node=k type=keyboard clip=Clip graph=G
-        create node=t type=text_field clip=Clip graph=G
-        create node=s type=string_send clip=Clip graph=G
-        link from=t output=253 to=s input=1505
-        link from=k output=152 to=s input=1507
-        link from=k output=154 to=t input=202
-        link from=k output=152 to=t input=203
-    )");
-    Frame();
-    Must(AT_ONCE);
-    EXPECT_EQ(Sent(PressKey("A")), Texts{"a"});
-    EXPECT_EQ(Sent(Frame()), Texts{});
-    EXPECT_EQ(Sent(PressKey("B")), Texts{"ab"});
-}
-
 /// A hand's place is sent as a key number, which is an integer.
 class FloatToInteger : public Evaluation {
 protected:
@@ -159,15 +124,6 @@ TEST_F(Evaluation, EveryReleaseIsActedOn) {
         Must(Event(0, 2002, KeyText(pszKey)), &held);
     }
     EXPECT_EQ(Sent(ReplyTo(m_pSession->CloseConnection(held, "it closed"))).size(), 2u);
-}
-
-TEST_F(Evaluation, ATriggerIsActedOnAtOnce) {
-    MakeSenders();
-    Must("set node=sk param=1505 string=typed");
-    Must(AT_ONCE);
-    PressKey("A");
-    EXPECT_EQ(Sent(Must("trigger node=sk param=1507")), Texts{"A"});
-    EXPECT_EQ(Sent(Frame()), Texts{});
 }
 
 TEST_F(Evaluation, WordsThatAreNoneAreRefused) {
