@@ -134,10 +134,13 @@ test("no rule is broken while the graph is edited", async () => {
   await page.page.locator(".pin-begun").waitFor();
   await look("wire begun");
   await keyboard.press("Escape");
+  await page.page.locator(".react-flow__node-note").press("Enter");
+  await page.page.locator(".note-corner").waitFor();
+  await look("note chosen");
   await must(script, { op: "load", scene: { format: "iohost scene", version: 1 } });
   await page.page.locator("[data-empty-scene]").waitFor();
   await look("empty");
-  assert.deepEqual(found, { chosen: [], renamed: [], "wire begun": [], empty: [] });
+  assert.deepEqual(found, { chosen: [], renamed: [], "wire begun": [], "note chosen": [], empty: [] });
 });
 
 for (const colorScheme of COLOR_SCHEMES) {

@@ -216,6 +216,48 @@ test("what is being typed into a note stays while another page changes the note,
   await expectEventually("the text", () => field.inputValue(), "fourth");
 });
 
+test("a note is sized by keys at its corner, a held key as one step, and by the pointer there", async () => {
+  await must(script, { op: "place", notes: { n: { x: 420, y: 220, width: 200, height: 100, text: "here" } } });
+  const note = page.page.locator(".react-flow__node-note");
+  const sizeIs = (size) => expectEventually("the size", async () => {
+    const { width, height } = (await canvas.scene()).notes.n;
+    return `${width} ${height}`;
+  }, size);
+  await note.focus();
+  await page.keyboard.press("Enter");
+  await page.page.locator(".react-flow__node-note.selected").waitFor();
+  await page.keyboard.press("Tab");
+  await page.keyboard.press("Tab");
+  const corner = page.page.getByRole("button", { name: "Size of the note" });
+  await until("the focus on the corner", () => corner.evaluate((one) => one.matches(":focus")));
+  for (let held = 0; held < 3; ++held) {
+    await page.keyboard.down("ArrowRight");
+  }
+  await page.keyboard.up("ArrowRight");
+  await sizeIs("260 100");
+  await page.keyboard.press("ArrowDown");
+  await sizeIs("260 120");
+  for (let pressed = 0; pressed < 5; ++pressed) {
+    await page.keyboard.press("ArrowUp");
+  }
+  await sizeIs("260 60");
+  await page.keyboard.press("Control+z");
+  await sizeIs("260 80");
+  for (const size of ["260 100", "260 120", "260 100", "200 100"]) {
+    await page.keyboard.press("Control+z");
+    await sizeIs(size);
+  }
+  const edges = await page.page.locator(".react-flow__resize-control:is(.handle, .left, .right):not(.note-corner)").evaluateAll((all) => all.map(({ offsetWidth }) => offsetWidth));
+  assert.ok(edges.length === 6 && Math.max(...edges) < 10, `handles ${edges} wide`);
+  const zoom = await canvas.zoom();
+  const from = await canvas.middleOf(corner);
+  await canvas.drag(from, { x: from.x + 40 * zoom, y: from.y + 60 * zoom });
+  await until("another size", async () => (await canvas.scene()).notes.n.width > 200);
+  const { x, y, width, height } = (await canvas.scene()).notes.n;
+  assert.deepEqual([x, y], [420, 220]);
+  assert.ok(Math.abs(width - 240) < 3 && Math.abs(height - 160) < 3, `${width} ${height}`);
+});
+
 test("Enter that ends a composed word keeps the field of a name open", async () => {
   await canvas.choose("m");
   await page.keyboard.press("F2");

@@ -41,7 +41,7 @@ async function openWithLog(browser, count) {
   };
 }
 
-const lines = () => page.page.locator("[data-log] .line");
+const lines = () => page.page.locator("[data-log] .log-line");
 const shownLines = (count) => expectEventually("lines in the log", () => lines().count(), count);
 
 test("each node has its icon, its graph node's name and its clip", async () => {

@@ -5,6 +5,7 @@ export const EDITOR_ZH = {
   "{minutes} min ago": "{minutes} 分钟前",
   "Note": "便签",
   "Add note": "添加便签",
+  "Size of the note": "便签大小",
   "Align left": "左对齐",
   "Align tops": "顶部对齐",
   "Unfold {name}": "展开 {name}",

@@ -149,8 +149,8 @@ export const ZH = {
   "numbers": "数字",
   "texts": "文本",
   "Enter or Space chooses a node. Delete removes it, Escape lets it go.": "按回车或空格选择节点，按 Delete 删除，按 Esc 取消选择。",
-  "Enter or Space chooses a node; the arrow keys then move it, and Tab leads to its pins. F2 renames it, Delete removes it, Escape lets it go.":
-    "按回车或空格选择节点，再用方向键移动，用 Tab 移到其端口，按 F2 重命名，按 Delete 删除，按 Esc 取消选择。",
+  "Enter or Space chooses a node; the arrow keys then move it, and Tab leads to its pins, of a note to the corner that sizes it. F2 renames it, Delete removes it, Escape lets it go.":
+    "按回车或空格选择节点，再用方向键移动，用 Tab 移到其端口（便签则移到调整大小的角），按 F2 重命名，按 Delete 删除，按 Esc 取消选择。",
   "Enter or Space chooses a wire. Delete removes it, Escape lets it go.": "按回车或空格选择连线，按 Delete 删除，按 Esc 取消选择。",
   "Moved to {x}, {y}.": "已移动到 {x}, {y}。",
   "View of the graph": "节点图视图",

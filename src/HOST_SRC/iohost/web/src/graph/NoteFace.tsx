@@ -1,9 +1,22 @@
-import { NodeResizer, type Node, type NodeProps } from "@xyflow/react";
-import { useEffect, useRef } from "preact/hooks";
+import { NodeResizeControl, NodeResizer, useStoreApi, type Node, type NodeProps } from "@xyflow/react";
+import { useEffect, useLayoutEffect, useRef } from "preact/hooks";
 import { t } from "../i18n.ts";
 import type { Note } from "../protocol.ts";
 import type { Editor } from "./editor.ts";
+import { noteId } from "./ids.ts";
 import "./noteFace.css";
+
+type Box = Pick<Note, "x" | "y" | "width" | "height">;
+
+const LEAST = { minWidth: 120, minHeight: 60 };
+/** The canvas's grid. */
+const STEP = 20;
+const STEPS: Readonly<Record<string, { x: number; y: number }>> = {
+  ArrowLeft: { x: -STEP, y: 0 },
+  ArrowRight: { x: STEP, y: 0 },
+  ArrowUp: { x: 0, y: -STEP },
+  ArrowDown: { x: 0, y: STEP },
+};
 
 export type NoteNode = Node<{ editor: Editor; id: string; note: Note }, "note">;
 
@@ -18,14 +31,10 @@ export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<Not
     }
     known.current = note.text;
   }, [note.text]);
+  const keepSize = ({ x, y, width, height }: Box) => editor.place({}, { [id]: { ...note, x, y, width, height } });
   return (
     <div class="note" data-note={id}>
-      <NodeResizer
-        isVisible={selected}
-        minWidth={120}
-        minHeight={60}
-        onResizeEnd={(_, { x, y, width, height }) => void editor.place({}, { [id]: { ...note, x, y, width, height } })}
-      />
+      <NodeResizer isVisible={selected} {...LEAST} onResizeEnd={(_, box) => void keepSize(box)} />
       <textarea
         ref={field}
         class="note-text nodrag nowheel nokey"
@@ -47,6 +56,58 @@ export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<Not
           }
         }}
       />
+      {selected && <Corner id={id} note={note} onSized={keepSize} />}
     </div>
+  );
+}
+
+interface CornerProps {
+  id: string;
+  note: Note;
+  onSized(box: Box): Promise<boolean>;
+}
+
+/** Sizes the note by dragging and by arrow keys; what a key does while it's held down is one step. */
+function Corner({ id, note, onSized }: CornerProps) {
+  const canvas = useStoreApi();
+  const size = useRef({ width: note.width, height: note.height });
+  const isSized = useRef(false);
+  /** Steps that the host hasn't answered. */
+  const asked = useRef(0);
+  useLayoutEffect(() => {
+    // What it tells before is older.
+    if (!isSized.current && asked.current === 0) {
+      size.current = { width: note.width, height: note.height };
+    }
+  }, [note.width, note.height]);
+  const keep = async () => {
+    if (isSized.current) {
+      isSized.current = false;
+      ++asked.current;
+      await onSized({ x: note.x, y: note.y, ...size.current });
+      --asked.current;
+    }
+  };
+  return (
+    <NodeResizeControl className="note-corner" position="bottom-right" {...LEAST} onResizeEnd={(_, box) => void onSized(box)}>
+      <button
+        type="button"
+        aria-label={t("Size of the note")}
+        onKeyDown={(event) => {
+          const step = STEPS[event.key];
+          if (step !== undefined) {
+            event.preventDefault();
+            event.stopPropagation();
+            const { width, height } = size.current;
+            size.current = { width: Math.max(LEAST.minWidth, width + step.x), height: Math.max(LEAST.minHeight, height + step.y) };
+            isSized.current = true;
+            const change = { id: noteId(id), type: "dimensions", setAttributes: true, dimensions: size.current } as const;
+            canvas.getState().triggerNodeChanges([change]);
+          }
+        }}
+        onKeyUp={keep}
+        onBlur={keep}
+      />
+    </NodeResizeControl>
   );
 }

@@ -223,7 +223,7 @@ const Line = memo(function Line({ line, isMarked }: { line: LogLine; isMarked: b
   const { translated } = line;
   return (
     <div
-      class={`line${line.level === LogLevel.error ? " line-error" : ""}${isMarked ? " line-marked" : ""}`}
+      class={`log-line${line.level === LogLevel.error ? " line-error" : ""}${isMarked ? " line-marked" : ""}`}
       id={idOf(line.number)}
       role="option"
       aria-selected={isMarked}

@@ -15,7 +15,7 @@ import "./topBar.css";
 /** Which scene it is, undo and redo, files, and whether the host is live. */
 export function TopBar({ host, desk }: { host: Host; desk: Desk }) {
   return (
-    <header class="top">
+    <header class="top-bar">
       <h1>iohost</h1>
       <SceneName host={host} />
       <Editing>
