@@ -482,6 +482,32 @@ test("what an ended host left unsaved is offered, and taken", async () => {
   await page.locator("[data-recovered]").waitFor({ state: "detached" });
 });
 
+test("what was left unsaved takes the place of something that isn't saved only when somebody says so", async () => {
+  const port = Number(host.address.split(":")[1]);
+  await page.close();
+  await end();
+  await start(port);
+  await open();
+  await canvas.choosePalette("Mouse");
+  await canvas.nodesAre(["Mouse 1"]);
+  await page.close();
+  await end();
+  await start(port);
+  await open();
+  await canvas.choosePalette("Keyboard");
+  await canvas.nodesAre(["Keyboard 1"]);
+  await nameIs("", true);
+  const take = () => page.locator("[data-recovered]").getByRole("button", { name: "Take them" }).click();
+  await take();
+  await page.getByRole("alertdialog").getByText("The scene has changes that aren't saved. Open untitled scene all the same?").waitFor();
+  await page.getByRole("button", { name: "Leave it" }).click();
+  await canvas.nodesAre(["Keyboard 1"]);
+  await take();
+  await page.getByRole("button", { name: "Open all the same" }).click();
+  await canvas.nodesAre(["Mouse 1"]);
+  await page.locator("[data-recovered]").waitFor({ state: "detached" });
+});
+
 test("what was left unsaved is thrown away only when somebody says so twice", async () => {
   const port = Number(host.address.split(":")[1]);
   const again = async () => {

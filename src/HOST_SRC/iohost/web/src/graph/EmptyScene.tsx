@@ -1,4 +1,5 @@
 import { t } from "../i18n.ts";
+import { openAnother } from "../openAnother.ts";
 import type { Change } from "../requests.ts";
 import type { Editor } from "./editor.ts";
 import { starts } from "./starts.ts";
@@ -19,18 +20,8 @@ export function EmptyScene({ editor }: { editor: Editor }) {
         !(change.op === "object" && objects.some(({ clip, name }) => clip === change.clip && name === change.name)),
     );
   };
-  const openDemo = () => {
-    const act = async () => editor.desk.tell(await requests.load(DEMO), "");
-    if (editor.host.scene.peek()?.unsaved !== true) {
-      void act();
-      return;
-    }
-    editor.desk.question.value = {
-      text: t("The scene has changes that aren't saved. Open {file} all the same?", { file: DEMO }),
-      yes: t("Open all the same"),
-      act: () => void act(),
-    };
-  };
+  const openDemo = () =>
+    openAnother(editor.host, editor.desk, DEMO, async () => editor.desk.tell(await requests.load(DEMO), ""));
   return (
     <div class="empty-scene" data-empty-scene>
       <h2>{t("Start from")}</h2>

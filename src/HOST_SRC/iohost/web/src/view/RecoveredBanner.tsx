@@ -1,6 +1,7 @@
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
+import { openAnother } from "../openAnother.ts";
 
 /** Offers what an earlier run of the host left unsaved. */
 export function RecoveredBanner({ host, desk }: { host: Host; desk: Desk }) {
@@ -8,6 +9,7 @@ export function RecoveredBanner({ host, desk }: { host: Host; desk: Desk }) {
   if (recovered === null) {
     return null;
   }
+  const name = recovered.file ?? t("untitled scene");
   const answer = async (take: boolean) => {
     desk.tell(await host.requests.recover(take), take ? t("Recovered. Save it to keep it.") : t("Thrown away."));
   };
@@ -22,11 +24,11 @@ export function RecoveredBanner({ host, desk }: { host: Host; desk: Desk }) {
     <div class="recovered" role="alert" data-recovered>
       <span>
         {t("An earlier run left changes of {file} unsaved, of {time}.", {
-          file: recovered.file ?? t("untitled scene"),
+          file: name,
           time: new Date(recovered.modified_ms).toLocaleString(),
         })}
       </span>
-      <button type="button" onClick={() => void answer(true)}>
+      <button type="button" onClick={() => openAnother(host, desk, name, () => answer(true))}>
         {t("Take them")}
       </button>
       <button type="button" onClick={askToThrowAway}>
