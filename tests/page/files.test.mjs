@@ -430,6 +430,31 @@ test("a scene is taken along as a file of this computer, and brought back", asyn
   await canvas.nodesAre(["Mouse 1"]);
 });
 
+test("a scene of this computer is saved under its file's name when it's asked for, over nothing that is there", async () => {
+  await canvas.choosePalette("Mouse");
+  await saveAs("mouse");
+  const upload = join(mkdtempSync(join(folder, "here-")), "mouse.json");
+  writeFileSync(upload, JSON.stringify({ format: "iohost scene", version: 1 }));
+  await page.getByRole("button", { name: "Open", exact: true }).click();
+  await page.locator("[data-upload]").setInputFiles(upload);
+  await page.locator("[data-empty-scene]").waitFor();
+  await nameIs("", false);
+  await canvas.choosePalette("Keyboard");
+  await canvas.nodesAre(["Keyboard 1"]);
+  const name = page.locator("[data-scene-name]");
+  await page.keyboard.press("Control+s");
+  await expectEventually("the name that is proposed", () => name.inputValue(), "mouse");
+  await page.getByText("mouse.json is there already and will be replaced.").waitFor();
+  await name.fill("mouse and keyboard");
+  await page.keyboard.press("Enter");
+  await nameIs("mouse and keyboard.json", false);
+  await page.getByRole("button", { name: "Open", exact: true }).click();
+  await page.getByRole("button", { name: "Empty scene" }).click();
+  await page.locator("[data-empty-scene]").waitFor();
+  await page.keyboard.press("Control+s");
+  await expectEventually("no name", () => name.inputValue(), "");
+});
+
 test("a file that is no scene is refused with the reason, and the scene stays", async () => {
   await canvas.choosePalette("Mouse");
   await saveAs("mouse");

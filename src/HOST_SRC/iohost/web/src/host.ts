@@ -62,6 +62,8 @@ export class Host implements ConnectionListener {
   readonly scene = signal<SceneState | null>(null);
   /** What an earlier run of the host left unsaved. */
   readonly recovered = signal<Recovered | null>(null);
+  /** What a scene that was uploaded here is called, which has no file of the folder of scenes. */
+  proposedName: string | null = null;
   readonly log = new LogBuffer();
 
   readonly requests: Requests;
@@ -71,6 +73,8 @@ export class Host implements ConnectionListener {
   #logWaits = false;
   /** The scene that the host told of; `sceneNumber` follows once that one was read. */
   #toldScene = 0;
+  /** The name of the scene that is being uploaded. */
+  #uploadedName: string | null = null;
   #reading = false;
   #sceneIsStale = false;
   #listIsStale = false;
@@ -127,6 +131,16 @@ export class Host implements ConnectionListener {
   /** While it is on, what nodes send to devices is shown only. */
   setListenOnly(on: boolean): void {
     this.#connection.send({ op: "listen_only", on });
+  }
+
+  /** Loads a scene file of this computer. */
+  async upload(file: File): Promise<string | null> {
+    this.#uploadedName = file.name.replace(/\.json$/i, "");
+    const error = await this.requests.upload(file);
+    if (error !== null) {
+      this.#uploadedName = null;
+    }
+    return error;
   }
 
   clearLog(): void {
@@ -220,6 +234,8 @@ export class Host implements ConnectionListener {
   #tellScene(scene: number): void {
     if (scene !== this.#toldScene) {
       this.#toldScene = scene;
+      this.proposedName = this.#uploadedName;
+      this.#uploadedName = null;
       this.#pace.show(() => this.#forgetNodes());
     }
   }

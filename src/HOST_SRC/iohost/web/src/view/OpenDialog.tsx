@@ -73,7 +73,7 @@ export function OpenDialog({ host, desk, onClose }: FileDialogProps) {
                   const file = currentTarget.files?.[0];
                   currentTarget.value = ""; // so that the same one can be chosen again
                   if (file !== undefined) {
-                    ask(file.name, () => host.requests.upload(file));
+                    ask(file.name, () => host.upload(file));
                   }
                 }}
               />

@@ -6,7 +6,7 @@ import { Dialog } from "./Dialog.tsx";
 
 /** Saves the scene under a name in the folder of scenes, or on this computer. */
 export function SaveDialog({ host, desk, onClose }: { host: Host; desk: Desk; onClose(): void }) {
-  const [name, setName] = useState(host.scene.peek()?.file ?? "");
+  const [name, setName] = useState(host.scene.peek()?.file ?? host.proposedName ?? "");
   const [present, setPresent] = useState<readonly string[]>([]);
   const [error, setError] = useState<string | null>(null);
   useEffect(() => {
