@@ -351,6 +351,9 @@ test("a node whose device takes no texts says so", async () => {
   await canvas.face("String data send 1").getByText("Device 1 takes no texts (framed).").waitFor();
   await must(script, { op: "device", device: 1, name: "Stage", parser: "direct" });
   await canvas.face("String data send 1").getByText("takes no texts").waitFor({ state: "detached" });
+  await must(script, { op: "edit", node: "String data send 1", param: 1502, int: 0 });
+  await must(script, { op: "device", device: 1, name: "Stage", parser: "framed" });
+  await canvas.face("String data send 1").getByText("No device takes texts.").waitFor();
 });
 
 test("objects are added, renamed and removed", async () => {

@@ -1,6 +1,7 @@
 // The scene as a graph: nodes are shown live, added, wired and removed.
 import assert from "node:assert/strict";
 import { test } from "node:test";
+import { canvasOf } from "./support/canvas.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
 import { createNode, expectEventually, must, Type, until } from "./support/session.mjs";
@@ -8,6 +9,8 @@ import { createNode, expectEventually, must, Type, until } from "./support/sessi
 const TEXT_INPUT = 202;
 const APPEND_INPUT = 203;
 const CLEAR_INPUT = 204;
+const STRING_SEND = { type: "0F", device: 1503, send: 1507 };
+const DEVICE_JSON = { type: "0E", device: 1402, checks: 1403, key: 1404 };
 
 useScene({
   prepare: async () => {
@@ -66,6 +69,70 @@ test("a page that opens later tells how long ago a node acted, and lights no lam
   assert.doesNotMatch(await activity.getAttribute("class"), /fired/);
   assert.equal(await other.page.locator('[data-face="m"] [data-active]').count(), 0);
   await other.close();
+});
+
+test("a text of a node that its device was dropped counts on the node's face", async () => {
+  await createNode(script, "s", STRING_SEND.type, "Sender");
+  await must(script, { op: "device", device: 3, name: "Wall", parser: "direct", address: "127.0.0.1:9", drop_after: 0.01 });
+  await must(script, { op: "set", node: "s", param: STRING_SEND.device, int: 3 });
+  await canvasOf(page.page, script).choosePalette("Sender");
+  const counters = face("s").locator("[data-counters]");
+  await expectEventually("the counters", () => counters.innerText(), "fired 0");
+  await must(script, { op: "trigger", node: "s", param: STRING_SEND.send });
+  await expectEventually("the counters", () => counters.innerText(), "fired 0 · sent 1 · dropped 1");
+});
+
+test("a node's last verdict stands on its face in one line, however long it is", async () => {
+  await createNode(script, "j", DEVICE_JSON.type, "Taker");
+  const set = (param, value) => must(script, { op: "set", node: "j", param, ...value });
+  const send = (text) => must(script, { op: "event", device: 5, event: 0, payload: { is: "device_text", device: 1, text } });
+  await set(DEVICE_JSON.device, { int: 1 });
+  await canvasOf(page.page, script).choosePalette("Taker");
+  const verdict = face("j").locator("[data-verdict]");
+  await send("no JSON");
+  await expectEventually("the verdict", () => verdict.innerText(), "Last text: not JSON");
+  await set(DEVICE_JSON.checks, { int: 1 });
+  await set(DEVICE_JSON.key, { string: "key ".repeat(50) });
+  await send("{}");
+  await expectEventually("the verdict", () => verdict.getAttribute("data-verdict"), "key_missing");
+  const height = (one) => one.evaluate(({ offsetHeight }) => offsetHeight);
+  assert.equal(await height(verdict), await height(face("j").locator("[data-counters]")));
+});
+
+test("at most three values stand beside a node's pins, those first that wires lead from", async () => {
+  const valued = () => face("m").locator(".face-output").evaluateAll((rows) =>
+    rows.filter((row) => row.querySelector(".face-value:not([data-face-count])")).map((row) => Number(row.querySelector("[data-handleid]").dataset.handleid)).join());
+  await canvasOf(page.page, script).choosePalette("Mouse 1");
+  await expectEventually("those with values", valued, [is.BUTTON_LEFT, is.BUTTON_RIGHT, is.BUTTON_MIDDLE].map(([, id]) => id).join());
+  await must(script, { op: "link", from: "m", output: is.RELATIVE_Y[1], to: "t", input: is.ENABLE });
+  await expectEventually("those with values", valued, [is.BUTTON_LEFT, is.BUTTON_RIGHT, is.RELATIVE_Y].map(([, id]) => id).join());
+});
+
+test("a click on the map moves the view there, and so does dragging it", async () => {
+  const canvas = canvasOf(page.page, script);
+  await must(script, { op: "place", nodes: { k: { x: 0, y: 0 }, m: { x: 0, y: 2000 }, t: { x: 4000, y: 2000 } } });
+  await canvas.choosePalette("Keyboard 1");
+  await expectEventually("those in sight", inSight, 1);
+  const shows = (node) => until(`${node} in the middle`, async () => {
+    const [at, pane] = [await canvas.middleOf(face(node)), await canvas.pane().boundingBox()];
+    return at.x > pane.x && at.x < pane.x + pane.width && at.y > pane.y && at.y < pane.y + pane.height;
+  });
+  await shows("k");
+  const map = page.page.locator(".react-flow__minimap-node");
+  const onMap = async (node) => {
+    const { nodes } = await canvas.scene();
+    return canvas.middleOf(map.nth(nodes.findIndex((one) => one.node === node)));
+  };
+  const zoom = await canvas.zoom();
+  const to = await onMap("t");
+  await page.mouse.click(to.x, to.y);
+  await shows("t");
+  assert.equal(await canvas.zoom(), zoom);
+  const left = async () => (await face("t").boundingBox()).x;
+  const before = await left();
+  const { x, y } = await onMap("t");
+  await canvas.drag({ x, y }, { x: x - 20, y });
+  await until("a view further left", async () => (await left()) > before + 100);
 });
 
 test("a wire that is drawn from an event to an event is a link", async () => {

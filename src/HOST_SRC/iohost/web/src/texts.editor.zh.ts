@@ -38,6 +38,7 @@ export const EDITOR_ZH = {
   "Added: {count}": "已添加：{count}",
   "There is no device {id}.": "没有设备 {id}。",
   "There is no object {name}.": "没有物体 {name}。",
+  "No device takes texts.": "没有设备接收文本。",
   "Device {id} takes no texts ({parser}).": "设备 {id} 不接收文本（{parser}）。",
   "An output with {output} doesn't fit an input for {input}.": "带{output}的输出不适合接收{input}的输入。",
   "An output with {output} brings nothing to an input for {input}: links copy values as they stand.": "带{output}的输出无法给接收{input}的输入带来值：连线原样复制值。",

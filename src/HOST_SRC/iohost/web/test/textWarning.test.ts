@@ -28,9 +28,16 @@ test("where the device comes by a link, what the link brings counts", () => {
   assert.equal(textWarning(stringSend(1, 2), devices, fed), "Device 1 takes no texts (framed).");
 });
 
-test("nothing is told of devices that take texts, of texts for all, and of other nodes", () => {
+test("texts for all reach no one where no device takes any", () => {
+  assert.equal(textWarning(stringSend(0, 9), devices.slice(0, 1), asIs), "No device takes texts.");
+  assert.equal(textWarning(stringSend(0, 9), [], asIs), "No device takes texts.");
+});
+
+test("nothing is told of devices that take texts, of texts for all that one takes, of devices not known yet, and of other nodes", () => {
   assert.equal(textWarning(stringSend(1, 2), devices, asIs), null);
   assert.equal(textWarning(stringSend(1, 3), devices, asIs), null);
   assert.equal(textWarning(stringSend(0, 9), devices, asIs), null);
+  assert.equal(textWarning(stringSend(0, 9), null, asIs), null);
+  assert.equal(textWarning(stringSend(1, 9), null, asIs), null);
   assert.equal(textWarning(stringSend(1, 1, NodeType.keyboard), devices, asIs), null);
 });

@@ -153,6 +153,9 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   });
 
   const keepFlow = useConstant((instance: ReactFlowInstance<CanvasNode, Wire>) => void (flow.current = instance));
+  const goToPlace = useConstant((_: unknown, { x, y }: XYPosition) => {
+    void flow.current?.setCenter(x, y, { zoom: flow.current.getZoom(), duration: 200 });
+  });
   const canLink = useConstant((connection: Connection | Edge) => editor.whyNot(asLink(connection)) === null);
   const link = useConstant((connection: Connection) => void editor.connect(asLink(connection)));
   const endWire = useConstant((event: MouseEvent | TouchEvent, { isValid, fromHandle, toHandle }: FinalConnectionState) => {
@@ -217,7 +220,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
         >
           <Background />
           <Controls showInteractive={false} />
-          <MiniMap pannable zoomable style={MAP_SIZE} />
+          <MiniMap pannable zoomable onClick={goToPlace} style={MAP_SIZE} />
         </ReactFlow>
         {nodes?.length === 0 && faces.length === 0 && <EmptyScene editor={editor} />}
         {editor.palette.value !== null && <Palette editor={editor} call={editor.palette.value} />}

@@ -10,21 +10,21 @@ export function textWarning(
   devices: readonly Pick<DeviceState, "id" | "parser">[] | null,
   fed: (input: Param) => Param,
 ): string | null {
-  if (typeByte(node.type) !== NodeType.stringSend) {
+  if (devices === null || typeByte(node.type) !== NodeType.stringSend) {
     return null;
   }
+  const takesTexts = ({ parser }: Pick<DeviceState, "parser">) => parser === "direct" || parser === "json";
   const valueOf = (id: number) => {
     const input = inputOf(node, id);
     return input && fed(input).int;
   };
   if (valueOf(StringSendPin.toDevice) === 0) {
-    return null;
+    return devices.some(takesTexts) ? null : t("No device takes texts.");
   }
   const id = valueOf(StringSendPin.deviceId) ?? 0;
-  const device = devices?.find((one) => one.id === id);
+  const device = devices.find((one) => one.id === id);
   if (device === undefined) {
     return t("There is no device {id}.", { id });
   }
-  const takesTexts = device.parser === "direct" || device.parser === "json";
-  return takesTexts ? null : t("Device {id} takes no texts ({parser}).", { id, parser: device.parser });
+  return takesTexts(device) ? null : t("Device {id} takes no texts ({parser}).", { id, parser: device.parser });
 }
