@@ -1,16 +1,17 @@
 import { batch } from "@preact/signals";
 
-/** Nobody reads faster, and each time that something is shown costs layout and paint. */
-const PAUSE_MS = 200;
+/** What comes after something that was shown waits so long; longer while it goes on: each showing costs layout and paint. */
+const PAUSES_MS = [100, 200, 333];
 
 /** Carries out changes of what is shown, in order: one that comes alone at once, others together at the end of a pause. */
 export class Pace {
-  #pausing = false;
+  /** How many have followed each other, this one included. */
+  #pauses = 0;
   #waiting: (() => void)[] = [];
 
   show(change: () => void): void {
     this.#waiting.push(change);
-    if (!this.#pausing) {
+    if (this.#pauses === 0) {
       this.#showWaiting();
     }
   }
@@ -18,10 +19,11 @@ export class Pace {
   #showWaiting(): void {
     const changes = this.#waiting;
     this.#waiting = [];
-    this.#pausing = changes.length > 0;
-    if (this.#pausing) {
-      setTimeout(() => this.#showWaiting(), PAUSE_MS);
-      batch(() => changes.forEach((change) => change()));
+    if (changes.length === 0) {
+      this.#pauses = 0;
+      return;
     }
+    setTimeout(() => this.#showWaiting(), PAUSES_MS[Math.min(this.#pauses++, PAUSES_MS.length - 1)]);
+    batch(() => changes.forEach((change) => change()));
   }
 }

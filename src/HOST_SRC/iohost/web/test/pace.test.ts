@@ -3,9 +3,14 @@ import { afterEach, beforeEach, mock, test } from "node:test";
 import { Pace } from "../src/pace.ts";
 
 let endPause: () => void;
+let pauses: number[];
 
 beforeEach(() => {
-  mock.method(globalThis, "setTimeout", (action: () => void) => (endPause = action));
+  pauses = [];
+  mock.method(globalThis, "setTimeout", (action: () => void, time: number) => {
+    pauses.push(time);
+    endPause = action;
+  });
 });
 afterEach(() => mock.restoreAll());
 
@@ -35,4 +40,18 @@ test("a change that is asked for while others are shown waits for the next time"
   assert.deepEqual(shown, ["outer"]);
   endPause();
   assert.deepEqual(shown, ["outer", "inner"]);
+});
+
+test("what goes on is shown less often than what has just begun, until nothing comes", () => {
+  const pace = new Pace();
+  for (let round = 0; round < 5; ++round) {
+    pace.show(() => {});
+    if (round > 0) {
+      endPause();
+    }
+  }
+  assert.deepEqual(pauses, [100, 200, 333, 333, 333]);
+  endPause();
+  pace.show(() => {});
+  assert.equal(pauses.at(-1), 100);
 });
