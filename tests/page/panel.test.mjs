@@ -72,10 +72,10 @@ test("switching a node off stops its events, and every page shows the switch", a
 
 test("after an edit the page reads the node that changed, and no other", async () => {
   const before = page.sent.length;
-  const read = () => page.sent.slice(before).filter(({ op }) => op === "inspect" || op === "scene");
+  const read = () => page.sent.slice(before).filter(({ op }) => op === "inspect_nodes" || op === "scene");
   await script.request({ op: "edit", node: "k", param: is.ENABLE, int: 0 });
   await until("the switch", async () => !(await enable(page, "k").isChecked()));
-  assert.deepEqual(new Set(read().map(({ node }) => node)), new Set(["k"]));
+  assert.deepEqual(new Set(read().flatMap(({ nodes }) => nodes)), new Set(["k"]));
 });
 
 test("of nodes that are moved or renamed the page reads the list alone", async () => {
@@ -83,7 +83,7 @@ test("of nodes that are moved or renamed the page reads the list alone", async (
   await script.request({ op: "place", nodes: { k: { x: 700, y: 0 }, m: { x: 700, y: 300 } } });
   await script.request({ op: "rename", node: "k", graph: "Renamed" });
   await page.page.locator("article[data-node=k]", { hasText: "Renamed" }).waitFor();
-  const read = page.sent.slice(before).map(({ op }) => op).filter((op) => op === "inspect" || op === "scene");
+  const read = page.sent.slice(before).map(({ op }) => op).filter((op) => op === "inspect_nodes" || op === "scene");
   assert.deepEqual(new Set(read), new Set(["scene"]));
 });
 

@@ -34,6 +34,19 @@ TEST_F(Create, InspectShowsTheNodeInTheDocumentedOrder) {
                   strGroup + R"(,"inputs":)" + strGroup + R"(,"outputs":)" + strOutputs + "}");
 }
 
+TEST_F(Create, SeveralNodesAreInspectedAtOnceAndThoseThatAreGonePassedOver) {
+    Talk(R"(
+        create node=k type=keyboard clip=C graph=K
+        create node=m type=mouse clip=C graph=M
+    )");
+    OrderedJson mouse = Must("inspect node=m");
+    OrderedJson keyboard = Must("inspect node=k");
+    mouse.erase("ok");
+    keyboard.erase("ok");
+    EXPECT_EQ(Must(R"(inspect_nodes nodes=["m","gone","k"])")["nodes"], (OrderedJson{{"m", mouse}, {"k", keyboard}}));
+    EXPECT_EQ(Must("inspect_nodes nodes=[]")["nodes"], OrderedJson::object());
+}
+
 TEST_F(Create, TypesAreReadInEitherCaseAndUnknownOnesMakeNoHandle) {
     Talk(R"(
         create node=x type=nobodys clip=C graph=G => {"result":1,"created":false}

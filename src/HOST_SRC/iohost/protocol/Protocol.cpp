@@ -142,6 +142,16 @@ void CutForViewers(OutputValues& values) {
     }
 }
 
+void CutForViewers(SNodeDetails& details) {
+    for (auto* pGroups : {&details.own, &details.inputs, &details.outputs}) {
+        for (SGroupState& group : *pGroups) {
+            for (SParamState& param : group.params) {
+                Cut(*param.text, param.length);
+            }
+        }
+    }
+}
+
 void CutForViewers(SDone& done) {
     CutForViewers(done.activity);
     if (auto* pFrame = std::get_if<SFrameResults>(&done.outcome.result)) {
@@ -153,12 +163,11 @@ void CutForViewers(SDone& done) {
         }
     }
     if (auto* pDetails = std::get_if<SNodeDetails>(&done.outcome.result)) {
-        for (auto* pGroups : {&pDetails->own, &pDetails->inputs, &pDetails->outputs}) {
-            for (SGroupState& group : *pGroups) {
-                for (SParamState& param : group.params) {
-                    Cut(*param.text, param.length);
-                }
-            }
+        CutForViewers(*pDetails);
+    }
+    if (auto* pNodes = std::get_if<SNodesDetails>(&done.outcome.result)) {
+        for (auto& [strHandle, details] : pNodes->nodes) {
+            CutForViewers(details);
         }
     }
 }

@@ -21,6 +21,7 @@ SHAPE(SValues, SField{"int", &T::nInteger}, SField{"float", &T::fNumber}, SField
 SHAPE(SNodeDetails, SField{"type", &T::guidType}, SField{"kind_code", &T::nKindCode}, SField{"name", &T::strName},
       SField{"second_name", &T::strSecondName}, SField{"own", &T::own}, SField{"inputs", &T::inputs},
       SField{"outputs", &T::outputs})
+SHAPE(SNodesDetails, SField{"nodes", &T::nodes})
 SHAPE(SPlace, SField{"x", &T::fX}, SField{"y", &T::fY}, SField{"folded", &T::bFolded, FIELD_OPTIONAL})
 SHAPE(SNote, SField{"x", &T::fX}, SField{"y", &T::fY}, SField{"width", &T::fWidth}, SField{"height", &T::fHeight},
       SField{"text", &T::strText})
@@ -105,6 +106,7 @@ TAGGED(SCreateCommand, "create", SField{"node", &T::strHandle}, SField{"type", &
        SField{"notify_window", &T::bNotifyWindow, FIELD_OPTIONAL}, SField{"outputs", &T::bOutputs, FIELD_OPTIONAL},
        SField{"saved", &T::saved, FIELD_OPTIONAL})
 TAGGED(SInspectCommand, "inspect", SField{"node", &T::strHandle})
+TAGGED(SInspectNodesCommand, "inspect_nodes", SField{"nodes", &T::handles})
 TAGGED(SInitCommand, "init", SField{"node", &T::strHandle})
 TAGGED(SOutputsCommand, "outputs", SField{"node", &T::strHandle})
 TAGGED(SLayoutCommand, "layout", SField{"node", &T::strHandle})

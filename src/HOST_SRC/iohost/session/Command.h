@@ -42,6 +42,9 @@ struct SNodeCommand {
 };
 
 struct SInspectCommand : SNodeCommand {};
+struct SInspectNodesCommand {
+    std::vector<std::string> handles; ///< those of no node are passed over: it may just have gone
+};
 struct SInitCommand : SNodeCommand {};
 struct SOutputsCommand : SNodeCommand {};
 struct SLayoutCommand : SNodeCommand {};
@@ -294,7 +297,7 @@ using Command =
                  SListenOnlyCommand, SLogCommand, SCountersCommand, SLayoutCommand, SDestroyCommand, SSaveCommand,
                  SLoadCommand, SSceneCommand, SRecordingCommand, SQuitCommand, SRenameCommand, SPlaceCommand,
                  SChangeObjectCommand, SRemoveObjectCommand, SBatchCommand, SUndoCommand, SRedoCommand, SHistoryCommand,
-                 SScenesCommand, SRecoverCommand, SResetCountersCommand>;
+                 SScenesCommand, SRecoverCommand, SResetCountersCommand, SInspectNodesCommand>;
 
 struct SCommands {
     std::vector<Command> list;

@@ -54,6 +54,17 @@ void CheckNewObject(VEKClip& clip, const CString& strName, const std::string& st
     }
 }
 
+SNodeDetails DetailsOf(const SNode& node) {
+    const P_ExtDevIOProcess& object = *node.pNode;
+    return {object.m_guidType,
+            object.m_nKindCode,
+            object.m_strName,
+            object.m_strSecondName,
+            StateOf(object.m_lstParamGroup),
+            StateOf(node.pGraphNode->m_lstInputGroup),
+            StateOf(node.pGraphNode->m_lstOutputGroup)};
+}
+
 void AddObject(VEKClip& clip, const CString& strName, const std::optional<std::array<float, 16>>& matrix) {
     auto* pObject = new VEKObject(strName);
     clip.m_lstObject.AddTail(pObject);
@@ -128,15 +139,17 @@ Result CSession::On(const SCreateCommand& command) {
 }
 
 Result CSession::On(const SInspectCommand& command) {
-    const SNode& node = NodeOf(command.strHandle);
-    const P_ExtDevIOProcess& object = *node.pNode;
-    return SNodeDetails{object.m_guidType,
-                        object.m_nKindCode,
-                        object.m_strName,
-                        object.m_strSecondName,
-                        StateOf(object.m_lstParamGroup),
-                        StateOf(node.pGraphNode->m_lstInputGroup),
-                        StateOf(node.pGraphNode->m_lstOutputGroup)};
+    return DetailsOf(NodeOf(command.strHandle));
+}
+
+Result CSession::On(const SInspectNodesCommand& command) {
+    SNodesDetails details;
+    for (const std::string& strHandle : command.handles) {
+        if (const SNode* pNode = Scene().Find(strHandle)) {
+            details.nodes.emplace_back(strHandle, DetailsOf(*pNode));
+        }
+    }
+    return details;
 }
 
 void CSession::On(const SInitCommand& command) {

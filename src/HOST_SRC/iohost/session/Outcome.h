@@ -52,6 +52,10 @@ struct SNodeDetails {
     std::vector<SGroupState> outputs;
 };
 
+struct SNodesDetails {
+    std::vector<std::pair<std::string, SNodeDetails>> nodes; ///< by their handles
+};
+
 struct SLayout {
     CString strPath;
     const void* pReader;
@@ -154,7 +158,7 @@ struct SCounters {
 using Result =
     std::variant<std::monostate, SCatalogue, SCalled, SCreated, SNodeDetails, SLayout, SDestroyed, SNodeResults,
                  SFrameResults, SEdited, SReleased, SListening, SWaited, SNetworkState, SSceneView, SObjects, SVerdicts,
-                 SLogLines, SCounters, SSceneDocument, SStepTaken, SHistoryState, SScenes>;
+                 SLogLines, SCounters, SSceneDocument, SStepTaken, SHistoryState, SScenes, SNodesDetails>;
 
 struct SOutcome {
     Result result;

@@ -119,6 +119,7 @@ private:
     Result On(const SCallCommand& command);
     Result On(const SCreateCommand& command);
     Result On(const SInspectCommand& command);
+    Result On(const SInspectNodesCommand& command);
     void On(const SInitCommand& command);
     void On(const SOutputsCommand& command);
     void On(const SEvaluateCommand& command);

@@ -23,6 +23,8 @@ export type NodeView = SceneNode & { details: NodeDetails };
 
 /** Longer than the host takes to count what the page has already seen. */
 const COUNTED_WITHIN_MS = 500;
+/** Of so many nodes one reply stays far below what the host lets wait for a page. */
+const NODES_A_REQUEST = 100;
 
 /** What the page knows of its host, and what it asks of it. */
 export class Host implements ConnectionListener {
@@ -349,8 +351,8 @@ export class Host implements ConnectionListener {
     if (known === null) {
       return; // the scene couldn't be read; it will be with the next connection
     }
-    const read = await Promise.all(known.map((node) => (stale.has(node.node) ? this.#readNode(node) : node)));
-    this.nodes.value = known.map((node, index) => read[index] ?? node);
+    const read = await this.#inspect(known.filter(({ node }) => stale.has(node)));
+    this.nodes.value = known.map((node) => read.get(node.node) ?? node);
   }
 
   /** Of nodes that are known, only stale ones are inspected; null: all are. */
@@ -361,16 +363,12 @@ export class Host implements ConnectionListener {
       return;
     }
     const known = new Map((this.nodes.peek() ?? []).map((node) => [node.node, node]));
-    const read = await Promise.all(
-      scene.nodes.map((node): Promise<NodeView | null> => {
-        const before = stale === null || stale.has(node.node) ? undefined : known.get(node.node);
-        return before === undefined ? this.#readNode(node) : Promise.resolve(listedAnew(before, node));
-      }),
-    );
+    const isFresh = ({ node }: SceneNode) => stale !== null && !stale.has(node) && known.has(node);
+    const read = await this.#inspect(scene.nodes.filter((node) => !isFresh(node)));
     if (this.connection.peek().is !== "open") {
       return; // it comes as a whole with the next connection
     }
-    const nodes = read.filter((node) => node !== null);
+    const nodes = scene.nodes.flatMap((node) => (isFresh(node) ? listedAnew(known.get(node.node)!, node) : (read.get(node.node) ?? [])));
     const handles = new Set(nodes.map(({ node }) => node));
     this.values.keepOnly(handles);
     this.fired.keepOnly(handles);
@@ -401,25 +399,46 @@ export class Host implements ConnectionListener {
     }
   }
 
-  async #readNode(node: SceneNode): Promise<NodeView | null> {
-    const details = await this.#connection.request<NodeDetails>({ op: "inspect", node: node.node });
-    if (!details.ok) {
-      return null;
-    }
-    this.#pace.show(() => {
-      for (const { params } of details.outputs) {
-        for (const { id, int, float, string, length } of params) {
-          this.values.of(node.node, id).value = { int, float, string, ...(length !== undefined && { length }) };
+  /** What nodes have, by their handles; those that have just gone aren't there. */
+  async #inspect(nodes: readonly SceneNode[]): Promise<Map<string, NodeView>> {
+    const read = new Map<string, NodeView>();
+    const inspectSome = async (some: readonly SceneNode[]) => {
+      const reply = await this.#connection.request<{ nodes: Record<string, NodeDetails> }>({
+        op: "inspect_nodes",
+        nodes: some.map(({ node }) => node),
+      });
+      const told = new Map(reply.ok ? Object.entries(reply.nodes) : []);
+      for (const node of some) {
+        const details = told.get(node.node);
+        if (details !== undefined) {
+          this.#showOutputs(node.node, details);
+          read.set(node.node, { ...node, details: withAvailable(details) });
         }
       }
-    });
-    // Which inputs its panel offers, a node says by its own parameters; the graph's inputs are copies of them.
-    const own = new Map(details.own.flatMap(({ params }) => params).map(({ id, available }) => [id, available]));
-    for (const param of details.inputs.flatMap(({ params }) => params)) {
-      param.available = own.get(param.id) ?? param.available;
-    }
-    return { ...node, details };
+    };
+    const requests = Math.ceil(nodes.length / NODES_A_REQUEST);
+    await Promise.all(
+      Array.from({ length: requests }, (_, index) => inspectSome(nodes.slice(index * NODES_A_REQUEST, (index + 1) * NODES_A_REQUEST))),
+    );
+    return read;
   }
+
+  #showOutputs(node: string, { outputs }: NodeDetails): void {
+    this.#pace.show(() => {
+      for (const { id, int, float, string, length } of outputs.flatMap(({ params }) => params)) {
+        this.values.of(node, id).value = { int, float, string, ...(length !== undefined && { length }) };
+      }
+    });
+  }
+}
+
+/** Which inputs its panel offers, a node says by its own parameters; the graph's inputs are copies of them. */
+function withAvailable(details: NodeDetails): NodeDetails {
+  const own = new Map(details.own.flatMap(({ params }) => params).map(({ id, available }) => [id, available]));
+  for (const param of details.inputs.flatMap(({ params }) => params)) {
+    param.available = own.get(param.id) ?? param.available;
+  }
+  return details;
 }
 
 /** Stays the same object where the scene lists it as before, so that nothing of it is drawn anew. */

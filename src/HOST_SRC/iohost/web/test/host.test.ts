@@ -12,7 +12,7 @@ let retry: () => void;
 class StandInSocket extends EventTarget {
   static readonly OPEN = 1;
   readyState = 0;
-  readonly sent: { op: string; id?: number; event?: number; down?: number[] }[] = [];
+  readonly sent: { op: string; id?: number; event?: number; down?: number[]; nodes?: string[] }[] = [];
 
   constructor() {
     super();
@@ -174,7 +174,7 @@ async function answer(socket: StandInSocket, op: string, reply: object): Promise
 
 async function answerScene(socket: StandInSocket, nodes: readonly (typeof KEYS)[]): Promise<void> {
   await answer(socket, "scene", { version: 1, nodes, links: [] });
-  await answer(socket, "inspect", NO_PINS);
+  await answer(socket, "inspect_nodes", { nodes: Object.fromEntries(nodes.map(({ node }) => [node, NO_PINS])) });
 }
 
 test("another scene begins anew, also for nodes of the same handles; a new connection goes on", async () => {
@@ -232,10 +232,7 @@ test("a node of which nothing changed stays the same object when the scene chang
   const socket = connect();
   const mouse = { ...KEYS, node: "m", graph: "Mouse", place: { x: 1, y: 2 } };
   await answer(socket, "scene", { version: 1, nodes: [KEYS, mouse], links: [] });
-  for (const { id } of socket.sent.filter(({ op }) => op === "inspect")) {
-    socket.tell({ ok: true, id, ...NO_PINS });
-  }
-  await new Promise(setImmediate);
+  await answer(socket, "inspect_nodes", { nodes: { k: NO_PINS, m: NO_PINS } });
   const before = host.nodes.value!;
   socket.tell({ push: "scene", version: 2, changed: ["k"] });
   await answerScene(socket, [{ ...KEYS, graph: "Keyboard" }, mouse]);
@@ -244,6 +241,19 @@ test("a node of which nothing changed stays the same object when the scene chang
   socket.tell({ push: "scene", version: 3, changed: [] });
   await answer(socket, "scene", { version: 3, nodes: [KEYS, { ...mouse, place: { x: 1, y: 3 } }], links: [] });
   assert.equal(host.nodes.value![1]!.place!.y, 3);
+});
+
+test("many nodes are asked for in parts; those that have gone meanwhile aren't shown, whatever their handles", async () => {
+  const { host } = openPage();
+  const socket = connect();
+  const handles = ["constructor", "__proto__", ...Array.from({ length: 99 }, (_, index) => `k${index}`)];
+  await answer(socket, "scene", { version: 1, nodes: handles.map((node) => ({ ...KEYS, node })), links: [] });
+  const asked = socket.sent.filter(({ op }) => op === "inspect_nodes");
+  assert.deepEqual(asked.flatMap(({ nodes }) => nodes), handles);
+  const [first, second] = asked;
+  socket.tell({ ok: true, id: first!.id, nodes: { k0: NO_PINS } }, { ok: true, id: second!.id, nodes: { k98: NO_PINS } });
+  await new Promise(setImmediate);
+  assert.deepEqual(host.nodes.value?.map(({ node }) => node), ["k0", "k98"]);
 });
 
 test("how often outputs fired is what the host counts; when it counts anew, nothing has fired", () => {
@@ -268,7 +278,7 @@ test("a connection that is lost while the scene is read leaves the page what it 
   const scene = { version: 1, nodes: [KEYS], links: [{ from: "k", output: 1, to: "gone", input: 2 }] };
   const first = connect();
   await answer(first, "scene", scene);
-  await answer(first, "inspect", NO_PINS);
+  await answer(first, "inspect_nodes", { nodes: { k: NO_PINS } });
   const shown = host.nodes.value;
   assert.deepEqual(shown?.map(({ graph }) => graph), ["Keys"]);
   assert.deepEqual(host.links.value, []);
