@@ -106,9 +106,11 @@ TEST_F(NetworkRequests, DevicesAreConnectedWhenTheReplyComes) {
 
 TEST_F(NetworkRequests, DevicesAreReplacedAndTakenAway) {
     auto first = ConnectDevice("framed");
+    auto anew = ConnectDevice("framed");
+    EXPECT_TRUE(m_peers.IsClosed(first));
     SetDevice(4, "framed", m_listener.Address());
     auto second = m_listener.Accept();
-    EXPECT_TRUE(m_peers.IsClosed(first));
+    EXPECT_TRUE(m_peers.IsClosed(anew));
     EXPECT_EQ(Device()["id"], 4);
     auto other = m_peers.Connect(ListenControl());
     Must("devices list=null");
