@@ -321,7 +321,6 @@ private:
         TellHappened(done.activity, done.origin.pHeld);
         if (done.origin.pHeld == nullptr) { // else the reply comes first
             TellScene();
-            TellHeld();
         }
     }
 
