@@ -1,11 +1,12 @@
 // How the page looks to whom: its languages, its colours, its motion.
 import assert from "node:assert/strict";
 import { test } from "node:test";
+import { startHost } from "./support/host.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
-import { createNode, must, Type, until } from "./support/session.mjs";
+import { createNode, createScene, must, Type, until } from "./support/session.mjs";
 
-useScene({ start: () => ({ options: ["--texts", "zh"] }) });
+useScene();
 
 const TABS = ["log", "keyboard", "hands", "network", "json", "objects"];
 
@@ -78,6 +79,31 @@ test("in Chinese no text is left in English, on any tab", async () => {
   await isRefused(/^scene: 从第 2 字节起不是 JSON$/);
 });
 
+test("names of types, pins and choices follow the switch, whichever the host's are", async () => {
+  const chinese = await startHost({ options: ["--texts", "zh"] });
+  const other = await createScene(chinese.address);
+  await createNode(other, "j", "0E", "JSON");
+  await createNode(other, "v", Type.vrHandle, "Hand");
+  const view = await is.openPage(browser, chinese);
+  const pins = (node) => view.page.locator(`article[data-node=${node}] .output-name`).allInnerTexts();
+  const hands = () => view.page.locator('article[data-node=v] select[data-param="803"] option').allInnerTexts();
+  const type = view.page.locator("article[data-node=k] header");
+  await view.page.locator("article[data-node=v] select").waitFor();
+  for (const [language, pressed, key, keyboard, left] of [["EN", "Pressed", "Key 1", "Keyboard · Demo", "Left hand"], ["中文", "按下", "键1", "键盘 · Demo", "左手柄"]]) {
+    await view.page.getByRole("button", { name: language, exact: true }).click();
+    await until(`names of pins, ${language}`, async () => (await pins("k")).includes(pressed) && (await pins("j")).includes(key));
+    assert.ok((await type.innerText()).includes(keyboard));
+    assert.equal((await hands())[0], left);
+    await view.page.keyboard.press("Control+k");
+    await view.page.locator(`[data-entry="${keyboard.split(" ")[0]}"]`).waitFor();
+    await view.page.keyboard.press("Escape");
+    await view.page.locator("[data-palette]").waitFor({ state: "detached" });
+  }
+  await view.close();
+  await other.close();
+  assert.equal(await chinese.end(), 0);
+});
+
 test("the browser's languages choose the page's, and a switch does, which the page remembers", async () => {
   const context = await browser.newContext({ locale: "zh-CN" });
   const view = { page: await context.newPage() };
@@ -94,14 +120,14 @@ test("the browser's languages choose the page's, and a switch does, which the pa
 test("lines of the log are shown in the page's language, with what was logged as the title", async () => {
   await script.request({ op: "event", device: 1, event: 3004 });
   await page.fires(is.HOVER, 1);
-  await until("the line", async () => (await logLine(page).innerText()) === "[Demo.Mouse 1.鼠标] fired [Hover]");
-  assert.equal(await logLine(page).getAttribute("title"), "[Demo.Mouse 1.鼠标]触发输出事件[停留]");
+  await until("the line", async () => (await logLine(page).innerText()) === "[Demo.Mouse 1.Mouse] fired [Hover]");
+  assert.equal(await logLine(page).getAttribute("title"), "[Demo.Mouse 1.Mouse]触发输出事件[停留]");
   for (const search of ["fired [hover", "[停留]"]) {
     await page.page.locator(".log-search").fill(search);
     await page.page.locator('[data-log-shown="1"]').waitFor();
   }
   await page.page.getByRole("button", { name: "中文" }).click();
-  await until("the line", async () => (await logLine(page).innerText()) === "[Demo.Mouse 1.鼠标]触发输出事件[停留]");
+  await until("the line", async () => (await logLine(page).innerText()) === "[Demo.Mouse 1.Mouse]触发输出事件[停留]");
   await page.page.locator(".log-search").fill("");
   await must(script, { op: "device", device: 1, name: "Wall", parser: "direct", address: "127.0.0.1:9" });
   await until("the host's line", async () => (await logLine(page).innerText()).startsWith('无法连接设备 1 "Wall" at 127.0.0.1:9：'));

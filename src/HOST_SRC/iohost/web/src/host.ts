@@ -1,6 +1,7 @@
-import { batch, signal } from "@preact/signals";
+import { batch, computed, signal } from "@preact/signals";
 import { Connection, type ConnectionListener } from "./connection.ts";
 import { FrameWatch } from "./frames.ts";
+import { withTexts } from "./hostTexts.ts";
 import { Holders } from "./input/holders.ts";
 import { KeyboardState } from "./input/keyboardState.ts";
 import { VirtualKey } from "./input/virtualKeys.ts";
@@ -34,7 +35,7 @@ export class Host implements ConnectionListener {
   /** Tells scenes apart, however alike their nodes are: the host's number of the one that is shown. */
   readonly sceneNumber = signal(0);
   /** Null until the scene was read for the first time. */
-  readonly nodes = signal<NodeView[] | null>(null);
+  readonly nodes = computed((): readonly NodeView[] | null => this.#nodes.value?.map(withTexts) ?? null);
   readonly links = signal<readonly Link[]>([]);
   /** Texts on the canvas, by their ids. */
   readonly notes = signal<Readonly<Record<string, Note>>>({});
@@ -70,6 +71,8 @@ export class Host implements ConnectionListener {
 
   readonly requests: Requests;
 
+  /** As the host told of them. */
+  readonly #nodes = signal<readonly NodeView[] | null>(null);
   readonly #connection: Connection;
   readonly #pace = new Pace();
   #logWaits = false;
@@ -347,12 +350,12 @@ export class Host implements ConnectionListener {
   }
 
   async #readNodes(stale: ReadonlySet<string>): Promise<void> {
-    const known = this.nodes.peek();
+    const known = this.#nodes.peek();
     if (known === null) {
       return; // the scene couldn't be read; it will be with the next connection
     }
     const read = await this.#inspect(known.filter(({ node }) => stale.has(node)));
-    this.nodes.value = known.map((node) => read.get(node.node) ?? node);
+    this.#nodes.value = known.map((node) => read.get(node.node) ?? node);
   }
 
   /** Of nodes that are known, only stale ones are inspected; null: all are. */
@@ -362,7 +365,7 @@ export class Host implements ConnectionListener {
     if (!scene.ok) {
       return;
     }
-    const known = new Map((this.nodes.peek() ?? []).map((node) => [node.node, node]));
+    const known = new Map((this.#nodes.peek() ?? []).map((node) => [node.node, node]));
     const isFresh = ({ node }: SceneNode) => stale !== null && !stale.has(node) && known.has(node);
     const read = await this.#inspect(scene.nodes.filter((node) => !isFresh(node)));
     if (this.connection.peek().is !== "open") {
@@ -376,7 +379,7 @@ export class Host implements ConnectionListener {
     this.counters.keepOnly(handles);
     batch(() => {
       this.sceneNumber.value = number;
-      this.nodes.value = nodes;
+      this.#nodes.value = nodes;
       this.jsonVerdicts.value = new Map([...this.jsonVerdicts.value].filter(([node]) => handles.has(node)));
       this.links.value = scene.links.filter(({ from, to }) => handles.has(from) && handles.has(to));
       this.notes.value = scene.notes ?? {};

@@ -1,5 +1,6 @@
 import { memo } from "preact/compat";
 import type { Host } from "../host.ts";
+import { hostText } from "../hostTexts.ts";
 import { t } from "../i18n.ts";
 import { inputsOf, outputsOf, pinText } from "../nodePins.ts";
 import type { Link } from "../protocol.ts";
@@ -18,7 +19,7 @@ export const Outline = memo(function Outline({ host }: { host: Host }) {
       <ul>
         {nodes.map((node) => (
           <li key={node.node}>
-            {node.graph}, {node.details.name}
+            {node.graph}, {hostText(node.details.name)}
             <ul>
               {links.get(node.node)?.flatMap((link) => {
                 const source = byHandle.get(link.from);

@@ -1,5 +1,6 @@
 import { useEffect, useRef, useState } from "preact/hooks";
 import type { NodeView } from "../host.ts";
+import { hostText } from "../hostTexts.ts";
 import { t } from "../i18n.ts";
 import { iconOf } from "../icons.ts";
 import type { OfferedType } from "../protocol.ts";
@@ -25,7 +26,7 @@ export function Palette({ editor, call }: { editor: Editor; call: PaletteCall })
     void editor.host.requests.types().then(setTypes);
   }, []);
 
-  const groups = groupsOf(editor, call, types, search);
+  const groups = groupsOf(editor, call, types.map((type) => ({ ...type, name: hostText(type.name) })), search);
   const entries = groups.flatMap((group) => group.entries);
   const close = () => (editor.palette.value = null);
   const take = (entry: Entry | undefined) => {

@@ -1,5 +1,6 @@
 // What the graph's library draws of the scene. What nothing changed of stays the same object, so that it isn't drawn anew.
 import type { NodeView } from "../host.ts";
+import { hostText } from "../hostTexts.ts";
 import { t } from "../i18n.ts";
 import { inputsOf, outputsOf, pinText } from "../nodePins.ts";
 import type { Link, Note, Place } from "../protocol.ts";
@@ -51,7 +52,7 @@ function faceOf(editor: Editor, node: NodeView, linked: readonly string[], autom
     type: "face",
     position: { x, y },
     data: { editor, node, folded, linked },
-    ariaLabel: `${node.graph}, ${node.details.name}`,
+    ariaLabel: `${node.graph}, ${hostText(node.details.name)}`,
     // About so large until it's drawn: the library forgets the pins of a node that comes anew without a size.
     measured: { width: boxOf(node).width, height: boxOf(node).height },
   };

@@ -2,6 +2,7 @@ import { memo } from "preact/compat";
 import { useEffect, useLayoutEffect, useRef } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host, NodeView } from "../host.ts";
+import { hostText } from "../hostTexts.ts";
 import { t } from "../i18n.ts";
 import { iconOf } from "../icons.ts";
 import { kindOf } from "../params.ts";
@@ -102,7 +103,7 @@ const NodeIndexEntry = memo(function NodeIndexEntry({ host, node }: { host: Host
   return (
     <button
       type="button"
-      title={`${node.graph} (${node.details.name})`}
+      title={`${node.graph} (${hostText(node.details.name)})`}
       aria-label={node.graph}
       onClick={() => document.getElementById(`node-${node.node}`)?.scrollIntoView({ block: "start" })}
     >
@@ -134,7 +135,7 @@ function CardContent({ host, node }: { host: Host; node: NodeView }) {
         <div class="card-names">
           <h3>{node.graph}</h3>
           <p>
-            {node.details.name} <span class="dot">·</span> {place}
+            {hostText(node.details.name)} <span class="dot">·</span> {place}
           </p>
         </div>
       </header>
