@@ -80,7 +80,11 @@ async function startDevice(port = 0) {
   }).listen(port, "127.0.0.1");
   await once(server, "listening");
   devices.push(() => (sockets.forEach((socket) => socket.destroy()), server.close()));
-  return { address: `127.0.0.1:${server.address().port}`, text: () => Buffer.concat(received).toString() };
+  return {
+    address: `127.0.0.1:${server.address().port}`,
+    text: () => Buffer.concat(received).toString(),
+    say: (text) => sockets.forEach((socket) => socket.write(text)),
+  };
 }
 
 /** The scene as it's saved, without what its nodes and links write by themselves: outputs, and inputs that are linked. */
@@ -105,6 +109,7 @@ async function sceneIs(expected) {
 
 /** The device or object that is open in the inspector. */
 const card = () => page.locator("[data-part-card]");
+const saysOfText = (text) => expectEventually("what is said of the text", () => canvas.message().innerText(), text);
 const pressSend = () => page.locator('article button[data-param="1507"]').click();
 
 test("from nothing to a text on a device, ten steps back and again, and the same scene after the host's end", { timeout: 120000 }, async () => {
@@ -188,12 +193,21 @@ test("a device is opened in the inspector, tried by a text, changed and removed"
   await page.locator("[data-test-text]").fill("are you there?");
   await page.getByRole("button", { name: "Send a test text" }).click();
   await expectEventually("the device's text", device.text, "are you there?");
+  await saysOfText("Sent.");
+  await card().locator("[data-field=sent-bytes]", { hasText: "Last sent, 14 bytes" }).waitFor();
+  device.say("I am");
+  await card().locator("[data-field=received-bytes]", { hasText: "I am" }).waitFor();
+  await must(script, { op: "listen_only", on: true });
+  await page.getByRole("button", { name: "Send a test text" }).click();
+  await saysOfText("Only shown: listen only is on.");
   await page.locator("[data-part=name]").fill("Floor");
   await page.locator("[data-part=dropAfter]").fill("");
   await page.getByRole("button", { name: "Change device" }).click();
   await expectEventually("the name", () => peer.locator("h3").innerText(), "4 · Floor");
   const { devices } = await must(script, { op: "network" });
   assert.equal(devices[0].drop_after, undefined);
+  assert.equal(await page.locator("[data-part=dropAfter]").getAttribute("placeholder"), "never: what can't be sent waits");
+  await card().getByText("· what can't be sent waits").waitFor();
   await card().getByRole("button", { name: "Remove" }).click();
   await peer.waitFor({ state: "detached" });
   await card().waitFor({ state: "detached" });
@@ -205,13 +219,16 @@ async function tryInVain(address) {
   await page.locator("[data-open-device='4']").click();
   await card().getByText("refused").waitFor();
   await page.getByRole("button", { name: "Try to connect" }).click();
-  await expectEventually("what is said", () => canvas.message().innerText(), "Trying to connect…");
+  await expectEventually("what is said", () => canvas.message().innerText(), "Not reached: Connection refused");
 }
 
 test("a device that isn't there is tried again from the inspector, and what others change of it shows there", async () => {
   const { address } = await startDevice();
   devices.splice(0).forEach((close) => close());
   await tryInVain(address);
+  await card().getByText("what can't be sent is dropped after 2 s").waitFor();
+  await page.getByRole("button", { name: "Send a test text" }).click();
+  await saysOfText("It waits for the device, and is dropped after 2 s.");
   await must(script, { op: "device", device: 4, name: "Floor", parser: "framed", address });
   await expectEventually("the name", () => page.locator("[data-part=name]").inputValue(), "Floor");
   assert.equal(await page.locator("[data-test-text]").count(), 0);
@@ -219,15 +236,32 @@ test("a device that isn't there is tried again from the inspector, and what othe
   await card().getByText("There is no device 4.").waitFor();
 });
 
-test("what is said of a device that is tried goes once it's closed or connected", async () => {
+test("that a device is tried is said until its card is closed or it's connected", async () => {
   const { address } = await startDevice();
   const port = Number(address.split(":")[1]);
   devices.splice(0).forEach((close) => close());
+  let isConnecting = false;
+  await page.routeWebSocket(/\/session\/gathered$/, (socket) => {
+    const toHost = socket.connectToServer();
+    toHost.onMessage((text) => {
+      const messages = JSON.parse(text);
+      messages.flatMap(({ devices: told }) => told ?? []).forEach((device) => isConnecting && (device.state = "connecting"));
+      socket.send(JSON.stringify(messages));
+    });
+  });
+  await page.reload();
   await tryInVain(address);
+  isConnecting = true;
+  const tryLong = async () => {
+    await page.getByRole("button", { name: "Try to connect" }).click();
+    await expectEventually("what is said", () => canvas.message().innerText(), "Trying to connect…");
+  };
+  await tryLong();
   await page.getByText("Show all").click();
   await expectEventually("what is said", () => canvas.message().innerText(), "");
   await page.locator("[data-open-device='4']").click();
-  await page.getByRole("button", { name: "Try to connect" }).click();
+  await tryLong();
+  isConnecting = false;
   await startDevice(port);
   await card().getByText("connected since").waitFor();
   await expectEventually("what is said", () => canvas.message().innerText(), "");

@@ -231,6 +231,28 @@ test("the badge says whether what is sent goes out, and switches it for all page
   await other.close();
 });
 
+test("where the host refuses to listen only, that is said, and badge and switch stay as they were", async () => {
+  await page.page.routeWebSocket(/\/session\/gathered$/, (socket) => {
+    const toHost = socket.connectToServer();
+    socket.onMessage((text) => {
+      const { op, id } = JSON.parse(text);
+      if (op === "listen_only") {
+        socket.send(JSON.stringify([{ ok: false, id, error: "the session has ended" }]));
+      } else {
+        toHost.send(text);
+      }
+    });
+  });
+  await page.page.reload();
+  const message = page.page.locator("[data-graph-message]", { hasText: "the session has ended" });
+  await page.page.locator("[data-live=true]").click();
+  await message.waitFor();
+  await page.page.locator("[data-tab=network]").click();
+  await page.page.locator("[data-listen-only]").click();
+  await until("the switch", async () => !(await page.page.locator("[data-listen-only]").isChecked()));
+  assert.equal(await page.page.locator("[data-live=true]").count(), 1);
+});
+
 test("the panels' height is changed by dragging their edge and by keys, and the surface keeps its size", async () => {
   const canvas = canvasOf(page.page, script);
   const edge = page.page.getByRole("separator");
@@ -265,10 +287,15 @@ test("a page without its host says so, and comes back by itself with the host", 
   await endScene();
   await page.page.locator("[data-connection=lost]").waitFor();
   assert.match(await page.page.getByRole("alert").innerText(), /Connection lost/);
+  await page.page.locator("[data-tab=network]").click();
+  const forAll = [page.page.locator("[data-live]"), page.page.locator("[data-listen-only]"), page.page.getByRole("button", { name: "Reset counts" })];
+  const areDisabled = () => Promise.all(forAll.map((one) => one.isDisabled()));
+  assert.deepEqual(await areDisabled(), [true, true, true]);
 
   await startScene({ port });
   await page.page.locator("[data-connection=open]").waitFor({ timeout: 15000 });
   assert.equal(await page.page.getByRole("alert").count(), 0);
+  assert.deepEqual(await areDisabled(), [false, false, false]);
   await page.focus();
   await page.keyboard.press("a");
   await page.fires(is.KEY_UP, 1);

@@ -75,12 +75,13 @@ test("inputs show their values, also those that a link brings", async () => {
   assert.equal(await phone.locator(`article[data-node=g] [data-param-value="${is.ENABLE}"]`).textContent(), "on");
 });
 
-test("a device is opened, its connection and texts are tried, and what came of it is said", async () => {
+test("a device is opened, texts are tried, and what came of them is said and shown", async () => {
   await openTab("network");
   await phone.locator("[data-peer=device-3] button").tap();
   await phone.locator("[data-part-card]").getByText("has no address").waitFor();
   await phone.getByRole("button", { name: "Send a test text" }).tap();
-  await phone.locator("[data-message]", { hasText: "Handed over" }).waitFor();
+  await phone.locator("[data-message]", { hasText: "Only shown: the device has no address." }).waitFor();
+  await phone.locator("[data-part-card] [data-field=sent-bytes]", { hasText: "Would be sent, 4 bytes" }).waitFor();
   const { top, bottom } = await phone.locator("[data-message]").evaluate((message) => message.getBoundingClientRect());
   assert.ok(top > 0 && bottom < 844, `${top} to ${bottom}`);
   assert.equal(await phone.locator("[data-part-card] [data-part]").count(), 0);

@@ -133,11 +133,6 @@ export class Host implements ConnectionListener {
     return keyboards.find((keyboard) => keyboard.node === link?.from)?.node ?? null;
   }
 
-  /** While it is on, what nodes send to devices is shown only. */
-  setListenOnly(on: boolean): void {
-    this.#connection.send({ op: "listen_only", on });
-  }
-
   /** Loads a scene file of this computer. */
   async upload(file: File): Promise<string | null> {
     this.#uploadedName = file.name.replace(/\.json$/i, "");
@@ -151,11 +146,6 @@ export class Host implements ConnectionListener {
   clearLog(): void {
     this.log.clear();
     this.log.publish();
-  }
-
-  /** For all pages. */
-  resetCounts(): void {
-    this.#connection.send({ op: "reset_counters" });
   }
 
   /** How often an event output fired, as the counters tell. */

@@ -21,6 +21,28 @@ export function stateText(device: DeviceState, told: number): string {
   }
 }
 
+/** How long what a device can't take is kept for it. */
+export function patienceText({ drop_after: seconds }: Pick<DeviceState, "drop_after">): string {
+  return seconds === undefined ? t("what can't be sent waits") : t("what can't be sent is dropped after {seconds} s", { seconds });
+}
+
+/** What became of a text that was just sent to a device. */
+export function sendingText(device: DeviceState, listenOnly: boolean): string {
+  if (device.address === null) {
+    return t("Only shown: the device has no address.");
+  }
+  if (listenOnly) {
+    return t("Only shown: listen only is on.");
+  }
+  if (device.state === "connected" && device.queued_items === 0) {
+    return t("Sent.");
+  }
+  const { drop_after: seconds } = device;
+  return seconds === undefined
+    ? t("It waits until the device can be reached.")
+    : t("It waits for the device, and is dropped after {seconds} s.", { seconds });
+}
+
 export function queueText({ queued_items: items, queued_bytes: bytes }: DeviceState): string {
   if (items === 0) {
     return t("empty");

@@ -104,6 +104,16 @@ export class Requests {
     return errorOf(await this.#connection.request({ op: "recover", take }));
   }
 
+  /** While it is on, what nodes send is shown only. */
+  async listenOnly(on: boolean): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "listen_only", on }));
+  }
+
+  /** For all pages. */
+  async resetCounters(): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "reset_counters" }));
+  }
+
   /** Tries to connect to a device now. */
   async connect(device: number): Promise<string | null> {
     return errorOf(await this.#connection.request({ op: "connect", device }));

@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { timeOfDay } from "../src/format.ts";
-import { deviceChoices, errorsText, pairedHex, queueText, rejectedText, stateText } from "../src/network.ts";
+import { deviceChoices, errorsText, pairedHex, patienceText, queueText, rejectedText, sendingText, stateText } from "../src/network.ts";
 import type { DeviceState } from "../src/protocol.ts";
 
 const DEVICE: DeviceState = {
@@ -35,6 +35,17 @@ test("a device's state says since when", () => {
   assert.equal(stateText({ ...DEVICE, state: "connecting" }, told), `connecting since ${since}`);
   assert.equal(stateText({ ...DEVICE, state: "waiting" }, told), `waiting to try again since ${since}`);
   assert.match(stateText({ ...DEVICE, state: "unconnected" }, told), /only shown$/);
+});
+
+test("what became of a text follows from how its device stands", () => {
+  const [gone, late] = [{ ...DEVICE, state: "waiting" as const }, { ...DEVICE, queued_items: 1, drop_after: 0.5 }];
+  assert.equal(sendingText({ ...DEVICE, address: null }, true), "Only shown: the device has no address.");
+  assert.equal(sendingText(DEVICE, true), "Only shown: listen only is on.");
+  assert.equal(sendingText(DEVICE, false), "Sent.");
+  assert.equal(sendingText(gone, false), "It waits until the device can be reached.");
+  assert.equal(sendingText(late, false), "It waits for the device, and is dropped after 0.5 s.");
+  assert.equal(patienceText(gone), "what can't be sent waits");
+  assert.equal(patienceText(late), "what can't be sent is dropped after 0.5 s");
 });
 
 test("a queue is told in items and in bytes", () => {

@@ -3,9 +3,11 @@ import { useEffect, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
+import { sendingText } from "../network.ts";
 import type { DeviceState } from "../protocol.ts";
 import { DeviceLine } from "./DeviceLine.tsx";
 import { Editing } from "./Editing.tsx";
+import { DeviceBytes } from "./LastBytes.tsx";
 import { PartButtons, PartCard } from "./PartCard.tsx";
 
 const PARSERS = ["framed", "direct", "json", "none"] as const;
@@ -54,6 +56,7 @@ export function DeviceCard({ host, desk, id }: DeviceCardProps) {
             <DeviceForm host={host} desk={desk} settings={settingsOf(device)} isNew={false} />
           </Editing>
           <DeviceTrial host={host} desk={desk} device={device} />
+          <DeviceBytes device={device} />
         </>
       )}
     </PartCard>
@@ -135,9 +138,9 @@ function DeviceForm({ host, desk, settings, isNew }: { host: Host; desk: Desk; s
           ))}
         </select>
       </label>
-      <label title={t("Empty: what can't be sent waits until it can.")}>
+      <label>
         {t("Drop after (s)")}
-        <input type="number" min="0" step="any" {...field("dropAfter")} />
+        <input type="number" min="0" step="any" placeholder={t("never: what can't be sent waits")} {...field("dropAfter")} />
       </label>
       <PartButtons submit={isNew ? t("Add device") : t("Change device")} remove={isNew ? null : remove} error={error} />
     </form>
@@ -146,27 +149,37 @@ function DeviceForm({ host, desk, settings, isNew }: { host: Host; desk: Desk; s
 
 /** Finds out whether a device is there: connects now, or sends a text. */
 function DeviceTrial({ host, desk, device }: { host: Host; desk: Desk; device: DeviceState }) {
-  const { id, address, parser, state } = device;
+  const { id, address, parser, state, last_problem: problem } = device;
   const [text, setText] = useState(TEST_TEXT);
   const takesTexts = parser === "direct" || parser === "json";
+  const [isTrying, setTrying] = useState(false);
   const stopSaying = () => {
     if (desk.message.peek() === t("Trying to connect…")) {
       desk.tell(null, "");
     }
   };
   useEffect(() => {
-    if (state === "connected") {
-      stopSaying();
+    if (isTrying && state === "connecting") {
+      desk.tell(null, t("Trying to connect…"));
+    } else if (isTrying) {
+      desk.tell(null, state === "waiting" ? t("Not reached: {problem}", { problem: problem ?? "" }) : "");
+      setTrying(false);
     }
-  }, [state]);
+  }, [isTrying, state]);
   useEffect(() => stopSaying, []);
   const tryNow = async () => {
-    const problem = await host.requests.connect(id);
-    desk.tell(problem, state === "connected" ? "" : t("Trying to connect…"));
+    const refusal = await host.requests.connect(id);
+    await host.readNetwork(); // by now the attempt has begun: a device that waits is one that it didn't reach
+    desk.tell(refusal, "");
+    setTrying(refusal === null);
   };
   const send = async (event: Event) => {
     event.preventDefault();
-    desk.tell(await host.requests.sendText(id, text), t("Handed over: see “Last sent”."));
+    const refusal = await host.requests.sendText(id, text);
+    await host.readNetwork();
+    const { devices = null, listen_only: listenOnly = false } = host.network.peek()?.state ?? {};
+    const sentTo = devices?.find((one) => one.id === id);
+    desk.tell(refusal, sentTo === undefined ? "" : sendingText(sentTo, listenOnly));
   };
   return (
     <>

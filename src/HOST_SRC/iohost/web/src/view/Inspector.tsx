@@ -70,7 +70,12 @@ function Nodes({ host, desk }: { host: Host; desk: Desk }) {
             {t("Show all")}
           </button>
         )}
-        <button type="button" class="quiet" onClick={() => host.resetCounts()}>
+        <button
+          type="button"
+          class="quiet"
+          disabled={host.connection.value.is !== "open"}
+          onClick={async () => desk.tell(await host.requests.resetCounters(), "")}
+        >
           {t("Reset counts")}
         </button>
       </div>

@@ -1,10 +1,11 @@
 import type { ComponentChildren } from "preact";
 import type { Desk } from "../desk.ts";
 import { t } from "../i18n.ts";
-import { errorsText, pairedHex, queueText, rejectedText, type ErrorCounts } from "../network.ts";
-import type { BroadcastState, ControlState, DeviceState, ItemCounts, MessageBytes } from "../protocol.ts";
+import { errorsText, queueText, rejectedText, type ErrorCounts } from "../network.ts";
+import type { BroadcastState, ControlState, DeviceState, ItemCounts } from "../protocol.ts";
 import { DeviceLine } from "./DeviceLine.tsx";
 import { Editing } from "./Editing.tsx";
+import { DeviceBytes, LastBytes } from "./LastBytes.tsx";
 import "./network.css";
 import type { PanelProps } from "./panels.ts";
 
@@ -15,6 +16,13 @@ export function NetworkPanel({ host, desk, shown }: PanelProps) {
     return null;
   }
   const { devices, broadcast, control, listen_only: listenOnly } = network.state;
+  const listen = async (box: HTMLInputElement) => {
+    const error = await host.requests.listenOnly(box.checked);
+    desk.tell(error, "");
+    if (error !== null) {
+      box.checked = listenOnly;
+    }
+  };
   return (
     <>
       <div class="panel-head">
@@ -24,8 +32,9 @@ export function NetworkPanel({ host, desk, shown }: PanelProps) {
             role="switch"
             class="switch"
             checked={listenOnly}
+            disabled={host.connection.value.is !== "open"}
             data-listen-only
-            onChange={(event) => host.setListenOnly(event.currentTarget.checked)}
+            onChange={(event) => void listen(event.currentTarget)}
           />
           {t("Listen only")}
         </label>
@@ -71,12 +80,7 @@ function Device({ desk, device, told }: { desk: Desk; device: DeviceState; told:
         <Received counts={device} />
         <Count label={t("Errors")} field="errors" value={device.errors} isTrouble={device.errors > 0} />
       </dl>
-      <Bytes
-        label={device.last_sent_bytes?.sent === false ? t("Would be sent") : t("Last sent")}
-        field="sent-bytes"
-        bytes={device.last_sent_bytes}
-      />
-      <Bytes label={t("Last received")} field="received-bytes" bytes={device.last_received_bytes} />
+      <DeviceBytes device={device} />
     </Peer>
   );
 }
@@ -98,7 +102,7 @@ function Broadcasts({ state }: { state: BroadcastState }) {
         <Received counts={state} />
         <Errors counts={state} />
       </dl>
-      <Bytes label={t("Last received")} field="received-bytes" bytes={state.last_received_bytes} />
+      <LastBytes label={t("Last received")} field="received-bytes" bytes={state.last_received_bytes} />
     </Peer>
   );
 }
@@ -149,26 +153,6 @@ function Count(props: { label: string; field: string; value: string | number; is
     <div class={props.isTrouble === true ? "count count-trouble" : "count"}>
       <dt>{props.label}</dt>
       <dd data-field={props.field}>{props.value}</dd>
-    </div>
-  );
-}
-
-/** A message as text, in which dots stand for what isn't printable, and in hexadecimal. */
-function Bytes({ label, field, bytes }: { label: string; field: string; bytes: MessageBytes | null }) {
-  if (bytes === null) {
-    return null;
-  }
-  const isCut = bytes.hex.length < 2 * bytes.size;
-  return (
-    <div class="bytes" data-field={field}>
-      <span class="bytes-label">
-        {label}, {bytes.size === 1 ? t("1 byte") : t("{count} bytes", { count: bytes.size })}
-        {isCut && `, ${t("the beginning")}`}
-      </span>
-      <code tabIndex={0} data-bytes="text">{bytes.text}</code>
-      <code class="bytes-hex" tabIndex={0} data-bytes="hex">
-        {pairedHex(bytes.hex)}
-      </code>
     </div>
   );
 }

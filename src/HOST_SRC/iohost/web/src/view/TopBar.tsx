@@ -22,7 +22,7 @@ export function TopBar({ host, desk }: { host: Host; desk: Desk }) {
         <SceneFiles host={host} desk={desk} />
         <UndoButtons host={host} desk={desk} />
       </Editing>
-      <LiveBadge host={host} />
+      <LiveBadge host={host} desk={desk} />
       <ConnectionLamp host={host} />
       <LanguageSwitch />
     </header>
