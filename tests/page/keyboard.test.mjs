@@ -86,12 +86,14 @@ test("a key that is held repeats, and stops when the finger lifts elsewhere", as
   assert.equal(await typed(), text);
 });
 
-test("Clear empties the text", async () => {
+test("Clear empties the text; what is typed is no step of the scene", async () => {
+  const history = await must(script, { op: "history" });
   await type("a", "b");
   await page.shows(is.TEXT, "ab");
   await type("{clear}");
   await page.shows(is.TEXT, "");
   await page.shows(is.HAS_TEXT, "off");
+  assert.deepEqual(await must(script, { op: "history" }), history);
 });
 
 test("keys go to the text field that is chosen", async () => {

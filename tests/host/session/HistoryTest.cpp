@@ -117,6 +117,16 @@ TEST_F(History, WhatChangesNothingIsNoStep) {
     EXPECT_EQ(Steps(), OrderedJson({"Add Mouse 1"}));
 }
 
+TEST_F(History, WhatIsSetOnAirIsNoStepAndUndoingAStepLeavesIt) {
+    Must("create node=s type=string_send clip=Clip graph=S");
+    Must("set node=s param=1503 int=3");
+    const OrderedJson history = Must("history");
+    Must("set node=s param=1505 string=typed step=false");
+    EXPECT_EQ(Must("history"), history);
+    Must("undo");
+    Talk(R"(inspect node=s => {"inputs":{"1503":{"int":0},"1505":{"string":"typed"}}})");
+}
+
 TEST_F(History, FewerStepsAreKeptWhereTheyHoldLongTexts) {
     Must("create node=s type=string_send clip=Clip graph=S");
     const auto longText = [](wchar_t c) {

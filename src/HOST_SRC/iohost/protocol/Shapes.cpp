@@ -58,7 +58,7 @@ void AppendFields(OrderedJson& json, const SEventCommand& command) {
     }
 }
 
-void ReadFields(SSetCommand& command, const CFields& fields) {
+static void ReadSetting(SSetCommand& command, const CFields& fields) {
     ReadField(command.strHandle, fields, "node", 0);
     ReadField(command.bOwn, fields, "own", FIELD_OPTIONAL);
     ReadField(command.nParam, fields, "param", 0);
@@ -75,7 +75,7 @@ void ReadFields(SSetCommand& command, const CFields& fields) {
     }
 }
 
-void AppendFields(OrderedJson& json, const SSetCommand& command) {
+static void AppendSetting(OrderedJson& json, const SSetCommand& command) {
     json["node"] = command.strHandle;
     json["param"] = command.nParam;
     if (command.bOwn) {
@@ -84,12 +84,24 @@ void AppendFields(OrderedJson& json, const SSetCommand& command) {
     json[VALUE_FIELDS[command.value.index()]] = ToJson(command.value);
 }
 
+void ReadFields(SSetCommand& command, const CFields& fields) {
+    ReadSetting(command, fields);
+    ReadField(command.bStep, fields, "step", FIELD_OPTIONAL);
+}
+
+void AppendFields(OrderedJson& json, const SSetCommand& command) {
+    AppendSetting(json, command);
+    if (!command.bStep) {
+        json["step"] = false;
+    }
+}
+
 void ReadFields(SEditCommand& command, const CFields& fields) {
-    ReadFields(static_cast<SSetCommand&>(command), fields);
+    ReadSetting(command, fields);
 }
 
 void AppendFields(OrderedJson& json, const SEditCommand& command) {
-    AppendFields(json, static_cast<const SSetCommand&>(command));
+    AppendSetting(json, command);
 }
 
 /// Refuses what no node fits, so that none is made in vain.

@@ -62,6 +62,7 @@ struct SNode {
     std::unique_ptr<SGraphNode> pGraphNode;
     std::vector<SLink> arIncoming;       ///< links into this node, in the order in which they were made
     std::vector<unsigned> arTriggered;   ///< inputs that the next evaluation finds triggered, each once
+    bool bActed = false;                 ///< something was counted since NoteActed
     bool bGotEvent = false;              ///< since its last evaluation: its outputs may not tell of it yet
     bool bCycleTold = false;             ///< that it triggers itself
     bool bEventWindow;                   ///< the node was given the event window
@@ -77,14 +78,20 @@ struct SNode {
     std::optional<SPlace> place;   ///< on the canvas; none: wherever the viewer puts it
     SParamSets left;               ///< the parameters as the last step that may have changed them left them
     SNodeCounts counts;
-    bool bCountsTold = false;            ///< they are as whoever shows them knows
-    bool bActed = false;                 ///< something was counted since they were looked at
-    std::optional<std::uint64_t> tActed; ///< when that was seen last, by the session's clock
+    bool bCountsTold = false;            ///< nothing changed since TakeChangedCounts told of them
+    std::optional<std::uint64_t> tActed; ///< when something was counted last, as NoteActed knows
 
     void Count(unsigned long long SNodeCounts::*pCount, unsigned long long nMore = 1) {
         counts.*pCount += nMore;
         bCountsTold = false;
         bActed = true;
+    }
+
+    /// Each frame notes that, for pages that come later. By the session's clock.
+    void NoteActed(std::uint64_t tNow) {
+        if (std::exchange(bActed, false)) {
+            tActed = tNow;
+        }
     }
 
     /// An event output fired; none: which one isn't known.

@@ -118,6 +118,7 @@ struct SSetCommand {
     unsigned nParam = 0;
     bool bOwn = false; ///< the node's own parameter, not the graph node's input
     ParamValue value;
+    bool bStep = true; ///< false: it comes of running the scene, and there is nothing to undo
 };
 
 /// As an editor's panel does it.

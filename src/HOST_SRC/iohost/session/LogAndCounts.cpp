@@ -22,10 +22,9 @@ void CSession::On(const SResetCountersCommand& command) {
 
 SCounters CSession::TakeChangedCounts() {
     SCounters changed;
+    const std::uint64_t tNow = m_clock.Now();
     for (auto& [nOrder, node] : Scene().Nodes()) {
-        if (std::exchange(node.bActed, false)) {
-            node.tActed = m_clock.Now();
-        }
+        node.NoteActed(tNow);
         if (!std::exchange(node.bCountsTold, true)) {
             changed.nodes.emplace_back(node.strHandle, node.counts);
             if (node.tActed) {

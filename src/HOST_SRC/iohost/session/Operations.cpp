@@ -237,7 +237,9 @@ Result CSession::On(const SProcessCommand& command) {
 Result CSession::On(const SFrameCommand& command) {
     SFrameResults results;
     results.results.reserve(Scene().Nodes().size());
+    const std::uint64_t tNow = m_clock.Now();
     for (auto& [nOrder, node] : Scene().Nodes()) {
+        node.NoteActed(tNow);
         std::optional<int> result;
         try {
             result = m_pHost->Evaluate(node, true);

@@ -83,6 +83,11 @@ SOutcome CSession::CarryOut(const Command& command, const SOrigin& origin) {
 /// load or batch that fails changes nothing. Recordings have no addresses of devices: whether they differ makes no
 /// step.
 Result CSession::CarryOutStep(const Command& command, const SOrigin& origin) {
+    if (const auto* pSet = std::get_if<SSetCommand>(&command); pSet != nullptr && !pSet->bStep) {
+        On(*pSet);
+        m_change.nodes = {pSet->strHandle};
+        return {};
+    }
     auto plan = PlanOf(command, Scene(), m_peers);
     if (!plan) {
         return Perform(command, origin);

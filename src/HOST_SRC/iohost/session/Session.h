@@ -76,7 +76,7 @@ public:
     /// What the JSON nodes made of the texts that came.
     CJsonVerdicts& JsonVerdicts() { return m_pHost->JsonVerdicts(); }
 
-    /// The counts that changed since the last call, and how long ago their nodes acted, to the time between two calls.
+    /// The counts that changed since the last call, and how long ago their nodes acted.
     SCounters TakeChangedCounts();
 
     /// Let the next TakeChangedCounts return all.

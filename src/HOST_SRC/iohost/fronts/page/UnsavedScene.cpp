@@ -30,14 +30,11 @@ void CUnsavedScene::Check() {
     const CHistory& history = m_session.History();
     const SSceneFile file = history.File();
     if (!file.bUnsaved) {
-        if (std::exchange(m_bThere, false)) {
-            std::error_code error;
-            std::filesystem::remove(m_file, error);
-        }
+        std::error_code error;
+        std::filesystem::remove(m_file, error); // also what was recovered and saved since
         m_written.reset();
     } else if (m_written != history.State()) {
         m_written = history.State();
-        m_bThere = true;
         m_writing =
             std::async(std::launch::async, [path = m_file, strName = file.strName, scene = m_session.SceneLeft()] {
                 return WriteFileSafely(path, SceneText(scene, strName));

@@ -30,7 +30,6 @@ private:
     CSession& m_session;
     std::filesystem::path m_file;                ///< empty: nothing is written
     std::optional<unsigned long long> m_written; ///< number of the state that was written; none: the last try failed
-    bool m_bThere = true;                        ///< the file may be there
     std::future<std::string> m_writing;          ///< why it couldn't be written
     CLimitedLine m_problemLine{LOG_ERROR};
 };

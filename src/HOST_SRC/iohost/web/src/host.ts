@@ -121,7 +121,7 @@ export class Host implements ConnectionListener {
       this.#connection.send({ op: "event", node: keyboard, event: EventId.keyUp, ...key });
       return;
     }
-    this.#connection.send({ op: "set", node, param: inputs.text, string: keyName });
+    this.#connection.send({ op: "set", node, param: inputs.text, string: keyName, step: false });
     this.#connection.send({ op: "trigger", node, param: inputs.event });
     this.#connection.send({ op: "process", node });
   }
