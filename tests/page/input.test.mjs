@@ -18,7 +18,8 @@ test("a key fires down and up once each, shows its text, and is logged", async (
   assert.equal(await page.count(is.KEY_DOWN), 1);
   await page.logs("[Demo.Keyboard 1.Keyboard] fired [Pressed] for the key [a]");
   await page.logs("[Demo.Keyboard 1.Keyboard] fired [Released] for the key [a]");
-  await until("lines in the terminal", () => host.output.stdout.includes("event  Demo.Keyboard 1  152 KeyDown\n"));
+  const lines = "log 4  [Demo.Keyboard 1.Keyboard]触发输出事件[按下]键盘信息为[a]\nevent  Demo.Keyboard 1  152 KeyDown\n";
+  await until("lines in the terminal", () => host.output.stdout.includes(lines));
 });
 
 test("keys without a character send their name, and an up carries the text of its down", async () => {

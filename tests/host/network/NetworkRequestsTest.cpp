@@ -196,6 +196,23 @@ TEST_F(NetworkRequests, ADeviceThatIsOutOfStepIsConnectedAnew) {
     AwaitState("connected");
 }
 
+TEST_F(NetworkRequests, AnItemOfALostConnectionIsNotContinuedByTheNextOne) {
+    auto cut = ConnectDevice("framed");
+    CTestPeers::Write(cut, RecordFrame().substr(0, 40));
+    Await([this] { return Device()["received_bytes"] == 40; });
+    cut.close();
+    auto next = m_listener.Accept(Serve());
+    CTestPeers::Write(next, RecordFrame());
+    AwaitItem();
+}
+
+TEST_F(NetworkRequests, WhatADeviceWithoutAParserSaysIsDropped) {
+    auto device = ConnectDevice("none");
+    CTestPeers::Write(device, RecordFrame());
+    Await([this] { return Device()["received_bytes"] == RecordFrame().size(); });
+    EXPECT_TRUE(Matches(Device(), {{"state", "connected"}, {"received", 0}, {"rejected", 0}}));
+}
+
 TEST_F(NetworkRequests, ADeviceThatIsNotThereIsTriedAgainWhichIsLoggedOnce) {
     CTestPeers::CListener later(m_peers, false);
     EXPECT_EQ(CountLines(SetDevice(3, "framed", later.Address()), ""), 1u);
