@@ -206,6 +206,41 @@ test("without a mouse: a node is added, wired, found and removed", async () => {
   await expectEventually("chosen", () => canvas.chosen().count(), 3);
 });
 
+test("a click on a pin begins a wire, and one on another pin ends it or is told why not", async () => {
+  const [begun, message] = [page.page.locator(".pin-begun"), page.page.locator("[data-graph-message]")];
+  await canvas.pin("k", is.KEY_DOWN[1]).click();
+  await begun.waitFor();
+  await canvas.pin("t", CLEAR_INPUT).click();
+  await until("the link", async () => (await canvas.links()).some(({ from, output, to, input }) =>
+    from === "k" && output === is.KEY_DOWN[1] && to === "t" && input === CLEAR_INPUT));
+  assert.equal(await begun.count(), 0);
+  await canvas.pin("m", is.LEFT_DOWN[1]).click();
+  await begun.waitFor();
+  await canvas.pin("t", TEXT_INPUT).click();
+  await message.filter({ hasText: "event" }).waitFor();
+  assert.equal(await begun.count(), 0);
+  await canvas.pin("m", is.LEFT_DOWN[1]).click();
+  await begun.waitFor();
+  await page.page.locator(".react-flow__pane").click({ position: { x: 5, y: 5 } });
+  await expectEventually("wires that are begun", () => begun.count(), 0);
+});
+
+test("keys go on with what was just made: it has the focus", async () => {
+  await page.page.getByRole("button", { name: "Add node" }).click();
+  await page.page.locator("[data-palette] input").fill("Mouse");
+  await page.keyboard.press("Enter");
+  const focused = (label) => page.page.locator(`.react-flow__node[aria-label^="${label}"]:focus`);
+  await focused("Mouse 2").waitFor();
+  await page.keyboard.press("Control+d");
+  await focused("Mouse 3").waitFor();
+  const place = async () => (await must(script, { op: "scene" })).nodes.find(({ graph }) => graph === "Mouse 3").place.x;
+  const before = await place();
+  await page.keyboard.press("ArrowRight");
+  await until("that it moved", async () => (await place()) > before);
+  await page.keyboard.press("Delete");
+  await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1", "Mouse 2"]);
+});
+
 test("Ctrl+K adds a node at the end of a wire that was begun by keys", async () => {
   await canvas.choose("k");
   await canvas.pin("k", is.KEY_TEXT[1]).focus();

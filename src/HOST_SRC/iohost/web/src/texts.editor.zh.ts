@@ -30,7 +30,7 @@ export const EDITOR_ZH = {
   "{to} takes its value from {present}. Take {from} instead?": "{to} 的值来自 {present}。改为来自 {from} 吗？",
   "Replace": "替换",
   "{from} now leads to {to}.": "{from} 现已连到 {to}。",
-  "Wire from {pin}: Tab to a pin that fits and press Enter there, or Escape.": "从 {pin} 连线：用 Tab 移到合适的端口并按 Enter，或按 Escape 放弃。",
+  "Wire from {pin}: click a pin that fits, or Tab to it and press Enter. Escape gives up.": "从 {pin} 连线：单击合适的端口，或用 Tab 移到该端口后按 Enter；按 Escape 放弃。",
   "Wire from {from} to {to}": "从 {from} 到 {to} 的连线",
   "{name} was added.": "已添加 {name}。",
   "Copied: {count}": "已复制：{count}",

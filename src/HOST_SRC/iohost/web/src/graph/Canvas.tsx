@@ -156,6 +156,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   const goToPlace = useConstant((_: unknown, { x, y }: XYPosition) => {
     void flow.current?.setCenter(x, y, { zoom: flow.current.getZoom(), duration: 200 });
   });
+  const giveUp = useConstant(() => editor.giveUp());
   const canLink = useConstant((connection: Connection | Edge) => editor.whyNot(asLink(connection)) === null);
   const link = useConstant((connection: Connection) => void editor.connect(asLink(connection)));
   const endWire = useConstant((event: MouseEvent | TouchEvent, { isValid, fromHandle, toHandle }: FinalConnectionState) => {
@@ -203,6 +204,8 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
           isValidConnection={canLink}
           onConnect={link}
           onConnectEnd={endWire}
+          connectOnClick={false}
+          onPaneClick={giveUp}
           onNodeDragStop={place}
           onSelectionDragStop={place}
           onInit={keepFlow}

@@ -18,6 +18,7 @@ import { boxOf } from "./layout.ts";
 import { NodeCounters } from "./NodeCounters.tsx";
 import { textWarning } from "./textWarning.ts";
 import "./face.css";
+import { useFocusWhenMade } from "./useFocusWhenMade.ts";
 
 /** What is linked of it, as linkedPin() names pins: links of other nodes draw nothing of it anew. */
 export type FaceNode = Node<{ editor: Editor; node: NodeView; folded: boolean; linked: readonly string[] }, "face">;
@@ -47,9 +48,12 @@ export function Face({ id, data, selected, positionAbsoluteX: x, positionAbsolut
   const isLegible = useStore((canvas) => isInSight({ x, y, width, height }, canvas));
   const isWhole = isLegible || folded || selected;
   useMeasured(id, isWhole ? "all" : linked.join());
+  const face = useRef<HTMLDivElement>(null);
+  useFocusWhenMade(face, selected);
   const pinProps = { editor, node: node.node, isReachable: selected };
   return (
     <div
+      ref={face}
       class={isOff ? "face face-off" : "face"}
       style={{ height: isWhole ? undefined : `${height}px` }}
       data-face={node.node}

@@ -81,6 +81,7 @@ function PinHandle({ editor, node, param, isReachable, is, top }: PinProps & { i
       role="button"
       tabIndex={isReachable || isEnd ? 0 : -1}
       aria-label={is === "output" ? t("Output {name}", { name: param.display }) : t("Input {name}", { name: param.display })}
+      onClick={() => editor.usePin(pin)}
       onKeyDown={(event) => {
         if (event.key === "Enter" || event.key === " ") {
           event.preventDefault();

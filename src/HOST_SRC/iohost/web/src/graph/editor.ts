@@ -45,7 +45,7 @@ export class Editor {
   readonly host: Host;
   readonly desk: Desk;
   readonly palette = signal<PaletteCall | null>(null);
-  /** The pin at which a wire was begun by keys. */
+  /** The pin at which a wire was begun by a click or a key. */
   readonly begun = signal<Pin | null>(null);
   /** The node whose name is being changed. */
   readonly renaming = signal<string | null>(null);
@@ -126,7 +126,7 @@ export class Editor {
       this.begun.value = pin;
       const node = this.node(pin.node)!;
       const name = pinText(node, pin.is === "output" ? outputsOf(node) : inputsOf(node), pin.id);
-      this.desk.message.value = t("Wire from {pin}: Tab to a pin that fits and press Enter there, or Escape.", { pin: name });
+      this.desk.message.value = t("Wire from {pin}: click a pin that fits, or Tab to it and press Enter. Escape gives up.", { pin: name });
       return;
     }
     this.begun.value = null;
@@ -140,7 +140,7 @@ export class Editor {
     }
   }
 
-  /** Whether the wire that was begun by keys can end at this pin. */
+  /** Whether the wire that was begun by a click or a key can end at this pin. */
   canEnd(pin: Pin): boolean {
     const begun = this.begun.value;
     return begun !== null && begun.is !== pin.is && this.whyNot(linkOf(begun, pin)) === null;
