@@ -7,8 +7,10 @@ import { startHost } from "./support/host.mjs";
 import { expectEventually, must, openSession, until } from "./support/session.mjs";
 
 const MOST_RATIO = 3;
-const LONGEST_TASK_MS = 50;
 const ROUNDS = 5;
+/** Faces are whole from 0.2 on. */
+const LEGIBLE_ZOOM = 0.25;
+const PANNED = ["panning", "panning near"];
 const TYPES = ["01", "02", "03", "0B", "0F"];
 
 /** Chains of a keyboard and a text field, and other nodes between them. */
@@ -79,20 +81,29 @@ async function openAt(host, count) {
   return page;
 }
 
-/** Opens the page, pans to and fro when it rests, and marks both in the trace. */
+/** Opens the page and pans to and fro, over the whole scene and near enough to read it; marks all in the trace. */
 async function openAndPan(host, count) {
   const page = await openAt(host, count);
-  await until("a page that rests", () => page.evaluate(() => performance.now() - window.lastTask > 500));
+  const canvas = canvasOf(page);
   const { x, y, width, height } = await page.locator("[data-graph]").boundingBox();
-  await page.mouse.move(x + 4, y + 4);
   const mark = (name) => page.evaluate((name) => void performance.mark(name), name);
-  await mark("to pan");
-  await page.mouse.down();
-  for (let step = 0; step < 30; ++step) {
-    await page.mouse.move(x + 4 + (step % 2) * width * 0.5, y + 4 + (step % 3) * height * 0.2);
+  const pan = async (what) => {
+    await until("a page that rests", () => page.evaluate(() => performance.now() - window.lastTask > 500));
+    await page.mouse.move(x + 4, y + 4);
+    await mark(`to ${what}`);
+    await page.mouse.down();
+    for (let step = 0; step < 30; ++step) {
+      await page.mouse.move(x + 4 + (step % 2) * width * 0.5, y + 4 + (step % 3) * height * 0.2);
+    }
+    await page.mouse.up();
+    await mark(what);
+  };
+  await pan(PANNED[0]);
+  while ((await canvas.zoom()) < LEGIBLE_ZOOM) {
+    await page.locator(".react-flow__controls-zoomin").click();
   }
-  await page.mouse.up();
-  await mark("panned");
+  await page.locator("[data-face] .face-counters").first().waitFor();
+  await pan(PANNED[1]);
   await page.close();
 }
 
@@ -102,21 +113,23 @@ async function openAndPan(host, count) {
  */
 function timesIn(events) {
   const marks = (mark) => events.filter(({ name }) => name === mark).sort((one, other) => one.ts - other.ts);
-  const [begun, painted, toPan, panned] = ["begun", "node painted", "to pan", "panned"].map(marks);
   const tasks = events.filter(({ name }) => name === "ThreadControllerImpl::RunTask");
-  return toPan.map((from, index) => {
-    const to = panned[index];
-    const panning = tasks.filter(({ pid, tid, ts }) => pid === from.pid && tid === from.tid && ts > from.ts && ts < to.ts);
-    const longest = (time) => Math.max(...panning.map((task) => task[time] ?? 0)) / 1000;
-    const between = (one, other, time) => (other[time] - one[time]) / 1000;
-    return {
-      "first node": between(begun[index], painted[index], "tts"),
-      "first node/clock": between(begun[index], painted[index], "ts"),
-      panning: between(from, to, "tts"),
-      "longest task": longest("tdur"),
-      "longest task/clock": longest("dur"),
-    };
-  });
+  const between = (from, to, time) => (to[time] - from[time]) / 1000;
+  const painted = marks("node painted");
+  const begun = marks("begun").filter(({ pid }) => painted.some((one) => one.pid === pid));
+  const times = painted.map((to, index) => ({
+    "first node": between(begun[index], to, "tts"),
+    "first node/clock": between(begun[index], to, "ts"),
+  }));
+  for (const what of PANNED) {
+    const panned = marks(what);
+    marks(`to ${what}`).forEach((from, index) => {
+      const during = tasks.filter(({ pid, tid, ts }) => pid === from.pid && tid === from.tid && ts > from.ts && ts < panned[index].ts);
+      times[index][what] = between(from, panned[index], "tts");
+      times[index][`longest task of ${what}`] = Math.max(...during.map(({ tdur = 0 }) => tdur)) / 1000;
+    });
+  }
+  return times;
 }
 
 const median = (values) => [...values].sort((a, b) => a - b)[Math.floor(values.length / 2)];
@@ -138,11 +151,9 @@ test("200 nodes are first painted and panned about as fast as 13", { timeout: 20
     const [few, many] = [0, 1].map((which) => median(rounds.map((round) => round[which][what])).toFixed(1));
     context.diagnostic(`${what}: ${few} ms of 13 nodes, ${many} ms of 200, median of the ratios ${ratio(what).toFixed(2)}`);
   }
-  for (const what of ["first node", "panning"]) {
+  for (const what of ["first node", ...PANNED, `longest task of ${PANNED[1]}`]) {
     assert.ok(ratio(what) < MOST_RATIO, `${what}: ${rounds.map(([few, many]) => many[what] / few[what])}`);
   }
-  const longest = median(rounds.map(([, many]) => many["longest task"]));
-  assert.ok(longest < LONGEST_TASK_MS, `a task of ${longest} ms`);
 });
 
 test("among 200 nodes one is found by its name, and edited", { timeout: 60000 }, async () => {
