@@ -90,6 +90,21 @@ test("a device is opened, texts are tried, and what came of them is said and sho
   assert.equal(await phone.getByRole("button", { name: "Close" }).count(), 0);
 });
 
+test("a node's card counts what it did, says when, and warns where its texts reach nobody", async () => {
+  await createNode(script, "s", "0F", "Sender");
+  await must(script, { op: "edit", node: "s", param: 1503, int: 3 });
+  const card = phone.locator("article[data-node=s]");
+  await expectEventually("the counters", () => card.locator("[data-counters]").textContent(), "fired 0");
+  await must(script, { op: "trigger", node: "s", param: 1507 });
+  await expectEventually("the counters", () => card.locator("[data-counters]").textContent(), "fired 0 · sent 1");
+  const activity = phone.locator("article[data-node=m] [data-active]");
+  assert.equal(await activity.count(), 0);
+  await must(script, { op: "event", device: 1, event: 3004 });
+  await activity.waitFor();
+  await must(script, { op: "device", device: 3, name: "Wall", parser: "framed" });
+  await card.getByText("Device 3 takes no texts (framed).").waitFor({ state: "attached" });
+});
+
 test("where the scene has no objects nothing leads to them", async () => {
   await phone.getByRole("navigation", { name: "Devices" }).waitFor();
   assert.equal(await phone.getByRole("navigation", { name: "Objects" }).count(), 0);

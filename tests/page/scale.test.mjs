@@ -179,7 +179,7 @@ test("nodes out of sight have their names and wires alone", { timeout: 60000 }, 
   const { host, script } = await startScene(200);
   const page = await openAt(host, 200);
   const [names, cards] = [page.locator("article[data-node] h3"), page.locator("article[data-node] header")];
-  const [faces, pins] = [page.locator("[data-face] .face-counters"), page.locator("[data-face] .pin")];
+  const [faces, pins] = [page.locator("[data-face] [data-counters]"), page.locator("[data-face] .pin")];
   await cards.first().waitFor();
   assert.equal(await names.count(), 200);
   assert.ok(await cards.count() < 20, `${await cards.count()} cards`);

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { textWarning } from "../src/graph/textWarning.ts";
+import { textWarning } from "../src/textWarning.ts";
 import type { NodeView } from "../src/host.ts";
 import type { Param } from "../src/messages.ts";
 import { NodeType } from "../src/nodeTypes.ts";

@@ -1,22 +1,18 @@
 import { useStore, useUpdateNodeInternals, type Node, type NodeProps, type ReactFlowState, type Rect } from "@xyflow/react";
 import { computed, useComputed } from "@preact/signals";
 import { useLayoutEffect, useMemo, useRef } from "preact/hooks";
-import { clock } from "../clock.ts";
 import { fedInput } from "../fed.ts";
-import { agoText } from "../format.ts";
-import type { Host, NodeView } from "../host.ts";
+import type { NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
 import { iconOf } from "../icons.ts";
-import type { Param } from "../messages.ts";
 import { inputsOf, outputsOf } from "../nodePins.ts";
 import { JsonVerdictLine } from "../view/JsonPanel.tsx";
+import { NodeActivity, NodeCounters, NodeWarning } from "../view/NodeState.tsx";
 import { useFocusOn } from "../view/useFocusOn.ts";
 import type { Editor } from "./editor.ts";
 import { linkedPin } from "./elements.ts";
 import { FacePins, WiredPins } from "./FacePins.tsx";
 import { boxOf } from "./layout.ts";
-import { NodeCounters } from "./NodeCounters.tsx";
-import { textWarning } from "./textWarning.ts";
 import "./face.css";
 import { useFocusWhenMade } from "./useFocusWhenMade.ts";
 
@@ -65,7 +61,7 @@ export function Face({ id, data, selected, positionAbsoluteX: x, positionAbsolut
         {isWhole && (
           <>
             {isOff && <span class="face-state">{t("off")}</span>}
-            <Activity host={host} node={node.node} />
+            <NodeActivity host={host} node={node.node} />
             <button
               type="button"
               class="face-fold nodrag"
@@ -84,7 +80,7 @@ export function Face({ id, data, selected, positionAbsoluteX: x, positionAbsolut
           <FacePins {...pinProps} inputs={inputs} outputs={outputs} folded={folded} linked={linked} />
           <NodeCounters host={host} node={node.node} />
           <JsonVerdictLine host={host} node={node.node} />
-          <Warning host={host} node={node} />
+          <NodeWarning host={host} node={node} />
         </>
       ) : (
         <WiredPins {...pinProps} inputs={inputs} outputs={outputs} linked={linked} />
@@ -131,13 +127,6 @@ function FaceIcon({ type }: { type: string }) {
   return icon === null ? null : <img src={icon} alt="" width="22" height="22" />;
 }
 
-/** The network tells of itself several times a second; a warning seldom changes. */
-function Warning({ host, node }: { host: Host; node: NodeView }) {
-  const fed = (input: Param) => fedInput(host, node.node, input);
-  const warning = useMemo(() => computed(() => textWarning(node, host.network.value?.state.devices ?? null, fed)), [node]).value;
-  return warning === null ? null : <p class="face-warning">{warning}</p>;
-}
-
 /** A double click or F2 makes a field of it. */
 function FaceName({ editor, node }: { editor: Editor; node: NodeView }) {
   const isOpen = useComputed(() => editor.renaming.value === node.node).value;
@@ -170,22 +159,5 @@ function NameField({ editor, node }: { editor: Editor; node: NodeView }) {
       }}
       onBlur={(event) => editor.renaming.value === node.node && void editor.rename(node.node, event.currentTarget.value.trim())}
     />
-  );
-}
-
-/** As long as the mark that stands in place of a flash. */
-const LIT_MS = 2000;
-
-/** Flashes when the node does something, and says how long ago that was. */
-function Activity({ host, node }: { host: Host; node: string }) {
-  const last = host.active.of(node).value;
-  if (last === null) {
-    return null;
-  }
-  const age = clock.value - last;
-  return (
-    <span class={`face-activity ${age < LIT_MS ? "fired" : ""}`} data-active={last}>
-      <span class="event-lamp" key={last} aria-hidden="true" /> {agoText(age)}
-    </span>
   );
 }

@@ -10,6 +10,7 @@ import type { ParamGroup } from "../messages.ts";
 import { DeviceCard } from "./DeviceCard.tsx";
 import "./inspector.css";
 import { JsonVerdictLine } from "./JsonPanel.tsx";
+import { NodeActivity, NodeCounters, NodeWarning } from "./NodeState.tsx";
 import { ObjectCard } from "./ObjectCard.tsx";
 import { EventOutput, ValueOutput } from "./Outputs.tsx";
 import { ParamEditor } from "./ParamEditor.tsx";
@@ -143,7 +144,10 @@ function CardContent({ host, node }: { host: Host; node: NodeView }) {
             {hostText(node.details.name)} <span class="dot">·</span> {place}
           </p>
         </div>
+        <NodeActivity host={host} node={node.node} />
       </header>
+      <NodeCounters host={host} node={node.node} />
+      <NodeWarning host={host} node={node} />
       {inputs.some((group) => group.params.length > 0) && (
         <section class="group">
           <h4>{t("Inputs")}</h4>
