@@ -2,11 +2,11 @@
 // pages at once.
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { canvasOf } from "./support/canvas.mjs";
+import { canvasOf, drawn } from "./support/canvas.mjs";
 import { canvas, placeOf, stepIs, TEXT_INPUT, undoStep, useCanvas } from "./support/editing.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script } from "./support/scene.mjs";
-import { expectEventually, must, until } from "./support/session.mjs";
+import { createNode, expectEventually, must, until } from "./support/session.mjs";
 
 useCanvas();
 
@@ -46,6 +46,32 @@ test("nodes are lined up", async () => {
   await canvas.choose("k", "t");
   await page.page.getByRole("button", { name: "Align left" }).click();
   await until("one line", async () => (await placeOf("t")).x === 0);
+});
+
+test("what is typed into an input stays while Escape is for composing, and goes with Escape alone", async () => {
+  await createNode(script, "s", "0F", "Sender");
+  await canvas.choosePalette("Sender");
+  const field = page.page.locator('article input[data-param="1505"]');
+  await field.fill("ni");
+  const escape = (isComposing) =>
+    field.evaluate((one, composing) => one.dispatchEvent(new KeyboardEvent("keydown", { key: "Escape", isComposing: composing, bubbles: true })), isComposing);
+  await escape(true);
+  await page.page.evaluate(drawn);
+  assert.equal(await field.inputValue(), "ni");
+  await escape(false);
+  await expectEventually("the text", () => field.inputValue(), "");
+});
+
+test("a text that is too long for the page is left out of a copy, which says so", async () => {
+  await createNode(script, "s", "0F", "Sender");
+  await must(script, { op: "edit", node: "s", param: 1505, string: "x".repeat(70000) });
+  await canvas.choosePalette("Sender");
+  await page.page.locator('article input[data-param="1505"][placeholder^="70,000"]').waitFor();
+  await canvas.face("s").focus();
+  await page.keyboard.press("Control+c");
+  await page.page.getByText("Copied: 1 · too long to be copied, left out: 1").waitFor();
+  await page.keyboard.press("Control+d");
+  await page.page.getByText("Added: 1 · too long to be copied, left out: 1").waitFor();
 });
 
 test("chosen nodes are copied with their values and links, and pasted on another page", async () => {

@@ -1,6 +1,6 @@
 // Scenes and their files: begun, saved, opened, taken along, and found again after the host ended.
 import assert from "node:assert/strict";
-import { mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
+import { mkdirSync, mkdtempSync, readFileSync, rmSync, truncateSync, writeFileSync } from "node:fs";
 import { createServer } from "node:net";
 import { once } from "node:events";
 import { tmpdir } from "node:os";
@@ -503,9 +503,29 @@ test("a file that is no scene is refused with the reason, and the scene stays", 
   await canvas.nodesAre(["Mouse 1"]);
 });
 
+test("a file that is too large, or that no host takes, is refused in the reader's language", async () => {
+  await page.getByRole("button", { name: "中文" }).click();
+  const file = join(folder, "large.json");
+  writeFileSync(file, "");
+  truncateSync(file, 257 * 1024 ** 2);
+  const says = (text) => page.locator("dialog [role=alert]", { hasText: text }).waitFor();
+  await page.getByRole("button", { name: "打开", exact: true }).click();
+  await page.locator("[data-upload]").setInputFiles(file);
+  await says("文件大于 256 MiB。");
+  await page.route("**/scene", (route) => route.fulfill({ status: 413, contentType: "text/plain", body: "" }));
+  truncateSync(file, 0);
+  await page.locator("[data-upload]").setInputFiles(file);
+  await says("主机拒绝了此文件：413 Payload Too Large");
+  await page.route("**/scene", (route) => route.abort());
+  await page.locator("[data-upload]").setInputFiles(file);
+  await says("无法连接主机。");
+});
+
 test("an empty scene offers something to begin with", async () => {
+  assert.equal(await page.getByRole("button", { name: "demo", exact: true }).count(), 0);
   await page.locator('[data-start="keyboard to text"]').click();
   await canvas.nodesAre(["Keyboard 1", "Text field 1"]);
+  await page.locator('[data-undo][title="Undo: Begin with keyboard to text"]').waitFor();
   assert.equal((await canvas.links()).length, 2);
   await page.locator("[data-empty-scene]").waitFor({ state: "detached" });
   await page.locator("[data-undo]").click();

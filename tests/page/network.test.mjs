@@ -213,6 +213,7 @@ test("the device of a send node is chosen from the list, and its name follows", 
 
   await input("send", NET_SEND.devId).selectOption("3");
   await expectEventually("the name", () => input("send", NET_SEND.devName).inputValue(), "Wall");
+  await page.page.locator('[data-undo][title="Undo: Choose device Wall"]').waitFor();
   await pressSend("send", NET_SEND.send);
   await until("the record", () => wall.received.includes('DevName="Wall"'));
 

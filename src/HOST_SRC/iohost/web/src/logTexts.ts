@@ -60,8 +60,8 @@ export const HOST_LINES: Record<string, string> = {
   "broadcasts are received on UDP %s": "正在 UDP %s 上接收广播",
   "broadcasts can't be received on %s; trying again": "无法接收广播：%s；正在重试",
   "receiving broadcasts on UDP %s: %s": "在 UDP %s 上接收广播时出错：%s",
-  "a broadcast of the node %s was held back: listen-only is on": "节点 %s 的广播未发出：只听模式已开启",
-  "a broadcast was held back: listen-only is on": "一条广播未发出：只听模式已开启",
+  "a broadcast of the node %s was held back: listen-only is on": "节点 %s 的广播未发出：已开启只监听",
+  "a broadcast was held back: listen-only is on": "一条广播未发出：已开启只监听",
   "taking records of other hosts on TCP %s: %s": "在 TCP %s 上接收其他主机的记录时出错：%s",
   "records of other hosts on TCP %s: the silent connection of %s makes room for another":
     "TCP %s 上其他主机的记录：%s 的静默连接已为新连接让位",

@@ -7,7 +7,7 @@ import type { Reply } from "./messages.ts";
 export const REFUSALS: Record<string, string> = {
   // What a value must be
   "is missing": "缺少此项",
-  "is empty": "为空",
+  "is empty": "不能为空",
   "must be an object": "必须是对象",
   "must be a list": "必须是列表",
   "must be a string": "必须是字符串",

@@ -25,6 +25,9 @@ export interface ObjectName {
   name: string;
 }
 
+/** Of a scene that the host takes. */
+const LARGEST_SCENE_BYTES = 256 * 1024 ** 2;
+
 /** What is asked of the host to change the scene. Each answers with what was wrong, or null. */
 export class Requests {
   readonly #connection: Connection;
@@ -90,13 +93,17 @@ export class Requests {
 
   /** Loads a scene file of this computer. */
   async upload(file: Blob): Promise<string | null> {
-    try {
-      const reply = await fetch("scene", { method: "POST", body: file });
-      const isJson = reply.headers.get("content-type") === "application/json";
-      return isJson ? errorOf(inReadersLanguage((await reply.json()) as Reply)) : `${reply.status} ${reply.statusText}`;
-    } catch (error) {
-      return String(error);
+    if (file.size > LARGEST_SCENE_BYTES) {
+      return t("The file is larger than 256 MiB."); // what the host refuses unread, the browser calls a failed connection
     }
+    const reply = await fetch("scene", { method: "POST", body: file }).catch(() => null);
+    if (reply === null) {
+      return t("The host can't be reached.");
+    }
+    const isJson = reply.headers.get("content-type") === "application/json";
+    return isJson
+      ? errorOf(inReadersLanguage((await reply.json()) as Reply))
+      : t("The host refused the file: {reason}", { reason: `${reply.status} ${reply.statusText}` });
   }
 
   /** Takes what an earlier run of the host left unsaved, or throws it away. */

@@ -1,3 +1,4 @@
+import { STARTS } from "./graph/starts.ts";
 import { t } from "./i18n.ts";
 import type { Step } from "./protocol.ts";
 
@@ -20,7 +21,8 @@ const OF_SOMETHING = [
   "Recover {what}",
   "Paste {what}",
   "Duplicate {what}",
-  "Send to {what}",
+  "Choose device {what}",
+  "Begin with {what}",
 ] as const;
 
 /** Steps that name nothing. */
@@ -31,7 +33,6 @@ const OTHERS = [
   "Open a scene",
   "Recover a scene",
   "Unlink",
-  "Add a start",
 ] as const;
 
 /** The name of a step in the reader's language; the host and who sends a batch name it in English. */
@@ -62,6 +63,8 @@ function whatText(pattern: (typeof OF_SOMETHING)[number], what: string): string 
       return from === undefined ? what : t("{from} to {to}", { from, to: to! });
     case "Unlink {what}":
       return from === undefined ? what : t("{from} from {to}", { from, to: to! });
+    case "Begin with {what}":
+      return STARTS.some(({ name }) => name === what) ? t(what as (typeof STARTS)[number]["name"]) : what;
     case "Delete {what}":
     case "Duplicate {what}":
     case "Paste {what}": {

@@ -41,6 +41,12 @@ test("copied nodes are made anew under free names, with their values, the links 
   ]);
 });
 
+test("inputs whose texts were cut are left out and counted, but those that are linked", () => {
+  const cut = [param(202, TEXT, { length: 70_000 }), param(205, TEXT, { length: 70_000 })];
+  const { nodes: copied, leftOut } = copyOf([node("t 1", "Title", cut)], links, [], placeOf);
+  assert.deepEqual([copied[0]!.values, leftOut], [{}, 1]);
+});
+
 test("two of one name get names of their own", () => {
   const twins = [node("a", "Same", []), node("b", "Same", [])];
   const { changes } = pasteOf(copyOf(twins, [], [], placeOf), [], 0);

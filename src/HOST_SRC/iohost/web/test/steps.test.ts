@@ -33,9 +33,10 @@ const IN_CHINESE: [name: string, op: string, of: string | undefined, text: strin
   ["Delete a note", "batch", undefined, "删除 1 个便签"],
   ["Delete 2 notes", "batch", undefined, "删除 2 个便签"],
   ["Delete 3 nodes and 2 notes", "batch", undefined, "删除 3 个节点、2 个便签"],
-  ["Duplicate a note", "batch", undefined, "复制 1 个便签"],
+  ["Duplicate a note", "batch", undefined, "创建 1 个便签 的副本"],
   ["Paste Mouse 1 and a note", "batch", undefined, "粘贴 Mouse 1、1 个便签"],
-  ["Send to Wall", "batch", undefined, "发送到 Wall"],
+  ["Choose device Wall", "batch", undefined, "选择设备 Wall"],
+  ["Begin with keyboard to text", "batch", undefined, "从“键盘到文本”开始"],
   ["Change the scene", "batch", undefined, "更改场景"],
   ["Lights for act 2", "batch", undefined, "Lights for act 2"],
 ];

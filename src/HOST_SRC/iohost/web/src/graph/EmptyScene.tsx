@@ -1,8 +1,9 @@
+import { useEffect, useState } from "preact/hooks";
 import { t } from "../i18n.ts";
 import { openAnother } from "../openAnother.ts";
 import type { Change } from "../requests.ts";
 import type { Editor } from "./editor.ts";
-import { starts } from "./starts.ts";
+import { STARTS } from "./starts.ts";
 import "./emptyScene.css";
 
 const DEMO = "demo.json";
@@ -20,23 +21,29 @@ export function EmptyScene({ editor }: { editor: Editor }) {
         !(change.op === "object" && objects.some(({ clip, name }) => clip === change.clip && name === change.name)),
     );
   };
+  const [hasDemo, setHasDemo] = useState(false);
+  useEffect(() => {
+    void requests.scenes().then((found) => setHasDemo(typeof found !== "string" && found.some(({ file }) => file === DEMO)));
+  }, []);
   const openDemo = () =>
     openAnother(editor.host, editor.desk, DEMO, async () => editor.desk.tell(await requests.load(DEMO), ""));
   return (
     <div class="empty-scene" data-empty-scene>
       <h2>{t("Start from")}</h2>
       <div class="empty-starts">
-        <button type="button" onClick={openDemo}>
-          {t("demo")}
-        </button>
-        {starts().map(({ name, changes }) => (
+        {hasDemo && (
+          <button type="button" onClick={openDemo}>
+            {t("demo")}
+          </button>
+        )}
+        {STARTS.map(({ name, changes }) => (
           <button
             type="button"
             key={name}
             data-start={name}
-            onClick={async () => editor.desk.tell(await requests.batch("Add a start", withoutKnownParts(changes)), "")}
+            onClick={async () => editor.desk.tell(await requests.batch(`Begin with ${name}`, withoutKnownParts(changes)), "")}
           >
-            {name}
+            {t(name)}
           </button>
         ))}
       </div>

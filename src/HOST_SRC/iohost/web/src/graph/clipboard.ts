@@ -1,6 +1,7 @@
 // Copied nodes and notes: kept by the browser, so that another page of the same host can paste them.
 import type { NodeView } from "../host.ts";
 import { kindOf, type EditValue } from "../params.ts";
+import type { Param } from "../messages.ts";
 import { inputsOf } from "../nodePins.ts";
 import type { Link, Note, Place } from "../protocol.ts";
 import { placing, type Change } from "../requests.ts";
@@ -20,6 +21,8 @@ export interface Clipping {
   nodes: CopiedNode[];
   links: Link[];
   notes: Note[];
+  /** How many inputs' texts aren't in it: the page has only the beginnings of those that are too long. */
+  leftOut: number;
 }
 
 const FORMAT = "iohost nodes and notes";
@@ -32,19 +35,21 @@ export function copyOf(
   placeOf: (node: string) => Place,
 ): Clipping {
   const ids = new Set(nodes.map(({ node }) => node));
+  const isLinked = (node: string, id: number) => links.some((link) => link.to === node && link.input === id);
+  const isCut = (param: Param) => param.length !== undefined;
   return {
     format: FORMAT,
     nodes: nodes.map((view) => {
       const { node, type, clip, graph } = view;
-      const isLinked = (id: number) => links.some((link) => link.to === node && link.input === id);
       const values = inputsOf(view).flatMap((param): [string, EditValue][] => {
-        const value = isLinked(param.id) || param.length !== undefined ? null : valueOf(param);
+        const value = isLinked(node, param.id) || isCut(param) ? null : valueOf(param);
         return value === null ? [] : [[String(param.id), value]];
       });
       return { node, type, clip, graph, place: placeOf(node), values: Object.fromEntries(values) };
     }),
     links: links.filter(({ from, to }) => ids.has(from) && ids.has(to)),
     notes: [...notes],
+    leftOut: nodes.flatMap((view) => inputsOf(view).filter((param) => isCut(param) && !isLinked(view.node, param.id))).length,
   };
 }
 

@@ -225,7 +225,8 @@ export class Editor {
     const count = clipping.nodes.length + clipping.notes.length;
     if (count > 0) {
       const isKept = keepClipping(localStorage, clipping);
-      this.desk.message.value = isKept ? t("Copied: {count}", { count }) : t("Copied for this page alone: {count}", { count });
+      const copied = isKept ? t("Copied: {count}", { count }) : t("Copied for this page alone: {count}", { count });
+      this.desk.message.value = withLeftOut(copied, clipping);
     }
   }
 
@@ -253,7 +254,7 @@ export class Editor {
       const by = freeShift([...clipping.nodes.map(({ place }) => place), ...clipping.notes], taken, APART);
       const { changes, handles, noteIds } = pasteOf(clipping, nodes, by);
       const error = await this.host.requests.batch(`${verb} ${nameOf(clipping.nodes, clipping.notes)}`, changes);
-      this.desk.tell(error, t("Added: {count}", { count: handles.length + noteIds.length }));
+      this.desk.tell(error, withLeftOut(t("Added: {count}", { count: handles.length + noteIds.length }), clipping));
       if (error === null) {
         this.view.choose(handles, noteIds);
       }
@@ -282,6 +283,10 @@ function nameOf(nodes: readonly { graph: string }[], notes: readonly unknown[]):
     ...(notes.length === 0 ? [] : [notes.length === 1 ? "a note" : `${notes.length} notes`]),
   ];
   return texts.join(" and ");
+}
+
+function withLeftOut(text: string, { leftOut }: Clipping): string {
+  return leftOut > 0 ? `${text} · ${t("too long to be copied, left out: {count}", { count: leftOut })}` : text;
 }
 
 /** The link between two pins, whichever it was begun at. */

@@ -38,7 +38,7 @@ export function DeviceChoice({ host, node, param, otherwise, onEdit }: DeviceCho
     if (name === undefined || device === undefined) {
       onEdit(edit);
     } else {
-      const error = await host.requests.batch(`Send to ${device.name}`, [
+      const error = await host.requests.batch(`Choose device ${device.name}`, [
         { op: "edit", node, param: param.id, ...edit },
         { op: "edit", node, param: name.id, string: device.name },
       ]);

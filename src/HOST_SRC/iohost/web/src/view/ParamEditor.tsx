@@ -206,7 +206,10 @@ function useDraft(current: string, commit: (draft: string) => void) {
       setDraft(null);
     },
     onKeyDown: (event: KeyboardEvent & { currentTarget: HTMLInputElement }) => {
-      if (event.key === "Enter" && !event.isComposing && draft !== null) {
+      if (event.isComposing) {
+        return;
+      }
+      if (event.key === "Enter" && draft !== null) {
         commit(draft);
         setDraft(null);
       } else if (event.key === "Escape") {
