@@ -85,8 +85,8 @@ test("names of types, pins and choices follow the switch, whichever the host's a
   await createNode(other, "j", "0E", "JSON");
   await createNode(other, "v", Type.vrHandle, "Hand");
   const view = await is.openPage(browser, chinese);
-  const pins = (node) => view.page.locator(`article[data-node=${node}] .output-name`).allInnerTexts();
-  const hands = () => view.page.locator('article[data-node=v] select[data-param="803"] option').allInnerTexts();
+  const pins = (node) => view.page.locator(`article[data-node=${node}] .output-name`).allTextContents();
+  const hands = () => view.page.locator('article[data-node=v] select[data-param="803"] option').allTextContents();
   const type = view.page.locator("article[data-node=k] header");
   await view.page.locator("article[data-node=v] select").waitFor();
   for (const [language, pressed, key, keyboard, left] of [["EN", "Pressed", "Key 1", "Keyboard · Demo", "Left hand"], ["中文", "按下", "键1", "键盘 · Demo", "左手柄"]]) {
