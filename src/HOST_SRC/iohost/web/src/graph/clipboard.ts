@@ -103,7 +103,7 @@ export function pasteOf(
   };
 }
 
-/** Notes of several pages get different ones. */
+/** Random, so that notes of several pages get different ids. */
 export function newNoteId(): string {
   return `note ${Math.random().toString(36).slice(2)}`;
 }
@@ -114,7 +114,7 @@ function withoutNumber(name: string): string {
 
 const STORAGE_KEY = "iohost.copied-nodes";
 
-/** What this page copied last, where the browser doesn't keep it: it's too much, say. */
+/** What this page copied last, if the browser refused to keep it, because it's too large for example. */
 let unkept: Clipping | null = null;
 
 /** Whether other pages can paste it, too. */

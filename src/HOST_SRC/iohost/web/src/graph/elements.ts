@@ -40,7 +40,7 @@ export function facesOf(
   });
 }
 
-/** The same, with those chosen that are to be. */
+/** The same faces, of which those are chosen that `isChosen` names. */
 export function chosenIn(faces: readonly CanvasNode[], isChosen: (id: string) => boolean): CanvasNode[] {
   return faces.map((face) => ((face.selected === true) === isChosen(face.id) ? face : { ...face, selected: isChosen(face.id) }));
 }
@@ -53,7 +53,7 @@ function faceOf(editor: Editor, node: NodeView, linked: readonly string[], autom
     position: { x, y },
     data: { editor, node, folded, linked },
     ariaLabel: `${node.graph}, ${hostText(node.details.name)}`,
-    // About so large until it's drawn: the library forgets the pins of a node that comes anew without a size.
+    // An estimate until the library measures the drawn node: without a size it would forget the node's pins.
     measured: { width: boxOf(node).width, height: boxOf(node).height },
   };
 }
@@ -120,13 +120,13 @@ function wireOf({ host }: Editor, source: NodeView, target: NodeView, link: Link
   };
 }
 
-/** The one that was there, where the new one says the same; what the library has added to it counts for nothing. */
+/** The element that was there, if all members of the new one are equal to its own; members that the library added don't count. */
 function sameOr<Element extends object>(before: Element | undefined, now: Element): Element {
   const isSame = (key: string) => isAlike(before?.[key as keyof Element], now[key as keyof Element], 3);
   return before !== undefined && Object.keys(now).every(isSame) ? before : now;
 }
 
-/** Whether two are equal, down to so many objects in objects. */
+/** Whether two values are equal; objects are compared by their members, nested ones down to this depth. */
 function isAlike(one: unknown, other: unknown, depth: number): boolean {
   if (one === other || depth === 0 || one === null || other === null || typeof one !== "object" || typeof other !== "object") {
     return one === other;

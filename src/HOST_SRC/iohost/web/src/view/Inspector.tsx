@@ -22,7 +22,7 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
   const section = useRef<HTMLElement>(null);
   const opened = desk.opened.value;
   const scene = host.sceneNumber.value;
-  useEffect(() => () => void (desk.opened.value = null), [desk, scene]); // it's of that scene
+  useEffect(() => () => void (desk.opened.value = null), [desk, scene]); // what was opened belongs to that scene
   // The focus comes to what was opened, before somebody can go on there, and goes back to where that was done.
   useLayoutEffect(() => {
     if (opened === null) {

@@ -18,7 +18,7 @@ interface ObjectCardProps {
 /** An object in the inspector, which hands move and JSON texts are for. */
 export function ObjectCard({ host, desk, name }: ObjectCardProps) {
   const object = name && host.objects.value.find((one) => one.clip === name.clip && one.name === name.name);
-  // One that was just added or renamed may not be told of yet.
+  // The host may not have told of an object yet that was just added or renamed.
   const wasThere = useRef(false);
   wasThere.current ||= object != null;
   const isGone = object === undefined && wasThere.current;
