@@ -102,7 +102,7 @@ public:
     }
 
     void OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) override {
-        TellScene(); // so that nobody is told later what the new client is told now
+        TellScene(); // what is due to all goes out first: the new client would get it twice
         CHeldInput& held = m_session.Held().Open();
         m_clients.emplace(pClient.get(), SClient{pClient, held});
         pClient->Send(Text({{"push", "hello"},
@@ -454,8 +454,8 @@ private:
 
     std::shared_ptr<const std::string> Text(const OrderedJson& message) { return MakeText(ReplyText(message)); }
 
-    /// A text to send. Where too much waits for clients already, the one goes that most waits for: one that reads never
-    /// has more waiting than one that doesn't, however busy the host is.
+    /// A text to send. Where too much waits for clients already, the one with the most waiting is closed. That is one
+    /// that doesn't read: for one that does, less waits however much the host has to tell.
     std::shared_ptr<const std::string> MakeText(std::string strText) {
         if (m_texts.Bytes() > MOST_QUEUED_BYTES && !m_clients.empty()) {
             std::ranges::max_element(m_clients, {}, [](const auto& entry) {
