@@ -2,13 +2,11 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { canvasOf } from "./support/canvas.mjs";
+import { APPEND_INPUT, CLEAR_INPUT, TEXT_INPUT } from "./support/editing.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
 import { createNode, expectEventually, must, Type, until } from "./support/session.mjs";
 
-const TEXT_INPUT = 202;
-const APPEND_INPUT = 203;
-const CLEAR_INPUT = 204;
 const STRING_SEND = { type: "0F", device: 1503, send: 1507 };
 const DEVICE_JSON = { type: "0E", device: 1402, checks: 1403, key: 1404 };
 
@@ -17,26 +15,24 @@ useScene({
     await createNode(script, "t", Type.textField, "Text field 1");
     await must(script, { op: "link", from: "k", output: is.KEY_DOWN[1], to: "t", input: APPEND_INPUT });
   },
-  look: () => face("t").waitFor(),
+  look: () => {
+    canvas = canvasOf(page.page, script);
+    return canvas.face("t").waitFor();
+  },
 });
 
-const face = (node) => page.page.locator(`[data-face="${node}"]`);
-const pin = (node, id) => face(node).locator(`[data-handleid="${id}"]`);
-const wires = () => page.page.locator(".react-flow__edge");
-const chosen = () => page.page.locator(".react-flow__node.selected");
-const message = () => page.page.locator("[data-graph-message]");
-const links = async () => (await must(script, { op: "scene" })).links;
+let canvas;
 
 test("the scene's links are wires, also one that comes later", async () => {
-  await expectEventually("wires", () => wires().count(), 1);
+  await expectEventually("wires", () => canvas.wires().count(), 1);
   await must(script, { op: "link", from: "k", output: is.KEY_TEXT[1], to: "t", input: TEXT_INPUT });
-  await expectEventually("wires", () => wires().count(), 2);
+  await expectEventually("wires", () => canvas.wires().count(), 2);
 });
 
 test("a node's face counts its events and shows its values", async () => {
   await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
-  await expectEventually("the count", () => face("k").locator('[data-face-count="1"]').count(), 1);
-  await until("the key's name", async () => (await face("k").innerText()).includes("F5"));
+  await expectEventually("the count", () => canvas.face("k").locator('[data-face-count="1"]').count(), 1);
+  await until("the key's name", async () => (await canvas.face("k").innerText()).includes("F5"));
 });
 
 test("a page that opens later shows the same counts, and when they are reset all pages count anew", async () => {
@@ -76,7 +72,7 @@ test("a text of a node that its device was dropped counts on the node's face", a
   await must(script, { op: "device", device: 3, name: "Wall", parser: "direct", address: "127.0.0.1:9", drop_after: 0.01 });
   await must(script, { op: "set", node: "s", param: STRING_SEND.device, int: 3 });
   await canvasOf(page.page, script).choosePalette("Sender");
-  const counters = face("s").locator("[data-counters]");
+  const counters = canvas.face("s").locator("[data-counters]");
   await expectEventually("the counters", () => counters.innerText(), "fired 0");
   await must(script, { op: "trigger", node: "s", param: STRING_SEND.send });
   await expectEventually("the counters", () => counters.innerText(), "fired 0 · sent 1 · dropped 1");
@@ -88,7 +84,7 @@ test("a node's last verdict stands on its face in one line, however long it is",
   const send = (text) => must(script, { op: "event", device: 5, event: 0, payload: { is: "device_text", device: 1, text } });
   await set(DEVICE_JSON.device, { int: 1 });
   await canvasOf(page.page, script).choosePalette("Taker");
-  const verdict = face("j").locator("[data-verdict]");
+  const verdict = canvas.face("j").locator("[data-verdict]");
   await send("no JSON");
   await expectEventually("the verdict", () => verdict.innerText(), "Last text: not JSON");
   await set(DEVICE_JSON.checks, { int: 1 });
@@ -96,11 +92,11 @@ test("a node's last verdict stands on its face in one line, however long it is",
   await send("{}");
   await expectEventually("the verdict", () => verdict.getAttribute("data-verdict"), "key_missing");
   const height = (one) => one.evaluate(({ offsetHeight }) => offsetHeight);
-  assert.equal(await height(verdict), await height(face("j").locator("[data-counters]")));
+  assert.equal(await height(verdict), await height(canvas.face("j").locator("[data-counters]")));
 });
 
 test("at most three values stand beside a node's pins, those first that wires lead from", async () => {
-  const valued = () => face("m").locator(".face-output").evaluateAll((rows) =>
+  const valued = () => canvas.face("m").locator(".face-output").evaluateAll((rows) =>
     rows.filter((row) => row.querySelector(".face-value:not([data-face-count])")).map((row) => Number(row.querySelector("[data-handleid]").dataset.handleid)).join());
   await canvasOf(page.page, script).choosePalette("Mouse 1");
   await expectEventually("those with values", valued, [is.BUTTON_LEFT, is.BUTTON_RIGHT, is.BUTTON_MIDDLE].map(([, id]) => id).join());
@@ -109,12 +105,11 @@ test("at most three values stand beside a node's pins, those first that wires le
 });
 
 test("a click on the map moves the view there, and so does dragging it", async () => {
-  const canvas = canvasOf(page.page, script);
   await must(script, { op: "place", nodes: { k: { x: 0, y: 0 }, m: { x: 0, y: 2000 }, t: { x: 4000, y: 2000 } } });
   await canvas.choosePalette("Keyboard 1");
   await expectEventually("those in sight", inSight, 1);
   const shows = (node) => until(`${node} in the middle`, async () => {
-    const [at, pane] = [await canvas.middleOf(face(node)), await canvas.pane().boundingBox()];
+    const [at, pane] = [await canvas.middleOf(canvas.face(node)), await canvas.pane().boundingBox()];
     return at.x > pane.x && at.x < pane.x + pane.width && at.y > pane.y && at.y < pane.y + pane.height;
   });
   await shows("k");
@@ -129,7 +124,7 @@ test("a click on the map moves the view there, and so does dragging it", async (
   await page.mouse.click(to.x, to.y);
   await shows("t");
   await isAsNear();
-  const left = async () => (await face("t").boundingBox()).x;
+  const left = async () => (await canvas.face("t").boundingBox()).x;
   const before = await left();
   const { x, y } = await onMap("t");
   await canvas.drag({ x, y }, { x: x - 20, y });
@@ -137,15 +132,15 @@ test("a click on the map moves the view there, and so does dragging it", async (
 });
 
 test("a wire that is drawn from an event to an event is a link", async () => {
-  await pin("m", is.LEFT_DOWN[1]).dragTo(pin("t", CLEAR_INPUT));
-  await expectEventually("wires", () => wires().count(), 2);
-  assert.deepEqual((await links()).at(-1), { from: "m", output: is.LEFT_DOWN[1], to: "t", input: CLEAR_INPUT });
+  await canvas.pin("m", is.LEFT_DOWN[1]).dragTo(canvas.pin("t", CLEAR_INPUT));
+  await expectEventually("wires", () => canvas.wires().count(), 2);
+  assert.deepEqual((await canvas.links()).at(-1), { from: "m", output: is.LEFT_DOWN[1], to: "t", input: CLEAR_INPUT });
 });
 
 test("a wire between pins that don't fit is refused with the reason", async () => {
-  await pin("m", is.LEFT_DOWN[1]).dragTo(pin("t", TEXT_INPUT));
-  await expectEventually("the reason", () => message().innerText(), "An output with events doesn't fit an input for texts.");
-  assert.equal((await links()).length, 1);
+  await canvas.pin("m", is.LEFT_DOWN[1]).dragTo(canvas.pin("t", TEXT_INPUT));
+  await expectEventually("the reason", () => canvas.message().innerText(), "An output with events doesn't fit an input for texts.");
+  assert.equal((await canvas.links()).length, 1);
 });
 
 test("a node is added by its type's name, under a name of its own", async () => {
@@ -153,28 +148,28 @@ test("a node is added by its type's name, under a name of its own", async () => 
   await page.keyboard.type("mouse");
   await page.page.locator("[data-entry=Mouse].marked").waitFor();
   await page.keyboard.press("Enter");
-  await face("Mouse 1").waitFor();
+  await canvas.face("Mouse 1").waitFor();
   const { nodes } = await must(script, { op: "scene" });
   assert.deepEqual(nodes.slice(-1).map(({ node, graph, clip }) => [node, graph, clip]), [["Mouse 1", "Mouse 2", "Demo"]]);
 });
 
 test("a chosen node is removed by a key, with its links", async () => {
-  await face("t").locator("header").click();
-  await chosen().waitFor();
+  await canvas.face("t").locator("header").click();
+  await canvas.chosen().waitFor();
   await page.page.keyboard.press("Delete");
-  await face("t").waitFor({ state: "detached" });
+  await canvas.face("t").waitFor({ state: "detached" });
   assert.deepEqual((await must(script, { op: "scene" })).nodes.map(({ node }) => node), ["k", "m"]);
-  assert.deepEqual(await links(), []);
-  assert.equal(await wires().count(), 0);
+  assert.deepEqual(await canvas.links(), []);
+  assert.equal(await canvas.wires().count(), 0);
 });
 
 test("a key that is typed elsewhere removes nothing", async () => {
-  await face("t").locator("header").click();
-  await chosen().waitFor();
+  await canvas.face("t").locator("header").click();
+  await canvas.chosen().waitFor();
   await page.page.locator("[data-surface]").focus();
   await page.page.keyboard.press("Delete");
   await page.page.keyboard.press("Backspace");
-  await face("k").locator('[data-face-count="2"]').first().waitFor();
+  await canvas.face("k").locator('[data-face-count="2"]').first().waitFor();
   assert.equal(page.sent.some(({ op }) => op === "destroy"), false);
 });
 
@@ -188,22 +183,22 @@ const inSight = () => page.page.locator("[data-graph]").evaluate((graph) => {
 
 test("another scene whose nodes have the same handles begins anew: counts, what is chosen, places, view", async () => {
   await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
-  await expectEventually("the count", () => face("k").locator('[data-face-count="1"]').count(), 1);
-  await face("k").locator("header img").click();
-  await chosen().waitFor();
+  await expectEventually("the count", () => canvas.face("k").locator('[data-face-count="1"]').count(), 1);
+  await canvas.face("k").locator("header img").click();
+  await canvas.chosen().waitFor();
   for (let steps = 0; steps < 4; ++steps) {
     await page.page.getByRole("button", { name: "Zoom in" }).click();
   }
   await until("a part", async () => (await inSight()) < 3);
-  const at = () => face("t").locator("..").evaluate(({ style }) => style.transform);
+  const at = () => canvas.face("t").locator("..").evaluate(({ style }) => style.transform);
   const before = await at();
   const node = (name, last) => ({ node: name, type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${last}}`, clip: "Demo", graph: name });
   const nodes = [node("k", Type.keyboard), node("m", Type.mouse), node("t", Type.textField)];
   const links = [{ from: "m", output: is.LEFT_DOWN[1], to: "t", input: APPEND_INPUT }];
   await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes, links } });
   await expectEventually("those in sight", inSight, 3);
-  assert.equal(await chosen().count(), 0);
-  assert.equal(await face("k").locator('[data-face-count="0"]').count(), 2);
+  assert.equal(await canvas.chosen().count(), 0);
+  assert.equal(await canvas.face("k").locator('[data-face-count="0"]').count(), 2);
   assert.equal(await page.page.locator("article[data-node]").count(), 3);
   assert.notEqual(await at(), before);
 });
@@ -213,26 +208,26 @@ test("another scene is arranged anew and comes into sight", async () => {
   const nodes = [node("t2", Type.textField), node("k2", Type.keyboard), node("m2", Type.mouse)];
   const links = [{ from: "k2", output: is.KEY_DOWN[1], to: "t2", input: APPEND_INPUT }];
   await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes, links } });
-  await face("k2").waitFor();
+  await canvas.face("k2").waitFor();
   await expectEventually("those in sight", inSight, 3);
-  const left = async (node) => (await face(node).boundingBox()).x;
+  const left = async (node) => (await canvas.face(node).boundingBox()).x;
   assert.ok((await left("k2")) < (await left("t2")));
 });
 
 test("a chosen wire is cut, and the nodes stay", async () => {
-  await wires().focus();
+  await canvas.wires().focus();
   await page.page.keyboard.press("Enter");
   await page.page.locator(".react-flow__edge.selected").waitFor();
   await page.page.keyboard.press("Delete");
-  await expectEventually("wires", () => wires().count(), 0);
-  assert.deepEqual(await links(), []);
+  await expectEventually("wires", () => canvas.wires().count(), 0);
+  assert.deepEqual(await canvas.links(), []);
   assert.equal(await page.page.locator("[data-face]").count(), 3);
 });
 
-test("all of it is reached by keys alone", async () => {
+test("a node that has the focus is chosen by Enter and removed by Backspace", async () => {
   await page.page.getByRole("group", { name: /^Text field 1/ }).focus();
   await page.page.keyboard.press("Enter");
-  await chosen().waitFor();
+  await canvas.chosen().waitFor();
   await page.page.keyboard.press("Backspace");
-  await face("t").waitFor({ state: "detached" });
+  await canvas.face("t").waitFor({ state: "detached" });
 });
