@@ -1,6 +1,7 @@
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
+import "./liveBadge.css";
 
 /** Whether what nodes send goes out to the devices; pressed, it's the other way. */
 export function LiveBadge({ host, desk }: { host: Host; desk: Desk }) {

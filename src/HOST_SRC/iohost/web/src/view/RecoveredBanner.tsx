@@ -2,6 +2,7 @@ import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import { openAnother } from "../openAnother.ts";
+import "./recoveredBanner.css";
 
 /** Offers what an earlier run of the host left unsaved. */
 export function RecoveredBanner({ host, desk }: { host: Host; desk: Desk }) {

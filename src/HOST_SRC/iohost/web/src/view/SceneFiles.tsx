@@ -4,6 +4,7 @@ import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import { OpenDialog } from "./OpenDialog.tsx";
 import { SaveDialog } from "./SaveDialog.tsx";
+import "./sceneFiles.css";
 
 /** The ways to open and save scenes. */
 export function SceneFiles({ host, desk }: { host: Host; desk: Desk }) {

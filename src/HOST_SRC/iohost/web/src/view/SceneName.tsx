@@ -1,5 +1,6 @@
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
+import "./sceneName.css";
 
 /** The scene's file, with a mark for what isn't saved. */
 export function SceneName({ host }: { host: Host }) {
