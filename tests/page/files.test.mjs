@@ -245,7 +245,7 @@ test("that a device is tried is said until its card is closed or it's connected"
     const toHost = socket.connectToServer();
     toHost.onMessage((text) => {
       const messages = JSON.parse(text);
-      messages.flatMap(({ devices: told }) => told ?? []).forEach((device) => isConnecting && (device.state = "connecting"));
+      messages.flatMap(({ devices: told }) => told ?? []).forEach((device) => isConnecting && device.state === "waiting" && (device.state = "connecting"));
       socket.send(JSON.stringify(messages));
     });
   });
@@ -261,7 +261,6 @@ test("that a device is tried is said until its card is closed or it's connected"
   await expectEventually("what is said", () => canvas.message().innerText(), "");
   await page.locator("[data-open-device='4']").click();
   await tryLong();
-  isConnecting = false;
   await startDevice(port);
   await card().getByText("connected since").waitFor();
   await expectEventually("what is said", () => canvas.message().innerText(), "");
@@ -518,7 +517,7 @@ test("a file that is too large, or that no host takes, is refused in the reader'
   await says("主机拒绝了此文件：413 Payload Too Large");
   await page.route("**/scene", (route) => route.abort());
   await page.locator("[data-upload]").setInputFiles(file);
-  await says("无法连接主机。");
+  await says("无法将文件发送到主机。");
 });
 
 test("an empty scene offers something to begin with", async () => {

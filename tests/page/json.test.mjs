@@ -46,7 +46,7 @@ async function verdictIs(node, graph, verdict, text) {
   const onCard = page.page.locator(`article[data-node=${node}] [data-verdict]`);
   const inPanel = page.page.locator(".json-node", { hasText: graph }).locator("[data-verdict]");
   await expectEventually(`the verdict of ${node}`, () => onCard.getAttribute("data-verdict"), verdict);
-  await expectEventually(`its words`, () => onCard.innerText(), `Last text: ${text}`);
+  await expectEventually("its words", () => onCard.textContent(), `Last text: ${text}`); // also of a card that is out of sight
   assert.equal(await inPanel.innerText(), `Last text: ${text}`);
 }
 

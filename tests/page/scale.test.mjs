@@ -102,7 +102,7 @@ async function openAndPan(host, count) {
   while ((await canvas.zoom()) < LEGIBLE_ZOOM) {
     await page.locator(".react-flow__controls-zoomin").click();
   }
-  await page.locator("[data-face] .face-counters").first().waitFor();
+  await page.locator("[data-face] [data-counters]").first().waitFor();
   await pan(PANNED[1]);
   await page.close();
 }

@@ -117,7 +117,7 @@ TEST_F(History, WhatChangesNothingIsNoStep) {
     EXPECT_EQ(Steps(), OrderedJson({"Add Mouse 1"}));
 }
 
-TEST_F(History, WhatIsSetOnAirIsNoStepAndUndoingAStepLeavesIt) {
+TEST_F(History, WhatIsSetByRunningIsNoStepAndUndoingAStepLeavesIt) {
     Must("create node=s type=string_send clip=Clip graph=S");
     Must("set node=s param=1503 int=3");
     const OrderedJson history = Must("history");

@@ -39,7 +39,7 @@ export function sendingText(device: DeviceState, listenOnly: boolean): string {
   }
   const { drop_after: seconds } = device;
   return seconds === undefined
-    ? t("It waits until the device can be reached.")
+    ? t("It waits until the device takes it.")
     : t("It waits for the device, and is dropped after {seconds} s.", { seconds });
 }
 

@@ -5,7 +5,7 @@ const PAUSES_MS = [100, 200, 333];
 
 /** Carries out changes of what is shown, in order: one that comes alone at once, others together at the end of a pause. */
 export class Pace {
-  /** How many have followed each other, this one included. */
+  /** How many pauses have followed each other, the present one included; 0: none runs. */
   #pauses = 0;
   #waiting: (() => void)[] = [];
 

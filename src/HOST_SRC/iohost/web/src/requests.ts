@@ -2,7 +2,19 @@ import type { Connection } from "./connection.ts";
 import { t } from "./i18n.ts";
 import type { Reply } from "./messages.ts";
 import type { EditValue } from "./params.ts";
-import type { History, Link, Note, OfferedType, Place, Scene, SceneFileInfo, Step } from "./protocol.ts";
+import type {
+  DeviceState,
+  History,
+  Link,
+  NetworkState,
+  Note,
+  OfferedType,
+  Place,
+  Scene,
+  SceneFileInfo,
+  SceneObject,
+  Step,
+} from "./protocol.ts";
 import { inReadersLanguage } from "./refusals.ts";
 
 /** A request that changes the scene, as `batch` takes it. */
@@ -57,6 +69,15 @@ export class Requests {
     return this.#connection.request<Scene>({ op: "scene" });
   }
 
+  /** Its devices and objects, likewise. */
+  async parts(): Promise<{ devices: DeviceState[]; objects: SceneObject[] }> {
+    const [network, known] = await Promise.all([
+      this.#connection.request<NetworkState>({ op: "network" }),
+      this.#connection.request<{ objects: SceneObject[] }>({ op: "objects" }),
+    ]);
+    return { devices: (network.ok && network.devices) || [], objects: known.ok ? known.objects : [] };
+  }
+
   async trigger(node: string, param: number): Promise<string | null> {
     return errorOf(await this.#connection.request({ op: "trigger", node, param }));
   }
@@ -96,14 +117,15 @@ export class Requests {
     if (file.size > LARGEST_SCENE_BYTES) {
       return t("The file is larger than 256 MiB."); // what the host refuses unread, the browser calls a failed connection
     }
-    const reply = await fetch("scene", { method: "POST", body: file }).catch(() => null);
-    if (reply === null) {
-      return t("The host can't be reached.");
+    try {
+      const reply = await fetch("scene", { method: "POST", body: file });
+      const isJson = reply.headers.get("content-type") === "application/json";
+      return isJson
+        ? errorOf(inReadersLanguage((await reply.json()) as Reply))
+        : t("The host refused the file: {reason}", { reason: `${reply.status} ${reply.statusText}` });
+    } catch {
+      return t("The file couldn't be sent to the host.");
     }
-    const isJson = reply.headers.get("content-type") === "application/json";
-    return isJson
-      ? errorOf(inReadersLanguage((await reply.json()) as Reply))
-      : t("The host refused the file: {reason}", { reason: `${reply.status} ${reply.statusText}` });
   }
 
   /** Takes what an earlier run of the host left unsaved, or throws it away. */

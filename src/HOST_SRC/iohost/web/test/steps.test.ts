@@ -33,7 +33,7 @@ const IN_CHINESE: [name: string, op: string, of: string | undefined, text: strin
   ["Delete a note", "batch", undefined, "删除 1 个便签"],
   ["Delete 2 notes", "batch", undefined, "删除 2 个便签"],
   ["Delete 3 nodes and 2 notes", "batch", undefined, "删除 3 个节点、2 个便签"],
-  ["Duplicate a note", "batch", undefined, "创建 1 个便签 的副本"],
+  ["Duplicate a note", "batch", undefined, "创建副本：1 个便签"],
   ["Paste Mouse 1 and a note", "batch", undefined, "粘贴 Mouse 1、1 个便签"],
   ["Choose device Wall", "batch", undefined, "选择设备 Wall"],
   ["Begin with keyboard to text", "batch", undefined, "从“键盘到文本”开始"],

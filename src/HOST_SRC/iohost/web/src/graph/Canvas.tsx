@@ -62,7 +62,10 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
 
   useEffect(() => {
     automatic.follow(nodes ?? [], links);
-    setFaces((kept) => facesOf(editor, { nodes: nodes ?? [], links, notes }, automatic, kept, wantChosen.current));
+    const wanted = wantChosen.current;
+    setFaces((kept) => facesOf(editor, { nodes: nodes ?? [], links, notes }, automatic, kept, wanted));
+    const came = new Set([...(nodes ?? []).map(({ node }) => nodeId(node)), ...Object.keys(notes).map(noteId)]);
+    wantChosen.current = wanted.filter((id) => !came.has(id));
   }, [nodes, links, notes, language.value]);
   useEffect(() => {
     setWires((kept) => wiresOf(editor, nodes ?? [], links, kept));
@@ -158,7 +161,10 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   });
   const giveUp = useConstant(() => editor.giveUp());
   const canLink = useConstant((connection: Connection | Edge) => editor.whyNot(asLink(connection)) === null);
-  const link = useConstant((connection: Connection) => void editor.connect(asLink(connection)));
+  const link = useConstant((connection: Connection) => {
+    editor.giveUp(); // a wire that was begun otherwise
+    void editor.connect(asLink(connection));
+  });
   const endWire = useConstant((event: MouseEvent | TouchEvent, { isValid, fromHandle, toHandle }: FinalConnectionState) => {
     if (fromHandle === null) {
       return;

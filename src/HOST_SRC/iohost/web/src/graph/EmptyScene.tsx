@@ -12,9 +12,8 @@ const DEMO = "demo.json";
 export function EmptyScene({ editor }: { editor: Editor }) {
   const { requests } = editor.host;
   /** Devices and objects that are there already stay as they are. */
-  const withoutKnownParts = (changes: readonly Change[]) => {
-    const devices = editor.host.network.peek()?.state.devices ?? [];
-    const objects = editor.host.objects.peek();
+  const withoutKnownParts = async (changes: readonly Change[]) => {
+    const { devices, objects } = await requests.parts();
     return changes.filter(
       (change) =>
         !(change.op === "device" && devices.some(({ id }) => id === change.device)) &&
@@ -41,7 +40,7 @@ export function EmptyScene({ editor }: { editor: Editor }) {
             type="button"
             key={name}
             data-start={name}
-            onClick={async () => editor.desk.tell(await requests.batch(`Begin with ${name}`, withoutKnownParts(changes)), "")}
+            onClick={async () => editor.desk.tell(await requests.batch(`Begin with ${name}`, await withoutKnownParts(changes)), "")}
           >
             {t(name)}
           </button>

@@ -35,7 +35,14 @@ function counterTexts({ fired = 0, received = 0, matched = 0, rejected = 0, sent
 /** The network tells of itself several times a second; a warning seldom changes. */
 export function NodeWarning({ host, node }: { host: Host; node: NodeView }) {
   const fed = (input: Param) => fedInput(host, node.node, input);
-  const warning = useMemo(() => computed(() => textWarning(node, host.network.value?.state.devices ?? null, fed)), [node]).value;
+  const warning = useMemo(
+    () =>
+      computed(() => {
+        const network = host.network.value;
+        return textWarning(node, network && (network.state.devices ?? []), fed); // a scene without a list has no devices
+      }),
+    [node],
+  ).value;
   return warning === null ? null : <p class="node-warning">{warning}</p>;
 }
 
