@@ -14,7 +14,7 @@ import { linkedPin } from "./elements.ts";
 import { FacePins, WiredPins } from "./FacePins.tsx";
 import { boxOf } from "./layout.ts";
 import "./face.css";
-import { useFocusWhenMade } from "./useFocusWhenMade.ts";
+import { useFocusWhenChosen } from "./useFocusWhenChosen.ts";
 
 /** What is linked of it, as linkedPin() names pins: links of other nodes draw nothing of it anew. */
 export type FaceNode = Node<{ editor: Editor; node: NodeView; folded: boolean; linked: readonly string[] }, "face">;
@@ -45,7 +45,7 @@ export function Face({ id, data, selected, positionAbsoluteX: x, positionAbsolut
   const isWhole = isLegible || folded || selected;
   useMeasured(id, isWhole ? "all" : linked.join());
   const face = useRef<HTMLDivElement>(null);
-  useFocusWhenMade(face, selected);
+  useFocusWhenChosen(face, selected);
   const pinProps = { editor, node: node.node, isReachable: selected };
   return (
     <div

@@ -5,7 +5,7 @@ import type { Note } from "../protocol.ts";
 import type { Editor } from "./editor.ts";
 import { noteId } from "./ids.ts";
 import "./noteFace.css";
-import { useFocusWhenMade } from "./useFocusWhenMade.ts";
+import { useFocusWhenChosen } from "./useFocusWhenChosen.ts";
 
 type Box = Pick<Note, "x" | "y" | "width" | "height">;
 
@@ -24,7 +24,7 @@ export type NoteNode = Node<{ editor: Editor; id: string; note: Note }, "note">;
 /** A text box on the canvas. What is being typed stays, whatever other pages do to the note meanwhile. */
 export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<NoteNode>) {
   const field = useRef<HTMLTextAreaElement>(null);
-  useFocusWhenMade(field, selected);
+  useFocusWhenChosen(field, selected);
   /** The text that the host has: anything else in the field is being typed. */
   const known = useRef(note.text);
   useEffect(() => {

@@ -1,0 +1,15 @@
+import type { RefObject } from "preact";
+import { useLayoutEffect, useRef } from "preact/hooks";
+import { takesKeys } from "../desk.ts";
+
+/** Keys go on with what comes chosen, unless somebody types elsewhere; and with what is chosen while nothing has the focus. */
+export function useFocusWhenChosen(part: RefObject<HTMLElement | null>, isChosen: boolean): void {
+  const isNew = useRef(true);
+  useLayoutEffect(() => {
+    const focused = document.activeElement;
+    if (isChosen && (isNew.current ? !takesKeys(focused) : focused === document.body)) {
+      part.current!.closest<HTMLElement>(".react-flow__node")!.focus({ preventScroll: true });
+    }
+    isNew.current = false;
+  }, [isChosen]);
+}
