@@ -546,18 +546,20 @@ test("an empty scene offers something to begin with", async () => {
   assert.equal((await canvas.links()).length, 2);
 });
 
+/** Ends the page and the host, and starts both again on the port. */
+async function startAnew(port) {
+  await page.close();
+  await end();
+  await start(port);
+  await open();
+}
+
 test("what an ended host left unsaved is offered, and taken", async () => {
   const port = Number(host.address.split(":")[1]);
-  await page.close();
-  await end();
-  await start(port);
-  await open();
+  await startAnew(port);
   await canvas.choosePalette("Mouse");
   await canvas.nodesAre(["Mouse 1"]);
-  await page.close();
-  await end();
-  await start(port);
-  await open();
+  await startAnew(port);
   await page.locator("[data-recovered]").getByRole("button", { name: "Take them" }).click();
   await canvas.nodesAre(["Mouse 1"]);
   await page.locator("[data-recovered]").waitFor({ state: "detached" });
@@ -565,16 +567,10 @@ test("what an ended host left unsaved is offered, and taken", async () => {
 
 test("what was left unsaved takes the place of something that isn't saved only when somebody says so", async () => {
   const port = Number(host.address.split(":")[1]);
-  await page.close();
-  await end();
-  await start(port);
-  await open();
+  await startAnew(port);
   await canvas.choosePalette("Mouse");
   await canvas.nodesAre(["Mouse 1"]);
-  await page.close();
-  await end();
-  await start(port);
-  await open();
+  await startAnew(port);
   await canvas.choosePalette("Keyboard");
   await canvas.nodesAre(["Keyboard 1"]);
   await nameIs("", true);
