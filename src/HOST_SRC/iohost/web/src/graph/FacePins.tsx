@@ -52,7 +52,7 @@ export function FacePins({ inputs, outputs, folded, linked, ...props }: PinsProp
   );
 }
 
-/** The pins that wires lead to, or could by keys, where they stand in the whole face. */
+/** The pins that wires lead to, or where a wire that was begun can end, at their places in the whole face. */
 export function WiredPins({ inputs, outputs, linked, ...props }: PinsProps) {
   const wired = (params: readonly Param[], is: Pin["is"]) =>
     params.map((param, row) => {
