@@ -1,20 +1,8 @@
-# Fails unless LIBRARY exports exactly the symbols of the list EXPECTED. Reads ELF libraries with NM, DLLs with OBJDUMP.
+# Fails unless LIBRARY exports exactly the symbols of the list EXPECTED. NM reads it.
 
-if(LIBRARY MATCHES "\\.dll$")
-  execute_process(COMMAND ${OBJDUMP} -p ${LIBRARY} OUTPUT_VARIABLE LISTING COMMAND_ERROR_IS_FATAL ANY)
-  string(FIND "${LISTING}" "[Ordinal/Name Pointer] Table" TABLE_BEGIN)
-  if(TABLE_BEGIN EQUAL -1)
-    set(LISTING "")
-  else()
-    string(SUBSTRING "${LISTING}" ${TABLE_BEGIN} -1 LISTING)
-    string(REGEX REPLACE "\n\n.*" "\n" LISTING "${LISTING}")
-  endif()
-  string(REGEX MATCHALL "\n[ \t]*\\[ *[0-9]+\\][^\n]*" LINES "${LISTING}")
-else()
-  execute_process(COMMAND ${NM} -D --defined-only --extern-only ${LIBRARY} OUTPUT_VARIABLE LISTING
-    COMMAND_ERROR_IS_FATAL ANY)
-  string(REGEX MATCHALL "[^\n]+" LINES "${LISTING}")
-endif()
+execute_process(COMMAND ${NM} -D --defined-only --extern-only ${LIBRARY} OUTPUT_VARIABLE LISTING
+  COMMAND_ERROR_IS_FATAL ANY)
+string(REGEX MATCHALL "[^\n]+" LINES "${LISTING}")
 
 set(SYMBOLS)
 foreach(LINE IN LISTS LINES)

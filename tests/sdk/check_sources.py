@@ -4,7 +4,6 @@
     check_sources.py own ARGUMENTS          over the module's own declarations of the host; and over them with one header
                                             at a time from another host
     check_sources.py other ARGUMENTS        over the other host's headers alone, which lie beside this script
-    check_sources.py self-test ARGUMENTS    whether damage done to a copy of the sources is noticed
 
 ARGUMENTS are MODULE_DIR SOURCE... -- COMPILER...: the sources, counted from MODULE_DIR, and a clang with its options.
 
@@ -17,14 +16,13 @@ import concurrent.futures
 import functools
 import pathlib
 import re
-import shutil
 import sys
 import tempfile
 
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "abi"))
 
-from check_msvc_abi import PRECOMPILED, CompileError, Mismatch, precompile, replace_text, run_compiler
+from check_msvc_abi import PRECOMPILED, CompileError, Mismatch, precompile, run_compiler
 
 HOST_MEMBERS = "nodes/shared/HostMembers.h"
 # What most sources include. It's read once for all of them.
@@ -131,38 +129,6 @@ def check_order(command, file):
     run_compiler([*command, "-M"], file)
 
 
-def self_test(compiler, base, module_dir):
-    """Each damage, done to a copy of the sources, must be noticed over the other host's headers."""
-    damages = {
-        "a member named in a node": (["nodes/input/KeyCheckNode.cpp"], "IntegerOf(*pInterval)", "pInterval->m_nValue",
-                                     "no member named 'm_nValue'"),
-        "windows.h before the framework": (["nodes/input/KeyCheckNode.cpp"], '#include "nodes/input/KeyCheckNode.h"',
-                                           '#include <windows.h>\n\n#include "nodes/input/KeyCheckNode.h"',
-                                           "the framework must come first"),
-        "an operation's argument const": (["nodes/input/KeyCheckNode.h", "nodes/input/KeyCheckNode.cpp"],
-                                          "EventRecordPtr", "const SIOEventRecord*",
-                                          "type mismatch at 1st parameter"),
-    }
-    with tempfile.TemporaryDirectory() as folder:
-        copy = pathlib.Path(folder) / "module"
-        shutil.copytree(module_dir, copy)
-        command, quick_command = commands(compiler, base, pathlib.Path(folder), copy, names_in(HERE / "host"))
-        for name, (files, old, new, found) in damages.items():
-            for file in files:
-                replace_text(copy / file, old, new)
-            try:
-                run_compiler([*quick_command, "-fsyntax-only"], copy / files[-1])
-                check_order(command, copy / files[-1])
-            except CompileError as error:
-                if found not in str(error):
-                    raise
-                print(f"noticed: {name}")
-            else:
-                raise Mismatch(f"not noticed: {name}")
-            for file in files:
-                shutil.copy(module_dir / file, copy / file)
-
-
 def main():
     what, module_dir, *sources = sys.argv[1:]
     separator = sources.index("--")
@@ -175,9 +141,7 @@ def main():
             raise Mismatch(f"the module or the other host lacks {sorted(odd)}")
         with tempfile.TemporaryDirectory() as folder:
             base = precompile(compiler, pathlib.Path(folder) / "base.h", PRECOMPILED)
-            if what == "self-test":
-                self_test(compiler, base, module_dir)
-            elif what == "other":
+            if what == "other":
                 compile_all(files, compiler, base, module_dir, theirs, with_order=True)
             else:
                 some = [set(), *({header} | NOT_ALONE.get(header, set()) for header in sorted(theirs))]
