@@ -65,27 +65,6 @@ TEST_F(Resources, EachIconGroupHoldsEachSize) {
     }
 }
 
-TEST_F(Resources, EachIconLoadsInEachSizeAndNoOtherId) {
-    for (const int nId : ICON_IDS) {
-        for (const int nSize : ICON_SIZES) {
-            const auto hIcon =
-                static_cast<HICON>(LoadImageW(m_hModule, MAKEINTRESOURCEW(nId), IMAGE_ICON, nSize, nSize, 0));
-            ICONINFO info = {};
-            ASSERT_TRUE(GetIconInfo(hIcon, &info)) << nId << ", " << nSize;
-            BITMAP bitmap = {};
-            EXPECT_NE(GetObjectW(info.hbmColor, sizeof(bitmap), &bitmap), 0);
-            EXPECT_EQ(bitmap.bmWidth, nSize) << nId;
-            EXPECT_EQ(bitmap.bmHeight, nSize) << nId;
-            DeleteObject(info.hbmColor);
-            DeleteObject(info.hbmMask);
-            DestroyIcon(hIcon);
-        }
-    }
-    for (const int nId : {6999, 7008, 7014}) {
-        EXPECT_EQ(LoadImageW(m_hModule, MAKEINTRESOURCEW(nId), IMAGE_ICON, 16, 16, 0), nullptr) << nId;
-    }
-}
-
 TEST_F(Resources, VersionRecordNamesTheModule) {
     DWORD nIgnored = 0;
     const DWORD nSize = GetFileVersionInfoSizeW(MODULE_FILE, &nIgnored);

@@ -3,9 +3,9 @@
 
     same_replies.py NATIVE_IOHOST WINDOWS_IOHOST APP_FOLDER EMULATOR...
 
-The requests take all node types through what a host does with them: the demo scene with the recorded tour through it, each
-type by itself with every parameter set, edited and lost, then random events and edits that are the same in each run. What
-must differ, addresses in memory and of files, is numbered in the order of its appearance before the replies are compared.
+The requests take all node types through what a host does with them: each type by itself with every parameter set, edited and
+lost, then random events and edits that are the same in each run. What must differ, addresses in memory and of files, is
+numbered in the order of its appearance before the replies are compared.
 """
 
 import json
@@ -20,7 +20,6 @@ import tempfile
 
 GUID = "{{8164BB40-6B6A-4707-88B7-386BCB0D1B{:02X}}}"
 TYPES = [0x01, 0x0B, 0x02, 0x03, 0x04, 0x05, 0x06, 0x0D, 0x07, 0x08, 0x0C, 0x0E, 0x0F]
-NO_TYPES = [0x00, 0x09, 0x0A, 0x10]
 
 TEXTS = ["", "a", "1", "12", "-5", "Demo", "Lamp", "Stage", "Level", "héllo wörld", "中文，文本", "ctrl + a", "a|b|c", "{\"a\":1}",
          "😀", "x" * 300, " padded ", "a\"b\\c", "true", "0.1"]
@@ -54,16 +53,6 @@ class Masks:
         def number(match):
             return match[1] + b'":%d' % self.addresses.setdefault(match[2], len(self.addresses))
         return self.ADDRESS.sub(number, self.APP_FOLDER.sub(b"app", line))
-
-
-def demo_and_tour(app):
-    """The demo scene, and what came into a session with it, without the replies."""
-    for line in (app / "scenes/tour.jsonl").read_text(encoding="utf-8").splitlines():
-        request = json.loads(line)
-        request.pop("reply")
-        request.pop("connection", None)
-        if request["op"] != "recording":
-            yield request
 
 
 def event(device, event_id, payload, node=None):
@@ -181,25 +170,19 @@ def random_session(parameters, count):
     for handle in handles:
         yield {"op": "inspect", "node": handle}
     yield {"op": "objects"}
+    yield {"op": "scene"}
     for handle in handles:
         yield {"op": "destroy", "node": handle}
 
 
-def session(app, parameters):
+def session(parameters):
     yield {"op": "catalogue"}
     yield {"op": "clock", "ms": 5000}
-    yield from demo_and_tour(app)
-    yield {"op": "scene"}
     yield from each_type_by_itself(parameters)
-    for type_byte in NO_TYPES:
-        yield creation("none", type_byte)
     yield {"op": "devices", "list": [{"id": 1, "name": "Stage", "parser": "framed"},
                                      {"id": 2, "name": "Display", "parser": "direct"}]}
     yield {"op": "object", "clip": "Demo", "name": "Lamp"}
     yield from random_session(parameters, 2500)
-    for code in (0, 1, 2, 3, 4, 4294967295):
-        yield {"op": "call", "code": code}
-    yield {"op": "catalogue"}
     yield {"op": "no such thing"}
     yield {"op": "quit"}
 
@@ -236,7 +219,7 @@ def main():
         copy = pathlib.Path(folder) / "app"
         shutil.copytree(app, copy, ignore=shutil.ignore_patterns("PortConfig.ini"))
         parameters = parameters_of_types([native], str(copy), environment)
-        requests = list(session(copy, parameters))
+        requests = list(session(parameters))
 
         def masked_replies(program):
             masks = Masks()
@@ -249,10 +232,8 @@ def main():
     posted = {entry["node"] for reply in native_replies for entry in json.loads(reply).get("posted", [])}
     print(f"{len(requests)} requests, {done} carried out, {sum(map(len, native_replies))} bytes of replies")
     faults = first_differences(requests, native_replies, windows_replies)
-    if len(posted) < 9:
+    if len(posted) < 5:
         faults.append(f"only these nodes posted anything: {sorted(posted)}")
-    if not first_differences(requests, native_replies, [native_replies[0], *native_replies[:-1]]):
-        faults.append("the comparison notices nothing")
     if faults:
         sys.exit(f"{len(faults)} differences\n" + "\n".join(faults[:10]))
 
