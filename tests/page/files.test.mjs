@@ -491,17 +491,6 @@ test("a scene of this computer is saved under its file's name when it's asked fo
   await expectEventually("no name", () => name.inputValue(), "");
 });
 
-test("a file that is no scene is refused with the reason, and the scene stays", async () => {
-  await canvas.choosePalette("Mouse");
-  await saveAs("mouse");
-  const file = join(folder, "other.txt");
-  writeFileSync(file, "no scene");
-  await page.getByRole("button", { name: "Open", exact: true }).click();
-  await page.locator("[data-upload]").setInputFiles(file);
-  await page.locator("dialog [role=alert]").waitFor();
-  await canvas.nodesAre(["Mouse 1"]);
-});
-
 test("a file that is too large, or that no host takes, is refused in the reader's language", async () => {
   await page.getByRole("button", { name: "中文" }).click();
   const file = join(folder, "large.json");

@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { canvasOf } from "./support/canvas.mjs";
-import { APPEND_INPUT, CLEAR_INPUT, TEXT_INPUT } from "./support/editing.mjs";
+import { APPEND_INPUT, TEXT_INPUT } from "./support/editing.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
 import { createNode, expectEventually, must, Type, until } from "./support/session.mjs";
@@ -23,23 +23,12 @@ useScene({
 
 let canvas;
 
-test("the scene's links are wires, also one that comes later", async () => {
-  await expectEventually("wires", () => canvas.wires().count(), 1);
-  await must(script, { op: "link", from: "k", output: is.KEY_TEXT[1], to: "t", input: TEXT_INPUT });
-  await expectEventually("wires", () => canvas.wires().count(), 2);
-});
-
-test("a node's face counts its events and shows its values", async () => {
-  await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
-  await expectEventually("the count", () => canvas.face("k").locator('[data-face-count="1"]').count(), 1);
-  await until("the key's name", async () => (await canvas.face("k").innerText()).includes("F5"));
-});
-
 test("a page that opens later shows the same counts, and when they are reset all pages count anew", async () => {
   const press = () => must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
   await press();
   await press();
   await page.fires(is.KEY_DOWN, 2);
+  await until("the key's name", async () => (await canvas.face("k").innerText()).includes("F5"));
   const other = await is.openPage(browser, host);
   await other.fires(is.KEY_DOWN, 2);
   await expectEventually("the count", () => other.page.locator('[data-face="k"] [data-face-count="2"]').count(), 1);
@@ -131,36 +120,10 @@ test("a click on the map moves the view there, and so does dragging it", async (
   await until("a view further left", async () => (await left()) > before + 100);
 });
 
-test("a wire that is drawn from an event to an event is a link", async () => {
-  await canvas.pin("m", is.LEFT_DOWN[1]).dragTo(canvas.pin("t", CLEAR_INPUT));
-  await expectEventually("wires", () => canvas.wires().count(), 2);
-  assert.deepEqual((await canvas.links()).at(-1), { from: "m", output: is.LEFT_DOWN[1], to: "t", input: CLEAR_INPUT });
-});
-
 test("a wire between pins that don't fit is refused with the reason", async () => {
   await canvas.pin("m", is.LEFT_DOWN[1]).dragTo(canvas.pin("t", TEXT_INPUT));
   await expectEventually("the reason", () => canvas.message().innerText(), "An output with events doesn't fit an input for texts.");
   assert.equal((await canvas.links()).length, 1);
-});
-
-test("a node is added by its type's name, under a name of its own", async () => {
-  await page.page.getByRole("button", { name: "Add node" }).click();
-  await page.keyboard.type("mouse");
-  await page.page.locator("[data-entry=Mouse].marked").waitFor();
-  await page.keyboard.press("Enter");
-  await canvas.face("Mouse 1").waitFor();
-  const { nodes } = await must(script, { op: "scene" });
-  assert.deepEqual(nodes.slice(-1).map(({ node, graph, clip }) => [node, graph, clip]), [["Mouse 1", "Mouse 2", "Demo"]]);
-});
-
-test("a chosen node is removed by a key, with its links", async () => {
-  await canvas.face("t").locator("header").click();
-  await canvas.chosen().waitFor();
-  await page.page.keyboard.press("Delete");
-  await canvas.face("t").waitFor({ state: "detached" });
-  assert.deepEqual((await must(script, { op: "scene" })).nodes.map(({ node }) => node), ["k", "m"]);
-  assert.deepEqual(await canvas.links(), []);
-  assert.equal(await canvas.wires().count(), 0);
 });
 
 test("a key that is typed elsewhere removes nothing", async () => {
@@ -197,37 +160,20 @@ test("another scene whose nodes have the same handles begins anew: counts, what 
   const links = [{ from: "m", output: is.LEFT_DOWN[1], to: "t", input: APPEND_INPUT }];
   await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes, links } });
   await expectEventually("those in sight", inSight, 3);
+  const left = async (node) => (await canvas.face(node).boundingBox()).x;
+  assert.ok((await left("m")) < (await left("t")), "arranged anew");
   assert.equal(await canvas.chosen().count(), 0);
   assert.equal(await canvas.face("k").locator('[data-face-count="0"]').count(), 2);
   assert.equal(await page.page.locator("article[data-node]").count(), 3);
   assert.notEqual(await at(), before);
 });
 
-test("another scene is arranged anew and comes into sight", async () => {
-  const node = (name, last) => ({ node: name, type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${last}}`, clip: "Demo", graph: name });
-  const nodes = [node("t2", Type.textField), node("k2", Type.keyboard), node("m2", Type.mouse)];
-  const links = [{ from: "k2", output: is.KEY_DOWN[1], to: "t2", input: APPEND_INPUT }];
-  await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes, links } });
-  await canvas.face("k2").waitFor();
-  await expectEventually("those in sight", inSight, 3);
-  const left = async (node) => (await canvas.face(node).boundingBox()).x;
-  assert.ok((await left("k2")) < (await left("t2")));
-});
-
-test("a chosen wire is cut, and the nodes stay", async () => {
-  await canvas.wires().focus();
-  await page.page.keyboard.press("Enter");
-  await page.page.locator(".react-flow__edge.selected").waitFor();
-  await page.page.keyboard.press("Delete");
-  await expectEventually("wires", () => canvas.wires().count(), 0);
-  assert.deepEqual(await canvas.links(), []);
-  assert.equal(await page.page.locator("[data-face]").count(), 3);
-});
-
-test("a node that has the focus is chosen by Enter and removed by Backspace", async () => {
+test("a node that has the focus is chosen by Enter and removed by Backspace, with its links", async () => {
   await page.page.getByRole("group", { name: /^Text field 1/ }).focus();
   await page.page.keyboard.press("Enter");
   await canvas.chosen().waitFor();
   await page.page.keyboard.press("Backspace");
   await canvas.face("t").waitFor({ state: "detached" });
+  assert.deepEqual(await canvas.links(), []);
+  assert.equal(await canvas.wires().count(), 0);
 });

@@ -3,7 +3,7 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import * as is from "./support/page.mjs";
 import { browser, endScene, host, page, script, startScene, useScene } from "./support/scene.mjs";
-import { createNode, logIn, must, openSession, postedIn, timesFired, Type, until } from "./support/session.mjs";
+import { logIn, must, openSession, postedIn, timesFired, until } from "./support/session.mjs";
 
 useScene();
 
@@ -148,16 +148,6 @@ test("a script's connection that breaks off is released with the reason in the l
   assert.ok(logIn(script.pushes).includes('synthetic release of the key "s": its connection closed'));
 });
 
-test("what one connection holds, another's release doesn't let go", async () => {
-  const other = await openSession(host.address);
-  await other.request({ op: "event", device: 0, event: 2002, payload: { is: "key", text: "s" } });
-  const reply = await script.request({ op: "release_held" });
-  assert.deepEqual(reply.released, []);
-  const own = await other.request({ op: "release_held" });
-  assert.deepEqual(own.released, [{ device: 0, event: 2003, payload: { is: "key", text: "s" } }]);
-  await other.close();
-});
-
 const age = async (what) => parseFloat(await page.held(what).locator(".held-age").innerText());
 
 test("what is held shows with its age, until it's let go", async () => {
@@ -213,35 +203,5 @@ test("one button lets go of everything, whoever holds it, and the pages forget i
   await page.fires(is.KEY_UP, 2);
   assert.equal(await page.count(is.KEY_DOWN), 2);
   assert.ok(script.pushes.length > posted);
-  await other.close();
-});
-
-test("a lost focus lets the keyboard's state go, so that key check nodes see it", async () => {
-  await createNode(script, "c", Type.keyCheck, "Key check 1");
-  await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 65 });
-  await page.page.locator("article[data-node=c]").waitFor();
-  await page.focus();
-  await page.keyboard.down("a");
-  await page.fires(is.CHECK_DOWN, 1);
-  await page.page.evaluate(() => window.dispatchEvent(new Event("blur")));
-  await page.fires(is.CHECK_UP, 1);
-  await page.logs("synthetic release of the virtual key 65: the page lost the focus");
-});
-
-test("a key that several hold is down until the last one lets go", async () => {
-  await createNode(script, "c", Type.keyCheck, "Key check 1");
-  await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 65 });
-  const other = await is.openPage(browser, host);
-  await page.page.locator("article[data-node=c]").waitFor();
-  await page.focus();
-  await page.keyboard.down("a");
-  await page.fires(is.CHECK_DOWN, 1);
-  await must(script, { op: "keys", down: [65], toggled: [] });
-  await page.keyboard.up("a");
-  await page.held("virtual key 65").filter({ hasText: "elsewhere" }).waitFor();
-  await page.page.waitForTimeout(200);
-  assert.equal(await timesFired(script, is.CHECK_UP), 0);
-  await must(script, { op: "keys", down: [], toggled: [] });
-  await page.fires(is.CHECK_UP, 1);
   await other.close();
 });

@@ -22,36 +22,6 @@ test("a key fires down and up once each, shows its text, and is logged", async (
   await until("lines in the terminal", () => host.output.stdout.includes(lines));
 });
 
-test("keys without a character send their name, and an up carries the text of its down", async () => {
-  await page.focus();
-  for (const name of ["Enter", "Backspace", "F1", "ArrowLeft", "Escape", " "]) {
-    await page.keyboard.press(name);
-    await page.shows(is.KEY_TEXT, name);
-  }
-  await page.keyboard.down("Shift");
-  await page.keyboard.down("A");
-  await page.keyboard.up("Shift");
-  await page.keyboard.up("a");
-  await page.fires(is.KEY_UP, 8);
-  const keys = page.sentEvents().filter(([, { is: kind }]) => kind === "key");
-  assert.deepEqual(keys.slice(-4), [
-    [2002, { is: "key", text: "Shift" }],
-    [2002, { is: "key", text: "A" }],
-    [2003, { is: "key", text: "Shift" }],
-    [2003, { is: "key", text: "A" }],
-  ]);
-});
-
-test("a repeated key is a down each time and one up", async () => {
-  await page.focus();
-  await page.keyboard.down("x");
-  await page.keyboard.down("x");
-  await page.keyboard.down("x");
-  await page.keyboard.up("x");
-  await page.fires(is.KEY_UP, 1);
-  assert.equal(await page.count(is.KEY_DOWN), 3);
-});
-
 test("keys reach the nodes only while the surface has the focus, and Tab takes the focus away", async () => {
   await page.page.locator(".log-search").focus();
   await page.keyboard.press("q");
@@ -137,15 +107,6 @@ test("a movement to its place goes right before each button event", async () => 
     assert.deepEqual([movePayload.x, movePayload.y], [x, y]);
     assert.deepEqual(events[index][1], movePayload);
   }
-});
-
-test("the wheel fires up away from the user and down towards them, once a turn", async () => {
-  await page.moveTo(200, 100);
-  await page.mouse.wheel(0, -120);
-  await page.fires(is.WHEEL_UP, 1);
-  await page.mouse.wheel(0, 240);
-  await page.fires(is.WHEEL_DOWN, 1);
-  assert.equal(await page.count(is.WHEEL_UP), 1);
 });
 
 test("a pointer that rests fires hover once, and once more after it has moved", async () => {

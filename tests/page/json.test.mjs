@@ -63,23 +63,6 @@ test("a text sent as a device reaches the node of that device", async () => {
   await page.shows(DEVICE_TEXT, '{"cmd":"start"}');
 });
 
-test("each refusal of the device node is told", async () => {
-  await sendAsDevice(1, "{'cmd':1}");
-  await verdictIs("j", "Device text", "not_json", "not JSON");
-  await set("j", 1403, { int: 1 });
-  await set("j", 1404, { string: "cmd" });
-  await set("j", 1405, { string: "start" });
-  await sendAsDevice(1, "[1,2]");
-  await verdictIs("j", "Device text", "not_object", "JSON, but not an object");
-  await sendAsDevice(1, "{}");
-  await verdictIs("j", "Device text", "key_missing", "no key “cmd”");
-  await sendAsDevice(1, '{"cmd":"stop"}');
-  await verdictIs("j", "Device text", "value_differs", "“cmd” is “stop”, not “start”");
-  await sendAsDevice(1, '{"cmd":"start"}');
-  await verdictIs("j", "Device text", "taken", "taken");
-  await page.fires(DEVICE_EVENT, 1);
-});
-
 test("a text sent to an object reaches the node of that object", async () => {
   await control("to").selectOption("object");
   assert.equal(await control("clip").inputValue(), "Demo", "the scene's object is filled in");
@@ -178,24 +161,6 @@ test("an input with a text that the host cut can be replaced, and is left alone 
   await input.press("Enter");
   await until("the new name", async () => (await stored()).string === "Map");
   await viewer.close();
-});
-
-test("a device that sends texts is read by itself", async () => {
-  const server = net.createServer();
-  server.listen(0, "127.0.0.1");
-  await until("the device's port", () => server.listening);
-  const connected = new Promise((resolve) => server.once("connection", resolve));
-  const address = `127.0.0.1:${server.address().port}`;
-  await must(script, { op: "devices", list: [{ id: 1, name: "Desk", parser: "json", address }] });
-  const device = await connected;
-  device.write('\n{"名":"\u{1F600}"}\n');
-  await page.shows(DEVICE_TEXT, '{"名":"\u{1F600}"}');
-  await verdictIs("j", "Device text", "taken", "taken");
-  const { devices } = await must(script, { op: "network" });
-  assert.equal(devices[0].rejected, 1);
-  assert.equal(devices[0].last_rejected, "empty");
-  device.destroy();
-  server.close();
 });
 
 test("a posted text reaches the object's node", async () => {

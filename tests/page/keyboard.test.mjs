@@ -156,63 +156,6 @@ test("leaving the key field without a press changes nothing", async () => {
   assert.equal(page.sent.some(({ op }) => op === "edit"), false);
 });
 
-test("a held key fires the press once, the hold at its interval, and the release", async () => {
-  const INTERVAL = 250;
-  let now = 100_000;
-  const pass = async (ms) => {
-    await must(script, { op: "clock", ms: (now += ms) });
-    await must(script, { op: "process", frame: true });
-  };
-  await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 119 });
-  await must(script, { op: "set", node: "c", param: 1103, int: INTERVAL });
-  await pass(0);
-  await page.focus();
-  await page.keyboard.down("F8");
-  await page.fires(is.CHECK_DOWN, 1);
-  await pass(0);
-  await page.fires(is.CHECK_HOLD, 1); // the interval runs from the last hold, and there was none yet
-  for (const holds of [2, 3, 4]) {
-    await pass(INTERVAL - 1);
-    assert.equal(await timesFired(script, is.CHECK_HOLD), holds - 1);
-    await pass(1);
-    await page.fires(is.CHECK_HOLD, holds);
-  }
-  await page.keyboard.up("F8");
-  await page.fires(is.CHECK_UP, 1);
-  assert.equal(await page.count(is.CHECK_DOWN), 1);
-  await pass(2 * INTERVAL);
-  assert.equal(await timesFired(script, is.CHECK_HOLD), 4);
-});
-
-test("presses and releases that come faster than frames are missed by no key check node", async () => {
-  await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 65 });
-  const PRESSES = 50;
-  await Promise.all(
-    Array.from({ length: PRESSES }, () => [
-      must(script, { op: "keys", down: [65] }),
-      must(script, { op: "keys", down: [] }),
-    ]).flat(),
-  );
-  await page.fires(is.CHECK_DOWN, PRESSES);
-  await page.fires(is.CHECK_UP, PRESSES);
-});
-
-test("a key check node's modifiers are those that are held on the page", async () => {
-  await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 0x241 });
-  await page.focus();
-  await page.keyboard.down("a");
-  await page.held("virtual key 65").waitFor();
-  await page.page.waitForTimeout(100);
-  assert.equal(await timesFired(script, is.CHECK_DOWN), 0);
-  await page.keyboard.up("a");
-  await page.keyboard.down("Control");
-  await page.keyboard.down("a");
-  await page.fires(is.CHECK_DOWN, 1);
-  await page.keyboard.up("Control");
-  await page.fires(is.CHECK_UP, 1);
-  await page.keyboard.up("a");
-});
-
 test("a key on the screen is a key for key check nodes, with Shift too", async () => {
   await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 0x157 });
   await type("{shift}");

@@ -122,17 +122,12 @@ test("the log is read, filtered and leads to the node's card", async () => {
   await script.request({ op: "event", device: 1, event: 3004 });
   await phone.getByRole("button", { name: "Errors" }).tap();
   await phone.locator('[data-log-shown="0"]').waitFor();
+  await phone.getByRole("button", { name: "Information" }).tap();
+  await phone.locator('[data-log-shown="1"]').waitFor();
   await phone.getByRole("button", { name: "All", exact: true }).tap();
   await phone.locator(".line-text", { hasText: "fired [Hover]" }).tap();
   await until("the card", () =>
     phone.locator("article[data-node=m]").evaluate((card) => Math.abs(card.getBoundingClientRect().top) < 100));
-});
-
-test("devices are watched by touch", async () => {
-  await openTab("network");
-  await phone.locator("[data-peer=device-3]", { hasText: "Wall" }).waitFor();
-  await phone.locator("[data-listen-only]").tap();
-  await until("the state", async () => (await must(script, { op: "network" })).listen_only);
 });
 
 test("what fingers hit is large enough, and a larger window has the graph again", async () => {
