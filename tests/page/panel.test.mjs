@@ -210,7 +210,7 @@ test("the render surface is enlarged and made smaller again", async () => {
   await expectEventually("the width", width, before);
 });
 
-test("a page without its host says so, and comes back by itself with the host", async () => {
+test("a page without its host says so, comes back by itself with it, and releases nothing that went down meanwhile", async () => {
   const port = Number(host.address.split(":")[1]);
   await endScene();
   await page.page.locator("[data-connection=lost]").waitFor();
@@ -219,14 +219,27 @@ test("a page without its host says so, and comes back by itself with the host", 
   const forAll = [page.page.locator("[data-live]"), page.page.locator("[data-listen-only]"), page.page.getByRole("button", { name: "Reset counts" })];
   const areDisabled = () => Promise.all(forAll.map((one) => one.isDisabled()));
   assert.deepEqual(await areDisabled(), [true, true, true]);
+  await page.surface.click({ position: { x: 20, y: 20 } }); // the alert has moved it
+  await page.mouse.down();
+  await page.keyboard.down("a");
 
   await startScene({ port });
-  await page.page.locator("[data-connection=open]").waitFor({ timeout: 15000 });
+  await page.page.locator("[data-connection=open]").waitFor();
   assert.equal(await page.page.getByRole("alert").count(), 0);
   assert.deepEqual(await areDisabled(), [false, false, false]);
-  await page.focus();
-  await page.keyboard.press("a");
+  page.sent.length = 0;
+  await page.keyboard.up("a");
+  await page.mouse.up();
+  await page.keyboard.press("b");
+  await page.mouse.down();
+  await page.mouse.up();
+  await page.fires(is.LEFT_UP, 1);
   await page.fires(is.KEY_UP, 1);
+  const pressesAndReleases = page.sentEvents().filter(([event]) => [2002, 2003, 3005, 3006].includes(event));
+  assert.deepEqual(
+    pressesAndReleases.map(([event, payload]) => [event, payload.text ?? payload.pointer]),
+    [[2002, "b"], [2003, "b"], [3005, page.pointer(0)], [3006, page.pointer(0)]],
+  );
   page.problems.length = 0; // the browser tells of each connection that failed
 });
 

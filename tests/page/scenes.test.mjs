@@ -116,13 +116,7 @@ test("the scene is downloaded and uploaded as a file", async () => {
   const loaded = await upload(file.body);
   assert.deepEqual([loaded.status, JSON.parse(loaded.body).ok], [200, true]);
   assert.deepEqual(await scene(), [["m", "Mouse 1"]]);
-  for (const [body, error] of [
-    ["{", /^scene: not JSON/],
-    ["{}", /^scene\.format: is missing$/],
-    [JSON.stringify({ ...EMPTY, nodes: [{ node: "x" }] }), /^scene\.nodes\[0\]\.type: is missing$/],
-    [file.body.replace('"graph": "Mouse 1"', '"graph": 5'), /^scene\.nodes\[0\]\.graph: must be a string$/],
-    ["[".repeat(100_000), /nested/],
-  ]) {
+  for (const [body, error] of [["{", /^scene: not JSON/], ["[".repeat(100_000), /nested/]]) {
     const reply = JSON.parse((await upload(body)).body);
     assert.equal(reply.ok, false);
     assert.match(reply.error, error);

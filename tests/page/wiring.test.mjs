@@ -195,11 +195,6 @@ test("without a mouse: a node is added, wired, found and removed", async () => {
     JSON.stringify({ from: "k", output: is.KEY_DOWN[1], to: "t", input: CLEAR_INPUT }));
   await canvas.choosePalette("Mouse 2");
   await page.page.getByRole("heading", { name: "Mouse 2" }).waitFor();
-  await page.keyboard.press("F2");
-  await page.page.locator(".face-rename:focus").waitFor();
-  await page.keyboard.type("Pointer");
-  await page.keyboard.press("Enter");
-  await page.page.getByRole("heading", { name: "Pointer" }).waitFor();
   await page.keyboard.press("Delete");
   await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1"]);
   await page.page.locator("[data-graph]:focus").waitFor();
@@ -244,22 +239,16 @@ test("keys go on with what was just made: it has the focus", async () => {
   await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1", "Mouse 2"]);
 });
 
-test("Ctrl+K adds a node at the end of a wire that was begun by keys", async () => {
+test("a wire that was begun by keys is given up by Escape, and ended by Ctrl+K at a node that it adds", async () => {
   await canvas.choose("k");
-  await canvas.pin("k", is.KEY_TEXT[1]).focus();
-  await page.keyboard.press("Enter");
+  await canvas.pin("k", is.KEY_TEXT[1]).press("Enter");
+  await page.page.locator(".pin-begun").waitFor();
+  await page.keyboard.press("Escape");
+  await page.page.locator(".pin-begun").waitFor({ state: "detached" });
+  await canvas.pin("k", is.KEY_TEXT[1]).press("Enter");
   await page.page.locator(".pin-begun").waitFor();
   await canvas.choosePalette("String data send");
   await until("the link", async () => (await canvas.links()).some(({ from, output, to }) =>
     from === "k" && output === is.KEY_TEXT[1] && to === "String data send 1"));
   assert.equal(await page.page.locator(".pin-begun").count(), 0);
-});
-
-test("Escape gives up a wire that was begun by keys", async () => {
-  await canvas.choose("k");
-  await canvas.pin("k", is.KEY_DOWN[1]).focus();
-  await page.keyboard.press("Enter");
-  await page.page.locator(".pin-begun").waitFor();
-  await page.keyboard.press("Escape");
-  await page.page.locator(".pin-begun").waitFor({ state: "detached" });
 });
