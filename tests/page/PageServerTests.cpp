@@ -66,10 +66,10 @@ TEST(RequestOrigin, LocalhostIsOwnWhereItIsTheAddress) {
 
 TEST(RequestOrigin, WhatOnlyLooksLikeAnOwnNameIsForeign) {
     const CRequestOrigin origin("127.0.0.1", "127.0.0.1", 8040);
-    for (const char* pszHost : {"evil.example", "evil.example:8040", "127.0.0.1", "127.0.0.1:1", "127.0.0.1:80400",
-                                "192.168.7.5:8040", "127.0.0.1.evil.example:8040", "localhost.evil.example:8040",
-                                "127.0.0.1:8040.evil.example", "127.0.0.1:8040/", "127.0.0.1:8040@evil.example",
-                                "::1:8040", ""}) {
+    for (const char* pszHost :
+         {"evil.example", "evil.example:8040", "127.0.0.1", "127.0.0.1:1", "127.0.0.1:80400", "192.168.7.5:8040",
+          "127.0.0.1.evil.example:8040", "localhost.evil.example:8040", "127.0.0.1:8040.evil.example",
+          "127.0.0.1:8040/", "127.0.0.1:8040@evil.example", "::1:8040", ""}) {
         EXPECT_FALSE(origin.IsOwnHost(pszHost)) << pszHost;
         EXPECT_FALSE(origin.IsOwnOrigin("http://" + std::string(pszHost))) << pszHost;
     }
