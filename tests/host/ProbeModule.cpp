@@ -46,6 +46,7 @@ enum : int {
     DO_RAISE_IN_INIT,
     DO_RAISE_IN_OUTPUTS,
     DO_RAISE_IN_EDIT,
+    DO_RAISE_TO_THE_END, ///< in InitParam, and once it's destroyed
 };
 
 struct Row {
@@ -107,6 +108,7 @@ public:
 
     void InitParam() override {
         RaiseIf(DO_RAISE_IN_INIT);
+        RaiseIf(DO_RAISE_TO_THE_END);
         VEKParam* pText = FindParam(m_lstParamGroup, MakeParamGuid(INPUT_TEXT));
         if (pText != nullptr) {
             pText->m_strValue += L"+init";
@@ -120,6 +122,11 @@ public:
             pGraphNode->m_lstOutputGroup.AddTail(
                 NewGroup<SQORNodeOutput>(OUTPUT_SECOND_GROUP, L"Output", LATER_OUTPUTS));
         }
+    }
+
+    bool IsTo(int nDo) const {
+        const VEKParam* pDo = FindParam(m_lstParamGroup, MakeParamGuid(INPUT_DO));
+        return pDo != nullptr && pDo->m_nValue == nDo;
     }
 
     BOOL NeedUpdateSingleParam(const GUID& guid) override { return guid.Data1 == INPUT_TEXT; }
@@ -217,8 +224,7 @@ private:
     }
 
     void RaiseIf(int nDo) const {
-        const VEKParam* pDo = FindParam(m_lstParamGroup, MakeParamGuid(INPUT_DO));
-        if (pDo != nullptr && pDo->m_nValue == nDo) {
+        if (IsTo(nDo)) {
             AfxThrowInvalidArgException();
         }
     }
@@ -245,7 +251,12 @@ extern "C" __declspec(dllexport) int WINAPI
     } else if (nOperation == IOP_DESTROY_NODE) {
         auto& ref = *static_cast<SIOProcessNodeRef*>(pArgument);
         if (ref.guidType == GUID_PROBE) {
-            delete ref.pNode;
+            const auto* pProbe = static_cast<const CProbe*>(ref.pNode);
+            const bool bRaise = pProbe != nullptr && pProbe->IsTo(DO_RAISE_TO_THE_END);
+            delete pProbe;
+            if (bRaise) {
+                AfxThrowInvalidArgException();
+            }
         }
         ref.pNode = nullptr;
     }

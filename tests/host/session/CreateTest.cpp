@@ -171,7 +171,7 @@ TEST_F(ProbeCreate, PinsAreTheNodesOwnAndOnlyThoseNamed) {
 
 TEST_F(ProbeCreate, NodeThatRaisesIsNotMade) {
     Json request = Request(CREATE_PROBE);
-    for (const int nRaising : {8, 9}) { // in InitParam, in GetNodeOutput
+    for (const int nRaising : {8, 11, 9}) { // in InitParam, there and when it is destroyed, in GetNodeOutput
         request["saved"] = {{"values", {{"10", nRaising}}}};
         EXPECT_EQ(AskObject(request)["error"], "the module raised CInvalidArgException");
         Talk(R"(inspect node=p => node: there is no node "p")");

@@ -1,6 +1,5 @@
 #include "engine/ActivityLog.h"
 
-#include <algorithm>
 #include <cwchar>
 
 #include "base/TextUtf8.h"

@@ -3,7 +3,6 @@
 #include <stdexcept>
 #include <vector>
 
-#include "base/HostLine.h"
 #include "base/Platform.h"
 #include "base/TextUtf8.h"
 #include "scene/ParamSet.h"
@@ -144,7 +143,7 @@ SNodeCreated CHost::Create(const SNodeStart& start, const SNodeContents& content
     try {
         Prepare(node, start, contents);
     } catch (...) {
-        Destroy(node, node.guidType, true);
+        Discard(node);
         if (bNewClip) {
             m_scene.RemoveLastClip();
         }
@@ -166,16 +165,7 @@ void CHost::Prepare(SNode& node, const SNodeStart& start, const SNodeContents& c
     if (start.clip) {
         object.m_pOwnerClip = &m_scene.Clip(*start.clip);
     }
-    const auto call = [&](auto function) {
-        try {
-            function();
-        } catch (const CModuleFault& fault) {
-            if (!contents.bRestored) {
-                throw;
-            }
-            WriteHostLine(LOG_ERROR, fault.what());
-        }
-    };
+    const auto call = [&](auto function) { contents.bRestored ? LogFault(function) : function(); };
     node.ownInputs = KindsOf(object.m_lstParamGroup);
     if (contents.pSaved != nullptr) {
         ApplySavedSet(*contents.pSaved, object.m_lstParamGroup);
@@ -258,12 +248,6 @@ int CHost::Deliver(SNode& node, const SIOEventRecord* pRecord) {
         }
     }
     return nResult;
-}
-
-void CHost::ThrowFault(CException* pException) {
-    const std::string strName = pException->GetRuntimeClass()->m_lpszClassName;
-    pException->Delete();
-    throw CModuleFault("the module raised " + strName);
 }
 
 void CHost::OnNodeDestroyed(const VEKProperty* pNode) {

@@ -7,6 +7,8 @@
 #include <string>
 
 #include "HostSetup.h"
+#include "base/Caught.h"
+#include "base/HostLine.h"
 #include "base/Refusal.h"
 #include "engine/ActivityLog.h"
 #include "engine/EventWindow.h"
@@ -31,6 +33,16 @@ class CModuleFault : public CRefusal {
 public:
     using CRefusal::CRefusal;
 };
+
+/// Do something with the module; a fault of it is a line of the log.
+template <typename Function>
+void LogFault(Function function) {
+    try {
+        function();
+    } catch (const CModuleFault& fault) {
+        WriteHostLine(LOG_ERROR, fault.what());
+    }
+}
 
 /// What a new node holds. Null: what the node makes by itself.
 struct SNodeContents {
@@ -105,16 +117,12 @@ public:
     /// Make any other call into a node, or into the module for no node: messages that it posts are handled, and what it
     /// raises becomes a CModuleFault.
     template <typename Function>
-    auto Call(SNode* pNode, Function function) -> decltype(function()) {
+    auto Call(SNode* pNode, Function function) {
         const CCallScope scope(*this, pNode);
         try {
             return function();
-        } catch (CException* pException) {
-            ThrowFault(pException);
-        } catch (const CRefusal&) {
-            throw;
-        } catch (const std::exception& exception) {
-            throw CModuleFault(std::string("the module raised ") + exception.what());
+        } catch (...) {
+            throw CModuleFault("the module raised " + CaughtText());
         }
     }
 
@@ -131,7 +139,6 @@ private:
 
     CHost();
 
-    [[noreturn]] static void ThrowFault(CException* pException);
     void OnNodeDestroyed(const VEKProperty* pNode) override;
     void Prepare(SNode& node, const SNodeStart& start, const SNodeContents& contents);
 

@@ -217,11 +217,7 @@ bool CSession::Settle(SNode& node) {
     bConcerned |= !node.arTriggered.empty();
     if (bConcerned) {
         node.nEvaluatedBy = m_nFollow;
-        try {
-            m_pHost->Evaluate(node, true);
-        } catch (const CModuleFault& fault) {
-            WriteHostLine(LOG_ERROR, fault.what());
-        }
+        LogFault([&] { m_pHost->Evaluate(node, true); });
     }
     return bConcerned;
 }
@@ -241,11 +237,7 @@ Result CSession::On(const SFrameCommand& command) {
     for (auto& [nOrder, node] : Scene().Nodes()) {
         node.NoteActed(tNow);
         std::optional<int> result;
-        try {
-            result = m_pHost->Evaluate(node, true);
-        } catch (const CModuleFault& fault) {
-            WriteHostLine(LOG_ERROR, fault.what());
-        }
+        LogFault([&] { result = m_pHost->Evaluate(node, true); });
         results.results.emplace_back(&node, result);
     }
     Follow();
@@ -601,33 +593,31 @@ void CSession::On(const SBatchCommand& command, const SOrigin& origin) {
 }
 
 Result CSession::On(const SUndoCommand& command) {
-    const auto states = m_history.States();
-    return Move({states.begin(), states.begin() + m_history.Done()}, command.to, &CHistory::ToUndo, &CHistory::Undo,
-                "there is nothing to undo");
+    return Move(command.to, false);
 }
 
 Result CSession::On(const SRedoCommand& command) {
-    const auto states = m_history.States();
-    return Move({states.begin() + m_history.Done() + 1, states.end()}, command.to, &CHistory::ToRedo, &CHistory::Redo,
-                "there is nothing to redo");
+    return Move(command.to, true);
 }
 
 /// Go one step back or forth, or to one of the states that lie there.
-Result CSession::Move(const std::vector<unsigned long long>& states, std::optional<unsigned long long> to,
-                      const SStep* (CHistory::*next)() const, SSceneChange (CHistory::*move)(CHost&, CPeers&),
-                      const char* pszNone) {
-    if (states.empty()) {
-        Refuse("op", pszNone);
+Result CSession::Move(std::optional<unsigned long long> to, bool bForth) {
+    const auto states = m_history.States();
+    const auto here = states.begin() + static_cast<std::ptrdiff_t>(m_history.Done());
+    const auto begin = bForth ? here + 1 : states.begin();
+    const auto end = bForth ? states.end() : here;
+    if (begin == end) {
+        Refuse("op", bForth ? "there is nothing to redo" : "there is nothing to undo");
     }
-    if (to && std::ranges::find(states, *to) == states.end()) {
+    if (to && std::find(begin, end, *to) == end) {
         Refuse("to", "the scene has no such state there");
     }
     SStep step;
     SSceneChange change;
     do {
-        step = *(m_history.*next)();
+        step = *(bForth ? m_history.ToRedo() : m_history.ToUndo());
         m_change.bEverything = true; // where it fails
-        change.Add((m_history.*move)(*m_pHost, m_peers));
+        change.Add(bForth ? m_history.Redo(*m_pHost, m_peers) : m_history.Undo(*m_pHost, m_peers));
     } while (to && m_history.State() != *to);
     m_change = change;
     AwaitDevices();

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/HostLine.h"
 #include "scene/ParamSet.h"
 
 namespace {
@@ -38,13 +37,11 @@ void TellNode(CHost& host, SNode& node, const std::vector<unsigned>& ids) {
     const auto inputs = StateOf(node.pGraphNode->m_lstInputGroup);
     for (const unsigned nId : ids) {
         const GUID guid = MakeParamGuid(nId);
-        try {
+        LogFault([&] {
             if (host.Call(&node, [&] { return node.pNode->NeedUpdateSingleParam(guid); }) != FALSE) {
                 host.Call(&node, [&] { return node.pNode->UpdateSingleParamValue(guid); });
             }
-        } catch (const CModuleFault& fault) {
-            WriteHostLine(LOG_ERROR, fault.what());
-        }
+        });
     }
     RestoreGroups(node.pNode->m_lstParamGroup, own, false);
     RestoreGroups(node.pGraphNode->m_lstInputGroup, inputs, false);
@@ -77,18 +74,14 @@ SNode& MakeNode(CHost& host, const SNodeDocument& document) {
 }
 
 void ChangeObjects(VEKClip& clip, const SClipDocument* pFrom, const SClipDocument& to) {
-    const auto find = [](auto& objects, const CString& strName) {
-        const auto object = std::ranges::find(objects, strName, &SObjectDocument::strName);
-        return object != objects.end() ? &*object : nullptr;
-    };
     std::vector<VEKObject*> objects;
     for (const SObjectDocument& object : to.objects) {
         VEKObject* pObject = clip.FindObject(object.strName, 0);
-        const SObjectDocument* pWas = pFrom != nullptr ? find(pFrom->objects, object.strName) : nullptr;
+        const bool bAlike = pFrom != nullptr && std::ranges::find(pFrom->objects, object) != pFrom->objects.end();
         if (pObject == nullptr) {
             pObject = new VEKObject(object.strName);
         }
-        if (pWas == nullptr || *pWas != object) {
+        if (!bAlike) {
             std::ranges::copy(*object.matrix, pObject->m_fMatrix);
         }
         objects.push_back(pObject);

@@ -110,9 +110,7 @@ private:
     bool Settle(SNode& node);
     void BuildScene(const SSceneDocument& document, const std::string& strPath);
     void AwaitDevices();
-    Result Move(const std::vector<unsigned long long>& states, std::optional<unsigned long long> to,
-                const SStep* (CHistory::*next)() const, SSceneChange (CHistory::*move)(CHost&, CPeers&),
-                const char* pszNone);
+    Result Move(std::optional<unsigned long long> to, bool bForth);
     void OnHeldBack();
 
     Result On(const SCatalogueCommand& command);
