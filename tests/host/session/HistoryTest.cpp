@@ -191,6 +191,8 @@ TEST_F(History, ABatchIsAllOrNothing) {
         batch requests=[5] => requests[0].request: must be an object
         batch requests=[{"op":"undo"}] => requests[0].op: can't be part of a batch
         batch requests=[{"op":"batch","requests":[]}] => requests[0].op: can't be part of a batch
+        batch requests=[{"op":"load","file":"demo.json"}] => requests[0].op: can't be part of a batch
+        batch requests=[{"op":"event"}] => requests[0].op: can't be part of a batch
         batch requests=[{"op":"rename","node":"m"}] => requests[0].graph: is missing
         batch requests=[]
         rename node=x graph="" => node: there is no node "x"

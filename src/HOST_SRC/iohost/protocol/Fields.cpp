@@ -2,7 +2,9 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -35,16 +37,13 @@ T ReadWhole(const Json& value, std::string_view field) {
     if (!value.is_number_integer()) {
         RefuseKind(field, "an integer");
     }
-    // Positive numbers may need all 64 bits without a sign; no 32-bit range reaches that far.
-    constexpr auto LARGEST = std::numeric_limits<long long>::max();
-    const bool bHuge = value.is_number_unsigned() && value.get<unsigned long long>() > LARGEST;
-    const long long nValue = bHuge ? LARGEST : value.get<long long>();
-    if (nValue < static_cast<long long>(std::numeric_limits<T>::min()) ||
-        nValue > static_cast<long long>(std::numeric_limits<T>::max())) {
+    const bool bFits = value.is_number_unsigned() ? std::in_range<T>(value.get<std::uint64_t>())
+                                                  : std::in_range<T>(value.get<std::int64_t>());
+    if (!bFits) {
         Refuse(field,
                std::is_signed_v<T> ? "is outside the signed 32-bit range" : "is outside the unsigned 32-bit range");
     }
-    return static_cast<T>(nValue);
+    return value.get<T>();
 }
 
 } // namespace
@@ -111,9 +110,7 @@ unsigned ReadIdKey(std::string_view key, std::string_view field) {
 
 CFields::CFields(const Json& object, std::string strPath) : m_object(object), m_strPath(std::move(strPath)) {
     if (!m_object.is_object()) {
-        // The path of a nested object ends with a dot.
-        Refuse(m_strPath.empty() ? "request" : std::string_view(m_strPath).substr(0, m_strPath.size() - 1),
-               "must be an object");
+        Refuse(m_strPath.empty() ? "request" : m_strPath, "must be an object");
     }
 }
 

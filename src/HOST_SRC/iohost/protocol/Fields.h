@@ -32,7 +32,7 @@ unsigned ReadIdKey(std::string_view key, std::string_view field);
 /// The fields of one JSON object. Refers to the object, which must outlive it. Unknown fields are ignored.
 class CFields {
 public:
-    /// Refuses a value that isn't an object. strPath stands before field names in refusals ("saved.").
+    /// Refuses a value that isn't an object. strPath is what refusals call it; empty for a request.
     explicit CFields(const Json& object, std::string strPath = {});
 
     /// The field's value; null when it is missing.
@@ -47,7 +47,7 @@ public:
     int Int(const char* pszName) const { return ReadInt(Required(pszName), Path(pszName)); }
 
     /// Name of a field with the path of this object before it.
-    std::string Path(const char* pszName) const { return m_strPath + pszName; }
+    std::string Path(const char* pszName) const { return m_strPath.empty() ? pszName : m_strPath + "." + pszName; }
 
     const Json& Object() const { return m_object; }
 

@@ -49,17 +49,17 @@ void ReadRequest(SRequest& request, const CFields& fields, ISceneFiles& files) {
 }
 
 OrderedJson RequestOf(const Command& command) {
-    OrderedJson request = OrderedJson::object();
-    AppendFields(request, command);
-    return request;
+    return ToJson(command);
 }
 
 OrderedJson ReplyTo(const SDone& done, const OrderedJson& id) {
-    OrderedJson reply = done.outcome.error ? ErrorReply(*done.outcome.error, id) : OrderedJson{{"ok", true}};
-    if (!done.outcome.error) {
-        if (!id.is_discarded()) {
-            reply["id"] = id;
-        }
+    OrderedJson reply = {{"ok", !done.outcome.error}};
+    if (!id.is_discarded()) {
+        reply["id"] = id;
+    }
+    if (done.outcome.error) {
+        reply["error"] = *done.outcome.error;
+    } else {
         std::visit([&](const auto& result) { AppendFields(reply, result); }, done.outcome.result);
     }
     AppendFields(reply, done.activity);
@@ -67,12 +67,7 @@ OrderedJson ReplyTo(const SDone& done, const OrderedJson& id) {
 }
 
 OrderedJson ErrorReply(const std::string& strError, const OrderedJson& id) {
-    OrderedJson reply = {{"ok", false}};
-    if (!id.is_discarded()) {
-        reply["id"] = id;
-    }
-    reply["error"] = strError;
-    return reply;
+    return ReplyTo({nullptr, {}, {{}, strError}, {}}, id);
 }
 
 OrderedJson Answer(CSession& session, const Json& json, ISceneFiles& files, const SOrigin& origin,

@@ -38,10 +38,6 @@ struct SField {
     Member Object::*pMember;
     unsigned nFlags = 0;
 };
-template <typename Object, typename Member>
-SField(const char*, Member Object::*) -> SField<Object, Member>;
-template <typename Object, typename Member>
-SField(const char*, Member Object::*, unsigned) -> SField<Object, Member>;
 
 /// A member whose own fields stand beside the others.
 template <typename Object, typename Member>
@@ -142,22 +138,18 @@ void ReadField(Member& member, const CFields& fields, const char* pszName, unsig
         return;
     }
     if constexpr (IS_OPTIONAL<Member>) {
-        if ((nFlags & FIELD_NULLABLE) != 0 && pValue->is_null()) {
-            member.reset();
+        if ((nFlags & FIELD_NULLABLE) == 0) {
+            ReadJson(member.emplace(), *pValue, fields.Path(pszName));
             return;
         }
-        if ((nFlags & FIELD_NULLABLE) != 0) {
-            if (std::is_same_v<Member, std::optional<CString>> && !pValue->is_string()) {
-                RefuseKind(fields.Path(pszName), "a string or null");
-            }
-            if (IS_LIST<typename Member::value_type> && !pValue->is_array()) {
-                RefuseKind(fields.Path(pszName), "an array or null");
-            }
+        if (std::is_same_v<Member, std::optional<CString>> && !pValue->is_string() && !pValue->is_null()) {
+            RefuseKind(fields.Path(pszName), "a string or null");
         }
-        ReadJson(member.emplace(), *pValue, fields.Path(pszName));
-    } else {
-        ReadJson(member, *pValue, fields.Path(pszName));
+        if (IS_LIST<typename Member::value_type> && !pValue->is_array() && !pValue->is_null()) {
+            RefuseKind(fields.Path(pszName), "an array or null");
+        }
     }
+    ReadJson(member, *pValue, fields.Path(pszName));
 }
 
 template <typename Object, typename Member>
@@ -182,9 +174,7 @@ void AppendOne(OrderedJson& json, const T& object, const SField<Object, Member>&
     if (!bNullable && (field.nFlags & FIELD_OPTIONAL) != 0 && IsLeftOut(member, field.pMember)) {
         return;
     }
-    if constexpr (IS_OPTIONAL<Member>) {
-        AppendMember(json, field.pszName, member ? ToJson(*member) : OrderedJson());
-    } else if constexpr (std::is_same_v<Member, std::string>) {
+    if constexpr (std::is_same_v<Member, std::string>) {
         AppendMember(json, field.pszName, bNullable && member.empty() ? OrderedJson() : OrderedJson(member));
     } else {
         AppendMember(json, field.pszName, ToJson(member));
@@ -260,7 +250,7 @@ void AppendFields(OrderedJson& json, const Variant& value) {
 template <typename T>
 requires(Shaped<T> || Tagged<T>) struct Codec<T> {
     static void Read(T& value, const Json& json, const std::string& strPath) {
-        ReadFields(value, CFields(json, strPath.empty() ? strPath : strPath + "."));
+        ReadFields(value, CFields(json, strPath));
     }
     static OrderedJson Write(const T& value) {
         OrderedJson json = OrderedJson::object();
@@ -350,7 +340,7 @@ struct Codec<T> {
 // ---- Lists --------------------------------------------------------------------------------------------------------
 
 template <typename T>
-struct Codec<std::optional<T>> { ///< within lists: none is null
+struct Codec<std::optional<T>> { ///< none is null
     static OrderedJson Write(const std::optional<T>& value) { return value ? ToJson(*value) : OrderedJson(); }
     static void Read(std::optional<T>& value, const Json& json, const std::string& strPath) {
         value.reset();
@@ -438,7 +428,7 @@ inline void ReadKey(std::string& strName, const std::string& strKey, const std::
 template <typename Key, typename T>
 struct Codec<std::vector<std::pair<Key, T>>> {
     static void Read(std::vector<std::pair<Key, T>>& value, const Json& json, const std::string& strPath) {
-        for (const auto& [key, member] : CFields(json, strPath + ".").Object().items()) {
+        for (const auto& [key, member] : CFields(json, strPath).Object().items()) {
             auto& [name, element] = value.emplace_back();
             ReadKey(name, key, strPath);
             ReadJson(element, member, strPath + "." + key);

@@ -58,50 +58,21 @@ void AppendFields(OrderedJson& json, const SEventCommand& command) {
     }
 }
 
-static void ReadSetting(SSetCommand& command, const CFields& fields) {
-    ReadField(command.strHandle, fields, "node", 0);
-    ReadField(command.bOwn, fields, "own", FIELD_OPTIONAL);
-    ReadField(command.nParam, fields, "param", 0);
+void ReadFields(ParamValue& value, const CFields& fields) {
     if (std::ranges::count_if(VALUE_FIELDS, [&](const char* pszName) { return fields.Has(pszName); }) != 1) {
         Refuse("int, float, string, choice", "exactly one of them must be there");
     }
-    if (const Json* pNumber = fields.Find("float")) {
-        command.value = ReadFloat(*pNumber, "float");
-    } else if (const Json* pText = fields.Find("string")) {
-        command.value = FromUtf8(ReadText(*pText, "string"));
-    } else {
-        const char* pszName = fields.Has("int") ? "int" : "choice"; // an index is the same member
-        command.value = fields.Int(pszName);
+    if (fields.Has("float")) {
+        ReadField(value.emplace<float>(), fields, "float", 0);
+    } else if (fields.Has("string")) {
+        ReadField(value.emplace<CString>(), fields, "string", 0);
+    } else { // an index is the same member
+        ReadField(value.emplace<int>(), fields, fields.Has("int") ? "int" : "choice", 0);
     }
 }
 
-static void AppendSetting(OrderedJson& json, const SSetCommand& command) {
-    json["node"] = command.strHandle;
-    json["param"] = command.nParam;
-    if (command.bOwn) {
-        json["own"] = true;
-    }
-    json[VALUE_FIELDS[command.value.index()]] = ToJson(command.value);
-}
-
-void ReadFields(SSetCommand& command, const CFields& fields) {
-    ReadSetting(command, fields);
-    ReadField(command.bStep, fields, "step", FIELD_OPTIONAL);
-}
-
-void AppendFields(OrderedJson& json, const SSetCommand& command) {
-    AppendSetting(json, command);
-    if (!command.bStep) {
-        json["step"] = false;
-    }
-}
-
-void ReadFields(SEditCommand& command, const CFields& fields) {
-    ReadSetting(command, fields);
-}
-
-void AppendFields(OrderedJson& json, const SEditCommand& command) {
-    AppendSetting(json, command);
+void AppendFields(OrderedJson& json, const ParamValue& value) {
+    json[VALUE_FIELDS[value.index()]] = ToJson(value);
 }
 
 /// Refuses what no node fits, so that none is made in vain.
@@ -123,61 +94,38 @@ void ReadFields(SSavedSet& saved, const CFields& fields) {
     }
 }
 
-void ReadFields(SLoadCommand& command, const CFields& fields) {
-    command.strPath = fields.Has("scene") ? "scene" : "file";
-    command.pScene = ReadScene(fields.Required(command.strPath.c_str()), command.strPath);
-    ReadField(command.strFile, fields, "name", FIELD_OPTIONAL);
-    ReadField(command.bUnsaved, fields, "unsaved", FIELD_OPTIONAL);
-    ReadField(command.bStep, fields, "step", FIELD_OPTIONAL);
-}
-
-void AppendFields(OrderedJson& json, const SLoadCommand& command) {
-    json["scene"] = SceneToJson(*command.pScene);
-    if (!command.strFile.empty()) {
-        json["name"] = command.strFile;
-    }
-    if (command.bUnsaved) {
-        json["unsaved"] = true;
-    }
-    if (!command.bStep) {
-        json["step"] = false;
-    }
-}
-
-void ReadFields(SBatchCommand& command, const CFields& fields) {
-    ReadField(command.name, fields, "name", FIELD_OPTIONAL);
+void ReadFields(SBatchCommand& batch, const CFields& fields) {
+    ReadField(batch.name, fields, "name", FIELD_OPTIONAL);
     const Json& requests = fields.Required("requests");
     if (!requests.is_array()) {
         RefuseKind("requests", "a list");
     }
     auto pCommands = std::make_shared<SCommands>();
     for (size_t i = 0; i < requests.size(); ++i) {
-        const std::string strPath = "requests[" + std::to_string(i) + "].";
         try {
-            Command& part = pCommands->list.emplace_back();
-            ReadFields(part, CFields(requests[i]));
-            if (!std::visit([]<typename Kind>(const Kind&) { return FITS_BATCH<Kind>; }, part)) {
-                Refuse("op", "can't be part of a batch");
+            const CFields part(requests[i]);
+            Command& command = pCommands->list.emplace_back();
+            if (EmplaceByTag(command, part.Text("op")) &&
+                !std::visit([]<typename Kind>(const Kind&) { return FITS_BATCH<Kind>; }, command)) {
+                Refuse("op", "can't be part of a batch"); // whatever its fields are
             }
+            ReadFields(command, part);
         } catch (const CRefusal& refusal) {
-            throw CRefusal(strPath + refusal.what());
+            throw CRefusal("requests[" + std::to_string(i) + "]." + refusal.what());
         }
     }
-    command.pCommands = std::move(pCommands);
+    batch.pCommands = std::move(pCommands);
 }
 
 void AppendFields(OrderedJson& json, const SBatchCommand& command) {
     if (command.name) {
         json["name"] = *command.name;
     }
-    OrderedJson& requests = json["requests"] = OrderedJson::array();
-    for (const Command& part : command.pCommands->list) {
-        AppendFields(requests.emplace_back(OrderedJson::object()), part);
-    }
+    json["requests"] = ToJson(command.pCommands->list);
 }
 
 std::shared_ptr<const SSceneDocument> ReadScene(const Json& json, const std::string& strPath) {
-    const CFields fields(json, strPath + ".");
+    const CFields fields(json, strPath);
     if (fields.Text("format") != FORMAT || fields.Int("version") != VERSION) {
         Refuse(strPath, "isn't a scene of this version");
     }
@@ -203,7 +151,7 @@ void ReadFields(SQORMouseData& sample, const CFields& fields) {
 
 void Codec<Payload>::Read(Payload& value, const Json& json, const std::string& strPath) {
     if (!json.is_null()) {
-        ReadFields(value, CFields(json, strPath + "."));
+        ReadFields(value, CFields(json, strPath));
     }
 }
 

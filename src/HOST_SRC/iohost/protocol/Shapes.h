@@ -92,6 +92,22 @@ inline void Emplace<SQORMouseData>(Payload& payload) {
 
 UNION(Payload, "is", "there is no payload kind ")
 
+/// A scene file's content; refusals name the fields behind strPath.
+std::shared_ptr<const SSceneDocument> ReadScene(const Json& json, const std::string& strPath);
+OrderedJson SceneToJson(const SSceneDocument& scene);
+
+template <>
+struct Codec<std::shared_ptr<const SSceneDocument>> {
+    static void Read(std::shared_ptr<const SSceneDocument>& value, const Json& json, const std::string& strPath) {
+        value = ReadScene(json, strPath);
+    }
+    static OrderedJson Write(const std::shared_ptr<const SSceneDocument>& value) { return SceneToJson(*value); }
+};
+
+/// The member of its kind, of which exactly one must be there.
+void ReadFields(ParamValue& value, const CFields& fields);
+void AppendFields(OrderedJson& json, const ParamValue& value);
+
 // ---- Commands -----------------------------------------------------------------------------------------------------
 
 SHAPE(SSavedPins, SField{"group", &T::nGroup}, SField{"ids", &T::ids})
@@ -119,6 +135,10 @@ TAGGED(SJsonCommand, "json")
 SHAPE(SHeldFilter, SField{"device", &T::device, FIELD_OPTIONAL}, SField{"identity", &T::identity, FIELD_OPTIONAL})
 TAGGED(SReleaseHeldCommand, "release_held", SField{"reason", &T::strReason, FIELD_OPTIONAL}, SFlat{&T::filter},
        SField{"everyone", &T::bEveryone, FIELD_OPTIONAL})
+TAGGED(SSetCommand, "set", SField{"node", &T::strHandle}, SField{"param", &T::nParam},
+       SField{"own", &T::bOwn, FIELD_OPTIONAL}, SFlat{&T::value}, SField{"step", &T::bStep, FIELD_OPTIONAL})
+TAGGED(SEditCommand, "edit", SField{"node", &T::strHandle}, SField{"param", &T::nParam},
+       SField{"own", &T::bOwn, FIELD_OPTIONAL}, SFlat{&T::value})
 TAGGED(STriggerCommand, "trigger", SField{"node", &T::strHandle}, SField{"param", &T::nParam})
 TAGGED(SDropCommand, "drop", SField{"node", &T::strHandle}, SField{"param", &T::nParam}, SField{"from", &T::from})
 TAGGED(SLinkCommand, "link", SField{"from", &T::strFrom}, SField{"output", &T::nOutput}, SField{"to", &T::strTo},
@@ -153,6 +173,8 @@ TAGGED(SRenameCommand, "rename", SField{"node", &T::strHandle}, SField{"graph", 
 TAGGED(SPlaceCommand, "place", SField{"nodes", &T::nodes, FIELD_OPTIONAL}, SField{"notes", &T::notes, FIELD_OPTIONAL})
 TAGGED(SUndoCommand, "undo", SField{"to", &T::to, FIELD_OPTIONAL})
 TAGGED(SRedoCommand, "redo", SField{"to", &T::to, FIELD_OPTIONAL})
+TAGGED(SLoadCommand, "load", SField{"scene", &T::pScene}, SField{"name", &T::strFile, FIELD_OPTIONAL},
+       SField{"unsaved", &T::bUnsaved, FIELD_OPTIONAL}, SField{"step", &T::bStep, FIELD_OPTIONAL})
 TAGGED(SHistoryCommand, "history")
 TAGGED(SScenesCommand, "scenes")
 TAGGED(SRecoverCommand, "recover")
@@ -164,29 +186,16 @@ TAGGED(SQuitCommand, "quit")
 UNION(Command, "op", "unknown op ")
 TAG(SFrameCommand, "process")
 TAG(SEventCommand, "event")
-TAG(SSetCommand, "set")
-TAG(SEditCommand, "edit")
-TAG(SLoadCommand, "load")
 TAG(SBatchCommand, "batch")
 
 // Commands whose fields depend on one another.
 void ReadFields(SFrameCommand& command, const CFields& fields);
 void ReadFields(SEventCommand& command, const CFields& fields);
 void ReadFields(SSavedSet& saved, const CFields& fields);
-void ReadFields(SSetCommand& command, const CFields& fields);
-void ReadFields(SEditCommand& command, const CFields& fields);
-void ReadFields(SLoadCommand& command, const CFields& fields);
 void ReadFields(SBatchCommand& command, const CFields& fields);
 void AppendFields(OrderedJson& json, const SFrameCommand& command);
 void AppendFields(OrderedJson& json, const SEventCommand& command);
-void AppendFields(OrderedJson& json, const SSetCommand& command);
-void AppendFields(OrderedJson& json, const SEditCommand& command);
-void AppendFields(OrderedJson& json, const SLoadCommand& command);
 void AppendFields(OrderedJson& json, const SBatchCommand& command);
-
-/// A scene file's content; refusals name the fields behind strPath.
-std::shared_ptr<const SSceneDocument> ReadScene(const Json& json, const std::string& strPath);
-OrderedJson SceneToJson(const SSceneDocument& scene);
 
 // ---- What the module did ------------------------------------------------------------------------------------------
 

@@ -266,7 +266,7 @@ struct SSaveCommand {};
 
 struct SLoadCommand {
     std::shared_ptr<const SSceneDocument> pScene; ///< never null
-    std::string strPath;                          ///< what refusals call it: "scene" or "file"
+    std::string strPath = "scene";                ///< what refusals call it: "scene" or "file"
     std::string strFile = {};                     ///< its name; empty: it's no file's
     bool bUnsaved = false;                        ///< the file has an older one
     bool bStep = true;                            ///< false: the history begins with it
@@ -307,17 +307,12 @@ struct SCommands {
 template <typename Kind, typename... Kinds>
 inline constexpr bool IS_ONE_OF = (std::is_same_v<Kind, Kinds> || ...);
 
-/// Whether commands of a kind change parameters of the node that they name, and nothing else of the scene.
-template <typename Kind>
-inline constexpr bool CHANGES_PARAMETERS =
-    IS_ONE_OF<Kind, SInitCommand, SOutputsCommand, SSetCommand, SEditCommand, SDropCommand>;
-
 /// Whether commands of a kind can be part of a batch: each is a step of the scene's history.
 template <typename Kind>
 inline constexpr bool FITS_BATCH =
-    CHANGES_PARAMETERS<Kind> || IS_ONE_OF<Kind, SCreateCommand, SLinkCommand, SUnlinkCommand, SObjectCommand,
-                                          SChangeObjectCommand, SRemoveObjectCommand, SDevicesCommand, SDeviceCommand,
-                                          SRemoveDeviceCommand, SDestroyCommand, SRenameCommand, SPlaceCommand>;
+    IS_ONE_OF<Kind, SInitCommand, SOutputsCommand, SSetCommand, SEditCommand, SDropCommand, SCreateCommand,
+              SLinkCommand, SUnlinkCommand, SObjectCommand, SChangeObjectCommand, SRemoveObjectCommand, SDevicesCommand,
+              SDeviceCommand, SRemoveDeviceCommand, SDestroyCommand, SRenameCommand, SPlaceCommand>;
 
 /// Whether the scene's version counts commands of a kind.
 template <typename Kind>
