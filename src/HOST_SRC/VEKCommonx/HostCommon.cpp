@@ -123,13 +123,24 @@ std::string ToUtf8(const wchar_t* pszText, int nLength) {
     return utf8;
 }
 
-CString FromUtf8(std::string_view text) {
-    const int nBytes = static_cast<int>(text.size());
-    const int nLength = MultiByteToWideChar(CP_UTF8, 0, text.data(), nBytes, nullptr, 0);
-    CString strText;
-    if (nLength > 0) {
-        MultiByteToWideChar(CP_UTF8, 0, text.data(), nBytes, strText.GetBufferSetLength(nLength), nLength);
+static std::optional<CString> DecodeUtf8(std::string_view text, DWORD nFlags) {
+    CString strText; // of no more characters than bytes
+    if (!text.empty()) {
+        const int nBytes = static_cast<int>(text.size());
+        const int nLength =
+            MultiByteToWideChar(CP_UTF8, nFlags, text.data(), nBytes, strText.GetBufferSetLength(nBytes), nBytes);
+        if (nLength == 0) {
+            return std::nullopt;
+        }
         strText.ReleaseBuffer(nLength);
     }
     return strText;
+}
+
+CString FromUtf8(std::string_view text) {
+    return *DecodeUtf8(text, 0);
+}
+
+std::optional<CString> WellFormedText(std::string_view utf8) {
+    return DecodeUtf8(utf8, MB_ERR_INVALID_CHARS);
 }

@@ -1,6 +1,7 @@
 // What the reference host sets up in VEKCommonx before it loads the module.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -28,6 +29,9 @@ VEKCOMMON_API void HideConfiguration();
 /// UTF-8 of a wide text and back. Unpaired surrogates and invalid bytes become U+FFFD.
 VEKCOMMON_API std::string ToUtf8(const wchar_t* pszText, int nLength = -1);
 VEKCOMMON_API CString FromUtf8(std::string_view text);
+
+/// The text of well-formed UTF-8; nothing for other bytes.
+VEKCOMMON_API std::optional<CString> WellFormedText(std::string_view utf8);
 
 /// Learns of the end of nodes.
 class INodeSink {

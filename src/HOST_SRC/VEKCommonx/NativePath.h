@@ -1,6 +1,7 @@
 // Paths of the contract as the file system of this platform takes them.
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -10,11 +11,7 @@
 inline std::filesystem::path NativePath(const CString& strPath) {
     std::wstring path(strPath.GetString());
     if constexpr (std::filesystem::path::preferred_separator != L'\\') {
-        for (wchar_t& c : path) {
-            if (c == L'\\') {
-                c = L'/';
-            }
-        }
+        std::ranges::replace(path, L'\\', L'/');
     }
     return path;
 }

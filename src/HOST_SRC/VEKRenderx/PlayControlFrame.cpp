@@ -1,6 +1,7 @@
 #include "PlayControlFrame.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 
 namespace {
@@ -35,21 +36,10 @@ BytePosition PutNumber(BytePosition position, std::uint32_t nValue, size_t nSize
 } // namespace
 
 const char* FrameRefusalName(EFrameRefusal nRefusal) {
-    switch (nRefusal) {
-    case EFrameRefusal::BadMagic:
-        return "bad magic";
-    case EFrameRefusal::Oversized:
-        return "oversized";
-    case EFrameRefusal::WrongVersion:
-        return "wrong version";
-    case EFrameRefusal::UnknownCommand:
-        return "unknown command";
-    case EFrameRefusal::Malformed:
-        return "malformed";
-    case EFrameRefusal::Truncated:
-        return "truncated";
-    }
-    return "";
+    constexpr const char* NAMES[] = {"bad magic",       "oversized", "wrong version",
+                                     "unknown command", "malformed", "truncated"};
+    static_assert(std::size(NAMES) == FRAME_REFUSAL_COUNT);
+    return NAMES[static_cast<size_t>(nRefusal)];
 }
 
 void CFrameReader::Reset() {

@@ -6,26 +6,6 @@
 #include "host/Clip.h"
 #include "host/PlayControlDevice.h"
 
-namespace {
-
-/// Text of UTF-8 that must be well-formed; false when it isn't.
-bool DecodeUtf8(std::string_view utf8, CString& strText) {
-    strText.Empty();
-    if (utf8.empty()) {
-        return true;
-    }
-    const int nBytes = static_cast<int>(utf8.size());
-    const int nLength = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, utf8.data(), nBytes, nullptr, 0);
-    if (nLength == 0) {
-        return false;
-    }
-    MultiByteToWideChar(CP_UTF8, 0, utf8.data(), nBytes, strText.GetBufferSetLength(nLength), nLength);
-    strText.ReleaseBuffer(nLength);
-    return true;
-}
-
-} // namespace
-
 std::span<const unsigned char> WriteItem(CFrameWriter& writer, const CQORNetItemPlayCtlProtocol& item) {
     std::string clip;
     std::string body;
@@ -56,12 +36,12 @@ EFrameVerdict CQORPlayCtlParser::OnFrame(const SPlayControlFrame& frame) {
     if (frame.nCommandCode != static_cast<std::uint32_t>(COMMAND_REMOTE_CONTROL)) {
         return EFrameVerdict::UnknownCommand;
     }
-    CString strClip;
-    CString strXml;
+    const auto clip = WellFormedText(frame.clip);
+    const auto xml = WellFormedText(frame.body);
     CQORPanelRemoteCtrlData record;
-    if (!DecodeUtf8(frame.clip, strClip) || !DecodeUtf8(frame.body, strXml) || !record.SetXmlDoc(strXml)) {
+    if (!clip || !xml || !record.SetXmlDoc(*xml)) {
         return EFrameVerdict::Malformed;
     }
-    m_receiver.OnRecord(strClip, record);
+    m_receiver.OnRecord(*clip, record);
     return EFrameVerdict::Taken;
 }

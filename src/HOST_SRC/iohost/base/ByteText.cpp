@@ -1,13 +1,13 @@
 #include "base/ByteText.h"
 
+#include <boost/algorithm/hex.hpp>
+
+#include <iterator>
+
 std::string HexText(std::span<const unsigned char> bytes) {
-    constexpr char DIGITS[] = "0123456789abcdef";
     std::string strText;
     strText.reserve(2 * bytes.size());
-    for (const unsigned char nByte : bytes) {
-        strText += DIGITS[nByte >> 4];
-        strText += DIGITS[nByte & 0x0F];
-    }
+    boost::algorithm::hex_lower(bytes.begin(), bytes.end(), std::back_inserter(strText));
     return strText;
 }
 

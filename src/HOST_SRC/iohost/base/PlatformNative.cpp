@@ -7,6 +7,7 @@
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -78,6 +79,9 @@ bool WriteStandard(int nStream, std::string_view text) {
         const ssize_t nWritten = write(nStream, text.data(), text.size());
         if (nWritten >= 0) {
             text.remove_prefix(static_cast<size_t>(nWritten));
+        } else if (errno == EAGAIN) { // whoever made it so that writes don't wait: here they do
+            pollfd ready{nStream, POLLOUT, 0};
+            poll(&ready, 1, -1);
         } else if (errno != EINTR) {
             return false;
         }

@@ -26,7 +26,6 @@ CDeviceConnection::CDeviceConnection(CPeerLoop& loop)
 
 Awaitable<std::string> CDeviceConnection::Connect(asio::ip::tcp::endpoint address) {
     error_code error;
-    m_socket.close(error); // an attempt that failed leaves it open
     m_timer.expires_after(CONNECT_TIME);
     m_timer.async_wait([pSelf = shared_from_this()](const error_code& timerError) {
         if (!timerError && !pSelf->m_bConnected) {

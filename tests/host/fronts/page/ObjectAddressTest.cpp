@@ -43,14 +43,4 @@ TEST(ObjectAddress, NamesStandInTheQuery) {
     }
 }
 
-TEST(ObjectAddress, OnlyThePathCounts) {
-    for (const char* pszTarget : {"/object-text", "/object-text?", "/object-text?a/b"}) {
-        EXPECT_TRUE(IsObjectTextTarget(pszTarget)) << pszTarget;
-    }
-    for (const char* pszTarget :
-         {"", "/", "/object-text/", "/object-texts", "/Object-text", "/a?/object-text", "object-text"}) {
-        EXPECT_FALSE(IsObjectTextTarget(pszTarget)) << pszTarget;
-    }
-}
-
 } // namespace

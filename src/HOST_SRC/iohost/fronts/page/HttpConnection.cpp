@@ -144,7 +144,7 @@ bool HasPath(const Request& request, std::string_view path) {
 
 /// Whether the request brings a text for an object. Such a request and the upload of a scene may have a body, no other.
 bool IsObjectText(const Request& request) {
-    return request.method() == http::verb::post && IsObjectTextTarget(View(request.target()));
+    return request.method() == http::verb::post && HasPath(request, OBJECT_TEXT_PATH);
 }
 
 bool IsSceneUpload(const Request& request) {
@@ -167,6 +167,7 @@ Awaitable<void> ReadHead(TcpStream& stream, beast::flat_buffer& buffer, RequestP
 /// Reads the body behind a head.
 Awaitable<std::string> ReadBody(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head,
                                 std::uint64_t nLongest, error_code& error) {
+    stream.expires_after(REQUEST_TIME); // the head may have been waited for
     if (head.content_length().value_or(0) > nLongest) {
         error = http::error::body_limit;
         co_return std::string();
@@ -274,10 +275,9 @@ Awaitable<void> CloseGently(TcpStream& stream) {
     error_code error;
     stream.socket().shutdown(TcpSocket::shutdown_send, error);
     std::array<char, 65536> dropped;
-    size_t nLeft = 2 * LONGEST_TEXT_LINE;
     stream.expires_after(GOODBYE_TIME);
-    while (!error && nLeft > 0) {
-        nLeft -= std::min(nLeft, co_await stream.async_read_some(asio::buffer(dropped), AwaitInto(error)));
+    while (!error) {
+        co_await stream.async_read_some(asio::buffer(dropped), AwaitInto(error));
     }
 }
 

@@ -1,5 +1,6 @@
 #include "fronts/page/HttpFiles.h"
 
+#include <algorithm>
 #include <fstream>
 #include <functional>
 #include <iterator>
@@ -8,12 +9,7 @@
 
 namespace {
 
-struct ContentTypeRow {
-    std::string_view extension;
-    std::string_view contentType;
-};
-
-constexpr ContentTypeRow CONTENT_TYPES[] = {
+constexpr std::pair<std::string_view, std::string_view> CONTENT_TYPES[] = {
     {".html", "text/html; charset=utf-8"}, {".js", "text/javascript; charset=utf-8"},
     {".css", "text/css; charset=utf-8"},   {".svg", "image/svg+xml"},
     {".map", "application/json"},
@@ -21,13 +17,9 @@ constexpr ContentTypeRow CONTENT_TYPES[] = {
 
 /// The content type of a file of the page; empty for a file that doesn't belong to it.
 std::string_view ContentType(const std::filesystem::path& path) {
-    const std::string strExtension = Utf8(path.extension());
-    for (const ContentTypeRow& row : CONTENT_TYPES) {
-        if (row.extension == strExtension) {
-            return row.contentType;
-        }
-    }
-    return {};
+    const auto* pRow =
+        std::ranges::find(CONTENT_TYPES, Utf8(path.extension()), &std::pair<std::string_view, std::string_view>::first);
+    return pRow != std::end(CONTENT_TYPES) ? pRow->second : std::string_view();
 }
 
 std::optional<std::string> ReadBytes(const std::filesystem::path& path) {
@@ -42,8 +34,8 @@ CHttpFiles::CHttpFiles(const std::filesystem::path& folder) {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
         const std::string_view contentType = ContentType(entry.path());
         if (entry.is_regular_file() && !contentType.empty()) {
-            const std::u8string target = u8"/" + entry.path().lexically_relative(folder).generic_u8string();
-            m_files.emplace(std::string(target.begin(), target.end()), SWebFile{entry.path(), contentType});
+            m_files.emplace("/" + Utf8(entry.path().lexically_relative(folder).generic_u8string()),
+                            SWebFile{entry.path(), contentType});
         }
     }
 }

@@ -7,11 +7,6 @@
 
 namespace {
 
-/// The path in front of a query.
-std::string_view PathOf(std::string_view target) {
-    return target.substr(0, target.find('?'));
-}
-
 /// A name or value of a query: %XX is a byte, + a space. Nothing when that isn't well-formed UTF-8.
 std::optional<std::string> DecodeQueryText(std::string_view encoded) {
     std::string strText;
@@ -34,14 +29,11 @@ std::optional<std::string> DecodeQueryText(std::string_view encoded) {
 
 } // namespace
 
-bool IsObjectTextTarget(std::string_view target) {
-    return PathOf(target) == OBJECT_TEXT_PATH;
-}
-
 std::optional<SObjectAddress> ParseObjectAddress(std::string_view target, std::string& strProblem) {
     std::optional<std::string> clip;
     std::optional<std::string> object;
-    std::string_view query = target.substr(std::min(target.size(), PathOf(target).size() + 1));
+    const size_t nQuery = target.find('?');
+    std::string_view query = nQuery != std::string_view::npos ? target.substr(nQuery + 1) : std::string_view();
     while (!query.empty()) {
         const std::string_view pair = query.substr(0, query.find('&'));
         query.remove_prefix(std::min(query.size(), pair.size() + 1));

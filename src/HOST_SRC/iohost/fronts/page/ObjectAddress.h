@@ -14,9 +14,6 @@ struct SObjectAddress {
     std::string strObject;
 };
 
-/// Whether a request's target is OBJECT_TEXT_PATH, with a query or without.
-bool IsObjectTextTarget(std::string_view target);
-
 /// The names in a target's query, in UTF-8: "/object-text?clip=Clip&object=Map". Nothing, with what is wrong, when
 /// either is missing or there is anything else.
 std::optional<SObjectAddress> ParseObjectAddress(std::string_view target, std::string& strProblem);

@@ -165,8 +165,7 @@ private:
             }
             if (error) {
                 // The system is short of something: a pause leaves it the time to get over that.
-                m_acceptTimer.expires_after(ACCEPT_PAUSE);
-                co_await m_acceptTimer.async_wait(AwaitInto(error));
+                co_await Pause(m_acceptTimer, ACCEPT_PAUSE);
             } else {
                 Take(std::move(socket));
             }
@@ -175,35 +174,22 @@ private:
 
     void Take(TcpSocket socket) {
         if (m_nConnections < MOST_CONNECTIONS) {
-            ++m_nConnections;
-            Spawn(m_context, "a connection of the page",
-                  [this, socket = std::move(socket)]() mutable { return Serve(std::move(socket)); });
+            Serve(m_nConnections, ServeHttpConnection(std::move(socket), *m_pSite));
             return;
         }
         m_fullLine.Write("a connection was turned away: " + FullText());
         if (m_nTurnedAway < MOST_TURNED_AWAY) {
-            ++m_nTurnedAway;
-            Spawn(m_context, "a connection that is turned away",
-                  [this, socket = std::move(socket)]() mutable { return TurnAway(std::move(socket)); });
+            Serve(m_nTurnedAway, TurnAwayHttpConnection(std::move(socket), FullText()));
         }
     }
 
-    Awaitable<void> Serve(TcpSocket socket) {
-        try {
-            co_await ServeHttpConnection(std::move(socket), *m_pSite);
-        } catch (...) {
-            WriteHostLine(LOG_ERROR, "a connection of the page failed: " + CaughtText());
-        }
-        --m_nConnections;
-    }
-
-    Awaitable<void> TurnAway(TcpSocket socket) {
-        try {
-            co_await TurnAwayHttpConnection(std::move(socket), FullText());
-        } catch (...) {
-            m_fullLine.Write("a connection couldn't be turned away: " + CaughtText());
-        }
-        --m_nTurnedAway;
+    /// A connection counts for as long as it's served.
+    void Serve(size_t& nCount, Awaitable<void> connection) {
+        ++nCount;
+        asio::co_spawn(m_context, std::move(connection), [&nCount](std::exception_ptr pThrown) {
+            --nCount;
+            LogThrown("a connection of the page failed", pThrown);
+        });
     }
 
     void AwaitSignal() {
@@ -248,10 +234,8 @@ private:
 
     std::string LoadScene(const std::string& strText) {
         try {
-            const auto pScene = ReadScene(ParseJson(strText, "scene"), "scene");
-            SDone done = m_session.Do(SLoadCommand{pScene, "scene"});
-            CutForViewers(done);
-            return ReplyText(ReplyTo(done));
+            const Json request = {{"op", "load"}, {"scene", ParseJson(strText, "scene")}};
+            return ReplyText(Answer(m_session, request, m_scenes, {}, CutForViewers));
         } catch (const CRefusal& refusal) {
             return ReplyText(ErrorReply(refusal.what()));
         }
@@ -341,9 +325,7 @@ private:
     /// Once a frame, however many items are late.
     void TellDropped() {
         for (const SDroppedItems& dropped : std::exchange(m_dropped, {})) {
-            OrderedJson push = {{"push", "dropped"}};
-            AppendFields(push, dropped);
-            SendToAll(push);
+            SendToAll(Push("dropped", dropped));
         }
     }
 
@@ -354,9 +336,7 @@ private:
         }
         m_tToldCounts = tNow;
         if (const SCounters changed = m_session.TakeChangedCounts(); !changed.nodes.empty()) {
-            OrderedJson push = {{"push", "counters"}};
-            AppendFields(push, changed);
-            SendToAll(push);
+            SendToAll(Push("counters", changed));
         }
     }
 
@@ -365,17 +345,16 @@ private:
             return;
         }
         CutForViewers(activity);
-        OrderedJson push = {{"push", "happened"}};
-        AppendFields(push, activity);
+        OrderedJson push = Push("happened", activity);
         push["frame"] = m_nFrame;
         SendToAll(push, pButFor);
     }
 
     /// A page where nothing happens would otherwise not notice that the host has stalled.
     void TellFrame() {
-        m_unsaved.Check();
         DoGuarded(m_frameLine, "the pages weren't told of a frame", [this] {
             SendToAll({{"push", "frame"}, {"frame", m_nFrame}});
+            m_unsaved.Check();
         });
     }
 
@@ -437,10 +416,15 @@ private:
         if (nVersion != m_nToldNetworkVersion && tNow - m_tToldNetwork >= NETWORK_PAUSE) {
             m_nToldNetworkVersion = nVersion;
             m_tToldNetwork = tNow;
-            OrderedJson push = {{"push", "network"}};
-            AppendFields(push, m_session.Peers().State());
-            SendToAll(push);
+            SendToAll(Push("network", m_session.Peers().State()));
         }
+    }
+
+    template <typename Fields>
+    static OrderedJson Push(const char* pszName, const Fields& fields) {
+        OrderedJson push = {{"push", pszName}};
+        AppendFields(push, fields);
+        return push;
     }
 
     void SendToAll(const OrderedJson& push, const CHeldInput* pButFor = nullptr) {

@@ -30,15 +30,13 @@ std::filesystem::path CSceneFolder::TakeOver(unsigned short nPort) {
     m_unsaved = m_folder / (".unsaved-" + strPort + ".json");
     m_left = m_folder / (".left-" + strPort + ".json");
     std::error_code error;
-    const auto timeUnsaved = std::filesystem::last_write_time(m_unsaved, error);
-    if (!error) {
+    if (std::filesystem::exists(m_unsaved, error)) {
         const auto timeLeft = std::filesystem::last_write_time(m_left, error);
         if (!error) { // nobody has decided about it yet: from now on it's a scene like others
             const std::string strTime = std::to_string(MillisecondsSince1970(timeLeft));
             std::filesystem::rename(m_left, m_folder / ("recovered-" + strTime + ".json"), error);
         }
         std::filesystem::rename(m_unsaved, m_left, error);
-        std::filesystem::last_write_time(m_left, timeUnsaved, error);
     }
     const auto time = std::filesystem::last_write_time(m_left, error);
     if (error) {
@@ -63,7 +61,8 @@ void CSceneFolder::Write(const std::string& strName, const std::string& strText)
 std::vector<SSceneFileInfo> CSceneFolder::List() {
     std::vector<SSceneFileInfo> files;
     std::error_code error;
-    for (auto entry = std::filesystem::recursive_directory_iterator(m_folder, error);
+    constexpr auto OPTIONS = std::filesystem::directory_options::skip_permission_denied;
+    for (auto entry = std::filesystem::recursive_directory_iterator(m_folder, OPTIONS, error);
          !error && entry != std::filesystem::recursive_directory_iterator(); entry.increment(error)) {
         const std::filesystem::path& path = entry->path();
         const bool bHidden = IsHidden(path.filename());
@@ -71,9 +70,7 @@ std::vector<SSceneFileInfo> CSceneFolder::List() {
             entry.disable_recursion_pending();
         }
         if (entry->is_regular_file(error) && !entry->is_symlink(error) && !bHidden && path.extension() == ".json") {
-            const std::u8string name = path.lexically_relative(m_folder).generic_u8string();
-            files.push_back({{name.begin(), name.end()},
-                             entry->file_size(error),
+            files.push_back({Utf8(path.lexically_relative(m_folder).generic_u8string()), entry->file_size(error),
                              MillisecondsSince1970(entry->last_write_time(error))});
         }
     }
@@ -82,10 +79,7 @@ std::vector<SSceneFileInfo> CSceneFolder::List() {
 }
 
 std::string CSceneFolder::ReadLeft() {
-    if (!m_leftScene) {
-        Refuse("op", "nothing unsaved was left");
-    }
-    return m_files.Read(Utf8(m_left));
+    return m_leftScene ? m_files.Read(Utf8(m_left)) : ISceneFiles::ReadLeft();
 }
 
 void CSceneFolder::EndLeft(bool bLoaded) {
@@ -109,8 +103,7 @@ std::string CSceneFolder::NameOf(const std::string& strFile) const {
     for (auto part = std::next(file.begin(), std::distance(folder.begin(), folder.end())); part != file.end(); ++part) {
         rest /= *part;
     }
-    const std::u8string name = rest.generic_u8string();
-    return {name.begin(), name.end()};
+    return Utf8(rest.generic_u8string());
 }
 
 /// The file's path; a name that leads out of the folder is refused.

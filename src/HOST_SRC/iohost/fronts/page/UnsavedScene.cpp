@@ -34,10 +34,10 @@ void CUnsavedScene::Check() {
         std::filesystem::remove(m_file, error); // also what was recovered and saved since
         m_written.reset();
     } else if (m_written != history.State()) {
-        m_written = history.State();
         m_writing =
             std::async(std::launch::async, [path = m_file, strName = file.strName, scene = m_session.SceneLeft()] {
                 return WriteFileSafely(path, SceneText(scene, strName));
             });
+        m_written = history.State();
     }
 }

@@ -21,8 +21,6 @@ constexpr std::chrono::seconds HANDSHAKE_TIME{10};
 constexpr std::chrono::seconds PING_PERIOD{10};
 constexpr std::chrono::seconds LONGEST_SILENCE{30};
 
-constexpr char CANT_WRITE[] = "a page isn't written to any longer";
-
 } // namespace
 
 CWebSocketClient::CWebSocketClient(TcpStream stream, IWebSocketListener& listener, bool bGathered)
@@ -79,9 +77,15 @@ void CWebSocketClient::Send(std::shared_ptr<const std::string> pText, bool bUrge
     }
     if (m_nQueuedBytes > MOST_QUEUED_BYTES) {
         Drop();
-    } else if (!m_bWriting) {
-        m_bWriting = true;
-        Spawn(m_socket.get_executor(), CANT_WRITE, [pSelf = shared_from_this()] { return pSelf->WriteQueue(); });
+    } else {
+        WriteOn();
+    }
+}
+
+void CWebSocketClient::WriteOn() {
+    if (!std::exchange(m_bWriting, true)) {
+        Spawn(m_socket.get_executor(), "a page isn't written to any longer",
+              [pSelf = shared_from_this()] { return pSelf->WriteQueue(); });
     }
 }
 
@@ -89,8 +93,7 @@ Awaitable<void> CWebSocketClient::WriteQueue() {
     error_code error;
     while (!m_queue.empty()) {
         if (m_bGathered && !m_bUrgent) {
-            m_gatherTimer.expires_after(GATHER_TIME);
-            co_await m_gatherTimer.async_wait(AwaitInto(error));
+            co_await Pause(m_gatherTimer, GATHER_TIME);
         }
         if (m_queue.empty()) {
             break; // dropped meanwhile
@@ -139,9 +142,7 @@ void CWebSocketClient::Close() {
     }
     m_bClosing = true;
     DontWait();
-    if (!m_bWriting) {
-        Spawn(m_socket.get_executor(), CANT_WRITE, [pSelf = shared_from_this()] { return pSelf->WriteQueue(); });
-    }
+    WriteOn();
 }
 
 Awaitable<void> CWebSocketClient::WatchSilence() {

@@ -56,6 +56,7 @@ public:
 
 private:
     Awaitable<void> ReadTexts();
+    void WriteOn();
     Awaitable<void> WriteQueue();
     std::shared_ptr<const std::string> TakeText();
     std::shared_ptr<const std::string> TakeGathered();

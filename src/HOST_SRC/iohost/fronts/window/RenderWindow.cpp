@@ -166,9 +166,7 @@ private:
 
     void HandleNetwork() {
         boost::asio::io_context& context = m_session.Peers().Context();
-        if (context.stopped()) {
-            context.restart();
-        }
+        context.restart();
         context.poll();
     }
 
