@@ -5,6 +5,7 @@
 #include "host/RemoteControlRecord.h"
 
 #include "DeviceList.h"
+#include "HostSetup.h"
 #include "XmlElement.h"
 
 namespace {
@@ -36,7 +37,7 @@ CString CQORPanelRemoteCtrlData::GetXmlDoc() const {
 bool CQORPanelRemoteCtrlData::SetXmlDoc(const CString& strXml) {
     CXmlElement element;
     CQORPanelRemoteCtrlData read;
-    if (!element.Parse({strXml.GetString(), static_cast<size_t>(strXml.GetLength())}, RECORD_ELEMENT) ||
+    if (!element.Parse(ToUtf8(strXml, strXml.GetLength()), RECORD_ELEMENT) ||
         !element.GetText("DevID", read.m_strDevID) || !element.GetText("DevName", read.m_strDevName) ||
         !element.GetText("ClipName", read.m_strClipName) || !element.GetText("GroupName", read.m_strGroupName) ||
         !element.GetText("KeyName", read.m_strKeyName) || !element.GetNumber("KeyNumber", read.m_nKeyNumber) ||

@@ -74,9 +74,9 @@ std::optional<std::string_view> ReadValue(char* pWritten) {
 
 } // namespace
 
-bool CXmlElement::Parse(std::wstring_view xml, const char* pszName) {
+bool CXmlElement::Parse(std::string xml, const char* pszName) {
     m_attributes.clear();
-    m_strText = ToUtf8(xml.data(), static_cast<int>(xml.size()));
+    m_strText = std::move(xml);
     // The library takes a zero for the end, and the last character for room to write one: it's given the text's own.
     if (m_strText.find('\0') != std::string::npos ||
         !m_document.load_buffer_inplace(m_strText.data(), m_strText.size() + 1, PARSE_OPTIONS, pugi::encoding_utf8)) {

@@ -14,8 +14,8 @@
 /// A document of exactly one element without content. An XML declaration and comments beside it are passed over.
 class CXmlElement {
 public:
-    /// False, and no element, for a text that isn't such a document or whose element has another name.
-    bool Parse(std::wstring_view xml, const char* pszName);
+    /// The text is UTF-8. False, and no element, for one that isn't such a document or whose element has another name.
+    bool Parse(std::string xml, const char* pszName);
 
     /// The value of an attribute; false, and no change, without it or, for a number, when it isn't one in decimal.
     bool GetText(const char* pszAttribute, CString& strValue) const;
