@@ -107,10 +107,6 @@ using NodeMap = std::map<unsigned long long, SNode>;
 
 class CScene {
 public:
-    CScene() = default;
-    CScene(CScene&&) = default;
-    CScene& operator=(CScene&&) = default;
-
     NodeMap& Nodes() { return m_nodes; }
     const NodeMap& Nodes() const { return m_nodes; }
 

@@ -132,15 +132,13 @@ KeySet CHeldInput::VirtualKeys() const {
 }
 
 bool CHeldInput::HasRoomFor(const SEventCommand& event) const {
-    const auto count = [](const std::vector<SHeld>& arHeld) {
-        return std::ranges::count_if(arHeld, [](const SHeld& held) { return held.nKind != VIRTUAL_KEY; });
-    };
     if (m_arHeld.size() + std::size(HELD_KINDS) < MOST_HELD) {
         return true;
     }
     std::vector<SHeld> arAfterwards = m_arHeld;
     Follow(arAfterwards, event);
-    return count(arAfterwards) <= std::max<std::ptrdiff_t>(count(m_arHeld), MOST_HELD);
+    std::erase_if(arAfterwards, [](const SHeld& held) { return held.nKind == VIRTUAL_KEY; });
+    return arAfterwards.size() <= MOST_HELD;
 }
 
 std::vector<SRelease> CHeldInput::TakeReleases(const SHeldFilter& filter) {

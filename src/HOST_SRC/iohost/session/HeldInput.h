@@ -51,7 +51,7 @@ public:
     KeySet VirtualKeys() const;
 
     /// The releases of what is held, in the order in which it went down; it isn't held afterwards.
-    std::vector<SRelease> TakeReleases(const SHeldFilter& filter = {});
+    std::vector<SRelease> TakeReleases(const SHeldFilter& filter);
 
     void AppendState(std::vector<SHeldEntry>& entries) const;
 

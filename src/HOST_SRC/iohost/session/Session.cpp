@@ -2,7 +2,6 @@
 
 #include "base/Caught.h"
 #include "base/Platform.h"
-#include "base/TextUtf8.h"
 #include "session/EventRecords.h"
 #include "session/Steps.h"
 
@@ -159,23 +158,18 @@ Result CSession::Perform(const Command& command, const SOrigin& origin) {
 SDone CSession::CloseConnection(CHeldInput& held, const std::string& strReason) {
     SDone done = Do(SReleaseHeldCommand{.strReason = strReason}, {.pHeld = &held});
     m_held.Close(held);
-    done.origin.pHeld = nullptr;
-    done.pCommand = nullptr;
     return done;
 }
 
-/// An item that fails is logged, and the next ones come.
 bool CSession::OnItem(EPeer nFrom, const SIOEventRecord& record) {
     m_bTaken = false;
-    DoGuarded(m_faultLine, "an item of the network failed", [&] {
-        const SEventCommand event{
-            .handle = {}, .nDevice = record.m_nDevice, .nEvent = record.m_nEvent, .payload = PayloadOf(record)};
-        const SDone done = Do(event, {.from = nFrom});
-        const auto* pResults = std::get_if<SNodeResults>(&done.outcome.result);
-        if (pResults != nullptr && m_nDepth > 0) { // within a `wait`
-            m_dispatched.push_back({nFrom, record.m_nDevice, record.m_nEvent, *pResults});
-        }
-    });
+    const SEventCommand event{
+        .handle = {}, .nDevice = record.m_nDevice, .nEvent = record.m_nEvent, .payload = PayloadOf(record)};
+    const SDone done = Do(event, {.from = nFrom});
+    const auto* pResults = std::get_if<SNodeResults>(&done.outcome.result);
+    if (pResults != nullptr && m_nDepth > 0) { // within a `wait`
+        m_dispatched.push_back({nFrom, record.m_nDevice, record.m_nEvent, *pResults});
+    }
     return m_bTaken;
 }
 
