@@ -1,19 +1,17 @@
 // The page by the rules of WCAG 2.2 AA, as far as a program can tell.
 import assert from "node:assert/strict";
-import { mkdtempSync, readFileSync, rmSync } from "node:fs";
+import { readFileSync } from "node:fs";
 import { createRequire } from "node:module";
-import { tmpdir } from "node:os";
-import { join } from "node:path";
-import { test } from "node:test";
 import { canvasOf } from "./support/canvas.mjs";
+import { temporaryFolder } from "./support/folder.mjs";
 import { startHost } from "./support/host.mjs";
 import * as is from "./support/page.mjs";
 import { browser, page, script, useScene } from "./support/scene.mjs";
 import { createNode, createScene, must, Type, until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
 const AXE = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
 const RULES = ["wcag2a", "wcag2aa", "wcag21aa", "wcag22aa"];
-const TABS = ["log", "keyboard", "hands", "network", "json", "objects"];
 /** What leads to a device, an object and new ones. */
 const PARTS = ["[data-open-device]", "[data-open-object]", ".part-index nav:first-child button:last-child", ".part-index nav:last-child button:last-child"];
 /** What of a tab is loaded later than the tab. */
@@ -21,8 +19,7 @@ const LOADED = { keyboard: ".hg-button", hands: "[data-hand]" };
 const COLOR_SCHEMES = ["dark", "light"];
 const LANGUAGES = ["EN", "中文"];
 
-const NET_SEND = { type: "04", devId: 402, send: 410 };
-const DEVICE_JSON = { type: "0E" };
+const NET_SEND = { devId: 402, send: 410 };
 const TEXT_APPEND = 203;
 
 useScene({
@@ -31,8 +28,8 @@ useScene({
   prepare: async () => {
     const send = (request) => must(script, request);
     await createNode(script, "t", Type.textField, "Text field 1");
-    await createNode(script, "n", NET_SEND.type, "Net send 1");
-    await createNode(script, "j", DEVICE_JSON.type, "Device JSON 1");
+    await createNode(script, "n", Type.netSend, "Net send 1");
+    await createNode(script, "j", Type.deviceJson, "Device JSON 1");
     await createNode(script, "v", Type.vrHandle, "VR handle 1");
     await send({ op: "set", node: "v", param: is.ENABLE, int: 0 });
     await send({ op: "link", from: "k", output: is.KEY_DOWN[1], to: "t", input: TEXT_APPEND });
@@ -58,7 +55,7 @@ async function violationsIn(part, view = page.page) {
 
 async function violationsOnTabs() {
   const found = {};
-  for (const tab of TABS) {
+  for (const tab of is.TABS) {
     await page.page.locator(`[data-tab=${tab}]`).click();
     await page.page.locator(`#panel-${tab}`).locator(LOADED[tab] ?? ":visible").first().waitFor();
     found[tab] = await violationsIn(`#panel-${tab}`);
@@ -84,7 +81,7 @@ for (const colorScheme of COLOR_SCHEMES) {
         found[part] = await violationsIn(".nodes");
         await page.page.locator(".nodes .panel-head button").click();
       }
-      assert.deepEqual(found, Object.fromEntries(["page", ...TABS, ...PARTS].map((part) => [part, []])));
+      assert.deepEqual(found, Object.fromEntries(["page", ...is.TABS, ...PARTS].map((part) => [part, []])));
     });
   }
 }
@@ -150,26 +147,20 @@ for (const colorScheme of COLOR_SCHEMES) {
     await page.page.locator(".phone").waitFor();
     await page.page.evaluate(AXE);
     const found = { page: await violationsIn("html"), ...await violationsOnTabs() };
-    assert.deepEqual(found, Object.fromEntries(["page", ...TABS].map((part) => [part, []])));
+    assert.deepEqual(found, Object.fromEntries(["page", ...is.TABS].map((part) => [part, []])));
   });
 
-  test(`no rule is broken by what an ended host left, nor by a question about it, ${colorScheme}`, async (context) => {
-    const folder = mkdtempSync(join(tmpdir(), "iohost-left-"));
-    const options = ["--scenes", folder];
+  test(`no rule is broken by what an ended host left, nor by a question about it, ${colorScheme}`, async () => {
+    const options = ["--scenes", temporaryFolder()];
     const endedPort = async (port) => {
       const ended = await startHost({ port, options });
-      await (await createScene(ended.address)).close();
+      await createScene(ended.address);
       await ended.end();
       return Number(ended.address.split(":")[1]);
     };
     const port = await endedPort(); // one on any free port leaves nothing
     const next = await startHost({ port: await endedPort(port), options });
-    const view = await browser.contexts()[0].newPage();
-    context.after(async () => {
-      await view.close();
-      await next.end();
-      rmSync(folder, { recursive: true });
-    });
+    const view = await is.openTab(browser);
     await view.emulateMedia({ colorScheme });
     await view.goto(next.page);
     await view.evaluate(AXE);

@@ -4,11 +4,11 @@ import assert from "node:assert/strict";
 import { spawn } from "node:child_process";
 import { once } from "node:events";
 import path from "node:path";
-import { after, before, test } from "node:test";
 import { fileURLToPath } from "node:url";
 import { startBrowser } from "./support/browser.mjs";
 import { takePicture } from "./support/pictures.mjs";
 import { expectEventually, until } from "./support/session.mjs";
+import { after, before, test } from "./support/test.mjs";
 
 const ROOT = fileURLToPath(new URL("../..", import.meta.url));
 const PANEL_TEXT = '{"scene":"demo","level":70}';

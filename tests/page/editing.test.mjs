@@ -1,12 +1,12 @@
 // The scene's nodes and notes are changed on the canvas, by the mouse and by keys, each change as one step, seen by other
 // pages at once.
 import assert from "node:assert/strict";
-import { test } from "node:test";
 import { canvasOf, drawn } from "./support/canvas.mjs";
 import { canvas, placeOf, stepIs, TEXT_INPUT, undoStep, useCanvas } from "./support/editing.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script } from "./support/scene.mjs";
-import { createNode, expectEventually, must, until } from "./support/session.mjs";
+import { createNode, expectEventually, must, Type, until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
 useCanvas();
 
@@ -25,7 +25,6 @@ test("a node that is dragged stays where it was put, on every page, and goes bac
   await page.keyboard.press("Control+z");
   await until("the place", async () => (await placeOf("m")).x === 0);
   await until("the place on the canvas", async () => /translate\(0px, ?200px\)/.test(await position(other)));
-  await second.close();
 });
 
 test("what is chosen by a frame is moved by the arrow keys as one step", async () => {
@@ -49,7 +48,7 @@ test("nodes are lined up", async () => {
 });
 
 test("what is typed into an input stays while Escape is for composing, and goes with Escape alone", async () => {
-  await createNode(script, "s", "0F", "Sender");
+  await createNode(script, "s", Type.stringSend, "Sender");
   await canvas.choosePalette("Sender");
   const field = page.page.locator('article input[data-param="1505"]');
   await field.fill("ni");
@@ -63,7 +62,7 @@ test("what is typed into an input stays while Escape is for composing, and goes 
 });
 
 test("a text that is too long for the page is left out of a copy, which says so", async () => {
-  await createNode(script, "s", "0F", "Sender");
+  await createNode(script, "s", Type.stringSend, "Sender");
   await must(script, { op: "edit", node: "s", param: 1505, string: "x".repeat(70000) });
   await canvas.choosePalette("Sender");
   await page.page.locator('article input[data-param="1505"][placeholder^="70,000"]').waitFor();
@@ -89,7 +88,6 @@ test("chosen nodes are copied with their links, and pasted on another page", asy
   await stepIs("Paste 3 nodes");
   await other.keyboard.press("Control+z");
   await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1"]);
-  await other.close();
 });
 
 test("a chosen node is doubled, and several are deleted as one step", async () => {
@@ -163,7 +161,6 @@ test("a folded node has only its linked pins, on every page", async () => {
   await expectEventually("wires", () => canvas.wires().count(), 1);
   await page.page.getByRole("button", { name: "Unfold Keyboard 1" }).click();
   await expectEventually("pins", () => canvas.face("k").locator(".pin").count(), 4);
-  await second.close();
 });
 
 test("notes are part of the scene: written, moved, and taken away", async () => {
@@ -212,7 +209,6 @@ test("notes are copied, doubled and lined up as nodes are, and with them", async
   await expectEventually("the notes", noteTexts, "here,here");
   await canvas.nodesAre(["Keyboard 1", "Mouse 1", "Text field 1", "Mouse 2"]);
   await stepIs("Paste Mouse 1 and a note");
-  await other.close();
 });
 
 test("what is being typed into a note stays while another page changes the note, and what isn't touched follows", async () => {
@@ -353,7 +349,6 @@ test("Ctrl+Z in a field is the field's; elsewhere it undoes, with Shift it does 
   await page.keyboard.press("Control+Shift+z");
   await expectEventually("the name", async () => (await canvas.names())[1], "Pointer");
   await other.page.locator("article[data-node=m] h3", { hasText: "Pointer" }).waitFor();
-  await other.close();
 });
 
 test("the history lists the steps and leads back to any of them", async () => {

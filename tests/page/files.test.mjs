@@ -1,17 +1,17 @@
 // Scenes and their files: begun, saved, opened, taken along, and found again after the host ended.
 import assert from "node:assert/strict";
-import { mkdirSync, mkdtempSync, readFileSync, rmSync, truncateSync, writeFileSync } from "node:fs";
-import { createServer } from "node:net";
-import { once } from "node:events";
-import { tmpdir } from "node:os";
+import { mkdirSync, mkdtempSync, readFileSync, truncateSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
 import { isDeepStrictEqual } from "node:util";
-import { after, afterEach, before, beforeEach, test } from "node:test";
 import { startBrowser } from "./support/browser.mjs";
 import { canvasOf, drawn } from "./support/canvas.mjs";
+import { startDevice } from "./support/device.mjs";
+import { temporaryFolder } from "./support/folder.mjs";
 import { startHost } from "./support/host.mjs";
+import { between, openTab } from "./support/page.mjs";
 import { takePicture } from "./support/pictures.mjs";
-import { expectEventually, must, openSession, until } from "./support/session.mjs";
+import { createNode, expectEventually, must, openSession, Type, until } from "./support/session.mjs";
+import { before, beforeEach, test } from "./support/test.mjs";
 
 let browser;
 let folder;
@@ -19,41 +19,32 @@ let host;
 let script;
 let page;
 let canvas;
-let problems;
-const devices = [];
 
 async function start(port = 0, options = []) {
   host = await startHost({ port, options: ["--scenes", folder, ...options] });
   script = await openSession(host.address);
 }
 
-async function end() {
-  await script.close();
-  assert.equal(await host.end(), 0);
-}
-
 async function open() {
-  page = await browser.contexts()[0].newPage();
-  page.on("pageerror", (error) => problems.push(error.message));
+  page = await openTab(browser);
   await page.goto(host.page);
   canvas = canvasOf(page, script);
   await canvas.pane().waitFor();
 }
 
+/** Ends the page and the host, and starts both again. */
+async function startAnew(port, options) {
+  await page.close();
+  assert.equal(await host.end(), 0);
+  await start(port, options);
+  await open();
+}
+
 before(async () => (browser = await startBrowser()));
-after(() => browser.close());
 beforeEach(async () => {
-  folder = mkdtempSync(join(tmpdir(), "iohost-files-"));
-  problems = [];
+  folder = temporaryFolder();
   await start();
   await open();
-});
-afterEach(async () => {
-  devices.splice(0).forEach((close) => close());
-  assert.deepEqual(problems, []);
-  await page.close();
-  await end();
-  rmSync(folder, { recursive: true });
 });
 
 const sceneName = () => page.locator("[data-scene]");
@@ -68,23 +59,6 @@ async function saveAs(name) {
   await page.locator("[data-scene-name]").fill(name);
   await page.keyboard.press("Enter");
   await nameIs(`${name}.json`, false);
-}
-
-/** What a device on this machine was sent. */
-async function startDevice(port = 0) {
-  const received = [];
-  const sockets = new Set();
-  const server = createServer((socket) => {
-    sockets.add(socket);
-    socket.on("data", (data) => received.push(data)).on("error", () => {});
-  }).listen(port, "127.0.0.1");
-  await once(server, "listening");
-  devices.push(() => (sockets.forEach((socket) => socket.destroy()), server.close()));
-  return {
-    address: `127.0.0.1:${server.address().port}`,
-    text: () => Buffer.concat(received).toString(),
-    say: (text) => sockets.forEach((socket) => socket.write(text)),
-  };
 }
 
 /** The scene as it's saved, without what its nodes and links write by themselves: outputs, and inputs that are linked. */
@@ -112,7 +86,7 @@ const card = () => page.locator("[data-part-card]");
 const saysOfText = (text) => expectEventually("what is said of the text", () => canvas.message().innerText(), text);
 const pressSend = () => page.locator('article button[data-param="1507"]').click();
 
-test("from nothing to a text on a device, ten steps back and again, and the same scene after the host's end", { timeout: 120000 }, async () => {
+test("from nothing to a text on a device, ten steps back and again, and the same scene after the host's end", async () => {
   const device = await startDevice();
   await takePicture(page, "empty");
   for (const type of ["Keyboard", "Text field input", "String data send"]) {
@@ -160,14 +134,11 @@ test("from nothing to a text on a device, ten steps back and again, and the same
   await page.keyboard.type("hello");
   await expectEventually("the text", () => page.locator('article input[data-param="1505"]').inputValue(), "hello");
   await pressSend();
-  await expectEventually("the device's text", device.text, "hello\0");
+  await expectEventually("the device's text", () => String(device.received), "hello\0");
 
   await saveAs("title");
   const saved = await sceneAsMade();
-  await page.close();
-  await end();
-  await start();
-  await open();
+  await startAnew();
   await page.getByRole("button", { name: "Open", exact: true }).click();
   await page.locator('[data-scene-file="title.json"]').click();
   await page.locator("[data-tab=network]").click();
@@ -179,7 +150,7 @@ test("from nothing to a text on a device, ten steps back and again, and the same
   await page.keyboard.type("again");
   await expectEventually("the text", () => page.locator('article input[data-param="1505"]').inputValue(), "again");
   await pressSend();
-  await until("the device's text", () => device.text().endsWith("again\0"));
+  await until("the device's text", () => String(device.received).endsWith("again\0"));
 });
 
 test("a device is opened in the inspector, tried by a text, changed and removed", async () => {
@@ -192,10 +163,10 @@ test("a device is opened in the inspector, tried by a text, changed and removed"
   await card().getByText("connected since").waitFor();
   await page.locator("[data-test-text]").fill("are you there?");
   await page.getByRole("button", { name: "Send a test text" }).click();
-  await expectEventually("the device's text", device.text, "are you there?");
+  await expectEventually("the device's text", () => String(device.received), "are you there?");
   await saysOfText("Sent.");
   await card().locator("[data-field=sent-bytes]", { hasText: "Last sent, 14 bytes" }).waitFor();
-  device.say("I am");
+  device.write("I am");
   await card().locator("[data-field=received-bytes]", { hasText: "I am" }).waitFor();
   await must(script, { op: "listen_only", on: true });
   await page.getByRole("button", { name: "Send a test text" }).click();
@@ -223,8 +194,8 @@ async function tryInVain(address) {
 }
 
 test("a device that isn't there is tried again from the inspector, and what others change of it shows there", async () => {
-  const { address } = await startDevice();
-  devices.splice(0).forEach((close) => close());
+  const { address, close } = await startDevice();
+  await close();
   await tryInVain(address);
   await card().getByText("what can't be sent is dropped after 2 s").waitFor();
   await page.getByRole("button", { name: "Send a test text" }).click();
@@ -237,17 +208,15 @@ test("a device that isn't there is tried again from the inspector, and what othe
 });
 
 test("that a device is tried is said until its card is closed or it's connected", async () => {
-  const { address } = await startDevice();
-  const port = Number(address.split(":")[1]);
-  devices.splice(0).forEach((close) => close());
+  const { address, port, close } = await startDevice();
+  await close();
   let isConnecting = false;
-  await page.routeWebSocket(/\/session\/gathered$/, (socket) => {
-    const toHost = socket.connectToServer();
-    toHost.onMessage((text) => {
-      const messages = JSON.parse(text);
-      messages.flatMap(({ devices: told }) => told ?? []).forEach((device) => isConnecting && device.state === "waiting" && (device.state = "connecting"));
-      socket.send(JSON.stringify(messages));
-    });
+  await between(page, {
+    toPage(messages) {
+      const waiting = messages.flatMap(({ devices }) => devices ?? []).filter(({ state }) => isConnecting && state === "waiting");
+      waiting.forEach((device) => (device.state = "connecting"));
+      return messages;
+    },
   });
   await page.reload();
   await tryInVain(address);
@@ -282,22 +251,9 @@ test("a device is added only where nobody has added one of its number meanwhile"
 test("a device that is changed stays as it was opened; who chose something else meanwhile stays there", async () => {
   const late = [];
   let isLate = false;
-  let hear;
-  await page.close();
-  page = await browser.contexts()[0].newPage();
-  page.on("pageerror", (error) => problems.push(error.message));
-  await page.routeWebSocket(/\/session\/gathered$/, (socket) => {
-    const toHost = socket.connectToServer();
-    hear = () => {
-      isLate = false;
-      late.splice(0).forEach((text) => socket.send(text));
-    };
-    toHost.onMessage((text) => (isLate ? late.push(text) : socket.send(text)));
-  });
-  await page.goto(host.page);
-  canvas = canvasOf(page, script);
-  const create = { op: "create", node: "m", type: "{8164BB40-6B6A-4707-88B7-386BCB0D1B03}", clip: "Show", graph: "Mouse 1" };
-  await must(script, create);
+  const tell = await between(page, { toPage: (messages) => (isLate ? void late.push(messages) : messages) });
+  await page.reload();
+  await createNode(script, "m", Type.mouse, "Mouse 1");
   await must(script, { op: "device", device: 4, name: "Wall", parser: "direct" });
   await canvas.face("m").waitFor();
   await page.locator("[data-tab=network]").click();
@@ -317,7 +273,8 @@ test("a device that is changed stays as it was opened; who chose something else 
   await expectEventually("what is set", async () => (await must(script, { op: "network" })).devices[0].drop_after, 4);
   await canvas.choose("m");
   await page.locator("article[data-node]").getByRole("heading", { name: "Mouse 1" }).waitFor();
-  hear();
+  isLate = false;
+  late.forEach(tell);
   await must(script, { op: "rename", node: "m", graph: "Pointer" });
   await page.locator("article[data-node]").getByRole("heading", { name: "Pointer" }).waitFor();
   assert.equal(await card().count(), 0);
@@ -538,14 +495,6 @@ test("an empty scene offers something to begin with", async () => {
   assert.equal((await canvas.links()).length, 2);
 });
 
-/** Ends the page and the host, and starts both again on the port. */
-async function startAnew(port) {
-  await page.close();
-  await end();
-  await start(port);
-  await open();
-}
-
 test("what was left unsaved is taken, asked about where something else isn't saved, and thrown away by two clicks", async () => {
   const port = Number(host.address.split(":")[1]);
   const banner = () => page.locator("[data-recovered]");
@@ -602,17 +551,11 @@ test("the demo is asked about where it takes the place of something that isn't s
 });
 
 test("a line of the history leads where it says, though somebody changes the scene meanwhile", async () => {
-  const late = await browser.contexts()[0].newPage();
+  const late = await openTab(browser);
   let hears = true;
-  await late.routeWebSocket(/\/session\/gathered$/, (socket) => {
-    const toHost = socket.connectToServer();
-    toHost.onMessage((text) => {
-      const heard = JSON.parse(text).filter(({ push }) => hears || push !== "history");
-      socket.send(JSON.stringify(heard));
-    });
-  });
+  await between(late, { toPage: (messages) => messages.filter(({ push }) => hears || push !== "history") });
   await late.goto(host.page);
-  const create = (node) => must(script, { op: "create", node, type: "{8164BB40-6B6A-4707-88B7-386BCB0D1B03}", clip: "Show", graph: node });
+  const create = (node) => createNode(script, node, Type.mouse, node);
   await create("a");
   await create("b");
   await late.locator("[data-history]").click();
@@ -634,17 +577,13 @@ test("a line of the history leads where it says, though somebody changes the sce
   await late.locator('[data-step="2"]').click(); // nowhere any more
   await expectEventually("what is said", () => canvasOf(late, script).message().innerText(), "The scene has no such state there any more.");
   await canvas.nodesAre(["a", "f"]);
-  await late.close();
 });
 
 test("types that are switched off stand in the palette with the reason, and aren't added", async () => {
   const plugins = join(folder, "Plugins", "NodePlugin");
   mkdirSync(plugins, { recursive: true });
   writeFileSync(join(plugins, "NodePlugin.ini"), "[IOProcess]\nGesture=0\nBroadcastSend=1\n");
-  await page.close();
-  await end();
-  await start(0, ["--app", folder]);
-  await open();
+  await startAnew(0, ["--app", folder]);
   await page.keyboard.press("Control+k");
   const switchedOff = page.locator("[data-entry][aria-disabled=true]", { hasText: "switched off: Gesture in NodePlugin.ini" });
   await switchedOff.click({ force: true });

@@ -1,14 +1,14 @@
 // The scene as a graph: nodes are shown live, added, wired and removed.
 import assert from "node:assert/strict";
-import { test } from "node:test";
 import { canvasOf } from "./support/canvas.mjs";
 import { APPEND_INPUT, TEXT_INPUT } from "./support/editing.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
-import { createNode, expectEventually, must, Type, until } from "./support/session.mjs";
+import { createNode, expectEventually, must, nodeOf, Type, until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
-const STRING_SEND = { type: "0F", device: 1503, send: 1507 };
-const DEVICE_JSON = { type: "0E", device: 1402, checks: 1403, key: 1404 };
+const STRING_SEND = { device: 1503, send: 1507 };
+const DEVICE_JSON = { device: 1402, checks: 1403, key: 1404 };
 
 useScene({
   prepare: async () => {
@@ -40,7 +40,6 @@ test("a page that opens later shows the same counts, and when they are reset all
   await press();
   await page.fires(is.KEY_DOWN, 1);
   await other.fires(is.KEY_DOWN, 1);
-  await other.close();
 });
 
 test("a page that opens later tells how long ago a node acted, and lights no lamp of what is over", async () => {
@@ -53,11 +52,10 @@ test("a page that opens later tells how long ago a node acted, and lights no lam
   await activity.waitFor();
   assert.doesNotMatch(await activity.getAttribute("class"), /fired/);
   assert.equal(await other.page.locator('[data-face="m"] [data-active]').count(), 0);
-  await other.close();
 });
 
 test("a text of a node that its device was dropped counts on the node's face", async () => {
-  await createNode(script, "s", STRING_SEND.type, "Sender");
+  await createNode(script, "s", Type.stringSend, "Sender");
   await must(script, { op: "device", device: 3, name: "Wall", parser: "direct", address: "127.0.0.1:9", drop_after: 0.01 });
   await must(script, { op: "set", node: "s", param: STRING_SEND.device, int: 3 });
   await canvasOf(page.page, script).choosePalette("Sender");
@@ -68,7 +66,7 @@ test("a text of a node that its device was dropped counts on the node's face", a
 });
 
 test("a node's last verdict stands on its face in one line, however long it is", async () => {
-  await createNode(script, "j", DEVICE_JSON.type, "Taker");
+  await createNode(script, "j", Type.deviceJson, "Taker");
   const set = (param, value) => must(script, { op: "set", node: "j", param, ...value });
   const send = (text) => must(script, { op: "event", device: 5, event: 0, payload: { is: "device_text", device: 1, text } });
   await set(DEVICE_JSON.device, { int: 1 });
@@ -155,8 +153,7 @@ test("another scene whose nodes have the same handles begins anew: counts, what 
   await until("a part", async () => (await inSight()) < 3);
   const at = () => canvas.face("t").locator("..").evaluate(({ style }) => style.transform);
   const before = await at();
-  const node = (name, last) => ({ node: name, type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${last}}`, clip: "Demo", graph: name });
-  const nodes = [node("k", Type.keyboard), node("m", Type.mouse), node("t", Type.textField)];
+  const nodes = [nodeOf("k", Type.keyboard, "k"), nodeOf("m", Type.mouse, "m"), nodeOf("t", Type.textField, "t")];
   const links = [{ from: "m", output: is.LEFT_DOWN[1], to: "t", input: APPEND_INPUT }];
   await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes, links } });
   await expectEventually("those in sight", inSight, 3);

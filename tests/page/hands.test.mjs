@@ -1,9 +1,9 @@
 // The hand controllers: pads and triggers, which need no drawing in space.
 import assert from "node:assert/strict";
-import { test } from "node:test";
 import { hand, openHandsAgain, openLog, useHands } from "./support/hands.mjs";
 import * as is from "./support/page.mjs";
 import { page } from "./support/scene.mjs";
+import { test } from "./support/test.mjs";
 
 useHands();
 

@@ -2,11 +2,11 @@
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { createRequire } from "node:module";
-import { test } from "node:test";
 import { openHands, useHands } from "./support/hands.mjs";
 import * as is from "./support/page.mjs";
 import { page } from "./support/scene.mjs";
 import { until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
 // A WebXR runtime without a headset, with controllers that a script moves.
 const HEADSET = readFileSync(createRequire(import.meta.url).resolve("iwer/build/iwer.min.js"), "utf8");
@@ -46,6 +46,4 @@ test("a headset's real controllers move the hands and press their buttons", asyn
   await other.page.getByRole("button", { name: "Leave the headset" }).dispatchEvent("click");
   await page.fires(is.TRIGGER_UP, 2);
   await other.page.locator("[data-enter-headset]").waitFor();
-  assert.deepEqual(other.problems, []);
-  await other.close();
 });

@@ -1,9 +1,9 @@
 // Nothing stays held when the page can't see any more how it ends.
 import assert from "node:assert/strict";
-import { test } from "node:test";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
 import { logIn, must, openSession, postedIn, timesFired, until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
 useScene();
 
@@ -138,7 +138,6 @@ test("what others hold shows too, since when they hold it", async () => {
   const late = await is.openPage(browser, host);
   await late.held("key s").waitFor();
   assert.ok(parseFloat(await late.held("key s").locator(".held-age").innerText()) >= 0.3);
-  await late.close();
   await other.close();
   await page.held("key s").waitFor({ state: "detached" });
 });
@@ -167,5 +166,4 @@ test("one button lets go of everything, whoever holds it, and the pages forget i
   await page.fires(is.KEY_UP, 2);
   assert.equal(await page.count(is.KEY_DOWN), 2);
   assert.ok(script.pushes.length > posted);
-  await other.close();
 });

@@ -1,9 +1,9 @@
 // A person's input on the render surface reaches the nodes, and the page shows what came of it.
 import assert from "node:assert/strict";
-import { test } from "node:test";
 import * as is from "./support/page.mjs";
 import { page, script, useScene } from "./support/scene.mjs";
 import { expectEventually, postedIn, timesFired, until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
 useScene();
 

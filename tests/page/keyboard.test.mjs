@@ -1,9 +1,9 @@
 // The on-screen keyboard types into text field nodes; key check nodes look at the keys that the page holds.
 import assert from "node:assert/strict";
-import { test } from "node:test";
 import * as is from "./support/page.mjs";
 import { page, script, useScene } from "./support/scene.mjs";
 import { createNode, must, timesFired, Type, until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
 useScene({
   panel: "keyboard",

@@ -4,27 +4,17 @@ import { execFileSync, spawn } from "node:child_process";
 import { once } from "node:events";
 import http from "node:http";
 import net from "node:net";
-import { existsSync, mkdirSync, mkdtempSync, readFileSync, rmSync, symlinkSync, writeFileSync } from "node:fs";
-import { tmpdir } from "node:os";
+import { existsSync, mkdirSync, readFileSync, rmSync, symlinkSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
-import { after, test } from "node:test";
+import { temporaryFolder } from "./support/folder.mjs";
 import { startHost } from "./support/host.mjs";
 import { ask } from "./support/http.mjs";
-import { createNode, createScene, must, openSession, postedIn, until } from "./support/session.mjs";
+import { createNode, createScene, must, openSession, postedIn, Type, until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
 const KEY_DOWN = { op: "event", device: 0, event: 2002, payload: { is: "key", text: "a" } };
 const KEY_UP = { ...KEY_DOWN, event: 2003 };
 const KEY_RELEASED = ["k", 153];
-
-const hosts = [];
-after(() => hosts.forEach((host) => host.kill()));
-
-/** A host that is ended with the file's tests, whatever becomes of them. */
-async function start(options) {
-  const host = await startHost({ options });
-  hosts.push(host);
-  return host;
-}
 
 /** Does something so often, some at a time: one by one, each waits for its turn on a busy machine. */
 async function repeat(times, act) {
@@ -39,8 +29,8 @@ const press = (script, times, payload = KEY_DOWN.payload) =>
   repeat(times, () => Promise.all([must(script, { ...KEY_DOWN, payload }), must(script, { ...KEY_UP, payload })]));
 
 for (const signal of ["SIGTERM", "SIGINT", "SIGHUP"]) {
-  test(`a terminal that isn't read stalls nobody, and ${signal} ends the host with its releases`, { timeout: 60000 }, async () => {
-    const host = await start();
+  test(`a terminal that isn't read stalls nobody, and ${signal} ends the host with its releases`, async () => {
+    const host = await startHost();
     const script = await createScene(host.address);
     const other = await openSession(host.address);
     host.stopReading();
@@ -64,8 +54,8 @@ test("a host that is told to end as soon as it has printed its address ends by i
   }
 });
 
-test("a terminal that is read again says how many lines were left out", { timeout: 60000 }, async () => {
-  const host = await start();
+test("a terminal that is read again says how many lines were left out", async () => {
+  const host = await startHost();
   const script = await createScene(host.address);
   host.stopReading();
   const presses = 1000; // more than pipe and queue hold
@@ -74,14 +64,13 @@ test("a terminal that is read again says how many lines were left out", { timeou
   host.readOn();
   const missing = () => [...host.output.stdout.matchAll(/^iohost: (\d+) lines are missing here/gm)].map(([, count]) => Number(count));
   await until("the number of lines", () => missing().length > 0);
-  await script.close();
   assert.equal(await host.end(), 0);
   const printed = host.output.stdout.match(/^(event|log) .*$/gm).length;
   // Each fired event has a line of its own and one of the log.
   assert.equal(printed + missing().reduce((sum, count) => sum + count), presses * 4);
 });
 
-test("a stand-in device whose lines aren't read takes connections and ends", { timeout: 60000 }, async () => {
+test("a stand-in device whose lines aren't read takes connections and ends", async () => {
   const device = spawn(process.env.IOHOST, ["--device", "0", "--refuse"], { stdio: ["ignore", "pipe", "inherit"] });
   const [line] = await once(device.stdout, "data");
   device.stdout.pause();
@@ -94,7 +83,7 @@ test("a stand-in device whose lines aren't read takes connections and ends", { t
 });
 
 test("a page that can't be read for want of file descriptors is answered by 503, and then again by itself", async () => {
-  const host = await start();
+  const host = await startHost();
   const agent = new http.Agent({ keepAlive: true, maxSockets: 1 });
   const status = async (path) => (await ask(host.address, `/${path}`, { agent })).status;
   const limit = (count) => execFileSync("prlimit", [`--nofile=${count}:`, "--pid", String(host.pid)]);
@@ -108,7 +97,7 @@ test("a page that can't be read for want of file descriptors is answered by 503,
 });
 
 test("a text goes out in one frame, however long it is", async () => {
-  const host = await start();
+  const host = await startHost();
   const [name, port] = host.address.split(":");
   const socket = net.connect(Number(port), name);
   socket.write(`GET /session HTTP/1.1\r\nHost: ${host.address}\r\nConnection: Upgrade\r\nUpgrade: websocket\r\n` +
@@ -132,13 +121,13 @@ test("a text goes out in one frame, however long it is", async () => {
   socket.destroy();
 });
 
-test("clients that don't read cost bounded memory together, and go first", { timeout: 120000 }, async () => {
-  const host = await start();
+test("clients that don't read cost bounded memory together, and go first", async () => {
+  const host = await startHost();
   const script = await createScene(host.address);
   const memory = () => Number(/VmRSS:\s+(\d+)/.exec(readFileSync(`/proc/${host.pid}/status`, "utf8"))[1]) / 1024;
   const before = memory();
   // A node whose texts make long replies to short requests: more than the system's buffers and a client's queue hold.
-  await createNode(script, "long", "0C", "Long");
+  await createNode(script, "long", Type.objectJson, "Long");
   for (const param of [1202, 1203, 1204]) {
     for (const own of [false, true]) {
       await must(script, { op: "set", node: "long", param, own, string: "x".repeat(60000) });
@@ -150,7 +139,7 @@ test("clients that don't read cost bounded memory together, and go first", { tim
   for (const { socket } of stalled) {
     socket.pause();
     socket.on("error", () => {});
-    for (let index = 0; index < 24; ++index) {
+    for (let index = 0; index < 48; ++index) {
       socket.send(JSON.stringify(request));
     }
     await must(script, request);
@@ -160,13 +149,12 @@ test("clients that don't read cost bounded memory together, and go first", { tim
     await must(script, request);
     most = Math.max(most, memory() - before);
   }
-  console.log(`# ${Math.round(most)} MiB more`);
-  assert.ok(most < 64, `${most} MiB`);
+  assert.ok(most < 128, `${most} MiB`); // of 260 that they ask for
   stalled.forEach(({ socket }) => socket.terminate());
 });
 
 test("a recording that can't be written any further is told", async () => {
-  const host = await start(["--record", "/dev/full"]);
+  const host = await startHost({ options: ["--record", "/dev/full"] });
   await until("the line", () => host.output.stdout.includes("nothing more is recorded"));
   host.kill("SIGTERM");
   assert.equal(await host.ended(), 1);
@@ -174,7 +162,7 @@ test("a recording that can't be written any further is told", async () => {
 });
 
 test("connections load and save scenes in their folder only", async () => {
-  const folder = mkdtempSync(join(tmpdir(), "iohost-scenes-"));
+  const folder = temporaryFolder();
   const scenes = join(folder, "scenes");
   mkdirSync(join(scenes, "sub"), { recursive: true });
   writeFileSync(join(folder, "outside.json"), "outside");
@@ -182,7 +170,7 @@ test("connections load and save scenes in their folder only", async () => {
   symlinkSync(join(folder, "outside.json"), join(scenes, "link.json"));
   symlinkSync(join(folder, "new.json"), join(scenes, "dangling.json"));
   symlinkSync("sub", join(scenes, "inner"));
-  const host = await start(["--scenes", scenes]);
+  const host = await startHost({ options: ["--scenes", scenes] });
   const script = await createScene(host.address);
   for (const file of ["a.json", "sub/b.json", "inner/c.json"]) {
     await must(script, { op: "save", file });

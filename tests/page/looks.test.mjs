@@ -1,14 +1,12 @@
 // How the page looks to whom: its languages, its colours, its motion.
 import assert from "node:assert/strict";
-import { test } from "node:test";
 import { startHost } from "./support/host.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
 import { createNode, createScene, must, Type, until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
 useScene();
-
-const TABS = ["log", "keyboard", "hands", "network", "json", "objects"];
 
 const tab = (view, name) => view.page.locator(`[data-tab=${name}]`).click();
 const language = (view) => view.page.evaluate(() => document.documentElement.lang);
@@ -46,7 +44,7 @@ test("in Chinese no text is left in English, on any tab", async () => {
     const rest = (await saidOn(page)).map((text) => known.reduce((left, word) => left.replaceAll(word, ""), text));
     return rest.filter((text) => /[A-Za-z]{2}/.test(text));
   };
-  for (const name of TABS) {
+  for (const name of is.TABS) {
     await tab(page, name);
     await page.page.locator(`#panel-${name} :visible`).first().waitFor();
     assert.deepEqual(await english(), [], name);
@@ -82,7 +80,7 @@ test("in Chinese no text is left in English, on any tab", async () => {
 test("names of types, pins and choices follow the switch, whichever the host's are", async () => {
   const chinese = await startHost({ options: ["--texts", "zh"] });
   const other = await createScene(chinese.address);
-  await createNode(other, "j", "0E", "JSON");
+  await createNode(other, "j", Type.deviceJson, "JSON");
   await createNode(other, "v", Type.vrHandle, "Hand");
   const view = await is.openPage(browser, chinese);
   const pins = (node) => view.page.locator(`article[data-node=${node}] .output-name`).allTextContents();
@@ -99,9 +97,6 @@ test("names of types, pins and choices follow the switch, whichever the host's a
     await view.page.keyboard.press("Escape");
     await view.page.locator("[data-palette]").waitFor({ state: "detached" });
   }
-  await view.close();
-  await other.close();
-  assert.equal(await chinese.end(), 0);
 });
 
 test("the browser's languages choose the page's, and a switch does, which the page remembers", async () => {

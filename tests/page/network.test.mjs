@@ -2,51 +2,20 @@
 import assert from "node:assert/strict";
 import { createSocket } from "node:dgram";
 import { once } from "node:events";
-import { mkdirSync, mkdtempSync, rmSync, writeFileSync } from "node:fs";
-import { createServer, connect } from "node:net";
-import { tmpdir } from "node:os";
+import { mkdirSync, writeFileSync } from "node:fs";
+import { connect } from "node:net";
 import { join } from "node:path";
-import { afterEach, test } from "node:test";
+import { startDevice } from "./support/device.mjs";
+import { temporaryFolder } from "./support/folder.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
-import { createNode, expectEventually, must, until } from "./support/session.mjs";
+import { createNode, expectEventually, must, Type, until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
-const NET_SEND = { type: "04", devId: 402, devName: 403, keyValue: 408, send: 410, toDev: 412 };
-const NET_RECEIVE = { type: "05", keyName: 503, keyValue: 552, event: 554 };
-const BROADCAST_RECEIVE = { type: "0D", flag: 1302, name: 1352, data: 1353 };
-const STRING_SEND = { type: "0F", devId: 1503, devName: 1504, text: 1505, send: 1507 };
-
-/** A device on a port of its own: what it was sent gathers in `received`. */
-class Device {
-  received = Buffer.alloc(0);
-  connections = 0;
-  #sockets = new Set();
-  #server = createServer((socket) => {
-    ++this.connections;
-    this.#sockets.add(socket);
-    socket.on("data", (data) => (this.received = Buffer.concat([this.received, data])));
-    socket.on("error", () => {});
-    socket.on("close", () => this.#sockets.delete(socket));
-  });
-
-  async listen(port = 0) {
-    this.#server.listen(port, "127.0.0.1");
-    await once(this.#server, "listening");
-    this.port = this.#server.address().port;
-    this.address = `127.0.0.1:${this.port}`;
-    return this;
-  }
-
-  write(bytes) {
-    this.#sockets.forEach((socket) => socket.write(bytes));
-  }
-
-  async close() {
-    this.#sockets.forEach((socket) => socket.destroy());
-    this.#server.close();
-    await once(this.#server, "close");
-  }
-}
+const NET_SEND = { devId: 402, devName: 403, keyValue: 408, send: 410, toDev: 412 };
+const NET_RECEIVE = { keyName: 503, keyValue: 552, event: 554 };
+const BROADCAST_RECEIVE = { flag: 1302, name: 1352, data: 1353 };
+const STRING_SEND = { devId: 1503, devName: 1504, text: 1505, send: 1507 };
 
 async function freeUdpPort() {
   const socket = createSocket("udp4").bind(0, "127.0.0.1");
@@ -72,34 +41,21 @@ function recordFrame(keyName, keyValue) {
   return Buffer.concat([header, clip, body]);
 }
 
-let folder;
 let broadcastPort;
-let devices;
 
 /** The folder names a broadcast port that is free. */
 async function useFolder() {
-  folder = mkdtempSync(join(tmpdir(), "iohost-network-"));
+  const folder = temporaryFolder();
   broadcastPort = await freeUdpPort();
   mkdirSync(join(folder, "Config"));
   writeFileSync(join(folder, "Config", "PortConfig.ini"), `[iFable]\nBroadcastPort=${broadcastPort}\n`);
-  devices = [];
   return { options: ["--app", folder, "--control", "127.0.0.1:0", "--scenes", folder] };
 }
 
 useScene({ panel: "network", start: useFolder });
-afterEach(async () => {
-  await Promise.all(devices.map((device) => device.close()));
-  rmSync(folder, { recursive: true });
-});
-
-async function startDevice(port) {
-  const device = await new Device().listen(port);
-  devices.push(device);
-  return device;
-}
 
 const ask = (request) => must(script, request);
-const create = (node, { type }) => createNode(script, node, type, node);
+const create = (node, type) => createNode(script, node, type, node);
 const setDevices = (...list) => ask({ op: "devices", list });
 const peer = (name) => page.page.locator(`[data-peer="${name}"]`);
 const field = (name, which) => peer(name).locator(`dd[data-field="${which}"], p [data-field="${which}"]`);
@@ -123,7 +79,7 @@ test("devices are shown with their state, their queue, their counters and the la
   assert.match(await field("device-4", "state").innerText(), /has no address/);
   await shows("device-3", "queue", "empty");
 
-  await create("send", NET_SEND);
+  await create("send", Type.netSend);
   await ask({ op: "set", node: "send", param: NET_SEND.devId, string: "3" });
   await ask({ op: "set", node: "send", param: NET_SEND.keyValue, string: "<12>" });
   await pressSend("send", NET_SEND.send);
@@ -142,11 +98,11 @@ test("devices are shown with their state, their queue, their counters and the la
 });
 
 test("a device that isn't there waits with the reason, and gets what is queued for it later", async () => {
-  const gone = await new Device().listen();
+  const gone = await startDevice();
   await gone.close();
   await setDevices({ id: 3, name: "Wall", parser: "direct", address: gone.address });
   await until("the reason", async () => /refused/.test(await field("device-3", "problem").innerText()));
-  await create("text", STRING_SEND);
+  await create("text", Type.stringSend);
   await ask({ op: "set", node: "text", param: STRING_SEND.devId, int: 3 });
   await ask({ op: "set", node: "text", param: STRING_SEND.text, string: "x".repeat(1023) });
   await pressSend("text", STRING_SEND.send);
@@ -160,8 +116,8 @@ test("a device that isn't there waits with the reason, and gets what is queued f
 test("the listen-only switch shows what would be sent instead of sending it, on every page, as its badge says", async () => {
   const wall = await startDevice();
   await setDevices({ id: 3, name: "Wall", parser: "direct", address: wall.address });
-  await until("the connection", () => wall.connections === 1);
-  await create("text", STRING_SEND);
+  await until("the connection", wall.isConnected);
+  await create("text", Type.stringSend);
   await ask({ op: "set", node: "text", param: STRING_SEND.devId, int: 3 });
   await ask({ op: "set", node: "text", param: STRING_SEND.text, string: "first" });
   const other = await is.openPage(browser, host);
@@ -184,7 +140,6 @@ test("the listen-only switch shows what would be sent instead of sending it, on 
   await until("the second text", () => wall.received.length > 0);
   assert.equal(String(wall.received), "second\0");
   await until("the label", async () => (await bytes.innerText()).startsWith("Last sent, 7 bytes"));
-  await other.close();
 });
 
 test("the device of a send node is chosen from the list, and its name follows", async () => {
@@ -193,7 +148,7 @@ test("the device of a send node is chosen from the list, and its name follows", 
     { id: 3, name: "Wall", parser: "framed", address: wall.address },
     { id: 7, name: "Desk", parser: "direct" },
   );
-  await create("send", NET_SEND);
+  await create("send", Type.netSend);
   await until("the choices", async () => (await input("send", NET_SEND.devId).locator("option").count()) === 3);
   assert.deepEqual(await input("send", NET_SEND.devId).locator("option").allTextContents(), ["none", "3 · Wall", "7 · Desk"]);
   await input("send", NET_SEND.devId).selectOption("3");
@@ -209,9 +164,9 @@ test("the device of a send node is chosen from the list, and its name follows", 
 });
 
 test("broadcasts on the configured port and records of other hosts reach the nodes while the frames go on", async () => {
-  await create("heard", BROADCAST_RECEIVE);
+  await create("heard", Type.broadcastReceive);
   await ask({ op: "set", node: "heard", param: BROADCAST_RECEIVE.flag, string: "1" });
-  await create("receive", NET_RECEIVE);
+  await create("receive", Type.netReceive);
   await ask({ op: "set", node: "receive", param: NET_RECEIVE.keyName, string: "key" });
   await page.page.locator("article[data-node=heard]").waitFor();
   await page.page.locator("article[data-node=receive]").waitFor();
@@ -244,26 +199,21 @@ test("errors and what was refused are counted, with the last one where it is tol
     await shows(name, "errors", "0");
   }
   // Most such errors are the system's: they are put into what the host tells.
-  const context = await browser.newContext();
-  const opened = await context.newPage();
-  await opened.routeWebSocket(/\/session\/gathered$/, (socket) => {
-    const toHost = socket.connectToServer();
-    toHost.onMessage((text) => {
-      const messages = JSON.parse(text);
+  await is.between(page.page, {
+    toPage(messages) {
       for (const message of messages.filter(({ control }) => control)) {
         Object.assign(message.control, { errors: 2, last_error: "Too many open files" });
         Object.assign(message.broadcast, { errors: 1, last_error: "Address already in use", problem: "the port is in use" });
         Object.assign(message.devices[0], { errors: 5, refused: 76 });
       }
-      socket.send(JSON.stringify(messages));
-    });
+      return messages;
+    },
   });
-  await opened.goto(`${host.page}#network`);
-  const trouble = (name, which) => opened.locator(`[data-peer="${name}"] .count-trouble dd[data-field=${which}]`).innerText();
+  await page.page.reload();
+  const trouble = (name, which) => peer(name).locator(`.count-trouble dd[data-field=${which}]`).innerText();
   assert.equal(await trouble("broadcast", "errors"), "1 (Address already in use)");
-  assert.match(await opened.locator("[data-peer=broadcast] [data-field=problem]").innerText(), /the port is in use/);
+  assert.match(await field("broadcast", "problem").innerText(), /the port is in use/);
   assert.equal(await trouble("control", "errors"), "2 (Too many open files)");
   assert.equal(await trouble("device-3", "errors"), "5");
   assert.equal(await trouble("device-3", "refused"), "76");
-  await context.close();
 });

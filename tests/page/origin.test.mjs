@@ -2,9 +2,10 @@
 import assert from "node:assert/strict";
 import { once } from "node:events";
 import http from "node:http";
-import { after, afterEach, before, test } from "node:test";
+import { openTab } from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
-import { createNode, must, postedIn } from "./support/session.mjs";
+import { createNode, must, postedIn, Type } from "./support/session.mjs";
+import { after, before, test } from "./support/test.mjs";
 
 const TEXT = '{"zoom":3}';
 const TAKEN = ["o", 1253];
@@ -24,17 +25,15 @@ after(() => server.close());
 
 useScene({
   async prepare() {
-    await createNode(script, "o", "0C", "Object text");
+    await createNode(script, "o", Type.objectJson, "Object text");
     await must(script, { op: "set", node: "o", param: 1202, string: "Demo" });
     await must(script, { op: "set", node: "o", param: 1203, string: "Map" });
   },
   async look() {
-    foreign = await browser.contexts()[0].newPage();
+    foreign = await openTab(browser);
     await foreign.goto(`http://127.0.0.1:${server.address().port}/`);
   },
 });
-
-afterEach(() => foreign.close());
 
 /** What becomes of a WebSocket that a page opens: "open", or "error" when it never was. */
 const openSocket = (from) =>

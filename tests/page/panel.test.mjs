@@ -1,10 +1,10 @@
 // What stands around the graph: the node cards, the log, the size of the panels, the state of the connection.
 import assert from "node:assert/strict";
-import { test } from "node:test";
 import { canvasOf } from "./support/canvas.mjs";
 import * as is from "./support/page.mjs";
-import { browser, endScene, host, page, script, startScene, useScene } from "./support/scene.mjs";
+import { browser, host, page, script, startScene, useScene } from "./support/scene.mjs";
 import { expectEventually, until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
 useScene();
 
@@ -14,30 +14,21 @@ const line = (number) => ({ level: 4, text: `[Demo.Mouse 1.Mouse] number ${numbe
 
 /** A page that is told of so many lines in the log, and then of those that the test adds. */
 async function openWithLog(browser, count) {
-  const opened = await browser.contexts()[0].newPage();
-  let tell;
-  await opened.routeWebSocket(/\/session\/gathered$/, (socket) => {
-    const toHost = socket.connectToServer();
-    let asked;
-    socket.onMessage((text) => {
-      const request = JSON.parse(text);
+  const opened = await is.openTab(browser);
+  const kept = Array.from({ length: count }, (_, index) => ({ n: index + 1, ms: 0, ...line(index + 1) }));
+  let asked;
+  const tell = await is.between(opened, {
+    toHost(request) {
       asked = request.op === "log" ? request.id : asked;
-      toHost.send(text);
-    });
-    toHost.onMessage((text) => {
-      const kept = Array.from({ length: count }, (_, index) => ({ n: index + 1, ms: 0, ...line(index + 1) }));
-      const messages = JSON.parse(text);
-      const told = messages.map((reply) => (reply.id === asked && reply.lines ? { ...reply, lines: kept } : reply));
-      socket.send(JSON.stringify(told));
-    });
-    tell = (log) => socket.send(JSON.stringify([{ push: "happened", frame: 0, log }]));
+      return request;
+    },
+    toPage: (messages) => messages.map((reply) => (reply.id === asked && reply.lines ? { ...reply, lines: kept } : reply)),
   });
   await opened.goto(`${host.page}#log`);
   return {
     page: opened,
-    log: (lines) => tell(lines),
+    log: (log) => tell([{ push: "happened", frame: 0, log }]),
     shows: (number) => opened.locator(`[data-log-shown="${number}"]`).waitFor(),
-    close: () => opened.close(),
   };
 }
 
@@ -58,7 +49,6 @@ test("switching a node off stops its events, and every page shows the switch", a
   await page.keyboard.press("a");
   await page.fires(is.KEY_DOWN, 1);
   await other.fires(is.KEY_DOWN, 1);
-  await other.close();
 });
 
 test("a paused log stands still and goes on with what came meanwhile; clearing empties it", async () => {
@@ -123,7 +113,6 @@ test("ten thousand lines are kept and searched, and those near what is seen are 
   await list.evaluate((log) => (log.scrollTop = 0));
   await view.page.getByRole("button", { name: "Pause" }).waitFor();
   await until("the newest line", () => isSeen(LOG_LIMIT + 3));
-  await view.close();
 });
 
 test("lines are marked by keys, which screen readers are told, and lead to their nodes, as by clicks", async () => {
@@ -156,20 +145,12 @@ test("lines are marked by keys, which screen readers are told, and lead to their
   await view.page.locator("[data-line]").last().click();
   await chosen.waitFor();
   await expectEventually("cards", () => view.page.locator("article[data-node]").count(), 1);
-  await view.close();
 });
 
 test("where the host refuses to listen only, that is said, and badge and switch stay as they were", async () => {
-  await page.page.routeWebSocket(/\/session\/gathered$/, (socket) => {
-    const toHost = socket.connectToServer();
-    socket.onMessage((text) => {
-      const { op, id } = JSON.parse(text);
-      if (op === "listen_only") {
-        socket.send(JSON.stringify([{ ok: false, id, error: "the session has ended" }]));
-      } else {
-        toHost.send(text);
-      }
-    });
+  const refuse = ({ id }) => void tell([{ ok: false, id, error: "the session has ended" }]);
+  const tell = await is.between(page.page, {
+    toHost: (request) => (request.op === "listen_only" ? refuse(request) : request),
   });
   await page.page.reload();
   const message = page.page.locator("[data-graph-message]", { hasText: "the session has ended" });
@@ -212,7 +193,7 @@ test("the render surface is enlarged and made smaller again", async () => {
 
 test("a page without its host says so, comes back by itself with it, and releases nothing that went down meanwhile", async () => {
   const port = Number(host.address.split(":")[1]);
-  await endScene();
+  assert.equal(await host.end(), 0);
   await page.page.locator("[data-connection=lost]").waitFor();
   assert.match(await page.page.getByRole("alert").innerText(), /Connection lost/);
   await page.page.locator("[data-tab=network]").click();

@@ -1,11 +1,9 @@
 // The page on a phone: the scene is watched and operated by touch, and nothing of it is changed.
 import assert from "node:assert/strict";
-import { afterEach, beforeEach, test } from "node:test";
 import * as is from "./support/page.mjs";
 import { browser, host, script, useScene } from "./support/scene.mjs";
 import { createNode, expectEventually, must, Type, until } from "./support/session.mjs";
-
-const TABS = ["log", "keyboard", "hands", "network", "json", "objects"];
+import { afterEach, beforeEach, test } from "./support/test.mjs";
 
 useScene({
   prepare: async () => {
@@ -36,7 +34,7 @@ const openTab = async (name) => {
 const count = (node, output) => phone.locator(`[data-node="${node}"][data-output="${output}"]`).getAttribute("data-count");
 
 test("nothing is wider than the window, on any tab", async () => {
-  for (const name of TABS) {
+  for (const name of is.TABS) {
     await openTab(name);
     assert.equal(await phone.evaluate(() => document.documentElement.scrollWidth), 390, name);
     assert.equal(await phone.locator(`#panel-${name}`).evaluate((panel) => panel.scrollWidth <= panel.clientWidth), true, name);
@@ -91,7 +89,7 @@ test("a device is opened, texts are tried, and what came of them is said and sho
 });
 
 test("a node's card counts what it did, says when, and warns where its texts reach nobody", async () => {
-  await createNode(script, "s", "0F", "Sender");
+  await createNode(script, "s", Type.stringSend, "Sender");
   await must(script, { op: "edit", node: "s", param: 1503, int: 3 });
   const card = phone.locator("article[data-node=s]");
   await expectEventually("the counters", () => card.locator("[data-counters]").textContent(), "fired 0");

@@ -1,25 +1,15 @@
 // A person's session in the page is recorded and answered the same again by the host without page.
 import assert from "node:assert/strict";
-import { mkdtemp, readFile, rm, writeFile } from "node:fs/promises";
-import { tmpdir } from "node:os";
+import { readFileSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
-import { after, before, test } from "node:test";
 import { startBrowser } from "./support/browser.mjs";
+import { temporaryFolder } from "./support/folder.mjs";
 import { runHost, startHost } from "./support/host.mjs";
 import * as is from "./support/page.mjs";
 import { createNode, createScene, must, postedIn, Type, until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
-let browser;
-let folder;
-
-before(async () => {
-  browser = await startBrowser();
-  folder = await mkdtemp(join(tmpdir(), "recording-"));
-});
-after(async () => {
-  await browser.close();
-  await rm(folder, { recursive: true });
-});
+const folder = temporaryFolder();
 
 /** Whether an output was fired in any of the pushes or replies. */
 const posts = (messages, [node, output]) => postedIn(messages).some((fired) => fired[0] === node && fired[1] === output);
@@ -33,7 +23,7 @@ async function record() {
   await createNode(script, "c", Type.keyCheck, "Key check 1");
   await must(script, { op: "set", node: "c", param: is.KEY_VALUE, int: 65 });
   await must(script, { op: "set", node: "c", param: 1103, int: 100 });
-  const page = await is.openPage(browser, host);
+  const page = await is.openPage(await startBrowser(), host);
   await page.focus();
   await page.fires(is.LEFT_UP, 1);
   await page.touch.down([[1, 50, 200]]);
@@ -46,7 +36,6 @@ async function record() {
   await until("three holds", async () => (await page.count(is.CHECK_HOLD)) >= 3);
   await page.close(); // the key is let go of
   await until("the release", () => posts(script.pushes, is.CHECK_UP));
-  await script.close();
   assert.equal(await host.end(), 0);
   return file;
 }
@@ -56,7 +45,7 @@ test("what was done in the page is answered the same by a replay, and a change i
   const replay = await runHost("--replay", file);
   assert.equal(replay.code, 0, replay.stdout + replay.stderr);
 
-  const lines = (await readFile(file, "utf8")).trimEnd().split("\n");
+  const lines = readFileSync(file, "utf8").trimEnd().split("\n");
   const recorded = lines.map((line) => JSON.parse(line));
   const replies = recorded.map(({ reply }) => reply);
   for (const fired of [is.SWIPE_RIGHT, is.CHECK_DOWN, is.CHECK_HOLD, is.CHECK_UP, is.KEY_DOWN, is.KEY_UP, is.LEFT_DOWN]) {
@@ -67,7 +56,7 @@ test("what was done in the page is answered the same by a replay, and a change i
   const press = recorded.findIndex(({ op, event, payload }) => op === "event" && event === 3005 && payload.pointer % 100 !== 0);
   assert.notEqual(press, -1);
   const changed = join(folder, "changed.jsonl");
-  await writeFile(changed, lines.filter((_, index) => index !== press).join("\n") + "\n");
+  writeFileSync(changed, lines.filter((_, index) => index !== press).join("\n") + "\n");
   const other = await runHost("--replay", changed);
   assert.equal(other.code, 3, other.stdout);
   assert.match(other.stdout, /^line \d+, event: /m);

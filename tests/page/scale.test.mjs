@@ -1,54 +1,41 @@
 // A large scene on a small screen: 200 nodes are found, panned over and edited, and little of them is drawn.
 import assert from "node:assert/strict";
-import { after, afterEach, before, test } from "node:test";
 import { startBrowser } from "./support/browser.mjs";
 import { canvasOf, drawn } from "./support/canvas.mjs";
 import { startHost } from "./support/host.mjs";
-import { expectEventually, must, openSession, until } from "./support/session.mjs";
+import { openTab } from "./support/page.mjs";
+import { expectEventually, must, nodeOf, openSession, Type, until } from "./support/session.mjs";
+import { before, beforeEach, test } from "./support/test.mjs";
 
-const TYPES = ["01", "02", "03", "0B", "0F"];
+const COUNT = 200;
+const TYPES = [Type.keyboard, Type.textField, Type.mouse, Type.keyCheck, Type.stringSend];
 
 /** Chains of a keyboard and a text field, and other nodes between them. */
-function sceneOf(count) {
-  const nodes = Array.from({ length: count }, (_, index) => ({
-    node: `n${index}`,
-    type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${TYPES[index % TYPES.length]}}`,
-    clip: "Show",
-    graph: `Node ${index}`,
-    place: { x: 340 * (index % 14), y: 600 * Math.floor(index / 14) },
-  }));
-  const links = nodes.flatMap(({ node }, index) =>
-    index % TYPES.length === 1 ? [{ from: `n${index - 1}`, output: 154, to: node, input: 202 }] : []);
-  return { format: "iohost scene", version: 1, nodes, links };
-}
+const nodes = Array.from({ length: COUNT }, (_, index) => {
+  const place = { x: 340 * (index % 14), y: 600 * Math.floor(index / 14) };
+  return nodeOf(`n${index}`, TYPES[index % TYPES.length], `Node ${index}`, { place });
+});
+const links = nodes.flatMap(({ node }, index) =>
+  index % TYPES.length === 1 ? [{ from: `n${index - 1}`, output: 154, to: node, input: 202 }] : []);
 
 let browser;
+let script;
+let page;
+let canvas;
+
 before(async () => (browser = await startBrowser()));
-after(() => browser.close());
-
-async function startScene(count) {
+beforeEach(async () => {
   const host = await startHost();
-  const script = await openSession(host.address);
-  await must(script, { op: "load", scene: sceneOf(count) });
-  ended.push(async () => (await script.close(), assert.equal(await host.end(), 0)));
-  return { host, script };
-}
-
-async function openAt(host, count) {
-  const page = await browser.contexts()[0].newPage();
+  script = await openSession(host.address);
+  await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes, links } });
+  page = await openTab(browser);
   await page.setViewportSize({ width: 1280, height: 720 });
   await page.goto(host.page);
-  await expectEventually("all nodes", () => page.locator("[data-face]").count(), count);
-  return page;
-}
+  await expectEventually("all nodes", () => page.locator("[data-face]").count(), COUNT);
+  canvas = canvasOf(page, script);
+});
 
-const ended = [];
-afterEach(() => Promise.all(ended.splice(0).map((end) => end())));
-
-test("among 200 nodes one is found by its name, and edited", { timeout: 60000 }, async () => {
-  const { host, script } = await startScene(200);
-  const page = await openAt(host, 200);
-  const canvas = canvasOf(page, script);
+test("among 200 nodes one is found by its name, and edited", async () => {
   await canvas.choosePalette("Node 187");
   await page.getByRole("heading", { name: "Node 187" }).waitFor();
   await until("the node in sight", () => page.evaluate(() => {
@@ -61,12 +48,9 @@ test("among 200 nodes one is found by its name, and edited", { timeout: 60000 },
   await canvas.choose("n187");
   await page.keyboard.press("Delete");
   await until("199 nodes", async () => (await canvas.names()).length === 199);
-  await page.close();
 });
 
-test("nodes out of sight have their names and wires alone", { timeout: 60000 }, async () => {
-  const { host, script } = await startScene(200);
-  const page = await openAt(host, 200);
+test("nodes out of sight have their names and wires alone", async () => {
   const [names, cards] = [page.locator("article[data-node] h3"), page.locator("article[data-node] header")];
   const [faces, pins] = [page.locator("[data-face] [data-counters]"), page.locator("[data-face] .pin")];
   await cards.first().waitFor();
@@ -80,16 +64,15 @@ test("nodes out of sight have their names and wires alone", { timeout: 60000 }, 
   await page.locator("article[data-node=n150] header").waitFor();
   await until("the card on top", () => page.locator("article[data-node=n150]").evaluate((card) =>
     Math.abs(card.getBoundingClientRect().top - card.parentElement.getBoundingClientRect().top) < 20));
-  await canvasOf(page, script).choosePalette("Node 187");
+  await canvas.choosePalette("Node 187");
   await page.locator("[data-face=n187] .pin-event").first().waitFor();
   await expectEventually("faces close by", async () => (await faces.count()) < 30, true);
   const scripts = await page.evaluate(() => performance.getEntriesByType("resource").map(({ name }) => name));
   assert.deepEqual(scripts.filter((name) => /Keyboard|Hands/.test(name)), [], "panels that nobody opened");
-  await page.close();
 });
 
 /** How often a face is drawn meanwhile: the innermost function of each script that makes one is run. */
-async function facesDrawn(page, act) {
+async function facesDrawn(act) {
   await page.coverage.startJSCoverage();
   await act();
   const length = ({ startOffset, endOffset }) => endOffset - startOffset;
@@ -102,12 +85,10 @@ async function facesDrawn(page, act) {
   return found.reduce((sum, { count }) => sum + count, 0);
 }
 
-test("an edit draws no more faces anew than those of its nodes", { timeout: 120000 }, async () => {
-  const { host, script } = await startScene(200);
-  const page = await openAt(host, 200);
+test("an edit draws no more faces anew than those of its nodes", async () => {
   await page.locator(".react-flow__edge").first().waitFor();
   const edit = async (request, shown) => {
-    const drawn = await facesDrawn(page, async () => {
+    const drawn = await facesDrawn(async () => {
       await must(script, request);
       await shown();
     });
@@ -119,15 +100,11 @@ test("an edit draws no more faces anew than those of its nodes", { timeout: 1200
   await edit({ op: "place", nodes: { n5: { x: 1, y: 2000, folded: true } } }, () => page.locator("[data-face=n5][data-folded=true]").waitFor());
   await edit({ op: "link", from: "n0", output: 152, to: "n6", input: 203 }, wires(41));
   await edit({ op: "destroy", node: "n6" }, () => page.locator("[data-face=n6]").waitFor({ state: "detached" }));
-  await page.close();
 });
 
-test("panning draws no faces anew but those that come into sight or leave it", { timeout: 60000 }, async () => {
-  const { host, script } = await startScene(200);
-  const page = await openAt(host, 200);
-  const canvas = canvasOf(page, script);
+test("panning draws no faces anew but those that come into sight or leave it", async () => {
   const whole = () => page.locator("[data-face]:has([data-counters])").evaluateAll((faces) => faces.map(({ dataset }) => dataset.face));
-  const pan = () => facesDrawn(page, async () => {
+  const pan = () => facesDrawn(async () => {
     const { x, y, width, height } = await canvas.pane().boundingBox();
     await canvas.drag({ x: x + 4, y: y + 4 }, { x: x + width / 2, y: y + height / 2 });
     await page.evaluate(drawn);
@@ -140,5 +117,4 @@ test("panning draws no faces anew but those that come into sight or leave it", {
   const after = await whole();
   const changed = [...before, ...after].filter((face) => !before.includes(face) || !after.includes(face)).length;
   assert.ok(changed > 0 && count <= 2 * changed, `${count} faces drawn, ${changed} changed`);
-  await page.close();
 });

@@ -1,17 +1,18 @@
 // The page's server by itself: whom it answers, what it offers, and how it bears up.
 import assert from "node:assert/strict";
-import { mkdirSync, mkdtempSync, rmSync, writeFileSync } from "node:fs";
+import { mkdirSync, writeFileSync } from "node:fs";
 import net from "node:net";
-import { tmpdir } from "node:os";
 import { join } from "node:path";
-import { after, before, test } from "node:test";
 import { once } from "node:events";
+import { startDevice } from "./support/device.mjs";
+import { temporaryFolder } from "./support/folder.mjs";
 import { runHost, startHost } from "./support/host.mjs";
 import { ask, upgrade } from "./support/http.mjs";
 import WebSocket from "ws";
 import {
   createNode, createScene, expectEventually, logIn, must, openSession, postedIn, timesFired, Type, until,
 } from "./support/session.mjs";
+import { before, test } from "./support/test.mjs";
 
 let host;
 let script;
@@ -21,11 +22,6 @@ before(async () => {
   host = await startHost();
   script = await createScene(host.address);
   port = Number(host.address.split(":")[1]);
-});
-after(async () => {
-  await script.close();
-  assert.equal(await host.end(), 0);
-  assert.equal(host.output.stderr, "");
 });
 
 const get = (path, options) => ask(host.address, path, options);
@@ -159,7 +155,6 @@ test("a client is greeted, then told all outputs", async () => {
   const { nodes } = client.pushes.find(({ push }) => push === "outputs");
   assert.deepEqual(Object.keys(nodes.m), ["366", "367", "368", "370", "371", "372", "373"]);
   assert.deepEqual(nodes.k["154"], { int: 0, float: 0, string: "" });
-  await client.close();
 });
 
 test("a client is told once a second which frame it is, and nothing else when nothing happens", async () => {
@@ -168,7 +163,6 @@ test("a client is told once a second which frame it is, and nothing else when no
   await until("two frames", () => frames().length >= 2);
   assert.ok(frames()[1] > frames()[0], frames());
   assert.equal(client.pushes.filter(({ push }) => push === "history").length, 1);
-  await client.close();
 });
 
 test("replies come in the order of the requests; what a client caused stands in its reply, others get it pushed", async () => {
@@ -183,8 +177,6 @@ test("replies come in the order of the requests; what a client caused stands in 
   await until("the pushes", () => postedIn(other.pushes).length >= 200);
   assert.deepEqual(postedIn(other.pushes), expected);
   assert.deepEqual(postedIn(client.pushes), []);
-  await client.close();
-  await other.close();
 });
 
 test("requests that can't be carried out get an error and the connection goes on", async () => {
@@ -196,7 +188,6 @@ test("requests that can't be carried out get an error and the connection goes on
     assert.ok(reply.error.length > 0);
   }
   assert.equal((await client.request({ op: "scene" })).ok, true);
-  await client.close();
 });
 
 test("a text longer than a mebibyte ends the connection, and only that one", async () => {
@@ -212,7 +203,6 @@ test("each scene has a number of its own: another one of the same nodes has, and
   const client = await createScene(own.address);
   const numberFor = async (address) => {
     const viewer = await openSession(address);
-    await viewer.close();
     return viewer.pushes[0].scene;
   };
   const first = await numberFor(own.address);
@@ -224,11 +214,9 @@ test("each scene has a number of its own: another one of the same nodes has, and
   const second = await numberFor(own.address);
   assert.deepEqual(told().map(({ scene }) => scene), [second]);
   assert.equal(new Set([first, second, await numberFor(host.address)]).size, 3);
-  await client.close();
-  assert.equal(await own.end(), 0);
 });
 
-test("a client that takes nothing stops neither frames nor the others, and is dropped with what it holds", { timeout: 120000 }, async () => {
+test("a client that takes nothing stops neither frames nor the others, and is dropped with what it holds", async () => {
   const stalled = await openSession(host.address);
   await stalled.request({ op: "event", device: 0, event: 2002, payload: { is: "key", text: "stuck" } });
   script.pushes.length = 0;
@@ -268,21 +256,19 @@ test("a taken port is told together with the option that changes it", async () =
 });
 
 test("a broadcast port that is none is told in the log", async () => {
-  const folder = mkdtempSync(join(tmpdir(), "iohost-page-"));
+  const folder = temporaryFolder();
   mkdirSync(join(folder, "Config"));
   writeFileSync(join(folder, "Config", "PortConfig.ini"), "[iFable]\nBroadcastPort=-1\n");
   const own = await startHost({ options: ["--app", folder] });
   const line = /\nlog .*PortConfig\.ini: BroadcastPort -1 is no port: .* to port 65535\n/;
   await until("the line in the log", () => line.test(own.output.stdout));
-  assert.equal(await own.end(), 0);
-  rmSync(folder, { recursive: true });
 });
 
 test("an address that is none, and a folder without a page, are told together with their options", async () => {
   const address = await runHost("--listen", "nowhere.example:0");
   assert.notEqual(address.code, 0);
   assert.match(address.stderr, /--listen/);
-  const folder = mkdtempSync(join(tmpdir(), "iohost-page-"));
+  const folder = temporaryFolder();
   for (const web of [folder, join(folder, "missing")]) {
     const { code, stderr } = await runHost("--listen", "127.0.0.1:0", "--web", web);
     assert.equal(code, 1);
@@ -294,8 +280,6 @@ test("an address that is none, and a folder without a page, are told together wi
   const own = await startHost({ options: ["--web", folder] });
   assert.equal((await ask(own.address, "/")).body, "a page");
   assert.equal((await ask(own.address, "/notes.txt")).status, 404);
-  assert.equal(await own.end(), 0);
-  rmSync(folder, { recursive: true });
 });
 
 test("a connection too many is told so, and the host goes on", async () => {
@@ -324,9 +308,6 @@ test("a connection too many is told so, and the host goes on", async () => {
 
   sockets.forEach((socket) => socket.destroy());
   await until("room again", async () => (await refusal())[0] === 200);
-  await client.close();
-  assert.equal(await own.end(), 0);
-  assert.equal(own.output.stderr, "");
 });
 
 test("what came too late is pushed", async () => {
@@ -338,23 +319,19 @@ test("what came too late is pushed", async () => {
   await until("what was dropped", () => dropped().length > 0);
   assert.deepEqual(dropped(), [{ push: "dropped", node: null, device: 3, items: 1 }]);
   await must(script, { op: "remove_device", device: 3 });
-  await page.close();
 });
 
 test("lines that the log's reply has aren't told behind it", async () => {
   // What comes from a device is told with the next frame, for which nobody waits here.
   const own = await startHost({ options: ["--fps", "0.01"] });
   const client = await openSession(own.address);
-  await createNode(client, "j", "0E", "Device text");
+  await createNode(client, "j", Type.deviceJson, "Device text");
   await must(client, { op: "set", node: "j", param: 1402, int: 1 });
   await must(client, { op: "process" });
-  const desk = net.createServer().listen(0, "127.0.0.1");
-  await once(desk, "listening");
-  const connected = once(desk, "connection");
-  const address = `127.0.0.1:${desk.address().port}`;
-  await must(client, { op: "device", device: 1, name: "Desk", parser: "json", address });
-  const [device] = await connected;
-  device.write("no JSON\n");
+  const desk = await startDevice();
+  await must(client, { op: "device", device: 1, name: "Desk", parser: "json", address: desk.address });
+  await until("the connection", desk.isConnected);
+  desk.write("no JSON\n");
   const ofNode = (lines) => lines.filter((line) => line.includes("Device text"));
   let lines = [];
   await until("the node's line", async () => {
@@ -362,11 +339,6 @@ test("lines that the log's reply has aren't told behind it", async () => {
     return lines.length > 0;
   });
   assert.deepEqual(ofNode(logIn(client.pushes)), lines, "it was told before");
-
-  device.destroy();
-  desk.close();
-  await client.close();
-  assert.equal(await own.end(), 0);
 });
 
 test("a viewer that is told together is told the same in the same order", async () => {
@@ -390,7 +362,6 @@ test("a viewer that is told together is told the same in the same order", async 
   assert.equal(postedIn(untilReply).length, 20, "what was pushed before a reply comes before it");
   assert.deepEqual(postedIn(told), postedIn(each.pushes));
   socket.close();
-  await each.close();
 });
 
 test("keys that go down and up faster than frames are missed by no key check node", async () => {

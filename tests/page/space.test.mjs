@@ -1,12 +1,12 @@
 // The hands in space: where they are, and the objects that follow them.
 import assert from "node:assert/strict";
-import { test } from "node:test";
 import { isDeepStrictEqual } from "node:util";
 import { drawn } from "./support/canvas.mjs";
 import { hand, openHandsAgain, openLog, useHands } from "./support/hands.mjs";
 import * as is from "./support/page.mjs";
 import { page, script } from "./support/scene.mjs";
 import { must, until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
 useHands({ space: true });
 

@@ -1,9 +1,9 @@
 // Fingers, pens and the mouse draw strokes; the touch gesture node decides what they are, and the page says why.
 import assert from "node:assert/strict";
-import { test } from "node:test";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
 import { createNode, timesFired, Type, until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
 useScene({
   prepare: () => createNode(script, "g", Type.gesture, "Touch gesture 1"),

@@ -1,10 +1,11 @@
 // A server that others can reach asks each of them for the token of the address that it printed.
 import assert from "node:assert/strict";
-import { after, before, test } from "node:test";
 import { startBrowser } from "./support/browser.mjs";
 import { startHost } from "./support/host.mjs";
 import { ask, upgrade } from "./support/http.mjs";
+import { openTab } from "./support/page.mjs";
 import { createScene, openSession } from "./support/session.mjs";
+import { before, test } from "./support/test.mjs";
 
 let host;
 let address;
@@ -15,7 +16,6 @@ before(async () => {
   address = host.address.replace("0.0.0.0", "127.0.0.1");
   token = new URL(host.page).searchParams.get("token");
 });
-after(async () => assert.equal(await host.end(), 0));
 
 async function get(path, options) {
   const { status, headers } = await ask(address, path, options);
@@ -59,9 +59,9 @@ test("the token is taken from the query, the cookie that it sets, or the header"
 });
 
 test("the page opens by the printed address and stays open to a reload without the query", async () => {
-  const script = await createScene(address, { headers: { authorization: `Bearer ${token}` } });
+  await createScene(address, { headers: { authorization: `Bearer ${token}` } });
   const browser = await startBrowser();
-  const page = await browser.contexts()[0].newPage();
+  const page = await openTab(browser);
   for (const url of [host.page.replace("0.0.0.0", "127.0.0.1"), `http://${address}/`]) {
     await page.goto(url);
     await page.locator("article[data-node=k]").waitFor();
@@ -69,12 +69,10 @@ test("the page opens by the printed address and stays open to a reload without t
   const stranger = await (await browser.newContext()).newPage();
   assert.equal((await stranger.goto(`http://${address}/`)).status(), 401);
   await browser.close();
-  await script.close();
 });
 
 test("a server that only this machine reaches needs none", async () => {
   const own = await startHost();
   assert.match(own.page, /^http:\/\/127\.0\.0\.1:\d+\/$/);
-  await (await openSession(own.address)).close();
-  assert.equal(await own.end(), 0);
+  await openSession(own.address);
 });

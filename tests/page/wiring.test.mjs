@@ -1,10 +1,10 @@
 // Nodes are wired on the canvas, by the mouse and by keys; wires show what runs through them.
 import assert from "node:assert/strict";
-import { test } from "node:test";
 import { APPEND_INPUT, canvas, CLEAR_INPUT, placeOf, stepIs, TEXT_INPUT, useCanvas } from "./support/editing.mjs";
 import * as is from "./support/page.mjs";
 import { page, script } from "./support/scene.mjs";
-import { createNode, expectEventually, must, Type, until } from "./support/session.mjs";
+import { createNode, expectEventually, must, nodeOf, Type, until } from "./support/session.mjs";
+import { test } from "./support/test.mjs";
 
 useCanvas();
 
@@ -138,8 +138,7 @@ test("a node that a link switches off looks so, and no longer when that switches
 test("nodes are wired, chosen, renamed and removed whatever their handles are", async () => {
   const keyboard = 'a"b';
   const fields = ["x y", "note:n1", "back\\slash", "constructor", "__proto__"];
-  const node = (handle, type, x, y) =>
-    ({ node: handle, type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${type}}`, clip: "Demo", graph: `The ${handle}`, place: { x, y } });
+  const node = (handle, type, x, y) => nodeOf(handle, type, `The ${handle}`, { place: { x, y } });
   const nodes = [node(keyboard, Type.keyboard, 0, 0), ...fields.map((handle, index) => node(handle, Type.textField, 400, 220 * index))];
   const notes = { n1: { x: 0, y: 300, width: 200, height: 100, text: "here" } };
   await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes, links: [], notes } });

@@ -1,5 +1,6 @@
 // A real browser without a window.
 import { chromium } from "playwright-core";
+import { opened } from "./opened.mjs";
 
 // Drawing in space by the processor alone takes a lot of it, also for the rest of the page.
 const DRAWING_IN_SPACE = ["--use-angle=swiftshader", "--enable-unsafe-swiftshader"];
@@ -18,6 +19,7 @@ export async function startBrowser({ space = false } = {}) {
       "--disable-sync",
     ],
   });
+  opened.push(() => browser.close());
   await browser.newContext({ viewport: space ? { width: 1024, height: 560 } : { width: 1280, height: 800 } });
   return browser;
 }

@@ -1,9 +1,9 @@
 // A scene on the canvas, for tests that change it there.
-import { beforeEach } from "node:test";
 import { canvasOf } from "./canvas.mjs";
 import * as is from "./page.mjs";
 import { page, script, useScene } from "./scene.mjs";
 import { createNode, expectEventually, must, Type } from "./session.mjs";
+import { beforeEach } from "./test.mjs";
 
 export const TEXT_INPUT = 202;
 export const APPEND_INPUT = 203;

@@ -1,16 +1,19 @@
 // Starts the real host for a test and ends it afterwards.
+import assert from "node:assert/strict";
 import { spawn } from "node:child_process";
 import { once } from "node:events";
+import { opened } from "./opened.mjs";
+
+/** No test asks how fast the machine is. */
+export const LONGEST_WAIT_MS = 60_000;
 
 const PROGRAM = process.env.IOHOST;
-const START_TIME_MS = 20000;
-const END_TIME_MS = 10000;
 
 /** Runs iohost to its end: what it printed, and its exit code (null if it had to be stopped). */
 export async function runHost(...options) {
   const child = start(options);
   const output = collect(child);
-  const timer = setTimeout(() => child.kill("SIGKILL"), START_TIME_MS);
+  const timer = setTimeout(() => child.kill("SIGKILL"), LONGEST_WAIT_MS);
   const [code] = await once(child, "close");
   clearTimeout(timer);
   return { code, stdout: output.stdout, stderr: output.stderr };
@@ -18,14 +21,16 @@ export async function runHost(...options) {
 
 /**
  * Starts iohost, on a free port of loopback unless others are given. Answers when it has printed its address:
- * `address` ("127.0.0.1:PORT"), `page` (its URL), `output` (what it printed so far) and `end()`.
+ * `address` ("127.0.0.1:PORT"), `page` (its URL), `output` (what it printed so far) and `end()`. A host that the test doesn't
+ * end is ended with it, and must end well.
  */
 export async function startHost({ at = "127.0.0.1", port = 0, options = [] } = {}) {
   const child = start(["--listen", `${at}:${port}`, ...options]);
   const output = collect(child);
   const ended = once(child, "close");
+  let isEnded = false;
   const [page, address] = await new Promise((resolve, reject) => {
-    const timer = setTimeout(() => reject(new Error("iohost printed no address")), START_TIME_MS);
+    const timer = setTimeout(() => child.kill("SIGKILL"), LONGEST_WAIT_MS);
     child.stdout.on("data", () => {
       const match = /page at (http:\/\/(\S+)\/\S*)\n/.exec(output.stdout);
       if (match) {
@@ -35,10 +40,10 @@ export async function startHost({ at = "127.0.0.1", port = 0, options = [] } = {
     });
     child.once("close", (code) => {
       clearTimeout(timer);
-      reject(new Error(`iohost ended with ${code}: ${output.stderr}`));
+      reject(new Error(`iohost ended with ${code} before it printed its address: ${output.stderr}`));
     });
   });
-  return {
+  const host = {
     address,
     pid: child.pid,
     page,
@@ -54,12 +59,15 @@ export async function startHost({ at = "127.0.0.1", port = 0, options = [] } = {
     },
     /** Waits until it has ended by itself. */
     async ended() {
-      const timer = setTimeout(() => child.kill("SIGKILL"), END_TIME_MS);
+      isEnded = true;
+      const timer = setTimeout(() => child.kill("SIGKILL"), LONGEST_WAIT_MS);
       const [code] = await ended;
       clearTimeout(timer);
       return code;
     },
   };
+  opened.push(async () => isEnded || assert.deepEqual([await host.end(), output.stderr], [0, ""]));
+  return host;
 }
 
 function start(options) {

@@ -1,5 +1,9 @@
 // What the tests read off the page and do to it.
+import assert from "node:assert/strict";
+import { opened } from "./opened.mjs";
 import { expectEventually, until } from "./session.mjs";
+
+export const TABS = ["log", "keyboard", "hands", "network", "json", "objects"];
 
 export const KEY_DOWN = ["k", 152];
 export const KEY_UP = ["k", 153];
@@ -7,7 +11,6 @@ export const KEY_TEXT = ["k", 154];
 export const ENTER = ["m", 352];
 export const LEAVE = ["m", 353];
 export const HOVER = ["m", 354];
-export const WHEEL_UP = ["m", 355];
 export const WHEEL_DOWN = ["m", 356];
 export const LEFT_DOWN = ["m", 358];
 export const RIGHT_DOWN = ["m", 359];
@@ -26,8 +29,6 @@ export const TAP = ["g", 758];
 export const START_MOVE = ["g", 752];
 export const END_MOVE = ["g", 753];
 export const SWIPE_RIGHT = ["g", 755];
-export const SWIPE_UP = ["g", 756];
-export const SWIPE_DOWN = ["g", 757];
 export const TEXT = ["t", 253];
 export const HAS_TEXT = ["t", 252];
 export const CHECK_DOWN = ["c", 1152];
@@ -44,20 +45,31 @@ export const PAD_UP = ["v", 866];
 export const PAD_RIGHT_CLICK = ["v", 869];
 export const ENABLE = 2;
 
+/** A tab of the browser's one window, closed with its test, until when no script of it may fail. */
+export async function openTab(browser) {
+  const page = await browser.contexts()[0].newPage();
+  const failures = [];
+  page.on("pageerror", ({ message }) => failures.push(message));
+  opened.push(async () => {
+    await page.close();
+    assert.deepEqual(failures, []);
+  });
+  return page;
+}
+
 /**
- * Opens the page, with a panel in front, and waits until it shows the scene. Frames that it sends gather in `sent`.
- * Scripts run before those of the page. All pages are tabs of one window: each host's address is an origin of its own.
+ * Opens the page, with a panel in front, and waits until it shows the scene. Frames that it sends gather in `sent`, and what
+ * the browser complains of in `problems`: there must be none at the test's end. Scripts run before those of the page.
  */
 export async function openPage(browser, host, { panel = "log", scripts = [] } = {}) {
-  const [context] = browser.contexts();
-  const page = await context.newPage();
+  const page = await openTab(browser);
   for (const script of scripts) {
     await page.addInitScript(script);
   }
   const sent = [];
   const problems = [];
   let connection;
-  page.on("pageerror", (error) => problems.push(error.message));
+  opened.push(async () => assert.deepEqual(problems, []));
   page.on("console", (message) => message.type() === "error" && problems.push(message.text()));
   page.on("websocket", (socket) => {
     socket.on("framesent", ({ payload }) => sent.push(JSON.parse(payload)));
@@ -95,7 +107,7 @@ export async function openPage(browser, host, { panel = "log", scripts = [] } = 
      * Fingers on the surface, as [number, x, y]: `down` and `move` take all that are there, `up` those that lift (none: all of
      * them), `cancel` none.
      */
-    touch: await touchScreen(context, page, box),
+    touch: await touchScreen(page, box),
     /** The number by which the nodes know a pointer of this page: the mouse is 0 here, fingers and pens count from 1. */
     pointer: (number) => 100 * (connection - 1) + number,
     held: (what) => page.locator(`[data-held="${what}"]`),
@@ -103,14 +115,35 @@ export async function openPage(browser, host, { panel = "log", scripts = [] } = 
     focus: () => page.mouse.click(box.left + 5, box.top + 5),
     count: async (which) => Number(await output(which).getAttribute("data-count")),
     value: (which) => output(which).getAttribute("data-value"),
-    fires: (which, count, timeMs) =>
+    fires: (which, count) =>
       expectEventually(`${which} fired ${count} times`, async () =>
-        Number(await output(which).getAttribute("data-count")), count, timeMs),
+        Number(await output(which).getAttribute("data-count")), count),
     shows: (which, value) =>
       expectEventually(`${which} shows ${value}`, () => output(which).getAttribute("data-value"), value),
-    logs: (text) => page.locator("[data-log] .line-text", { hasText: text }).first().waitFor({ timeout: 15000 }),
+    logs: (text) => page.locator("[data-log] .line-text", { hasText: text }).first().waitFor(),
     close: () => page.close(),
   };
+}
+
+/**
+ * Stands between a page and its host: what either says passes through a function, which may hold it back by answering
+ * undefined. The page must be opened or reloaded then. Answers with what tells the page more.
+ */
+export async function between(page, { toHost = (request) => request, toPage = (messages) => messages }) {
+  let socket;
+  const passOn = (side, change) => (text) => {
+    const changed = change(JSON.parse(text));
+    if (changed !== undefined) {
+      side.send(JSON.stringify(changed));
+    }
+  };
+  await page.routeWebSocket(/\/session\/gathered$/, (route) => {
+    socket = route;
+    const host = socket.connectToServer();
+    socket.onMessage(passOn(host, toHost));
+    host.onMessage(passOn(socket, toPage));
+  });
+  return (messages) => socket.send(JSON.stringify(messages));
 }
 
 /** Clicks a switch that isn't so yet, and waits until it shows it: switches follow the host's answer. */
@@ -120,8 +153,8 @@ export async function turn(locator, on) {
   await until(`a switch that is ${on ? "on" : "off"}`, async () => (await locator.isChecked()) === on);
 }
 
-async function touchScreen(context, page, box) {
-  const wire = await context.newCDPSession(page);
+async function touchScreen(page, box) {
+  const wire = await page.context().newCDPSession(page);
   const send = (type) => (fingers) =>
     wire.send("Input.dispatchTouchEvent", {
       type,

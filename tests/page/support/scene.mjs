@@ -1,10 +1,9 @@
 // What most tests of the page begin and end with: a host with a keyboard and a mouse node, a script, and the page.
-import assert from "node:assert/strict";
-import { after, afterEach, before, beforeEach } from "node:test";
 import { startBrowser } from "./browser.mjs";
 import { startHost } from "./host.mjs";
 import { openPage } from "./page.mjs";
 import { createScene } from "./session.mjs";
+import { before, beforeEach } from "./test.mjs";
 
 /** Those of the test that runs. */
 export let browser;
@@ -21,27 +20,15 @@ export function useScene({ space, panel, scripts, start = () => {}, prepare = ()
   before(async () => {
     browser = await startBrowser({ space });
   });
-  after(() => browser.close());
   beforeEach(async () => {
     await startScene(await start());
     await prepare();
     page = await openPage(browser, host, { panel, scripts });
     await look();
   });
-  afterEach(async () => {
-    assert.deepEqual(page.problems, []);
-    await page.close();
-    await endScene();
-  });
 }
 
 export async function startScene(options) {
   host = await startHost(options);
   script = await createScene(host.address);
-}
-
-export async function endScene() {
-  await script.close();
-  assert.equal(await host.end(), 0);
-  assert.equal(host.output.stderr, "");
 }

@@ -1,9 +1,18 @@
 // A script on the host's WebSocket: a second client beside the page.
 import { once } from "node:events";
 import WebSocket from "ws";
+import { LONGEST_WAIT_MS } from "./host.mjs";
+import { opened } from "./opened.mjs";
 
 /** The node types by the last byte of their GUIDs. */
-export const Type = { keyboard: "01", textField: "02", mouse: "03", gesture: "07", vrHandle: "08", keyCheck: "0B" };
+export const Type = {
+  keyboard: "01", textField: "02", mouse: "03", netSend: "04", netReceive: "05", gesture: "07", vrHandle: "08", keyCheck: "0B",
+  objectJson: "0C", broadcastReceive: "0D", deviceJson: "0E", stringSend: "0F",
+};
+
+/** A node as requests and scenes describe it. */
+export const nodeOf = (node, type, graph, more) =>
+  ({ node, type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${type}}`, clip: "Demo", graph, ...more });
 
 /** Opens the session. Replies are handed to who asked; pushes gather in `pushes`. */
 export async function openSession(address, options = {}) {
@@ -18,7 +27,15 @@ export async function openSession(address, options = {}) {
       waiting.shift()?.(message);
     }
   });
+  const close = async () => {
+    if (socket.readyState !== WebSocket.CLOSED) {
+      const closed = once(socket, "close");
+      socket.close();
+      await closed;
+    }
+  };
   await once(socket, "open");
+  opened.push(close);
   // The host has it among its clients, and pushes to it, from its greeting on, of which this is the last.
   await until("the greeting", () => pushes.some(({ push }) => push === "history"));
   return {
@@ -28,11 +45,7 @@ export async function openSession(address, options = {}) {
       socket.send(typeof request === "string" ? request : JSON.stringify(request));
       return new Promise((resolve) => waiting.push(resolve));
     },
-    async close() {
-      const closed = once(socket, "close");
-      socket.close();
-      await closed;
-    },
+    close,
   };
 }
 
@@ -55,8 +68,7 @@ export async function must(session, request) {
 }
 
 export async function createNode(session, node, type, graph) {
-  const request = { op: "create", node, type: `{8164BB40-6B6A-4707-88B7-386BCB0D1B${type}}`, clip: "Demo", graph };
-  const { created } = await must(session, request);
+  const { created } = await must(session, { op: "create", ...nodeOf(node, type, graph) });
   if (!created) {
     throw new Error(`The node ${node} wasn't made.`);
   }
@@ -77,8 +89,8 @@ export async function createScene(address, options) {
 }
 
 /** Waits until something holds; fails after a while with what it looked for. */
-export async function until(what, holds, timeMs = 15000) {
-  const end = Date.now() + timeMs;
+export async function until(what, holds) {
+  const end = Date.now() + LONGEST_WAIT_MS;
   while (!(await holds())) {
     if (Date.now() > end) {
       throw new Error(`Waited in vain for: ${what}`);
@@ -88,10 +100,10 @@ export async function until(what, holds, timeMs = 15000) {
 }
 
 /** Waits until reading gives what is expected; fails with what it gave last. */
-export async function expectEventually(what, read, expected, timeMs = 15000) {
+export async function expectEventually(what, read, expected) {
   let last;
   try {
-    await until(what, async () => (last = await read()) === expected, timeMs);
+    await until(what, async () => (last = await read()) === expected);
   } catch (error) {
     throw new Error(`${error.message}; it stayed at ${last}`);
   }
