@@ -26,6 +26,8 @@ export type NodeView = SceneNode & { details: NodeDetails };
 const COUNTED_WITHIN_MS = 500;
 /** Of so many nodes one reply stays far below what the host lets wait for a page. */
 const NODES_A_REQUEST = 100;
+/** So many are read first, and their cards shown: more than a window has room for. */
+const FIRST_NODES = 20;
 
 /** What the page knows of its host, and what it asks of it. */
 export class Host implements ConnectionListener {
@@ -36,6 +38,8 @@ export class Host implements ConnectionListener {
   readonly sceneNumber = signal(0);
   /** Null until the scene was read for the first time. */
   readonly nodes = computed((): readonly NodeView[] | null => this.#nodes.value?.map(withTexts) ?? null);
+  /** Those that were read first; null until then. */
+  readonly firstNodes = computed((): readonly NodeView[] | null => this.#firstNodes.value?.map(withTexts) ?? null);
   readonly links = signal<readonly Link[]>([]);
   /** Texts on the canvas, by their ids. */
   readonly notes = signal<Readonly<Record<string, Note>>>({});
@@ -73,6 +77,7 @@ export class Host implements ConnectionListener {
 
   /** As the host told of them. */
   readonly #nodes = signal<readonly NodeView[] | null>(null);
+  readonly #firstNodes = signal<readonly NodeView[] | null>(null);
   readonly #connection: Connection;
   readonly #pace = new Pace();
   #logWaits = false;
@@ -357,7 +362,16 @@ export class Host implements ConnectionListener {
     }
     const known = new Map((this.#nodes.peek() ?? []).map((node) => [node.node, node]));
     const isFresh = ({ node }: SceneNode) => stale !== null && !stale.has(node) && known.has(node);
-    const read = await this.#inspect(scene.nodes.filter((node) => !isFresh(node)));
+    const asked = scene.nodes.filter((node) => !isFresh(node));
+    const [first, others] = [this.#inspect(asked.slice(0, FIRST_NODES)), this.#inspect(asked.slice(FIRST_NODES))];
+    const read = await first;
+    if (this.#nodes.peek() === null && this.connection.peek().is === "open") {
+      batch(() => {
+        this.sceneNumber.value = number;
+        this.#firstNodes.value = [...read.values()];
+      });
+    }
+    (await others).forEach((view, node) => read.set(node, view));
     if (this.connection.peek().is !== "open") {
       return; // it comes as a whole with the next connection
     }

@@ -242,7 +242,7 @@ test("a node of which nothing changed stays the same object when the scene chang
   assert.deepEqual(asked(), [["inspect_nodes", ["k"]]], "the node that changed, and no other");
 });
 
-test("many nodes are asked for in parts; those that have gone meanwhile aren't shown, whatever their handles", async () => {
+test("many nodes are asked for in parts, few at first; those that have gone meanwhile aren't shown, whatever their handles", async () => {
   const { host } = openPage();
   const socket = connect();
   const handles = ["constructor", "__proto__", ...Array.from({ length: 99 }, (_, index) => `k${index}`)];
@@ -250,9 +250,14 @@ test("many nodes are asked for in parts; those that have gone meanwhile aren't s
   const asked = socket.sent.filter(({ op }) => op === "inspect_nodes");
   assert.deepEqual(asked.flatMap(({ nodes }) => nodes), handles);
   const [first, second] = asked;
-  socket.tell({ ok: true, id: first!.id, nodes: { k0: NO_PINS } }, { ok: true, id: second!.id, nodes: { k98: NO_PINS } });
+  socket.tell({ ok: true, id: first!.id, nodes: { k0: NO_PINS } });
+  await new Promise(setImmediate);
+  const [shown] = host.firstNodes.value!;
+  assert.deepEqual([shown!.node, host.sceneNumber.value, host.nodes.value], ["k0", 11, null]);
+  socket.tell({ ok: true, id: second!.id, nodes: { k98: NO_PINS } });
   await new Promise(setImmediate);
   assert.deepEqual(host.nodes.value?.map(({ node }) => node), ["k0", "k98"]);
+  assert.equal(host.nodes.value[0], shown);
 });
 
 test("how often outputs fired is what the host counts; when it counts anew, nothing has fired", () => {

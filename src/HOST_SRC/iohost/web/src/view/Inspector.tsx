@@ -54,7 +54,8 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
 function Nodes({ host, desk }: { host: Host; desk: Desk }) {
   const nodes = host.nodes.value;
   const chosen = desk.chosen.value;
-  const shown = chosen.length === 0 ? nodes : (nodes?.filter(({ node }) => chosen.includes(node)) ?? null);
+  const listed = nodes ?? host.firstNodes.value;
+  const shown = chosen.length === 0 ? listed : listed?.filter(({ node }) => chosen.includes(node));
   return (
     <>
       <div class="panel-head">
