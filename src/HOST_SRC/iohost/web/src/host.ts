@@ -5,7 +5,7 @@ import { withTexts } from "./hostTexts.ts";
 import { Holders } from "./input/holders.ts";
 import { KeyboardState } from "./input/keyboardState.ts";
 import { VirtualKey } from "./input/virtualKeys.ts";
-import { NO_VALUE, NodeSignals, OutputSignals } from "./live.ts";
+import { isAnother, NO_VALUE, NodeSignals, OutputSignals } from "./live.ts";
 import { LogBuffer } from "./log.ts";
 import { NodeType, nodesOf } from "./nodeTypes.ts";
 import { Pace } from "./pace.ts";
@@ -249,14 +249,15 @@ export class Host implements ConnectionListener {
     this.jsonVerdicts.value = new Map();
   }
 
-  /** All values come with each connection: only one that is another than before is something that the node did. */
+  /** All values come with each connection, of any page: only one that is another than before is something that the node did. */
   #showValue(node: string, output: number, value: OutputValue): void {
     const shown = this.values.of(node, output);
-    const { int, float, string } = shown.peek();
-    if (shown.peek() !== NO_VALUE && (int !== value.int || float !== value.float || string !== value.string)) {
-      this.active.of(node).value = Date.now();
+    if (isAnother(shown.peek(), value)) {
+      if (shown.peek() !== NO_VALUE) {
+        this.active.of(node).value = Date.now();
+      }
+      shown.value = value;
     }
-    shown.value = value;
   }
 
   #showCounters({ nodes, idle_ms = {} }: Counters, now: number): void {
@@ -433,7 +434,8 @@ export class Host implements ConnectionListener {
   #showOutputs(node: string, { outputs }: NodeDetails): void {
     this.#pace.show(() => {
       for (const { id, int, float, string, length } of outputs.flatMap(({ params }) => params)) {
-        this.values.of(node, id).value = { int, float, string, ...(length !== undefined && { length }) };
+        const [shown, value] = [this.values.of(node, id), { int, float, string, ...(length !== undefined && { length }) }];
+        shown.value = isAnother(shown.peek(), value) ? value : shown.peek();
       }
     });
   }

@@ -4,6 +4,11 @@ import type { OutputValue } from "./protocol.ts";
 
 export const NO_VALUE: OutputValue = { int: 0, float: 0, string: "" };
 
+/** Whether a value is to be shown anew: it differs from the one that is shown, or is the first. */
+export function isAnother(shown: OutputValue, value: OutputValue): boolean {
+  return (["int", "float", "string", "length"] as const).some((part) => shown[part] !== value[part]) || shown === NO_VALUE;
+}
+
 /** Signals by node and output, made when they are first asked for. */
 export class OutputSignals<Value> {
   readonly #initial: Value;

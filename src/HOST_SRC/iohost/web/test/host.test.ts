@@ -242,6 +242,26 @@ test("a node of which nothing changed stays the same object when the scene chang
   assert.deepEqual(asked(), [["inspect_nodes", ["k"]]], "the node that changed, and no other");
 });
 
+test("values that are told again stay the same objects, so that nothing is drawn anew", async () => {
+  const { host } = openPage();
+  const socket = connect();
+  const value = { int: 1, float: 0.5, string: "a" };
+  const tell = (told: object) => {
+    socket.tell({ push: "outputs", nodes: { k: { 7: told } } });
+    retry(); // the pause until the next that is shown
+    return host.values.of("k", 7).value;
+  };
+  await answer(socket, "scene", { version: 1, nodes: [KEYS], links: [] });
+  await answer(socket, "inspect_nodes", { nodes: { k: { ...NO_PINS, outputs: [{ params: [{ id: 7, ...value, choices: [] }] }] } } });
+  retry();
+  const shown = host.values.of("k", 7).value;
+  assert.deepEqual(shown, value);
+  assert.equal(tell(value), shown);
+  assert.equal(host.active.of("k").value, null);
+  assert.deepEqual(tell({ ...value, length: 70000 }), { ...value, length: 70000 });
+  assert.notEqual(host.active.of("k").value, null);
+});
+
 test("many nodes are asked for in parts, few at first; those that have gone meanwhile aren't shown, whatever their handles", async () => {
   const { host } = openPage();
   const socket = connect();
