@@ -210,9 +210,11 @@ export class Host implements ConnectionListener {
           this.jsonVerdicts.value = new Map([...this.jsonVerdicts.value, ...Object.entries(push.nodes)]);
         });
         break;
-      case "network":
-        this.network.value = { state: push, told: Date.now() };
+      case "network": {
+        const told = Date.now();
+        this.#pace.show(() => (this.network.value = { state: push, told }));
         break;
+      }
       case "objects":
         this.#pace.show(() => (this.objects.value = push.objects));
         break;
