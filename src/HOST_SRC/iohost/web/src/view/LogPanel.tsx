@@ -17,8 +17,10 @@ const FILTERS: readonly { label: Label; level: LevelFilter }[] = [
 
 /** Scrolled this near to its end, the log follows its newest line. */
 const FOLLOW_DISTANCE_PX = 24;
-/** So many lines are drawn: what is seen, and enough around it to scroll on. */
+/** So many lines are drawn where it's scrolled: what is seen, and enough around it to scroll on. */
 const DRAWN = 150;
+/** While it follows, so many more than fit. */
+const SPARE = 5;
 /** Scrolled this near to the first or last drawn line, the log draws those around what is seen. */
 const MARGIN_PX = 400;
 /** What a line takes that isn't drawn. */
@@ -36,6 +38,8 @@ export function LogPanel({ host, desk, shown }: PanelProps) {
   const [level, setLevel] = useState<LevelFilter>(null);
   const [text, setText] = useState("");
   const [still, setStill] = useState<StandStill | null>(null);
+  /** How many lines fit in the box. */
+  const [fits, setFits] = useState(0);
   /** Which lines are drawn: those before this one; null: the newest. */
   const [end, setEnd] = useState<number | null>(null);
   /** Marked anew by each key, the line comes into sight again. */
@@ -52,7 +56,7 @@ export function LogPanel({ host, desk, shown }: PanelProps) {
   const { lines, count } = still ?? log;
   const found = search.in(lines);
   const last = Math.min(end ?? found.length, found.length);
-  const first = Math.max(0, last - DRAWN);
+  const first = Math.max(0, last - (end === null && still === null ? fits + SPARE : DRAWN));
   const seen = found.slice(first, last);
   const waiting = log.count - count;
 
@@ -72,6 +76,12 @@ export function LogPanel({ host, desk, shown }: PanelProps) {
     setStill(still && { ...still, lines: new Tail(), count: log.count });
     setEnd(null);
   };
+
+  useLayoutEffect(() => {
+    const watch = new ResizeObserver(() => setFits(Math.ceil(list.current!.clientHeight / LINE_PX)));
+    watch.observe(list.current!);
+    return () => watch.disconnect();
+  }, []);
 
   // The line in the middle stays where it is when others are drawn around it.
   const kept = useRef<{ line: HTMLElement; top: number } | null>(null);
