@@ -140,21 +140,28 @@ test("light or dark is as the system says, at any time", async () => {
 });
 
 test("a flash is a mark that stands a moment, and longer where less motion is wished", async () => {
-  await script.request({ op: "event", device: 1, event: 3004 });
-  await page.fires(is.HOVER, 1);
-  const marks = () =>
-    page.page.locator(".index-flash").evaluate((flash) => {
-      flash.style.animationName = "none";
-      flash.getAnimations(); // takes it in
-      flash.style.animationName = "";
-      const [animation] = flash.getAnimations();
-      animation.pause();
-      return [100, 400, 600, 1500].map((time) => {
-        animation.currentTime = time;
-        return getComputedStyle(flash).visibility;
-      });
+  const { clock } = page.page;
+  await clock.install();
+  await clock.pauseAt(Date.now() + 60_000);
+  const isLit = async () => (await page.page.locator(".node-index button[data-lit]").count()) > 0;
+  const fire = async () => {
+    await script.request({ op: "event", device: 1, event: 3004 });
+    await until("the mark", async () => {
+      await clock.runFor(50); // what came before may have its pause
+      return isLit();
     });
-  assert.deepEqual(await marks(), ["visible", "visible", "hidden", "hidden"]);
+  };
+  const marks = async (times) => {
+    const found = [];
+    for (const time of times) {
+      await clock.runFor(time);
+      found.push(await isLit());
+    }
+    return found;
+  };
+  await fire();
+  assert.deepEqual(await marks([400, 200]), [true, false]);
   await page.page.emulateMedia({ reducedMotion: "reduce" });
-  assert.deepEqual(await marks(), ["visible", "visible", "visible", "visible"]);
+  await fire();
+  assert.deepEqual(await marks([400, 200, 1200, 400]), [true, true, true, false]);
 });

@@ -51,6 +51,23 @@ test("switching a node off stops its events, and every page shows the switch", a
   await other.fires(is.KEY_DOWN, 1);
 });
 
+test("what was done a while ago doesn't flash when it's drawn anew", async () => {
+  await script.request({ op: "event", device: 1, event: 3004 });
+  await page.page.locator("article[data-node=m] .node-activity", { hasText: /[2-9] s ago/ }).waitFor();
+  await page.page.evaluate(() => {
+    globalThis.flashes = 0;
+    const count = (changes) => (globalThis.flashes += changes.filter(({ target }) => target.hasAttribute("data-lit")).length);
+    new MutationObserver(count).observe(document, { attributeFilter: ["data-lit"], subtree: true });
+  });
+  await page.page.locator("[data-line]").last().click();
+  await expectEventually("cards", () => page.page.locator("article[data-node]").count(), 1);
+  await page.page.getByText("Show all").click();
+  await until("all cards", async () => (await page.page.locator("article[data-node]").count()) > 1);
+  assert.equal(await page.page.evaluate(() => globalThis.flashes), 0);
+  await script.request({ op: "event", device: 1, event: 3004 });
+  await until("a flash", () => page.page.evaluate(() => globalThis.flashes > 0));
+});
+
 test("a paused log stands still and goes on with what came meanwhile; clearing empties it", async () => {
   const hover = () => script.request({ op: "event", device: 1, event: 3004 });
   await hover();

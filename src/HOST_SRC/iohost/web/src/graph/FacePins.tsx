@@ -3,6 +3,7 @@ import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { Param } from "../messages.ts";
 import { shownValue } from "../params.ts";
+import { EventLamp } from "../view/lit.tsx";
 import { LongText } from "../view/LongText.tsx";
 import type { Editor, Pin } from "./editor.ts";
 import { linkedPin } from "./elements.ts";
@@ -121,8 +122,7 @@ function OutputState({ host, node, param }: { host: Host; node: string; param: P
     const last = host.fired.of(node, param.id).value;
     return (
       <span class={last !== null ? "face-value fired" : "face-value"} data-face-count={count}>
-        {/* A new key makes a new element, whose flash starts afresh. */}
-        <span class="event-lamp" key={last} aria-hidden="true" /> {count}
+        <EventLamp last={last} /> {count}
       </span>
     );
   }

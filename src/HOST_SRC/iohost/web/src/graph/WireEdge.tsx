@@ -6,6 +6,7 @@ import { t } from "../i18n.ts";
 import type { Param } from "../messages.ts";
 import { shownValue } from "../params.ts";
 import type { Link } from "../protocol.ts";
+import { useLit } from "../view/lit.tsx";
 import { LongText } from "../view/LongText.tsx";
 import { sortOf } from "./wiring.ts";
 import "./wireEdge.css";
@@ -51,16 +52,15 @@ function Pulse({ host, link, output, path }: Carried & { path: string }) {
   const value = host.values.of(link.from, output.id).value;
   const isEvent = sortOf(output) === "event";
   const passed = isEvent ? fired : value === NO_VALUE ? null : `${value.int} ${value.float} ${value.string}`;
-  const beats = useRef({ passed, count: 0 });
+  const beats = useRef<{ passed: typeof passed; count: number; last: number | null }>({ passed, count: 0, last: null });
   const { passed: before, count } = beats.current;
   if (passed !== before) {
     const isBeat = passed !== null && (isEvent || before !== null); // the first value is the one that it had
-    beats.current = { passed, count: isBeat ? count + 1 : count };
+    beats.current = isBeat ? { passed, count: count + 1, last: Date.now() } : { ...beats.current, passed };
   }
-  return beats.current.count === 0 ? null : (
-    // A new key makes a new element, whose flash starts afresh.
-    <path class="wire-pulse" key={beats.current.count} d={path} data-pulse={beats.current.count} />
-  );
+  const light = useRef<SVGPathElement>(null);
+  useLit(light, beats.current.last);
+  return beats.current.count === 0 ? null : <path class="wire-pulse" ref={light} d={path} data-pulse={beats.current.count} />;
 }
 
 function WireValue({ host, link, output }: Carried) {

@@ -10,6 +10,7 @@ import type { ParamGroup } from "../messages.ts";
 import { DeviceCard } from "./DeviceCard.tsx";
 import "./inspector.css";
 import { JsonVerdictLine } from "./JsonPanel.tsx";
+import { useLit } from "./lit.tsx";
 import { NodeActivity, NodeCounters, NodeWarning } from "./NodeState.tsx";
 import { ObjectCard } from "./ObjectCard.tsx";
 import { EventOutput, ValueOutput } from "./Outputs.tsx";
@@ -107,16 +108,17 @@ function NodeIndex({ host, nodes }: { host: Host; nodes: readonly NodeView[] }) 
 const NodeIndexEntry = memo(function NodeIndexEntry({ host, node }: { host: Host; node: NodeView }) {
   const events = node.details.outputs.flatMap(({ params }) => params).filter((param) => kindOf(param) === "event");
   const last = Math.max(0, ...events.map(({ id }) => host.fired.of(node.node, id).value ?? 0));
+  const entry = useRef<HTMLButtonElement>(null);
+  useLit(entry, last);
   return (
     <button
       type="button"
+      ref={entry}
       title={`${node.graph} (${hostText(node.details.name)})`}
       aria-label={node.graph}
       onClick={() => document.getElementById(`node-${node.node}`)?.scrollIntoView({ block: "start" })}
     >
       <NodeIcon type={node.type} />
-      {/* A new key makes a new element, whose flash starts afresh. */}
-      {last > 0 && <span class="index-flash" key={last} aria-hidden="true" />}
     </button>
   );
 });

@@ -9,6 +9,7 @@ import { t } from "../i18n.ts";
 import type { Param } from "../messages.ts";
 import type { NodeCounts } from "../protocol.ts";
 import { textWarning } from "../textWarning.ts";
+import { CALM_LIT_MS, EventLamp } from "./lit.tsx";
 import "./nodeState.css";
 
 /** How often a node did what, in one line. */
@@ -46,9 +47,6 @@ export function NodeWarning({ host, node }: { host: Host; node: NodeView }) {
   return warning === null ? null : <p class="node-warning">{warning}</p>;
 }
 
-/** As long as the mark that stands in place of a flash. */
-const LIT_MS = 2000;
-
 /** Flashes when the node does something, and says how long ago that was. */
 export function NodeActivity({ host, node }: { host: Host; node: string }) {
   const last = host.active.of(node).value;
@@ -57,8 +55,8 @@ export function NodeActivity({ host, node }: { host: Host; node: string }) {
   }
   const age = clock.value - last;
   return (
-    <span class={`node-activity ${age < LIT_MS ? "fired" : ""}`} data-active={last}>
-      <span class="event-lamp" key={last} aria-hidden="true" /> {agoText(age)}
+    <span class={`node-activity ${age < CALM_LIT_MS ? "fired" : ""}`} data-active={last}>
+      <EventLamp last={last} /> {agoText(age)}
     </span>
   );
 }

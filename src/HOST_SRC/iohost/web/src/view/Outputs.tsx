@@ -5,6 +5,7 @@ import { kindOf, shownValue } from "../params.ts";
 import type { Param } from "../messages.ts";
 import "./cell.css";
 import { LinkTargets } from "./Links.tsx";
+import { EventLamp } from "./lit.tsx";
 import { LongText } from "./LongText.tsx";
 import "./outputs.css";
 
@@ -26,8 +27,7 @@ export function EventOutput({ host, node, param }: OutputProps) {
       data-output={param.id}
       data-count={count}
     >
-      {/* A new key makes a new element, whose flash starts afresh. */}
-      <span class="event-lamp" key={last} aria-hidden="true" />
+      <EventLamp last={last} />
       <span class="output-name">{param.display}</span>
       <span class="event-count">{count}</span>
       <span class="event-time">{last !== null ? timeOfDay(last) : count === 0 && t("not yet fired")}</span>
