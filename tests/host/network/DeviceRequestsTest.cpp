@@ -223,11 +223,13 @@ TEST_F(DeviceRequests, WhatWaitsTooLongForADeviceIsDroppedAndTold) {
     Talk(R"(counters => {"nodes":{"s":{"sent":1,"dropped":1}}})");
     Must("send device=3 text=late");
     Await([this] { return Device()["dropped"] == 2; });
+    Talk(R"(counters => {"nodes":{"s":{"sent":1,"dropped":1}}})"); // not the request's
     EXPECT_EQ(dropped.m_dropped.back(), R"({"node":null,"device":3,"items":1})");
     EXPECT_EQ(dropped.m_nLines, 1u) << "one in ten seconds";
     EXPECT_TRUE(Matches(Device(), {{"queued_bytes", 0}, {"lost", 0}, {"sent", 0}}));
 
     // It fires nothing when the device is there again; what is sent then arrives.
+    ChangeDevice(3, later.Address(), {{"drop_after", 3600}});
     later.Listen();
     auto device = later.Accept(Serve());
     AwaitState("connected");
@@ -274,6 +276,7 @@ TEST_F(DeviceRequests, WhatListenOnlyHoldsBackIsLateToo) {
     EXPECT_EQ(Device()["queued_items"], 1);
     ChangeDevice(3, later.Address(), {{"drop_after", 0.05}});
     Await([this] { return Device()["dropped"] == 1; });
+    ChangeDevice(3, later.Address(), {{"drop_after", 3600}});
     Must("listen_only on=false");
     Must("send device=3 text=now");
     EXPECT_EQ(Read(device, 3), "now");
@@ -294,6 +297,7 @@ TEST_F(DeviceRequests, WhatADeviceThatStopsReadingDoesNotTakeIsDropped) {
     EXPECT_GE(nDropped, 1u);
     // It reads again: what was begun arrives whole, and behind it what is sent then.
     EXPECT_EQ(Read(device, (nItems - nDropped) * strLong.size()).size(), (nItems - nDropped) * strLong.size());
+    ChangeDevice(3, m_listener.Address(), {{"drop_after", 3600}});
     Must("send device=3 text=now");
     EXPECT_EQ(Read(device, 3), "now");
     EXPECT_TRUE(Matches(Device(), {{"sent", nItems - nDropped + 1}, {"dropped", nDropped}, {"lost", 0}}));

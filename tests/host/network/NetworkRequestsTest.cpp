@@ -235,13 +235,12 @@ TEST_F(NetworkRequests, ADeviceThatStopsReadingCostsNoMoreThanItsQueue) {
     CreateStringNode(strText);
     const auto tStart = std::chrono::steady_clock::now();
     size_t nSent = 0;
-    const size_t nLines = FillQueue([&] {
+    const auto send = [&] {
         ++nSent;
         return SendString();
-    });
-    const auto nTenSeconds = (std::chrono::steady_clock::now() - tStart) / std::chrono::seconds(10);
+    };
+    size_t nLines = FillQueue(send);
     EXPECT_GE(nLines, 1u);
-    EXPECT_LE(nLines, 1u + static_cast<size_t>(nTenSeconds)) << "one line in ten seconds tells of it";
     const OrderedJson state = Device();
     EXPECT_LE(state["queued_bytes"], 4 << 20);
     EXPECT_GT(state["queued_bytes"], 3 << 20);
@@ -250,15 +249,30 @@ TEST_F(NetworkRequests, ADeviceThatStopsReadingCostsNoMoreThanItsQueue) {
     Must("wait ms=12000");
     EXPECT_TRUE(Matches(Device(), {{"state", "connected"}, {"lost", 0}}));
 
+    // It makes room for a few items at a time, which more of them are sent for.
+    std::string strRead;
+    for (int i = 0; i < 20; ++i) {
+        strRead += m_peers.Read(device, 400'000, Serve());
+        for (int nSends = 0; nSends < 10; ++nSends) {
+            nLines += CountLines(send(), "refused");
+        }
+    }
+    const size_t nRefused = Device()["refused"];
+    EXPECT_GT(nRefused, state["refused"].get<size_t>() + 50);
+    // In ten seconds one line tells of refused items, and one that items were taken again.
+    const auto nTenSeconds = (std::chrono::steady_clock::now() - tStart) / std::chrono::seconds(10);
+    EXPECT_LE(nLines, 2 * (1 + static_cast<size_t>(nTenSeconds)));
+
     // It reads again: everything that was taken arrives, whole and in order, and new items are taken.
     std::string strExpected;
-    for (size_t i = state["refused"]; i < nSent; ++i) {
+    for (size_t i = nRefused; i < nSent; ++i) {
         strExpected += strText + '\0';
     }
-    EXPECT_TRUE(m_peers.Read(device, strExpected.size(), Serve()) == strExpected) << "not what was sent";
+    strRead += m_peers.Read(device, strExpected.size() - strRead.size(), Serve());
+    EXPECT_TRUE(strRead == strExpected) << "not what was sent";
     Await([this] { return Device()["queued_items"] == 0; });
     SendString();
-    EXPECT_EQ(Device()["refused"], state["refused"]);
+    EXPECT_EQ(Device()["refused"], nRefused);
 }
 
 TEST_F(NetworkRequests, AnItemThatWasBegunIsNotContinuedOnTheNextConnection) {
@@ -302,25 +316,6 @@ TEST_F(NetworkRequests, AConnectionThatIsOverIsLetGoThoughNobodyTakesWhatCameIn)
     }
     EXPECT_NE(Device()["state"], "connected");
     EXPECT_NE(Device()["last_problem"], nullptr);
-}
-
-TEST_F(NetworkRequests, ASlowDeviceDoesNotFillTheLog) {
-    auto device = ConnectDevice("direct");
-    CreateStringNode(std::string(100'000, 'x'));
-    const auto tStart = std::chrono::steady_clock::now();
-    size_t nLines = FillQueue([this] { return SendString(); });
-    // It makes room for a few items at a time, which more of them are sent for.
-    const size_t nRefusedBefore = Device()["refused"];
-    for (int i = 0; i < 20; ++i) {
-        m_peers.Read(device, 400'000, Serve());
-        for (int nSends = 0; nSends < 10; ++nSends) {
-            nLines += CountLines(SendString(), "refused");
-        }
-    }
-    EXPECT_GT(Device()["refused"].get<size_t>(), nRefusedBefore + 50);
-    // In ten seconds one tells of refused items, and one that items were taken again.
-    const auto nTenSeconds = (std::chrono::steady_clock::now() - tStart) / std::chrono::seconds(10);
-    EXPECT_LE(nLines, 2 * (1 + static_cast<size_t>(nTenSeconds)));
 }
 
 TEST_F(NetworkRequests, ItemsTooLongForAFrameOrTheQueueAreRefused) {
@@ -614,16 +609,6 @@ TEST_F(NetworkRequests, AConnectionOutOfStepOrCutOffIsCountedAndTheOthersGoOn) {
     AwaitItem();
     EXPECT_TRUE(Matches(Control(), Json::parse(R"({"connections":1,"received":1,"matched":1,"turned_away":0,)"
                                                R"("last_rejected":"truncated"})")));
-}
-
-TEST_F(NetworkRequests, TooManyConnectionsAreTurnedAway) {
-    const unsigned short nPort = ListenControl();
-    std::vector<CTestPeers::Socket> others;
-    for (int i = 0; i < 65; ++i) {
-        others.push_back(m_peers.Connect(nPort));
-    }
-    Await([this] { return Control()["turned_away"] == 1; });
-    EXPECT_EQ(Control()["connections"], 64);
 }
 
 // ---- Records and broadcasts by request ------------------------------------------------------------------------------

@@ -187,23 +187,4 @@ TEST_F(JsonTextRequests, EachDeviceSendsUnderItsOwnNumberAndOtherParsersTakeNoTe
     EXPECT_FALSE(Device().contains("rejected_lines"));
 }
 
-TEST_F(JsonTextRequests, ADeviceThatSendsTextsIsSentThemTooAndKeptInScenes) {
-    const auto first = ConnectDevice(); // kept open, so that it isn't connected again before its time
-    const std::string strFile = Quote(m_folder.Path() / "scene.json");
-    Must("save file=" + strFile);
-    Must("devices list=null");
-    Must("load file=" + strFile);
-    EXPECT_EQ(Device()["parser"], "json");
-    auto device = m_listener.Accept(Serve());
-    Talk(R"(
-        create node=string type=string_send clip=Clip graph=G
-        set node=string param=1503 int=3
-        set node=string param=1505 string="{}"
-        process
-        trigger node=string param=1507
-        process
-    )");
-    EXPECT_EQ(m_peers.Read(device, 3), std::string("{}\0", 3));
-}
-
 } // namespace

@@ -130,19 +130,6 @@ TEST_F(LogAndCounts, TextsCountAsTheirVerdictsSay) {
     Talk(R"(counters => {"nodes":{"j":{"matched":1,"rejected":2,"received":1,"fired":1}}})");
 }
 
-TEST_F(LogAndCounts, ItemsForDevicesCountAtTheirSender) {
-    Talk(R"(
-        device device=3 name=Wall parser=direct
-        create node=s type=string_send clip=Clip graph=G
-        set node=s param=1503 int=3
-        set node=s param=1505 string=text
-        trigger node=s param=1507
-        process
-        send device=3 text="nobody's"
-        counters => {"nodes":{"s":{"sent":1,"dropped":0}}}
-    )");
-}
-
 TEST_F(LogAndCounts, TheChangedCountsAreToldOnce) {
     const auto changed = [this] { return ToJson(m_pSession->TakeChangedCounts())["nodes"]; };
     Must(CREATE_MOUSE);
