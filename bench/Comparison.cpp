@@ -193,7 +193,8 @@ Comparison CompareEvent(const MeasuredType& type, const FiringEvent& firing, con
             true,
             work(SendRecords),
             work(PostSameEvents),
-            firing.fOwnAllocations};
+            firing.fOwnAllocations,
+            firing.fOwnLookUps};
 }
 
 } // namespace

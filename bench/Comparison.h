@@ -19,6 +19,7 @@ struct Comparison {
     std::function<bool()> measured;
     std::function<bool()> floor;
     double fOwnAllocations = 0;       ///< beyond the floor's, where it may allocate
+    double fOwnLookUps = 0;           ///< beyond the floor's
     std::function<void()> begin = {}; ///< called before every run of either side, without being measured
 
     std::string BenchmarkName(Side side) const { return strName + (side == Side::Measured ? "/measured" : "/floor"); }

@@ -20,6 +20,8 @@ constexpr double SHORT_LIMIT = 1.6; // of its time much goes into the log line a
 constexpr double CHECKED_LIMIT = 2.0;
 constexpr double OTHER_DEVICE_LIMIT = 1.5;
 
+constexpr double OWN_LOOK_UPS = 17; // eight inputs, in two lists each, and the output
+
 constexpr unsigned CHECK_KEY_VALUE = 1403;
 constexpr unsigned FIRST_INPUT = 1402;
 constexpr unsigned LAST_INPUT = 1409;
@@ -104,7 +106,8 @@ CJsonComparisons::CJsonComparisons(const CBenchHost& host) {
                                  .bMayAllocate = true,
                                  .measured = [&receiver] { return receiver.Receive() == 1; },
                                  .floor = [&receiver] { return receiver.Parse(); },
-                                 .fOwnAllocations = fOwnAllocations});
+                                 .fOwnAllocations = fOwnAllocations,
+                                 .fOwnLookUps = OWN_LOOK_UPS});
     };
     constexpr double ACCEPTING_ALLOCATIONS = 1; // the log line
     add("Short", StatusText(1), 0, SHORT_LIMIT, ACCEPTING_ALLOCATIONS);

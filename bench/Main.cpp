@@ -8,7 +8,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include "AllocationCount.h"
+#include "CallCounts.h"
 #include "HostComparisons.h"
 #include "HostSetup.h"
 #include "JsonComparisons.h"
@@ -21,16 +21,17 @@ namespace {
 
 void Run(benchmark::State& state, const std::function<bool()>& work, size_t nNodes) {
     work(); // what is made on first use isn't measured
-    const auto nBefore = AllocationCount();
+    const SCallCounts before = CallCounts();
     for (auto _ : state) {
         if (!work()) {
             state.SkipWithError("not every node did its work");
             break;
         }
     }
-    const auto nAllocations = AllocationCount() - nBefore;
+    const SCallCounts after = CallCounts();
     const auto nCalls = static_cast<double>(state.iterations()) * static_cast<double>(nNodes);
-    state.counters[ALLOCATIONS] = static_cast<double>(nAllocations) / nCalls;
+    state.counters[ALLOCATIONS] = static_cast<double>(after.nAllocations - before.nAllocations) / nCalls;
+    state.counters[LOOK_UPS] = static_cast<double>(after.nLookUps - before.nLookUps) / nCalls;
 }
 
 /// Measured work and floor are repeated in random order, so that both meet the same disturbances.

@@ -82,15 +82,14 @@ SVRPluginData s_triggerReleased = Controller(0);
 
 const SIOEventRecord TRIGGER[] = {{DEVICE_VR_HANDLE, 0, &s_triggerPressed}, {DEVICE_VR_HANDLE, 0, &s_triggerReleased}};
 constexpr Fired TRIGGER_FIRED[] = {{862, nullptr, nullptr}, {863, nullptr, nullptr}};
-// Each sample that fires makes a list of what it fires.
-const FiringEvent VR_HANDLE_EVENTS[] = {{"Trigger", TRIGGER, TRIGGER_FIRED, 2}};
+// Each of the two samples makes a list of what it fires, and writes six outputs.
+const FiringEvent VR_HANDLE_EVENTS[] = {{"Trigger", TRIGGER, TRIGGER_FIRED, 2, 12}};
 
 // ---- Network --------------------------------------------------------------------------------------------------------
 
 constexpr LookUp NET_PARAMETER_SEND_LOOK_UPS[] = {
-    {Place::Input, 402}, {Place::Input, 403}, {Place::Input, 412},   {Place::Input, 404},
-    {Place::Input, 405}, {Place::Input, 406}, {Place::Input, 407},   {Place::Input, 408},
-    {Place::Input, 409}, {Place::Input, 411}, {Place::Trigger, 410},
+    {Place::Input, 403}, {Place::Input, 412}, {Place::Input, 404}, {Place::Input, 405}, {Place::Input, 406},
+    {Place::Input, 407}, {Place::Input, 408}, {Place::Input, 409}, {Place::Input, 411}, {Place::Trigger, 410},
 };
 
 constexpr LookUp BROADCAST_SEND_LOOK_UPS[] = {
@@ -113,7 +112,7 @@ CQORPanelRemoteCtrlData s_record = Record();
 const SIOEventRecord REMOTE_CONTROL[] = {
     {DEVICE_NETWORK, EVENT_REMOTE_CONTROL, static_cast<CQORIOAttachedData*>(&s_record)}};
 constexpr Fired REMOTE_CONTROL_FIRED[] = {{554, L"[%s.%s.%s 触发[网络触发]事件]", L"", true}};
-const FiringEvent NET_PARAMETER_RECEIVE_EVENTS[] = {{"Record", REMOTE_CONTROL, REMOTE_CONTROL_FIRED}};
+const FiringEvent NET_PARAMETER_RECEIVE_EVENTS[] = {{"Record", REMOTE_CONTROL, REMOTE_CONTROL_FIRED, 0, 5}};
 
 constexpr Setting NET_PARAMETER_RECEIVE_SETTINGS[] = {{502, 0, L"group"}, {503, 0, L"key"}, {504, 7, nullptr}};
 
@@ -126,7 +125,7 @@ SObjectTextData s_objectText{nullptr, MEASURED_CLIP, MEASURED_OBJECT, L"{\"zoom\
 
 const SIOEventRecord OBJECT_TEXT[] = {{DEVICE_OBJECT_TEXT, 0, &s_objectText}};
 constexpr Fired OBJECT_TEXT_FIRED[] = {{1253, L"[%s.%s.%s 触发[地图反馈]事件]", L"", true}};
-const FiringEvent OBJECT_JSON_EVENTS[] = {{"Text", OBJECT_TEXT, OBJECT_TEXT_FIRED}};
+const FiringEvent OBJECT_JSON_EVENTS[] = {{"Text", OBJECT_TEXT, OBJECT_TEXT_FIRED, 0, 4}};
 
 constexpr Setting OBJECT_JSON_SETTINGS[] = {{1202, 0, MEASURED_CLIP}, {1203, 0, MEASURED_OBJECT}};
 

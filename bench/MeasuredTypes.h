@@ -41,6 +41,7 @@ struct FiringEvent {
     std::span<const SIOEventRecord> records;
     std::span<const Fired> fired;
     double fOwnAllocations = 0; ///< of the node, beside the events and log lines
+    double fOwnLookUps = 0;     ///< of parameters
 };
 
 /// The largest number of nodes that operations are measured with.

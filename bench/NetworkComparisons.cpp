@@ -326,25 +326,27 @@ private:
 CNetworkComparisons::CNetworkComparisons(const CBenchHost& host)
     : m_pRecordSend(std::make_unique<CRecordSend>(host)),
       m_pBroadcastReceive(std::make_unique<CBroadcastReceive>(host)) {
-    const auto add = [this](const char* pszName, double fRatioLimit, double fOwnAllocations, auto& pair) {
+    const auto add = [this](const char* pszName, double fRatioLimit, double fOwnAllocations, double fOwnLookUps,
+                            auto& pair) {
         m_comparisons.push_back({.strName = pszName,
                                  .nNodes = 1,
                                  .fRatioLimit = fRatioLimit,
                                  .bMayAllocate = true,
                                  .measured = [&pair] { return pair.Measured(); },
                                  .floor = [&pair] { return pair.Floor(); },
-                                 .fOwnAllocations = fOwnAllocations});
+                                 .fOwnAllocations = fOwnAllocations,
+                                 .fOwnLookUps = fOwnLookUps});
     };
     if (IsAlone()) {
         m_pBroadcastSend = std::make_unique<CBroadcastSend>(host);
-        add("BroadcastSend/Send", BROADCAST_SEND_LIMIT, 1, *m_pBroadcastSend);
+        add("BroadcastSend/Send", BROADCAST_SEND_LIMIT, 1, 5, *m_pBroadcastSend);
     } else {
         std::printf(
             "BroadcastSend/Send: not measured, since this machine's network would hear it; bench/run measures it "
             "in a network of its own where it may make one\n");
     }
-    add("NetParameterSend/Send", RECORD_SEND_LIMIT, 10, *m_pRecordSend);
-    add("BroadcastReceive/Receive", BROADCAST_RECEIVE_LIMIT, 8, *m_pBroadcastReceive);
+    add("NetParameterSend/Send", RECORD_SEND_LIMIT, 10, 11, *m_pRecordSend);
+    add("BroadcastReceive/Receive", BROADCAST_RECEIVE_LIMIT, 8, 2, *m_pBroadcastReceive);
 }
 
 CNetworkComparisons::~CNetworkComparisons() = default;

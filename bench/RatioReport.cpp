@@ -39,6 +39,7 @@ void CRatioReport::ReportRuns(const std::vector<Run>& runs) {
             Samples& samples = m_samples[run.run_name.function_name];
             samples.nanoseconds.push_back(run.cpu_accumulated_time * 1e9 / static_cast<double>(run.iterations));
             samples.allocations.push_back(run.counters.at(ALLOCATIONS));
+            samples.lookUps.push_back(run.counters.at(LOOK_UPS));
         }
     }
 }
@@ -47,9 +48,9 @@ bool CRatioReport::PrintTable(std::span<const Comparison> comparisons) {
     bool bWithinLimits = !m_bFailed;
     if (!m_samples.empty() && !m_bHeaderShown) {
         m_bHeaderShown = true;
-        std::printf("%-36s %23s %15s %19s\n", "", "ns per node (median)", "ratio", "allocations");
-        std::printf("%-36s %11s %11s %7s %7s %12s %6s\n", "what / number of nodes", "measured", "floor", "", "limit",
-                    "per node", "limit");
+        std::printf("%-36s %23s %15s %19s %13s\n", "", "ns per node (median)", "ratio", "allocations", "look-ups");
+        std::printf("%-36s %11s %11s %7s %7s %12s %6s %6s %6s\n", "what / number of nodes", "measured", "floor", "",
+                    "limit", "per node", "limit", "", "limit");
     }
     for (const Comparison& comparison : comparisons) {
         const auto measured = m_samples.find(comparison.BenchmarkName(Side::Measured));
@@ -78,9 +79,14 @@ bool CRatioReport::PrintLine(const Comparison& comparison, const Samples& measur
         bTooManyAllocations = fAllocations > fAllocationLimit + QUEUE_SHARE;
     }
 
-    std::printf("%-36s %11.1f %11.1f %7.2f %7.2f %12.3g %6.3g%s%s\n", comparison.strName.c_str(), fMeasured, fFloor,
-                fRatio, comparison.fRatioLimit, fAllocations, fAllocationLimit, bTooSlow ? "  RATIO EXCEEDS LIMIT" : "",
-                bTooManyAllocations ? "  TOO MANY ALLOCATIONS" : "");
+    const double fLookUps = Median(measured.lookUps);
+    const double fLookUpLimit = Median(floor.lookUps) + comparison.fOwnLookUps;
+    const bool bTooManyLookUps = fLookUps > fLookUpLimit;
+
+    std::printf("%-36s %11.1f %11.1f %7.2f %7.2f %12.3g %6.3g %6.3g %6.3g%s%s%s\n", comparison.strName.c_str(),
+                fMeasured, fFloor, fRatio, comparison.fRatioLimit, fAllocations, fAllocationLimit, fLookUps,
+                fLookUpLimit, bTooSlow ? "  RATIO EXCEEDS LIMIT" : "",
+                bTooManyAllocations ? "  TOO MANY ALLOCATIONS" : "", bTooManyLookUps ? "  TOO MANY LOOK-UPS" : "");
     std::fflush(stdout);
-    return !bTooSlow && !bTooManyAllocations;
+    return !bTooSlow && !bTooManyAllocations && !bTooManyLookUps;
 }

@@ -10,8 +10,9 @@
 
 #include "Comparison.h"
 
-/// Counter of a run: allocations for one node and iteration.
+/// Counters of a run, for one node and iteration.
 inline constexpr const char* ALLOCATIONS = "allocations";
+inline constexpr const char* LOOK_UPS = "look-ups";
 
 /// Collects the runs of one type's comparisons.
 class CRatioReport : public benchmark::BenchmarkReporter {
@@ -26,6 +27,7 @@ private:
     struct Samples {
         std::vector<double> nanoseconds; ///< of one iteration, in each repetition
         std::vector<double> allocations; ///< for one node and iteration, in each repetition
+        std::vector<double> lookUps;     ///< likewise
     };
 
     bool PrintLine(const Comparison& comparison, const Samples& measured, const Samples& floor) const;

@@ -1,0 +1,10 @@
+// How often the program, with all libraries that it loads, has called what should be called seldom.
+#pragma once
+
+struct SCallCounts {
+    unsigned long long nAllocations; ///< by whatever function of the C library; operator new rests on them
+    unsigned long long nLookUps;     ///< of a parameter in a list of groups, of a key's state, of the application
+};
+
+/// So far.
+SCallCounts CallCounts();
