@@ -4,6 +4,7 @@ import { mkdirSync, writeFileSync } from "node:fs";
 import net from "node:net";
 import { join } from "node:path";
 import { once } from "node:events";
+import { promisify } from "node:util";
 import { startDevice } from "./support/device.mjs";
 import { temporaryFolder } from "./support/folder.mjs";
 import { runHost, startHost } from "./support/host.mjs";
@@ -129,6 +130,17 @@ test("a foreign page's requests and WebSockets are refused", async () => {
     assert.equal(await open("/session", { origin }), 403, origin);
     assert.equal((await get("/", { headers: { origin } })).status, 403, origin);
   }
+});
+
+test("whoever is refused may send on, so that the refusal isn't lost", async () => {
+  const body = Buffer.alloc(32 << 20); // more than the buffers between take
+  const socket = net.connect({ port, host: "127.0.0.1", allowHalfOpen: true });
+  socket.write(`POST /scene HTTP/1.1\r\nHost: 127.0.0.1:${port}\r\nOrigin: http://evil.example\r\n`);
+  socket.write(`Content-Length: ${body.length}\r\n\r\n`);
+  await promisify(socket.write).call(socket, body);
+  const [answer] = await once(socket, "data");
+  assert.match(answer.toString(), /^HTTP\/1\.1 403 /);
+  socket.destroy();
 });
 
 test("a script without an Origin is let in, at the session's address only", async () => {
