@@ -286,11 +286,6 @@ CString CString::Left(int nCount) const {
     return Mid(0, nCount);
 }
 
-CString CString::Right(int nCount) const {
-    nCount = std::clamp(nCount, 0, GetLength());
-    return Mid(GetLength() - nCount, nCount);
-}
-
 CString CString::Mid(int nFirst) const {
     return Mid(nFirst, GetLength());
 }

@@ -63,7 +63,6 @@ public:
 
     // Negative counts and positions are taken as 0, those past the end as the end.
     CString Left(int nCount) const;
-    CString Right(int nCount) const;
     CString Mid(int nFirst) const;
     CString Mid(int nFirst, int nCount) const;
 

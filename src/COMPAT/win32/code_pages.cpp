@@ -158,8 +158,8 @@ int FailConversion(DWORD nError) {
     return 0;
 }
 
-bool IsCharacter(std::uint32_t nValue) {
-    return nValue <= 0x10FFFF && (nValue & 0xFFFFF800) != 0xD800;
+bool IsSurrogate(wchar_t ch) {
+    return ch >= 0xD800 && ch <= 0xDFFF;
 }
 
 // Takes a conversion's result piece by piece: writes what there is room for and counts all of it. Nothing is allocated.
@@ -208,8 +208,7 @@ private:
 // The one character that a letter and the mark behind it make; nothing when there is none.
 std::optional<wchar_t> Composed(wchar_t chLetter, wchar_t chMark) {
     utf8proc_int32_t pair[] = {chLetter, chMark};
-    if (!IsCharacter(static_cast<std::uint32_t>(chLetter)) || !IsCharacter(static_cast<std::uint32_t>(chMark)) ||
-        utf8proc_normalize_utf32(pair, 2, UTF8PROC_COMPOSE) != 1)
+    if (IsSurrogate(chLetter) || IsSurrogate(chMark) || utf8proc_normalize_utf32(pair, 2, UTF8PROC_COMPOSE) != 1)
         return std::nullopt;
     return static_cast<wchar_t>(pair[0]);
 }
@@ -273,55 +272,29 @@ bool CompatSetAnsiCodePage(unsigned nCodePage) {
 }
 
 int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, int nWideLength, LPSTR pszBytes,
-                               int nBytes, LPCSTR pszDefault, LPBOOL pbUsedDefault) {
-    if (pszWide == nullptr || nWideLength == 0 || nBytes < 0 || (pszBytes == nullptr && nBytes != 0))
-        return FailConversion(ERROR_INVALID_PARAMETER);
+                               int nBytes, LPCSTR, LPBOOL) {
     nCodePage = ResolveCodePage(nCodePage);
-    const bool bWholeUnicode = nCodePage == CP_UTF8 || nCodePage == g_nGb18030;
-    const DWORD nKnownFlags = bWholeUnicode ? WC_ERR_INVALID_CHARS : WC_COMPOSITECHECK;
-    if ((nFlags & ~nKnownFlags) != 0)
+    if (nFlags != 0 && (nCodePage == CP_UTF8 || nCodePage == g_nGb18030))
         return FailConversion(ERROR_INVALID_FLAGS);
     const std::wstring_view strWide(pszWide,
                                     nWideLength < 0 ? std::wcslen(pszWide) + 1 : static_cast<std::size_t>(nWideLength));
     COutput<char> output(pszBytes, nBytes);
-    BOOL bUsedDefault = FALSE;
     if (nCodePage == CP_UTF8) {
-        if (pszDefault != nullptr || pbUsedDefault != nullptr)
-            return FailConversion(ERROR_INVALID_PARAMETER);
         for (std::size_t nPosition = output.AppendAscii(strWide); nPosition < strWide.size();
              nPosition += output.AppendAscii(strWide.substr(nPosition))) {
             const wchar_t ch = strWide[nPosition++];
-            const bool bValid = IsCharacter(static_cast<std::uint32_t>(ch));
-            if (!bValid && (nFlags & WC_ERR_INVALID_CHARS) != 0)
-                return FailConversion(ERROR_NO_UNICODE_TRANSLATION);
-            AppendUtf8(output, static_cast<std::uint32_t>(bValid ? ch : g_chReplacement));
+            AppendUtf8(output, static_cast<std::uint32_t>(IsSurrogate(ch) ? g_chReplacement : ch));
         }
     } else {
         const std::lock_guard lock(g_codePageMutex);
         const CCodePage* pCodePage = FindCodePage(nCodePage);
-        if (pCodePage == nullptr)
-            return FailConversion(ERROR_INVALID_PARAMETER);
-        // One character, which may have two bytes.
-        std::string_view strDefault = "?";
-        if (pszDefault != nullptr) {
-            strDefault = {pszDefault, std::max<std::size_t>(std::strlen(pszDefault), 1)};
-            const auto character = pCodePage->ToWide(strDefault);
-            strDefault = strDefault.substr(0, character ? character->nBytes : 1);
-        }
-        const auto useDefault = [&] {
-            output.Append(strDefault);
-            bUsedDefault = TRUE;
-        };
         const auto append = [&](wchar_t ch) {
             if (static_cast<std::uint32_t>(ch) < 0x80)
                 output.Append(static_cast<char>(ch)); // in every code page
             else if (const auto strBytes = pCodePage->FromWide(ch))
                 output.Append(*strBytes);
-            else {
-                useDefault();
-                if (static_cast<std::uint32_t>(ch) > 0xFFFF && IsCharacter(static_cast<std::uint32_t>(ch)))
-                    useDefault(); // two units on Windows
-            }
+            else
+                output.Append(ch > 0xFFFF ? "??" : "?"); // beyond the basic plane, Windows has two units
         };
         for (std::size_t nPosition = 0; nPosition < strWide.size(); nPosition++) {
             const wchar_t ch = strWide[nPosition];
@@ -337,18 +310,12 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
             append(ch);
         }
     }
-    if (pbUsedDefault != nullptr)
-        *pbUsedDefault = bUsedDefault;
     return output.Finish();
 }
 
 int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR pszBytes, int nBytes, LPWSTR pszWide,
                                int nWideLength) {
-    if (pszBytes == nullptr || nBytes == 0 || nWideLength < 0 || (pszWide == nullptr && nWideLength != 0))
-        return FailConversion(ERROR_INVALID_PARAMETER);
     nCodePage = ResolveCodePage(nCodePage);
-    if ((nFlags & ~DWORD(MB_ERR_INVALID_CHARS)) != 0)
-        return FailConversion(ERROR_INVALID_FLAGS);
     const bool bStrict = (nFlags & MB_ERR_INVALID_CHARS) != 0;
     const std::string_view strBytes(pszBytes,
                                     nBytes < 0 ? std::strlen(pszBytes) + 1 : static_cast<std::size_t>(nBytes));
@@ -365,8 +332,6 @@ int WINAPI MultiByteToWideChar(UINT nCodePage, DWORD nFlags, LPCSTR pszBytes, in
     } else {
         const std::lock_guard lock(g_codePageMutex);
         const CCodePage* pCodePage = FindCodePage(nCodePage);
-        if (pCodePage == nullptr)
-            return FailConversion(ERROR_INVALID_PARAMETER);
         for (std::size_t nPosition = output.AppendAscii(strBytes); nPosition < strBytes.size();
              nPosition += output.AppendAscii(strBytes.substr(nPosition))) {
             const auto character = pCodePage->ToWide(strBytes.substr(nPosition));

@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr std::size_t g_nQueueLimit = 10000; // as Windows' default
 constexpr UINT g_nFirstRegistered = 0xC000;
 
 struct SWindow {
@@ -122,7 +121,7 @@ BOOL WINAPI IsWindowEnabled(HWND hWnd) {
 BOOL WINAPI PostMessageW(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
     SWindowSystem& system = System();
     const std::lock_guard lock(system.mutex);
-    if ((hWnd != nullptr && system.Find(hWnd) == nullptr) || system.queue.size() >= g_nQueueLimit)
+    if (hWnd != nullptr && system.Find(hWnd) == nullptr)
         return FALSE;
     system.queue.push_back({hWnd, nMessage, wParam, lParam});
     return TRUE;

@@ -196,8 +196,8 @@ COMPAT_API LONG_PTR WINAPI GetWindowLongPtrW(HWND hWnd, int nIndex);
 COMPAT_API BOOL WINAPI EnableWindow(HWND hWnd, BOOL bEnable);
 COMPAT_API BOOL WINAPI IsWindowEnabled(HWND hWnd);
 
-// Queues a message; what the parameters point at stays the affair of sender and receiver. 0 for an unknown window, and
-// when 10000 messages wait. A null window queues a message that no window receives.
+// Queues a message; what the parameters point at stays the affair of sender and receiver. 0 for an unknown window. A
+// null window queues a message that no window receives.
 COMPAT_API BOOL WINAPI PostMessageW(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam);
 // Takes the first message off the queue. hWnd null: messages of all windows; otherwise of that window only. nFilterMin
 // and nFilterMax both 0: all messages. nRemove must be PM_REMOVE.
@@ -238,7 +238,6 @@ COMPAT_API UINT WINAPI GetPrivateProfileIntW(LPCWSTR pszSection, LPCWSTR pszKey,
 #define CP_ACP 0
 #define CP_UTF8 65001
 #define MB_ERR_INVALID_CHARS 0x00000008
-#define WC_ERR_INVALID_CHARS 0x00000080
 #define WC_COMPOSITECHECK 0x00000200
 
 // The ANSI code page: that of the environment variable COMPAT_ANSI_CODE_PAGE, read once; 1252 when it is missing or
@@ -246,13 +245,11 @@ COMPAT_API UINT WINAPI GetPrivateProfileIntW(LPCWSTR pszSection, LPCWSTR pszKey,
 COMPAT_API UINT WINAPI GetACP();
 
 // Wide text to bytes. nWideLength -1: up to and including the zero. nBytes 0 asks for the length needed. Returns the
-// bytes written or needed, 0 on failure: ERROR_INSUFFICIENT_BUFFER (nothing useful in the buffer),
-// ERROR_INVALID_PARAMETER (null or empty source, unknown code page, for UTF-8 also a default character),
-// ERROR_INVALID_FLAGS, ERROR_NO_UNICODE_TRANSLATION (with WC_ERR_INVALID_CHARS, which the code pages that have all of
-// Unicode take; the other flags are for the others).
-// A character that the code page does not have becomes the default character ('?' when null), and *pbUsedDefault TRUE.
+// bytes written or needed, 0 on failure: ERROR_INSUFFICIENT_BUFFER (nothing useful in the buffer), ERROR_INVALID_FLAGS
+// (the code pages that have all of Unicode take none).
+// A character that the code page does not have becomes '?'; the default character of the caller's is ignored.
 // Look-alikes of characters are known for code page 1252 only, and the private-use characters of code page 936 are not
-// mapped. Values that are no characters (surrogates, above 0x10FFFF) become U+FFFD in UTF-8.
+// mapped. Surrogates become U+FFFD in UTF-8.
 COMPAT_API int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, int nWideLength,
                                           LPSTR pszBytes, int nBytes, LPCSTR pszDefault, LPBOOL pbUsedDefault);
 // Bytes to wide text, likewise. Bytes that are no character become U+FFFD, or fail with ERROR_NO_UNICODE_TRANSLATION
