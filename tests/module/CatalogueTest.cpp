@@ -1,9 +1,10 @@
-// The catalogue of node types: its rows' order, icons and visibility. What each row says stands in types/.
+// The catalogue of node types: its rows' icons and visibility. What each row says, and its place, stands in types/.
 #include <cstring>
+#include <limits>
 #include <set>
 
-#include "ContractTypes.h"
 #include "HostSetup.h"
+#include "ModuleHost.h"
 #include "SystemCalls.h"
 
 namespace {
@@ -44,30 +45,6 @@ private:
     }
 };
 
-TEST_F(Catalogue, HasARowForEachTypeInOrder) {
-    GUID guidArgument = TypeGuid(TYPE_MOUSE); // is ignored
-    P_ExtDevIOProcess node;
-    m_data.pNode = &node;
-    EXPECT_EQ(m_host.Call(0, &guidArgument, &m_data), 1);
-    EXPECT_EQ(GuidWords(guidArgument), GuidWords(TypeGuid(TYPE_MOUSE)));
-    EXPECT_EQ(m_data.pNode, &node);
-    ASSERT_EQ(m_data.arNodeInfo.GetSize(), ROW_COUNT);
-    for (INT_PTR i = 0; i < ROW_COUNT; ++i) {
-        const ContractType& type = ContractTypes()[static_cast<size_t>(i)];
-        SCOPED_TRACE(type);
-        const unsigned char bytes[16] = {0x40, 0xBB, 0x64, 0x81, 0x6A, 0x6B, 0x07, 0x47,
-                                         0x88, 0xB7, 0x38, 0x6B, 0xCB, 0x0D, 0x1B, type.nTypeByte};
-        EXPECT_EQ(std::memcmp(&Row(i).guidType, bytes, 16), 0);
-        EXPECT_EQ(Row(i).nInfoKind, 1);
-        EXPECT_EQ(Utf8(Row(i).strAux), "");
-        EXPECT_EQ(Row(i).hAux, nullptr);
-        EXPECT_EQ(Row(i).arAux.GetSize(), 0);
-        for (const unsigned nReserved : Row(i).aReserved) {
-            EXPECT_EQ(nReserved, 0u);
-        }
-    }
-}
-
 TEST_F(Catalogue, LoadsEachIconFromTheModuleInItsOwnSize) {
     TakeImageCalls();
     Register();
@@ -89,25 +66,14 @@ TEST_F(Catalogue, LoadsEachIconFromTheModuleInItsOwnSize) {
     EXPECT_FALSE(icons.contains(nullptr));
 }
 
-TEST_F(Catalogue, ModuleHoldsExactlyTheIconsOfItsRows) {
-    std::vector<unsigned> ids;
-    for (unsigned nId = 6990; nId <= 7030; ++nId) {
-        const HANDLE hIcon = LoadImageW(m_host.Module(), MAKEINTRESOURCEW(nId), IMAGE_ICON, 0, 0, 0);
-        if (hIcon != nullptr) {
-            ids.push_back(nId);
-            DestroyIcon(static_cast<HICON>(hIcon));
-        }
-    }
-    EXPECT_EQ(ids,
-              (std::vector<unsigned>{7000, 7001, 7002, 7003, 7004, 7005, 7006, 7007, 7009, 7010, 7011, 7012, 7013}));
-}
-
 TEST_F(Catalogue, IsAppendedBehindWhatTheArrayHoldsInTheTextsOfTheMoment) {
     SIOProcessNodeInfo foreign;
     foreign.nInfoKind = 42;
     foreign.strName = L"foreign";
     foreign.bEnable = 7;
     m_data.arNodeInfo.Add(foreign);
+    P_ExtDevIOProcess node;
+    m_data.pNode = &node;
     m_host.WriteFile("Config/Texts/en.json", R"({"IO_PROCESS_MOUSE": "Mouse"})");
     m_host.WriteFile("Config/Texts/zh.json", R"({"IO_PROCESS_MOUSE": "鼠标"})");
     ASSERT_TRUE(SetTextTable(ETextTable::English));
@@ -118,6 +84,7 @@ TEST_F(Catalogue, IsAppendedBehindWhatTheArrayHoldsInTheTextsOfTheMoment) {
     EXPECT_EQ(Row(0).nInfoKind, 42);
     EXPECT_EQ(Utf8(Row(0).strName), "foreign");
     EXPECT_EQ(Row(0).bEnable, 7);
+    EXPECT_EQ(m_data.pNode, &node) << "the slot isn't the catalogue's";
     EXPECT_EQ(Utf8(Row(1 + 3).strName), "Mouse");
     EXPECT_EQ(Utf8(Row(1 + ROW_COUNT + 3).strName), "鼠标");
 }
@@ -158,31 +125,11 @@ TEST_F(Catalogue, IniKeysRuleTheirOwnRowsOnly) {
     }
 }
 
-TEST_F(Catalogue, IniFilesRuleAsTheyAreRead) {
-    const std::pair<std::string, std::vector<int>> FILES[] = {
-        {"[IOProcess]\r\nNetParameterSend=2\r\nNetParameterReceive=3\r\nBroadcastSend=4\r\nGesture=5\r\nVRHandle=6\r\n",
-         {1, 1, 1, 1, 2, 3, 4, 1, 5, 6, 1, 1, 1}},
-        {"[IOProcess]\r\nVRHandle=off\r\n", {1, 1, 1, 1, 0, 0, 0, 1, 0, 0, 1, 1, 1}}, // a text without digits is 0
-        {"", WITHOUT_INI},                                                            // nothing is kept
-        // Keys of fixed rows, of other sections, of none; section and key are without case.
-        {"[IOProcess]\r\nKeyboard=0\r\nKeyCheck=0\r\nMouse=0\r\nBroadcastReceive=0\r\nBroadcastRev=0\r\n"
-         "ObjJsonReceive=0\r\nDevJsonReceive=0\r\nStringSend=0\r\n",
-         WITHOUT_INI},
-        {"Gesture=1\r\n[Other]\r\nNetParameterSend=1\r\nVRHandle=0\r\n", WITHOUT_INI},
-        {"[Other]\r\nGesture=0\r\n[ioprocess]\r\ngesture=1\r\n", {1, 1, 1, 1, 0, 0, 0, 1, 1, 1, 1, 1, 1}},
-        {"[IOProcess\r\nGesture=1\r\n", WITHOUT_INI},
-        {std::string("\x00\x01\x02[[[=\xFF\xFE", 10), WITHOUT_INI},
-    };
-    for (const auto& [text, expected] : FILES) {
-        EXPECT_EQ(EnabledUnder(text), expected) << text;
-    }
-}
-
-TEST_F(Catalogue, IniFileOfAnotherFolderIsNotRead) {
-    m_host.WriteFile("NodePlugin.ini", "[IOProcess]\r\nGesture=1\r\n");
-    m_host.WriteFile("Plugins/NodePlugin.ini", "[IOProcess]\r\nGesture=1\r\n");
-    Register();
-    EXPECT_EQ(Row(8).bEnable, 0);
+TEST_F(Catalogue, IniKeysOfFixedRowsAreIgnored) {
+    EXPECT_EQ(
+        EnabledUnder("[IOProcess]\r\nKeyboard=0\r\nKeyCheck=0\r\nMouse=0\r\nBroadcastReceive=0\r\nBroadcastRev=0\r\n"
+                     "ObjJsonReceive=0\r\nDevJsonReceive=0\r\nStringSend=0\r\n"),
+        WITHOUT_INI);
 }
 
 } // namespace

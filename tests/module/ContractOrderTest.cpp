@@ -1,5 +1,4 @@
-// The order of the virtual operations, and which of them each node class overrides.
-#include <algorithm>
+// The order of the virtual operations.
 #include <cstdint>
 #include <cstring>
 #include <iterator>
@@ -8,12 +7,9 @@
 
 namespace {
 
-/// The destructor's place in the main table. The Itanium C++ ABI gives it two, the second one for destroying and
-/// freeing.
+#if !defined(_MSC_VER)
+/// The destructor's places in the main table: two in the Itanium C++ ABI, the second one for destroying and freeing.
 constexpr int DESTRUCTOR_OPERATION = 4;
-#if defined(_MSC_VER)
-constexpr int DESTRUCTOR_PLACES = 1;
-#else
 constexpr int DESTRUCTOR_PLACES = 2;
 
 /// Place in its table of the operation that a pointer to member calls. In the Itanium C++ ABI (on this processor) the
@@ -80,99 +76,6 @@ TEST(ContractOrder, OperationsStandInOrder) {
 TEST(ContractOrder, MainTableStandsAtTheBeginningOfANode) {
     P_ExtDevIOProcess node;
     EXPECT_EQ(static_cast<void*>(&node), static_cast<void*>(static_cast<BaseStruct*>(&node)));
-}
-
-// ---- Which operations each class overrides -------------------------------------------------------------------------
-
-/// Address of the code at one place of an object's virtual table.
-std::uintptr_t CodeAt(const void* pObject, int nPlace) {
-    const std::uintptr_t* pTable;
-    std::memcpy(&pTable, pObject, sizeof pTable);
-    return pTable[nPlace];
-}
-
-/// Operations by their number in the main table, and whether all of the second table's but the height are overridden.
-struct Overrides {
-    unsigned char nTypeByte;
-    std::vector<int> operations;
-    bool bLayout = false;
-};
-
-constexpr int INIT_PARAM = 7;
-constexpr int NEED_UPDATE_SINGLE_PARAM = 10;
-constexpr int UPDATE_SINGLE_PARAM_VALUE = 11;
-constexpr int GET_NODE_OUTPUT = 15;
-constexpr int PROCESS_NODE = 16;
-constexpr int DEV_IO_EVENT_OCCURRED = 48;
-
-const Overrides OVERRIDES[] = {
-    {TYPE_KEYBOARD, {DESTRUCTOR_OPERATION, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}},
-    {TYPE_KEY_CHECK, {DESTRUCTOR_OPERATION, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}},
-    {TYPE_TEXT_FIELD, {DESTRUCTOR_OPERATION, GET_NODE_OUTPUT, PROCESS_NODE}},
-    {TYPE_MOUSE, {DESTRUCTOR_OPERATION, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}, true},
-    {TYPE_GESTURE, {DESTRUCTOR_OPERATION, INIT_PARAM, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}, true},
-    {TYPE_VR_HANDLE, {DESTRUCTOR_OPERATION, INIT_PARAM, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}, true},
-    {TYPE_NET_PARAMETER_SEND, {DESTRUCTOR_OPERATION, INIT_PARAM, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}, true},
-    {TYPE_DEVICE_JSON_RECEIVE,
-     {DESTRUCTOR_OPERATION, INIT_PARAM, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED},
-     true},
-    {TYPE_OBJECT_JSON_RECEIVE,
-     {DESTRUCTOR_OPERATION, INIT_PARAM, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}},
-    {TYPE_BROADCAST_SEND, {DESTRUCTOR_OPERATION, PROCESS_NODE}},
-    {TYPE_BROADCAST_RECEIVE, {DESTRUCTOR_OPERATION, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}},
-    {TYPE_NET_PARAMETER_RECEIVE,
-     {DESTRUCTOR_OPERATION, INIT_PARAM, GET_NODE_OUTPUT, PROCESS_NODE, DEV_IO_EVENT_OCCURRED}},
-    {TYPE_STRING_DATA_SEND,
-     {DESTRUCTOR_OPERATION, INIT_PARAM, NEED_UPDATE_SINGLE_PARAM, UPDATE_SINGLE_PARAM_VALUE, PROCESS_NODE,
-      DEV_IO_EVENT_OCCURRED}},
-};
-static_assert(std::size(OVERRIDES) == 13);
-
-/// Code at one place of each type's table: the types that don't override it share the inherited one, which none of the
-/// others has.
-void ExpectOverridden(const std::vector<std::uintptr_t>& code, const std::vector<bool>& overridden) {
-    std::vector<std::uintptr_t> inherited;
-    std::vector<std::uintptr_t> own;
-    for (size_t i = 0; i < code.size(); ++i) {
-        (overridden[i] ? own : inherited).push_back(code[i]);
-    }
-    std::sort(own.begin(), own.end());
-    EXPECT_EQ(std::adjacent_find(own.begin(), own.end()), own.end()) << "two classes with the same override";
-    for (const std::uintptr_t nCode : inherited) {
-        EXPECT_EQ(nCode, inherited.front()) << "an override too many";
-        EXPECT_FALSE(std::binary_search(own.begin(), own.end(), nCode)) << "an override too few";
-    }
-}
-
-using ContractOrderOfNodes = ModuleTest;
-
-TEST_F(ContractOrderOfNodes, EachClassOverridesItsOperationsAndInheritsTheOthers) {
-    std::vector<NodePtr> nodes;
-    for (const Overrides& type : OVERRIDES) {
-        nodes.push_back(m_host.CreateNode(type.nTypeByte));
-    }
-    for (int nOperation = 0; nOperation < 49; ++nOperation) {
-        SCOPED_TRACE("operation " + std::to_string(nOperation));
-        std::vector<std::uintptr_t> code;
-        std::vector<bool> overridden;
-        for (size_t i = 0; i < nodes.size(); ++i) {
-            const auto& operations = OVERRIDES[i].operations;
-            code.push_back(CodeAt(static_cast<BaseStruct*>(nodes[i].get()),
-                                  nOperation + (nOperation < DESTRUCTOR_OPERATION ? 0 : DESTRUCTOR_PLACES - 1)));
-            overridden.push_back(std::find(operations.begin(), operations.end(), nOperation) != operations.end());
-        }
-        ExpectOverridden(code, overridden);
-    }
-    for (int nOperation = 0; nOperation < 5; ++nOperation) {
-        SCOPED_TRACE("operation " + std::to_string(nOperation) + " of the second table");
-        std::vector<std::uintptr_t> code;
-        std::vector<bool> overridden;
-        for (size_t i = 0; i < nodes.size(); ++i) {
-            code.push_back(CodeAt(static_cast<SParamGrpPosAdjust*>(nodes[i].get()), nOperation));
-            overridden.push_back(OVERRIDES[i].bLayout && nOperation != 2);
-        }
-        ExpectOverridden(code, overridden);
-    }
 }
 
 } // namespace

@@ -81,15 +81,6 @@ TEST(HostJson, ValuesAreTheirText) {
     }
 }
 
-TEST(HostJson, NestedMembersAreNoMembers) {
-    EXPECT_EQ(Split(R"({"a":{"b":"1"},"c":[{"d":"2"}]})"), (Members{{"a", R"({"b":"1"})"}, {"c", R"([{"d":"2"}])"}}));
-}
-
-TEST(HostJson, TheDeepestTextThatTheLibraryReadsIsSplit) {
-    const std::string strNested = std::string(127, '[') + std::string(127, ']');
-    EXPECT_EQ(ValueText(strNested), strNested);
-}
-
 TEST(HostJson, WhatIsNoObjectHasNoMembers) {
     for (const char* pszText : {"null", "true", "1", "\"a\"", "[]", "[{\"a\":1}]"}) {
         EXPECT_EQ(Split(pszText), Members{}) << pszText;

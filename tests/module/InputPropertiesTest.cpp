@@ -1,15 +1,12 @@
-// What comes of any stroke and of any keys. Each run tries others and prints the seed of them: with it in the
+// What comes of any stroke. Each run tries others and prints the seed of them: with it in the
 // environment, as in RC_PARAMS="seed=123", a property that failed fails again.
-#include <array>
 #include <cstdlib>
-#include <string>
 #include <utility>
 #include <vector>
 
 #include <rapidcheck.h>
 
 #include "ModuleHost.h"
-#include "TestMachine.h"
 
 namespace {
 
@@ -19,8 +16,6 @@ void ExpectAlways(Property property) {
 }
 
 using InputProperties = ModuleTest;
-
-// ---- Strokes -------------------------------------------------------------------------------------------------------
 
 enum Output : int { START_MOVE = 752, END_MOVE = 753, LEFT = 754, RIGHT = 755, UP = 756, DOWN = 757, NONE = 0 };
 
@@ -91,63 +86,6 @@ TEST_F(InputProperties, StrokesEndWithTheSwipeOfTheirKeyPoints) {
         RC_ASSERT(m_host.TakeFiredOutputs() == expected);
     });
     EXPECT_GT(nSwipes, 0);
-}
-
-// ---- Text field ----------------------------------------------------------------------------------------------------
-
-struct Key {
-    const wchar_t* pszName;
-    /// What it appends while Caps Lock is off, toggled on, held, or both.
-    std::array<const wchar_t*, 4> typed;
-};
-
-const Key KEYS[] = {{L"q", {L"q", L"Q", L"Q", L"Q"}},
-                    {L"Q", {L"q", L"Q", L"Q", L"Q"}},
-                    {L"Shift+q", {L"Q", L"Q", L"q", L"q"}},
-                    {L"5", {L"5", L"5", L"5", L"5"}},
-                    {L"Shift+5", {L"%", L"%", L"%", L"%"}},
-                    {L"Num 5", {L"5", L"5", L"5", L"5"}},
-                    {L"Num Del", {L".", L".", L".", L"."}},
-                    {L"Num Lock", {L"", L"", L"", L""}},
-                    {L"Space", {L" ", L" ", L" ", L" "}},
-                    {L"Enter", {L"Enter", L"Enter", L"Enter", L"Enter"}},
-                    {L"中文", {L"中文", L"中文", L"中文", L"中文"}}};
-
-TEST_F(InputProperties, TextIsWhatItsKeysMadeOfItOneByOne) {
-    const int BACKSPACE = std::size(KEYS);
-    const int CLEAR = BACKSPACE + 1;
-    const int NO_KEY = BACKSPACE + 2;
-    TestKeyboard keyboard;
-    ExpectAlways([&] {
-        NodeScene scene(m_host, TYPE_TEXT_FIELD);
-        VEKParam& keyName = scene.AddGraphInput(202, 1, 6);
-        VEKParam& input = scene.AddGraphInput(203, 26, 7);
-        VEKParam& clear = scene.AddGraphInput(204, 26, 7);
-        std::wstring text;
-        // Keys with the states of Caps Lock.
-        const auto strokes = *rc::gen::container<std::vector<std::pair<int, int>>>(
-            rc::gen::pair(rc::gen::inRange(0, NO_KEY + 1), rc::gen::inRange(0, 4)));
-        for (const auto& [nKey, nCapsLock] : strokes) {
-            keyboard.ReleaseAll();
-            keyboard.Toggle(VK_CAPITAL, nCapsLock % 2 != 0);
-            if (nCapsLock >= 2) {
-                keyboard.Hold(VK_CAPITAL);
-            }
-            keyName.m_strValue = nKey < BACKSPACE ? KEYS[nKey].pszName : L"Backspace";
-            input.m_nValue = nKey <= BACKSPACE ? 1 : 0;
-            clear.m_nValue = nKey == CLEAR ? 1 : 0;
-            RC_ASSERT(scene.Evaluate() == 1);
-            if (nKey < BACKSPACE) {
-                text += KEYS[nKey].typed.at(static_cast<size_t>(nCapsLock));
-            } else if (nKey == BACKSPACE) {
-                text.resize(text.empty() ? 0 : text.size() - 1);
-            } else if (nKey == CLEAR) {
-                text.clear();
-            }
-            RC_ASSERT(Utf8(scene.Output(253).m_strValue) == Utf8(text.c_str()));
-            RC_ASSERT(scene.Output(252).m_nValue == (text.empty() ? 0 : 1));
-        }
-    });
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // node holds. A display text that was looked up stands as <its key>; "sets" names the values that the node writes
 // itself rather than leave them to the host. To write the files anew, and then to read what changed in them:
 //     RENEW_TYPES=1 build/debug/bin/module_tests --gtest_filter='*TypeFile*'
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -27,11 +28,14 @@ protected:
             const SIOProcessNodeInfo& row = data.arNodeInfo[i];
             if (GuidWords(row.guidType) == GuidWords(TypeGuid(GetParam().nTypeByte))) {
                 found = {{"row", i},
+                         {"kind", row.nInfoKind},
                          {"name", Utf8(row.strName)},
                          {"tip", Utf8(row.strTip)},
                          {"icon", images.at(static_cast<size_t>(i)).nName},
                          {"offered", row.bEnable}};
             }
+            EXPECT_TRUE(row.strAux.IsEmpty() && row.hAux == nullptr && row.arAux.IsEmpty());
+            EXPECT_EQ(std::ranges::count(row.aReserved, 0u), std::ssize(row.aReserved));
             DestroyIcon(row.hIcon);
         }
         return found;

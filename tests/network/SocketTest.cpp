@@ -105,10 +105,4 @@ TEST(DeviceList, FindsTheFirstDeviceOfANumber) {
     SetNetPlayCtrlDevices(nullptr);
 }
 
-TEST(IntToStr, IsDecimal) {
-    EXPECT_EQ(Utf8(QORIntToStr(0)), "0");
-    EXPECT_EQ(Utf8(QORIntToStr(2147483647)), "2147483647");
-    EXPECT_EQ(Utf8(QORIntToStr(-2147483647 - 1)), "-2147483648");
-}
-
 } // namespace
