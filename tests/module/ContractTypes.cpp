@@ -18,6 +18,11 @@ ContractPayloads::ContractPayloads() {
     objectText.m_strText = L"any";
 }
 
+void ContractPayloads::SetTexts(const CString& strText) {
+    key.m_strText = remote.m_strKeyValue = remote.m_strHelpParameter = strText;
+    broadcast.m_strName = broadcast.m_strData = objectText.m_strText = strText;
+}
+
 namespace {
 
 const char* const NULL_RECORD = "[Clip.Graph.Node]DevIOEventOccurred函数数据错误";
@@ -25,7 +30,6 @@ const char* const NULL_RECORD = "[Clip.Graph.Node]DevIOEventOccurred函数数据
 const std::vector<ContractType> TYPES = {
     {.nTypeByte = TYPE_KEYBOARD,
      .pszName = "Keyboard",
-     .pszNameKey = "IO_PROCESS_KEYBOARD",
      .acts = {"log [Clip.Graph.Node]触发输出事件[按下]键盘信息为[a]",
               "log [Clip.Graph.Node]触发输出事件[抬起]键盘信息为[a]", "fired 152", "fired 153", "KeyText is \"a\""},
      .devices = {0},
@@ -37,7 +41,6 @@ const std::vector<ContractType> TYPES = {
      .bEvaluatesWithoutClip = true},
     {.nTypeByte = TYPE_KEY_CHECK,
      .pszName = "KeyCheck",
-     .pszNameKey = "IO_PROCESS_KEY_CHECK",
      .acts = {"fired 1152", "fired 1154"},
      .pTrigger = [](NodeScene& scene) { scene.Input(1102).m_nValue = 'A'; },
      .bSwitched = true,
@@ -45,7 +48,6 @@ const std::vector<ContractType> TYPES = {
      .neededInputs = {1102, 1103}},
     {.nTypeByte = TYPE_TEXT_FIELD,
      .pszName = "TextField",
-     .pszNameKey = "IO_PROCESS_TEXTFIELDINPUT",
      .acts = {"log [Clip]触发输入事件[输入事件]", "log [Clip]触发输入事件[输入事件]", "HasText is 1", "Text is \"xx\""},
      .pTrigger =
          [](NodeScene& scene) {
@@ -55,7 +57,6 @@ const std::vector<ContractType> TYPES = {
      .bSwitched = true},
     {.nTypeByte = TYPE_MOUSE,
      .pszName = "Mouse",
-     .pszNameKey = "IO_PROCESS_MOUSE",
      .acts = {"log [Clip.Graph.Node]触发输出事件[左键按下]", "fired 358", "ButtonL is 1", "PixelX is 10",
               "PixelY is 20", "RelativeX is 0.25", "RelativeY is 0.75"},
      .devices = {1},
@@ -68,7 +69,6 @@ const std::vector<ContractType> TYPES = {
      .pszLayoutFile = "CVEKIOMouse.XML"},
     {.nTypeByte = TYPE_NET_PARAMETER_SEND,
      .pszName = "NetParameterSend",
-     .pszNameKey = "IO_PROCESS_NETSEND",
      .acts = {"log [Clip.Graph.Node]触发事件", "log [Clip.Graph.Node]触发事件", "sent to 5", "sent to 5"},
      .pTrigger =
          [](NodeScene& scene) {
@@ -78,20 +78,20 @@ const std::vector<ContractType> TYPES = {
      .nAnswerToOtherEvents = 1,
      .pszLayoutFile = "CVEKIONetParameterSend.XML",
      .neededInputs = {412},
-     .nTrigger = 410},
+     .nTrigger = 410,
+     .bUpgrades = true},
     {.nTypeByte = TYPE_NET_PARAMETER_RECEIVE,
      .pszName = "NetParameterReceive",
-     .pszNameKey = "IO_PROCESS_NETRECEIVE",
      .acts = {"log [Clip.Graph.Node 触发[网络触发]事件]", "reported 554", "KeyValue is \"value\""},
      .devices = {2, 4},
      .pEvents = [](ContractPayloads& payloads) -> std::vector<ContractEvent> {
          return {{0, static_cast<CQORIOAttachedData*>(&payloads.remote)}};
      },
      .pszNullRecord = NULL_RECORD,
-     .neededInputs = {502, 503, 504}},
+     .neededInputs = {502, 503, 504},
+     .bUpgrades = true},
     {.nTypeByte = TYPE_BROADCAST_SEND,
      .pszName = "BroadcastSend",
-     .pszNameKey = "IO_PROCESS_BROADCAST",
      .acts = {"datagram", "datagram"},
      .pTrigger =
          [](NodeScene& scene) {
@@ -101,7 +101,6 @@ const std::vector<ContractType> TYPES = {
      .nTrigger = 606},
     {.nTypeByte = TYPE_BROADCAST_RECEIVE,
      .pszName = "BroadcastReceive",
-     .pszNameKey = "IO_PROCESS_BROADCASTREV",
      .acts = {"Name is \"score\"", "Data is \"12|7\""},
      .devices = {2},
      .pEvents = [](ContractPayloads& payloads) -> std::vector<ContractEvent> {
@@ -110,7 +109,6 @@ const std::vector<ContractType> TYPES = {
      .pszNullRecord = NULL_RECORD},
     {.nTypeByte = TYPE_GESTURE,
      .pszName = "Gesture",
-     .pszNameKey = "TOUCH_CONTROL_TOUCH_GESTURE",
      .acts = {"log [Clip.Graph.Node]触发输出事件[开始拖动]", "log [Clip.Graph.Node]触发输出事件[结束拖动]",
               "log [Clip.Graph.Node]触发输出事件[向右滑动]", "fired 752", "fired 753", "fired 755"},
      .devices = {1},
@@ -123,10 +121,10 @@ const std::vector<ContractType> TYPES = {
      .pszLayoutFile = "CVEKIOGesture.XML",
      .pMakeOutputsOld = [](NodeScene& scene) { scene.RemoveOutput(758); },
      .bNeedsGroups = true,
+     .bUpgrades = true,
      .nAddedToForeignOutputs = 1},
     {.nTypeByte = TYPE_VR_HANDLE,
      .pszName = "VRHandle",
-     .pszNameKey = "IO_PROCESS_VRHANLDE",
      .acts = {"fired 862", "fired 865", "fired 863", "fired 864", "fired 866", "fired 867", "PosX is 1.5",
               "HitPosZ is 2.5"},
      .devices = {3},
@@ -135,6 +133,7 @@ const std::vector<ContractType> TYPES = {
      },
      .pszNullRecord = NULL_RECORD,
      .bNullRecordWhileDisabled = false,
+     .bAnyEventId = true,
      .bSwitched = true,
      .bEvaluatesWithoutClip = true,
      .pszLayoutFile = "CVEKIOVRHandle.XML",
@@ -144,33 +143,33 @@ const std::vector<ContractType> TYPES = {
              delete scene.m_graphNode.m_lstOutputGroup.GetAt(posHit);
              scene.m_graphNode.m_lstOutputGroup.RemoveAt(posHit);
          },
-     .bNeedsGroups = true},
+     .bNeedsGroups = true,
+     .bUpgrades = true},
     {.nTypeByte = TYPE_OBJECT_JSON_RECEIVE,
      .pszName = "ObjectJsonReceive",
-     .pszNameKey = "IO_PROCESS_OBJ_JSON_RECEIVE",
      .acts = {"log [Clip.Graph.Node 触发[地图反馈]事件]", "reported 1253", "ReceiveData is \"any\""},
      .devices = {6},
      .pEvents = [](ContractPayloads& payloads) -> std::vector<ContractEvent> {
          return {{0, &payloads.objectText}};
      },
      .pszNullRecord = NULL_RECORD,
+     .bAnyEventId = true,
      .neededInputs = {1202, 1203, 1204},
      .bNeedsGroups = true},
     {.nTypeByte = TYPE_DEVICE_JSON_RECEIVE,
      .pszName = "DeviceJsonReceive",
-     .pszNameKey = "IO_PROCESS_DEV_JSON_RECEIVE",
      .acts = {"log [Clip.Graph.Node 触发[接收设备json]事件]", "reported 1453", "ReceiveData is \"{}\""},
      .devices = {5},
      .pEvents = [](ContractPayloads& payloads) -> std::vector<ContractEvent> {
          return {{0, &payloads.deviceText}};
      },
      .pszNullRecord = "[Clip.Graph.Node]DevIOEventOccurred: pIOData == NULL",
+     .bAnyEventId = true,
      .pszLayoutFile = "CVEKIODevJsonReceive.XML",
      .neededInputs = {1402, 1403, 1404, 1405, 1406, 1407, 1408, 1409},
      .bNeedsGroups = true},
     {.nTypeByte = TYPE_STRING_DATA_SEND,
      .pszName = "StringDataSend",
-     .pszNameKey = "IO_PROCESS_STRING_SEND",
      .acts = {"log [Clip.Graph.Node]触发发送事件", "log [Clip.Graph.Node]触发发送事件", "sent to 5", "sent to 5"},
      .pTrigger =
          [](NodeScene& scene) {

@@ -8,6 +8,9 @@
 struct ContractPayloads {
     ContractPayloads();
 
+    /// Texts that types offer as they came.
+    void SetTexts(const CString& strText);
+
     SKeyEventData key;
     SQORMouseData stroke[3] = {{1, 0.25f, 0.75f, CPoint(10, 20), 0},
                                {1, 100.25f, 0.75f, CPoint(110, 20), 0},
@@ -28,7 +31,6 @@ struct ContractEvent {
 struct ContractType {
     unsigned char nTypeByte;
     const char* pszName;
-    const char* pszNameKey;
     std::vector<std::string> acts; ///< what is seen of an enabled node that is given its events or its triggers
 
     std::vector<int> devices = {};                                      ///< whose events it takes
@@ -37,6 +39,7 @@ struct ContractType {
     const char* pszNullRecord = nullptr;  ///< the line that a missing record is logged with
     bool bNullRecordWhileDisabled = true; ///< logged by a disabled node, too
     int nAnswerToOtherEvents = 0;         ///< and to missing records
+    bool bAnyEventId = false;             ///< acts on its payloads whatever the event's id is
     bool bSwitched = false;               ///< has "Enable"; events follow what that was at the last evaluation
     bool bEvaluatesWithoutClip = false;
     const char* pszLayoutFile = nullptr;
@@ -45,6 +48,7 @@ struct ContractType {
     unsigned nPanelInput = 0;                      ///< the input whose edit the node wants to hear of
     unsigned nTrigger = 0;                         ///< the input that pTrigger sets, on the graph node
     bool bNeedsGroups = false;                     ///< InitParam takes no node without parameters
+    bool bUpgrades = false;                        ///< InitParam makes any version that of a new node
     int nAddedToForeignOutputs = 0;                ///< pins that the node adds to a group that isn't its own
 
     friend std::ostream& operator<<(std::ostream& out, const ContractType& type) { return out << type.pszName; }

@@ -22,11 +22,11 @@ class DeviceJsonReceiveNode : public ModuleTest {
 protected:
     DeviceJsonReceiveNode() { m_scene.Evaluate(); }
 
-    int Send(const CString& strText, int nDeviceId = 1, int nEvent = 0) {
+    int Send(const CString& strText, int nDeviceId = 1) {
         SDeviceTextData text;
         text.m_nDeviceId = nDeviceId;
         text.m_strText = strText;
-        return m_scene.Send(5, nEvent, &text);
+        return m_scene.Send(5, 0, &text);
     }
 
     /// Ask for pairs of a key and a value.
@@ -73,12 +73,6 @@ protected:
 };
 
 // ---- Whose texts it takes ------------------------------------------------------------------------------------------
-
-TEST_F(DeviceJsonReceiveNode, TheEventIdMeansNothing) {
-    for (const int nEvent : {-1, 0, 1, 3005}) {
-        EXPECT_EQ(Send(L"{}", 1, nEvent), 1) << nEvent;
-    }
-}
 
 TEST_F(DeviceJsonReceiveNode, AnotherDevicesTextIsRefusedSilently) {
     for (const int nDeviceId : {2, 0, -1, 10001, 0x10001}) {
@@ -149,25 +143,6 @@ TEST_F(DeviceJsonReceiveNode, AnEmptyValueWantsAnEmptyText) {
     ExpectAllRefused({L"{\"cmd\":\"start\"}", L"{}", L"{\"cmd\":null}", L"{\"cmd\":[]}"});
 }
 
-TEST_F(DeviceJsonReceiveNode, ValuesThatAreNoStringsAreComparedAsText) {
-    const std::pair<const wchar_t*, const wchar_t*> cases[] = {
-        {L"1", L"{\"v\":1}"},
-        {L"1", L"{\"v\":\"1\"}"},
-        {L"-1.5", L"{\"v\":-1.50}"},
-        {L"true", L"{\"v\":true}"},
-        {L"null", L"{\"v\":null}"},
-        {L"null", L"{\"v\":\"null\"}"},
-        {L"[1,2]", L"{\"v\":[ 1, 2 ]}"},
-        {L"{\"a\":\"b\"}", L"{\"v\": {\"a\" : \"b\"} }"},
-    };
-    for (const auto& [pszValue, pszText] : cases) {
-        Check({L"v", pszValue});
-        ExpectTaken(pszText);
-        Check({L"v", CString(pszValue) + L" "});
-        ExpectRefused(pszText);
-    }
-}
-
 TEST_F(DeviceJsonReceiveNode, AllPairsMustMatch) {
     const wchar_t* const pszText = L"{\"c\":\"3\",\"a\":\"1\",\"b\":\"2\"}";
     Check({L"a", L"1", L"b", L"2", L"c", L"3"});
@@ -207,20 +182,6 @@ TEST_F(DeviceJsonReceiveNode, FewerValuesThanKeysRaiseInvalidArgument) {
     }
     ExpectSilence();
     ExpectTaken(L"{\"a\":\"1\",\"b\":\"2\"}");
-}
-
-TEST_F(DeviceJsonReceiveNode, InitParamLeavesAnyVersionAsTheObjectNodesDoes) {
-    for (const unsigned char nTypeByte : {TYPE_DEVICE_JSON_RECEIVE, TYPE_OBJECT_JSON_RECEIVE}) {
-        NodeScene scene(m_host, nTypeByte);
-        for (const int nVersion : {0, 1, 2, 10000}) {
-            scene.Input(7).m_nValue = nVersion;
-            scene.m_pNode->InitParam();
-            EXPECT_EQ(scene.Input(7).m_nValue, nVersion);
-        }
-        scene.RemoveInput(7);
-        scene.m_pNode->InitParam();
-        EXPECT_EQ(FindParam(scene.m_pNode->m_lstParamGroup, MakeParamGuid(7)), nullptr);
-    }
 }
 
 } // namespace

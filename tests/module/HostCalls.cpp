@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <string_view>
 
 #include "ReplacedCalls.h"
 #include "host/HostCommon.h"
@@ -22,8 +23,6 @@ namespace {
 const wchar_t LIBRARY[] = L"VEKCommonx.dll";
 const wchar_t JSON_LIBRARY[] = L"VEKRenderx.dll";
 
-std::wstring_view s_failingKey;
-int s_nAnswered = 0;
 void (*s_pRaise)() = nullptr;
 
 CarelessHost* s_pCareless = nullptr;
@@ -47,7 +46,7 @@ void ParseObject(const web::json::value& value, CStringArray& arKey, CStringArra
 
 CString LoadFailableString(const wchar_t* pszKey) {
     static const auto s_pOriginal = Original<decltype(PXLoadString)>(LIBRARY, LOAD_STRING);
-    if (s_pRaise != nullptr && pszKey == s_failingKey && s_nAnswered-- <= 0) {
+    if (s_pRaise != nullptr && std::wstring_view(pszKey) == L"TOUCH_CONTROL_OWNER_CLIP") {
         s_pRaise();
     }
     return s_bTextsMarked ? CString(L"<") + pszKey + L">" : s_pOriginal(pszKey);
@@ -103,9 +102,7 @@ void WatchHostCalls(HMODULE hModule) {
     ReplaceImport(hModule, JSON_LIBRARY, PARSE_OBJECT, ParseObject);
 }
 
-FailingText::FailingText(std::wstring_view key, int nAnswered, void (*pRaise)()) {
-    s_failingKey = key;
-    s_nAnswered = nAnswered;
+FailingText::FailingText(void (*pRaise)()) {
     s_pRaise = pRaise;
 }
 

@@ -2,7 +2,6 @@
 // one that leaves whatever it may in what it makes, and one that loses values.
 #pragma once
 
-#include <string_view>
 #include <vector>
 
 #include <afxwin.h>
@@ -10,13 +9,10 @@
 /// Start standing there for a module that has just been loaded.
 void WatchHostCalls(HMODULE hModule);
 
-/// A text that every general event asks for once.
-inline constexpr wchar_t TEXT_OF_EVENTS[] = L"TOUCH_CONTROL_OWNER_CLIP";
-
-/// While an object lives, PXLoadString raises something for this key, behind so many calls that it answers.
+/// While an object lives, PXLoadString raises something for a text that every general event asks for.
 class FailingText {
 public:
-    explicit FailingText(std::wstring_view key, int nAnswered = 0, void (*pRaise)() = AfxThrowMemoryException);
+    explicit FailingText(void (*pRaise)() = AfxThrowMemoryException);
     ~FailingText();
 
     FailingText(const FailingText&) = delete;

@@ -78,13 +78,6 @@ TEST_F(KeyboardNode, TextsOfAnyKindPassUnchanged) {
     }
 }
 
-TEST_F(KeyboardNode, TextsWithAZeroInsideArriveWhole) {
-    for (const CString& strText : {CString(L"a\0b", 3), CString(L"a\0c", 3), CString(L"a"), CString(L"\0", 1)}) {
-        Press(strText);
-        EXPECT_EQ(EvaluatedText(), Utf8(strText));
-    }
-}
-
 TEST_F(KeyboardNode, OtherIdsAreConsumedWithoutEffect) {
     Press(L"a");
     EXPECT_EQ(FiredWith("a"), Outputs{KEY_DOWN});
@@ -124,14 +117,6 @@ TEST_F(KeyboardNode, EqualTextIsNotWrittenAgain) {
     EXPECT_EQ(m_scene.Output(KEY_TEXT).m_strValue.GetString(), pBuffer);
     Press(L"other");
     EXPECT_EQ(EvaluatedText(), "other");
-}
-
-TEST_F(KeyboardNode, WithoutTheTextsOutputAnEvaluationIsNotHandledButEnables) {
-    NodeScene other(m_host, TYPE_KEYBOARD);
-    other.RemoveOutput(KEY_TEXT);
-    EXPECT_EQ(other.Evaluate(), 0);
-    EXPECT_EQ(other.Send(DEVICE, RELEASE), 1);
-    EXPECT_EQ(FiredWith(""), Outputs{KEY_UP});
 }
 
 TEST_F(KeyboardNode, WritesIntoAndNamesTheGraphNodeLastEvaluated) {

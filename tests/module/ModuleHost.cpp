@@ -292,15 +292,3 @@ void ModuleTest::ExpectReported(const NodeScene& scene, int nOutput, const LogLi
     EXPECT_EQ(events[0].nOutput, nOutput);
     ExpectSilence({line});
 }
-
-void ExpectFreshNode(const VEKProperty& node, unsigned char nTypeByte, const char* pszNameKey) {
-    EXPECT_EQ(Utf8(node.m_strName), pszNameKey);
-    EXPECT_EQ(Utf8(node.m_strSecondName), pszNameKey);
-    EXPECT_EQ(node.m_nKindCode, 247);
-    EXPECT_EQ(GuidWords(node.m_guidType), GuidWords(TypeGuid(nTypeByte)));
-    EXPECT_EQ(node.m_pOwnerClip, nullptr);
-    EXPECT_EQ(node.m_hEventWnd, nullptr);
-    EXPECT_EQ(node.m_nEventMsg, 0u);
-    EXPECT_EQ(node.m_hNotifyWnd, nullptr);
-    EXPECT_EQ(node.m_nNotifyMsg, 0u);
-}

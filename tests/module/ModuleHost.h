@@ -215,9 +215,6 @@ bool RaisesInvalidArgument(Function function) {
     return false;
 }
 
-/// What every node has right after it was made: names (the key of its type), kind, type; no owner, no windows.
-void ExpectFreshNode(const VEKProperty& node, unsigned char nTypeByte, const char* pszNameKey);
-
 /// Items of a list in order.
 template <typename T>
 std::vector<T> Items(const CList<T>& list) {

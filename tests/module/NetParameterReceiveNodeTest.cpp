@@ -72,15 +72,6 @@ TEST_F(NetParameterReceiveNode, EveryPartOfTheAddressMustMatch) {
     EXPECT_EQ(Send(), 1);
 }
 
-TEST_F(NetParameterReceiveNode, TextsWithAZeroInsideArriveWhole) {
-    for (const CString& strText : {CString(L"a\0b", 3), CString(L"a\0c", 3), CString(L"a"), CString(L"\0", 1)}) {
-        m_record.m_strKeyValue = m_record.m_strHelpParameter = strText;
-        EXPECT_EQ(Send(), 1);
-        EXPECT_EQ(Output(KEY_VALUE), Utf8(strText));
-        EXPECT_EQ(Output(HELP_PARAMETER), Utf8(strText));
-    }
-}
-
 TEST_F(NetParameterReceiveNode, AddressesAreComparedBeyondAZeroInside) {
     const std::pair<CString*, CString*> TEXTS[] = {{&m_record.m_strClipName, &m_scene.m_clip.m_strName},
                                                    {&m_record.m_strGroupName, &m_scene.Input(NAME_OF_GROUP).m_strValue},

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr unsigned ENABLE = 2;
+constexpr unsigned ENABLE = 2, VERSION = 7;
 
 using Seen = std::vector<std::string>;
 
@@ -143,7 +143,12 @@ INSTANTIATE_TEST_SUITE_P(Types, NodeContract, testing::ValuesIn(ContractTypes())
 // ---- A new node ----------------------------------------------------------------------------------------------------
 
 TEST_P(NodeContract, IsFresh) {
-    ExpectFreshNode(*m_host.CreateNode(m_type.nTypeByte), m_type.nTypeByte, m_type.pszNameKey);
+    const NodePtr pNode = m_host.CreateNode(m_type.nTypeByte);
+    EXPECT_EQ(pNode->m_pOwnerClip, nullptr);
+    EXPECT_EQ(pNode->m_hEventWnd, nullptr);
+    EXPECT_EQ(pNode->m_nEventMsg, 0u);
+    EXPECT_EQ(pNode->m_hNotifyWnd, nullptr);
+    EXPECT_EQ(pNode->m_nNotifyMsg, 0u);
 }
 
 TEST_P(NodeContract, OutputsAreMadeOnce) {
@@ -210,6 +215,23 @@ TEST_P(NodeContract, ANewNodeNeedsNoUpgrade) {
     EXPECT_EQ(TextOf(m_lstOutput), outputs);
 }
 
+TEST_P(NodeContract, InitParamMakesAnyVersionTheNewestOrKeepsIt) {
+    VEKParam* const pVersion = FindParam(m_lstInput, MakeParamGuid(VERSION));
+    if (pVersion == nullptr) {
+        return;
+    }
+    const int nNewest = pVersion->m_nValue;
+    m_lstInput.AddHead(new VEKParamGroup); // it's found in any group
+    for (const int nVersion : {nNewest - 1, nNewest + 1, 0, -1}) {
+        pVersion->m_nValue = nVersion;
+        m_scene.m_pNode->InitParam();
+        EXPECT_EQ(pVersion->m_nValue, m_type.bUpgrades ? nNewest : nVersion) << nVersion;
+    }
+    m_scene.RemoveInput(VERSION);
+    m_scene.m_pNode->InitParam();
+    EXPECT_EQ(FindParam(m_lstInput, MakeParamGuid(VERSION)), nullptr) << "none is added";
+}
+
 TEST_P(NodeContract, AnEmptyListOfChoicesIsFilledAndAnotherKept) {
     m_lstInput.AddHead(new VEKParamGroup); // it's found in any group
     const std::string asMade = TextOf(m_lstInput);
@@ -242,9 +264,14 @@ TEST_P(NodeContract, AsksForEditsOfItsPanelInputOnly) {
     for (const auto& group : CellsOf(m_lstInput)) {
         for (const auto& param : group["params"]) {
             const GUID guid = MakeParamGuid(param["id"]);
-            const bool bAsks = guid.Data1 == m_type.nPanelInput;
+            const unsigned nId = guid.Data1;
+            const bool bAsks = nId == m_type.nPanelInput;
             EXPECT_EQ(m_scene.m_pNode->NeedUpdateSingleParam(guid), bAsks ? TRUE : FALSE) << param;
             EXPECT_EQ(m_scene.m_pNode->UpdateSingleParamValue(guid), 0) << param << ", not evaluated yet";
+            for (const GUID& other : {GUID{nId, 1, 0, {}}, GUID{nId, 0, 1, {}}, GUID{nId, 0, 0, {1}},
+                                      GUID{nId, 0, 0, {0, 0, 0, 0, 0, 0, 0, 1}}}) {
+                EXPECT_FALSE(m_scene.m_pNode->NeedUpdateSingleParam(other));
+            }
         }
     }
 }
@@ -350,6 +377,8 @@ TEST_P(NodeContract, EachMissingPinIsSkipped) {
                 return line.starts_with(pin["name"].get<std::string>() + " is ");
             });
             EXPECT_EQ(Act(scene), expected) << pin;
+            const bool bMissed = m_type.nTypeByte == TYPE_KEYBOARD && pin["name"] == "KeyText";
+            EXPECT_EQ(m_nAnswer, bMissed ? 0 : 1) << pin;
         }
     }
 }
@@ -369,11 +398,23 @@ TEST_P(NodeContract, NoPinIsNeededNorMade) {
     EXPECT_TRUE(m_lstOutput.IsEmpty());
 }
 
-TEST_P(NodeContract, WithoutEventWindowOnlyItsEventsAreMissing) {
-    m_scene.m_pNode->m_hEventWnd = nullptr;
+TEST_P(NodeContract, WithoutEventWindowOrMessageOnlyItsEventsAreMissing) {
     Seen expected = m_type.acts;
     std::erase_if(expected, [](const std::string& line) { return line.starts_with("fired "); });
-    EXPECT_EQ(Act(), expected);
+    for (const bool bWindow : {false, true}) {
+        NodeScene scene(m_host, m_type.nTypeByte);
+        P_ExtDevIOProcess& node = *scene.m_pNode;
+        if (bWindow) {
+            node.m_nEventMsg = 0;
+        } else {
+            node.m_hEventWnd = nullptr;
+        }
+        if (expected != m_type.acts) {
+            node.m_hNotifyWnd = m_host.Window(); // not for events
+            node.m_nNotifyMsg = ModuleHost::EVENT_MESSAGE;
+        }
+        EXPECT_EQ(Act(scene), expected) << bWindow;
+    }
 }
 
 TEST_P(NodeContract, ActingAgainAndAgainKeepsTheHeapAsItIs) {
@@ -452,6 +493,61 @@ TEST_P(EventTakingNode, TakesTheEventsOfAllItsDevices) {
         for (const ContractEvent& event : Events()) {
             EXPECT_EQ(m_scene.Send(nDevice, event.nEvent, event.pPayload), 1) << nDevice << '/' << event.nEvent;
         }
+    }
+}
+
+TEST_P(EventTakingNode, TheEventIdDecidesOrMeansNothing) {
+    m_scene.Evaluate();
+    SendEvents(m_scene);
+    const Seen seen = SeeEvents();
+    for (const int nEvent : {-1, 4, 3333, INT_MAX}) {
+        for (const ContractEvent& event : Events()) {
+            m_scene.Send(m_type.devices[0], nEvent, event.pPayload);
+        }
+        EXPECT_EQ(SeeEvents(), m_type.bAnyEventId ? seen : Seen{}) << nEvent;
+    }
+}
+
+TEST_P(EventTakingNode, TextsWithAZeroInsideArriveWhole) {
+    if (m_type.nTypeByte == TYPE_DEVICE_JSON_RECEIVE) {
+        return; // they aren't JSON
+    }
+    for (const CString& strText : {CString(L"a\0b", 3), CString(L"a\0c", 3), CString(L"a"), CString(L"\0", 1)}) {
+        m_payloads.SetTexts(strText);
+        m_scene.Evaluate();
+        SendEvents(m_scene);
+        m_scene.Evaluate();
+        for (const auto& group : CellsOf(m_lstOutput)) {
+            for (const auto& pin : group["params"]) {
+                EXPECT_EQ(pin.value("string", Utf8(strText)), Utf8(strText)) << pin;
+            }
+        }
+    }
+}
+
+/// Each of the events in turn.
+TEST_P(EventTakingNode, AnEventThatCannotBeFiredCountsAllTheSame) {
+    std::vector<Seen> seen;
+    m_scene.Evaluate();
+    const auto Send = [this](NodeScene& scene, const ContractEvent& event) {
+        scene.Send(m_type.devices[0], event.nEvent, event.pPayload);
+        return SeeEvents();
+    };
+    for (const ContractEvent& event : Events()) {
+        seen.push_back(Send(m_scene, event));
+    }
+    for (size_t nFailing = 0; nFailing < seen.size(); ++nFailing) {
+        NodeScene scene(m_host, m_type.nTypeByte);
+        scene.Evaluate();
+        for (size_t i = 0; i < seen.size(); ++i) {
+            if (i == nFailing) {
+                const FailingText failing;
+                Send(scene, Events()[i]);
+            } else {
+                EXPECT_EQ(Send(scene, Events()[i]), seen[i]) << nFailing;
+            }
+        }
+        EXPECT_EQ(Act(scene), m_type.acts) << nFailing;
     }
 }
 

@@ -13,12 +13,12 @@ protected:
         m_scene.Evaluate();
     }
 
-    int Send(const wchar_t* pszClip, const wchar_t* pszObject, const CString& strText, int nEvent = 0) {
+    int Send(const wchar_t* pszClip, const wchar_t* pszObject, const CString& strText) {
         SObjectTextData text;
         text.m_strClipName = pszClip;
         text.m_strObjectName = pszObject;
         text.m_strText = strText;
-        return m_scene.Send(6, nEvent, &text);
+        return m_scene.Send(6, 0, &text);
     }
 
     void ExpectTaken(const wchar_t* pszClip, const wchar_t* pszObject, const CString& strText = L"some text") {
@@ -54,7 +54,6 @@ TEST_F(ObjectJsonReceiveNode, NoTextIsParsed) {
     for (const wchar_t* pszText : {L"", L"{\"zoom\":3}", L"no JSON", L"null", L"{", L" \r\n", L"\xFEFF{}", L"名😀"}) {
         ExpectTaken(L"A", L"B", pszText);
     }
-    ExpectTaken(L"A", L"B", CString(L"zero \0 inside", 13));
     ExpectTaken(L"A", L"B", CString(L'[', 100'000));
 }
 
@@ -71,12 +70,6 @@ TEST_F(ObjectJsonReceiveNode, TheFlagDecidesNothing) {
         m_scene.Input(FLAG).m_strValue = pszFlag;
         ExpectTaken(L"A", L"B");
         ExpectRefused(L"A", L"C");
-    }
-}
-
-TEST_F(ObjectJsonReceiveNode, TheEventIdMeansNothing) {
-    for (const int nEvent : {-1, 0, 1, 3005}) {
-        EXPECT_EQ(Send(L"A", L"B", L"", nEvent), 1) << nEvent;
     }
 }
 

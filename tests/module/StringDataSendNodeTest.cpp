@@ -106,15 +106,6 @@ TEST_F(StringDataSendNode, InputsMustBeThereEvenUntriggered) {
 
 // ---- The panel -----------------------------------------------------------------------------------------------------
 
-TEST_F(StringDataSendNode, AsksForEditsByTheWholeGuid) {
-    P_ExtDevIOProcess& node = *m_scene.m_pNode;
-    EXPECT_TRUE(node.NeedUpdateSingleParam(GUID{1502, 0, 0, {}}));
-    for (const GUID& guid : {GUID{0, 0, 0, {}}, GUID{1501, 0, 0, {}}, GUID{2, 0, 0, {}}, GUID{1502, 1, 0, {}},
-                             GUID{1502, 0, 1, {}}, GUID{1502, 0, 0, {1}}, GUID{1502, 0, 0, {0, 0, 0, 0, 0, 0, 0, 1}}}) {
-        EXPECT_FALSE(node.NeedUpdateSingleParam(guid));
-    }
-}
-
 TEST_F(StringDataSendNode, AnEditOfToDevRedrawsThePanel) {
     m_send.m_nValue = 0;
     m_scene.Evaluate();

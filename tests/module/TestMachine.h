@@ -43,7 +43,7 @@ public:
     void Set(DWORD nTick);
 };
 
-/// The host's application, with a main window that is there and takes input.
+/// The host's application, with a main window that is there and takes input. It says itself which window that is.
 class TestApplication {
 public:
     TestApplication();
@@ -52,10 +52,15 @@ public:
     TestApplication(const TestApplication&) = delete;
     TestApplication& operator=(const TestApplication&) = delete;
 
-    void ShowMainWindow(bool bPresent) { m_application.m_pMainWnd = bPresent ? &m_window : nullptr; }
+    void ShowMainWindow(bool bPresent) { m_application.m_pShown = bPresent ? &m_window : nullptr; }
     void EnableMainWindow(bool bEnable) { m_window.EnableWindow(bEnable ? TRUE : FALSE); }
 
 private:
-    CWinApp m_application{L"module_tests"};
+    struct CApplication : CWinApp {
+        CWnd* GetMainWnd() override { return m_pShown; }
+        CWnd* m_pShown = nullptr;
+    };
+
+    CApplication m_application;
     CWnd m_window;
 };

@@ -5,8 +5,6 @@
 #include <limits>
 
 #include "HeapUse.h"
-#include "HostCalls.h"
-#include "HostSetup.h"
 #include "InputNodeTest.h"
 
 namespace {
@@ -100,15 +98,6 @@ class VRHandleNodeUpgrade : public InputNodeUpgradeTest {
 protected:
     VRHandleNodeUpgrade() : InputNodeUpgradeTest(TYPE_VR_HANDLE) {}
 };
-
-TEST_F(VRHandleNodeUpgrade, VersionBecomesTwo) {
-    m_pNode->m_lstParamGroup.AddHead(new VEKParamGroup);
-    for (const int nVersion : {1, -1, 3}) {
-        Own(VERSION).m_nValue = nVersion;
-        m_pNode->InitParam();
-        EXPECT_EQ(Own(VERSION).m_nValue, 2) << nVersion;
-    }
-}
 
 TEST_F(VRHandleNodeUpgrade, MissingParametersAreNoFault) {
     Own(VERSION).m_nValue = 1;
@@ -208,16 +197,6 @@ TEST_F(VRHandleNode, MissingSampleIsAnError) {
     EXPECT_EQ(m_scene.Send(DEVICE, 1, nullptr), 0);
     EXPECT_EQ(m_host.TakeLog(), std::vector<LogLine>{Error("没有VR手柄数据")});
     EXPECT_EQ(Fired(), Outputs{});
-}
-
-TEST_F(VRHandleNode, EventIdDoesNotMatter) {
-    for (const int nEvent : {0, 1, 2, 3005, -1, 2147483647}) {
-        SVRPluginData pressed = Sample(1);
-        SVRPluginData released = Sample(0);
-        EXPECT_EQ(m_scene.Send(DEVICE, nEvent, &pressed), 1);
-        EXPECT_EQ(m_scene.Send(DEVICE, nEvent, &released), 1);
-        EXPECT_EQ(Fired(), (Outputs{TRIGGER_DOWN, TRIGGER_UP})) << nEvent;
-    }
 }
 
 // ---- Pose and hit position -----------------------------------------------------------------------------------------
@@ -412,26 +391,6 @@ TEST_F(VRHandleNode, TriggerComesBeforeTouchPad) {
     EXPECT_EQ(FiredBy(Sample(1, 0)), Outputs{TRIGGER_DOWN});
     EXPECT_EQ(FiredBy(Sample(0, 1)), (Outputs{TRIGGER_UP, PAD_DOWN}));
     EXPECT_EQ(FiredBy(Sample(1, 0, -0.9f, 0)), (Outputs{TRIGGER_DOWN, PAD_UP, PAD_LEFT}));
-}
-
-TEST_F(VRHandleNode, SampleCountsWhateverComesOfItsEvents) {
-    const struct {
-        SVRPluginData sample;
-        Outputs outputs;
-    } SAMPLES[] = {{Sample(1, 1), {TRIGGER_DOWN, PAD_DOWN}}, {Sample(0, 0), {TRIGGER_UP, PAD_UP, PAD_CENTER}}};
-    for (const size_t nFired : {0u, 1u}) {
-        for (const auto& [sample, outputs] : SAMPLES) {
-            {
-                const FailingText failing(TEXT_OF_EVENTS, static_cast<int>(nFired));
-                Send(sample);
-            }
-            EXPECT_EQ(Fired(), Outputs(outputs.begin(), outputs.begin() + static_cast<std::ptrdiff_t>(nFired)));
-            EXPECT_EQ(FiredBy(sample), Outputs{}) << "nothing has changed since";
-            SVRPluginData moved = sample;
-            moved.m_fTouchPadX = 0.8f;
-            EXPECT_EQ(FiredBy(moved), Outputs{}) << "no other click comes of the same release";
-        }
-    }
 }
 
 // ---- Changing hands ------------------------------------------------------------------------------------------------
