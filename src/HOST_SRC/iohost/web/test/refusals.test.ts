@@ -9,7 +9,7 @@ import { HOST, hostSources, lastArgument } from "./hostSources.ts";
 const SOURCES = hostSources("protocol", "session", "scene", "engine", "network", "fronts/page");
 
 /** What ends with a text that a request is refused with. */
-const CALLS = /\b(Refuse|RefuseKind|CRefusal|CModuleFault|ErrorReply(?=\(")|return RefuseItem|return Move|UNION(?=\((?:Command|Payload),))\(/g;
+const CALLS = /\b(Refuse|RefuseKind|CRefusal|CModuleFault|ErrorReply(?=\(")|return RefuseItem|UNION(?=\((?:Command|Payload),))\(/g;
 /** Where texts stand that a call names. */
 const CONSTANTS = ["base/SafeFile.h", "fronts/page/SceneFolder.cpp"];
 
@@ -44,6 +44,7 @@ function refusalsOfHost(): { formats: Set<string>; named: Set<string> } {
     }
   }
   formats.delete("must be %s"); // what RefuseKind makes of its kinds
+  formats.delete("requests[%s].%s"); // where another refusal is
   return { formats, named };
 }
 
@@ -58,7 +59,7 @@ test("every refusal of the host has a Chinese text, and no other text has one", 
 });
 
 test("texts that a refusal takes from elsewhere are looked for there", () => {
-  assert.deepEqual([...refusalsOfHost().named].sort(), ["OUTSIDE", "pszNone", "pszReason", "strProblem"]);
+  assert.deepEqual([...refusalsOfHost().named].sort(), ["OUTSIDE", "pszReason", "strProblem"]);
 });
 
 test("a Chinese text has the values of its format in their order, behind the field", () => {
