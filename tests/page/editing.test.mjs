@@ -32,6 +32,7 @@ test("what is chosen by a frame is moved by the arrow keys as one step", async (
   const { x, y, width, height } = await canvas.pane().boundingBox();
   await page.keyboard.down("Shift");
   await page.page.locator(".react-flow__pane.selection").waitFor();
+  await page.page.evaluate(drawn); // until then the mouse would still move the view
   await canvas.drag({ x: x + 4, y: y + 4 }, { x: x + width - 4, y: y + height - 60 });
   await page.keyboard.up("Shift");
   await expectEventually("chosen", () => canvas.chosen().count(), 3);

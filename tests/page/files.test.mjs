@@ -86,7 +86,7 @@ const card = () => page.locator("[data-part-card]");
 const saysOfText = (text) => expectEventually("what is said of the text", () => canvas.message().innerText(), text);
 const pressSend = () => page.locator('article button[data-param="1507"]').click();
 
-test("from nothing to a text on a device, ten steps back and again, and the same scene after the host's end", async () => {
+test("from nothing to a text on a device, ten steps back and again, and the same after the host's end", async () => {
   const device = await startDevice();
   await takePicture(page, "empty");
   for (const type of ["Keyboard", "Text field input", "String data send"]) {
@@ -213,8 +213,8 @@ test("that a device is tried is said until its card is closed or it's connected"
   let isConnecting = false;
   await between(page, {
     toPage(messages) {
-      const waiting = messages.flatMap(({ devices }) => devices ?? []).filter(({ state }) => isConnecting && state === "waiting");
-      waiting.forEach((device) => (device.state = "connecting"));
+      const waiting = messages.flatMap(({ devices }) => devices ?? []).filter(({ state }) => state === "waiting");
+      waiting.forEach((device) => (device.state = isConnecting ? "connecting" : "waiting"));
       return messages;
     },
   });
@@ -495,7 +495,7 @@ test("an empty scene offers something to begin with", async () => {
   assert.equal((await canvas.links()).length, 2);
 });
 
-test("what was left unsaved is taken, asked about where something else isn't saved, and thrown away by two clicks", async () => {
+test("what was left unsaved is taken, over something unsaved when it's asked for twice, or thrown away by two clicks", async () => {
   const port = Number(host.address.split(":")[1]);
   const banner = () => page.locator("[data-recovered]");
   const take = () => banner().getByRole("button", { name: "Take them" }).click();

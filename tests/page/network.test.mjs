@@ -113,7 +113,7 @@ test("a device that isn't there waits with the reason, and gets what is queued f
   await shows("device-3", "sent", "1");
 });
 
-test("the listen-only switch shows what would be sent instead of sending it, on every page, as its badge says", async () => {
+test("the listen-only switch shows what would be sent instead of sending it, as every page's badge says", async () => {
   const wall = await startDevice();
   await setDevices({ id: 3, name: "Wall", parser: "direct", address: wall.address });
   await until("the connection", wall.isConnected);
@@ -203,7 +203,7 @@ test("errors and what was refused are counted, with the last one where it is tol
     toPage(messages) {
       for (const message of messages.filter(({ control }) => control)) {
         Object.assign(message.control, { errors: 2, last_error: "Too many open files" });
-        Object.assign(message.broadcast, { errors: 1, last_error: "Address already in use", problem: "the port is in use" });
+        Object.assign(message.broadcast, { errors: 1, last_error: "Address already in use", problem: "port in use" });
         Object.assign(message.devices[0], { errors: 5, refused: 76 });
       }
       return messages;
@@ -212,7 +212,7 @@ test("errors and what was refused are counted, with the last one where it is tol
   await page.page.reload();
   const trouble = (name, which) => peer(name).locator(`.count-trouble dd[data-field=${which}]`).innerText();
   assert.equal(await trouble("broadcast", "errors"), "1 (Address already in use)");
-  assert.match(await field("broadcast", "problem").innerText(), /the port is in use/);
+  assert.match(await field("broadcast", "problem").innerText(), /port in use/);
   assert.equal(await trouble("control", "errors"), "2 (Too many open files)");
   assert.equal(await trouble("device-3", "errors"), "5");
   assert.equal(await trouble("device-3", "refused"), "76");

@@ -22,7 +22,7 @@ async function openWithLog(browser, count) {
       asked = request.op === "log" ? request.id : asked;
       return request;
     },
-    toPage: (messages) => messages.map((reply) => (reply.id === asked && reply.lines ? { ...reply, lines: kept } : reply)),
+    toPage: (messages) => messages.map((one) => (one.id === asked && one.lines ? { ...one, lines: kept } : one)),
   });
   await opened.goto(`${host.page}#log`);
   return {
@@ -208,7 +208,7 @@ test("the render surface is enlarged and made smaller again", async () => {
   await expectEventually("the width", width, before);
 });
 
-test("a page without its host says so, comes back by itself with it, and releases nothing that went down meanwhile", async () => {
+test("a page without its host says so, comes back with it, and releases nothing that went down meanwhile", async () => {
   const port = Number(host.address.split(":")[1]);
   assert.equal(await host.end(), 0);
   await page.page.locator("[data-connection=lost]").waitFor();

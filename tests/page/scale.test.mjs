@@ -103,7 +103,8 @@ test("an edit draws no more faces anew than those of its nodes", async () => {
 });
 
 test("panning draws no faces anew but those that come into sight or leave it", async () => {
-  const whole = () => page.locator("[data-face]:has([data-counters])").evaluateAll((faces) => faces.map(({ dataset }) => dataset.face));
+  const whole = () =>
+    page.locator("[data-face]:has([data-counters])").evaluateAll((faces) => faces.map(({ dataset }) => dataset.face));
   const pan = () => facesDrawn(async () => {
     const { x, y, width, height } = await canvas.pane().boundingBox();
     await canvas.drag({ x: x + 4, y: y + 4 }, { x: x + width / 2, y: y + height / 2 });

@@ -21,8 +21,8 @@ export async function runHost(...options) {
 
 /**
  * Starts iohost, on a free port of loopback unless others are given. Answers when it has printed its address:
- * `address` ("127.0.0.1:PORT"), `page` (its URL), `output` (what it printed so far) and `end()`. A host that the test doesn't
- * end is ended with it, and must end well.
+ * `address` ("127.0.0.1:PORT"), `page` (its URL), `output` (what it printed so far) and `end()`. A host that the test
+ * doesn't end is ended with it, and must end well.
  */
 export async function startHost({ at = "127.0.0.1", port = 0, options = [] } = {}) {
   const child = start(["--listen", `${at}:${port}`, ...options]);

@@ -58,8 +58,8 @@ export async function openTab(browser) {
 }
 
 /**
- * Opens the page, with a panel in front, and waits until it shows the scene. Frames that it sends gather in `sent`, and what
- * the browser complains of in `problems`: there must be none at the test's end. Scripts run before those of the page.
+ * Opens the page, with a panel in front, and waits until it shows the scene. Frames that it sends gather in `sent`, and
+ * what the browser complains of in `problems`: there must be none at the test's end. Scripts run before those of the page.
  */
 export async function openPage(browser, host, { panel = "log", scripts = [] } = {}) {
   const page = await openTab(browser);

@@ -6,8 +6,8 @@ import { opened } from "./opened.mjs";
 
 /** The node types by the last byte of their GUIDs. */
 export const Type = {
-  keyboard: "01", textField: "02", mouse: "03", netSend: "04", netReceive: "05", gesture: "07", vrHandle: "08", keyCheck: "0B",
-  objectJson: "0C", broadcastReceive: "0D", deviceJson: "0E", stringSend: "0F",
+  keyboard: "01", textField: "02", mouse: "03", netSend: "04", netReceive: "05", gesture: "07", vrHandle: "08",
+  keyCheck: "0B", objectJson: "0C", broadcastReceive: "0D", deviceJson: "0E", stringSend: "0F",
 };
 
 /** A node as requests and scenes describe it. */

@@ -1,5 +1,5 @@
-// Tests that end what they opened: hosts, browsers, pages, connections, devices, folders. What was opened before the first
-// of a file's tests is for all of them.
+// Tests that end what they opened: hosts, browsers, pages, connections, devices, folders. What was opened before the
+// first of a file's tests is for all of them.
 import { after, afterEach, beforeEach } from "node:test";
 import { endOpened, opened } from "./opened.mjs";
 
