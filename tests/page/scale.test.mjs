@@ -110,6 +110,9 @@ test("panning draws no faces anew but those that come into sight or leave it", a
     await canvas.drag({ x: x + 4, y: y + 4 }, { x: x + width / 2, y: y + height / 2 });
     await page.evaluate(drawn);
   });
+  await page.locator(".react-flow__edge").first().waitFor();
+  await expectEventually("whole faces of those that nobody could read", async () => (await whole()).length, 0);
+  await page.evaluate(drawn);
   assert.equal(await pan(), 0, "too small to be read");
   await canvas.choosePalette("Node 100");
   await expectEventually("the zoom", canvas.zoom, 1.5);
