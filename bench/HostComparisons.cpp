@@ -51,8 +51,8 @@ public:
 
     /// The evaluations of a frame, and nothing else.
     bool EvaluateNodes() {
-        for (auto& [nOrder, node] : m_pSession->Scene().Nodes()) {
-            benchmark::DoNotOptimize(node.pNode->ProcessNode(node.pGraphNode.get()));
+        for (const auto& pNode : m_pSession->Scene().Nodes()) {
+            benchmark::DoNotOptimize(pNode->pNode->ProcessNode(pNode->pGraphNode.get()));
         }
         return true;
     }
@@ -65,10 +65,10 @@ public:
     /// The calls of a key event; the log lines and events that come of them are received and freed.
     bool CallNodes() {
         const SIOEventRecord record = {DEVICE_KEYBOARD, KEY_DOWN, &m_key};
-        for (auto& [nOrder, node] : m_pSession->Scene().Nodes()) {
-            benchmark::DoNotOptimize(node.pNode->DevIOEventOccurred(&record));
+        for (const auto& pNode : m_pSession->Scene().Nodes()) {
+            benchmark::DoNotOptimize(pNode->pNode->DevIOEventOccurred(&record));
         }
-        const P_ExtDevIOProcess& any = *m_pSession->Scene().Nodes().begin()->second.pNode;
+        const P_ExtDevIOProcess& any = *m_pSession->Scene().Nodes().front()->pNode;
         MSG message;
         while (PeekMessageW(&message, any.m_hEventWnd, any.m_nEventMsg, any.m_nEventMsg, PM_REMOVE)) {
             delete reinterpret_cast<SQOREvent*>(message.lParam);

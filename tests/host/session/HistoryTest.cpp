@@ -386,8 +386,8 @@ TEST_F(History, RandomEditsUndosAndRedosEndWhereTheirEffectDoes) {
     const auto look = [this] {
         const SSceneDocument scene = m_pSession->SceneLeft();
         std::vector<SLinkDocument> links; // in the order in which they act
-        for (const auto& [nOrder, node] : m_pSession->Scene().Nodes()) {
-            std::ranges::transform(node.arOutgoing, std::back_inserter(links),
+        for (const auto& pNode : m_pSession->Scene().Nodes()) {
+            std::ranges::transform(pNode->arOutgoing, std::back_inserter(links),
                                    [](const SLink& link) { return DocumentOf(link); });
         }
         return std::tuple(scene.clips, scene.nodes, scene.devices, scene.notes, links);

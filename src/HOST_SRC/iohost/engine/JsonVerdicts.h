@@ -94,9 +94,9 @@ private:
     template <typename Condition>
     Verdicts Those(const CScene& scene, Condition isMet) {
         Verdicts those;
-        for (const auto& [nOrder, node] : scene.Nodes()) {
-            if (const auto found = m_verdicts.find(node.pNode); found != m_verdicts.end() && isMet(found->second)) {
-                those.emplace_back(node.strHandle, found->second.verdict);
+        for (const auto& pNode : scene.Nodes()) {
+            if (const auto found = m_verdicts.find(pNode->pNode); found != m_verdicts.end() && isMet(found->second)) {
+                those.emplace_back(pNode->strHandle, found->second.verdict);
             }
         }
         return those;

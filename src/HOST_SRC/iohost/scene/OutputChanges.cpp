@@ -7,10 +7,10 @@
 OutputValues COutputChanges::Take(CScene& scene) {
     OutputValues changed;
     std::erase_if(m_told, [&](const auto& told) { return scene.Find(told.first) == nullptr; });
-    for (const auto& [nOrder, node] : scene.Nodes()) {
-        auto& told = m_told[node.strHandle];
+    for (const auto& pNode : scene.Nodes()) {
+        auto& told = m_told[pNode->strHandle];
         std::vector<std::pair<unsigned, SValues>> values;
-        const VEKParamGroupList& lstGroup = node.pGraphNode->m_lstOutputGroup;
+        const VEKParamGroupList& lstGroup = pNode->pGraphNode->m_lstOutputGroup;
         for (POSITION pos = lstGroup.GetHeadPosition(); pos != nullptr;) {
             const VEKParamGroup& group = *lstGroup.GetNext(pos);
             for (POSITION posParam = group.m_lstParam.GetHeadPosition(); posParam != nullptr;) {
@@ -30,7 +30,7 @@ OutputValues COutputChanges::Take(CScene& scene) {
             }
         }
         if (!values.empty()) {
-            changed.emplace_back(node.strHandle, std::move(values));
+            changed.emplace_back(pNode->strHandle, std::move(values));
         }
     }
     return changed;

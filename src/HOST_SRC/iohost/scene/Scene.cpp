@@ -81,7 +81,7 @@ void SNode::CountFired(std::optional<int> output) {
 
 SNode& CScene::Add(SNode node) {
     node.nOrder = m_nNextOrder++;
-    SNode& added = m_nodes.emplace(node.nOrder, std::move(node)).first->second;
+    SNode& added = *m_nodes.emplace_back(std::make_unique<SNode>(std::move(node)));
     m_byHandle[added.strHandle] = &added;
     m_byNode[added.pNode] = &added;
     m_byGraphNode[added.pGraphNode.get()] = &added;
@@ -89,16 +89,11 @@ SNode& CScene::Add(SNode node) {
 }
 
 void CScene::SetOrders(const std::vector<std::pair<SNode*, unsigned long long>>& orders) {
-    std::vector<NodeMap::node_type> entries;
     for (const auto& [pNode, nOrder] : orders) {
-        entries.push_back(m_nodes.extract(pNode->nOrder));
-        entries.back().key() = nOrder;
         pNode->nOrder = nOrder;
         m_nNextOrder = std::max(m_nNextOrder, nOrder + 1);
     }
-    for (NodeMap::node_type& entry : entries) {
-        m_nodes.insert(std::move(entry));
-    }
+    std::ranges::sort(m_nodes, {}, [](const auto& pNode) { return pNode->nOrder; });
 }
 
 void CScene::Remove(SNode& node) {
@@ -112,7 +107,7 @@ void CScene::Remove(SNode& node) {
     m_byHandle.erase(node.strHandle);
     m_byNode.erase(node.pNode);
     m_byGraphNode.erase(node.pGraphNode.get());
-    m_nodes.erase(node.nOrder);
+    m_nodes.erase(std::ranges::lower_bound(m_nodes, node.nOrder, {}, [](const auto& pNode) { return pNode->nOrder; }));
 }
 
 SNode* CScene::Find(const std::string& strHandle) {

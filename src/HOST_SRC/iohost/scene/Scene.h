@@ -102,13 +102,12 @@ struct SNode {
     std::optional<EPinKind> OutputKind(unsigned nOutput) const;
 };
 
-/// Nodes in the order of their creation.
-using NodeMap = std::map<unsigned long long, SNode>;
+/// Nodes in the order of their creation. Their places in memory stay.
+using NodeList = std::vector<std::unique_ptr<SNode>>;
 
 class CScene {
 public:
-    NodeMap& Nodes() { return m_nodes; }
-    const NodeMap& Nodes() const { return m_nodes; }
+    const NodeList& Nodes() const { return m_nodes; }
 
     /// Takes the node in as the last one. Its handle must be free.
     SNode& Add(SNode node);
@@ -167,7 +166,7 @@ public:
 
 private:
     std::list<VEKClip> m_clips;
-    NodeMap m_nodes;
+    NodeList m_nodes;
     std::unordered_map<std::string, SNode*> m_byHandle;
     std::unordered_map<const VEKProperty*, SNode*> m_byNode;
     std::unordered_map<const SGraphNode*, SNode*> m_byGraphNode;

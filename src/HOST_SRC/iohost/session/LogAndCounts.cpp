@@ -7,8 +7,8 @@ Result CSession::On(const SLogCommand& command) {
 
 Result CSession::On(const SCountersCommand& /*command*/) {
     SCounters counters;
-    for (const auto& [nOrder, node] : Scene().Nodes()) {
-        counters.nodes.emplace_back(node.strHandle, node.counts);
+    for (const auto& pNode : Scene().Nodes()) {
+        counters.nodes.emplace_back(pNode->strHandle, pNode->counts);
     }
     return counters;
 }
@@ -23,12 +23,12 @@ void CSession::On(const SResetCountersCommand& command) {
 SCounters CSession::TakeChangedCounts() {
     SCounters changed;
     const std::uint64_t tNow = m_clock.Now();
-    for (auto& [nOrder, node] : Scene().Nodes()) {
-        node.NoteActed(tNow);
-        if (!std::exchange(node.bCountsTold, true)) {
-            changed.nodes.emplace_back(node.strHandle, node.counts);
-            if (node.tActed) {
-                changed.idle.emplace_back(node.strHandle, m_clock.Since(*node.tActed));
+    for (const auto& pNode : Scene().Nodes()) {
+        pNode->NoteActed(tNow);
+        if (!std::exchange(pNode->bCountsTold, true)) {
+            changed.nodes.emplace_back(pNode->strHandle, pNode->counts);
+            if (pNode->tActed) {
+                changed.idle.emplace_back(pNode->strHandle, m_clock.Since(*pNode->tActed));
             }
         }
     }
@@ -36,8 +36,8 @@ SCounters CSession::TakeChangedCounts() {
 }
 
 void CSession::ForgetToldCounts() {
-    for (auto& [nOrder, node] : Scene().Nodes()) {
-        node.bCountsTold = false;
+    for (const auto& pNode : Scene().Nodes()) {
+        pNode->bCountsTold = false;
     }
 }
 

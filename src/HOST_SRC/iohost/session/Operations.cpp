@@ -88,8 +88,8 @@ std::vector<SNode*> CSession::NodeOrAll(const std::optional<std::string>& handle
         return {&NodeOf(*handle)};
     }
     std::vector<SNode*> nodes;
-    for (auto& [nOrder, node] : Scene().Nodes()) {
-        nodes.push_back(&node);
+    for (const auto& pNode : Scene().Nodes()) {
+        nodes.push_back(pNode.get());
     }
     return nodes;
 }
@@ -234,11 +234,11 @@ Result CSession::On(const SFrameCommand& command) {
     SFrameResults results;
     results.results.reserve(Scene().Nodes().size());
     const std::uint64_t tNow = m_clock.Now();
-    for (auto& [nOrder, node] : Scene().Nodes()) {
-        node.NoteActed(tNow);
+    for (const auto& pNode : Scene().Nodes()) {
+        pNode->NoteActed(tNow);
         std::optional<int> result;
-        LogFault([&] { result = m_pHost->Evaluate(node, true); });
-        results.results.emplace_back(&node, result);
+        LogFault([&] { result = m_pHost->Evaluate(*pNode, true); });
+        results.results.emplace_back(pNode.get(), result);
     }
     Follow();
     if (command.bOutputs) {
@@ -453,12 +453,12 @@ Result CSession::On(const SObjectsCommand& /*command*/) {
 
 Result CSession::On(const SSceneCommand& /*command*/) {
     SSceneView view{m_nSceneVersion, {}, {}};
-    for (const auto& [nOrder, node] : Scene().Nodes()) {
-        const VEKClip* pClip = node.pNode->m_pOwnerClip;
-        view.nodes.push_back({node.strHandle, node.guidType,
+    for (const auto& pNode : Scene().Nodes()) {
+        const VEKClip* pClip = pNode->pNode->m_pOwnerClip;
+        view.nodes.push_back({pNode->strHandle, pNode->guidType,
                               pClip != nullptr ? std::optional(pClip->m_strName) : std::nullopt,
-                              node.pGraphNode->m_strName, node.pNode->m_strName, node.place});
-        for (const SLink& link : node.arOutgoing) {
+                              pNode->pGraphNode->m_strName, pNode->pNode->m_strName, pNode->place});
+        for (const SLink& link : pNode->arOutgoing) {
             view.links.push_back(DocumentOf(link));
         }
     }
@@ -467,8 +467,8 @@ Result CSession::On(const SSceneCommand& /*command*/) {
 }
 
 Result CSession::On(const SSaveCommand& /*command*/) {
-    for (auto& [nOrder, node] : Scene().Nodes()) {
-        NoteParameters(node);
+    for (const auto& pNode : Scene().Nodes()) {
+        NoteParameters(*pNode);
     }
     return SceneLeft();
 }
@@ -476,9 +476,9 @@ Result CSession::On(const SSaveCommand& /*command*/) {
 SSceneDocument CSession::SceneLeft() {
     SSceneDocument document{ClipDocumentsOf(Scene()), {}, {}, m_peers.Devices(), Scene().CanvasNotes()};
     std::map<unsigned long long, SLinkDocument> links;
-    for (const auto& [nOrder, node] : Scene().Nodes()) {
-        document.nodes.push_back(DocumentOf(node));
-        for (const SLink& link : node.arOutgoing) {
+    for (const auto& pNode : Scene().Nodes()) {
+        document.nodes.push_back(DocumentOf(*pNode));
+        for (const SLink& link : pNode->arOutgoing) {
             // Not those of pins that were dropped and that no node makes again.
             if (link.pFrom->OutputKind(link.nOutput) && link.pTo->InputKind(link.nInput)) {
                 links.emplace(link.nOrder, DocumentOf(link));

@@ -181,8 +181,8 @@ SScenePart TakePart(CHost& host, const CPeers& peers, const SSceneScope& scope) 
         }
     };
     if (scope.bEverything) {
-        for (auto& [nOrder, node] : scene.Nodes()) {
-            take(node);
+        for (const auto& pNode : scene.Nodes()) {
+            take(*pNode);
         }
     } else {
         for (const std::string& strHandle : scope.nodes) {
