@@ -46,6 +46,8 @@ export class Host implements ConnectionListener {
   readonly objects = signal<readonly SceneObject[]>([]);
   /** How the network stands, and when the page was told, in milliseconds since 1970. */
   readonly network = signal<{ state: NetworkState; told: number } | null>(null);
+  /** The same as it was told last: a push waits to be shown, an answer doesn't. */
+  #network: { state: NetworkState; told: number } | null = null;
   /** What the JSON nodes made of their last texts, by node. */
   readonly jsonVerdicts = signal<ReadonlyMap<string, JsonVerdict>>(new Map());
   /** What all connections hold, and when the page was told, in milliseconds since 1970. */
@@ -210,11 +212,10 @@ export class Host implements ConnectionListener {
           this.jsonVerdicts.value = new Map([...this.jsonVerdicts.value, ...Object.entries(push.nodes)]);
         });
         break;
-      case "network": {
-        const told = Date.now();
-        this.#pace.show(() => (this.network.value = { state: push, told }));
+      case "network":
+        this.#network = { state: push, told: Date.now() };
+        this.#pace.show(() => (this.network.value = this.#network));
         break;
-      }
       case "objects":
         this.#pace.show(() => (this.objects.value = push.objects));
         break;
@@ -405,7 +406,7 @@ export class Host implements ConnectionListener {
   async readNetwork(): Promise<void> {
     const state = await this.#connection.request<NetworkState>({ op: "network" });
     if (state.ok) {
-      this.network.value = { state, told: Date.now() };
+      this.network.value = this.#network = { state, told: Date.now() };
     }
   }
 

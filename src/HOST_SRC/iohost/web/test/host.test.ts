@@ -312,3 +312,24 @@ test("a connection that is lost while the scene is read leaves the page what it 
   await new Promise(setImmediate);
   assert.equal(host.nodes.value, shown);
 });
+
+test("how the network stood isn't shown once the page knows how it stands", async () => {
+  const timers: (() => void)[] = [];
+  mock.method(globalThis, "setTimeout", (action: () => void) => timers.push(action));
+  const { host } = openPage();
+  const socket = sockets[0]!;
+  socket.open();
+  socket.greet();
+  const network = (port: number) => ({ devices: null, broadcast: { port }, control: null, listen_only: false });
+  const shown = () => host.network.peek()?.state.broadcast?.port;
+  socket.tell({ push: "network", ...network(1) }, { push: "network", ...network(2) });
+  const answered = host.readNetwork();
+  const { id } = socket.sent.filter(({ op }) => op === "network").at(-1)!;
+  socket.tell({ ok: true, id, ...network(3) });
+  await answered;
+  timers.forEach((action) => action());
+  assert.equal(shown(), 3);
+  socket.tell({ push: "network", ...network(4) });
+  timers.forEach((action) => action());
+  assert.equal(shown(), 4);
+});
