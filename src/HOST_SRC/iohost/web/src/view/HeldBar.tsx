@@ -1,16 +1,17 @@
+import { clock } from "../clock.ts";
 import { ageText } from "../format.ts";
 import { heldLabel, isKeyboardState } from "../held.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { HeldEntry } from "../protocol.ts";
 import "./heldBar.css";
-import { useNow } from "./useNow.ts";
 
 /** What is held in the host, by this page and everybody else, since when; and the button that lets go of it. */
 export function HeldBar({ host }: { host: Host }) {
   const { entries, told } = host.held.value;
   const isAny = entries.length > 0;
-  const now = useNow(isAny);
+  // With what else shows the time: a step of its own would be laid out and painted by itself.
+  const now = isAny ? Math.max(told, clock.value) : told;
 
   const state = host.connection.value;
   const chip = (entry: HeldEntry) => {
