@@ -26,6 +26,20 @@ test("no two boxes cover each other, with links and without", () => {
   }
 });
 
+test("boxes of the same sizes, linked alike, stand to each other alike; others don't", () => {
+  const ids = (block: string) => ["a", "b", "c"].map((id) => block + id);
+  const boxes = ["1", "2", "3"].flatMap(ids).map((id) => ({ ...box(id), height: id === "3b" ? 300 : 100 }));
+  const links = ["1", "2", "3"].flatMap((block) => [link(`${block}a`, `${block}b`), link(`${block}a`, `${block}c`)]);
+  const places = arrange([...boxes, box("alone")], links);
+  const standing = (block: string) => {
+    const { x, y } = at(places, `${block}a`);
+    return ids(block).map((id) => [at(places, id).x - x, at(places, id).y - y]);
+  };
+  assert.deepEqual(standing("1"), standing("2"));
+  assert.notDeepEqual(standing("1"), standing("3"));
+  assert.equal(new Set([...places.values()].map((place) => JSON.stringify(place))).size, 10);
+});
+
 test("an empty scene has no places", () => {
   assert.equal(arrange([], []).size, 0);
 });

@@ -2,7 +2,6 @@ import dagre from "@dagrejs/dagre";
 import type { NodeView } from "../host.ts";
 import { inputsOf, outputsOf } from "../nodePins.ts";
 import type { Link } from "../protocol.ts";
-import { nodeId } from "./ids.ts";
 
 export interface Box {
   id: string;
@@ -20,15 +19,28 @@ const RANK_GAP = 96;
 /** Of the whole, as of most canvases. */
 const WIDTH_TO_HEIGHT = 2;
 
+/** Boxes that no link leads out of, with their links: from which of them to which, by what pins. */
 interface Block {
+  boxes: Box[];
+  links: [from: number, to: number, pins: string][];
+}
+
+/** How large a block is, and where its boxes stand in it. */
+interface Arranged {
   width: number;
   height: number;
-  places: Map<string, Place>;
+  places: Place[];
 }
 
 /** Upper left corners: linked nodes stand together, from sources on the left to what they feed on the right, in rows. */
 export function arrange(boxes: readonly Box[], links: readonly Link[]): Map<string, Place> {
-  const blocks = linkedTogether(boxes, links).map((together) => blockOf(together, links));
+  const made = new Map<string, Arranged>(); // a scene may have many blocks of the same shape
+  const blocks = blocksOf(boxes, links).map((block) => {
+    const shape = JSON.stringify([block.boxes.map(({ width, height }) => [width, height]), block.links]);
+    const arranged = made.get(shape) ?? arrangeBlock(block);
+    made.set(shape, arranged);
+    return { ...arranged, boxes: block.boxes };
+  });
   const area = blocks.reduce((sum, { width, height }) => sum + (width + RANK_GAP) * (height + RANK_GAP), 0);
   const wide = Math.max(Math.sqrt(WIDTH_TO_HEIGHT * area), ...blocks.map(({ width }) => width));
   const places = new Map<string, Place>();
@@ -39,17 +51,17 @@ export function arrange(boxes: readonly Box[], links: readonly Link[]): Map<stri
       next = { x: 0, y: next.y + rowHeight + RANK_GAP };
       rowHeight = 0;
     }
-    for (const [id, { x, y }] of block.places) {
-      places.set(id, { x: next.x + x, y: next.y + y });
+    for (const [index, { x, y }] of block.places.entries()) {
+      places.set(block.boxes[index]!.id, { x: next.x + x, y: next.y + y });
     }
-    next.x += block.width + (block.places.size > 1 ? RANK_GAP : GAP);
+    next.x += block.width + (block.places.length > 1 ? RANK_GAP : GAP);
     rowHeight = Math.max(rowHeight, block.height);
   }
   return places;
 }
 
-/** The boxes in groups that no link leads out of, the largest group first. */
-function linkedTogether(boxes: readonly Box[], links: readonly Link[]): Box[][] {
+/** The largest block first. */
+function blocksOf(boxes: readonly Box[], links: readonly Link[]): Block[] {
   const groups = new Map(boxes.map((box) => [box.id, [box]]));
   for (const { from, to } of links) {
     const [one, other] = [groups.get(from)!, groups.get(to)!];
@@ -58,26 +70,32 @@ function linkedTogether(boxes: readonly Box[], links: readonly Link[]): Box[][] 
       other.forEach(({ id }) => groups.set(id, one));
     }
   }
-  return [...new Set(groups.values())].sort((a, b) => b.length - a.length);
+  const largestFirst = [...new Set(groups.values())].sort((a, b) => b.length - a.length);
+  const blocks = largestFirst.map((group): Block => ({ boxes: group, links: [] }));
+  const at = new Map(blocks.flatMap((block) => block.boxes.map(({ id }, index) => [id, { block, index }])));
+  for (const { from, output, to, input } of links) {
+    const { block, index } = at.get(from)!;
+    block.links.push([index, at.get(to)!.index, `${output} ${input}`]);
+  }
+  return blocks;
 }
 
-function blockOf(boxes: readonly Box[], links: readonly Link[]): Block {
+function arrangeBlock({ boxes, links }: Block): Arranged {
   const graph = new dagre.graphlib.Graph({ multigraph: true });
   graph.setGraph({ rankdir: "LR", nodesep: GAP, ranksep: RANK_GAP });
-  const ids = new Set(boxes.map(({ id }) => id));
-  for (const { id, width, height } of boxes) {
-    graph.setNode(nodeId(id), { width, height });
+  for (const [index, { width, height }] of boxes.entries()) {
+    graph.setNode(String(index), { width, height });
   }
-  for (const { from, output, to, input } of links.filter((link) => ids.has(link.from))) {
-    graph.setEdge(nodeId(from), nodeId(to), {}, `${output} ${input}`);
+  for (const [from, to, pins] of links) {
+    graph.setEdge(String(from), String(to), {}, pins);
   }
   dagre.layout(graph);
   const { width = 0, height = 0 } = graph.graph();
-  const places = boxes.map((box): [string, Place] => {
-    const { x, y } = graph.node(nodeId(box.id));
-    return [box.id, { x: x - box.width / 2, y: y - box.height / 2 }];
+  const places = boxes.map((box, index): Place => {
+    const { x, y } = graph.node(String(index));
+    return { x: x - box.width / 2, y: y - box.height / 2 };
   });
-  return { width, height, places: new Map(places) };
+  return { width, height, places };
 }
 
 // As the style sheet draws them.
