@@ -10,7 +10,7 @@ export function fedInput(host: Host, node: string, param: Param): Param {
   if (link === undefined) {
     return param;
   }
-  const source = host.nodes.value?.find((one) => one.node === link.from);
+  const source = host.byHandle.value.get(link.from);
   const output = source && outputsOf(source).find(({ id }) => id === link.output);
   const brought = host.values.of(link.from, link.output).value;
   const { int, float, string, length } = output === undefined ? brought : broughtValue(output, param, brought);

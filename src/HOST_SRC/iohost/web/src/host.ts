@@ -38,6 +38,7 @@ export class Host implements ConnectionListener {
   readonly sceneNumber = signal(0);
   /** Null until the scene was read for the first time. */
   readonly nodes = computed((): readonly NodeView[] | null => this.#nodes.value?.map(withTexts) ?? null);
+  readonly byHandle = computed((): ReadonlyMap<string, NodeView> => new Map(this.nodes.value?.map((node) => [node.node, node])));
   /** Those that were read first; null until then. */
   readonly firstNodes = computed((): readonly NodeView[] | null => this.#firstNodes.value?.map(withTexts) ?? null);
   readonly links = signal<readonly Link[]>([]);

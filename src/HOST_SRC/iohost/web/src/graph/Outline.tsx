@@ -9,7 +9,6 @@ import { conversion } from "./wiring.ts";
 /** The graph as a list, for who can't see it: each node with what its inputs come from. */
 export const Outline = memo(function Outline({ host }: { host: Host }) {
   const nodes = host.nodes.value ?? [];
-  const byHandle = new Map(nodes.map((node) => [node.node, node]));
   const links = new Map<string, Link[]>();
   for (const link of host.links.value) {
     links.set(link.to, [...(links.get(link.to) ?? []), link]);
@@ -22,7 +21,7 @@ export const Outline = memo(function Outline({ host }: { host: Host }) {
             {node.graph}, {hostText(node.details.name)}
             <ul>
               {links.get(node.node)?.flatMap((link) => {
-                const source = byHandle.get(link.from);
+                const source = host.byHandle.value.get(link.from);
                 const input = inputsOf(node).find(({ id }) => id === link.input);
                 const output = source && outputsOf(source).find(({ id }) => id === link.output);
                 const converted = input && output ? conversion(output, input) : null;

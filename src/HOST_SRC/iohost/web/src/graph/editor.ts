@@ -58,7 +58,7 @@ export class Editor {
   }
 
   node(handle: string): NodeView | undefined {
-    return this.host.nodes.peek()?.find(({ node }) => node === handle);
+    return this.host.byHandle.peek().get(handle);
   }
 
   /** Why there can't be such a link; null when there can. */

@@ -1,6 +1,6 @@
 import { useContext } from "preact/hooks";
 import { DeskContext } from "../desk.ts";
-import type { Host, NodeView } from "../host.ts";
+import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { ParamGroup } from "../messages.ts";
 import { Editing } from "./Editing.tsx";
@@ -8,10 +8,6 @@ import "./links.css";
 
 function pinName(groups: readonly ParamGroup[], id: number): string {
   return groups.flatMap(({ params }) => params).find((param) => param.id === id)?.display ?? String(id);
-}
-
-function nodeOf(host: Host, handle: string): NodeView | undefined {
-  return host.nodes.value?.find(({ node }) => node === handle);
 }
 
 /** Leads to a node: to its card, or on the canvas where other nodes' cards are shown alone. */
@@ -31,7 +27,7 @@ export function LinkTargets({ host, node, output }: { host: Host; node: string; 
   const show = useShow();
   const links = host.links.value.filter((link) => link.from === node && link.output === output);
   return links.map((link) => {
-    const target = nodeOf(host, link.to);
+    const target = host.byHandle.value.get(link.to);
     return (
       target !== undefined && (
         <button
@@ -55,7 +51,7 @@ export function LinkSources({ host, node, input }: { host: Host; node: string; i
   const show = useShow();
   const links = host.links.value.filter((link) => link.to === node && link.input === input);
   return links.map((link) => {
-    const source = nodeOf(host, link.from);
+    const source = host.byHandle.value.get(link.from);
     return (
       source !== undefined && (
         <span class="link-source" key={`${link.from} ${link.output}`}>
