@@ -135,7 +135,7 @@ export function RenderSurface({ host, desk }: { host: Host; desk: Desk }) {
             <span class="call-focused">{t("Type, move, click, scroll and swipe")}</span>
           </p>
         )}
-        <StrokeOverlay strokes={strokes.value} height={surface.current?.clientHeight ?? 0} />
+        <StrokeOverlay strokes={strokes.value} height={() => surface.current!.clientHeight} />
         {pointers.value.map((pointer) => (
           <PointerMark key={pointer.number} pointer={pointer} />
         ))}

@@ -14,7 +14,7 @@ interface Place {
 }
 
 /** Draws the strokes: their trail, the threshold that makes a drag, the key points and the cone of a swipe. */
-export function StrokeOverlay({ strokes, height }: { strokes: readonly StrokeView[]; height: number }) {
+export function StrokeOverlay({ strokes, height }: { strokes: readonly StrokeView[]; height: () => number }) {
   return (
     <svg class="strokes" aria-hidden="true">
       {strokes.map((view) => (
@@ -24,10 +24,10 @@ export function StrokeOverlay({ strokes, height }: { strokes: readonly StrokeVie
   );
 }
 
-function StrokeDrawing({ view, height }: { view: StrokeView; height: number }) {
+function StrokeDrawing({ view, height }: { view: StrokeView; height: () => number }) {
   const { stroke, judgement, verdict } = view;
   const [first, middle, last] = stroke.keyPoints;
-  const unit = stroke.kind === "relative" ? height / RELATIVE_HEIGHT : 1;
+  const unit = stroke.kind === "relative" ? height() / RELATIVE_HEIGHT : 1;
   const reach = DRAG_THRESHOLD * unit;
   const trail = stroke.newest(LONGEST_TRAIL);
   const isOver = verdict !== null;
