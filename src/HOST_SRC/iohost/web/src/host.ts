@@ -49,8 +49,8 @@ export class Host implements ConnectionListener {
   readonly network = signal<{ state: NetworkState; told: number } | null>(null);
   /** The same as it was told last: a push waits to be shown, an answer doesn't. */
   #network: { state: NetworkState; told: number } | null = null;
-  /** What the JSON nodes made of their last texts, by node. */
-  readonly jsonVerdicts = signal<ReadonlyMap<string, JsonVerdict>>(new Map());
+  /** What the JSON nodes made of their last texts; null before the first. */
+  readonly jsonVerdicts = new NodeSignals<JsonVerdict | null>(null);
   /** What all connections hold, and when the page was told, in milliseconds since 1970. */
   readonly held = signal<{ entries: readonly HeldEntry[]; told: number }>({ entries: [], told: 0 });
   /** What on this page can hold something. */
@@ -210,7 +210,7 @@ export class Host implements ConnectionListener {
         break;
       case "json":
         this.#pace.show(() => {
-          this.jsonVerdicts.value = new Map([...this.jsonVerdicts.value, ...Object.entries(push.nodes)]);
+          Object.entries(push.nodes).forEach(([node, verdict]) => (this.jsonVerdicts.of(node).value = verdict));
         });
         break;
       case "network":
@@ -250,7 +250,7 @@ export class Host implements ConnectionListener {
     this.fired.reset();
     this.active.reset();
     this.counters.reset();
-    this.jsonVerdicts.value = new Map();
+    this.jsonVerdicts.reset();
   }
 
   /** All values come with each connection, of any page: only one that is another than before is something that the node did. */
@@ -386,10 +386,10 @@ export class Host implements ConnectionListener {
     this.fired.keepOnly(handles);
     this.active.keepOnly(handles);
     this.counters.keepOnly(handles);
+    this.jsonVerdicts.keepOnly(handles);
     batch(() => {
       this.sceneNumber.value = number;
       this.#nodes.value = nodes;
-      this.jsonVerdicts.value = new Map([...this.jsonVerdicts.value].filter(([node]) => handles.has(node)));
       this.links.value = scene.links.filter(({ from, to }) => handles.has(from) && handles.has(to));
       this.notes.value = scene.notes ?? {};
     });

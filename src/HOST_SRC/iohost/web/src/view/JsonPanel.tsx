@@ -142,8 +142,8 @@ export function JsonPanel({ host }: PanelProps) {
 
 /** What a JSON node made of its last text. Nothing for other nodes, and before the first text. */
 export function JsonVerdictLine({ host, node }: { host: Host; node: string }) {
-  const verdict = host.jsonVerdicts.value.get(node);
-  if (verdict === undefined) {
+  const verdict = host.jsonVerdicts.of(node).value;
+  if (verdict === null) {
     return null;
   }
   return (
