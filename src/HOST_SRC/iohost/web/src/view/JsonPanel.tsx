@@ -15,9 +15,10 @@ interface ObjectName {
 }
 
 /** Texts for the JSON nodes: sent as a device, or to an object; and what the nodes made of the last ones. */
-export function JsonPanel({ host }: PanelProps) {
-  const deviceNodes = nodesOf(host.nodes.value, NodeType.deviceJson);
-  const objectNodes = nodesOf(host.nodes.value, NodeType.objectJson);
+export function JsonPanel({ host, shown }: PanelProps) {
+  const nodes = shown ? host.nodes.value : null; // what is hidden needn't follow
+  const deviceNodes = nodesOf(nodes, NodeType.deviceJson);
+  const objectNodes = nodesOf(nodes, NodeType.objectJson);
   const [texts, setTexts] = useState(() => readTexts(localStorage));
   const [to, setTo] = useState<TextAddress["to"]>(texts[0]?.to ?? "device");
   const [device, setDevice] = useState<number | null>(texts[0]?.to === "device" ? texts[0].device : null);
