@@ -38,7 +38,7 @@ export class Host implements ConnectionListener {
   readonly sceneNumber = signal(0);
   /** Null until the scene was read for the first time. */
   readonly nodes = computed((): readonly NodeView[] | null => this.#nodes.value?.map(withTexts) ?? null);
-  readonly byHandle = computed((): ReadonlyMap<string, NodeView> => new Map(this.nodes.value?.map((node) => [node.node, node])));
+  readonly byHandle = computed(() => new Map(this.nodes.value?.map((node) => [node.node, node])));
   /** Those that were read first; null until then. */
   readonly firstNodes = computed((): readonly NodeView[] | null => this.#firstNodes.value?.map(withTexts) ?? null);
   readonly links = signal<readonly Link[]>([]);
@@ -253,7 +253,7 @@ export class Host implements ConnectionListener {
     this.jsonVerdicts.reset();
   }
 
-  /** All values come with each connection, of any page: only one that is another than before is something that the node did. */
+  /** All values come with each connection, of any page: only one that is another than before is what the node did. */
   #showValue(node: string, output: number, value: OutputValue): void {
     const shown = this.values.of(node, output);
     if (isAnother(shown.peek(), value)) {
@@ -438,7 +438,8 @@ export class Host implements ConnectionListener {
   #showOutputs(node: string, { outputs }: NodeDetails): void {
     this.#pace.show(() => {
       for (const { id, int, float, string, length } of outputs.flatMap(({ params }) => params)) {
-        const [shown, value] = [this.values.of(node, id), { int, float, string, ...(length !== undefined && { length }) }];
+        const value = { int, float, string, ...(length !== undefined && { length }) };
+        const shown = this.values.of(node, id);
         shown.value = isAnother(shown.peek(), value) ? value : shown.peek();
       }
     });
