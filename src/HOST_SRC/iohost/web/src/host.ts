@@ -20,7 +20,7 @@ export type ConnectionState =
   | { is: "open"; version: string; fps: number; address: string; connection: number }
   | { is: "lost"; retryAt: number };
 
-export type NodeView = SceneNode & { details: NodeDetails };
+export type NodeView = SceneNode & { details: Omit<NodeDetails, "own"> };
 
 /** Longer than the host takes to count what the page has already seen. */
 const COUNTED_WITHIN_MS = 500;
@@ -447,10 +447,10 @@ export class Host implements ConnectionListener {
 }
 
 /** Which inputs its panel offers, a node says by its own parameters; the graph's inputs are copies of them. */
-function withAvailable(details: NodeDetails): NodeDetails {
-  const own = new Map(details.own.flatMap(({ params }) => params).map(({ id, available }) => [id, available]));
+function withAvailable({ own, ...details }: NodeDetails): NodeView["details"] {
+  const available = new Map(own.flatMap(({ params }) => params).map((param) => [param.id, param.available]));
   for (const param of details.inputs.flatMap(({ params }) => params)) {
-    param.available = own.get(param.id) ?? param.available;
+    param.available = available.get(param.id) ?? param.available;
   }
   return details;
 }

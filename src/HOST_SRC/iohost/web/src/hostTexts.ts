@@ -25,12 +25,12 @@ const made: Record<Language, WeakMap<NodeView, NodeView>> = { en: new WeakMap(),
 /** A node with its pins in the reader's language: the same one each time. Its type's name stays the host's, as its log has it. */
 export function withTexts(node: NodeView): NodeView {
   const nodes = made[language.value];
-  const { own, inputs, outputs } = node.details;
-  const shown = nodes.get(node) ?? {
-    ...node,
-    details: { ...node.details, own: own.map(groupWithTexts), inputs: inputs.map(groupWithTexts), outputs: outputs.map(groupWithTexts) },
-  };
-  nodes.set(node, shown);
+  const { inputs, outputs } = node.details;
+  let shown = nodes.get(node);
+  if (shown === undefined) {
+    const details = { ...node.details, inputs: inputs.map(groupWithTexts), outputs: outputs.map(groupWithTexts) };
+    nodes.set(node, (shown = { ...node, details }));
+  }
   return shown;
 }
 
