@@ -55,10 +55,8 @@ public:
 
     bool IsKnown() const { return m_toWide != nullptr && m_fromWide != nullptr; }
 
-    // Bytes of a character or of its look-alike; nothing when the code page has neither.
+    // Bytes of a character beyond ASCII or of its look-alike; nothing when the code page has neither.
     std::optional<std::string> FromWide(wchar_t ch) const {
-        if (static_cast<std::uint32_t>(ch) < 0x80)
-            return std::string(1, static_cast<char>(ch));
         if (m_bGbk && ch == g_chEuro)
             return std::string(1, g_nGbkEuro);
         std::array<char, 8> bytes;
@@ -213,23 +211,10 @@ std::optional<wchar_t> Composed(wchar_t chLetter, wchar_t chMark) {
     return static_cast<wchar_t>(pair[0]);
 }
 
-void AppendUtf8(COutput<char>& output, std::uint32_t nCharacter) {
-    const auto trail = [&](int nShift) { output.Append(static_cast<char>(0x80 | (nCharacter >> nShift & 0x3F))); };
-    if (nCharacter < 0x80)
-        output.Append(static_cast<char>(nCharacter));
-    else if (nCharacter < 0x800) {
-        output.Append(static_cast<char>(0xC0 | nCharacter >> 6));
-        trail(0);
-    } else if (nCharacter < 0x10000) {
-        output.Append(static_cast<char>(0xE0 | nCharacter >> 12));
-        trail(6);
-        trail(0);
-    } else {
-        output.Append(static_cast<char>(0xF0 | nCharacter >> 18));
-        trail(12);
-        trail(6);
-        trail(0);
-    }
+void AppendUtf8(COutput<char>& output, wchar_t ch) {
+    char bytes[4];
+    const auto nBytes = utf8proc_encode_char(ch, reinterpret_cast<utf8proc_uint8_t*>(bytes));
+    output.Append(std::string_view(bytes, static_cast<std::size_t>(nBytes)));
 }
 
 // Reads one character; on an error (false) nPosition moves behind the longest start of a character, at least one byte.
@@ -283,7 +268,7 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
         for (std::size_t nPosition = output.AppendAscii(strWide); nPosition < strWide.size();
              nPosition += output.AppendAscii(strWide.substr(nPosition))) {
             const wchar_t ch = strWide[nPosition++];
-            AppendUtf8(output, static_cast<std::uint32_t>(IsSurrogate(ch) ? g_chReplacement : ch));
+            AppendUtf8(output, IsSurrogate(ch) ? g_chReplacement : ch);
         }
     } else {
         const std::lock_guard lock(g_codePageMutex);

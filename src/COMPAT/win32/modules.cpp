@@ -7,7 +7,6 @@
 #include <compat/testing.h>
 
 #include <algorithm>
-#include <climits>
 #include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
@@ -47,12 +46,6 @@ link_map* LoaderEntry(void* pLoaderHandle) {
 
 HMODULE ModuleOf(const link_map* pEntry) {
     return ModuleFromAddress(pEntry->l_ld); // the library's own dynamic section
-}
-
-std::string ProgramPath() {
-    char szPath[PATH_MAX];
-    const ssize_t nLength = readlink("/proc/self/exe", szPath, sizeof(szPath));
-    return nLength > 0 ? std::string(szPath, static_cast<std::size_t>(nLength)) : std::string();
 }
 
 bool IsLibraryFile(const std::string& strPath) {
@@ -168,7 +161,7 @@ DWORD WINAPI GetCurrentProcessId() {
 }
 
 DWORD WINAPI GetModuleFileNameW(HMODULE, LPWSTR pszFileName, DWORD nSize) {
-    const std::wstring strPath = ToWide(CP_UTF8, ProgramPath());
+    const std::wstring strPath = ToWide(CP_UTF8, std::filesystem::read_symlink("/proc/self/exe").native());
     const std::size_t nCopied = std::min<std::size_t>(strPath.size(), nSize - 1);
     std::wmemcpy(pszFileName, strPath.data(), nCopied);
     pszFileName[nCopied] = 0;

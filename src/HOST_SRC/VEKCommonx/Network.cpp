@@ -142,11 +142,7 @@ IMPLEMENT_DYNAMIC(CZTDirectParser, CZtSocketParser)
 CZTDirectParser::CZTDirectParser(IReceivedBytes* pReceiver) : m_pReceiver(pReceiver) {}
 CZTDirectParser::~CZTDirectParser() = default;
 
-void CZTDirectParser::Reset() {
-    if (m_pReceiver != nullptr) {
-        m_pReceiver->OnConnectionBegins();
-    }
-}
+void CZTDirectParser::Reset() {} // it keeps nothing
 
 bool CZTDirectParser::Receive(const unsigned char* pData, int nLength) {
     if (m_pReceiver != nullptr && pData != nullptr && nLength > 0) {

@@ -21,9 +21,6 @@ protected:
 /// Takes the bytes that come in over a connection without a frame.
 class IReceivedBytes {
 public:
-    /// A connection begins.
-    virtual void OnConnectionBegins() = 0;
-
     /// The next bytes, split anywhere; they live for the call.
     virtual void OnBytes(std::span<const unsigned char> bytes) = 0;
 

@@ -111,7 +111,6 @@ void CFrameReader::Deliver(IFrameReceiver& receiver) {
         switch (receiver.OnFrame(
             {GetNumber(m_frame, OFFSET_COMMAND, 4), text.substr(0, nClipSize), text.substr(nClipSize)})) {
         case EFrameVerdict::Taken:
-            ++m_nTaken;
             break;
         case EFrameVerdict::UnknownCommand:
             Refuse(EFrameRefusal::UnknownCommand);

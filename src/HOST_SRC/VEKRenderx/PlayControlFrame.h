@@ -62,7 +62,6 @@ public:
     /// The connection ended; an unfinished frame counts as truncated.
     void Finish();
 
-    unsigned long long TakenCount() const { return m_nTaken; }
     unsigned long long RefusedCount(EFrameRefusal nRefusal) const { return m_nRefused[static_cast<size_t>(nRefusal)]; }
 
     /// All refused frames, and why the last one was.
@@ -78,7 +77,6 @@ private:
     size_t m_nBodySize = 0;             ///< of the current frame, once its header is there
     bool m_bPassOver = false;           ///< the current frame was refused by its header
     bool m_bClosed = false;
-    unsigned long long m_nTaken = 0;
     std::array<unsigned long long, FRAME_REFUSAL_COUNT> m_nRefused = {};
     std::optional<EFrameRefusal> m_lastRefusal;
 };

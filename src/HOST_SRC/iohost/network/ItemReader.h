@@ -34,7 +34,6 @@ public:
     const LineRefusalCounts& RejectedLines() const { return m_textLines.RefusedCounts(); }
 
 private:
-    void OnConnectionBegins() override {}
     void OnBytes(std::span<const unsigned char> bytes) override;
     void OnRecord(const CString& strClip, CQORPanelRemoteCtrlData& record) override;
     void OnText(const CString& strText) override;

@@ -6,10 +6,6 @@
 
 #include "base/TextUtf8.h"
 
-void CTextLines::OnConnectionBegins() {
-    BeginLine();
-}
-
 void CTextLines::OnBytes(std::span<const unsigned char> bytes) {
     while (!bytes.empty()) {
         // A line feed is never part of another character, wherever characters are split.

@@ -32,7 +32,6 @@ public:
     /// The receiver must outlive this object.
     explicit CTextLines(ITextReceiver& receiver) : m_receiver(receiver) {}
 
-    void OnConnectionBegins() override;
     void OnBytes(std::span<const unsigned char> bytes) override;
 
     /// The connection ended; a line without an end counts as cut off.
