@@ -270,6 +270,8 @@ int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, in
             const wchar_t ch = strWide[nPosition++];
             AppendUtf8(output, IsSurrogate(ch) ? g_chReplacement : ch);
         }
+    } else if (COutput<char> ascii = output; ascii.AppendAscii(strWide) == strWide.size()) {
+        return ascii.Finish(); // the same in every code page
     } else {
         const std::lock_guard lock(g_codePageMutex);
         const CCodePage* pCodePage = FindCodePage(nCodePage);
