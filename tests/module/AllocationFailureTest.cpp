@@ -54,6 +54,9 @@ private:
     static inline EHowOften s_nHowOften = ONCE;
 };
 
+/// Whether arrays that are asked for without exceptions aren't had.
+bool s_bNoArrays = false;
+
 /// Whether a failed operator new raises the framework's exception, as it does in a module that is linked with the
 /// framework on Windows.
 bool s_bFrameworksNew = false;
@@ -94,7 +97,7 @@ void* operator new(std::size_t nBytes, const std::nothrow_t& nothrow) noexcept {
 
 void* operator new[](std::size_t nBytes, const std::nothrow_t& nothrow) noexcept {
     static const auto s_pOriginal = Original<void*(std::size_t, const std::nothrow_t&)>(L"", "_ZnamRKSt9nothrow_t");
-    return FailingMemory::Fails() ? nullptr : s_pOriginal(nBytes, nothrow);
+    return s_bNoArrays || FailingMemory::Fails() ? nullptr : s_pOriginal(nBytes, nothrow);
 }
 
 namespace {
@@ -106,6 +109,7 @@ protected:
         TakeSocketCalls();
     }
     ~AllocationFailure() override {
+        s_bNoArrays = false;
         TakeImageCalls();
         TakeSocketCalls();
     }
@@ -495,6 +499,24 @@ TEST_F(OperationWithoutMemory, ARecordThatCannotBeHadEndsTheEvaluation) {
     EXPECT_TRUE(m_devices.TakeSent().empty());
     EXPECT_EQ(netSend.Evaluate(), 1);
     EXPECT_EQ(m_devices.TakeSent().size(), 1u);
+}
+
+TEST_F(AllocationFailure, OfABroadcastsBufferSendsTheLengthFromNowhere) {
+    NodeScene scene(m_host, TYPE_BROADCAST_SEND);
+    scene.Input(605).m_strValue = L"12|7";
+    scene.AddGraphInput(606, 26, 7).m_nValue = 1;
+    TakeDatagrams();
+    s_bNoArrays = true;
+    EXPECT_EQ(scene.Evaluate(), 1);
+    s_bNoArrays = false;
+    EXPECT_EQ(scene.Evaluate(), 1);
+    const std::vector<SentDatagram> datagrams = TakeDatagrams();
+    ASSERT_EQ(datagrams.size(), 2u);
+    const std::string whole =
+        std::string("[.{<Broadcast Flag=\"\" ClipName=\"\" Name=\"\" Data=\"12|7\"/>\r\n}.]") + '\0';
+    EXPECT_TRUE(datagrams[0].bNowhere);
+    EXPECT_EQ(datagrams[0].nSize, whole.size());
+    EXPECT_EQ(datagrams[1].bytes, whole);
 }
 
 } // namespace

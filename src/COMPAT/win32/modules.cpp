@@ -161,7 +161,8 @@ DWORD WINAPI GetCurrentProcessId() {
 }
 
 DWORD WINAPI GetModuleFileNameW(HMODULE, LPWSTR pszFileName, DWORD nSize) {
-    const std::wstring strPath = ToWide(CP_UTF8, std::filesystem::read_symlink("/proc/self/exe").native());
+    std::error_code error; // then the path is empty
+    const std::wstring strPath = ToWide(CP_UTF8, std::filesystem::read_symlink("/proc/self/exe", error).native());
     const std::size_t nCopied = std::min<std::size_t>(strPath.size(), nSize - 1);
     std::wmemcpy(pszFileName, strPath.data(), nCopied);
     pszFileName[nCopied] = 0;

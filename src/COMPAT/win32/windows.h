@@ -247,9 +247,9 @@ COMPAT_API UINT WINAPI GetACP();
 // Wide text to bytes. nWideLength -1: up to and including the zero. nBytes 0 asks for the length needed. Returns the
 // bytes written or needed, 0 on failure: ERROR_INSUFFICIENT_BUFFER (nothing useful in the buffer), ERROR_INVALID_FLAGS
 // (the code pages that have all of Unicode take none).
-// A character that the code page does not have becomes '?'; the default character of the caller's is ignored.
-// Look-alikes of characters are known for code page 1252 only, and the private-use characters of code page 936 are not
-// mapped. Surrogates become U+FFFD in UTF-8.
+// A character that the code page, a known one, does not have becomes '?'; the caller's default character is ignored,
+// and whether it was used is not told. Look-alikes of characters are known for code page 1252 only, and the private-use
+// characters of code page 936 are not mapped. Surrogates become U+FFFD in UTF-8.
 COMPAT_API int WINAPI WideCharToMultiByte(UINT nCodePage, DWORD nFlags, LPCWSTR pszWide, int nWideLength,
                                           LPSTR pszBytes, int nBytes, LPCSTR pszDefault, LPBOOL pbUsedDefault);
 // Bytes to wide text, likewise. Bytes that are no character become U+FFFD, or fail with ERROR_NO_UNICODE_TRANSLATION

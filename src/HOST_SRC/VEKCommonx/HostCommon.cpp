@@ -138,7 +138,7 @@ static std::optional<CString> DecodeUtf8(std::string_view text, DWORD nFlags) {
 }
 
 CString FromUtf8(std::string_view text) {
-    return *DecodeUtf8(text, 0);
+    return DecodeUtf8(text, 0).value_or(CString());
 }
 
 std::optional<CString> WellFormedText(std::string_view utf8) {

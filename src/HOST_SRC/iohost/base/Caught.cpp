@@ -13,13 +13,3 @@ std::string CaughtText() {
         return "an exception of an unknown kind";
     }
 }
-
-void LogThrown(const char* pszWhat, std::exception_ptr pThrown) {
-    if (pThrown != nullptr) {
-        try {
-            std::rethrow_exception(pThrown);
-        } catch (...) {
-            WriteHostLine(LOG_ERROR, std::string(pszWhat) + ": " + CaughtText());
-        }
-    }
-}

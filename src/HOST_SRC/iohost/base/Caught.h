@@ -34,12 +34,16 @@ void RunLoop(Run run) {
     }
 }
 
-/// Log what a coroutine threw; null: nothing.
-void LogThrown(const char* pszWhat, std::exception_ptr pThrown);
-
 /// Start a coroutine on an executor or in a loop; what it throws is logged.
 template <typename Place, typename Function>
 void Spawn(Place&& place, const char* pszWhat, Function function) {
-    boost::asio::co_spawn(std::forward<Place>(place), std::move(function),
-                          [pszWhat](std::exception_ptr pThrown) { LogThrown(pszWhat, pThrown); });
+    boost::asio::co_spawn(std::forward<Place>(place), std::move(function), [pszWhat](std::exception_ptr pThrown) {
+        if (pThrown != nullptr) {
+            try {
+                std::rethrow_exception(pThrown);
+            } catch (...) {
+                WriteHostLine(LOG_ERROR, std::string(pszWhat) + ": " + CaughtText());
+            }
+        }
+    });
 }

@@ -79,7 +79,7 @@ bool WriteStandard(int nStream, std::string_view text) {
         const ssize_t nWritten = write(nStream, text.data(), text.size());
         if (nWritten >= 0) {
             text.remove_prefix(static_cast<size_t>(nWritten));
-        } else if (errno == EAGAIN) { // whoever made it so that writes don't wait: here they do
+        } else if (errno == EAGAIN) { // the descriptor is non-blocking: wait until it takes more
             pollfd ready{nStream, POLLOUT, 0};
             poll(&ready, 1, -1);
         } else if (errno != EINTR) {

@@ -11,7 +11,7 @@ inline std::string Utf8(const CString& strText) {
     return ToUtf8(strText.GetString(), strText.GetLength());
 }
 
-/// The same bytes, as the library's texts of paths have them.
+/// The standard library has the texts of paths in a type of its own.
 inline std::string Utf8(const std::u8string& text) {
     return {text.begin(), text.end()};
 }

@@ -158,6 +158,8 @@ Result CSession::Perform(const Command& command, const SOrigin& origin) {
 SDone CSession::CloseConnection(CHeldInput& held, const std::string& strReason) {
     SDone done = Do(SReleaseHeldCommand{.strReason = strReason}, {.pHeld = &held});
     m_held.Close(held);
+    done.origin.pHeld = nullptr; // it's gone, and so is the command
+    done.pCommand = nullptr;
     return done;
 }
 

@@ -341,9 +341,13 @@ TEST_F(Recording, BrokenLineEndsTheReplay) {
     const std::string strText = ReadAll(m_file);
     const std::string strCut = Replay(CReplay::EResult::Broken, strText.substr(0, strText.size() - 10));
     EXPECT_NE(strCut.find(": line: not JSON"), std::string::npos) << strCut;
-    for (const char* pszLine : {R"({"op":"objects"})", R"({"op":"objects","reply":{}})",
-                                R"({"op":"objects","reply":{"ok":true},"connection":0})"}) {
-        Replay(CReplay::EResult::Broken, strText + pszLine);
+    for (const auto& [pszLine, pszProblem] :
+         {std::pair(R"({"op":"objects"})", "line.reply: is missing"),
+          std::pair(R"({"op":"objects","reply":{}})", "line.reply.ok: is missing"),
+          std::pair(R"({"op":"objects","reply":{"ok":true},"connection":0})", "line.connection: isn't the number of"),
+          std::pair("5", "line: must be an object")}) {
+        const std::string strOutput = Replay(CReplay::EResult::Broken, strText + pszLine);
+        EXPECT_NE(strOutput.find(pszProblem), std::string::npos) << strOutput;
     }
 }
 

@@ -167,7 +167,7 @@ Awaitable<void> ReadHead(TcpStream& stream, beast::flat_buffer& buffer, RequestP
 /// Reads the body behind a head.
 Awaitable<std::string> ReadBody(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head,
                                 std::uint64_t nLongest, error_code& error) {
-    stream.expires_after(REQUEST_TIME); // the head may have been waited for
+    stream.expires_after(REQUEST_TIME); // the body has its own
     if (head.content_length().value_or(0) > nLongest) {
         error = http::error::body_limit;
         co_return std::string();

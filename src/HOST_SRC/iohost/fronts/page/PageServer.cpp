@@ -174,21 +174,24 @@ private:
 
     void Take(TcpSocket socket) {
         if (m_nConnections < MOST_CONNECTIONS) {
-            Serve(m_nConnections, ServeHttpConnection(std::move(socket), *m_pSite));
+            Serve(m_nConnections, "a connection of the page failed", ServeHttpConnection(std::move(socket), *m_pSite));
             return;
         }
         m_fullLine.Write("a connection was turned away: " + FullText());
         if (m_nTurnedAway < MOST_TURNED_AWAY) {
-            Serve(m_nTurnedAway, TurnAwayHttpConnection(std::move(socket), FullText()));
+            Serve(m_nTurnedAway, "a connection couldn't be turned away",
+                  TurnAwayHttpConnection(std::move(socket), FullText()));
         }
     }
 
     /// A connection counts for as long as it's served.
-    void Serve(size_t& nCount, Awaitable<void> connection) {
+    void Serve(size_t& nCount, const char* pszFailed, Awaitable<void> connection) {
         ++nCount;
-        asio::co_spawn(m_context, std::move(connection), [&nCount](std::exception_ptr pThrown) {
+        asio::co_spawn(m_context, std::move(connection), [this, &nCount, pszFailed](std::exception_ptr pThrown) {
             --nCount;
-            LogThrown("a connection of the page failed", pThrown);
+            if (pThrown != nullptr) {
+                DoGuarded(m_failedLine, pszFailed, [&] { std::rethrow_exception(pThrown); });
+            }
         });
     }
 
@@ -234,8 +237,10 @@ private:
 
     std::string LoadScene(const std::string& strText) {
         try {
-            const Json request = {{"op", "load"}, {"scene", ParseJson(strText, "scene")}};
-            return ReplyText(Answer(m_session, request, m_scenes, {}, CutForViewers));
+            const auto pScene = ReadScene(ParseJson(strText, "scene"), "scene"); // the JSON, which may be large, goes
+            SDone done = m_session.Do(SLoadCommand{pScene});
+            CutForViewers(done);
+            return ReplyText(ReplyTo(done));
         } catch (const CRefusal& refusal) {
             return ReplyText(ErrorReply(refusal.what()));
         }
@@ -354,8 +359,8 @@ private:
     void TellFrame() {
         DoGuarded(m_frameLine, "the pages weren't told of a frame", [this] {
             SendToAll({{"push", "frame"}, {"frame", m_nFrame}});
-            m_unsaved.Check();
         });
+        DoGuarded(m_failedLine, "the unsaved scene can't be written aside", [this] { m_unsaved.Check(); });
     }
 
     void TellScene() {
@@ -467,6 +472,7 @@ private:
     CFrameTimer m_frameTimer;
     CFrameTimer m_tellTimer{m_context, 1, [this] { TellFrame(); }};
     CLimitedLine m_frameLine{LOG_ERROR};
+    CLimitedLine m_failedLine{LOG_ERROR};
     CLimitedLine m_fullLine{LOG_ERROR};
     std::unique_ptr<const SHttpSite> m_pSite; ///< once it listens
     std::string m_strAddress;

@@ -27,7 +27,7 @@ std::string ValueText(const Json& value) {
 /// A line of a recording. What isn't one is refused.
 Json ParseLine(std::string_view line) {
     Json request = ParseJson(line, "line");
-    const CFields fields(request, "line.");
+    const CFields fields(request, "line");
     ReadBool(CFields(fields.Required("reply"), "line.reply").Required("ok"), "line.reply.ok");
     if (fields.Has("connection") && (fields.Int("connection") < 1 || fields.Int("connection") > MOST_CONNECTIONS)) {
         Refuse(fields.Path("connection"), "isn't the number of one");

@@ -37,12 +37,9 @@ export function agoText(milliseconds: number): string {
   return seconds < 120 ? t("{seconds} s ago", { seconds }) : t("{minutes} min ago", { minutes: Math.floor(seconds / 60) });
 }
 
-/** How long something has lasted, at a glance: 0.4 s, 12 s, 3 min. */
+/** How long something has lasted, at a glance: 0 s, 12 s, 3 min. */
 export function ageText(milliseconds: number): string {
   const seconds = Math.max(0, milliseconds) / 1000;
-  if (seconds < 10) {
-    return t("{count} s", { count: (Math.floor(seconds * 10) / 10).toFixed(1) });
-  }
   return seconds < 120
     ? t("{count} s", { count: Math.floor(seconds) })
     : t("{count} min", { count: Math.floor(seconds / 60) });

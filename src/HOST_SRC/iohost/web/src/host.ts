@@ -370,7 +370,7 @@ export class Host implements ConnectionListener {
     const asked = scene.nodes.filter((node) => !isFresh(node));
     const [first, others] = [this.#inspect(asked.slice(0, FIRST_NODES)), this.#inspect(asked.slice(FIRST_NODES))];
     const read = await first;
-    if (this.#nodes.peek() === null && this.connection.peek().is === "open") {
+    if (this.#nodes.peek() === null && asked.length > FIRST_NODES && this.connection.peek().is === "open") {
       batch(() => {
         this.sceneNumber.value = number;
         this.#firstNodes.value = [...read.values()];
@@ -390,6 +390,7 @@ export class Host implements ConnectionListener {
     batch(() => {
       this.sceneNumber.value = number;
       this.#nodes.value = nodes;
+      this.#firstNodes.value = null;
       this.links.value = scene.links.filter(({ from, to }) => handles.has(from) && handles.has(to));
       this.notes.value = scene.notes ?? {};
     });
@@ -440,7 +441,9 @@ export class Host implements ConnectionListener {
       for (const { id, int, float, string, length } of outputs.flatMap(({ params }) => params)) {
         const value = { int, float, string, ...(length !== undefined && { length }) };
         const shown = this.values.of(node, id);
-        shown.value = isAnother(shown.peek(), value) ? value : shown.peek();
+        if (isAnother(shown.peek(), value)) {
+          shown.value = value;
+        }
       }
     });
   }

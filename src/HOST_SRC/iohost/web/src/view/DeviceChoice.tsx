@@ -32,7 +32,7 @@ export function DeviceChoice({ host, node, param, otherwise, onEdit }: DeviceCho
   const current = isText ? param.string : String(param.int);
   const choose = async (value: string) => {
     const edit = isText ? { string: value } : { int: Number(value) };
-    const inputs = host.nodes.value?.find((one) => one.node === node)?.details.inputs ?? [];
+    const inputs = host.byHandle.value.get(node)?.details.inputs ?? [];
     const name = inputs.flatMap(({ params }) => params).find((one) => one.name === "DevName");
     const device = devices.find(({ id }) => String(id) === value);
     if (name === undefined || device === undefined) {

@@ -84,7 +84,8 @@ function Nodes({ host, desk }: { host: Host; desk: Desk }) {
       </div>
       {nodes !== null && nodes.length > 1 && chosen.length === 0 && <NodeIndex host={host} nodes={nodes} />}
       {chosen.length === 0 && <PartIndex host={host} desk={desk} />}
-      <div class="cards" key={host.sceneNumber.value}>
+      {/* The first cards know nothing of links and other nodes yet. */}
+      <div class="cards" key={host.sceneNumber.value} inert={nodes === null}>
         {nodes?.length === 0 && <p class="empty">{t("The scene has no nodes.")}</p>}
         {shown?.map((node) => (
           <NodeCard key={node.node} host={host} node={node} />
