@@ -18,7 +18,7 @@ constexpr double FRAME_LIMIT = 1.8;
 constexpr double SMALL_FRAME_LIMIT = 3.0; // few nodes share what a frame costs by itself
 constexpr size_t SMALL = 13;
 constexpr double EVENT_LIMIT = 3.0;
-constexpr double REQUEST_LIMIT = 4.0;
+constexpr double REQUEST_LIMIT = 4.5;
 
 constexpr int KEY_DOWN = 2002;
 
