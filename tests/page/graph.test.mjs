@@ -47,10 +47,9 @@ test("a page that opens later tells how long ago a node acted, and lights no lam
   await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
   await until("that it acted", () => script.pushes.some(({ push, idle_ms }) => push === "counters" && idle_ms?.k === 0));
   await must(script, { op: "clock", ms: 180000 });
-  const other = await is.openPage(browser, host);
-  const activity = other.page.locator('[data-face="k"] [data-active]', { hasText: "3 min ago" });
-  await activity.waitFor();
-  assert.doesNotMatch(await activity.getAttribute("class"), /fired/);
+  const other = await is.openPage(browser, host, { scripts: [is.watchLights] });
+  await other.page.locator('[data-face="k"] [data-active]', { hasText: "3 min ago" }).waitFor();
+  assert.equal(await is.lights(other.page, "*"), 0);
   assert.equal(await other.page.locator('[data-face="m"] [data-active]').count(), 0);
 });
 

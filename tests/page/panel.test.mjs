@@ -54,18 +54,18 @@ test("switching a node off stops its events, and every page shows the switch", a
 test("what was done a while ago doesn't flash when it's drawn anew", async () => {
   await script.request({ op: "event", device: 1, event: 3004 });
   await page.page.locator("article[data-node=m] .node-activity", { hasText: /[2-9] s ago/ }).waitFor();
-  await page.page.evaluate(() => {
-    globalThis.flashes = 0;
-    const count = (changes) => (globalThis.flashes += changes.filter(({ target }) => target.hasAttribute("data-lit")).length);
-    new MutationObserver(count).observe(document, { attributeFilter: ["data-lit"], subtree: true });
-  });
+  await page.page.evaluate(is.watchLights);
   await page.page.locator("[data-line]").last().click();
   await expectEventually("cards", () => page.page.locator("article[data-node]").count(), 1);
   await page.page.getByText("Show all").click();
   await until("all cards", async () => (await page.page.locator("article[data-node]").count()) > 1);
-  assert.equal(await page.page.evaluate(() => globalThis.flashes), 0);
-  await script.request({ op: "event", device: 1, event: 3004 });
-  await until("a flash", () => page.page.evaluate(() => globalThis.flashes > 0));
+  assert.equal(await is.lights(page.page, "*"), 0);
+  for (const part of ["article .output", "article .node-activity", "[data-face] .face-output"]) {
+    await until(`a flash in ${part}`, async () => {
+      await script.request({ op: "event", device: 1, event: 3004 }); // what is drawn late doesn't flash
+      return (await is.lights(page.page, `${part} .event-lamp`)) > 0;
+    });
+  }
 });
 
 test("a paused log stands still and goes on with what came meanwhile; clearing empties it", async () => {
@@ -238,6 +238,7 @@ test("a page without its host says so, comes back with it, and releases nothing 
     pressesAndReleases.map(([event, payload]) => [event, payload.text ?? payload.pointer]),
     [[2002, "b"], [2003, "b"], [3005, page.pointer(0)], [3006, page.pointer(0)]],
   );
+  await page.close();
   page.problems.length = 0; // the browser tells of each connection that failed
 });
 

@@ -107,8 +107,9 @@ test("a wire lights when an event runs through it, and shows its value while it'
   await must(script, { op: "link", from: "k", output: is.KEY_DOWN[1], to: "t", input: APPEND_INPUT });
   await expectEventually("wires", () => canvas.wires().count(), 2);
   assert.equal(await page.page.locator("[data-pulse]").count(), 0);
+  await page.page.evaluate(is.watchLights);
   await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F7" } });
-  await expectEventually("lit wires", () => page.page.locator("[data-pulse]").count(), 2);
+  await expectEventually("lit wires", () => is.lights(page.page, "[data-pulse]"), 2);
   const value = page.page.locator("[data-wire-value]", { hasText: "F7" });
   const { x, y } = await canvas.wires().first().locator("path").first().evaluate((path) => {
     const { x, y } = path.getPointAtLength(path.getTotalLength() / 2);

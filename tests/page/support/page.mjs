@@ -153,6 +153,18 @@ export async function turn(locator, on) {
   await until(`a switch that is ${on ? "on" : "off"}`, async () => (await locator.isChecked()) === on);
 }
 
+/** Run in a page, takes note of what is lit from then on, however short. */
+export function watchLights() {
+  globalThis.litSoFar = [];
+  const note = (changes) =>
+    globalThis.litSoFar.push(...changes.map(({ target }) => target).filter((one) => one.hasAttribute("data-lit")));
+  new MutationObserver(note).observe(document, { attributeFilter: ["data-lit"], subtree: true });
+}
+
+/** How many elements that match were lit so far. */
+export const lights = (page, selector) =>
+  page.evaluate((what) => new Set(globalThis.litSoFar.filter((one) => one.matches(what))).size, selector);
+
 async function touchScreen(page, box) {
   const wire = await page.context().newCDPSession(page);
   const send = (type) => (fingers) =>
