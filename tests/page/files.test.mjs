@@ -10,7 +10,7 @@ import { temporaryFolder } from "./support/folder.mjs";
 import { startHost } from "./support/host.mjs";
 import { between, openTab } from "./support/page.mjs";
 import { takePicture } from "./support/pictures.mjs";
-import { createNode, expectEventually, must, openSession, Type, until } from "./support/session.mjs";
+import { createNode, expectEventually, must, nodeOf, openSession, Type, until } from "./support/session.mjs";
 import { before, beforeEach, test } from "./support/test.mjs";
 
 let browser;
@@ -451,7 +451,7 @@ test("a scene of this computer is saved under its file's name when it's asked fo
   await expectEventually("no name", () => name.inputValue(), "");
 });
 
-test("a file that is too large, or that no host takes, is refused in the reader's language", async () => {
+test("a file that is too large, or that no host takes, is refused in the reader's language, and names no scene", async () => {
   await page.getByRole("button", { name: "中文" }).click();
   const file = join(folder, "large.json");
   writeFileSync(file, "");
@@ -460,13 +460,21 @@ test("a file that is too large, or that no host takes, is refused in the reader'
   await page.getByRole("button", { name: "打开", exact: true }).click();
   await page.locator("[data-upload]").setInputFiles(file);
   await says("文件大于 256 MiB。");
+  writeFileSync(file, "no scene");
+  await page.locator("[data-upload]").setInputFiles(file);
+  await says("从第 2 字节起不是 JSON");
   await page.route("**/scene", (route) => route.fulfill({ status: 413, contentType: "text/plain", body: "" }));
-  truncateSync(file, 0);
   await page.locator("[data-upload]").setInputFiles(file);
   await says("主机拒绝了此文件：413 Payload Too Large");
   await page.route("**/scene", (route) => route.abort());
   await page.locator("[data-upload]").setInputFiles(file);
   await says("无法将文件发送到主机。");
+  await page.keyboard.press("Escape");
+  const scene = { format: "iohost scene", version: 1, nodes: [nodeOf("m", Type.mouse, "Mouse 1")], links: [] };
+  await must(script, { op: "load", scene });
+  await page.locator("[data-face=m]").waitFor();
+  await page.keyboard.press("Control+s");
+  assert.equal(await page.locator("[data-scene-name]").inputValue(), "");
 });
 
 test("an empty scene offers something to begin with", async () => {
