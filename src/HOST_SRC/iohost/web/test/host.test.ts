@@ -265,18 +265,20 @@ test("values that are told again stay the same objects, so that nothing is drawn
 test("many nodes are asked for in parts, few at first; those that have gone meanwhile aren't shown, whatever their handles", async () => {
   const { host } = openPage();
   const socket = connect();
-  const handles = ["constructor", "__proto__", ...Array.from({ length: 99 }, (_, index) => `k${index}`)];
+  const handles = ["constructor", "__proto__", ...Array.from({ length: 128 }, (_, index) => `k${index}`)];
   await answer(socket, "scene", { version: 1, nodes: handles.map((node) => ({ ...KEYS, node })), links: [] });
   const asked = socket.sent.filter(({ op }) => op === "inspect_nodes");
   assert.deepEqual(asked.flatMap(({ nodes }) => nodes), handles);
-  const [first, second] = asked;
+  assert.deepEqual(asked.map(({ nodes }) => nodes!.length), [20, 100, 10]);
+  const [first, second, third] = asked;
   socket.tell({ ok: true, id: first!.id, nodes: { k0: NO_PINS } });
   await new Promise(setImmediate);
   const [shown] = host.firstNodes.value!;
   assert.deepEqual([shown!.node, host.sceneNumber.value, host.nodes.value], ["k0", 11, null]);
   socket.tell({ ok: true, id: second!.id, nodes: { k98: NO_PINS } });
+  socket.tell({ ok: true, id: third!.id, nodes: { k127: NO_PINS } });
   await new Promise(setImmediate);
-  assert.deepEqual(host.nodes.value?.map(({ node }) => node), ["k0", "k98"]);
+  assert.deepEqual(host.nodes.value?.map(({ node }) => node), ["k0", "k98", "k127"]);
   assert.equal(host.nodes.value[0], shown);
 });
 
@@ -313,6 +315,38 @@ test("a connection that is lost while the scene is read leaves the page what it 
   assert.equal(host.nodes.value, shown);
 });
 
+test("of a scene that is cut off by a lost connection the first nodes are shown if they were read", async () => {
+  const { host } = openPage();
+  const nodes = Array.from({ length: 21 }, (_, index) => ({ ...KEYS, node: `k${index}` }));
+  const readScene = async () => {
+    const socket = connect();
+    await answer(socket, "scene", { version: 1, nodes, links: [] });
+    return socket;
+  };
+  const tell = async (socket: StandInSocket, part: number, node: string) => {
+    const { id } = socket.sent.filter(({ op }) => op === "inspect_nodes")[part]!;
+    socket.tell({ ok: true, id, nodes: { [node]: NO_PINS } });
+    await new Promise(setImmediate);
+  };
+  const lose = async (socket: StandInSocket) => {
+    socket.lose();
+    await new Promise(setImmediate);
+    retry();
+  };
+  await lose(await readScene());
+  assert.deepEqual([host.firstNodes.value, host.nodes.value], [null, null]);
+  const second = await readScene();
+  await tell(second, 0, "k0");
+  const first = host.firstNodes.value;
+  assert.deepEqual(first?.map(({ node }) => node), ["k0"]);
+  await lose(second);
+  assert.deepEqual([host.firstNodes.value, host.nodes.value], [first, null]);
+  const third = await readScene();
+  await tell(third, 0, "k0");
+  await tell(third, 1, "k20");
+  assert.deepEqual(host.nodes.value?.map(({ node }) => node), ["k0", "k20"]);
+});
+
 test("how the network stood isn't shown once the page knows how it stands", async () => {
   const timers: (() => void)[] = [];
   mock.method(globalThis, "setTimeout", (action: () => void) => timers.push(action));
@@ -327,9 +361,10 @@ test("how the network stood isn't shown once the page knows how it stands", asyn
   const { id } = socket.sent.filter(({ op }) => op === "network").at(-1)!;
   socket.tell({ ok: true, id, ...network(3) });
   await answered;
-  timers.forEach((action) => action());
+  const run = () => timers.splice(0).forEach((action) => action());
+  run();
   assert.equal(shown(), 3);
   socket.tell({ push: "network", ...network(4) });
-  timers.forEach((action) => action());
+  run();
   assert.equal(shown(), 4);
 });
