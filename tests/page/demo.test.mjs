@@ -34,7 +34,6 @@ before(async () => {
 });
 
 after(async () => {
-  await browser?.close();
   demo.kill("SIGINT");
   await once(demo, "close");
 });

@@ -7,6 +7,7 @@ export async function startDevice(port = 0) {
   const sockets = new Set();
   const server = createServer((socket) => {
     sockets.add(socket);
+    socket.on("close", () => sockets.delete(socket));
     socket.on("data", (data) => (device.received = Buffer.concat([device.received, data]))).on("error", () => {});
   }).listen(port, "127.0.0.1");
   await once(server, "listening");
