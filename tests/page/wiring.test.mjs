@@ -224,6 +224,7 @@ test("a click on a pin begins a wire, and one on another pin ends it or is told 
 test("keys go on with what was just made: it has the focus", async () => {
   await page.page.getByRole("button", { name: "Add node" }).click();
   await page.page.locator("[data-palette] input").fill("Mouse");
+  await page.page.locator('[data-entry="Mouse"].marked').waitFor();
   await page.keyboard.press("Enter");
   const focused = (label) => page.page.locator(`.react-flow__node[aria-label^="${label}"]:focus`);
   await focused("Mouse 2").waitFor();
