@@ -25,7 +25,8 @@ export async function runHost(...options) {
  * doesn't end is ended with it, and must end well; none may complain.
  */
 export async function startHost({ at = "127.0.0.1", port = 0, options = [] } = {}) {
-  const child = start(["--listen", `${at}:${port}`, ...options]);
+  const web = process.env.IOHOST_WEB ? ["--web", process.env.IOHOST_WEB] : [];
+  const child = start(["--listen", `${at}:${port}`, ...web, ...options]);
   const output = collect(child);
   const ended = once(child, "close");
   let isEnded = false;
@@ -74,10 +75,9 @@ function start(options) {
   if (!PROGRAM) {
     throw new Error("The environment variable IOHOST names no program.");
   }
-  const web = process.env.IOHOST_WEB ? ["--web", process.env.IOHOST_WEB] : [];
   // The sanitizer otherwise keeps freed memory for a long time, which looks like growth.
   const env = { ...process.env, ASAN_OPTIONS: `${process.env.ASAN_OPTIONS ?? ""}:quarantine_size_mb=1` };
-  return spawn(PROGRAM, [...web, ...options], { stdio: ["ignore", "pipe", "pipe"], env });
+  return spawn(PROGRAM, options, { stdio: ["ignore", "pipe", "pipe"], env });
 }
 
 function collect(child) {
