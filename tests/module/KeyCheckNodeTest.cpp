@@ -230,15 +230,26 @@ TEST_F(KeyCheckNodeHold, TickCountThatWrapsPastAHoldThatIsDueBefore) {
               (Ticks{0xFFFFFF00, 0xFFFFFFC8}));
 }
 
-TEST_F(KeyCheckNode, AnEdgeThatCannotBeFiredIsFiredByTheNextEvaluation) {
-    for (const int nOutput : {KEY_DOWN, KEY_UP}) {
-        nOutput == KEY_DOWN ? m_keyboard.Hold(KEY_A) : m_keyboard.Release(KEY_A);
+TEST_F(KeyCheckNodeHold, WhatCannotBeFiredIsFiredAgainOnlyWhereTheStateIsKeptAtLast) {
+    Look(SHIFT_A);
+    m_keyboard.Hold(SHIFT);
+    const auto FailedThenEvaluated = [this](DWORD nTick, int nResult) {
+        m_clock.Set(nTick);
         {
             const FailingText failing;
             m_scene.Evaluate();
         }
-        EXPECT_EQ(Evaluated(), Outputs{nOutput});
-    }
+        return Evaluated(nResult);
+    };
+    EXPECT_EQ(FailedThenEvaluated(1000, 1), Outputs{KEY_DOWN});
+    EXPECT_EQ(FailedThenEvaluated(1000, 1), Outputs{}) << "the hold has its tick already";
+    EXPECT_EQ(HoldsAt({1199, 1200}), Ticks{1200});
+    m_keyboard.Release(KEY_A);
+    EXPECT_EQ(FailedThenEvaluated(1200, 1), Outputs{KEY_UP});
+    m_keyboard.Hold(KEY_A);
+    Press(1200);
+    m_keyboard.Release(SHIFT);
+    EXPECT_EQ(FailedThenEvaluated(1200, 0), Outputs{}) << "the key counts as up already";
 }
 
 // ---- What stops an evaluation --------------------------------------------------------------------------------------
