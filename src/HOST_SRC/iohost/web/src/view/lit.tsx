@@ -4,7 +4,7 @@ import type { RefObject } from "preact";
 import { useLayoutEffect, useRef } from "preact/hooks";
 
 const LIT_MS = 500;
-/** Where less motion is wished; so long what has just happened also has the colour of it, which doesn't flash. */
+/** Where less motion is wished, and for the colour of what has just happened, which doesn't flash. */
 export const CALM_LIT_MS = 2000;
 const calm = matchMedia("(prefers-reduced-motion: reduce)");
 
