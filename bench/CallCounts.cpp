@@ -24,7 +24,7 @@ void Count(Counter& nCalls) {
 
 /// The function that a library defines under that name.
 template <typename Function>
-Function* Library(Function* /*own*/, const char* pszName) {
+Function* Library(const char* pszName) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, pszName));
 }
 
@@ -38,21 +38,20 @@ SCallCounts CallCounts() {
 #pragma GCC visibility push(default)
 
 VEKParam* FindParam(const VEKParamGroupList& lstGroup, const GUID& guid) {
-    using Function = VEKParam*(const VEKParamGroupList&, const GUID&);
     static auto* const s_pFind =
-        Library(static_cast<Function*>(nullptr), "_Z9FindParamRK5CListIP13VEKParamGroupRKS1_ERK4GUID");
+        Library<VEKParam*(const VEKParamGroupList&, const GUID&)>("_Z9FindParamRK5CListIP13VEKParamGroupRKS1_ERK4GUID");
     Count(s_nLookUps);
     return s_pFind(lstGroup, guid);
 }
 
 SHORT WINAPI GetKeyState(int nKey) {
-    static auto* const s_pGetKeyState = Library(&GetKeyState, "GetKeyState");
+    static auto* const s_pGetKeyState = Library<decltype(GetKeyState)>("GetKeyState");
     Count(s_nLookUps);
     return s_pGetKeyState(nKey);
 }
 
 CWinApp* AfxGetApp() {
-    static auto* const s_pGetApp = Library(&AfxGetApp, "_Z9AfxGetAppv");
+    static auto* const s_pGetApp = Library<decltype(AfxGetApp)>("_Z9AfxGetAppv");
     Count(s_nLookUps);
     return s_pGetApp();
 }

@@ -237,7 +237,8 @@ private:
 
     std::string LoadScene(const std::string& strText) {
         try {
-            const auto pScene = ReadScene(ParseJson(strText, "scene"), "scene"); // the JSON, which may be large, goes
+            // The JSON may be large: it's freed before the scene is loaded.
+            const auto pScene = ReadScene(ParseJson(strText, "scene"), "scene");
             SDone done = m_session.Do(SLoadCommand{pScene});
             CutForViewers(done);
             return ReplyText(ReplyTo(done));
