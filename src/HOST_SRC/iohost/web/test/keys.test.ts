@@ -28,6 +28,15 @@ test("a repeat is a down again, and one up ends it", () => {
   assert.deepEqual(held.up(key("a", "KeyA")), []);
 });
 
+test("a repeat has the text of its first down, though Shift was let go in between", () => {
+  const held = new HeldKeys();
+  held.down(key("Shift", "ShiftLeft"));
+  held.down(key("A", "KeyA"));
+  held.up(key("Shift", "ShiftLeft"));
+  assert.equal(held.down(key("a", "KeyA", true)), "A");
+  assert.deepEqual(held.up(key("a", "KeyA")), ["A"]);
+});
+
 test("the up and the repeat of a key that went down elsewhere are nothing", () => {
   const held = new HeldKeys();
   assert.deepEqual(held.up(key("a", "KeyA")), []);

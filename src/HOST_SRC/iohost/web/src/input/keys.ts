@@ -32,11 +32,14 @@ export class HeldKeys {
     return [...this.#keys.values()].flatMap(({ code }) => code ?? []);
   }
 
-  /** The text to send for a key down; null for a repeat of a key that went down elsewhere or was released by force. */
+  /**
+   * The text to send for a key down; that of the first down for its repeats, and null for repeats of a key that went down
+   * elsewhere or was released by force.
+   */
   down(key: BrowserKey): string | null {
     const place = key.code || key.key;
-    if (key.repeat && !this.#keys.has(place)) {
-      return null;
+    if (key.repeat) {
+      return this.#keys.get(place)?.text ?? null;
     }
     this.#keys.set(place, { text: key.key, code: virtualKeyOf(key) });
     return key.key;
