@@ -131,6 +131,20 @@ test("no movement between two frames is merged away", async () => {
   assert.deepEqual(moves.map(([, { x, y }]) => [x, y]), places);
 });
 
+test("moves arrive from browsers that don't tell them apart, or not whose they were", async () => {
+  await page.page.evaluate(() => {
+    PointerEvent.prototype.getCoalescedEvents = function () {
+      return [new PointerEvent("pointermove", { clientX: this.clientX, clientY: this.clientY })];
+    };
+  });
+  await page.moveTo(30, 40);
+  await page.shows(is.PIXEL_X, "30");
+  await page.page.evaluate(() => delete PointerEvent.prototype.getCoalescedEvents);
+  await page.moveTo(50, 60);
+  await page.shows(is.PIXEL_X, "50");
+  assert.deepEqual(new Set(page.sentEvents().map(([, { pointer }]) => pointer)), new Set([page.pointer(0)]));
+});
+
 test("input of different kinds keeps its order", async () => {
   await page.focus();
   await page.fires(is.LEFT_UP, 1);

@@ -224,20 +224,21 @@ export class SurfaceInput implements Holder {
   }
 
   #pointerMove(event: PointerEvent): void {
-    // The browser gathers the moves between two of its frames into one; each of them is a sample of its own.
-    const samples = event.getCoalescedEvents();
-    for (const sample of samples.length > 0 ? samples : [event]) {
-      this.#sample(sample);
+    // The browser gathers the moves between two of its frames into one; each of them is a sample of its own. Plain http from
+    // another machine and older browsers lack the call, and some browsers leave out whose moves they were.
+    const places = event.getCoalescedEvents?.() ?? [];
+    for (const place of places.length > 0 ? places : [event]) {
+      this.#sample(event, place);
     }
   }
 
   /** A place and a set of held buttons: the movement goes first, so that a button event has its place. */
-  #sample(event: PointerEvent): void {
+  #sample(event: PointerEvent, place: MouseEvent = event): void {
     const pointer = this.#pointer(event);
     if (!pointer.buttons.any) {
       pointer.kind = this.sampleKind;
     }
-    this.#place(pointer, event);
+    this.#place(pointer, place);
     this.#sendPointer(pointer, EventId.move);
     for (const id of pointer.buttons.change(event.buttons)) {
       this.#sendPointer(pointer, id);
@@ -253,7 +254,7 @@ export class SurfaceInput implements Holder {
     }
   }
 
-  #place(pointer: Pointer, event: PointerEvent): void {
+  #place(pointer: Pointer, event: MouseEvent): void {
     pointer.point = toSurface(event.clientX, event.clientY, this.#box());
     if (pointer.inside && pointer.type !== "touch") {
       this.#hovering = pointer;
