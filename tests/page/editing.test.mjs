@@ -5,7 +5,7 @@ import { canvasOf, drawn } from "./support/canvas.mjs";
 import { canvas, placeOf, stepIs, TEXT_INPUT, undoStep, useCanvas } from "./support/editing.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script } from "./support/scene.mjs";
-import { createNode, expectEventually, must, Type, until } from "./support/session.mjs";
+import { createNode, expectEventually, must, nodeOf, Type, until } from "./support/session.mjs";
 import { test } from "./support/test.mjs";
 
 useCanvas();
@@ -275,6 +275,26 @@ test("a note is sized by keys at its corner, a held key as one step, and by the 
   const { x, y, width, height } = (await canvas.scene()).notes.n;
   assert.deepEqual([x, y], [420, 220]);
   assert.ok(Math.abs(width - 240) < 3 && Math.abs(height - 160) < 3, `${width} ${height}`);
+});
+
+test("what is being typed goes with its scene: the next one's node and note of the same name stay as they are", async () => {
+  const nodes = [nodeOf("k", Type.keyboard, "Keys"), nodeOf("m", Type.mouse, "m"), nodeOf("s", Type.stringSend, "s")];
+  const notes = { n: { x: 30, y: 420, width: 200, height: 100, text: "" } };
+  const load = async () => {
+    await must(script, { op: "load", scene: { format: "iohost scene", version: 1, nodes, notes, links: [] } });
+    await page.page.locator(".face-rename, :focus[data-param], .note-text:focus").waitFor({ state: "detached" });
+    await page.page.locator("[data-note] textarea").waitFor();
+  };
+  await load();
+  await canvas.face("k").locator("strong").dblclick();
+  await page.page.locator(".face-rename:focus").fill("half a name");
+  await load();
+  await page.page.locator("[data-note] textarea").fill("half a note");
+  await load();
+  await page.page.locator('article[data-node=s] [data-param="1505"]').fill("half a text");
+  await load();
+  await page.page.evaluate(drawn);
+  assert.deepEqual(page.sent.filter(({ op }) => ["rename", "place", "edit"].includes(op)), []);
 });
 
 test("Enter that ends a composed word keeps the field of a name open", async () => {

@@ -49,12 +49,19 @@ export class Editor {
   readonly begun = signal<Pin | null>(null);
   /** The node whose name is being changed. */
   readonly renaming = signal<string | null>(null);
+  /** What is typed while this scene goes isn't done to the next one. */
+  readonly #scene: number;
   view: View = { placeOf: () => ({ x: 0, y: 0 }), middle: () => ({ x: 0, y: 0 }), choose: () => {} };
   #lastMade: Promise<void> = Promise.resolve();
 
   constructor(host: Host, desk: Desk) {
     this.host = host;
     this.desk = desk;
+    this.#scene = host.sceneNumber.peek();
+  }
+
+  get #isGone(): boolean {
+    return this.#scene !== this.host.sceneNumber.peek();
   }
 
   node(handle: string): NodeView | undefined {
@@ -262,14 +269,20 @@ export class Editor {
   }
 
   async rename(node: string, graph: string): Promise<void> {
+    if (this.#isGone) {
+      return;
+    }
     this.renaming.value = null;
     if (graph !== "" && graph !== this.node(node)?.graph) {
       this.desk.tell(await this.host.requests.change({ op: "rename", node, graph }), "");
     }
   }
 
-  /** Puts nodes and notes where they are to stay, as one step; false when that was refused. */
+  /** Puts nodes and notes where they are to stay, as one step; false when that wasn't done. */
   async place(nodes: Record<string, Place>, notes: Record<string, Note> = {}): Promise<boolean> {
+    if (this.#isGone) {
+      return false;
+    }
     const error = await this.host.requests.change(placing(mapped(nodes, rounded), mapped(notes, rounded)));
     this.desk.tell(error, "");
     return error === null;

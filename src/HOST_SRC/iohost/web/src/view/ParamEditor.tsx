@@ -26,8 +26,13 @@ interface EditorProps {
 export function ParamEditor({ host, node, param: present }: EditorProps) {
   const param = fedInput(host, node, present);
   const [error, setError] = useState<string | null>(null);
+  const [scene] = useState(host.sceneNumber.peek());
   const kind = kindOf(param);
-  const edit = async (value: EditValue) => setError(await host.requests.change({ op: "edit", node, param: param.id, ...value }));
+  const edit = async (value: EditValue) => {
+    if (scene === host.sceneNumber.peek()) {
+      setError(await host.requests.change({ op: "edit", node, param: param.id, ...value }));
+    }
+  };
   const trigger = async () => setError(await host.requests.trigger(node, param.id));
   const common = { node, param, onError: setError };
 
