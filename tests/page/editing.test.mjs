@@ -277,6 +277,43 @@ test("a note is sized by keys at its corner, a held key as one step, and by the 
   assert.ok(Math.abs(width - 240) < 3 && Math.abs(height - 160) < 3, `${width} ${height}`);
 });
 
+test("what was typed and wasn't taken stays, with the reason, until it's taken or taken back", async () => {
+  let isRefused = true;
+  const refuse = ({ id }) => void tell([{ ok: false, id, error: "the session has ended" }]);
+  const tell = await is.between(page.page, {
+    toHost: (request) => (isRefused && ["edit", "rename"].includes(request.op) ? refuse(request) : request),
+  });
+  await createNode(script, "s", Type.stringSend, "Sender");
+  await page.page.reload();
+  await canvas.face("s").locator("strong").dblclick();
+  const name = page.page.locator(".face-rename");
+  await name.fill("Wall");
+  await page.keyboard.press("Enter");
+  await expectEventually("the reason", () => canvas.message().innerText(), "the session has ended");
+  assert.equal(await name.inputValue(), "Wall");
+  const card = page.page.locator("article[data-node=s]");
+  const reason = card.getByRole("alert");
+  const text = card.locator('[data-param="1505"]');
+  await text.fill("Hello");
+  await text.blur();
+  await expectEventually("the reason", () => reason.innerText(), "the session has ended");
+  assert.equal(await text.inputValue(), "Hello");
+  isRefused = false;
+  await text.press("Enter");
+  await reason.waitFor({ state: "detached" });
+  await name.press("Enter");
+  await name.waitFor({ state: "detached" });
+  await card.getByRole("heading", { name: "Wall" }).waitFor();
+  assert.equal(await text.inputValue(), "Hello");
+  const number = card.locator('[data-param="1503"]');
+  await number.fill("12a");
+  await number.press("Enter");
+  await reason.waitFor();
+  assert.equal(await number.inputValue(), "12a");
+  await number.press("Escape");
+  await reason.waitFor({ state: "detached" });
+});
+
 test("what is being typed goes with its scene: the next one's node and note of the same name stay as they are", async () => {
   const nodes = [nodeOf("k", Type.keyboard, "Keys"), nodeOf("m", Type.mouse, "m"), nodeOf("s", Type.stringSend, "s")];
   const notes = { n: { x: 30, y: 420, width: 200, height: 100, text: "" } };

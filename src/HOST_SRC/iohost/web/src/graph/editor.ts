@@ -268,13 +268,18 @@ export class Editor {
     });
   }
 
+  /** The field with the name stays open while the name isn't taken. */
   async rename(node: string, graph: string): Promise<void> {
     if (this.#isGone) {
       return;
     }
-    this.renaming.value = null;
+    let error: string | null = null;
     if (graph !== "" && graph !== this.node(node)?.graph) {
-      this.desk.tell(await this.host.requests.change({ op: "rename", node, graph }), "");
+      error = await this.host.requests.change({ op: "rename", node, graph });
+      this.desk.tell(error, "");
+    }
+    if (error === null && this.renaming.peek() === node) {
+      this.renaming.value = null;
     }
   }
 

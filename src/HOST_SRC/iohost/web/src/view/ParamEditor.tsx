@@ -28,10 +28,14 @@ export function ParamEditor({ host, node, param: present }: EditorProps) {
   const [error, setError] = useState<string | null>(null);
   const [scene] = useState(host.sceneNumber.peek());
   const kind = kindOf(param);
-  const edit = async (value: EditValue) => {
-    if (scene === host.sceneNumber.peek()) {
-      setError(await host.requests.change({ op: "edit", node, param: param.id, ...value }));
+  /** Answers whether that was taken. */
+  const edit = async (value: EditValue): Promise<boolean> => {
+    if (scene !== host.sceneNumber.peek()) {
+      return false; // what is typed while its scene goes isn't done to the next one
     }
+    const refused = await host.requests.change({ op: "edit", node, param: param.id, ...value });
+    setError(refused);
+    return refused === null;
   };
   const trigger = async () => setError(await host.requests.trigger(node, param.id));
   const common = { node, param, onError: setError };
@@ -158,7 +162,7 @@ function KeyCombination({ node, param, onEdit }: ControlProps) {
 interface ControlProps {
   node: string;
   param: Param;
-  onEdit(value: EditValue): void;
+  onEdit(value: EditValue): Promise<boolean>;
   onError(error: string | null): void;
 }
 
@@ -196,42 +200,45 @@ function Choice({ node, param, onEdit }: ControlProps) {
 }
 
 /**
- * What is typed into a field stays there until it's done (Enter, or the field loses the focus), whatever the host
+ * What is typed into a field stays there until it's taken (Enter, or the field loses the focus), whatever the host
  * tells meanwhile; Escape takes it back.
  */
-function useDraft(current: string, commit: (draft: string) => void) {
+function useDraft(current: string, { onError }: ControlProps, commit: (draft: string) => Promise<boolean>) {
   const [draft, setDraft] = useState<string | null>(null);
+  const change = (changed: string | null) => {
+    setDraft(changed);
+    onError(null);
+  };
+  const finish = async () => {
+    if (draft !== null && (await commit(draft))) {
+      setDraft((now) => (now === draft ? null : now));
+    }
+  };
   return {
     value: draft ?? current,
-    onInput: (event: { currentTarget: HTMLInputElement }) => setDraft(event.currentTarget.value),
-    onBlur: () => {
-      if (draft !== null && draft !== current) {
-        commit(draft);
-      }
-      setDraft(null);
-    },
+    onInput: (event: { currentTarget: HTMLInputElement }) => change(event.currentTarget.value),
+    onBlur: () => (draft === current ? setDraft(null) : finish()),
     onKeyDown: (event: KeyboardEvent & { currentTarget: HTMLInputElement }) => {
       if (event.isComposing) {
         return;
       }
-      if (event.key === "Enter" && draft !== null) {
-        commit(draft);
-        setDraft(null);
+      if (event.key === "Enter") {
+        void finish();
       } else if (event.key === "Escape") {
-        setDraft(null);
+        change(null);
       }
     },
   };
 }
 
-function NumberField({ node, param, kind, onEdit, onError }: ControlProps & { kind: ParamKind }) {
-  const field = useDraft(kind === "float" ? shortestFloat(param.float) : String(param.int), (draft) => {
+function NumberField({ kind, ...props }: ControlProps & { kind: ParamKind }) {
+  const { node, param, onEdit, onError } = props;
+  const field = useDraft(kind === "float" ? shortestFloat(param.float) : String(param.int), props, async (draft) => {
     const value = parseNumber(draft, kind, param.range);
     if (value === null) {
       onError(wantedNumber(kind, boundsOf(param.range)));
-    } else {
-      onEdit(value);
     }
+    return value !== null && onEdit(value);
   });
   return (
     <input
@@ -256,9 +263,10 @@ function wantedNumber(kind: ParamKind, bounds: { min: number; max: number } | nu
 }
 
 /** Of a text that the host cut the end isn't known: it can be replaced, not edited. */
-function TextField({ node, param, onEdit }: ControlProps) {
+function TextField(props: ControlProps) {
+  const { node, param, onEdit } = props;
   const isCut = param.length !== undefined;
-  const field = useDraft(isCut ? "" : param.string, (draft) => onEdit({ string: draft }));
+  const field = useDraft(isCut ? "" : param.string, props, (draft) => onEdit({ string: draft }));
   return (
     <input
       type="text"
