@@ -8,7 +8,12 @@ export interface ConnectionListener {
   replied(reply: Reply): void;
   /** The connection is gone; the next attempt follows after this many milliseconds. */
   lost(retryInMs: number): void;
+  /** Why an attempt failed: the host refuses the page's token, or isn't there. */
+  failed(isRefused: boolean): void;
 }
+
+/** What the host takes of one request, in bytes. */
+const LONGEST_REQUEST = 1024 ** 2;
 
 type Resolve = (reply: Reply) => void;
 
@@ -29,23 +34,28 @@ export class Connection {
     this.#open();
   }
 
-  /** Sends a request whose reply matters only for what happened; false when there is no connection. */
-  send(request: object): boolean {
+  /** Sends a request whose reply matters only for what happened; answers with why it couldn't, or null. */
+  send(request: object): string | null {
     if (!this.#greeted || this.#socket?.readyState !== WebSocket.OPEN) {
-      return false;
+      return t("not connected");
     }
-    this.#socket.send(JSON.stringify(request));
-    return true;
+    const text = JSON.stringify(request);
+    if (new TextEncoder().encode(text).length > LONGEST_REQUEST) {
+      return t("This is too long for the host: it takes 1 MiB at a time."); // it would end the connection
+    }
+    this.#socket.send(text);
+    return null;
   }
 
-  /** Sends a request and waits for its reply; a lost connection answers with an error. */
+  /** Sends a request and waits for its reply; one that isn't sent, and a lost connection, answer with an error. */
   request<Body extends object>(request: object): Promise<Reply<Body>> {
     return new Promise((resolve) => {
       const id = this.#nextId++;
       this.#waiting.set(id, resolve as Resolve);
-      if (!this.send({ ...request, id })) {
+      const error = this.send({ ...request, id });
+      if (error !== null) {
         this.#waiting.delete(id);
-        resolve({ ok: false, error: t("not connected") });
+        resolve({ ok: false, error });
       }
     });
   }
@@ -79,6 +89,9 @@ export class Connection {
   }
 
   #lose(): void {
+    if (!this.#greeted) {
+      void this.#askWhy();
+    }
     this.#socket = null;
     this.#greeted = false;
     const waiting = [...this.#waiting.values()];
@@ -89,5 +102,14 @@ export class Connection {
     const delay = reconnectDelay(this.#failures++);
     this.#listener.lost(delay);
     setTimeout(() => this.#open(), delay);
+  }
+
+  /** Of a socket that didn't open the browser doesn't tell the status that it was refused with. */
+  async #askWhy(): Promise<void> {
+    try {
+      this.#listener.failed((await fetch(".", { cache: "no-store" })).status === 401);
+    } catch {
+      this.#listener.failed(false);
+    }
   }
 }

@@ -32,6 +32,8 @@ const FIRST_NODES = 20;
 /** What the page knows of its host, and what it asks of it. */
 export class Host implements ConnectionListener {
   readonly connection = signal<ConnectionState>({ is: "connecting" });
+  /** The host refuses this page: it's another one by now, with a token of its own. */
+  readonly isRefused = signal(false);
   /** Null while there is no connection. */
   readonly frames = signal<FrameWatch | null>(null);
   /** Tells scenes apart, however alike their nodes are: the host's number of the one that is shown. */
@@ -168,6 +170,10 @@ export class Host implements ConnectionListener {
     this.#forgetHeld();
   }
 
+  failed(isRefused: boolean): void {
+    this.isRefused.value = isRefused;
+  }
+
   replied(reply: Reply): void {
     this.#happened(reply);
   }
@@ -178,6 +184,7 @@ export class Host implements ConnectionListener {
         // What went down while there was no connection was told to nobody, so its end isn't either.
         this.#forgetHeld();
         this.connection.value = { is: "open", ...push };
+        this.isRefused.value = false;
         this.frames.value = new FrameWatch(Date.now());
         this.#tellScene(push.scene);
         void this.#refresh();

@@ -30,6 +30,7 @@ export const ZH = {
   "Not connected": "未连接",
   "not connected": "未连接",
   "the connection was lost": "连接已断开",
+  "This is too long for the host: it takes 1 MiB at a time.": "内容过长：主机一次最多接收 1 MiB。",
   "last frame < {seconds} s ago": "最近一帧在 {seconds} 秒内",
   "The host has stalled:": "主机无响应：",
   "what is done here waits.": "此处的操作会等到它恢复后执行。",
@@ -37,6 +38,7 @@ export const ZH = {
   "Held keys and buttons were released.": "按住的按键和按钮已释放。",
   "Trying again in {seconds} s.": "{seconds} 秒后重试。",
   "Trying again…": "正在重试…",
+  "The host was started anew: open the address that it prints.": "主机已重新启动：请打开它显示的地址。",
 
   // Render surface
   "Render surface": "渲染画面",

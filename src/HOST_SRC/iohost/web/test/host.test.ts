@@ -115,6 +115,38 @@ test("a key that went down while there was no connection is held nowhere, and it
   assert.deepEqual(socket.keys.slice(-4), [EventId.keyDown, [65], EventId.keyUp, []]);
 });
 
+test("where the host answers and takes the page no longer, which has another host's token, the page knows", async () => {
+  const { host } = openPage();
+  let status = 401;
+  mock.method(globalThis, "fetch", async () => ({ status }));
+  const fail = async () => {
+    sockets.at(-1)!.lose();
+    await new Promise(setImmediate);
+    const isRefused = host.isRefused.value;
+    retry();
+    return isRefused;
+  };
+  connect();
+  assert.equal(await fail(), false);
+  assert.equal(await fail(), true);
+  status = 200;
+  assert.equal(await fail(), false);
+  status = 401;
+  assert.equal(await fail(), true);
+  connect();
+  assert.equal(host.isRefused.value, false);
+});
+
+test("a request that is longer than the host takes isn't sent, and says so", async () => {
+  const { host } = openPage();
+  const socket = connect();
+  const send = (text: string) => host.requests.sendText(1, text);
+  assert.equal(await send("é".repeat(600_000)), "This is too long for the host: it takes 1 MiB at a time.");
+  assert.equal(socket.sent.some(({ op }) => op === "send"), false);
+  void send("é".repeat(500_000));
+  assert.equal(socket.sent.at(-1)!.op, "send");
+});
+
 test("the page knows how old the host's last frame is, from the greeting on", () => {
   const { host } = openPage();
   assert.equal(host.frames.value, null);

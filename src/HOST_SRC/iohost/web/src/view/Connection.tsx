@@ -61,7 +61,11 @@ export function ConnectionBanner({ host }: { host: Host }) {
   return (
     <div class="banner" role="alert">
       <strong>{t("Connection lost.")}</strong> {t("Held keys and buttons were released.")}{" "}
-      {seconds > 0 ? t("Trying again in {seconds} s.", { seconds }) : t("Trying again…")}
+      {host.isRefused.value
+        ? t("The host was started anew: open the address that it prints.")
+        : seconds > 0
+          ? t("Trying again in {seconds} s.", { seconds })
+          : t("Trying again…")}
     </div>
   );
 }
