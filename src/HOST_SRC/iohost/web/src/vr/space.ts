@@ -38,8 +38,16 @@ import { placeOf, ROOM, wallHit } from "./room.ts";
 
 const HAND_COLORS: readonly number[] = [0x4aa3f0, 0x3ddc97];
 const FOLLOWING = 0xffb454;
-const RESTING = 0x5b6d80;
 const PICK_RADIUS = 0.16;
+
+// What all objects are drawn with: they come and go, and leave nothing behind on the graphics card.
+const BOX = new BoxGeometry(0.28, 0.28, 0.28);
+const BOX_EDGES = new EdgesGeometry(BOX);
+const EDGE = new LineBasicMaterial({ color: 0xe6edf3 });
+const AXES = new AxesHelper(0.3);
+const boxMaterial = (color: number) => new MeshStandardMaterial({ color, roughness: 0.6, transparent: true, opacity: 0.35 });
+const RESTING_BOX = boxMaterial(0x5b6d80);
+const FOLLOWING_BOX = boxMaterial(FOLLOWING);
 
 export interface SpaceListener {
   /** A hand was dragged to a place, or made to point at one. */
@@ -76,7 +84,7 @@ export class Space {
   readonly #listener: SpaceListener;
   readonly #hands: readonly HandModel[];
   readonly #handles: Object3D[] = [];
-  readonly #objects = new Map<string, { model: Group; material: MeshStandardMaterial }>();
+  readonly #objects = new Map<string, { model: Group; box: Mesh }>();
   readonly #raycaster = new Raycaster();
   readonly #detach = new AbortController();
   readonly #resizing: ResizeObserver;
@@ -170,10 +178,10 @@ export class Space {
     for (const object of objects) {
       const key = JSON.stringify([object.clip, object.name]);
       keys.add(key);
-      const { model, material } = this.#objects.get(key) ?? this.#makeObject(key, object.name);
+      const { model, box } = this.#objects.get(key) ?? this.#makeObject(key, object.name);
       model.matrix.fromArray(object.matrix);
       model.matrixWorldNeedsUpdate = true;
-      material.color.set(object.following ? FOLLOWING : RESTING);
+      box.material = object.following ? FOLLOWING_BOX : RESTING_BOX;
     }
     for (const [key, { model }] of this.#objects) {
       if (!keys.has(key)) {
@@ -222,21 +230,15 @@ export class Space {
     return mesh;
   }
 
-  #makeObject(key: string, name: string): { model: Group; material: MeshStandardMaterial } {
+  #makeObject(key: string, name: string): { model: Group; box: Mesh } {
     const model = new Group();
     model.matrixAutoUpdate = false;
-    const material = new MeshStandardMaterial({ color: RESTING, roughness: 0.6, transparent: true, opacity: 0.35 });
-    const shape = new BoxGeometry(0.28, 0.28, 0.28);
+    const box = new Mesh(BOX);
     const text = label(name, "space-object");
     text.position.y = 0.26;
-    model.add(
-      new Mesh(shape, material),
-      new LineSegments(new EdgesGeometry(shape), new LineBasicMaterial({ color: 0xe6edf3 })),
-      new AxesHelper(0.3),
-      text,
-    );
+    model.add(box, new LineSegments(BOX_EDGES, EDGE), new LineSegments(AXES.geometry, AXES.material), text);
     this.#scene.add(model);
-    const made = { model, material };
+    const made = { model, box };
     this.#objects.set(key, made);
     return made;
   }
