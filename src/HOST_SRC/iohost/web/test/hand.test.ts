@@ -46,6 +46,18 @@ test("a forced release keeps the place and the thumb", () => {
   assert.deepEqual([made.sample.padx, made.sample.pady], [0.75, 0.25]);
 });
 
+test("what a real controller still presses after a forced release is pressed once it was let go", () => {
+  const made = hand();
+  const read = (isDown: boolean) => {
+    const { trigger, pad } = made.pressedBy({ trigger: isDown, pad: isDown, padX: 0, padY: 0 });
+    return [made.setTrigger(trigger, 1), made.setPad(pad, 0, 0), made.holds];
+  };
+  assert.deepEqual([read(true), read(true)], [[true, true, true], [false, false, true]]);
+  made.forget();
+  assert.deepEqual([read(true), read(false)], [[false, false, false], [false, false, false]]);
+  assert.deepEqual([read(true), read(false)], [[true, true, true], [true, true, false]]);
+});
+
 test("the pad's zones are the node's clicks", () => {
   const zones: [number, number, string | null][] = [
     [0.8, 0.2, "right"],

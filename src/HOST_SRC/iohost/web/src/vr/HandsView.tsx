@@ -10,6 +10,7 @@ import { Device } from "../codes.ts";
 import { firedByNodes, type VRPayload } from "../messages.ts";
 import { Editing } from "../view/Editing.tsx";
 import type { PanelProps } from "../view/panels.ts";
+import type { HandButtons } from "./gamepad.ts";
 import { Hand, padPoint, padZone, SIDES, type Place, type Side } from "./hand.ts";
 import { Headset, hasHeadset } from "./headset.ts";
 import { firstPose, hitOf, movedTo, placeOf, poseAt } from "./room.ts";
@@ -86,8 +87,7 @@ export function HandsView({ host, shown }: PanelProps) {
         await Headset.start(renderer, {
           hand: (side, pose, rayPose, buttons) => {
             hands.place(side, pose, hitOf(rayPose));
-            hands.pad(side, buttons.pad, buttons.padX, buttons.padY);
-            hands.trigger(side, buttons.trigger);
+            hands.read(side, buttons);
           },
           handGone: (side) => hands.release(side, "the controller is gone"),
           frame: () => space.current!.drawFrame(),
@@ -202,6 +202,13 @@ class Hands {
   /** The thumb moves on the pad, pressing it or not as before. */
   thumb(side: Side, x: number, y: number): void {
     this.pad(side, this.#hands[side]!.sample.pad !== 0, x, y);
+  }
+
+  /** What a real controller has pressed, in each frame. */
+  read(side: Side, buttons: HandButtons): void {
+    const { trigger, pad } = this.#hands[side]!.pressedBy(buttons);
+    this.pad(side, pad, buttons.padX, buttons.padY);
+    this.trigger(side, trigger);
   }
 
   place(side: Side, pose: readonly number[], hit: Place): void {

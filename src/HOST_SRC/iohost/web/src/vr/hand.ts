@@ -1,4 +1,5 @@
 import type { VRPayload } from "../messages.ts";
+import type { HandButtons } from "./gamepad.ts";
 
 /** Left and right, as the nodes number them. */
 export type Side = 0 | 1;
@@ -10,6 +11,8 @@ export type Place = [x: number, y: number, z: number];
 export class Hand {
   readonly side: Side;
   #sample: VRPayload;
+  /** What a real controller pressed when it was read last. */
+  #read = { trigger: false, pad: false };
 
   constructor(side: Side, pose: readonly number[], hit: Place) {
     this.side = side;
@@ -62,6 +65,16 @@ export class Hand {
     }
     this.#sample = { ...this.#sample, pose: [...pose], hit };
     return true;
+  }
+
+  /** What a real controller presses, which is read in each frame: what was let go of by force only when it's pressed anew. */
+  pressedBy({ trigger, pad }: HandButtons): { trigger: boolean; pad: boolean } {
+    const { trigger: hadTrigger, pad: hadPad } = this.#read;
+    this.#read = { trigger, pad };
+    return {
+      trigger: trigger === hadTrigger ? this.#sample.trigger !== 0 : trigger,
+      pad: pad === hadPad ? this.#sample.pad !== 0 : pad,
+    };
   }
 
   /** Everything is let go of; the host knows already. */
