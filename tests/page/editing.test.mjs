@@ -27,6 +27,25 @@ test("a node that is dragged stays where it was put, on every page, and goes bac
   await until("the place on the canvas", async () => /translate\(0px, ?200px\)/.test(await position(other)));
 });
 
+test("what was moved stays where it was put when the drag breaks off or the key's end goes elsewhere", async () => {
+  await canvas.choose("k", "m");
+  const from = await canvas.middleOf(canvas.face("k").locator("header strong"));
+  await page.mouse.move(from.x, from.y);
+  await page.mouse.down();
+  await page.page.locator(".log-search").focus();
+  await page.mouse.move(from.x + 60, from.y + 30, { steps: 4 });
+  await must(script, { op: "destroy", node: "k" });
+  await canvas.face("k").waitFor({ state: "detached" });
+  await page.mouse.move(from.x + 70, from.y + 30);
+  await page.mouse.up();
+  await stepIs("Move Mouse 1");
+  assert.ok((await placeOf("m")).x > 0);
+  await canvas.choose("t");
+  await page.keyboard.down("ArrowDown");
+  await page.page.locator(".log-search").focus();
+  await stepIs("Move Text field 1");
+});
+
 test("what is chosen by a frame is moved by the arrow keys as one step", async () => {
   await page.page.locator(".react-flow__controls-fitview").click();
   const { x, y, width, height } = await canvas.pane().boundingBox();

@@ -124,6 +124,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
 
   // Where nodes and notes were moved to, until that is asked for.
   const moved = useRef(new Map<string, XYPosition>());
+  const isDragging = useRef(false);
   const place = useConstant(() => {
     const all = faces.flatMap((face) => (moved.current.has(face.id) ? { ...face, position: moved.current.get(face.id)! } : []));
     moved.current.clear();
@@ -136,6 +137,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     }
   });
   const follow = useConstant((changes: NodeChange<CanvasNode>[]) => {
+    let isDropped = false;
     for (const change of changes) {
       if (change.type === "select") {
         wantChosen.current = []; // somebody chooses otherwise
@@ -143,9 +145,16 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       // A note that is sized by its upper or left edge moves, too, and keeps that by itself.
       if (change.type === "position" && change.position !== undefined && change.dragging !== undefined) {
         moved.current.set(change.id, change.position);
+        isDragging.current ||= change.dragging;
+        isDropped ||= isDragging.current && !change.dragging;
       }
     }
     onFacesChange(changes);
+    // A drag that breaks off ends so, too, which the library tells by no event of its own.
+    if (isDropped) {
+      isDragging.current = false;
+      place();
+    }
   });
   const keys = useCanvasKeys(editor, {
     pane,
@@ -212,8 +221,6 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
           onConnectEnd={endWire}
           connectOnClick={false}
           onPaneClick={giveUp}
-          onNodeDragStop={place}
-          onSelectionDragStop={place}
           onInit={keepFlow}
           deleteKeyCode={null}
           panActivationKeyCode={null}

@@ -63,5 +63,6 @@ export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
         canvas.place();
       }
     },
+    onFocusOut: () => canvas.place(), // the key may come up elsewhere
   };
 }
