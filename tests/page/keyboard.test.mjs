@@ -137,6 +137,7 @@ test("the key value is set by pressing the combination", async () => {
   // Nothing of it reached the nodes.
   assert.equal(await timesFired(script, is.KEY_DOWN), 0);
   await page.page.getByRole("button", { name: "no key" }).click();
+  await page.page.locator(".combination-field:focus").waitFor();
   await keyValueIs(0);
 });
 

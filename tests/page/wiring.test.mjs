@@ -68,6 +68,15 @@ test("a question gives the focus back to what asked it, and takes it again when 
   await pinHasFocus();
 });
 
+test("a button that goes when it's pressed leaves the focus to the field beside it, or to the inspector", async () => {
+  await page.page.locator("article[data-node=t] [data-unlink=k]").press("Enter");
+  await page.page.locator("[data-unlink]").waitFor({ state: "detached" });
+  await page.page.locator(`article [data-node=t][data-param="${TEXT_INPUT}"]:focus`).waitFor();
+  await canvas.choose("t");
+  await page.page.getByText("Show all").press("Enter");
+  await page.page.locator(".nodes:focus").waitFor();
+});
+
 test("a number is wired to a whole number, and the wire says that it's rounded", async () => {
   await canvas.pin("m", is.RELATIVE_X[1]).dragTo(canvas.pin("t", is.ENABLE));
   await expectEventually("wires", () => canvas.wires().count(), 2);

@@ -10,6 +10,7 @@ import type { ParamGroup } from "../messages.ts";
 import { DeviceCard } from "./DeviceCard.tsx";
 import "./inspector.css";
 import { JsonVerdictLine } from "./JsonPanel.tsx";
+import { LeavingButton } from "./LeavingButton.tsx";
 import { useLit } from "./lit.tsx";
 import { NodeActivity, NodeCounters, NodeWarning } from "./NodeState.tsx";
 import { ObjectCard } from "./ObjectCard.tsx";
@@ -69,9 +70,7 @@ function Nodes({ host, desk }: { host: Host; desk: Desk }) {
           </span>
         )}
         {chosen.length > 0 && (
-          <button type="button" onClick={() => desk.showAll()}>
-            {t("Show all")}
-          </button>
+          <LeavingButton onClick={() => desk.showAll()}>{t("Show all")}</LeavingButton>
         )}
         <button
           type="button"

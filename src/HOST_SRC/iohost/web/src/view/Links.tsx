@@ -4,6 +4,7 @@ import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { ParamGroup } from "../messages.ts";
 import { Editing } from "./Editing.tsx";
+import { LeavingButton } from "./LeavingButton.tsx";
 import "./links.css";
 
 function pinName(groups: readonly ParamGroup[], id: number): string {
@@ -65,8 +66,7 @@ export function LinkSources({ host, node, input }: { host: Host; node: string; i
             ← {source.graph} · {pinName(source.details.outputs, link.output)}
           </button>
           <Editing>
-            <button
-              type="button"
+            <LeavingButton
               class="icon-button"
               title={t("Unlink")}
               aria-label={t("Unlink from {node}", { node: source.graph })}
@@ -74,7 +74,7 @@ export function LinkSources({ host, node, input }: { host: Host; node: string; i
               onClick={async () => desk.tell(await host.requests.change({ op: "unlink", ...link }), "")}
             >
               ×
-            </button>
+            </LeavingButton>
           </Editing>
         </span>
       )

@@ -12,6 +12,7 @@ import { characters } from "../texts.ts";
 import "./cell.css";
 import { DeviceChoice, namesDevice } from "./DeviceChoice.tsx";
 import { Editing } from "./Editing.tsx";
+import { LeavingButton } from "./LeavingButton.tsx";
 import { LinkSources } from "./Links.tsx";
 import { LongText } from "./LongText.tsx";
 import "./paramEditor.css";
@@ -144,8 +145,7 @@ function KeyCombination({ node, param, onEdit }: ControlProps) {
         {capture !== null ? waiting : text === "" ? <span class="none">{t("none: click and press")}</span> : text}
       </button>
       {text !== "" && (
-        <button
-          type="button"
+        <LeavingButton
           class="icon-button"
           title={t("No key")}
           aria-label={t("{input}: no key", { input: param.display })}
@@ -153,7 +153,7 @@ function KeyCombination({ node, param, onEdit }: ControlProps) {
           onClick={() => onEdit({ int: 0 })}
         >
           ×
-        </button>
+        </LeavingButton>
       )}
     </span>
   );
