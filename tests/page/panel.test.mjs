@@ -213,6 +213,9 @@ test("a page without its host says so, comes back with it, and releases nothing 
   assert.equal(await host.end(), 0);
   await page.page.locator("[data-connection=lost]").waitFor();
   assert.match(await page.page.getByRole("alert").innerText(), /Connection lost/);
+  await page.page.locator("[data-tab=keyboard]").click();
+  const notLoaded = page.page.getByText("This couldn't be loaded.");
+  await notLoaded.waitFor();
   await page.page.locator("[data-tab=network]").click();
   const forAll = [page.page.locator("[data-live]"), page.page.locator("[data-listen-only]"), page.page.getByRole("button", { name: "Reset counts" })];
   const areDisabled = () => Promise.all(forAll.map((one) => one.isDisabled()));
@@ -223,6 +226,7 @@ test("a page without its host says so, comes back with it, and releases nothing 
 
   await startScene({ port });
   await page.page.locator("[data-connection=open]").waitFor();
+  await notLoaded.waitFor({ state: "detached" });
   assert.equal(await page.page.getByRole("alert").count(), 0);
   assert.deepEqual(await areDisabled(), [false, false, false]);
   page.sent.length = 0;

@@ -11,6 +11,7 @@ export const ZH = {
   "Network": "网络",
   "JSON texts": "JSON 文本",
   "Loading…": "正在加载…",
+  "This couldn't be loaded. The next connection to the host tries again.": "未能加载。下次连接主机时重试。",
   "{count} s": "{count} 秒",
   "{count} min": "{count} 分钟",
   "{count} bytes": "{count} 字节",
