@@ -46,6 +46,7 @@ export const LOG_TEXTS: Record<string, string> = {
 export const HOST_LINES: Record<string, string> = {
   // Devices
   "device %s is connected": "设备 %s 已连接",
+  "device %s was lost: closed by the device": "设备 %s 的连接已断开：设备关闭了连接",
   "device %s was lost: %s": "设备 %s 的连接已断开：%s",
   "device %s can't be reached: %s": "无法连接设备 %s：%s",
   "device %s: %s item that waited is dropped": "设备 %s：已丢弃 %s 项等待发送的内容",

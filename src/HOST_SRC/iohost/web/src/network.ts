@@ -1,6 +1,7 @@
 // How the host's network stands, as `network` tells it, and what the page says about it.
 import { timeOfDay } from "./format.ts";
 import { t } from "./i18n.ts";
+import { reasonText } from "./reasons.ts";
 import type { ControlState, DeviceState, ItemCounts } from "./protocol.ts";
 
 /** What went wrong with receiving. */
@@ -74,7 +75,7 @@ export function deviceChoices(devices: readonly DeviceState[], current: string):
 }
 
 function withReason(count: number, reason: string | null): string {
-  return reason === null ? String(count) : `${count} (${reason})`;
+  return reason === null ? String(count) : `${count} (${reasonText(reason)})`;
 }
 
 function bytesText(bytes: number): string {

@@ -5,6 +5,7 @@ import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import { sendingText } from "../network.ts";
 import type { DeviceState } from "../protocol.ts";
+import { reasonText } from "../reasons.ts";
 import { DeviceLine } from "./DeviceLine.tsx";
 import { Editing } from "./Editing.tsx";
 import { DeviceBytes } from "./LastBytes.tsx";
@@ -162,7 +163,7 @@ function DeviceTrial({ host, desk, device }: { host: Host; desk: Desk; device: D
     if (isTrying && state === "connecting") {
       desk.tell(null, t("Trying to connect…"));
     } else if (isTrying) {
-      desk.tell(null, state === "waiting" ? t("Not reached: {problem}", { problem: problem ?? "" }) : "");
+      desk.tell(null, state === "waiting" ? t("Not reached: {problem}", { problem: reasonText(problem ?? "") }) : "");
       setTrying(false);
     }
   }, [isTrying, state]);

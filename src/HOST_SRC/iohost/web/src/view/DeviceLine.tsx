@@ -1,5 +1,6 @@
 import { patienceText, stateText } from "../network.ts";
 import type { DeviceState } from "../protocol.ts";
+import { reasonText } from "../reasons.ts";
 
 /** How a device is reached, and whether it is. */
 export function DeviceLine({ device, told }: { device: DeviceState; told: number }) {
@@ -11,7 +12,7 @@ export function DeviceLine({ device, told }: { device: DeviceState; told: number
       {device.last_problem !== null && device.state !== "connected" && (
         <span class="problem" data-field="problem">
           {" "}
-          · {device.last_problem}
+          · {reasonText(device.last_problem)}
         </span>
       )}
     </p>
