@@ -5,7 +5,7 @@ import { withTexts } from "./hostTexts.ts";
 import { Holders } from "./input/holders.ts";
 import { KeyboardState } from "./input/keyboardState.ts";
 import { VirtualKey } from "./input/virtualKeys.ts";
-import { isAnother, NO_VALUE, NodeSignals, OutputSignals } from "./live.ts";
+import { isAnother, NO_VALUE, Signals } from "./live.ts";
 import { LogBuffer } from "./log.ts";
 import { NodeType, nodesOf } from "./nodeTypes.ts";
 import { Pace } from "./pace.ts";
@@ -52,7 +52,7 @@ export class Host implements ConnectionListener {
   /** The same as it was told last: a push waits to be shown, an answer doesn't. */
   #network: { state: NetworkState; told: number } | null = null;
   /** What the JSON nodes made of their last texts; null before the first. */
-  readonly jsonVerdicts = new NodeSignals<JsonVerdict | null>(null);
+  readonly jsonVerdicts = new Signals<JsonVerdict | null>(null);
   /** What all connections hold, and when the page was told, in milliseconds since 1970. */
   readonly held = signal<{ entries: readonly HeldEntry[]; told: number }>({ entries: [], told: 0 });
   /** What on this page can hold something. */
@@ -63,13 +63,14 @@ export class Host implements ConnectionListener {
     this.#connection.send({ op: "keys", ...state });
   });
   readonly capsLock = signal(false);
-  readonly values = new OutputSignals(NO_VALUE);
+  readonly values = new Signals(NO_VALUE);
   /** When an event output fired last that this page heard of, in milliseconds since 1970; null: not since the reset. */
-  readonly fired = new OutputSignals<number | null>(null);
+  readonly fired = new Signals<number | null>(null);
   /** When each node last did something, in milliseconds since 1970; null: never yet. */
-  readonly active = new NodeSignals<number | null>(null);
+  readonly active = new Signals<number | null>(null);
   /** What each node did since it was made or its counters were reset, whoever looked; null until the host told. */
-  readonly counters = new NodeSignals<NodeCounts | null>(null);
+  readonly counters = new Signals<NodeCounts | null>(null);
+  readonly #ofNodes = [this.jsonVerdicts, this.values, this.fired, this.active, this.counters];
   /** Undo, redo and the scene's file; null until the host told. */
   readonly scene = signal<SceneState | null>(null);
   /** What an earlier run of the host left unsaved. */
@@ -153,11 +154,6 @@ export class Host implements ConnectionListener {
     return error;
   }
 
-  clearLog(): void {
-    this.log.clear();
-    this.log.publish();
-  }
-
   /** How often an event output fired, as the counters tell. */
   firedCount(node: string, output: number): number {
     return this.counters.of(node).value?.outputs?.[output] ?? 0;
@@ -209,9 +205,6 @@ export class Host implements ConnectionListener {
       case "counters":
         this.#showCounters(push, Date.now());
         break;
-      case "dropped":
-        // The node's counter and the device's tell of it.
-        break;
       case "happened":
         this.#happened(push);
         break;
@@ -234,7 +227,7 @@ export class Host implements ConnectionListener {
         this.#pace.show(() => {
           for (const [node, outputs] of Object.entries(push.nodes)) {
             for (const [output, value] of Object.entries(outputs)) {
-              this.#showValue(node, Number(output), value);
+              this.#showValue(node, Number(output), value, true);
             }
           }
         });
@@ -253,18 +246,14 @@ export class Host implements ConnectionListener {
 
   /** Another scene's nodes begin with nothing done, also those whose handles the scene before had. */
   #forgetNodes(): void {
-    this.values.reset();
-    this.fired.reset();
-    this.active.reset();
-    this.counters.reset();
-    this.jsonVerdicts.reset();
+    this.#ofNodes.forEach((signals) => signals.reset());
   }
 
   /** All values come with each connection, of any page: only one that is another than before is what the node did. */
-  #showValue(node: string, output: number, value: OutputValue): void {
+  #showValue(node: string, output: number, value: OutputValue, isNews: boolean): void {
     const shown = this.values.of(node, output);
     if (isAnother(shown.peek(), value)) {
-      if (shown.peek() !== NO_VALUE) {
+      if (isNews && shown.peek() !== NO_VALUE) {
         this.active.of(node).value = Date.now();
       }
       shown.value = value;
@@ -389,11 +378,7 @@ export class Host implements ConnectionListener {
     }
     const nodes = scene.nodes.flatMap((node) => (isFresh(node) ? listedAnew(known.get(node.node)!, node) : (read.get(node.node) ?? [])));
     const handles = new Set(nodes.map(({ node }) => node));
-    this.values.keepOnly(handles);
-    this.fired.keepOnly(handles);
-    this.active.keepOnly(handles);
-    this.counters.keepOnly(handles);
-    this.jsonVerdicts.keepOnly(handles);
+    this.#ofNodes.forEach((signals) => signals.keepOnly(handles));
     batch(() => {
       this.sceneNumber.value = number;
       this.#nodes.value = nodes;
@@ -408,7 +393,6 @@ export class Host implements ConnectionListener {
     const log = await this.#connection.request<{ lines: NumberedLine[] }>({ op: "log" });
     if (log.ok) {
       this.log.read(log.lines);
-      this.log.publish();
     }
   }
 
@@ -446,11 +430,7 @@ export class Host implements ConnectionListener {
   #showOutputs(node: string, { outputs }: NodeDetails): void {
     this.#pace.show(() => {
       for (const { id, int, float, string, length } of outputs.flatMap(({ params }) => params)) {
-        const value = { int, float, string, ...(length !== undefined && { length }) };
-        const shown = this.values.of(node, id);
-        if (isAnother(shown.peek(), value)) {
-          shown.value = value;
-        }
+        this.#showValue(node, id, { int, float, string, ...(length !== undefined && { length }) }, false);
       }
     });
   }

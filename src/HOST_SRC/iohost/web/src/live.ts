@@ -1,4 +1,4 @@
-// What nodes do right now, by node and output.
+// What nodes do right now.
 import { signal, type Signal } from "@preact/signals";
 import type { OutputValue } from "./protocol.ts";
 
@@ -9,8 +9,8 @@ export function isAnother(shown: OutputValue, value: OutputValue): boolean {
   return (["int", "float", "string", "length"] as const).some((part) => shown[part] !== value[part]) || shown === NO_VALUE;
 }
 
-/** Signals by node and output, made when they are first asked for. */
-export class OutputSignals<Value> {
+/** Signals by node and output, or by node alone, made when they are first asked for. */
+export class Signals<Value> {
   readonly #initial: Value;
   readonly #signals = new Map<string, Map<number, Signal<Value>>>();
 
@@ -18,7 +18,7 @@ export class OutputSignals<Value> {
     this.#initial = initial;
   }
 
-  of(node: string, output: number): Signal<Value> {
+  of(node: string, output = 0): Signal<Value> {
     let outputs = this.#signals.get(node);
     if (outputs === undefined) {
       this.#signals.set(node, (outputs = new Map()));
@@ -44,38 +44,6 @@ export class OutputSignals<Value> {
       for (const one of outputs.values()) {
         one.value = this.#initial;
       }
-    }
-  }
-}
-
-/** Signals by node, made when they are first asked for. */
-export class NodeSignals<Value> {
-  readonly #initial: Value;
-  readonly #signals = new Map<string, Signal<Value>>();
-
-  constructor(initial: Value) {
-    this.#initial = initial;
-  }
-
-  of(node: string): Signal<Value> {
-    let found = this.#signals.get(node);
-    if (found === undefined) {
-      this.#signals.set(node, (found = signal(this.#initial)));
-    }
-    return found;
-  }
-
-  keepOnly(nodes: ReadonlySet<string>): void {
-    for (const node of this.#signals.keys()) {
-      if (!nodes.has(node)) {
-        this.#signals.delete(node);
-      }
-    }
-  }
-
-  reset(): void {
-    for (const one of this.#signals.values()) {
-      one.value = this.#initial;
     }
   }
 }

@@ -82,11 +82,13 @@ export class LogBuffer {
     this.#lines = new Tail(kept.filter(({ n }) => n > cleared).map((line) => new LogLine(line, line.n, line.ms)));
     this.#count = last;
     this.#cleared = cleared;
+    this.publish();
   }
 
   clear(): void {
     this.#lines = new Tail();
     this.#cleared = this.#count;
+    this.publish();
   }
 
   publish(): void {

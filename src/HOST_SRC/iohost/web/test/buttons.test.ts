@@ -21,7 +21,6 @@ test("a second button beside the first is seen, in either order of letting go", 
   const held = new HeldButtons();
   assert.deepEqual(held.change(LEFT), [3005]);
   assert.deepEqual(held.change(LEFT | RIGHT), [3009]);
-  assert.deepEqual(held.names, ["Left", "Right"]);
   assert.deepEqual(held.change(RIGHT), [3006]);
   assert.deepEqual(held.change(0), [3010]);
   assert.equal(held.any, false);

@@ -122,10 +122,6 @@ export class Editor {
     };
   }
 
-  async unlink(link: Link): Promise<void> {
-    this.desk.tell(await this.host.requests.change({ op: "unlink", ...link }), "");
-  }
-
   /** Begins a wire at a pin, or ends there the one that was begun. */
   usePin(pin: Pin): void {
     const begun = this.begun.peek();

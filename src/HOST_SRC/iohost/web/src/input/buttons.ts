@@ -3,15 +3,14 @@ import { EventId } from "../codes.ts";
 interface Button {
   /** Its bit in the browser's `buttons`. */
   mask: number;
-  name: string;
   down: number;
   up: number;
 }
 
 const BUTTONS: readonly Button[] = [
-  { mask: 1, name: "Left", down: EventId.leftDown, up: EventId.leftUp },
-  { mask: 4, name: "Middle", down: EventId.middleDown, up: EventId.middleUp },
-  { mask: 2, name: "Right", down: EventId.rightDown, up: EventId.rightUp },
+  { mask: 1, down: EventId.leftDown, up: EventId.leftUp },
+  { mask: 4, down: EventId.middleDown, up: EventId.middleUp },
+  { mask: 2, down: EventId.rightDown, up: EventId.rightUp },
 ];
 
 /**
@@ -21,10 +20,6 @@ const BUTTONS: readonly Button[] = [
 export class HeldButtons {
   #held = 0;
   #ignored = 0;
-
-  get names(): string[] {
-    return BUTTONS.filter((button) => this.#held & button.mask).map((button) => button.name);
-  }
 
   get any(): boolean {
     return this.#held !== 0;

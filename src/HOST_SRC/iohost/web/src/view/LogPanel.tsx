@@ -72,7 +72,7 @@ export function LogPanel({ host, desk, shown }: PanelProps) {
     toEnd();
   };
   const clear = () => {
-    host.clearLog();
+    host.log.clear();
     setStill(still && { ...still, lines: new Tail(), count: log.count });
     setEnd(null);
   };
