@@ -1,11 +1,12 @@
-import { useSignal, type Signal } from "@preact/signals";
+import { signal } from "@preact/signals";
 import { useContext, useEffect, useRef, useState } from "preact/hooks";
 import { Vector3 } from "three";
 import { DeskContext } from "../desk.ts";
 import { floatText } from "../format.ts";
 import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
-import { inputOf, NodeType, nodesOf, outputNames, VRHandlePin } from "../nodeTypes.ts";
+import { inputOf, outputOf } from "../nodePins.ts";
+import { NodeType, nodesOf, VRHandlePin } from "../nodeTypes.ts";
 import { Device } from "../codes.ts";
 import { firedByNodes, type VRPayload } from "../messages.ts";
 import { Editing } from "../view/Editing.tsx";
@@ -22,9 +23,7 @@ const STEP = 0.05;
 
 /** The two hand controllers: their pads and triggers, and where they are in space, with the objects that follow them. */
 export function HandsView({ host, shown }: PanelProps) {
-  const samples = SIDES.map((side) => useSignal<VRPayload>(new Hand(side, firstPose(side), hitOf(firstPose(side))).sample));
-  const fired = SIDES.map(() => useSignal<string[]>([]));
-  const [hands] = useState(() => new Hands(host, samples, fired));
+  const [hands] = useState(() => new Hands(host));
   const place = useRef<HTMLDivElement>(null);
   const space = useRef<Space | null>(null);
   const [drawing, setDrawing] = useState<string | null>(null);
@@ -68,7 +67,7 @@ export function HandsView({ host, shown }: PanelProps) {
     }
   }, [hands, shown, canPress]);
 
-  const [left, right] = [samples[0]!.value, samples[1]!.value];
+  const [left, right] = [hands.samples[0]!.value, hands.samples[1]!.value];
   useEffect(() => {
     const made = space.current;
     if (made !== null && shown) {
@@ -106,7 +105,7 @@ export function HandsView({ host, shown }: PanelProps) {
 
   return (
     <div class="hands">
-      <HandCard side={0} host={host} hands={hands} sample={left} fired={fired[0]!.value} followers={followers} />
+      <HandCard side={0} host={host} hands={hands} sample={left} fired={hands.fired[0]!.value} followers={followers} />
       <div class="space">
         <div
           class="space-place"
@@ -121,7 +120,7 @@ export function HandsView({ host, shown }: PanelProps) {
             if (by !== null) {
               event.preventDefault();
               const side = event.altKey ? 0 : 1;
-              hands.move(side, placeOf(samples[side]!.peek().pose).add(by));
+              hands.move(side, placeOf(hands.samples[side]!.peek().pose).add(by));
             }
           }}
         >
@@ -146,7 +145,7 @@ export function HandsView({ host, shown }: PanelProps) {
           )}
         </div>
       </div>
-      <HandCard side={1} host={host} hands={hands} sample={right} fired={fired[1]!.value} followers={followers} />
+      <HandCard side={1} host={host} hands={hands} sample={right} fired={hands.fired[1]!.value} followers={followers} />
     </div>
   );
 }
@@ -173,15 +172,13 @@ function keyStep(key: string): Vector3 | null {
 /** Both hands, and what they tell the host. */
 class Hands {
   readonly #host: Host;
-  readonly #hands: readonly Hand[];
-  readonly #samples: readonly Signal<VRPayload>[];
-  readonly #fired: readonly Signal<string[]>[];
+  readonly #hands = SIDES.map((side) => new Hand(side, firstPose(side), hitOf(firstPose(side))));
+  readonly samples = this.#hands.map(({ sample }) => signal(sample));
+  /** The names of what nodes fired last upon a hand's button. */
+  readonly fired = SIDES.map(() => signal<readonly string[]>([]));
 
-  constructor(host: Host, samples: readonly Signal<VRPayload>[], fired: readonly Signal<string[]>[]) {
+  constructor(host: Host) {
     this.#host = host;
-    this.#samples = samples;
-    this.#fired = fired;
-    this.#hands = samples.map(({ value }, side) => new Hand(side as Side, value.pose, value.hit));
   }
 
   /** A busy page comes late to what was done: when that was is told by its event. */
@@ -233,7 +230,7 @@ class Hands {
     const hand = this.#hands[side]!;
     if (hand.holds) {
       hand.forget();
-      this.#samples[side]!.value = hand.sample;
+      this.samples[side]!.value = hand.sample;
       this.#host.releaseDevice(reason, Device.hand, side);
     }
   }
@@ -252,13 +249,13 @@ class Hands {
   forget(): void {
     for (const hand of this.#hands) {
       hand.forget();
-      this.#samples[hand.side]!.value = hand.sample;
+      this.samples[hand.side]!.value = hand.sample;
     }
   }
 
   #send(side: Side, isEdge: boolean): void {
     const { sample } = this.#hands[side]!;
-    this.#samples[side]!.value = sample;
+    this.samples[side]!.value = sample;
     const event = { device: Device.hand, event: 0, payload: sample };
     if (!isEdge) {
       this.#host.sendInput(event);
@@ -268,10 +265,10 @@ class Hands {
       const nodes = nodesOf(this.#host.nodes.peek(), NodeType.vrHandle);
       const names = firedByNodes(posted).flatMap(({ node, output }) => {
         const found = nodes.find((one) => one.node === node);
-        return (found && outputNames(found).get(output)) ?? [];
+        return (found && outputOf(found, output)?.display) ?? [];
       });
       if (names.length > 0) {
-        this.#fired[side]!.value = names;
+        this.fired[side]!.value = names;
       }
     });
   }
