@@ -1,5 +1,4 @@
 import type { NodeView } from "./host.ts";
-import type { Param } from "./messages.ts";
 
 const TYPE_GUID = /^\{8164BB40-6B6A-4707-88B7-386BCB0D1B([0-9A-F]{2})\}$/;
 
@@ -20,12 +19,3 @@ export const TextFieldPin = { text: 202, event: 203, clear: 204, output: 253 } a
 export const JsonPin = { clipName: 1202, objectName: 1203, deviceId: 1402 } as const;
 export const StringSendPin = { toDevice: 1502, deviceId: 1503 } as const;
 export const VRHandlePin = { objectName: 802, hand: 803 } as const;
-
-export function inputOf(node: NodeView, id: number): Param | undefined {
-  return node.details.inputs.flatMap(({ params }) => params).find((param) => param.id === id);
-}
-
-/** The names of a node's outputs by their ids. */
-export function outputNames(node: NodeView): ReadonlyMap<number, string> {
-  return new Map(node.details.outputs.flatMap(({ params }) => params).map(({ id, display }) => [id, display]));
-}

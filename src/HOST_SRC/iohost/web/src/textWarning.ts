@@ -1,7 +1,8 @@
 import type { NodeView } from "./host.ts";
 import { t } from "./i18n.ts";
 import type { Param } from "./messages.ts";
-import { inputOf, NodeType, StringSendPin, typeByte } from "./nodeTypes.ts";
+import { inputOf } from "./nodePins.ts";
+import { NodeType, StringSendPin, typeByte } from "./nodeTypes.ts";
 import type { DeviceState } from "./protocol.ts";
 
 /** Why a string data send node's texts reach no one; null where they do. `fed` gives an input as it is right now. */

@@ -2,7 +2,7 @@ import { memo } from "preact/compat";
 import type { Host } from "../host.ts";
 import { hostText } from "../hostTexts.ts";
 import { t } from "../i18n.ts";
-import { inputsOf, outputsOf, pinText } from "../nodePins.ts";
+import { inputOf, outputOf, outputText } from "../nodePins.ts";
 import type { Link } from "../protocol.ts";
 import { conversion } from "./wiring.ts";
 
@@ -22,17 +22,14 @@ export const Outline = memo(function Outline({ host }: { host: Host }) {
             <ul>
               {links.get(node.node)?.flatMap((link) => {
                 const source = host.byHandle.value.get(link.from);
-                const input = inputsOf(node).find(({ id }) => id === link.input);
-                const output = source && outputsOf(source).find(({ id }) => id === link.output);
+                const input = inputOf(node, link.input);
+                const output = source && outputOf(source, link.output);
                 const converted = input && output ? conversion(output, input) : null;
                 return source === undefined || input === undefined ? (
                   []
                 ) : (
                   <li key={`${link.from} ${link.output} ${link.input}`}>
-                    {t("{input} from {output}", {
-                      input: input.display,
-                      output: pinText(source, outputsOf(source), link.output),
-                    })}
+                    {t("{input} from {output}", { input: input.display, output: outputText(source, link.output) })}
                     {converted !== null && `, ${converted}`}
                   </li>
                 );

@@ -2,7 +2,7 @@ import { signal } from "@preact/signals";
 import type { Desk } from "../desk.ts";
 import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
-import { inputsOf, outputsOf, pinText } from "../nodePins.ts";
+import { inputOf, inputText, outputOf, outputText } from "../nodePins.ts";
 import type { Link, Note, OfferedType, Place, Scene } from "../protocol.ts";
 import { placing, type Change } from "../requests.ts";
 import { copyOf, keepClipping, pasteOf, readClipping, type Clipping } from "./clipboard.ts";
@@ -71,8 +71,8 @@ export class Editor {
   /** Why there can't be such a link; null when there can. */
   whyNot({ from, output, to, input }: Link): string | null {
     const [source, target] = [this.node(from), this.node(to)];
-    const outputParam = source && outputsOf(source).find(({ id }) => id === output);
-    const inputParam = target && inputsOf(target).find(({ id }) => id === input);
+    const outputParam = source && outputOf(source, output);
+    const inputParam = target && inputOf(target, input);
     return outputParam && inputParam
       ? refusal({ node: from, param: outputParam }, { node: to, param: inputParam })
       : t("Links lead from an output to an input.");
@@ -86,7 +86,7 @@ export class Editor {
       return;
     }
     const [source, target] = [this.node(link.from)!, this.node(link.to)!];
-    const names = { from: pinText(source, outputsOf(source), link.output), to: pinText(target, inputsOf(target), link.input) };
+    const names = { from: outputText(source, link.output), to: inputText(target, link.input) };
     const present = this.#presentSource(link);
     if (present !== undefined) {
       if (present.from !== link.from || present.output !== link.output) {
@@ -104,7 +104,7 @@ export class Editor {
   /** The link that a value input has already; it takes one only. */
   #presentSource({ to, input }: Pick<Link, "to" | "input">): Link | undefined {
     const target = this.node(to);
-    const param = target && inputsOf(target).find(({ id }) => id === input);
+    const param = target && inputOf(target, input);
     const isValue = param !== undefined && sortOf(param) !== "event";
     return isValue ? this.host.links.peek().find((link) => link.to === to && link.input === input) : undefined;
   }
@@ -114,8 +114,8 @@ export class Editor {
     this.desk.question.value = {
       text: t("{to} takes its value from {present}. Take {from} instead?", {
         from,
-        to: pinText(target, inputsOf(target), present.input),
-        present: pinText(source, outputsOf(source), present.output),
+        to: inputText(target, present.input),
+        present: outputText(source, present.output),
       }),
       yes: t("Replace"),
       act,
@@ -128,7 +128,7 @@ export class Editor {
     if (begun === null || begun.is === pin.is) {
       this.begun.value = pin;
       const node = this.node(pin.node)!;
-      const name = pinText(node, pin.is === "output" ? outputsOf(node) : inputsOf(node), pin.id);
+      const name = pin.is === "output" ? outputText(node, pin.id) : inputText(node, pin.id);
       this.desk.message.value = t("Wire from {pin}: click a pin that fits, or Tab to it and press Enter. Escape gives up.", { pin: name });
       return;
     }
@@ -203,8 +203,7 @@ export class Editor {
   /** The pin of a type that a wire from this pin leads to; undefined where none fits. */
   endFor(pin: Pin, type: Pick<OfferedType, "guid">): number | undefined {
     const node = this.node(pin.node);
-    const params = node && (pin.is === "output" ? outputsOf(node) : inputsOf(node));
-    const param = params?.find(({ id }) => id === pin.id);
+    const param = node && (pin.is === "output" ? outputOf(node, pin.id) : inputOf(node, pin.id));
     const kind = kindOfType(type.guid);
     const ends = pin.is === "output" ? kind?.inputs : kind?.outputs;
     const sort = param && fittingSorts(pin.is, sortOf(param)).find((one) => ends?.[one] !== undefined);

@@ -2,7 +2,7 @@
 import type { NodeView } from "../host.ts";
 import { hostText } from "../hostTexts.ts";
 import { t } from "../i18n.ts";
-import { inputsOf, outputsOf, pinText } from "../nodePins.ts";
+import { inputOf, inputText, outputOf, outputText } from "../nodePins.ts";
 import type { Link, Note, Place } from "../protocol.ts";
 import type { Editor } from "./editor.ts";
 import type { FaceNode } from "./Face.tsx";
@@ -99,12 +99,12 @@ export function wiresOf(editor: Editor, nodes: readonly NodeView[], links: reado
 }
 
 function wireOf({ host }: Editor, source: NodeView, target: NodeView, link: Link): Wire {
-  const output = outputsOf(source).find(({ id }) => id === link.output);
-  const input = inputsOf(target).find(({ id }) => id === link.input);
+  const output = outputOf(source, link.output);
+  const input = inputOf(target, link.input);
   const converted = output && input ? conversion(output, input) : null;
   const label = t("Wire from {from} to {to}", {
-    from: pinText(source, outputsOf(source), link.output),
-    to: pinText(target, inputsOf(target), link.input),
+    from: outputText(source, link.output),
+    to: inputText(target, link.input),
   });
   return {
     id: wireId(link),

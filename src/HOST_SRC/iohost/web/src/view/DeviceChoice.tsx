@@ -4,6 +4,7 @@ import { DeskContext } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import { deviceChoices } from "../network.ts";
+import { inputsOf } from "../nodePins.ts";
 import { kindOf, type EditValue } from "../params.ts";
 import type { Param } from "../messages.ts";
 
@@ -32,8 +33,8 @@ export function DeviceChoice({ host, node, param, otherwise, onEdit }: DeviceCho
   const current = isText ? param.string : String(param.int);
   const choose = async (value: string) => {
     const edit = isText ? { string: value } : { int: Number(value) };
-    const inputs = host.byHandle.value.get(node)?.details.inputs ?? [];
-    const name = inputs.flatMap(({ params }) => params).find((one) => one.name === "DevName");
+    const view = host.byHandle.value.get(node);
+    const name = view && inputsOf(view).find((one) => one.name === "DevName");
     const device = devices.find(({ id }) => String(id) === value);
     if (name === undefined || device === undefined) {
       onEdit(edit);

@@ -5,6 +5,7 @@ import type { Host, NodeView } from "../host.ts";
 import { hostText } from "../hostTexts.ts";
 import { t } from "../i18n.ts";
 import { iconOf } from "../icons.ts";
+import { outputsOf } from "../nodePins.ts";
 import { kindOf } from "../params.ts";
 import type { ParamGroup } from "../messages.ts";
 import { DeviceCard } from "./DeviceCard.tsx";
@@ -106,7 +107,7 @@ function NodeIndex({ host, nodes }: { host: Host; nodes: readonly NodeView[] }) 
 }
 
 const NodeIndexEntry = memo(function NodeIndexEntry({ host, node }: { host: Host; node: NodeView }) {
-  const events = node.details.outputs.flatMap(({ params }) => params).filter((param) => kindOf(param) === "event");
+  const events = outputsOf(node).filter((param) => kindOf(param) === "event");
   const last = Math.max(0, ...events.map(({ id }) => host.fired.of(node.node, id).value ?? 0));
   const entry = useRef<HTMLButtonElement>(null);
   useLit(entry, last);

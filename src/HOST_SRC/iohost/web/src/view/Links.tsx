@@ -2,14 +2,10 @@ import { useContext } from "preact/hooks";
 import { DeskContext } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
-import type { ParamGroup } from "../messages.ts";
+import { inputOf, inputText, outputOf, outputText } from "../nodePins.ts";
 import { Editing } from "./Editing.tsx";
 import { LeavingButton } from "./LeavingButton.tsx";
 import "./links.css";
-
-function pinName(groups: readonly ParamGroup[], id: number): string {
-  return groups.flatMap(({ params }) => params).find((param) => param.id === id)?.display ?? String(id);
-}
 
 /** Leads to a node: to its card, or on the canvas where other nodes' cards are shown alone. */
 function useShow(): (handle: string) => void {
@@ -36,10 +32,10 @@ export function LinkTargets({ host, node, output }: { host: Host; node: string; 
           class="link"
           key={`${link.to} ${link.input}`}
           data-link-to={link.to}
-          title={t("Goes to {node}, {pin}", { node: target.graph, pin: pinName(target.details.inputs, link.input) })}
+          title={t("Goes to {node}, {pin}", { node: target.graph, pin: inputOf(target, link.input)?.display ?? link.input })}
           onClick={() => show(link.to)}
         >
-          → {target.graph} · {pinName(target.details.inputs, link.input)}
+          → {inputText(target, link.input)}
         </button>
       )
     );
@@ -60,10 +56,10 @@ export function LinkSources({ host, node, input }: { host: Host; node: string; i
             type="button"
             class="link"
             data-link-from={link.from}
-            title={t("Comes from {node}, {pin}", { node: source.graph, pin: pinName(source.details.outputs, link.output) })}
+            title={t("Comes from {node}, {pin}", { node: source.graph, pin: outputOf(source, link.output)?.display ?? link.output })}
             onClick={() => show(link.from)}
           >
-            ← {source.graph} · {pinName(source.details.outputs, link.output)}
+            ← {outputText(source, link.output)}
           </button>
           <Editing>
             <LeavingButton

@@ -8,7 +8,8 @@ import { firstPointer } from "../input/pointers.ts";
 import type { SampleKind } from "../input/stroke.ts";
 import { Strokes, type StrokeView } from "../input/strokes.ts";
 import { SurfaceInput, type PointerEcho } from "../input/surface.ts";
-import { NodeType, nodesOf, outputNames } from "../nodeTypes.ts";
+import { outputsOf } from "../nodePins.ts";
+import { NodeType, nodesOf } from "../nodeTypes.ts";
 import { Device } from "../codes.ts";
 import { HeldBar } from "./HeldBar.tsx";
 import "./surface.css";
@@ -31,7 +32,11 @@ export function RenderSurface({ host, desk }: { host: Host; desk: Desk }) {
 
   useEffect(() => {
     const tracked = new Strokes(
-      () => nodesOf(host.nodes.peek(), NodeType.gesture).map((node) => ({ node: node.node, outputs: outputNames(node) })),
+      () =>
+        nodesOf(host.nodes.peek(), NodeType.gesture).map((node) => ({
+          node: node.node,
+          outputs: new Map(outputsOf(node).map(({ id, display }) => [id, display])),
+        })),
       (views) => (strokes.value = views),
     );
     const keyboard = {};
