@@ -109,6 +109,38 @@ TEST_F(History, WhatIsSetByRunningIsNoStepAndUndoingAStepLeavesIt) {
     Talk(R"(inspect node=s => {"inputs":{"1503":{"int":0},"1505":{"string":"typed"}}})");
 }
 
+/// What the nodes of one scene came to isn't handed on to those of the other that have their names.
+TEST_F(History, UndoingAndRedoingALoadMakesItsNodesAnew) {
+    const std::string strNode =
+        R"("node":"t","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1B02}","clip":"Clip","graph":"T")";
+    Must(R"({"op":"create",)" + strNode + "}");
+    Must("object clip=Clip name=Box");
+    Must(
+        R"({"op":"load","scene":{"format":"iohost scene","version":1,"clips":[{"name":"Clip","objects":[{"name":"Box"}]}],)"
+        R"("nodes":[{)" +
+        strNode + "}]}}");
+    const OrderedJson objects = Must("objects");
+    const auto run = [this] {
+        Talk(R"(
+            set node=t param=202 string=a step=false
+            trigger node=t param=203
+            process
+            inspect node=t => {"inputs":{"202":{"string":"a"}},"outputs":{"253":{"string":"a"}}}
+        )");
+        VEKClip& clip = *m_pSession->Scene().FindClip(CString(L"Clip"));
+        clip.FindObject(L"Box", 0)->m_fMatrix[12] = 5;
+        m_pSession->TakeChangedCounts();
+    };
+    for (const char* pszMove : {"undo", "redo", "undo"}) {
+        run();
+        Must(pszMove);
+        Must("process");
+        Talk(R"(inspect node=t => {"inputs":{"202":{"string":""}},"outputs":{"253":{"string":""}}})");
+        EXPECT_EQ(Must("objects"), objects) << pszMove;
+        EXPECT_EQ(m_pSession->TakeChangedCounts().nodes.size(), 1U) << "whoever shows it knows nothing of the new node";
+    }
+}
+
 TEST_F(History, FewerStepsAreKeptWhereTheyHoldLongTexts) {
     Must("create node=s type=string_send clip=Clip graph=S");
     const auto longText = [](wchar_t c) {

@@ -44,29 +44,26 @@ void CHistory::NoteSaved(const std::string& strFile) {
     }
 }
 
-SSceneChange CHistory::Undo(CHost& host, CPeers& peers) {
-    SEntry& entry = m_entries[m_nDone - 1];
-    const SSceneChange change = Move(entry, host, peers, entry.after, entry.before);
-    --m_nDone;
-    m_nState = entry.nStateBefore;
-    return change;
-}
-
-SSceneChange CHistory::Redo(CHost& host, CPeers& peers) {
-    SEntry& entry = m_entries[m_nDone];
-    const SSceneChange change = Move(entry, host, peers, entry.before, entry.after);
-    ++m_nDone;
-    m_nState = entry.nStateAfter;
-    return change;
-}
-
-SSceneChange CHistory::Move(SEntry& entry, CHost& host, CPeers& peers, const SScenePart& from, const SScenePart& to) {
+SSceneChange CHistory::Move(bool bForth, CHost& host, CPeers& peers) {
+    SEntry& entry = m_entries[bForth ? m_nDone : m_nDone - 1];
+    const SScenePart& from = bForth ? entry.before : entry.after;
+    const SScenePart& to = bForth ? entry.after : entry.before;
     try {
-        ChangePart(host, peers, from, to);
+        if (entry.otherKept) { // nothing of the one scene is anything of the other
+            host.DestroyAll();
+            SScenePart none;
+            none.clips.emplace();
+            none.devices = from.devices;
+            ChangePart(host, peers, none, to);
+        } else {
+            ChangePart(host, peers, from, to);
+        }
     } catch (...) {
         Clear();
         throw;
     }
+    m_nDone = bForth ? m_nDone + 1 : m_nDone - 1;
+    m_nState = bForth ? entry.nStateAfter : entry.nStateBefore;
     if (entry.otherKept) {
         std::swap(m_kept, *entry.otherKept);
     }

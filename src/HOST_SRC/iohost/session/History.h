@@ -42,10 +42,9 @@ public:
     const SStep* ToUndo() const { return m_nDone > 0 ? &m_entries[m_nDone - 1].step : nullptr; }
     const SStep* ToRedo() const { return m_nDone < m_entries.size() ? &m_entries[m_nDone].step : nullptr; }
 
-    /// Undo or redo it in the scene. It must be there. Where that fails no step fits the scene any more: all are
-    /// forgotten.
-    SSceneChange Undo(CHost& host, CPeers& peers);
-    SSceneChange Redo(CHost& host, CPeers& peers);
+    /// Undo the one or redo the other in the scene. It must be there. Where that fails no step fits the scene any more:
+    /// all are forgotten.
+    SSceneChange Move(bool bForth, CHost& host, CPeers& peers);
 
     std::vector<SStep> Steps() const;
 
@@ -77,8 +76,6 @@ private:
         size_t nBytes;
         std::optional<SKept> otherKept; ///< of a step that brought another scene: where the other one is kept
     };
-
-    SSceneChange Move(SEntry& entry, CHost& host, CPeers& peers, const SScenePart& from, const SScenePart& to);
 
     std::deque<SEntry> m_entries;
     size_t m_nDone = 0;

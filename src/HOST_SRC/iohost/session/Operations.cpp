@@ -617,7 +617,7 @@ Result CSession::Move(std::optional<unsigned long long> to, bool bForth) {
     do {
         step = *(bForth ? m_history.ToRedo() : m_history.ToUndo());
         m_change.bEverything = true; // where it fails
-        change.Add(bForth ? m_history.Redo(*m_pHost, m_peers) : m_history.Undo(*m_pHost, m_peers));
+        change.Add(m_history.Move(bForth, *m_pHost, m_peers));
     } while (to && m_history.State() != *to);
     m_change = change;
     AwaitDevices();

@@ -98,7 +98,9 @@ Result CSession::CarryOutStep(const Command& command, const SOrigin& origin) {
         if (before == after && pLoad == nullptr && !plan->scope.bDevices) {
             return;
         }
-        KeepDifferences(before, after);
+        if (pLoad == nullptr) { // that makes all nodes anew
+            KeepDifferences(before, after);
+        }
         m_change = ChangeBetween(before, after);
         m_change.bEverything = pLoad != nullptr;
         if (pLoad != nullptr && !pLoad->bStep) {
