@@ -141,6 +141,30 @@ TEST_F(History, UndoingAndRedoingALoadMakesItsNodesAnew) {
     }
 }
 
+TEST_F(History, UndoingARenameLeavesAnObjectWhereItWasMovedTo) {
+    Talk(R"(
+        object clip=Clip name=Lamp
+        object clip=Clip name=Box
+        object clip=Clip name=Ball
+        create node=v type=handle clip=Clip graph=Hand
+        change_object clip=Clip name=Box to=Cube
+        set node=v param=802 string=Cube step=false
+        process
+    )");
+    Must(Event(3, 0, HandSample()));
+    OrderedJson objects = Must("objects");
+    EXPECT_EQ(objects["objects"][1]["matrix"][13], -20.25);
+    Must("undo");
+    objects["objects"][1]["name"] = "Box";
+    EXPECT_EQ(Must("objects"), objects);
+    Must("redo");
+    objects["objects"][1]["name"] = "Cube";
+    EXPECT_EQ(Must("objects"), objects);
+    Must("change_object clip=Clip name=Cube to=Box matrix=[1,0,0,0,0,1,0,0,0,0,1,0,8,9,7,1]");
+    Must("undo");
+    EXPECT_EQ(Must("objects"), objects) << "where the step moved it";
+}
+
 TEST_F(History, FewerStepsAreKeptWhereTheyHoldLongTexts) {
     Must("create node=s type=string_send clip=Clip graph=S");
     const auto longText = [](wchar_t c) {

@@ -73,16 +73,20 @@ SNode& MakeNode(CHost& host, const SNodeDocument& document) {
     return node;
 }
 
-void ChangeObjects(VEKClip& clip, const SClipDocument* pFrom, const SClipDocument& to) {
+void ChangeObjects(VEKClip& clip, const std::vector<SObjectDocument>& from, const std::vector<SObjectDocument>& to) {
+    const auto find = [](const std::vector<SObjectDocument>& objects, const CString& strName) {
+        return std::ranges::find(objects, strName, &SObjectDocument::strName);
+    };
     std::vector<VEKObject*> objects;
-    for (const SObjectDocument& object : to.objects) {
-        VEKObject* pObject = clip.FindObject(object.strName, 0);
-        const bool bAlike = pFrom != nullptr && std::ranges::find(pFrom->objects, object) != pFrom->objects.end();
-        if (pObject == nullptr) {
-            pObject = new VEKObject(object.strName);
+    for (size_t i = 0; i < to.size(); ++i) {
+        auto was = find(from, to[i].strName);
+        if (was == from.end() && i < from.size() && find(to, from[i].strName) == to.end()) {
+            was = from.begin() + static_cast<std::ptrdiff_t>(i); // by its former name
         }
-        if (!bAlike) {
-            std::ranges::copy(*object.matrix, pObject->m_fMatrix);
+        VEKObject* pObject = was != from.end() ? clip.FindObject(was->strName, 0) : new VEKObject(CString());
+        pObject->m_strName = to[i].strName;
+        if (was == from.end() || was->matrix != to[i].matrix) {
+            std::ranges::copy(*to[i].matrix, pObject->m_fMatrix);
         }
         objects.push_back(pObject);
     }
@@ -103,7 +107,8 @@ void ChangeClips(CScene& scene, const std::vector<SClipDocument>& from, const st
     scene.SetClips(names);
     for (const SClipDocument& clip : to) {
         const auto was = std::ranges::find(from, clip.strName, &SClipDocument::strName);
-        ChangeObjects(*scene.FindClip(clip.strName), was != from.end() ? &*was : nullptr, clip);
+        ChangeObjects(*scene.FindClip(clip.strName), was != from.end() ? was->objects : std::vector<SObjectDocument>(),
+                      clip.objects);
     }
 }
 
