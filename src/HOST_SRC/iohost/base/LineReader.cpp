@@ -2,7 +2,7 @@
 
 #include <istream>
 
-ELine ReadLine(std::istream& input, std::string& strLine, std::size_t nLongest) {
+ELine ReadLine(std::istream& input, std::string& strLine, std::size_t nLongest) try {
     strLine.clear();
     std::streambuf& buffer = *input.rdbuf();
     std::size_t nLength = 0;
@@ -16,4 +16,6 @@ ELine ReadLine(std::istream& input, std::string& strLine, std::size_t nLongest) 
         }
     }
     return nLength > nLongest ? ELine::TooLong : ELine::Complete;
+} catch (const std::ios_base::failure&) {
+    return ELine::Failed;
 }

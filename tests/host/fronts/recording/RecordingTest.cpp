@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "NetworkPeers.h"
+#include "base/LineReader.h"
 #include "fronts/recording/Recorder.h"
 #include "fronts/recording/Replay.h"
 #include "network/Peers.h"
@@ -278,20 +279,26 @@ TEST_F(Recording, AHandMadeRecordingReachesNothing) {
     CTestPeers peers;
     CTestPeers::CListener listener(peers);
     const auto victim = m_folder.Write("victim.json", "mine");
-    const auto scene = m_folder.Write("scene.json", R"({"format":"iohost scene","version":1})");
+    const auto scene = m_folder.Path() / "scene.json";
+    Must(CREATE_MOUSE);
+    Must("save file=" + Quote(scene));
     const std::string strDevice =
         R"([{"id":4,"name":"d","parser":"direct","address":")" + listener.Address() + R"("}])";
     std::string strText;
     for (const std::string& strRequest :
-         {std::string("recording version=1 texts=keys"), "save file=" + Quote(victim), "load file=" + Quote(scene),
+         {std::string("recording version=1 texts=keys"), "save file=" + Quote(victim),
           std::string("listen address=127.0.0.1 broadcast=0"), std::string("wait ms=600000"),
           "devices list=" + strDevice,
-          R"(load scene={"format":"iohost scene","version":1,"devices":)" + strDevice + "}"}) {
+          R"(load scene={"format":"iohost scene","version":1,"devices":)" + strDevice + "}",
+          "load file=" + Quote(scene)}) {
         Json line = Request(strRequest);
         line["reply"] = {{"ok", true}};
         strText += line.dump() + "\n";
     }
-    Replay(CReplay::EResult::Same, strText);
+    Json failed = Request("load file=" + Quote(scene));
+    failed["reply"] = {{"ok", false}, {"error", "file: can't be read"}};
+    Replay(CReplay::EResult::Same, strText + failed.dump() + "\n");
+    EXPECT_EQ(Must("scene")["nodes"].size(), 0U);
     EXPECT_EQ(ReadAll(victim), "mine");
     Talk(R"(network => {"devices":[{"state":"unconnected"}],"broadcast":null})");
 }
@@ -324,8 +331,10 @@ TEST(ReplyDifferences, AreNamedByTheirPlace) {
 
 TEST_F(Recording, WhatIsNoneIsRefused) {
     std::string strError;
-    EXPECT_EQ(CReplay::Open(m_folder.Path() / "none", strError), nullptr);
-    EXPECT_NE(strError.find("can't be read"), std::string::npos);
+    for (const auto& file : {m_folder.Path() / "none", m_folder.Path()}) {
+        EXPECT_EQ(CReplay::Open(file, strError), nullptr);
+        EXPECT_NE(strError.find("can't be read"), std::string::npos) << strError;
+    }
     for (const char* pszText :
          {"text\n", "{}\n", R"({"op":"objects","reply":{"ok":true,"objects":[]}})",
           R"({"op":"recording","version":1,"texts":"fr","reply":{"ok":true}})", R"({"op":"recording","texts":"en"})"}) {
@@ -349,6 +358,15 @@ TEST_F(Recording, BrokenLineEndsTheReplay) {
         const std::string strOutput = Replay(CReplay::EResult::Broken, strText + pszLine);
         EXPECT_NE(strOutput.find(pszProblem), std::string::npos) << strOutput;
     }
+}
+
+/// A scene that was loaded is one line, however large.
+TEST_F(Recording, LinesOfAnyLengthAreReplayed) {
+    Record();
+    const std::string strLine =
+        R"({"op":"objects","x":")" + std::string(LONGEST_LINE, ' ') + R"(","reply":{"ok":false}})";
+    const std::string strOutput = Replay(CReplay::EResult::Different, ReadAll(m_file) + strLine);
+    EXPECT_TRUE(strOutput.ends_with("2 requests replayed: 1 reply differs\n")) << strOutput;
 }
 
 TEST_F(Recording, AnotherVersionOrOtherTextsOrNoFileIsRefused) {

@@ -34,6 +34,24 @@ TEST_F(Stdio, TooLongALineIsRefusedAndReadPast) {
               strEmpty + strRefused + strRefused + strEmpty);
 }
 
+/// Two requests, behind which reading fails as of a terminal that is gone.
+class CLostInput final : public std::stringbuf {
+public:
+    CLostInput() : std::stringbuf("{\"op\":\"objects\"}\n{\"op\":\"quit\"") {}
+
+private:
+    int underflow() override { throw std::ios_base::failure("error reading the file"); }
+};
+
+TEST_F(Stdio, LossOfTheInputIsItsEnd) {
+    CLostInput buffer;
+    std::istream input(&buffer);
+    std::ostringstream output;
+    RunStdio(*m_pSession, input, output);
+    EXPECT_EQ(output.str(), "{\"ok\":true,\"objects\":[]}\n");
+    EXPECT_FALSE(m_pSession->HasQuit()) << "what was cut off is no request";
+}
+
 TEST_F(Stdio, LossOfTheOutputEndsTheService) {
     std::istringstream input("{\"op\":\"objects\"}\n{\"op\":\"objects\"}\n");
     std::ostringstream output;

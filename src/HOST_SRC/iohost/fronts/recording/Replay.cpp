@@ -1,5 +1,6 @@
 #include "fronts/recording/Replay.h"
 
+#include <limits>
 #include <map>
 
 #include "base/LineReader.h"
@@ -12,6 +13,7 @@
 namespace {
 
 constexpr int MOST_CONNECTIONS = 1'000'000;
+constexpr size_t ANY_LENGTH = std::numeric_limits<size_t>::max(); ///< a scene that was loaded is one line
 
 /// A value in a message: long ones are cut.
 std::string ValueText(const Json& value) {
@@ -84,7 +86,7 @@ std::vector<std::string> ReplyDifferences(const Json& recorded, const Json& now)
 std::unique_ptr<CReplay> CReplay::Open(const std::filesystem::path& file, std::string& strError) {
     std::unique_ptr<CReplay> pReplay(new CReplay);
     pReplay->m_file.open(file, std::ios::binary);
-    if (!pReplay->m_file || ReadLine(pReplay->m_file, pReplay->m_strFirstLine) != ELine::Complete) {
+    if (!pReplay->m_file || ReadLine(pReplay->m_file, pReplay->m_strFirstLine, ANY_LENGTH) != ELine::Complete) {
         strError = "the file " + Utf8(file) + " can't be read";
         return nullptr;
     }
@@ -112,8 +114,16 @@ CReplay::EResult CReplay::Run(CSession& session, std::ostream& output) {
     size_t nDifferent = 0;
     size_t nNamed = 0;
     std::string strLine = m_strFirstLine;
-    for (size_t nLine = 1; nLine == 1 || ReadLine(m_file, strLine) == ELine::Complete; ++nLine) {
+    for (size_t nLine = 1;; ++nLine) {
+        const ELine nRead = nLine == 1 ? ELine::Complete : ReadLine(m_file, strLine, ANY_LENGTH);
+        if (nRead == ELine::None) {
+            break;
+        }
         const std::string strPlace = "line " + std::to_string(nLine);
+        if (nRead == ELine::Failed) {
+            output << strPlace << ": can't be read\n";
+            return EResult::Broken;
+        }
         Json request;
         try {
             request = ParseLine(strLine);

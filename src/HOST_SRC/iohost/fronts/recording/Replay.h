@@ -24,7 +24,7 @@ public:
     enum class EResult {
         Same,      ///< all replies are as recorded
         Different, ///< some aren't
-        Broken,    ///< the recording has a line that isn't a request with its reply
+        Broken,    ///< the recording has a line that isn't a request with its reply, or can't be read
     };
 
     /// Hand the recorded requests to a new session, whose nodes shouldn't broadcast. Each difference is named in a

@@ -11,7 +11,7 @@ void RunStdio(CSession& session, std::istream& input, std::ostream& output, std:
     std::string strLine;
     while (output && !session.HasQuit()) {
         const ELine nLine = ReadLine(input, strLine, nLongestLine);
-        if (nLine == ELine::None) {
+        if (nLine == ELine::None || nLine == ELine::Failed) {
             break;
         }
         output << (nLine == ELine::Complete
