@@ -34,7 +34,7 @@ TEST_F(Create, InspectShowsTheNodeInTheDocumentedOrder) {
                   strGroup + R"(,"inputs":)" + strGroup + R"(,"outputs":)" + strOutputs + "}");
 }
 
-TEST_F(Create, SeveralNodesAreInspectedAtOnceAndThoseThatAreGonePassedOver) {
+TEST_F(Create, SeveralNodesAreInspectedAtOnceEachOnceAndThoseThatAreGonePassedOver) {
     Talk(R"(
         create node=k type=keyboard clip=C graph=K
         create node=m type=mouse clip=C graph=M
@@ -43,7 +43,8 @@ TEST_F(Create, SeveralNodesAreInspectedAtOnceAndThoseThatAreGonePassedOver) {
     OrderedJson keyboard = Must("inspect node=k");
     mouse.erase("ok");
     keyboard.erase("ok");
-    EXPECT_EQ(Must(R"(inspect_nodes nodes=["m","gone","k"])")["nodes"], (OrderedJson{{"m", mouse}, {"k", keyboard}}));
+    EXPECT_EQ(Must(R"(inspect_nodes nodes=["m","gone","k","m","k"])")["nodes"],
+              (OrderedJson{{"m", mouse}, {"k", keyboard}}));
     EXPECT_EQ(Must("inspect_nodes nodes=[]")["nodes"], OrderedJson::object());
 }
 

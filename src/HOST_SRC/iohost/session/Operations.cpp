@@ -2,6 +2,7 @@
 #include "session/Session.h"
 
 #include <algorithm>
+#include <set>
 
 #include "base/GuidText.h"
 #include "base/HostLine.h"
@@ -144,8 +145,10 @@ Result CSession::On(const SInspectCommand& command) {
 
 Result CSession::On(const SInspectNodesCommand& command) {
     SNodesDetails details;
+    std::set<const SNode*> told;
     for (const std::string& strHandle : command.handles) {
-        if (const SNode* pNode = Scene().Find(strHandle)) {
+        const SNode* pNode = Scene().Find(strHandle);
+        if (pNode != nullptr && told.insert(pNode).second) {
             details.nodes.emplace_back(strHandle, DetailsOf(*pNode));
         }
     }
