@@ -279,6 +279,26 @@ TEST_F(ProbeEvaluation, ANodeBehindTwoOthersIsEvaluatedOnce) {
     EXPECT_EQ(Seen("r"), 1);
 }
 
+/// Before the last of them all are looked at that it takes values of, also indirectly.
+TEST_F(ProbeEvaluation, ALongChainOfLinksIsFollowedToItsBegin) {
+    constexpr int NODES = 40'000;
+    SNode* pLast = m_pSession->Scene().Find("p");
+    SCreateCommand create;
+    create.guidType = pLast->guidType;
+    for (int i = 0; i < NODES; ++i) {
+        create.strHandle = std::to_string(i);
+        m_pSession->Do(create);
+        SNode* pNext = m_pSession->Scene().Find(create.strHandle);
+        m_pSession->Scene().Link(*pLast, 104, *pNext, 12, true);
+        pLast = pNext;
+    }
+    Must("set node=p param=12 string=begin");
+    m_pSession->Do(STriggerCommand{"p", 14});
+    m_pSession->Do(STriggerCommand{pLast->strHandle, 14});
+    EXPECT_EQ(Param("p", "outputs", 104)["string"], "begin");
+    EXPECT_EQ(Seen(pLast->strHandle), 1);
+}
+
 TEST_F(ProbeEvaluation, ACycleGoesRoundOnceAndSaysSo) {
     Talk(R"(
         link from=p output=101 to=q input=14

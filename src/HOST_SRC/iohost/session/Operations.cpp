@@ -204,25 +204,34 @@ void CSession::Follow() {
     }
 }
 
-/// Evaluate a node that an event reached, that is triggered, or that takes a value of such a node; before it those that
-/// it has links from, so that its inputs are up to date. True when it was evaluated, now or before.
-bool CSession::Settle(SNode& node) {
-    if (node.nEvaluatedBy == m_nFollow) {
-        return true;
+/// Evaluate a node that an event reached, that is triggered, or that takes a value of such a node; before it, likewise,
+/// those that it has links from, so that its inputs are up to date.
+void CSession::Settle(SNode& triggered) {
+    struct SVisit {
+        SNode& node;
+        size_t nNextLink;
+    };
+    std::vector<SVisit> visits; // not calls of this function: a chain of links may be long
+    const auto visit = [&](SNode& node) {
+        if (node.nEvaluatedBy != m_nFollow && std::exchange(node.nVisitedBy, m_nFollow) != m_nFollow) {
+            visits.push_back({node, 0});
+        }
+    };
+    visit(triggered);
+    while (!visits.empty()) {
+        auto& [node, nNextLink] = visits.back();
+        if (nNextLink < node.arIncoming.size()) {
+            visit(*node.arIncoming[nNextLink++].pFrom);
+            continue;
+        }
+        if (node.bGotEvent || !node.arTriggered.empty() || std::ranges::any_of(node.arIncoming, [&](const SLink& link) {
+                return link.nKind != ELinkKind::Event && link.pFrom->nEvaluatedBy == m_nFollow;
+            })) {
+            node.nEvaluatedBy = m_nFollow;
+            LogFault([&] { m_pHost->Evaluate(node, true); });
+        }
+        visits.pop_back();
     }
-    if (std::exchange(node.nVisitedBy, m_nFollow) == m_nFollow) {
-        return false;
-    }
-    bool bConcerned = node.bGotEvent;
-    for (const SLink& link : node.arIncoming) {
-        bConcerned |= Settle(*link.pFrom) && link.nKind != ELinkKind::Event;
-    }
-    bConcerned |= !node.arTriggered.empty();
-    if (bConcerned) {
-        node.nEvaluatedBy = m_nFollow;
-        LogFault([&] { m_pHost->Evaluate(node, true); });
-    }
-    return bConcerned;
 }
 
 Result CSession::On(const SProcessCommand& command) {

@@ -107,7 +107,7 @@ private:
     VEKParam& SetValue(const SSetCommand& set);
     std::vector<SRelease> Release(CHeldInput& held, const SReleaseHeldCommand& command);
     void Follow();
-    bool Settle(SNode& node);
+    void Settle(SNode& triggered);
     void BuildScene(const SSceneDocument& document, const std::string& strPath);
     void AwaitDevices();
     Result Move(std::optional<unsigned long long> to, bool bForth);
