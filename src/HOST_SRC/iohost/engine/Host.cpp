@@ -226,7 +226,7 @@ void CHost::Discard(SNode& node) {
 
 void CHost::DestroyAll() {
     while (!m_scene.Nodes().empty()) {
-        Discard(*m_scene.Nodes().front());
+        Discard(*m_scene.Nodes().back());
     }
 }
 

@@ -105,7 +105,7 @@ public:
     /// Destroy a node; it leaves the scene whatever becomes of it.
     void Discard(SNode& node);
 
-    /// Discard all nodes of the scene.
+    /// Discard all nodes of the scene, the last one first.
     void DestroyAll();
 
     /// One evaluation; bGraph false hands over a null graph node.
