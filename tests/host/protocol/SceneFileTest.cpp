@@ -205,12 +205,13 @@ TEST_F(ProbeSceneFile, LinksOfDroppedPinsComeBackAndThoseOfPinsGoneForGoodDoNot)
 }
 
 TEST_F(ProbeSceneFile, NodeThatRaisesWhileLoadingIsRefused) {
+    Must(CREATE_SECOND_PROBE);
     Must(CREATE_PROBE);
     Must("set node=p param=10 int=8 own=true");
     const std::string strFile = Quote(m_folder.Path() / "saved.json");
     Must("save file=" + strFile);
     const OrderedJson before = WholeScene();
-    EXPECT_EQ(AskObject("load file=" + strFile)["error"], "the module raised CInvalidArgException");
+    EXPECT_EQ(AskObject("load file=" + strFile)["error"], "file.nodes[1]: the module raised CInvalidArgException");
     EXPECT_EQ(WholeScene(), before);
 }
 

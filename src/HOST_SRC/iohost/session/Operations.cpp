@@ -538,7 +538,12 @@ void CSession::BuildScene(const SSceneDocument& document, const std::string& str
                                      .pInputs = node.inputs.get(),
                                      .pOutputs = node.outputs.get(),
                                      .bOutputs = node.outputs == nullptr};
-        SNode* pNode = m_pHost->Create(node, contents).pNode;
+        SNode* pNode = nullptr;
+        try {
+            pNode = m_pHost->Create(node, contents).pNode;
+        } catch (const CModuleFault& fault) {
+            throw CModuleFault(strPath + ".nodes[" + std::to_string(i) + "]: " + fault.what());
+        }
         if (pNode == nullptr) {
             Refuse(path("nodes", i, "type"), "the module makes no node of the type " + GuidText(node.guidType));
         }
