@@ -101,8 +101,16 @@ bool CHeldInput::Follow(std::vector<SHeld>& arHeld, const SEventCommand& event) 
     return bChanged;
 }
 
-void CHeldInput::NoteEvent(const SEventCommand& event) {
-    m_nVersion += Follow(m_arHeld, event) ? 1 : 0;
+bool CHeldInput::NoteEvent(const SEventCommand& event) {
+    std::vector<SHeld> arAfterwards = m_arHeld;
+    const bool bChanged = Follow(arAfterwards, event);
+    const auto isCounted = [](const SHeld& held) { return held.nKind != VIRTUAL_KEY; };
+    if (std::ranges::count_if(arAfterwards, isCounted) > MOST_HELD) {
+        return false;
+    }
+    m_arHeld = std::move(arAfterwards);
+    m_nVersion += bChanged ? 1 : 0;
+    return true;
 }
 
 void CHeldInput::NoteKeys(const KeySet& down) {
@@ -129,16 +137,6 @@ KeySet CHeldInput::VirtualKeys() const {
         }
     }
     return keys;
-}
-
-bool CHeldInput::HasRoomFor(const SEventCommand& event) const {
-    if (m_arHeld.size() + std::size(HELD_KINDS) < MOST_HELD) {
-        return true;
-    }
-    std::vector<SHeld> arAfterwards = m_arHeld;
-    Follow(arAfterwards, event);
-    std::erase_if(arAfterwards, [](const SHeld& held) { return held.nKind == VIRTUAL_KEY; });
-    return arAfterwards.size() <= MOST_HELD;
 }
 
 std::vector<SRelease> CHeldInput::TakeReleases(const SHeldFilter& filter) {

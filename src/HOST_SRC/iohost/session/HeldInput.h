@@ -37,16 +37,14 @@ public:
 
     int Connection() const { return m_nConnection; }
 
-    /// Follow an event that was carried out.
-    void NoteEvent(const SEventCommand& event);
+    /// Follow an event. False, and nothing is noted, where what it would hold has no room: the account is bounded
+    /// because connections name keys freely.
+    bool NoteEvent(const SEventCommand& event);
 
     /// Follow the keyboard state: these keys are down, and no others.
     void NoteKeys(const KeySet& down);
 
-    /// Whether what this event would hold still has room; the account is bounded because connections name keys freely.
-    bool HasRoomFor(const SEventCommand& event) const;
-
-    static constexpr size_t MOST_HELD = 256;
+    static constexpr std::ptrdiff_t MOST_HELD = 256;
 
     KeySet VirtualKeys() const;
 

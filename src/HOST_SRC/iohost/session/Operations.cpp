@@ -270,11 +270,8 @@ Result CSession::On(const SEventCommand& command, const SOrigin& origin) {
             }
         }
     }
-    if (origin.pHeld != nullptr) {
-        if (!origin.pHeld->HasRoomFor(command)) {
-            Refuse("event", "this connection holds " + std::to_string(CHeldInput::MOST_HELD) + " keys and buttons");
-        }
-        origin.pHeld->NoteEvent(command);
+    if (origin.pHeld != nullptr && !origin.pHeld->NoteEvent(command)) {
+        Refuse("event", "this connection holds " + std::to_string(CHeldInput::MOST_HELD) + " keys and buttons");
     }
     Payload payload = command.payload;
     const SIOEventRecord record = {command.nDevice, command.nEvent, ObjectOf(payload)};
