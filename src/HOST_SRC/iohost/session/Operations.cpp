@@ -282,7 +282,7 @@ Result CSession::On(const SEventCommand& command, const SOrigin& origin) {
         try {
             result = m_pHost->Deliver(*pNode, command.bRecord ? &record : nullptr);
             if (*result != 0 && MayRead(pNode->guidType, command.nDevice, command.nEvent)) {
-                m_bTaken = true;
+                results.bTaken = true;
                 pNode->bGotEvent |= origin.from || !pNode->arOutgoing.empty();
                 pNode->Count(&SNodeCounts::nReceived);
             }

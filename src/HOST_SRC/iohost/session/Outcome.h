@@ -67,6 +67,7 @@ struct SLayout {
 /// What each node answered; none where the module raised an exception.
 struct SNodeResults {
     std::vector<std::pair<const SNode*, std::optional<int>>> results; ///< in their order; valid until the next command
+    bool bTaken = false;                                              ///< one of them took the event
 };
 
 struct SFrameResults : SNodeResults {

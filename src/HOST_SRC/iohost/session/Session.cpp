@@ -166,7 +166,6 @@ SDone CSession::CloseConnection(CHeldInput& held, const std::string& strReason) 
 }
 
 bool CSession::OnItem(EPeer nFrom, const SIOEventRecord& record) {
-    m_bTaken = false;
     const SEventCommand event{
         .handle = {}, .nDevice = record.m_nDevice, .nEvent = record.m_nEvent, .payload = PayloadOf(record)};
     const SDone done = Do(event, {.from = nFrom});
@@ -174,7 +173,7 @@ bool CSession::OnItem(EPeer nFrom, const SIOEventRecord& record) {
     if (pResults != nullptr && m_nDepth > 0) { // within a `wait`
         m_dispatched.push_back({nFrom, record.m_nDevice, record.m_nEvent, *pResults});
     }
-    return m_bTaken;
+    return pResults != nullptr && pResults->bTaken;
 }
 
 std::optional<std::string> CSession::OnSent(const SSentItem& item) {

@@ -181,7 +181,6 @@ private:
     SSceneChange m_change;         ///< of the command under way
     COutputChanges m_frameOutputs; ///< as frames told them
     std::vector<SDispatched> m_dispatched;
-    bool m_bTaken = false; ///< a node took the last item
     CLimitedLine m_faultLine{LOG_ERROR};
     CLimitedLine m_heldBackLine{LOG_INFORMATION};
 };
