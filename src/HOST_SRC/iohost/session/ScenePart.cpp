@@ -12,12 +12,6 @@ bool IsSameObject(const SNodeState& a, const SNodeState& b) {
            a.document.bEventWindow == b.document.bEventWindow && a.document.bNotifyWindow == b.document.bNotifyWindow;
 }
 
-bool DifferInNameAndPlaceOnly(SNodeState a, const SNodeState& b) {
-    a.document.strGraph = b.document.strGraph;
-    a.document.place = b.document.place;
-    return a == b;
-}
-
 /// Ids of the parameters that differ.
 std::vector<unsigned> Differing(const std::vector<SGroupState>& from, const std::vector<SGroupState>& to) {
     std::vector<unsigned> ids;
@@ -312,10 +306,11 @@ SSceneChange ChangeBetween(const SScenePart& before, const SScenePart& after) {
     }
     for (const auto& [strHandle, state] : after.nodes) {
         const auto was = before.nodes.find(strHandle);
-        change.bList |= was == before.nodes.end() || was->second.nOrder != state.nOrder ||
-                        !IsSameObject(was->second, state) || was->second.document.strGraph != state.document.strGraph ||
+        const bool bAnother =
+            was == before.nodes.end() || was->second.nOrder != state.nOrder || !IsSameObject(was->second, state);
+        change.bList |= bAnother || was->second.document.strGraph != state.document.strGraph ||
                         was->second.document.place != state.document.place;
-        if (was == before.nodes.end() || !DifferInNameAndPlaceOnly(was->second, state)) {
+        if (bAnother || !(static_cast<const SParamSets&>(was->second.document) == state.document)) {
             change.nodes.insert(strHandle);
         }
     }
