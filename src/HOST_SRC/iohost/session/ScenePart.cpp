@@ -120,7 +120,6 @@ void SSceneScope::Add(const SSceneScope& other) {
     bClips |= other.bClips;
     bDevices |= other.bDevices;
     bNotes |= other.bNotes;
-    bEverything |= other.bEverything;
 }
 
 void NoteParameters(SNode& node) {
@@ -161,8 +160,7 @@ std::vector<SClipDocument> ClipDocumentsOf(const CScene& scene) {
     return documents;
 }
 
-SScenePart TakePart(CHost& host, const CPeers& peers, const SSceneScope& scope) {
-    CScene& scene = host.Scene();
+SScenePart TakePart(CScene& scene, const CPeers& peers, const SSceneScope& scope) {
     SScenePart part;
     const auto take = [&](SNode& node) {
         if (scope.bParameters) {
@@ -179,7 +177,7 @@ SScenePart TakePart(CHost& host, const CPeers& peers, const SSceneScope& scope) 
             }
         }
     };
-    if (scope.bEverything) {
+    if (scope.bAllNodes) {
         for (const auto& pNode : scene.Nodes()) {
             take(*pNode);
         }
@@ -190,13 +188,13 @@ SScenePart TakePart(CHost& host, const CPeers& peers, const SSceneScope& scope) 
             }
         }
     }
-    if (scope.bClips || scope.bEverything) {
+    if (scope.bClips) {
         part.clips = ClipDocumentsOf(scene);
     }
-    if (scope.bDevices || scope.bEverything) {
+    if (scope.bDevices) {
         part.devices = peers.Devices();
     }
-    if (scope.bNotes || scope.bEverything) {
+    if (scope.bNotes) {
         part.notes = scene.CanvasNotes();
     }
     return part;

@@ -14,11 +14,11 @@
 /// What a part is about.
 struct SSceneScope {
     std::set<std::string> nodes = {}; ///< handles, also of nodes that aren't there yet
+    bool bAllNodes = false;           ///< also all others
     bool bParameters = false;         ///< also parameters of these nodes
     bool bClips = false;
     bool bDevices = false;
     bool bNotes = false;
-    bool bEverything = false;
 
     void Add(const SSceneScope& other);
 };
@@ -66,7 +66,7 @@ SNodeDocument DocumentOf(const SNode& node);
 SLinkDocument DocumentOf(const SLink& link);
 std::vector<SClipDocument> ClipDocumentsOf(const CScene& scene);
 
-SScenePart TakePart(CHost& host, const CPeers& peers, const SSceneScope& scope);
+SScenePart TakePart(CScene& scene, const CPeers& peers, const SSceneScope& scope);
 
 /// The memory that a part takes, about. Texts that it shares with others count.
 size_t BytesOf(const SScenePart& part);

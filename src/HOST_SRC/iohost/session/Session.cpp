@@ -92,10 +92,10 @@ Result CSession::CarryOutStep(const Command& command, const SOrigin& origin) {
         return Perform(command, origin);
     }
     const auto* pLoad = std::get_if<SLoadCommand>(&command);
-    SScenePart before = TakePart(*m_pHost, m_peers, plan->scope);
+    SScenePart before = TakePart(Scene(), m_peers, plan->scope);
     const auto noteStep = [&] {
-        SScenePart after = TakePart(*m_pHost, m_peers, plan->scope);
-        if (before == after && pLoad == nullptr && !plan->scope.bDevices) {
+        SScenePart after = TakePart(Scene(), m_peers, plan->scope);
+        if (before == after && !plan->scope.bDevices) {
             return;
         }
         if (pLoad == nullptr) { // that makes all nodes anew
@@ -130,7 +130,7 @@ Result CSession::CarryOutStep(const Command& command, const SOrigin& origin) {
 /// Where that fails, too, the steps don't fit the scene any more.
 void CSession::RollBack(const SScenePart& before, const SSceneScope& scope) {
     try {
-        ChangePart(*m_pHost, m_peers, TakePart(*m_pHost, m_peers, scope), before);
+        ChangePart(*m_pHost, m_peers, TakePart(Scene(), m_peers, scope), before);
     } catch (const CRefusal&) {
         m_history.Clear();
         m_change.bEverything = true;

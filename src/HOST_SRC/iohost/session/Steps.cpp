@@ -68,7 +68,7 @@ public:
     SStepPlan operator()(const SLoadCommand& command) const {
         const std::string strVerb = command.bUnsaved ? "Recover " : "Open ";
         return {{strVerb + (command.strFile.empty() ? "a scene" : command.strFile), "load", command.strFile},
-                {.bParameters = true, .bEverything = true}};
+                {.bAllNodes = true, .bParameters = true, .bClips = true, .bDevices = true, .bNotes = true}};
     }
 
     SStepPlan operator()(const SBatchCommand& command) const {
