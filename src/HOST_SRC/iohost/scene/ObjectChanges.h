@@ -12,6 +12,8 @@ struct SObjectState {
     CString strClip;
     CString strName;
     std::array<float, 16> matrix;
+
+    bool operator==(const SObjectState&) const = default;
 };
 
 /// The objects of all clips.
