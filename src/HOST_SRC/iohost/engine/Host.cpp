@@ -41,15 +41,6 @@ PinKinds KindsOf(const VEKParamGroupList& lstGroup) {
 
 } // namespace
 
-CHost::CCallScope::CCallScope(CHost& host, SNode* pNode) : m_host(host) {
-    m_host.m_activity.SetCalledNode(pNode);
-}
-
-CHost::CCallScope::~CCallScope() {
-    m_host.m_window.Pump();
-    m_host.m_activity.SetCalledNode(nullptr);
-}
-
 CHost::CHost() {
     SetNodeSink(this);
     s_bOpen = true;

@@ -128,12 +128,13 @@ public:
 
 private:
     /// Says whose messages come in, and handles them at the end of the call.
-    class CCallScope : boost::noncopyable {
-    public:
-        CCallScope(CHost& host, SNode* pNode);
-        ~CCallScope();
+    struct CCallScope : boost::noncopyable {
+        CCallScope(CHost& host, SNode* pNode) : m_host(host) { host.m_activity.SetCalledNode(pNode); }
+        ~CCallScope() {
+            m_host.m_window.Pump();
+            m_host.m_activity.SetCalledNode(nullptr);
+        }
 
-    private:
         CHost& m_host;
     };
 
