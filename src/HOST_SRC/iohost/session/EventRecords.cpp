@@ -69,7 +69,7 @@ Payload PayloadOf(const SIOEventRecord& record) {
     return static_cast<const CQORPanelRemoteCtrlData&>(*static_cast<const CQORIOAttachedData*>(record.m_pPayload));
 }
 
-void* ObjectOf(Payload& payload) {
+void* PointerTo(Payload& payload) {
     return std::visit(
         []<typename Kind>(Kind& object) -> void* {
             if constexpr (std::is_same_v<Kind, std::monostate>) {

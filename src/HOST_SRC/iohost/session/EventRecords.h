@@ -7,7 +7,7 @@
 Payload PayloadOf(const SIOEventRecord& record);
 
 /// What an event record points at; null for none.
-void* ObjectOf(Payload& payload);
+void* PointerTo(Payload& payload);
 
 /// Whether there is no payload or one that the device's records carry: nodes don't check what a record points at.
 bool DeviceFitsPayload(const SEventCommand& event);

@@ -274,7 +274,7 @@ Result CSession::On(const SEventCommand& command, const SOrigin& origin) {
         Refuse("event", "this connection holds " + std::to_string(CHeldInput::MOST_HELD) + " keys and buttons");
     }
     Payload payload = command.payload;
-    const SIOEventRecord record = {command.nDevice, command.nEvent, ObjectOf(payload)};
+    const SIOEventRecord record = {command.nDevice, command.nEvent, PointerTo(payload)};
     SNodeResults results;
     results.results.reserve(nodes.size());
     for (SNode* pNode : nodes) {
