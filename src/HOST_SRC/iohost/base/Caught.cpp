@@ -1,5 +1,9 @@
 #include "base/Caught.h"
 
+#include <afxwin.h>
+
+#include <exception>
+
 std::string CaughtText() {
     try {
         throw;

@@ -7,6 +7,7 @@
 #include <afxwin.h>
 #include <boost/asio/awaitable.hpp>
 #include <boost/asio/basic_waitable_timer.hpp>
+#include <boost/asio/co_spawn.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/asio/redirect_error.hpp>
@@ -15,7 +16,10 @@
 
 #include <charconv>
 #include <chrono>
+#include <exception>
 #include <string>
+
+#include "base/Caught.h"
 
 // GCC 12 takes the frame of a coroutine for allocated by another function than its own, once it has inlined that.
 #if defined(__GNUC__) && !defined(__clang__)
@@ -42,6 +46,20 @@ inline Awaitable<void> Pause(SteadyTimer& timer, std::chrono::steady_clock::dura
     boost::system::error_code ignored;
     timer.expires_after(time);
     co_await timer.async_wait(AwaitInto(ignored));
+}
+
+/// Start a coroutine on an executor or in a loop; what it throws is logged.
+template <typename Place, typename Function>
+void Spawn(Place&& place, const char* pszWhat, Function function) {
+    boost::asio::co_spawn(std::forward<Place>(place), std::move(function), [pszWhat](std::exception_ptr pThrown) {
+        if (pThrown != nullptr) {
+            try {
+                std::rethrow_exception(pThrown);
+            } catch (...) {
+                WriteHostLine(LOG_ERROR, std::string(pszWhat) + ": " + CaughtText());
+            }
+        }
+    });
 }
 
 /// An endpoint as ADDRESS:PORT.
