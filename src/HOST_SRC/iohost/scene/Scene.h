@@ -63,7 +63,7 @@ struct SNode {
     std::vector<SLink> arIncoming;       ///< links into this node, in the order in which they were made
     std::vector<unsigned> arTriggered;   ///< inputs that the next evaluation finds triggered, each once
     bool bActed = false;                 ///< something was counted since NoteActed
-    bool bGotEvent = false;              ///< since its last evaluation: its outputs may not tell of it yet
+    bool bGotEvent = false;              ///< it took an event and wasn't evaluated since
     bool bCycleTold = false;             ///< that it triggers itself
     bool bEventWindow;                   ///< the node was given the event window
     bool bNotifyWindow;                  ///< the node was given the notification window
@@ -87,7 +87,7 @@ struct SNode {
         bActed = true;
     }
 
-    /// Each frame notes that, for pages that come later. By the session's clock.
+    /// Called each frame: keeps when something was counted last. By the session's clock.
     void NoteActed(std::uint64_t tNow) {
         if (std::exchange(bActed, false)) {
             tActed = tNow;

@@ -88,7 +88,7 @@ public:
     /// The virtual keys that any of them holds.
     KeySet VirtualKeys() const;
 
-    /// The virtual keys that are toggled on, as whoever told last has it.
+    /// The toggled keys, as last reported.
     const KeySet& ToggledKeys() const { return m_toggled; }
     void SetToggledKeys(const KeySet& toggled) { m_toggled = toggled; }
 

@@ -26,7 +26,7 @@ public:
     static constexpr size_t MOST_STEPS = 200;
     static constexpr size_t MOST_BYTES = size_t{256} << 20; ///< of all steps together, unless one has more
 
-    /// A step was taken; those that were undone can't be redone any more, and the oldest go where they are too many.
+    /// A step was taken; it ends what could be redone, and beyond the limits the oldest are dropped.
     void Add(SStep step, SScenePart before, SScenePart after);
 
     /// The last step brought another scene, out of that file; empty: out of none. bUnsaved: the file has an older one.

@@ -169,7 +169,7 @@ struct SOutcome {
 /// Where a command came from.
 struct SOrigin {
     CHeldInput* pHeld = nullptr;    ///< account of the connection that sent it; null for a front without connections
-    std::optional<EPeer> from = {}; ///< the network: what the nodes make of an item concerns nobody but them
+    std::optional<EPeer> from = {}; ///< an item of the network: a node's fault doesn't stop the others
 };
 
 /// A command that was carried out, or anything else that happened.

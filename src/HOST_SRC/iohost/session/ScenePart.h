@@ -24,7 +24,7 @@ struct SSceneScope {
 };
 
 struct SNodeState {
-    unsigned long long nOrder; ///< as in SNode, and so are the pins
+    unsigned long long nOrder; ///< this and the pins: as in SNode
     PinKinds ownInputs;
     PinKinds ownOutputs;
     SNodeDocument document;
@@ -58,7 +58,7 @@ struct SSceneChange {
     void Add(const SSceneChange& other);
 };
 
-/// Note the node's parameters as what they were left as.
+/// Remember the node's parameters as its steps left them.
 void NoteParameters(SNode& node);
 
 /// A node as a scene file holds it, with its parameters as they were noted.

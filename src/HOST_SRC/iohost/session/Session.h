@@ -19,7 +19,7 @@ public:
     /// A command is about to be carried out.
     virtual void OnBegin(const Command& /*command*/) {}
 
-    /// It was, or something happened between commands. Whoever changes the session from here does so later.
+    /// It was, or something happened between commands. Observers must not change the session from here.
     virtual void OnDone(const SDone& done) = 0;
 
     /// Items waited too long for a device.
