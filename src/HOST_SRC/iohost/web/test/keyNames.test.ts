@@ -66,4 +66,6 @@ test("keys have the codes of Windows", () => {
   assert.equal(key(";").virtualKey, 186);
   assert.equal(key("'").virtualKey, 222);
   assert.equal(key("{space}").virtualKey, 32);
+  assert.equal(key("{numenter}").virtualKey, 13);
+  assert.deepEqual(SCREEN_KEYS.filter(({ virtualKey }) => virtualKey === undefined), []);
 });

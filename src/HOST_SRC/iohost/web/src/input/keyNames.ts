@@ -1,4 +1,5 @@
 // The names that the on-screen keyboard's keys have for a text field node.
+import { VirtualKey, virtualKeyNamed } from "./virtualKeys.ts";
 
 /** One key of the on-screen keyboard. */
 export interface ScreenKey {
@@ -19,19 +20,6 @@ export const CLEAR_BUTTON = "{clear}";
 
 const SYMBOLS = "`1234567890-=[]\\;',./";
 const SHIFTED = '~!@#$%^&*()_+{}|:"<>?';
-const SYMBOL_CODES: Record<string, number> = {
-  ";": 186,
-  "=": 187,
-  ",": 188,
-  "-": 189,
-  ".": 190,
-  "/": 191,
-  "`": 192,
-  "[": 219,
-  "\\": 220,
-  "]": 221,
-  "'": 222,
-};
 
 function characterKey(character: string): ScreenKey {
   const symbol = SYMBOLS.indexOf(character);
@@ -40,36 +28,34 @@ function characterKey(character: string): ScreenKey {
     name: character,
     label: character,
     shiftLabel: symbol >= 0 ? SHIFTED[symbol]! : character.toUpperCase(),
-    virtualKey: SYMBOL_CODES[character] ?? character.toUpperCase().charCodeAt(0),
+    virtualKey: virtualKeyNamed(character.toUpperCase()),
   };
 }
 
-const numberPadKey = (part: string, label: string, virtualKey: number): ScreenKey => ({
+const numberPadKey = (part: string, label = part): ScreenKey => ({
   button: `{num${part.toLowerCase()}}`,
   name: `Num ${part}`,
   label,
-  virtualKey,
+  virtualKey: virtualKeyNamed(`Num ${part}`),
 });
 
-const KEYS: readonly ScreenKey[] = [
+export const SCREEN_KEYS: readonly ScreenKey[] = [
   ...[..."`1234567890-=qwertyuiop[]\\asdfghjkl;'zxcvbnm,./"].map(characterKey),
-  { button: "{bksp}", name: "Backspace", label: "⌫", virtualKey: 8 },
-  { button: "{space}", name: "Space", label: "Space", virtualKey: 32 },
-  { button: SHIFT_BUTTON, name: null, label: "Shift", virtualKey: 16 },
-  { button: CAPS_BUTTON, name: null, label: "Caps", virtualKey: 20 },
+  { button: "{bksp}", name: "Backspace", label: "⌫", virtualKey: virtualKeyNamed("Backspace") },
+  { button: "{space}", name: "Space", label: "Space", virtualKey: virtualKeyNamed("Space") },
+  { button: SHIFT_BUTTON, name: null, label: "Shift", virtualKey: VirtualKey.shift },
+  { button: CAPS_BUTTON, name: null, label: "Caps", virtualKey: VirtualKey.capsLock },
   { button: CLEAR_BUTTON, name: null, label: "Clear", virtualKey: null },
-  ...Array.from({ length: 10 }, (_, digit) => numberPadKey(String(digit), String(digit), 96 + digit)),
-  numberPadKey("Del", ".", 110),
-  numberPadKey("Enter", "Enter", 13),
-  numberPadKey("+", "+", 107),
-  numberPadKey("-", "−", 109),
-  numberPadKey("*", "×", 106),
-  numberPadKey("/", "÷", 111),
+  ...[..."0123456789"].map((digit) => numberPadKey(digit)),
+  numberPadKey("Del", "."),
+  numberPadKey("Enter"),
+  numberPadKey("+"),
+  numberPadKey("-", "−"),
+  numberPadKey("*", "×"),
+  numberPadKey("/", "÷"),
 ];
 
-const BY_BUTTON = new Map(KEYS.map((key) => [key.button, key]));
-
-export const SCREEN_KEYS: readonly ScreenKey[] = KEYS;
+const BY_BUTTON = new Map(SCREEN_KEYS.map((key) => [key.button, key]));
 
 /** The rows of keys: letters and symbols, with the number pad at their right. */
 export const KEY_ROWS = [

@@ -30,7 +30,7 @@ const KEYS: readonly KeyRow[] = [
   { place: "Backspace", code: 8, name: "Backspace" },
   { place: "Tab", code: 9, name: "Tab" },
   { place: "Enter", code: 13, name: "Enter" },
-  { place: "NumpadEnter", code: 13, name: "Enter" },
+  { place: "NumpadEnter", code: 13, name: "Num Enter" },
   { place: "ShiftLeft", code: VirtualKey.shift, name: "Shift" },
   { place: "ShiftRight", code: VirtualKey.shift, name: "Shift" },
   { place: "ControlLeft", code: VirtualKey.control, name: "Ctrl" },
@@ -83,6 +83,7 @@ const KEYS: readonly KeyRow[] = [
 ];
 
 const BY_PLACE = new Map(KEYS.map((row) => [row.place, row.code]));
+const BY_NAME = new Map(KEYS.map((row) => [row.name, row.code]));
 const NAMES = new Map([...KEYS].reverse().map((row) => [row.code, row.name]));
 
 /**
@@ -94,6 +95,11 @@ export function virtualKeyOf({ key, code }: PlacedKey): number | null {
     return key.toUpperCase().charCodeAt(0);
   }
   return BY_PLACE.get(code) ?? null;
+}
+
+/** The code of a key that has this name. */
+export function virtualKeyNamed(name: string): number {
+  return BY_NAME.get(name)!;
 }
 
 export function virtualKeyName(code: number): string {
