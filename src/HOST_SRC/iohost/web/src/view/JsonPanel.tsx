@@ -10,9 +10,13 @@ import "./json.css";
 import { LongText } from "./LongText.tsx";
 import type { PanelProps } from "./panels.ts";
 
-interface ObjectName {
-  clip: string;
-  object: string;
+/** What was typed in, or filled in again. */
+interface Typed {
+  to?: TextAddress["to"];
+  device?: number;
+  clip?: string;
+  object?: string;
+  text?: string;
 }
 
 /** Texts for the JSON nodes: sent as a device, or to an object; and what the nodes made of the last ones. */
@@ -21,17 +25,17 @@ export function JsonPanel({ host, shown }: PanelProps) {
   const deviceNodes = nodesOf(nodes, NodeType.deviceJson);
   const objectNodes = nodesOf(nodes, NodeType.objectJson);
   const [texts, setTexts] = useState(() => readTexts(localStorage));
-  const [to, setTo] = useState<TextAddress["to"]>(texts[0]?.to ?? "device");
-  const [device, setDevice] = useState<number | null>(texts[0]?.to === "device" ? texts[0].device : null);
-  const [names, setNames] = useState<ObjectName | null>(texts[0]?.to === "object" ? texts[0] : null);
-  const [text, setText] = useState(texts[0]?.text ?? "");
+  const [typed, setTyped] = useState<Typed>(texts[0] ?? {});
+  const type = (more: Typed) => setTyped((now) => ({ ...now, ...more }));
   const [error, setError] = useState<string | null>(null);
 
   // Until somebody says otherwise, the text is for the first node of the scene that takes one.
-  const deviceShown = device ?? (deviceNodes[0] && inputOf(deviceNodes[0], JsonPin.deviceId)?.int) ?? 1;
-  const namesShown = names ?? namesOf(objectNodes[0]);
-  const address: TextAddress =
-    to === "device" ? { to, device: deviceShown } : { to, clip: namesShown.clip, object: namesShown.object };
+  const { to = "device", text = "" } = typed;
+  const inputOfFirst = ([node]: NodeView[], pin: number) => node && inputOf(node, pin);
+  const device = typed.device ?? inputOfFirst(deviceNodes, JsonPin.deviceId)?.int ?? 1;
+  const clip = typed.clip ?? inputOfFirst(objectNodes, JsonPin.clipName)?.string ?? "";
+  const object = typed.object ?? inputOfFirst(objectNodes, JsonPin.objectName)?.string ?? "";
+  const address: TextAddress = to === "device" ? { to, device } : { to, clip, object };
 
   const send = async (event: Event) => {
     event.preventDefault();
@@ -40,15 +44,6 @@ export function JsonPanel({ host, shown }: PanelProps) {
     const kept = withText(texts, sent);
     setTexts(kept);
     keepTexts(localStorage, kept);
-  };
-  const fill = (sent: SentText) => {
-    setTo(sent.to);
-    setText(sent.text);
-    if (sent.to === "device") {
-      setDevice(sent.device);
-    } else {
-      setNames({ clip: sent.clip, object: sent.object });
-    }
   };
 
   return (
@@ -59,7 +54,7 @@ export function JsonPanel({ host, shown }: PanelProps) {
             aria-label={t("Whom to send to")}
             data-json="to"
             value={to}
-            onChange={(event) => setTo(event.currentTarget.value as TextAddress["to"])}
+            onChange={(event) => type({ to: event.currentTarget.value as TextAddress["to"] })}
           >
             <option value="device">{t("as device")}</option>
             <option value="object">{t("to object")}</option>
@@ -72,8 +67,8 @@ export function JsonPanel({ host, shown }: PanelProps) {
               step="1"
               aria-label={t("Device number")}
               data-json="device"
-              value={deviceShown}
-              onInput={(event) => setDevice(event.currentTarget.valueAsNumber)}
+              value={device}
+              onInput={(event) => type({ device: event.currentTarget.valueAsNumber })}
             />
           ) : (
             <>
@@ -82,16 +77,16 @@ export function JsonPanel({ host, shown }: PanelProps) {
                 placeholder={t("clip")}
                 aria-label={t("Clip")}
                 data-json="clip"
-                value={namesShown.clip}
-                onInput={(event) => setNames({ ...namesShown, clip: event.currentTarget.value })}
+                value={clip}
+                onInput={(event) => type({ clip: event.currentTarget.value })}
               />
               <input
                 class="field"
                 placeholder={t("object")}
                 aria-label={t("Object")}
                 data-json="object"
-                value={namesShown.object}
-                onInput={(event) => setNames({ ...namesShown, object: event.currentTarget.value })}
+                value={object}
+                onInput={(event) => type({ object: event.currentTarget.value })}
               />
             </>
           )}
@@ -106,7 +101,7 @@ export function JsonPanel({ host, shown }: PanelProps) {
           aria-label={t("Text")}
           data-json="text"
           value={text}
-          onInput={(event) => setText(event.currentTarget.value)}
+          onInput={(event) => type({ text: event.currentTarget.value })}
         />
         {error !== null && (
           <p class="input-error" role="alert">
@@ -127,7 +122,7 @@ export function JsonPanel({ host, shown }: PanelProps) {
         <ol class="json-texts">
           {texts.map((sent) => (
             <li key={`${addressText(sent)} ${sent.text}`}>
-              <button type="button" title={t("Fill this in again")} onClick={() => fill(sent)}>
+              <button type="button" title={t("Fill this in again")} onClick={() => type(sent)}>
                 <span class="json-to">{shortText(addressText(sent))}</span>
                 <code>
                   <LongText text={sent.text} />
@@ -157,13 +152,6 @@ export function JsonVerdictLine({ host, node }: { host: Host; node: string }) {
       {t("Last text: {verdict}", { verdict: verdictText(verdict) })}
     </p>
   );
-}
-
-function namesOf(node: NodeView | undefined): ObjectName {
-  return {
-    clip: (node && inputOf(node, JsonPin.clipName)?.string) ?? "",
-    object: (node && inputOf(node, JsonPin.objectName)?.string) ?? "",
-  };
 }
 
 async function sendText(host: Host, { text, ...address }: SentText): Promise<string | null> {
