@@ -322,7 +322,7 @@ TEST_F(Properties, EverythingThatWentDownComesUp) {
             const bool bEvent = command["op"] == "event";
             if (bEvent) {
                 command["device"] =
-                    *rc::gen::weightedElement<int>({{12, command["device"].get<int>()}, {1, 0}, {1, 1}, {1, 5}});
+                    *rc::gen::weightedElement<int>({{4, command["device"].get<int>()}, {1, 0}, {1, 1}, {2, 5}});
             }
             const bool bDone = AskObject(command, &held)["ok"] == true;
             if (!bEvent || !bDone || command["device"] != command["event"].get<int>() / 1000 - 2) {
