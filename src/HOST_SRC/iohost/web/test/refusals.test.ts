@@ -44,7 +44,9 @@ function refusalsOfHost(): { formats: Set<string>; named: Set<string> } {
     }
   }
   formats.delete("must be %s"); // what RefuseKind makes of its kinds
-  formats.delete("requests[%s].%s"); // where another refusal is
+  // Where another refusal is
+  formats.delete("requests[%s].%s");
+  formats.delete("%s.nodes[%s]: %s");
   return { formats, named };
 }
 
