@@ -5,12 +5,13 @@ import "./dialog.css";
 
 interface DialogProps {
   title: string;
+  error: string | null;
   onClose(): void;
   children: ComponentChildren;
 }
 
 /** A box in front of the page, which waits for an answer; Escape closes it. */
-export function Dialog({ title, onClose, children }: DialogProps) {
+export function Dialog({ title, error, onClose, children }: DialogProps) {
   const dialog = useRef<HTMLDialogElement>(null);
   useEffect(() => dialog.current!.showModal(), []);
   return (
@@ -22,6 +23,11 @@ export function Dialog({ title, onClose, children }: DialogProps) {
         </button>
       </header>
       {children}
+      {error !== null && (
+        <p class="dialog-error" role="alert">
+          {error}
+        </p>
+      )}
     </dialog>
   );
 }

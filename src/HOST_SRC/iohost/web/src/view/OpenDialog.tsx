@@ -33,7 +33,7 @@ export function OpenDialog({ host, desk, onClose }: FileDialogProps) {
   const ask = (name: string, open: () => Promise<string | null>) =>
     host.scene.peek()?.unsaved === true ? setWaiting({ name, open }) : void carryOut(name, open);
   return (
-    <Dialog title={t("Open a scene")} onClose={onClose}>
+    <Dialog title={t("Open a scene")} error={error} onClose={onClose}>
       {waiting !== null ? (
         <div role="alert">
           <p class="dialog-warning">{t("The scene has changes that aren't saved. Open {file} all the same?", { file: waiting.name })}</p>
@@ -80,11 +80,6 @@ export function OpenDialog({ host, desk, onClose }: FileDialogProps) {
             </label>
           </div>
         </>
-      )}
-      {error !== null && (
-        <p class="dialog-error" role="alert">
-          {error}
-        </p>
       )}
     </Dialog>
   );

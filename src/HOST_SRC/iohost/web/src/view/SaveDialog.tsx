@@ -25,7 +25,7 @@ export function SaveDialog({ host, desk, onClose }: { host: Host; desk: Desk; on
   };
   const replaces = present.includes(file) && file !== host.scene.value?.file;
   return (
-    <Dialog title={t("Save the scene")} onClose={onClose}>
+    <Dialog title={t("Save the scene")} error={error} onClose={onClose}>
       <form onSubmit={save}>
         <input
           class="field"
@@ -45,11 +45,6 @@ export function SaveDialog({ host, desk, onClose }: { host: Host; desk: Desk; on
           </a>
         </div>
       </form>
-      {error !== null && (
-        <p class="dialog-error" role="alert">
-          {error}
-        </p>
-      )}
     </Dialog>
   );
 }
