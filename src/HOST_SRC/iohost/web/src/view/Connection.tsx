@@ -1,15 +1,14 @@
+import { timeNow } from "../clock.ts";
 import { isStalled } from "../frames.ts";
 import type { ConnectionState, Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import "./connection.css";
-import { useNow } from "./useNow.ts";
 
 /** The state of the connection in the header, always there, and how long ago the host had its last frame. */
 export function ConnectionLamp({ host }: { host: Host }) {
   const state = host.connection.value;
   const frames = host.frames.value;
-  const now = useNow(frames !== null);
-  const age = frames?.age(now) ?? 0;
+  const age = frames?.age(timeNow()) ?? 0;
   const stalled = state.is === "open" && isStalled(age, state.fps);
   return (
     <>
@@ -52,12 +51,10 @@ function lampTitle(state: ConnectionState): string | undefined {
 /** Across the page while there is no connection: nothing that is done then reaches the nodes. */
 export function ConnectionBanner({ host }: { host: Host }) {
   const state = host.connection.value;
-  const isLost = state.is === "lost";
-  const now = useNow(isLost);
-  if (!isLost) {
+  if (state.is !== "lost") {
     return null;
   }
-  const seconds = Math.max(0, Math.ceil((state.retryAt - now) / 1000));
+  const seconds = Math.max(0, Math.ceil((state.retryAt - timeNow()) / 1000));
   return (
     <div class="banner" role="alert">
       <strong>{t("Connection lost.")}</strong> {t("Held keys and buttons were released.")}{" "}
