@@ -6,7 +6,7 @@ import { language, type Language } from "./i18n.ts";
 import type { ParamGroup } from "./messages.ts";
 
 const keys = Object.keys(EN) as (keyof typeof EN & keyof typeof ZH)[];
-/** By the text in the other language. Of those that are the same in English, Chinese has the last one. */
+/** By the text in the other language. Where two keys have the same English, the later one's Chinese is taken. */
 const TEXTS: Record<Language, ReadonlyMap<string, string>> = {
   en: new Map(keys.map((key) => [ZH[key], EN[key]])),
   zh: new Map(keys.map((key) => [EN[key], ZH[key]])),

@@ -37,7 +37,7 @@ import "./canvas.css";
 
 const FACES = { face: Face, note: NoteFace };
 const WIRES = { wire: WireEdge };
-// Made once: what is another object is another setting to the library.
+// Made once: the library takes a new object for a changed setting.
 const ADDING_KEYS = ["Control", "Meta"];
 const MAP_SIZE = { width: 120, height: 80 };
 
@@ -246,10 +246,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   );
 }
 
-/**
- * Stays the same function and does what the last one given does: to the library another function is another setting, of which
- * it tells everything that it draws.
- */
+/** The same function each time, which calls the newest `act`: a new one has the library draw everything anew. */
 function useConstant<Arguments extends unknown[], Result>(act: (...given: Arguments) => Result): typeof act {
   const last = useRef(act);
   last.current = act;

@@ -14,7 +14,7 @@ import { conversion, sortOf } from "./wiring.ts";
 
 export type CanvasNode = FaceNode | NoteNode;
 
-/** Nodes and notes. Those that were chosen stay so, and of those that come `toChoose` are. */
+/** Nodes and notes. Chosen ones stay chosen; new ones are chosen where `toChoose` names them. */
 export function facesOf(
   editor: Editor,
   scene: { nodes: readonly NodeView[]; links: readonly Link[]; notes: Readonly<Record<string, Note>> },

@@ -2,7 +2,7 @@ import type { RefObject } from "preact";
 import { useLayoutEffect, useRef } from "preact/hooks";
 import { takesKeys } from "../desk.ts";
 
-/** Keys go on with what comes chosen, unless somebody types elsewhere; and with what is chosen while nothing has the focus. */
+/** Focuses a node or note that comes chosen, unless somebody types; one that is chosen later only while nothing has the focus. */
 export function useFocusWhenChosen(part: RefObject<HTMLElement | null>, isChosen: boolean): void {
   const isNew = useRef(true);
   useLayoutEffect(() => {

@@ -191,7 +191,7 @@ export class SurfaceInput implements Holder {
     const isFirst = !this.#anyInside;
     pointer.inside = true;
     if (pointer.type === "mouse") {
-      // Fingers and pens stay with what they were put down on: they come in by their press.
+      // A finger or pen that was pressed elsewhere stays captured there; only a mouse comes in with a button down.
       pointer.buttons.ignore(event.buttons);
     }
     this.#place(pointer, event);
