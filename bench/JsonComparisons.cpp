@@ -17,7 +17,7 @@ namespace {
 // has to keep to.
 constexpr double ACCEPTED_LIMIT = 1.15;
 constexpr double SHORT_LIMIT = 1.6; // of its time much goes into the log line and the look-ups
-constexpr double CHECKED_LIMIT = 1.8;
+constexpr double CHECKED_LIMIT = 1.65;
 constexpr double OTHER_DEVICE_LIMIT = 1.5;
 
 constexpr double OWN_LOOK_UPS = 17; // eight inputs, in two lists each, and the output

@@ -32,19 +32,16 @@ CString FromJsonText(const std::wstring& text) {
 /// Append a number with no more digits than tell it from all others: the library itself writes 0.1 as
 /// 0.10000000000000001. It reads 1e400 as infinity, for which JSON has no number.
 void AppendNumber(std::wstring& text, double fNumber) {
-    char szNumber[32] = "null";
-    const char* pEnd = szNumber + 4;
-    if (std::isfinite(fNumber)) {
-        // Numbers of 15 digits come back from a double, and doubles come back from numbers of 17 digits.
-        for (const int nDigits : {15, 16, 17}) {
-            pEnd = std::to_chars(szNumber, std::end(szNumber), fNumber, std::chars_format::general, nDigits).ptr;
-            double fRead = 0;
-            std::from_chars(szNumber, pEnd, fRead);
-            if (fRead == fNumber) {
-                break;
-            }
-        }
+    if (!std::isfinite(fNumber)) {
+        text += L"null";
+        return;
     }
+    // With an exponent where the library writes one, as printf does by %.17g.
+    const double fSize = std::fabs(fNumber);
+    const bool bFixed = fNumber == 0 || (fSize >= 1e-4 && fSize < 1e17);
+    char szNumber[32];
+    const char* pEnd = std::to_chars(szNumber, std::end(szNumber), fNumber,
+                                     bFixed ? std::chars_format::fixed : std::chars_format::scientific).ptr;
     text.append(static_cast<const char*>(szNumber), pEnd);
 }
 
@@ -57,14 +54,16 @@ void AppendValue(std::wstring& text, const web::json::value& value) {
         }
         bFirst = false;
     };
-    if (value.is_array()) {
+    switch (value.type()) {
+    case web::json::value::Array:
         text += '[';
         for (const web::json::value& element : value.as_array()) {
             separate();
             AppendValue(text, element);
         }
         text += ']';
-    } else if (value.is_object()) {
+        break;
+    case web::json::value::Object:
         text += '{';
         for (const auto& [name, member] : value.as_object()) {
             separate();
@@ -73,12 +72,23 @@ void AppendValue(std::wstring& text, const web::json::value& value) {
             AppendValue(text, member);
         }
         text += '}';
-    } else if (value.is_double()) {
-        AppendNumber(text, value.as_double());
-    } else if (value.is_string()) {
+        break;
+    case web::json::value::String:
         web::json::details::format_string(value.as_string(), text);
-    } else {
-        text += value.serialize();
+        break;
+    case web::json::value::Number:
+        if (value.is_double()) {
+            AppendNumber(text, value.as_double());
+        } else {
+            text += value.serialize();
+        }
+        break;
+    case web::json::value::Boolean:
+        text += value.as_bool() ? L"true" : L"false";
+        break;
+    case web::json::value::Null:
+        text += L"null";
+        break;
     }
 }
 
