@@ -4,6 +4,8 @@
 #include "host/PlayControlItem.h"
 #include "host/RemoteControlRecord.h"
 
+#include <string>
+
 #include "DeviceList.h"
 #include "HostSetup.h"
 #include "XmlElement.h"
@@ -75,7 +77,5 @@ SQORNetPlayCtrlDev* G_FindNetPlayCtrlDevByID(int nId) {
 }
 
 CString QORIntToStr(int nValue) {
-    CString strValue;
-    strValue.Format(L"%d", nValue);
-    return strValue;
+    return std::to_wstring(nValue).c_str();
 }
