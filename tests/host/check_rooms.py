@@ -17,7 +17,7 @@ ROOMS = {
     "session": ["base", "scene", "engine", "network"],
     "protocol": ["base", "scene", "engine", "network", "session"],
     "standin": ["base", "protocol"],
-    "fronts/describe": ["base", "scene", "session"],
+    "fronts/describe": ["base", "scene", "session", "protocol"],
     "fronts/recording": ["base", "session", "protocol"],
     "fronts/stdio": ["base", "session", "protocol"],
     "fronts/terminal": ["base", "scene", "session"],
@@ -36,7 +36,7 @@ def main(folder):
     wrong += [f"{room} isn't known here" for room in sorted(rooms - set(ROOMS) - {"."})]
     for room, allowed in ROOMS.items():
         for source in sorted((folder / room).glob("*.[ch]*")):
-            for included in re.findall(r'^#include "(.+)/[^/]+"', source.read_text(encoding="utf-8"), re.MULTILINE):
+            for included in re.findall(r'^#include "(.+)/[^/"]+"', source.read_text(encoding="utf-8"), re.MULTILINE):
                 if included in ROOMS and included != room and included not in allowed:
                     wrong.append(f"{source.relative_to(folder)} includes {included}")
     if wrong:
