@@ -1,5 +1,6 @@
 #include "host/HostJson.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <iterator>
@@ -18,8 +19,8 @@ CString FromJsonText(const std::wstring& text) {
     wchar_t* const pText = strText.GetBufferSetLength(static_cast<int>(text.size()));
     wchar_t* pEnd = pText;
     for (const wchar_t c : text) {
-        if (sizeof(wchar_t) > sizeof(char16_t) && pEnd > pText && (pEnd[-1] & ~0x3FF) == 0xD800 &&
-            (c & ~0x3FF) == 0xDC00) {
+        if (sizeof(wchar_t) > sizeof(char16_t) && (c & ~0x3FF) == 0xDC00 && pEnd > pText &&
+            (pEnd[-1] & ~0x3FF) == 0xD800) {
             pEnd[-1] = static_cast<wchar_t>(0x10000 + ((pEnd[-1] & 0x3FF) << 10) + (c & 0x3FF));
         } else {
             *pEnd++ = c;
@@ -32,17 +33,20 @@ CString FromJsonText(const std::wstring& text) {
 /// Append a number with no more digits than tell it from all others: the library itself writes 0.1 as
 /// 0.10000000000000001. It reads 1e400 as infinity, for which JSON has no number.
 void AppendNumber(std::wstring& text, double fNumber) {
-    if (!std::isfinite(fNumber)) {
-        text += L"null";
-        return;
+    char szNumber[32] = "null";
+    const char* pEnd = szNumber + 4;
+    if (std::isfinite(fNumber)) {
+        // Numbers of 15 digits come back from a double, and doubles come back from numbers of 17 digits.
+        for (const int nDigits : {15, 16, 17}) {
+            pEnd = std::to_chars(szNumber, std::end(szNumber), fNumber, std::chars_format::general, nDigits).ptr;
+            double fRead = 0;
+            std::from_chars(szNumber, pEnd, fRead);
+            if (fRead == fNumber) {
+                break;
+            }
+        }
     }
-    // With an exponent where the library writes one, as printf does by %.17g.
-    const double fSize = std::fabs(fNumber);
-    const bool bFixed = fNumber == 0 || (fSize >= 1e-4 && fSize < 1e17);
-    char szNumber[32];
-    const char* pEnd = std::to_chars(szNumber, std::end(szNumber), fNumber,
-                                     bFixed ? std::chars_format::fixed : std::chars_format::scientific).ptr;
-    text.append(static_cast<const char*>(szNumber), pEnd);
+    std::copy(static_cast<const char*>(szNumber), pEnd, std::back_inserter(text));
 }
 
 /// Append the JSON text of a value. The library reads 128 levels at most, so that one call a level is no danger.
