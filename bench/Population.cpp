@@ -1,10 +1,9 @@
 #include "Population.h"
 
-#include <algorithm>
+#include <cwchar>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 #include <utility>
 
 #include "HostSetup.h"
@@ -129,11 +128,11 @@ void CBenchHost::OnNodeRedraw(SGraphNode* /*pGraphNode*/) {}
 namespace {
 
 void AddParam(SQOREvent& event, unsigned nId, const CString& strName, const wchar_t* pszDisplayKey, void* pValue,
-              std::wstring_view typeName) {
+              const wchar_t* pszTypeName) {
     auto* pParam =
         new VEKParam(nId, strName, PXLoadString(pszDisplayKey), PARAM_POINTER.m_nType, PARAM_POINTER.m_nControl);
     pParam->m_pValue = pValue;
-    std::copy(typeName.begin(), typeName.end(), pParam->m_szTypeName);
+    std::wcscpy(pParam->m_szTypeName, pszTypeName);
     event.m_lstParam.AddTail(pParam);
 }
 

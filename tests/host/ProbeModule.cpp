@@ -1,9 +1,9 @@
 // A module for the host's tests. Its one kind of node does what its input "Do" says, when it is evaluated and at the
 // other calls that the tests need; a second node type is never freed.
 #include <algorithm>
+#include <cwchar>
 #include <span>
 #include <stdexcept>
-#include <string_view>
 #include <type_traits>
 
 #include "host/EventRecord.h"
@@ -208,10 +208,10 @@ private:
             return;
         }
         auto* pEvent = new SQOREvent(QOR_EVENT_GENERAL, L"GeneralEvent");
-        const auto Append = [pEvent](unsigned nId, const wchar_t* pszName, void* pValue, std::wstring_view typeName) {
+        const auto Append = [pEvent](unsigned nId, const wchar_t* pszName, void* pValue, const wchar_t* pszTypeName) {
             auto* pParam = new VEKParam(nId, pszName, pszName, PARAM_POINTER.m_nType, PARAM_POINTER.m_nControl);
             pParam->m_pValue = pValue;
-            std::ranges::copy(typeName, pParam->m_szTypeName);
+            std::wcscpy(pParam->m_szTypeName, pszTypeName);
             pEvent->m_lstParam.AddTail(pParam);
         };
         Append(0, L"OwnerClip", m_pOwnerClip, L"VEKClip");

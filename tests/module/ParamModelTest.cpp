@@ -1,4 +1,5 @@
 // The parameter model that the host provides, as far as nodes and their tests rest on it.
+#include <cwchar>
 #include <memory>
 
 #include "ModuleHost.h"
@@ -30,7 +31,7 @@ TEST(ParamModel, ClonesHaveAllContentsOfTheirOriginal) {
     SetParamBoolValue(pParam, 4, 3, 2, 1);
     SetParamValue(pParam, 2.5f, -1.0f, 2.0f, 0.25f); // sets both values, too
     pParam->m_strValue = L"text";
-    pParam->m_szTypeName[0] = L'T';
+    std::wcscpy(pParam->m_szTypeName, L"T");
     pParam->m_arChoice.Add(L"first");
     pParam->m_bAvailable = 0;
     pGroup->m_lstParam.AddTail(pParam);

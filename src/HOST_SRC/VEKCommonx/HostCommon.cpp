@@ -123,24 +123,25 @@ std::string ToUtf8(const wchar_t* pszText, int nLength) {
     return utf8;
 }
 
-static std::optional<CString> DecodeUtf8(std::string_view text, DWORD nFlags) {
-    CString strText; // of no more characters than bytes
-    if (!text.empty()) {
-        const int nBytes = static_cast<int>(text.size());
-        const int nLength =
-            MultiByteToWideChar(CP_UTF8, nFlags, text.data(), nBytes, strText.GetBufferSetLength(nBytes), nBytes);
-        if (nLength == 0) {
-            return std::nullopt;
-        }
-        strText.ReleaseBuffer(nLength);
+/// False, with the text emptied, when it can't be decoded.
+static bool DecodeUtf8(CString& strText, std::string_view utf8, DWORD nFlags) {
+    const int nBytes = static_cast<int>(utf8.size()); // characters at most
+    if (nBytes == 0) {
+        return true;
     }
-    return strText;
+    const int nLength =
+        MultiByteToWideChar(CP_UTF8, nFlags, utf8.data(), nBytes, strText.GetBufferSetLength(nBytes), nBytes);
+    strText.ReleaseBuffer(nLength);
+    return nLength > 0;
 }
 
 CString FromUtf8(std::string_view text) {
-    return DecodeUtf8(text, 0).value_or(CString());
+    CString strText;
+    DecodeUtf8(strText, text, 0);
+    return strText;
 }
 
 std::optional<CString> WellFormedText(std::string_view utf8) {
-    return DecodeUtf8(utf8, MB_ERR_INVALID_CHARS);
+    CString strText;
+    return DecodeUtf8(strText, utf8, MB_ERR_INVALID_CHARS) ? std::optional(std::move(strText)) : std::nullopt;
 }

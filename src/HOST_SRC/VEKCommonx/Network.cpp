@@ -60,17 +60,15 @@ void AppendEscaped(CString& strText, const CString& strValue) {
 /// Where the value of an attribute begins, in the element that begins at nElement and ends the document; -1 without the
 /// attribute. The way leads from value to value: within one anything may stand, but no quotation mark.
 int FindValue(const CString& strDocument, int nElement, const wchar_t* pszName) {
-    const int nNameLength = static_cast<int>(std::wcslen(pszName));
-    int nSpace = strDocument.Find(L' ', nElement);
-    while (nSpace >= 0 && strDocument[nSpace] == L' ') {
-        const int nName = nSpace + 1;
-        const int nEquals = strDocument.Find(L'=', nName);
-        const int nValue = nEquals + 2;
-        if (nEquals - nName == nNameLength &&
-            std::wmemcmp(strDocument.GetString() + nName, pszName, static_cast<size_t>(nNameLength)) == 0) {
-            return nValue;
+    const size_t nNameLength = std::wcslen(pszName);
+    const wchar_t* pSpace = std::wcschr(strDocument.GetString() + nElement, L' ');
+    while (pSpace != nullptr && *pSpace == L' ') {
+        const wchar_t* const pName = pSpace + 1;
+        const wchar_t* const pValue = std::wcschr(pName, L'"') + 1;
+        if (pValue == pName + nNameLength + 2 && std::wmemcmp(pName, pszName, nNameLength) == 0) {
+            return static_cast<int>(pValue - strDocument.GetString());
         }
-        nSpace = strDocument.Find(L'"', nValue) + 1;
+        pSpace = std::wcschr(pValue, L'"') + 1;
     }
     return -1;
 }

@@ -1,6 +1,7 @@
 #include "host/ParamModel.h"
 
 #include <algorithm>
+#include <cwchar>
 #include <iterator>
 
 namespace {
@@ -15,7 +16,9 @@ void DeleteAll(CList<T*>& list) {
 } // namespace
 
 VEKParam::VEKParam(unsigned nId, const CString& strName, const CString& strDisplay, int nType, int nControl)
-    : m_guid(MakeParamGuid(nId)), m_strName(strName), m_strDisplay(strDisplay), m_nType(nType), m_nControl(nControl) {}
+    : m_guid(MakeParamGuid(nId)), m_strName(strName), m_strDisplay(strDisplay), m_nType(nType), m_nControl(nControl) {
+    m_szTypeName[0] = 0;
+}
 
 VEKParam::VEKParam(const VEKParam& other)
     : m_guid(other.m_guid), m_strName(other.m_strName), m_strDisplay(other.m_strDisplay), m_nType(other.m_nType),
@@ -24,7 +27,7 @@ VEKParam::VEKParam(const VEKParam& other)
       m_bAvailable(other.m_bAvailable) {
     std::copy(std::begin(other.m_fRange), std::end(other.m_fRange), m_fRange);
     std::copy(std::begin(other.m_nBoolValue), std::end(other.m_nBoolValue), m_nBoolValue);
-    std::copy(std::begin(other.m_szTypeName), std::end(other.m_szTypeName), m_szTypeName);
+    std::wcscpy(m_szTypeName, other.m_szTypeName);
     m_arChoice.Copy(other.m_arChoice);
 }
 

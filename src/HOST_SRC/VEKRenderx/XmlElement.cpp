@@ -106,9 +106,8 @@ bool CXmlElement::Parse(std::string xml, const char* pszName) {
 
 /// The value of an attribute; nothing without it.
 std::optional<std::string_view> CXmlElement::Find(std::string_view name) const {
-    const auto attribute = std::ranges::lower_bound(m_attributes, name, {}, NAME);
-    return attribute != m_attributes.end() && attribute->first == name ? std::optional(attribute->second)
-                                                                       : std::nullopt;
+    const auto attribute = std::ranges::find(m_attributes, name, NAME);
+    return attribute != m_attributes.end() ? std::optional(attribute->second) : std::nullopt;
 }
 
 bool CXmlElement::GetText(const char* pszAttribute, CString& strValue) const {

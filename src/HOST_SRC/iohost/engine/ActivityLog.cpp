@@ -10,17 +10,6 @@ bool PointsAtType(const VEKParam& param, const wchar_t* pszTypeName) {
     return std::wcscmp(param.m_szTypeName, pszTypeName) == 0;
 }
 
-/// The parameter of an event that points at a thing of this type; null without one.
-const VEKParam* FindPointer(const SQOREvent& event, const wchar_t* pszTypeName) {
-    for (POSITION pos = event.m_lstParam.GetHeadPosition(); pos != nullptr;) {
-        const VEKParam* pParam = event.m_lstParam.GetNext(pos);
-        if (PointsAtType(*pParam, pszTypeName)) {
-            return pParam;
-        }
-    }
-    return nullptr;
-}
-
 std::optional<std::string> HandleOf(const SNode* pNode) {
     return pNode != nullptr ? std::optional(pNode->strHandle) : std::nullopt;
 }
@@ -38,17 +27,20 @@ CActivityLog::~CActivityLog() {
 }
 
 void CActivityLog::OnEventMessage(std::unique_ptr<const SQOREvent> pEvent, WPARAM wParam) {
-    const SQOREvent& event = *pEvent;
-    const VEKParam* pOwner = FindPointer(event, L"VEKProperty");
-    const auto* pNode = pOwner != nullptr ? static_cast<const VEKProperty*>(pOwner->m_pValue) : nullptr;
-    const VEKParam* pOutput = FindPointer(event, L"EventID");
-    const auto* pOutputId = pOutput != nullptr ? static_cast<const int*>(pOutput->m_pValue) : nullptr;
+    const VEKProperty* pNode = nullptr;
+    std::optional<int> output;
     std::vector<std::optional<std::string>> points;
-    for (POSITION pos = event.m_lstParam.GetHeadPosition(); pos != nullptr;) {
-        points.push_back(PointsAt(*event.m_lstParam.GetNext(pos)));
+    points.reserve(static_cast<size_t>(pEvent->m_lstParam.GetCount()));
+    for (POSITION pos = pEvent->m_lstParam.GetHeadPosition(); pos != nullptr;) {
+        const VEKParam& param = *pEvent->m_lstParam.GetNext(pos);
+        points.push_back(PointsAt(param));
+        if (PointsAtType(param, L"VEKProperty")) {
+            pNode = static_cast<const VEKProperty*>(param.m_pValue);
+        } else if (param.m_pValue != nullptr && PointsAtType(param, L"EventID")) {
+            output = *static_cast<const int*>(param.m_pValue);
+        }
     }
-    OnFired(pNode, pOutputId != nullptr ? std::optional(*pOutputId) : std::nullopt,
-            SFiredByWindow{std::move(pEvent), wParam, std::move(points)});
+    OnFired(pNode, output, SFiredByWindow{std::move(pEvent), wParam, std::move(points)});
 }
 
 void CActivityLog::OnFired(const VEKProperty* pNode, std::optional<int> output, decltype(SFired::by) by) {

@@ -228,9 +228,13 @@ int CHost::Evaluate(SNode& node, bool bGraph) {
 }
 
 int CHost::Deliver(SNode& node, const SIOEventRecord* pRecord) {
+    const auto deliver = [&] { return Call(&node, [&] { return node.pNode->DevIOEventOccurred(pRecord); }); };
+    if (!CJsonVerdicts::IsText(pRecord)) {
+        return deliver();
+    }
     m_jsonVerdicts.Begin();
-    const int nResult = Call(&node, [&] { return node.pNode->DevIOEventOccurred(pRecord); });
-    if (const SVerdict* pVerdict = m_jsonVerdicts.End(node, pRecord, nResult)) {
+    const int nResult = deliver();
+    if (const SVerdict* pVerdict = m_jsonVerdicts.End(node, *pRecord, nResult)) {
         if (std::holds_alternative<STaken>(pVerdict->what)) {
             node.Count(&SNodeCounts::nMatched);
         } else if (!std::holds_alternative<SOtherDevice>(pVerdict->what) &&

@@ -57,27 +57,29 @@ CJsonVerdicts::~CJsonVerdicts() {
     SetJsonSink(nullptr);
 }
 
+bool CJsonVerdicts::IsText(const SIOEventRecord* pRecord) {
+    return pRecord != nullptr && pRecord->m_pPayload != nullptr &&
+           (pRecord->m_nDevice == DEVICE_TEXT || pRecord->m_nDevice == DEVICE_OBJECT_TEXT);
+}
+
 void CJsonVerdicts::Begin() {
     m_arValue.RemoveAll();
     m_nSought = 0;
     m_nLastFound = -1;
 }
 
-const SVerdict* CJsonVerdicts::End(const SNode& node, const SIOEventRecord* pRecord, int nResult) {
-    if (pRecord == nullptr || pRecord->m_pPayload == nullptr) {
-        return nullptr;
-    }
+const SVerdict* CJsonVerdicts::End(const SNode& node, const SIOEventRecord& record, int nResult) {
     const CString* pText = nullptr;
     SVerdict verdict{STaken{}};
-    if (pRecord->m_nDevice == DEVICE_TEXT && IsEqualGUID(node.guidType, GUID_IOPROCESS_DEVICE_JSON_RECEIVE)) {
-        const auto& text = *static_cast<const SDeviceTextData*>(pRecord->m_pPayload);
+    if (record.m_nDevice == DEVICE_TEXT && IsEqualGUID(node.guidType, GUID_IOPROCESS_DEVICE_JSON_RECEIVE)) {
+        const auto& text = *static_cast<const SDeviceTextData*>(record.m_pPayload);
         pText = &text.m_strText;
         if (nResult == 0) {
             verdict = JudgeDeviceText(node, text);
         }
-    } else if (pRecord->m_nDevice == DEVICE_OBJECT_TEXT &&
+    } else if (record.m_nDevice == DEVICE_OBJECT_TEXT &&
                IsEqualGUID(node.guidType, GUID_IOPROCESS_OBJECT_JSON_RECEIVE)) {
-        const auto& text = *static_cast<const SObjectTextData*>(pRecord->m_pPayload);
+        const auto& text = *static_cast<const SObjectTextData*>(record.m_pPayload);
         pText = &text.m_strText;
         if (nResult == 0) {
             verdict = JudgeObjectText(node, text);

@@ -63,11 +63,14 @@ public:
     CJsonVerdicts();
     ~CJsonVerdicts();
 
-    /// A record, or null, is about to be handed to a node.
+    /// Whether a record, or null, brings a text: there are verdicts of these alone.
+    static bool IsText(const SIOEventRecord* pRecord);
+
+    /// A text is about to be handed to a node.
     void Begin();
 
-    /// It was, with this result. What became of the text; null when it was none for a JSON node.
-    const SVerdict* End(const SNode& node, const SIOEventRecord* pRecord, int nResult);
+    /// It was, with this result. What became of the text; null when it was none for this kind of node.
+    const SVerdict* End(const SNode& node, const SIOEventRecord& record, int nResult);
 
     /// The verdict of each node that got a text, in the order of the nodes.
     Verdicts All(const CScene& scene) {

@@ -117,7 +117,16 @@ OrderedJson ToJson(const T& value) {
 /// Put a member behind the others of an object that doesn't have it. The object's own way searches all for it first.
 inline void AppendMember(OrderedJson& object, std::string strName, OrderedJson value) {
     using Members = std::vector<std::pair<const std::string, OrderedJson>>;
-    static_cast<Members&>(object.get_ref<OrderedJson::object_t&>()).emplace_back(std::move(strName), std::move(value));
+    auto& members = static_cast<Members&>(object.get_ref<OrderedJson::object_t&>());
+    if (members.size() == members.capacity()) { // growing by itself, it would copy all that its members hold
+        Members grown;
+        grown.reserve(2 * members.size() + 4);
+        for (auto& [strKey, held] : members) {
+            grown.emplace_back(strKey, std::move(held));
+        }
+        members.swap(grown);
+    }
+    members.emplace_back(std::move(strName), std::move(value));
 }
 
 // ---- Fields -------------------------------------------------------------------------------------------------------

@@ -218,21 +218,24 @@ OrderedJson Codec<SRelease>::Write(const SRelease& value) {
 
 void AppendFields(OrderedJson& json, const SFiredByWindow& fired) {
     const SQOREvent& event = *fired.pEvent;
-    json["name"] = Utf8(event.m_strName);
-    json["event_id"] = static_cast<int>(event.m_nId);
-    json["wparam"] = fired.nWParam;
-    OrderedJson& params = json["params"] = OrderedJson::array();
+    OrderedJson params = OrderedJson::array();
     POSITION pos = event.m_lstParam.GetHeadPosition();
     for (const std::optional<std::string>& points : fired.points) {
         const VEKParam& param = *event.m_lstParam.GetNext(pos);
-        params.push_back({{"id", static_cast<unsigned>(param.m_guid.Data1)},
-                          {"name", Utf8(param.m_strName)},
-                          {"display", Utf8(param.m_strDisplay)},
-                          {"type", param.m_nType},
-                          {"control", param.m_nControl},
-                          {"type_name", Utf8(CString(param.m_szTypeName))},
-                          {"points", ToJson(points)}});
+        OrderedJson told = OrderedJson::object();
+        AppendMember(told, "id", static_cast<unsigned>(param.m_guid.Data1));
+        AppendMember(told, "name", Utf8(param.m_strName));
+        AppendMember(told, "display", Utf8(param.m_strDisplay));
+        AppendMember(told, "type", param.m_nType);
+        AppendMember(told, "control", param.m_nControl);
+        AppendMember(told, "type_name", Utf8(CString(param.m_szTypeName)));
+        AppendMember(told, "points", ToJson(points));
+        params.push_back(std::move(told));
     }
+    AppendMember(json, "name", Utf8(event.m_strName));
+    AppendMember(json, "event_id", static_cast<int>(event.m_nId));
+    AppendMember(json, "wparam", fired.nWParam);
+    AppendMember(json, "params", std::move(params));
 }
 
 OrderedJson Codec<std::vector<unsigned char>>::Write(const std::vector<unsigned char>& value) {

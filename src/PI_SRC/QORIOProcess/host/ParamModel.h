@@ -33,11 +33,11 @@ public:
         int m_nValue;             ///< value of a switch, integer, choice, key-code or event parameter
         void* m_pValue = nullptr; ///< value of a pointer parameter; not owned unless the type name says so
     };
-    float m_fValue = 0.0f;          ///< value of a float parameter
-    wchar_t m_szTypeName[128] = {}; ///< type name of the pointee, zero-terminated
-    CString m_strValue;             ///< value of a string parameter
-    CStringArray m_arChoice;        ///< labels of a choice parameter, in index order
-    int m_bAvailable = 1;           ///< availability flag: 0 hides the parameter in the editor
+    float m_fValue = 0.0f;     ///< value of a float parameter
+    wchar_t m_szTypeName[128]; ///< type name of the pointee, up to a zero; empty at first
+    CString m_strValue;        ///< value of a string parameter
+    CStringArray m_arChoice;   ///< labels of a choice parameter, in index order
+    int m_bAvailable = 1;      ///< availability flag: 0 hides the parameter in the editor
 };
 
 /// A named list of parameters; owns them.

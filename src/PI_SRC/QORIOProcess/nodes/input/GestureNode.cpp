@@ -153,10 +153,13 @@ int CGestureIOProcess::Move(const SQORMouseData& sample) {
         return 1;
     }
     Append(sample);
+    if (m_bMoving != 0) {
+        return 1;
+    }
     const bool bStarted = IsRelative(sample)
                               ? HasStartedMoving(m_arRelativePoint[0], {RelativeXOf(sample), RelativeYOf(sample)})
                               : HasStartedMoving(m_arPixelPoint[0], PixelOf(sample));
-    if (bStarted && m_bMoving == 0) {
+    if (bStarted) {
         m_bMoving = 1;
         LogAndFire(*this, *m_pGraphNode, START_MOVE);
     }
