@@ -4,11 +4,9 @@
 #include <array>
 #include <cwchar>
 #include <stdexcept>
-#include <string_view>
 
 #include <benchmark/benchmark.h>
 
-#include "SampleComparisons.h"
 #include "host/EventRecord.h"
 #include "host/GeneralEvent.h"
 #include "host/HostLog.h"

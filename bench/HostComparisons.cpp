@@ -1,12 +1,11 @@
-#include "HostComparisons.h"
-
-#include <iterator>
 #include <limits>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
 #include <benchmark/benchmark.h>
 
+#include "Comparison.h"
 #include "base/Platform.h"
 #include "base/TextUtf8.h"
 #include "protocol/SceneFile.h"
@@ -18,15 +17,15 @@ constexpr double FRAME_LIMIT = 1.8;
 constexpr double SMALL_FRAME_LIMIT = 3.0; // few nodes share what a frame costs by itself
 constexpr size_t SMALL = 13;
 constexpr double EVENT_LIMIT = 3.0;
-constexpr double REQUEST_LIMIT = 4.5;
+constexpr double EVENT_REQUEST_LIMIT = 3.5;
+constexpr double PROCESS_REQUEST_LIMIT = 2.5;
+constexpr double INSPECT_REQUEST_LIMIT = 4.0;
 
 constexpr int KEY_DOWN = 2002;
 
-} // namespace
-
-class CHostComparisons::CScene {
+class CMeasuredScene {
 public:
-    explicit CScene(size_t nNodes) {
+    explicit CMeasuredScene(size_t nNodes) {
         m_key.m_strText = L"A";
         std::string strError;
         m_pSession = CSession::Open({.appFolder = APP_FOLDER, .moduleFile = ModulePath(), .texts = ETextTable::English},
@@ -34,6 +33,7 @@ public:
         if (m_pSession == nullptr) {
             throw std::runtime_error(strError);
         }
+        m_pSession->SetEvaluation(EEvaluation::Event); // as with --listen
         for (size_t i = 0; i < nNodes; ++i) {
             const MeasuredType& type = MeasuredTypes()[i % MeasuredTypes().size()];
             SCreateCommand create;
@@ -105,43 +105,33 @@ private:
     std::unique_ptr<CSession> m_pSession;
 };
 
-CHostComparisons::CHostComparisons() = default;
-CHostComparisons::~CHostComparisons() = default;
+} // namespace
 
-std::span<const Comparison> CHostComparisons::ForScene(size_t nNodes) {
-    m_comparisons.clear();
-    m_pScene = nullptr;
-    m_pScene = std::make_unique<CScene>(nNodes);
-    CScene& scene = *m_pScene;
-    scene.Frame(); // nodes take events once they have been evaluated
-    const auto add = [&](const std::string& strName, double fLimit, std::function<bool()> measured,
+std::vector<Comparison> MakeHostComparisons(size_t nNodes) {
+    const auto pScene = std::make_shared<CMeasuredScene>(nNodes);
+    pScene->Frame(); // nodes take events once they have been evaluated
+    std::vector<Comparison> comparisons;
+    const auto add = [&](const std::string& strName, size_t nOfThem, double fLimit, std::function<bool()> measured,
                          std::function<bool()> floor) {
-        m_comparisons.push_back({"Host/" + strName + "/" + std::to_string(nNodes), nNodes, fLimit, true,
-                                 std::move(measured), std::move(floor), std::numeric_limits<double>::infinity()});
+        comparisons.push_back({"Host/" + strName + "/" + std::to_string(nNodes), nOfThem, fLimit, true,
+                               std::move(measured), std::move(floor), std::numeric_limits<double>::infinity()});
     };
     add(
-        "Frame", nNodes > SMALL ? FRAME_LIMIT : SMALL_FRAME_LIMIT, [&] { return scene.Frame(); },
-        [&] { return scene.EvaluateNodes(); });
+        "Frame", nNodes, nNodes > SMALL ? FRAME_LIMIT : SMALL_FRAME_LIMIT, [pScene] { return pScene->Frame(); },
+        [pScene] { return pScene->EvaluateNodes(); });
     add(
-        "Key", EVENT_LIMIT, [&] { return scene.Key(); }, [&] { return scene.CallNodes(); });
-    struct SRow {
-        const char* pszName;
-        std::string strRequest;
-        std::function<bool()> nodes; ///< what the request has the nodes do
-    };
-    const SRow requests[] = {
-        {"Request event", R"({"op":"event","device":0,"event":2002,"payload":{"is":"key","text":"A"}})",
-         [&] { return scene.CallNodes(); }},
-        {"Request process", R"({"op":"process"})", [&] { return scene.EvaluateNodes(); }},
-        {"Request inspect", R"({"op":"inspect","node":"node 3"})", [] { return true; }},
-    };
-    for (const auto& [pszName, strRequest, nodes] : requests) {
+        "Key", nNodes, EVENT_LIMIT, [pScene] { return pScene->Key(); }, [pScene] { return pScene->CallNodes(); });
+    const auto addRequest = [&](const char* pszName, size_t nOfThem, double fLimit, const std::string& strRequest,
+                                std::function<bool()> nodes) {
         add(
-            pszName, REQUEST_LIMIT, [&scene, strRequest = strRequest] { return scene.Ask(strRequest); },
-            [&scene, strRequest = strRequest, nodes = nodes, reply = scene.ReplyOf(strRequest)] {
-                return nodes() && scene.ReadAndWrite(strRequest, reply);
-            });
-    }
-    m_comparisons.back().nNodes = 1; // inspected
-    return m_comparisons;
+            std::string("Request ") + pszName, nOfThem, fLimit, [=] { return pScene->Ask(strRequest); },
+            [=, reply = pScene->ReplyOf(strRequest)] { return nodes() && pScene->ReadAndWrite(strRequest, reply); });
+    };
+    addRequest("event", nNodes, EVENT_REQUEST_LIMIT,
+               R"({"op":"event","device":0,"event":2002,"payload":{"is":"key","text":"A"}})",
+               [pScene] { return pScene->CallNodes(); });
+    addRequest("process", nNodes, PROCESS_REQUEST_LIMIT, R"({"op":"process"})",
+               [pScene] { return pScene->EvaluateNodes(); });
+    addRequest("inspect", 1, INSPECT_REQUEST_LIMIT, R"({"op":"inspect","node":"node 3"})", [] { return true; });
+    return comparisons;
 }

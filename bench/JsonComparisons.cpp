@@ -1,10 +1,11 @@
-#include "JsonComparisons.h"
-
 #include <iterator>
+#include <memory>
 #include <stdexcept>
+#include <string>
 
 #include <benchmark/benchmark.h>
 
+#include "Comparison.h"
 #include "HostSetup.h"
 #include "host/EventRecord.h"
 #include "host/HostJson.h"
@@ -45,10 +46,8 @@ struct Pair {
 };
 constexpr Pair PAIRS[] = {{L"cmd", L"start"}, {L"state", L"running"}, {L"last", L"end"}};
 
-} // namespace
-
 /// One node and one text.
-class CJsonComparisons::CReceiver {
+class CReceiver {
 public:
     CReceiver(const CBenchHost& host, const std::string& strText, int nDeviceId, size_t nPairs)
         : m_clip(L"Clip"), m_node(host, GUID_IOPROCESS_DEVICE_JSON_RECEIVE, m_clip),
@@ -95,19 +94,21 @@ private:
     const utility::string_t m_libraryText;
 };
 
-CJsonComparisons::CJsonComparisons(const CBenchHost& host) {
+} // namespace
+
+std::vector<Comparison> MakeJsonComparisons(const CBenchHost& host) {
+    std::vector<Comparison> comparisons;
     const auto add = [&](const std::string& strName, const std::string& strText, size_t nPairs, double fLimit,
                          double fOwnAllocations) {
-        m_receivers.push_back(std::make_unique<CReceiver>(host, strText, 1, nPairs));
-        const CReceiver& receiver = *m_receivers.back();
-        m_comparisons.push_back({.strName = "DeviceJson/" + strName,
-                                 .nNodes = 1,
-                                 .fRatioLimit = fLimit,
-                                 .bMayAllocate = true,
-                                 .measured = [&receiver] { return receiver.Receive() == 1; },
-                                 .floor = [&receiver] { return receiver.Parse(); },
-                                 .fOwnAllocations = fOwnAllocations,
-                                 .fOwnLookUps = OWN_LOOK_UPS});
+        const auto pReceiver = std::make_shared<const CReceiver>(host, strText, 1, nPairs);
+        comparisons.push_back({.strName = "DeviceJson/" + strName,
+                               .nNodes = 1,
+                               .fRatioLimit = fLimit,
+                               .bMayAllocate = true,
+                               .measured = [pReceiver] { return pReceiver->Receive() == 1; },
+                               .floor = [pReceiver] { return pReceiver->Parse(); },
+                               .fOwnAllocations = fOwnAllocations,
+                               .fOwnLookUps = OWN_LOOK_UPS});
     };
     constexpr double ACCEPTING_ALLOCATIONS = 1; // the log line
     add("Short", StatusText(1), 0, SHORT_LIMIT, ACCEPTING_ALLOCATIONS);
@@ -116,16 +117,14 @@ CJsonComparisons::CJsonComparisons(const CBenchHost& host) {
     }
     for (size_t nPairs = 1; nPairs <= std::size(PAIRS); ++nPairs) {
         // The host splits the object, whose readings become one text.
-        add("Pairs/" + std::to_string(nPairs), StatusText(100), nPairs, CHECKED_LIMIT, 250);
+        add("Pairs/" + std::to_string(nPairs), StatusText(100), nPairs, CHECKED_LIMIT, 50);
     }
-    m_receivers.push_back(std::make_unique<CReceiver>(host, StatusText(100), 2, 0));
-    const CReceiver& other = *m_receivers.back();
-    m_comparisons.push_back({.strName = "DeviceJson/OtherDevice",
-                             .nNodes = 1,
-                             .fRatioLimit = OTHER_DEVICE_LIMIT,
-                             .bMayAllocate = false,
-                             .measured = [&other] { return other.Receive() == 0; },
-                             .floor = [&other] { return other.LookUpInputs(); }});
+    const auto pOther = std::make_shared<const CReceiver>(host, StatusText(100), 2, 0);
+    comparisons.push_back({.strName = "DeviceJson/OtherDevice",
+                           .nNodes = 1,
+                           .fRatioLimit = OTHER_DEVICE_LIMIT,
+                           .bMayAllocate = false,
+                           .measured = [pOther] { return pOther->Receive() == 0; },
+                           .floor = [pOther] { return pOther->LookUpInputs(); }});
+    return comparisons;
 }
-
-CJsonComparisons::~CJsonComparisons() = default;

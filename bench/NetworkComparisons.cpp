@@ -1,10 +1,7 @@
-#include "NetworkComparisons.h"
-
-#include <algorithm>
-#include <array>
 #include <chrono>
 #include <cstdio>
 #include <initializer_list>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -21,6 +18,7 @@
 #include <pugixml.hpp>
 
 #include "BroadcastDatagram.h"
+#include "Comparison.h"
 #include "DeviceList.h"
 #include "HostSetup.h"
 #include "host/EventRecord.h"
@@ -161,12 +159,10 @@ private:
     size_t m_nUnread = 0;
 };
 
-} // namespace
-
 // ---- A broadcast --------------------------------------------------------------------------------------------------
 
 /// The broadcast send node against a bare sendto of the same bytes.
-class CNetworkComparisons::CBroadcastSend {
+class CBroadcastSend {
 public:
     explicit CBroadcastSend(const CBenchHost& host)
         : m_clip(L"Clip"), m_node(host, GUID_IOPROCESS_BROADCAST_SEND, m_clip) {
@@ -209,7 +205,7 @@ private:
 // ---- A record -----------------------------------------------------------------------------------------------------
 
 /// The net parameter send node, with a device connected to the host, against writing the same bytes to a connection.
-class CNetworkComparisons::CRecordSend {
+class CRecordSend {
 public:
     explicit CRecordSend(const CBenchHost& host)
         : m_clip(L"Clip"), m_node(host, GUID_IOPROCESS_NET_PARAMETER_SEND, m_clip) {
@@ -283,7 +279,7 @@ private:
 // ---- A received broadcast -----------------------------------------------------------------------------------------
 
 /// Reading a datagram and handing it to a broadcast receive node, against parsing the same XML.
-class CNetworkComparisons::CBroadcastReceive {
+class CBroadcastReceive {
 public:
     explicit CBroadcastReceive(const CBenchHost& host)
         : m_clip(L"Clip"), m_node(host, GUID_IOPROCESS_BROADCAST_RECEIVE, m_clip) {
@@ -321,32 +317,29 @@ private:
     CPlacedNode m_node;
 };
 
-// ---- All of them --------------------------------------------------------------------------------------------------
+} // namespace
 
-CNetworkComparisons::CNetworkComparisons(const CBenchHost& host)
-    : m_pRecordSend(std::make_unique<CRecordSend>(host)),
-      m_pBroadcastReceive(std::make_unique<CBroadcastReceive>(host)) {
-    const auto add = [this](const char* pszName, double fRatioLimit, double fOwnAllocations, double fOwnLookUps,
-                            auto& pair) {
-        m_comparisons.push_back({.strName = pszName,
-                                 .nNodes = 1,
-                                 .fRatioLimit = fRatioLimit,
-                                 .bMayAllocate = true,
-                                 .measured = [&pair] { return pair.Measured(); },
-                                 .floor = [&pair] { return pair.Floor(); },
-                                 .fOwnAllocations = fOwnAllocations,
-                                 .fOwnLookUps = fOwnLookUps});
+std::vector<Comparison> MakeNetworkComparisons(const CBenchHost& host) {
+    std::vector<Comparison> comparisons;
+    const auto add = [&](const char* pszName, double fRatioLimit, double fOwnAllocations, double fOwnLookUps,
+                         const auto& pPair) {
+        comparisons.push_back({.strName = pszName,
+                               .nNodes = 1,
+                               .fRatioLimit = fRatioLimit,
+                               .bMayAllocate = true,
+                               .measured = [pPair] { return pPair->Measured(); },
+                               .floor = [pPair] { return pPair->Floor(); },
+                               .fOwnAllocations = fOwnAllocations,
+                               .fOwnLookUps = fOwnLookUps});
     };
     if (IsAlone()) {
-        m_pBroadcastSend = std::make_unique<CBroadcastSend>(host);
-        add("BroadcastSend/Send", BROADCAST_SEND_LIMIT, 1, 5, *m_pBroadcastSend);
+        add("BroadcastSend/Send", BROADCAST_SEND_LIMIT, 1, 5, std::make_shared<CBroadcastSend>(host));
     } else {
         std::printf(
             "BroadcastSend/Send: not measured, since this machine's network would hear it; bench/run measures it "
             "in a network of its own where it may make one\n");
     }
-    add("NetParameterSend/Send", RECORD_SEND_LIMIT, 10, 11, *m_pRecordSend);
-    add("BroadcastReceive/Receive", BROADCAST_RECEIVE_LIMIT, 5, 2, *m_pBroadcastReceive);
+    add("NetParameterSend/Send", RECORD_SEND_LIMIT, 10, 11, std::make_shared<CRecordSend>(host));
+    add("BroadcastReceive/Receive", BROADCAST_RECEIVE_LIMIT, 5, 2, std::make_shared<CBroadcastReceive>(host));
+    return comparisons;
 }
-
-CNetworkComparisons::~CNetworkComparisons() = default;

@@ -1,70 +1,80 @@
-#include "OscComparison.h"
-
 #include <array>
+#include <memory>
 #include <stdexcept>
 
 #include <lo/lo.h>
 
+#include "Comparison.h"
 #include "host/NodeTypeGuid.h"
 
 namespace {
 
 constexpr double LIMIT = 1.3; // set from what was measured (docs/benchmarks.md)
-constexpr int KEY_DOWN = 152;
+constexpr int OUTPUT_KEY_DOWN = 152;
+constexpr int KEY_DOWN = 2002;
 
-} // namespace
-
-struct COscComparison::SSides {
-    explicit SSides(const CBenchHost& benchHost)
-        : host(benchHost), clip(MEASURED_CLIP), placed(host, GUID_IOPROCESS_KEYBOARD, clip),
-          server(lo_server_new(nullptr, nullptr)) {
-        if (server == nullptr) {
+class CSides {
+public:
+    explicit CSides(CBenchHost& host)
+        : m_host(host), m_clip(MEASURED_CLIP), m_placed(host, GUID_IOPROCESS_KEYBOARD, m_clip),
+          m_server(lo_server_new(nullptr, nullptr)) {
+        if (m_server == nullptr) {
             throw std::runtime_error("no server of OSC messages can be made");
         }
-        lo_server_add_method(server, "/Keyboard/KeyDown", "sssi", &SSides::OnMessage, &nDispatched);
+        lo_server_add_method(m_server, "/Keyboard/KeyDown", "sssi", &CSides::OnMessage, &m_nDispatched);
+        m_placed.m_pNode->ProcessNode(&m_placed.m_graphNode);
+        m_host.TakeLogLines(false);
     }
 
-    ~SSides() { lo_server_free(server); }
+    ~CSides() {
+        m_host.TakeLogLines(true);
+        lo_server_free(m_server);
+    }
 
-    SSides(const SSides&) = delete;
-    SSides& operator=(const SSides&) = delete;
+    CSides(const CSides&) = delete;
+    CSides& operator=(const CSides&) = delete;
 
     bool FireEvent() const {
-        PostGeneralEvent(*placed.m_pNode, placed.m_pNode->m_pOwnerClip, nullptr, KEY_DOWN);
-        return host.ReceiveEvents() == 1;
+        m_placed.m_pNode->DevIOEventOccurred(&m_record);
+        return m_host.ReceiveEvents() == 1;
     }
 
     bool DispatchMessage() {
-        nDispatched = 0;
+        m_nDispatched = 0;
         lo_message message = lo_message_new();
-        lo_message_add(message, "sssi", "Clip", "Keyboard 1", "Keyboard", KEY_DOWN);
+        lo_message_add(message, "sssi", "Clip", "Keyboard 1", "Keyboard", OUTPUT_KEY_DOWN);
         std::array<char, 256> bytes;
         size_t nBytes = bytes.size();
         lo_message_serialise(message, "/Keyboard/KeyDown", bytes.data(), &nBytes);
-        lo_server_dispatch_data(server, bytes.data(), nBytes);
+        lo_server_dispatch_data(m_server, bytes.data(), nBytes);
         lo_message_free(message);
-        return nDispatched == 1;
+        return m_nDispatched == 1;
     }
 
+private:
     static int OnMessage(const char* /*path*/, const char* /*types*/, lo_arg** /*arguments*/, int /*count*/,
                          lo_message /*message*/, void* pDispatched) {
         ++*static_cast<int*>(pDispatched);
         return 0;
     }
 
-    const CBenchHost& host;
-    VEKClip clip;
-    CPlacedNode placed;
-    lo_server server;
-    int nDispatched = 0;
+    CBenchHost& m_host;
+    VEKClip m_clip;
+    CPlacedNode m_placed;
+    SKeyEventData m_key;
+    const SIOEventRecord m_record{DEVICE_KEYBOARD, KEY_DOWN, &m_key};
+    lo_server m_server;
+    int m_nDispatched = 0;
 };
 
-COscComparison::COscComparison(const CBenchHost& host)
-    : m_pSides(std::make_unique<SSides>(host)), m_comparison{.strName = "Event/OpenSoundControl",
-                                                             .nNodes = 1,
-                                                             .fRatioLimit = LIMIT,
-                                                             .bMayAllocate = true,
-                                                             .measured = [this] { return m_pSides->FireEvent(); },
-                                                             .floor = [this] { return m_pSides->DispatchMessage(); }} {}
+} // namespace
 
-COscComparison::~COscComparison() = default;
+std::vector<Comparison> MakeOscComparison(CBenchHost& host) {
+    const auto pSides = std::make_shared<CSides>(host);
+    return {{.strName = "Event/OpenSoundControl",
+             .nNodes = 1,
+             .fRatioLimit = LIMIT,
+             .bMayAllocate = true,
+             .measured = [pSides] { return pSides->FireEvent(); },
+             .floor = [pSides] { return pSides->DispatchMessage(); }}};
+}

@@ -48,6 +48,9 @@ public:
     /// then they're dropped.
     void PostReportedEvents() { SetRenderSink(this); }
 
+    /// Take log lines, as at first, or have them not even made.
+    void TakeLogLines(bool bTake) { SetLogSink(bTake ? this : nullptr); }
+
     /// Keep log lines in the text, or drop them for null, which is how measuring begins. The text isn't owned.
     void KeepLog(CString* pText) { m_pLogText = pText; }
 

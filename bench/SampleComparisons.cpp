@@ -1,4 +1,4 @@
-#include "SampleComparisons.h"
+#include "Comparison.h"
 
 #include <algorithm>
 #include <array>

@@ -3,6 +3,7 @@
 #include "text.h"
 
 #include <algorithm>
+#include <atomic>
 #include <deque>
 #include <map>
 #include <mutex>
@@ -27,6 +28,7 @@ struct SWindowSystem {
     std::map<HWND, SWindow> windows;
     std::uintptr_t nNextHandle = 0x10010;
     std::deque<MSG> queue;
+    std::atomic<std::size_t> nQueued = 0; // messages in it: programs often look when there are none
 
     SWindow* Find(HWND hWnd) {
         const auto found = windows.find(hWnd);
@@ -80,7 +82,7 @@ BOOL WINAPI DestroyWindow(HWND hWnd) {
     const std::lock_guard lock(system.mutex);
     if (system.windows.erase(hWnd) == 0)
         return FALSE;
-    std::erase_if(system.queue, [hWnd](const MSG& message) { return message.hwnd == hWnd; });
+    system.nQueued -= std::erase_if(system.queue, [hWnd](const MSG& message) { return message.hwnd == hWnd; });
     return TRUE;
 }
 
@@ -124,11 +126,14 @@ BOOL WINAPI PostMessageW(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam)
     if (hWnd != nullptr && system.Find(hWnd) == nullptr)
         return FALSE;
     system.queue.push_back({hWnd, nMessage, wParam, lParam});
+    ++system.nQueued;
     return TRUE;
 }
 
 BOOL WINAPI PeekMessageW(MSG* pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax, UINT) {
     SWindowSystem& system = System();
+    if (system.nQueued == 0)
+        return FALSE;
     const std::lock_guard lock(system.mutex);
     const auto found = std::find_if(system.queue.begin(), system.queue.end(), [&](const MSG& message) {
         const bool bAll = nFilterMin == 0 && nFilterMax == 0;
@@ -139,6 +144,7 @@ BOOL WINAPI PeekMessageW(MSG* pMsg, HWND hWnd, UINT nFilterMin, UINT nFilterMax,
         return FALSE;
     *pMsg = *found;
     system.queue.erase(found);
+    --system.nQueued;
     return TRUE;
 }
 
