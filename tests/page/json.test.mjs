@@ -102,29 +102,35 @@ test("another page's texts show here too, and a page that comes later knows the 
 });
 
 test("a node may have any handle", async () => {
-  for (const handle of ["constructor", "__proto__", "toString", "a b", ".#\""]) {
+  const handles = ["constructor", "__proto__", "toString", "a b", ".#\""].map((handle) => [handle, JSON.stringify(handle)]);
+  const card = (quoted) => page.page.locator(`article[data-node=${quoted}]`);
+  for (const [handle, quoted] of handles) {
     await createNode(script, handle, Type.deviceJson, `Node ${handle}`);
-    const card = page.page.locator(`article[data-node=${JSON.stringify(handle)}]`);
-    await card.waitFor();
-    assert.equal(await card.locator("[data-verdict]").count(), 0, "before the first text");
-    await sendAsDevice(1, JSON.stringify([handle]));
-    await card.locator("[data-verdict=taken]").waitFor();
-    await page.shows([JSON.stringify(handle).slice(1, -1), DEVICE_TEXT[1]], JSON.stringify([handle]));
-    await page.fires([JSON.stringify(handle).slice(1, -1), DEVICE_EVENT[1]], 1);
+    await card(quoted).scrollIntoViewIfNeeded(); // what is out of sight has its name alone
+    await card(quoted).locator(`[data-output="${DEVICE_TEXT[1]}"]`).waitFor();
+  }
+  assert.equal(await page.page.locator("[data-verdict]").count(), 0, "before the first text");
+  await sendAsDevice(1, "[1]");
+  for (const [, quoted] of handles) {
+    await card(quoted).locator("[data-verdict=taken]").waitFor();
+    await page.shows([quoted.slice(1, -1), DEVICE_TEXT[1]], "[1]");
+    await page.fires([quoted.slice(1, -1), DEVICE_EVENT[1]], 1);
+  }
+  for (const [handle, quoted] of handles) {
     await must(script, { op: "destroy", node: handle });
-    await card.waitFor({ state: "detached" });
+    await card(quoted).waitFor({ state: "detached" });
   }
 });
 
 test("long texts are shown cut, and say how long they are", async () => {
-  const viewer = await is.openPage(browser, host, { panel: "log" });
+  await page.page.locator("[data-tab=log]").click();
   for (const text of ["\u0001".repeat(LONGEST_TEXT), "<".repeat(5000)]) {
     await post("/object-text?clip=Demo&object=Map", text);
     const key = text.slice(0, 100_000); // a request has to fit into a message
     await must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: key } });
-    const late = await is.openPage(browser, host, { panel: "log" });
+    const late = await is.openPage(browser, host);
     const whole = `${text.length.toLocaleString("en")} characters`;
-    for (const view of [viewer, late]) {
+    for (const view of [page, late]) {
       const output = view.page.locator(`[data-node=o][data-output="${OBJECT_TEXT[1]}"]`);
       await output.locator(`[title^="${whole}"]`).waitFor();
       assert.ok((await output.getAttribute("data-value")).length < 2000);
@@ -132,7 +138,7 @@ test("long texts are shown cut, and say how long they are", async () => {
       const verdict = view.page.locator("article[data-node=o] [data-verdict=taken]");
       await until("the verdict's length", async () => (await verdict.getAttribute("title")).endsWith(`… (${whole})`));
     }
-    const line = viewer.page.locator("[data-log] .line-text", { hasText: text.slice(0, 500) }).last();
+    const line = page.page.locator("[data-log] .line-text", { hasText: text.slice(0, 500) }).last();
     const title = await line.locator("[title]").getAttribute("title");
     assert.ok(Number(/^[\d,]+/.exec(title)[0].replaceAll(",", "")) > key.length, title);
     assert.ok((await line.textContent()).length < 2000);
