@@ -2,8 +2,8 @@
 import assert from "node:assert/strict";
 import { once } from "node:events";
 import http from "node:http";
-import { openTab } from "./support/page.mjs";
-import { browser, host, page, script, useScene } from "./support/scene.mjs";
+import { openPage, openTab } from "./support/page.mjs";
+import { browser, host, script, useHost } from "./support/scene.mjs";
 import { createNode, must, postedIn, Type } from "./support/session.mjs";
 import { after, before, test } from "./support/test.mjs";
 
@@ -23,13 +23,11 @@ before(async () => {
 });
 after(() => server.close());
 
-useScene({
+useHost({
   async prepare() {
     await createNode(script, "o", Type.objectJson, "Object text");
     await must(script, { op: "set", node: "o", param: 1202, string: "Demo" });
     await must(script, { op: "set", node: "o", param: 1203, string: "Map" });
-  },
-  async look() {
     foreign = await openTab(browser);
     await foreign.goto(`http://127.0.0.1:${server.address().port}/`);
   },
@@ -62,8 +60,9 @@ const post = { method: "POST", body: TEXT };
 const OBJECT = "/object-text?clip=Demo&object=Map";
 
 test("the host's own page opens the session and posts a text", async () => {
-  assert.equal(await openSocket(page.page), "open");
-  assert.equal(await fetchFrom(page.page, OBJECT, post), 200);
+  const { page } = await openPage(browser, host);
+  assert.equal(await openSocket(page), "open");
+  assert.equal(await fetchFrom(page, OBJECT, post), 200);
   await must(script, { op: "scene" });
   assert.deepEqual(postedIn(script.pushes), [TAKEN]);
 });

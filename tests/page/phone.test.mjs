@@ -1,11 +1,12 @@
 // The page on a phone: the scene is watched and operated by touch, and nothing of it is changed.
 import assert from "node:assert/strict";
+import { opened } from "./support/opened.mjs";
 import * as is from "./support/page.mjs";
-import { browser, host, script, useScene } from "./support/scene.mjs";
+import { browser, host, script, useHost } from "./support/scene.mjs";
 import { createNode, expectEventually, must, Type, until } from "./support/session.mjs";
-import { afterEach, beforeEach, test } from "./support/test.mjs";
+import { beforeEach, test } from "./support/test.mjs";
 
-useScene({
+useHost({
   prepare: async () => {
     await createNode(script, "g", Type.gesture, "Touch gesture 1");
     await createNode(script, "t", Type.textField, "Text field 1");
@@ -13,19 +14,18 @@ useScene({
   },
 });
 
-let context;
 let phone;
 let sent;
 
 beforeEach(async () => {
-  context = await browser.newContext({ viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true });
+  const context = await browser.newContext({ viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true });
+  opened.push(() => context.close());
   phone = await context.newPage();
   sent = [];
   phone.on("websocket", (socket) => socket.on("framesent", ({ payload }) => sent.push(JSON.parse(payload).op)));
   await phone.goto(host.page);
   await phone.locator("article[data-node=g]").waitFor();
 });
-afterEach(() => context.close());
 
 const openTab = async (name) => {
   await phone.locator(`[data-tab=${name}]`).tap();

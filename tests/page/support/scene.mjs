@@ -16,15 +16,22 @@ export let page;
  * are the host's options; `prepare` adds to the scene before the page opens with `panel` in front, and `look` waits for what
  * it added.
  */
-export function useScene({ space, panel, scripts, start = () => {}, prepare = () => {}, look = () => {} } = {}) {
+export function useScene({ panel, scripts, look = () => {}, ...options } = {}) {
+  useHost(options);
+  beforeEach(async () => {
+    page = await openPage(browser, host, { panel, scripts });
+    await look();
+  });
+}
+
+/** The same without the page, for tests that open what they look at. */
+export function useHost({ space, start = () => {}, prepare = () => {} } = {}) {
   before(async () => {
     browser = await startBrowser({ space });
   });
   beforeEach(async () => {
     await startScene(await start());
     await prepare();
-    page = await openPage(browser, host, { panel, scripts });
-    await look();
   });
 }
 
