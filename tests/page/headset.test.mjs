@@ -2,16 +2,17 @@
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { createRequire } from "node:module";
-import { openHands, useHands } from "./support/hands.mjs";
+import { createHand, openHands } from "./support/hands.mjs";
 import * as is from "./support/page.mjs";
-import { page } from "./support/scene.mjs";
+import { page, useScene } from "./support/scene.mjs";
 import { until } from "./support/session.mjs";
 import { test } from "./support/test.mjs";
 
 // A WebXR runtime without a headset, with controllers that a script moves.
 const HEADSET = readFileSync(createRequire(import.meta.url).resolve("iwer/build/iwer.min.js"), "utf8");
 
-useHands({ space: true });
+// This page shows what comes of it; another has the headset.
+useScene({ space: true, prepare: createHand });
 
 const number = async (output) => Number(await page.value(output));
 

@@ -1,6 +1,6 @@
 // What stands around the graph: the node cards, the log, the size of the panels, the state of the connection.
 import assert from "node:assert/strict";
-import { canvasOf } from "./support/canvas.mjs";
+import { canvasOf, drawn } from "./support/canvas.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, startScene, useScene } from "./support/scene.mjs";
 import { expectEventually, until } from "./support/session.mjs";
@@ -86,13 +86,13 @@ test("a paused log stands still and goes on with what came meanwhile; clearing e
 test("ten thousand lines are kept and searched, and those near what is seen are drawn", async () => {
   const view = await openWithLog(browser, LOG_LIMIT);
   await view.shows(LOG_LIMIT);
-  const drawn = () => view.page.locator("[data-line]").count();
+  const linesDrawn = () => view.page.locator("[data-line]").count();
   const isSeen = (number) => view.page.locator(`[data-line="${number}"]`).evaluate((line) => {
     const [box, list] = [line.getBoundingClientRect(), line.closest("[data-log]").getBoundingClientRect()];
     return box.top >= list.top - 1 && box.bottom <= list.bottom + 1;
   });
   assert.ok(await isSeen(LOG_LIMIT));
-  assert.ok((await drawn()) < 200);
+  assert.ok((await linesDrawn()) < 200);
   await view.log([line(LOG_LIMIT + 1), line(LOG_LIMIT + 2)]);
   await until("the newest line", () => isSeen(LOG_LIMIT + 2));
   await view.shows(LOG_LIMIT);
@@ -112,6 +112,7 @@ test("ten thousand lines are kept and searched, and those near what is seen are 
     return Number(document.elementFromPoint(left + 20, top + height / 2)?.closest("[data-line]")?.getAttribute("data-line"));
   });
   await until("lines about the middle", async () => Math.abs((await middle()) - LOG_LIMIT / 2) < 500);
+  await view.page.evaluate(drawn);
   const [before, place] = [await middle(), await list.evaluate((log) => log.scrollTop)];
   await view.log([line(LOG_LIMIT + 3)]);
   await view.page.getByRole("button", { name: "Go on (1 new)" }).waitFor();
@@ -122,7 +123,7 @@ test("ten thousand lines are kept and searched, and those near what is seen are 
     await until("lines further up", async () => (await middle()) < seen && (await middle()) > seen - 40);
     seen = await middle();
   }
-  assert.ok((await drawn()) < 200);
+  assert.ok((await linesDrawn()) < 200);
   await view.page.getByRole("button", { name: "Go on (1 new)" }).click();
   await until("the newest line", () => isSeen(LOG_LIMIT + 3));
   await list.evaluate((log) => (log.scrollTop = -log.scrollHeight));
@@ -249,9 +250,11 @@ test("a page without its host says so, comes back with it, and releases nothing 
 test("a host that stalls is told, and so is that it goes on", async () => {
   const age = page.page.locator("[data-frame-age]");
   const isFresh = async () => /^last frame < [12] s ago$/.test(await age.innerText());
+  await page.page.clock.install();
   await until("a fresh frame", isFresh);
   process.kill(host.pid, "SIGSTOP");
   try {
+    await page.page.clock.fastForward(5000);
     await page.page.locator("[data-connection=stalled]").waitFor();
     assert.match(await page.page.getByRole("alert").innerText(), /stalled/);
     await until("a growing age", async () => Number(/\d+/.exec(await age.innerText())[0]) > 4);

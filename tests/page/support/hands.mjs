@@ -6,18 +6,21 @@ import { createNode, must, Type } from "./session.mjs";
 
 const NO_DRAWING = () => (HTMLCanvasElement.prototype.getContext = () => null);
 
-/** A VR node "v" that takes the right hand and moves the object "Lamp". Drawing in `space` takes long here. */
+/** A VR node "v" that takes the right hand and moves the object "Lamp". */
+export async function createHand() {
+  await createNode(script, "v", Type.vrHandle, "VR hand 1");
+  await must(script, { op: "object", clip: "Demo", name: "Lamp" });
+  await must(script, { op: "set", node: "v", param: 802, string: "Lamp" });
+  await must(script, { op: "set", node: "v", param: 803, choice: 1 });
+}
+
+/** A page with the panel, and what it moves. Drawing in `space` takes long here. */
 export function useHands({ space = false } = {}) {
   useScene({
     space,
     panel: "hands",
     scripts: space ? [] : [NO_DRAWING],
-    async prepare() {
-      await createNode(script, "v", Type.vrHandle, "VR hand 1");
-      await must(script, { op: "object", clip: "Demo", name: "Lamp" });
-      await must(script, { op: "set", node: "v", param: 802, string: "Lamp" });
-      await must(script, { op: "set", node: "v", param: 803, choice: 1 });
-    },
+    prepare: createHand,
     async look() {
       await look(page);
       // What is drawn, or why nothing is, has its place then.
