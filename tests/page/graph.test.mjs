@@ -23,7 +23,7 @@ useScene({
 
 let canvas;
 
-test("a page that opens later shows the same counts, and when they are reset all pages count anew", async () => {
+test("a page that opens later shows the same counts and lines, and when counts are reset all pages count anew", async () => {
   const press = () => must(script, { op: "event", device: 0, event: 2002, payload: { is: "key", text: "F5" } });
   await press();
   await press();
@@ -31,6 +31,8 @@ test("a page that opens later shows the same counts, and when they are reset all
   await until("the key's name", async () => (await canvas.face("k").innerText()).includes("F5"));
   const other = await is.openPage(browser, host);
   await other.fires(is.KEY_DOWN, 2);
+  await other.page.locator('[data-face="k"]').getByText("fired 2 · received 2").waitFor();
+  await expectEventually("lines of the log", () => other.page.locator("[data-log] .line-text", { hasText: "F5" }).count(), 2);
   await expectEventually("the count", () => other.page.locator('[data-face="k"] [data-face-count="2"]').count(), 1);
   await other.page.locator(".react-flow__edge").focus();
   await other.keyboard.press("Enter");
@@ -159,7 +161,7 @@ test("another scene whose nodes have the same handles begins anew: counts, what 
   const left = async (node) => (await canvas.face(node).boundingBox()).x;
   assert.ok((await left("m")) < (await left("t")), "arranged anew");
   assert.equal(await canvas.chosen().count(), 0);
-  assert.equal(await canvas.face("k").locator('[data-face-count="0"]').count(), 2);
+  await expectEventually("counts of nothing", () => canvas.face("k").locator('[data-face-count="0"]').count(), 2);
   assert.equal(await page.page.locator("article[data-node]").count(), 3);
   assert.notEqual(await at(), before);
 });
