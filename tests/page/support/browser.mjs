@@ -1,5 +1,6 @@
 // A real browser without a window.
 import { chromium } from "playwright-core";
+import { LONGEST_WAIT_MS } from "./host.mjs";
 import { opened } from "./opened.mjs";
 
 // Drawing in space by the processor alone takes a lot of it, also for the rest of the page.
@@ -20,6 +21,7 @@ export async function startBrowser({ space = false } = {}) {
     ],
   });
   opened.push(() => browser.close());
-  await browser.newContext({ viewport: space ? { width: 1024, height: 560 } : { width: 1280, height: 800 } });
+  const window = await browser.newContext({ viewport: space ? { width: 1024, height: 560 } : { width: 1280, height: 800 } });
+  window.setDefaultTimeout(LONGEST_WAIT_MS);
   return browser;
 }

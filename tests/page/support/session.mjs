@@ -24,9 +24,10 @@ export async function openSession(address, options = {}) {
     if (message.push) {
       pushes.push(message);
     } else {
-      waiting.shift()?.(message);
+      waiting.shift()?.resolve(message);
     }
   });
+  socket.on("close", () => waiting.splice(0).forEach(({ reject }) => reject(new Error("The host closed the connection."))));
   const close = async () => {
     if (socket.readyState !== WebSocket.CLOSED) {
       const closed = once(socket, "close");
@@ -43,7 +44,7 @@ export async function openSession(address, options = {}) {
     pushes,
     request(request) {
       socket.send(typeof request === "string" ? request : JSON.stringify(request));
-      return new Promise((resolve) => waiting.push(resolve));
+      return new Promise((resolve, reject) => waiting.push({ resolve, reject }));
     },
     close,
   };
