@@ -46,6 +46,7 @@ useScene({
     await send({ op: "event", device: 5, event: 0, payload: { is: "device_text", device: 1, text: "no JSON" } });
     await script.request({ op: "event", node: "m", record: null });
   },
+  look: () => page.page.locator("[data-face]").first().waitFor(),
 });
 
 /** What breaks a rule, told by rule and element. */
@@ -167,6 +168,7 @@ test("no rule is broken by what an ended host left, nor by a question about it",
   const next = await startHost({ port: await endedPort(port), options });
   const view = await is.openTab(browser);
   await view.goto(next.page);
+  await view.locator("[data-empty-scene]").waitFor();
   await view.evaluate(AXE);
   await view.locator("[data-recovered]").getByRole("button", { name: "Throw them away" }).click();
   await view.getByRole("alertdialog").waitFor();

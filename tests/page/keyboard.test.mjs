@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import * as is from "./support/page.mjs";
 import { page, script, useScene } from "./support/scene.mjs";
-import { createNode, must, timesFired, Type, until } from "./support/session.mjs";
+import { createNode, expectEventually, must, timesFired, Type, until } from "./support/session.mjs";
 import { test } from "./support/test.mjs";
 
 useScene({
@@ -85,7 +85,7 @@ test("a key that is held repeats, and stops when the finger lifts elsewhere", as
   const text = await typed();
   await page.page.clock.runFor(500);
   await type("b");
-  assert.equal(await typed(), `${text}b`);
+  await expectEventually("what is typed", typed, `${text}b`);
 });
 
 test("Clear empties the text; what is typed is no step of the scene", async () => {

@@ -87,6 +87,7 @@ test("names of types, pins and choices follow the switch, whichever the host's a
   const hands = () => view.page.locator('article[data-node=v] select[data-param="803"] option').allTextContents();
   const type = view.page.locator("article[data-node=k] header");
   await view.page.locator("article[data-node=v] select").waitFor();
+  await view.page.locator("[data-face=k]").waitFor(); // the palette comes with the canvas
   for (const [language, pressed, key, keyboard, left] of [["EN", "Pressed", "Key 1", "Keyboard · Demo", "Left hand"], ["中文", "按下", "键1", "键盘 · Demo", "左手柄"]]) {
     await view.page.getByRole("button", { name: language, exact: true }).click();
     await until(`names of pins, ${language}`, async () => (await pins("k")).includes(pressed) && (await pins("j")).includes(key));

@@ -17,8 +17,10 @@ async function freePlace() {
 test("a wire that is dropped on the canvas adds a node that it fits, wired", async () => {
   await canvas.drag(await canvas.middleOf(canvas.pin("t", is.TEXT[1])), await freePlace());
   await page.page.locator("[data-palette]").waitFor();
+  const fitting = page.page.locator('[data-entry="String data send"]');
+  await fitting.waitFor();
   assert.equal(await page.page.locator("[data-entry=Mouse]").count(), 0, "a mouse takes no text");
-  await page.page.locator('[data-entry="String data send"]').click();
+  await fitting.click();
   await until("the link", async () => (await canvas.links()).length === 2);
   const [, link] = await canvas.links();
   const { nodes } = await canvas.scene();
@@ -97,6 +99,7 @@ test("a number is wired to a whole number, and the wire says that it's rounded",
 
 test("an event input takes wires of several events without asking", async () => {
   await canvas.pin("k", is.KEY_DOWN[1]).dragTo(canvas.pin("t", APPEND_INPUT));
+  await expectEventually("wires", () => canvas.wires().count(), 2);
   await canvas.pin("m", is.LEFT_DOWN[1]).dragTo(canvas.pin("t", APPEND_INPUT));
   await expectEventually("wires", () => canvas.wires().count(), 3);
 });
