@@ -150,7 +150,6 @@ test("one button lets go of everything, whoever holds it, and the pages forget i
   await page.touch.down([[1, 100, 100]]);
   await page.held("key x").waitFor();
   await page.held(`left button of pointer ${page.pointer(1)}`).waitFor();
-  const posted = script.pushes.length;
   await page.page.getByRole("button", { name: "Release all" }).click();
   await page.held("key x").waitFor({ state: "detached" });
   await page.held(`left button of pointer ${page.pointer(1)}`).waitFor({ state: "detached" });
@@ -165,5 +164,4 @@ test("one button lets go of everything, whoever holds it, and the pages forget i
   await other.keyboard.press("y");
   await page.fires(is.KEY_UP, 2);
   assert.equal(await page.count(is.KEY_DOWN), 2);
-  assert.ok(script.pushes.length > posted);
 });

@@ -67,8 +67,11 @@ test("nodes out of sight have their names and wires alone", async () => {
   await canvas.choosePalette("Node 187");
   await page.locator("[data-face=n187] .pin-event").first().waitFor();
   await expectEventually("faces close by", async () => (await faces.count()) < 30, true);
-  const scripts = await page.evaluate(() => performance.getEntriesByType("resource").map(({ name }) => name));
-  assert.deepEqual(scripts.filter((name) => /Keyboard|Hands/.test(name)), [], "panels that nobody opened");
+  const loaded = () => page.evaluate(() => performance.getEntriesByType("resource").map(({ name }) => name));
+  const panels = async () => (await loaded()).filter((name) => /Keyboard|Hands/.test(name));
+  assert.deepEqual(await panels(), [], "panels that nobody opened");
+  await page.locator("[data-tab=keyboard]").click();
+  await until("the script of one that is opened", async () => (await panels()).length > 0);
 });
 
 /** How often a face is drawn meanwhile: the innermost function of each script that makes one is run. */
