@@ -74,6 +74,8 @@ class Host:
     def __init__(self, display, folder, name, place, extra_environment=None, started_by=()):
         self.display = display
         self.recording = folder / f"{name}.jsonl"
+        self.bytes_read = 0
+        self.lines_read = []
         scene_file = folder / f"{name}.json"
         scene_file.write_text(json.dumps(scene()), encoding="utf-8")
         windows_before = self.windows()
@@ -96,10 +98,13 @@ class Host:
 
     def lines(self):
         """What was recorded, without what is still being written."""
-        if not self.recording.exists():
-            return []
-        text = self.recording.read_text(encoding="utf-8")
-        return [json.loads(line) for line in text[:text.rfind("\n") + 1].splitlines()]
+        if self.recording.exists():
+            with open(self.recording, "rb") as file:
+                file.seek(self.bytes_read)
+                *whole, _ = file.read().split(b"\n")
+            self.bytes_read += sum(len(line) + 1 for line in whole)
+            self.lines_read += [json.loads(line) for line in whole]
+        return list(self.lines_read)
 
     def activate(self):
         """Give it the keyboard, by a click and what a window manager, which isn't there, does then."""
@@ -249,7 +254,8 @@ class WindowInput(unittest.TestCase):
         self.host.move(100, 50)
         self.wait_for_output("370", lambda x: x == 100, "the pointer is over the window")  # else the system joins both
         self.host.move(250, 300)
-        until(lambda: HOVER in [event for event, _, _ in events_in(self.lines(), POINTER)], "the pointer rests")
+        self.wait_for_output("370", lambda x: x == 250, "the pointer has moved")
+        until(lambda: events_in(self.lines(), POINTER)[-1][0] == HOVER, "the pointer rests there")
         self.display.do("mousemove", *NOWHERE)
         until(lambda: self.pointer_is_outside(self.lines()), "the pointer leaves")
         lines = self.lines()
