@@ -27,19 +27,28 @@ test("a node that is dragged stays where it was put, on every page, and goes bac
   await until("the place on the canvas", async () => /translate\(0px, ?200px\)/.test(await position(other)));
 });
 
-test("what was moved stays where it was put when the drag breaks off or the key's end goes elsewhere", async () => {
+test("what was moved stays where it was put when the drag breaks off or the key's end goes elsewhere, and the view stands still", async () => {
+  const view = () => page.page.locator(".react-flow__viewport").getAttribute("style");
+  const before = await view();
   await canvas.choose("k", "m");
   const from = await canvas.middleOf(canvas.face("k").locator("header strong"));
+  const { x, width } = await canvas.pane().boundingBox();
+  const edge = x + width - 10;
   await page.mouse.move(from.x, from.y);
   await page.mouse.down();
   await page.page.locator(".log-search").focus();
-  await page.mouse.move(from.x + 60, from.y + 30, { steps: 4 });
+  await page.mouse.move(edge, from.y + 30, { steps: 8 });
+  await until("a view that follows", async () => (await view()) !== before);
   await must(script, { op: "destroy", node: "k" });
   await canvas.face("k").waitFor({ state: "detached" });
-  await page.mouse.move(from.x + 70, from.y + 30);
+  await page.mouse.move(edge - 1, from.y + 30);
   await page.mouse.up();
   await stepIs("Move Mouse 1");
   assert.ok((await placeOf("m")).x > 0);
+  const after = await view();
+  await page.page.evaluate(drawn);
+  assert.equal(await view(), after);
+  await page.page.locator(".react-flow__controls-fitview").click();
   await canvas.choose("t");
   await page.keyboard.down("ArrowDown");
   await page.page.locator(".log-search").focus();

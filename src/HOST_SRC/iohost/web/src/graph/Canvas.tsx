@@ -125,6 +125,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   // Where nodes and notes were moved to, until that is asked for.
   const moved = useRef(new Map<string, XYPosition>());
   const isDragging = useRef(false);
+  const beginDrag = useConstant(() => void (isDragging.current = true));
   const place = useConstant(() => {
     const all = faces.flatMap((face) => (moved.current.has(face.id) ? { ...face, position: moved.current.get(face.id)! } : []));
     moved.current.clear();
@@ -136,7 +137,9 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       void editor.place(Object.fromEntries(movedNodes), Object.fromEntries(movedNotes));
     }
   });
-  const follow = useConstant((changes: NodeChange<CanvasNode>[]) => {
+  const follow = useConstant((told: NodeChange<CanvasNode>[]) => {
+    // After a drag that broke off at the edge the library drags and pans on until it hears that it's not to.
+    const changes = told.filter((change) => isDragging.current || change.type !== "position" || change.dragging !== true);
     let isDropped = false;
     for (const change of changes) {
       if (change.type === "select") {
@@ -145,7 +148,6 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       // A note that is sized by its upper or left edge moves, too, and keeps that by itself.
       if (change.type === "position" && change.position !== undefined && change.dragging !== undefined) {
         moved.current.set(change.id, change.position);
-        isDragging.current ||= change.dragging;
         isDropped ||= isDragging.current && !change.dragging;
       }
     }
@@ -229,6 +231,8 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
           multiSelectionKeyCode={ADDING_KEYS}
           zoomOnDoubleClick={false}
           nodeDragThreshold={2}
+          onNodeDragStart={beginDrag}
+          autoPanOnNodeDrag={isDragging.current}
           minZoom={0.1}
           maxZoom={1.5}
           fitView
