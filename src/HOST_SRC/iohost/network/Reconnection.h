@@ -4,6 +4,7 @@
 #include "base/Network.h"
 
 #include <algorithm>
+#include <utility>
 
 class CReconnection {
 public:
@@ -16,11 +17,10 @@ public:
     }
 
     /// Returns when it's time to try again, or after Stop.
-    Awaitable<void> AwaitNext() {
-        const auto pause = m_pause;
-        m_pause = std::min(2 * pause, LONGEST_PAUSE);
-        return Pause(m_timer, pause);
-    }
+    Awaitable<void> AwaitNext() { return Pause(m_timer, NextPause()); }
+
+    /// How long it takes until then; the pause after it is longer.
+    std::chrono::milliseconds NextPause() { return std::exchange(m_pause, std::min(2 * m_pause, LONGEST_PAUSE)); }
 
     /// It's time to try again.
     void TryNow() {

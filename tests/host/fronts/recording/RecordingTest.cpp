@@ -151,6 +151,7 @@ TEST_F(Recording, ClockIsStoppedWhileSomethingIsKept) {
         main_window present=true enabled=true
         create node=c type=key_check clip=Intro graph=Key
         set node=c param=1102 int=65
+        set node=c param=1103 int=40
         keys down=[65] toggled=[]
     )");
     const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
@@ -329,7 +330,7 @@ TEST(ReplyDifferences, AreNamedByTheirPlace) {
     EXPECT_LT(differences[0].size(), 300u);
 }
 
-TEST_F(Recording, WhatIsNoneIsRefused) {
+TEST_F(Recording, AFileThatIsNoRecordingIsRefused) {
     std::string strError;
     for (const auto& file : {m_folder.Path() / "none", m_folder.Path()}) {
         EXPECT_EQ(CReplay::Open(file, strError), nullptr);
