@@ -101,6 +101,17 @@ public:
         boost::asio::write(socket, boost::asio::buffer(bytes.data(), bytes.size()));
     }
 
+    /// The same for more bytes than the system may take at once: meanwhile doing what the other side needs.
+    void Write(Socket& socket, std::string_view bytes, const std::function<void()>& serve) {
+        bool bDone = false;
+        boost::asio::async_write(socket, boost::asio::buffer(bytes.data(), bytes.size()),
+                                 [&](const auto&, std::size_t) { bDone = true; });
+        if (!RunUntil([&] { return bDone; }, serve)) {
+            socket.cancel();
+            RunUntil([&] { return bDone; });
+        }
+    }
+
     void SendDatagram(unsigned short nPort, std::string_view bytes) {
         boost::asio::ip::udp::socket socket(m_context, boost::asio::ip::udp::v4());
         socket.send_to(boost::asio::buffer(bytes.data(), bytes.size()),

@@ -56,11 +56,13 @@ protected:
         return {.write = [pReader = m_pReader](std::string_view text) { return pReader->Take(text); },
                 .missingLine = [](unsigned long long nLines) { return std::to_string(nLines) + " missing\n"; },
                 .onClosed = [this] { m_closed.set_value(); }, // throws the second time
-                .nMostBytes = nMostBytes};
+                .nMostBytes = nMostBytes,
+                .patience = m_patience};
     }
 
     std::shared_ptr<CReader> m_pReader = std::make_shared<CReader>();
     std::promise<void> m_closed;
+    std::chrono::milliseconds m_patience = std::chrono::minutes(1);
 };
 
 TEST_F(OutputLines, ComeInOrderAndAreAllThereAtTheEnd) {
@@ -92,6 +94,7 @@ TEST_F(OutputLines, ThoseThatAStalledReaderLeavesNoRoomForAreCounted) {
 }
 
 TEST_F(OutputLines, AStalledReaderHoldsUpTheEndForAMomentOnly) {
+    m_patience = std::chrono::milliseconds(10);
     m_pReader->Stall(true);
     {
         COutputLines lines(Options());

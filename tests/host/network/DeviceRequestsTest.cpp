@@ -217,6 +217,7 @@ TEST_F(DeviceRequests, WhatWaitsTooLongForADeviceIsDroppedAndTold) {
     ChangeDevice(3, later.Address(), {{"drop_after", 0.05}});
     EXPECT_FALSE(Device().contains("dropped"));
     CDropped dropped(*m_pSession);
+    const auto tStart = std::chrono::steady_clock::now();
     SendByNode("late");
     Await([this] { return Device()["queued_items"] == 0; });
     EXPECT_EQ(dropped.m_dropped, std::vector<std::string>{R"({"node":"s","device":3,"items":1})"});
@@ -225,7 +226,8 @@ TEST_F(DeviceRequests, WhatWaitsTooLongForADeviceIsDroppedAndTold) {
     Await([this] { return Device()["dropped"] == 2; });
     Talk(R"(counters => {"nodes":{"s":{"sent":1,"dropped":1}}})"); // not the request's
     EXPECT_EQ(dropped.m_dropped.back(), R"({"node":null,"device":3,"items":1})");
-    EXPECT_EQ(dropped.m_nLines, 1u) << "one in ten seconds";
+    EXPECT_GE(dropped.m_nLines, 1u);
+    EXPECT_LE(dropped.m_nLines, 1 + (std::chrono::steady_clock::now() - tStart) / std::chrono::seconds(10));
     EXPECT_TRUE(Matches(Device(), {{"queued_bytes", 0}, {"lost", 0}, {"sent", 0}}));
 
     // It fires nothing when the device is there again; what is sent then arrives.

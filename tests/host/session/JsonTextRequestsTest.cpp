@@ -159,7 +159,8 @@ TEST_F(JsonTextRequests, ADevicesLinesAreTextsInWhateverPiecesTheyCome) {
 
 TEST_F(JsonTextRequests, RefusedLinesAreCountedAndTheNextOneIsRead) {
     auto device = ConnectDevice();
-    CTestPeers::Write(device, "\n\xFF\n" + std::string(LONGEST_TEXT_LINE + 1, 'x') + "\n[1]\nno JSON\n");
+    m_peers.Write(device, "\n\xFF\n" + std::string(LONGEST_TEXT_LINE + 1, 'x'), Serve());
+    CTestPeers::Write(device, "\n[1]\nno JSON\n");
     EXPECT_EQ(AwaitTexts(2)[1]["results"]["j"], 0);
     EXPECT_EQ(Text(), "[1]");
     EXPECT_TRUE(Matches(Device(), Json::parse(R"({"received":2,"matched":1,"rejected":3,"last_rejected":"too long",

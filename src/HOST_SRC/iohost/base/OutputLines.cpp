@@ -1,7 +1,6 @@
 #include "base/OutputLines.h"
 
 #include <algorithm>
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <sstream>
@@ -74,12 +73,11 @@ COutputLines::COutputLines(SOutputLinesOptions options)
 }
 
 COutputLines::~COutputLines() {
-    constexpr std::chrono::seconds PATIENCE{2};
     m_pStream->flush();
     std::unique_lock lock(m_pQueue->mutex);
     m_pQueue->bEnding = true;
     m_pQueue->changed.notify_all();
-    m_pQueue->changed.wait_for(lock, PATIENCE, [this] { return m_pQueue->bDone; });
+    m_pQueue->changed.wait_for(lock, m_pQueue->options.patience, [this] { return m_pQueue->bDone; });
 }
 
 SOutputLinesOptions TerminalOutput(int nStream) {

@@ -2,6 +2,7 @@
 // nothing but that thread. Lines that find the queue full are left out, and counted.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <ostream>
@@ -21,13 +22,14 @@ struct SOutputLinesOptions {
     std::function<void()> onClosed = [] {};
 
     std::size_t nMostBytes = std::size_t{1} << 20; ///< queued
+    std::chrono::milliseconds patience{2000};      ///< with the reader, at the end
 };
 
 class COutputLines {
 public:
     explicit COutputLines(SOutputLinesOptions options);
 
-    /// Waits two seconds at most until what is queued has been written.
+    /// Waits as long as its patience until what is queued has been written.
     ~COutputLines();
 
     /// What is put into it is queued when the stream is flushed, and never waits.
