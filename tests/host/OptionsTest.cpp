@@ -1,6 +1,9 @@
 // The command line.
 #include <gtest/gtest.h>
 
+#include <fstream>
+
+#include "HostTest.h"
 #include "Options.h"
 
 namespace {
@@ -29,6 +32,14 @@ TEST(Options, DefaultsLieBesideTheProgram) {
     EXPECT_EQ(Parse({"--stdio", "--app", "a"}).listen.sceneFolder, std::filesystem::path("a") / "scenes");
     EXPECT_FALSE(options.texts);
     EXPECT_TRUE(options.sceneFile.empty());
+}
+
+TEST(Options, AnInstalledModuleComesFirst) {
+    const CTemporaryFolder folder;
+    const auto installed = folder.Path() / "Plugins" / "NodePlugin" / Parse({"--stdio"}).moduleFile.filename();
+    std::filesystem::create_directories(installed.parent_path());
+    std::ofstream(installed).put(0);
+    EXPECT_EQ(Parse({"--stdio", "--app", folder.Path().string()}).moduleFile, installed);
 }
 
 TEST(Options, AllAreRead) {

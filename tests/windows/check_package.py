@@ -105,7 +105,7 @@ def main():
             {"op": "event", "node": "m", "device": 1, "event": 3005,
              "payload": {"is": "pointer", "rx": 0.5, "ry": 0.5, "x": 960, "y": 540, "pointer": 0, "relative": 0}},
         ]
-        program = [*emulator, "iohost.exe", "--stdio", "--module", "app\\Plugins\\NodePlugin\\QORIOProcessx.dll"]
+        program = [*emulator, "iohost.exe", "--stdio"]
         output = run(program, folder, "".join(json.dumps(request) + "\n" for request in requests))
         replies = [json.loads(line) for line in output.splitlines()]
         print(output)

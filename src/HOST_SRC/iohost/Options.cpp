@@ -217,7 +217,10 @@ void DeclareOptions(CCommandLine& line, SOptions& options) {
     constexpr double MOST_FPS = 1000;
     line.Begin("Options");
     line.Add("--app", "DIR", "application folder (default: app beside this program)", Text(options.appFolder));
-    line.Add("--module", "FILE", "the module (default: beside this program)", Text(options.moduleFile));
+    line.Add("--module", "FILE",
+             "the module (default: in Plugins/NodePlugin of the application folder, else beside this\n"
+             "program)",
+             Text(options.moduleFile));
     line.Add("--texts", "TABLE",
              "display texts: keys, en or zh (default: en; keys where the application folder has\n"
              "no Config/Texts/en.json; with --replay the recording's)",
@@ -258,7 +261,6 @@ std::optional<SOptions> ParseOptions(const std::vector<std::string>& arguments,
                                      const std::filesystem::path& programFolder, std::string& strError) {
     SOptions options;
     options.appFolder = programFolder / "app";
-    options.moduleFile = programFolder / MODULE_FILE_NAME;
     options.listen.webFolder = programFolder / "web";
     CCommandLine line;
     DeclareFronts(line, options);
@@ -269,6 +271,11 @@ std::optional<SOptions> ParseOptions(const std::vector<std::string>& arguments,
     } catch (const CLI::ParseError& refusal) {
         strError = refusal.what();
         return std::nullopt;
+    }
+    if (options.moduleFile.empty()) {
+        const auto installed = options.appFolder / "Plugins" / "NodePlugin" / MODULE_FILE_NAME;
+        std::error_code error;
+        options.moduleFile = std::filesystem::exists(installed, error) ? installed : programFolder / MODULE_FILE_NAME;
     }
     options.window.fFps = options.listen.fFps;
     if (options.listen.sceneFolder.empty()) {
