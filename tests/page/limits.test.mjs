@@ -85,7 +85,8 @@ test("a stand-in device whose lines aren't read takes connections and ends", asy
   device.stdout.pause();
   const { listening } = JSON.parse(String(line));
   const [name, port] = listening.split(":");
-  await repeat(1000, () => once(net.connect(Number(port), name).on("error", () => {}).resume(), "close"));
+  // More lines than a pipe and its reader hold.
+  await repeat(1500, () => once(net.connect(Number(port), name).on("error", () => {}).resume(), "close"));
   device.kill("SIGTERM");
   const [code] = await once(device, "exit");
   assert.equal(code, 0);
