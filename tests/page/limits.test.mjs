@@ -4,7 +4,7 @@ import { execFileSync, spawn } from "node:child_process";
 import { once } from "node:events";
 import http from "node:http";
 import net from "node:net";
-import { existsSync, mkdirSync, readFileSync, rmSync, symlinkSync, writeFileSync } from "node:fs";
+import { existsSync, mkdirSync, readdirSync, readFileSync, readlinkSync, rmSync, symlinkSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
 import { temporaryFolder } from "./support/folder.mjs";
 import { startHost } from "./support/host.mjs";
@@ -40,6 +40,27 @@ async function endsWithRelease(host, script, signal) {
   assert.equal(await host.ended(), 0);
   await closed;
   assert.deepEqual(postedIn(other.pushes), [KEY_PRESSED, KEY_RELEASED]);
+}
+
+/** A connection by hand to the session. What it received gathers in `received`. */
+async function connectRaw(address) {
+  const [name, port] = address.split(":");
+  const socket = net.connect({ port: Number(port), host: name, allowHalfOpen: true });
+  socket.write(`GET /session HTTP/1.1\r\nHost: ${address}\r\nConnection: Upgrade\r\nUpgrade: websocket\r\n` +
+    "Sec-WebSocket-Version: 13\r\nSec-WebSocket-Key: AAAAAAAAAAAAAAAAAAAAAA==\r\n\r\n");
+  const raw = { socket, received: Buffer.alloc(0) };
+  socket.on("data", (data) => (raw.received = Buffer.concat([raw.received, data])));
+  await until("the answer", () => raw.received.includes("\r\n\r\n"));
+  return raw;
+}
+
+/** A request of 64 KiB and more as a WebSocket's frame, masked by zeros. */
+function frameOf(request) {
+  const text = Buffer.from(JSON.stringify(request));
+  const head = Buffer.alloc(14);
+  head.set([0x81, 0xff]);
+  head.writeUInt32BE(text.length, 6);
+  return Buffer.concat([head, text]);
 }
 
 for (const signal of ["SIGTERM", "SIGINT", "SIGHUP"]) {
@@ -108,17 +129,10 @@ test("a page that can't be read for want of file descriptors is answered by 503,
 
 test("a text goes out in one frame, however long it is", async () => {
   const host = await startHost();
-  const [name, port] = host.address.split(":");
-  const socket = net.connect(Number(port), name);
-  socket.write(`GET /session HTTP/1.1\r\nHost: ${host.address}\r\nConnection: Upgrade\r\nUpgrade: websocket\r\n` +
-    "Sec-WebSocket-Version: 13\r\nSec-WebSocket-Key: AAAAAAAAAAAAAAAAAAAAAA==\r\n\r\n");
-  let received = Buffer.alloc(0);
-  socket.on("data", (data) => (received = Buffer.concat([received, data])));
-  await until("the answer", () => received.includes("\r\n\r\n"));
-  const text = Buffer.from(JSON.stringify({ op: "scene", id: "x".repeat(50000) }));
-  const head = Buffer.from([0x81, 0xfe, text.length >> 8, text.length & 255, 0, 0, 0, 0]); // masked by zeros
-  socket.write(Buffer.concat([head, text]));
-  await until("the reply", () => received.includes("xxx"));
+  const raw = await connectRaw(host.address);
+  raw.socket.write(frameOf({ op: "scene", id: "x".repeat(100_000) }));
+  await until("the reply", () => raw.received.includes("xxx"));
+  const { received } = raw;
   // Frames one behind the other, up to the reply's: each is a whole text.
   const firsts = [];
   for (let at = received.indexOf("\r\n\r\n") + 4; at < received.length; ) {
@@ -128,6 +142,26 @@ test("a text goes out in one frame, however long it is", async () => {
   }
   assert.ok(firsts.length > 1);
   assert.deepEqual(firsts.filter((first) => first !== 0x81), []);
+  raw.socket.destroy();
+});
+
+test("a client that sends nothing more and reads nothing isn't kept", async () => {
+  const host = await startHost();
+  const folder = `/proc/${host.pid}/fd`;
+  const sockets = () => readdirSync(folder).filter((name) => readlinkSync(join(folder, name)).startsWith("socket:")).length;
+  const script = await openSession(host.address);
+  const before = sockets();
+  const { socket } = await connectRaw(host.address);
+  socket.on("error", () => {});
+  socket.pause();
+  for (let index = 0; index < 16; ++index) {
+    socket.write(frameOf({ op: "scene", id: "x".repeat(500_000) })); // the replies are more than the system's buffers hold
+  }
+  for (let turn = 0; turn < 200; ++turn) {
+    await must(script, { op: "scene" }); // meanwhile as much is written as goes
+  }
+  socket.end();
+  await until("its end", () => sockets() === before);
   socket.destroy();
 });
 

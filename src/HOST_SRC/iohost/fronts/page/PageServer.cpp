@@ -444,8 +444,8 @@ private:
 
     std::shared_ptr<const std::string> Text(const OrderedJson& message) { return MakeText(ReplyText(message)); }
 
-    /// A text to send. Where too much waits for clients already, the one with the most waiting is closed. That is one
-    /// that doesn't read: for one that does, less waits however much the host has to tell.
+    /// A text to send. When too much waits, drop the client with the most waiting: one that reads keeps its queue
+    /// short.
     std::shared_ptr<const std::string> MakeText(std::string strText) {
         if (m_texts.Bytes() > MOST_QUEUED_BYTES && !m_clients.empty()) {
             std::ranges::max_element(m_clients, {}, [](const auto& entry) {

@@ -3,6 +3,9 @@
 #include <boost/beast/core/buffers_to_string.hpp>
 #include <boost/beast/websocket/rfc6455.hpp>
 
+#include <array>
+#include <utility>
+
 #include "base/Caught.h"
 #include "fronts/page/QueuedTexts.h"
 
@@ -14,28 +17,25 @@ using boost::system::error_code;
 namespace {
 
 constexpr size_t LONGEST_TEXT = size_t{1024} * 1024;
-constexpr size_t MOST_QUEUED_BYTES = size_t{8} * 1024 * 1024;
 constexpr size_t LONGEST_GATHERED = size_t{256} * 1024;
 constexpr std::chrono::milliseconds GATHER_TIME{100}; // people don't see the difference
 constexpr std::chrono::seconds HANDSHAKE_TIME{10};
-constexpr std::chrono::seconds PING_PERIOD{10};
-constexpr std::chrono::seconds LONGEST_SILENCE{30};
+constexpr std::chrono::seconds LONGEST_SILENCE{30}; // after half of it the client is asked whether it's there
 
 } // namespace
 
 CWebSocketClient::CWebSocketClient(TcpStream stream, IWebSocketListener& listener, bool bGathered)
-    : m_socket(std::move(stream)), m_listener(listener), m_bGathered(bGathered), m_gatherTimer(m_socket.get_executor()),
-      m_silenceTimer(m_socket.get_executor()) {}
+    : m_socket(std::move(stream)), m_listener(listener), m_bGathered(bGathered),
+      m_gatherTimer(m_socket.get_executor()) {}
 
 Awaitable<void> CWebSocketClient::Run(UpgradeRequest request) {
     // The coroutine keeps the client alive.
     const std::shared_ptr<CWebSocketClient> pSelf = shared_from_this();
 
     beast::get_lowest_layer(m_socket).expires_never();
-    m_socket.set_option(websocket::stream_base::timeout{HANDSHAKE_TIME, websocket::stream_base::none(), false});
+    m_socket.set_option(websocket::stream_base::timeout{HANDSHAKE_TIME, LONGEST_SILENCE, true});
     m_socket.read_message_max(LONGEST_TEXT);
     m_socket.auto_fragment(false); // one write for each text, not one for every 4 KiB of it
-    m_socket.control_callback([this](websocket::frame_type, beast::string_view) { Heard(); });
 
     error_code error;
     co_await m_socket.async_accept(request, AwaitInto(error));
@@ -43,12 +43,9 @@ Awaitable<void> CWebSocketClient::Run(UpgradeRequest request) {
         co_return;
     }
     m_socket.text(true);
-    Heard();
-    Spawn(m_socket.get_executor(), "a page's silence isn't noticed any longer",
-          [pSelf] { return pSelf->WatchSilence(); });
     m_listener.OnClientOpened(pSelf);
     co_await ReadTexts();
-    m_silenceTimer.cancel();
+    Drop(); // one that only says that it sends nothing more is still there
     m_listener.OnClientClosed(*this);
 }
 
@@ -59,7 +56,6 @@ Awaitable<void> CWebSocketClient::ReadTexts() {
         if (error) {
             co_return;
         }
-        Heard();
         const std::string strText = beast::buffers_to_string(m_received.data());
         m_received.clear();
         m_listener.OnClientText(*this, strText);
@@ -75,11 +71,7 @@ void CWebSocketClient::Send(std::shared_ptr<const std::string> pText, bool bUrge
     if (bUrgent) {
         DontWait();
     }
-    if (m_nQueuedBytes > MOST_QUEUED_BYTES) {
-        Drop();
-    } else {
-        WriteOn();
-    }
+    WriteOn();
 }
 
 void CWebSocketClient::WriteOn() {
@@ -100,7 +92,10 @@ Awaitable<void> CWebSocketClient::WriteQueue() {
         }
         m_nWritingBytes = 0;
         const std::shared_ptr<const std::string> pText = m_bGathered ? TakeGathered() : TakeText();
-        co_await m_socket.async_write(asio::buffer(*pText), AwaitInto(error));
+        const std::array<asio::const_buffer, 3> message = {asio::buffer(std::string_view(m_bGathered ? "[" : "")),
+                                                           asio::buffer(*pText),
+                                                           asio::buffer(std::string_view(m_bGathered ? "]" : ""))};
+        co_await m_socket.async_write(message, AwaitInto(error));
         m_nQueuedBytes -= m_nWritingBytes;
         if (error) {
             Drop();
@@ -120,15 +115,19 @@ std::shared_ptr<const std::string> CWebSocketClient::TakeText() {
     return pText;
 }
 
-/// Joins texts into a message of LONGEST_GATHERED at most, or takes a single longer one. What is left goes out right
-/// after.
+/// Joins texts into a message of LONGEST_GATHERED at most, or takes a single longer one as it is. What is left goes out
+/// right after.
 std::shared_ptr<const std::string> CWebSocketClient::TakeGathered() {
-    std::string strMessage;
-    do {
-        strMessage += (strMessage.empty() ? '[' : ',') + *TakeText();
-    } while (!m_queue.empty() && strMessage.size() + m_queue.front()->size() <= LONGEST_GATHERED);
+    std::shared_ptr<const std::string> pText = TakeText();
+    if (pText->size() < LONGEST_GATHERED) {
+        std::string strMessage = *pText;
+        while (!m_queue.empty() && strMessage.size() + m_queue.front()->size() < LONGEST_GATHERED) {
+            strMessage += ',' + *TakeText();
+        }
+        pText = std::make_shared<const std::string>(std::move(strMessage));
+    }
     m_bUrgent = !m_queue.empty();
-    return std::make_shared<const std::string>(strMessage + ']');
+    return pText;
 }
 
 void CWebSocketClient::DontWait() {
@@ -143,30 +142,6 @@ void CWebSocketClient::Close() {
     m_bClosing = true;
     DontWait();
     WriteOn();
-}
-
-Awaitable<void> CWebSocketClient::WatchSilence() {
-    for (;;) {
-        error_code error;
-        m_silenceTimer.expires_after(PING_PERIOD);
-        co_await m_silenceTimer.async_wait(AwaitInto(error));
-        if (error) {
-            co_return;
-        }
-        if (std::chrono::steady_clock::now() - m_tHeard >= LONGEST_SILENCE) {
-            Drop();
-            co_return;
-        }
-        // A ping stays under way for as long as the client takes nothing.
-        if (!m_bPinging) {
-            m_bPinging = true;
-            m_socket.async_ping({}, [pSelf = shared_from_this()](const error_code&) { pSelf->m_bPinging = false; });
-        }
-    }
-}
-
-void CWebSocketClient::Heard() {
-    m_tHeard = std::chrono::steady_clock::now();
 }
 
 void CWebSocketClient::Drop() {

@@ -8,7 +8,6 @@
 #include <boost/beast/http/message.hpp>
 #include <boost/beast/websocket/stream.hpp>
 
-#include <chrono>
 #include <deque>
 #include <memory>
 #include <string>
@@ -41,8 +40,8 @@ public:
     /// Answers the upgrade and serves the client until it's gone.
     Awaitable<void> Run(UpgradeRequest request);
 
-    /// Queues a text. Never waits: a client that doesn't take what it's sent is dropped when too much has gathered.
-    /// Where texts come together, others wait for a moment; an urgent one goes out at once with all before it.
+    /// Queues a text. Never waits. Where texts come together, they wait for a moment; an urgent one goes out at once
+    /// with all before it.
     void Send(std::shared_ptr<const std::string> pText, bool bUrgent = false);
 
     /// Says goodbye; what is queued goes out first.
@@ -61,8 +60,6 @@ private:
     std::shared_ptr<const std::string> TakeText();
     std::shared_ptr<const std::string> TakeGathered();
     void DontWait();
-    Awaitable<void> WatchSilence();
-    void Heard();
 
     boost::beast::websocket::stream<TcpStream> m_socket;
     IWebSocketListener& m_listener;
@@ -75,8 +72,5 @@ private:
     bool m_bWriting = false;
     bool m_bClosing = false;
     bool m_bDropped = false;
-    bool m_bPinging = false;
     SteadyTimer m_gatherTimer;
-    SteadyTimer m_silenceTimer;
-    std::chrono::steady_clock::time_point m_tHeard;
 };
