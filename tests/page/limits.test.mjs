@@ -165,6 +165,40 @@ test("a client that sends nothing more and reads nothing isn't kept", async () =
   socket.destroy();
 });
 
+test("a page opens, and whoever is there stays, however long texts are", async () => {
+  const NODES = 100;
+  const MOST = 65536;
+  const MOST_TOGETHER = 16 * MOST;
+  const host = await startHost();
+  const script = await openSession(host.address);
+  for (let index = 0; index < NODES; ++index) {
+    await createNode(script, `o${index}`, Type.objectJson, `Object ${index}`);
+    await must(script, { op: "set", node: `o${index}`, param: 1202, string: "Demo" });
+    await must(script, { op: "set", node: `o${index}`, param: 1203, string: "Map" });
+  }
+  await must(script, { op: "process" });
+  const text = "\u0001".repeat(MOST + 1); // takes six times as much in JSON
+  assert.equal((await ask(host.address, "/object-text?clip=Demo&object=Map", { method: "POST", body: text })).status, 200);
+  for (let key = 0; key < 9; ++key) {
+    await must(script, { ...KEY_DOWN, payload: { is: "key", text: key + "x".repeat(1_000_000) } });
+  }
+  const page = await openSession(host.address);
+  const told = ({ pushes }) => pushes.filter(({ push }) => push === "outputs").flatMap(({ nodes }) => Object.values(nodes));
+  const texts = () => told(page).map((outputs) => outputs["1252"]).filter((output) => output?.length === text.length);
+  await until("the texts", () => texts().length === NODES);
+  assert.equal(texts()[0].string.length, MOST);
+  const together = texts().reduce((sum, { string }) => sum + string.length, 0);
+  assert.ok(together > MOST_TOGETHER && together < MOST_TOGETHER + NODES * 1000, `${together} characters`);
+  const { held } = page.pushes.find(({ push }) => push === "held");
+  assert.deepEqual(held.map(({ identity }) => identity), Array.from({ length: 9 }, (_, key) => key + "x".repeat(499)));
+
+  const all = Array.from({ length: NODES }, (_, index) => `o${index}`);
+  const { nodes } = await must(page, { op: "inspect_nodes", nodes: all });
+  assert.equal(nodes.o99.outputs[0].params.find(({ id }) => id === 1252).length, text.length);
+  assert.ok(JSON.stringify(nodes).length < 8 << 20);
+  await must(script, { op: "scene" });
+});
+
 test("clients that don't read cost bounded memory together, and go first", async () => {
   const host = await startHost();
   const script = await createScene(host.address);

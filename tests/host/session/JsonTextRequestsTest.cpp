@@ -113,6 +113,29 @@ TEST_F(JsonTextRequests, DeviceNodesSayWhatBecameOfTheText) {
         << "long texts are cut";
 }
 
+TEST_F(JsonTextRequests, TextsInVerdictsAreCut) {
+    const std::string strLong(1000, 'x');
+    const std::string strCut(500, 'x');
+    const auto set = [&](const char* pszNode, unsigned nParam) {
+        Must({{"op", "set"}, {"node", pszNode}, {"param", nParam}, {"string", strLong}});
+    };
+    Must("set node=j param=1403 int=1");
+    set("j", 1404);
+    DeviceText(1, "{}");
+    EXPECT_EQ(Verdicts()["j"]["key"], strCut);
+    set("j", 1405);
+    DeviceText(1, "{\"" + strLong + "\":\"" + std::string(1000, 'y') + "\"}");
+    EXPECT_EQ(Verdicts()["j"]["value"], std::string(500, 'y'));
+    EXPECT_EQ(Verdicts()["j"]["expected"], strCut);
+    set("o", 1202);
+    set("o", 1203);
+    Must(Event(6, 0, {{"is", "object_text"}, {"clip", strLong + "1"}, {"object", strLong}, {"text", ""}}));
+    EXPECT_EQ(Verdicts()["o"]["verdict"], "other_object");
+    for (const char* pszName : {"clip", "object", "expected_clip", "expected_object"}) {
+        EXPECT_EQ(Verdicts()["o"][pszName], strCut) << pszName;
+    }
+}
+
 TEST_F(JsonTextRequests, VerdictsAreAboutTheNodesThatAreThereAndReady) {
     ObjectText("Map", "no JSON");
     Talk(R"(json => {"nodes":{"o":{"verdict":"taken","text":"no JSON","length":7},"j":null}})");

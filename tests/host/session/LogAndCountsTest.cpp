@@ -69,6 +69,26 @@ TEST_F(LogAndCounts, ConnectionsAreToldTheBeginningOfLongLines) {
     EXPECT_EQ(line.value("length", 0), 70'000);
 }
 
+TEST_F(LogAndCounts, OfManyLongTextsConnectionsAreToldTheirBeginnings) {
+    constexpr int LENGTH = 70'000;
+    constexpr int MOST = 65'536;
+    OutputValues values(100);
+    for (auto& [strHandle, outputs] : values) {
+        outputs.emplace_back(1, SValues{.strText = CString(L'x', LENGTH)});
+    }
+    for (int nTimes = 0; nTimes < 2; ++nTimes) { // what is cut stays as it is
+        CutForViewers(values);
+        int nTold = 0;
+        for (const auto& [strHandle, outputs] : values) {
+            nTold += outputs[0].second.strText.GetLength();
+            EXPECT_EQ(outputs[0].second.length, LENGTH);
+        }
+        EXPECT_EQ(values.front().second[0].second.strText.GetLength(), MOST);
+        EXPECT_EQ(values.back().second[0].second.strText.GetLength(), 300);
+        EXPECT_EQ(nTold, 16 * MOST + 84 * 300);
+    }
+}
+
 TEST_F(LogAndCounts, EventsCountAtTheNodesThatTakeAndFireThem) {
     Must(CREATE_MOUSE);
     Must(CREATE_KEYBOARD);

@@ -16,8 +16,11 @@ constexpr unsigned INPUT_KEYS[] = {1404, 1406, 1408}; // each with its value's i
 constexpr unsigned INPUT_CLIP_NAME = 1202;
 constexpr unsigned INPUT_OBJECT_NAME = 1203;
 
-/// How much of a text is kept.
-constexpr int MOST_CHARACTERS = 500;
+/// How a text begins: as much of it is kept.
+CString BeginningOf(const CString& strText) {
+    constexpr int MOST_CHARACTERS = 500;
+    return strText.Left(MOST_CHARACTERS);
+}
 
 /// The input as the node reads it; null when it's missing.
 const VEKParam* FindInput(const SNode& node, unsigned nId) {
@@ -31,12 +34,13 @@ CString InputText(const SNode& node, unsigned nId) {
 }
 
 SVerdict JudgeObjectText(const SNode& node, const SObjectTextData& text) {
-    const SOtherObject other{text.m_strClipName, text.m_strObjectName, InputText(node, INPUT_CLIP_NAME),
-                             InputText(node, INPUT_OBJECT_NAME)};
-    if (other.strClip == other.strExpectedClip && other.strObject == other.strExpectedObject) {
+    const CString strClip = InputText(node, INPUT_CLIP_NAME);
+    const CString strObject = InputText(node, INPUT_OBJECT_NAME);
+    if (text.m_strClipName == strClip && text.m_strObjectName == strObject) {
         return {SNotReady{}};
     }
-    return {other};
+    return {SOtherObject{BeginningOf(text.m_strClipName), BeginningOf(text.m_strObjectName), BeginningOf(strClip),
+                         BeginningOf(strObject)}};
 }
 
 /// The kind of a JSON text, read as the node reads it; null for what isn't JSON.
@@ -87,7 +91,7 @@ const SVerdict* CJsonVerdicts::End(const SNode& node, const SIOEventRecord& reco
     } else {
         return nullptr;
     }
-    verdict.strText = pText->Left(MOST_CHARACTERS);
+    verdict.strText = BeginningOf(*pText);
     verdict.nLength = pText->GetLength();
     SKept& kept = m_verdicts[node.pNode];
     kept = {std::move(verdict), true};
@@ -131,15 +135,15 @@ SVerdict CJsonVerdicts::JudgePairs(const SNode& node) const {
     for (const unsigned nKeyId : INPUT_KEYS) {
         const CString strInput = InputText(node, nKeyId);
         if (!strInput.IsEmpty() && ++nSought == m_nSought) {
-            strKey = strInput;
-            strExpected = InputText(node, nKeyId + 1);
+            strKey = BeginningOf(strInput);
+            strExpected = BeginningOf(InputText(node, nKeyId + 1));
         }
     }
     if (m_nLastFound < 0) {
         return {SKeyMissing{strKey}};
     }
     const bool bSplit = m_nLastFound < m_arValue.GetSize(); // the index is another list's otherwise
-    return {SValueDiffers{strKey, bSplit ? m_arValue[m_nLastFound].Left(MOST_CHARACTERS) : CString(), strExpected}};
+    return {SValueDiffers{strKey, bSplit ? BeginningOf(m_arValue[m_nLastFound]) : CString(), strExpected}};
 }
 
 void CJsonVerdicts::ForgetTaken() {

@@ -5,15 +5,66 @@
 
 namespace {
 
-/// Characters, or bytes.
+// Characters, or bytes.
 constexpr int MOST_SHOWN = 65536;
+constexpr int MOST_SHOWN_TOGETHER = 1 << 20; ///< in one reply or push
+constexpr int MOST_SHOWN_BEYOND = 300;       ///< of each further text
+constexpr int MOST_SHOWN_OF_KEY = 500;
 
-void Cut(CString& strText, std::optional<int>& length) {
-    if (strText.GetLength() > MOST_SHOWN) {
-        length = strText.GetLength();
-        strText = strText.Left(MOST_SHOWN);
+/// Cuts the texts of one reply or push. What was cut before keeps the length that it has.
+class CCutter {
+public:
+    void Cut(CString& strText, std::optional<int>& length) {
+        if (strText.GetLength() > Most()) {
+            length = length.value_or(strText.GetLength());
+            strText = strText.Left(Most());
+        }
+        m_nShown += strText.GetLength();
     }
-}
+
+    void Cut(SSentBytes& sent) {
+        const auto nMost = static_cast<size_t>(Most());
+        if (sent.bytes.size() > nMost) {
+            sent.size = sent.size.value_or(sent.bytes.size());
+            sent.bytes.resize(nMost);
+        }
+        m_nShown += static_cast<int>(sent.bytes.size());
+    }
+
+    void Cut(SActivity& activity) {
+        for (SLogged& line : activity.logged) {
+            Cut(line.strText, line.length);
+        }
+        for (Sent& sent : activity.sent) {
+            if (auto* pBytes = std::get_if<SSentBytes>(&sent)) {
+                Cut(*pBytes);
+            }
+        }
+    }
+
+    void Cut(OutputValues& values) {
+        for (auto& [strHandle, outputs] : values) {
+            for (auto& [nId, value] : outputs) {
+                Cut(value.strText, value.length);
+            }
+        }
+    }
+
+    void Cut(SNodeDetails& details) {
+        for (auto* pGroups : {&details.own, &details.inputs, &details.outputs}) {
+            for (SGroupState& group : *pGroups) {
+                for (SParamState& param : group.params) {
+                    Cut(*param.text, param.length);
+                }
+            }
+        }
+    }
+
+private:
+    int Most() const { return m_nShown < MOST_SHOWN_TOGETHER ? MOST_SHOWN : MOST_SHOWN_BEYOND; }
+
+    int m_nShown = 0;
+};
 
 } // namespace
 
@@ -117,52 +168,38 @@ std::string ReplyText(const OrderedJson& reply) {
 }
 
 void CutForViewers(SActivity& activity) {
-    for (SLogged& line : activity.logged) {
-        Cut(line.strText, line.length);
-    }
-    for (Sent& sent : activity.sent) {
-        auto* pBytes = std::get_if<SSentBytes>(&sent);
-        if (pBytes != nullptr && pBytes->bytes.size() > MOST_SHOWN) {
-            pBytes->size = pBytes->bytes.size();
-            pBytes->bytes.resize(MOST_SHOWN);
-        }
-    }
+    CCutter().Cut(activity);
 }
 
 void CutForViewers(OutputValues& values) {
-    for (auto& [strHandle, outputs] : values) {
-        for (auto& [nId, value] : outputs) {
-            Cut(value.strText, value.length);
-        }
-    }
-}
-
-void CutForViewers(SNodeDetails& details) {
-    for (auto* pGroups : {&details.own, &details.inputs, &details.outputs}) {
-        for (SGroupState& group : *pGroups) {
-            for (SParamState& param : group.params) {
-                Cut(*param.text, param.length);
-            }
-        }
-    }
+    CCutter().Cut(values);
 }
 
 void CutForViewers(SDone& done) {
-    CutForViewers(done.activity);
+    CCutter cutter;
     if (auto* pFrame = std::get_if<SFrameResults>(&done.outcome.result)) {
-        CutForViewers(pFrame->outputs);
+        cutter.Cut(pFrame->outputs);
     }
     if (auto* pLog = std::get_if<SLogLines>(&done.outcome.result)) {
         for (SKeptLine& kept : pLog->lines) {
-            Cut(kept.line.strText, kept.line.length);
+            cutter.Cut(kept.line.strText, kept.line.length);
         }
     }
     if (auto* pDetails = std::get_if<SNodeDetails>(&done.outcome.result)) {
-        CutForViewers(*pDetails);
+        cutter.Cut(*pDetails);
     }
     if (auto* pNodes = std::get_if<SNodesDetails>(&done.outcome.result)) {
         for (auto& [strHandle, details] : pNodes->nodes) {
-            CutForViewers(details);
+            cutter.Cut(details);
+        }
+    }
+    cutter.Cut(done.activity);
+}
+
+void CutForViewers(std::vector<SHeldEntry>& entries) {
+    for (SHeldEntry& entry : entries) {
+        if (auto* pKey = std::get_if<std::string>(&entry.identity)) {
+            *pKey = Utf8(FromUtf8(*pKey).Left(MOST_SHOWN_OF_KEY));
         }
     }
 }

@@ -56,7 +56,9 @@ std::string AnswerText(CSession& session, std::string_view text, ISceneFiles& fi
 /// The text of a reply: one line of valid UTF-8.
 std::string ReplyText(const OrderedJson& reply);
 
-/// Cut what is too long for people to look at: the beginnings of texts and bytes stay, with how long they are.
+/// Cut what is too long for people to look at, and what is too much for one reply or push: the beginnings of texts and
+void CutForViewers(std::vector<SHeldEntry>& entries);
+/// bytes stay, with how long they are; of a held key's text its beginning alone.
 void CutForViewers(SActivity& activity);
 void CutForViewers(OutputValues& values);
 void CutForViewers(SDone& done);

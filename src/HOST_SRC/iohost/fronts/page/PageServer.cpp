@@ -111,7 +111,7 @@ public:
                             {"address", m_strAddress},
                             {"connection", held.Connection()},
                             {"scene", m_nSceneNumber}}));
-        pClient->Send(Text({{"push", "held"}, {"held", ToJson(m_session.Held().State())}}));
+        pClient->Send(Text({{"push", "held"}, {"held", HeldForViewers()}}));
         pClient->Send(Text(m_toldHistory), true);
         // The next frame tells everybody all of it; to those who know it already that changes nothing.
         m_outputs.Forget();
@@ -408,10 +408,16 @@ private:
     }
 
     void TellHeld() {
+    OrderedJson HeldForViewers() {
+        std::vector<SHeldEntry> entries = m_session.Held().State();
+        CutForViewers(entries);
+        return ToJson(entries);
+    }
+
         CHeldInputs& held = m_session.Held();
         if (held.Version() != m_nToldHeldVersion) {
             m_nToldHeldVersion = held.Version();
-            SendToAll({{"push", "held"}, {"held", ToJson(held.State())}, {"released", held.TakeReleasedByOthers()}});
+            SendToAll({{"push", "held"}, {"held", HeldForViewers()}, {"released", held.TakeReleasedByOthers()}});
         }
     }
 
