@@ -199,6 +199,23 @@ test("a page opens, and whoever is there stays, however long texts are", async (
   await must(script, { op: "scene" });
 });
 
+test("one scene at a time is transferred", async () => {
+  const host = await startHost();
+  const note = { x: 0, y: 0, width: 1, height: 1, text: "x".repeat(30_000_000) }; // more than the system's buffers hold
+  const scene = { format: "iohost scene", version: 1, clips: [], nodes: [], links: [], devices: null, notes: { n: note } };
+  const upload = () => ask(host.address, "/scene", { method: "POST", body: JSON.stringify(scene) });
+  assert.equal(JSON.parse((await upload()).body).ok, true);
+  const [name, port] = host.address.split(":");
+  const slow = net.connect(Number(port), name);
+  slow.write(`GET /scene HTTP/1.1\r\nHost: ${host.address}\r\n\r\n`);
+  await once(slow, "data");
+  slow.pause();
+  assert.equal((await ask(host.address, "/scene")).status, 503);
+  assert.equal((await upload()).status, 503);
+  slow.destroy();
+  await until("the turn", async () => (await ask(host.address, "/scene")).status === 200);
+});
+
 test("clients that don't read cost bounded memory together, and go first", async () => {
   const host = await startHost();
   const script = await createScene(host.address);

@@ -298,6 +298,17 @@ test("an address that is none, and a folder without a page, are told together wi
   assert.equal((await ask(own.address, "/notes.txt")).status, 404);
 });
 
+test("a host that ends during an upload ends well", async () => {
+  const own = await startHost();
+  const [name, ownPort] = own.address.split(":");
+  const socket = net.connect(Number(ownPort), name).on("error", () => {});
+  socket.write(`POST /scene HTTP/1.1\r\nHost: ${own.address}\r\nContent-Length: 100\r\n\r\n{`);
+  const upload = () => ask(own.address, "/scene", { method: "POST", body: "{}" });
+  await until("the upload", async () => (await upload()).status === 503);
+  assert.equal(await own.end(), 0);
+  assert.equal(own.output.stderr, "");
+});
+
 test("a connection too many is told so, and the host goes on", async () => {
   const start = Date.now();
   const own = await startHost();

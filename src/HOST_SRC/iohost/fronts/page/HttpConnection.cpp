@@ -8,7 +8,6 @@
 #include <boost/beast/http/string_body.hpp>
 #include <boost/beast/http/write.hpp>
 #include <boost/beast/websocket/rfc6455.hpp>
-#include <boost/core/noncopyable.hpp>
 
 #include <algorithm>
 #include <array>
@@ -219,21 +218,28 @@ Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer
     co_return response;
 }
 
-/// Reads a scene's file and has it loaded, as TakeObjectText does with a text. One at a time: each may be large.
+/// Scenes may be large: one at a time goes over the network, for as long as whoever has the turn keeps it. Null while
+/// another one does.
+std::shared_ptr<void> TakeSceneTurn(const SHttpSite& site) {
+    if (!site.sceneTurn.expired()) {
+        return nullptr;
+    }
+    auto pTurn = std::make_shared<char>();
+    site.sceneTurn = pTurn;
+    return pTurn;
+}
+
+/// Reads a scene's file and has it loaded, as TakeObjectText does with a text.
 Awaitable<Response> TakeScene(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head, const SHttpSite& site,
                               error_code& error) {
     const Request request = head.get();
-    if (site.bTakesScene) {
+    const std::shared_ptr<void> pTurn = TakeSceneTurn(site);
+    if (pTurn == nullptr) {
         Response response = MakeReply(request, http::status::service_unavailable,
-                                      ReplyText(ErrorReply("another scene is being uploaded")));
+                                      ReplyText(ErrorReply("another scene is being transferred")));
         response.keep_alive(false); // the body isn't read
         co_return response;
     }
-    struct STurn : boost::noncopyable {
-        explicit STurn(bool& bHeld) : bTaken(bHeld) { bTaken = true; }
-        ~STurn() { bTaken = false; }
-        bool& bTaken;
-    } const turn(site.bTakesScene);
     const std::string strText = co_await ReadBody(stream, buffer, head, LARGEST_SCENE, error);
     std::string strReply;
     if (error == http::error::body_limit) {
@@ -309,6 +315,7 @@ Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
         const Request& request = parser.get();
         const bool bHeaderOnly = !error && request.method() == http::verb::head;
         std::optional<Response> response;
+        std::shared_ptr<void> pSceneTurn; // until the response is written
         if (error) {
             response =
                 MakeRefusal(Request{}, http::status::bad_request, "This is no HTTP request that is answered here.");
@@ -332,7 +339,11 @@ Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
         } else if (IsSceneUpload(request)) {
             response = co_await TakeScene(stream, buffer, parser, site, error);
         } else if (request.method() == http::verb::get && HasPath(request, SCENE_TARGET)) {
-            response = MakeSceneResponse(request, site);
+            pSceneTurn = TakeSceneTurn(site);
+            response = pSceneTurn != nullptr
+                           ? MakeSceneResponse(request, site)
+                           : MakeRefusal(request, http::status::service_unavailable,
+                                         "Another scene is being transferred. Try again in a moment.");
         } else {
             response = MakeFileResponse(request, site.files, site.token);
         }

@@ -4,6 +4,7 @@
 #include "base/Network.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -29,7 +30,7 @@ struct SHttpSite {
 
     /// Loads a scene from a file's text; returns the reply's text.
     std::function<std::string(const std::string& strText)> loadScene;
-    mutable bool bTakesScene = false; ///< an upload is under way
+    mutable std::weak_ptr<void> sceneTurn = {}; ///< whoever is being sent the scene, or uploads one
 };
 
 /// Serves the connection until it ends. The site outlives it.

@@ -97,7 +97,7 @@ export const REFUSALS: Record<string, string> = {
   "isn't a scene of this version": "不是此版本的场景",
   "is larger than 256 MiB": "大于 256 MiB",
   "the scene is larger than 256 MiB": "场景大于 256 MiB",
-  "another scene is being uploaded": "另一个场景正在上传",
+  "another scene is being transferred": "正在传输另一个场景",
   "the text is longer than %s bytes": "文本超过 %s 字节",
   "the text isn't UTF-8": "文本不是 UTF-8",
   "the request's body can't be read: %s": "无法读取请求正文：%s",
