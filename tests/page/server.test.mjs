@@ -309,6 +309,26 @@ test("a host that ends during an upload ends well", async () => {
   assert.equal(own.output.stderr, "");
 });
 
+test("nodes see keys go up when the host ends", async () => {
+  const own = await startHost();
+  const client = await openSession(own.address);
+  const desk = await startDevice();
+  await must(client, { op: "device", device: 1, name: "Desk", parser: "direct", address: desk.address });
+  await createNode(client, "c", Type.keyCheck, "Key check 1");
+  await createNode(client, "s", Type.stringSend, "Send 1");
+  await must(client, { op: "set", node: "c", param: 1102, int: 65 });
+  await must(client, { op: "set", node: "s", param: 1503, int: 1 });
+  await must(client, { op: "set", node: "s", param: 1505, string: "up" });
+  await must(client, { op: "link", from: "c", output: 1154, to: "s", input: 1507 });
+  await must(client, { op: "process" });
+  await until("the connection", desk.isConnected);
+  await must(client, { op: "keys", down: [65] });
+  await until("the key", async () => (await timesFired(client, ["c", 1152])) > 0);
+  own.kill("SIGTERM");
+  assert.equal(await own.ended(), 0);
+  await until("what is sent", () => desk.received.toString().startsWith("up"));
+});
+
 test("a connection too many is told so, and the host goes on", async () => {
   const start = Date.now();
   const own = await startHost();

@@ -209,12 +209,14 @@ private:
             m_context.stop();
             return;
         }
+        const KeySet keysBefore = m_session.Held().VirtualKeys();
         m_bStopping = true;
         m_acceptor.close();
         m_frameTimer.Stop();
         m_tellTimer.Stop();
         for (const auto& [pKey, client] : m_clients) {
             m_session.Do(SReleaseHeldCommand{.strReason = "the host ends"}, {.pHeld = &client.held});
+        ShowKeysToNodes(keysBefore);
         }
         for (const auto& [pKey, client] : m_clients) {
             client.pClient->Close();
