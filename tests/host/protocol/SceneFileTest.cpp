@@ -1,6 +1,8 @@
 // save, load and scene.
 #include "HostTest.h"
 
+#include "base/TextUtf8.h"
+
 namespace {
 
 constexpr char HEAD[] = R"(load scene={"format":"iohost scene","version":1,)";
@@ -148,6 +150,11 @@ TEST_F(SceneFile, FilesThatCannotBeUsedAreNamed) {
     Talk("load file=" + strNowhere + " => file: can't be read\nload file=" + strFolder +
          " => file: can't be read\nsave file=" + strNowhere + " => file: can't be written\nsave file=" + strFolder +
          " => file: isn't a regular file\nsave => file: is missing\nload file=1 => file: must be a string");
+    // The system would take these for the file before the zero.
+    const std::string strZero = Utf8(m_folder.Path() / "saved.json") + std::string("\0x", 2);
+    Must("save file=" + Quote(m_folder.Path() / "saved.json"));
+    EXPECT_EQ(Refusal({{"op", "load"}, {"file", strZero}}), "file: can't be read");
+    EXPECT_EQ(Refusal({{"op", "save"}, {"file", strZero}}), "file: can't be written");
     for (const auto& [strContent, pszError] : {std::pair{std::string(), "file: not JSON"},
                                                {"\x7f"
                                                 "ELF",

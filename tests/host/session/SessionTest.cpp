@@ -81,7 +81,8 @@ TEST_F(Session, WhatIsNoRequestIsRefusedAndTheSessionGoesOn) {
          {std::string(), std::string("garbage"), std::string("{"), std::string(R"({"op":"objects"}{"op":"objects"})"),
           std::string(R"({"op":NaN})"), std::string(R"({"op":1e999})"), std::string(R"({"op":"\ud800"})"),
           std::string("{\"op\":\"\xed\xa0\x80\"}"), std::string("{\"op\":\0}", 8),
-          std::string("\xff\xd8\xff\xe0\x1a\x04"), std::string(100'000, '{')}) {
+          std::string("{\"op\":\"objects\"}\0{", 18), std::string("\xff\xd8\xff\xe0\x1a\x04"),
+          std::string(100'000, '{')}) {
         EXPECT_EQ(RefusalOfText(strText).substr(0, 17), "request: not JSON") << strText.substr(0, 100);
     }
     for (const char* pszText : {"null", "17", "\"op\"", R"([{"op":"objects"}])"}) {

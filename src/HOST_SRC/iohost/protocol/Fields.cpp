@@ -55,7 +55,12 @@ void RefuseKind(std::string_view field, std::string_view kind) {
 Json ParseJson(std::string_view text, const std::string& strWhat) {
     const size_t nTooDeep = FindTooDeep(text);
     try {
-        return Json::parse(text.substr(0, nTooDeep));
+        Json json = Json::parse(text.substr(0, nTooDeep));
+        if (const size_t nZero = text.find('\0');
+            nZero != std::string_view::npos) { // what the parser takes for the end
+            throw CRefusal(strWhat + ": not JSON, from byte " + std::to_string(nZero + 1) + " on");
+        }
+        return json;
     } catch (const Json::parse_error& error) {
         if (error.byte > nTooDeep) { // only the rest was missing
             throw CRefusal(strWhat + ": nested deeper than " + std::to_string(DEEPEST) + " levels");

@@ -11,13 +11,18 @@ namespace {
 
 constexpr std::uintmax_t LARGEST_FILE = 256u << 20; ///< tens of thousands of nodes
 
+/// The system would take such a name for the part of it before the zero.
+bool HasZero(const std::string& strName) {
+    return strName.find('\0') != std::string::npos;
+}
+
 } // namespace
 
 std::string CSystemFiles::Read(const std::string& strName) {
     const std::filesystem::path file = PathFromUtf8(strName);
     std::error_code error;
     const std::uintmax_t nSize = std::filesystem::file_size(file, error);
-    if (error) {
+    if (error || HasZero(strName)) {
         Refuse("file", "can't be read");
     }
     if (nSize > LARGEST_FILE) {
@@ -32,7 +37,7 @@ std::string CSystemFiles::Read(const std::string& strName) {
 }
 
 void CSystemFiles::Write(const std::string& strName, const std::string& strText) {
-    const std::string strProblem = WriteFileSafely(PathFromUtf8(strName), strText);
+    const std::string strProblem = HasZero(strName) ? CANT_BE_WRITTEN : WriteFileSafely(PathFromUtf8(strName), strText);
     if (!strProblem.empty()) {
         Refuse("file", strProblem);
     }
