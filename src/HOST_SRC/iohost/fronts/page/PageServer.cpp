@@ -349,7 +349,9 @@ private:
     }
 
     void TellHappened(SActivity activity, const CHeldInput* pButFor) {
-        if (activity.IsEmpty() || m_clients.empty()) {
+        const bool bToNobody =
+            std::ranges::all_of(m_clients, [&](const auto& entry) { return &entry.second.held == pButFor; });
+        if (activity.IsEmpty() || bToNobody) {
             return;
         }
         CutForViewers(activity);
