@@ -93,6 +93,7 @@ bool CDeviceLink::SendItem(const CZtBaseNetProtocol& item) {
         return false;
     }
     CSendQueue::Sender sender = m_loop.OnSent({Setup().nId, pItem, {}});
+    // No bytes are written of an item that is too long for a frame.
     return Queue(WriteItem(m_frameWriter, *pItem), std::move(sender)) == nullptr;
 }
 
@@ -109,7 +110,7 @@ void CDeviceLink::Send(std::span<const unsigned char> bytes) {
     }
 }
 
-/// Never waits. No bytes are an item that is too long for a frame. Answers why it was refused; null: it wasn't.
+/// Never waits. Answers why the item was refused; null: it wasn't.
 const char* CDeviceLink::Queue(std::span<const unsigned char> bytes, CSendQueue::Sender sender) {
     m_loop.OnStateChanged();
     const bool bShownOnly = !Setup().address || m_loop.IsListenOnly();

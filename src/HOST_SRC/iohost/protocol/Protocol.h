@@ -20,7 +20,7 @@ public:
     /// What an earlier host left unsaved, as SceneText wrote it; refused where there is nothing.
     virtual std::string ReadLeft() { Refuse("op", "nothing unsaved was left"); }
 
-    /// It was loaded, and is unsaved still, or it is forgotten.
+    /// It was loaded: its file becomes that of what isn't saved now. Or it's forgotten, and its file goes.
     virtual void EndLeft(bool /*bLoaded*/) {}
 
 protected:

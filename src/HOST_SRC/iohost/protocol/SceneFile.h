@@ -24,5 +24,7 @@ public:
 class CNoFiles final : public ISceneFiles {
 public:
     std::string Read(const std::string& /*strName*/) override { Refuse("file", "is out of reach here"); }
-    void Write(const std::string& /*strName*/, const std::string& /*strText*/) override { Read({}); }
+    void Write(const std::string& /*strName*/, const std::string& /*strText*/) override {
+        Refuse("file", "is out of reach here");
+    }
 };

@@ -9,5 +9,6 @@ class CSession;
 /// parameters and outputs. Uses the session up: nodes are made in it, and its application folder is forgotten.
 std::string NodeTypesMarkdown(CSession& session);
 
-/// A TypeScript module of the page's types of requests, replies and pushes, from the tables that read and write them.
+/// A TypeScript module of what the page reads in replies and pushes, and of payloads, from the tables that read and
+/// write them.
 std::string ProtocolTypes();

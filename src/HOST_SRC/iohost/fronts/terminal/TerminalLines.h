@@ -1,4 +1,4 @@
-// What the host prints while it serves the page: a line for each log line and each fired event.
+// What the host prints while it serves the page or shows its window: a line for each log line and each fired event.
 #pragma once
 
 #include <boost/core/noncopyable.hpp>
