@@ -36,8 +36,7 @@ constexpr size_t MOST_UNTOLD = 1000;                   ///< fired events and log
 constexpr size_t MOST_TURNED_AWAY = 64;                ///< at once; those beyond are closed without an answer
 constexpr std::chrono::seconds GOODBYE_TIME{1};
 constexpr std::chrono::milliseconds ACCEPT_PAUSE{100};
-constexpr std::chrono::milliseconds NETWORK_PAUSE{250};
-constexpr std::chrono::milliseconds COUNTS_PAUSE{250};
+constexpr std::chrono::milliseconds TELL_PAUSE{250}; ///< of what changes with every item: enough to look at
 
 std::string FullText() {
     return "the page's server has " + std::to_string(MOST_CONNECTIONS) + " connections, which is its most";
@@ -269,8 +268,11 @@ private:
             SendToAll({{"push", "objects"}, {"objects", ToJson(*objects)}});
         }
         TellDropped();
-        TellCounts();
-        TellNetwork();
+        if (const auto tNow = std::chrono::steady_clock::now(); tNow - m_tTold >= TELL_PAUSE) {
+            m_tTold = tNow;
+            TellCounts();
+            TellNetwork();
+        }
     }
 
     /// Nodes look at the keyboard when they are evaluated: a frame right after each change lets them miss none of those
@@ -338,11 +340,6 @@ private:
     }
 
     void TellCounts() {
-        const auto tNow = std::chrono::steady_clock::now();
-        if (tNow - m_tToldCounts < COUNTS_PAUSE) {
-            return;
-        }
-        m_tToldCounts = tNow;
         if (const SCounters changed = m_session.TakeChangedCounts(); !changed.nodes.empty()) {
             SendToAll(Push("counters", changed));
         }
@@ -425,13 +422,9 @@ private:
         }
     }
 
-    /// A busy network changes with every item: a few times a second is enough to look at.
     void TellNetwork() {
         const auto nVersion = m_session.Peers().StateVersion();
-        const auto tNow = std::chrono::steady_clock::now();
-        if (nVersion != m_nToldNetworkVersion && tNow - m_tToldNetwork >= NETWORK_PAUSE) {
-            m_nToldNetworkVersion = nVersion;
-            m_tToldNetwork = tNow;
+        if (nVersion != std::exchange(m_nToldNetworkVersion, nVersion)) {
             SendToAll(Push("network", m_session.Peers().State()));
         }
     }
@@ -498,9 +491,8 @@ private:
     OrderedJson m_toldHistory;
     unsigned long long m_nToldNetworkVersion = 0;
     unsigned long long m_nToldHeldVersion = 0;
-    std::chrono::steady_clock::time_point m_tToldNetwork;
-    std::vector<SDroppedItems> m_dropped; ///< since the last frame
-    std::chrono::steady_clock::time_point m_tToldCounts;
+    std::vector<SDroppedItems> m_dropped;          ///< since the last frame
+    std::chrono::steady_clock::time_point m_tTold; ///< of counters and network
     bool m_bStopping = false;
 };
 
