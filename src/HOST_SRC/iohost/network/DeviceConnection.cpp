@@ -1,6 +1,7 @@
 #include "network/DeviceConnection.h"
 
 #include <boost/asio/write.hpp>
+#include <boost/beast/core/error.hpp>
 
 #include <utility>
 
@@ -22,25 +23,19 @@ constexpr const char* NO_ANSWER = "no answer";
 } // namespace
 
 CDeviceConnection::CDeviceConnection(CPeerLoop& loop)
-    : m_loop(loop), m_socket(loop.Context()), m_timer(loop.Context()) {}
+    : m_loop(loop), m_stream(loop.Context()), m_answerTimer(loop.Context()) {}
 
 Awaitable<std::string> CDeviceConnection::Connect(asio::ip::tcp::endpoint address) {
     error_code error;
-    m_timer.expires_after(CONNECT_TIME);
-    m_timer.async_wait([pSelf = shared_from_this()](const error_code& timerError) {
-        if (!timerError && !pSelf->m_bConnected) {
-            error_code ignored;
-            pSelf->m_socket.close(ignored);
-        }
-    });
-    co_await m_socket.async_connect(address, AwaitInto(error));
-    m_timer.cancel();
+    m_stream.expires_after(CONNECT_TIME);
+    co_await m_stream.async_connect(address, AwaitInto(error));
+    m_stream.expires_never();
     if (error) {
-        co_return error == asio::error::operation_aborted ? NO_ANSWER : error.message();
+        co_return error == boost::beast::error::timeout ? NO_ANSWER : error.message();
     }
     error_code ignored;
-    m_socket.set_option(asio::ip::tcp::no_delay(true), ignored);
-    NoticeLostPeer(static_cast<std::uintptr_t>(m_socket.native_handle()));
+    Socket().set_option(asio::ip::tcp::no_delay(true), ignored);
+    NoticeLostPeer(static_cast<std::uintptr_t>(Socket().native_handle()));
     m_bConnected = true;
     co_return std::string();
 }
@@ -49,21 +44,20 @@ Awaitable<std::string> CDeviceConnection::Serve(CItemReader& reader) {
     m_strDisconnectReason.clear();
     WatchAnswers();
     Write();
-    const std::string strReason = co_await reader.Read(m_socket);
+    const std::string strReason = co_await reader.Read(Socket());
     co_return strReason.empty() ? m_strDisconnectReason : strReason;
 }
 
 void CDeviceConnection::End() {
     Close();
-    m_timer.cancel();
+    m_answerTimer.cancel();
     m_bConnected = false;
     ++m_nConnection;
     m_queue.EndConnection();
 }
 
 void CDeviceConnection::Close() {
-    error_code ignored;
-    m_socket.close(ignored);
+    m_stream.close();
     m_loop.Gate().Wake();
 }
 
@@ -74,7 +68,7 @@ void CDeviceConnection::Disconnect(std::string strReason) {
 }
 
 void CDeviceConnection::Write() {
-    if (m_queue.IsWriting() || !m_bConnected || !m_socket.is_open() || m_loop.IsListenOnly()) {
+    if (m_queue.IsWriting() || !m_bConnected || !Socket().is_open() || m_loop.IsListenOnly()) {
         return;
     }
     const auto pBytes = m_queue.BeginWrite(std::chrono::steady_clock::now());
@@ -82,7 +76,7 @@ void CDeviceConnection::Write() {
         return;
     }
     asio::async_write(
-        m_socket, asio::buffer(*pBytes),
+        Socket(), asio::buffer(*pBytes),
         [pSelf = shared_from_this(), nConnection = m_nConnection, pBytes](const error_code& error, size_t) {
             if (nConnection == pSelf->m_nConnection) { // else that connection is over, and so is what was written to it
                 pSelf->OnWritten(error);
@@ -95,19 +89,19 @@ void CDeviceConnection::OnWritten(const error_code& error) {
         m_queue.EndWrite();
         m_loop.OnStateChanged();
         Write();
-    } else if (m_socket.is_open()) {
+    } else if (Socket().is_open()) {
         Disconnect(error.message());
     }
 }
 
 /// Look from time to time whether the device still answers, until the connection ends.
 void CDeviceConnection::WatchAnswers() {
-    m_timer.expires_after(ANSWER_LOOK);
-    m_timer.async_wait([pSelf = shared_from_this()](const error_code& error) {
+    m_answerTimer.expires_after(ANSWER_LOOK);
+    m_answerTimer.async_wait([pSelf = shared_from_this()](const error_code& error) {
         if (error || !pSelf->m_bConnected) {
             return;
         }
-        if (HasStoppedAnswering(static_cast<std::uintptr_t>(pSelf->m_socket.native_handle()), ANSWER_TIME)) {
+        if (HasStoppedAnswering(static_cast<std::uintptr_t>(pSelf->Socket().native_handle()), ANSWER_TIME)) {
             pSelf->Disconnect(NO_ANSWER);
         } else {
             pSelf->WatchAnswers();

@@ -31,14 +31,15 @@ public:
     void Write();
 
 private:
+    TcpSocket& Socket() { return m_stream.socket(); }
     void OnWritten(const boost::system::error_code& error);
     void WatchAnswers();
     void Disconnect(std::string strReason);
 
     CPeerLoop& m_loop;
     CSendQueue m_queue;
-    TcpSocket m_socket;
-    SteadyTimer m_timer; ///< ends an attempt to connect; later, WatchAnswers
+    TcpStream m_stream;
+    SteadyTimer m_answerTimer;
     bool m_bConnected = false;
     unsigned long long m_nConnection = 0; ///< number of the present connection, or of the next one
     std::string m_strDisconnectReason;    ///< why this side closed it

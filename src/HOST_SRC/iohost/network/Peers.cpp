@@ -107,7 +107,7 @@ std::string ConfiguredPortProblem() {
 // ---- Devices and ports ------------------------------------------------------------------------------------------
 
 void CPeers::SetDevices(std::optional<std::vector<SDeviceSetup>> setups) {
-    StopDevices();
+    ChangeDevices(std::nullopt);
     ChangeDevices(std::move(setups));
 }
 
@@ -178,7 +178,7 @@ void CPeers::KeepReceivingBroadcasts(unsigned short nPort) {
 }
 
 void CPeers::Close() {
-    StopDevices();
+    ChangeDevices(std::nullopt);
     Replace(m_pBroadcast, {});
     Replace(m_pControl, {});
 }
@@ -199,15 +199,6 @@ CDeviceLink& CPeers::LinkOf(int nId) const {
         Refuse("device", "there is no device " + std::to_string(nId));
     }
     return *pLink;
-}
-
-void CPeers::StopDevices() {
-    SetNetPlayCtrlDevices(nullptr);
-    m_bDeviceList = false;
-    m_arDevice.RemoveAll();
-    for (const auto& pLink : std::exchange(m_links, {})) {
-        pLink->Stop();
-    }
 }
 
 void CPeers::SetListenOnly(bool bOn) {

@@ -81,7 +81,6 @@ public:
 private:
     CDeviceLink* FindLink(int nId) const;
     CDeviceLink& LinkOf(int nId) const;
-    void StopDevices();
 
     CPeerLoop m_loop;
     bool m_bRunsAlways = false;
