@@ -254,7 +254,7 @@ TEST_F(Properties, RequestsThatWereReadAreWrittenTheSame) {
         const auto written = [this](const Json& request) {
             SRequest read;
             ReadRequest(read, CFields(request), m_files);
-            return RequestOf(read.command);
+            return ToJson(read.command);
         };
         const Json request = AnyCommand();
         const Json once = written(request);

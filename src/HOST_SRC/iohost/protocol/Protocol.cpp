@@ -94,13 +94,6 @@ void ReadRequest(SRequest& request, const CFields& fields, ISceneFiles& files) {
     } else {
         ReadFields(request.command, fields);
     }
-    if (std::holds_alternative<SSaveCommand>(request.command)) {
-        request.strFile = fields.Text("file");
-    }
-}
-
-OrderedJson RequestOf(const Command& command) {
-    return ToJson(command);
 }
 
 OrderedJson ReplyTo(const SDone& done, const OrderedJson& id) {
@@ -128,11 +121,12 @@ OrderedJson Answer(CSession& session, const Json& json, ISceneFiles& files, cons
         ReadRequest(request, CFields(json), files);
         SDone done = session.Do(request.command, origin);
         if (const auto* pScene = std::get_if<SSceneDocument>(&done.outcome.result)) {
+            const std::string& strFile = std::get<SSaveCommand>(request.command).strFile;
             const std::string strText = SceneText(*pScene);
             done.outcome.result = {};
             try {
-                files.Write(request.strFile, strText);
-                session.History().NoteSaved(request.strFile);
+                files.Write(strFile, strText);
+                session.History().NoteSaved(strFile);
             } catch (const CRefusal& refusal) {
                 done.outcome.error = refusal.what();
             }

@@ -31,15 +31,11 @@ protected:
 struct SRequest {
     OrderedJson id = OrderedJson::value_t::discarded; ///< comes back in the reply; discarded: there is none
     Command command;
-    std::string strFile;    ///< where `save` keeps the scene
     bool bRecovers = false; ///< it's about what an earlier host left unsaved
 };
 
 /// Read a request, and the file of a scene to load. On a refusal the id is there, if it could be read.
 void ReadRequest(SRequest& request, const CFields& fields, ISceneFiles& files);
-
-/// A command as a request.
-OrderedJson RequestOf(const Command& command);
 
 /// The reply to a command that was carried out, and to a request that isn't.
 OrderedJson ReplyTo(const SDone& done, const OrderedJson& id = OrderedJson::value_t::discarded);
@@ -57,11 +53,11 @@ std::string AnswerText(CSession& session, std::string_view text, ISceneFiles& fi
 std::string ReplyText(const OrderedJson& reply);
 
 /// Cut what is too long for people to look at, and what is too much for one reply or push: the beginnings of texts and
-void CutForViewers(std::vector<SHeldEntry>& entries);
 /// bytes stay, with how long they are; of a held key's text its beginning alone.
 void CutForViewers(SActivity& activity);
 void CutForViewers(OutputValues& values);
 void CutForViewers(SDone& done);
+void CutForViewers(std::vector<SHeldEntry>& entries);
 
 /// A scene as the text of a file. strFile: the file's name, if it isn't told by where the text goes.
 std::string SceneText(const SSceneDocument& scene, const std::string& strFile = {});

@@ -262,7 +262,9 @@ struct SHistoryCommand {};
 // ---- The scene as a whole, and recordings -----------------------------------------------------------------------
 
 /// The result is the scene: whoever asked keeps it where it belongs.
-struct SSaveCommand {};
+struct SSaveCommand {
+    std::string strFile; ///< where whoever carries it out keeps the scene
+};
 
 struct SLoadCommand {
     std::shared_ptr<const SSceneDocument> pScene; ///< never null

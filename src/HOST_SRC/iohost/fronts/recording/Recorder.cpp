@@ -105,7 +105,7 @@ void CRecorder::OnDone(const SDone& done) {
         m_nKept = std::nullopt;
         m_nStopped = std::nullopt;
     }
-    OrderedJson line = RequestOf(WithoutAddresses(command));
+    OrderedJson line = ToJson(WithoutAddresses(command));
     if (done.origin.from) {
         line["from"] = ToJson(*done.origin.from);
     }
