@@ -208,15 +208,15 @@ private:
             m_context.stop();
             return;
         }
-        const KeySet keysBefore = m_session.Held().VirtualKeys();
         m_bStopping = true;
+        const KeySet keysBefore = m_session.Held().VirtualKeys();
         m_acceptor.close();
         m_frameTimer.Stop();
         m_tellTimer.Stop();
         for (const auto& [pKey, client] : m_clients) {
             m_session.Do(SReleaseHeldCommand{.strReason = "the host ends"}, {.pHeld = &client.held});
-        ShowKeysToNodes(keysBefore);
         }
+        ShowKeysToNodes(keysBefore);
         for (const auto& [pKey, client] : m_clients) {
             client.pClient->Close();
         }
@@ -408,13 +408,13 @@ private:
         }
     }
 
-    void TellHeld() {
     OrderedJson HeldForViewers() {
         std::vector<SHeldEntry> entries = m_session.Held().State();
         CutForViewers(entries);
         return ToJson(entries);
     }
 
+    void TellHeld() {
         CHeldInputs& held = m_session.Held();
         if (held.Version() != m_nToldHeldVersion) {
             m_nToldHeldVersion = held.Version();
@@ -496,18 +496,6 @@ private:
     bool m_bStopping = false;
 };
 
-/// False, with a message on standard error, when the port can't be had.
-bool ListenForRecords(CSession& session, const SListenOptions& options) {
-    try {
-        session.Peers().Listen(
-            {.address = options.strControlAddress, .broadcast = {}, .control = options.nControlPort});
-    } catch (const CRefusal& refusal) {
-        std::cerr << "iohost: --control: " << refusal.what() << '\n';
-        return false;
-    }
-    return true;
-}
-
 } // namespace
 
 int RunPageServer(CSession& session, const SListenOptions& options) {
@@ -534,12 +522,16 @@ int RunPageServer(CSession& session, const SListenOptions& options) {
                       << "; --listen ADDR:PORT chooses another address or port\n";
             return EXIT_REFUSED;
         }
-        if (!options.strControlAddress.empty() && !ListenForRecords(session, options)) {
-            return EXIT_REFUSED;
+        if (!options.strControlAddress.empty()) {
+            session.Peers().Listen(
+                {.address = options.strControlAddress, .broadcast = {}, .control = options.nControlPort});
         }
         server.Run();
     } catch (const std::filesystem::filesystem_error& problem) {
         std::cerr << "iohost: --web: the page's files can't be read: " << problem.what() << '\n';
+        return EXIT_REFUSED;
+    } catch (const CRefusal& refusal) {
+        std::cerr << "iohost: --control: " << refusal.what() << '\n';
         return EXIT_REFUSED;
     }
     return 0;

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 class CQueuedTexts {
 public:
@@ -10,7 +11,15 @@ public:
     static constexpr size_t COST_OF_EACH = 192;
 
     /// A text for one client or several. It counts once, until the last of them has taken it or is gone.
-    std::shared_ptr<const std::string> Make(std::string strText);
+    std::shared_ptr<const std::string> Make(std::string strText) {
+        const size_t nCost = strText.capacity() + COST_OF_EACH;
+        auto pText = std::make_unique<const std::string>(std::move(strText));
+        *m_pBytes += nCost;
+        return {pText.release(), [pBytes = m_pBytes, nCost](const std::string* pGone) {
+                    *pBytes -= nCost;
+                    delete pGone;
+                }};
+    }
 
     size_t Bytes() const { return *m_pBytes; }
 

@@ -17,11 +17,13 @@ void CUnsavedScene::Flush() {
 }
 
 void CUnsavedScene::Check() {
-    const bool bBusy = m_writing.valid() && m_writing.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
-    if (m_file.empty() || bBusy || m_session.HasQuit()) {
+    if (m_file.empty() || m_session.HasQuit()) {
         return;
     }
     if (m_writing.valid()) {
+        if (m_writing.wait_for(std::chrono::seconds(0)) != std::future_status::ready) {
+            return;
+        }
         if (const std::string strProblem = m_writing.get(); !strProblem.empty()) {
             m_problemLine.Write("the unsaved scene can't be written aside: " + strProblem);
             m_written.reset();

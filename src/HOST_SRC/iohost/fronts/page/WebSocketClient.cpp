@@ -6,7 +6,6 @@
 #include <array>
 #include <utility>
 
-#include "base/Caught.h"
 #include "fronts/page/QueuedTexts.h"
 
 namespace asio = boost::asio;
@@ -82,6 +81,7 @@ void CWebSocketClient::WriteOn() {
 }
 
 Awaitable<void> CWebSocketClient::WriteQueue() {
+    const size_t nBracket = m_bGathered ? 1 : 0;
     error_code error;
     while (!m_queue.empty()) {
         if (m_bGathered && !m_bUrgent) {
@@ -92,9 +92,8 @@ Awaitable<void> CWebSocketClient::WriteQueue() {
         }
         m_nWritingBytes = 0;
         const std::shared_ptr<const std::string> pText = m_bGathered ? TakeGathered() : TakeText();
-        const std::array<asio::const_buffer, 3> message = {asio::buffer(std::string_view(m_bGathered ? "[" : "")),
-                                                           asio::buffer(*pText),
-                                                           asio::buffer(std::string_view(m_bGathered ? "]" : ""))};
+        const std::array<asio::const_buffer, 3> message = {asio::buffer("[", nBracket), asio::buffer(*pText),
+                                                           asio::buffer("]", nBracket)};
         co_await m_socket.async_write(message, AwaitInto(error));
         m_nQueuedBytes -= m_nWritingBytes;
         if (error) {
