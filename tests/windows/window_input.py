@@ -14,9 +14,11 @@ import pathlib
 import re
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 import unittest
 
@@ -31,14 +33,17 @@ ENTER, LEAVE, HOVER, LEFT_DOWN, LEFT_UP, SAMPLE = 3002, 3003, 3004, 3005, 3006, 
 GUID = "{{8164BB40-6B6A-4707-88B7-386BCB0D1B{:02X}}}"
 
 
-def scene():
-    """A keyboard, a check of the key K, a mouse."""
+def scene(device_port):
+    """A keyboard, a check of the key K, a mouse, and a device's texts."""
     def node(handle, type_byte, **fields):
         return {"node": handle, "type": GUID.format(type_byte), "clip": "Clip", "graph": f"{handle} 1", **fields}
 
     key = {"id": 1101, "params": [{"id": 2}, {"id": 1102, "int": ord("K")}, {"id": 1103, "int": 100}]}
     return {"format": "iohost scene", "version": 1, "clips": [{"name": "Clip", "objects": []}],
-            "nodes": [node("keyboard", 0x01), node("check", 0x0B, inputs=[key]), node("mouse", 0x03)], "links": []}
+            "nodes": [node("keyboard", 0x01), node("check", 0x0B, inputs=[key]), node("mouse", 0x03), node("text", 0x0E)],
+            "links": [],
+            "devices": [{"id": 1, "name": "Desk", "parser": "json", "address": f"127.0.0.1:{device_port}"}]
+            if device_port else None}
 
 
 class Display:
@@ -71,18 +76,18 @@ class Display:
 class Host:
     """iohost with its window, and what its recording tells."""
 
-    def __init__(self, display, folder, name, place, extra_environment=None, started_by=()):
+    def __init__(self, display, folder, name, place, extra_environment=None, started_by=(), fps=60, device_port=None):
         self.display = display
         self.recording = folder / f"{name}.jsonl"
         self.bytes_read = 0
         self.lines_read = []
         scene_file = folder / f"{name}.json"
-        scene_file.write_text(json.dumps(scene()), encoding="utf-8")
+        scene_file.write_text(json.dumps(scene(device_port)), encoding="utf-8")
         windows_before = self.windows()
         self.errors = open(folder / f"{name}.log", "w+", encoding="utf-8", errors="replace")
         self.program = subprocess.Popen(
             [*EMULATOR, *started_by, IOHOST, "--window", "--size", f"{WIDTH}x{HEIGHT}", "--app", str(folder / "app"),
-             "--scene", str(scene_file), "--record", str(self.recording)],
+             "--fps", str(fps), "--scene", str(scene_file), "--record", str(self.recording)],
             env={**display.environment, **(extra_environment or {})}, stdin=subprocess.DEVNULL,
             stdout=subprocess.DEVNULL, stderr=self.errors)
         until(lambda: self.program.poll() is not None or self.windows() - windows_before, "the window opens")
@@ -363,6 +368,40 @@ class WindowInput(unittest.TestCase):
             self.assertEqual(other.program.wait(TIME_LIMIT), 0)
         finally:
             other.end()
+
+    def test_items_of_the_network_dont_wait_for_a_frame(self):
+        with socket.create_server(("127.0.0.1", 0)) as server:
+            other = Host(self.display, self.folder, "seldom", (515, 30), fps=0.01, device_port=server.getsockname()[1])
+            try:
+                server.settimeout(TIME_LIMIT)
+                device = server.accept()[0]
+                with device:
+                    device.sendall(b"[1]\n")
+                    until(lambda: 1453 in [posted["output"] for posted in posted_in(other.lines(), "text")],
+                          "the text has come")
+                self.assertEqual(other.close(), 0)
+            finally:
+                other.end()
+
+    def test_frames_go_on_while_items_come_without_end(self):
+        with socket.create_server(("127.0.0.1", 0)) as server:
+            other = Host(self.display, self.folder, "busy", (515, 30), device_port=server.getsockname()[1])
+            try:
+                server.settimeout(TIME_LIMIT)
+                device = server.accept()[0]
+                threading.Thread(target=self.send_without_end, args=[device], daemon=True).start()
+                until(lambda: posted_in(other.lines(), "text"), "the first text has come")
+                before = other.frames()
+                until(lambda: other.frames() > before + 20, "frames go on")
+                self.assertEqual(other.close(), 0)
+            finally:
+                other.end()
+
+    @staticmethod
+    def send_without_end(device):
+        with device, contextlib.suppress(OSError):
+            while True:
+                device.sendall(b"[1]\n" * 1000)
 
     def place_in_window(self, host, on_screen):
         """Where a window sees the pointer that comes to this place of the screen."""

@@ -9,6 +9,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "base/Caught.h"
 #include "base/FrameTimer.h"
 #include "base/OutputLines.h"
 #include "base/Platform.h"
@@ -76,7 +77,8 @@ public:
             HandleMessages();
             Advance();
             const auto rest = std::chrono::ceil<std::chrono::milliseconds>(m_tNext - steady_clock::now());
-            MsgWaitForMultipleObjectsEx(0, nullptr, static_cast<DWORD>(std::max<long long>(rest.count(), 0)),
+            // Messages end the wait, items of the network don't.
+            MsgWaitForMultipleObjectsEx(0, nullptr, static_cast<DWORD>(std::clamp<long long>(rest.count(), 0, 10)),
                                         QS_ALLINPUT, MWMO_INPUTAVAILABLE);
         }
         m_session.CloseConnection(m_held, "the window closed");
@@ -164,10 +166,16 @@ private:
         Show();
     }
 
+    /// For a few milliseconds at most: items may come without end.
     void HandleNetwork() {
+        using std::chrono::steady_clock;
         boost::asio::io_context& context = m_session.Peers().Context();
+        const auto tEnd = steady_clock::now() + std::chrono::milliseconds(5);
         context.restart();
-        context.poll();
+        RunLoop([&] {
+            while (steady_clock::now() < tEnd && context.poll_one() > 0) {
+            }
+        });
     }
 
     void Frame() {

@@ -7,20 +7,23 @@
 #include "HostSetup.h"
 #include "host/Codes.h"
 
-/// A mouse button: its messages, its events, its bit among those that are down.
-struct CWindowInput::SButton {
-    UINT nDownMessage;
-    UINT nUpMessage;
-    int nDownEvent;
-    int nUpEvent;
-    unsigned nBit;
-
-    static const SButton* Find(UINT nMessage);
-};
-
 namespace {
 
 constexpr DWORD HOVER_TIME = 400; // milliseconds of rest
+
+/// What a message says of a mouse button.
+struct SButtonMessage {
+    UINT nMessage;
+    int nEvent;
+    unsigned nBit; ///< of the button, among those that are down
+    bool bDown;
+};
+
+constexpr SButtonMessage BUTTON_MESSAGES[] = {
+    {WM_LBUTTONDOWN, EVENT_LEFT_DOWN, 1, true},   {WM_LBUTTONUP, EVENT_LEFT_UP, 1, false},
+    {WM_MBUTTONDOWN, EVENT_MIDDLE_DOWN, 2, true}, {WM_MBUTTONUP, EVENT_MIDDLE_UP, 2, false},
+    {WM_RBUTTONDOWN, EVENT_RIGHT_DOWN, 4, true},  {WM_RBUTTONUP, EVENT_RIGHT_UP, 4, false},
+};
 
 /// The keys that make no character, as browsers call them.
 struct SKeyName {
@@ -89,20 +92,6 @@ void TrackPointer(HWND hWnd) {
 
 } // namespace
 
-const CWindowInput::SButton* CWindowInput::SButton::Find(UINT nMessage) {
-    static constexpr SButton BUTTONS[] = {
-        {WM_LBUTTONDOWN, WM_LBUTTONUP, EVENT_LEFT_DOWN, EVENT_LEFT_UP, 1},
-        {WM_MBUTTONDOWN, WM_MBUTTONUP, EVENT_MIDDLE_DOWN, EVENT_MIDDLE_UP, 2},
-        {WM_RBUTTONDOWN, WM_RBUTTONUP, EVENT_RIGHT_DOWN, EVENT_RIGHT_UP, 4},
-    };
-    for (const SButton& button : BUTTONS) {
-        if (nMessage == button.nDownMessage || nMessage == button.nUpMessage) {
-            return &button;
-        }
-    }
-    return nullptr;
-}
-
 bool CWindowInput::OnMessage(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lParam) {
     const POINT ptPlace = {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)};
     switch (nMessage) {
@@ -137,10 +126,12 @@ bool CWindowInput::OnMessage(HWND hWnd, UINT nMessage, WPARAM wParam, LPARAM lPa
         OnCaptureLost(hWnd);
         return true;
     default:
-        if (const SButton* pButton = SButton::Find(nMessage)) {
-            OnPlace(hWnd, ptPlace);
-            OnButton(hWnd, *pButton, nMessage == pButton->nDownMessage);
-            return true;
+        for (const SButtonMessage& button : BUTTON_MESSAGES) {
+            if (button.nMessage == nMessage) {
+                OnPlace(hWnd, ptPlace);
+                OnButton(hWnd, button.nEvent, button.nBit, button.bDown);
+                return true;
+            }
         }
         return false;
     }
@@ -185,15 +176,15 @@ void CWindowInput::OnPlace(HWND hWnd, POINT ptPlace) {
     SendPointer(hWnd, EVENT_POINTER_SAMPLE);
 }
 
-void CWindowInput::OnButton(HWND hWnd, const SButton& button, bool bDown) {
+void CWindowInput::OnButton(HWND hWnd, int nEvent, unsigned nBit, bool bDown) {
     if (bDown) {
-        m_nButtons |= button.nBit;
+        m_nButtons |= nBit;
         SetFocus(hWnd);
         SetCapture(hWnd); // a drag that ends outside still brings its release here
-        SendPointer(hWnd, button.nDownEvent);
-    } else if ((m_nButtons & button.nBit) != 0) { // it went down here
-        m_nButtons &= ~button.nBit;
-        SendPointer(hWnd, button.nUpEvent);
+        SendPointer(hWnd, nEvent);
+    } else if ((m_nButtons & nBit) != 0) { // it went down here
+        m_nButtons &= ~nBit;
+        SendPointer(hWnd, nEvent);
         if (m_nButtons == 0) {
             ReleaseCapture();
             OnDragEnded(hWnd);

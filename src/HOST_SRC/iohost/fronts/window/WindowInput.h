@@ -22,13 +22,11 @@ public:
     bool IsPressed() const { return m_nButtons != 0; }
 
 private:
-    struct SButton;
-
     void OnKeyDown(UINT nVirtualKey, LPARAM lParam);
     void OnKeyUp(LPARAM lParam);
     void OnFocusLost();
     void OnPlace(HWND hWnd, POINT ptPlace);
-    void OnButton(HWND hWnd, const SButton& button, bool bDown);
+    void OnButton(HWND hWnd, int nEvent, unsigned nBit, bool bDown);
     void OnWheel(HWND hWnd, int nDelta, POINT ptScreen);
     void OnHover(HWND hWnd);
     void OnLeave(HWND hWnd);
