@@ -102,8 +102,9 @@ bool MeasureAll() {
 } // namespace
 
 int main(int argc, char** argv) {
-    AllowManySockets();        // each broadcast send node has one
-    std::thread([] {}).join(); // a host that runs has a second one, too: without it libraries count without locks
+    AllowManySockets(); // each broadcast send node has one
+    std::thread([] {
+    }).join(); // as in a running host: while a process has had one thread only, pointers are counted without atomics
     // Defaults of this program; what the command line says comes after them and counts.
     char szRepetitions[] = "--benchmark_repetitions=11";
     char szInterleaving[] = "--benchmark_enable_random_interleaving=true";

@@ -105,7 +105,10 @@ public:
     void Write(Socket& socket, std::string_view bytes, const std::function<void()>& serve) {
         bool bDone = false;
         boost::asio::async_write(socket, boost::asio::buffer(bytes.data(), bytes.size()),
-                                 [&](const auto&, std::size_t) { bDone = true; });
+                                 [&](const auto& error, std::size_t) {
+                                     EXPECT_FALSE(error) << error.message();
+                                     bDone = true;
+                                 });
         if (!RunUntil([&] { return bDone; }, serve)) {
             socket.cancel();
             RunUntil([&] { return bDone; });

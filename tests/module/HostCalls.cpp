@@ -81,7 +81,7 @@ VEKParam* MakeParam(VEKParam* pParam, unsigned nId, const CString& strName, cons
     if (s_pCareless != nullptr) {
         pParam->m_nValue = CarelessHost::JUNK;
         pParam->m_fValue = CarelessHost::JUNK;
-        std::fill(std::begin(pParam->m_szTypeName), std::end(pParam->m_szTypeName) - 1, L'?');
+        *std::fill_n(pParam->m_szTypeName, std::size(pParam->m_szTypeName) - 1, L'?') = 0;
     }
     return pParam;
 }

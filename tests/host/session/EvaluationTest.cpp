@@ -279,7 +279,7 @@ TEST_F(ProbeEvaluation, ANodeBehindTwoOthersIsEvaluatedOnce) {
 
 /// Before the last node all are looked at that it takes values of, also indirectly. Those between have nothing to do,
 /// so that they needn't be the module's.
-TEST_F(ProbeEvaluation, ALongChainOfLinksIsFollowedToItsBegin) {
+TEST_F(ProbeEvaluation, ALongChainOfLinksIsFollowedToItsBeginning) {
     constexpr int NODES = 40'000;
     CScene& scene = m_pSession->Scene();
     SNode* pLast = scene.Find("p");
@@ -296,6 +296,7 @@ TEST_F(ProbeEvaluation, ALongChainOfLinksIsFollowedToItsBegin) {
         scene.Remove(*scene.Nodes().back());
     }
     EXPECT_EQ(Seen("r"), 1);
+    EXPECT_EQ(scene.Find("p")->nVisitedBy, scene.Find("r")->nVisitedBy);
 }
 
 TEST_F(ProbeEvaluation, ACycleGoesRoundOnceAndSaysSo) {

@@ -163,6 +163,11 @@ TEST_F(History, UndoingARenameLeavesAnObjectWhereItWasMovedTo) {
     Must("change_object clip=Clip name=Cube to=Box matrix=[1,0,0,0,0,1,0,0,0,0,1,0,8,9,7,1]");
     Must("undo");
     EXPECT_EQ(Must("objects"), objects) << "where the step moved it";
+
+    Must(R"({"op":"batch","requests":[{"op":"remove_object","clip":"Clip","name":"Lamp"},
+        {"op":"change_object","clip":"Clip","name":"Cube","to":"Lamp"}]})");
+    Must("undo");
+    EXPECT_EQ(Must("objects"), objects) << "another's name";
 }
 
 TEST_F(History, FewerStepsAreKeptWhereTheyHoldLongTexts) {

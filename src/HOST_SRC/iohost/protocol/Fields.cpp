@@ -56,8 +56,8 @@ Json ParseJson(std::string_view text, const std::string& strWhat) {
     const size_t nTooDeep = FindTooDeep(text);
     try {
         Json json = Json::parse(text.substr(0, nTooDeep));
-        if (const size_t nZero = text.find('\0');
-            nZero != std::string_view::npos) { // what the parser takes for the end
+        // The parser takes a zero for the end of the text.
+        if (const size_t nZero = text.find('\0'); nZero != std::string_view::npos) {
             throw CRefusal(strWhat + ": not JSON, from byte " + std::to_string(nZero + 1) + " on");
         }
         return json;

@@ -316,7 +316,8 @@ inline constexpr bool FITS_BATCH =
               SLinkCommand, SUnlinkCommand, SObjectCommand, SChangeObjectCommand, SRemoveObjectCommand, SDevicesCommand,
               SDeviceCommand, SRemoveDeviceCommand, SDestroyCommand, SRenameCommand, SPlaceCommand>;
 
-/// Whether the scene's version counts commands of a kind. SObjectCommand isn't: recordings have the versions.
+/// Whether the scene's version counts commands of a kind. Not those of SObjectCommand: it never
+/// counted, and recorded replies hold the version.
 template <typename Kind>
 inline constexpr bool CHANGES_SCENE =
     (FITS_BATCH<Kind> && !std::is_same_v<Kind, SObjectCommand>) ||

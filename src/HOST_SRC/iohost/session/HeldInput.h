@@ -3,6 +3,7 @@
 #pragma once
 
 #include <boost/core/noncopyable.hpp>
+#include <cstddef>
 #include <list>
 #include <optional>
 #include <string>

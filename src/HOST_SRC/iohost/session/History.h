@@ -42,8 +42,8 @@ public:
     const SStep* ToUndo() const { return m_nDone > 0 ? &m_entries[m_nDone - 1].step : nullptr; }
     const SStep* ToRedo() const { return m_nDone < m_entries.size() ? &m_entries[m_nDone].step : nullptr; }
 
-    /// Undo the one or redo the other in the scene. It must be there. Where that fails no step fits the scene any more:
-    /// all are forgotten.
+    /// Undo the last step, or with bForth redo the next; there must be one. If that fails, no step fits the scene any
+    /// more: all are forgotten.
     SSceneChange Move(bool bForth, CHost& host, CPeers& peers);
 
     std::vector<SStep> Steps() const;

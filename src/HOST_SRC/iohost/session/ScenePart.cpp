@@ -74,7 +74,7 @@ void ChangeObjects(VEKClip& clip, const std::vector<SObjectDocument>& from, cons
     std::vector<VEKObject*> objects;
     for (size_t i = 0; i < to.size(); ++i) {
         auto was = find(from, to[i].strName);
-        if (was == from.end() && i < from.size() && find(to, from[i].strName) == to.end()) {
+        if (was == from.end() && from.size() == to.size() && find(to, from[i].strName) == to.end()) {
             was = from.begin() + static_cast<std::ptrdiff_t>(i); // by its former name
         }
         VEKObject* pObject = was != from.end() ? clip.FindObject(was->strName, 0) : new VEKObject(CString());

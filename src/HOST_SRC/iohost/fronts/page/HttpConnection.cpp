@@ -218,8 +218,7 @@ Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer
     co_return response;
 }
 
-/// Scenes may be large: one at a time goes over the network, for as long as whoever has the turn keeps it. Null while
-/// another one does.
+/// Scenes may be large: only one is transferred at a time. Null while another one is.
 std::shared_ptr<void> TakeSceneTurn(const SHttpSite& site) {
     if (!site.sceneTurn.expired()) {
         return nullptr;
@@ -315,7 +314,7 @@ Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
         const Request& request = parser.get();
         const bool bHeaderOnly = !error && request.method() == http::verb::head;
         std::optional<Response> response;
-        std::shared_ptr<void> pSceneTurn; // until the response is written
+        std::shared_ptr<void> pSceneTurn;
         if (error) {
             response =
                 MakeRefusal(Request{}, http::status::bad_request, "This is no HTTP request that is answered here.");
@@ -349,6 +348,7 @@ Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
         }
 
         co_await WriteResponse(stream, *response, bHeaderOnly, error);
+        pSceneTurn.reset();
         if (error || !response->keep_alive()) {
             co_await CloseGently(stream);
             co_return;

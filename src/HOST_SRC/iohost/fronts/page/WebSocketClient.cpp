@@ -44,7 +44,7 @@ Awaitable<void> CWebSocketClient::Run(UpgradeRequest request) {
     m_socket.text(true);
     m_listener.OnClientOpened(pSelf);
     co_await ReadTexts();
-    Drop(); // one that only says that it sends nothing more is still there
+    Drop(); // a client that has only shut down its sending side would stay connected
     m_listener.OnClientClosed(*this);
 }
 
@@ -114,8 +114,8 @@ std::shared_ptr<const std::string> CWebSocketClient::TakeText() {
     return pText;
 }
 
-/// Joins texts into a message of LONGEST_GATHERED at most, or takes a single longer one as it is. What is left goes out
-/// right after.
+/// Joins texts into a message of about LONGEST_GATHERED at most, or takes a single longer one as it is. What is left
+/// goes out right after.
 std::shared_ptr<const std::string> CWebSocketClient::TakeGathered() {
     std::shared_ptr<const std::string> pText = TakeText();
     if (pText->size() < LONGEST_GATHERED) {
