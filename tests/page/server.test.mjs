@@ -394,7 +394,8 @@ test("a viewer that is told together is told the same in the same order", async 
   const messages = [];
   socket.on("message", (data) => messages.push(JSON.parse(String(data))));
   await until("the greeting", () => messages.length > 0);
-  assert.deepEqual(messages[0].map(({ push }) => push), ["hello", "held", "history"]);
+  const greeting = messages[0].slice(0, 3); // a frame's pushes may follow at once
+  assert.deepEqual(greeting.map(({ push }) => push), ["hello", "held", "history"]);
 
   for (let press = 0; press < 10; ++press) {
     for (const event of [2002, 2003]) {
