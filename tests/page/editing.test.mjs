@@ -55,6 +55,68 @@ test("what was moved stays where it was put when the drag breaks off or the key'
   await stepIs("Move Text field 1");
 });
 
+/** Takes back the step that moved the mouse node, which was all that moved it. */
+async function undoMove() {
+  await stepIs("Move Mouse 1");
+  await page.keyboard.press("Control+z");
+  await until("the place before", async () => JSON.stringify(await placeOf("m")) === '{"x":0,"y":200}');
+}
+
+test("a node is dragged again after a second finger broke a drag off; each drag is a step", async () => {
+  const wire = await page.page.context().newCDPSession(page.page);
+  await wire.send("Emulation.setTouchEmulationEnabled", { enabled: true, maxTouchPoints: 2 });
+  await page.page.reload();
+  await page.page.locator(".react-flow__edge").waitFor();
+  const touch = (type, ...touchPoints) => wire.send("Input.dispatchTouchEvent", { type, touchPoints });
+  const drag = async (...others) => {
+    const { x, y } = await canvas.middleOf(canvas.face("m").locator("header strong"));
+    await touch("touchStart", { x, y });
+    await touch("touchMove", { x: x + 40, y });
+    await touch("touchMove", { x: x + 50, y });
+    for (const other of others) {
+      await touch("touchStart", { x: x + 50, y }, { x, y: y + other });
+      await touch("touchMove", { x: x + 60, y }, { x, y: y + other + 10 });
+    }
+    await touch("touchEnd");
+  };
+  await drag(60);
+  await stepIs("Move Mouse 1");
+  const { x } = await placeOf("m");
+  await drag();
+  await until("another place", async () => (await placeOf("m")).x > x);
+  await page.keyboard.press("Control+z");
+  await until("the place before", async () => (await placeOf("m")).x === x);
+  await undoMove();
+});
+
+test("a drag during which the focus leaves is one step", async () => {
+  await canvas.choose("m");
+  await canvas.chosen().focus();
+  const { x, y } = await canvas.middleOf(canvas.face("m").locator("header strong"));
+  await page.mouse.move(x, y);
+  await page.mouse.down();
+  await page.mouse.move(x + 30, y, { steps: 4 });
+  await page.page.locator(".log-search").focus();
+  await page.mouse.move(x + 60, y, { steps: 4 });
+  await page.mouse.up();
+  await canvas.pane().focus();
+  await undoMove();
+});
+
+test("a held arrow key is one step, also after a click that jittered", async () => {
+  const { x, y } = await canvas.middleOf(canvas.face("m").locator("header strong"));
+  await page.mouse.move(x, y);
+  await page.mouse.down();
+  await page.mouse.move(x + 4, y);
+  await page.mouse.up();
+  await canvas.chosen().focus();
+  for (let held = 0; held < 3; ++held) {
+    await page.keyboard.down("ArrowDown");
+  }
+  await page.keyboard.up("ArrowDown");
+  await undoMove();
+});
+
 test("what is chosen by a frame is moved by the arrow keys as one step", async () => {
   await page.page.locator(".react-flow__controls-fitview").click();
   const { x, y, width, height } = await canvas.pane().boundingBox();

@@ -124,9 +124,12 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
 
   // Where nodes and notes were moved to, until that is asked for.
   const moved = useRef(new Map<string, XYPosition>());
+  const mayDrag = useRef(false);
   const isDragging = useRef(false);
-  const beginDrag = useConstant(() => void (isDragging.current = true));
   const place = useConstant(() => {
+    if (isDragging.current) {
+      return; // the drop will
+    }
     const all = faces.flatMap((face) => (moved.current.has(face.id) ? { ...face, position: moved.current.get(face.id)! } : []));
     moved.current.clear();
     const movedNodes = all.flatMap(({ type, data, position }) =>
@@ -139,7 +142,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   });
   const follow = useConstant((told: NodeChange<CanvasNode>[]) => {
     // After a drag that broke off at the edge the library drags and pans on until it hears that it's not to.
-    const changes = told.filter((change) => isDragging.current || change.type !== "position" || change.dragging !== true);
+    const changes = told.filter((change) => mayDrag.current || change.type !== "position" || change.dragging !== true);
     let isDropped = false;
     for (const change of changes) {
       if (change.type === "select") {
@@ -149,12 +152,13 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       if (change.type === "position" && change.position !== undefined && change.dragging !== undefined) {
         moved.current.set(change.id, change.position);
         isDropped ||= isDragging.current && !change.dragging;
+        isDragging.current = change.dragging;
+        mayDrag.current &&= change.dragging;
       }
     }
     onFacesChange(changes);
-    // A drag that breaks off ends so, too, which the library tells by no event of its own.
+    // The library tells the end of a drag that breaks off only by this change, not by onNodeDragStop.
     if (isDropped) {
-      isDragging.current = false;
       place();
     }
   });
@@ -209,7 +213,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
         }}
       />
       <QuestionBar desk={desk} />
-      <div class="graph" data-graph ref={pane} tabIndex={-1} {...keys}>
+      <div class="graph" data-graph ref={pane} tabIndex={-1} onPointerDownCapture={() => (mayDrag.current = true)} {...keys}>
         <ReactFlow<CanvasNode, Wire>
           colorMode="system"
           nodes={faces}
@@ -231,7 +235,6 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
           multiSelectionKeyCode={ADDING_KEYS}
           zoomOnDoubleClick={false}
           nodeDragThreshold={2}
-          onNodeDragStart={beginDrag}
           autoPanOnNodeDrag={isDragging.current}
           minZoom={0.1}
           maxZoom={1.5}
