@@ -8,6 +8,8 @@ import { browser, host, page, script } from "./support/scene.mjs";
 import { createNode, expectEventually, must, nodeOf, Type, until } from "./support/session.mjs";
 import { test } from "./support/test.mjs";
 
+const HAS_TEXT = 252;
+
 useCanvas();
 
 test("a node that is dragged stays where it was put, on every page, and goes back when that's undone", async () => {
@@ -399,6 +401,12 @@ test("what was typed and wasn't taken stays, with the reason, until it's taken o
   assert.equal(await number.inputValue(), "12a");
   await number.press("Escape");
   await reason.waitFor({ state: "detached" });
+  await number.fill("12a");
+  await number.press("Enter");
+  await reason.waitFor();
+  await must(script, { op: "link", from: "t", output: HAS_TEXT, to: "s", input: 1503 });
+  await reason.waitFor({ state: "detached" });
+  assert.equal(await number.inputValue(), "0");
 });
 
 test("what is being typed goes with its scene: the next one's node and note of the same name stay as they are", async () => {

@@ -1,5 +1,5 @@
 import type { ComponentChildren } from "preact";
-import { useState } from "preact/hooks";
+import { useLayoutEffect, useState } from "preact/hooks";
 import { fedInput } from "../fed.ts";
 import { shortestFloat } from "../format.ts";
 import type { Host } from "../host.ts";
@@ -203,12 +203,17 @@ function Choice({ node, param, onEdit }: ControlProps) {
  * What is typed into a field stays there until it's taken (Enter, or the field loses the focus), whatever the host
  * tells meanwhile; Escape takes it back.
  */
-function useDraft(current: string, { onError }: ControlProps, commit: (draft: string) => Promise<boolean>) {
+function useDraft(current: string, { param, onError }: ControlProps, commit: (draft: string) => Promise<boolean>) {
   const [draft, setDraft] = useState<string | null>(null);
   const change = (changed: string | null) => {
     setDraft(changed);
     onError(null);
   };
+  useLayoutEffect(() => {
+    if (!param.available) {
+      change(null); // nobody could take it back
+    }
+  }, [param.available]);
   const finish = async () => {
     if (draft !== null && (await commit(draft))) {
       setDraft((now) => (now === draft ? null : now));
