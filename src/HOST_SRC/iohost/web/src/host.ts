@@ -101,6 +101,11 @@ export class Host implements ConnectionListener {
     this.requests = new Requests(this.#connection);
   }
 
+  /** Whether this is still the host's scene: of another the page is told before it's shown. */
+  isCurrent(scene: number): boolean {
+    return scene === this.#toldScene;
+  }
+
   sendInput(event: InputEvent): void {
     this.#connection.send({ op: "event", ...event });
   }

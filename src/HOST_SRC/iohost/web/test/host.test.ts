@@ -220,6 +220,7 @@ test("another scene begins anew, also for nodes of the same handles; a new conne
     tell();
     retry();
     assert.deepEqual([host.sceneNumber.value, host.fired.of("k", 152).value, host.active.of("k").value], [before, null, null]);
+    assert.equal(host.isCurrent(before), false, "what is typed now isn't done to the next scene");
     await answerScene(socket, [KEYS]);
     assert.notEqual(host.sceneNumber.value, before);
     socket.tell({ push: "happened", frame: 2, posted: [{ node: "k", output: 152 }] });

@@ -61,7 +61,7 @@ export class Editor {
   }
 
   get #isGone(): boolean {
-    return this.#scene !== this.host.sceneNumber.peek();
+    return !this.host.isCurrent(this.#scene);
   }
 
   node(handle: string): NodeView | undefined {

@@ -31,7 +31,7 @@ export function ParamEditor({ host, node, param: present }: EditorProps) {
   const kind = kindOf(param);
   /** Answers whether that was taken. */
   const edit = async (value: EditValue): Promise<boolean> => {
-    if (scene !== host.sceneNumber.peek()) {
+    if (!host.isCurrent(scene)) {
       return false; // what is typed while its scene goes isn't done to the next one
     }
     const refused = await host.requests.change({ op: "edit", node, param: param.id, ...value });
