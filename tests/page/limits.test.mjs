@@ -74,7 +74,7 @@ test("a terminal that isn't read stalls nobody, and not the end with its release
   const host = await startHost();
   const script = await createScene(host.address);
   host.stopReading();
-  await press(script, 50, 2000); // more than a pipe holds
+  await press(script, 50, 20_000); // more than pipe and reader hold
   await endsWithRelease(host, script, "SIGTERM");
 });
 
@@ -107,7 +107,7 @@ test("a stand-in device whose lines aren't read takes connections and ends", asy
   const { listening } = JSON.parse(String(line));
   const [name, port] = listening.split(":");
   // More lines than a pipe and its reader hold.
-  await repeat(1500, () => once(net.connect(Number(port), name).on("error", () => {}).resume(), "close"));
+  await repeat(4000, () => once(net.connect(Number(port), name).on("error", () => {}).resume(), "close"));
   device.kill("SIGTERM");
   const [code] = await once(device, "exit");
   assert.equal(code, 0);
