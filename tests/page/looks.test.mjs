@@ -1,5 +1,6 @@
 // How the page looks to whom: its languages, its colours, its motion.
 import assert from "node:assert/strict";
+import { openContext } from "./support/browser.mjs";
 import { startHost } from "./support/host.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
@@ -101,7 +102,7 @@ test("names of types, pins and choices follow the switch, whichever the host's a
 });
 
 test("the browser's languages choose the page's, and a switch does, which the page remembers", async () => {
-  const context = await browser.newContext({ locale: "zh-CN" });
+  const context = await openContext(browser, { locale: "zh-CN" });
   const view = { page: await context.newPage() };
   await view.page.goto(host.page);
   await view.page.getByRole("heading", { name: "渲染画面" }).waitFor();

@@ -1,5 +1,6 @@
 // The page on a phone: the scene is watched and operated by touch, and nothing of it is changed.
 import assert from "node:assert/strict";
+import { openContext } from "./support/browser.mjs";
 import { opened } from "./support/opened.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, script, useHost } from "./support/scene.mjs";
@@ -18,7 +19,7 @@ let phone;
 let sent;
 
 beforeEach(async () => {
-  const context = await browser.newContext({ viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true });
+  const context = await openContext(browser, { viewport: { width: 390, height: 844 }, hasTouch: true, isMobile: true });
   opened.push(() => context.close());
   phone = await context.newPage();
   sent = [];

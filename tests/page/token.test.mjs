@@ -1,6 +1,6 @@
 // A server that others can reach asks each of them for the token of the address that it printed.
 import assert from "node:assert/strict";
-import { startBrowser } from "./support/browser.mjs";
+import { openContext, startBrowser } from "./support/browser.mjs";
 import { startHost } from "./support/host.mjs";
 import { ask, upgrade } from "./support/http.mjs";
 import { openTab } from "./support/page.mjs";
@@ -66,7 +66,7 @@ test("the page opens by the printed address and stays open to a reload without t
     await page.goto(url);
     await page.locator("article[data-node=k]").waitFor();
   }
-  const stranger = await (await browser.newContext()).newPage();
+  const stranger = await (await openContext(browser)).newPage();
   assert.equal((await stranger.goto(`http://${address}/`)).status(), 401);
   await browser.close();
 });

@@ -21,7 +21,13 @@ export async function startBrowser({ space = false } = {}) {
     ],
   });
   opened.push(() => browser.close());
-  const window = await browser.newContext({ viewport: space ? { width: 1024, height: 560 } : { width: 1280, height: 800 } });
-  window.setDefaultTimeout(LONGEST_WAIT_MS);
+  await openContext(browser, { viewport: space ? { width: 1024, height: 560 } : { width: 1280, height: 800 } });
   return browser;
+}
+
+/** A window of its own, which knows nothing of the others. */
+export async function openContext(browser, options) {
+  const context = await browser.newContext(options);
+  context.setDefaultTimeout(LONGEST_WAIT_MS);
+  return context;
 }
