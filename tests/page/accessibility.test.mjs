@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import { readFileSync } from "node:fs";
 import { createRequire } from "node:module";
-import { canvasOf } from "./support/canvas.mjs";
+import { canvasOf, drawn } from "./support/canvas.mjs";
 import { temporaryFolder } from "./support/folder.mjs";
 import { startHost } from "./support/host.mjs";
 import * as is from "./support/page.mjs";
@@ -16,10 +16,10 @@ const RULES = ["wcag2a", "wcag2aa", "wcag21aa", "wcag22aa"];
 const PARTS = ["[data-open-device]", "[data-open-object]", ".part-index nav:first-child button:last-child", ".part-index nav:last-child button:last-child"];
 /** What of a tab is loaded later than the tab. */
 const LOADED = { keyboard: ".hg-button", hands: "[data-hand]" };
-/** Colours are the same in all languages, and nothing else depends on them. */
-const COLORS = "color-contrast";
-const ALL = [["dark", { runOnly: RULES }], ["light", { runOnly: [COLORS] }]];
-const BUT_COLORS = [["dark", { runOnly: RULES, rules: { [COLORS]: { enabled: false } } }]];
+/** What depends on colours, which are the same in all languages. */
+const COLORS = ["color-contrast", "link-in-text-block"];
+const ALL = [["dark", { runOnly: RULES }], ["light", { runOnly: COLORS }]];
+const BUT_COLORS = [["dark", { runOnly: RULES, rules: Object.fromEntries(COLORS.map((rule) => [rule, { enabled: false }])) }]];
 /** The log is in front first, when the whole page is looked at. */
 const TABS = is.TABS.filter((tab) => tab !== "log");
 
@@ -54,6 +54,7 @@ async function violationsIn(part, { looks = ALL, view = page.page } = {}) {
   const found = [];
   for (const [colorScheme, options] of looks) {
     await view.emulateMedia({ colorScheme });
+    await view.evaluate(drawn);
     const { violations } = await view.evaluate(
       ([part, options]) => window.axe.run(part, { ...options, resultTypes: ["violations"], preload: false }),
       [part, options],
