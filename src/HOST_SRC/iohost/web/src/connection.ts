@@ -104,7 +104,7 @@ export class Connection {
     setTimeout(() => this.#open(), delay);
   }
 
-  /** Of a socket that didn't open the browser doesn't tell the status that it was refused with. */
+  /** The browser doesn't tell why a WebSocket didn't open: a request for the page does. */
   async #askWhy(): Promise<void> {
     try {
       this.#listener.failed((await fetch(".", { cache: "no-store" })).status === 401);

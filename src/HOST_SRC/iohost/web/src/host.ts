@@ -32,7 +32,7 @@ const FIRST_NODES = 20;
 /** What the page knows of its host, and what it asks of it. */
 export class Host implements ConnectionListener {
   readonly connection = signal<ConnectionState>({ is: "connecting" });
-  /** The host refuses this page: it's another one by now, with a token of its own. */
+  /** The host was started anew and doesn't take this page's token. */
   readonly isRefused = signal(false);
   /** Null while there is no connection. */
   readonly frames = signal<FrameWatch | null>(null);

@@ -115,7 +115,7 @@ test("a key that went down while there was no connection is held nowhere, and it
   assert.deepEqual(socket.keys.slice(-4), [EventId.keyDown, [65], EventId.keyUp, []]);
 });
 
-test("where the host answers and takes the page no longer, which has another host's token, the page knows", async () => {
+test("a page knows when the host no longer takes its token", async () => {
   const { host } = openPage();
   let status = 401;
   mock.method(globalThis, "fetch", async () => ({ status }));
