@@ -47,6 +47,7 @@ test("what was moved stays where it was put when the drag breaks off or the key'
   await page.mouse.up();
   await stepIs("Move Mouse 1");
   assert.ok((await placeOf("m")).x > 0);
+  await page.page.evaluate(drawn); // the library pans until it heard of the end
   const after = await view();
   await page.page.evaluate(drawn);
   assert.equal(await view(), after);
