@@ -117,10 +117,10 @@ class Host:
         self.display.do("click", 1)
         self.display.do("windowfocus", "--sync", self.window)
 
-    def size(self):
-        """With its frame if the system draws one."""
+    def geometry(self):
+        """Where it is and its size, with its frame if the system draws one."""
         text = self.display.do("getwindowgeometry", "--shell", self.window)
-        return tuple(int(re.search(rf"^{name}=(\d+)$", text, re.MULTILINE)[1]) for name in ("WIDTH", "HEIGHT"))
+        return tuple(int(re.search(rf"^{name}=(-?\d+)$", text, re.MULTILINE)[1]) for name in ("X", "Y", "WIDTH", "HEIGHT"))
 
     def frames(self):
         return sum(line["op"] == "process" for line in self.lines())
@@ -357,13 +357,15 @@ class WindowInput(unittest.TestCase):
         other = Host(self.display, self.folder, "dragged", (0, 0),
                      started_by=["explorer", "/desktop=frames,900x700"])
         try:
-            width, height = other.size()
+            x, y, width, height = other.geometry()
             place = self.place_in_window(other, (100, 100))
             self.drag_with_frames(other, (width // 2, 12), (width // 2 + 200, 112))
+            # A press would go to what was there before.
+            until(lambda: other.geometry()[:2] != (x, y), "the window has moved")
             self.assertEqual(self.place_in_window(other, (300, 200)), place)
             corner = width + 198, height + 98
             self.drag_with_frames(other, corner, (corner[0] + 50, corner[1] + 30))
-            until(lambda: other.size() == (width + 50, height + 30), "the window has grown")
+            until(lambda: other.geometry()[2:] == (width + 50, height + 30), "the window has grown")
             self.display.do("key", "alt+F4")
             self.assertEqual(other.program.wait(TIME_LIMIT), 0)
         finally:
