@@ -13,11 +13,14 @@
 #include "host/GeneralEvent.h"
 #include "host/RemoteControlRecord.h"
 
+/// What a fired event's parameter points at, as the scene knew it then: a clip's name, a node's handle or an integer.
+using PointedAt = std::variant<std::monostate, CString, std::string, int>;
+
 /// The output came by a message to the host's event window.
 struct SFiredByWindow {
     std::shared_ptr<const SQOREvent> pEvent; ///< never null
     unsigned long long nWParam;
-    std::vector<std::optional<std::string>> points; ///< of each parameter: "clip:NAME", "node:HANDLE" or "int:VALUE"
+    std::vector<PointedAt> points; ///< of each parameter
 };
 
 /// It came straight to the host.

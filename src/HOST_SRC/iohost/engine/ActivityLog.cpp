@@ -2,8 +2,6 @@
 
 #include <cwchar>
 
-#include "base/TextUtf8.h"
-
 namespace {
 
 bool PointsAtType(const VEKParam& param, const wchar_t* pszTypeName) {
@@ -27,31 +25,41 @@ CActivityLog::~CActivityLog() {
 }
 
 void CActivityLog::OnEventMessage(std::unique_ptr<const SQOREvent> pEvent, WPARAM wParam) {
-    const VEKProperty* pNode = nullptr;
+    SNode* pNode = nullptr;
     std::optional<int> output;
-    std::vector<std::optional<std::string>> points;
+    std::vector<PointedAt> points;
     points.reserve(static_cast<size_t>(pEvent->m_lstParam.GetCount()));
     for (POSITION pos = pEvent->m_lstParam.GetHeadPosition(); pos != nullptr;) {
         const VEKParam& param = *pEvent->m_lstParam.GetNext(pos);
-        points.push_back(PointsAt(param));
-        if (PointsAtType(param, L"VEKProperty")) {
-            pNode = static_cast<const VEKProperty*>(param.m_pValue);
-        } else if (param.m_pValue != nullptr && PointsAtType(param, L"EventID")) {
+        PointedAt& pointed = points.emplace_back();
+        if (param.m_pValue == nullptr) {
+            continue;
+        }
+        if (PointsAtType(param, L"VEKClip")) {
+            if (const VEKClip* pClip = m_scene.FindClip(param.m_pValue)) {
+                pointed = pClip->m_strName;
+            }
+        } else if (PointsAtType(param, L"VEKProperty")) {
+            pNode = Find(static_cast<const VEKProperty*>(param.m_pValue));
+            if (pNode != nullptr) {
+                pointed = pNode->strHandle;
+            }
+        } else if (PointsAtType(param, L"EventID")) {
             output = *static_cast<const int*>(param.m_pValue);
+            pointed = *output;
         }
     }
     OnFired(pNode, output, SFiredByWindow{std::move(pEvent), wParam, std::move(points)});
 }
 
-void CActivityLog::OnFired(const VEKProperty* pNode, std::optional<int> output, decltype(SFired::by) by) {
-    SNode* pFound = m_scene.Find(pNode);
-    if (pFound != nullptr) {
-        pFound->CountFired(output);
+void CActivityLog::OnFired(SNode* pNode, std::optional<int> output, decltype(SFired::by) by) {
+    if (pNode != nullptr) {
+        pNode->CountFired(output);
         if (output) {
-            m_scene.Fire(*pFound, static_cast<unsigned>(*output));
+            m_scene.Fire(*pNode, static_cast<unsigned>(*output));
         }
     }
-    m_activity.fired.push_back({HandleOf(pFound), output, std::move(by)});
+    m_activity.fired.push_back({HandleOf(pNode), output, std::move(by)});
 }
 
 void CActivityLog::OnNotifyMessage(WPARAM wParam, LPARAM lParam) {
@@ -64,33 +72,17 @@ void CActivityLog::OnLogLine(const SLogLine& line) {
 }
 
 void CActivityLog::OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) {
-    OnFired(pNode, nOutput,
-            SFiredByHost{ClipName(pClip), pObject != nullptr ? std::optional(pObject->m_strName) : std::nullopt});
+    const VEKClip* pKnownClip = m_scene.FindClip(pClip);
+    OnFired(Find(pNode), nOutput,
+            SFiredByHost{pKnownClip != nullptr ? std::optional(pKnownClip->m_strName) : std::nullopt,
+                         pObject != nullptr ? std::optional(pObject->m_strName) : std::nullopt});
 }
 
 void CActivityLog::OnNodeRedraw(SGraphNode* pGraphNode) {
     m_activity.redrawn.push_back({HandleOf(m_scene.Find(pGraphNode))});
 }
 
-std::optional<CString> CActivityLog::ClipName(const void* pClip) const {
-    const VEKClip* pKnownClip = m_scene.FindClip(pClip);
-    return pKnownClip != nullptr ? std::optional(pKnownClip->m_strName) : std::nullopt;
-}
-
-std::optional<std::string> CActivityLog::PointsAt(const VEKParam& param) const {
-    if (param.m_pValue == nullptr) {
-        return std::nullopt;
-    }
-    if (PointsAtType(param, L"VEKClip")) {
-        const auto name = ClipName(param.m_pValue);
-        return name ? std::optional("clip:" + Utf8(*name)) : std::nullopt;
-    }
-    if (PointsAtType(param, L"VEKProperty")) {
-        const auto handle = HandleOf(m_scene.Find(static_cast<const VEKProperty*>(param.m_pValue)));
-        return handle ? std::optional("node:" + *handle) : std::nullopt;
-    }
-    if (PointsAtType(param, L"EventID")) {
-        return "int:" + std::to_string(*static_cast<const int*>(param.m_pValue));
-    }
-    return std::nullopt;
+SNode* CActivityLog::Find(const VEKProperty* pNode) {
+    const bool bCalled = m_pCalledNode != nullptr && m_pCalledNode->pNode == pNode; // as nearly always
+    return bCalled ? m_pCalledNode : m_scene.Find(pNode);
 }

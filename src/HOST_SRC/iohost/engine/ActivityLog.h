@@ -42,9 +42,8 @@ public:
     SActivity Exchange(SActivity begin) { return std::exchange(m_activity, std::move(begin)); }
 
 private:
-    void OnFired(const VEKProperty* pNode, std::optional<int> output, decltype(SFired::by) by);
-    std::optional<CString> ClipName(const void* pClip) const;
-    std::optional<std::string> PointsAt(const VEKParam& param) const;
+    void OnFired(SNode* pNode, std::optional<int> output, decltype(SFired::by) by);
+    SNode* Find(const VEKProperty* pNode);
 
     CScene& m_scene;
     SNode* m_pCalledNode = nullptr;

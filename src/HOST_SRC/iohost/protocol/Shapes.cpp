@@ -13,6 +13,22 @@ constexpr int VERSION = 1;
 
 constexpr const char* VALUE_FIELDS[] = {"int", "float", "string", "choice"};
 
+OrderedJson PointedAtText(const PointedAt& pointed) {
+    return std::visit(
+        []<typename Kind>(const Kind& what) -> OrderedJson {
+            if constexpr (std::is_same_v<Kind, CString>) {
+                return "clip:" + Utf8(what);
+            } else if constexpr (std::is_same_v<Kind, std::string>) {
+                return "node:" + what;
+            } else if constexpr (std::is_same_v<Kind, int>) {
+                return "int:" + std::to_string(what);
+            } else {
+                return nullptr;
+            }
+        },
+        pointed);
+}
+
 } // namespace
 
 // ---- Commands -----------------------------------------------------------------------------------------------------
@@ -220,7 +236,7 @@ void AppendFields(OrderedJson& json, const SFiredByWindow& fired) {
     const SQOREvent& event = *fired.pEvent;
     OrderedJson params = OrderedJson::array();
     POSITION pos = event.m_lstParam.GetHeadPosition();
-    for (const std::optional<std::string>& points : fired.points) {
+    for (const PointedAt& points : fired.points) {
         const VEKParam& param = *event.m_lstParam.GetNext(pos);
         OrderedJson told = OrderedJson::object();
         AppendMember(told, "id", static_cast<unsigned>(param.m_guid.Data1));
@@ -229,7 +245,7 @@ void AppendFields(OrderedJson& json, const SFiredByWindow& fired) {
         AppendMember(told, "type", param.m_nType);
         AppendMember(told, "control", param.m_nControl);
         AppendMember(told, "type_name", Utf8(CString(param.m_szTypeName)));
-        AppendMember(told, "points", ToJson(points));
+        AppendMember(told, "points", PointedAtText(points));
         params.push_back(std::move(told));
     }
     AppendMember(json, "name", Utf8(event.m_strName));

@@ -89,6 +89,7 @@ std::vector<SNode*> CSession::NodeOrAll(const std::optional<std::string>& handle
         return {&NodeOf(*handle)};
     }
     std::vector<SNode*> nodes;
+    nodes.reserve(Scene().Nodes().size());
     for (const auto& pNode : Scene().Nodes()) {
         nodes.push_back(pNode.get());
     }
