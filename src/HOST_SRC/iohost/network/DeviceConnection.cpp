@@ -35,6 +35,7 @@ Awaitable<std::string> CDeviceConnection::Connect(asio::ip::tcp::endpoint addres
     }
     error_code ignored;
     Socket().set_option(asio::ip::tcp::no_delay(true), ignored);
+    Socket().non_blocking(true, ignored);
     NoticeLostPeer(static_cast<std::uintptr_t>(Socket().native_handle()));
     m_bConnected = true;
     co_return std::string();
@@ -67,28 +68,34 @@ void CDeviceConnection::Disconnect(std::string strReason) {
     Close();
 }
 
+/// What the system has room for is written at once, the rest as soon as there is room again.
 void CDeviceConnection::Write() {
-    if (m_queue.IsWriting() || !m_bConnected || !Socket().is_open() || m_loop.IsListenOnly()) {
-        return;
+    while (!m_queue.IsWriting() && m_bConnected && Socket().is_open() && !m_loop.IsListenOnly()) {
+        const auto pBytes = m_queue.BeginWrite(std::chrono::steady_clock::now());
+        if (pBytes->empty()) {
+            return;
+        }
+        error_code error;
+        const size_t nWritten = Socket().write_some(asio::buffer(*pBytes), error);
+        if (nWritten == pBytes->size() || (error && error != asio::error::would_block)) {
+            OnWritten(error);
+            continue;
+        }
+        asio::async_write(
+            Socket(), asio::buffer(*pBytes) + nWritten,
+            [pSelf = shared_from_this(), nConnection = m_nConnection, pBytes](const error_code& result, size_t) {
+                if (nConnection == pSelf->m_nConnection) { // else that connection is over, and so is what it was sent
+                    pSelf->OnWritten(result);
+                    pSelf->Write();
+                }
+            });
     }
-    const auto pBytes = m_queue.BeginWrite(std::chrono::steady_clock::now());
-    if (pBytes->empty()) {
-        return;
-    }
-    asio::async_write(
-        Socket(), asio::buffer(*pBytes),
-        [pSelf = shared_from_this(), nConnection = m_nConnection, pBytes](const error_code& error, size_t) {
-            if (nConnection == pSelf->m_nConnection) { // else that connection is over, and so is what was written to it
-                pSelf->OnWritten(error);
-            }
-        });
 }
 
 void CDeviceConnection::OnWritten(const error_code& error) {
     if (!error) {
         m_queue.EndWrite();
         m_loop.OnStateChanged();
-        Write();
     } else if (Socket().is_open()) {
         Disconnect(error.message());
     }
