@@ -57,32 +57,15 @@ void AppendEscaped(CString& strText, const CString& strValue) {
     strText.Append(pszValue + nPlainBegin, nLength - nPlainBegin);
 }
 
-/// Where the value of an attribute begins, in the element that begins at nElement and ends the document; -1 without the
-/// attribute. The way leads from value to value: within one anything may stand, but no quotation mark.
-int FindValue(const CString& strDocument, int nElement, const wchar_t* pszName) {
-    const size_t nNameLength = std::wcslen(pszName);
-    const wchar_t* pSpace = std::wcschr(strDocument.GetString() + nElement, L' ');
-    while (pSpace != nullptr && *pSpace == L' ') {
-        const wchar_t* const pName = pSpace + 1;
-        const wchar_t* const pValue = std::wcschr(pName, L'"') + 1;
-        if (pValue == pName + nNameLength + 2 && std::wmemcmp(pName, pszName, nNameLength) == 0) {
-            return static_cast<int>(pValue - strDocument.GetString());
-        }
-        pSpace = std::wcschr(pValue, L'"') + 1;
-    }
-    return -1;
-}
-
 } // namespace
 
-CMarkup::CMarkup() : m_nElement(-1) {}
+CMarkup::CMarkup() = default;
 CMarkup::~CMarkup() = default;
 
 bool CMarkup::AddElem(const wchar_t* pszName) {
     if (pszName == nullptr || *pszName == L'\0') {
         return false;
     }
-    m_nElement = m_strDocument.GetLength();
     m_strDocument.Preallocate(FIRST_ROOM);
     m_strDocument += L'<';
     m_strDocument += pszName;
@@ -91,18 +74,10 @@ bool CMarkup::AddElem(const wchar_t* pszName) {
 }
 
 bool CMarkup::SetAttrib(const wchar_t* pszName, const CString& strValue) {
-    if (m_nElement < 0 || pszName == nullptr || *pszName == L'\0') {
+    if (m_strDocument.IsEmpty() || pszName == nullptr || *pszName == L'\0') {
         return false;
     }
     const CString strKept = strValue; // which may be the document; NOLINT(performance-unnecessary-copy-initialization)
-    const int nValue = FindValue(m_strDocument, m_nElement, pszName);
-    if (nValue >= 0) {
-        const CString strBehind = m_strDocument.Mid(m_strDocument.Find(L'"', nValue));
-        m_strDocument.Delete(nValue, m_strDocument.GetLength() - nValue);
-        AppendEscaped(m_strDocument, strKept);
-        m_strDocument += strBehind;
-        return true;
-    }
     m_strDocument.Delete(m_strDocument.GetLength() - ELEMENT_END_LENGTH, ELEMENT_END_LENGTH);
     m_strDocument += L' ';
     m_strDocument += pszName;

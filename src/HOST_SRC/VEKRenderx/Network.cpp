@@ -77,5 +77,5 @@ SQORNetPlayCtrlDev* G_FindNetPlayCtrlDevByID(int nId) {
 }
 
 CString QORIntToStr(int nValue) {
-    return std::to_wstring(nValue).c_str();
+    return FromUtf8(std::to_string(nValue)); // to_wstring would format it, which is slow
 }

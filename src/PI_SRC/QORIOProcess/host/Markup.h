@@ -16,8 +16,8 @@ public:
     /// Append an empty element, which becomes the one that SetAttrib works on. False, and no change, for an empty name.
     bool AddElem(const wchar_t* pszName);
 
-    /// Set an attribute of the last element: a new one goes behind its others, an existing one gets the value in its
-    /// place. False, and no change, without an element or for an empty name.
+    /// Give the last element an attribute, behind its others; it must have none of that name yet. False, and no change,
+    /// without an element or for an empty name.
     bool SetAttrib(const wchar_t* pszName, const CString& strValue);
 
     /// The document so far.
@@ -25,5 +25,4 @@ public:
 
 private:
     CString m_strDocument;
-    int m_nElement; ///< where the last element begins in the document; -1 without one
 };
