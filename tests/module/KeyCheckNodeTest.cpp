@@ -68,20 +68,18 @@ TEST_F(KeyCheckNode, ToggledKeysAreNotDown) {
 }
 
 TEST_F(KeyCheckNode, EveryKeyCodeStandsForItsOwnKey) {
+    const int BITS[] = {0, 0x800, 0x10000, 0x40000000, -2147483647 - 1}; // above the modifiers they mean nothing
     for (int nCode = 1; nCode <= 255; ++nCode) {
         SCOPED_TRACE(nCode);
-        // Bits above the modifiers mean nothing.
-        for (const int nBits : {0, 0x800, 0x10000, 0x40000000, -2147483647 - 1}) {
-            Look(nBits | nCode);
-            m_keyboard.HoldAll();
-            m_keyboard.Release(nCode);
-            EXPECT_EQ(Evaluated(), Outputs{}) << "all others are down";
-            m_keyboard.ReleaseAll();
-            m_keyboard.Hold(nCode);
-            EXPECT_EQ(Evaluated(), Outputs{KEY_DOWN});
-            m_keyboard.ReleaseAll();
-            EXPECT_EQ(Evaluated(), Outputs{KEY_UP});
-        }
+        Look(BITS[nCode % 5] | nCode);
+        m_keyboard.HoldAll();
+        m_keyboard.Release(nCode);
+        EXPECT_EQ(Evaluated(), Outputs{}) << "all others are down";
+        m_keyboard.ReleaseAll();
+        m_keyboard.Hold(nCode);
+        EXPECT_EQ(Evaluated(), Outputs{KEY_DOWN});
+        m_keyboard.ReleaseAll();
+        EXPECT_EQ(Evaluated(), Outputs{KEY_UP});
     }
 }
 

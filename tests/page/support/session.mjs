@@ -92,11 +92,11 @@ export async function createScene(address, options) {
 /** Waits until something holds; fails after a while with what it looked for. */
 export async function until(what, holds) {
   const end = Date.now() + LONGEST_WAIT_MS;
-  while (!(await holds())) {
+  for (let pause = 10; !(await holds()); pause = Math.min(2 * pause, 50)) {
     if (Date.now() > end) {
       throw new Error(`Waited in vain for: ${what}`);
     }
-    await new Promise((resolve) => setTimeout(resolve, 10));
+    await new Promise((resolve) => setTimeout(resolve, pause));
   }
 }
 
