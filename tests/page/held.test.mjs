@@ -2,7 +2,7 @@
 import assert from "node:assert/strict";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script, useScene } from "./support/scene.mjs";
-import { logIn, must, openSession, postedIn, timesFired, until } from "./support/session.mjs";
+import { must, openSession, timesFired, until } from "./support/session.mjs";
 import { test } from "./support/test.mjs";
 
 useScene();
@@ -100,16 +100,6 @@ test("a page that is closed in mid-press is released for everybody else", async 
   await page.fires(is.KEY_UP, 1);
   await page.shows(is.BUTTON_RIGHT, "off");
   await page.logs(`synthetic release of the right button of pointer ${mouse}`);
-});
-
-test("a script's connection that breaks off is released with the reason in the log", async () => {
-  const other = await openSession(host.address);
-  await other.request({ op: "event", device: 0, event: 2002, payload: { is: "key", text: "s" } });
-  await until("the key down", () => postedIn(script.pushes).length === 1);
-  other.socket.terminate();
-  await until("the key up", () => postedIn(script.pushes).length === 2);
-  assert.deepEqual(postedIn(script.pushes), [is.KEY_DOWN, is.KEY_UP]);
-  assert.ok(logIn(script.pushes).includes('synthetic release of the key "s": its connection closed'));
 });
 
 const age = async (what) => parseFloat(await page.held(what).locator(".held-age").innerText());

@@ -49,13 +49,6 @@ test("Caps Lock turns letters upper case until it's pressed again, and shows on 
   await until("lower case on the keys", async () => (await key("b").innerText()) === "b");
 });
 
-test("Shift is for the next character only", async () => {
-  await type("{shift}");
-  await until("shifted keys", async () => (await key("[").innerText()) === "{");
-  await type("[", "[");
-  await page.shows(is.TEXT, "{[");
-});
-
 test("keys that come faster than frames are typed all", async () => {
   const keys = [..."qwertyuiopasdfghjklzxcvbnm"];
   await page.page.evaluate((names) => {

@@ -97,22 +97,6 @@ test("devices are shown with their state, their queue, their counters and the la
   assert.match(await peer("device-3").locator("[data-field=received-bytes]").innerText(), /KeyName="no node's"/);
 });
 
-test("a device that isn't there waits with the reason, and gets what is queued for it later", async () => {
-  const gone = await startDevice();
-  await gone.close();
-  await setDevices({ id: 3, name: "Wall", parser: "direct", address: gone.address });
-  await until("the reason", async () => /refused/.test(await field("device-3", "problem").innerText()));
-  await create("text", Type.stringSend);
-  await ask({ op: "set", node: "text", param: STRING_SEND.devId, int: 3 });
-  await ask({ op: "set", node: "text", param: STRING_SEND.text, string: "x".repeat(1023) });
-  await pressSend("text", STRING_SEND.send);
-  await shows("device-3", "queue", "1 item, 1.0 KiB");
-  const wall = await startDevice(gone.port);
-  await until("what was queued", () => wall.received.length === 1024);
-  await shows("device-3", "queue", "empty");
-  await shows("device-3", "sent", "1");
-});
-
 test("the listen-only switch shows what would be sent instead of sending it, as every page's badge says", async () => {
   const wall = await startDevice();
   await setDevices({ id: 3, name: "Wall", parser: "direct", address: wall.address });

@@ -4,7 +4,7 @@ import { openContext, startBrowser } from "./support/browser.mjs";
 import { startHost } from "./support/host.mjs";
 import { ask, upgrade } from "./support/http.mjs";
 import { openTab } from "./support/page.mjs";
-import { createScene, openSession } from "./support/session.mjs";
+import { createScene } from "./support/session.mjs";
 import { before, test } from "./support/test.mjs";
 
 let host;
@@ -69,10 +69,4 @@ test("the page opens by the printed address and stays open to a reload without t
   const stranger = await (await openContext(browser)).newPage();
   assert.equal((await stranger.goto(`http://${address}/`)).status(), 401);
   await browser.close();
-});
-
-test("a server that only this machine reaches needs none", async () => {
-  const own = await startHost();
-  assert.match(own.page, /^http:\/\/127\.0\.0\.1:\d+\/$/);
-  await openSession(own.address);
 });

@@ -91,14 +91,6 @@ function connect(): StandInSocket {
   return socket;
 }
 
-test("a key is told down and up, with the keyboard's state", () => {
-  const page = openPage();
-  const socket = connect();
-  page.press();
-  page.release();
-  assert.deepEqual(socket.keys, [EventId.keyDown, [65], EventId.keyUp, []]);
-});
-
 test("a key that went down while there was no connection is held nowhere, and its up is told to nobody", () => {
   const page = openPage();
   connect().lose();
@@ -145,16 +137,6 @@ test("a request that is longer than the host takes isn't sent, and says so", asy
   assert.equal(socket.sent.some(({ op }) => op === "send"), false);
   void send("é".repeat(500_000));
   assert.equal(socket.sent.at(-1)!.op, "send");
-});
-
-test("the page knows how old the host's last frame is, from the greeting on", () => {
-  const { host } = openPage();
-  assert.equal(host.frames.value, null);
-  mock.method(Date, "now", () => 10000);
-  const socket = connect();
-  assert.equal(host.frames.value!.age(10500), 500);
-  socket.lose();
-  assert.equal(host.frames.value, null);
 });
 
 test("nothing is sent before the host's greeting", () => {

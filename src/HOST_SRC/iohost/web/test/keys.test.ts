@@ -1,15 +1,8 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { HeldKeys, isSurfaceKey } from "../src/input/keys.ts";
+import { HeldKeys } from "../src/input/keys.ts";
 
 const key = (text: string, code: string, repeat = false) => ({ key: text, code, repeat });
-
-test("a down carries the character, or the name of a key without one", () => {
-  const held = new HeldKeys();
-  assert.equal(held.down(key("a", "KeyA")), "a");
-  assert.equal(held.down(key("Enter", "Enter")), "Enter");
-  assert.deepEqual(held.texts, ["a", "Enter"]);
-});
 
 test("an up carries the text of its down, though Shift was let go in between", () => {
   const held = new HeldKeys();
@@ -44,14 +37,6 @@ test("the up and the repeat of a key that went down elsewhere are nothing", () =
   assert.deepEqual(held.texts, []);
 });
 
-test("after a forced release a key that is still down sends neither repeats nor an up", () => {
-  const held = new HeldKeys();
-  held.down(key("a", "KeyA"));
-  held.clear();
-  assert.equal(held.down(key("a", "KeyA", true)), null);
-  assert.deepEqual(held.up(key("a", "KeyA")), []);
-});
-
 test("the two Shift keys are two keys", () => {
   const held = new HeldKeys();
   held.down(key("Shift", "ShiftLeft"));
@@ -72,11 +57,4 @@ test("a keyboard that tells no places is told apart by the keys' texts", () => {
   const held = new HeldKeys();
   assert.equal(held.down(key("x", "")), "x");
   assert.deepEqual(held.up(key("x", "")), ["x"]);
-});
-
-test("Tab is left to the page, everything else is the surface's", () => {
-  assert.equal(isSurfaceKey(key("Tab", "Tab")), false);
-  for (const text of ["a", " ", "Enter", "Escape", "F5", "ArrowDown", "Backspace"]) {
-    assert.equal(isSurfaceKey(key(text, text)), true, text);
-  }
 });

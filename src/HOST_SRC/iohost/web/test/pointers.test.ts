@@ -2,14 +2,6 @@ import assert from "node:assert/strict";
 import { test } from "node:test";
 import { firstPointer, PointerNumbers } from "../src/input/pointers.ts";
 
-test("the mouse is 0; fingers and pens count from 1", () => {
-  const numbers = new PointerNumbers();
-  assert.equal(numbers.of(17, "touch"), 1);
-  assert.equal(numbers.of(1, "mouse"), 0);
-  assert.equal(numbers.of(18, "pen"), 2);
-  assert.equal(numbers.of(17, "touch"), 1);
-});
-
 test("a number is free again when its pointer is gone", () => {
   const numbers = new PointerNumbers();
   numbers.of(5, "touch");
