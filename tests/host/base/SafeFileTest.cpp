@@ -3,6 +3,27 @@
 
 #include "base/SafeFile.h"
 
+#if !defined(_WIN32)
+#include <cerrno>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+bool g_bDiskFails = false;
+
+} // namespace
+
+/// In place of the system's.
+extern "C" int fsync(int nFile) {
+    if (g_bDiskFails) {
+        errno = EIO;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_fsync, nFile));
+}
+#endif
+
 namespace {
 
 using std::filesystem::perms;
@@ -33,6 +54,17 @@ TEST_F(SafeFile, IsWrittenAnewInItsModeBesideOthers) {
     EXPECT_EQ(ReadAll(m_folder.Path() / "a.json.new1"), "mine too");
     EXPECT_EQ(Count(), 3);
 }
+
+#if !defined(_WIN32)
+TEST_F(SafeFile, WhatTheDiskDoesNotKeepIsNotWritten) {
+    const auto file = m_folder.Write("a.json", "first");
+    g_bDiskFails = true;
+    EXPECT_EQ(WriteFileSafely(file, "second"), CANT_BE_WRITTEN);
+    g_bDiskFails = false;
+    EXPECT_EQ(ReadAll(file), "first");
+    EXPECT_EQ(Count(), 1);
+}
+#endif
 
 TEST_F(SafeFile, FoldersAreRefused) {
     const auto folder = m_folder.Path() / "folder";

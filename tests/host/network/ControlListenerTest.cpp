@@ -8,6 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#if __has_include(<sys/resource.h>)
+#include <sys/resource.h>
+#endif
+
 namespace {
 
 class ControlListener : public testing::Test, private INetworkReceiver {
@@ -77,5 +81,23 @@ TEST_F(ControlListener, WhoseRecordsWaitToBeTakenIsNotSilent) {
     m_loop.Gate().Open();
     AwaitRecords(64);
 }
+
+#if __has_include(<sys/resource.h>)
+TEST_F(ControlListener, WhoComesWhileTheSystemLacksFilesIsTakenLater) {
+    m_loop.Gate().Open();
+    m_hosts.front().close();
+    RunUntil([this] { return m_pListener->State().nConnections == 63; });
+    auto next = m_peers.Connect(m_pListener->Port());
+    rlimit limit = {};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    const rlimit none = {0, limit.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    RunUntil([this] { return m_pListener->State().nErrors == 2; });
+    setrlimit(RLIMIT_NOFILE, &limit);
+    EXPECT_EQ(m_pListener->State().strLastError, std::error_code(EMFILE, std::system_category()).message());
+    CTestPeers::Write(next, RecordFrame());
+    AwaitRecords(1);
+}
+#endif
 
 } // namespace

@@ -37,15 +37,23 @@ public:
         m_bClosed = true;
     }
 
+    /// While it's stalled it takes nothing, and who writes waits.
+    void Stall(bool bStalled) {
+        const std::lock_guard lock(m_mutex);
+        m_bStalled = bStalled;
+        m_arrived.notify_all();
+    }
+
 private:
     int_type overflow(int_type c) override {
-        const std::lock_guard lock(m_mutex);
+        std::unique_lock lock(m_mutex);
+        m_arrived.wait(lock, [this] { return !m_bStalled; });
         if (m_bClosed) {
             return traits_type::eof();
         }
         if (c == '\n') {
             m_lines.push_back(std::exchange(m_strLine, {}));
-            m_arrived.notify_one();
+            m_arrived.notify_all();
         } else {
             m_strLine.push_back(static_cast<char>(c));
         }
@@ -56,6 +64,7 @@ private:
     std::condition_variable m_arrived;
     std::deque<std::string> m_lines;
     std::string m_strLine;
+    bool m_bStalled = false;
     bool m_bClosed = false;
 };
 
@@ -243,6 +252,36 @@ TEST_F(StandInDevice, Stalls) {
     }
     EXPECT_EQ(error, boost::asio::error::would_block) << "after " << nSent << " bytes";
     EXPECT_TRUE(m_peers.Connect(m_nPort).is_open());
+}
+
+TEST_F(StandInDevice, LinesThatNobodyReadsInTimeAreCounted) {
+    constexpr int RECORDS = 1000;
+    Start({.delay = 0});
+    auto sender = Connect();
+    m_channel.Stall(true);
+    const std::string strFrame = RecordFrame(std::string(2000, 'x')); // all their lines are more than is queued
+    std::string strFrames;
+    for (int i = 0; i < RECORDS; ++i) {
+        strFrames += strFrame;
+    }
+    std::string strAnswers;
+    m_peers.Write(sender, strFrames, [&] {
+        const size_t nBegin = strAnswers.size();
+        strAnswers.resize(nBegin + sender.available());
+        boost::asio::read(sender, boost::asio::buffer(strAnswers.data() + nBegin, strAnswers.size() - nBegin));
+    });
+    strAnswers += m_peers.Read(sender, strFrames.size() - strAnswers.size());
+    EXPECT_TRUE(strAnswers == strFrames);
+    m_channel.Stall(false);
+    int nLines = 0;
+    OrderedJson line = Line();
+    for (; line.contains("record"); line = Line()) {
+        ++nLines;
+    }
+    EXPECT_GT(nLines, 0);
+    EXPECT_EQ(line, (OrderedJson{{"missing_lines", RECORDS - nLines}}));
+    CTestPeers::Write(sender, strFrame);
+    EXPECT_TRUE(Line().contains("record"));
 }
 
 TEST_F(StandInDevice, ATakenPortIsAnError) {

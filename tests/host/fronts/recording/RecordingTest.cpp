@@ -5,6 +5,10 @@
 #include <sstream>
 
 #include "NetworkPeers.h"
+#if __has_include(<fcntl.h>) && !defined(_WIN32)
+#include <fcntl.h>
+#include <unistd.h>
+#endif
 #include "base/LineReader.h"
 #include "fronts/recording/Recorder.h"
 #include "fronts/recording/Replay.h"
@@ -360,6 +364,26 @@ TEST_F(Recording, BrokenLineEndsTheReplay) {
         EXPECT_NE(strOutput.find(pszProblem), std::string::npos) << strOutput;
     }
 }
+
+#if !defined(_WIN32)
+TEST_F(Recording, AFileThatFailsInTheMiddleEndsTheReplay) {
+    Record();
+    Must("object clip=Clip name=" + std::string(100'000, 'x')); // more than is read ahead
+    End();
+    Reopen();
+    const int nFile = dup(0); // the next one that is opened has the same
+    close(nFile);
+    std::string strError;
+    const auto pReplay = CReplay::Open(m_file, strError);
+    ASSERT_NE(pReplay, nullptr) << strError;
+    const int nFolder = open(m_folder.Path().c_str(), O_RDONLY);
+    dup2(nFolder, nFile); // which can't be read
+    close(nFolder);
+    std::ostringstream output;
+    EXPECT_EQ(pReplay->Run(*m_pSession, output), CReplay::EResult::Broken);
+    EXPECT_EQ(output.str(), "line 3: can't be read\n"); // the second one is of the clock
+}
+#endif
 
 /// A scene that was loaded is one line, however large.
 TEST_F(Recording, LinesOfAnyLengthAreReplayed) {
