@@ -224,3 +224,13 @@ test("the scene that the host begins with is known by its name in the folder, an
     assert.deepEqual([steps, told, unsaved], [[], name, false]);
   }
 });
+
+test("a folder of scenes that can't be read is told", async () => {
+  const file = join(folder, "file");
+  writeFileSync(file, "");
+  const other = await startHost({ options: ["--scenes", file] });
+  const error = "op: the folder of scenes can't be read";
+  assert.deepEqual(await (await openSession(other.address)).request({ op: "scenes" }), { ok: false, error });
+  const none = await startHost({ options: ["--scenes", join(folder, "none")] });
+  assert.deepEqual((await must(await openSession(none.address), { op: "scenes" })).files, []);
+});

@@ -61,6 +61,10 @@ void CSceneFolder::Write(const std::string& strName, const std::string& strText)
 std::vector<SSceneFileInfo> CSceneFolder::List() {
     std::vector<SSceneFileInfo> files;
     std::error_code error;
+    const std::filesystem::directory_iterator probe(m_folder, error); // the one below passes over what may not be read
+    if (error && error != std::errc::no_such_file_or_directory) {
+        Refuse("op", "the folder of scenes can't be read");
+    }
     constexpr auto OPTIONS = std::filesystem::directory_options::skip_permission_denied;
     for (auto entry = std::filesystem::recursive_directory_iterator(m_folder, OPTIONS, error);
          !error && entry != std::filesystem::recursive_directory_iterator(); entry.increment(error)) {
