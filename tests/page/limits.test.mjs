@@ -9,7 +9,7 @@ import { join } from "node:path";
 import { temporaryFolder } from "./support/folder.mjs";
 import { startHost } from "./support/host.mjs";
 import { ask } from "./support/http.mjs";
-import { createNode, createScene, must, openSession, postedIn, Type, until } from "./support/session.mjs";
+import { createNode, createScene, logIn, must, openSession, postedIn, Type, until } from "./support/session.mjs";
 import { test } from "./support/test.mjs";
 
 const KEY_DOWN = { op: "event", device: 0, event: 2002, payload: { is: "key", text: "a" } };
@@ -125,6 +125,17 @@ test("a page that can't be read for want of file descriptors is answered by 503,
   limit(1024);
   assert.equal(await status(""), 200);
   agent.destroy();
+});
+
+test("connections that can't be taken for want of file descriptors are told of, and taken later", async () => {
+  const host = await startHost();
+  const limit = (count) => execFileSync("prlimit", [`--nofile=${count}:`, "--pid", String(host.pid)]);
+  await must(await createScene(host.address), KEY_DOWN); // the sanitizer needs a file for its first look at who takes log lines
+  limit(1);
+  const answer = ask(host.address, "/");
+  await until("the line", () => host.output.stdout.includes("connections can't be taken: Too many open files"));
+  limit(1024);
+  assert.equal((await answer).status, 200);
 });
 
 test("a text goes out in one frame, however long it is", async () => {
@@ -246,6 +257,24 @@ test("clients that don't read cost bounded memory together, and go first", async
   }
   assert.ok(most < 128, `${most} MiB`); // of 260 that they ask for
   stalled.forEach(({ socket }) => socket.terminate());
+});
+
+test("a page is told once when the recording can't be written any further", async () => {
+  const recording = join(temporaryFolder(), "recording");
+  execFileSync("mkfifo", [recording]);
+  const reader = spawn("cat", [recording], { stdio: ["ignore", "ignore", "inherit"] });
+  const host = await startHost({ options: ["--record", recording] });
+  const script = await openSession(host.address);
+  const other = await openSession(host.address);
+  reader.kill();
+  const told = () => logIn(other.pushes).filter((text) => text.includes("nothing more is recorded")).length;
+  await until("the line", () => told() > 0);
+  await must(script, KEY_DOWN);
+  await must(script, KEY_UP);
+  await until("a later push", () => other.pushes.at(-1).push === "held" && other.pushes.at(-1).held.length === 0);
+  assert.equal(told(), 1);
+  host.kill("SIGTERM");
+  assert.equal(await host.ended(), 1);
 });
 
 test("a recording that can't be written any further is told", async () => {

@@ -3,7 +3,32 @@
 
 #include "base/Network.h"
 
+#include <functional>
+#include <string>
+
 #include "base/Platform.h"
+
+/// Take connections until the acceptor is closed. An error is mostly the system's being short of something: a pause
+/// leaves it the time to get over that.
+inline Awaitable<void> AcceptConnections(TcpAcceptor& acceptor, std::function<void(TcpSocket socket)> take,
+                                         std::function<void(const std::string& strError)> fail) {
+    constexpr std::chrono::milliseconds PAUSE{100};
+    SteadyTimer timer(acceptor.get_executor());
+    for (;;) {
+        boost::system::error_code error;
+        TcpSocket socket(acceptor.get_executor());
+        co_await acceptor.async_accept(socket, AwaitInto(error));
+        if (!acceptor.is_open()) {
+            co_return;
+        }
+        if (error) {
+            fail(error.message());
+            co_await Pause(timer, PAUSE);
+        } else {
+            take(std::move(socket));
+        }
+    }
+}
 
 /// Open, bind and listen. On an error the acceptor is closed.
 inline void OpenListener(TcpAcceptor& acceptor, const boost::asio::ip::tcp::endpoint& endpoint,

@@ -234,38 +234,24 @@ private:
     std::array<unsigned char, 65536> m_received;
 };
 
-Awaitable<void> AcceptConnections(TcpAcceptor& acceptor, const SStandInOptions& options, CLines& lines,
-                                  Senders& senders) {
-    constexpr std::chrono::milliseconds PAUSE{100};
-
-    SteadyTimer timer(acceptor.get_executor());
-    for (int nNumber = 1;;) {
-        error_code error;
-        TcpSocket socket(acceptor.get_executor());
-        co_await acceptor.async_accept(socket, AwaitInto(error));
-        if (error) {
-            lines.Print({{"problem", error.message()}});
-            co_await Pause(timer, PAUSE);
-            continue;
+void TakeConnection(TcpSocket socket, int nNumber, const SStandInOptions& options, CLines& lines, Senders& senders) {
+    if (senders.size() >= MOST_SENDERS) {
+        // When nobody reads, it can't be seen which senders are gone.
+        if (const auto pSilent = LongestSilent(senders, options.bStall ? steady_clock::duration() : options.silence)) {
+            pSilent->MakeRoom();
         }
-        if (senders.size() >= MOST_SENDERS) {
-            // When nobody reads, it can't be seen which senders are gone.
-            if (const auto pSilent =
-                    LongestSilent(senders, options.bStall ? steady_clock::duration() : options.silence)) {
-                pSilent->MakeRoom();
-            }
-        }
-        const auto sender = EndpointText(socket.remote_endpoint(error));
-        lines.Print({{"connection", nNumber}, {"opened", error ? OrderedJson() : OrderedJson(sender)}});
-        if (senders.size() >= MOST_SENDERS) {
-            lines.Print({{"connection", nNumber++}, {"closed", "turned away: 64 others are open"}});
-            continue;
-        }
-        const auto pConnection =
-            std::make_shared<CStandInConnection>(std::move(socket), nNumber++, options, lines, senders);
-        senders.insert(pConnection);
-        Spawn(acceptor.get_executor(), "a connection failed", [pConnection] { return pConnection->Run(); });
     }
+    error_code error;
+    const auto sender = EndpointText(socket.remote_endpoint(error));
+    lines.Print({{"connection", nNumber}, {"opened", error ? OrderedJson() : OrderedJson(sender)}});
+    if (senders.size() >= MOST_SENDERS) {
+        lines.Print({{"connection", nNumber}, {"closed", "turned away: 64 others are open"}});
+        return;
+    }
+    const auto executor = socket.get_executor();
+    const auto pConnection = std::make_shared<CStandInConnection>(std::move(socket), nNumber, options, lines, senders);
+    senders.insert(pConnection);
+    Spawn(executor, "a connection failed", [pConnection] { return pConnection->Run(); });
 }
 
 } // namespace
@@ -300,8 +286,13 @@ int RunStandInDevice(const SStandInOptions& options, std::function<bool(std::str
         }
     });
     lines.Print({{"listening", EndpointText(acceptor.local_endpoint())}});
-    Spawn(context, "connections aren't taken any longer",
-          [&] { return AcceptConnections(acceptor, options, lines, senders); });
+    int nConnections = 0;
+    Spawn(context, "connections aren't taken any longer", [&] {
+        return AcceptConnections(
+            acceptor,
+            [&](TcpSocket socket) { TakeConnection(std::move(socket), ++nConnections, options, lines, senders); },
+            [&](const std::string& strError) { lines.Print({{"problem", strError}}); });
+    });
     context.run();
     return 0;
 }

@@ -35,7 +35,6 @@ constexpr size_t MOST_QUEUED_BYTES = size_t{32} << 20; ///< for all clients toge
 constexpr size_t MOST_UNTOLD = 1000;                   ///< fired events and log lines of items
 constexpr size_t MOST_TURNED_AWAY = 64;                ///< at once; those beyond are closed without an answer
 constexpr std::chrono::seconds GOODBYE_TIME{1};
-constexpr std::chrono::milliseconds ACCEPT_PAUSE{100};
 constexpr std::chrono::milliseconds TELL_PAUSE{250}; ///< of what changes with every item: enough to look at
 
 std::string FullText() {
@@ -94,7 +93,11 @@ public:
             m_session.Peers().KeepReceivingBroadcasts(nPort);
         }
         AwaitSignal(); // a signal handled during the first frame would stop a loop that doesn't run yet
-        Spawn(m_context, "the page's connections aren't taken any longer", [this] { return AcceptConnections(); });
+        Spawn(m_context, "the page's connections aren't taken any longer", [this] {
+            return AcceptConnections(
+                m_acceptor, [this](TcpSocket socket) { Take(std::move(socket)); },
+                [this](const std::string& strError) { m_fullLine.Write("connections can't be taken: " + strError); });
+        });
         m_frameTimer.Start();
         m_tellTimer.Start();
         RunLoop([this] { m_context.run(); });
@@ -153,23 +156,6 @@ private:
         std::shared_ptr<CWebSocketClient> pClient;
         CHeldInput& held;
     };
-
-    Awaitable<void> AcceptConnections() {
-        for (;;) {
-            error_code error;
-            TcpSocket socket(m_context);
-            co_await m_acceptor.async_accept(socket, AwaitInto(error));
-            if (!m_acceptor.is_open()) {
-                co_return;
-            }
-            if (error) {
-                // The system is short of something: a pause leaves it the time to get over that.
-                co_await Pause(m_acceptTimer, ACCEPT_PAUSE);
-            } else {
-                Take(std::move(socket));
-            }
-        }
-    }
 
     void Take(TcpSocket socket) {
         if (m_nConnections < MOST_CONNECTIONS) {
@@ -472,7 +458,6 @@ private:
     TcpAcceptor m_acceptor{m_context};
     asio::signal_set m_signals{m_context};
     SteadyTimer m_goodbyeTimer{m_context};
-    SteadyTimer m_acceptTimer{m_context};
     CFrameTimer m_frameTimer;
     CFrameTimer m_tellTimer{m_context, 1, [this] { TellFrame(); }};
     CLimitedLine m_frameLine{LOG_ERROR};
