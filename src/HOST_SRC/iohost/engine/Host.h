@@ -118,7 +118,7 @@ public:
     /// raises becomes a CModuleFault.
     template <typename Function>
     auto Call(SNode* pNode, Function function) {
-        const CCallScope scope(*this, pNode);
+        const SCall call(*this, pNode);
         try {
             return function();
         } catch (...) {
@@ -128,9 +128,9 @@ public:
 
 private:
     /// Says whose messages come in, and handles them at the end of the call.
-    struct CCallScope : boost::noncopyable {
-        CCallScope(CHost& host, SNode* pNode) : m_host(host) { host.m_activity.SetCalledNode(pNode); }
-        ~CCallScope() {
+    struct SCall : boost::noncopyable {
+        SCall(CHost& host, SNode* pNode) : m_host(host) { host.m_activity.SetCalledNode(pNode); }
+        ~SCall() {
             m_host.m_window.Pump();
             m_host.m_activity.SetCalledNode(nullptr);
         }

@@ -96,13 +96,13 @@ void ChangeObjects(VEKClip& clip, const std::vector<SObjectDocument>& from, cons
 }
 
 void ChangeClips(CScene& scene, const std::vector<SClipDocument>& from, const std::vector<SClipDocument>& to) {
+    static const std::vector<SObjectDocument> NONE;
     std::vector<CString> names;
     std::ranges::transform(to, std::back_inserter(names), &SClipDocument::strName);
     scene.SetClips(names);
     for (const SClipDocument& clip : to) {
         const auto was = std::ranges::find(from, clip.strName, &SClipDocument::strName);
-        ChangeObjects(*scene.FindClip(clip.strName), was != from.end() ? was->objects : std::vector<SObjectDocument>(),
-                      clip.objects);
+        ChangeObjects(*scene.FindClip(clip.strName), was != from.end() ? was->objects : NONE, clip.objects);
     }
 }
 
