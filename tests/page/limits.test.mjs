@@ -9,7 +9,7 @@ import { join } from "node:path";
 import { temporaryFolder } from "./support/folder.mjs";
 import { startHost } from "./support/host.mjs";
 import { ask } from "./support/http.mjs";
-import { createNode, createScene, logIn, must, openSession, postedIn, Type, until } from "./support/session.mjs";
+import { createNode, createScene, logIn, must, nodeOf, openSession, postedIn, Type, until } from "./support/session.mjs";
 import { test } from "./support/test.mjs";
 
 const KEY_DOWN = { op: "event", device: 0, event: 2002, payload: { is: "key", text: "a" } };
@@ -208,6 +208,47 @@ test("a page opens, and whoever is there stays, however long texts are", async (
   assert.equal(nodes.o99.outputs[0].params.find(({ id }) => id === 1252).length, text.length);
   assert.ok(JSON.stringify(nodes).length < 8 << 20);
   await must(script, { op: "scene" });
+});
+
+test("a page opens, and whoever is there stays, however long names and notes are", async () => {
+  const NODES = 20;
+  const LONG = "n".repeat(200_000);
+  const host = await startHost();
+  const script = await openSession(host.address);
+  const keys = Array.from({ length: NODES }, (_, index) => index);
+  const matrix = Array(16).fill(0);
+  const scene = {
+    format: "iohost scene", version: 1,
+    clips: [{ name: "Demo", objects: keys.map((key) => ({ name: LONG + key, matrix })) }],
+    nodes: keys.map((key) => nodeOf(`k${key}`, Type.keyboard, LONG + key)),
+    notes: Object.fromEntries(keys.map((key) => [key, { x: key, y: 0, width: 1, height: 1, text: LONG + key }])),
+  };
+  const loaded = await ask(host.address, "/scene", { method: "POST", body: JSON.stringify(scene) });
+  assert.equal(JSON.parse(loaded.body).ok, true);
+  const page = await openSession(host.address);
+  await until("the objects", () => page.pushes.some(({ push }) => push === "objects"));
+  const { nodes, notes } = await must(page, { op: "scene" });
+  assert.equal(nodes[0].graph, LONG.slice(0, 65536));
+  assert.equal(nodes[19].graph, LONG.slice(0, 300));
+  assert.equal(notes[19].length, LONG.length + 2);
+  const { objects } = await must(page, { op: "objects" });
+  assert.ok(JSON.stringify([page.pushes, nodes, notes, objects]).length < 4 << 20); // of 12
+
+  // A note whose beginning is known keeps its text wherever it's moved, and takes another one.
+  await must(page, { op: "rename", node: "k1", graph: LONG });
+  await must(page, { op: "place", notes: { 19: { ...notes[19], x: 100 }, 18: { ...notes[18], text: "short", length: undefined } } });
+  const { body } = await ask(host.address, "/scene");
+  const kept = JSON.parse(body).notes;
+  assert.equal(kept[19].x, 100);
+  assert.equal(kept[19].text, LONG + 19);
+  assert.equal(kept[18].text, "short");
+  const { steps } = await must(page, { op: "history" });
+  assert.ok(JSON.stringify(steps).length < 1 << 20);
+  await must(script, { op: "undo" });
+
+  await must(page, { ...KEY_DOWN, payload: { is: "key", text: LONG } });
+  const { released } = await must(page, { op: "release_held" });
+  assert.equal(released[0].payload.text, LONG.slice(0, 500));
 });
 
 test("one scene at a time is transferred", async () => {

@@ -11,17 +11,24 @@ constexpr int MOST_SHOWN_TOGETHER = 1 << 20; ///< in one reply or push
 constexpr int MOST_SHOWN_BEYOND = 300;       ///< of each further text
 constexpr int MOST_SHOWN_OF_KEY = 500;
 
-/// Cuts the texts of one reply or push. What was cut before keeps the length that it has.
+/// Cuts the texts of one reply or push, wherever its tables have them. Handles and ids, which requests name, stay whole.
 class CCutter {
 public:
-    void Cut(CString& strText, std::optional<int>& length) {
-        if (strText.GetLength() > Most()) {
-            length = length.value_or(strText.GetLength());
-            strText = strText.Left(Most());
-        }
+    void Cut(CString& strText) {
+        strText = strText.Left(Most());
         m_nShown += strText.GetLength();
     }
 
+    // Texts that tell how long they are. What was cut before keeps the length that it has.
+    void Cut(SLogged& line) { Cut(line.strText, line.length); }
+    void Cut(SValues& values) { Cut(values.strText, values.length); }
+    void Cut(SNote& note) { Cut(note.strText, note.length); }
+    void Cut(SParamState& param) {
+        Cut(param.name);
+        Cut(param.display);
+        Cut(*param.text, param.length);
+        Cut(param.choices);
+    }
     void Cut(SSentBytes& sent) {
         const auto nMost = static_cast<size_t>(Most());
         if (sent.bytes.size() > nMost) {
@@ -31,36 +38,64 @@ public:
         m_nShown += static_cast<int>(sent.bytes.size());
     }
 
-    void Cut(SActivity& activity) {
-        for (SLogged& line : activity.logged) {
-            Cut(line.strText, line.length);
+    // The same in UTF-8.
+    void Cut(SStep& step) {
+        CutUtf8(step.strName, Most());
+        CutUtf8(step.strOf, Most());
+        m_nShown += static_cast<int>(step.strName.size() + step.strOf.size());
+    }
+    void Cut(SHeldEntry& entry) {
+        if (auto* pKey = std::get_if<std::string>(&entry.identity)) {
+            CutUtf8(*pKey, MOST_SHOWN_OF_KEY);
         }
-        for (Sent& sent : activity.sent) {
-            if (auto* pBytes = std::get_if<SSentBytes>(&sent)) {
-                Cut(*pBytes);
-            }
+    }
+    void Cut(SRelease& release) {
+        if (auto* pKey = std::get_if<SKeyEventData>(&release.event.payload)) {
+            pKey->m_strText = pKey->m_strText.Left(MOST_SHOWN_OF_KEY);
         }
     }
 
-    void Cut(OutputValues& values) {
-        for (auto& [strHandle, outputs] : values) {
-            for (auto& [nId, value] : outputs) {
-                Cut(value.strText, value.length);
-            }
+    template <Shaped T>
+    void Cut(T& object) {
+        std::apply([&](const auto&... field) { (Cut(object.*field.pMember), ...); }, Shape<T>::FIELDS);
+    }
+    template <typename T>
+    void Cut(std::optional<T>& value) {
+        if (value) {
+            Cut(*value);
         }
     }
-
-    void Cut(SNodeDetails& details) {
-        for (auto* pGroups : {&details.own, &details.inputs, &details.outputs}) {
-            for (SGroupState& group : *pGroups) {
-                for (SParamState& param : group.params) {
-                    Cut(*param.text, param.length);
-                }
-            }
+    template <typename T>
+    void Cut(std::vector<T>& list) {
+        for (T& element : list) {
+            Cut(element);
         }
     }
+    template <typename Key, typename T>
+    void Cut(std::pair<Key, T>& entry) {
+        Cut(entry.second);
+    }
+    template <typename... Kinds>
+    void Cut(std::variant<Kinds...>& value) {
+        std::visit([&](auto& held) { Cut(held); }, value);
+    }
+    template <typename T>
+    void Cut(T& /*value*/) {} ///< anything else is short
 
 private:
+    void Cut(CString& strText, std::optional<int>& length) {
+        if (strText.GetLength() > Most()) {
+            length = length.value_or(strText.GetLength());
+        }
+        Cut(strText);
+    }
+
+    static void CutUtf8(std::string& strText, int nMost) {
+        if (strText.size() > static_cast<size_t>(nMost)) {
+            strText = Utf8(FromUtf8(strText).Left(nMost));
+        }
+    }
+
     int Most() const { return m_nShown < MOST_SHOWN_TOGETHER ? MOST_SHOWN : MOST_SHOWN_BEYOND; }
 
     int m_nShown = 0;
@@ -161,41 +196,22 @@ std::string ReplyText(const OrderedJson& reply) {
     return reply.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
 }
 
-void CutForViewers(SActivity& activity) {
-    CCutter().Cut(activity);
+template <typename T>
+void CutForViewers(T& told) {
+    CCutter().Cut(told);
 }
 
-void CutForViewers(OutputValues& values) {
-    CCutter().Cut(values);
-}
+template void CutForViewers(SActivity& told);
+template void CutForViewers(OutputValues& told);
+template void CutForViewers(std::vector<SObjectState>& told);
+template void CutForViewers(std::vector<SHeldEntry>& told);
+template void CutForViewers(SStep& told);
 
+template <>
 void CutForViewers(SDone& done) {
     CCutter cutter;
-    if (auto* pFrame = std::get_if<SFrameResults>(&done.outcome.result)) {
-        cutter.Cut(pFrame->outputs);
-    }
-    if (auto* pLog = std::get_if<SLogLines>(&done.outcome.result)) {
-        for (SKeptLine& kept : pLog->lines) {
-            cutter.Cut(kept.line.strText, kept.line.length);
-        }
-    }
-    if (auto* pDetails = std::get_if<SNodeDetails>(&done.outcome.result)) {
-        cutter.Cut(*pDetails);
-    }
-    if (auto* pNodes = std::get_if<SNodesDetails>(&done.outcome.result)) {
-        for (auto& [strHandle, details] : pNodes->nodes) {
-            cutter.Cut(details);
-        }
-    }
+    cutter.Cut(done.outcome.result);
     cutter.Cut(done.activity);
-}
-
-void CutForViewers(std::vector<SHeldEntry>& entries) {
-    for (SHeldEntry& entry : entries) {
-        if (auto* pKey = std::get_if<std::string>(&entry.identity)) {
-            *pKey = Utf8(FromUtf8(*pKey).Left(MOST_SHOWN_OF_KEY));
-        }
-    }
 }
 
 std::string SceneText(const SSceneDocument& scene, const std::string& strFile) {

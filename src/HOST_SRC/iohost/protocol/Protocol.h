@@ -53,11 +53,10 @@ std::string AnswerText(CSession& session, std::string_view text, ISceneFiles& fi
 std::string ReplyText(const OrderedJson& reply);
 
 /// Cut what is too long for people to look at, and what is too much for one reply or push: the beginnings of texts and
-/// bytes stay, with how long they are; of a held key's text its beginning alone.
-void CutForViewers(SActivity& activity);
-void CutForViewers(OutputValues& values);
-void CutForViewers(SDone& done);
-void CutForViewers(std::vector<SHeldEntry>& entries);
+/// bytes stay, where there is a place for it with how long they are. For SActivity, OutputValues, SDone, SStep, and lists
+/// of SObjectState and SHeldEntry.
+template <typename T>
+void CutForViewers(T& told);
 
 /// A scene as the text of a file. strFile: the file's name, if it isn't told by where the text goes.
 std::string SceneText(const SSceneDocument& scene, const std::string& strFile = {});

@@ -147,6 +147,9 @@ std::shared_ptr<const SSceneDocument> ReadScene(const Json& json, const std::str
     }
     auto pScene = std::make_shared<SSceneDocument>();
     ReadFields(*pScene, fields);
+    for (auto& [strId, note] : pScene->notes) {
+        note.length.reset();
+    }
     return pScene;
 }
 

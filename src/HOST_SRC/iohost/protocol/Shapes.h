@@ -24,7 +24,7 @@ SHAPE(SNodeDetails, SField{"type", &T::guidType}, SField{"kind_code", &T::nKindC
 SHAPE(SNodesDetails, SField{"nodes", &T::nodes})
 SHAPE(SPlace, SField{"x", &T::fX}, SField{"y", &T::fY}, SField{"folded", &T::bFolded, FIELD_OPTIONAL})
 SHAPE(SNote, SField{"x", &T::fX}, SField{"y", &T::fY}, SField{"width", &T::fWidth}, SField{"height", &T::fHeight},
-      SField{"text", &T::strText})
+      SField{"text", &T::strText}, SField{"length", &T::length, FIELD_OPTIONAL})
 SHAPE(SSceneNode, SField{"node", &T::strHandle}, SField{"type", &T::guidType}, SField{"clip", &T::clip, FIELD_NULLABLE},
       SField{"graph", &T::strGraph}, SField{"name", &T::strName}, SField{"place", &T::place, FIELD_OPTIONAL})
 SHAPE(SLinkDocument, SField{"from", &T::strFrom}, SField{"output", &T::nOutput}, SField{"to", &T::strTo},

@@ -94,6 +94,7 @@ struct SNote {
     float fWidth = 0.0f;
     float fHeight = 0.0f;
     CString strText;
+    std::optional<int> length = std::nullopt; ///< of the text, where only its beginning is told; none in a scene
 
     bool operator==(const SNote&) const = default;
 };

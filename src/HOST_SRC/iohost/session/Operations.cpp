@@ -578,14 +578,19 @@ void CSession::On(const SPlaceCommand& command) {
     }
     Notes& notes = Scene().CanvasNotes();
     for (const auto& [strId, note] : command.notes) {
-        const auto known = std::ranges::find(notes, strId, &Notes::value_type::first);
+        auto known = std::ranges::find(notes, strId, &Notes::value_type::first);
         if (!note) {
             std::erase_if(notes, [&](const auto& entry) { return entry.first == strId; });
-        } else if (known != notes.end()) {
-            known->second = *note;
-        } else {
-            notes.emplace_back(strId, *note);
+            continue;
         }
+        SNote placed = *note;
+        if (known == notes.end()) {
+            known = notes.insert(known, {strId, {}});
+        } else if (placed.length) {
+            placed.strText = known->second.strText; // of which the command has the beginning
+        }
+        placed.length.reset();
+        known->second = std::move(placed);
     }
 }
 

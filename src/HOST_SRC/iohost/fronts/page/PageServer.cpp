@@ -250,7 +250,8 @@ private:
         if (const Verdicts verdicts = m_session.JsonVerdicts().TakeNew(m_session.Scene()); !verdicts.empty()) {
             SendToAll({{"push", "json"}, {"nodes", ToJson(verdicts)}});
         }
-        if (const auto objects = m_objects.Take(m_session.Scene())) {
+        if (auto objects = m_objects.Take(m_session.Scene())) {
+            CutForViewers(*objects);
             SendToAll({{"push", "objects"}, {"objects", ToJson(*objects)}});
         }
         TellDropped();
@@ -374,7 +375,13 @@ private:
     /// What can be undone and redone, and whether the scene is saved.
     OrderedJson HistoryPush() {
         const CHistory& history = m_session.History();
-        const auto step = [](const SStep* pStep) { return pStep != nullptr ? ToJson(*pStep) : OrderedJson(); };
+        const auto step = [](const SStep* pStep) {
+            std::optional<SStep> told = pStep != nullptr ? std::optional(*pStep) : std::nullopt;
+            if (told) {
+                CutForViewers(*told);
+            }
+            return ToJson(told);
+        };
         OrderedJson push = {{"push", "history"},
                             {"undo", step(history.ToUndo())},
                             {"redo", step(history.ToRedo())},

@@ -47,6 +47,7 @@ export type Note = {
   width: number;
   height: number;
   text: string;
+  length?: number;
 };
 
 export type SceneNode = {

@@ -52,7 +52,8 @@ export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<Not
           if (value !== known.current) {
             const before = known.current;
             known.current = value;
-            void editor.place({}, { [id]: { ...note, text: value } }).then((isSaved) => {
+            const { x, y, width, height } = note;
+            void editor.place({}, { [id]: { x, y, width, height, text: value } }).then((isSaved) => {
               known.current = isSaved ? known.current : before;
             });
           }
