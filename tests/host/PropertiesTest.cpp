@@ -10,7 +10,6 @@
 #include <sstream>
 
 #include "PlayControlFrame.h"
-#include "base/ByteText.h"
 #include "base/LineReader.h"
 #include "base/PrintableText.h"
 #include "base/TextUtf8.h"

@@ -11,7 +11,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-class TextLines : public testing::Test, private ITextReceiver {
+class TextLines : public testing::Test {
 protected:
     /// The texts of these bytes.
     Texts Feed(std::string_view bytes) {
@@ -25,11 +25,9 @@ protected:
     }
 
     const std::string m_strLongest = std::string(LONGEST_TEXT_LINE, 'x');
-    CTextLines m_lines{*this};
+    CTextLines m_lines{[this](const CString& strText) { m_texts.push_back(Utf8(strText)); }};
 
 private:
-    void OnText(const CString& strText) override { m_texts.push_back(Utf8(strText)); }
-
     Texts m_texts;
 };
 

@@ -204,30 +204,6 @@ TEST_F(ProbeSession, WhatHappensNamesItsNode) {
     EXPECT_EQ(Must("inspect node=p")["name"], "Probe \xEF\xBF\xBD");
 }
 
-TEST_F(Session, ChangedObjectsTellsAllOfThemWhenOneMoved) {
-    CObjectChanges changes;
-    const auto take = [&] { return ToJson(changes.Take(m_pSession->Scene())); };
-    EXPECT_EQ(take(), OrderedJson::array());
-    EXPECT_TRUE(take().is_null());
-    Talk(R"(
-        object clip=Clip name=Lamp
-        object clip=Clip name=Door
-        create node=v type=handle clip=Clip graph=Hand
-        set node=v param=802 string=Door
-        process
-    )");
-    const OrderedJson objects = take();
-    EXPECT_EQ(objects, Must("objects")["objects"]);
-    EXPECT_TRUE(take().is_null());
-    Must(Event(3, 0, HandSample()));
-    const OrderedJson moved = take();
-    EXPECT_EQ(moved[0], objects[0]);
-    EXPECT_EQ(moved[1]["matrix"][13], -20.25);
-    EXPECT_TRUE(take().is_null());
-    changes.Forget();
-    EXPECT_EQ(take(), moved);
-}
-
 TEST_F(Session, ChangedOutputsTellsEachChangeOnce) {
     Must(CREATE_MOUSE);
     COutputChanges changes;

@@ -1,4 +1,4 @@
-// Opening a TCP port to listen on.
+// Listening on a TCP port: opening it, taking connections, and who makes room where only so many are served at once.
 #pragma once
 
 #include "base/Network.h"
@@ -47,4 +47,22 @@ inline void OpenListener(TcpAcceptor& acceptor, const boost::asio::ip::tcp::endp
         boost::system::error_code ignored;
         acceptor.close(ignored);
     }
+}
+
+/// A connection that has brought nothing for so long gives up its place when another one needs it.
+inline constexpr std::chrono::seconds SILENCE{60};
+
+/// Of connections that tell SilentSince(), the one silent for longest, and for so long at least; null without one.
+template <typename Connections>
+typename Connections::value_type LongestSilent(const Connections& connections,
+                                               std::chrono::steady_clock::duration silence) {
+    typename Connections::value_type pLongest;
+    auto tLatest = std::chrono::steady_clock::now() - silence;
+    for (const auto& pConnection : connections) {
+        if (const auto tSince = pConnection->SilentSince(); tSince <= tLatest) {
+            tLatest = tSince;
+            pLongest = pConnection;
+        }
+    }
+    return pLongest;
 }

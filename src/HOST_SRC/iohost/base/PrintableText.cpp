@@ -1,7 +1,10 @@
 #include "base/PrintableText.h"
 
+#include <boost/algorithm/hex.hpp>
+
 #include <array>
 #include <cstdio>
+#include <iterator>
 
 namespace {
 
@@ -35,4 +38,20 @@ std::string PrintableText(std::string_view text) {
 
 std::string PrintableJson(std::string_view line) {
     return Escaped(line, "\\u%04x");
+}
+
+std::string HexText(std::span<const unsigned char> bytes) {
+    std::string strText;
+    strText.reserve(2 * bytes.size());
+    boost::algorithm::hex_lower(bytes.begin(), bytes.end(), std::back_inserter(strText));
+    return strText;
+}
+
+std::string DottedText(std::span<const unsigned char> bytes) {
+    std::string strText;
+    strText.reserve(bytes.size());
+    for (const unsigned char nByte : bytes) {
+        strText += nByte >= 0x20 && nByte < 0x7F ? static_cast<char>(nByte) : '.';
+    }
+    return strText;
 }

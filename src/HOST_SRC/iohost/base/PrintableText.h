@@ -1,6 +1,7 @@
-// Texts from outside as they may stand in a terminal, which control characters would steer.
+// Texts and bytes from outside for people: in a terminal control characters would steer it.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -9,3 +10,9 @@ std::string PrintableText(std::string_view text);
 
 /// A line of JSON with those control characters that JSON lets stand as escapes: \u009b. It is the same JSON.
 std::string PrintableJson(std::string_view line);
+
+/// Bytes in hexadecimal.
+std::string HexText(std::span<const unsigned char> bytes);
+
+/// Bytes as text: what isn't printable ASCII becomes a dot.
+std::string DottedText(std::span<const unsigned char> bytes);

@@ -1,7 +1,5 @@
 #include "engine/JsonVerdicts.h"
 
-#include <utility>
-
 #include <cpprest/json.h>
 
 #include "host/HostRender.h"

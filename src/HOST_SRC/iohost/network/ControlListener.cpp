@@ -3,7 +3,6 @@
 #include <boost/asio/post.hpp>
 
 #include "base/Caught.h"
-#include "base/Listener.h"
 #include "base/Platform.h"
 #include "network/ItemReader.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "base/LimitedLine.h"
-#include "base/LongestSilent.h"
+#include "base/Listener.h"
 #include "network/NetworkState.h"
 
 class CControlListener : public std::enable_shared_from_this<CControlListener> {

@@ -2,9 +2,6 @@
 #pragma once
 
 #include "network/ItemReader.h"
-
-#include <memory>
-
 #include "network/SendQueue.h"
 
 class CDeviceConnection final : public std::enable_shared_from_this<CDeviceConnection> {

@@ -12,7 +12,7 @@
 #include "network/NetworkState.h"
 #include "network/TextLines.h"
 
-class CItemReader final : private IReceivedBytes, private IRecordReceiver, private ITextReceiver {
+class CItemReader final : private IReceivedBytes, private IRecordReceiver {
 public:
     /// nDeviceId: number of the device, 0 for another host. The counts are those of all peers that belong together.
     CItemReader(CPeerLoop& loop, EPeer nFrom, EDeviceParser nParser, int nDeviceId, SItemCounts& counts);
@@ -36,9 +36,9 @@ public:
 private:
     void OnBytes(std::span<const unsigned char> bytes) override;
     void OnRecord(const CString& strClip, CQORPanelRemoteCtrlData& record) override;
-    void OnText(const CString& strText) override;
 
     std::unique_ptr<CZtSocketParser> MakeParser();
+    void OnText(const CString& strText);
     void HandOver(EIODevice nDevice, int nEvent, void* pPayload);
     void CountRejected();
 
@@ -47,8 +47,8 @@ private:
     const EDeviceParser m_nParser;
     const int m_nDeviceId;
     SItemCounts& m_counts;
-    CTextLines m_textLines{*this};                      ///< of a device that sends texts
-    const std::unique_ptr<CZtSocketParser> m_pParser;   ///< null: what comes in is dropped
+    CTextLines m_textLines{[this](const CString& strText) { OnText(strText); }}; ///< of a device that sends texts
+    const std::unique_ptr<CZtSocketParser> m_pParser;                            ///< null: what comes in is dropped
     CQORPlayCtlParser* const m_pFramedParser = nullptr; ///< the parser, when it is one of frames
     unsigned long long m_nRejected = 0;                 ///< as counted so far
     unsigned long long m_nReceivedBytes = 0;

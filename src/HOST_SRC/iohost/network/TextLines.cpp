@@ -51,7 +51,7 @@ void CTextLines::Deliver() {
     } else if (line.empty()) {
         Refuse(ELineRefusal::Empty);
     } else if (const auto text = WellFormedText(line)) {
-        m_receiver.OnText(*text);
+        m_onText(*text);
     } else {
         Refuse(ELineRefusal::NotUtf8);
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -17,20 +18,11 @@ enum class ELineRefusal { Empty, TooLong, NotUtf8, CutOff };
 NAMES(ELineRefusal, "empty", "too long", "not UTF-8", "cut off")
 using LineRefusalCounts = std::array<unsigned long long, std::size(Names<ELineRefusal>::ROWS)>; ///< by refusal
 
-/// Takes the texts.
-class ITextReceiver {
-public:
-    virtual void OnText(const CString& strText) = 0;
-
-protected:
-    ~ITextReceiver() = default;
-};
-
 /// Puts a connection's bytes, split anywhere, back into lines. Holds no more than one line.
 class CTextLines final : public IReceivedBytes {
 public:
-    /// The receiver must outlive this object.
-    explicit CTextLines(ITextReceiver& receiver) : m_receiver(receiver) {}
+    /// Texts go to that function.
+    explicit CTextLines(std::function<void(const CString& strText)> onText) : m_onText(std::move(onText)) {}
 
     void OnBytes(std::span<const unsigned char> bytes) override;
 
@@ -48,7 +40,7 @@ private:
     void BeginLine();
     void Refuse(ELineRefusal nRefusal);
 
-    ITextReceiver& m_receiver;
+    const std::function<void(const CString& strText)> m_onText;
     std::string m_strLine;   ///< the current line, as far as it came
     bool m_bTooLong = false; ///< the current line is passed over
     LineRefusalCounts m_nRefused = {};

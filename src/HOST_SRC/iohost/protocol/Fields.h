@@ -1,7 +1,6 @@
 // Reading the fields of a request. Every reader checks the kind of the value and names the field in its refusal.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 

@@ -11,7 +11,8 @@ constexpr int MOST_SHOWN_TOGETHER = 1 << 20; ///< in one reply or push
 constexpr int MOST_SHOWN_BEYOND = 300;       ///< of each further text
 constexpr int MOST_SHOWN_OF_KEY = 500;
 
-/// Cuts the texts of one reply or push, wherever its tables have them. Handles and ids, which requests name, stay whole.
+/// Cuts the texts of one reply or push, wherever its tables have them. Handles and ids, which requests name, stay
+/// whole.
 class CCutter {
 public:
     void Cut(CString& strText) {

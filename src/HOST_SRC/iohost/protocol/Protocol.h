@@ -53,8 +53,8 @@ std::string AnswerText(CSession& session, std::string_view text, ISceneFiles& fi
 std::string ReplyText(const OrderedJson& reply);
 
 /// Cut what is too long for people to look at, and what is too much for one reply or push: the beginnings of texts and
-/// bytes stay, where there is a place for it with how long they are. For SActivity, OutputValues, SDone, SStep, and lists
-/// of SObjectState and SHeldEntry.
+/// bytes stay, where there is a place for it with how long they are. For SActivity, OutputValues, SDone, SStep, and
+/// lists of SObjectState and SHeldEntry.
 template <typename T>
 void CutForViewers(T& told);
 

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <set>
 
-#include "base/ByteText.h"
+#include "base/PrintableText.h"
 
 namespace {
 

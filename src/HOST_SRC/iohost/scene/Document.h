@@ -148,3 +148,12 @@ struct SClipDocument {
 
     bool operator==(const SClipDocument&) const = default;
 };
+
+/// An object of a clip, with its transform.
+struct SObjectState {
+    CString strClip;
+    CString strName;
+    std::array<float, 16> matrix;
+
+    bool operator==(const SObjectState&) const = default;
+};

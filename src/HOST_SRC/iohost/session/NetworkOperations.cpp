@@ -6,14 +6,6 @@
 #include "base/Platform.h"
 #include "base/Refusal.h"
 
-namespace {
-
-auto FindDevice(std::vector<SDeviceSetup>& devices, int nId) {
-    return std::ranges::find(devices, nId, &SDeviceSetup::nId);
-}
-
-} // namespace
-
 /// Where the host doesn't run the loop by itself, devices are given the time to be there for the next command.
 void CSession::AwaitDevices() {
     constexpr unsigned LONGEST_WAIT = 1000;
@@ -29,7 +21,7 @@ void CSession::On(const SDevicesCommand& command) {
 
 void CSession::On(const SDeviceCommand& command) {
     std::vector<SDeviceSetup> devices = m_peers.Devices().value_or(std::vector<SDeviceSetup>());
-    const auto found = FindDevice(devices, command.nId);
+    const auto found = std::ranges::find(devices, command.nId, &SDeviceSetup::nId);
     if (found != devices.end()) {
         if (command.bNew) {
             Refuse("device", "there is a device " + std::to_string(command.nId) + " already");
@@ -44,11 +36,9 @@ void CSession::On(const SDeviceCommand& command) {
 
 void CSession::On(const SRemoveDeviceCommand& command) {
     std::vector<SDeviceSetup> devices = m_peers.Devices().value_or(std::vector<SDeviceSetup>());
-    const auto found = FindDevice(devices, command.nId);
-    if (found == devices.end()) {
+    if (std::erase_if(devices, [&](const SDeviceSetup& setup) { return setup.nId == command.nId; }) == 0) {
         Refuse("device", "there is no device " + std::to_string(command.nId));
     }
-    devices.erase(found);
     m_peers.ChangeDevices(std::move(devices));
 }
 

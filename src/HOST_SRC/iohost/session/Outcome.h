@@ -11,7 +11,6 @@
 #include "engine/JsonVerdicts.h"
 #include "network/Peers.h"
 #include "scene/Document.h"
-#include "scene/ObjectChanges.h"
 #include "scene/OutputChanges.h"
 #include "session/HeldInput.h"
 #include "session/History.h"

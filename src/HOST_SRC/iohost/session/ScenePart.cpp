@@ -160,6 +160,17 @@ std::vector<SClipDocument> ClipDocumentsOf(const CScene& scene) {
     return documents;
 }
 
+std::vector<SObjectState> ObjectsOf(const CScene& scene) {
+    std::vector<SObjectState> objects;
+    for (const VEKClip& clip : scene.Clips()) {
+        for (POSITION pos = clip.m_lstObject.GetHeadPosition(); pos != nullptr;) {
+            const VEKObject& object = *clip.m_lstObject.GetNext(pos);
+            objects.push_back({clip.m_strName, object.m_strName, std::to_array(object.m_fMatrix)});
+        }
+    }
+    return objects;
+}
+
 SScenePart TakePart(CScene& scene, const CPeers& peers, const SSceneScope& scope) {
     SScenePart part;
     const auto take = [&](SNode& node) {

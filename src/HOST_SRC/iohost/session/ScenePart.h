@@ -66,6 +66,9 @@ SNodeDocument DocumentOf(const SNode& node);
 SLinkDocument DocumentOf(const SLink& link);
 std::vector<SClipDocument> ClipDocumentsOf(const CScene& scene);
 
+/// The objects of all clips.
+std::vector<SObjectState> ObjectsOf(const CScene& scene);
+
 SScenePart TakePart(CScene& scene, const CPeers& peers, const SSceneScope& scope);
 
 /// The memory that a part takes, about. Texts that it shares with others count.

@@ -1,7 +1,5 @@
 #include "standin/StandInDevice.h"
 
-#include "base/Listener.h"
-
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/write.hpp>
 
@@ -15,7 +13,6 @@
 
 #include "LogSink.h"
 #include "PlayControlParser.h"
-#include "base/ByteText.h"
 #include "base/Caught.h"
 #include "base/OutputLines.h"
 #include "base/Platform.h"
@@ -291,7 +288,9 @@ int RunStandInDevice(const SStandInOptions& options, std::function<bool(std::str
         return AcceptConnections(
             acceptor,
             [&](TcpSocket socket) { TakeConnection(std::move(socket), ++nConnections, options, lines, senders); },
-            [&](const std::string& strError) { lines.Print({{"problem", strError}}); });
+            [&](const std::string& strError) {
+                lines.Print({{"problem", strError}});
+            });
     });
     context.run();
     return 0;

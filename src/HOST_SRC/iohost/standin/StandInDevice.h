@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "base/LongestSilent.h"
+#include "base/Listener.h"
 
 /// How the device behaves.
 struct SStandInOptions {

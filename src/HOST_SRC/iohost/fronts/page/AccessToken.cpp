@@ -1,7 +1,10 @@
 #include "fronts/page/AccessToken.h"
 
-#include <cstdio>
+#include <algorithm>
+#include <array>
 #include <random>
+
+#include "base/PrintableText.h"
 
 namespace {
 
@@ -28,11 +31,9 @@ std::string_view QueryOf(std::string_view target) {
 CAccessToken CAccessToken::Make(unsigned short nPort) {
     CAccessToken token;
     std::random_device random; // the system's
-    for (int i = 0; i < 4; ++i) {
-        char szDigits[9];
-        std::snprintf(szDigits, sizeof(szDigits), "%08x", random());
-        token.m_strToken += szDigits;
-    }
+    std::array<unsigned char, 16> bytes;
+    std::ranges::generate(bytes, [&] { return static_cast<unsigned char>(random()); });
+    token.m_strToken = HexText(bytes);
     token.m_strCookie = "iohost_token_" + std::to_string(nPort);
     return token;
 }

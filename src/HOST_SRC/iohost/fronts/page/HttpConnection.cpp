@@ -12,8 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <limits>
-#include <memory>
-#include <optional>
 #include <string_view>
 #include <utility>
 

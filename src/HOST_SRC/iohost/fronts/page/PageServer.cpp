@@ -14,7 +14,6 @@
 #include <map>
 #include <memory>
 #include <random>
-#include <set>
 #include <utility>
 
 #include "base/Caught.h"
@@ -117,7 +116,7 @@ public:
         pClient->Send(Text(m_toldHistory), true);
         // The next frame tells everybody all of it; to those who know it already that changes nothing.
         m_outputs.Forget();
-        m_objects.Forget();
+        m_toldObjects.reset();
         m_session.JsonVerdicts().ForgetTaken();
         m_session.ForgetToldCounts();
     }
@@ -250,9 +249,10 @@ private:
         if (const Verdicts verdicts = m_session.JsonVerdicts().TakeNew(m_session.Scene()); !verdicts.empty()) {
             SendToAll({{"push", "json"}, {"nodes", ToJson(verdicts)}});
         }
-        if (auto objects = m_objects.Take(m_session.Scene())) {
-            CutForViewers(*objects);
-            SendToAll({{"push", "objects"}, {"objects", ToJson(*objects)}});
+        if (auto objects = ObjectsOf(m_session.Scene()); objects != m_toldObjects) {
+            m_toldObjects = objects;
+            CutForViewers(objects);
+            SendToAll({{"push", "objects"}, {"objects", ToJson(objects)}});
         }
         TellDropped();
         if (const auto tNow = std::chrono::steady_clock::now(); tNow - m_tTold >= TELL_PAUSE) {
@@ -306,23 +306,15 @@ private:
     }
 
     void OnDropped(const SDroppedItems& dropped) override {
-        if (m_clients.empty()) {
-            return;
-        }
-        const auto same = std::ranges::find_if(m_dropped, [&](const SDroppedItems& items) {
-            return items.nDevice == dropped.nDevice && items.sender == dropped.sender;
-        });
-        if (same != m_dropped.end()) {
-            same->nItems += dropped.nItems;
-        } else {
-            m_dropped.push_back(dropped);
+        if (!m_clients.empty()) {
+            m_dropped[{dropped.nDevice, dropped.sender}] += dropped.nItems;
         }
     }
 
     /// Once a frame, however many items are late.
     void TellDropped() {
-        for (const SDroppedItems& dropped : std::exchange(m_dropped, {})) {
-            SendToAll(Push("dropped", dropped));
+        for (const auto& [of, nItems] : std::exchange(m_dropped, {})) {
+            SendToAll(Push("dropped", SDroppedItems{of.first, of.second, nItems}));
         }
     }
 
@@ -461,7 +453,7 @@ private:
     CTerminalLines m_terminal;
     SActivity m_ofItems; ///< what items of the network caused since the last frame
     COutputChanges m_outputs;
-    CObjectChanges m_objects;
+    std::optional<std::vector<SObjectState>> m_toldObjects; ///< none: nobody knows them
     TcpAcceptor m_acceptor{m_context};
     asio::signal_set m_signals{m_context};
     SteadyTimer m_goodbyeTimer{m_context};
@@ -483,8 +475,8 @@ private:
     OrderedJson m_toldHistory;
     unsigned long long m_nToldNetworkVersion = 0;
     unsigned long long m_nToldHeldVersion = 0;
-    std::vector<SDroppedItems> m_dropped;          ///< since the last frame
-    std::chrono::steady_clock::time_point m_tTold; ///< of counters and network
+    std::map<std::pair<int, std::optional<std::string>>, size_t> m_dropped; ///< items by device and sender, since then
+    std::chrono::steady_clock::time_point m_tTold;                          ///< of counters and network
     bool m_bStopping = false;
 };
 
