@@ -6,7 +6,7 @@ import { canvasOf, drawn } from "./support/canvas.mjs";
 import { temporaryFolder } from "./support/folder.mjs";
 import { startHost } from "./support/host.mjs";
 import * as is from "./support/page.mjs";
-import { browser, page, script, useScene } from "./support/scene.mjs";
+import { page, script, useScene } from "./support/scene.mjs";
 import { createNode, createScene, must, Type, until } from "./support/session.mjs";
 import { test } from "./support/test.mjs";
 
@@ -50,12 +50,12 @@ useScene({
 });
 
 /** What breaks a rule, told by rule and element. */
-async function violationsIn(part, { looks = ALL, view = page.page } = {}) {
+async function violationsIn(part, { looks = ALL } = {}) {
   const found = [];
   for (const [colorScheme, options] of looks) {
-    await view.emulateMedia({ colorScheme });
-    await view.evaluate(drawn);
-    const { violations } = await view.evaluate(
+    await page.page.emulateMedia({ colorScheme });
+    await page.page.evaluate(drawn);
+    const { violations } = await page.page.evaluate(
       ([part, options]) => window.axe.run(part, { ...options, resultTypes: ["violations"], preload: false }),
       [part, options],
     );
@@ -167,11 +167,10 @@ test("no rule is broken by what an ended host left, nor by a question about it",
   };
   const port = await endedPort(); // one on any free port leaves nothing
   const next = await startHost({ port: await endedPort(port), options });
-  const view = await is.openTab(browser);
-  await view.goto(next.page);
-  await view.locator("[data-empty-scene]").waitFor();
-  await view.evaluate(AXE);
-  await view.locator("[data-recovered]").getByRole("button", { name: "Throw them away" }).click();
-  await view.getByRole("alertdialog").waitFor();
-  assert.deepEqual(await violationsIn("html", { view }), []);
+  await page.page.goto(next.page);
+  await page.page.locator("[data-empty-scene]").waitFor();
+  await page.page.evaluate(AXE);
+  await page.page.locator("[data-recovered]").getByRole("button", { name: "Throw them away" }).click();
+  await page.page.getByRole("alertdialog").waitFor();
+  assert.deepEqual(await violationsIn("html"), []);
 });

@@ -1,21 +1,20 @@
 // How the page looks to whom: its languages, its colours, its motion.
 import assert from "node:assert/strict";
-import { openContext } from "./support/browser.mjs";
 import { startHost } from "./support/host.mjs";
 import * as is from "./support/page.mjs";
-import { browser, host, page, script, useScene } from "./support/scene.mjs";
+import { host, page, script, useScene } from "./support/scene.mjs";
 import { createNode, createScene, must, Type, until } from "./support/session.mjs";
 import { test } from "./support/test.mjs";
 
 useScene();
 
-const tab = (view, name) => view.page.locator(`[data-tab=${name}]`).click();
-const language = (view) => view.page.evaluate(() => document.documentElement.lang);
-const logLine = (view) => view.page.locator("[data-log] .line-text").last();
+const tab = (name) => page.page.locator(`[data-tab=${name}]`).click();
+const language = () => page.page.evaluate(() => document.documentElement.lang);
+const logLine = () => page.page.locator("[data-log] .line-text").last();
 
 /** What the page says: what stands on it and what it tells screen readers, without the texts of the scene. */
-const saidOn = (view) =>
-  view.page.evaluate(() => {
+const said = () =>
+  page.page.evaluate(() => {
     const said = [];
     const isForeign = (element) => element.closest("kbd, [data-skbtn], .line-text, .react-flow__attribution") !== null;
     const walker = document.createTreeWalker(document.body, NodeFilter.SHOW_TEXT);
@@ -37,16 +36,16 @@ test("in Chinese no text is left in English, on any tab", async () => {
   await createNode(script, "t", Type.textField, "文本 1");
   await createNode(script, "v", Type.vrHandle, "手柄 1");
   await page.page.getByRole("button", { name: "中文" }).click();
-  assert.equal(await language(page), "zh");
+  assert.equal(await language(), "zh");
   const fromHost = ["Keyboard 1", "Mouse 1", "Demo", "Version", "Wall", "Lamp", "Connection refused"];
   const sameEverywhere = ["iohost", "JSON", "EN", "VR", "Alt", "Page Up", "Page Down", "Delete", "Esc", "UDP", '{"cmd":"start"}', "framed", "direct", "json", "none"];
   const known = [...fromHost, ...sameEverywhere, host.address];
   const english = async () => {
-    const rest = (await saidOn(page)).map((text) => known.reduce((left, word) => left.replaceAll(word, ""), text));
+    const rest = (await said()).map((text) => known.reduce((left, word) => left.replaceAll(word, ""), text));
     return rest.filter((text) => /[A-Za-z]{2}/.test(text));
   };
   for (const name of is.TABS) {
-    await tab(page, name);
+    await tab(name);
     await page.page.locator(`#panel-${name} :visible`).first().waitFor();
     assert.deepEqual(await english(), [], name);
   }
@@ -83,52 +82,52 @@ test("names of types, pins and choices follow the switch, whichever the host's a
   const other = await createScene(chinese.address);
   await createNode(other, "j", Type.deviceJson, "JSON");
   await createNode(other, "v", Type.vrHandle, "Hand");
-  const view = await is.openPage(browser, chinese);
-  const pins = (node) => view.page.locator(`article[data-node=${node}] .output-name`).allTextContents();
-  const hands = () => view.page.locator('article[data-node=v] select[data-param="803"] option').allTextContents();
-  const type = view.page.locator("article[data-node=k] header");
-  await view.page.locator("article[data-node=v] select").waitFor();
-  await view.page.locator("[data-face=k]").waitFor(); // the palette comes with the canvas
+  await page.page.goto(chinese.page);
+  const pins = (node) => page.page.locator(`article[data-node=${node}] .output-name`).allTextContents();
+  const hands = () => page.page.locator('article[data-node=v] select[data-param="803"] option').allTextContents();
+  const type = page.page.locator("article[data-node=k] header");
+  await page.page.locator("article[data-node=v] select").waitFor();
+  await page.page.locator("[data-face=k]").waitFor(); // the palette comes with the canvas
   for (const [language, pressed, key, keyboard, left] of [["EN", "Pressed", "Key 1", "Keyboard · Demo", "Left hand"], ["中文", "按下", "键1", "键盘 · Demo", "左手柄"]]) {
-    await view.page.getByRole("button", { name: language, exact: true }).click();
+    await page.page.getByRole("button", { name: language, exact: true }).click();
     await until(`names of pins, ${language}`, async () => (await pins("k")).includes(pressed) && (await pins("j")).includes(key));
     assert.ok((await type.innerText()).includes(keyboard));
     assert.equal((await hands())[0], left);
-    await view.page.keyboard.press("Control+k");
-    await view.page.locator(`[data-entry="${keyboard.split(" ")[0]}"]`).waitFor();
-    await view.page.keyboard.press("Escape");
-    await view.page.locator("[data-palette]").waitFor({ state: "detached" });
+    await page.page.keyboard.press("Control+k");
+    await page.page.locator(`[data-entry="${keyboard.split(" ")[0]}"]`).waitFor();
+    await page.page.keyboard.press("Escape");
+    await page.page.locator("[data-palette]").waitFor({ state: "detached" });
   }
 });
 
 test("the browser's languages choose the page's, and a switch does, which the page remembers", async () => {
-  const context = await openContext(browser, { locale: "zh-CN" });
-  const view = { page: await context.newPage() };
-  await view.page.goto(host.page);
-  await view.page.getByRole("heading", { name: "渲染画面" }).waitFor();
-  await view.page.getByRole("button", { name: "EN" }).click();
-  await view.page.getByRole("heading", { name: "Render surface" }).waitFor();
-  assert.equal(await language(view), "en");
-  await view.page.reload();
-  await view.page.getByRole("heading", { name: "Render surface" }).waitFor();
-  await context.close();
+  const wire = await page.page.context().newCDPSession(page.page);
+  const userAgent = await page.page.evaluate(() => navigator.userAgent);
+  await wire.send("Emulation.setUserAgentOverride", { userAgent, acceptLanguage: "zh-CN" });
+  await page.page.reload();
+  await page.page.getByRole("heading", { name: "渲染画面" }).waitFor();
+  await page.page.getByRole("button", { name: "EN" }).click();
+  await page.page.getByRole("heading", { name: "Render surface" }).waitFor();
+  assert.equal(await language(), "en");
+  await page.page.reload();
+  await page.page.getByRole("heading", { name: "Render surface" }).waitFor();
 });
 
 test("lines of the log are shown in the page's language, with what was logged as the title", async () => {
   await script.request({ op: "event", device: 1, event: 3004 });
   await page.fires(is.HOVER, 1);
-  await until("the line", async () => (await logLine(page).innerText()) === "[Demo.Mouse 1.Mouse] fired [Hover]");
-  assert.equal(await logLine(page).getAttribute("title"), "[Demo.Mouse 1.Mouse]触发输出事件[停留]");
+  await until("the line", async () => (await logLine().innerText()) === "[Demo.Mouse 1.Mouse] fired [Hover]");
+  assert.equal(await logLine().getAttribute("title"), "[Demo.Mouse 1.Mouse]触发输出事件[停留]");
   for (const search of ["fired [hover", "[停留]"]) {
     await page.page.locator(".log-search").fill(search);
     await page.page.locator('[data-log-shown="1"]').waitFor();
   }
   await page.page.getByRole("button", { name: "中文" }).click();
-  await until("the line", async () => (await logLine(page).innerText()) === "[Demo.Mouse 1.Mouse]触发输出事件[停留]");
+  await until("the line", async () => (await logLine().innerText()) === "[Demo.Mouse 1.Mouse]触发输出事件[停留]");
   await page.page.locator(".log-search").fill("");
   await must(script, { op: "device", device: 1, name: "Wall", parser: "direct", address: "127.0.0.1:9" });
-  await until("the host's line", async () => (await logLine(page).innerText()).startsWith('无法连接设备 1 "Wall" at 127.0.0.1:9：'));
-  assert.match(await logLine(page).getAttribute("title"), /^device 1 "Wall" at 127.0.0.1:9 can't be reached: /);
+  await until("the host's line", async () => (await logLine().innerText()).startsWith('无法连接设备 1 "Wall" at 127.0.0.1:9：'));
+  assert.match(await logLine().getAttribute("title"), /^device 1 "Wall" at 127.0.0.1:9 can't be reached: /);
 });
 
 test("light or dark is as the system says, at any time", async () => {

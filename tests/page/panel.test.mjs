@@ -12,26 +12,23 @@ const enable = (view, node) => view.page.locator(`[data-node=${node}][data-param
 const LOG_LIMIT = 10_000;
 const line = (number) => ({ level: 4, text: `[Demo.Mouse 1.Mouse] number ${number}.` });
 
-/** A page that is told of so many lines in the log, and then of those that the test adds. */
-async function openWithLog(browser, count) {
-  const opened = await is.openTab(browser);
+/** Has the page open anew, told of so many lines in the log; answers with what tells it more. */
+async function openWithLog(count) {
   const kept = Array.from({ length: count }, (_, index) => ({ n: index + 1, ms: 0, ...line(index + 1) }));
   let asked;
-  const tell = await is.between(opened, {
+  const tell = await is.between(page.page, {
     toHost(request) {
       asked = request.op === "log" ? request.id : asked;
       return request;
     },
     toPage: (messages) => messages.map((one) => (one.id === asked && one.lines ? { ...one, lines: kept } : one)),
   });
-  await opened.goto(`${host.page}#log`);
-  return {
-    page: opened,
-    log: (log) => tell([{ push: "happened", frame: 0, log }]),
-    shows: (number) => opened.locator(`[data-log-shown="${number}"]`).waitFor(),
-  };
+  await page.page.reload();
+  await shows(count);
+  return (log) => tell([{ push: "happened", frame: 0, log }]);
 }
 
+const shows = (number) => page.page.locator(`[data-log-shown="${number}"]`).waitFor();
 const lines = () => page.page.locator("[data-log] .log-line");
 const shownLines = (count) => expectEventually("lines in the log", () => lines().count(), count);
 
@@ -84,59 +81,57 @@ test("a paused log stands still and goes on with what came meanwhile; clearing e
 });
 
 test("ten thousand lines are kept and searched, and those near what is seen are drawn", async () => {
-  const view = await openWithLog(browser, LOG_LIMIT);
-  await view.shows(LOG_LIMIT);
-  const linesDrawn = () => view.page.locator("[data-line]").count();
-  const isSeen = (number) => view.page.locator(`[data-line="${number}"]`).evaluate((line) => {
+  const log = await openWithLog(LOG_LIMIT);
+  const linesDrawn = () => page.page.locator("[data-line]").count();
+  const isSeen = (number) => page.page.locator(`[data-line="${number}"]`).evaluate((line) => {
     const [box, list] = [line.getBoundingClientRect(), line.closest("[data-log]").getBoundingClientRect()];
     return box.top >= list.top - 1 && box.bottom <= list.bottom + 1;
   });
   assert.ok(await isSeen(LOG_LIMIT));
   assert.ok((await linesDrawn()) < 200);
-  await view.log([line(LOG_LIMIT + 1), line(LOG_LIMIT + 2)]);
+  await log([line(LOG_LIMIT + 1), line(LOG_LIMIT + 2)]);
   await until("the newest line", () => isSeen(LOG_LIMIT + 2));
-  await view.shows(LOG_LIMIT);
+  await shows(LOG_LIMIT);
 
-  await view.page.locator(".log-search").fill("NUMBER 17.");
-  await view.shows(1);
+  await page.page.locator(".log-search").fill("NUMBER 17.");
+  await shows(1);
   assert.ok(await isSeen(17));
-  await view.page.locator(".log-search").fill("");
-  await view.shows(LOG_LIMIT);
+  await page.page.locator(".log-search").fill("");
+  await shows(LOG_LIMIT);
   await until("the newest line", () => isSeen(LOG_LIMIT + 2));
 
   // Away from the end it stands still, wherever it's scrolled to.
-  const list = view.page.locator("[data-log]");
+  const list = page.page.locator("[data-log]");
   await list.evaluate((log) => (log.scrollTop = (log.clientHeight - log.scrollHeight) / 2));
   const middle = () => list.evaluate((log) => {
     const { left, top, height } = log.getBoundingClientRect();
     return Number(document.elementFromPoint(left + 20, top + height / 2)?.closest("[data-line]")?.getAttribute("data-line"));
   });
   await until("lines about the middle", async () => Math.abs((await middle()) - LOG_LIMIT / 2) < 500);
-  await view.page.evaluate(drawn);
+  await page.page.evaluate(drawn);
   const [before, place] = [await middle(), await list.evaluate((log) => log.scrollTop)];
-  await view.log([line(LOG_LIMIT + 3)]);
-  await view.page.getByRole("button", { name: "Go on (1 new)" }).waitFor();
+  await log([line(LOG_LIMIT + 3)]);
+  await page.page.getByRole("button", { name: "Go on (1 new)" }).waitFor();
   assert.deepEqual([await middle(), await list.evaluate((log) => log.scrollTop)], [before, place]);
   await list.hover();
   for (let turn = 0, seen = before; turn < 30; ++turn) {
-    await view.page.mouse.wheel(0, -200);
+    await page.page.mouse.wheel(0, -200);
     await until("lines further up", async () => (await middle()) < seen && (await middle()) > seen - 40);
     seen = await middle();
   }
   assert.ok((await linesDrawn()) < 200);
-  await view.page.getByRole("button", { name: "Go on (1 new)" }).click();
+  await page.page.getByRole("button", { name: "Go on (1 new)" }).click();
   await until("the newest line", () => isSeen(LOG_LIMIT + 3));
   await list.evaluate((log) => (log.scrollTop = -log.scrollHeight));
-  await until("the first line that is kept", async () => (await view.page.locator('[data-line="4"]').count()) === 1 && isSeen(4));
+  await until("the first line that is kept", async () => (await page.page.locator('[data-line="4"]').count()) === 1 && isSeen(4));
   await list.evaluate((log) => (log.scrollTop = 0));
-  await view.page.getByRole("button", { name: "Pause" }).waitFor();
+  await page.page.getByRole("button", { name: "Pause" }).waitFor();
   await until("the newest line", () => isSeen(LOG_LIMIT + 3));
 });
 
 test("lines are marked by keys, which screen readers are told, and lead to their nodes, as by clicks", async () => {
-  const view = await openWithLog(browser, LOG_LIMIT);
-  await view.shows(LOG_LIMIT);
-  const list = view.page.locator("[data-log]");
+  const log = await openWithLog(LOG_LIMIT);
+  const list = page.page.locator("[data-log]");
   const marked = () => list.evaluate((log) => {
     const line = document.getElementById(log.getAttribute("aria-activedescendant"));
     return line?.ariaSelected === "true" ? line.dataset.line : null;
@@ -144,25 +139,25 @@ test("lines are marked by keys, which screen readers are told, and lead to their
   assert.equal(await marked(), null);
   await list.focus();
   for (const [key, number] of [["ArrowUp", LOG_LIMIT], ["ArrowUp", LOG_LIMIT - 1], ["Home", 1], ["ArrowDown", 2], ["End", LOG_LIMIT]]) {
-    await view.page.keyboard.press(key);
+    await page.page.keyboard.press(key);
     await expectEventually("the marked line", marked, String(number));
   }
   await list.hover();
-  await view.page.mouse.wheel(0, -400);
+  await page.page.mouse.wheel(0, -400);
   const isSeen = () => list.evaluate((log) => log.scrollTop > -20);
   await until("lines further up", async () => !(await isSeen()));
-  await view.page.keyboard.press("End");
+  await page.page.keyboard.press("End");
   await until("the marked line", isSeen);
-  await view.log([line(LOG_LIMIT + 1)]);
-  await view.page.getByRole("button", { name: "Go on (1 new)" }).waitFor();
-  await view.page.keyboard.press("Enter");
-  const chosen = view.page.locator(".react-flow__node.selected [data-face=m]");
+  await log([line(LOG_LIMIT + 1)]);
+  await page.page.getByRole("button", { name: "Go on (1 new)" }).waitFor();
+  await page.page.keyboard.press("Enter");
+  const chosen = page.page.locator(".react-flow__node.selected [data-face=m]");
   await chosen.waitFor();
-  await view.page.keyboard.press("Escape");
+  await page.page.keyboard.press("Escape");
   await chosen.waitFor({ state: "detached" });
-  await view.page.locator("[data-line]").last().click();
+  await page.page.locator("[data-line]").last().click();
   await chosen.waitFor();
-  await expectEventually("cards", () => view.page.locator("article[data-node]").count(), 1);
+  await expectEventually("cards", () => page.page.locator("article[data-node]").count(), 1);
 });
 
 test("where the host refuses to listen only, that is said, and badge and switch stay as they were", async () => {
