@@ -65,28 +65,32 @@ async function undoMove() {
   await until("the place before", async () => JSON.stringify(await placeOf("m")) === '{"x":0,"y":200}');
 }
 
-test("a node is dragged again after a second finger broke a drag off; each drag is a step", async () => {
+test("a node is dragged again after a pinch that began on it, from where the finger takes it; each drag is a step", async () => {
   const wire = await page.page.context().newCDPSession(page.page);
   await wire.send("Emulation.setTouchEmulationEnabled", { enabled: true, maxTouchPoints: 2 });
   await page.page.reload();
   await page.page.locator(".react-flow__edge").waitFor();
   const touch = (type, ...touchPoints) => wire.send("Input.dispatchTouchEvent", { type, touchPoints });
-  const drag = async (...others) => {
-    const { x, y } = await canvas.middleOf(canvas.face("m").locator("header strong"));
+  const zoom = await canvas.zoom();
+  /** Moves the node by so many pixels of the screen, from so far left of its middle. */
+  const drag = async (by, left, ...others) => {
+    const { x: middle, y } = await canvas.middleOf(canvas.face("m").locator("header"));
+    const x = middle - left;
     await touch("touchStart", { x, y });
-    await touch("touchMove", { x: x + 40, y });
-    await touch("touchMove", { x: x + 50, y });
+    await touch("touchMove", { x: x + 40, y }); // from here it goes with the finger
+    await touch("touchMove", { x: x + 40 + by, y });
     for (const other of others) {
-      await touch("touchStart", { x: x + 50, y }, { x, y: y + other });
-      await touch("touchMove", { x: x + 60, y }, { x, y: y + other + 10 });
+      await touch("touchStart", { x: x + 40 + by, y }, { x, y: y + other });
+      await touch("touchMove", { x: x + 50 + by, y }, { x, y: y + other + 10 });
     }
     await touch("touchEnd");
   };
-  await drag(60);
+  await drag(50, 0, 60);
   await stepIs("Move Mouse 1");
   const { x } = await placeOf("m");
-  await drag();
+  await drag(50, 20);
   await until("another place", async () => (await placeOf("m")).x > x);
+  assert.equal((await placeOf("m")).x - x, Math.round(50 / zoom));
   await page.keyboard.press("Control+z");
   await until("the place before", async () => (await placeOf("m")).x === x);
   await undoMove();

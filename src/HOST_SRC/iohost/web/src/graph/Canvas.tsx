@@ -213,7 +213,16 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
         }}
       />
       <QuestionBar desk={desk} />
-      <div class="graph" data-graph ref={pane} tabIndex={-1} onPointerDownCapture={() => (mayDrag.current = true)} {...keys}>
+      <div
+        class="graph"
+        data-graph
+        ref={pane}
+        tabIndex={-1}
+        onPointerDownCapture={() => (mayDrag.current = true)}
+        onTouchStartCapture={keepFromNodes}
+        onTouchMoveCapture={keepFromNodes}
+        {...keys}
+      >
         <ReactFlow<CanvasNode, Wire>
           colorMode="system"
           nodes={faces}
@@ -251,6 +260,13 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       <Outline host={host} />
     </>
   );
+}
+
+/** While a second finger is down nodes wait: the library would break the drag off, and begin the next one where this was taken. */
+function keepFromNodes(event: TouchEvent): void {
+  if (event.touches.length > 1 && (event.target as Element).closest(".react-flow__node") !== null) {
+    event.stopPropagation();
+  }
 }
 
 /** The same function each time, which calls the newest `act`: a new one has the library draw everything anew. */
