@@ -3,6 +3,7 @@ import {
   Controls,
   MiniMap,
   ReactFlow,
+  ReactFlowProvider,
   SelectionMode,
   useEdgesState,
   useNodesState,
@@ -14,7 +15,7 @@ import {
   type XYPosition,
 } from "@xyflow/react";
 import "@xyflow/react/dist/base.css";
-import { useCallback, useEffect, useMemo, useRef, useState } from "preact/hooks";
+import { useCallback, useEffect, useLayoutEffect, useMemo, useRef, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { language } from "../i18n.ts";
@@ -26,6 +27,7 @@ import { chosenIn, facesOf, wiresOf, type CanvasNode } from "./elements.ts";
 import { EmptyScene } from "./EmptyScene.tsx";
 import { Face } from "./Face.tsx";
 import { handleOf, nodeId, noteId } from "./ids.ts";
+import { KnownPins } from "./KnownPins.tsx";
 import { AutomaticPlaces, boxOf } from "./layout.ts";
 import { NoteFace } from "./NoteFace.tsx";
 import { Outline } from "./Outline.tsx";
@@ -60,26 +62,29 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   /** Those to choose when they come: what was just made isn't here yet. */
   const wantChosen = useRef<readonly string[]>([]);
 
-  useEffect(() => {
+  useLayoutEffect(() => {
     automatic.follow(nodes ?? [], links);
     const wanted = wantChosen.current;
     setFaces((kept) => facesOf(editor, { nodes: nodes ?? [], links, notes }, automatic, kept, wanted));
     const came = new Set([...(nodes ?? []).map(({ node }) => nodeId(node)), ...Object.keys(notes).map(noteId)]);
     wantChosen.current = wanted.filter((id) => !came.has(id));
   }, [nodes, links, notes, language.value]);
-  useEffect(() => {
+  useLayoutEffect(() => {
     setWires((kept) => wiresOf(editor, nodes ?? [], links, kept));
   }, [nodes, links, language.value]);
-  // The first nodes come into sight as a whole.
-  const showAll = (places: ReadonlyMap<string, XYPosition>) => {
-    const boxes = (nodes ?? []).map((node) => ({ ...boxOf(node), ...(places.get(node.node) ?? node.place ?? automatic.of(node.node)) }));
+  const showAll = useConstant((places: ReadonlyMap<string, XYPosition> = new Map()) => {
+    const boxes = [
+      ...(nodes ?? []).map((node) => ({ ...boxOf(node), ...(places.get(node.node) ?? node.place ?? automatic.of(node.node)) })),
+      ...Object.values(notes),
+    ];
     const [left, top] = [Math.min(...boxes.map(({ x }) => x)), Math.min(...boxes.map(({ y }) => y))];
     const [right, bottom] = [Math.max(...boxes.map(({ x, width }) => x + width)), Math.max(...boxes.map(({ y, height }) => y + height))];
     if (boxes.length > 0) {
       void flow.current?.fitBounds({ x: left, y: top, width: right - left, height: bottom - top }, { padding: 0.1 });
     }
-  };
-  useEffect(() => showAll(new Map()), [faces.length > 0]);
+  });
+  // What comes first comes into sight as a whole: here, or when the library is ready.
+  useEffect(() => showAll(), [faces.length > 0]);
 
   // What is chosen here the inspector shows, and it can be chosen from elsewhere.
   const chosenFaces = faces.filter(({ selected }) => selected);
@@ -170,7 +175,10 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     place,
   });
 
-  const keepFlow = useConstant((instance: ReactFlowInstance<CanvasNode, Wire>) => void (flow.current = instance));
+  const keepFlow = useConstant((instance: ReactFlowInstance<CanvasNode, Wire>) => {
+    flow.current = instance;
+    showAll();
+  });
   const goToPlace = useConstant((_: unknown, { x, y }: XYPosition) => {
     void flow.current?.setCenter(x, y, { zoom: flow.current.getZoom(), duration: 200 });
   });
@@ -223,37 +231,39 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
         onTouchMoveCapture={keepFromNodes}
         {...keys}
       >
-        <ReactFlow<CanvasNode, Wire>
-          colorMode="system"
-          nodes={faces}
-          edges={wires}
-          nodeTypes={FACES}
-          edgeTypes={WIRES}
-          onNodesChange={follow}
-          onEdgesChange={onWiresChange}
-          isValidConnection={canLink}
-          onConnect={link}
-          onConnectEnd={endWire}
-          connectOnClick={false}
-          onPaneClick={giveUp}
-          onInit={keepFlow}
-          deleteKeyCode={null}
-          panActivationKeyCode={null}
-          selectionKeyCode="Shift"
-          selectionMode={SelectionMode.Partial}
-          multiSelectionKeyCode={ADDING_KEYS}
-          zoomOnDoubleClick={false}
-          nodeDragThreshold={2}
-          autoPanOnNodeDrag={isDragging.current}
-          minZoom={0.1}
-          maxZoom={1.5}
-          fitView
-          ariaLabelConfig={labels}
-        >
-          <Background />
-          <Controls showInteractive={false} />
-          <MiniMap pannable zoomable onClick={goToPlace} style={MAP_SIZE} />
-        </ReactFlow>
+        <ReactFlowProvider>
+          <KnownPins />
+          <ReactFlow<CanvasNode, Wire>
+            colorMode="system"
+            nodes={faces}
+            edges={wires}
+            nodeTypes={FACES}
+            edgeTypes={WIRES}
+            onNodesChange={follow}
+            onEdgesChange={onWiresChange}
+            isValidConnection={canLink}
+            onConnect={link}
+            onConnectEnd={endWire}
+            connectOnClick={false}
+            onPaneClick={giveUp}
+            onInit={keepFlow}
+            deleteKeyCode={null}
+            panActivationKeyCode={null}
+            selectionKeyCode="Shift"
+            selectionMode={SelectionMode.Partial}
+            multiSelectionKeyCode={ADDING_KEYS}
+            zoomOnDoubleClick={false}
+            nodeDragThreshold={2}
+            autoPanOnNodeDrag={isDragging.current}
+            minZoom={0.1}
+            maxZoom={1.5}
+            ariaLabelConfig={labels}
+          >
+            <Background />
+            <Controls showInteractive={false} />
+            <MiniMap pannable zoomable onClick={goToPlace} style={MAP_SIZE} />
+          </ReactFlow>
+        </ReactFlowProvider>
         {nodes?.length === 0 && faces.length === 0 && <EmptyScene editor={editor} />}
         {editor.palette.value !== null && <Palette editor={editor} call={editor.palette.value} />}
       </div>

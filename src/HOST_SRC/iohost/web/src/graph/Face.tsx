@@ -1,17 +1,17 @@
-import { useStore, useUpdateNodeInternals, type Node, type NodeProps, type ReactFlowState, type Rect } from "@xyflow/react";
+import { useStore, type Node, type NodeProps, type ReactFlowState, type Rect } from "@xyflow/react";
 import { computed, useComputed } from "@preact/signals";
 import { useLayoutEffect, useMemo, useRef } from "preact/hooks";
 import { fedInput } from "../fed.ts";
-import type { NodeView } from "../host.ts";
+import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
 import { iconOf } from "../icons.ts";
-import { inputsOf, outputsOf } from "../nodePins.ts";
+import { inputOf } from "../nodePins.ts";
 import { JsonVerdictLine } from "../view/JsonPanel.tsx";
 import { NodeActivity, NodeCounters, NodeWarning } from "../view/NodeState.tsx";
 import { useFocusOn } from "../view/useFocusOn.ts";
 import type { Editor } from "./editor.ts";
 import { linkedPin } from "./elements.ts";
-import { FacePins, WiredPins } from "./FacePins.tsx";
+import { EndPins, FacePins } from "./FacePins.tsx";
 import { boxOf } from "./layout.ts";
 import "./face.css";
 import { useFocusWhenChosen } from "./useFocusWhenChosen.ts";
@@ -25,28 +25,15 @@ const LEGIBLE_ZOOM = 0.2;
 /** So that nothing is missing while the canvas is panned. */
 const NEAR_PX = 100;
 
-/**
- * A node on the canvas: what it is, what it does right now, and its pins; folded those alone that are linked. What is out of
- * sight, or too far to be read, is its name and the pins that wires lead to.
- */
-export function Face({ id, data, selected, positionAbsoluteX: x, positionAbsoluteY: y }: NodeProps<FaceNode>) {
+/** A node on the canvas. What is out of sight, or too far to be read, is a box with a name. */
+export function Face({ data, selected, positionAbsoluteX: x, positionAbsoluteY: y }: NodeProps<FaceNode>) {
   const { editor, node, folded, linked } = data;
-  const { host } = editor;
-  const inputs = inputsOf(node);
-  const outputs = outputsOf(node);
-  const isSwitched = linked.includes(linkedPin("input", ENABLE));
-  const enable = inputs.find((input) => input.id === ENABLE);
-  const isOff = useMemo(
-    () => computed(() => enable !== undefined && (isSwitched ? fedInput(host, node.node, enable) : enable).int === 0),
-    [enable, isSwitched],
-  ).value;
+  const isOff = useIsOff(editor.host, node, linked);
   const { width, height } = boxOf(node);
   const isLegible = useStore((canvas) => isInSight({ x, y, width, height }, canvas));
   const isWhole = isLegible || folded || selected;
-  useMeasured(id, isWhole ? "all" : linked.join());
   const face = useRef<HTMLDivElement>(null);
   useFocusWhenChosen(face, selected);
-  const pinProps = { editor, node: node.node, isReachable: selected };
   return (
     <div
       ref={face}
@@ -55,59 +42,55 @@ export function Face({ id, data, selected, positionAbsoluteX: x, positionAbsolut
       data-face={node.node}
       data-folded={folded}
     >
-      <header class="face-head">
-        {isWhole && <FaceIcon type={node.type} />}
-        <FaceName editor={editor} node={node} />
-        {isWhole && (
-          <>
-            {isOff && <span class="face-state">{t("off")}</span>}
-            <NodeActivity host={host} node={node.node} />
-            <button
-              type="button"
-              class="face-fold nodrag"
-              aria-label={folded ? t("Unfold {name}", { name: node.graph }) : t("Fold {name}", { name: node.graph })}
-              aria-expanded={!folded}
-              tabIndex={selected ? 0 : -1}
-              onClick={() => void editor.place({ [node.node]: { ...editor.view.placeOf(node.node), folded: !folded } })}
-            >
-              {folded ? "▸" : "▾"}
-            </button>
-          </>
-        )}
-      </header>
       {isWhole ? (
-        <>
-          <FacePins {...pinProps} inputs={inputs} outputs={outputs} folded={folded} linked={linked} />
-          <NodeCounters host={host} node={node.node} />
-          <JsonVerdictLine host={host} node={node.node} />
-          <NodeWarning host={host} node={node} />
-        </>
+        <WholeFace {...data} selected={selected} isOff={isOff} />
       ) : (
-        <WiredPins {...pinProps} inputs={inputs} outputs={outputs} linked={linked} />
+        <>
+          <strong class="face-far">{node.graph}</strong>
+          {editor.begun.value !== null && <EndPins editor={editor} node={node} />}
+        </>
       )}
     </div>
   );
 }
 
-const unmeasured = new Set<string>();
+/** What a node is, what it does right now, and its pins; folded those alone that are linked. */
+function WholeFace({ editor, node, folded, linked, selected, isOff }: FaceNode["data"] & { selected: boolean; isOff: boolean }) {
+  const { host } = editor;
+  return (
+    <>
+      <header class="face-head">
+        <FaceIcon type={node.type} />
+        <FaceName editor={editor} node={node} />
+        {isOff && <span class="face-state">{t("off")}</span>}
+        <NodeActivity host={host} node={node.node} />
+        <button
+          type="button"
+          class="face-fold nodrag"
+          aria-label={folded ? t("Unfold {name}", { name: node.graph }) : t("Fold {name}", { name: node.graph })}
+          aria-expanded={!folded}
+          tabIndex={selected ? 0 : -1}
+          onClick={() => void editor.place({ [node.node]: { ...editor.view.placeOf(node.node), folded: !folded } })}
+        >
+          {folded ? "▸" : "▾"}
+        </button>
+      </header>
+      <FacePins editor={editor} node={node} folded={folded} linked={linked} isReachable={selected} />
+      <NodeCounters host={host} node={node.node} />
+      <JsonVerdictLine host={host} node={node.node} />
+      <NodeWarning host={host} node={node} />
+    </>
+  );
+}
 
-/** The library learns of a node's pins when it measures it: anew when others are drawn, and all such nodes at once. */
-function useMeasured(id: string, pins: string): void {
-  const measure = useUpdateNodeInternals();
-  const before = useRef(pins);
-  useLayoutEffect(() => {
-    if (before.current === pins) {
-      return; // it measures what comes by itself
-    }
-    before.current = pins;
-    if (unmeasured.size === 0) {
-      queueMicrotask(() => {
-        measure([...unmeasured]);
-        unmeasured.clear();
-      });
-    }
-    unmeasured.add(id);
-  }, [pins]);
+/** Whether a node is switched off, by hand or by what its switch is linked to. */
+function useIsOff(host: Host, node: NodeView, linked: readonly string[]): boolean {
+  const isSwitched = linked.includes(linkedPin("input", ENABLE));
+  const enable = inputOf(node, ENABLE);
+  return useMemo(
+    () => computed(() => enable !== undefined && (isSwitched ? fedInput(host, node.node, enable) : enable).int === 0),
+    [enable, isSwitched],
+  ).value;
 }
 
 /** Whether a box can be read: it's as large as that, and in what is seen, or close by. */

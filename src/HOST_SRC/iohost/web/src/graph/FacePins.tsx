@@ -1,12 +1,14 @@
 import { Handle, Position } from "@xyflow/react";
-import type { Host } from "../host.ts";
+import { useLayoutEffect, useRef } from "preact/hooks";
+import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { Param } from "../messages.ts";
+import { inputsOf, outputsOf } from "../nodePins.ts";
 import { shownValue } from "../params.ts";
 import { EventLamp } from "../view/lit.tsx";
 import { LongText } from "../view/LongText.tsx";
 import type { Editor, Pin } from "./editor.ts";
-import { linkedPin } from "./elements.ts";
+import { linkedPin, shownPins } from "./elements.ts";
 import { pinTop } from "./layout.ts";
 import { sortOf } from "./wiring.ts";
 import "./facePins.css";
@@ -22,30 +24,32 @@ interface PinProps {
   isReachable: boolean;
 }
 
-interface PinsProps extends Omit<PinProps, "param"> {
-  inputs: readonly Param[];
-  outputs: readonly Param[];
+interface PinsProps {
+  editor: Editor;
+  node: NodeView;
+  folded: boolean;
   /** As linkedPin() names them. */
   linked: readonly string[];
+  isReachable: boolean;
 }
 
 /** A node's pins with what runs through them; folded those alone that are linked. */
-export function FacePins({ inputs, outputs, folded, linked, ...props }: PinsProps & { folded: boolean }) {
-  const shown = (params: readonly Param[], is: Pin["is"]) =>
-    folded ? params.filter(({ id }) => linked.includes(linkedPin(is, id))) : params;
+export function FacePins({ editor, node, folded, linked, isReachable }: PinsProps) {
+  const { inputs, outputs } = shownPins(node, folded, linked);
   const isSource = ({ id }: Param) => Number(linked.includes(linkedPin("output", id)));
-  const values = outputs.filter((param) => sortOf(param) !== "event");
+  const values = outputsOf(node).filter((param) => sortOf(param) !== "event");
   const linkedFirst = [...values].sort((a, b) => isSource(b) - isSource(a));
   const valued = new Set(linkedFirst.slice(0, MOST_VALUES).map(({ id }) => id));
+  const props = { editor, node: node.node, isReachable };
   return (
     <div class="face-pins">
       <div>
-        {shown(inputs, "input").map((param) => (
+        {inputs.map((param) => (
           <InputPin key={param.id} {...props} param={param} />
         ))}
       </div>
       <div>
-        {shown(outputs, "output").map((param) => (
+        {outputs.map((param) => (
           <OutputPin key={param.id} {...props} param={param} hasValue={valued.has(param.id)} />
         ))}
       </div>
@@ -53,17 +57,26 @@ export function FacePins({ inputs, outputs, folded, linked, ...props }: PinsProp
   );
 }
 
-/** The pins that wires lead to, or where a wire that was begun can end, at their places in the whole face. */
-export function WiredPins({ inputs, outputs, linked, ...props }: PinsProps) {
-  const wired = (params: readonly Param[], is: Pin["is"]) =>
+/** The pins where a wire that was begun can end, at their places in the whole face. They leave the focus to the node. */
+export function EndPins({ editor, node }: Pick<PinsProps, "editor" | "node">) {
+  const ends = (params: readonly Param[], is: Pin["is"]) =>
     params.map((param, row) => {
-      const isShown = linked.includes(linkedPin(is, param.id)) || props.editor.canEnd({ node: props.node, id: param.id, is });
-      return isShown && <PinHandle key={param.id} {...props} param={param} is={is} top={pinTop(row)} />;
+      const isEnd = editor.canEnd({ node: node.node, id: param.id, is });
+      return isEnd && <PinHandle key={param.id} editor={editor} node={node.node} param={param} is={is} top={pinTop(row)} isReachable />;
     });
+  const pins = useRef<HTMLDivElement>(null);
+  useLayoutEffect(() => {
+    const all = pins.current!;
+    return () => {
+      if (all.contains(document.activeElement)) {
+        all.closest<HTMLElement>(".react-flow__node")!.focus({ preventScroll: true });
+      }
+    };
+  }, []);
   return (
-    <div class="face-pins">
-      {wired(inputs, "input")}
-      {wired(outputs, "output")}
+    <div class="face-pins" ref={pins}>
+      {ends(inputsOf(node), "input")}
+      {ends(outputsOf(node), "output")}
     </div>
   );
 }

@@ -4,6 +4,7 @@ import { hostText } from "../hostTexts.ts";
 import { t } from "../i18n.ts";
 import { inputOf, outputOf, outputText } from "../nodePins.ts";
 import type { Link } from "../protocol.ts";
+import { useFirstThenAll } from "../view/useFirstThenAll.ts";
 import { conversion } from "./wiring.ts";
 
 /** The graph as a list, for who can't see it: each node with what its inputs come from. */
@@ -16,7 +17,7 @@ export const Outline = memo(function Outline({ host }: { host: Host }) {
   return (
     <section class="screen-reader" aria-label={t("Outline of the graph")} data-outline>
       <ul>
-        {nodes.map((node) => (
+        {useFirstThenAll(nodes).map((node) => (
           <li key={node.node}>
             {node.graph}, {hostText(node.details.name)}
             <ul>

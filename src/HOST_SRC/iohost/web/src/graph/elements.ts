@@ -1,18 +1,23 @@
 // What the graph's library draws of the scene. What nothing changed of stays the same object, so that it isn't drawn anew.
+import { Position, type NodeHandle } from "@xyflow/react";
 import type { NodeView } from "../host.ts";
 import { hostText } from "../hostTexts.ts";
 import { t } from "../i18n.ts";
-import { inputOf, inputText, outputOf, outputText } from "../nodePins.ts";
+import { inputOf, inputsOf, inputText, outputOf, outputsOf, outputText } from "../nodePins.ts";
+import type { Param } from "../messages.ts";
 import type { Link, Note, Place } from "../protocol.ts";
 import type { Editor } from "./editor.ts";
 import type { FaceNode } from "./Face.tsx";
 import { nodeId, noteId, wireId } from "./ids.ts";
-import { boxOf, type AutomaticPlaces } from "./layout.ts";
+import { boxOf, pinBox, type AutomaticPlaces } from "./layout.ts";
 import type { NoteNode } from "./NoteFace.tsx";
 import type { Wire } from "./WireEdge.tsx";
 import { conversion, sortOf } from "./wiring.ts";
 
 export type CanvasNode = FaceNode | NoteNode;
+
+const INPUT = { type: "target", position: Position.Left } as const;
+const OUTPUT = { type: "source", position: Position.Right } as const;
 
 /** Nodes and notes. Chosen ones stay chosen; new ones are chosen where `toChoose` names them. */
 export function facesOf(
@@ -53,9 +58,33 @@ function faceOf(editor: Editor, node: NodeView, linked: readonly string[], autom
     position: { x, y },
     data: { editor, node, folded, linked },
     ariaLabel: `${node.graph}, ${hostText(node.details.name)}`,
-    // An estimate until the library measures the drawn node: without a size it would forget the node's pins.
+    // Until it's drawn.
     measured: { width: boxOf(node).width, height: boxOf(node).height },
+    handles: folded ? handlesOf(node, folded, linked) : unfolded(node),
   };
+}
+
+/** A node's pins, or when it's folded those that wires lead to. */
+export function shownPins(node: NodeView, folded: boolean, linked: readonly string[]): Record<"inputs" | "outputs", Param[]> {
+  const isShown = (is: "input" | "output") => ({ id }: Param) => !folded || linked.includes(linkedPin(is, id));
+  return { inputs: inputsOf(node).filter(isShown("input")), outputs: outputsOf(node).filter(isShown("output")) };
+}
+
+const unfoldedHandles = new WeakMap<NodeView, NodeHandle[]>();
+
+/** The same ones each time, which costs nothing to compare. */
+function unfolded(node: NodeView): NodeHandle[] {
+  const handles = unfoldedHandles.get(node) ?? handlesOf(node, false, []);
+  unfoldedHandles.set(node, handles);
+  return handles;
+}
+
+function handlesOf(node: NodeView, folded: boolean, linked: readonly string[]): NodeHandle[] {
+  const { inputs, outputs } = shownPins(node, folded, linked);
+  return [
+    ...inputs.map(({ id }, row) => ({ id: String(id), ...INPUT, ...pinBox("input", row) })),
+    ...outputs.map(({ id }, row) => ({ id: String(id), ...OUTPUT, ...pinBox("output", row) })),
+  ];
 }
 
 function noteOf(editor: Editor, id: string, note: Note): NoteNode {
@@ -67,6 +96,7 @@ function noteOf(editor: Editor, id: string, note: Note): NoteNode {
     width,
     height,
     measured: { width, height },
+    handles: [],
     data: { editor, id, note },
     zIndex: -1,
     ariaLabel: t("Note"),

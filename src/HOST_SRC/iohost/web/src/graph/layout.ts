@@ -98,21 +98,29 @@ function arrangeBlock({ boxes, links }: Block): Arranged {
   return { width, height, places };
 }
 
-// As the style sheet draws them.
+// As the style sheets draw them.
 const WIDTH = 300;
-const HEAD_HEIGHT = 42;
+const BORDER = 1;
+const HEAD_HEIGHT = 40;
 const FOOT_HEIGHT = 22;
-const PIN_HEIGHT = 24;
+const ROW_HEIGHT = 24;
 const PIN_INSET = 7;
+const PIN_SIZE = 10;
 
 export function boxOf(node: NodeView): Box {
   const rows = Math.max(inputsOf(node).length, outputsOf(node).length);
-  return { id: node.node, width: WIDTH, height: HEAD_HEIGHT + PIN_HEIGHT * rows + FOOT_HEIGHT };
+  return { id: node.node, width: WIDTH, height: HEAD_HEIGHT + ROW_HEIGHT * rows + FOOT_HEIGHT + 2 * BORDER };
 }
 
-/** Where the pin of a row stands, from the top of the rows. */
+/** Where a row's pin stands, from the top of the rows. */
 export function pinTop(row: number): number {
-  return PIN_HEIGHT * row + PIN_INSET;
+  return ROW_HEIGHT * row + PIN_INSET;
+}
+
+/** Where a row's pin stands in its face: half of it outside. */
+export function pinBox(is: "output" | "input", row: number): Place & { width: number; height: number } {
+  const middle = is === "output" ? WIDTH - BORDER : BORDER;
+  return { x: middle - PIN_SIZE / 2, y: BORDER + HEAD_HEIGHT + pinTop(row), width: PIN_SIZE, height: PIN_SIZE };
 }
 
 /** Where nodes stand that nobody has placed: this page's alone. */

@@ -18,6 +18,7 @@ import { ObjectCard } from "./ObjectCard.tsx";
 import { EventOutput, ValueOutput } from "./Outputs.tsx";
 import { ParamEditor } from "./ParamEditor.tsx";
 import { PartIndex } from "./PartIndex.tsx";
+import { useFirstThenAll } from "./useFirstThenAll.ts";
 import { useSeen } from "./useSeen.ts";
 
 /** The device or object that was opened, or the nodes. */
@@ -56,6 +57,7 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
 /** The cards of the nodes that are chosen on the canvas, or of all, with what else the scene has. */
 function Nodes({ host, desk }: { host: Host; desk: Desk }) {
   const nodes = host.nodes.value;
+  const scene = host.sceneNumber.value;
   const chosen = desk.chosen.value;
   const listed = nodes ?? host.firstNodes.value;
   const shown = chosen.length === 0 ? listed : listed?.filter(({ node }) => chosen.includes(node));
@@ -82,24 +84,26 @@ function Nodes({ host, desk }: { host: Host; desk: Desk }) {
           {t("Reset counts")}
         </button>
       </div>
-      {nodes !== null && nodes.length > 1 && chosen.length === 0 && <NodeIndex host={host} nodes={nodes} />}
+      {nodes !== null && nodes.length > 1 && chosen.length === 0 && <NodeIndex key={scene} host={host} nodes={nodes} />}
       {chosen.length === 0 && <PartIndex host={host} desk={desk} />}
       {/* The first cards know nothing of links and other nodes yet. */}
-      <div class="cards" key={host.sceneNumber.value} inert={nodes === null}>
+      <div class="cards" key={scene} inert={nodes === null}>
         {nodes?.length === 0 && <p class="empty">{t("The scene has no nodes.")}</p>}
-        {shown?.map((node) => (
-          <NodeCard key={node.node} host={host} node={node} />
-        ))}
+        {shown && <NodeCards host={host} nodes={shown} />}
       </div>
     </>
   );
+}
+
+function NodeCards({ host, nodes }: { host: Host; nodes: readonly NodeView[] }) {
+  return useFirstThenAll(nodes).map((node) => <NodeCard key={node.node} host={host} node={node} />);
 }
 
 /** Leads to each node's card, and flashes when the node fires, so that it's seen wherever the cards are scrolled to. */
 function NodeIndex({ host, nodes }: { host: Host; nodes: readonly NodeView[] }) {
   return (
     <nav class="node-index" aria-label={t("Nodes")}>
-      {nodes.map((node) => (
+      {useFirstThenAll(nodes).map((node) => (
         <NodeIndexEntry key={node.node} host={host} node={node} />
       ))}
     </nav>
