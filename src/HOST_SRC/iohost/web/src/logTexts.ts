@@ -73,6 +73,7 @@ export const HOST_LINES: Record<string, string> = {
   "a connection was turned away: the page's server has %s connections, which is its most":
     "已拒绝一个连接：页面服务器已有 %s 个连接，达到上限",
   "a connection couldn't be turned away: %s": "无法拒绝一个连接：%s",
+  "connections can't be taken: %s": "无法接受连接：%s",
   "a connection of the page failed: %s": "页面的一个连接出错：%s",
 
   // The scene, its files and recordings

@@ -89,6 +89,7 @@ export const REFUSALS: Record<string, string> = {
   "must be the name of a file in the folder of scenes": "必须是场景文件夹中的文件名",
   "no part of it may begin with a dot": "任何一级名称都不能以点开头",
   "there is no folder of scenes": "没有场景文件夹",
+  "the folder of scenes can't be read": "无法读取场景文件夹",
   "there is a folder of scenes for connections only": "场景文件夹只供连接使用",
   "is out of reach here": "在此无法访问",
   "can't be read": "无法读取",
