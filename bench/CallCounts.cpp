@@ -8,7 +8,10 @@
 
 #include <afxwin.h>
 
+#include "host/Clip.h"
+#include "host/HostCommon.h"
 #include "host/ParamModel.h"
+#include "host/PlayControlDevice.h"
 
 namespace {
 
@@ -54,6 +57,25 @@ CWinApp* AfxGetApp() {
     static auto* const s_pGetApp = Library<decltype(AfxGetApp)>("_Z9AfxGetAppv");
     Count(s_nLookUps);
     return s_pGetApp();
+}
+
+CString PXLoadString(const wchar_t* pszKey) {
+    static auto* const s_pLoadString = Library<decltype(PXLoadString)>("_Z12PXLoadStringPKw");
+    Count(s_nLookUps);
+    return s_pLoadString(pszKey);
+}
+
+SQORNetPlayCtrlDev* G_FindNetPlayCtrlDevByID(int nId) {
+    static auto* const s_pFind = Library<decltype(G_FindNetPlayCtrlDevByID)>("_Z24G_FindNetPlayCtrlDevByIDi");
+    Count(s_nLookUps);
+    return s_pFind(nId);
+}
+
+VEKObject* VEKClip::FindObject(const CString& strName, int nOption) {
+    static auto* const s_pFind =
+        Library<VEKObject*(VEKClip*, const CString&, int)>("_ZN7VEKClip10FindObjectERK7CStringi");
+    Count(s_nLookUps);
+    return s_pFind(this, strName, nOption);
 }
 
 extern "C" {

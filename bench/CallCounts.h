@@ -3,7 +3,7 @@
 
 struct SCallCounts {
     unsigned long long nAllocations; ///< by whatever function of the C library; operator new rests on them
-    unsigned long long nLookUps;     ///< of a parameter in a list of groups, of a key's state, of the application
+    unsigned long long nLookUps;     ///< of parameters, keys, the application, display texts, objects, devices
 };
 
 /// So far.

@@ -44,8 +44,8 @@ std::vector<Comparison> MakeNetworkComparisons(const CBenchHost& host);
 /// doesn't do what is to be measured.
 std::vector<Comparison> MakeJsonComparisons(const CBenchHost& host);
 
-/// An event of a node, without its log line, against an Open Sound Control message with as many arguments that is
-/// written and dispatched by liblo. It holds on to the host, whose log is off meanwhile.
+/// An event of a node, without its log line, and the floor of all events, against an Open Sound Control message with as
+/// many arguments that is written and dispatched by liblo. They hold on to the host, whose log is off meanwhile.
 std::vector<Comparison> MakeOscComparison(CBenchHost& host);
 
 /// The reference host around its nodes: frames, events and requests in a scene of as many nodes, the same number of
@@ -53,5 +53,5 @@ std::vector<Comparison> MakeOscComparison(CBenchHost& host);
 /// node can't be had.
 std::vector<Comparison> MakeHostComparisons(size_t nNodes);
 
-/// Write the log lines and post the events that a node would for the records.
+/// Post the events that a node would for the records.
 void PostSameEvents(const CPlacedNode& placed, const FiringEvent& firing);

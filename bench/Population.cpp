@@ -113,38 +113,31 @@ std::unique_ptr<SQOREvent> CBenchHost::TakeEvent() const {
     return std::unique_ptr<SQOREvent>(reinterpret_cast<SQOREvent*>(message.lParam));
 }
 
-void CBenchHost::OnLogLine(const SLogLine& line) {
-    if (m_pLogText != nullptr) {
-        *m_pLogText += line.strText;
-    }
-}
-
-void CBenchHost::OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) {
-    PostGeneralEvent(*pNode, pClip, pObject, nOutput);
+void CBenchHost::OnGeneralEvent(VEKProperty* pNode, VEKClip* /*pClip*/, VEKObject* /*pObject*/, int nOutput) {
+    PostGeneralEvent(*pNode, nOutput);
 }
 
 void CBenchHost::OnNodeRedraw(SGraphNode* /*pGraphNode*/) {}
 
-namespace {
-
-void AddParam(SQOREvent& event, unsigned nId, const CString& strName, const wchar_t* pszDisplayKey, void* pValue,
-              const wchar_t* pszTypeName) {
-    auto* pParam =
-        new VEKParam(nId, strName, PXLoadString(pszDisplayKey), PARAM_POINTER.m_nType, PARAM_POINTER.m_nControl);
-    pParam->m_pValue = pValue;
-    std::wcscpy(pParam->m_szTypeName, pszTypeName);
-    event.m_lstParam.AddTail(pParam);
-}
-
-} // namespace
-
-void PostGeneralEvent(VEKProperty& node, VEKClip* pClip, VEKObject* pObject, int nOutput) {
-    static const CString s_names[] = {L"GeneralEvent", L"OwnerClip", L"OwnerObject", L"OwnerProperty", L"OwnerEventID"};
-    auto* pEvent = new SQOREvent(QOR_EVENT_GENERAL, s_names[0]);
-    AddParam(*pEvent, 0, s_names[1], L"TOUCH_CONTROL_OWNER_CLIP", pClip, L"VEKClip");
-    AddParam(*pEvent, 1, s_names[2], L"TOUCH_CONTROL_OWNER_OBJECT", pObject, L"VEKObject");
-    AddParam(*pEvent, 2, s_names[3], L"TOUCH_CONTROL_OWNER_PROPERTY", &node, L"VEKProperty");
-    AddParam(*pEvent, 3, s_names[4], L"QOR_EXTRADATA_EVENT_ID", new int(nOutput), L"EventID");
+void PostGeneralEvent(VEKProperty& node, int nOutput) {
+    static const CString s_strName = L"GeneralEvent";
+    static const struct {
+        CString strName;
+        CString strDisplay;
+        const wchar_t* pszTypeName;
+    } s_params[] = {{L"OwnerClip", PXLoadString(L"TOUCH_CONTROL_OWNER_CLIP"), L"VEKClip"},
+                    {L"OwnerObject", PXLoadString(L"TOUCH_CONTROL_OWNER_OBJECT"), L"VEKObject"},
+                    {L"OwnerProperty", PXLoadString(L"TOUCH_CONTROL_OWNER_PROPERTY"), L"VEKProperty"},
+                    {L"OwnerEventID", PXLoadString(L"QOR_EXTRADATA_EVENT_ID"), L"EventID"}};
+    void* const values[] = {node.m_pOwnerClip, nullptr, &node, new int(nOutput)};
+    auto* pEvent = new SQOREvent(QOR_EVENT_GENERAL, s_strName);
+    for (unsigned i = 0; i < 4; ++i) {
+        auto* pParam = new VEKParam(i, s_params[i].strName, s_params[i].strDisplay, PARAM_POINTER.m_nType,
+                                    PARAM_POINTER.m_nControl);
+        pParam->m_pValue = values[i];
+        std::wcscpy(pParam->m_szTypeName, s_params[i].pszTypeName);
+        pEvent->m_lstParam.AddTail(pParam);
+    }
     PostMessageW(node.m_hEventWnd, node.m_nEventMsg, 1, reinterpret_cast<LPARAM>(pEvent));
 }
 

@@ -51,11 +51,8 @@ public:
     /// Take log lines, as at first, or have them not even made.
     void TakeLogLines(bool bTake) { SetLogSink(bTake ? this : nullptr); }
 
-    /// Keep log lines in the text, or drop them for null, which is how measuring begins. The text isn't owned.
-    void KeepLog(CString* pText) { m_pLogText = pText; }
-
 private:
-    void OnLogLine(const SLogLine& line) override;
+    void OnLogLine(const SLogLine& /*line*/) override {}
     void OnGeneralEvent(VEKProperty* pNode, VEKClip* pClip, VEKObject* pObject, int nOutput) override;
     void OnNodeRedraw(SGraphNode* pGraphNode) override;
 
@@ -63,11 +60,11 @@ private:
     IOProcessFuncType m_pIOProcessFunc = nullptr;
     HWND m_hWnd = nullptr;
     CMainWindow m_mainWindow;
-    CString* m_pLogText = nullptr;
 };
 
-/// Post a general event to the node's event window.
-void PostGeneralEvent(VEKProperty& node, VEKClip* pClip, VEKObject* pObject, int nOutput);
+/// Post a general event to the node's event window, as cheaply as it can be: with names and display texts that are made
+/// once and shared.
+void PostGeneralEvent(VEKProperty& node, int nOutput);
 
 /// A node at its place: owned by a clip, standing at a graph node with its outputs, connected to the event window.
 class CPlacedNode {
@@ -85,8 +82,6 @@ private:
     const CBenchHost& m_host;
     const GUID m_guidType;
 };
-
-using Nodes = std::span<const std::unique_ptr<CPlacedNode>>;
 
 /// As many nodes of one type as it is measured with, with its settings, in one clip with one scene object. The graph
 /// supplies all their inputs.

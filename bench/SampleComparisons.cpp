@@ -22,7 +22,7 @@ struct Size {
     double fGestureLimit;
     double fHandleLimit;
 };
-constexpr Size SIZES[] = {{1, 8000, 2.0, 1.6}, {100, 8000, 2.0, 1.6}, {LARGEST_NODE_COUNT, 200, 2.0, 2.5}};
+constexpr Size SIZES[] = {{1, 8000, 2.0, 1.5}, {100, 8000, 2.0, 1.5}, {LARGEST_NODE_COUNT, 200, 2.0, 2.5}};
 
 std::string NameOf(const MeasuredType& type, const char* pszSample, const Size& size) {
     return std::string(type.pszName) + "/" + pszSample + "/" + std::to_string(size.nNodes);
@@ -52,7 +52,7 @@ public:
                 throw std::runtime_error("the gesture node doesn't take the samples");
             }
         }
-        if (m_nEvents != m_swipe.fired.size() * nodes.size()) {
+        if (m_nEvents != m_swipe.outputs.size() * nodes.size()) {
             throw std::runtime_error("a stroke isn't a swipe");
         }
     }
@@ -136,6 +136,7 @@ Comparison CompareStrokes(const MeasuredType& type, const CBenchHost& host, cons
             .bMayAllocate = true,
             .measured = [pStrokes] { return pStrokes->Measured(); },
             .floor = [pStrokes] { return pStrokes->Floor(); },
+            .fOwnLookUps = type.events.back().fOwnLookUps / static_cast<double>(size.nStrokeSamples),
             .begin = [pStrokes] { pStrokes->Begin(); }};
 }
 
