@@ -3,16 +3,15 @@ the next: a closed loop. Peers take turns; the figures are of all rounds, ratios
 
 import argparse
 import json
-import pathlib
 import random
 import socket
 import statistics
 import subprocess
 import time
 
-BUILD = pathlib.Path("build")
+from iohost import BUILD, LONGEST_WAIT, RELEASE, TEXT, Child, json_device, node, scene_file
+
 WARM_UP = 100
-LONGEST_WAIT = 20  # seconds
 
 # The same work for a peer without nodes: what comes goes back, with a zero behind it.
 ECHO = """
@@ -26,22 +25,13 @@ while text := peer.recv(65536):
 
 def iohost(*options):
     def command(port):
-        def node(name, last_byte, **more):
-            return {"node": name, "type": "{8164BB40-6B6A-4707-88B7-386BCB0D1B%s}" % last_byte, "clip": "Clip",
-                    "graph": name, **more}
-
         send = [{"id": 1502, "int": 1}, {"id": 1503, "int": 1}, {"id": 1505}, {"id": 1506, "int": 1},
                 {"id": 1507, "type": 26}]  # to device 1, as bytes
-        scene = {
-            "format": "iohost scene", "version": 1,
-            "nodes": [node("in", "0E"), node("out", "0F", inputs=[{"id": 1501, "params": send}])],
-            "links": [{"from": "in", "output": 1452, "to": "out", "input": 1505},
-                      {"from": "in", "output": 1453, "to": "out", "input": 1507}],
-            "devices": [{"id": 1, "name": "Peer", "parser": "json", "address": f"127.0.0.1:{port}"}],
-        }
-        file = BUILD / "latency.json"
-        file.write_text(json.dumps(scene))
-        return ["build/release/bin/iohost", "--listen", "127.0.0.1:0", "--scene", file, *options]
+        nodes = [node("in", "0E"), node("out", "0F", inputs=[{"id": 1501, "params": send}])]
+        pins = ((1452, 1505), (1453, 1507))
+        links = [{"from": "in", "to": "out", "output": output, "input": pin} for output, pin in pins]
+        scene = scene_file(nodes, links, [json_device(port)])
+        return [RELEASE / "iohost", "--listen", "127.0.0.1:0", "--scene", scene, *options]
 
     return command
 
@@ -68,31 +58,25 @@ def measure(command, texts):
     times = []
     with socket.create_server(("127.0.0.1", 0)) as server:
         server.settimeout(LONGEST_WAIT)
-        child = subprocess.Popen(command(server.getsockname()[1]), stdout=subprocess.DEVNULL)
-        try:
-            peer, _ = server.accept()
-            with peer:
-                peer.settimeout(LONGEST_WAIT)
-                peer.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
-                time.sleep(0.5)  # nodes take texts once they have been evaluated
-                for number in range(WARM_UP + texts):
-                    text = b'{"device":"wall","reading":%d,"unit":"mm","state":"ok","at":"2026-01-01T00:00"}' % number
-                    begin = time.perf_counter_ns()
-                    peer.sendall(text + b"\n")
-                    answer = b""
-                    while not answer.endswith(b"\0"):
-                        piece = peer.recv(65536)
-                        if not piece:
-                            raise SystemExit("the peer closed the connection")
-                        answer += piece
-                    if answer != text + b"\0":
-                        raise SystemExit(f"the peer answered {answer!r}")
-                    if number >= WARM_UP:
-                        times.append((time.perf_counter_ns() - begin) / 1e6)
-                    time.sleep(random.uniform(0, 1 / 60))  # at any moment of a frame
-        finally:
-            child.terminate()
-            child.wait()
+        with Child(command(server.getsockname()[1]), stdout=subprocess.DEVNULL), server.accept()[0] as peer:
+            peer.settimeout(LONGEST_WAIT)
+            peer.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
+            time.sleep(0.5)  # nodes take texts once they have been evaluated
+            for number in range(WARM_UP + texts):
+                text = TEXT % number
+                begin = time.perf_counter_ns()
+                peer.sendall(text + b"\n")
+                answer = b""
+                while not answer.endswith(b"\0"):
+                    piece = peer.recv(65536)
+                    if not piece:
+                        raise SystemExit("the peer closed the connection")
+                    answer += piece
+                if answer != text + b"\0":
+                    raise SystemExit(f"the peer answered {answer!r}")
+                if number >= WARM_UP:
+                    times.append((time.perf_counter_ns() - begin) / 1e6)
+                time.sleep(random.uniform(0, 1 / 60))  # at any moment of a frame
     return times
 
 
