@@ -11,8 +11,8 @@
 
 namespace {
 
-// Set from what was measured (docs/benchmarks.md), close above it. Many nodes don't fit into the processor's caches; they
-// get more room, because other programs disturb them most.
+// Set from what was measured (docs/benchmarks.md), close above it. Many nodes don't fit into the processor's caches;
+// they get more room, because other programs disturb them most.
 struct Size {
     size_t nNodes;
     double fProcessNodeLimit;
