@@ -27,6 +27,7 @@ before(async () => {
   await until("the page's address", () => /page at http/.test(printed));
   browser = await startBrowser();
   page = await browser.contexts()[0].newPage();
+  await page.setViewportSize({ width: 1280, height: 1120 }); // in the pictures cards are seen whole
   await page.goto(/page at (http:\S+)/.exec(printed)[1]);
   await page.locator("article[data-node=broadcast_receive]").waitFor();
   surface = page.locator("[data-surface]");
