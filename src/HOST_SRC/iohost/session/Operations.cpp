@@ -237,9 +237,8 @@ void CSession::Settle(SNode& triggered) {
 
 Result CSession::On(const SProcessCommand& command) {
     SNodeResults results;
-    for (SNode* pNode : NodeOrAll(command.handle)) {
-        results.results.emplace_back(pNode, m_pHost->Evaluate(*pNode, command.bGraph));
-    }
+    ForEachNode(NodeOrAll(command.handle),
+                [&](SNode& node) { results.results.emplace_back(&node, m_pHost->Evaluate(node, command.bGraph)); });
     return results;
 }
 
@@ -247,12 +246,12 @@ Result CSession::On(const SFrameCommand& command) {
     SFrameResults results;
     results.results.reserve(Scene().Nodes().size());
     const std::uint64_t tNow = m_clock.Now();
-    for (const auto& pNode : Scene().Nodes()) {
-        pNode->NoteActed(tNow);
+    ForEachNode(Scene().Nodes(), [&](SNode& node) {
+        node.NoteActed(tNow);
         std::optional<int> result;
-        LogFault([&] { result = m_pHost->Evaluate(*pNode, true); });
-        results.results.emplace_back(pNode.get(), result);
-    }
+        LogFault([&] { result = m_pHost->Evaluate(node, true); });
+        results.results.emplace_back(&node, result);
+    });
     Follow();
     if (command.bOutputs) {
         results.outputs = m_frameOutputs.Take(Scene());
