@@ -190,9 +190,12 @@ void CScene::Fire(SNode& node, unsigned nOutput) {
 CEvaluationInputs::CEvaluationInputs(SNode& node) : m_node(node) {
     const VEKParamGroupList& lstInput = node.pGraphNode->m_lstInputGroup;
     for (const SLink& link : node.arIncoming) {
+        if (link.nKind == ELinkKind::Event) {
+            continue;
+        }
         const VEKParam* pOutput = FindParam(link.pFrom->pGraphNode->m_lstOutputGroup, MakeParamGuid(link.nOutput));
         VEKParam* pInput = FindParam(lstInput, MakeParamGuid(link.nInput));
-        if (link.nKind != ELinkKind::Event && pOutput != nullptr && pInput != nullptr) {
+        if (pOutput != nullptr && pInput != nullptr) {
             CopyValue(*pOutput, *pInput, link.nKind);
         }
     }
