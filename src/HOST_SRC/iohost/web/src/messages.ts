@@ -80,17 +80,15 @@ export type Push =
   /** There is another scene; its number. */
   | { push: "scene"; version: number; scene: number };
 
-export type KeyPayload = Extract<Payload, { is: "key" }>;
-export type PointerPayload = Extract<Payload, { is: "pointer" }>;
+type PayloadOf<Kind> = Extract<Payload, { is: Kind }>;
+export type PointerPayload = PayloadOf<"pointer">;
 /** A sample of a hand's controller. The elements 12 to 14 of its pose are the place. */
-export type VRPayload = Extract<Payload, { is: "vr" }>;
-export type DeviceTextPayload = Extract<Payload, { is: "device_text" }>;
-export type ObjectTextPayload = Extract<Payload, { is: "object_text" }>;
+export type VRPayload = PayloadOf<"vr">;
 
 /** An input event on its way to every node of the scene. */
 export type InputEvent =
-  | { device: 0; event: number; payload: KeyPayload }
+  | { device: 0; event: number; payload: PayloadOf<"key"> }
   | { device: 1; event: number; payload: PointerPayload }
   | { device: 3; event: number; payload: VRPayload }
-  | { device: 5; event: number; payload: DeviceTextPayload }
-  | { device: 6; event: number; payload: ObjectTextPayload };
+  | { device: 5; event: number; payload: PayloadOf<"device_text"> }
+  | { device: 6; event: number; payload: PayloadOf<"object_text"> };

@@ -39,29 +39,29 @@ export function ParamEditor({ host, node, param: present }: EditorProps) {
     return refused === null;
   };
   const trigger = async () => setError(await host.requests.trigger(node, param.id));
-  const common = { node, param, onError: setError };
+  const common = { node, param, onEdit: edit, onError: setError };
 
   let control: ComponentChildren;
   switch (kind) {
     case "switch":
-      control = <Switch {...common} onEdit={edit} />;
+      control = <Switch {...common} />;
       break;
     case "keyCode":
-      control = <KeyCombination {...common} onEdit={edit} />;
+      control = <KeyCombination {...common} />;
       break;
     case "integer":
     case "float":
-      control = <NumberField {...common} kind={kind} onEdit={edit} />;
+      control = <NumberField {...common} kind={kind} />;
       break;
     case "text":
-      control = <TextField {...common} onEdit={edit} />;
+      control = <TextField {...common} />;
       break;
     case "choice":
-      control = <Choice {...common} onEdit={edit} />;
+      control = <Choice {...common} />;
       break;
     case "event":
       control = (
-        <button type="button" disabled={!param.available} data-node={node} data-param={param.id} onClick={trigger}>
+        <button type="button" {...inputProps(node, param)} onClick={trigger}>
           {t("Fire")}
         </button>
       );
@@ -90,6 +90,11 @@ export function ParamEditor({ host, node, param: present }: EditorProps) {
       )}
     </Frame>
   );
+}
+
+/** By what an input's control is found, and whether it can be used. */
+function inputProps(node: string, param: Param) {
+  return { disabled: !param.available, "data-node": node, "data-param": param.id };
 }
 
 function ParamValue({ param }: { param: Param }) {
@@ -130,9 +135,7 @@ function KeyCombination({ node, param, onEdit }: ControlProps) {
       <button
         type="button"
         class={capture !== null ? "combination-field capturing" : "combination-field"}
-        disabled={!param.available}
-        data-node={node}
-        data-param={param.id}
+        {...inputProps(node, param)}
         data-key-value={param.int}
         onClick={() => setCapture(capture ?? new CombinationCapture())}
         onBlur={() => {
@@ -173,9 +176,7 @@ function Switch({ node, param, onEdit }: ControlProps) {
       role="switch"
       class="switch"
       checked={param.int !== 0}
-      disabled={!param.available}
-      data-node={node}
-      data-param={param.id}
+      {...inputProps(node, param)}
       onChange={(event) => onEdit({ int: event.currentTarget.checked ? 1 : 0 })}
     />
   );
@@ -185,9 +186,7 @@ function Choice({ node, param, onEdit }: ControlProps) {
   return (
     <select
       value={String(param.int)}
-      disabled={!param.available}
-      data-node={node}
-      data-param={param.id}
+      {...inputProps(node, param)}
       onChange={(event) => onEdit({ choice: Number(event.currentTarget.value) })}
     >
       {param.choices.map((choice, index) => (
@@ -250,9 +249,7 @@ function NumberField({ kind, ...props }: ControlProps & { kind: ParamKind }) {
       type="text"
       inputMode={kind === "float" ? "decimal" : "numeric"}
       class="field field-number"
-      disabled={!param.available}
-      data-node={node}
-      data-param={param.id}
+      {...inputProps(node, param)}
       {...field}
     />
   );
@@ -278,9 +275,7 @@ function TextField(props: ControlProps) {
       class="field"
       spellcheck={false}
       placeholder={isCut ? t("{characters}; typing replaces them", { characters: characters(param.length!) }) : undefined}
-      disabled={!param.available}
-      data-node={node}
-      data-param={param.id}
+      {...inputProps(node, param)}
       {...field}
     />
   );

@@ -20,6 +20,14 @@ import "./hands.css";
 
 const HAND_NAMES = ["Left hand", "Right hand"] as const;
 const STEP = 0.05;
+const STEPS: Readonly<Record<string, Vector3>> = {
+  ArrowLeft: new Vector3(-STEP, 0, 0),
+  ArrowRight: new Vector3(STEP, 0, 0),
+  ArrowUp: new Vector3(0, STEP, 0),
+  ArrowDown: new Vector3(0, -STEP, 0),
+  PageUp: new Vector3(0, 0, -STEP),
+  PageDown: new Vector3(0, 0, STEP),
+};
 
 /** The two hand controllers: their pads and triggers, and where they are in space, with the objects that follow them. */
 export function HandsView({ host, shown }: PanelProps) {
@@ -116,8 +124,8 @@ export function HandsView({ host, shown }: PanelProps) {
             "Space: drag a hand or its hit point; arrow keys and Page Up and Down move the right hand, with Alt the left one",
           )}
           onKeyDown={(event) => {
-            const by = keyStep(event.key);
-            if (by !== null) {
+            const by = STEPS[event.key];
+            if (by !== undefined) {
               event.preventDefault();
               const side = event.altKey ? 0 : 1;
               hands.move(side, placeOf(hands.samples[side]!.peek().pose).add(by));
@@ -148,25 +156,6 @@ export function HandsView({ host, shown }: PanelProps) {
       <HandCard side={1} host={host} hands={hands} sample={right} fired={hands.fired[1]!.value} followers={followers} />
     </div>
   );
-}
-
-function keyStep(key: string): Vector3 | null {
-  switch (key) {
-    case "ArrowLeft":
-      return new Vector3(-STEP, 0, 0);
-    case "ArrowRight":
-      return new Vector3(STEP, 0, 0);
-    case "ArrowUp":
-      return new Vector3(0, STEP, 0);
-    case "ArrowDown":
-      return new Vector3(0, -STEP, 0);
-    case "PageUp":
-      return new Vector3(0, 0, -STEP);
-    case "PageDown":
-      return new Vector3(0, 0, STEP);
-    default:
-      return null;
-  }
 }
 
 /** Both hands, and what they tell the host. */
@@ -420,8 +409,8 @@ function Pad({ side, hands, sample: { pad, padx, pady } }: { side: Side; hands: 
       onLostPointerCapture={() => hands.lostPointer(side, "pad")}
       onMouseDown={(event) => event.preventDefault()}
       onKeyDown={(event) => {
-        const by = keyStep(event.key);
-        if (by !== null && by.z === 0) {
+        const by = STEPS[event.key];
+        if (by !== undefined && by.z === 0) {
           event.preventDefault();
           const { x, y } = padPoint(padx + by.x * 2, pady + by.y * 2);
           hands.thumb(side, x, y);
