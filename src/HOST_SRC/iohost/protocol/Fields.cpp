@@ -32,20 +32,6 @@ size_t FindTooDeep(std::string_view text) {
     return std::string_view::npos;
 }
 
-template <typename T>
-T ReadWhole(const Json& value, std::string_view field) {
-    if (!value.is_number_integer()) {
-        RefuseKind(field, "an integer");
-    }
-    const bool bFits = value.is_number_unsigned() ? std::in_range<T>(value.get<std::uint64_t>())
-                                                  : std::in_range<T>(value.get<std::int64_t>());
-    if (!bFits) {
-        Refuse(field,
-               std::is_signed_v<T> ? "is outside the signed 32-bit range" : "is outside the unsigned 32-bit range");
-    }
-    return value.get<T>();
-}
-
 } // namespace
 
 void RefuseKind(std::string_view field, std::string_view kind) {
@@ -71,13 +57,22 @@ Json ParseJson(std::string_view text, const std::string& strWhat) {
     }
 }
 
-int ReadInt(const Json& value, std::string_view field) {
-    return ReadWhole<int>(value, field);
+template <typename T>
+T ReadWhole(const Json& value, std::string_view field) {
+    if (!value.is_number_integer()) {
+        RefuseKind(field, "an integer");
+    }
+    const bool bFits = value.is_number_unsigned() ? std::in_range<T>(value.get<std::uint64_t>())
+                                                  : std::in_range<T>(value.get<std::int64_t>());
+    if (!bFits) {
+        Refuse(field,
+               std::is_signed_v<T> ? "is outside the signed 32-bit range" : "is outside the unsigned 32-bit range");
+    }
+    return value.get<T>();
 }
 
-unsigned ReadUnsigned(const Json& value, std::string_view field) {
-    return ReadWhole<unsigned>(value, field);
-}
+template int ReadWhole(const Json& value, std::string_view field);
+template unsigned ReadWhole(const Json& value, std::string_view field);
 
 float ReadFloat(const Json& value, std::string_view field) {
     if (!value.is_number()) {

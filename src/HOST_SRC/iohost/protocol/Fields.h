@@ -19,8 +19,8 @@ Json ParseJson(std::string_view text, const std::string& strWhat);
 [[noreturn]] void RefuseKind(std::string_view field, std::string_view kind);
 
 /// The value as the kind asked for; the field's name is for the refusal.
-int ReadInt(const Json& value, std::string_view field);
-unsigned ReadUnsigned(const Json& value, std::string_view field);
+template <typename T>
+T ReadWhole(const Json& value, std::string_view field); ///< int or unsigned
 float ReadFloat(const Json& value, std::string_view field);
 bool ReadBool(const Json& value, std::string_view field);
 const std::string& ReadText(const Json& value, std::string_view field);
@@ -43,7 +43,7 @@ public:
     bool Has(const char* pszName) const { return Find(pszName) != nullptr; }
 
     const std::string& Text(const char* pszName) const { return ReadText(Required(pszName), Path(pszName)); }
-    int Int(const char* pszName) const { return ReadInt(Required(pszName), Path(pszName)); }
+    int Int(const char* pszName) const { return ReadWhole<int>(Required(pszName), Path(pszName)); }
 
     /// Name of a field with the path of this object before it.
     std::string Path(const char* pszName) const { return m_strPath.empty() ? pszName : m_strPath + "." + pszName; }

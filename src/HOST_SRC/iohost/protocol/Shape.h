@@ -279,7 +279,7 @@ struct Codec<T> {
         } else if constexpr (std::is_same_v<T, float>) {
             value = ReadFloat(json, strPath);
         } else if constexpr (std::is_same_v<T, unsigned short>) {
-            const unsigned nPort = ReadUnsigned(json, strPath);
+            const unsigned nPort = ReadWhole<unsigned>(json, strPath);
             if (nPort > 0xFFFF) {
                 Refuse(strPath, std::to_string(nPort) + " isn't a port");
             }
@@ -289,10 +289,8 @@ struct Codec<T> {
                 RefuseKind(strPath, "a whole number");
             }
             value = json.get<T>();
-        } else if constexpr (std::is_signed_v<T>) {
-            value = ReadInt(json, strPath);
         } else {
-            value = ReadUnsigned(json, strPath);
+            value = ReadWhole<std::conditional_t<std::is_signed_v<T>, int, unsigned>>(json, strPath);
         }
     }
     static OrderedJson Write(T value) { return value; }

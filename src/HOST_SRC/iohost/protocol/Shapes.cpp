@@ -189,7 +189,7 @@ void Codec<ParamValue>::Read(ParamValue& value, const Json& json, const std::str
     } else if (json.is_number_float()) {
         value = ReadFloat(json, strPath);
     } else if (json.is_number()) {
-        value = ReadInt(json, strPath);
+        value = ReadWhole<int>(json, strPath);
     } else {
         RefuseKind(strPath, "a number or a string");
     }
@@ -199,7 +199,7 @@ void Codec<HeldIdentity>::Read(HeldIdentity& value, const Json& json, const std:
     if (json.is_string()) {
         value = json.get<std::string>();
     } else if (json.is_number_integer()) {
-        value = ReadInt(json, strPath);
+        value = ReadWhole<int>(json, strPath);
     } else {
         RefuseKind(strPath, "the text of a key or the number of a pointer, hand or virtual key");
     }
@@ -210,7 +210,7 @@ void Codec<KeySet>::Read(KeySet& value, const Json& json, const std::string& str
         RefuseKind(strPath, "a list");
     }
     for (const Json& code : json) {
-        const unsigned nCode = ReadUnsigned(code, strPath);
+        const unsigned nCode = ReadWhole<unsigned>(code, strPath);
         if (nCode >= value.size()) {
             Refuse(strPath, std::to_string(nCode) + " isn't a virtual-key code");
         }
