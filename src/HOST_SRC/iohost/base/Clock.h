@@ -26,13 +26,10 @@ public:
         return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
     }
 
-    /// Stop it at a time, or let it run (none). False where the module's clock can't be stopped; nothing changes then.
-    bool Set(std::optional<std::uint64_t> nMilliseconds) {
-        const bool bSet = FreezeClock(nMilliseconds);
-        if (bSet) {
-            m_nStopped = nMilliseconds;
-        }
-        return bSet;
+    /// Stop it at a time, and the module's with it, or let both run (none).
+    void Set(std::optional<std::uint64_t> nMilliseconds) {
+        FreezeClock(nMilliseconds);
+        m_nStopped = nMilliseconds;
     }
 
 private:

@@ -11,9 +11,8 @@
 
 #include <afxwin.h>
 
-/// Make GetTickCount answer the module a fixed number of milliseconds, or the running clock again. False where the
-/// system's own clock answers and can't be stopped.
-bool FreezeClock(std::optional<std::uint64_t> nMilliseconds);
+/// Make GetTickCount answer the module a fixed number of milliseconds, or the running clock again.
+void FreezeClock(std::optional<std::uint64_t> nMilliseconds);
 
 /// While there is a taker, datagrams that the module sends by itself go to it and nowhere else: the module is told that
 /// they were sent. None: they go out again.

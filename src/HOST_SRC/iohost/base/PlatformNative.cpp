@@ -14,9 +14,8 @@
 
 #include <compat/testing.h>
 
-bool FreezeClock(std::optional<std::uint64_t> nMilliseconds) {
+void FreezeClock(std::optional<std::uint64_t> nMilliseconds) {
     CompatFreezeTickCount(nMilliseconds);
-    return true;
 }
 
 void TakeDatagrams(std::function<void()> taker) {

@@ -48,31 +48,26 @@ ULONG_PTR* FindImport(HMODULE hModule, ULONG_PTR nFunction) {
     return nullptr;
 }
 
-/// Lead the module to another function; false when that can't be done.
-bool Redirect(ULONG_PTR* pImport, ULONG_PTR nFunction) {
+/// Lead the module to another function; null: it doesn't import the one that it would be led from.
+void Redirect(ULONG_PTR* pImport, ULONG_PTR nFunction) {
     DWORD nProtection = 0;
-    if (!VirtualProtect(pImport, sizeof(*pImport), PAGE_READWRITE, &nProtection)) {
-        return false;
+    if (pImport != nullptr && VirtualProtect(pImport, sizeof(*pImport), PAGE_READWRITE, &nProtection)) {
+        *pImport = nFunction;
+        VirtualProtect(pImport, sizeof(*pImport), nProtection, &nProtection);
     }
-    *pImport = nFunction;
-    VirtualProtect(pImport, sizeof(*pImport), nProtection, &nProtection);
-    return true;
 }
 
 } // namespace
 
 /// The clock is the system's, so the module is led to another function instead.
-bool FreezeClock(std::optional<std::uint64_t> nMilliseconds) {
+void FreezeClock(std::optional<std::uint64_t> nMilliseconds) {
     g_nFrozenTicks = static_cast<DWORD>(nMilliseconds.value_or(0));
-    return g_pTickCountImport == nullptr ||
-           Redirect(g_pTickCountImport, reinterpret_cast<ULONG_PTR>(nMilliseconds ? &FrozenTickCount : &GetTickCount));
+    Redirect(g_pTickCountImport, reinterpret_cast<ULONG_PTR>(nMilliseconds ? &FrozenTickCount : &GetTickCount));
 }
 
 void TakeDatagrams(std::function<void()> taker) {
     g_datagramTaker = std::move(taker);
-    if (g_pSendToImport != nullptr) {
-        Redirect(g_pSendToImport, reinterpret_cast<ULONG_PTR>(g_datagramTaker ? &TakenSendTo : &sendto));
-    }
+    Redirect(g_pSendToImport, reinterpret_cast<ULONG_PTR>(g_datagramTaker ? &TakenSendTo : &sendto));
 }
 
 void SetModule(HMODULE hModule) {

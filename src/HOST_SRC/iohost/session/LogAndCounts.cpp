@@ -1,10 +1,6 @@
 // What the session keeps for people to look at: the last lines of its log, and what became of each node.
 #include "session/Session.h"
 
-Result CSession::On(const SLogCommand& command) {
-    return SLogLines{m_pHost->Activity().Lines().Behind(command.nAfter)};
-}
-
 Result CSession::On(const SCountersCommand& /*command*/) {
     SCounters counters;
     for (const auto& pNode : Scene().Nodes()) {

@@ -82,10 +82,6 @@ Result CSession::On(const SWaitCommand& command) {
     return SWaited{std::exchange(m_dispatched, {})};
 }
 
-Result CSession::On(const SNetworkCommand& /*command*/) {
-    return m_peers.State();
-}
-
 void CSession::On(const SListenOnlyCommand& command) {
     m_peers.SetListenOnly(command.bOn);
     TakeDatagrams(command.bOn ? [this] { OnHeldBack(); } : std::function<void()>());

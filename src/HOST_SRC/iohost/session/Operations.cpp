@@ -109,10 +109,6 @@ Result CSession::On(const SCatalogueCommand& /*command*/) {
     return catalogue;
 }
 
-Result CSession::On(const SCallCommand& command) {
-    return SCalled{m_pHost->CallModule(command.nCode)};
-}
-
 void CSession::On(const SQuitCommand& /*command*/) {
     m_peers.Close();
     m_pHost->Close();
@@ -161,10 +157,6 @@ void CSession::On(const SInitCommand& command) {
     m_pHost->Call(&node, [&] { node.pNode->InitParam(); });
 }
 
-void CSession::On(const SOutputsCommand& command) {
-    m_pHost->MakeOutputs(NodeOf(command.strHandle));
-}
-
 Result CSession::On(const SLayoutCommand& command) {
     SNode& node = NodeOf(command.strHandle);
     return m_pHost->Call(&node, [&] {
@@ -180,10 +172,6 @@ Result CSession::On(const SDestroyCommand& command) {
 }
 
 // ---- Evaluation and events --------------------------------------------------------------------------------------
-
-void CSession::On(const SEvaluateCommand& command) {
-    m_nEvaluation = command.nOn;
-}
 
 /// Evaluate the nodes that were triggered, and what their evaluations trigger, each once.
 void CSession::Follow() {
@@ -297,10 +285,6 @@ Result CSession::On(const SEventCommand& command, const SOrigin& origin) {
     return results;
 }
 
-Result CSession::On(const SJsonCommand& /*command*/) {
-    return SVerdicts{JsonVerdicts().All(Scene())};
-}
-
 Result CSession::On(const SReleaseHeldCommand& command, const SOrigin& origin) {
     if (origin.pHeld == nullptr) {
         Refuse("op", "release_held is for connections of the page");
@@ -352,10 +336,6 @@ VEKParam& CSession::SetValue(const SSetCommand& set) {
         param.m_strValue = std::get<CString>(set.value);
     }
     return param;
-}
-
-void CSession::On(const SSetCommand& command) {
-    SetValue(command);
 }
 
 Result CSession::On(const SEditCommand& command) {
@@ -420,16 +400,6 @@ void CSession::On(const SKeysCommand& command, const SOrigin& origin) {
     SetKeyboard(m_held.VirtualKeys(), command.toggled);
 }
 
-void CSession::On(const SClockCommand& command) {
-    if (!m_clock.Set(command.ms)) {
-        Refuse("op", "the clock of this system can't be set");
-    }
-}
-
-void CSession::On(const SMainWindowCommand& command) {
-    MainWindow().Set(command.bPresent, command.bEnabled);
-}
-
 void CSession::On(const SObjectCommand& command) {
     VEKClip& clip = Scene().Clip(command.strClip);
     CheckNewObject(clip, command.strName, "name");
@@ -452,10 +422,6 @@ void CSession::On(const SRemoveObjectCommand& command) {
     CList<VEKObject*>& lstObject = Scene().Clip(command.strClip).m_lstObject;
     lstObject.RemoveAt(lstObject.Find(pObject));
     delete pObject;
-}
-
-Result CSession::On(const SObjectsCommand& /*command*/) {
-    return SObjects{ObjectsOf(Scene())};
 }
 
 // ---- The scene as a whole ---------------------------------------------------------------------------------------
@@ -564,10 +530,6 @@ void CSession::BuildScene(const SSceneDocument& document, const std::string& str
 
 // ---- Building the scene -----------------------------------------------------------------------------------------
 
-void CSession::On(const SRenameCommand& command) {
-    NodeOf(command.strHandle).pGraphNode->m_strName = command.strGraph;
-}
-
 void CSession::On(const SPlaceCommand& command) {
     for (const auto& [strHandle, place] : command.nodes) {
         NodeOf(strHandle, "nodes");
@@ -609,14 +571,6 @@ void CSession::On(const SBatchCommand& command, const SOrigin& origin) {
             throw CRefusal(strPlace + "." + refusal.what());
         }
     }
-}
-
-Result CSession::On(const SUndoCommand& command) {
-    return Move(command.to, false);
-}
-
-Result CSession::On(const SRedoCommand& command) {
-    return Move(command.to, true);
 }
 
 /// Go one step back or forth, or to one of the states that lie there.

@@ -113,30 +113,31 @@ private:
     Result Move(std::optional<unsigned long long> to, bool bForth);
     void OnHeldBack();
 
+    // What each command does; what takes more than a line stands in Operations.cpp and its neighbours.
     Result On(const SCatalogueCommand& command);
-    Result On(const SCallCommand& command);
+    Result On(const SCallCommand& command) { return SCalled{m_pHost->CallModule(command.nCode)}; }
     Result On(const SCreateCommand& command);
     Result On(const SInspectCommand& command);
     Result On(const SInspectNodesCommand& command);
     void On(const SInitCommand& command);
-    void On(const SOutputsCommand& command);
-    void On(const SEvaluateCommand& command);
+    void On(const SOutputsCommand& command) { m_pHost->MakeOutputs(NodeOf(command.strHandle)); }
+    void On(const SEvaluateCommand& command) { m_nEvaluation = command.nOn; }
     Result On(const SProcessCommand& command);
     Result On(const SFrameCommand& command);
     Result On(const SEventCommand& command, const SOrigin& origin);
-    Result On(const SJsonCommand& command);
+    Result On(const SJsonCommand& /*command*/) { return SVerdicts{JsonVerdicts().All(Scene())}; }
     Result On(const SReleaseHeldCommand& command, const SOrigin& origin);
-    void On(const SSetCommand& command);
+    void On(const SSetCommand& command) { SetValue(command); }
     Result On(const SEditCommand& command);
     void On(const STriggerCommand& command);
     void On(const SDropCommand& command);
     void On(const SLinkCommand& command);
     void On(const SUnlinkCommand& command);
     void On(const SKeysCommand& command, const SOrigin& origin);
-    void On(const SClockCommand& command);
-    void On(const SMainWindowCommand& command);
+    void On(const SClockCommand& command) { m_clock.Set(command.ms); }
+    void On(const SMainWindowCommand& command) { MainWindow().Set(command.bPresent, command.bEnabled); }
     void On(const SObjectCommand& command);
-    Result On(const SObjectsCommand& command);
+    Result On(const SObjectsCommand& /*command*/) { return SObjects{ObjectsOf(Scene())}; }
     void On(const SDevicesCommand& command);
     void On(const SDeviceCommand& command);
     void On(const SRemoveDeviceCommand& command);
@@ -144,9 +145,9 @@ private:
     void On(const SSendCommand& command);
     Result On(const SListenCommand& command);
     Result On(const SWaitCommand& command);
-    Result On(const SNetworkCommand& command);
+    Result On(const SNetworkCommand& /*command*/) { return m_peers.State(); }
     void On(const SListenOnlyCommand& command);
-    Result On(const SLogCommand& command);
+    Result On(const SLogCommand& command) { return SLogLines{m_pHost->Activity().Lines().Behind(command.nAfter)}; }
     Result On(const SCountersCommand& command);
     void On(const SResetCountersCommand& command);
     Result On(const SLayoutCommand& command);
@@ -154,13 +155,13 @@ private:
     Result On(const SSaveCommand& command);
     void On(const SLoadCommand& command);
     Result On(const SSceneCommand& command);
-    void On(const SRenameCommand& command);
+    void On(const SRenameCommand& command) { NodeOf(command.strHandle).pGraphNode->m_strName = command.strGraph; }
     void On(const SPlaceCommand& command);
     void On(const SChangeObjectCommand& command);
     void On(const SRemoveObjectCommand& command);
     void On(const SBatchCommand& command, const SOrigin& origin);
-    Result On(const SUndoCommand& command);
-    Result On(const SRedoCommand& command);
+    Result On(const SUndoCommand& command) { return Move(command.to, false); }
+    Result On(const SRedoCommand& command) { return Move(command.to, true); }
     Result On(const SHistoryCommand& command);
     void On(const SScenesCommand& /*command*/) {}
     void On(const SRecoverCommand& /*command*/) {}

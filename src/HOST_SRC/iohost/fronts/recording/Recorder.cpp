@@ -75,12 +75,9 @@ void CRecorder::OnBegin(const Command& /*command*/) {
     if (!IsComplete() && !std::exchange(m_bSaid, true)) {
         WriteHostLine(LOG_ERROR, "the recording can't be written any further; nothing more is recorded");
     }
-    if (m_bClockSet) {
-        return;
-    }
-    m_nStopped = CClock::Running();
-    if (!m_session.Clock().Set(m_nStopped)) {
-        m_nStopped = std::nullopt; // a clock that can't be stopped can't be kept either
+    if (!m_bClockSet) {
+        m_nStopped = CClock::Running();
+        m_session.Clock().Set(m_nStopped);
     }
 }
 
