@@ -61,13 +61,6 @@ TEST_F(KeyboardNode, PressWithoutTextFiresAndClearsTheText) {
     }
 }
 
-TEST_F(KeyboardNode, EveryRepeatedPressFires) {
-    Press(L"a");
-    Press(L"a");
-    Press(L"a");
-    EXPECT_EQ(FiredWith("a"), (Outputs{KEY_DOWN, KEY_DOWN, KEY_DOWN}));
-}
-
 TEST_F(KeyboardNode, TextsOfAnyKindPassUnchanged) {
     const std::wstring longText(10'000, L'x');
     for (const wchar_t* pszText : {L" ", L"%s%d%n", L"[", L"中文", L"\U0001F600", L"\r\n\t", longText.c_str()}) {

@@ -45,13 +45,6 @@ TEST_F(NetParameterReceiveNode, AMatchingRecordSetsTheOutputsAndFires) {
     ExpectReported(m_scene, 554, Information("[Clip.Graph.Node 触发[网络触发]事件]"));
 }
 
-TEST_F(NetParameterReceiveNode, TakesEvent0OfBothNetworkDevices) {
-    for (const int nDevice : {2, 4}) {
-        EXPECT_EQ(Send(nDevice, 1), 0);
-        EXPECT_EQ(Send(nDevice, 0), 1);
-    }
-}
-
 TEST_F(NetParameterReceiveNode, EveryPartOfTheAddressMustMatch) {
     const CQORPanelRemoteCtrlData matching = m_record;
     const auto ExpectRefused = [&] {

@@ -1,12 +1,10 @@
-// Random and mutated bytes into both readers: nothing breaks, and nothing is kept.
+// Random and mutated bytes into the broadcasts' reader: nothing breaks, and nothing is kept.
 #include <algorithm>
 #include <random>
 
 #include "BroadcastDatagram.h"
 #include "HeapUse.h"
 #include "NetworkTest.h"
-#include "PlayControlParser.h"
-#include "host/Clip.h"
 #include "host/EventRecord.h"
 
 namespace {
@@ -53,53 +51,6 @@ private:
 
     std::mt19937 m_random{20240611};
 };
-
-class IgnoringReceiver final : public IRecordReceiver {
-public:
-    void OnRecord(const CString& /*strClip*/, CQORPanelRemoteCtrlData& /*record*/) override { ++m_nRecords; }
-
-    int m_nRecords = 0;
-};
-
-TEST(Fuzz, TheFrameReaderSurvivesAMillionBytes) {
-    VEKClip clip(L"Clip");
-    CQORNetItemPlayCtlProtocol item;
-    item.m_nCommandCode = 50;
-    item.m_pAttachedData = new CQORPanelRemoteCtrlData(SampleRecord());
-    item.m_pClip = &clip;
-    CFrameWriter writer;
-    const auto written = WriteItem(writer, item);
-    const Bytes original(written.begin(), written.end());
-
-    Mutator mutator;
-    IgnoringReceiver receiver;
-    CQORPlayCtlParser parser(receiver);
-    std::size_t nHeapBefore = 0;
-    for (size_t nFed = 0; nFed < BYTE_COUNT;) {
-        const Bytes bytes = mutator.Make(original);
-        nFed += bytes.size();
-        // In two pieces, and often with the frame before left unfinished.
-        const size_t nSplit = mutator.Below(bytes.size() + 1);
-        const bool bInStep = parser.Receive(bytes.data(), static_cast<int>(nSplit)) &&
-                             parser.Receive(bytes.data() + nSplit, static_cast<int>(bytes.size() - nSplit));
-        if (!bInStep || mutator.Below(4) == 0) {
-            parser.Finish();
-        }
-        if (nHeapBefore == 0 && nFed > BYTE_COUNT / 10) {
-            nHeapBefore = HeapBytesInUse();
-        }
-    }
-    // One unfinished frame may be kept, and no more.
-    EXPECT_LE(HeapBytesInUse(), nHeapBefore + 2 * (FRAME_HEADER_SIZE + FRAME_BODY_LIMIT));
-    EXPECT_GT(receiver.m_nRecords, 100);
-    unsigned long long nRefused = 0;
-    for (size_t i = 0; i < FRAME_REFUSAL_COUNT; ++i) {
-        const auto nRefusal = static_cast<EFrameRefusal>(i);
-        EXPECT_GT(parser.Reader().RefusedCount(nRefusal), 0u) << FrameRefusalName(nRefusal);
-        nRefused += parser.Reader().RefusedCount(nRefusal);
-    }
-    EXPECT_GT(nRefused, 100u);
-}
 
 TEST(Fuzz, TheBroadcastReaderSurvivesAMillionBytes) {
     const Bytes original =

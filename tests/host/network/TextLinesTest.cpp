@@ -67,17 +67,4 @@ TEST_F(TextLines, EmptyAndTooLongLinesAreRefusedAndTheNextLineRead) {
     EXPECT_EQ(m_lines.RefusedCount(), 7u);
 }
 
-TEST_F(TextLines, ALineWithoutAnEndIsCutOffAndTheNextConnectionBeginsAnew) {
-    EXPECT_EQ(Feed("whole\n{\"a\":"), Texts{"whole"});
-    m_lines.OnConnectionEnds();
-    m_lines.OnConnectionEnds();
-    ExpectRefused({0, 0, 0, 1}, ELineRefusal::CutOff);
-    EXPECT_EQ(Feed("1}\n"), Texts{"1}"});
-    Feed(m_strLongest + "xx");
-    m_lines.OnConnectionEnds();
-    ExpectRefused({0, 1, 0, 1}, ELineRefusal::TooLong);
-    EXPECT_EQ(Feed("next\n"), Texts{"next"});
-    EXPECT_EQ(m_lines.RefusedCount(), 2u);
-}
-
 } // namespace

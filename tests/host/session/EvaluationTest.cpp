@@ -164,7 +164,12 @@ TEST_F(Evaluation, AtOnceAndByFramesComeToTheSame) {
                            {"text_field", {253}, {}, {202}, {203, 204}},
                            {"string_send", {}, {}, {1505}, {1507}}};
     constexpr size_t NODES = 9;
-    for (unsigned nSeed = 1; nSeed <= 60; ++nSeed) {
+#ifdef _WIN32
+    constexpr unsigned SEEDS = 6; // each message asks Wine's server, which takes minutes for all on a busy machine
+#else
+    constexpr unsigned SEEDS = 60;
+#endif
+    for (unsigned nSeed = 1; nSeed <= SEEDS; ++nSeed) {
         SCOPED_TRACE(nSeed);
         OrderedJson seen[2];
         for (OrderedJson& all : seen) {

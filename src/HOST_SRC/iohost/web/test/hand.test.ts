@@ -82,28 +82,14 @@ test("the thumb stays on the round pad", () => {
 
 const buttons = (...pressed: number[]) => Array.from({ length: 6 }, (_, index) => ({ pressed: pressed.includes(index) }));
 
-test("a real controller's trigger and pad are read, up being away from the wrist", () => {
-  assert.deepEqual(readGamepad({ buttons: buttons(0, 2), axes: [0.5, -0.25] }), {
-    trigger: true,
-    pad: true,
-    padX: 0.5,
-    padY: 0.25,
-  });
-});
-
-test("a controller without a pad has its thumbstick as one", () => {
-  assert.deepEqual(readGamepad({ buttons: buttons(3), axes: [0, 0, 0, 1] }), {
-    trigger: false,
-    pad: true,
-    padX: 0,
-    padY: -1,
-  });
-});
-
-test("a part that the controller lacks may have no number in its place", () => {
-  assert.equal(readGamepad({ buttons: buttons(3), axes: [null, null, 0.5, 0] }).padX, 0.5);
-});
-
-test("a controller without buttons presses nothing", () => {
+test("a real controller's trigger and pad are read, up being away from the wrist; without a pad the thumbstick is one", () => {
+  const rows: [number[], (number | null)[], boolean, boolean, number, number][] = [
+    [[0, 2], [0.5, -0.25], true, true, 0.5, 0.25],
+    [[3], [0, 0, 0, 1], false, true, 0, -1],
+    [[3], [null, null, 0.5, 0], false, true, 0.5, 0], // a part that it lacks may have no number in its place
+  ];
+  for (const [pressed, axes, trigger, pad, padX, padY] of rows) {
+    assert.deepEqual(readGamepad({ buttons: buttons(...pressed), axes }), { trigger, pad, padX, padY });
+  }
   assert.deepEqual(readGamepad({ buttons: [], axes: [] }), { trigger: false, pad: false, padX: 0, padY: 0 });
 });

@@ -17,45 +17,35 @@ function stroke(kind: SampleKind, ...points: Pair[]): Stroke<StrokePoint> {
   return made;
 }
 
-test("four directions of pixels, whose y grows downwards", () => {
-  assert.deepEqual(judge("pixel", [0, 0], [100, 0], [200, 0]), { is: "swipe", direction: "right", degrees: 0 });
-  assert.deepEqual(judge("pixel", [200, 0], [100, 0], [0, 0]), { is: "swipe", direction: "left", degrees: 0 });
-  assert.deepEqual(judge("pixel", [0, 0], [0, 100], [0, 200]), { is: "swipe", direction: "down", degrees: 0 });
-  assert.deepEqual(judge("pixel", [0, 200], [0, 100], [0, 0]), { is: "swipe", direction: "up", degrees: 0 });
+test("what three key points are", () => {
+  const rows: [SampleKind, [Pair, Pair, Pair], object][] = [
+    ["pixel", [[0, 0], [100, 0], [200, 0]], { is: "swipe", direction: "right", degrees: 0 }],
+    ["pixel", [[200, 0], [100, 0], [0, 0]], { is: "swipe", direction: "left", degrees: 0 }],
+    ["pixel", [[0, 0], [0, 100], [0, 200]], { is: "swipe", direction: "down", degrees: 0 }],
+    ["pixel", [[0, 200], [0, 100], [0, 0]], { is: "swipe", direction: "up", degrees: 0 }],
+    // The y of relative units grows upwards.
+    ["relative", [[0, 0], [0, 100], [0, 200]], { is: "swipe", direction: "up", degrees: 0 }],
+    ["relative", [[0, 200], [0, 100], [0, 0]], { is: "swipe", direction: "down", degrees: 0 }],
+    ["relative", [[0, 0], [100, 0], [200, 0]], { is: "swipe", direction: "right", degrees: 0 }],
+    // A detour that stays with its direction is no bend, and equal points add no direction.
+    ["pixel", [[0, 0], [100, -60], [200, 0]], { is: "swipe", direction: "right", degrees: 0 }],
+    ["pixel", [[0, 0], [0, 0], [200, 0]], { is: "swipe", direction: "right", degrees: 0 }],
+    ["pixel", [[0, 0], [200, 0], [200, 0]], { is: "swipe", direction: "right", degrees: 0 }],
+    ["pixel", [[5, 5], [5, 5], [5, 5]], { is: "closed" }],
+    ["pixel", [[0, 0], [100, 0], [100, 150]], { is: "bent", first: "right", second: "down" }],
+    ["pixel", [[0, 0], [100, 0], [20, 0]], { is: "bent", first: "right", second: "left" }],
+  ];
+  for (const [kind, points, judgement] of rows) {
+    assert.deepEqual(judge(kind, ...points), judgement);
+  }
 });
 
-test("the same numbers as relative units go the other way up", () => {
-  assert.equal((judge("relative", [0, 0], [0, 100], [0, 200]) as { direction: string }).direction, "up");
-  assert.equal((judge("relative", [0, 200], [0, 100], [0, 0]) as { direction: string }).direction, "down");
-  assert.equal((judge("relative", [0, 0], [100, 0], [200, 0]) as { direction: string }).direction, "right");
-});
-
-test("a detour that stays with its direction is no bend", () => {
-  assert.deepEqual(judge("pixel", [0, 0], [100, -60], [200, 0]), { is: "swipe", direction: "right", degrees: 0 });
-});
-
-test("halves in different directions are a bend", () => {
-  assert.deepEqual(judge("pixel", [0, 0], [100, 0], [100, 150]), { is: "bent", first: "right", second: "down" });
-  assert.deepEqual(judge("pixel", [0, 0], [100, 0], [20, 0]), { is: "bent", first: "right", second: "left" });
-});
-
-test("a diagonal counts as vertical and is too steep", () => {
-  const judgement = judge("pixel", [0, 0], [100, 100], [200, 200]);
-  assert.equal(judgement.is, "steep");
-  assert.equal((judgement as { direction: string }).direction, "down");
-  assert.ok(Math.abs((judgement as { degrees: number }).degrees - 45) < 1e-4);
-});
-
-test("30 degrees are too steep, a little less is a swipe", () => {
+test("30 degrees are too steep, a little less is a swipe; a diagonal counts as vertical", () => {
   // tan 30 degrees is 0.57735.
   assert.equal(judge("pixel", [0, 0], [5000, 2886], [10000, 5773]).is, "swipe");
   assert.equal(judge("pixel", [0, 0], [5000, 2887], [10000, 5774]).is, "steep");
-});
-
-test("equal points add no direction", () => {
-  assert.equal(judge("pixel", [0, 0], [0, 0], [200, 0]).is, "swipe");
-  assert.equal(judge("pixel", [0, 0], [200, 0], [200, 0]).is, "swipe");
-  assert.deepEqual(judge("pixel", [5, 5], [5, 5], [5, 5]), { is: "closed" });
+  const { is, direction, degrees } = judge("pixel", [0, 0], [100, 100], [200, 200]) as { is: string; direction: string; degrees: number };
+  assert.deepEqual([is, direction, Math.round(degrees)], ["steep", "down", 45]);
 });
 
 test("50 units on either axis make a drag, 49 don't", () => {
