@@ -47,7 +47,6 @@ export const REFUSALS: Record<string, string> = {
   "doesn't go with frame, which evaluates the whole scene": "不能与 frame 同时使用：frame 对整个场景求值",
   "release_held is for connections of the page": "release_held 只用于页面的连接",
   "the session has ended": "会话已结束",
-  "the clock of this system can't be set": "此系统的时钟无法设置",
   "the host reads the network by itself here": "主机在此自行读取网络",
   "this program reads recordings of version %s": "本程序只读取版本 %s 的录制",
   "this session's are %s": "此会话的是 %s",
