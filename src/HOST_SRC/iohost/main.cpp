@@ -125,7 +125,7 @@ int main(int nArguments, char** ppszArguments) {
     std::string strError;
     const auto options = ParseOptions({ppszArguments + 1, ppszArguments + nArguments}, ProgramFolder(), strError);
     if (!options) {
-        std::cerr << "iohost: " << strError << '\n';
+        std::cerr << "iohost: " << strError << "; --help tells more\n";
         return EXIT_OPTIONS;
     }
     if (options->nFront == EFront::Help) {

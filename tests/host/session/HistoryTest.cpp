@@ -242,6 +242,7 @@ TEST_F(History, ABatchIsAllOrNothing) {
         place nodes={"m":{"x":1,"y":1},"x":{"x":1,"y":1}} => nodes: there is no node "x"
         place nodes={"m":{"x":1}} => nodes.m.y: is missing
         place notes={"n":5} => notes.n: must be an object
+        place notes={"n":{"x":1,"y":2,"width":3,"height":4,"text":"b","length":9}} => notes.n.length: there is no note whose text could stay
         change_object clip=New name=Box => clip: there is no clip "New"
         remove_object clip=Intro name=Box => name: the clip has no object "Box"
         object clip=Intro name=Box
@@ -258,6 +259,22 @@ TEST_F(History, PlacesNamesAndNotesAreTold) {
         R"(place nodes={"m":{"x":1.5,"y":-2,"folded":true}} notes={"n":{"x":1,"y":2,"width":3,"height":4,"text":"触发"}})");
     Talk(R"(scene => {"notes":{"n":{"x":1,"y":2,"width":3,"height":4,"text":"触发"}}})");
     EXPECT_EQ(Must("scene")["nodes"][0]["place"], OrderedJson::parse(R"({"x":1.5,"y":-2.0,"folded":true})"));
+}
+
+/// Connections are told only the beginning of a long one, and move it by that.
+TEST_F(History, ANoteThatComesBackWithItsLengthKeepsItsText) {
+    const auto note = [this] {
+        const OrderedJson told = Must("scene")["notes"]["n"];
+        return std::pair(told["x"].get<int>(), told["text"].get<std::string>());
+    };
+    Must(R"(place notes={"n":{"x":1,"y":2,"width":3,"height":4,"text":"beginning and end"}})");
+    Must(R"(place notes={"n":{"x":9,"y":2,"width":3,"height":4,"text":"beginning","length":17}})");
+    EXPECT_EQ(note(), std::pair(9, std::string("beginning and end")));
+    EXPECT_FALSE(Must("scene")["notes"]["n"].contains("length"));
+    Must("undo");
+    EXPECT_EQ(note(), std::pair(1, std::string("beginning and end")));
+    Must("redo");
+    EXPECT_EQ(note(), std::pair(9, std::string("beginning and end")));
 }
 
 TEST_F(History, TheScenesFileAndWhetherItHasTheSceneAreKnown) {

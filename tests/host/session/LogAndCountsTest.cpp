@@ -3,6 +3,7 @@
 
 #include "base/HostLine.h"
 #include "engine/LogLines.h"
+#include "host/NodeTypeGuid.h"
 #include "protocol/Shapes.h"
 
 namespace {
@@ -87,6 +88,24 @@ TEST_F(LogAndCounts, OfManyLongTextsConnectionsAreToldTheirBeginnings) {
         EXPECT_EQ(values.back().second[0].second.strText.GetLength(), 300);
         EXPECT_EQ(nTold, 16 * MOST + 84 * 300);
     }
+}
+
+TEST_F(LogAndCounts, OfLongNamesConnectionsAreToldTheBeginnings) {
+    const CString strLong(L'x', 70'000);
+    m_pSession->Do(
+        SCreateCommand{{.strHandle = "k", .guidType = GUID_IOPROCESS_KEYBOARD, .clip = strLong, .strGraph = {}}});
+    Must("process");
+    SKeyEventData key;
+    key.m_strText = L"A";
+    SDone done = m_pSession->Do(SEventCommand{.nDevice = DEVICE_KEYBOARD, .nEvent = 2002, .payload = key});
+    CutForViewers(done);
+    const OrderedJson points = ReplyTo(done)["posted"][0]["params"][0]["points"];
+    EXPECT_EQ(points.get<std::string>().size(), std::string("clip:").size() + 65'536u);
+
+    SStep step{"Rename " + std::string(70'000, 'x'), "rename", std::string(70'000, 'x')};
+    CutForViewers(step);
+    EXPECT_EQ(step.strOf.size(), 65'536u);
+    EXPECT_EQ(step.strName, "Rename " + step.strOf);
 }
 
 TEST_F(LogAndCounts, EventsCountAtTheNodesThatTakeAndFireThem) {

@@ -11,8 +11,8 @@ constexpr int MOST_SHOWN_TOGETHER = 1 << 20; ///< in one reply or push
 constexpr int MOST_SHOWN_BEYOND = 300;       ///< of each further text
 constexpr int MOST_SHOWN_OF_KEY = 500;
 
-/// Cuts the texts of one reply or push, wherever its tables have them. Handles and ids, which requests name, stay
-/// whole.
+/// Cuts the texts of one reply or push, wherever its tables have them. Handles and devices' names stay whole: requests
+/// address nodes by the ones, and set devices up by the others.
 class CCutter {
 public:
     void Cut(CString& strText) {
@@ -24,6 +24,7 @@ public:
     void Cut(SLogged& line) { Cut(line.strText, line.length); }
     void Cut(SValues& values) { Cut(values.strText, values.length); }
     void Cut(SNote& note) { Cut(note.strText, note.length); }
+    void Cut(SFiredByWindow& fired) { Cut(fired.points); }
     void Cut(SParamState& param) {
         Cut(param.name);
         Cut(param.display);
@@ -41,8 +42,10 @@ public:
 
     // The same in UTF-8.
     void Cut(SStep& step) {
-        CutUtf8(step.strName, Most());
+        std::string strVerb = step.strName.substr(0, step.strName.size() - step.strOf.size()); // the name ends with it
+        CutUtf8(strVerb, Most());
         CutUtf8(step.strOf, Most());
+        step.strName = strVerb + step.strOf;
         m_nShown += static_cast<int>(step.strName.size() + step.strOf.size());
     }
     void Cut(SHeldEntry& entry) {
@@ -81,7 +84,7 @@ public:
         std::visit([&](auto& held) { Cut(held); }, value);
     }
     template <typename T>
-    void Cut(T& /*value*/) {} ///< anything else is short
+    void Cut(T& /*value*/) {} ///< anything else stays
 
 private:
     void Cut(CString& strText, std::optional<int>& length) {
@@ -197,22 +200,30 @@ std::string ReplyText(const OrderedJson& reply) {
     return reply.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
 }
 
-template <typename T>
-void CutForViewers(T& told) {
+void CutForViewers(SActivity& told) {
     CCutter().Cut(told);
 }
 
-template void CutForViewers(SActivity& told);
-template void CutForViewers(OutputValues& told);
-template void CutForViewers(std::vector<SObjectState>& told);
-template void CutForViewers(std::vector<SHeldEntry>& told);
-template void CutForViewers(SStep& told);
+void CutForViewers(OutputValues& told) {
+    CCutter().Cut(told);
+}
 
-template <>
-void CutForViewers(SDone& done) {
+void CutForViewers(std::vector<SObjectState>& told) {
+    CCutter().Cut(told);
+}
+
+void CutForViewers(std::vector<SHeldEntry>& told) {
+    CCutter().Cut(told);
+}
+
+void CutForViewers(SStep& told) {
+    CCutter().Cut(told);
+}
+
+void CutForViewers(SDone& told) {
     CCutter cutter;
-    cutter.Cut(done.outcome.result);
-    cutter.Cut(done.activity);
+    cutter.Cut(told.outcome.result);
+    cutter.Cut(told.activity);
 }
 
 std::string SceneText(const SSceneDocument& scene, const std::string& strFile) {

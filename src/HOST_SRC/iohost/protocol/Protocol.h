@@ -52,11 +52,14 @@ std::string AnswerText(CSession& session, std::string_view text, ISceneFiles& fi
 /// The text of a reply: one line of valid UTF-8.
 std::string ReplyText(const OrderedJson& reply);
 
-/// Cut what is too long for people to look at, and what is too much for one reply or push: the beginnings of texts and
-/// bytes stay, where there is a place for it with how long they are. For SActivity, OutputValues, SDone, SStep, and
-/// lists of SObjectState and SHeldEntry.
-template <typename T>
-void CutForViewers(T& told);
+/// Cut what is too long for people to look at, and what is too much for one reply or push. The beginnings of texts and
+/// bytes stay; those with a field for it tell how long they were, which names have not.
+void CutForViewers(SActivity& told);
+void CutForViewers(OutputValues& told);
+void CutForViewers(std::vector<SObjectState>& told);
+void CutForViewers(std::vector<SHeldEntry>& told);
+void CutForViewers(SStep& told);
+void CutForViewers(SDone& told);
 
 /// A scene as the text of a file. strFile: the file's name, if it isn't told by where the text goes.
 std::string SceneText(const SSceneDocument& scene, const std::string& strFile = {});

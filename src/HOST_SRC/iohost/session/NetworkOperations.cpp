@@ -36,9 +36,11 @@ void CSession::On(const SDeviceCommand& command) {
 
 void CSession::On(const SRemoveDeviceCommand& command) {
     std::vector<SDeviceSetup> devices = m_peers.Devices().value_or(std::vector<SDeviceSetup>());
-    if (std::erase_if(devices, [&](const SDeviceSetup& setup) { return setup.nId == command.nId; }) == 0) {
+    const auto found = std::ranges::find(devices, command.nId, &SDeviceSetup::nId);
+    if (found == devices.end()) {
         Refuse("device", "there is no device " + std::to_string(command.nId));
     }
+    devices.erase(found);
     m_peers.ChangeDevices(std::move(devices));
 }
 

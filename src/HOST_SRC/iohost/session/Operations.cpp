@@ -540,6 +540,9 @@ void CSession::On(const SPlaceCommand& command) {
     Notes& notes = Scene().CanvasNotes();
     for (const auto& [strId, note] : command.notes) {
         auto known = std::ranges::find(notes, strId, &Notes::value_type::first);
+        if (note && note->length && known == notes.end()) {
+            Refuse("notes." + strId + ".length", "there is no note whose text could stay");
+        }
         if (!note) {
             std::erase_if(notes, [&](const auto& entry) { return entry.first == strId; });
             continue;

@@ -376,8 +376,9 @@ TEST_F(Recording, AFileThatFailsInTheMiddleEndsTheReplay) {
     std::string strError;
     const auto pReplay = CReplay::Open(m_file, strError);
     ASSERT_NE(pReplay, nullptr) << strError;
+    ASSERT_EQ(std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(nFile)), m_file);
     const int nFolder = open(m_folder.Path().c_str(), O_RDONLY);
-    dup2(nFolder, nFile); // which can't be read
+    ASSERT_EQ(dup2(nFolder, nFile), nFile); // which can't be read
     close(nFolder);
     std::ostringstream output;
     EXPECT_EQ(pReplay->Run(*m_pSession, output), CReplay::EResult::Broken);

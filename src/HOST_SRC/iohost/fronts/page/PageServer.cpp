@@ -95,7 +95,7 @@ public:
         Spawn(m_context, "the page's connections aren't taken any longer", [this] {
             return AcceptConnections(
                 m_acceptor, [this](TcpSocket socket) { Take(std::move(socket)); },
-                [this](const std::string& strError) { m_fullLine.Write("connections can't be taken: " + strError); });
+                [this](const std::string& strError) { m_acceptLine.Write("connections can't be taken: " + strError); });
         });
         m_frameTimer.Start();
         m_tellTimer.Start();
@@ -461,6 +461,7 @@ private:
     CFrameTimer m_tellTimer{m_context, 1, [this] { TellFrame(); }};
     CLimitedLine m_frameLine{LOG_ERROR};
     CLimitedLine m_failedLine{LOG_ERROR};
+    CLimitedLine m_acceptLine{LOG_ERROR};
     CLimitedLine m_fullLine{LOG_ERROR};
     std::unique_ptr<const SHttpSite> m_pSite; ///< once it listens
     std::string m_strAddress;
@@ -475,8 +476,9 @@ private:
     OrderedJson m_toldHistory;
     unsigned long long m_nToldNetworkVersion = 0;
     unsigned long long m_nToldHeldVersion = 0;
-    std::map<std::pair<int, std::optional<std::string>>, size_t> m_dropped; ///< items by device and sender, since then
-    std::chrono::steady_clock::time_point m_tTold;                          ///< of counters and network
+    std::map<std::pair<int, std::optional<std::string>>, size_t>
+        m_dropped;                                 ///< items since the last frame, by device and sender
+    std::chrono::steady_clock::time_point m_tTold; ///< of counters and network
     bool m_bStopping = false;
 };
 

@@ -56,6 +56,7 @@ export const REFUSALS: Record<string, string> = {
 
   // Nodes
   "there is no node %s": "没有节点 %s",
+  "there is no note whose text could stay": "没有可保留其文字的便签",
   "there is a node %s already": "已有节点 %s",
   "there is no such link": "没有此连线",
   "there is no parameter %s among the node's %s": "没有参数 %s（节点的 %s）",
