@@ -11,7 +11,7 @@
 
 namespace {
 
-// Set from what was measured (docs/benchmarks.md), close above it. Many nodes don't fit into the processor's caches;
+// Set close above what was measured (docs/benchmarks.md). Many nodes don't fit into the processor's caches;
 // they get more room, because other programs disturb them most.
 struct Size {
     size_t nNodes;
@@ -76,7 +76,12 @@ std::vector<std::unique_ptr<SQOREvent>> TakeEvents(const CBenchHost& host) {
     return events;
 }
 
-void CheckFloors(const MeasuredType& type, const CBenchHost& host, const CPlacedNode& placed) {
+void CheckFloors(const MeasuredType& type, const CBenchHost& host, Nodes one) {
+    const auto isFound = [&](bool (*pFloor)(Nodes)) { return pFloor == nullptr || pFloor(one); };
+    if (!isFound(type.pFloor) || !isFound(type.pTriggeredFloor)) {
+        throw std::runtime_error(std::string(type.pszName) + ": a floor doesn't find what it looks up");
+    }
+    const CPlacedNode& placed = *one.front();
     host.ReceiveEvents(); // those that a measured stroke left
     for (const FiringEvent& firing : type.events) {
         SendRecords(placed, firing);
@@ -101,22 +106,16 @@ std::string NameOf(const MeasuredType& type, const char* pszOperation, const Siz
 /// An evaluation; a triggered one without its log line.
 Comparison CompareProcessNode(const MeasuredType& type, bool bTriggered, const Size& size, Nodes nodes,
                               CBenchHost& host) {
-    const auto measured = [=, &host] {
-        host.TakeLogLines(!bTriggered);
+    const auto measured = [=] {
         bool bAllHandled = true;
         for (const auto& pPlaced : nodes) {
             bAllHandled &= pPlaced->m_pNode->ProcessNode(&pPlaced->m_graphNode) == 1;
         }
-        host.TakeLogLines(true);
         return bAllHandled;
     };
-    const auto floor = [=, &host, pFloor = bTriggered ? type.pTriggeredFloor : type.pFloor] {
-        host.TakeLogLines(!bTriggered);
-        const bool bAllFound = pFloor(nodes);
-        host.TakeLogLines(true);
-        return bAllFound;
-    };
-    const auto begin = [=, &type] {
+    const auto floor = [nodes, pFloor = bTriggered ? type.pTriggeredFloor : type.pFloor] { return pFloor(nodes); };
+    const auto begin = [=, &type, &host] {
+        host.TakeLogLines(false);
         for (const auto& pPlaced : nodes) {
             if (type.nTrigger != 0) {
                 FindParam(pPlaced->m_graphNode.m_lstInputGroup, MakeParamGuid(type.nTrigger))->m_nValue = bTriggered;
@@ -133,7 +132,7 @@ Comparison CompareProcessNode(const MeasuredType& type, bool bTriggered, const S
 }
 
 Comparison CompareEvent(const MeasuredType& type, const FiringEvent& firing, const Size& size, Nodes nodes,
-                        const CBenchHost& host) {
+                        CBenchHost& host) {
     const auto work = [nodes, &firing, &host](void (*pWork)(const CPlacedNode&, const FiringEvent&)) {
         return [nodes, &firing, &host, pWork] {
             size_t nReceived = 0;
@@ -156,7 +155,8 @@ Comparison CompareEvent(const MeasuredType& type, const FiringEvent& firing, con
             work(SendRecords),
             work(PostSameEvents),
             firing.fOwnAllocations,
-            firing.fOwnLookUps};
+            firing.fOwnLookUps,
+            [&host] { host.TakeLogLines(true); }};
 }
 
 } // namespace
@@ -168,7 +168,7 @@ std::vector<Comparison> MakeComparisons(const MeasuredType& type, CBenchHost& ho
             throw std::runtime_error(std::string(type.pszName) + ": ProcessNode does nothing");
         }
     }
-    CheckFloors(type, host, *population.First(1).front());
+    CheckFloors(type, host, population.First(1));
 
     std::vector<Comparison> comparisons;
     for (const Size& size : SIZES) {

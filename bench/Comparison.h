@@ -26,13 +26,13 @@ struct Comparison {
 };
 
 /// The comparisons of one type, which hold on to host and population. Throws when a floor doesn't do what it stands
-/// for: when it finds other parameters missing, or posts another event than the node.
+/// for: when it doesn't find a parameter, or posts another event than the node.
 std::vector<Comparison> MakeComparisons(const MeasuredType& type, CBenchHost& host, const CPopulation& population);
 
 /// The samples of a pointer and of a VR controller, which come many times a second: none for most types. They hold on
 /// to host, type and population. Throws when a node doesn't take the samples, or when the floor leaves other outputs
 /// than the node.
-std::vector<Comparison> MakeSampleComparisons(const MeasuredType& type, const CBenchHost& host,
+std::vector<Comparison> MakeSampleComparisons(const MeasuredType& type, CBenchHost& host,
                                               const CPopulation& population);
 
 /// The network nodes at real sockets, and what the host makes of a received broadcast. They hold on to the host, which

@@ -12,7 +12,7 @@
 
 namespace {
 
-// Set from what was measured (docs/benchmarks.md), with room for a busy machine.
+// Set close above what was measured (docs/benchmarks.md).
 constexpr double FRAME_LIMIT = 1.8;
 constexpr double SMALL_FRAME_LIMIT = 2.0; // few nodes share what a frame costs by itself
 constexpr size_t SMALL = 13;

@@ -28,7 +28,7 @@
 
 namespace {
 
-// As in Comparison.cpp: set from what was measured (docs/benchmarks.md), with room for a busy machine.
+// Set close above what was measured (docs/benchmarks.md).
 constexpr double BROADCAST_SEND_LIMIT = 1.9;    // of a call of the system that takes less than a microsecond
 constexpr double RECORD_SEND_LIMIT = 3.0;       // likewise
 constexpr double BROADCAST_RECEIVE_LIMIT = 6.0; // beside the parse, the element is checked and four texts are made

@@ -14,7 +14,7 @@
 
 namespace {
 
-// As in Comparison.cpp: set from what was measured (docs/benchmarks.md), with room for a busy machine.
+// Set close above what was measured (docs/benchmarks.md).
 struct Size {
     size_t nNodes;
     size_t
@@ -44,7 +44,7 @@ Gdiplus::PointF PointOf(const SQORMouseData& sample, Gdiplus::PointF /*kind*/) {
 template <typename Point>
 class CStrokes {
 public:
-    CStrokes(const MeasuredType& type, const CBenchHost& host, Nodes nodes, size_t nStrokeSamples, int bRelative)
+    CStrokes(const MeasuredType& type, CBenchHost& host, Nodes nodes, size_t nStrokeSamples, int bRelative)
         : m_swipe(type.events.back()), m_host(host), m_nodes(nodes), m_nStrokeSamples(nStrokeSamples),
           m_sample(0, 0.0f, 2.0f, CPoint(0, 4), bRelative), m_points(nodes.size()) {
         for (size_t i = 0; i <= nStrokeSamples; ++i) {
@@ -59,6 +59,7 @@ public:
 
     /// Begin new strokes. Other comparisons had the nodes meanwhile.
     void Begin() {
+        m_host.TakeLogLines(true);
         m_nMeasured = 0;
         m_nFloor = 0;
     }
@@ -115,7 +116,7 @@ private:
     }
 
     const FiringEvent& m_swipe;
-    const CBenchHost& m_host;
+    CBenchHost& m_host;
     const Nodes m_nodes;
     const size_t m_nStrokeSamples;
     SQORMouseData m_sample;
@@ -126,8 +127,8 @@ private:
 };
 
 template <typename Point>
-Comparison CompareStrokes(const MeasuredType& type, const CBenchHost& host, const CPopulation& population,
-                          const Size& size, const char* pszName, int bRelative) {
+Comparison CompareStrokes(const MeasuredType& type, CBenchHost& host, const CPopulation& population, const Size& size,
+                          const char* pszName, int bRelative) {
     const auto pStrokes =
         std::make_shared<CStrokes<Point>>(type, host, population.First(size.nNodes), size.nStrokeSamples, bRelative);
     return {.strName = NameOf(type, pszName, size),
@@ -228,7 +229,7 @@ Comparison CompareController(const MeasuredType& type, const CPopulation& popula
 
 } // namespace
 
-std::vector<Comparison> MakeSampleComparisons(const MeasuredType& type, const CBenchHost& host,
+std::vector<Comparison> MakeSampleComparisons(const MeasuredType& type, CBenchHost& host,
                                               const CPopulation& population) {
     std::vector<Comparison> comparisons;
     if (IsEqualGUID(type.guidType, GUID_IOPROCESS_GESTURE)) {
