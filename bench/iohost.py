@@ -62,7 +62,10 @@ class Stdio(Child):
         """How many replies came; waits for the first one that long."""
         if not select.select([self.process.stdout], [], [], max(0, seconds))[0]:
             return 0
-        return self.process.stdout.read(1 << 20).count(b"\n")
+        piece = self.process.stdout.read(1 << 20)
+        if not piece:
+            raise EOFError("the host ended")
+        return piece.count(b"\n")
 
 
 class Server(Child):
@@ -76,6 +79,16 @@ class Server(Child):
         (web / "index.html").touch()
         command = [folder / "iohost", "--listen", f"127.0.0.1:{self.PORT}", "--web", web, "--scene", scene, *options]
         super().__init__(command, stdout=subprocess.DEVNULL)
+
+    def __enter__(self):
+        try:
+            self.wait()
+        except BaseException:
+            self.__exit__()
+            raise
+        return self
+
+    def wait(self):
         end = time.monotonic() + LONGEST_WAIT
         while True:
             try:
@@ -100,7 +113,10 @@ class Page:
         )
         self.bytes = bytearray()
         while b"\r\n\r\n" not in self.bytes:
-            self.bytes += self.socket.recv(1)
+            byte = self.socket.recv(1)
+            if not byte:
+                raise ConnectionResetError("the host closed the connection")
+            self.bytes += byte
         self.bytes.clear()
         self.message = b""
 
@@ -149,7 +165,7 @@ class Page:
         return sum(b'{"push"' not in message[:10] for message in self.messages(seconds))
 
     def next(self, beginning, seconds):
-        """The next message that begins so; null when none comes for so long."""
+        """The next message that begins so; None when none comes for so long."""
         end = time.monotonic() + seconds
         while time.monotonic() < end:
             for message in self.messages(end - time.monotonic()):
@@ -162,6 +178,6 @@ class Page:
         return self.next(b'{"ok"', LONGEST_WAIT)
 
     def frame(self):
-        """The number of the frame that is told next and when, unless the host is one that doesn't tell."""
+        """The number of the frame that is told next and when; None for a host that tells none."""
         push = self.next(b'{"push":"frame"', 3)
         return push and (push["frame"], time.monotonic())
