@@ -341,6 +341,29 @@ test("what is being typed into a note stays while another page changes the note,
   await expectEventually("the text", () => field.inputValue(), "fourth");
 });
 
+test("a note too long for the page stays whole when it's sized, isn't copied, and typing replaces it", async () => {
+  const place = { x: 420, y: 220, width: 200, height: 100 };
+  await must(script, { op: "place", notes: { n: { ...place, text: "x".repeat(70_000) } } });
+  const kept = async () => (await canvas.scene()).notes.n;
+  const field = page.page.getByPlaceholder("70,000 characters; typing replaces them");
+  await field.focus();
+  assert.equal(await field.inputValue(), "");
+  await page.keyboard.press("Escape");
+  await page.keyboard.press("Enter");
+  await page.page.locator(".react-flow__node-note.selected").waitFor();
+  for (const [keys, done] of [["Control+c", "Copied"], ["Control+d", "Added"]]) {
+    await page.page.locator(".react-flow__node-note").press(keys);
+    await canvas.message().getByText(`${done}: 0 · too long to be copied, left out: 1`).waitFor();
+  }
+  await page.page.getByRole("button", { name: "Size of the note" }).press("ArrowRight");
+  await expectEventually("the width", async () => (await kept()).width, 220);
+  assert.equal((await kept()).length, 70_000);
+  await field.fill("short");
+  await field.blur();
+  await expectEventually("the text", async () => (await kept()).text, "short");
+  await expectEventually("the field", () => page.page.locator("[data-note=n] textarea").inputValue(), "short");
+});
+
 test("a note is sized by keys at its corner, a held key as one step, and by the pointer there", async () => {
   await must(script, { op: "place", notes: { n: { x: 420, y: 220, width: 200, height: 100, text: "here" } } });
   const note = page.page.locator(".react-flow__node-note");

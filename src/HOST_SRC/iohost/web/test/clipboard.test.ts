@@ -61,6 +61,12 @@ test("copied notes are made anew under ids of their own, a little aside", () => 
   assert.equal(new Set(noteIds).size, 2);
 });
 
+test("notes whose texts were cut are left out and counted", () => {
+  const note = { x: 1, y: 2, width: 200, height: 100, text: "here" };
+  const { notes, leftOut } = copyOf([], [], [note, { ...note, length: 70_000 }], placeOf);
+  assert.deepEqual([notes, leftOut], [[note], 1]);
+});
+
 test("what the browser doesn't keep can be pasted on the page that copied it, until it keeps a later copy", () => {
   let kept: string | null = null;
   const full = { setItem: () => { throw new DOMException("", "QuotaExceededError"); }, getItem: () => kept };

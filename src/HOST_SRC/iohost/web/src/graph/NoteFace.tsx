@@ -2,6 +2,7 @@ import { NodeResizeControl, NodeResizer, useStoreApi, type Node, type NodeProps 
 import { useEffect, useLayoutEffect, useRef } from "preact/hooks";
 import { t } from "../i18n.ts";
 import type { Note } from "../protocol.ts";
+import { characters } from "../texts.ts";
 import type { Editor } from "./editor.ts";
 import { noteId } from "./ids.ts";
 import "./noteFace.css";
@@ -21,18 +22,23 @@ const STEPS: Readonly<Record<string, { x: number; y: number }>> = {
 
 export type NoteNode = Node<{ editor: Editor; id: string; note: Note }, "note">;
 
-/** A text box on the canvas. What is being typed stays, whatever other pages do to the note meanwhile. */
+/**
+ * A text box on the canvas. What is being typed stays, whatever other pages do to the note meanwhile. Of a text that the
+ * host cut the end isn't known: it can be replaced, not edited.
+ */
 export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<NoteNode>) {
   const field = useRef<HTMLTextAreaElement>(null);
   useFocusWhenChosen(field, selected);
-  /** The text that the host has: anything else in the field is being typed. */
-  const known = useRef(note.text);
+  const { length } = note;
+  const text = length === undefined ? note.text : "";
+  /** What the field has of the host's text: anything else in it is being typed. */
+  const known = useRef(text);
   useEffect(() => {
     if (field.current!.value === known.current) {
-      field.current!.value = note.text;
+      field.current!.value = text;
     }
-    known.current = note.text;
-  }, [note.text]);
+    known.current = text;
+  }, [text]);
   const keepSize = ({ x, y, width, height }: Box) => editor.place({}, { [id]: { ...note, x, y, width, height } });
   return (
     <div class="note" data-note={id}>
@@ -41,8 +47,10 @@ export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<Not
         ref={field}
         class="note-text nodrag nowheel nokey"
         aria-label={t("Note")}
-        placeholder={t("Note")}
-        defaultValue={note.text}
+        placeholder={
+          length === undefined ? t("Note") : t("{characters}; typing replaces them", { characters: characters(length) })
+        }
+        defaultValue={text}
         onKeyDown={(event) => {
           if (event.key === "Escape" && !event.isComposing) {
             event.currentTarget.closest<HTMLElement>(".react-flow__node")!.focus();

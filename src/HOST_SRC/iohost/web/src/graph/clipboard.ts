@@ -21,7 +21,7 @@ export interface Clipping {
   nodes: CopiedNode[];
   links: Link[];
   notes: Note[];
-  /** How many inputs' texts aren't in it: the page has only the beginnings of those that are too long. */
+  /** How many inputs' texts and notes aren't in it: the page has only the beginnings of those that are too long. */
   leftOut: number;
 }
 
@@ -36,7 +36,11 @@ export function copyOf(
 ): Clipping {
   const ids = new Set(nodes.map(({ node }) => node));
   const isLinked = (node: string, id: number) => links.some((link) => link.to === node && link.input === id);
-  const isCut = (param: Param) => param.length !== undefined;
+  const isCut = ({ length }: Param | Note) => length !== undefined;
+  const wholeNotes = notes.filter((note) => !isCut(note));
+  const cutInputs = nodes.flatMap((view) =>
+    inputsOf(view).filter((param) => isCut(param) && !isLinked(view.node, param.id)),
+  );
   return {
     format: FORMAT,
     nodes: nodes.map((view) => {
@@ -48,8 +52,8 @@ export function copyOf(
       return { node, type, clip, graph, place: placeOf(node), values: Object.fromEntries(values) };
     }),
     links: links.filter(({ from, to }) => ids.has(from) && ids.has(to)),
-    notes: [...notes],
-    leftOut: nodes.flatMap((view) => inputsOf(view).filter((param) => isCut(param) && !isLinked(view.node, param.id))).length,
+    notes: wholeNotes,
+    leftOut: cutInputs.length + notes.length - wholeNotes.length,
   };
 }
 

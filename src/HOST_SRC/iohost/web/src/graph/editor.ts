@@ -224,8 +224,8 @@ export class Editor {
 
   copy(chosen: Chosen): void {
     const clipping = this.#copyOf(chosen);
-    const count = clipping.nodes.length + clipping.notes.length;
-    if (count > 0) {
+    const count = sizeOf(clipping);
+    if (count + clipping.leftOut > 0) {
       const isKept = keepClipping(localStorage, clipping);
       const copied = isKept ? t("Copied: {count}", { count }) : t("Copied for this page alone: {count}", { count });
       this.desk.message.value = withLeftOut(copied, clipping);
@@ -253,10 +253,14 @@ export class Editor {
 
   #make(clipping: Clipping, verb: string): Promise<void> {
     return this.#makeNext(async ({ nodes }, taken) => {
+      if (sizeOf(clipping) === 0) {
+        this.desk.message.value = addedText(clipping);
+        return;
+      }
       const by = freeShift([...clipping.nodes.map(({ place }) => place), ...clipping.notes], taken, APART);
       const { changes, handles, noteIds } = pasteOf(clipping, nodes, by);
       const error = await this.host.requests.batch(`${verb} ${nameOf(clipping.nodes, clipping.notes)}`, changes);
-      this.desk.tell(error, withLeftOut(t("Added: {count}", { count: handles.length + noteIds.length }), clipping));
+      this.desk.tell(error, addedText(clipping));
       if (error === null) {
         this.view.choose(handles, noteIds);
       }
@@ -296,6 +300,14 @@ function nameOf(nodes: readonly { graph: string }[], notes: readonly unknown[]):
     ...(notes.length === 0 ? [] : [notes.length === 1 ? "a note" : `${notes.length} notes`]),
   ];
   return texts.join(" and ");
+}
+
+function sizeOf({ nodes, notes }: Clipping): number {
+  return nodes.length + notes.length;
+}
+
+function addedText(clipping: Clipping): string {
+  return withLeftOut(t("Added: {count}", { count: sizeOf(clipping) }), clipping);
 }
 
 function withLeftOut(text: string, { leftOut }: Clipping): string {
