@@ -426,3 +426,16 @@ test("keys that go down and up faster than frames are missed by no key check nod
   }
   await must(script, { op: "destroy", node: "c" });
 });
+
+test("objects are told when they change, not with each frame", async () => {
+  const told = (push) => script.pushes.filter((one) => one.push === push).length;
+  const known = told("objects");
+  await must(script, { op: "object", clip: "Demo", name: "Lamp" });
+  await until("the object", () => told("objects") > known);
+  const frames = told("frame");
+  await until("two more frames", () => told("frame") >= frames + 2);
+  assert.equal(told("objects"), known + 1);
+  await must(script, { op: "remove_object", clip: "Demo", name: "Lamp" });
+  await until("its removal", () => told("objects") > known + 1);
+  assert.equal(told("objects"), known + 2);
+});
