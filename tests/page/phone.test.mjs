@@ -4,7 +4,7 @@ import { openContext } from "./support/browser.mjs";
 import { opened } from "./support/opened.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, script, useHost } from "./support/scene.mjs";
-import { createNode, expectEventually, must, Type, until } from "./support/session.mjs";
+import { createNode, expectEventually, must, nodeOf, Type, until } from "./support/session.mjs";
 import { beforeEach, test } from "./support/test.mjs";
 
 useHost({
@@ -127,6 +127,20 @@ test("the log is read, filtered and leads to the node's card", async () => {
   await phone.locator(".line-text", { hasText: "fired [Hover]" }).tap();
   await until("the card", () =>
     phone.locator("article[data-node=m]").evaluate((card) => Math.abs(card.getBoundingClientRect().top) < 100));
+});
+
+test("the log leads to the last of many nodes, from an opened device too", async () => {
+  const fields = Array.from({ length: 70 }, (_, index) => ({ op: "create", ...nodeOf(`t${index}`, Type.textField, `Field ${index}`) }));
+  await must(script, { op: "batch", requests: [...fields, { op: "create", ...nodeOf("z", Type.mouse, "Last") }] });
+  await phone.locator("article[data-node=z]").waitFor();
+  await openTab("network");
+  await phone.locator("[data-peer=device-3] button").tap();
+  await phone.locator("[data-part-card]").waitFor();
+  await openTab("log");
+  await script.request({ op: "event", device: 1, event: 3004 });
+  await phone.locator(".line-text", { hasText: "Demo.Last" }).tap();
+  await until("the card", () =>
+    phone.locator("article[data-node=z]").evaluate((card) => card.getBoundingClientRect().top < innerHeight));
 });
 
 test("what fingers hit is large enough, and a larger window has the graph again", async () => {

@@ -9,7 +9,7 @@ import { conversion } from "./wiring.ts";
 
 /** The graph as a list, for who can't see it: each node with what its inputs come from. */
 export const Outline = memo(function Outline({ host }: { host: Host }) {
-  const nodes = host.nodes.value ?? [];
+  const nodes = useFirstThenAll(host)(host.nodes.value ?? []);
   const links = new Map<string, Link[]>();
   for (const link of host.links.value) {
     links.set(link.to, [...(links.get(link.to) ?? []), link]);
@@ -17,7 +17,7 @@ export const Outline = memo(function Outline({ host }: { host: Host }) {
   return (
     <section class="screen-reader" aria-label={t("Outline of the graph")} data-outline>
       <ul>
-        {useFirstThenAll(nodes).map((node) => (
+        {nodes.map((node) => (
           <li key={node.node}>
             {node.graph}, {hostText(node.details.name)}
             <ul>

@@ -26,6 +26,7 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
   const section = useRef<HTMLElement>(null);
   const opened = desk.opened.value;
   const scene = host.sceneNumber.value;
+  const shownOf = useFirstThenAll(host); // kept here: the cards go while something is opened
   useEffect(() => () => void (desk.opened.value = null), [desk, scene]); // what was opened belongs to that scene
   // The focus comes to what was opened, before somebody can go on there, and goes back to where that was done.
   useLayoutEffect(() => {
@@ -44,7 +45,7 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
   return (
     <section class="nodes" aria-labelledby="inspector-title" tabIndex={-1} ref={section}>
       {opened === null ? (
-        <Nodes host={host} desk={desk} />
+        <Nodes host={host} desk={desk} shownOf={shownOf} />
       ) : opened.is === "device" ? (
         <DeviceCard key={opened.id} host={host} desk={desk} id={opened.id} />
       ) : (
@@ -54,8 +55,15 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
   );
 }
 
+interface NodesProps {
+  host: Host;
+  desk: Desk;
+  /** What is shown of a long list by now. */
+  shownOf(list: readonly NodeView[]): readonly NodeView[];
+}
+
 /** The cards of the nodes that are chosen on the canvas, or of all, with what else the scene has. */
-function Nodes({ host, desk }: { host: Host; desk: Desk }) {
+function Nodes({ host, desk, shownOf }: NodesProps) {
   const nodes = host.nodes.value;
   const scene = host.sceneNumber.value;
   const chosen = desk.chosen.value;
@@ -84,26 +92,22 @@ function Nodes({ host, desk }: { host: Host; desk: Desk }) {
           {t("Reset counts")}
         </button>
       </div>
-      {nodes !== null && nodes.length > 1 && chosen.length === 0 && <NodeIndex key={scene} host={host} nodes={nodes} />}
+      {nodes !== null && nodes.length > 1 && chosen.length === 0 && <NodeIndex host={host} nodes={shownOf(nodes)} />}
       {chosen.length === 0 && <PartIndex host={host} desk={desk} />}
       {/* The first cards know nothing of links and other nodes yet. */}
       <div class="cards" key={scene} inert={nodes === null}>
         {nodes?.length === 0 && <p class="empty">{t("The scene has no nodes.")}</p>}
-        {shown && <NodeCards host={host} nodes={shown} />}
+        {shown && shownOf(shown).map((node) => <NodeCard key={node.node} host={host} node={node} />)}
       </div>
     </>
   );
-}
-
-function NodeCards({ host, nodes }: { host: Host; nodes: readonly NodeView[] }) {
-  return useFirstThenAll(nodes).map((node) => <NodeCard key={node.node} host={host} node={node} />);
 }
 
 /** Leads to each node's card, and flashes when the node fires, so that it's seen wherever the cards are scrolled to. */
 function NodeIndex({ host, nodes }: { host: Host; nodes: readonly NodeView[] }) {
   return (
     <nav class="node-index" aria-label={t("Nodes")}>
-      {useFirstThenAll(nodes).map((node) => (
+      {nodes.map((node) => (
         <NodeIndexEntry key={node.node} host={host} node={node} />
       ))}
     </nav>

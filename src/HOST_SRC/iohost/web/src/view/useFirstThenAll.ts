@@ -1,16 +1,17 @@
 import { useEffect, useState } from "preact/hooks";
+import type { Host } from "../host.ts";
 
-/** More than there is room for. */
+/** As many of a long list are made at once. */
 const FIRST = 60;
 
-/** What is shown of a long list: its beginning at once, and all of it once the rest of the page has been drawn. */
-export function useFirstThenAll<Item>(list: readonly Item[]): readonly Item[] {
-  const [isAll, setIsAll] = useState(false);
-  const isLong = list.length > FIRST;
+/** What is shown of a scene's lists: their beginnings at once, and all of them once the rest of the page has been drawn. */
+export function useFirstThenAll(host: Host): <Item>(list: readonly Item[]) => readonly Item[] {
+  const scene = host.nodes.value === null ? null : host.sceneNumber.value;
+  const [whole, setWhole] = useState<number | null>(null);
   useEffect(() => {
-    if (isLong && !isAll) {
-      requestAnimationFrame(() => setTimeout(() => setIsAll(true)));
+    if (scene !== null) {
+      requestAnimationFrame(() => setTimeout(() => setWhole(scene)));
     }
-  }, [isLong]);
-  return isAll ? list : list.slice(0, FIRST);
+  }, [scene]);
+  return (list) => (whole === scene ? list : list.slice(0, FIRST));
 }
