@@ -68,11 +68,16 @@ const pressSend = (node, param) => input(node, param).click();
 
 test("devices are shown with their state, their queue, their counters and the last bytes", async () => {
   await page.page.getByText("The scene has no list of devices.").waitFor();
-  const wall = await startDevice();
+  const [wall, gone] = [await startDevice(), await startDevice()];
+  await gone.close();
   await setDevices(
     { id: 3, name: "Wall", parser: "framed", address: wall.address },
     { id: 4, name: "Text", parser: "direct" },
+    { id: 5, name: "Gone", parser: "direct", address: gone.address },
   );
+  await until("the reason", async () => /refused/.test(await field("device-5", "problem").innerText()));
+  await ask({ op: "send", device: 5, text: "x".repeat(1024) });
+  await shows("device-5", "queue", "1 item, 1.0 KiB");
   assert.equal(await peer("device-3").locator("h3").innerText(), "3 · Wall");
   await until("the connection", async () =>
     /^connected since \d\d:\d\d:\d\d$/.test(await field("device-3", "state").innerText()));
