@@ -74,14 +74,44 @@ test("nodes out of sight have their names and wires alone", async () => {
   await until("the script of one that is opened", async () => (await panels()).length > 0);
 });
 
+/** The middle of a pin, from the canvas's corner: the canvas moves down while something is said above it. */
+async function pinOnPane(node, id) {
+  const [pane, pin] = [await canvas.pane().boundingBox(), await canvas.middleOf(canvas.pin(node, id))];
+  return { x: pin.x - pane.x, y: pin.y - pane.y };
+}
+
+/** How far a wire's end is from a place on the canvas, in pixels. */
+function gap(path, { x, y }) {
+  const end = path.getPointAtLength(path.getTotalLength()).matrixTransform(path.getScreenCTM());
+  const pane = document.querySelector("[data-graph]").getBoundingClientRect();
+  return Math.hypot(end.x - pane.x - x, end.y - pane.y - y);
+}
+
 test("a node that is too far to be read takes a wire that was begun by keys, and keeps the focus", async () => {
   await page.locator('[data-id="node:n0"]').press("Enter");
   await canvas.pin("n0", 152).press("Enter");
+  await canvas.face("n6").locator(".pin").first().waitFor();
+  await page.locator('[data-id="node:n6"]').press("Tab");
+  await canvas.face("n6").locator(".pin:focus").waitFor();
+  const pin = await pinOnPane("n6", 203);
   await canvas.pin("n6", 203).press("Enter");
   await page.locator('[data-id="node:n6"]:focus').waitFor();
   await expectEventually("wires", () => page.locator(".react-flow__edge").count(), 41);
   assert.ok((await canvas.links()).some(({ from, to }) => from === "n0" && to === "n6"));
   assert.equal(await canvas.face("n6").locator(".pin").count(), 0);
+  assert.ok((await page.locator('[id="node:n0/152/node:n6/203"]').evaluate(gap, pin)) < 1);
+});
+
+test("a node that is too far to be read takes a wire that is dragged to it", async () => {
+  await page.locator('[data-id="node:n0"]').press("Enter");
+  await canvas.pin("n0", 152).press("Enter");
+  const { x, y } = await pinOnPane("n6", 203);
+  await page.keyboard.press("Escape");
+  await expectEventually("pins", () => canvas.face("n6").locator(".pin").count(), 0);
+  await page.locator('[data-id="node:n0"]').press("Enter");
+  const pane = await canvas.pane().boundingBox();
+  await canvas.drag(await canvas.middleOf(canvas.pin("n0", 152)), { x: pane.x + x, y: pane.y + y });
+  await until("the link", async () => (await canvas.links()).some(({ from, to }) => from === "n0" && to === "n6"));
 });
 
 /** How often a face is drawn meanwhile: the innermost function of each script that makes one is run. */

@@ -11,6 +11,7 @@ import {
   type Edge,
   type FinalConnectionState,
   type NodeChange,
+  type OnConnectStartParams,
   type ReactFlowInstance,
   type XYPosition,
 } from "@xyflow/react";
@@ -83,7 +84,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       void flow.current?.fitBounds({ x: left, y: top, width: right - left, height: bottom - top }, { padding: 0.1 });
     }
   });
-  // What comes first comes into sight as a whole: here, or when the library is ready.
+  // The whole scene comes into sight with its first nodes, or by `keepFlow` where the library is ready later.
   useEffect(() => showAll(), [faces.length > 0]);
 
   // What is chosen here the inspector shows, and it can be chosen from elsewhere.
@@ -188,7 +189,11 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     editor.giveUp(); // a wire that was begun otherwise
     void editor.connect(asLink(connection));
   });
+  const beginWire = useConstant((_: unknown, { nodeId, handleId, handleType }: OnConnectStartParams) => {
+    editor.dragged.value = pinOf({ nodeId: nodeId!, id: handleId, type: handleType! });
+  });
   const endWire = useConstant((event: MouseEvent | TouchEvent, { isValid, fromHandle, toHandle }: FinalConnectionState) => {
+    editor.dragged.value = null;
     if (fromHandle === null) {
       return;
     }
@@ -243,6 +248,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
             onEdgesChange={onWiresChange}
             isValidConnection={canLink}
             onConnect={link}
+            onConnectStart={beginWire}
             onConnectEnd={endWire}
             connectOnClick={false}
             onPaneClick={giveUp}
@@ -290,6 +296,6 @@ function asLink({ source, sourceHandle, target, targetHandle }: Connection | Edg
   return { from: handleOf(source), output: Number(sourceHandle), to: handleOf(target), input: Number(targetHandle) };
 }
 
-function pinOf(handle: NonNullable<FinalConnectionState["fromHandle"]>): Pin {
+function pinOf(handle: Pick<NonNullable<FinalConnectionState["fromHandle"]>, "nodeId" | "id" | "type">): Pin {
   return { node: handleOf(handle.nodeId), id: Number(handle.id), is: handle.type === "source" ? "output" : "input" };
 }

@@ -47,7 +47,7 @@ export function Face({ data, selected, positionAbsoluteX: x, positionAbsoluteY: 
       ) : (
         <>
           <strong class="face-far">{node.graph}</strong>
-          {editor.begun.value !== null && <EndPins editor={editor} node={node} />}
+          {editor.from.value !== null && <EndPins editor={editor} node={node} />}
         </>
       )}
     </div>

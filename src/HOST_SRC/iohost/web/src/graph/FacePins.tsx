@@ -20,7 +20,7 @@ interface PinProps {
   editor: Editor;
   node: string;
   param: Param;
-  /** Tab reaches the pins of chosen nodes, and those where a wire that was begun can end. */
+  /** Tab reaches the pins of chosen nodes, and those where the wire that is being made can end. */
   isReachable: boolean;
 }
 
@@ -57,7 +57,7 @@ export function FacePins({ editor, node, folded, linked, isReachable }: PinsProp
   );
 }
 
-/** The pins where a wire that was begun can end, at their places in the whole face. They leave the focus to the node. */
+/** The pins where the wire that is made can end, at their places in the whole face. They leave the focus to the node. */
 export function EndPins({ editor, node }: Pick<PinsProps, "editor" | "node">) {
   const ends = (params: readonly Param[], is: Pin["is"]) =>
     params.map((param, row) => {

@@ -2,12 +2,12 @@ import { useStoreApi } from "@xyflow/react";
 import { useState } from "preact/hooks";
 
 /**
- * Has the library in which it stands read how large nodes are drawn, and no more: where their pins are it's told with each
- * node. It would look for them in what is drawn, find none in far nodes, and draw all nodes anew.
+ * Replaces the library's measuring of nodes: their sizes alone are read. Their pins come with each node (`handles`):
+ * the library would look for them in what is drawn, find none in far nodes, and draw all nodes anew.
  */
 export function KnownPins() {
   const canvas = useStoreApi();
-  // Before the library's nodes come, which keep this function.
+  // At once: the library's observer of sizes keeps the function that it finds first.
   useState(() =>
     canvas.setState({
       updateNodeInternals: (drawn) => {

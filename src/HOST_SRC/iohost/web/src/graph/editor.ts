@@ -1,4 +1,4 @@
-import { signal } from "@preact/signals";
+import { computed, signal } from "@preact/signals";
 import type { Desk } from "../desk.ts";
 import type { Host, NodeView } from "../host.ts";
 import { t } from "../i18n.ts";
@@ -47,6 +47,10 @@ export class Editor {
   readonly palette = signal<PaletteCall | null>(null);
   /** The pin at which a wire was begun by a click or a key. */
   readonly begun = signal<Pin | null>(null);
+  /** The pin from which a wire is being dragged. */
+  readonly dragged = signal<Pin | null>(null);
+  /** Where the wire that is being made comes from. */
+  readonly from = computed(() => this.dragged.value ?? this.begun.value);
   /** The node whose name is being changed. */
   readonly renaming = signal<string | null>(null);
   /** What is typed while this scene goes isn't done to the next one. */
@@ -143,10 +147,10 @@ export class Editor {
     }
   }
 
-  /** Whether the wire that was begun by a click or a key can end at this pin. */
+  /** Whether the wire that is being made can end at this pin. */
   canEnd(pin: Pin): boolean {
-    const begun = this.begun.value;
-    return begun !== null && begun.is !== pin.is && this.whyNot(linkOf(begun, pin)) === null;
+    const from = this.from.value;
+    return from !== null && from.is !== pin.is && this.whyNot(linkOf(from, pin)) === null;
   }
 
   /** Adds a node, and wires it where the palette was opened from a pin. */

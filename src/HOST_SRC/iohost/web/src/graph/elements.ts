@@ -72,7 +72,7 @@ export function shownPins(node: NodeView, folded: boolean, linked: readonly stri
 
 const unfoldedHandles = new WeakMap<NodeView, NodeHandle[]>();
 
-/** The same ones each time, which costs nothing to compare. */
+/** Kept by node: for the same ones `sameOr` compares nothing. */
 function unfolded(node: NodeView): NodeHandle[] {
   const handles = unfoldedHandles.get(node) ?? handlesOf(node, false, []);
   unfoldedHandles.set(node, handles);
