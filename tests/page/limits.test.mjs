@@ -313,7 +313,8 @@ test("a page is told once when the recording can't be written any further", asyn
   await must(script, KEY_DOWN);
   await must(script, KEY_UP);
   const known = other.pushes.length;
-  await until("two later frames", () => other.pushes.slice(known).filter(({ frame }) => frame !== undefined).length >= 2);
+  const frames = () => other.pushes.slice(known).filter(({ frame }) => frame !== undefined);
+  await until("two later frames", () => frames().length >= 2);
   assert.equal(told(), 1);
   host.kill("SIGTERM");
   assert.equal(await host.ended(), 1);

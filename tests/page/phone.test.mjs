@@ -130,8 +130,9 @@ test("the log is read, filtered and leads to the node's card", async () => {
 });
 
 test("the log leads to the last of many nodes, from an opened device too", async () => {
-  const fields = Array.from({ length: 70 }, (_, index) => ({ op: "create", ...nodeOf(`t${index}`, Type.textField, `Field ${index}`) }));
-  await must(script, { op: "batch", requests: [...fields, { op: "create", ...nodeOf("z", Type.mouse, "Last") }] });
+  const fields = Array.from({ length: 70 }, (_, index) => nodeOf(`t${index}`, Type.textField, `Field ${index}`));
+  const nodes = [...fields, nodeOf("z", Type.mouse, "Last")];
+  await must(script, { op: "batch", requests: nodes.map((node) => ({ op: "create", ...node })) });
   await phone.locator("article[data-node=z]").waitFor();
   await openTab("network");
   await phone.locator("[data-peer=device-3] button").tap();

@@ -57,7 +57,7 @@ export function FacePins({ editor, node, folded, linked, isReachable }: PinsProp
   );
 }
 
-/** The pins where the wire that is made can end, at their places in the whole face. They leave the focus to the node. */
+/** The pins where the wire that is being made can end, placed as in whole faces. They leave the focus to the node. */
 export function EndPins({ editor, node }: Pick<PinsProps, "editor" | "node">) {
   const ends = (params: readonly Param[], is: Pin["is"]) =>
     params.map((param, row) => {

@@ -23,8 +23,8 @@ const STEPS: Readonly<Record<string, { x: number; y: number }>> = {
 export type NoteNode = Node<{ editor: Editor; id: string; note: Note }, "note">;
 
 /**
- * A text box on the canvas. What is being typed stays, whatever other pages do to the note meanwhile. Of a text that the
- * host cut the end isn't known: it can be replaced, not edited.
+ * A text box on the canvas. What is being typed stays, whatever other pages do to the note meanwhile. Of a text that
+ * the host cut the end isn't known: it can be replaced, not edited.
  */
 export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<NoteNode>) {
   const field = useRef<HTMLTextAreaElement>(null);
