@@ -3,6 +3,7 @@
 #include <climits>
 #include <functional>
 #include <new>
+#include <optional>
 #include <set>
 
 #include "ContractTypes.h"
@@ -148,6 +149,7 @@ TEST_F(AllocationFailure, OfTheCatalogueStaysInside) {
     SIOProcessPluginData whole; // whatever is allocated once is allocated now
     m_host.Call(0, nullptr, &whole);
     DestroyIcons(whole.arNodeInfo);
+    { SCOPED_TRACE("the first trace takes memory, too"); }
     const size_t nBefore = HeapBytesInUse();
     for (const auto nHowOften : {FailingMemory::ONCE, FailingMemory::FOR_GOOD}) {
         int nSucceeding = 0;
@@ -468,8 +470,8 @@ TEST_F(OperationWithoutMemory, ATextThatCannotBeParsedForItIsLogged) {
         text.m_strText = L"[\"" + CString(L'a', nLength) + L"\",[1,2,3,4,5,6,7,8,9]]";
         EXPECT_EQ(device.Send(5, 0, &text), 1);
         Forget();
-        const size_t nBefore = HeapBytesInUse();
-        for (const bool bFrameworksNew : {false, true}) {
+        std::optional<size_t> before; // whatever is allocated once is allocated in the first round
+        for (const bool bFrameworksNew : {false, true, false, true}) {
             for (const int nSucceeding : {0, 1, 2, 3, 10}) {
                 SCOPED_TRACE(nSucceeding);
                 {
@@ -479,7 +481,10 @@ TEST_F(OperationWithoutMemory, ATextThatCannotBeParsedForItIsLogged) {
                     s_bFrameworksNew = false;
                 }
                 EXPECT_EQ(m_host.TakeLog(), std::vector{Error("[Clip.Graph.Node]DevIOEventOccurred:JSON解析失败")});
-                EXPECT_EQ(HeapBytesInUse(), nBefore);
+                EXPECT_EQ(HeapBytesInUse(), before.value_or(HeapBytesInUse()));
+            }
+            if (bFrameworksNew) {
+                before = HeapBytesInUse();
             }
         }
     }
