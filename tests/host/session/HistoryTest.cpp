@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <map>
 #include <random>
+#include <set>
 
 namespace {
 
@@ -249,6 +250,50 @@ TEST_F(History, ABatchIsAllOrNothing) {
         object clip=Intro name=Ball
         change_object clip=Intro name=Box to=Ball => to: the clip has an object "Ball" already
     )");
+}
+
+/// Remembers what the last command changed of the scene.
+class CLastChange final : private ISessionObserver {
+public:
+    explicit CLastChange(CSession& session) : m_session(session) { m_session.Attach(*this); }
+    ~CLastChange() { m_session.Detach(*this); }
+
+    SSceneChange m_change;
+
+private:
+    void OnDone(const SDone& done) override { m_change = done.change; }
+
+    CSession& m_session;
+};
+
+TEST_F(History, WhatAStepChangesIsToldWithItAndWhenItIsUndone) {
+    Must(CREATE_MOUSE);
+    Must("create node=s type=string_send clip=Intro graph=S");
+    const struct {
+        const char* pszRequest;
+        bool bList;
+        std::set<std::string> nodes;
+    } steps[] = {
+        {"link from=m output=358 to=s input=1507", true, {}},
+        {R"(place notes={"n":{"x":0,"y":0,"width":1,"height":5,"text":""}})", true, {}},
+        {R"(place nodes={"m":{"x":1,"y":2}})", true, {}},
+        {"rename node=m graph=Mouse", true, {}},
+        {"edit node=s param=1505 string=text", false, {"s"}},
+        {"destroy node=s", true, {"s"}},
+    };
+    const CLastChange last(*m_pSession);
+    for (const auto& [pszRequest, bList, nodes] : steps) {
+        for (const char* pszOp : {pszRequest, "undo", "redo"}) {
+            Must(pszOp);
+            EXPECT_EQ(last.m_change.bList, bList) << pszRequest << ", " << pszOp;
+            EXPECT_EQ(last.m_change.nodes, nodes) << pszRequest << ", " << pszOp;
+            EXPECT_FALSE(last.m_change.bEverything) << pszRequest << ", " << pszOp;
+        }
+    }
+    for (const char* pszOp : {R"(load scene={"format":"iohost scene","version":1,"nodes":[]})", "undo", "redo"}) {
+        Must(pszOp);
+        EXPECT_TRUE(last.m_change.bEverything) << pszOp;
+    }
 }
 
 TEST_F(History, PlacesNamesAndNotesAreTold) {
