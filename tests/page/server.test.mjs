@@ -44,6 +44,8 @@ test("the page and its files have their types, are asked for each time, and may 
   assert.equal(page.headers["content-type"], "text/html; charset=utf-8");
   assert.equal(page.headers["cache-control"], "no-cache");
   assert.match(page.headers["content-security-policy"], /default-src 'none'; script-src 'self';/);
+  assert.equal(page.headers["referrer-policy"], "no-referrer"); // the address has the token
+  assert.equal(page.headers["x-content-type-options"], "nosniff");
   assert.match(page.headers["content-security-policy"], new RegExp(`connect-src 'self' ws://127.0.0.1:${port};`));
   for (const [path, type] of [
     ["/index.html", "text/html; charset=utf-8"],
