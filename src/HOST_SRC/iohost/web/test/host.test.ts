@@ -139,6 +139,16 @@ test("a request that is longer than the host takes isn't sent, and says so", asy
   assert.equal(socket.sent.at(-1)!.op, "send");
 });
 
+test("the page knows how old the host's last frame is, from the greeting on", () => {
+  const { host } = openPage();
+  assert.equal(host.frames.value, null);
+  mock.method(Date, "now", () => 10000);
+  const socket = connect();
+  assert.equal(host.frames.value!.age(10500), 500);
+  socket.lose();
+  assert.equal(host.frames.value, null);
+});
+
 test("nothing is sent before the host's greeting", () => {
   const page = openPage();
   const [socket] = sockets;
