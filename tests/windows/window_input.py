@@ -422,7 +422,7 @@ class WindowInput(unittest.TestCase):
 
         self.display.do("mousemove", *start)
         self.display.do("mousedown", 1)
-        until(moved, "the window follows")  # until the system holds it, what moves outside of it isn't its own
+        until(moved, "the window follows")  # moves before the system has begun the drag are lost
         before = host.frames()
         until(lambda: host.frames() > before + 60, "frames go on in a drag")
         self.display.do("mouseup", 1)

@@ -53,7 +53,7 @@ std::string AnswerText(CSession& session, std::string_view text, ISceneFiles& fi
 std::string ReplyText(const OrderedJson& reply);
 
 /// Cut what is too long for people to look at, and what is too much for one reply or push. The beginnings of texts and
-/// bytes stay; those with a field for it tell how long they were, which names have not.
+/// bytes stay. Where there is a field for the length, it tells how long the whole was; names have none.
 void CutForViewers(SActivity& told);
 void CutForViewers(OutputValues& told);
 void CutForViewers(std::vector<SObjectState>& told);
