@@ -26,6 +26,12 @@ test("no two boxes cover each other, with links and without", () => {
   }
 });
 
+test("a face that grows by a line, as high as its counters, stays apart from the one below", () => {
+  const LINE = 22;
+  const [one, other] = [...arrange(["a", "b", "c"].map(box), [link("a", "c"), link("b", "c")]).values()];
+  assert.ok(Math.abs(one!.y - other!.y) >= 100 + 2 * LINE);
+});
+
 test("boxes of the same sizes, linked alike, stand to each other alike; others don't", () => {
   const ids = (block: string) => ["a", "b", "c"].map((id) => block + id);
   const boxes = ["1", "2", "3"].flatMap(ids).map((id) => ({ ...box(id), height: id === "3b" ? 300 : 100 }));

@@ -14,7 +14,8 @@ export interface Place {
   y: number;
 }
 
-const GAP = 24;
+/** With room for the line that a face gets with a verdict or a warning. */
+const GAP = 44;
 const RANK_GAP = 96;
 /** Of the whole, as of most canvases. */
 const WIDTH_TO_HEIGHT = 2;
