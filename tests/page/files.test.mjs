@@ -56,7 +56,8 @@ const nameIs = (name, unsaved) =>
 
 async function saveAs(name) {
   await page.getByRole("button", { name: "Save as" }).click();
-  await page.locator("[data-scene-name]").fill(name);
+  await page.locator("[data-scene-name]:focus").waitFor();
+  await page.keyboard.type(name);
   await page.keyboard.press("Enter");
   await nameIs(`${name}.json`, false);
 }
@@ -181,7 +182,7 @@ test("a device is opened in the inspector, tried by a text, changed and removed"
   await expectEventually("the name", () => peer.locator("h3").innerText(), "4 · Floor");
   const { devices } = await must(script, { op: "network" });
   assert.equal(devices[0].drop_after, undefined);
-  assert.equal(await page.locator("[data-part=dropAfter]").getAttribute("placeholder"), "never: what can't be sent waits");
+  assert.equal(await page.locator("[data-part=dropAfter]").getAttribute("placeholder"), "never");
   await card().getByText("· what can't be sent waits").waitFor();
   await card().getByRole("button", { name: "Remove" }).click();
   await peer.waitFor({ state: "detached" });
@@ -372,7 +373,11 @@ test("a scene is saved under a name, marked when it changes, and saved again by 
   await canvas.choosePalette("Mouse");
   await nameIs("", true);
   await page.getByRole("button", { name: "Save as" }).click();
+  await page.locator("[data-scene-name]").fill("not/here");
+  await page.keyboard.press("Enter");
+  await page.locator("dialog [role=alert]").waitFor();
   await page.locator("[data-scene-name]").fill(" mine .json "); // blanks around the name aren't part of it
+  await page.locator("dialog [role=alert]").waitFor({ state: "detached" });
   await page.keyboard.press("Enter");
   await nameIs("mine.json", false);
   await canvas.choosePalette("Keyboard");

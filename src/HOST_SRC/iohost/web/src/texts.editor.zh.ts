@@ -140,7 +140,7 @@ export const EDITOR_ZH = {
   "Name": "名称",
   "Address": "地址",
   "Parser": "解析器",
-  "never: what can't be sent waits": "不丢弃：无法发送的内容一直等待",
+  "never": "不丢弃",
   "what can't be sent waits": "无法发送的内容一直等待",
   "what can't be sent is dropped after {seconds} s": "无法发送的内容 {seconds} 秒后丢弃",
   "Drop after (s)": "丢弃时限（秒）",

@@ -141,7 +141,7 @@ function DeviceForm({ host, desk, settings, isNew }: { host: Host; desk: Desk; s
       </label>
       <label>
         {t("Drop after (s)")}
-        <input type="number" min="0" step="any" placeholder={t("never: what can't be sent waits")} {...field("dropAfter")} />
+        <input type="number" min="0" step="any" placeholder={t("never")} {...field("dropAfter")} />
       </label>
       <PartButtons submit={isNew ? t("Add device") : t("Change device")} remove={isNew ? null : remove} error={error} />
     </form>

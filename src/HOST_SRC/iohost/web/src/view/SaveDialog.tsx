@@ -33,7 +33,12 @@ export function SaveDialog({ host, desk, onClose }: { host: Host; desk: Desk; on
           placeholder={t("File name")}
           value={name}
           data-scene-name
-          onInput={(event) => setName(event.currentTarget.value)}
+          autofocus
+          onFocus={(event) => event.currentTarget.select()}
+          onInput={(event) => {
+            setName(event.currentTarget.value);
+            setError(null);
+          }}
         />
         {replaces && <p class="dialog-warning">{t("{file} is there already and will be replaced.", { file })}</p>}
         <div class="dialog-row">
