@@ -86,7 +86,7 @@ public:
     }
 
     /// The JSON of a request and its reply, read and written by the library.
-    bool ReadAndWrite(const std::string& strRequest, const OrderedJson& reply) {
+    bool ReadAndWrite(const std::string& strRequest, const nlohmann::ordered_json& reply) {
         Json request = Json::parse(strRequest);
         std::string strReply = reply.dump();
         benchmark::DoNotOptimize(&request);
@@ -94,8 +94,8 @@ public:
         return true;
     }
 
-    OrderedJson ReplyOf(const std::string& strRequest) {
-        return OrderedJson::parse(AnswerText(*m_pSession, strRequest, m_files));
+    nlohmann::ordered_json ReplyOf(const std::string& strRequest) {
+        return nlohmann::ordered_json::parse(AnswerText(*m_pSession, strRequest, m_files));
     }
 
 private:

@@ -11,6 +11,15 @@
 #include <gtest/gtest.h>
 
 #include "protocol/SceneFile.h"
+#include "protocol/Shapes.h"
+
+using OrderedJson = nlohmann::ordered_json;
+
+/// A value as it's told in a reply.
+template <typename T>
+OrderedJson ToJson(const T& value) {
+    return OrderedJson::parse(JsonObject("value", value))["value"];
+}
 
 /// How long tests wait for what must happen, before they call it missing.
 inline constexpr std::chrono::seconds LONGEST_WAIT{60};
@@ -72,7 +81,7 @@ protected:
 
     /// The reply to a request, of a connection or of none.
     OrderedJson AskObject(const CRequest& request, CHeldInput* pHeld = nullptr) {
-        return Answer(*m_pSession, request, m_files, {.pHeld = pHeld});
+        return OrderedJson::parse(Answer(*m_pSession, request, m_files, {.pHeld = pHeld}));
     }
 
     /// The error of a request that must be refused, and must leave the scene as it was.

@@ -91,8 +91,8 @@ int RunSession(const SOptions& options) {
     }
     if (!options.sceneFile.empty()) {
         CSystemFiles files;
-        const OrderedJson reply =
-            Answer(*pSession, {{"op", "load"}, {"file", Utf8(options.sceneFile)}, {"step", false}}, files);
+        const Json reply =
+            Json::parse(Answer(*pSession, {{"op", "load"}, {"file", Utf8(options.sceneFile)}, {"step", false}}, files));
         if (!reply["ok"]) {
             return Fail("--scene " + Utf8(options.sceneFile) + ": " + reply["error"].get<std::string>());
         }

@@ -57,7 +57,7 @@ private:
             m_nLines += Utf8(line.strText).find("waited too long") != std::string::npos ? 1 : 0;
         }
     }
-    void OnDropped(const SDroppedItems& dropped) override { m_dropped.push_back(ToJson(dropped).dump()); }
+    void OnDropped(const SDroppedItems& dropped) override { m_dropped.push_back(JsonObject(dropped)); }
 
     CSession& m_session;
 };

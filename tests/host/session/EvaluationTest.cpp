@@ -123,7 +123,7 @@ TEST_F(Evaluation, EveryReleaseIsActedOn) {
     for (const char* pszKey : {"A", "B"}) {
         Must(Event(0, 2002, KeyText(pszKey)), &held);
     }
-    EXPECT_EQ(Sent(ReplyTo(m_pSession->CloseConnection(held, "it closed"))).size(), 2u);
+    EXPECT_EQ(Sent(OrderedJson::parse(ReplyTo(m_pSession->CloseConnection(held, "it closed")))).size(), 2u);
 }
 
 TEST_F(Evaluation, WordsThatAreNoneAreRefused) {

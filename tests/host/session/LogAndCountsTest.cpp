@@ -65,7 +65,7 @@ TEST_F(LogAndCounts, ConnectionsAreToldTheBeginningOfLongLines) {
     EXPECT_EQ(Must("log")["lines"][0]["text"].get<std::string>().size(), 70'000u);
     SDone done = m_pSession->Do(SLogCommand{});
     CutForViewers(done);
-    const OrderedJson line = ReplyTo(done)["lines"][0];
+    const OrderedJson line = OrderedJson::parse(ReplyTo(done))["lines"][0];
     EXPECT_EQ(line["text"].get<std::string>().size(), 65'536u);
     EXPECT_EQ(line.value("length", 0), 70'000);
 }
@@ -99,7 +99,7 @@ TEST_F(LogAndCounts, OfLongNamesConnectionsAreToldTheBeginnings) {
     key.m_strText = L"A";
     SDone done = m_pSession->Do(SEventCommand{.nDevice = DEVICE_KEYBOARD, .nEvent = 2002, .payload = key});
     CutForViewers(done);
-    const OrderedJson points = ReplyTo(done)["posted"][0]["params"][0]["points"];
+    const OrderedJson points = OrderedJson::parse(ReplyTo(done))["posted"][0]["params"][0]["points"];
     EXPECT_EQ(points.get<std::string>().size(), std::string("clip:").size() + 65'536u);
 
     SStep step{"Rename " + std::string(70'000, 'x'), "rename", std::string(70'000, 'x')};

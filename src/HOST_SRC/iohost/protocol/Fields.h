@@ -9,7 +9,6 @@
 #include "base/Refusal.h"
 
 using Json = nlohmann::json;
-using OrderedJson = nlohmann::ordered_json;
 
 /// Parse JSON text from outside; what it is goes into the refusal of text that isn't JSON or is nested too deeply. The
 /// depth is checked while reading, before anything that deep is built.

@@ -135,25 +135,29 @@ void ReadRequest(SRequest& request, const CFields& fields, ISceneFiles& files) {
     }
 }
 
-OrderedJson ReplyTo(const SDone& done, const OrderedJson& id) {
-    OrderedJson reply = {{"ok", !done.outcome.error}};
-    if (!id.is_discarded()) {
-        reply["id"] = id;
-    }
-    if (done.outcome.error) {
-        reply["error"] = *done.outcome.error;
-    } else {
-        std::visit([&](const auto& result) { AppendFields(reply, result); }, done.outcome.result);
-    }
-    AppendFields(reply, done.activity);
-    return reply;
+std::string ReplyTo(const SDone& done, const Json& id) {
+    CJsonText json;
+    json.Object([&] {
+        WriteMembers(json, "ok", !done.outcome.error);
+        if (!id.is_discarded()) {
+            json.Name("id");
+            json.Raw(id.dump());
+        }
+        if (done.outcome.error) {
+            WriteMembers(json, "error", *done.outcome.error);
+        } else {
+            std::visit([&](const auto& result) { WriteFields(json, result); }, done.outcome.result);
+        }
+        WriteFields(json, done.activity);
+    });
+    return json.Take();
 }
 
-OrderedJson ErrorReply(const std::string& strError, const OrderedJson& id) {
+std::string ErrorReply(const std::string& strError, const Json& id) {
     return ReplyTo({nullptr, {}, {{}, strError}, {}}, id);
 }
 
-OrderedJson Answer(CSession& session, const Json& json, ISceneFiles& files, const SOrigin& origin,
+std::string Answer(CSession& session, const Json& json, ISceneFiles& files, const SOrigin& origin,
                    void (*edit)(SDone& done)) {
     SRequest request;
     try {
@@ -191,13 +195,9 @@ std::string AnswerText(CSession& session, std::string_view text, ISceneFiles& fi
     try {
         request = ParseJson(text, "request");
     } catch (const CRefusal& refusal) {
-        return ReplyText(ErrorReply(refusal.what()));
+        return ErrorReply(refusal.what());
     }
-    return ReplyText(Answer(session, request, files, origin, edit));
-}
-
-std::string ReplyText(const OrderedJson& reply) {
-    return reply.dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
+    return Answer(session, request, files, origin, edit);
 }
 
 void CutForViewers(SActivity& told) {
@@ -227,11 +227,14 @@ void CutForViewers(SDone& told) {
 }
 
 std::string SceneText(const SSceneDocument& scene, const std::string& strFile) {
-    OrderedJson json = SceneToJson(scene);
-    if (!strFile.empty()) {
-        json["file"] = strFile;
-    }
-    return json.dump(1, ' ', false, OrderedJson::error_handler_t::replace) + "\n";
+    CJsonText json(true);
+    json.Object([&] {
+        WriteScene(json, scene);
+        if (!strFile.empty()) {
+            WriteMembers(json, "file", strFile);
+        }
+    });
+    return json.Take() + "\n";
 }
 
 std::string FileNameIn(const Json& scene) {

@@ -29,7 +29,7 @@ protected:
 
 /// A request, read and checked.
 struct SRequest {
-    OrderedJson id = OrderedJson::value_t::discarded; ///< comes back in the reply; discarded: there is none
+    Json id = Json::value_t::discarded; ///< comes back in the reply; discarded: there is none
     Command command;
     bool bRecovers = false; ///< it's about what an earlier host left unsaved
 };
@@ -37,20 +37,17 @@ struct SRequest {
 /// Read a request, and the file of a scene to load. On a refusal the id is there, if it could be read.
 void ReadRequest(SRequest& request, const CFields& fields, ISceneFiles& files);
 
-/// The reply to a command that was carried out, and to a request that isn't.
-OrderedJson ReplyTo(const SDone& done, const OrderedJson& id = OrderedJson::value_t::discarded);
-OrderedJson ErrorReply(const std::string& strError, const OrderedJson& id = OrderedJson::value_t::discarded);
+/// The reply to a command that was carried out, and to a request that isn't: one line of valid UTF-8.
+std::string ReplyTo(const SDone& done, const Json& id = Json::value_t::discarded);
+std::string ErrorReply(const std::string& strError, const Json& id = Json::value_t::discarded);
 
-/// One request object to one reply object. edit may change what the reply tells.
-OrderedJson Answer(CSession& session, const Json& request, ISceneFiles& files, const SOrigin& origin = {},
+/// One request to its reply. edit may change what the reply tells.
+std::string Answer(CSession& session, const Json& request, ISceneFiles& files, const SOrigin& origin = {},
                    void (*edit)(SDone& done) = nullptr);
 
-/// One request text to one reply text; text that isn't JSON gets an error reply.
+/// The same for a request's text; one that isn't JSON gets an error reply.
 std::string AnswerText(CSession& session, std::string_view text, ISceneFiles& files, const SOrigin& origin = {},
                        void (*edit)(SDone& done) = nullptr);
-
-/// The text of a reply: one line of valid UTF-8.
-std::string ReplyText(const OrderedJson& reply);
 
 /// Cut what is too long for people to look at, and what is too much for one reply or push. The beginnings of texts and
 /// bytes stay. Where there is a field for the length, it tells how long the whole was; names have none.

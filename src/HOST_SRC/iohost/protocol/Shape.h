@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <tuple>
 #include <type_traits>
@@ -19,6 +20,7 @@
 #include "base/Names.h"
 #include "base/TextUtf8.h"
 #include "protocol/Fields.h"
+#include "protocol/JsonText.h"
 
 enum : unsigned {
     /// Reading: the field may be missing. Writing: it's left out while it is what a new struct has.
@@ -81,7 +83,7 @@ inline constexpr const char* TAG_NAME = nullptr;
 
 /// How values of one type are read and written:
 ///   static void Read(T& value, const Json& json, const std::string& strPath)   refuses by that path
-///   static OrderedJson Write(const T& value)
+///   static void Write(CJsonText& json, const T& value)
 template <typename T>
 struct Codec;
 
@@ -109,32 +111,46 @@ void ReadJson(T& value, const Json& json, const std::string& strPath) {
     Codec<T>::Read(value, json, strPath);
 }
 
+/// Write the value that comes next.
 template <typename T>
-OrderedJson ToJson(const T& value) {
-    return Codec<T>::Write(value);
+void WriteJson(CJsonText& json, const T& value) {
+    if constexpr (std::is_convertible_v<const T&, std::string_view> || std::is_null_pointer_v<T>) {
+        json.Value(value);
+    } else {
+        Codec<T>::Write(json, value);
+    }
 }
 
-/// Put a member behind the others of an object that doesn't have it. The object's own way searches all for it first.
-inline void AppendMember(OrderedJson& object, std::string strName, OrderedJson value) {
-    using Members = std::vector<std::pair<const std::string, OrderedJson>>;
-    auto& members = static_cast<Members&>(object.get_ref<OrderedJson::object_t&>());
-    if (members.size() == members.capacity()) { // growing by itself, it would copy all that its members hold
-        Members grown;
-        grown.reserve(2 * members.size() + 4);
-        for (auto& [strKey, held] : members) {
-            grown.emplace_back(strKey, std::move(held));
-        }
-        members.swap(grown);
-    }
-    members.emplace_back(std::move(strName), std::move(value));
+template <typename T>
+void WriteFields(CJsonText& json, const T& object);
+
+/// Write members of an object, each as a name and a value or as a struct with fields: WriteMembers(json, "x", fX,
+/// point).
+inline void WriteMembers(CJsonText& /*json*/) {}
+template <typename T, typename... More>
+void WriteMembers(CJsonText& json, const char* pszName, const T& value, const More&... more) {
+    json.Name(pszName);
+    WriteJson(json, value);
+    WriteMembers(json, more...);
+}
+template <typename T, typename... More>
+requires(Shaped<T> || Tagged<T>) void WriteMembers(CJsonText& json, const T& fields, const More&... more) {
+    WriteFields(json, fields);
+    WriteMembers(json, more...);
+}
+
+/// The text of an object with these members.
+template <typename... Members>
+std::string JsonObject(const Members&... members) {
+    CJsonText json;
+    json.Object([&] { WriteMembers(json, members...); });
+    return json.Take();
 }
 
 // ---- Fields -------------------------------------------------------------------------------------------------------
 
 template <typename T>
 void ReadFields(T& object, const CFields& fields);
-template <typename T>
-void AppendFields(OrderedJson& json, const T& object);
 
 template <typename Member>
 void ReadField(Member& member, const CFields& fields, const char* pszName, unsigned nFlags) {
@@ -177,27 +193,29 @@ bool IsLeftOut(const Member& member, Member Object::*pMember) {
 }
 
 template <typename T, typename Object, typename Member>
-void AppendOne(OrderedJson& json, const T& object, const SField<Object, Member>& field) {
+void WriteOne(CJsonText& json, const T& object, const SField<Object, Member>& field) {
     const Member& member = object.*field.pMember;
     const bool bNullable = (field.nFlags & FIELD_NULLABLE) != 0;
     if (!bNullable && (field.nFlags & FIELD_OPTIONAL) != 0 && IsLeftOut(member, field.pMember)) {
         return;
     }
     if constexpr (std::is_same_v<Member, std::string>) {
-        AppendMember(json, field.pszName, bNullable && member.empty() ? OrderedJson() : OrderedJson(member));
-    } else {
-        AppendMember(json, field.pszName, ToJson(member));
+        if (bNullable && member.empty()) {
+            WriteMembers(json, field.pszName, nullptr);
+            return;
+        }
     }
+    WriteMembers(json, field.pszName, member);
 }
 
 template <typename T, typename Object, typename Member>
-void AppendOne(OrderedJson& json, const T& object, const SFlat<Object, Member>& member) {
-    AppendFields(json, object.*member.pMember);
+void WriteOne(CJsonText& json, const T& object, const SFlat<Object, Member>& member) {
+    WriteFields(json, object.*member.pMember);
 }
 
 template <typename T>
-void AppendFields(OrderedJson& json, const T& object) {
-    std::apply([&](const auto&... field) { (AppendOne(json, object, field), ...); }, Shape<T>::FIELDS);
+void WriteFields(CJsonText& json, const T& object) {
+    std::apply([&](const auto&... field) { (WriteOne(json, object, field), ...); }, Shape<T>::FIELDS);
 }
 
 template <typename T, typename Object, typename Member>
@@ -247,11 +265,11 @@ void ReadFields(Variant& value, const CFields& fields) {
 }
 
 template <Tagged Variant>
-void AppendFields(OrderedJson& json, const Variant& value) {
+void WriteFields(CJsonText& json, const Variant& value) {
     std::visit(
         [&]<typename T>(const T& alternative) {
-            AppendMember(json, Union<Variant>::TAG, TAG_NAME<T>);
-            AppendFields(json, alternative);
+            WriteMembers(json, Union<Variant>::TAG, TAG_NAME<T>);
+            WriteFields(json, alternative);
         },
         value);
 }
@@ -261,10 +279,8 @@ requires(Shaped<T> || Tagged<T>) struct Codec<T> {
     static void Read(T& value, const Json& json, const std::string& strPath) {
         ReadFields(value, CFields(json, strPath));
     }
-    static OrderedJson Write(const T& value) {
-        OrderedJson json = OrderedJson::object();
-        AppendFields(json, value);
-        return json;
+    static void Write(CJsonText& json, const T& value) {
+        json.Object([&] { WriteFields(json, value); });
     }
 };
 
@@ -293,7 +309,7 @@ struct Codec<T> {
             value = ReadWhole<std::conditional_t<std::is_signed_v<T>, int, unsigned>>(json, strPath);
         }
     }
-    static OrderedJson Write(T value) { return value; }
+    static void Write(CJsonText& json, T value) { json.Value(value); }
 };
 
 template <>
@@ -301,7 +317,6 @@ struct Codec<std::string> {
     static void Read(std::string& value, const Json& json, const std::string& strPath) {
         value = ReadText(json, strPath);
     }
-    static OrderedJson Write(const std::string& value) { return value; }
 };
 
 template <>
@@ -309,7 +324,7 @@ struct Codec<CString> {
     static void Read(CString& value, const Json& json, const std::string& strPath) {
         value = FromUtf8(ReadText(json, strPath));
     }
-    static OrderedJson Write(const CString& value) { return Utf8(value); }
+    static void Write(CJsonText& json, const CString& value) { json.Value(Utf8(value)); }
 };
 
 template <>
@@ -321,7 +336,7 @@ struct Codec<GUID> {
         }
         value = *guid;
     }
-    static OrderedJson Write(const GUID& value) { return GuidText(value); }
+    static void Write(CJsonText& json, const GUID& value) { json.Value(GuidText(value)); }
 };
 
 template <typename T>
@@ -341,14 +356,16 @@ struct Codec<T> {
         }
         value = *found;
     }
-    static OrderedJson Write(T value) { return NameOf(value); }
+    static void Write(CJsonText& json, T value) { json.Value(NameOf(value)); }
 };
 
 // ---- Lists --------------------------------------------------------------------------------------------------------
 
 template <typename T>
 struct Codec<std::optional<T>> { ///< none is null
-    static OrderedJson Write(const std::optional<T>& value) { return value ? ToJson(*value) : OrderedJson(); }
+    static void Write(CJsonText& json, const std::optional<T>& value) {
+        value ? WriteJson(json, *value) : json.Value(nullptr);
+    }
     static void Read(std::optional<T>& value, const Json& json, const std::string& strPath) {
         value.reset();
         if (!json.is_null()) {
@@ -358,12 +375,12 @@ struct Codec<std::optional<T>> { ///< none is null
 };
 
 template <typename List>
-OrderedJson ListToJson(const List& list) {
-    OrderedJson json = OrderedJson::array();
-    for (const auto& element : list) {
-        json.push_back(ToJson(element));
-    }
-    return json;
+void WriteList(CJsonText& json, const List& list) {
+    json.List([&] {
+        for (const auto& element : list) {
+            WriteJson(json, element);
+        }
+    });
 }
 
 template <typename T>
@@ -377,7 +394,12 @@ struct Codec<std::vector<T>> {
             ReadJson(value.emplace_back(), json[i], Shaped<T> ? strPath + "[" + std::to_string(i) + "]" : strPath);
         }
     }
-    static OrderedJson Write(const std::vector<T>& value) { return ListToJson(value); }
+    static void Write(CJsonText& json, const std::vector<T>& value) { WriteList(json, value); }
+};
+
+template <typename T>
+struct Codec<std::set<T>> {
+    static void Write(CJsonText& json, const std::set<T>& value) { WriteList(json, value); }
 };
 
 template <typename List, size_t nCount>
@@ -390,7 +412,7 @@ struct SFixedListCodec {
             ReadJson(value[i], json[i], strPath + "[" + std::to_string(i) + "]");
         }
     }
-    static OrderedJson Write(const List& value) { return ListToJson(value); }
+    static void Write(CJsonText& json, const List& value) { WriteList(json, value); }
 };
 
 template <typename T>
@@ -400,7 +422,7 @@ struct Codec<std::shared_ptr<const T>> { ///< what it points at; null is left ou
         ReadJson(*pRead, json, strPath);
         value = std::move(pRead);
     }
-    static OrderedJson Write(const std::shared_ptr<const T>& value) { return ToJson(*value); }
+    static void Write(CJsonText& json, const std::shared_ptr<const T>& value) { WriteJson(json, *value); }
 };
 
 template <typename T, size_t nCount>
@@ -411,8 +433,8 @@ struct Codec<T[nCount]> : SFixedListCodec<T[nCount], nCount> {};
 /// A variant without a tag is written as what it holds.
 template <typename Variant>
 struct SUntaggedCodec {
-    static OrderedJson Write(const Variant& value) {
-        return std::visit([](const auto& held) { return ToJson(held); }, value);
+    static void Write(CJsonText& json, const Variant& value) {
+        std::visit([&](const auto& held) { WriteJson(json, held); }, value);
     }
 };
 
@@ -441,11 +463,12 @@ struct Codec<std::vector<std::pair<Key, T>>> {
             ReadJson(element, member, strPath + "." + key);
         }
     }
-    static OrderedJson Write(const std::vector<std::pair<Key, T>>& value) {
-        OrderedJson object = OrderedJson::object();
-        for (const auto& [key, element] : value) {
-            AppendMember(object, MemberName(key), ToJson(element));
-        }
-        return object;
+    static void Write(CJsonText& json, const std::vector<std::pair<Key, T>>& value) {
+        json.Object([&] {
+            for (const auto& [key, element] : value) {
+                json.Name(MemberName(key));
+                WriteJson(json, element);
+            }
+        });
     }
 };

@@ -13,17 +13,17 @@ constexpr int VERSION = 1;
 
 constexpr const char* VALUE_FIELDS[] = {"int", "float", "string", "choice"};
 
-OrderedJson PointedAtText(const PointedAt& pointed) {
-    return std::visit(
-        []<typename Kind>(const Kind& what) -> OrderedJson {
+void WritePointedAt(CJsonText& json, const PointedAt& pointed) {
+    std::visit(
+        [&]<typename Kind>(const Kind& what) {
             if constexpr (std::is_same_v<Kind, CString>) {
-                return "clip:" + Utf8(what);
+                json.Value("clip:" + Utf8(what));
             } else if constexpr (std::is_same_v<Kind, std::string>) {
-                return "node:" + what;
+                json.Value("node:" + what);
             } else if constexpr (std::is_same_v<Kind, int>) {
-                return "int:" + std::to_string(what);
+                json.Value("int:" + std::to_string(what));
             } else {
-                return nullptr;
+                json.Value(nullptr);
             }
         },
         pointed);
@@ -41,8 +41,8 @@ void ReadFields(SFrameCommand& /*command*/, const CFields& fields) {
     }
 }
 
-void AppendFields(OrderedJson& json, const SFrameCommand& /*command*/) {
-    json["frame"] = true;
+void WriteFields(CJsonText& json, const SFrameCommand& /*command*/) {
+    WriteMembers(json, "frame", true);
 }
 
 void ReadFields(SEventCommand& command, const CFields& fields) {
@@ -59,18 +59,17 @@ void ReadFields(SEventCommand& command, const CFields& fields) {
     ReadField(command.nEvent, fields, "event", 0);
 }
 
-void AppendFields(OrderedJson& json, const SEventCommand& command) {
+void WriteFields(CJsonText& json, const SEventCommand& command) {
     if (command.handle) {
-        json["node"] = *command.handle;
+        WriteMembers(json, "node", *command.handle);
     }
     if (!command.bRecord) {
-        json["record"] = nullptr;
+        WriteMembers(json, "record", nullptr);
         return;
     }
-    json["device"] = command.nDevice;
-    json["event"] = command.nEvent;
+    WriteMembers(json, "device", command.nDevice, "event", command.nEvent);
     if (!std::holds_alternative<std::monostate>(command.payload)) {
-        json["payload"] = ToJson(command.payload);
+        WriteMembers(json, "payload", command.payload);
     }
 }
 
@@ -87,8 +86,8 @@ void ReadFields(ParamValue& value, const CFields& fields) {
     }
 }
 
-void AppendFields(OrderedJson& json, const ParamValue& value) {
-    json[VALUE_FIELDS[value.index()]] = ToJson(value);
+void WriteFields(CJsonText& json, const ParamValue& value) {
+    WriteMembers(json, VALUE_FIELDS[value.index()], value);
 }
 
 /// Refuses what no node fits, so that none is made in vain.
@@ -133,11 +132,11 @@ void ReadFields(SBatchCommand& batch, const CFields& fields) {
     batch.pCommands = std::move(pCommands);
 }
 
-void AppendFields(OrderedJson& json, const SBatchCommand& command) {
+void WriteFields(CJsonText& json, const SBatchCommand& command) {
     if (command.name) {
-        json["name"] = *command.name;
+        WriteMembers(json, "name", *command.name);
     }
-    json["requests"] = ToJson(command.pCommands->list);
+    WriteMembers(json, "requests", command.pCommands->list);
 }
 
 std::shared_ptr<const SSceneDocument> ReadScene(const Json& json, const std::string& strPath) {
@@ -153,10 +152,9 @@ std::shared_ptr<const SSceneDocument> ReadScene(const Json& json, const std::str
     return pScene;
 }
 
-OrderedJson SceneToJson(const SSceneDocument& scene) {
-    OrderedJson json = {{"format", FORMAT}, {"version", VERSION}};
-    AppendFields(json, scene);
-    return json;
+void WriteScene(CJsonText& json, const SSceneDocument& scene) {
+    WriteMembers(json, "format", FORMAT, "version", VERSION);
+    WriteFields(json, scene);
 }
 
 // ---- Values of their own kind -------------------------------------------------------------------------------------
@@ -174,13 +172,12 @@ void Codec<Payload>::Read(Payload& value, const Json& json, const std::string& s
     }
 }
 
-OrderedJson Codec<Payload>::Write(const Payload& value) {
+void Codec<Payload>::Write(CJsonText& json, const Payload& value) {
     if (std::holds_alternative<std::monostate>(value)) {
-        return nullptr;
+        json.Value(nullptr);
+    } else {
+        json.Object([&] { WriteFields(json, value); });
     }
-    OrderedJson json = OrderedJson::object();
-    AppendFields(json, value);
-    return json;
 }
 
 void Codec<ParamValue>::Read(ParamValue& value, const Json& json, const std::string& strPath) {
@@ -218,72 +215,75 @@ void Codec<KeySet>::Read(KeySet& value, const Json& json, const std::string& str
     }
 }
 
-OrderedJson Codec<KeySet>::Write(const KeySet& value) {
-    OrderedJson list = OrderedJson::array();
-    for (size_t nCode = 0; nCode < value.size(); ++nCode) {
-        if (value[nCode]) {
-            list.push_back(nCode);
+void Codec<KeySet>::Write(CJsonText& json, const KeySet& value) {
+    json.List([&] {
+        for (size_t nCode = 0; nCode < value.size(); ++nCode) {
+            if (value[nCode]) {
+                json.Value(nCode);
+            }
         }
-    }
-    return list;
+    });
 }
 
-OrderedJson Codec<SRelease>::Write(const SRelease& value) {
-    if (value.virtualKey) {
-        return {{"virtual_key", *value.virtualKey}};
-    }
-    return {{"device", value.event.nDevice}, {"event", value.event.nEvent}, {"payload", ToJson(value.event.payload)}};
+void Codec<SRelease>::Write(CJsonText& json, const SRelease& value) {
+    json.Object([&] {
+        if (value.virtualKey) {
+            WriteMembers(json, "virtual_key", *value.virtualKey);
+        } else {
+            WriteMembers(json, "device", value.event.nDevice, "event", value.event.nEvent, "payload",
+                         value.event.payload);
+        }
+    });
 }
 
-void AppendFields(OrderedJson& json, const SFiredByWindow& fired) {
+void WriteFields(CJsonText& json, const SFiredByWindow& fired) {
     const SQOREvent& event = *fired.pEvent;
-    OrderedJson params = OrderedJson::array();
-    POSITION pos = event.m_lstParam.GetHeadPosition();
-    for (const PointedAt& points : fired.points) {
-        const VEKParam& param = *event.m_lstParam.GetNext(pos);
-        OrderedJson told = OrderedJson::object();
-        AppendMember(told, "id", static_cast<unsigned>(param.m_guid.Data1));
-        AppendMember(told, "name", Utf8(param.m_strName));
-        AppendMember(told, "display", Utf8(param.m_strDisplay));
-        AppendMember(told, "type", param.m_nType);
-        AppendMember(told, "control", param.m_nControl);
-        AppendMember(told, "type_name", Utf8(CString(param.m_szTypeName)));
-        AppendMember(told, "points", PointedAtText(points));
-        params.push_back(std::move(told));
-    }
-    AppendMember(json, "name", Utf8(event.m_strName));
-    AppendMember(json, "event_id", static_cast<int>(event.m_nId));
-    AppendMember(json, "wparam", fired.nWParam);
-    AppendMember(json, "params", std::move(params));
+    WriteMembers(json, "name", event.m_strName, "event_id", static_cast<int>(event.m_nId), "wparam", fired.nWParam);
+    json.Name("params");
+    json.List([&] {
+        POSITION pos = event.m_lstParam.GetHeadPosition();
+        for (const PointedAt& points : fired.points) {
+            const VEKParam& param = *event.m_lstParam.GetNext(pos);
+            json.Object([&] {
+                WriteMembers(json, "id", static_cast<unsigned>(param.m_guid.Data1), "name", param.m_strName, "display",
+                             param.m_strDisplay, "type", param.m_nType, "control", param.m_nControl, "type_name",
+                             CString(param.m_szTypeName));
+                json.Name("points");
+                WritePointedAt(json, points);
+            });
+        }
+    });
 }
 
-OrderedJson Codec<std::vector<unsigned char>>::Write(const std::vector<unsigned char>& value) {
-    return HexText(value);
+void Codec<std::vector<unsigned char>>::Write(CJsonText& json, const std::vector<unsigned char>& value) {
+    json.Value(HexText(value));
 }
 
-OrderedJson Codec<const void*>::Write(const void* value) {
+void Codec<const void*>::Write(CJsonText& json, const void* value) {
     if (value == nullptr) {
-        return nullptr;
+        json.Value(nullptr);
+        return;
     }
     char szText[32];
     std::snprintf(szText, sizeof(szText), "%p", value);
-    return szText;
+    json.Value(szText);
 }
 
-OrderedJson Codec<LineRefusalCounts>::Write(const LineRefusalCounts& value) {
-    OrderedJson counts;
-    for (size_t i = 0; i < value.size(); ++i) {
-        counts[Names<ELineRefusal>::ROWS[i]] = value[i];
-    }
-    return counts;
+void Codec<LineRefusalCounts>::Write(CJsonText& json, const LineRefusalCounts& value) {
+    json.Object([&] {
+        for (size_t i = 0; i < value.size(); ++i) {
+            WriteMembers(json, Names<ELineRefusal>::ROWS[i], value[i]);
+        }
+    });
 }
 
-OrderedJson Codec<SLastBytes>::Write(const SLastBytes& value) {
-    OrderedJson last = {{"size", value.nSize}, {"text", DottedText(value.bytes)}, {"hex", HexText(value.bytes)}};
-    if (value.bSent) {
-        last["sent"] = *value.bSent;
-    }
-    return last;
+void Codec<SLastBytes>::Write(CJsonText& json, const SLastBytes& value) {
+    json.Object([&] {
+        WriteMembers(json, "size", value.nSize, "text", DottedText(value.bytes), "hex", HexText(value.bytes));
+        if (value.bSent) {
+            WriteMembers(json, "sent", *value.bSent);
+        }
+    });
 }
 
 void Codec<std::chrono::milliseconds>::Read(std::chrono::milliseconds& value, const Json& json,
@@ -297,8 +297,8 @@ void Codec<std::chrono::milliseconds>::Read(std::chrono::milliseconds& value, co
     value = std::chrono::round<std::chrono::milliseconds>(time);
 }
 
-OrderedJson Codec<std::chrono::milliseconds>::Write(std::chrono::milliseconds value) {
-    return std::chrono::duration<double>(value).count();
+void Codec<std::chrono::milliseconds>::Write(CJsonText& json, std::chrono::milliseconds value) {
+    json.Value(std::chrono::duration<double>(value).count());
 }
 
 void Codec<boost::asio::ip::tcp::endpoint>::Read(boost::asio::ip::tcp::endpoint& value, const Json& json,

@@ -44,13 +44,13 @@ SHAPE(SNodeDocument, SField{"node", &T::strHandle}, SField{"type", &T::guidType}
 template <>
 struct Codec<boost::asio::ip::tcp::endpoint> { ///< 127.0.0.1:9000
     static void Read(boost::asio::ip::tcp::endpoint& value, const Json& json, const std::string& strPath);
-    static OrderedJson Write(const boost::asio::ip::tcp::endpoint& value) { return EndpointText(value); }
+    static void Write(CJsonText& json, const boost::asio::ip::tcp::endpoint& value) { json.Value(EndpointText(value)); }
 };
 
 template <>
 struct Codec<std::chrono::milliseconds> { ///< in seconds
     static void Read(std::chrono::milliseconds& value, const Json& json, const std::string& strPath);
-    static OrderedJson Write(std::chrono::milliseconds value);
+    static void Write(CJsonText& json, std::chrono::milliseconds value);
 };
 
 SHAPE(SDeviceSetup, SField{"id", &T::nId}, SField{"name", &T::strName}, SField{"parser", &T::nParser},
@@ -94,19 +94,21 @@ UNION(Payload, "is", "there is no payload kind ")
 
 /// A scene file's content; refusals name the fields behind strPath.
 std::shared_ptr<const SSceneDocument> ReadScene(const Json& json, const std::string& strPath);
-OrderedJson SceneToJson(const SSceneDocument& scene);
+void WriteScene(CJsonText& json, const SSceneDocument& scene);
 
 template <>
 struct Codec<std::shared_ptr<const SSceneDocument>> {
     static void Read(std::shared_ptr<const SSceneDocument>& value, const Json& json, const std::string& strPath) {
         value = ReadScene(json, strPath);
     }
-    static OrderedJson Write(const std::shared_ptr<const SSceneDocument>& value) { return SceneToJson(*value); }
+    static void Write(CJsonText& json, const std::shared_ptr<const SSceneDocument>& value) {
+        json.Object([&] { WriteScene(json, *value); });
+    }
 };
 
 /// The member of its kind, of which exactly one must be there.
 void ReadFields(ParamValue& value, const CFields& fields);
-void AppendFields(OrderedJson& json, const ParamValue& value);
+void WriteFields(CJsonText& json, const ParamValue& value);
 
 // ---- Commands -----------------------------------------------------------------------------------------------------
 
@@ -193,13 +195,13 @@ void ReadFields(SFrameCommand& command, const CFields& fields);
 void ReadFields(SEventCommand& command, const CFields& fields);
 void ReadFields(SSavedSet& saved, const CFields& fields);
 void ReadFields(SBatchCommand& command, const CFields& fields);
-void AppendFields(OrderedJson& json, const SFrameCommand& command);
-void AppendFields(OrderedJson& json, const SEventCommand& command);
-void AppendFields(OrderedJson& json, const SBatchCommand& command);
+void WriteFields(CJsonText& json, const SFrameCommand& command);
+void WriteFields(CJsonText& json, const SEventCommand& command);
+void WriteFields(CJsonText& json, const SBatchCommand& command);
 
 // ---- What the module did ------------------------------------------------------------------------------------------
 
-void AppendFields(OrderedJson& json, const SFiredByWindow& fired);
+void WriteFields(CJsonText& json, const SFiredByWindow& fired);
 
 TAGGED(SFiredByHost, "host", SField{"clip", &T::clip, FIELD_NULLABLE}, SField{"object", &T::object, FIELD_NULLABLE})
 
@@ -301,7 +303,7 @@ SHAPE(SDroppedItems, SField{"node", &T::sender, FIELD_NULLABLE}, SField{"device"
 template <>
 struct Codec<Payload> { ///< null for none
     static void Read(Payload& value, const Json& json, const std::string& strPath);
-    static OrderedJson Write(const Payload& value);
+    static void Write(CJsonText& json, const Payload& value);
 };
 
 /// A number or a text: the value of a parameter, or what tells held things apart.
@@ -320,31 +322,31 @@ struct Codec<Sent> : SUntaggedCodec<Sent> {};
 template <>
 struct Codec<KeySet> {
     static void Read(KeySet& value, const Json& json, const std::string& strPath);
-    static OrderedJson Write(const KeySet& value);
+    static void Write(CJsonText& json, const KeySet& value);
 };
 
 /// {"device","event","payload"} or {"virtual_key"}
 template <>
 struct Codec<SRelease> {
-    static OrderedJson Write(const SRelease& value);
+    static void Write(CJsonText& json, const SRelease& value);
 };
 
 template <>
 struct Codec<std::vector<unsigned char>> { ///< in hexadecimal
-    static OrderedJson Write(const std::vector<unsigned char>& value);
+    static void Write(CJsonText& json, const std::vector<unsigned char>& value);
 };
 
 template <>
 struct Codec<const void*> { ///< an address as text
-    static OrderedJson Write(const void* value);
+    static void Write(CJsonText& json, const void* value);
 };
 
 template <>
 struct Codec<LineRefusalCounts> { ///< an object
-    static OrderedJson Write(const LineRefusalCounts& value);
+    static void Write(CJsonText& json, const LineRefusalCounts& value);
 };
 
 template <>
 struct Codec<SLastBytes> { ///< {"size","text","hex"}, and "sent" of one to a device
-    static OrderedJson Write(const SLastBytes& value);
+    static void Write(CJsonText& json, const SLastBytes& value);
 };

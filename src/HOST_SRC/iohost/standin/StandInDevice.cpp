@@ -31,8 +31,9 @@ constexpr size_t MOST_ANSWER_BYTES = size_t{4} << 20;
 
 constexpr size_t MOST_SENDERS = 64;
 
-std::string JsonLine(const OrderedJson& line) {
-    return PrintableJson(line.dump(-1, ' ', false, OrderedJson::error_handler_t::replace)) + '\n';
+template <typename... Members>
+std::string JsonLine(const Members&... members) {
+    return PrintableJson(JsonObject(members...)) + '\n';
 }
 
 /// Prints one object a line; a closed output ends the program.
@@ -40,13 +41,13 @@ class CLines {
 public:
     CLines(asio::io_context& context, std::function<bool(std::string_view)> write)
         : m_output({.write = std::move(write),
-                    .missingLine =
-                        [](unsigned long long nLines) {
-                            return JsonLine({{"missing_lines", nLines}});
-                        },
+                    .missingLine = [](unsigned long long nLines) { return JsonLine("missing_lines", nLines); },
                     .onClosed = [&context] { context.stop(); }}) {}
 
-    void Print(const OrderedJson& line) { m_output.Stream() << JsonLine(line) << std::flush; }
+    template <typename... Members>
+    void Print(const Members&... members) {
+        m_output.Stream() << JsonLine(members...) << std::flush;
+    }
 
 private:
     COutputLines m_output;
@@ -97,7 +98,7 @@ public:
         m_answerTimer.cancel();
         m_parser.Finish();
         PrintRejected();
-        m_lines.Print({{"connection", m_nNumber}, {"closed", strReason}});
+        m_lines.Print("connection", m_nNumber, "closed", strReason);
     }
 
     steady_clock::time_point SilentSince() const { return m_tSilent; }
@@ -153,17 +154,13 @@ private:
             PrintRejected();
             return bInStep;
         }
-        m_lines.Print(
-            {{"connection", m_nNumber}, {"size", bytes.size()}, {"text", DottedText(bytes)}, {"hex", HexText(bytes)}});
+        m_lines.Print("connection", m_nNumber, "size", bytes.size(), "text", DottedText(bytes), "hex", HexText(bytes));
         Answer(bytes);
         return true;
     }
 
     void OnRecord(const CString& strClip, CQORPanelRemoteCtrlData& record) override {
-        m_lines.Print({{"connection", m_nNumber},
-                       {"command", COMMAND_REMOTE_CONTROL},
-                       {"clip", Utf8(strClip)},
-                       {"record", ToJson(record)}});
+        m_lines.Print("connection", m_nNumber, "command", COMMAND_REMOTE_CONTROL, "clip", strClip, "record", record);
         const std::string clip = Utf8(strClip);
         const std::string body = Utf8(record.GetXmlDoc());
         Answer(m_frameWriter.Write({COMMAND_REMOTE_CONTROL, clip, body}));
@@ -173,9 +170,8 @@ private:
         const unsigned long long nRejected = m_parser.Reader().RefusedCount();
         if (nRejected != m_nRejected) {
             m_nRejected = nRejected;
-            m_lines.Print({{"connection", m_nNumber},
-                           {"rejected", nRejected},
-                           {"last_rejected", FrameRefusalName(*m_parser.Reader().LastRefusal())}});
+            m_lines.Print("connection", m_nNumber, "rejected", nRejected, "last_rejected",
+                          FrameRefusalName(*m_parser.Reader().LastRefusal()));
         }
     }
 
@@ -239,10 +235,10 @@ void TakeConnection(TcpSocket socket, int nNumber, const SStandInOptions& option
         }
     }
     error_code error;
-    const auto sender = EndpointText(socket.remote_endpoint(error));
-    lines.Print({{"connection", nNumber}, {"opened", error ? OrderedJson() : OrderedJson(sender)}});
+    const auto sender = socket.remote_endpoint(error);
+    lines.Print("connection", nNumber, "opened", error ? std::nullopt : std::optional(sender));
     if (senders.size() >= MOST_SENDERS) {
-        lines.Print({{"connection", nNumber}, {"closed", "turned away: 64 others are open"}});
+        lines.Print("connection", nNumber, "closed", "turned away: 64 others are open");
         return;
     }
     const auto executor = socket.get_executor();
@@ -282,15 +278,13 @@ int RunStandInDevice(const SStandInOptions& options, std::function<bool(std::str
             context.stop();
         }
     });
-    lines.Print({{"listening", EndpointText(acceptor.local_endpoint())}});
+    lines.Print("listening", EndpointText(acceptor.local_endpoint()));
     int nConnections = 0;
     Spawn(context, "connections aren't taken any longer", [&] {
         return AcceptConnections(
             acceptor,
             [&](TcpSocket socket) { TakeConnection(std::move(socket), ++nConnections, options, lines, senders); },
-            [&](const std::string& strError) {
-                lines.Print({{"problem", strError}});
-            });
+            [&](const std::string& strError) { lines.Print("problem", strError); });
     });
     context.run();
     return 0;

@@ -189,16 +189,16 @@ Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer
                                    const SHttpSite& site, error_code& error) {
     const Request request = head.get();
     const std::string strText = co_await ReadBody(stream, buffer, head, LONGEST_TEXT_LINE, error);
-    OrderedJson reply;
+    std::string strReply;
     auto status = http::status::bad_request;
     std::string strProblem;
     if (error == http::error::body_limit) {
         status = http::status::payload_too_large;
-        reply = ErrorReply("the text is longer than " + std::to_string(LONGEST_TEXT_LINE) + " bytes");
+        strReply = ErrorReply("the text is longer than " + std::to_string(LONGEST_TEXT_LINE) + " bytes");
     } else if (error) {
-        reply = ErrorReply("the request's body can't be read: " + error.message());
+        strReply = ErrorReply("the request's body can't be read: " + error.message());
     } else if (!WellFormedText(strText)) {
-        reply = ErrorReply("the text isn't UTF-8");
+        strReply = ErrorReply("the text isn't UTF-8");
     } else if (const auto address = ParseObjectAddress(View(request.target()), strProblem)) {
         SObjectTextData text;
         text.m_strClipName = FromUtf8(address->strClip);
@@ -206,12 +206,12 @@ Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer
         text.m_strText = FromUtf8(strText);
         SDone done = site.takeObjectText(text);
         CutForViewers(done);
-        reply = ReplyTo(done);
+        strReply = ReplyTo(done);
         status = done.outcome.error ? http::status::bad_request : http::status::ok;
     } else {
-        reply = ErrorReply(strProblem);
+        strReply = ErrorReply(strProblem);
     }
-    Response response = MakeReply(request, status, ReplyText(reply));
+    Response response = MakeReply(request, status, strReply);
     response.keep_alive(!error && request.keep_alive());
     co_return response;
 }
@@ -232,17 +232,17 @@ Awaitable<Response> TakeScene(TcpStream& stream, beast::flat_buffer& buffer, Req
     const Request request = head.get();
     const std::shared_ptr<void> pTurn = TakeSceneTurn(site);
     if (pTurn == nullptr) {
-        Response response = MakeReply(request, http::status::service_unavailable,
-                                      ReplyText(ErrorReply("another scene is being transferred")));
+        Response response =
+            MakeReply(request, http::status::service_unavailable, ErrorReply("another scene is being transferred"));
         response.keep_alive(false); // the body isn't read
         co_return response;
     }
     const std::string strText = co_await ReadBody(stream, buffer, head, LARGEST_SCENE, error);
     std::string strReply;
     if (error == http::error::body_limit) {
-        strReply = ReplyText(ErrorReply("the scene is larger than 256 MiB"));
+        strReply = ErrorReply("the scene is larger than 256 MiB");
     } else if (error) {
-        strReply = ReplyText(ErrorReply("the request's body can't be read: " + error.message()));
+        strReply = ErrorReply("the request's body can't be read: " + error.message());
     } else {
         strReply = site.loadScene(strText);
     }

@@ -27,6 +27,8 @@
 namespace asio = boost::asio;
 using boost::system::error_code;
 
+SHAPE(SLeftScene, SField{"file", &T::strFile, FIELD_NULLABLE}, SField{"modified_ms", &T::nModifiedMs})
+
 namespace {
 
 constexpr size_t MOST_CONNECTIONS = 64;
@@ -106,14 +108,10 @@ public:
         TellScene(); // what is due to all goes out first: the new client would get it twice
         CHeldInput& held = m_session.Held().Open();
         m_clients.emplace(pClient.get(), SClient{pClient, held});
-        pClient->Send(Text({{"push", "hello"},
-                            {"version", IOHOST_VERSION},
-                            {"fps", m_fFps},
-                            {"address", m_strAddress},
-                            {"connection", held.Connection()},
-                            {"scene", m_nSceneNumber}}));
-        pClient->Send(Text({{"push", "held"}, {"held", HeldForViewers()}}));
-        pClient->Send(Text(m_toldHistory), true);
+        pClient->Send(MakeText(JsonObject("push", "hello", "version", IOHOST_VERSION, "fps", m_fFps, "address",
+                                          m_strAddress, "connection", held.Connection(), "scene", m_nSceneNumber)));
+        pClient->Send(MakeText(JsonObject("push", "held", "held", HeldForViewers())));
+        pClient->Send(MakeText(m_strToldHistory), true);
         // The next frame tells everybody all of it; to those who know it already that changes nothing.
         m_outputs.Forget();
         m_toldObjects.reset();
@@ -227,9 +225,9 @@ private:
             const auto pScene = ReadScene(ParseJson(strText, "scene"), "scene");
             SDone done = m_session.Do(SLoadCommand{pScene});
             CutForViewers(done);
-            return ReplyText(ReplyTo(done));
+            return ReplyTo(done);
         } catch (const CRefusal& refusal) {
-            return ReplyText(ErrorReply(refusal.what()));
+            return ErrorReply(refusal.what());
         }
     }
 
@@ -244,15 +242,15 @@ private:
         }
         if (OutputValues changed = m_outputs.Take(m_session.Scene()); !changed.empty()) {
             CutForViewers(changed);
-            SendToAll({{"push", "outputs"}, {"nodes", ToJson(changed)}});
+            SendToAll(JsonObject("push", "outputs", "nodes", changed));
         }
         if (const Verdicts verdicts = m_session.JsonVerdicts().TakeNew(m_session.Scene()); !verdicts.empty()) {
-            SendToAll({{"push", "json"}, {"nodes", ToJson(verdicts)}});
+            SendToAll(JsonObject("push", "json", "nodes", verdicts));
         }
         if (auto objects = ObjectsOf(m_session.Scene()); objects != m_toldObjects) {
             m_toldObjects = objects;
             CutForViewers(objects);
-            SendToAll({{"push", "objects"}, {"objects", ToJson(objects)}});
+            SendToAll(JsonObject("push", "objects", "objects", objects));
         }
         TellDropped();
         if (const auto tNow = std::chrono::steady_clock::now(); tNow - m_tTold >= TELL_PAUSE) {
@@ -314,13 +312,13 @@ private:
     /// Once a frame, however many items are late.
     void TellDropped() {
         for (const auto& [of, nItems] : std::exchange(m_dropped, {})) {
-            SendToAll(Push("dropped", SDroppedItems{of.first, of.second, nItems}));
+            SendToAll(JsonObject("push", "dropped", SDroppedItems{of.first, of.second, nItems}));
         }
     }
 
     void TellCounts() {
         if (const SCounters changed = m_session.TakeChangedCounts(); !changed.nodes.empty()) {
-            SendToAll(Push("counters", changed));
+            SendToAll(JsonObject("push", "counters", changed));
         }
     }
 
@@ -331,16 +329,13 @@ private:
             return;
         }
         CutForViewers(activity);
-        OrderedJson push = Push("happened", activity);
-        push["frame"] = m_nFrame;
-        SendToAll(push, pButFor);
+        SendToAll(JsonObject("push", "happened", activity, "frame", m_nFrame), pButFor);
     }
 
     /// A page where nothing happens would otherwise not notice that the host has stalled.
     void TellFrame() {
-        DoGuarded(m_frameLine, "the pages weren't told of a frame", [this] {
-            SendToAll({{"push", "frame"}, {"frame", m_nFrame}});
-        });
+        DoGuarded(m_frameLine, "the pages weren't told of a frame",
+                  [this] { SendToAll(JsonObject("push", "frame", "frame", m_nFrame)); });
         DoGuarded(m_failedLine, "the unsaved scene can't be written aside", [this] { m_unsaved.Check(); });
     }
 
@@ -354,83 +349,73 @@ private:
         if (!change.bEverything && !change.bList && change.nodes.empty()) {
             return;
         }
-        OrderedJson push = {{"push", "scene"}, {"version", m_session.SceneVersion()}};
+        const auto nVersion = m_session.SceneVersion();
         if (change.bEverything) {
             m_nSceneNumber = std::random_device{}();
-            push["scene"] = m_nSceneNumber;
+            SendToAll(JsonObject("push", "scene", "version", nVersion, "scene", m_nSceneNumber));
         } else {
-            push[change.bList ? "changed" : "nodes"] = change.nodes;
+            SendToAll(
+                JsonObject("push", "scene", "version", nVersion, change.bList ? "changed" : "nodes", change.nodes));
         }
-        SendToAll(push);
     }
 
     /// What can be undone and redone, and whether the scene is saved.
-    OrderedJson HistoryPush() {
+    std::string HistoryPush() {
         const CHistory& history = m_session.History();
         const auto step = [](const SStep* pStep) {
             std::optional<SStep> told = pStep != nullptr ? std::optional(*pStep) : std::nullopt;
             if (told) {
                 CutForViewers(*told);
             }
-            return ToJson(told);
+            return told;
         };
-        OrderedJson push = {{"push", "history"},
-                            {"undo", step(history.ToUndo())},
-                            {"redo", step(history.ToRedo())},
-                            {"state", history.State()}};
-        AppendFields(push, history.File());
-        if (const auto& left = m_scenes.Left()) {
-            push["recovered"] = {{"file", left->strFile.empty() ? OrderedJson() : OrderedJson(left->strFile)},
-                                 {"modified_ms", left->nModifiedMs}};
-        }
-        return push;
+        CJsonText push;
+        push.Object([&] {
+            WriteMembers(push, "push", "history", "undo", step(history.ToUndo()), "redo", step(history.ToRedo()),
+                         "state", history.State(), history.File());
+            if (const auto& left = m_scenes.Left()) {
+                WriteMembers(push, "recovered", *left);
+            }
+        });
+        return push.Take();
     }
 
     void TellHistory() {
-        if (OrderedJson push = HistoryPush(); push != m_toldHistory) {
-            m_toldHistory = std::move(push);
-            SendToAll(m_toldHistory);
+        if (std::string strPush = HistoryPush(); strPush != m_strToldHistory) {
+            m_strToldHistory = std::move(strPush);
+            SendToAll(m_strToldHistory);
         }
     }
 
-    OrderedJson HeldForViewers() {
+    std::vector<SHeldEntry> HeldForViewers() {
         std::vector<SHeldEntry> entries = m_session.Held().State();
         CutForViewers(entries);
-        return ToJson(entries);
+        return entries;
     }
 
     void TellHeld() {
         CHeldInputs& held = m_session.Held();
         if (held.Version() != m_nToldHeldVersion) {
             m_nToldHeldVersion = held.Version();
-            SendToAll({{"push", "held"}, {"held", HeldForViewers()}, {"released", held.TakeReleasedByOthers()}});
+            SendToAll(JsonObject("push", "held", "held", HeldForViewers(), "released", held.TakeReleasedByOthers()));
         }
     }
 
     void TellNetwork() {
         const auto nVersion = m_session.Peers().StateVersion();
         if (nVersion != std::exchange(m_nToldNetworkVersion, nVersion)) {
-            SendToAll(Push("network", m_session.Peers().State()));
+            SendToAll(JsonObject("push", "network", m_session.Peers().State()));
         }
     }
 
-    template <typename Fields>
-    static OrderedJson Push(const char* pszName, const Fields& fields) {
-        OrderedJson push = {{"push", pszName}};
-        AppendFields(push, fields);
-        return push;
-    }
-
-    void SendToAll(const OrderedJson& push, const CHeldInput* pButFor = nullptr) {
-        const auto pText = Text(push);
+    void SendToAll(std::string strPush, const CHeldInput* pButFor = nullptr) {
+        const auto pText = MakeText(std::move(strPush));
         for (const auto& [pKey, client] : m_clients) {
             if (&client.held != pButFor) {
                 client.pClient->Send(pText);
             }
         }
     }
-
-    std::shared_ptr<const std::string> Text(const OrderedJson& message) { return MakeText(ReplyText(message)); }
 
     /// A text to send. When too much waits, drop the client with the most waiting: one that reads keeps its queue
     /// short.
@@ -473,7 +458,7 @@ private:
     SSceneChange m_change; ///< that nobody was told of yet
     /// Tells scenes apart, also those of one host from another's at the same address.
     unsigned m_nSceneNumber{std::random_device{}()};
-    OrderedJson m_toldHistory;
+    std::string m_strToldHistory;
     unsigned long long m_nToldNetworkVersion = 0;
     unsigned long long m_nToldHeldVersion = 0;
     std::map<std::pair<int, std::optional<std::string>>, size_t>

@@ -102,28 +102,34 @@ void CRecorder::OnDone(const SDone& done) {
         m_nKept = std::nullopt;
         m_nStopped = std::nullopt;
     }
-    OrderedJson line = ToJson(WithoutAddresses(command));
-    if (done.origin.from) {
-        line["from"] = ToJson(*done.origin.from);
-    }
-    if (done.origin.pHeld != nullptr) {
-        line["connection"] = done.origin.pHeld->Connection();
-    }
-    SDone kept{done.pCommand, done.origin, done.outcome, ActivityToKeep(done.activity)};
+    const Command toKeep = WithoutAddresses(command);
+    SDone kept{&toKeep, done.origin, done.outcome, ActivityToKeep(done.activity)};
     if (auto* pFrame = std::get_if<SFrameResults>(&kept.outcome.result)) {
         pFrame->outputs = m_frameOutputs.Take(m_session.Scene()); // also of frames that nobody else wants to know of
     }
-    line["reply"] = ReplyTo(kept);
-    Write(line);
+    Write(kept);
 }
 
 void CRecorder::KeepClock() {
     if (m_nStopped && m_nStopped != m_nKept) {
         m_nKept = m_nStopped;
-        Write({{"op", "clock"}, {"ms", *m_nStopped}, {"reply", {{"ok", true}}}});
+        const Command clock = SClockCommand{m_nStopped};
+        Write({&clock, {}, {}, {}});
     }
 }
 
-void CRecorder::Write(const OrderedJson& line) {
-    m_file << ReplyText(line) << '\n' << std::flush;
+void CRecorder::Write(const SDone& done) {
+    CJsonText line;
+    line.Object([&] {
+        WriteMembers(line, *done.pCommand);
+        if (done.origin.from) {
+            WriteMembers(line, "from", *done.origin.from);
+        }
+        if (done.origin.pHeld != nullptr) {
+            WriteMembers(line, "connection", done.origin.pHeld->Connection());
+        }
+        line.Name("reply");
+        line.Raw(ReplyTo(done));
+    });
+    m_file << line.Take() << '\n' << std::flush;
 }

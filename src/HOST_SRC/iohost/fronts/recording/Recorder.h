@@ -43,7 +43,7 @@ private:
     void OnDone(const SDone& done) override;
 
     void KeepClock();
-    void Write(const OrderedJson& line);
+    void Write(const SDone& done);
 
     CSession& m_session;
     std::ofstream m_file;

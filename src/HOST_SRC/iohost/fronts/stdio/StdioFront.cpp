@@ -16,7 +16,7 @@ void RunStdio(CSession& session, std::istream& input, std::ostream& output, std:
         }
         output << (nLine == ELine::Complete
                        ? AnswerText(session, strLine, files)
-                       : ReplyText(ErrorReply("request: longer than " + std::to_string(nLongestLine) + " bytes")))
+                       : ErrorReply("request: longer than " + std::to_string(nLongestLine) + " bytes"))
                << '\n'
                << std::flush;
     }
