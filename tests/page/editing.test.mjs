@@ -201,6 +201,20 @@ test("a chosen node is doubled, and several are deleted as one step", async () =
   assert.equal((await canvas.links()).length, 1);
 });
 
+test("nodes that are added one after the other stand side by side, and the last one is seen", async () => {
+  const types = ["Touch gesture", "Device JSON receive", "VR handle"];
+  for (const type of types) {
+    await canvas.choosePalette(type);
+    await canvas.face(`${type} 1`).waitFor();
+  }
+  const places = (await canvas.scene()).nodes.slice(3).map(({ place }) => place.x);
+  assert.ok(places[0] + 300 < places[1] && places[1] + 300 < places[2], String(places));
+  await until("the last one in sight", async () => {
+    const [pane, face] = [await canvas.pane().boundingBox(), await canvas.face("VR handle 1").boundingBox()];
+    return face.x >= pane.x && face.x + face.width <= pane.x + pane.width;
+  });
+});
+
 test("what is doubled twice in a row gets names of its own each time", async () => {
   await canvas.choose("m");
   await page.page.evaluate(() => {

@@ -42,6 +42,8 @@ const FACES = { face: Face, note: NoteFace };
 const WIRES = { wire: WireEdge };
 // Made once: the library takes a new object for a changed setting.
 const ADDING_KEYS = ["Control", "Meta"];
+/** So that a few nodes leave room for more. */
+const LEAST_SHOWN = { width: 800, height: 450 };
 const MAP_SIZE = { width: 120, height: 80 };
 
 /** The scene as a graph, live: nodes are added, wired, moved, named and removed here. Another scene begins anew. */
@@ -80,8 +82,10 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     ];
     const [left, top] = [Math.min(...boxes.map(({ x }) => x)), Math.min(...boxes.map(({ y }) => y))];
     const [right, bottom] = [Math.max(...boxes.map(({ x, width }) => x + width)), Math.max(...boxes.map(({ y, height }) => y + height))];
+    const width = Math.max(right - left, LEAST_SHOWN.width);
+    const height = Math.max(bottom - top, LEAST_SHOWN.height);
     if (boxes.length > 0) {
-      void flow.current?.fitBounds({ x: left, y: top, width: right - left, height: bottom - top }, { padding: 0.1 });
+      void flow.current?.fitBounds({ x: (left + right - width) / 2, y: (top + bottom - height) / 2, width, height }, { padding: 0.1 });
     }
   });
   // The whole scene comes into sight with its first nodes, or by `keepFlow` where the library is ready later.
@@ -117,6 +121,14 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
         const ids = [...handles.map(nodeId), ...notes.map(noteId)];
         wantChosen.current = ids;
         setFaces((kept) => chosenIn(kept, (id) => ids.includes(id)));
+      },
+      moveTo: ({ x, y, width, height }) => {
+        const seen = pane.current!.getBoundingClientRect();
+        const from = flow.current!.flowToScreenPosition({ x, y });
+        const to = flow.current!.flowToScreenPosition({ x: x + width, y: y + height });
+        if (from.x < seen.left || from.y < seen.top || to.x > seen.right || to.y > seen.bottom) {
+          goToPlace(null, { x: x + width / 2, y: y + height / 2 });
+        }
       },
       middle: () => {
         const box = pane.current!.getBoundingClientRect();

@@ -6,6 +6,7 @@ import { inputOf, inputText, outputOf, outputText } from "../nodePins.ts";
 import type { Link, Note, OfferedType, Place, Scene } from "../protocol.ts";
 import { placing, type Change } from "../requests.ts";
 import { copyOf, keepClipping, pasteOf, readClipping, type Clipping } from "./clipboard.ts";
+import { boxOf } from "./layout.ts";
 import { kindOfType } from "./nodeKinds.ts";
 import { fittingSorts, freeName, refusal, sortOf } from "./wiring.ts";
 
@@ -28,8 +29,12 @@ export interface PaletteCall {
 export interface View {
   placeOf(node: string): Place;
   middle(): Place;
+  /** Moves there, unless all of the box is in sight. */
+  moveTo(box: Rect): void;
   choose(nodes: readonly string[], notes: readonly string[]): void;
 }
+
+type Rect = Place & { width: number; height: number };
 
 /** What is chosen of nodes and notes. */
 export interface Chosen {
@@ -39,6 +44,8 @@ export interface Chosen {
 
 /** In pixels of the canvas: what is added stands at least so far beside what was there, right or down. */
 const APART = 40;
+/** Of a new node, whose pins aren't known yet. */
+const NEW_SIZE = { width: 300, height: 250 };
 
 /** What is done to the scene on the canvas: each a request, or a batch of them that is one step. */
 export class Editor {
@@ -55,7 +62,7 @@ export class Editor {
   readonly renaming = signal<string | null>(null);
   /** What is typed while this scene goes isn't done to the next one. */
   readonly #scene: number;
-  view: View = { placeOf: () => ({ x: 0, y: 0 }), middle: () => ({ x: 0, y: 0 }), choose: () => {} };
+  view: View = { placeOf: () => ({ x: 0, y: 0 }), middle: () => ({ x: 0, y: 0 }), moveTo: () => {}, choose: () => {} };
   #lastMade: Promise<void> = Promise.resolve();
 
   constructor(host: Host, desk: Desk) {
@@ -161,9 +168,10 @@ export class Editor {
       this.#makeNext(async ({ nodes }, taken) => {
         const graph = freeName(type.name, new Set(nodes.map((one) => one.graph)));
         const node = freeName(type.name, new Set(nodes.map((one) => one.node)));
+        const place = rounded(at ?? this.#freePlace(taken));
         const error = await this.host.requests.batch(`Add ${graph}`, [
           { op: "create", node, type: type.guid, clip: nodes.find(({ clip }) => clip !== null)?.clip ?? "Clip", graph },
-          placing({ [node]: rounded(at ?? this.#freePlace(taken)) }, {}),
+          placing({ [node]: place }, {}),
           ...(present === undefined ? [] : [{ op: "unlink", ...present } as const]),
           ...(pin === null || end === undefined
             ? []
@@ -172,6 +180,7 @@ export class Editor {
         this.desk.tell(error, t("{name} was added.", { name: graph }));
         if (error === null) {
           this.view.choose([node], []);
+          this.view.moveTo({ ...place, ...NEW_SIZE });
         }
       });
     if (present === undefined) {
@@ -182,12 +191,15 @@ export class Editor {
   }
 
   /** Makes one after the other: each finds free names and places among all that the host has by then, shown here yet or not. */
-  #makeNext(make: (scene: Scene, taken: Place[]) => Promise<void>): Promise<void> {
+  #makeNext(make: (scene: Scene, taken: Rect[]) => Promise<void>): Promise<void> {
     const makeNow = async () => {
       const scene = await this.host.requests.scene();
       if (scene.ok) {
-        const places = scene.nodes.map(({ node, place }) => place ?? this.view.placeOf(node));
-        await make(scene, [...places, ...Object.values(scene.notes ?? {})]);
+        const boxes = scene.nodes.map(({ node, place }) => {
+          const known = this.node(node);
+          return { ...(known ? boxOf(known) : NEW_SIZE), ...(place ?? this.view.placeOf(node)) };
+        });
+        await make(scene, [...boxes, ...Object.values(scene.notes ?? {})]);
       } else {
         this.desk.tell(scene.error, "");
       }
@@ -197,11 +209,18 @@ export class Editor {
     return this.#lastMade;
   }
 
-  /** The middle of what is seen, or beside what stands there. */
-  #freePlace(taken: readonly Place[]): Place {
-    const { x, y } = this.view.middle();
-    const by = freeShift([{ x, y }], taken, 0);
-    return { x: x + by, y: y + by };
+  /** The middle of what is seen, or to the right of what stands there. */
+  #freePlace(taken: readonly Rect[]): Place {
+    const { width, height } = NEW_SIZE;
+    const middle = this.view.middle();
+    const y = middle.y - height / 2;
+    let x = middle.x - width / 2;
+    const covered = () =>
+      taken.find((box) => x < box.x + box.width + APART && box.x < x + width && y < box.y + box.height && box.y < y + height);
+    for (let box = covered(); box !== undefined; box = covered()) {
+      x = box.x + box.width + APART;
+    }
+    return { x, y };
   }
 
   /** The pin of a type that a wire from this pin leads to; undefined where none fits. */
