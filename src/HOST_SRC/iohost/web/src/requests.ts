@@ -162,6 +162,6 @@ export function placing(nodes: Record<string, Place>, notes: Record<string, Note
   };
 }
 
-export function errorOf(reply: Reply): string | null {
+function errorOf(reply: Reply): string | null {
   return reply.ok ? null : reply.error;
 }

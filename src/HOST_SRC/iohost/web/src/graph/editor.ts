@@ -6,7 +6,7 @@ import { inputOf, inputText, outputOf, outputText } from "../nodePins.ts";
 import type { Link, Note, OfferedType, Place, Scene } from "../protocol.ts";
 import { placing, type Change } from "../requests.ts";
 import { copyOf, keepClipping, pasteOf, readClipping, type Clipping } from "./clipboard.ts";
-import { boxOf } from "./layout.ts";
+import { boxOf, WIDTH } from "./layout.ts";
 import { kindOfType } from "./nodeKinds.ts";
 import { fittingSorts, freeName, refusal, sortOf } from "./wiring.ts";
 
@@ -45,7 +45,7 @@ export interface Chosen {
 /** In pixels of the canvas: what is added stands at least so far beside what was there, right or down. */
 const APART = 40;
 /** Of a new node, whose pins aren't known yet. */
-const NEW_SIZE = { width: 300, height: 250 };
+const NEW_SIZE = { width: WIDTH, height: 250 };
 
 /** What is done to the scene on the canvas: each a request, or a batch of them that is one step. */
 export class Editor {
@@ -280,7 +280,7 @@ export class Editor {
         this.desk.message.value = addedText(clipping);
         return;
       }
-      const by = freeShift([...clipping.nodes.map(({ place }) => place), ...clipping.notes], taken, APART);
+      const by = freeShift([...clipping.nodes.map(({ place }) => place), ...clipping.notes], taken);
       const { changes, handles, noteIds } = pasteOf(clipping, nodes, by);
       const error = await this.host.requests.batch(`${verb} ${nameOf(clipping.nodes, clipping.notes)}`, changes);
       this.desk.tell(error, addedText(clipping));
@@ -343,11 +343,11 @@ export function linkOf(one: Pin, other: Pin): Link {
   return { from: from.node, output: from.id, to: to.node, input: to.id };
 }
 
-/** How far these move right and down, from `least` on, until each stands apart from what is there. */
-function freeShift(moved: readonly Place[], there: readonly Place[], least: number): number {
+/** How far these move right and down until each stands apart from what is there. */
+function freeShift(moved: readonly Place[], there: readonly Place[]): number {
   const isTaken = (by: number) =>
     moved.some((one) => there.some(({ x, y }) => Math.abs(one.x + by - x) < APART && Math.abs(one.y + by - y) < APART));
-  let by = least;
+  let by = APART;
   while (isTaken(by)) {
     by += APART;
   }

@@ -100,7 +100,7 @@ function arrangeBlock({ boxes, links }: Block): Arranged {
 }
 
 // As the style sheets draw them.
-const WIDTH = 300;
+export const WIDTH = 300;
 const BORDER = 1;
 const HEAD_HEIGHT = 40;
 const FOOT_HEIGHT = 22;

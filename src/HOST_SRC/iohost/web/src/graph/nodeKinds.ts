@@ -14,7 +14,7 @@ interface NodeKind {
 }
 
 /** By the last byte of the type's GUID. */
-export const NODE_KINDS: Readonly<Record<string, NodeKind>> = {
+const NODE_KINDS: Readonly<Record<string, NodeKind>> = {
   "01": { purpose: "people", inputs: { integer: 2 }, outputs: { event: 152, text: 154 } },
   "0B": { purpose: "people", inputs: { integer: 2 }, outputs: { event: 1152 } },
   "02": { purpose: "people", inputs: { text: 202, event: 203, integer: 2 }, outputs: { text: 253, integer: 252 } },
