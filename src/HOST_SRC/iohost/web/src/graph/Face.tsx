@@ -116,7 +116,7 @@ function FaceName({ editor, node }: { editor: Editor; node: NodeView }) {
   return isOpen ? (
     <NameField editor={editor} node={node} />
   ) : (
-    <strong onDblClick={() => (editor.renaming.value = node.node)}>{node.graph}</strong>
+    <strong title={node.graph} onDblClick={() => (editor.renaming.value = node.node)}>{node.graph}</strong>
   );
 }
 

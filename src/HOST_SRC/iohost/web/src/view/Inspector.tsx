@@ -151,7 +151,7 @@ function CardContent({ host, node }: { host: Host; node: NodeView }) {
       <header class="card-head">
         <NodeIcon type={node.type} />
         <div class="card-names">
-          <h3>{node.graph}</h3>
+          <h3 title={node.graph}>{node.graph}</h3>
           <p>
             {hostText(node.details.name)} <span class="dot">·</span> {place}
           </p>
