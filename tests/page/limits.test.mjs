@@ -300,6 +300,20 @@ test("clients that don't read cost bounded memory together, and go first", async
   stalled.forEach(({ socket }) => socket.terminate());
 });
 
+test("a client that asks faster than it reads is answered as it reads", async () => {
+  const host = await startHost();
+  const script = await openSession(host.address);
+  const id = "x".repeat(500_000);
+  script.socket.pause();
+  const replies = Array.from({ length: 100 }, () => script.request({ op: "scene", id })); // 50 MB
+  const other = await openSession(host.address);
+  for (let turn = 0; turn < 200; ++turn) {
+    await must(other, { op: "scene" }); // meanwhile as much is answered as is
+  }
+  script.socket.resume();
+  assert.deepEqual((await Promise.all(replies)).filter((reply) => reply.id !== id), []);
+});
+
 test("a page is told once when the recording can't be written any further", async () => {
   const recording = join(temporaryFolder(), "recording");
   execFileSync("mkfifo", [recording]);

@@ -17,6 +17,7 @@ namespace {
 
 constexpr size_t LONGEST_TEXT = size_t{1024} * 1024;
 constexpr size_t LONGEST_GATHERED = size_t{256} * 1024;
+constexpr size_t MOST_UNREAD = size_t{4} << 20;
 constexpr std::chrono::milliseconds GATHER_TIME{100}; // people don't see the difference
 constexpr std::chrono::seconds HANDSHAKE_TIME{10};
 constexpr std::chrono::seconds LONGEST_SILENCE{30}; // after half of it the client is asked whether it's there
@@ -24,8 +25,8 @@ constexpr std::chrono::seconds LONGEST_SILENCE{30}; // after half of it the clie
 } // namespace
 
 CWebSocketClient::CWebSocketClient(TcpStream stream, IWebSocketListener& listener, bool bGathered)
-    : m_socket(std::move(stream)), m_listener(listener), m_bGathered(bGathered),
-      m_gatherTimer(m_socket.get_executor()) {}
+    : m_socket(std::move(stream)), m_listener(listener), m_bGathered(bGathered), m_gatherTimer(m_socket.get_executor()),
+      m_readTimer(m_socket.get_executor(), SteadyTimer::time_point::max()) {}
 
 Awaitable<void> CWebSocketClient::Run(UpgradeRequest request) {
     // The coroutine keeps the client alive.
@@ -58,6 +59,9 @@ Awaitable<void> CWebSocketClient::ReadTexts() {
         const std::string strText = beast::buffers_to_string(m_received.data());
         m_received.clear();
         m_listener.OnClientText(*this, strText);
+        while (QueuedBytes() > MOST_UNREAD) { // it asks for more than it reads
+            co_await m_readTimer.async_wait(AwaitInto(error));
+        }
     }
 }
 
@@ -96,6 +100,7 @@ Awaitable<void> CWebSocketClient::WriteQueue() {
                                                            asio::buffer("]", nBracket)};
         co_await m_socket.async_write(message, AwaitInto(error));
         m_nQueuedBytes -= m_nWritingBytes;
+        m_readTimer.cancel();
         if (error) {
             Drop();
             break;
@@ -149,5 +154,6 @@ void CWebSocketClient::Drop() {
     m_bDropped = true;
     m_queue.clear();
     DontWait();
+    m_readTimer.cancel();
     beast::get_lowest_layer(m_socket).close();
 }

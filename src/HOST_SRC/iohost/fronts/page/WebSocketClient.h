@@ -23,7 +23,7 @@ public:
     /// The client is there: Send works from now on.
     virtual void OnClientOpened(const std::shared_ptr<CWebSocketClient>& pClient) = 0;
 
-    /// The client sent a text.
+    /// The client sent a text. While too much waits for it, the next one is left unread.
     virtual void OnClientText(CWebSocketClient& client, std::string_view text) = 0;
 
     /// The client is gone, by itself or dropped. Follows every OnClientOpened once.
@@ -73,4 +73,5 @@ private:
     bool m_bClosing = false;
     bool m_bDropped = false;
     SteadyTimer m_gatherTimer;
+    SteadyTimer m_readTimer; ///< never expires by itself
 };
