@@ -289,6 +289,7 @@ test("a folded node has only its linked pins, on every page", async () => {
 
 test("notes are part of the scene: written, moved, and taken away", async () => {
   await page.page.getByRole("button", { name: "Add note" }).click();
+  await page.page.locator(".react-flow__node-note.selected").waitFor();
   const note = page.page.locator("[data-note] textarea");
   await note.fill("Keys for the title");
   await page.keyboard.press("Escape");

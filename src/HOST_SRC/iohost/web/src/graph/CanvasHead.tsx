@@ -1,9 +1,7 @@
 import { t } from "../i18n.ts";
-import { newNoteId } from "./clipboard.ts";
 import type { Chosen, Editor } from "./editor.ts";
 
 const SHORTCUT = "Ctrl+K";
-const NOTE_SIZE = { width: 220, height: 90 };
 
 interface CanvasHeadProps {
   editor: Editor;
@@ -22,15 +20,12 @@ export function CanvasHead({ editor, chosen, onArrange }: CanvasHeadProps) {
       Object.fromEntries(notes.map(([id, note]) => [id, { ...note, [axis]: line }])),
     );
   };
-  const addNote = () => {
-    void editor.place({}, { [newNoteId()]: { ...editor.view.middle(), ...NOTE_SIZE, text: "" } });
-  };
   return (
     <div class="panel-head">
       <button type="button" title={SHORTCUT} onClick={() => (editor.palette.value = { at: null, pin: null })}>
         {t("Add node")}
       </button>
-      <button type="button" onClick={addNote}>
+      <button type="button" onClick={() => void editor.addNote()}>
         {t("Add note")}
       </button>
       <button type="button" onClick={onArrange}>

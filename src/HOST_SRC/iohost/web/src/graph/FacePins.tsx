@@ -43,12 +43,12 @@ export function FacePins({ editor, node, folded, linked, isReachable }: PinsProp
   const props = { editor, node: node.node, isReachable };
   return (
     <div class="face-pins">
-      <div>
+      <div class="face-column">
         {inputs.map((param) => (
           <InputPin key={param.id} {...props} param={param} />
         ))}
       </div>
-      <div>
+      <div class="face-column">
         {outputs.map((param) => (
           <OutputPin key={param.id} {...props} param={param} hasValue={valued.has(param.id)} />
         ))}

@@ -5,7 +5,7 @@ import { t } from "../i18n.ts";
 import { inputOf, inputText, outputOf, outputText } from "../nodePins.ts";
 import type { Link, Note, OfferedType, Place, Scene } from "../protocol.ts";
 import { placing, type Change } from "../requests.ts";
-import { copyOf, keepClipping, pasteOf, readClipping, type Clipping } from "./clipboard.ts";
+import { copyOf, keepClipping, newNoteId, pasteOf, readClipping, type Clipping } from "./clipboard.ts";
 import { boxOf, WIDTH } from "./layout.ts";
 import { kindOfType } from "./nodeKinds.ts";
 import { fittingSorts, freeName, refusal, sortOf } from "./wiring.ts";
@@ -46,6 +46,7 @@ export interface Chosen {
 const APART = 40;
 /** Of a new node, whose pins aren't known yet. */
 const NEW_SIZE = { width: WIDTH, height: 250 };
+const NOTE_SIZE = { width: 220, height: 90 };
 
 /** What is done to the scene on the canvas: each a request, or a batch of them that is one step. */
 export class Editor {
@@ -168,7 +169,7 @@ export class Editor {
       this.#makeNext(async ({ nodes }, taken) => {
         const graph = freeName(type.name, new Set(nodes.map((one) => one.graph)));
         const node = freeName(type.name, new Set(nodes.map((one) => one.node)));
-        const place = rounded(at ?? this.#freePlace(taken));
+        const place = rounded(at ?? this.#freePlace(NEW_SIZE, taken));
         const error = await this.host.requests.batch(`Add ${graph}`, [
           { op: "create", node, type: type.guid, clip: nodes.find(({ clip }) => clip !== null)?.clip ?? "Clip", graph },
           placing({ [node]: place }, {}),
@@ -188,6 +189,17 @@ export class Editor {
     } else {
       this.#askToReplace(present, type.name, () => void make());
     }
+  }
+
+  addNote(): Promise<void> {
+    return this.#makeNext(async (_, taken) => {
+      const id = newNoteId();
+      const box = { ...this.#freePlace(NOTE_SIZE, taken), ...NOTE_SIZE };
+      if (await this.place({}, { [id]: { ...box, text: "" } })) {
+        this.view.choose([], [id]);
+        this.view.moveTo(box);
+      }
+    });
   }
 
   /** Makes one after the other: each finds free names and places among all that the host has by then, shown here yet or not. */
@@ -210,8 +222,7 @@ export class Editor {
   }
 
   /** The middle of what is seen, or to the right of what stands there. */
-  #freePlace(taken: readonly Rect[]): Place {
-    const { width, height } = NEW_SIZE;
+  #freePlace({ width, height }: typeof NEW_SIZE, taken: readonly Rect[]): Place {
     const middle = this.view.middle();
     const y = middle.y - height / 2;
     let x = middle.x - width / 2;
