@@ -85,7 +85,8 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     const width = Math.max(right - left, LEAST_SHOWN.width);
     const height = Math.max(bottom - top, LEAST_SHOWN.height);
     if (boxes.length > 0) {
-      void flow.current?.fitBounds({ x: (left + right - width) / 2, y: (top + bottom - height) / 2, width, height }, { padding: 0.1 });
+      const [x, y] = [(left + right - width) / 2, (top + bottom - height) / 2];
+      void flow.current?.fitBounds({ x, y, width, height }, { padding: 0.1 });
     }
   });
   // The whole scene comes into sight with its first nodes, or by `keepFlow` where the library is ready later.

@@ -226,8 +226,8 @@ export class Editor {
     const middle = this.view.middle();
     const y = middle.y - height / 2;
     let x = middle.x - width / 2;
-    const covered = () =>
-      taken.find((box) => x < box.x + box.width + APART && box.x < x + width && y < box.y + box.height && box.y < y + height);
+    const beside = taken.filter((box) => y < box.y + box.height && box.y < y + height);
+    const covered = () => beside.find((box) => x < box.x + box.width + APART && box.x < x + width);
     for (let box = covered(); box !== undefined; box = covered()) {
       x = box.x + box.width + APART;
     }

@@ -51,7 +51,12 @@ export function OpenDialog({ host, desk, onClose }: FileDialogProps) {
           <ul class="scene-list">
             {files.map(({ file, modified_ms }) => (
               <li key={file}>
-                <button type="button" title={file} data-scene-file={file} onClick={() => ask(file, () => host.requests.load(file))}>
+                <button
+                  type="button"
+                  title={file}
+                  data-scene-file={file}
+                  onClick={() => ask(file, () => host.requests.load(file))}
+                >
                   <span>{file}</span>
                   <time>{new Date(modified_ms).toLocaleString()}</time>
                 </button>
