@@ -3,6 +3,7 @@
 #include "host/PlayControlItem.h"
 #include "host/RemoteControlRecord.h"
 
+#include <algorithm>
 #include <cwchar>
 #include <string_view>
 
@@ -12,7 +13,7 @@ namespace {
 
 constexpr const wchar_t* ELEMENT_END = L"/>\r\n";
 constexpr int ELEMENT_END_LENGTH = 4;
-constexpr const wchar_t* LAST_VALUE_END = L"\"/>\r\n"; // with the element's
+constexpr std::wstring_view LAST_VALUE_END = L"\"/>\r\n"; // with the element's
 
 /// Room that a document is begun with, so that most never have to grow; allocators have pieces of a kilobyte at hand.
 constexpr int FIRST_ROOM = 250;
@@ -30,11 +31,12 @@ bool LooksLikeMarkup(wchar_t c) {
            MARKUP.find(bytes[0]) != std::string_view::npos;
 }
 
-/// Append a value, up to its end or a zero, with references in place of the characters that mean something in XML, or
-/// that a reader would change.
-void AppendEscaped(CString& strText, const CString& strValue) {
+/// A value, up to its end or a zero, with references in place of the characters that mean something in XML, or that a
+/// reader would change.
+CString Escaped(const CString& strValue) {
     const wchar_t* pszValue = strValue;
     const int nLength = static_cast<int>(std::wcslen(pszValue));
+    CString strText;
     int nPlainBegin = 0;
     for (int i = 0; i < nLength; ++i) {
         const wchar_t c = pszValue[i];
@@ -54,7 +56,15 @@ void AppendEscaped(CString& strText, const CString& strValue) {
             strText.AppendFormat(L"&#%d;", static_cast<int>(c));
         }
     }
+    if (nPlainBegin == 0 && nLength == strValue.GetLength()) {
+        return strValue;
+    }
     strText.Append(pszValue + nPlainBegin, nLength - nPlainBegin);
+    return strText;
+}
+
+wchar_t* Write(wchar_t* pTo, std::wstring_view text) {
+    return std::copy(text.begin(), text.end(), pTo);
 }
 
 } // namespace
@@ -77,13 +87,17 @@ bool CMarkup::SetAttrib(const wchar_t* pszName, const CString& strValue) {
     if (m_strDocument.IsEmpty() || pszName == nullptr || *pszName == L'\0') {
         return false;
     }
-    const CString strKept = strValue; // which may be the document; NOLINT(performance-unnecessary-copy-initialization)
-    m_strDocument.Delete(m_strDocument.GetLength() - ELEMENT_END_LENGTH, ELEMENT_END_LENGTH);
-    m_strDocument += L' ';
-    m_strDocument += pszName;
-    m_strDocument += L"=\"";
-    AppendEscaped(m_strDocument, strKept);
-    m_strDocument += LAST_VALUE_END;
+    const std::wstring_view name = pszName;
+    const CString strEscaped = Escaped(strValue); // before the document changes, which may be the value
+    const std::wstring_view value(strEscaped, static_cast<size_t>(strEscaped.GetLength()));
+    const int nBegin = m_strDocument.GetLength() - ELEMENT_END_LENGTH;
+    const size_t nAdded = 1 + name.size() + 2 + value.size() + LAST_VALUE_END.size();
+    wchar_t* pEnd = m_strDocument.GetBufferSetLength(nBegin + static_cast<int>(nAdded)) + nBegin;
+    *pEnd++ = L' ';
+    pEnd = Write(pEnd, name);
+    pEnd = Write(pEnd, L"=\"");
+    pEnd = Write(pEnd, value);
+    Write(pEnd, LAST_VALUE_END);
     return true;
 }
 
