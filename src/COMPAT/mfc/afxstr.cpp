@@ -246,7 +246,10 @@ wchar_t* CString::GetBufferSetLength(int nLength) {
 
 void CString::ReleaseBuffer(int nNewLength) {
     ENSURE(nNewLength >= 0 && nNewLength <= GetLength());
-    ReplaceRange(nNewLength, GetLength() - nNewLength, nullptr, 0);
+    if (nNewLength == 0)
+        Empty();
+    else
+        SetLength(nNewLength);
 }
 
 void CString::Preallocate(int nLength) {

@@ -1,7 +1,8 @@
 #include "BroadcastDatagram.h"
 
-#include <algorithm>
+#include <functional>
 #include <iterator>
+#include <numeric>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,7 +19,7 @@ constexpr std::string_view FRAME_END = "}.]";
 
 /// Bytes of the system's ANSI code page in UTF-8; nothing for bytes that it doesn't have.
 std::optional<std::string> AnsiToUtf8(std::span<const unsigned char> bytes) {
-    if (std::ranges::all_of(bytes, [](unsigned char nByte) { return nByte < 0x80; })) {
+    if (std::reduce(bytes.begin(), bytes.end(), 0, std::bit_or()) < 0x80) {
         return std::string(bytes.begin(), bytes.end()); // the same in every code page
     }
     const char* pBytes = reinterpret_cast<const char*>(bytes.data());

@@ -14,7 +14,7 @@ namespace {
 
 NetPlayCtrlDevArray* s_pDevices = nullptr;
 
-constexpr const char* RECORD_ELEMENT = "PanelRemoteCtrl";
+constexpr std::string_view RECORD_ELEMENT = "PanelRemoteCtrl";
 
 } // namespace
 

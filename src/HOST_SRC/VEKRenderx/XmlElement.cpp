@@ -74,7 +74,7 @@ std::optional<std::string_view> ReadValue(char* pWritten) {
 
 } // namespace
 
-bool CXmlElement::Parse(std::string xml, const char* pszName) {
+bool CXmlElement::Parse(std::string xml, std::string_view name) {
     m_attributes.clear();
     m_strText = std::move(xml);
     // The library takes a zero for the end, and the last character for room to write one: it's given the text's own.
@@ -84,7 +84,7 @@ bool CXmlElement::Parse(std::string xml, const char* pszName) {
     }
     const pugi::xml_node element = m_document.first_child();
     if (element.type() != pugi::node_element || element.next_sibling() || element.first_child() ||
-        std::string_view(element.name()) != pszName) {
+        element.name() != name) {
         return false;
     }
     m_attributes.reserve(USUAL_ATTRIBUTES);
@@ -110,8 +110,8 @@ std::optional<std::string_view> CXmlElement::Find(std::string_view name) const {
     return attribute != m_attributes.end() ? std::optional(attribute->second) : std::nullopt;
 }
 
-bool CXmlElement::GetText(const char* pszAttribute, CString& strValue) const {
-    const auto value = Find(pszAttribute);
+bool CXmlElement::GetText(std::string_view attribute, CString& strValue) const {
+    const auto value = Find(attribute);
     if (!value) {
         return false;
     }
@@ -119,8 +119,8 @@ bool CXmlElement::GetText(const char* pszAttribute, CString& strValue) const {
     return true;
 }
 
-bool CXmlElement::GetNumber(const char* pszAttribute, int& nValue) const {
-    const auto value = Find(pszAttribute);
+bool CXmlElement::GetNumber(std::string_view attribute, int& nValue) const {
+    const auto value = Find(attribute);
     if (!value) {
         return false;
     }

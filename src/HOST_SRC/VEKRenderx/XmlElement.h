@@ -15,11 +15,11 @@
 class CXmlElement {
 public:
     /// The text is UTF-8. False, and no element, for one that isn't such a document or whose element has another name.
-    bool Parse(std::string xml, const char* pszName);
+    bool Parse(std::string xml, std::string_view name);
 
     /// The value of an attribute; false, and no change, without it or, for a number, when it isn't one in decimal.
-    bool GetText(const char* pszAttribute, CString& strValue) const;
-    bool GetNumber(const char* pszAttribute, int& nValue) const;
+    bool GetText(std::string_view attribute, CString& strValue) const;
+    bool GetNumber(std::string_view attribute, int& nValue) const;
 
 private:
     std::optional<std::string_view> Find(std::string_view name) const;
