@@ -13,12 +13,12 @@ FrameTime NextFrameTime(FrameTime tStart, double fFps, FrameTime tNow) {
     return tNext;
 }
 
-CFrameTimer::CFrameTimer(boost::asio::io_context& context, double fFps, std::function<void()> onFrame)
+CFrameTimer::CFrameTimer(asio::io_context& context, double fFps, std::function<void()> onFrame)
     : m_timer(context), m_fFps(fFps), m_onFrame(std::move(onFrame)) {}
 
 void CFrameTimer::Start() {
     m_bRunning = true;
-    m_tStart = std::chrono::steady_clock::now();
+    m_tStart = steady_clock::now();
     AwaitNext();
 }
 
@@ -28,8 +28,8 @@ void CFrameTimer::Stop() {
 }
 
 void CFrameTimer::AwaitNext() {
-    m_timer.expires_at(NextFrameTime(m_tStart, m_fFps, std::chrono::steady_clock::now()));
-    m_timer.async_wait([this](const boost::system::error_code& error) {
+    m_timer.expires_at(NextFrameTime(m_tStart, m_fFps, steady_clock::now()));
+    m_timer.async_wait([this](const error_code& error) {
         if (!error && m_bRunning) {
             m_onFrame();
             if (m_bRunning) {

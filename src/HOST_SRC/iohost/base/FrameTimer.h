@@ -6,7 +6,7 @@
 #include <chrono>
 #include <functional>
 
-using FrameTime = std::chrono::steady_clock::time_point;
+using FrameTime = steady_clock::time_point;
 
 /// When the next frame is due: the first moment after now in the raster that starts at tStart. A frame that took longer
 /// than its period leaves out those that it missed; they are not made up for.
@@ -14,7 +14,7 @@ FrameTime NextFrameTime(FrameTime tStart, double fFps, FrameTime tNow);
 
 class CFrameTimer {
 public:
-    CFrameTimer(boost::asio::io_context& context, double fFps, std::function<void()> onFrame);
+    CFrameTimer(asio::io_context& context, double fFps, std::function<void()> onFrame);
 
     void Start();
     void Stop();

@@ -15,7 +15,7 @@ inline Awaitable<void> AcceptConnections(TcpAcceptor& acceptor, std::function<vo
     constexpr std::chrono::milliseconds PAUSE{100};
     SteadyTimer timer(acceptor.get_executor());
     for (;;) {
-        boost::system::error_code error;
+        error_code error;
         TcpSocket socket(acceptor.get_executor());
         co_await acceptor.async_accept(socket, AwaitInto(error));
         if (!acceptor.is_open()) {
@@ -31,8 +31,7 @@ inline Awaitable<void> AcceptConnections(TcpAcceptor& acceptor, std::function<vo
 }
 
 /// Open, bind and listen. On an error the acceptor is closed.
-inline void OpenListener(TcpAcceptor& acceptor, const boost::asio::ip::tcp::endpoint& endpoint,
-                         boost::system::error_code& error) {
+inline void OpenListener(TcpAcceptor& acceptor, const asio::ip::tcp::endpoint& endpoint, error_code& error) {
     acceptor.open(endpoint.protocol(), error);
     if (!error) {
         LetPortBeReused(static_cast<std::uintptr_t>(acceptor.native_handle()));
@@ -41,10 +40,10 @@ inline void OpenListener(TcpAcceptor& acceptor, const boost::asio::ip::tcp::endp
         acceptor.bind(endpoint, error);
     }
     if (!error) {
-        acceptor.listen(boost::asio::socket_base::max_listen_connections, error);
+        acceptor.listen(asio::socket_base::max_listen_connections, error);
     }
     if (error) {
-        boost::system::error_code ignored;
+        error_code ignored;
         acceptor.close(ignored);
     }
 }
@@ -54,10 +53,9 @@ inline constexpr std::chrono::seconds SILENCE{60};
 
 /// Of connections that tell SilentSince(), the one silent for longest, and for so long at least; null without one.
 template <typename Connections>
-typename Connections::value_type LongestSilent(const Connections& connections,
-                                               std::chrono::steady_clock::duration silence) {
+typename Connections::value_type LongestSilent(const Connections& connections, steady_clock::duration silence) {
     typename Connections::value_type pLongest;
-    auto tLatest = std::chrono::steady_clock::now() - silence;
+    auto tLatest = steady_clock::now() - silence;
     for (const auto& pConnection : connections) {
         if (const auto tSince = pConnection->SilentSince(); tSince <= tLatest) {
             tLatest = tSince;

@@ -26,24 +26,27 @@
 #pragma GCC diagnostic ignored "-Wmismatched-new-delete"
 #endif
 
-using Executor = boost::asio::io_context::executor_type;
-using TcpSocket = boost::asio::basic_stream_socket<boost::asio::ip::tcp, Executor>;
-using TcpAcceptor = boost::asio::basic_socket_acceptor<boost::asio::ip::tcp, Executor>;
-using TcpStream = boost::beast::basic_stream<boost::asio::ip::tcp, Executor>;
-using SteadyTimer = boost::asio::basic_waitable_timer<std::chrono::steady_clock,
-                                                      boost::asio::wait_traits<std::chrono::steady_clock>, Executor>;
+namespace asio = boost::asio;
+using boost::system::error_code;
+using std::chrono::steady_clock;
+
+using Executor = asio::io_context::executor_type;
+using TcpSocket = asio::basic_stream_socket<asio::ip::tcp, Executor>;
+using TcpAcceptor = asio::basic_socket_acceptor<asio::ip::tcp, Executor>;
+using TcpStream = boost::beast::basic_stream<asio::ip::tcp, Executor>;
+using SteadyTimer = asio::basic_waitable_timer<steady_clock, asio::wait_traits<steady_clock>, Executor>;
 
 template <typename Result>
-using Awaitable = boost::asio::awaitable<Result, Executor>;
+using Awaitable = asio::awaitable<Result, Executor>;
 
 /// Completes an operation in a coroutine, its error code in `error` instead of an exception.
-inline auto AwaitInto(boost::system::error_code& error) {
-    return boost::asio::redirect_error(boost::asio::use_awaitable_t<Executor>(), error);
+inline auto AwaitInto(error_code& error) {
+    return asio::redirect_error(asio::use_awaitable_t<Executor>(), error);
 }
 
 /// Wait for so long, or until the timer is cancelled.
-inline Awaitable<void> Pause(SteadyTimer& timer, std::chrono::steady_clock::duration time) {
-    boost::system::error_code ignored;
+inline Awaitable<void> Pause(SteadyTimer& timer, steady_clock::duration time) {
+    error_code ignored;
     timer.expires_after(time);
     co_await timer.async_wait(AwaitInto(ignored));
 }
@@ -51,7 +54,7 @@ inline Awaitable<void> Pause(SteadyTimer& timer, std::chrono::steady_clock::dura
 /// Start a coroutine on an executor or in a loop; what it throws is logged.
 template <typename Place, typename Function>
 void Spawn(Place&& place, const char* pszWhat, Function function) {
-    boost::asio::co_spawn(std::forward<Place>(place), std::move(function), [pszWhat](std::exception_ptr pThrown) {
+    asio::co_spawn(std::forward<Place>(place), std::move(function), [pszWhat](std::exception_ptr pThrown) {
         if (pThrown != nullptr) {
             try {
                 std::rethrow_exception(pThrown);

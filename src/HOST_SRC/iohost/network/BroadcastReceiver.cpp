@@ -5,9 +5,6 @@
 #include "base/HostLine.h"
 #include "host/EventRecord.h"
 
-namespace asio = boost::asio;
-using boost::system::error_code;
-
 namespace {
 
 constexpr std::chrono::seconds RETRY_PAUSE{1};

@@ -12,12 +12,12 @@
 #include "base/LimitedLine.h"
 #include "network/NetworkState.h"
 
-using UdpSocket = boost::asio::basic_datagram_socket<boost::asio::ip::udp, Executor>;
+using UdpSocket = asio::basic_datagram_socket<asio::ip::udp, Executor>;
 
 class CBroadcastReceiver : public std::enable_shared_from_this<CBroadcastReceiver> {
 public:
     /// The loop must outlive its handlers.
-    CBroadcastReceiver(CPeerLoop& loop, const boost::asio::ip::udp::endpoint& endpoint);
+    CBroadcastReceiver(CPeerLoop& loop, const asio::ip::udp::endpoint& endpoint);
 
     /// Open the port; the reason when it can't be had, else nothing. Once it is open, one that was started receives.
     std::string Open();
@@ -30,7 +30,7 @@ public:
     void Start();
     void Stop();
 
-    const boost::asio::ip::udp::endpoint& Endpoint() const { return m_endpoint; }
+    const asio::ip::udp::endpoint& Endpoint() const { return m_endpoint; }
     unsigned short Port() const { return m_state.nPort; }
     const SBroadcastState& State() const { return m_state; }
 
@@ -42,7 +42,7 @@ private:
     void Take(std::span<const unsigned char> datagram);
 
     CPeerLoop& m_loop;
-    const boost::asio::ip::udp::endpoint m_endpoint;
+    const asio::ip::udp::endpoint m_endpoint;
     SBroadcastState m_state; ///< its port is the one that was had, where the endpoint says any
     UdpSocket m_socket;
     SteadyTimer m_timer;

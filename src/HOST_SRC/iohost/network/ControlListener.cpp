@@ -6,9 +6,6 @@
 #include "base/Platform.h"
 #include "network/ItemReader.h"
 
-namespace asio = boost::asio;
-using boost::system::error_code;
-
 namespace {
 
 constexpr size_t MOST_CONNECTIONS = 64;
@@ -38,7 +35,7 @@ public:
         m_pListener->m_loop.OnStateChanged();
     }
 
-    std::chrono::steady_clock::time_point SilentSince() const { return m_reader.SilentSince(); }
+    steady_clock::time_point SilentSince() const { return m_reader.SilentSince(); }
 
     /// Address and port of the other host.
     std::string Address() const {
@@ -59,7 +56,7 @@ private:
 };
 
 CControlListener::CControlListener(CPeerLoop& loop, const asio::ip::tcp::endpoint& endpoint,
-                                   std::chrono::steady_clock::duration silence)
+                                   steady_clock::duration silence)
     : m_loop(loop), m_endpoint(endpoint), m_silence(silence), m_state{.nPort = endpoint.port()},
       m_acceptor(loop.Context()), m_timer(loop.Context()) {}
 

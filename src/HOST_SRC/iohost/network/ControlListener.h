@@ -14,8 +14,8 @@
 class CControlListener : public std::enable_shared_from_this<CControlListener> {
 public:
     /// The loop must outlive its handlers. A connection that was silent for so long makes room for another.
-    CControlListener(CPeerLoop& loop, const boost::asio::ip::tcp::endpoint& endpoint,
-                     std::chrono::steady_clock::duration silence = SILENCE);
+    CControlListener(CPeerLoop& loop, const asio::ip::tcp::endpoint& endpoint,
+                     steady_clock::duration silence = SILENCE);
     ~CControlListener();
 
     /// Open the port; the reason when it can't be had, else nothing. Once it is open, one that was started listens.
@@ -29,7 +29,7 @@ public:
     void Start();
     void Stop();
 
-    const boost::asio::ip::tcp::endpoint& Endpoint() const { return m_endpoint; }
+    const asio::ip::tcp::endpoint& Endpoint() const { return m_endpoint; }
     unsigned short Port() const { return m_state.nPort; }
     SControlState State() const;
 
@@ -42,8 +42,8 @@ private:
     void CountError(const std::string& strError);
 
     CPeerLoop& m_loop;
-    const boost::asio::ip::tcp::endpoint m_endpoint;
-    const std::chrono::steady_clock::duration m_silence;
+    const asio::ip::tcp::endpoint m_endpoint;
+    const steady_clock::duration m_silence;
     SControlState m_state; ///< its port is the one that was had, where the endpoint says any
     TcpAcceptor m_acceptor;
     SteadyTimer m_timer;

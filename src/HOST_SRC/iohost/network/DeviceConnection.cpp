@@ -7,9 +7,6 @@
 
 #include "base/Platform.h"
 
-namespace asio = boost::asio;
-using boost::system::error_code;
-
 namespace {
 
 constexpr std::chrono::seconds CONNECT_TIME{5};
@@ -71,7 +68,7 @@ void CDeviceConnection::Disconnect(std::string strReason) {
 /// What the system has room for is written at once, the rest as soon as there is room again.
 void CDeviceConnection::Write() {
     while (!m_queue.IsWriting() && m_bConnected && Socket().is_open() && !m_loop.IsListenOnly()) {
-        const auto pBytes = m_queue.BeginWrite(std::chrono::steady_clock::now());
+        const auto pBytes = m_queue.BeginWrite(steady_clock::now());
         if (pBytes->empty()) {
             return;
         }

@@ -9,7 +9,7 @@ public:
     explicit CDeviceConnection(CPeerLoop& loop);
 
     /// Connect; the reason when that fails, else nothing.
-    Awaitable<std::string> Connect(boost::asio::ip::tcp::endpoint address);
+    Awaitable<std::string> Connect(asio::ip::tcp::endpoint address);
 
     /// Write what is queued, and read, until the connection ends; returns why it did.
     Awaitable<std::string> Serve(CItemReader& reader);
@@ -29,7 +29,7 @@ public:
 
 private:
     TcpSocket& Socket() { return m_stream.socket(); }
-    void OnWritten(const boost::system::error_code& error);
+    void OnWritten(const error_code& error);
     void WatchAnswers();
     void Disconnect(std::string strReason);
 

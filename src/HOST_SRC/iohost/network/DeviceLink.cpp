@@ -7,8 +7,6 @@
 #include "base/HostLine.h"
 #include "base/Refusal.h"
 
-using std::chrono::steady_clock;
-
 namespace {
 
 /// Once nothing was refused for so long, items are taken again.
@@ -152,7 +150,7 @@ void CDeviceLink::AwaitLateItems() {
     }
     m_bLateTimer = true;
     m_lateTimer.expires_at(*tNext);
-    m_lateTimer.async_wait([pSelf = shared_from_this()](const boost::system::error_code&) {
+    m_lateTimer.async_wait([pSelf = shared_from_this()](const error_code&) {
         pSelf->m_bLateTimer = false;
         if (!pSelf->m_bStopped) {
             pSelf->DropLateItems();

@@ -65,14 +65,14 @@ private:
     CZTSocket m_deviceSocket{this, m_reader.Parser()};
     SQORNetPlayCtrlDev m_device;
     SteadyTimer m_lateTimer{m_loop.Context()};
-    bool m_bLateTimer = false;                      ///< it runs
-    std::chrono::steady_clock::time_point m_tState; ///< when the state became what it is
+    bool m_bLateTimer = false;         ///< it runs
+    steady_clock::time_point m_tState; ///< when the state became what it is
     bool m_bTried = false;
     bool m_bStopped = false;
 
     CFrameWriter m_frameWriter;
     unsigned long long m_nRefusedLately = 0; ///< items, since they were last taken without interruption
-    std::chrono::steady_clock::time_point m_tRefused;
+    steady_clock::time_point m_tRefused;
     CLimitedLine m_wrongItemLine{LOG_ERROR};
     CLimitedLine m_fullQueueLine{LOG_ERROR};
     CLimitedLine m_lateLine{LOG_ERROR};

@@ -4,10 +4,6 @@
 
 #include "host/EventRecord.h"
 
-namespace asio = boost::asio;
-using boost::system::error_code;
-using std::chrono::steady_clock;
-
 CItemReader::CItemReader(CPeerLoop& loop, EPeer nFrom, EDeviceParser nParser, int nDeviceId, SItemCounts& counts)
     : m_loop(loop), m_nFrom(nFrom), m_nParser(nParser), m_nDeviceId(nDeviceId), m_counts(counts),
       m_pParser(MakeParser()), m_pFramedParser(DYNAMIC_DOWNCAST(CQORPlayCtlParser, m_pParser.get())) {}

@@ -27,7 +27,7 @@ public:
     void EndConnection();
 
     /// Since when it has waited for bytes; the end of time while it doesn't.
-    std::chrono::steady_clock::time_point SilentSince() const { return m_tSilent; }
+    steady_clock::time_point SilentSince() const { return m_tSilent; }
 
     unsigned long long ReceivedBytes() const { return m_nReceivedBytes; }
     const std::optional<SLastBytes>& LastReceived() const { return m_lastReceived; }
@@ -53,6 +53,6 @@ private:
     unsigned long long m_nRejected = 0;                 ///< as counted so far
     unsigned long long m_nReceivedBytes = 0;
     std::optional<SLastBytes> m_lastReceived;
-    std::chrono::steady_clock::time_point m_tSilent = std::chrono::steady_clock::time_point::max();
+    steady_clock::time_point m_tSilent = steady_clock::time_point::max();
     std::array<unsigned char, 65536> m_received;
 };

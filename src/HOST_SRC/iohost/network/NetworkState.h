@@ -20,7 +20,7 @@ struct SDeviceSetup {
     int nId = 0;
     std::string strName;
     EDeviceParser nParser = EDeviceParser::None;
-    std::optional<boost::asio::ip::tcp::endpoint> address;   ///< none: never connected; what is sent is shown only
+    std::optional<asio::ip::tcp::endpoint> address;          ///< none: never connected; what is sent is shown only
     std::optional<std::chrono::milliseconds> dropAfter = {}; ///< how long an item may wait; none: for ever
 
     bool operator==(const SDeviceSetup&) const = default;

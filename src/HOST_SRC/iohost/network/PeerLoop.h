@@ -12,7 +12,7 @@ public:
     /// The receiver must outlive the loop.
     explicit CPeerLoop(INetworkReceiver& receiver) : m_receiver(receiver) {}
 
-    boost::asio::io_context& Context() { return m_context; }
+    asio::io_context& Context() { return m_context; }
     CReadGate& Gate() { return m_gate; }
 
     /// Hand an item to the nodes; whether one of them took it. One that fails is logged, and the next ones come.
@@ -39,7 +39,7 @@ public:
 
 private:
     INetworkReceiver& m_receiver;
-    boost::asio::io_context m_context{1};
+    asio::io_context m_context{1};
     CReadGate m_gate{m_context};
     CLimitedLine m_faultLine{LOG_ERROR};
     unsigned long long m_nHandedOver = 0;

@@ -8,10 +8,6 @@
 #include "base/Refusal.h"
 #include "host/HostCommon.h"
 
-namespace asio = boost::asio;
-using boost::system::error_code;
-using std::chrono::steady_clock;
-
 namespace {
 
 asio::ip::address ReadAddress(const SListenSetup& setup, const char* pszDefault) {

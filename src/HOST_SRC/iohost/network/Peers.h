@@ -28,7 +28,7 @@ public:
     ~CPeers() { Close(); }
 
     /// The loop that all of it runs in. A front may run it, and may put its own work into it.
-    boost::asio::io_context& Context() { return m_loop.Context(); }
+    asio::io_context& Context() { return m_loop.Context(); }
 
     /// Replace the devices and connect each anew; nothing: there is no list then.
     void SetDevices(std::optional<std::vector<SDeviceSetup>> setups);

@@ -9,7 +9,7 @@ constexpr std::chrono::milliseconds LONGEST_TURN{2};
 
 } // namespace
 
-CReadGate::CReadGate(boost::asio::io_context& context)
+CReadGate::CReadGate(asio::io_context& context)
     : m_context(context), m_timer(context, SteadyTimer::time_point::max()) {}
 
 void CReadGate::Open() {
@@ -27,19 +27,19 @@ bool CReadGate::MayPass() {
     if (!m_bOpen || !m_bInTurns) {
         return m_bOpen;
     }
-    const auto tNow = std::chrono::steady_clock::now();
+    const auto tNow = steady_clock::now();
     if (!m_tTurnEnd) {
         m_tTurnEnd = tNow + LONGEST_TURN;
-        boost::asio::post(m_context, [this] { m_tTurnEnd.reset(); });
+        asio::post(m_context, [this] { m_tTurnEnd.reset(); });
     }
     return tNow < *m_tTurnEnd;
 }
 
 Awaitable<void> CReadGate::AwaitChance() {
     if (m_bOpen) {
-        co_await boost::asio::post(m_context, boost::asio::use_awaitable_t<Executor>());
+        co_await asio::post(m_context, asio::use_awaitable_t<Executor>());
     } else {
-        boost::system::error_code ignored;
+        error_code ignored;
         co_await m_timer.async_wait(AwaitInto(ignored));
     }
 }

@@ -8,7 +8,7 @@
 /// While it is closed nothing is made of bytes that came in. Each connection thus reads one piece ahead at most.
 class CReadGate {
 public:
-    explicit CReadGate(boost::asio::io_context& context);
+    explicit CReadGate(asio::io_context& context);
 
     void Open();
     void Close() { m_bOpen = false; }
@@ -31,9 +31,9 @@ private:
     bool MayPass();
     Awaitable<void> AwaitChance();
 
-    boost::asio::io_context& m_context;
+    asio::io_context& m_context;
     SteadyTimer m_timer; ///< never expires by itself
     bool m_bOpen = false;
     bool m_bInTurns = false;
-    std::optional<std::chrono::steady_clock::time_point> m_tTurnEnd; ///< none: no turn has begun
+    std::optional<steady_clock::time_point> m_tTurnEnd; ///< none: no turn has begun
 };

@@ -8,10 +8,10 @@
 
 class CReconnection {
 public:
-    explicit CReconnection(boost::asio::io_context& context) : m_timer(context) {}
+    explicit CReconnection(asio::io_context& context) : m_timer(context) {}
 
     /// A connection that lasted so long is over. After a good one the next is tried without a long pause.
-    void OnConnectionLasted(std::chrono::steady_clock::duration time) {
+    void OnConnectionLasted(steady_clock::duration time) {
         constexpr std::chrono::seconds GOOD_CONNECTION{1};
         m_pause = time >= GOOD_CONNECTION ? SHORTEST_PAUSE : m_pause;
     }

@@ -20,10 +20,6 @@
 #include "base/TextUtf8.h"
 #include "protocol/Shapes.h"
 
-namespace asio = boost::asio;
-using boost::system::error_code;
-using std::chrono::steady_clock;
-
 namespace {
 
 /// What a sender that doesn't read may leave unanswered; more isn't answered at all.

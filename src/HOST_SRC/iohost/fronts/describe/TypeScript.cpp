@@ -137,7 +137,7 @@ private:
     std::string Body(HeldIdentity*) { return "number | string"; }
     std::string Body(Sent*) { return Type<SSentRecord>() + " | " + Type<SSentBytes>(); }
     std::string Body(std::vector<unsigned char>*) { return "string"; } // hexadecimal
-    std::string Body(boost::asio::ip::tcp::endpoint*) { return "string"; }
+    std::string Body(asio::ip::tcp::endpoint*) { return "string"; }
     std::string Body(std::chrono::milliseconds*) { return "number"; } // seconds
     std::string Body(LineRefusalCounts*) { return "Record<string, number>"; }
     // As their own code writes them.

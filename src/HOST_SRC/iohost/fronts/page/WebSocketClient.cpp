@@ -8,10 +8,8 @@
 
 #include "fronts/page/QueuedTexts.h"
 
-namespace asio = boost::asio;
 namespace beast = boost::beast;
 namespace websocket = beast::websocket;
-using boost::system::error_code;
 
 namespace {
 

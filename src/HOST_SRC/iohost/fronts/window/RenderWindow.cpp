@@ -67,10 +67,9 @@ public:
         for (const int nSignal : EndSignals()) {
             m_signals.add(nSignal);
         }
-        m_signals.async_wait([this](const boost::system::error_code& error, int) { m_bEnding = m_bEnding || !error; });
+        m_signals.async_wait([this](const error_code& error, int) { m_bEnding = m_bEnding || !error; });
         m_output.Stream() << "iohost: the window is open\n" << std::flush;
 
-        using std::chrono::steady_clock;
         m_tStart = steady_clock::now();
         m_tNext = m_tStart;
         while (!m_bEnding && !m_session.HasQuit()) {
@@ -149,7 +148,6 @@ private:
 
     /// What waits is handled, and a frame runs when it's due.
     void Advance() {
-        using std::chrono::steady_clock;
         HandleInput();
         HandleNetwork();
         if (steady_clock::now() >= m_tNext) {
@@ -168,8 +166,7 @@ private:
 
     /// For a few milliseconds at most: items may come without end.
     void HandleNetwork() {
-        using std::chrono::steady_clock;
-        boost::asio::io_context& context = m_session.Peers().Context();
+        asio::io_context& context = m_session.Peers().Context();
         const auto tEnd = steady_clock::now() + std::chrono::milliseconds(5);
         context.restart();
         RunLoop([&] {
@@ -257,7 +254,7 @@ private:
     CTerminalLines m_terminal;
     COutputChanges m_outputs;
     std::deque<CString> m_lines; ///< what was printed last
-    boost::asio::signal_set m_signals;
+    asio::signal_set m_signals;
     bool m_bEnding = false;
 };
 
