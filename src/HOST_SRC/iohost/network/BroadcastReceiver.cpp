@@ -5,12 +5,6 @@
 #include "base/HostLine.h"
 #include "host/EventRecord.h"
 
-namespace {
-
-constexpr std::chrono::seconds RETRY_PAUSE{1};
-
-} // namespace
-
 CBroadcastReceiver::CBroadcastReceiver(CPeerLoop& loop, const asio::ip::udp::endpoint& endpoint)
     : m_loop(loop), m_endpoint(endpoint), m_state{.nPort = endpoint.port()}, m_socket(loop.Context()),
       m_timer(loop.Context()) {}
@@ -48,6 +42,7 @@ void CBroadcastReceiver::CloseSocket() {
 }
 
 Awaitable<void> CBroadcastReceiver::Run() {
+    constexpr std::chrono::seconds RETRY_PAUSE{1};
     while (!m_bStopped) {
         try {
             const std::string strProblem = m_socket.is_open() ? std::string() : Open();

@@ -9,7 +9,6 @@
 namespace {
 
 constexpr size_t MOST_CONNECTIONS = 64;
-constexpr std::chrono::milliseconds ACCEPT_PAUSE{100};
 
 } // namespace
 
@@ -100,6 +99,7 @@ SControlState CControlListener::State() const {
 }
 
 Awaitable<void> CControlListener::Run() {
+    constexpr std::chrono::milliseconds PAUSE{100};
     while (!m_bStopped) {
         std::string strError;
         try {
@@ -110,7 +110,7 @@ Awaitable<void> CControlListener::Run() {
         if (!strError.empty() && !m_bStopped) {
             // Mostly the system is short of something: a pause leaves it the time to get over that.
             CountError(strError);
-            co_await Pause(m_timer, ACCEPT_PAUSE);
+            co_await Pause(m_timer, PAUSE);
         }
     }
 }

@@ -9,12 +9,6 @@
 
 namespace {
 
-constexpr std::chrono::seconds CONNECT_TIME{5};
-
-/// How long a device may leave unanswered what it's sent, and how often that is looked at.
-constexpr std::chrono::seconds ANSWER_TIME{10};
-constexpr std::chrono::seconds ANSWER_LOOK{1};
-
 constexpr const char* NO_ANSWER = "no answer";
 
 } // namespace
@@ -23,6 +17,7 @@ CDeviceConnection::CDeviceConnection(CPeerLoop& loop)
     : m_loop(loop), m_stream(loop.Context()), m_answerTimer(loop.Context()) {}
 
 Awaitable<std::string> CDeviceConnection::Connect(asio::ip::tcp::endpoint address) {
+    constexpr std::chrono::seconds CONNECT_TIME{5};
     error_code error;
     m_stream.expires_after(CONNECT_TIME);
     co_await m_stream.async_connect(address, AwaitInto(error));
@@ -98,10 +93,12 @@ void CDeviceConnection::OnWritten(const error_code& error) {
     }
 }
 
-/// Look from time to time whether the device still answers, until the connection ends.
+/// Look from time to time whether the device still answers what it's sent, until the connection ends.
 void CDeviceConnection::WatchAnswers() {
+    constexpr std::chrono::seconds ANSWER_LOOK{1};
     m_answerTimer.expires_after(ANSWER_LOOK);
     m_answerTimer.async_wait([pSelf = shared_from_this()](const error_code& error) {
+        constexpr std::chrono::seconds ANSWER_TIME{10};
         if (error || !pSelf->m_bConnected) {
             return;
         }

@@ -9,9 +9,6 @@
 
 namespace {
 
-/// Once nothing was refused for so long, items are taken again.
-constexpr std::chrono::seconds REFUSALS_END{10};
-
 std::string ItemsText(size_t nItems) {
     return std::to_string(nItems) + (nItems == 1 ? " item" : " items");
 }
@@ -110,6 +107,7 @@ void CDeviceLink::Send(std::span<const unsigned char> bytes) {
 
 /// Never waits. Answers why the item was refused; null: it wasn't.
 const char* CDeviceLink::Queue(std::span<const unsigned char> bytes, CSendQueue::Sender sender) {
+    constexpr std::chrono::seconds REFUSALS_END{10}; // after it, items count as taken again
     m_loop.OnStateChanged();
     const bool bShownOnly = !Setup().address || m_loop.IsListenOnly();
     if (bytes.empty() || (!bShownOnly && bytes.size() > CSendQueue::MOST_BYTES)) {

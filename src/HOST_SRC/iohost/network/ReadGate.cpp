@@ -2,13 +2,6 @@
 
 #include <boost/asio/post.hpp>
 
-namespace {
-
-/// How long items are handled before the loop sees to something else; much shorter than a frame.
-constexpr std::chrono::milliseconds LONGEST_TURN{2};
-
-} // namespace
-
 CReadGate::CReadGate(asio::io_context& context)
     : m_context(context), m_timer(context, SteadyTimer::time_point::max()) {}
 
@@ -24,6 +17,7 @@ void CReadGate::OpenInTurns() {
 
 /// A turn begins with its first item. It ends when the loop has come to all that waited then.
 bool CReadGate::MayPass() {
+    constexpr std::chrono::milliseconds LONGEST_TURN{2}; // much shorter than a frame
     if (!m_bOpen || !m_bInTurns) {
         return m_bOpen;
     }

@@ -2,13 +2,6 @@
 
 #include <algorithm>
 
-namespace {
-
-/// Bytes written at once: a slow device sees its queue shrink step by step.
-constexpr std::size_t MOST_WRITTEN = std::size_t{64} << 10;
-
-} // namespace
-
 bool CSendQueue::Push(std::span<const unsigned char> item, Sender sender, Time tNow) {
     if (ItemCount() >= MOST_ITEMS || item.size() > MOST_BYTES - ByteCount()) {
         return false;
@@ -20,6 +13,7 @@ bool CSendQueue::Push(std::span<const unsigned char> item, Sender sender, Time t
 
 /// What is given to be written can't be dropped any longer: items that may become late are given one at a time.
 std::shared_ptr<const CSendQueue::Bytes> CSendQueue::BeginWrite(Time tNow) {
+    constexpr std::size_t MOST_WRITTEN = std::size_t{64} << 10; // so that a slow device's queue shrinks step by step
     DropLate(tNow);
     Bytes& writing = *m_pWriting;
     std::size_t nSkipped = m_nBegun;

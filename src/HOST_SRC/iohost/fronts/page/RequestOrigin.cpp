@@ -6,8 +6,6 @@
 
 namespace {
 
-constexpr unsigned short HTTP_PORT = 80;
-
 /// IPv6 addresses stand in brackets before a port.
 std::string HostText(std::string_view address) {
     const std::string strAddress(address);
@@ -17,6 +15,7 @@ std::string HostText(std::string_view address) {
 } // namespace
 
 CRequestOrigin::CRequestOrigin(std::string_view boundAddress, std::string_view localAddress, unsigned short nPort) {
+    constexpr unsigned short HTTP_PORT = 80;
     std::vector<std::string_view> names = {boundAddress, localAddress};
     if (localAddress == "127.0.0.1" || localAddress == "::1") {
         names.push_back("localhost");

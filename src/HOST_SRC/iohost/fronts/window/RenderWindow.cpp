@@ -21,7 +21,6 @@
 namespace {
 
 constexpr wchar_t WINDOW_CLASS[] = L"iohost render window";
-constexpr size_t MOST_LINES = 200;
 constexpr UINT_PTR MODAL_TIMER = 1;
 
 /// Joins the window, the frames and the session: one thread, one loop.
@@ -183,6 +182,7 @@ private:
 
     /// What was printed goes to the terminal and into the window.
     void Show() {
+        constexpr size_t MOST_LINES = 200;
         const std::string strText = m_printed.str();
         if (strText.empty()) {
             return;

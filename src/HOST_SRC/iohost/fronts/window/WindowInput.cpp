@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr DWORD HOVER_TIME = 400; // milliseconds of rest
-
 /// What a message says of a mouse button.
 struct SButtonMessage {
     UINT nMessage;
@@ -86,6 +84,7 @@ std::string KeyText(UINT nVirtualKey, unsigned nPlace) {
 }
 
 void TrackPointer(HWND hWnd) {
+    constexpr DWORD HOVER_TIME = 400; // milliseconds of rest
     TRACKMOUSEEVENT tracking = {sizeof(tracking), TME_LEAVE | TME_HOVER, hWnd, HOVER_TIME};
     TrackMouseEvent(&tracking);
 }
