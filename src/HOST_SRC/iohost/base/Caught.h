@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "base/LimitedLine.h"
+#include "base/HostLine.h"
 
 /// In a catch block: what was thrown, in words. An exception of the class library is deleted.
 std::string CaughtText();

@@ -2,7 +2,6 @@
 
 #include "BroadcastDatagram.h"
 #include "base/Caught.h"
-#include "base/HostLine.h"
 #include "host/EventRecord.h"
 
 CBroadcastReceiver::CBroadcastReceiver(CPeerLoop& loop, const asio::ip::udp::endpoint& endpoint)

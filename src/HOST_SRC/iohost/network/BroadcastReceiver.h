@@ -9,7 +9,7 @@
 #include <array>
 #include <memory>
 
-#include "base/LimitedLine.h"
+#include "base/HostLine.h"
 #include "network/NetworkState.h"
 
 using UdpSocket = asio::basic_datagram_socket<asio::ip::udp, Executor>;

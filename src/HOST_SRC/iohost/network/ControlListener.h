@@ -7,7 +7,7 @@
 #include <set>
 #include <string>
 
-#include "base/LimitedLine.h"
+#include "base/HostLine.h"
 #include "base/Listener.h"
 #include "network/NetworkState.h"
 

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "base/Caught.h"
-#include "base/HostLine.h"
 #include "base/Refusal.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "SocketTransport.h"
-#include "base/LimitedLine.h"
+#include "base/HostLine.h"
 #include "host/PlayControlDevice.h"
 #include "network/NetworkState.h"
 #include "network/Reconnection.h"

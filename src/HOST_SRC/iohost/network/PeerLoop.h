@@ -9,7 +9,7 @@
 #include <string>
 
 #include "base/Caught.h"
-#include "base/LimitedLine.h"
+#include "base/HostLine.h"
 #include "base/Names.h"
 #include "host/EventRecord.h"
 #include "host/PlayControlItem.h"

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/Clock.h"
-#include "base/LimitedLine.h"
+#include "base/HostLine.h"
 #include "engine/Host.h"
 #include "network/Peers.h"
 #include "session/Command.h"

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "base/LimitedLine.h"
+#include "base/HostLine.h"
 #include "session/Session.h"
 
 class CUnsavedScene {

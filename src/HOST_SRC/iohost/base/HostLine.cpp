@@ -1,6 +1,11 @@
-#include "base/LimitedLine.h"
+#include "base/HostLine.h"
 
 #include <utility>
+
+void WriteHostLine(EVEKLogLevel nLevel, const std::string& strText) {
+    const CString strLine = FromUtf8(strText);
+    NSVEKLog::WriteLog(nLevel, 0, 0, 0, 0, L"%s", strLine.GetString());
+}
 
 void CLimitedLine::Write(const std::string& strText) {
     constexpr std::chrono::seconds PAUSE{10};
