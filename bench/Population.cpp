@@ -64,6 +64,7 @@ CBenchHost::CBenchHost() {
     if (m_hWnd == nullptr) {
         throw std::runtime_error("no event window");
     }
+    m_mainWindow.emplace(m_hWnd);
 }
 
 CBenchHost::~CBenchHost() {

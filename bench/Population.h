@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -59,7 +60,7 @@ private:
     HMODULE m_hModule = nullptr;
     IOProcessFuncType m_pIOProcessFunc = nullptr;
     HWND m_hWnd = nullptr;
-    CMainWindow m_mainWindow;
+    std::optional<CMainWindow> m_mainWindow;
 };
 
 /// Post a general event to the node's event window, as cheaply as it can be: with names and display texts that are made

@@ -144,11 +144,11 @@ private:
     void Prepare(SNode& node, const SNodeStart& start, const SNodeContents& contents);
 
     CScene m_scene;
-    CMainWindow m_mainWindow;
     CActivityLog m_activity{m_scene};
     CJsonVerdicts m_jsonVerdicts;
     CEventWindow m_window{m_activity};
-    std::unique_ptr<CModule> m_pModule; ///< null once closed
+    CMainWindow m_mainWindow{m_window.Handle()}; ///< in a session without a render window the event window stands in
+    std::unique_ptr<CModule> m_pModule;          ///< null once closed
     SIOProcessPluginData m_data;
     ETextTable m_nTexts = ETextTable::Keys;
     const VEKProperty* m_pLastDestroyed = nullptr;

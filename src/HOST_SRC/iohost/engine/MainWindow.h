@@ -8,7 +8,8 @@
 /// There is one at a time. The window starts present and enabled; the destructor takes it away.
 class CMainWindow : boost::noncopyable {
 public:
-    CMainWindow();
+    /// hHidden is the main window while no window that can be seen is. It must outlive this object.
+    explicit CMainWindow(HWND hHidden);
     ~CMainWindow();
 
     /// Whether the application has a main window, and whether that is enabled.
@@ -19,5 +20,5 @@ public:
 
 private:
     CWnd m_window;
-    HWND m_hHiddenWnd;
+    const HWND m_hHidden;
 };
