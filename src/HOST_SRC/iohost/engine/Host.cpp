@@ -9,8 +9,6 @@
 
 namespace {
 
-bool s_bOpen = false;
-
 /// Nodes that the module unlinked without freeing them. Nobody calls or frees them; they are kept here, to the end of
 /// the process, so that they can be told from nodes that got lost.
 std::vector<const VEKProperty*>& UnlinkedNodes() {
@@ -41,15 +39,7 @@ PinKinds KindsOf(const VEKParamGroupList& lstGroup) {
 
 } // namespace
 
-CHost::CHost() {
-    SetNodeSink(this);
-    s_bOpen = true;
-}
-
 std::unique_ptr<CHost> CHost::Open(const SSessionOptions& options) {
-    if (s_bOpen) {
-        throw std::runtime_error("a session is open in this process already");
-    }
     const std::string strFolder = "the application folder " + Utf8(options.appFolder);
     std::error_code error;
     if (!std::filesystem::is_directory(options.appFolder, error)) {
@@ -74,7 +64,6 @@ CHost::~CHost() {
     SetNodeSink(nullptr);
     SetTextTable(ETextTable::Keys);
     SetAppPath(CString());
-    s_bOpen = false;
 }
 
 void CHost::Close() {

@@ -138,7 +138,7 @@ private:
         CHost& m_host;
     };
 
-    CHost();
+    CHost() { SetNodeSink(this); }
 
     void OnNodeDestroyed(const VEKProperty* pNode) override;
     void Prepare(SNode& node, const SNodeStart& start, const SNodeContents& contents);
