@@ -15,19 +15,21 @@ void CHistory::Add(SStep step, SScenePart before, SScenePart after) {
         m_nBytes -= m_entries.back().nBytes;
         m_entries.pop_back();
     }
-    const unsigned long long nBefore = std::exchange(m_nState, ++m_nStates);
+    m_states.resize(m_nDone + 1);
+    m_states.push_back(++m_nLastState);
     const size_t nBytes = BytesOf(before) + BytesOf(after);
-    m_entries.push_back({std::move(step), std::move(before), std::move(after), nBefore, m_nState, nBytes, {}});
+    m_entries.push_back({std::move(step), std::move(before), std::move(after), nBytes, {}});
     m_nBytes += nBytes;
     while (m_entries.size() > MOST_STEPS || (m_nBytes > MOST_BYTES && m_entries.size() > 1)) {
         m_nBytes -= m_entries.front().nBytes;
         m_entries.pop_front();
+        m_states.erase(m_states.begin());
     }
     m_nDone = m_entries.size();
 }
 
 void CHistory::NoteOpened(const std::string& strFile, bool bUnsaved) {
-    m_entries.back().otherKept = std::exchange(m_kept, {strFile, bUnsaved ? NO_STATE : m_nState});
+    m_entries.back().otherKept = std::exchange(m_kept, {strFile, bUnsaved ? NO_STATE : State()});
 }
 
 void CHistory::Begin(const std::string& strFile) {
@@ -36,7 +38,7 @@ void CHistory::Begin(const std::string& strFile) {
 }
 
 void CHistory::NoteSaved(const std::string& strFile) {
-    m_kept = {strFile, m_nState};
+    m_kept = {strFile, State()};
     for (SEntry& entry : m_entries) {
         if (entry.otherKept && entry.otherKept->strFile == strFile) {
             entry.otherKept->nState = NO_STATE; // the file has this scene now
@@ -63,7 +65,6 @@ SSceneChange CHistory::Move(bool bForth, CHost& host, CPeers& peers) {
         throw;
     }
     m_nDone = bForth ? m_nDone + 1 : m_nDone - 1;
-    m_nState = bForth ? entry.nStateAfter : entry.nStateBefore;
     if (entry.otherKept) {
         std::swap(m_kept, *entry.otherKept);
     }
@@ -78,15 +79,9 @@ std::vector<SStep> CHistory::Steps() const {
     return steps;
 }
 
-std::vector<unsigned long long> CHistory::States() const {
-    std::vector states{m_entries.empty() ? m_nState : m_entries.front().nStateBefore};
-    std::ranges::transform(m_entries, std::back_inserter(states), &SEntry::nStateAfter);
-    return states;
-}
-
 void CHistory::Clear() {
     m_entries.clear();
     m_nDone = 0;
     m_nBytes = 0;
-    m_nState = ++m_nStates;
+    m_states = {++m_nLastState};
 }

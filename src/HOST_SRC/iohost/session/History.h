@@ -49,16 +49,16 @@ public:
     std::vector<SStep> Steps() const;
 
     /// Numbers of the scene's states before the first step and after each.
-    std::vector<unsigned long long> States() const;
+    const std::vector<unsigned long long>& States() const { return m_states; }
     size_t Done() const { return m_nDone; }
 
     /// Forget all steps: the scene isn't what they left.
     void Clear();
 
     /// Number of the scene's present state. States that undoing and redoing come back to have the same number.
-    unsigned long long State() const { return m_nState; }
+    unsigned long long State() const { return m_states[m_nDone]; }
 
-    SSceneFile File() const { return {m_kept.strFile, m_kept.nState != m_nState}; }
+    SSceneFile File() const { return {m_kept.strFile, m_kept.nState != State()}; }
 
 private:
     /// A file, and which state of the scene it has.
@@ -71,16 +71,14 @@ private:
         SStep step;
         SScenePart before;
         SScenePart after;
-        unsigned long long nStateBefore;
-        unsigned long long nStateAfter;
         size_t nBytes;
         std::optional<SKept> otherKept; ///< of a step that brought another scene: where the other one is kept
     };
 
     std::deque<SEntry> m_entries;
     size_t m_nDone = 0;
-    size_t m_nBytes = 0; ///< of all entries
-    unsigned long long m_nState = 0;
-    unsigned long long m_nStates = 0; ///< the last number given
+    size_t m_nBytes = 0;                         ///< of all entries
+    std::vector<unsigned long long> m_states{0}; ///< before the first entry and after each
+    unsigned long long m_nLastState = 0;         ///< the last number given
     SKept m_kept;
 };
