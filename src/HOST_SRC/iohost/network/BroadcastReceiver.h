@@ -12,8 +12,6 @@
 #include "base/HostLine.h"
 #include "network/NetworkState.h"
 
-using UdpSocket = asio::basic_datagram_socket<asio::ip::udp, Executor>;
-
 class CBroadcastReceiver : public std::enable_shared_from_this<CBroadcastReceiver> {
 public:
     /// The loop must outlive its handlers.
@@ -44,7 +42,7 @@ private:
     CPeerLoop& m_loop;
     const asio::ip::udp::endpoint m_endpoint;
     SBroadcastState m_state; ///< its port is the one that was had, where the endpoint says any
-    UdpSocket m_socket;
+    asio::basic_datagram_socket<asio::ip::udp, Executor> m_socket;
     SteadyTimer m_timer;
     bool m_bStopped = false;
     CLimitedLine m_errorLine{LOG_ERROR};

@@ -22,7 +22,6 @@ public:
 
     /// What waits for the device. Whoever appends to it calls Write.
     CSendQueue& Queue() { return m_queue; }
-    const CSendQueue& Queue() const { return m_queue; }
 
     /// Write what waits, if it may be written now.
     void Write();

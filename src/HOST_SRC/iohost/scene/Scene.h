@@ -173,7 +173,6 @@ public:
 
     /// The texts on the canvas.
     Notes& CanvasNotes() { return m_notes; }
-    const Notes& CanvasNotes() const { return m_notes; }
 
     /// Trigger an input for its node's next evaluation.
     void Trigger(SNode& node, unsigned nInput);
