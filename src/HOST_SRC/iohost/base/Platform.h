@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -48,5 +47,5 @@ inline constexpr int STANDARD_ERROR = 2;
 /// buffer, so the end of the program waits for no reader.
 bool WriteStandard(int nStream, std::string_view text);
 
-/// The signals that ask the program to end.
-std::span<const int> EndSignals();
+/// The signal that asks the program to end, beside SIGINT and SIGTERM, as its terminal does.
+extern const int TERMINAL_SIGNAL;

@@ -1,6 +1,5 @@
 #include "base/Platform.h"
 
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <utility>
@@ -88,7 +87,4 @@ bool WriteStandard(int nStream, std::string_view text) {
     return true;
 }
 
-std::span<const int> EndSignals() {
-    static constexpr std::array SIGNALS = {SIGINT, SIGTERM, SIGHUP};
-    return SIGNALS;
-}
+const int TERMINAL_SIGNAL = SIGHUP;

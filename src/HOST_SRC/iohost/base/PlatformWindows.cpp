@@ -1,7 +1,6 @@
 #include "base/Platform.h"
 
 #include <algorithm>
-#include <array>
 #include <csignal>
 #include <utility>
 
@@ -119,7 +118,4 @@ bool WriteStandard(int nStream, std::string_view text) {
     return true;
 }
 
-std::span<const int> EndSignals() {
-    static constexpr std::array SIGNALS = {SIGINT, SIGTERM, SIGBREAK};
-    return SIGNALS;
-}
+const int TERMINAL_SIGNAL = SIGBREAK;

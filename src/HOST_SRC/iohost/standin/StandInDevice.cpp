@@ -5,6 +5,7 @@
 
 #include <array>
 #include <chrono>
+#include <csignal>
 #include <deque>
 #include <iostream>
 #include <memory>
@@ -265,10 +266,7 @@ int RunStandInDevice(const SStandInOptions& options, std::function<bool(std::str
     }
     const CErrorLines errorLines;
     CLines lines(context, std::move(write));
-    asio::signal_set signals(context);
-    for (const int nSignal : EndSignals()) {
-        signals.add(nSignal);
-    }
+    asio::signal_set signals(context, SIGINT, SIGTERM, TERMINAL_SIGNAL);
     signals.async_wait([&](const error_code& signalError, int) {
         if (!signalError) {
             context.stop();

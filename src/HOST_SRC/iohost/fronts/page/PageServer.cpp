@@ -10,6 +10,7 @@
 #include <boost/asio/signal_set.hpp>
 
 #include <algorithm>
+#include <csignal>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -78,10 +79,6 @@ public:
     }
 
     void Run() {
-        // Whoever reads the address may end the host at once: signals are kept from here on.
-        for (const int nSignal : EndSignals()) {
-            m_signals.add(nSignal);
-        }
         std::ostream& output = m_output.Stream();
         output << "iohost: page at http://" << m_strAddress << "/" << m_pSite->token.Query() << "\n";
         if (!m_pSite->token.Query().empty()) {
@@ -440,7 +437,7 @@ private:
     COutputChanges m_outputs;
     std::optional<std::vector<SObjectState>> m_toldObjects; ///< none: nobody knows them
     TcpAcceptor m_acceptor{m_context};
-    asio::signal_set m_signals{m_context};
+    asio::signal_set m_signals{m_context, SIGINT, SIGTERM, TERMINAL_SIGNAL};
     SteadyTimer m_goodbyeTimer{m_context};
     CFrameTimer m_frameTimer;
     CFrameTimer m_tellTimer{m_context, 1, [this] { TellFrame(); }};

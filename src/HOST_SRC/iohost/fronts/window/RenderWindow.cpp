@@ -5,6 +5,7 @@
 #include <boost/asio/signal_set.hpp>
 
 #include <algorithm>
+#include <csignal>
 #include <deque>
 #include <iostream>
 #include <sstream>
@@ -28,7 +29,7 @@ class CRenderWindow {
 public:
     CRenderWindow(CSession& session, const SWindowOptions& options)
         : m_session(session), m_held(session.Held().Open()), m_fFps(options.fFps), m_terminal(session, m_printed),
-          m_signals(session.Peers().Context()) {
+          m_signals(session.Peers().Context(), SIGINT, SIGTERM, TERMINAL_SIGNAL) {
         WNDCLASSW windowClass = {};
         windowClass.style = CS_HREDRAW | CS_VREDRAW;
         windowClass.lpfnWndProc = WindowProcedure;
@@ -62,9 +63,6 @@ public:
         m_session.Peers().RunAlways();
         if (const unsigned short nPort = ConfiguredBroadcastPort(); nPort != 0) {
             m_session.Peers().KeepReceivingBroadcasts(nPort);
-        }
-        for (const int nSignal : EndSignals()) {
-            m_signals.add(nSignal);
         }
         m_signals.async_wait([this](const error_code& error, int) { m_bEnding = m_bEnding || !error; });
         m_output.Stream() << "iohost: the window is open\n" << std::flush;
