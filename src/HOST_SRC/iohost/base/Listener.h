@@ -30,21 +30,18 @@ inline Awaitable<void> AcceptConnections(TcpAcceptor& acceptor, std::function<vo
     }
 }
 
-/// Open, bind and listen. On an error the acceptor is closed.
-inline void OpenListener(TcpAcceptor& acceptor, const asio::ip::tcp::endpoint& endpoint, error_code& error) {
-    acceptor.open(endpoint.protocol(), error);
-    if (!error) {
+/// Open, bind and listen. Empty, or why that can't be done; the acceptor is closed then.
+inline std::string OpenListener(TcpAcceptor& acceptor, const asio::ip::tcp::endpoint& endpoint) {
+    try {
+        acceptor.open(endpoint.protocol());
         LetPortBeReused(static_cast<std::uintptr_t>(acceptor.native_handle()));
-    }
-    if (!error) {
-        acceptor.bind(endpoint, error);
-    }
-    if (!error) {
-        acceptor.listen(asio::socket_base::max_listen_connections, error);
-    }
-    if (error) {
+        acceptor.bind(endpoint);
+        acceptor.listen();
+        return {};
+    } catch (const boost::system::system_error& problem) {
         error_code ignored;
         acceptor.close(ignored);
+        return problem.code().message();
     }
 }
 

@@ -62,10 +62,9 @@ CControlListener::CControlListener(CPeerLoop& loop, const asio::ip::tcp::endpoin
 CControlListener::~CControlListener() = default;
 
 std::string CControlListener::Open() {
-    error_code error;
-    OpenListener(m_acceptor, {m_endpoint.address(), m_state.nPort}, error);
-    if (error) {
-        return "TCP " + EndpointText(m_endpoint) + ": " + error.message();
+    const std::string strProblem = OpenListener(m_acceptor, {m_endpoint.address(), m_state.nPort});
+    if (!strProblem.empty()) {
+        return "TCP " + EndpointText(m_endpoint) + ": " + strProblem;
     }
     m_state.nPort = m_acceptor.local_endpoint().port();
     m_timer.cancel();

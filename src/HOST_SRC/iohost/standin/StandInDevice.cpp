@@ -258,10 +258,10 @@ int RunStandInDevice(const SStandInOptions& options, std::function<bool(std::str
     asio::io_context context{1};
     Senders senders;
     TcpAcceptor acceptor(context);
-    OpenListener(acceptor, {address, options.nPort}, error);
-    if (error) {
+    const std::string strProblem = OpenListener(acceptor, {address, options.nPort});
+    if (!strProblem.empty()) {
         std::cerr << "iohost: can't listen on " << EndpointText(asio::ip::tcp::endpoint(address, options.nPort)) << ": "
-                  << error.message() << "; --device PORT chooses another port\n";
+                  << strProblem << "; --device PORT chooses another port\n";
         return EXIT_REFUSED;
     }
     const CErrorLines errorLines;

@@ -59,10 +59,8 @@ public:
 
     /// Empty, or why the address can't be had.
     std::string Listen(const asio::ip::tcp::endpoint& endpoint) {
-        error_code error;
-        OpenListener(m_acceptor, endpoint, error);
-        if (error) {
-            return error.message();
+        if (std::string strProblem = OpenListener(m_acceptor, endpoint); !strProblem.empty()) {
+            return strProblem;
         }
         if (endpoint.port() != 0) {
             m_unsaved.SetFile(m_scenes.TakeOver(endpoint.port()));
