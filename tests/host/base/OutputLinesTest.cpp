@@ -70,12 +70,12 @@ TEST_F(OutputLines, ComeInOrderAndAreAllThereAtTheEnd) {
     {
         COutputLines lines(Options());
         for (int i = 0; i < 100; ++i) {
-            lines.Stream() << "line " << i << '\n' << std::flush;
-            strExpected += "line " + std::to_string(i) + "\n";
+            const std::string strLine = "line " + std::to_string(i) + "\n";
+            lines.Print(strLine);
+            strExpected += strLine;
         }
-        lines.Stream() << "not flushed";
     }
-    EXPECT_EQ(m_pReader->Taken(), strExpected + "not flushed");
+    EXPECT_EQ(m_pReader->Taken(), strExpected);
     EXPECT_EQ(m_closed.get_future().wait_for(std::chrono::seconds(0)), std::future_status::timeout);
 }
 
@@ -83,11 +83,11 @@ TEST_F(OutputLines, ThoseThatAStalledReaderLeavesNoRoomForAreCounted) {
     m_pReader->Stall(true);
     {
         COutputLines lines(Options(20));
-        lines.Stream() << "first\n" << std::flush;
+        lines.Print("first\n");
         m_pReader->AwaitCall();
-        lines.Stream() << "second\n" << std::flush;
-        lines.Stream() << "two\nlines too long\n" << std::flush;
-        lines.Stream() << "x\n" << std::flush; // there's room for it, but not before the others
+        lines.Print("second\n");
+        lines.Print("two\nlines too long\n");
+        lines.Print("x\n"); // there's room for it, but not before the others
         m_pReader->Stall(false);
     }
     EXPECT_EQ(m_pReader->Taken(), "first\nsecond\n3 missing\n");
@@ -98,7 +98,7 @@ TEST_F(OutputLines, AStalledReaderHoldsUpTheEndForAMomentOnly) {
     m_pReader->Stall(true);
     {
         COutputLines lines(Options());
-        lines.Stream() << "never read\n" << std::flush;
+        lines.Print("never read\n");
         m_pReader->AwaitCall();
     }
     EXPECT_EQ(m_pReader->Taken(), "");
@@ -109,9 +109,9 @@ TEST_F(OutputLines, AReaderThatGoesAwayIsTold) {
     m_pReader->GoAway();
     {
         COutputLines lines(Options());
-        lines.Stream() << "refused\n" << std::flush;
+        lines.Print("refused\n");
         m_closed.get_future().wait();
-        lines.Stream() << "dropped\n" << std::flush;
+        lines.Print("dropped\n");
     }
     EXPECT_EQ(m_pReader->Taken(), "refused\n");
 }

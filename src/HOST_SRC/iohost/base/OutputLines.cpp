@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <condition_variable>
 #include <mutex>
-#include <sstream>
 #include <thread>
 #include <utility>
 
@@ -52,32 +51,19 @@ struct COutputLines::SQueue {
     bool bDone = false;              ///< nothing is written any more
 };
 
-class COutputLines::CBuffer final : public std::stringbuf {
-public:
-    explicit CBuffer(SQueue& queue) : std::stringbuf(std::ios::out), m_queue(queue) {}
-
-private:
-    int sync() override {
-        m_queue.Add(str());
-        str({});
-        return 0;
-    }
-
-    SQueue& m_queue;
-};
-
-COutputLines::COutputLines(SOutputLinesOptions options)
-    : m_pQueue(std::make_shared<SQueue>(std::move(options))), m_pBuffer(std::make_unique<CBuffer>(*m_pQueue)),
-      m_pStream(std::make_unique<std::ostream>(m_pBuffer.get())) {
+COutputLines::COutputLines(SOutputLinesOptions options) : m_pQueue(std::make_shared<SQueue>(std::move(options))) {
     std::thread([pQueue = m_pQueue] { pQueue->Write(); }).detach();
 }
 
 COutputLines::~COutputLines() {
-    m_pStream->flush();
     std::unique_lock lock(m_pQueue->mutex);
     m_pQueue->bEnding = true;
     m_pQueue->changed.notify_all();
     m_pQueue->changed.wait_for(lock, m_pQueue->options.patience, [this] { return m_pQueue->bDone; });
+}
+
+void COutputLines::Print(const std::string& strLines) {
+    m_pQueue->Add(strLines);
 }
 
 SOutputLinesOptions TerminalOutput(int nStream) {

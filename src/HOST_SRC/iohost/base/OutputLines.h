@@ -5,7 +5,6 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -32,16 +31,13 @@ public:
     /// Waits as long as its patience until what is queued has been written.
     ~COutputLines();
 
-    /// What is put into it is queued when the stream is flushed, and never waits.
-    std::ostream& Stream() { return *m_pStream; }
+    /// Queues whole lines, and never waits.
+    void Print(const std::string& strLines);
 
 private:
-    class CBuffer;
     struct SQueue;
 
     std::shared_ptr<SQueue> m_pQueue; ///< shared with the thread
-    std::unique_ptr<CBuffer> m_pBuffer;
-    std::unique_ptr<std::ostream> m_pStream;
 };
 
 /// Lines for a person, on one of the standard streams.

@@ -43,7 +43,7 @@ public:
 
     template <typename... Members>
     void Print(const Members&... members) {
-        m_output.Stream() << JsonLine(members...) << std::flush;
+        m_output.Print(JsonLine(members...));
     }
 
 private:
@@ -58,7 +58,7 @@ public:
 
 private:
     void OnLogLine(const SLogLine& line) override {
-        m_output.Stream() << "iohost: " << PrintableText(Utf8(line.strText)) << std::endl;
+        m_output.Print("iohost: " + PrintableText(Utf8(line.strText)) + '\n');
     }
 
     COutputLines m_output{TerminalOutput(STANDARD_ERROR)};

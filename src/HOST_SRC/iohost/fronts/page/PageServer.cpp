@@ -48,7 +48,8 @@ class CPageServer final : public IWebSocketListener, private ISessionObserver {
 public:
     CPageServer(CSession& session, const SListenOptions& options, const CHttpFiles& files)
         : m_session(session), m_fFps(options.fFps), m_files(files), m_scenes(options.sceneFolder),
-          m_terminal(session, m_output.Stream()), m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }) {
+          m_terminal(session, [this](const std::string& strLines) { m_output.Print(strLines); }),
+          m_frameTimer(m_context, options.fFps, [this] { GuardedFrame(); }) {
         m_session.Attach(*this);
         // Connections know the scene of --scene by its name in their folder.
         CHistory& history = m_session.History();
@@ -77,12 +78,10 @@ public:
     }
 
     void Run() {
-        std::ostream& output = m_output.Stream();
-        output << "iohost: page at http://" << m_strAddress << "/" << m_pSite->token.Query() << "\n";
-        if (!m_pSite->token.Query().empty()) {
-            output << "iohost: whoever knows the address with its token can drive the nodes\n";
-        }
-        output.flush();
+        const std::string strQuery = m_pSite->token.Query();
+        m_output.Print(
+            "iohost: page at http://" + m_strAddress + "/" + strQuery + "\n" +
+            (strQuery.empty() ? "" : "iohost: whoever knows the address with its token can drive the nodes\n"));
         GuardedFrame(); // nodes take items once they have been evaluated
         m_session.Peers().RunAlways();
         if (const unsigned short nPort = ConfiguredBroadcastPort(); nPort != 0) {

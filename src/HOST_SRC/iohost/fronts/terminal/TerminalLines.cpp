@@ -22,7 +22,8 @@ std::string ValueText(const VEKParam& output, const SValues& values) {
 
 } // namespace
 
-CTerminalLines::CTerminalLines(CSession& session, std::ostream& stream) : m_session(session), m_stream(stream) {
+CTerminalLines::CTerminalLines(CSession& session, std::function<void(const std::string& strLines)> print)
+    : m_session(session), m_print(std::move(print)) {
     m_session.Attach(*this);
 }
 
@@ -31,29 +32,32 @@ CTerminalLines::~CTerminalLines() {
 }
 
 void CTerminalLines::OnDone(const SDone& done) {
-    const SActivity& activity = done.activity;
-    for (const SLogged& line : activity.logged) {
-        m_stream << "log " << line.nLevel << "  " << PrintableText(Utf8(line.strText)) << '\n';
+    std::string strLines;
+    for (const SLogged& line : done.activity.logged) {
+        strLines += "log " + std::to_string(line.nLevel) + "  " + PrintableText(Utf8(line.strText)) + '\n';
     }
-    for (const SFired& fired : activity.fired) {
+    for (const SFired& fired : done.activity.fired) {
         const auto nOutput = static_cast<unsigned>(fired.output.value_or(0));
-        m_stream << PrintableText("event  " + OutputText(fired.handle.value_or("?"), nOutput)) << '\n';
+        strLines += PrintableText("event  " + OutputText(fired.handle.value_or("?"), nOutput)) + '\n';
     }
-    if (!activity.logged.empty() || !activity.fired.empty()) {
-        m_stream.flush();
+    if (!strLines.empty()) {
+        m_print(strLines);
     }
 }
 
 void CTerminalLines::PrintOutputs(const OutputValues& changed) {
+    std::string strLines;
     for (const auto& [strHandle, outputs] : changed) {
         const SNode* pNode = m_session.Scene().Find(strHandle);
         for (const auto& [nOutput, values] : outputs) {
             const VEKParam* pOutput = FindParam(pNode->pGraphNode->m_lstOutputGroup, MakeParamGuid(nOutput));
-            m_stream << PrintableText("output  " + OutputText(strHandle, nOutput) + " = " + ValueText(*pOutput, values))
-                     << '\n';
+            strLines +=
+                PrintableText("output  " + OutputText(strHandle, nOutput) + " = " + ValueText(*pOutput, values)) + '\n';
         }
     }
-    m_stream.flush();
+    if (!strLines.empty()) {
+        m_print(strLines);
+    }
 }
 
 /// Clip and graph node of a node, id and name of its output.

@@ -2,15 +2,15 @@
 #pragma once
 
 #include <boost/core/noncopyable.hpp>
-#include <ostream>
+#include <functional>
 #include <string>
 
 #include "session/Session.h"
 
 class CTerminalLines final : private ISessionObserver, boost::noncopyable {
 public:
-    /// Prints what happens in the session, which must outlive it.
-    CTerminalLines(CSession& session, std::ostream& stream);
+    /// Prints whole lines of what happens in the session, which must outlive it.
+    CTerminalLines(CSession& session, std::function<void(const std::string& strLines)> print);
     ~CTerminalLines();
 
     /// Prints the new values of outputs.
@@ -21,5 +21,5 @@ private:
     std::string OutputText(const std::string& strHandle, unsigned nOutput) const;
 
     CSession& m_session;
-    std::ostream& m_stream;
+    const std::function<void(const std::string& strLines)> m_print;
 };

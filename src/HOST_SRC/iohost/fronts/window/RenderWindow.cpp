@@ -28,7 +28,8 @@ constexpr UINT_PTR MODAL_TIMER = 1;
 class CRenderWindow {
 public:
     CRenderWindow(CSession& session, const SWindowOptions& options)
-        : m_session(session), m_held(session.Held().Open()), m_fFps(options.fFps), m_terminal(session, m_printed),
+        : m_session(session), m_held(session.Held().Open()), m_fFps(options.fFps),
+          m_terminal(session, [this](const std::string& strLines) { Show(strLines); }),
           m_signals(session.Peers().Context(), SIGINT, SIGTERM, TERMINAL_SIGNAL) {
         WNDCLASSW windowClass = {};
         windowClass.style = CS_HREDRAW | CS_VREDRAW;
@@ -65,7 +66,7 @@ public:
             m_session.Peers().KeepReceivingBroadcasts(nPort);
         }
         m_signals.async_wait([this](const error_code& error, int) { m_bEnding = m_bEnding || !error; });
-        m_output.Stream() << "iohost: the window is open\n" << std::flush;
+        m_output.Print("iohost: the window is open\n");
 
         m_tStart = steady_clock::now();
         m_tNext = m_tStart;
@@ -158,7 +159,6 @@ private:
             m_session.Do(command, {.pHeld = &m_held});
             InvalidateRect(m_hWnd, nullptr, FALSE);
         }
-        Show();
     }
 
     /// For a few milliseconds at most: items may come without end.
@@ -175,19 +175,13 @@ private:
     void Frame() {
         m_session.Do(SFrameCommand{.bOutputs = false});
         m_terminal.PrintOutputs(m_outputs.Take(m_session.Scene()));
-        Show();
     }
 
-    /// What was printed goes to the terminal and into the window.
-    void Show() {
+    /// What is printed goes to the terminal and into the window.
+    void Show(const std::string& strLines) {
         constexpr size_t MOST_LINES = 200;
-        const std::string strText = m_printed.str();
-        if (strText.empty()) {
-            return;
-        }
-        m_printed.str({});
-        m_output.Stream() << strText << std::flush;
-        std::istringstream lines(strText);
+        m_output.Print(strLines);
+        std::istringstream lines(strLines);
         for (std::string strLine; std::getline(lines, strLine);) {
             m_lines.push_back(FromUtf8(strLine));
         }
@@ -248,7 +242,6 @@ private:
     HWND m_hWnd = nullptr;
     CWindowInput m_input;
     COutputLines m_output{TerminalOutput()};
-    std::ostringstream m_printed;
     CTerminalLines m_terminal;
     COutputChanges m_outputs;
     std::deque<CString> m_lines; ///< what was printed last
