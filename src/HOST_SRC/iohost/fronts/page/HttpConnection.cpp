@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -19,6 +20,7 @@
 #include "fronts/page/RequestOrigin.h"
 #include "network/TextLines.h"
 #include "protocol/Protocol.h"
+#include "protocol/Shapes.h"
 
 namespace asio = boost::asio;
 namespace beast = boost::beast;
@@ -204,7 +206,7 @@ Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer
         text.m_strClipName = FromUtf8(address->strClip);
         text.m_strObjectName = FromUtf8(address->strObject);
         text.m_strText = FromUtf8(strText);
-        SDone done = site.takeObjectText(text);
+        SDone done = site.session.Do(SEventCommand{.handle = {}, .nDevice = DEVICE_OBJECT_TEXT, .payload = text});
         CutForViewers(done);
         strReply = ReplyTo(done);
         status = done.outcome.error ? http::status::bad_request : http::status::ok;
@@ -226,6 +228,18 @@ std::shared_ptr<void> TakeSceneTurn(const SHttpSite& site) {
     return pTurn;
 }
 
+std::string LoadScene(CSession& session, const std::string& strText) {
+    try {
+        // The JSON may be large: it's freed before the scene is loaded.
+        const auto pScene = ReadScene(ParseJson(strText, "scene"), "scene");
+        SDone done = session.Do(SLoadCommand{pScene});
+        CutForViewers(done);
+        return ReplyTo(done);
+    } catch (const CRefusal& refusal) {
+        return ErrorReply(refusal.what());
+    }
+}
+
 /// Reads a scene's file and has it loaded, as TakeObjectText does with a text.
 Awaitable<Response> TakeScene(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head, const SHttpSite& site,
                               error_code& error) {
@@ -244,7 +258,7 @@ Awaitable<Response> TakeScene(TcpStream& stream, beast::flat_buffer& buffer, Req
     } else if (error) {
         strReply = ErrorReply("the request's body can't be read: " + error.message());
     } else {
-        strReply = site.loadScene(strText);
+        strReply = LoadScene(site.session, strText);
     }
     Response response = MakeReply(request, http::status::ok, strReply);
     response.keep_alive(!error && request.keep_alive());
@@ -252,11 +266,12 @@ Awaitable<Response> TakeScene(TcpStream& stream, beast::flat_buffer& buffer, Req
 }
 
 Response MakeSceneResponse(const Request& request, const SHttpSite& site) {
-    auto text = site.presentScene();
-    if (!text) {
+    const SDone done = site.session.Do(SSaveCommand());
+    const auto* pScene = std::get_if<SSceneDocument>(&done.outcome.result);
+    if (pScene == nullptr) {
         return MakeRefusal(request, http::status::service_unavailable, "The session has ended.");
     }
-    Response response = MakeResponse(request, http::status::ok, "application/json", std::move(*text));
+    Response response = MakeResponse(request, http::status::ok, "application/json", SceneText(*pScene));
     response.set(http::field::content_disposition, "attachment; filename=\"scene.json\"");
     return response;
 }

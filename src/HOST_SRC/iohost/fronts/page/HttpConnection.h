@@ -3,9 +3,7 @@
 
 #include "base/Network.h"
 
-#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "fronts/page/AccessToken.h"
@@ -21,15 +19,7 @@ struct SHttpSite {
     unsigned short nPort;
     CAccessToken token;
     IWebSocketListener& listener; ///< of the WebSocket /session
-
-    /// Hands a posted text to the nodes.
-    std::function<SDone(const SObjectTextData& text)> takeObjectText;
-
-    /// The scene as a file's text; nothing once the session has ended.
-    std::function<std::optional<std::string>()> presentScene;
-
-    /// Loads a scene from a file's text; returns the reply's text.
-    std::function<std::string(const std::string& strText)> loadScene;
+    CSession& session;
     mutable std::weak_ptr<void> sceneTurn = {}; ///< whoever is being sent the scene, or uploads one
 };
 

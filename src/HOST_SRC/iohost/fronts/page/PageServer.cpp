@@ -68,12 +68,10 @@ public:
         }
         const auto bound = m_acceptor.local_endpoint();
         m_strAddress = EndpointText(bound);
-        m_pSite = std::make_unique<const SHttpSite>(SHttpSite{
-            m_files, bound.address().to_string(), bound.port(),
-            bound.address().is_loopback() ? CAccessToken() : CAccessToken::Make(bound.port()),
-            static_cast<IWebSocketListener&>(*this),
-            [this](const SObjectTextData& text) { return TakeObjectText(text); }, [this] { return PresentScene(); },
-            [this](const std::string& strText) { return LoadScene(strText); }});
+        m_pSite = std::make_unique<const SHttpSite>(
+            SHttpSite{m_files, bound.address().to_string(), bound.port(),
+                      bound.address().is_loopback() ? CAccessToken() : CAccessToken::Make(bound.port()),
+                      static_cast<IWebSocketListener&>(*this), m_session});
         return {};
     }
 
@@ -200,29 +198,6 @@ private:
         // Clients that don't say goodbye aren't waited for.
         m_goodbyeTimer.expires_after(GOODBYE_TIME);
         m_goodbyeTimer.async_wait([this](const error_code&) { m_context.stop(); });
-    }
-
-    SDone TakeObjectText(const SObjectTextData& text) {
-        return m_session.Do(SEventCommand{.handle = {}, .nDevice = DEVICE_OBJECT_TEXT, .payload = text});
-    }
-
-    /// Nothing once the session has ended.
-    std::optional<std::string> PresentScene() {
-        const SDone done = m_session.Do(SSaveCommand());
-        const auto* pScene = std::get_if<SSceneDocument>(&done.outcome.result);
-        return pScene != nullptr ? std::optional(SceneText(*pScene)) : std::nullopt;
-    }
-
-    std::string LoadScene(const std::string& strText) {
-        try {
-            // The JSON may be large: it's freed before the scene is loaded.
-            const auto pScene = ReadScene(ParseJson(strText, "scene"), "scene");
-            SDone done = m_session.Do(SLoadCommand{pScene});
-            CutForViewers(done);
-            return ReplyTo(done);
-        } catch (const CRefusal& refusal) {
-            return ErrorReply(refusal.what());
-        }
     }
 
     void Frame() {
