@@ -41,13 +41,9 @@ constexpr std::string_view GATHERED_TARGET = "/session/gathered";
 constexpr std::string_view SCENE_TARGET = "/scene";
 constexpr std::uint64_t LARGEST_SCENE = 256u << 20; ///< as of a file
 
-std::string_view View(beast::string_view text) {
-    return {text.data(), text.size()};
-}
-
 Response MakeResponse(const Request& request, http::status status, std::string_view contentType, std::string strBody) {
     Response response{status, request.version()};
-    response.set(http::field::content_type, beast::string_view(contentType.data(), contentType.size()));
+    response.set(http::field::content_type, contentType);
     response.set(http::field::cache_control, "no-store");
     response.set("X-Content-Type-Options", "nosniff");
     response.set("Referrer-Policy", "no-referrer");
@@ -70,19 +66,18 @@ std::string ContentSecurityPolicy(std::string_view host) {
 
 /// Why a request isn't answered, if it names another server, or comes from another server's page.
 std::optional<std::string_view> FindForeign(const Request& request, const CRequestOrigin& origin) {
-    if (request.count(http::field::host) != 1 || !origin.IsOwnHost(View(request[http::field::host]))) {
+    if (request.count(http::field::host) != 1 || !origin.IsOwnHost(request[http::field::host])) {
         return "The request's Host is not an address of this server.";
     }
     const auto nOrigins = request.count(http::field::origin);
-    if (nOrigins > 1 || (nOrigins == 1 && !origin.IsOwnOrigin(View(request[http::field::origin])))) {
+    if (nOrigins > 1 || (nOrigins == 1 && !origin.IsOwnOrigin(request[http::field::origin]))) {
         return "The request's Origin is not a page of this server.";
     }
     return std::nullopt;
 }
 
 bool HasToken(const Request& request, const CAccessToken& token) {
-    return token.IsIn(View(request[http::field::authorization]), View(request[http::field::cookie]),
-                      View(request.target()));
+    return token.IsIn(request[http::field::authorization], request[http::field::cookie], request.target());
 }
 
 /// Whether "gzip" is among the encodings that a request takes, and not as one that it refuses.
@@ -90,7 +85,7 @@ bool AcceptsGzip(const Request& request) {
     http::ext_list encodings(request[http::field::accept_encoding]);
     const auto gzip = encodings.find("gzip");
     return gzip != encodings.end() && std::ranges::none_of(gzip->second, [](const auto& parameter) {
-               return parameter.first == "q" && parameter.second.find_first_not_of("0.") == beast::string_view::npos;
+               return parameter.first == "q" && parameter.second.find_first_not_of("0.") == std::string_view::npos;
            });
 }
 
@@ -100,7 +95,7 @@ Response MakeFileResponse(const Request& request, const CHttpFiles& files, const
         response.set(http::field::allow, "GET, HEAD");
         return response;
     }
-    const SWebFile* pFile = files.Find(View(request.target()));
+    const SWebFile* pFile = files.Find(request.target());
     std::optional<SWebFileContents> contents =
         pFile != nullptr ? CHttpFiles::Read(*pFile, AcceptsGzip(request)) : std::nullopt;
     if (!contents) {
@@ -109,7 +104,7 @@ Response MakeFileResponse(const Request& request, const CHttpFiles& files, const
                    ? MakeRefusal(request, http::status::service_unavailable, "The file can't be read at the moment.")
                    : MakeRefusal(request, http::status::not_found, "There is no such file.");
     }
-    const bool bKnown = View(request[http::field::if_none_match]).find(contents->strTag) != std::string_view::npos;
+    const bool bKnown = request[http::field::if_none_match].find(contents->strTag) != std::string_view::npos;
     Response response =
         bKnown ? MakeResponse(request, http::status::not_modified, pFile->contentType, {})
                : MakeResponse(request, http::status::ok, pFile->contentType, std::move(contents->strBytes));
@@ -122,8 +117,8 @@ Response MakeFileResponse(const Request& request, const CHttpFiles& files, const
     if (contents->bGzip && !bKnown) {
         response.set(http::field::content_encoding, "gzip");
     }
-    response.set("Content-Security-Policy", ContentSecurityPolicy(View(request[http::field::host])));
-    if (token.IsInQuery(View(request.target()))) {
+    response.set("Content-Security-Policy", ContentSecurityPolicy(request[http::field::host]));
+    if (token.IsInQuery(request.target())) {
         response.set(http::field::set_cookie, token.SetCookie());
     }
     return response;
@@ -137,7 +132,7 @@ std::string AddressText(asio::ip::address address) {
 }
 
 bool HasPath(const Request& request, std::string_view path) {
-    const std::string_view target = View(request.target());
+    const std::string_view target = request.target();
     return target.substr(0, target.find('?')) == path;
 }
 
@@ -171,7 +166,7 @@ Awaitable<std::string> ReadBody(TcpStream& stream, beast::flat_buffer& buffer, R
         error = http::error::body_limit;
         co_return std::string();
     }
-    if (View(head.get()[http::field::expect]) == "100-continue") {
+    if (head.get()[http::field::expect] == "100-continue") {
         http::response<http::empty_body> goOn{http::status::continue_, head.get().version()};
         co_await http::async_write(stream, goOn, AwaitInto(error));
     }
@@ -201,7 +196,7 @@ Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer
         strReply = ErrorReply("the request's body can't be read: " + error.message());
     } else if (!WellFormedText(strText)) {
         strReply = ErrorReply("the text isn't UTF-8");
-    } else if (const auto address = ParseObjectAddress(View(request.target()), strProblem)) {
+    } else if (const auto address = ParseObjectAddress(request.target(), strProblem)) {
         SObjectTextData text;
         text.m_strClipName = FromUtf8(address->strClip);
         text.m_strObjectName = FromUtf8(address->strObject);
