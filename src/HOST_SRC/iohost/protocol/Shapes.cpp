@@ -301,14 +301,14 @@ void Codec<std::chrono::milliseconds>::Write(CJsonText& json, std::chrono::milli
     json.Value(std::chrono::duration<double>(value).count());
 }
 
-void Codec<boost::asio::ip::tcp::endpoint>::Read(boost::asio::ip::tcp::endpoint& value, const Json& json,
-                                                 const std::string& strPath) {
+void Codec<asio::ip::tcp::endpoint>::Read(asio::ip::tcp::endpoint& value, const Json& json,
+                                          const std::string& strPath) {
     const std::string& strText = ReadText(json, strPath);
     std::string strAddress;
     unsigned short nPort = 0;
-    boost::system::error_code error;
+    error_code error;
     const bool bSplit = SplitEndpoint(strText, strAddress, nPort);
-    const auto address = boost::asio::ip::make_address(strAddress, error);
+    const auto address = asio::ip::make_address(strAddress, error);
     if (!bSplit || nPort == 0 || error) {
         Refuse(strPath, Quoted(strText) + " isn't a numeric address and a port, as in 127.0.0.1:9000");
     }

@@ -42,9 +42,9 @@ SHAPE(SNodeDocument, SField{"node", &T::strHandle}, SField{"type", &T::guidType}
       SField{"place", &T::place, FIELD_OPTIONAL})
 
 template <>
-struct Codec<boost::asio::ip::tcp::endpoint> { ///< 127.0.0.1:9000
-    static void Read(boost::asio::ip::tcp::endpoint& value, const Json& json, const std::string& strPath);
-    static void Write(CJsonText& json, const boost::asio::ip::tcp::endpoint& value) { json.Value(EndpointText(value)); }
+struct Codec<asio::ip::tcp::endpoint> { ///< 127.0.0.1:9000
+    static void Read(asio::ip::tcp::endpoint& value, const Json& json, const std::string& strPath);
+    static void Write(CJsonText& json, const asio::ip::tcp::endpoint& value) { json.Value(EndpointText(value)); }
 };
 
 template <>

@@ -22,10 +22,8 @@
 #include "protocol/Protocol.h"
 #include "protocol/Shapes.h"
 
-namespace asio = boost::asio;
 namespace beast = boost::beast;
 namespace http = beast::http;
-using boost::system::error_code;
 
 namespace {
 

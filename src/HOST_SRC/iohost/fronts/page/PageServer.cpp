@@ -25,9 +25,6 @@
 #include "protocol/SceneFile.h"
 #include "protocol/Shapes.h"
 
-namespace asio = boost::asio;
-using boost::system::error_code;
-
 SHAPE(SLeftScene, SField{"file", &T::strFile, FIELD_NULLABLE}, SField{"modified_ms", &T::nModifiedMs})
 
 namespace {
@@ -222,7 +219,7 @@ private:
             SendToAll(JsonObject("push", "objects", "objects", objects));
         }
         TellDropped();
-        if (const auto tNow = std::chrono::steady_clock::now(); tNow - m_tTold >= TELL_PAUSE) {
+        if (const auto tNow = steady_clock::now(); tNow - m_tTold >= TELL_PAUSE) {
             m_tTold = tNow;
             TellCounts();
             TellNetwork();
@@ -431,8 +428,8 @@ private:
     unsigned long long m_nToldNetworkVersion = 0;
     unsigned long long m_nToldHeldVersion = 0;
     std::map<std::pair<int, std::optional<std::string>>, size_t>
-        m_dropped;                                 ///< items since the last frame, by device and sender
-    std::chrono::steady_clock::time_point m_tTold; ///< of counters and network
+        m_dropped;                    ///< items since the last frame, by device and sender
+    steady_clock::time_point m_tTold; ///< of counters and network
     bool m_bStopping = false;
 };
 
