@@ -439,7 +439,7 @@ struct SUntaggedCodec {
 };
 
 /// What the members of such an object are called.
-inline std::string MemberName(const std::string& strName) {
+inline const std::string& MemberName(const std::string& strName) {
     return strName;
 }
 inline std::string MemberName(unsigned nId) {

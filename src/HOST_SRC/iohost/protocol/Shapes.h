@@ -241,7 +241,7 @@ SHAPE(SLayout, SField{"path", &T::strPath}, SField{"reader", &T::pReader}, SFiel
       SField{"array", &T::pArray}, SField{"groups", &T::nGroups})
 SHAPE(SDestroyed, SField{"result", &T::nResult}, SField{"slot_null", &T::bSlotNull}, SField{"freed", &T::bFreed})
 
-inline std::string MemberName(const SNode* pNode) {
+inline const std::string& MemberName(const SNode* pNode) {
     return pNode->strHandle;
 }
 
