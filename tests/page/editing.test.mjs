@@ -410,6 +410,7 @@ test("a note is sized by keys at its corner, a held key as one step, and by the 
     await page.keyboard.press("Control+z");
     await sizeIs(size);
   }
+  await expectEventually("the width shown", () => note.evaluate((one) => one.offsetWidth), 200);
   const edges = await page.page.locator(".react-flow__resize-control:is(.handle, .left, .right):not(.note-corner)").evaluateAll((all) => all.map(({ offsetWidth }) => offsetWidth));
   assert.ok(edges.length === 6 && Math.max(...edges) < 10, `handles ${edges} wide`);
   const zoom = await canvas.zoom();
