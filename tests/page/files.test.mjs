@@ -353,7 +353,8 @@ test("a node whose device takes no texts says so", async () => {
 
 test("objects are added, renamed and removed", async () => {
   const objects = async () => (await must(script, { op: "objects" })).objects.map(({ clip, name }) => `${clip}.${name}`).join();
-  await page.getByRole("button", { name: "Add object" }).click();
+  await page.locator("[data-tab=objects]").click();
+  await page.locator("#panel-objects").getByRole("button", { name: "Add object" }).click();
   await page.locator("[data-part=clip]").fill("Show");
   await page.locator("[data-part=name]").fill("Lamp");
   await page.keyboard.press("Enter");

@@ -1,5 +1,6 @@
 import { placeText } from "../format.ts";
 import { t } from "../i18n.ts";
+import { Editing } from "./Editing.tsx";
 import "./objects.css";
 import type { PanelProps } from "./panels.ts";
 
@@ -10,18 +11,27 @@ export function ObjectsPanel({ host, desk, shown }: PanelProps) {
   }
   const objects = host.objects.value;
   return (
-    <div class="objects" tabIndex={0} role="group" aria-label={t("Objects")}>
-      {objects.length === 0 && <p class="empty">{t("The scene has no objects.")}</p>}
-      <ul class="object-list">
-        {objects.map(({ clip, name, matrix }) => (
-          <li key={`${clip}\n${name}`} data-object-line={`${clip}.${name}`}>
-            <button type="button" class="link" onClick={() => desk.open({ is: "object", name: { clip, name } })}>
-              {clip} · {name}
-            </button>
-            <code>{placeText(matrix)}</code>
-          </li>
-        ))}
-      </ul>
-    </div>
+    <>
+      <Editing>
+        <div class="panel-head">
+          <button type="button" class="quiet" onClick={() => desk.open({ is: "object", name: null })}>
+            {t("Add object")}
+          </button>
+        </div>
+      </Editing>
+      <div class="objects" tabIndex={0} role="group" aria-label={t("Objects")}>
+        {objects.length === 0 && <p class="empty">{t("The scene has no objects.")}</p>}
+        <ul class="object-list">
+          {objects.map(({ clip, name, matrix }) => (
+            <li key={`${clip}\n${name}`} data-object-line={`${clip}.${name}`}>
+              <button type="button" class="link" onClick={() => desk.open({ is: "object", name: { clip, name } })}>
+                {clip} · {name}
+              </button>
+              <code>{placeText(matrix)}</code>
+            </li>
+          ))}
+        </ul>
+      </div>
+    </>
   );
 }
