@@ -126,7 +126,7 @@ test("lines of the log are shown in the page's language, with what was logged as
   await until("the line", async () => (await logLine().innerText()) === "[Demo.Mouse 1.Mouse]触发输出事件[停留]");
   await page.page.locator(".log-search").fill("");
   await must(script, { op: "device", device: 1, name: "Wall", parser: "direct", address: "127.0.0.1:9" });
-  await until("the host's line", async () => (await logLine().innerText()).startsWith('无法连接设备 1 "Wall" at 127.0.0.1:9：'));
+  await until("the host's line", async () => (await logLine().innerText()).startsWith('无法连接设备 1 "Wall"（127.0.0.1:9）：'));
   assert.match(await logLine().getAttribute("title"), /^device 1 "Wall" at 127.0.0.1:9 can't be reached: /);
 });
 

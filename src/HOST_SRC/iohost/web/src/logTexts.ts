@@ -1,7 +1,7 @@
 // The module logs in Chinese, the host in English: what their lines mean in the other language.
 import { textsByFormat } from "./formats.ts";
 import type { Language } from "./i18n.ts";
-import { REFUSALS } from "./refusals.ts";
+import { chineseByFormat, REFUSALS } from "./refusals.ts";
 
 /** By the format that the module writes a line with. */
 export const LOG_TEXTS: Record<string, string> = {
@@ -89,7 +89,7 @@ const WITH_NAMES_AS_ONE = Object.entries(LOG_TEXTS).map((texts) => texts.map((te
 
 const inEnglish = textsByFormat(Object.fromEntries(WITH_NAMES_AS_ONE));
 // Faults of the module are logged with the texts that requests are refused with.
-const inChinese = textsByFormat({ ...REFUSALS, ...HOST_LINES });
+const inChinese = chineseByFormat({ ...REFUSALS, ...HOST_LINES });
 
 /** What a line says in the language that it isn't written in; null where that isn't known. */
 export function translationOf(line: string): { language: Language; text: string } | null {

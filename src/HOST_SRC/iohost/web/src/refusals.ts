@@ -105,7 +105,13 @@ export const REFUSALS: Record<string, string> = {
   "nothing unsaved was left": "没有留下未保存的内容",
 };
 
-const inChinese = textsByFormat(REFUSALS);
+/** As textsByFormat(), with a device's address in brackets as Chinese has it. */
+export function chineseByFormat(table: Record<string, string>): (text: string) => string | null {
+  const inChinese = textsByFormat(table);
+  return (text) => inChinese(text)?.replace(/(设备 \d+ ".*?") at ([^\s：]+) ?/, "$1（$2）") ?? null;
+}
+
+const inChinese = chineseByFormat(REFUSALS);
 
 /** A refusal in the reader's language. The field in front is the request's own; a text that no format fits stays. */
 export function refusalText(error: string): string {

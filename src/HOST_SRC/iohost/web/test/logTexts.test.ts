@@ -52,11 +52,24 @@ test("every line that the host writes by itself has a Chinese text", () => {
 
 test("what a line of the host names stands in its Chinese text, too", () => {
   for (const [format, text] of Object.entries(HOST_LINES)) {
-    const values = ['3 "Wall" at 127.0.0.1:9000', "7", "a: b"];
+    const values = ['3 "Wall"', "7", "a: b"];
     const line = (form: string) => values.reduce((rest, value) => rest.replace("%s", () => value), form);
     assert.deepEqual(translationOf(line(format)), { language: "zh", text: line(text) });
     assert.match(text, /\p{Script=Han}/u);
   }
+});
+
+test("a device's address is in brackets in a Chinese line", () => {
+  const text = (line: string) => translationOf(line)?.text;
+  assert.equal(text('device 3 "Wall" at 127.0.0.1:9000 is connected'), '设备 3 "Wall"（127.0.0.1:9000）已连接');
+  assert.equal(
+    text('device 3 "Wall" at 127.0.0.1:9000: the queue is full, the item is refused'),
+    '设备 3 "Wall"（127.0.0.1:9000）：队列已满，内容已拒绝',
+  );
+  assert.equal(
+    text('device 3 "Wall" at 127.0.0.1:9000 takes no texts: its parser is none'),
+    '设备 3 "Wall"（127.0.0.1:9000）不接收文本：解析器为 none',
+  );
 });
 
 test("a line of the host that stands for several says so, and faults are told as refusals are", () => {
