@@ -69,6 +69,7 @@ test("a paused log stands still and goes on with what came meanwhile; clearing e
   const hover = () => script.request({ op: "event", device: 1, event: 3004 });
   await hover();
   await shownLines(1);
+  await page.page.getByText("1 line", { exact: true }).waitFor();
   await page.page.getByRole("button", { name: "Pause" }).click();
   await hover();
   await hover();

@@ -17,7 +17,7 @@ test("a text is told in the language, with its values", () => {
   assert.equal(t("Language"), "Language");
   language.value = "zh";
   assert.equal(t("Language"), "语言");
-  assert.equal(t("{shown} of {count} lines", { shown: 2, count: 10 }), "2/10 行");
+  assert.equal(t("{shown} of {all}", { shown: 2, all: "10 行" }), "2/10 行");
 });
 
 test("the language is the one chosen, or the first of the reader's that there is", () => {

@@ -59,6 +59,7 @@ export function LogPanel({ host, desk, shown }: PanelProps) {
   const first = Math.max(0, last - (end === null && still === null ? fits + SPARE : DRAWN));
   const seen = found.slice(first, last);
   const waiting = log.count - count;
+  const all = lines.length === 1 ? t("1 line") : t("{count} lines", { count: lines.length });
 
   const standStill = (byScrolling: boolean) => {
     setStill(still ?? { lines: new Tail(log.lines.slice()), count: log.count, byScrolling });
@@ -181,9 +182,7 @@ export function LogPanel({ host, desk, shown }: PanelProps) {
           }}
         />
         <span class="hint" data-log-shown={found.length}>
-          {found.length === lines.length
-            ? t("{count} lines", { count: lines.length })
-            : t("{shown} of {count} lines", { shown: found.length, count: lines.length })}
+          {found.length === lines.length ? all : t("{shown} of {all}", { shown: found.length, all })}
         </span>
         <button type="button" aria-pressed={still !== null} onClick={() => (still === null ? standStill(false) : goOn())}>
           {still === null ? t("Pause") : waiting > 0 ? t("Go on ({count} new)", { count: waiting }) : t("Go on")}
