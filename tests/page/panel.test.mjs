@@ -195,6 +195,15 @@ test("the panels' height is changed by dragging their edge and by keys, and the 
   await page.page.evaluate(() => localStorage.removeItem("iohost.dock-height"));
 });
 
+test("in a narrow window the scene's name is whole, and the top bar in two rows", async () => {
+  const name = page.page.locator(".scene-name");
+  for (const width of [1023, 700]) {
+    await page.page.setViewportSize({ width, height: 800 });
+    await until("the whole name", () => name.evaluate((box) => box.scrollWidth <= box.clientWidth));
+    assert.ok(await page.page.evaluate(() => document.documentElement.scrollWidth <= innerWidth));
+  }
+});
+
 test("the render surface is enlarged and made smaller again", async () => {
   const width = async () => (await page.surface.boundingBox()).width;
   const before = await width();
