@@ -563,6 +563,19 @@ test("the demo is asked about where it takes the place of something that isn't s
   await canvas.nodesAre(["Mouse 1"]);
 });
 
+test("beside a long name, which is cut off, the dot for what isn't saved is seen", async () => {
+  await saveAs("a show with the long name of a long evening");
+  await createNode(script, "k", Type.keyboard, "Keyboard 1");
+  await nameIs("a show with the long name of a long evening.json", true);
+  const isSeen = (dot) => {
+    const { x, y, width, height } = dot.getBoundingClientRect();
+    return dot.contains(document.elementFromPoint(x + width / 2, y + height / 2));
+  };
+  assert.ok(await page.locator(".scene-unsaved").evaluate(isSeen));
+  const file = page.locator(".scene-file[title$='long evening.json']");
+  assert.ok(await file.evaluate((name) => name.scrollWidth > name.clientWidth));
+});
+
 test("a line of the history leads where it says, though somebody changes the scene meanwhile", async () => {
   const late = await openTab(browser);
   let hears = true;

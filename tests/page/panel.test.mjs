@@ -196,7 +196,7 @@ test("the panels' height is changed by dragging their edge and by keys, and the 
 });
 
 test("in a narrow window the scene's name is whole, and the top bar in two rows", async () => {
-  const name = page.page.locator(".scene-name");
+  const name = page.page.locator(".scene-file");
   for (const width of [1023, 700]) {
     await page.page.setViewportSize({ width, height: 800 });
     await until("the whole name", () => name.evaluate((box) => box.scrollWidth <= box.clientWidth));

@@ -7,10 +7,11 @@ export function SceneName({ host }: { host: Host }) {
   const { file = null, unsaved = false } = host.scene.value ?? {};
   return (
     <span class="scene-name" data-scene={file ?? ""} data-unsaved={unsaved}>
-      {file ?? t("untitled scene")}
+      <span class="scene-file" title={file ?? undefined}>
+        {file ?? t("untitled scene")}
+      </span>
       {unsaved && (
         <span class="scene-unsaved" title={t("Not saved yet")}>
-          {" "}
           ●<span class="screen-reader"> {t("Not saved yet")}</span>
         </span>
       )}
