@@ -2,7 +2,7 @@
 // pages at once.
 import assert from "node:assert/strict";
 import { canvasOf, drawn } from "./support/canvas.mjs";
-import { canvas, placeOf, stepIs, TEXT_INPUT, undoStep, useCanvas } from "./support/editing.mjs";
+import { canvas, isShown, placeOf, shownAt, stepIs, TEXT_INPUT, undoStep, useCanvas } from "./support/editing.mjs";
 import * as is from "./support/page.mjs";
 import { browser, host, page, script } from "./support/scene.mjs";
 import { createNode, expectEventually, must, nodeOf, Type, until } from "./support/session.mjs";
@@ -19,14 +19,11 @@ test("a node that is dragged stays where it was put, on every page, and goes bac
   await canvas.drag(from, { x: from.x + 60, y: from.y + 30 });
   await until("another place", async () => (await placeOf("m")).x > 0);
   await stepIs("Move Mouse 1");
-  const position = (view) => view.face("m").locator("..").evaluate((node) => node.style.transform);
-  await until("one place on both pages", async () => {
-    const here = await position(canvas);
-    return !here.includes("0px, 200px") && (await position(other)) === here;
-  });
+  const { x, y } = await placeOf("m");
+  await expectEventually("the place here", () => shownAt("m"), `${x} ${y}`);
+  await expectEventually("the place there", () => shownAt("m", other), `${x} ${y}`);
   await page.keyboard.press("Control+z");
-  await until("the place", async () => (await placeOf("m")).x === 0);
-  await until("the place on the canvas", async () => /translate\(0px, ?200px\)/.test(await position(other)));
+  await expectEventually("the place there", () => shownAt("m", other), "0 200");
 });
 
 test("what was moved stays where it was put when the drag breaks off or the key's end goes elsewhere, and the view stands still", async () => {
@@ -69,7 +66,7 @@ test("a node is dragged again after a pinch that began on it, from where the fin
   const wire = await page.page.context().newCDPSession(page.page);
   await wire.send("Emulation.setTouchEmulationEnabled", { enabled: true, maxTouchPoints: 2 });
   await page.page.reload();
-  await page.page.locator(".react-flow__edge").waitFor();
+  await isShown();
   const touch = (type, ...touchPoints) => wire.send("Input.dispatchTouchEvent", { type, touchPoints });
   const zoom = await canvas.zoom();
   /** Moves the node by so many pixels of the screen, from so far left of its middle. */
@@ -87,7 +84,8 @@ test("a node is dragged again after a pinch that began on it, from where the fin
   };
   await drag(50, 0, 60);
   await stepIs("Move Mouse 1");
-  const { x } = await placeOf("m");
+  const { x, y } = await placeOf("m");
+  await expectEventually("the place shown", () => shownAt("m"), `${x} ${y}`);
   await drag(50, 20);
   await until("another place", async () => (await placeOf("m")).x > x);
   assert.equal((await placeOf("m")).x - x, Math.round(50 / zoom));
@@ -491,9 +489,10 @@ test("Enter that ends a composed word keeps the field of a name open", async () 
   const field = page.page.locator(".face-rename:focus");
   await field.fill("名");
   await field.dispatchEvent("keydown", { key: "Enter", isComposing: true, bubbles: true });
-  assert.equal(await field.count(), 1);
+  await field.fill("名字");
   await page.keyboard.press("Enter");
-  await expectEventually("the name", async () => (await canvas.names())[1], "名");
+  await stepIs("Rename Mouse 1 to 名字");
+  assert.equal(page.sent.filter(({ op }) => op === "rename").length, 1);
 });
 
 test("Ctrl+S saves from a note, a node's name and the palette too, with what is being typed", async () => {

@@ -23,12 +23,24 @@ export function useCanvas() {
     },
     look: async () => {
       await page.page.locator('[data-face="t"]').waitFor();
-      await page.page.locator(".react-flow__edge").waitFor();
+      await isShown();
     },
   });
   beforeEach(() => (canvas = canvasOf(page.page, script)));
 }
 
+/** Done when the view has the whole scene. */
+export async function isShown() {
+  await page.page.locator(".react-flow__edge").waitFor();
+  await page.page.locator('.react-flow__viewport:not([style*="scale(1)"])').waitFor();
+}
+
 export const undoStep = async () => (await must(script, { op: "history" })).steps.at(-1)?.name;
 export const stepIs = (name) => expectEventually("the step", undoStep, name);
 export const placeOf = async (node) => (await canvas.scene()).nodes.find((one) => one.node === node).place;
+/** Where a page shows a node, which is rounded only when the host has told it. */
+export const shownAt = (node, view = canvas) =>
+  view.face(node).locator("..").evaluate((one) => {
+    const { e, f } = new DOMMatrix(getComputedStyle(one).transform);
+    return `${e} ${f}`;
+  });
