@@ -41,6 +41,7 @@ export function HistoryList({ host, desk }: { host: Host; desk: Desk }) {
         class={step > done ? "history-undone" : ""}
         aria-current={step === done ? "step" : undefined}
         data-step={step}
+        title={text}
         onClick={() => step !== done && void goTo(step < done ? "undo" : "redo", states[step]!)}
       >
         {text}

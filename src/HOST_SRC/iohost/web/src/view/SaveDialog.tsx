@@ -1,4 +1,4 @@
-import { useEffect, useState } from "preact/hooks";
+import { useEffect, useRef, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
@@ -6,12 +6,14 @@ import { Dialog } from "./Dialog.tsx";
 
 /** Saves the scene under a name in the folder of scenes, or on this computer. */
 export function SaveDialog({ host, desk, onClose }: { host: Host; desk: Desk; onClose(): void }) {
+  const field = useRef<HTMLInputElement>(null);
   const [name, setName] = useState(host.scene.peek()?.file ?? host.proposedName ?? "");
   const [present, setPresent] = useState<readonly string[]>([]);
   const [error, setError] = useState<string | null>(null);
   useEffect(() => {
     void host.requests.scenes().then((found) => (typeof found === "string" ? setError(found) : setPresent(found.map(({ file }) => file))));
   }, [host]);
+  useEffect(() => field.current!.select(), []);
   const stem = name.trim().replace(/\s*\.json$/, "");
   const file = stem === "" ? "" : `${stem}.json`;
   const save = async (event: Event) => {
@@ -28,13 +30,13 @@ export function SaveDialog({ host, desk, onClose }: { host: Host; desk: Desk; on
     <Dialog title={t("Save the scene")} error={error} onClose={onClose}>
       <form onSubmit={save}>
         <input
+          ref={field}
           class="field"
           aria-label={t("File name")}
           placeholder={t("File name")}
           value={name}
           data-scene-name
           autofocus
-          onFocus={(event) => event.currentTarget.select()}
           onInput={(event) => {
             setName(event.currentTarget.value);
             setError(null);
