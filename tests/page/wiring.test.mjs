@@ -1,6 +1,8 @@
 // Nodes are wired on the canvas, by the mouse and by keys; wires show what runs through them.
 import assert from "node:assert/strict";
-import { APPEND_INPUT, canvas, CLEAR_INPUT, placeOf, shownAt, stepIs, TEXT_INPUT, useCanvas } from "./support/editing.mjs";
+import {
+  APPEND_INPUT, canvas, CLEAR_INPUT, placeOf, shownAt, stepIs, TEXT_INPUT, useCanvas,
+} from "./support/editing.mjs";
 import * as is from "./support/page.mjs";
 import { page, script } from "./support/scene.mjs";
 import { createNode, expectEventually, must, nodeOf, Type, until } from "./support/session.mjs";

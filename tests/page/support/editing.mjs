@@ -35,7 +35,7 @@ export async function isShown() {
   await page.page.locator('.react-flow__viewport:not([style*="scale(1)"])').waitFor();
 }
 
-export const undoStep = async () => (await must(script, { op: "history" })).steps.at(-1)?.name;
+const undoStep = async () => (await must(script, { op: "history" })).steps.at(-1)?.name;
 export const stepIs = (name) => expectEventually("the step", undoStep, name);
 export const placeOf = async (node) => (await canvas.scene()).nodes.find((one) => one.node === node).place;
 /** Where a page shows a node, which is rounded only when the host has told it. */

@@ -29,7 +29,7 @@ import { EmptyScene } from "./EmptyScene.tsx";
 import { Face } from "./Face.tsx";
 import { handleOf, nodeId, noteId } from "./ids.ts";
 import { KnownPins } from "./KnownPins.tsx";
-import { AutomaticPlaces, boxOf } from "./layout.ts";
+import { around, AutomaticPlaces, boxOf } from "./layout.ts";
 import { NoteFace } from "./NoteFace.tsx";
 import { Outline } from "./Outline.tsx";
 import { Palette } from "./Palette.tsx";
@@ -44,6 +44,7 @@ const WIRES = { wire: WireEdge };
 const ADDING_KEYS = ["Control", "Meta"];
 /** So that a few nodes leave room for more. */
 const LEAST_SHOWN = { width: 800, height: 450 };
+const FIT = { padding: 0.1, maxZoom: 1 };
 const MAP_SIZE = { width: 120, height: 80 };
 
 /** The scene as a graph, live: nodes are added, wired, moved, named and removed here. Another scene begins anew. */
@@ -80,12 +81,11 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       ...(nodes ?? []).map((node) => ({ ...boxOf(node), ...(places.get(node.node) ?? node.place ?? automatic.of(node.node)) })),
       ...Object.values(notes),
     ];
-    const [left, top] = [Math.min(...boxes.map(({ x }) => x)), Math.min(...boxes.map(({ y }) => y))];
-    const [right, bottom] = [Math.max(...boxes.map(({ x, width }) => x + width)), Math.max(...boxes.map(({ y, height }) => y + height))];
-    const width = Math.max(right - left, LEAST_SHOWN.width);
-    const height = Math.max(bottom - top, LEAST_SHOWN.height);
     if (boxes.length > 0) {
-      const [x, y] = [(left + right - width) / 2, (top + bottom - height) / 2];
+      const all = around(boxes);
+      const width = Math.max(all.width, LEAST_SHOWN.width);
+      const height = Math.max(all.height, LEAST_SHOWN.height);
+      const [x, y] = [all.x + (all.width - width) / 2, all.y + (all.height - height) / 2];
       void flow.current?.fitBounds({ x, y, width, height }, { padding: 0.1 });
     }
   });
@@ -279,7 +279,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
             ariaLabelConfig={labels}
           >
             <Background />
-            <Controls showInteractive={false} />
+            <Controls showInteractive={false} fitViewOptions={FIT} />
             <MiniMap pannable zoomable onClick={goToPlace} style={MAP_SIZE} />
           </ReactFlow>
         </ReactFlowProvider>

@@ -1,4 +1,4 @@
-import { useStore, type Node, type NodeProps, type ReactFlowState, type Rect } from "@xyflow/react";
+import { useStore, type Node, type NodeProps, type ReactFlowState } from "@xyflow/react";
 import { computed, useComputed } from "@preact/signals";
 import { useLayoutEffect, useMemo, useRef } from "preact/hooks";
 import { fedInput } from "../fed.ts";
@@ -12,7 +12,7 @@ import { useFocusOn } from "../view/useFocusOn.ts";
 import type { Editor } from "./editor.ts";
 import { linkedPin } from "./elements.ts";
 import { EndPins, FacePins } from "./FacePins.tsx";
-import { boxOf } from "./layout.ts";
+import { boxOf, type Rect } from "./layout.ts";
 import "./face.css";
 import { useFocusWhenChosen } from "./useFocusWhenChosen.ts";
 

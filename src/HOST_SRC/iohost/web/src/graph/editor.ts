@@ -6,7 +6,7 @@ import { inputOf, inputText, outputOf, outputText } from "../nodePins.ts";
 import type { Link, Note, OfferedType, Place, Scene } from "../protocol.ts";
 import { placing, type Change } from "../requests.ts";
 import { copyOf, keepClipping, newNoteId, pasteOf, readClipping, type Clipping } from "./clipboard.ts";
-import { boxOf, WIDTH } from "./layout.ts";
+import { around, boxOf, WIDTH, type Rect } from "./layout.ts";
 import { kindOfType } from "./nodeKinds.ts";
 import { fittingSorts, freeName, refusal, sortOf } from "./wiring.ts";
 
@@ -34,8 +34,6 @@ export interface View {
   choose(nodes: readonly string[], notes: readonly string[]): void;
 }
 
-type Rect = Place & { width: number; height: number };
-
 /** What is chosen of nodes and notes. */
 export interface Chosen {
   nodes: readonly string[];
@@ -44,8 +42,10 @@ export interface Chosen {
 
 /** In pixels of the canvas: what is added stands at least so far beside what was there, right or down. */
 const APART = 40;
-/** Of a new node, whose pins aren't known yet. */
+/** So much of a new node is brought into sight: its pins aren't known yet. */
 const NEW_SIZE = { width: WIDTH, height: 250 };
+/** Has room for a node of the highest type. */
+const NEW_ROOM = { width: WIDTH, height: 500 };
 const NOTE_SIZE = { width: 220, height: 90 };
 
 /** What is done to the scene on the canvas: each a request, or a batch of them that is one step. */
@@ -169,7 +169,7 @@ export class Editor {
       this.#makeNext(async ({ nodes }, taken) => {
         const graph = freeName(type.name, new Set(nodes.map((one) => one.graph)));
         const node = freeName(type.name, new Set(nodes.map((one) => one.node)));
-        const place = rounded(at ?? this.#freePlace(NEW_SIZE, taken));
+        const place = rounded(at ?? this.#freePlace(NEW_SIZE, taken, NEW_ROOM));
         const error = await this.host.requests.batch(`Add ${graph}`, [
           { op: "create", node, type: type.guid, clip: nodes.find(({ clip }) => clip !== null)?.clip ?? "Clip", graph },
           placing({ [node]: place }, {}),
@@ -181,7 +181,9 @@ export class Editor {
         this.desk.tell(error, t("{name} was added.", { name: graph }));
         if (error === null) {
           this.view.choose([node], []);
-          this.view.moveTo({ ...place, ...NEW_SIZE });
+          if (at === null) {
+            this.view.moveTo({ ...place, ...NEW_SIZE });
+          }
         }
       });
     if (present === undefined) {
@@ -206,10 +208,13 @@ export class Editor {
   #makeNext(make: (scene: Scene, taken: Rect[]) => Promise<void>): Promise<void> {
     const makeNow = async () => {
       const scene = await this.host.requests.scene();
+      if (this.#isGone) {
+        return;
+      }
       if (scene.ok) {
         const boxes = scene.nodes.map(({ node, place }) => {
           const known = this.node(node);
-          return { ...(known ? boxOf(known) : NEW_SIZE), ...(place ?? this.view.placeOf(node)) };
+          return { ...(known ? boxOf(known) : NEW_ROOM), ...(place ?? this.view.placeOf(node)) };
         });
         await make(scene, [...boxes, ...Object.values(scene.notes ?? {})]);
       } else {
@@ -222,12 +227,12 @@ export class Editor {
   }
 
   /** The middle of what is seen, or to the right of what stands there. */
-  #freePlace({ width, height }: typeof NEW_SIZE, taken: readonly Rect[]): Place {
+  #freePlace(size: typeof NEW_SIZE, taken: readonly Rect[], room = size): Place {
     const middle = this.view.middle();
-    const y = middle.y - height / 2;
-    let x = middle.x - width / 2;
-    const beside = taken.filter((box) => y < box.y + box.height && box.y < y + height);
-    const covered = () => beside.find((box) => x < box.x + box.width + APART && box.x < x + width);
+    const y = middle.y - size.height / 2;
+    let x = middle.x - size.width / 2;
+    const beside = taken.filter((box) => y < box.y + box.height + APART && box.y < y + room.height + APART);
+    const covered = () => beside.find((box) => x < box.x + box.width + APART && box.x < x + room.width + APART);
     for (let box = covered(); box !== undefined; box = covered()) {
       x = box.x + box.width + APART;
     }
@@ -297,6 +302,8 @@ export class Editor {
       this.desk.tell(error, addedText(clipping));
       if (error === null) {
         this.view.choose(handles, noteIds);
+        const made = around([...clipping.nodes.map(({ place }) => ({ ...place, ...NEW_SIZE })), ...clipping.notes]);
+        this.view.moveTo({ ...made, x: made.x + by, y: made.y + by });
       }
     });
   }

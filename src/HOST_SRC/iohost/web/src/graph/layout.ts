@@ -14,6 +14,8 @@ export interface Place {
   y: number;
 }
 
+export type Rect = Place & { width: number; height: number };
+
 /** With room for the line that a face gets with a verdict or a warning. */
 const GAP = 44;
 const RANK_GAP = 96;
@@ -113,13 +115,21 @@ export function boxOf(node: NodeView): Box {
   return { id: node.node, width: WIDTH, height: HEAD_HEIGHT + ROW_HEIGHT * rows + FOOT_HEIGHT + 2 * BORDER };
 }
 
+/** The box that all of these stand in. */
+export function around(boxes: readonly Rect[]): Rect {
+  const [x, y] = [Math.min(...boxes.map((box) => box.x)), Math.min(...boxes.map((box) => box.y))];
+  const width = Math.max(...boxes.map((box) => box.x + box.width)) - x;
+  const height = Math.max(...boxes.map((box) => box.y + box.height)) - y;
+  return { x, y, width, height };
+}
+
 /** Where a row's pin stands, from the top of the rows. */
 export function pinTop(row: number): number {
   return ROW_HEIGHT * row + PIN_INSET;
 }
 
 /** Where a row's pin stands in its face: half of it outside. */
-export function pinBox(is: "output" | "input", row: number): Place & { width: number; height: number } {
+export function pinBox(is: "output" | "input", row: number): Rect {
   const middle = is === "output" ? WIDTH - BORDER : BORDER;
   return { x: middle - PIN_SIZE / 2, y: BORDER + HEAD_HEIGHT + pinTop(row), width: PIN_SIZE, height: PIN_SIZE };
 }
