@@ -331,6 +331,7 @@ test("notes are part of the scene: written, moved, and taken away", async () => 
   const box = await page.page.locator("[data-note]").boundingBox();
   await canvas.drag({ x: box.x + 20, y: box.y + 6 }, { x: box.x + 70, y: box.y + 6 });
   await until("another place", async () => (await notes())[0].x > x);
+  assert.equal((await notes())[0].text, "Keys for the title");
   await page.keyboard.press("Delete");
   await until("no note", async () => (await notes()).length === 0);
 });
@@ -386,6 +387,31 @@ test("what is being typed into a note stays while another page changes the note,
   await expectEventually("the notes", noteTexts, "other,typed");
   await change("fourth");
   await expectEventually("the text", () => field.inputValue(), "fourth");
+});
+
+test("a note that is moved, sized or lined up keeps the text that another page gave it just then", async () => {
+  let hears = true;
+  await is.between(page.page, { toPage: (messages) => messages.filter(({ push }) => hears || push !== "history") });
+  const note = { x: 420, y: 220, width: 200, height: 100 };
+  const kept = async () => (await canvas.scene()).notes.n;
+  const expectKept = async (what, value) => {
+    await expectEventually(what, async () => (await kept())[what], value);
+    assert.equal((await kept()).text, "second");
+  };
+  await must(script, { op: "place", notes: { n: { ...note, text: "first" } } });
+  await page.page.reload();
+  await page.page.locator("[data-note=n]").click({ position: { x: 3, y: 3 } });
+  await canvas.adding(() => canvas.face("k").locator("header img").click());
+  await expectEventually("chosen", () => canvas.chosen().count(), 2);
+  hears = false;
+  await must(script, { op: "place", notes: { n: { ...note, text: "second" } } });
+  await page.page.getByRole("button", { name: "Align left" }).click();
+  await expectKept("x", 0);
+  await page.page.getByRole("button", { name: "Size of the note" }).press("ArrowRight");
+  await expectKept("width", 220);
+  await page.page.locator(".react-flow__node-note").press("ArrowDown");
+  await until("another place", async () => (await kept()).y > 220);
+  assert.equal((await kept()).text, "second");
 });
 
 test("a note too long for the page stays whole when it's sized, isn't copied, and typing replaces it", async () => {

@@ -23,7 +23,7 @@ import { language } from "../i18n.ts";
 import type { Link } from "../protocol.ts";
 import { ariaLabels } from "./ariaLabels.ts";
 import { CanvasHead } from "./CanvasHead.tsx";
-import { Editor, linkOf, type Pin } from "./editor.ts";
+import { Editor, linkOf, movedNote, type Pin } from "./editor.ts";
 import { chosenIn, facesOf, wiresOf, type CanvasNode } from "./elements.ts";
 import { EmptyScene } from "./EmptyScene.tsx";
 import { Face } from "./Face.tsx";
@@ -154,7 +154,9 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     const movedNodes = all.flatMap(({ type, data, position }) =>
       type === "face" ? [[data.node.node, { ...editor.view.placeOf(data.node.node), ...position }]] : [],
     );
-    const movedNotes = all.flatMap(({ type, data, position }) => (type === "note" ? [[data.id, { ...data.note, ...position }]] : []));
+    const movedNotes = all.flatMap(({ type, data, position }) =>
+      type === "note" ? [[data.id, movedNote(data.note, position)]] : [],
+    );
     if (all.length > 0) {
       void editor.place(Object.fromEntries(movedNodes), Object.fromEntries(movedNotes));
     }

@@ -1,5 +1,5 @@
 import { t } from "../i18n.ts";
-import type { Chosen, Editor } from "./editor.ts";
+import { movedNote, type Chosen, type Editor } from "./editor.ts";
 
 const SHORTCUT = "Ctrl+K";
 
@@ -17,7 +17,7 @@ export function CanvasHead({ editor, chosen, onArrange }: CanvasHeadProps) {
     const line = Math.min(...[...nodes, ...notes].map(([, box]) => box[axis]));
     void editor.place(
       Object.fromEntries(nodes.map(([node, place]) => [node, { ...place, [axis]: line }])),
-      Object.fromEntries(notes.map(([id, note]) => [id, { ...note, [axis]: line }])),
+      Object.fromEntries(notes.map(([id, note]) => [id, movedNote(note, { [axis]: line })])),
     );
   };
   return (

@@ -3,7 +3,7 @@ import { useEffect, useLayoutEffect, useRef } from "preact/hooks";
 import { t } from "../i18n.ts";
 import type { Note } from "../protocol.ts";
 import { characters } from "../texts.ts";
-import type { Editor } from "./editor.ts";
+import { movedNote, type Editor } from "./editor.ts";
 import { noteId } from "./ids.ts";
 import "./noteFace.css";
 import { useFocusWhenChosen } from "./useFocusWhenChosen.ts";
@@ -39,7 +39,8 @@ export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<Not
     }
     known.current = text;
   }, [text]);
-  const keepSize = ({ x, y, width, height }: Box) => editor.place({}, { [id]: { ...note, x, y, width, height } });
+  const keepSize = ({ x, y, width, height }: Box) =>
+    editor.place({}, { [id]: movedNote(note, { x, y, width, height }) });
   return (
     <div class="note" data-note={id}>
       <NodeResizer isVisible={selected} {...LEAST} onResizeEnd={(_, box) => void keepSize(box)} />

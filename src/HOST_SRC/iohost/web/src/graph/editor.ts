@@ -334,6 +334,11 @@ export class Editor {
   }
 }
 
+/** A note elsewhere or of another size. With a length it keeps the text that the host has by then. */
+export function movedNote(note: Note, box: Partial<Rect>): Note {
+  return { ...note, ...box, length: note.length ?? note.text.length };
+}
+
 /** Nodes and notes as the name of a step tells of them. */
 function nameOf(nodes: readonly { graph: string }[], notes: readonly unknown[]): string {
   const texts = [
