@@ -71,6 +71,7 @@ CBenchHost::~CBenchHost() {
     m_pIOProcessFunc(IOP_RELEASE_GLOBALS, nullptr, nullptr);
     FreeLibrary(m_hModule);
     ReceiveEvents();
+    m_mainWindow.reset();
     DestroyWindow(m_hWnd);
     SetRenderSink(nullptr);
     SetLogSink(nullptr);

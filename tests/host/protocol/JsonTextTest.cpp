@@ -1,5 +1,6 @@
 #include "protocol/JsonText.h"
 
+#include <cstdint>
 #include <limits>
 
 #include <gtest/gtest.h>

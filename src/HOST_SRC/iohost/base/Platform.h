@@ -47,5 +47,5 @@ inline constexpr int STANDARD_ERROR = 2;
 /// buffer, so the end of the program waits for no reader.
 bool WriteStandard(int nStream, std::string_view text);
 
-/// The signal that asks the program to end, beside SIGINT and SIGTERM, as its terminal does.
+/// What the program gets when its terminal closes: SIGHUP, or on Windows SIGBREAK.
 extern const int TERMINAL_SIGNAL;

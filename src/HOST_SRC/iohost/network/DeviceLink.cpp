@@ -106,7 +106,7 @@ void CDeviceLink::Send(std::span<const unsigned char> bytes) {
 
 /// Never waits. Answers why the item was refused; null: it wasn't.
 const char* CDeviceLink::Queue(std::span<const unsigned char> bytes, CSendQueue::Sender sender) {
-    constexpr std::chrono::seconds REFUSALS_END{10}; // after it, items count as taken again
+    constexpr std::chrono::seconds REFUSALS_END{10}; // without a refusal, items count as taken again
     m_loop.OnStateChanged();
     const bool bShownOnly = !Setup().address || m_loop.IsListenOnly();
     if (bytes.empty() || (!bShownOnly && bytes.size() > CSendQueue::MOST_BYTES)) {

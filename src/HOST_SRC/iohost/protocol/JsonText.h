@@ -4,6 +4,7 @@
 #include <charconv>
 #include <concepts>
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -44,7 +45,7 @@ public:
         Next().append(szDigits, pEnd);
     }
 
-    /// Valid UTF-8: what isn't is replaced.
+    /// Valid UTF-8, where what is raw is: what isn't is replaced.
     std::string Take() { return std::move(m_strText); }
 
 private:

@@ -111,7 +111,7 @@ void ReadJson(T& value, const Json& json, const std::string& strPath) {
     Codec<T>::Read(value, json, strPath);
 }
 
-/// Write the value that comes next.
+/// Write the value that comes next. Texts and null need no codec.
 template <typename T>
 void WriteJson(CJsonText& json, const T& value) {
     if constexpr (std::is_convertible_v<const T&, std::string_view> || std::is_null_pointer_v<T>) {

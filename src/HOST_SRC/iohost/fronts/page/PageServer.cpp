@@ -406,6 +406,7 @@ private:
     COutputChanges m_outputs;
     std::optional<std::vector<SObjectState>> m_toldObjects; ///< none: nobody knows them
     TcpAcceptor m_acceptor{m_context};
+    /// Kept from the start: whoever reads the address may end the host at once.
     asio::signal_set m_signals{m_context, SIGINT, SIGTERM, TERMINAL_SIGNAL};
     SteadyTimer m_goodbyeTimer{m_context};
     CFrameTimer m_frameTimer;

@@ -15,23 +15,27 @@ namespace {
 
 constexpr size_t LONGEST_TEXT = size_t{1024} * 1024;
 constexpr size_t LONGEST_GATHERED = size_t{256} * 1024;
-constexpr size_t MOST_UNREAD = size_t{4} << 20;
+constexpr size_t MOST_WAITING = size_t{4} << 20;
 constexpr std::chrono::milliseconds GATHER_TIME{100}; // people don't see the difference
 constexpr std::chrono::seconds HANDSHAKE_TIME{10};
 constexpr std::chrono::seconds LONGEST_SILENCE{30}; // after half of it the client is asked whether it's there
+
+websocket::stream_base::timeout Timeouts(websocket::stream_base::duration longestSilence) {
+    return {HANDSHAKE_TIME, longestSilence, true};
+}
 
 } // namespace
 
 CWebSocketClient::CWebSocketClient(TcpStream stream, IWebSocketListener& listener, bool bGathered)
     : m_socket(std::move(stream)), m_listener(listener), m_bGathered(bGathered), m_gatherTimer(m_socket.get_executor()),
-      m_readTimer(m_socket.get_executor(), SteadyTimer::time_point::max()) {}
+      m_roomTimer(m_socket.get_executor()) {}
 
 Awaitable<void> CWebSocketClient::Run(UpgradeRequest request) {
     // The coroutine keeps the client alive.
     const std::shared_ptr<CWebSocketClient> pSelf = shared_from_this();
 
     beast::get_lowest_layer(m_socket).expires_never();
-    m_socket.set_option(websocket::stream_base::timeout{HANDSHAKE_TIME, LONGEST_SILENCE, true});
+    m_socket.set_option(Timeouts(LONGEST_SILENCE));
     m_socket.read_message_max(LONGEST_TEXT);
     m_socket.auto_fragment(false); // one write for each text, not one for every 4 KiB of it
 
@@ -48,7 +52,7 @@ Awaitable<void> CWebSocketClient::Run(UpgradeRequest request) {
 }
 
 Awaitable<void> CWebSocketClient::ReadTexts() {
-    for (;;) {
+    while (QueuedBytes() <= MOST_WAITING || co_await AwaitRoom()) {
         error_code error;
         co_await m_socket.async_read(m_received, AwaitInto(error));
         if (error) {
@@ -57,10 +61,23 @@ Awaitable<void> CWebSocketClient::ReadTexts() {
         const std::string strText = beast::buffers_to_string(m_received.data());
         m_received.clear();
         m_listener.OnClientText(*this, strText);
-        while (QueuedBytes() > MOST_UNREAD) { // it asks for more than it reads
-            co_await m_readTimer.async_wait(AwaitInto(error));
+    }
+}
+
+/// Waits while the client asks for more than it reads. False: it took nothing for too long.
+Awaitable<bool> CWebSocketClient::AwaitRoom() {
+    // Meanwhile nothing is read that would break its silence.
+    m_socket.set_option(Timeouts(websocket::stream_base::none()));
+    while (QueuedBytes() > MOST_WAITING) {
+        error_code error;
+        m_roomTimer.expires_after(LONGEST_SILENCE);
+        co_await m_roomTimer.async_wait(AwaitInto(error));
+        if (!error) {
+            co_return false;
         }
     }
+    m_socket.set_option(Timeouts(LONGEST_SILENCE));
+    co_return true;
 }
 
 void CWebSocketClient::Send(std::shared_ptr<const std::string> pText, bool bUrgent) {
@@ -98,7 +115,7 @@ Awaitable<void> CWebSocketClient::WriteQueue() {
                                                            asio::buffer("]", nBracket)};
         co_await m_socket.async_write(message, AwaitInto(error));
         m_nQueuedBytes -= m_nWritingBytes;
-        m_readTimer.cancel();
+        m_roomTimer.cancel();
         if (error) {
             Drop();
             break;
@@ -152,6 +169,6 @@ void CWebSocketClient::Drop() {
     m_bDropped = true;
     m_queue.clear();
     DontWait();
-    m_readTimer.cancel();
+    m_roomTimer.cancel();
     beast::get_lowest_layer(m_socket).close();
 }

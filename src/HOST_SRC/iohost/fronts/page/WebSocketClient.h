@@ -55,6 +55,7 @@ public:
 
 private:
     Awaitable<void> ReadTexts();
+    Awaitable<bool> AwaitRoom();
     void WriteOn();
     Awaitable<void> WriteQueue();
     std::shared_ptr<const std::string> TakeText();
@@ -73,5 +74,5 @@ private:
     bool m_bClosing = false;
     bool m_bDropped = false;
     SteadyTimer m_gatherTimer;
-    SteadyTimer m_readTimer; ///< never expires by itself
+    SteadyTimer m_roomTimer; ///< runs while nothing is read; each text that is written ends the wait
 };
