@@ -17,9 +17,9 @@ constexpr double FRAME_LIMIT = 1.5;
 constexpr double SMALL_FRAME_LIMIT = 2.0; // few nodes share what a frame costs by itself
 constexpr size_t SMALL = 13;
 constexpr double EVENT_LIMIT = 2.6;
-constexpr double EVENT_REQUEST_LIMIT = 3.0;
-constexpr double PROCESS_REQUEST_LIMIT = 2.5;
-constexpr double INSPECT_REQUEST_LIMIT = 3.5;
+constexpr double EVENT_REQUEST_LIMIT = 2.2;
+constexpr double PROCESS_REQUEST_LIMIT = 2.0;
+constexpr double INSPECT_REQUEST_LIMIT = 2.0;
 
 constexpr int KEY_DOWN = 2002;
 
