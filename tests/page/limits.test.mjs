@@ -311,7 +311,7 @@ test("a client that asks faster than it reads is answered as it reads", async ()
   const replies = Array.from({ length: 100 }, () => script.request({ op: "scene", id })); // 50 MB
   const other = await openSession(host.address);
   for (let turn = 0; turn < 200; ++turn) {
-    await must(other, { op: "scene" }); // the host comes to its clients in turn: it would have answered all hundred
+    await must(other, { op: "scene" }); // in so many turns a host that reads on answers all hundred
   }
   script.socket.resume();
   assert.deepEqual((await Promise.all(replies)).filter((reply) => reply.id !== id), []);

@@ -45,7 +45,7 @@ public:
         Next().append(szDigits, pEnd);
     }
 
-    /// Valid UTF-8, where what is raw is: what isn't is replaced.
+    /// Bytes of texts that are no UTF-8 have been replaced; what was raw stands as it was.
     std::string Take() { return std::move(m_strText); }
 
 private:
