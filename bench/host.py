@@ -14,7 +14,8 @@ from iohost import LONGEST_WAIT, RELEASE, TEXT, Page, Server, Stdio, json_device
 DEMO = json.loads(pathlib.Path("app/scenes/demo.json").read_text())
 EVENTS_PER_SECOND = 1000
 KEY = '{"op":"event","device":0,"event":%d,"payload":{"is":"key","text":"A"}}'
-SAMPLE = '{"op":"event","device":1,"event":3013,"payload":{"is":"pointer","x":%d,"y":8}}'
+POINTER = '"is":"pointer","rx":0,"ry":0,"x":%d,"y":8,"pointer":0,"relative":0'
+SAMPLE = '{"op":"event","device":1,"event":3013,"payload":{' + POINTER + "}}"
 EVENTS = [KEY % 2002, SAMPLE % 7, KEY % 2003, SAMPLE % 9]
 REQUESTS = {"event": KEY % 2002, "process": '{"op":"process"}', "inspect": '{"op":"inspect","node":"mouse0"}'}
 

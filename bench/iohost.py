@@ -31,6 +31,13 @@ def json_device(port):
     return {"id": 1, "name": "Peer", "parser": "json", "address": f"127.0.0.1:{port}"}
 
 
+def expect_done(replies):
+    """A measurement of what is refused would be none."""
+    refusal = replies.find(b'{"ok":false')
+    if refusal >= 0:
+        raise ValueError("the host refuses: " + replies[refusal : refusal + 200].decode())
+
+
 class Child:
     """A program that is ended with the block."""
 
@@ -65,6 +72,7 @@ class Stdio(Child):
         piece = self.process.stdout.read(1 << 20)
         if not piece:
             raise EOFError("the host ended")
+        expect_done(piece)
         return piece.count(b"\n")
 
 
@@ -162,7 +170,10 @@ class Page:
         return found
 
     def replies(self, seconds):
-        return sum(b'{"push"' not in message[:10] for message in self.messages(seconds))
+        replies = [message for message in self.messages(seconds) if b'{"push"' not in message[:10]]
+        for reply in replies:
+            expect_done(reply)
+        return len(replies)
 
     def next(self, beginning, seconds):
         """The next message that begins so; None when none comes for so long."""
