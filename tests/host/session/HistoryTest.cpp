@@ -185,6 +185,13 @@ TEST_F(History, FewerStepsAreKeptWhereTheyHoldLongTexts) {
         m_pSession->Do(SPlaceCommand{.notes = {{"1", SNote{.strText = longText(c)}}}});
     }
     EXPECT_EQ(Steps(), OrderedJson({"Change S", "Change S", "Change notes", "Change notes"}));
+    const SNote note{.strText = longText(L'h')};
+    SPlaceCommand eight;
+    for (const char* pszNote : {"1", "2", "3", "4", "5", "6", "7", "8"}) {
+        eight.notes.emplace_back(pszNote, note);
+    }
+    m_pSession->Do(eight);
+    EXPECT_EQ(Steps(), OrderedJson({"Change notes"})) << "which alone is too long";
 }
 
 TEST_F(History, AStateIsGoneToOrRefusedWhateverOthersDidMeanwhile) {

@@ -208,6 +208,7 @@ TEST_F(JsonTextRequests, EachDeviceSendsUnderItsOwnNumberAndOtherParsersTakeNoTe
     CTestPeers::Write(device, "[1]\n");
     Await([this] { return Device()["received_bytes"] == 4; });
     EXPECT_EQ(Text(), "");
+    EXPECT_EQ(Device()["received"], 1);
     EXPECT_FALSE(Device().contains("rejected_lines"));
 }
 
