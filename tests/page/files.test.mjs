@@ -601,7 +601,7 @@ test("a line of the history leads where it says, though somebody changes the sce
   await create("f");
   await late.locator("[data-face=f]").waitFor();
   await late.locator('[data-step="2"]').click(); // nowhere any more
-  await expectEventually("what is said", () => canvasOf(late, script).message().innerText(), "The scene has no such state there any more.");
+  await expectEventually("what is said", () => canvasOf(late, script).message().innerText(), "the scene has no such state there");
   await canvas.nodesAre(["a", "f"]);
 });
 

@@ -69,12 +69,12 @@ test("in Chinese no text is left in English, on any tab", async () => {
   await page.page.getByRole("button", { name: "另存为" }).click();
   await page.page.locator("[data-scene-name]").fill(".hidden");
   await page.page.keyboard.press("Enter");
-  await isRefused(/^file: 任何一级名称都不能以点开头$/);
+  await isRefused(/^文件：任何一级名称都不能以点开头$/);
   await page.page.keyboard.press("Escape");
   await page.page.getByRole("button", { name: "打开", exact: true }).click();
   await page.page.locator("[data-upload]").setInputFiles({ name: "a.json", mimeType: "application/json", buffer: Buffer.from("no scene") });
   await page.page.getByRole("button", { name: "仍然打开" }).click();
-  await isRefused(/^scene: 从第 2 字节起不是 JSON$/);
+  await isRefused(/^文件：从第 2 字节起不是 JSON$/);
 });
 
 test("names of types, pins and choices follow the switch, whichever the host's are", async () => {

@@ -1,6 +1,6 @@
-// The host says in English why it refuses a request: what that means in Chinese.
+// The host says in English why it refuses a request: what that means in Chinese, and how it's shown.
 import { textsByFormat } from "./formats.ts";
-import { language } from "./i18n.ts";
+import { language, t, type Label } from "./i18n.ts";
 import type { Reply } from "./messages.ts";
 
 /** By the format that the host writes a refusal with, behind the field that it is about. */
@@ -113,14 +113,34 @@ export function chineseByFormat(table: Record<string, string>): (text: string) =
 
 const inChinese = chineseByFormat(REFUSALS);
 
-/** A refusal in the reader's language. The field in front is the request's own; a text that no format fits stays. */
+/** Problems that don't say what they are about. */
+const OF_A_FIELD = /^(?:is|isn't|must|can't|not|nested|no part) /;
+/** What the page calls the fields that can have such a problem by what is typed or opened here. */
+const LABELS: Record<string, Label> = {
+  file: "File",
+  scene: "File",
+  device: "Number",
+  "payload.device": "Device number",
+  drop_after: "Drop after (s)",
+  text: "Test text",
+  float: "Value",
+};
+
+/** A refusal in the reader's language, behind the field only where that is needed. A text that no format fits stays. */
 export function refusalText(error: string): string {
-  if (language.value !== "zh") {
-    return error;
+  const isChinese = language.value === "zh";
+  const [, field = "", problem = ""] = /^([^"]*?): (.*)$/s.exec(error) ?? [];
+  const chinese = inChinese(problem);
+  if (chinese === null) {
+    return isChinese ? (inChinese(error) ?? error) : error;
   }
-  const field = /^.*?: /s.exec(error)?.[0] ?? "";
-  const problem = inChinese(error.slice(field.length));
-  return problem !== null ? field + problem : (inChinese(error) ?? error);
+  const told = isChinese ? chinese : problem;
+  const isPlaceInFile = /^(?:file|scene)\./.test(field);
+  if (!isPlaceInFile && !OF_A_FIELD.test(problem)) {
+    return told;
+  }
+  const label = LABELS[field];
+  return t("{field}: {problem}", { field: label === undefined ? field : t(label), problem: told });
 }
 
 /** The reply, with its refusal in the reader's language. */

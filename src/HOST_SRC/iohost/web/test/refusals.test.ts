@@ -64,25 +64,77 @@ test("texts that a refusal takes from elsewhere are looked for there", () => {
   assert.deepEqual([...refusalsOfHost().named].sort(), ["OUTSIDE", "pszReason", "strProblem"]);
 });
 
-test("a Chinese text has the values of its format in their order, behind the field", () => {
+test("a Chinese text has the values of its format in their order, with a field or without", () => {
   language.value = "zh";
   for (const [format, text] of Object.entries(REFUSALS)) {
     assert.equal(text.match(/%s/g)?.length, format.match(/%s/g)?.length, format);
     assert.match(text, /\p{Script=Han}/u);
     const values = ['"键: 1"', "7"];
     const line = (form: string) => values.reduce((rest, value) => rest.replace("%s", () => value), form);
-    for (const field of ["", "requests[2].node: ", "int, float, string, choice: "]) {
-      assert.equal(refusalText(field + line(format)), field + line(text));
+    assert.equal(refusalText(line(format)), line(text));
+    for (const field of ["requests[2].node", "int, float, string, choice"]) {
+      assert.ok([line(text), `${field}：${line(text)}`].includes(refusalText(`${field}: ${line(format)}`)), format);
     }
   }
 });
 
-test("an English page shows the host's own text, a Chinese one too where there is no other", () => {
-  const refused = "file: no part of it may begin with a dot";
-  assert.equal(refusalText(refused), refused);
-  language.value = "zh";
-  assert.equal(refusalText(refused), "file: 任何一级名称都不能以点开头");
-  for (const text of ["broadcast: UDP 0.0.0.0:1: Address already in use", "未连接", "std::bad_alloc"]) {
+test("a refusal that says by itself what it's about goes without the field, another one with the page's label", () => {
+  for (const [refusal, english, chinese] of [
+    ["op: there is nothing to undo", "there is nothing to undo", "没有可撤销的步骤"],
+    ["device: there is a device 1 already", "there is a device 1 already", "已有设备 1"],
+    ["requests[1].type: the module makes no such node", "the module makes no such node", "模块不创建此类型的节点"],
+    ["requests[0]: the module raised E: 7", "the module raised E: 7", "模块抛出异常 E: 7"],
+    [
+      "notes.note 1.length: there is no note whose text could stay",
+      "there is no note whose text could stay",
+      "没有可保留其文字的便签",
+    ],
+    ['address: "a: 1" isn\'t a port', '"a: 1" isn\'t a port', '"a: 1" 不是端口号'],
+    ["file: no part of it may begin with a dot", "File: no part of it may begin with a dot", "文件：任何一级名称都不能以点开头"],
+    ["scene: not JSON, from byte 7 on", "File: not JSON, from byte 7 on", "文件：从第 7 字节起不是 JSON"],
+    [
+      "device: is outside the unsigned 32-bit range",
+      "Number: is outside the unsigned 32-bit range",
+      "编号：超出无符号 32 位整数的范围",
+    ],
+    [
+      "payload.device: is outside the signed 32-bit range",
+      "Device number: is outside the signed 32-bit range",
+      "设备编号：超出有符号 32 位整数的范围",
+    ],
+    [
+      "drop_after: must be from 0.001 to 86400 seconds",
+      "Drop after (s): must be from 0.001 to 86400 seconds",
+      "丢弃时限（秒）：必须在 0.001 到 86400 秒之间",
+    ],
+    ["text: is empty", "Test text: is empty", "测试文本：不能为空"],
+    [
+      "float: is outside the range of a 32-bit float",
+      "Value: is outside the range of a 32-bit float",
+      "值：超出 32 位浮点数的范围",
+    ],
+  ] as const) {
+    language.value = "en";
+    assert.equal(refusalText(refusal), english);
+    language.value = "zh";
+    assert.equal(refusalText(refusal), chinese);
+  }
+});
+
+test("a refusal of a scene's file tells the place in it, and what the page has no label for stays", () => {
+  const place = "scene.nodes[2].type";
+  for (const text of ['file.links[0].from: there is no node "a"', `${place}: is missing`, "graph: must be a string"]) {
     assert.equal(refusalText(text), text);
+  }
+  language.value = "zh";
+  assert.equal(refusalText(`${place}: is missing`), `${place}：缺少此项`);
+});
+
+test("a refusal with no Chinese text is shown as the host wrote it", () => {
+  for (const shown of ["en", "zh"] as const) {
+    language.value = shown;
+    for (const text of ["broadcast: UDP 0.0.0.0:1: Address already in use", "未连接", "std::bad_alloc"]) {
+      assert.equal(refusalText(text), text);
+    }
   }
 });

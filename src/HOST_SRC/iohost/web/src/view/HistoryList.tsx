@@ -30,8 +30,7 @@ export function HistoryList({ host, desk }: { host: Host; desk: Desk }) {
   };
   const goTo = async (op: "undo" | "redo", to: number) => {
     const taken = await host.requests.move(op, to);
-    const problem = typeof taken === "string" ? taken : null;
-    desk.tell(problem?.startsWith("to: ") ? t("The scene has no such state there any more.") : problem, "");
+    desk.tell(typeof taken === "string" ? taken : null, "");
   };
   /** What it was after so many steps. */
   const entry = (step: number, { done, states }: History, text: string) => (
