@@ -391,7 +391,7 @@ test("what is being typed into a note stays while another page changes the note,
 
 test("a note that is moved, sized or lined up keeps the text that another page gave it just then", async () => {
   let hears = true;
-  await is.between(page.page, { toPage: (messages) => messages.filter(({ push }) => hears || push !== "history") });
+  await is.between(page.page, { toPage: (messages) => messages.filter(({ push }) => hears || push !== "scene") });
   const note = { x: 420, y: 220, width: 200, height: 100 };
   const kept = async () => (await canvas.scene()).notes.n;
   const expectKept = async (what, value) => {
@@ -412,6 +412,31 @@ test("a note that is moved, sized or lined up keeps the text that another page g
   await page.page.locator(".react-flow__node-note").press("ArrowDown");
   await until("another place", async () => (await kept()).y > 220);
   assert.equal((await kept()).text, "second");
+});
+
+test("a note that is moved, sized and written in a row stays as it was moved and sized, before the page is told", async () => {
+  let hears = true;
+  await is.between(page.page, { toPage: (messages) => messages.filter(({ push }) => hears || push !== "scene") });
+  await must(script, { op: "place", notes: { n: { x: 420, y: 220, width: 200, height: 100, text: "here" } } });
+  await page.page.reload();
+  const kept = async () => (await canvas.scene()).notes.n;
+  const sizeBy = (key) => page.page.getByRole("button", { name: "Size of the note" }).press(key);
+  await page.page.locator("[data-note=n]").click({ position: { x: 3, y: 3 } });
+  hears = false;
+  await sizeBy("ArrowRight");
+  await expectEventually("the width", async () => (await kept()).width, 220);
+  await page.page.locator(".react-flow__node-note").press("ArrowDown");
+  await until("another place", async () => (await kept()).y > 220);
+  const { y, width } = await kept();
+  assert.equal(width, 220);
+  await sizeBy("ArrowDown");
+  await expectEventually("the height", async () => (await kept()).height, 120);
+  assert.equal((await kept()).y, y);
+  const field = page.page.locator("[data-note=n] textarea");
+  await field.fill("there");
+  await field.blur();
+  await expectEventually("the text", async () => (await kept()).text, "there");
+  assert.deepEqual(await kept(), { x: 420, y, width: 220, height: 120, text: "there" });
 });
 
 test("a note too long for the page stays whole when it's sized, isn't copied, and typing replaces it", async () => {

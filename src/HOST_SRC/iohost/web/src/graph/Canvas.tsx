@@ -154,8 +154,8 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     const movedNodes = all.flatMap(({ type, data, position }) =>
       type === "face" ? [[data.node.node, { ...editor.view.placeOf(data.node.node), ...position }]] : [],
     );
-    const movedNotes = all.flatMap(({ type, data, position }) =>
-      type === "note" ? [[data.id, movedNote(data.note, position)]] : [],
+    const movedNotes = all.flatMap(({ type, data, position, width, height }) =>
+      type === "note" ? [[data.id, movedNote(data.note, { ...position, width: width!, height: height! })]] : [],
     );
     if (all.length > 0) {
       void editor.place(Object.fromEntries(movedNodes), Object.fromEntries(movedNotes));

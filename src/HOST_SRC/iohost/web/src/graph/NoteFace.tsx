@@ -26,7 +26,7 @@ export type NoteNode = Node<{ editor: Editor; id: string; note: Note }, "note">;
  * A text box on the canvas. What is being typed stays, whatever other pages do to the note meanwhile. Of a text that
  * the host cut the end isn't known: it can be replaced, not edited.
  */
-export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<NoteNode>) {
+export function NoteFace({ data: { editor, id, note }, selected, ...shown }: NodeProps<NoteNode>) {
   const field = useRef<HTMLTextAreaElement>(null);
   useFocusWhenChosen(field, selected);
   const { length } = note;
@@ -39,6 +39,9 @@ export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<Not
     }
     known.current = text;
   }, [text]);
+  // The host may not have told yet where it was just moved, and how it was sized.
+  const { positionAbsoluteX, positionAbsoluteY } = shown;
+  const box = { x: positionAbsoluteX, y: positionAbsoluteY, width: shown.width!, height: shown.height! };
   const keepSize = ({ x, y, width, height }: Box) =>
     editor.place({}, { [id]: movedNote(note, { x, y, width, height }) });
   return (
@@ -61,14 +64,13 @@ export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<Not
           if (value !== known.current) {
             const before = known.current;
             known.current = value;
-            const { x, y, width, height } = note;
-            void editor.place({}, { [id]: { x, y, width, height, text: value } }).then((isSaved) => {
+            void editor.place({}, { [id]: { ...box, text: value } }).then((isSaved) => {
               known.current = isSaved ? known.current : before;
             });
           }
         }}
       />
-      {selected && <Corner id={id} note={note} onSized={keepSize} />}
+      {selected && <Corner id={id} note={note} onSized={(size) => keepSize({ ...box, ...size })} />}
     </div>
   );
 }
@@ -76,7 +78,7 @@ export function NoteFace({ data: { editor, id, note }, selected }: NodeProps<Not
 interface CornerProps {
   id: string;
   note: Note;
-  onSized(box: Box): Promise<boolean>;
+  onSized(size: Partial<Box>): Promise<boolean>;
 }
 
 /** Sizes the note by dragging and by arrow keys; what a key does while it's held down is one step. */
@@ -96,7 +98,7 @@ function Corner({ id, note, onSized }: CornerProps) {
     if (isSized.current) {
       isSized.current = false;
       ++asked.current;
-      await onSized({ x: note.x, y: note.y, ...size.current });
+      await onSized(size.current);
       --asked.current;
     }
   };
