@@ -119,6 +119,28 @@ test("a click on the map moves the view there, and so does dragging it", async (
   await until("a view further left", async () => (await left()) > before + 100);
 });
 
+test("in a small window, too, neither map nor buttons cover a node of the scene that is shown as a whole", async () => {
+  await must(script, { op: "place", nodes: { k: { x: 0, y: 600 }, m: { x: 420, y: 300 }, t: { x: 210, y: 0 } } });
+  await page.page.setViewportSize({ width: 1024, height: 600 });
+  const isFree = () =>
+    until("all nodes beside map and buttons", () => page.page.evaluate(() => {
+      const boxes = (selector) => [...document.querySelectorAll(selector)].map((one) => one.getBoundingClientRect());
+      const [{ left, top, right, bottom }] = boxes("[data-graph]");
+      const panels = boxes(".react-flow__minimap, .react-flow__controls");
+      return panels.length === 2 && boxes("[data-face]").every((face) =>
+        face.left > left && face.top > top && face.right < right && face.bottom < bottom
+        && panels.every((one) => face.right < one.left || one.right < face.left || face.bottom < one.top || one.bottom < face.top));
+    }));
+  await page.page.reload();
+  await canvas.face("t").waitFor();
+  await isFree();
+  const zoom = await canvas.zoom();
+  await page.page.locator(".react-flow__controls-zoomin").click();
+  await until("a larger view", async () => (await canvas.zoom()) > zoom);
+  await page.page.locator(".react-flow__controls-fitview").click();
+  await isFree();
+});
+
 test("a wire between pins that don't fit is refused with the reason", async () => {
   await canvas.pin("m", is.LEFT_DOWN[1]).dragTo(canvas.pin("t", TEXT_INPUT));
   await expectEventually("the reason", () => canvas.message().innerText(), "An output with events doesn't fit an input for texts.");

@@ -1,6 +1,7 @@
 import {
   Background,
   Controls,
+  getViewportForBounds,
   MiniMap,
   ReactFlow,
   ReactFlowProvider,
@@ -43,9 +44,13 @@ const WIRES = { wire: WireEdge };
 // Made once: the library takes a new object for a changed setting.
 const ADDING_KEYS = ["Control", "Meta"];
 /** So that a few nodes leave room for more. */
-const LEAST_SHOWN = { width: 800, height: 450 };
-const FIT = { padding: 0.1, maxZoom: 1 };
+const LEAST_SHOWN = { width: 650, height: 450 };
 const MAP_SIZE = { width: 120, height: 80 };
+/** Then the buttons and the map cover nothing. */
+const BESIDE_MAP = { left: "55px", right: "150px", y: 0.1 } as const;
+const FIT = { padding: BESIDE_MAP, maxZoom: 1 };
+const LEAST_ZOOM = 0.1;
+const MOST_ZOOM = 1.5;
 
 /** The scene as a graph, live: nodes are added, wired, moved, named and removed here. Another scene begins anew. */
 export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
@@ -81,12 +86,16 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       ...(nodes ?? []).map((node) => ({ ...boxOf(node), ...(places.get(node.node) ?? node.place ?? automatic.of(node.node)) })),
       ...Object.values(notes),
     ];
-    if (boxes.length > 0) {
+    const seen = pane.current; // null where the library gets ready too late
+    if (boxes.length > 0 && seen !== null) {
       const all = around(boxes);
       const width = Math.max(all.width, LEAST_SHOWN.width);
       const height = Math.max(all.height, LEAST_SHOWN.height);
       const [x, y] = [all.x + (all.width - width) / 2, all.y + (all.height - height) / 2];
-      void flow.current?.fitBounds({ x, y, width, height }, { padding: 0.1 });
+      const bounds = { x, y, width, height };
+      void flow.current?.setViewport(
+        getViewportForBounds(bounds, seen.clientWidth, seen.clientHeight, LEAST_ZOOM, MOST_ZOOM, BESIDE_MAP),
+      );
     }
   });
   // The whole scene comes into sight with its first nodes, or by `keepFlow` where the library is ready later.
@@ -276,8 +285,8 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
             zoomOnDoubleClick={false}
             nodeDragThreshold={2}
             autoPanOnNodeDrag={isDragging.current}
-            minZoom={0.1}
-            maxZoom={1.5}
+            minZoom={LEAST_ZOOM}
+            maxZoom={MOST_ZOOM}
             ariaLabelConfig={labels}
           >
             <Background />
