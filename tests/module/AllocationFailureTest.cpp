@@ -511,17 +511,19 @@ TEST_F(AllocationFailure, OfABroadcastsBufferSendsTheLengthFromNowhere) {
     scene.Input(605).m_strValue = L"12|7";
     scene.AddGraphInput(606, 26, 7).m_nValue = 1;
     TakeDatagrams();
-    s_bNoArrays = true;
-    EXPECT_EQ(scene.Evaluate(), 1);
+    for (const bool bNoArrays : {true, false, true}) {
+        s_bNoArrays = bNoArrays;
+        EXPECT_EQ(scene.Evaluate(), 1);
+    }
     s_bNoArrays = false;
-    EXPECT_EQ(scene.Evaluate(), 1);
     const std::vector<SentDatagram> datagrams = TakeDatagrams();
-    ASSERT_EQ(datagrams.size(), 2u);
+    ASSERT_EQ(datagrams.size(), 3u);
     const std::string whole =
         std::string("[.{<Broadcast Flag=\"\" ClipName=\"\" Name=\"\" Data=\"12|7\"/>\r\n}.]") + '\0';
     EXPECT_TRUE(datagrams[0].bNowhere);
     EXPECT_EQ(datagrams[0].nSize, whole.size());
     EXPECT_EQ(datagrams[1].bytes, whole);
+    EXPECT_EQ(datagrams[2].bytes, whole) << "in the buffer of the one before";
 }
 
 } // namespace

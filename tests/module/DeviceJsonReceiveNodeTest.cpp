@@ -170,6 +170,11 @@ TEST_F(DeviceJsonReceiveNode, OfMembersOfOneNameTheFirstCounts) {
     ExpectTaken(L"{\"a\":\"1\",\"a\":\"2\"}");
     ExpectRefused(L"{\"a\":\"2\",\"a\":\"1\"}");
     ExpectTaken(LR"({"\u0061":"1","a":"2"})"); // names are compared by what they mean
+    CString strMany = L"{\"a\":\"1\"";
+    for (int i = 0; i < 100; ++i) {
+        strMany += L",\"a\":\"2\"";
+    }
+    ExpectTaken(strMany + L"}");
     Check({L"a", L"1", L"a", L"2"});
     ExpectRefused(L"{\"a\":\"1\",\"a\":\"2\"}");
 }
