@@ -1,7 +1,10 @@
 // A real browser without a window.
-import { chromium } from "playwright-core";
+import { createRequire } from "node:module";
 import { LONGEST_WAIT_MS } from "./host.mjs";
 import { opened } from "./opened.mjs";
+
+// To import it, Node.js would search its megabytes for the names that it exports.
+const { chromium } = createRequire(import.meta.url)("playwright-core");
 
 // Drawing in space by the processor alone takes a lot of it, also for the rest of the page.
 const DRAWING_IN_SPACE = ["--use-angle=swiftshader", "--enable-unsafe-swiftshader"];
