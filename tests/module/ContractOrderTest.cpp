@@ -73,9 +73,4 @@ TEST(ContractOrder, OperationsStandInOrder) {
 }
 #endif
 
-TEST(ContractOrder, MainTableStandsAtTheBeginningOfANode) {
-    P_ExtDevIOProcess node;
-    EXPECT_EQ(static_cast<void*>(&node), static_cast<void*>(static_cast<BaseStruct*>(&node)));
-}
-
 } // namespace

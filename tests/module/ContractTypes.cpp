@@ -1,6 +1,7 @@
 #include "ContractTypes.h"
 
 #include <algorithm>
+#include <iterator>
 
 ContractPayloads::ContractPayloads() {
     key.m_strText = L"a";
@@ -189,6 +190,8 @@ const std::vector<ContractType>& ContractTypes() {
     return TYPES;
 }
 
-const ContractType& ContractTypeOf(unsigned char nTypeByte) {
-    return *std::ranges::find(TYPES, nTypeByte, &ContractType::nTypeByte);
+std::vector<ContractType> TypesWith(bool (*pHas)(const ContractType&)) {
+    std::vector<ContractType> types;
+    std::ranges::copy_if(ContractTypes(), std::back_inserter(types), pHas);
+    return types;
 }

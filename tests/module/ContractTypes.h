@@ -57,5 +57,5 @@ struct ContractType {
 /// All types, in the catalogue's order.
 const std::vector<ContractType>& ContractTypes();
 
-/// The type of that byte.
-const ContractType& ContractTypeOf(unsigned char nTypeByte);
+/// Those that have what is asked for, in the same order.
+std::vector<ContractType> TypesWith(bool (*pHas)(const ContractType&));

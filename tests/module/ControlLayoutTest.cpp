@@ -4,9 +4,9 @@
 
 namespace {
 
-/// In the order in which the module releases the layouts.
-const unsigned char TYPES[] = {TYPE_GESTURE, TYPE_MOUSE, TYPE_NET_PARAMETER_SEND, TYPE_VR_HANDLE,
-                               TYPE_DEVICE_JSON_RECEIVE};
+bool HasLayout(const ContractType& type) {
+    return type.pszLayoutFile != nullptr;
+}
 
 constexpr std::string_view LAYOUT = R"(<?xml version="1.0" encoding="UTF-8"?>
 <ParamLayout class="AnyClass" version="1">
@@ -46,37 +46,35 @@ private:
     std::vector<std::string>& m_deleted;
 };
 
-class ControlLayout : public ModuleTest, public testing::WithParamInterface<unsigned char> {
+class ControlLayout : public ModuleTest, public testing::WithParamInterface<ContractType> {
 protected:
     void Write(std::string_view text) const {
-        m_host.WriteFile(
-            std::filesystem::path("Plugins/NodePlugin/IOProcess") / ContractTypeOf(GetParam()).pszLayoutFile, text);
+        m_host.WriteFile(std::filesystem::path("Plugins/NodePlugin/IOProcess") / GetParam().pszLayoutFile, text);
     }
     void ExpectRead() const { ExpectLayoutOfTheFile(*m_pNode->GetNodeParamInfoGrpAr()); }
 
-    NodePtr m_pNode = m_host.CreateNode(GetParam());
+    NodePtr m_pNode = m_host.CreateNode(GetParam().nTypeByte);
 };
 
-INSTANTIATE_TEST_SUITE_P(EachClass, ControlLayout, testing::ValuesIn(TYPES),
-                         [](const auto& type) { return std::string(ContractTypeOf(type.param).pszName); });
+INSTANTIATE_TEST_SUITE_P(EachClass, ControlLayout, testing::ValuesIn(TypesWith(HasLayout)), TestName<ContractType>);
 
 TEST_P(ControlLayout, IsOnePerClassAndSharedWithNoOther) {
     Write(LAYOUT);
     ExpectRead();
-    for (const unsigned char nTypeByte : TYPES) {
-        SCOPED_TRACE(ContractTypeOf(nTypeByte));
-        const NodePtr pOther = m_host.CreateNode(nTypeByte);
-        const bool bSame = nTypeByte == GetParam();
+    for (const ContractType& type : TypesWith(HasLayout)) {
+        SCOPED_TRACE(type);
+        const NodePtr pOther = m_host.CreateNode(type.nTypeByte);
+        const bool bSame = type.nTypeByte == GetParam().nTypeByte;
         EXPECT_EQ(pOther->GetXmlReader() == m_pNode->GetXmlReader(), bSame);
         EXPECT_EQ(pOther->GetXmlLoadStatePtr() == m_pNode->GetXmlLoadStatePtr(), bSame);
         EXPECT_EQ(pOther->GetNodeParamInfoGrpAr() == m_pNode->GetNodeParamInfoGrpAr(), bSame);
         EXPECT_EQ(pOther->GetNodeParamInfoGrpAr()->GetSize(), bSame ? 2 : 0) << "only one file is there";
     }
-    m_pNode = m_host.CreateNode(GetParam()); // it outlives its nodes
+    m_pNode = m_host.CreateNode(GetParam().nTypeByte); // it outlives its nodes
     ExpectRead();
 }
 
-TEST_P(ControlLayout, IsReadOnceWhenAskedForAndThere) {
+TEST_P(ControlLayout, IsReadOnceWhenAskedForAndThereUntilReleased) {
     EXPECT_EQ(*m_pNode->GetXmlLoadStatePtr(), 0) << "nothing is read before it's asked for";
     CArray<SNodeParamInfoGrp*>* pArray = m_pNode->GetNodeParamInfoGrpAr();
     EXPECT_EQ(pArray->GetSize(), 0);
@@ -90,22 +88,12 @@ TEST_P(ControlLayout, IsReadOnceWhenAskedForAndThere) {
     ExpectRead();
     EXPECT_EQ(m_pNode->GetNodeParamInfoGrpAr(), pArray);
     EXPECT_EQ(pArray->GetAt(0), pFirst);
-}
-
-TEST_P(ControlLayout, IsReleasedWithItsStorageAndFilledAgain) {
-    Write(LAYOUT);
-    CArray<SNodeParamInfoGrp*>* pArray = m_pNode->GetNodeParamInfoGrpAr();
-    std::vector<std::string> deleted;
-    for (const char* pszName : {"1", "2", "3"}) {
-        pArray->Add(new CTracedGroup(pszName, deleted));
-        pArray->Add(nullptr); // elements may be missing
-    }
     EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);
-    EXPECT_EQ(deleted, (std::vector<std::string>{"3", "2", "1"})) << "from the last to the first";
     EXPECT_EQ(pArray->GetSize(), 0);
-    EXPECT_EQ(pArray->GetData(), nullptr);
-    EXPECT_EQ(m_pNode->GetNodeParamInfoGrpAr(), pArray);
+    EXPECT_EQ(pArray->GetData(), nullptr) << "its storage is freed";
+    Write(LAYOUT);
     ExpectRead();
+    EXPECT_EQ(m_pNode->GetNodeParamInfoGrpAr(), pArray);
 }
 
 TEST_P(ControlLayout, BrokenAndForeignFilesLeaveItEmpty) {
@@ -125,7 +113,7 @@ TEST_P(ControlLayout, IsFreedWhenTheModuleIsUnloadedUnreleased) {
     m_pNode.reset();
     m_host.Unload();
     m_host.Load();
-    m_pNode = m_host.CreateNode(GetParam());
+    m_pNode = m_host.CreateNode(GetParam().nTypeByte);
     EXPECT_EQ(*m_pNode->GetXmlLoadStatePtr(), 0) << "a module loaded anew knows nothing";
 }
 
@@ -153,11 +141,11 @@ TEST_F(ControlLayouts, AreReleasedTogetherInTheOrderOfTheirClasses) {
     std::vector<std::string> deleted;
     std::vector<CArray<SNodeParamInfoGrp*>*> arrays;
     // Filled in another order than they are released in.
-    for (const unsigned char nTypeByte :
-         {TYPE_DEVICE_JSON_RECEIVE, TYPE_VR_HANDLE, TYPE_NET_PARAMETER_SEND, TYPE_MOUSE, TYPE_GESTURE}) {
-        arrays.push_back(m_host.CreateNode(nTypeByte)->GetNodeParamInfoGrpAr());
+    for (const ContractType& type : TypesWith(HasLayout)) {
+        arrays.push_back(m_host.CreateNode(type.nTypeByte)->GetNodeParamInfoGrpAr());
         for (const char* pszNumber : {" 1", " 2"}) {
-            arrays.back()->Add(new CTracedGroup(ContractTypeOf(nTypeByte).pszName + std::string(pszNumber), deleted));
+            arrays.back()->Add(new CTracedGroup(type.pszName + std::string(pszNumber), deleted));
+            arrays.back()->Add(nullptr); // elements may be missing
         }
     }
     EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);

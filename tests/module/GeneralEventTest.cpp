@@ -4,9 +4,9 @@
 #include <new>
 #include <set>
 
-#include "ContractTypes.h"
 #include "HeapUse.h"
 #include "HostCalls.h"
+#include "ModuleHost.h"
 #include "ParamText.h"
 
 namespace {
@@ -82,51 +82,6 @@ TEST_F(GeneralEvent, EveryEventCarriesAnIdOfItsOwnAndIsDeliveredAfterTheCall) {
     }
     EXPECT_EQ(outputs, (std::vector<int>{153, 152, 153})) << "in the order in which they were fired";
     EXPECT_EQ(ids.size(), 3u);
-}
-
-/// Notes lines ("l") and events ("e"), which come by either way to the host, in their order.
-class OrderOfLinesAndEvents final : public ILogSink {
-public:
-    explicit OrderOfLinesAndEvents(ModuleHost& host) : m_host(host) { SetLogSink(this); }
-    ~OrderOfLinesAndEvents() { SetLogSink(nullptr); }
-
-    OrderOfLinesAndEvents(const OrderOfLinesAndEvents&) = delete;
-    OrderOfLinesAndEvents& operator=(const OrderOfLinesAndEvents&) = delete;
-
-    void OnLogLine(const SLogLine& /*line*/) override {
-        NoteEvents();
-        m_order += 'l';
-    }
-
-    std::string Take() {
-        NoteEvents();
-        return std::exchange(m_order, {});
-    }
-
-private:
-    void NoteEvents() { m_order.append(m_host.TakeEvents().size() + m_host.TakeReportedEvents().size(), 'e'); }
-
-    ModuleHost& m_host;
-    std::string m_order;
-};
-
-TEST_F(GeneralEvent, ComesBehindItsLogLine) {
-    OrderOfLinesAndEvents order(m_host);
-    ContractPayloads payloads;
-    for (const ContractType& type : ContractTypes()) {
-        if (type.pEvents == nullptr) {
-            continue;
-        }
-        NodeScene scene(m_host, type.nTypeByte);
-        scene.Evaluate();
-        for (const ContractEvent& event : type.pEvents(payloads)) {
-            scene.Send(type.devices[0], event.nEvent, event.pPayload);
-        }
-        const std::string taken = order.Take();
-        for (size_t i = 0; taken.find('l') != taken.npos && i < taken.size(); i += 2) {
-            EXPECT_EQ(taken.substr(i, 2), "le") << type;
-        }
-    }
 }
 
 TEST_F(GeneralEvent, UsesTheNodesOwnMessage) {

@@ -38,17 +38,6 @@ TEST_F(ModuleLoad, UnloadingLeavesNoCodeBehind) {
     EXPECT_EQ(GetModuleHandleW(MODULE_FILE_NAME), nullptr);
 }
 
-TEST_F(ModuleLoad, WorksAgainAfterUnloading) {
-    for (int i = 0; i < 3; ++i) {
-        m_host.CreateNode(TYPE_KEYBOARD);
-        EXPECT_EQ(m_host.Call(1, nullptr, nullptr), 1);
-        m_host.Unload();
-        m_host.Load();
-    }
-    NodeScene scene(m_host, TYPE_KEYBOARD);
-    EXPECT_EQ(scene.Evaluate(), 1);
-}
-
 TEST_F(ModuleLoad, ThreadsThatComeAndGoChangeNothing) {
     NodeScene scene(m_host, TYPE_KEYBOARD);
     AnnounceThread(m_host.Module());
@@ -83,16 +72,9 @@ TEST_F(ModuleLoad, RegistersTheTrackerMessages) {
 
 #if defined(FRAMEWORK_IS_STAND_IN)
 
-TEST_F(ModuleLoad, IsInTheFrameworksListOfModulesWhileLoaded) {
-    EXPECT_EQ(CompatExtensionModuleCount(), 1);
-    m_host.Unload();
-    EXPECT_EQ(CompatExtensionModuleCount(), 0);
-    m_host.Load();
-    EXPECT_EQ(CompatExtensionModuleCount(), 1);
-}
-
 TEST_F(ModuleLoad, RefusesLoadingWhenTheFrameworkFails) {
     m_host.Unload();
+    EXPECT_EQ(CompatExtensionModuleCount(), 0);
     CompatFailExtensionModuleInit(true);
     SetLastError(0);
     EXPECT_EQ(LoadLibraryW(ModuleHost::ModulePath().wstring().c_str()), nullptr);
@@ -101,6 +83,7 @@ TEST_F(ModuleLoad, RefusesLoadingWhenTheFrameworkFails) {
     EXPECT_EQ(CompatExtensionModuleCount(), 0);
     EXPECT_EQ(GetModuleHandleW(MODULE_FILE_NAME), nullptr);
     m_host.Load();
+    EXPECT_EQ(CompatExtensionModuleCount(), 1);
     m_host.CreateNode(TYPE_MOUSE);
 }
 
