@@ -22,40 +22,75 @@ void Record(const char* pszFormat, Arguments... arguments) {
     s_calls.emplace_back(text);
 }
 
-SOCKET OpenSocket(decltype(&socket) pSocket, int nFamily, int nType, int nProtocol) {
+} // namespace
+
+// What sendto counts bytes in.
+#if defined(_WIN32)
+using Size = int;
+using Sent = int;
+#else
+using Size = size_t;
+using Sent = ssize_t;
+#endif
+
+extern "C" SOCKET WINAPI WatchedSocket(int nFamily, int nType, int nProtocol) IN_PLACE_OF("socket");
+extern "C" int WINAPI WatchedStartup(WORD nVersion, LPWSADATA pData) IN_PLACE_OF("WSAStartup");
+extern "C" int WINAPI WatchedSetOption(SOCKET hSocket, int nLevel, int nOption, const char* pValue, int nSize)
+    IN_PLACE_OF("setsockopt");
+extern "C" Sent WINAPI WatchedSendTo(SOCKET hSocket, const char* pBytes, Size nBytes, int nFlags,
+                                     const sockaddr* pAddress, int nAddressSize) IN_PLACE_OF("sendto");
+
+SOCKET WINAPI WatchedSocket(int nFamily, int nType, int nProtocol) {
+    static const auto s_pOriginal = Original<decltype(WatchedSocket)>(LIBRARY, "socket");
     Record("socket %d %d %d", nFamily, nType, nProtocol);
-    const SOCKET hSocket = s_bFail ? INVALID_SOCKET : pSocket(nFamily, nType, nProtocol);
+    const SOCKET hSocket = s_bFail ? INVALID_SOCKET : s_pOriginal(nFamily, nType, nProtocol);
     if (hSocket != INVALID_SOCKET) {
         s_sockets.push_back(hSocket);
     }
     return hSocket;
 }
 
-void RecordOption(int nLevel, int nOption, const void* pValue, int nSize) {
+int WINAPI WatchedStartup(WORD nVersion, LPWSADATA pData) {
+    static const auto s_pOriginal = Original<decltype(WatchedStartup)>(LIBRARY, "WSAStartup");
+    Record("WSAStartup 0x%04X", nVersion);
+    return s_pOriginal(nVersion, pData);
+}
+
+int WINAPI WatchedSetOption(SOCKET hSocket, int nLevel, int nOption, const char* pValue, int nSize) {
+    static const auto s_pOriginal = Original<decltype(WatchedSetOption)>(LIBRARY, "setsockopt");
     int nValue = -1;
     if (nSize == static_cast<int>(sizeof(nValue))) {
         std::memcpy(&nValue, pValue, sizeof(nValue));
     }
     Record("setsockopt 0x%X 0x%X %d", nLevel == SOL_SOCKET ? 0xFFFF : nLevel, nOption == SO_BROADCAST ? 0x20 : nOption,
            nValue);
+    return s_pOriginal(hSocket, nLevel, nOption, pValue, nSize);
 }
 
-void RecordDatagram(SOCKET hSocket, const void* pBytes, size_t nBytes, int nFlags, const sockaddr* pAddress,
-                    int nAddressSize) {
+Sent WINAPI WatchedSendTo(SOCKET hSocket, const char* pBytes, Size nBytes, int nFlags, const sockaddr* pAddress,
+                          int nAddressSize) {
     SentDatagram datagram{};
     datagram.hSocket = hSocket;
     datagram.bNowhere = pBytes == nullptr;
-    datagram.nSize = nBytes;
+    datagram.nSize = static_cast<size_t>(nBytes);
     if (!datagram.bNowhere) {
-        datagram.bytes.assign(static_cast<const char*>(pBytes), nBytes);
+        datagram.bytes.assign(pBytes, datagram.nSize);
     }
     datagram.nFlags = nFlags;
     datagram.nAddressSize = nAddressSize;
     std::memcpy(&datagram.address, pAddress, sizeof(datagram.address));
     s_datagrams.push_back(std::move(datagram));
+    return static_cast<Sent>(nBytes);
 }
 
-} // namespace
+void WatchSocketCalls(HMODULE hModule) {
+    WSADATA data;
+    WSAStartup(0x0202, &data); // the host's part
+    ReplaceImport(hModule, LIBRARY, "socket", WatchedSocket);
+    ReplaceImport(hModule, LIBRARY, "WSAStartup", WatchedStartup);
+    ReplaceImport(hModule, LIBRARY, "setsockopt", WatchedSetOption);
+    ReplaceImport(hModule, LIBRARY, "sendto", WatchedSendTo);
+}
 
 void FailSockets(bool bFail) {
     s_bFail = bFail;
@@ -71,80 +106,3 @@ std::vector<std::string> TakeSocketCalls() {
 std::vector<SentDatagram> TakeDatagrams() {
     return std::exchange(s_datagrams, {});
 }
-
-#if defined(_WIN32)
-
-// The module's imports of the functions are led here.
-
-namespace {
-
-SOCKET WSAAPI WatchedSocket(int nFamily, int nType, int nProtocol) {
-    return OpenSocket(socket, nFamily, nType, nProtocol);
-}
-
-int WSAAPI WatchedStartup(WORD nVersion, LPWSADATA pData) {
-    Record("WSAStartup 0x%04X", nVersion);
-    return WSAStartup(nVersion, pData);
-}
-
-int WSAAPI WatchedSetOption(SOCKET hSocket, int nLevel, int nOption, const char* pValue, int nSize) {
-    RecordOption(nLevel, nOption, pValue, nSize);
-    return setsockopt(hSocket, nLevel, nOption, pValue, nSize);
-}
-
-int WSAAPI WatchedSendTo(SOCKET hSocket, const char* pBytes, int nBytes, int nFlags, const sockaddr* pAddress,
-                         int nAddressSize) {
-    RecordDatagram(hSocket, pBytes, static_cast<size_t>(nBytes), nFlags, pAddress, nAddressSize);
-    return nBytes;
-}
-
-} // namespace
-
-void WatchSocketCalls(HMODULE hModule) {
-    WSADATA data;
-    WSAStartup(0x0202, &data); // the host's part
-    ReplaceImport(hModule, LIBRARY, "socket", WatchedSocket);
-    ReplaceImport(hModule, LIBRARY, "WSAStartup", WatchedStartup);
-    ReplaceImport(hModule, LIBRARY, "setsockopt", WatchedSetOption);
-    ReplaceImport(hModule, LIBRARY, "sendto", WatchedSendTo);
-}
-
-#else
-
-// The program's own definitions come before those of its libraries, for every caller.
-
-void WatchSocketCalls(HMODULE /*hModule*/) {}
-
-// Hidden ones would be the program's alone.
-#pragma GCC visibility push(default)
-
-extern "C" {
-
-int socket(int nFamily, int nType, int nProtocol) noexcept {
-    static const auto s_pSocket = Original<int(int, int, int) noexcept>(LIBRARY, "socket");
-    return OpenSocket(s_pSocket, nFamily, nType, nProtocol);
-}
-
-int WINAPI WSAStartup(WORD nVersion, LPWSADATA pData) {
-    static const auto s_pStartup = Original<decltype(WSAStartup)>(LIBRARY, "WSAStartup");
-    Record("WSAStartup 0x%04X", nVersion);
-    return s_pStartup(nVersion, pData);
-}
-
-int setsockopt(int hSocket, int nLevel, int nOption, const void* pValue, socklen_t nSize) noexcept {
-    static const auto s_pSetOption =
-        Original<int(int, int, int, const void*, socklen_t) noexcept>(LIBRARY, "setsockopt");
-    RecordOption(nLevel, nOption, pValue, static_cast<int>(nSize));
-    return s_pSetOption(hSocket, nLevel, nOption, pValue, nSize);
-}
-
-ssize_t sendto(int hSocket, const void* pBytes, size_t nBytes, int nFlags, const sockaddr* pAddress,
-               socklen_t nAddressSize) {
-    RecordDatagram(hSocket, pBytes, nBytes, nFlags, pAddress, static_cast<int>(nAddressSize));
-    return static_cast<ssize_t>(nBytes);
-}
-}
-
-#pragma GCC visibility pop
-
-#endif
