@@ -68,14 +68,6 @@ def record_layouts(output):
     return layouts
 
 
-def compare(what, expected, found):
-    if len(expected) != len(found):
-        raise Mismatch(f"{what}: {len(found)} entries instead of {len(expected)}")
-    for index, (expected_entry, found_entry) in enumerate(zip(expected, found)):
-        if expected_entry != found_entry:
-            raise Mismatch(f"{what}, entry {index}: '{found_entry}' instead of '{expected_entry}'")
-
-
 def check_records(layouts):
     """Of the expected records, those that were found."""
     for name, (size, members) in layouts.items():
@@ -85,7 +77,9 @@ def check_records(layouts):
                 raise Mismatch(f"{name} is a node that nobody expects")
             continue
         expected_size, expected_members = expected_abi.RECORDS[name]
-        compare(name, sorted(expected_members.items()), sorted(members.items()))
+        if members != expected_members:
+            raise Mismatch(f"{name}: {sorted(members.items() - expected_members.items())} instead of "
+                           f"{sorted(expected_members.items() - members.items())}")
         if size != expected_size:
             raise Mismatch(f"{name}: {size} bytes instead of {expected_size}")
 

@@ -5,6 +5,8 @@
 
 #include <compat/testing.h>
 
+#include <filesystem>
+#include <fstream>
 #include <vector>
 
 namespace {
@@ -77,12 +79,14 @@ TEST_F(ModuleTest, ARefusingEntryUnloadsTheModule) {
 TEST_F(ModuleTest, FilesThatAreMissingOrNoLibrariesAreRefused) {
     EXPECT_EQ(LoadLibraryW(L"no-such-folder\\no-such-module.dll"), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_MOD_NOT_FOUND));
-    const CTemporaryFile file("text.dll", "this is no library");
-    EXPECT_EQ(LoadLibraryW(file.Path().c_str()), nullptr);
+    const auto file = std::filesystem::temp_directory_path() / (std::to_string(GetCurrentProcessId()) + "text.dll");
+    std::ofstream(file) << "this is no library";
+    EXPECT_EQ(LoadLibraryW(file.wstring().c_str()), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_BAD_EXE_FORMAT));
 #if !defined(_WIN32)
     EXPECT_NE(std::string(CompatLoadErrorText()).find("text.dll"), std::string::npos);
 #endif
+    std::filesystem::remove(file);
 }
 
 TEST_F(ModuleTest, OnlyItsOwnExportsAreFound) {

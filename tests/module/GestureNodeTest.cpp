@@ -47,16 +47,6 @@ Samples Units(const std::vector<PointF>& points) {
     return samples;
 }
 
-/// Relative units where pixels are, with the same directions on the screen: their y grows upwards, that of pixels
-/// downwards.
-Samples UnitsAt(const std::vector<CPoint>& pixels) {
-    Samples samples;
-    for (const CPoint& pixel : pixels) {
-        samples.push_back(Unit(static_cast<float>(pixel.x), -static_cast<float>(pixel.y)));
-    }
-    return samples;
-}
-
 /// From a point to another one.
 template <typename Number>
 struct Line {
@@ -309,7 +299,11 @@ TEST_F(GestureNode, KeyPointsAreFirstMiddleAndLast) {
                                {O, AWAY, AWAY, MIDDLE, AWAY, AWAY, LAST}}) {
         SCOPED_TRACE(points.size());
         EXPECT_EQ(FiredBy(Pixels(points)), Drag(SWIPE_RIGHT));
-        EXPECT_EQ(FiredBy(UnitsAt(points)), Drag(SWIPE_RIGHT));
+        std::vector<PointF> units;
+        for (const CPoint& point : points) {
+            units.emplace_back(static_cast<float>(point.x), static_cast<float>(point.y));
+        }
+        EXPECT_EQ(FiredBy(Units(units)), Drag(SWIPE_RIGHT));
     }
     EXPECT_EQ(FiredBy(Pixels({O, MIDDLE, AWAY, LAST})), Drag());
     EXPECT_EQ(FiredBy(Pixels({O, AWAY, MIDDLE, AWAY, AWAY, LAST})), Drag());

@@ -2,8 +2,11 @@
 
 #if !defined(_WIN32)
 
+#include <atomic>
+
 namespace {
 
+std::atomic<unsigned long long> s_nAllocations = 0;
 bool (*s_pMallocFails)() = nullptr;
 
 } // namespace
@@ -12,13 +15,15 @@ void LetMallocFail(bool (*pFails)()) {
     s_pMallocFails = pFails;
 }
 
+std::optional<unsigned long long> AllocationCount() {
+    return s_nAllocations.load();
+}
+
 #endif
 
 // Where malloc is defined here, the program's own definition comes before that of its libraries, for every caller.
 
 #if defined(__SANITIZE_ADDRESS__)
-
-#include <atomic>
 
 // Of the sanitizer's run-time; this compiler comes without the header that declares them.
 extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
@@ -26,8 +31,6 @@ extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*pOnMalloc)(const
                                                          void (*pOnFree)(const volatile void*));
 
 namespace {
-
-std::atomic<unsigned long long> s_nAllocations = 0;
 
 [[maybe_unused]] const int s_nHooks = __sanitizer_install_malloc_and_free_hooks(
     [](const volatile void*, size_t) { ++s_nAllocations; }, [](const volatile void*) {});
@@ -45,21 +48,9 @@ std::size_t HeapBytesInUse() {
     return __sanitizer_get_current_allocated_bytes();
 }
 
-std::optional<unsigned long long> AllocationCount() {
-    return s_nAllocations.load();
-}
-
 #elif defined(__GLIBC__)
 
-#include <atomic>
-
 #include <malloc.h>
-
-namespace {
-
-std::atomic<unsigned long long> s_nAllocations = 0;
-
-} // namespace
 
 // Operator new rests on it.
 extern "C" void* __libc_malloc(std::size_t nBytes);
@@ -74,10 +65,6 @@ extern "C" void* malloc(std::size_t nBytes) {
 
 std::size_t HeapBytesInUse() {
     return mallinfo2().uordblks;
-}
-
-std::optional<unsigned long long> AllocationCount() {
-    return s_nAllocations.load();
 }
 
 #else

@@ -15,21 +15,6 @@ enum : unsigned { CHECK_KEY_VALUE = 1403, KEY_1 = 1404, VALUE_1 = 1405, RECEIVE_
 
 enum Verdict { TAKEN, REFUSED };
 
-/// Text in which what isn't plain stands as a number.
-std::string Readable(std::wstring_view text) {
-    std::string readable;
-    for (const wchar_t c : text.substr(0, 60)) {
-        if (c >= 0x20 && c < 0x7F) {
-            readable += static_cast<char>(c);
-        } else {
-            char szNumber[16];
-            std::snprintf(szNumber, sizeof(szNumber), "<%X>", static_cast<unsigned>(c));
-            readable += szNumber;
-        }
-    }
-    return readable + (text.size() > 60 ? "... of " + std::to_string(text.size()) : "");
-}
-
 class JsonTexts : public ModuleTest {
 protected:
     JsonTexts() { m_scene.Evaluate(); }
@@ -42,7 +27,7 @@ protected:
     }
 
     void Expect(std::wstring_view text, Verdict verdict) {
-        SCOPED_TRACE(Readable(text));
+        SCOPED_TRACE(testing::PrintToString(std::wstring(text.substr(0, 60))) + " of " + std::to_string(text.size()));
         const bool bTaken = verdict == TAKEN;
         const CString strBefore(L"before");
         CString& strReceived = m_scene.Output(RECEIVE_DATA).m_strValue = strBefore;

@@ -109,9 +109,6 @@ public:
     /// Releases the module's globals, unloads it and removes the folder. Destroy all nodes before.
     ~ModuleHost();
 
-    ModuleHost(const ModuleHost&) = delete;
-    ModuleHost& operator=(const ModuleHost&) = delete;
-
     /// Path of the module's file.
     static std::filesystem::path ModulePath();
     /// Throws when the module doesn't load.

@@ -34,11 +34,7 @@ enum class ParserKind { None, Direct, Other };
 /// The host's device list for as long as the object lives; starts without any list.
 class TestDevices {
 public:
-    TestDevices() = default;
     ~TestDevices() { SetNetPlayCtrlDevices(nullptr); }
-
-    TestDevices(const TestDevices&) = delete;
-    TestDevices& operator=(const TestDevices&) = delete;
 
     /// Make the (possibly empty) list known.
     void Publish() { SetNetPlayCtrlDevices(&m_arDevice); }

@@ -49,9 +49,6 @@ public:
     TestApplication();
     ~TestApplication();
 
-    TestApplication(const TestApplication&) = delete;
-    TestApplication& operator=(const TestApplication&) = delete;
-
     void ShowMainWindow(bool bPresent) { m_application.m_pShown = bPresent ? &m_window : nullptr; }
     void EnableMainWindow(bool bEnable) { m_window.EnableWindow(bEnable ? TRUE : FALSE); }
 

@@ -36,7 +36,11 @@ TEST(BroadcastDatagram, GivesTheFourTexts) {
     markup.SetAttrib(L"ClipName", strAll + L"2");
     markup.SetAttrib(L"Name", strAll + L"3");
     markup.SetAttrib(L"Data", strAll + L"}.]");
-    Bytes datagram = AnsiBytes(L"[.{" + markup.GetDoc() + L"}.]");
+    const CString strText = L"[.{" + markup.GetDoc() + L"}.]";
+    char bytes[16384];
+    const int nBytes =
+        WideCharToMultiByte(CP_ACP, 0, strText, strText.GetLength(), bytes, sizeof(bytes), nullptr, nullptr);
+    Bytes datagram(bytes, bytes + nBytes);
     for (const bool bZero : {false, true}) { // as a broadcast send node sends it
         SBroadcastItem item;
         EBroadcastRefusal nRefusal{};

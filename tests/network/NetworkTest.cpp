@@ -1,13 +1,5 @@
 #include "NetworkTest.h"
 
-Bytes AnsiBytes(const CString& strText) {
-    char bytes[65536];
-    const int nBytes = strText.IsEmpty() ? 0
-                                         : WideCharToMultiByte(CP_ACP, 0, strText, strText.GetLength(), bytes,
-                                                               static_cast<int>(sizeof(bytes)), nullptr, nullptr);
-    return {bytes, bytes + nBytes};
-}
-
 std::vector<wchar_t> CodePageCharacters() {
     std::vector<wchar_t> characters;
     for (int nByte = 1; nByte < 256; ++nByte) {

@@ -21,9 +21,6 @@ inline Bytes ToBytes(std::string_view text) {
     return {text.begin(), text.end()};
 }
 
-/// The text as bytes of the ANSI code page, without a zero.
-Bytes AnsiBytes(const CString& strText);
-
 /// Every character that the ANSI code page has a byte for, but zero, in the order of the bytes.
 std::vector<wchar_t> CodePageCharacters();
 

@@ -329,74 +329,67 @@ class WindowInput(unittest.TestCase):
     def test_what_is_held_is_let_go_when_the_focus_goes(self):
         # The other window also shows that the system carries the posted messages: Wine's log tells of each.
         other = Host(self.display, self.folder, "other", (515, 30), {"WINEDEBUG": "+message"})
-        try:
-            def outputs():
-                return [posted["output"] for posted in posted_in(self.lines(), "keyboard")]
+        self.addCleanup(other.end)
 
-            self.host.activate()
-            self.display.do("keydown", "a")
-            until(lambda: outputs() == [152], "the key is down")
-            other.activate()
-            until(lambda: outputs() == [152, 153], "the key is let go")
-            (released,) = [line for line in self.lines() if line["op"] == "release_held"]
-            self.assertEqual(released["reason"], "the window lost the focus")
-            self.display.do("keyup", "a")
-            self.display.do("key", "b")
-            until(lambda: len(posted_in(other.lines(), "keyboard")) == 2, "the other window has the keyboard")
-            self.assertEqual(outputs(), [152, 153])
-            self.assertEqual(other.close(), 0)
-            log = pathlib.Path(other.errors.name).read_text(encoding="utf-8", errors="replace")
-            dispatched = re.findall(r'"iohost general event"\S*\s+dispatched', log)
-            posted = [entry for line in other.lines() for entry in line["reply"].get("posted", [])]
-            self.assertEqual(len(dispatched), len(posted), "messages that the system dispatched")
-        finally:
-            other.end()
+        def outputs():
+            return [posted["output"] for posted in posted_in(self.lines(), "keyboard")]
+
+        self.host.activate()
+        self.display.do("keydown", "a")
+        until(lambda: outputs() == [152], "the key is down")
+        other.activate()
+        until(lambda: outputs() == [152, 153], "the key is let go")
+        (released,) = [line for line in self.lines() if line["op"] == "release_held"]
+        self.assertEqual(released["reason"], "the window lost the focus")
+        self.display.do("keyup", "a")
+        self.display.do("key", "b")
+        until(lambda: len(posted_in(other.lines(), "keyboard")) == 2, "the other window has the keyboard")
+        self.assertEqual(outputs(), [152, 153])
+        self.assertEqual(other.close(), 0)
+        log = pathlib.Path(other.errors.name).read_text(encoding="utf-8", errors="replace")
+        dispatched = re.findall(r'"iohost general event"\S*\s+dispatched', log)
+        posted = [entry for line in other.lines() for entry in line["reply"].get("posted", [])]
+        self.assertEqual(len(dispatched), len(posted), "messages that the system dispatched")
 
     def test_frames_go_on_while_the_window_is_dragged_and_sized(self):
         # A desktop of Wine's own draws frames around its windows, which no window manager does here.
         other = Host(self.display, self.folder, "dragged", (0, 0),
                      started_by=["explorer", "/desktop=frames,900x700"])
-        try:
-            x, y, width, height = other.geometry()
-            place = self.place_in_window(other, (100, 100))
-            self.drag_with_frames(other, (width // 2, 12), (width // 2 + 200, 112),
-                                  lambda: other.geometry()[:2] != (x, y))
-            self.assertEqual(self.place_in_window(other, (300, 200)), place)
-            corner = width + 198, height + 98
-            self.drag_with_frames(other, corner, (corner[0] + 50, corner[1] + 30),
-                                  lambda: other.geometry()[2:] == (width + 50, height + 30))
-            self.display.do("key", "alt+F4")
-            self.assertEqual(other.program.wait(TIME_LIMIT), 0)
-        finally:
-            other.end()
+        self.addCleanup(other.end)
+        x, y, width, height = other.geometry()
+        place = self.place_in_window(other, (100, 100))
+        self.drag_with_frames(other, (width // 2, 12), (width // 2 + 200, 112),
+                              lambda: other.geometry()[:2] != (x, y))
+        self.assertEqual(self.place_in_window(other, (300, 200)), place)
+        corner = width + 198, height + 98
+        self.drag_with_frames(other, corner, (corner[0] + 50, corner[1] + 30),
+                              lambda: other.geometry()[2:] == (width + 50, height + 30))
+        self.display.do("key", "alt+F4")
+        self.assertEqual(other.program.wait(TIME_LIMIT), 0)
 
     def test_items_of_the_network_dont_wait_for_a_frame(self):
         with socket.create_server(("127.0.0.1", 0)) as server:
             other = Host(self.display, self.folder, "seldom", (515, 30), fps=0.01, device_port=server.getsockname()[1])
-            try:
-                server.settimeout(TIME_LIMIT)
-                device = server.accept()[0]
-                with device:
-                    device.sendall(b"[1]\n")
-                    until(lambda: 1453 in [posted["output"] for posted in posted_in(other.lines(), "text")],
-                          "the text has come")
-                self.assertEqual(other.close(), 0)
-            finally:
-                other.end()
+            self.addCleanup(other.end)
+            server.settimeout(TIME_LIMIT)
+            device = server.accept()[0]
+            with device:
+                device.sendall(b"[1]\n")
+                until(lambda: 1453 in [posted["output"] for posted in posted_in(other.lines(), "text")],
+                      "the text has come")
+            self.assertEqual(other.close(), 0)
 
     def test_frames_go_on_while_items_come_without_end(self):
         with socket.create_server(("127.0.0.1", 0)) as server:
             other = Host(self.display, self.folder, "busy", (515, 30), device_port=server.getsockname()[1])
-            try:
-                server.settimeout(TIME_LIMIT)
-                device = server.accept()[0]
-                threading.Thread(target=self.send_without_end, args=[device], daemon=True).start()
-                until(lambda: posted_in(other.lines(), "text"), "the first text has come")
-                before = other.frames()
-                until(lambda: other.frames() > before + 20, "frames go on")
-                self.assertEqual(other.close(), 0)
-            finally:
-                other.end()
+            self.addCleanup(other.end)
+            server.settimeout(TIME_LIMIT)
+            device = server.accept()[0]
+            threading.Thread(target=self.send_without_end, args=[device], daemon=True).start()
+            until(lambda: posted_in(other.lines(), "text"), "the first text has come")
+            before = other.frames()
+            until(lambda: other.frames() > before + 20, "frames go on")
+            self.assertEqual(other.close(), 0)
 
     @staticmethod
     def send_without_end(device):
