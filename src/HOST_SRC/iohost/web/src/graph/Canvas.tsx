@@ -1,5 +1,6 @@
 import {
   Background,
+  ControlButton,
   Controls,
   getViewportForBounds,
   MiniMap,
@@ -20,7 +21,7 @@ import "@xyflow/react/dist/base.css";
 import { useCallback, useEffect, useLayoutEffect, useMemo, useRef, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
-import { language } from "../i18n.ts";
+import { language, t } from "../i18n.ts";
 import type { Link } from "../protocol.ts";
 import { ariaLabels } from "./ariaLabels.ts";
 import { CanvasHead } from "./CanvasHead.tsx";
@@ -43,14 +44,10 @@ const FACES = { face: Face, note: NoteFace };
 const WIRES = { wire: WireEdge };
 // Made once: the library takes a new object for a changed setting.
 const ADDING_KEYS = ["Control", "Meta"];
-/** So that a few nodes leave room for more. */
-const LEAST_SHOWN = { width: 650, height: 450 };
 const MAP_SIZE = { width: 120, height: 80 };
-/** Then the buttons and the map cover nothing. */
-const BESIDE_MAP = { left: "55px", right: "150px", y: 0.1 } as const;
-const FIT = { padding: BESIDE_MAP, maxZoom: 1 };
+/** Between the buttons and the map, or above them: they cover nothing of the scene that is shown as a whole. */
+const CLEAR_OF_PANELS = [{ left: "55px", right: "150px", y: 0.1 }, { x: 0.1, top: 0.1, bottom: "105px" }] as const;
 const LEAST_ZOOM = 0.1;
-const MOST_ZOOM = 1.5;
 
 /** The scene as a graph, live: nodes are added, wired, moved, named and removed here. Another scene begins anew. */
 export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
@@ -88,14 +85,10 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     ];
     const seen = pane.current; // null where the library gets ready too late
     if (boxes.length > 0 && seen !== null) {
-      const all = around(boxes);
-      const width = Math.max(all.width, LEAST_SHOWN.width);
-      const height = Math.max(all.height, LEAST_SHOWN.height);
-      const [x, y] = [all.x + (all.width - width) / 2, all.y + (all.height - height) / 2];
-      const bounds = { x, y, width, height };
-      void flow.current?.setViewport(
-        getViewportForBounds(bounds, seen.clientWidth, seen.clientHeight, LEAST_ZOOM, MOST_ZOOM, BESIDE_MAP),
+      const [between, above] = CLEAR_OF_PANELS.map((padding) =>
+        getViewportForBounds(around(boxes), seen.clientWidth, seen.clientHeight, LEAST_ZOOM, 1, padding),
       );
+      void flow.current?.setViewport(between!.zoom > above!.zoom ? between! : above!);
     }
   });
   // The whole scene comes into sight with its first nodes, or by `keepFlow` where the library is ready later.
@@ -286,11 +279,17 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
             nodeDragThreshold={2}
             autoPanOnNodeDrag={isDragging.current}
             minZoom={LEAST_ZOOM}
-            maxZoom={MOST_ZOOM}
+            maxZoom={1.5}
             ariaLabelConfig={labels}
           >
             <Background />
-            <Controls showInteractive={false} fitViewOptions={FIT} />
+            <Controls showInteractive={false} showFitView={false}>
+              <ControlButton className="react-flow__controls-fitview" onClick={() => showAll()} title={t("Show all")}>
+                <svg viewBox="0 0 12 12">
+                  <path d="M1 4V1h3M8 1h3v3M11 8v3H8M4 11H1V8" fill="none" stroke="currentColor" />
+                </svg>
+              </ControlButton>
+            </Controls>
             <MiniMap pannable zoomable onClick={goToPlace} style={MAP_SIZE} />
           </ReactFlow>
         </ReactFlowProvider>

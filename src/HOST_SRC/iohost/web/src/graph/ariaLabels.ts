@@ -13,7 +13,6 @@ export function ariaLabels(): Partial<AriaLabelConfig> {
     "controls.ariaLabel": t("View of the graph"),
     "controls.zoomIn.ariaLabel": t("Zoom in"),
     "controls.zoomOut.ariaLabel": t("Zoom out"),
-    "controls.fitView.ariaLabel": t("Show all"),
     "minimap.ariaLabel": t("Map of the graph"),
     "handle.ariaLabel": t("Pin"),
   };
