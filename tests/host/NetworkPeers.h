@@ -152,6 +152,12 @@ protected:
 
     OrderedJson Device() { return Must("network")["devices"][0]; }
 
+    /// Wait until the device is in that state; what it is then.
+    OrderedJson AwaitState(const std::string& strState) {
+        Await([&] { return Device()["state"] == strState; });
+        return Device();
+    }
+
     /// What the other side's waiting needs: that this one goes on.
     std::function<void()> Serve() {
         return [this] { Must("wait ms=10"); };

@@ -20,11 +20,6 @@ protected:
 
     OrderedJson Devices() { return Must("network")["devices"]; }
 
-    /// Wait until the first device is in that state.
-    void AwaitState(const std::string& strState) {
-        Await([&] { return Device()["state"] == strState; });
-    }
-
     std::string Read(CTestPeers::Socket& device, size_t nBytes) { return m_peers.Read(device, nBytes, Serve()); }
 
     /// A node that sends texts to device 3, and is told to.

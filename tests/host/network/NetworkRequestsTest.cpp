@@ -25,12 +25,6 @@ protected:
     OrderedJson Broadcasts() { return Must("network")["broadcast"]; }
     OrderedJson Control() { return Must("network")["control"]; }
 
-    /// Wait until the device is in that state; its state then.
-    OrderedJson AwaitState(const std::string& strState) {
-        Await([&] { return Device()["state"] == strState; });
-        return Device();
-    }
-
     /// A send node for device 3 and a receive node of the same key.
     void CreateRecordNodes() {
         Talk(R"(
@@ -367,12 +361,8 @@ TEST_F(NetworkRequests, ARunningHostShowsTheBeginningOfLongBytes) {
 TEST_F(NetworkRequests, ManyItemsAtOnceLeaveTheFramesTheirTime) {
     constexpr size_t ITEMS_IN_A_PIECE = 4096;
     auto device = ConnectDevice("json");
-    for (const char* pszNode : {"a", "b", "c"}) {
-        Must({{"op", "create"},
-              {"node", pszNode},
-              {"type", Request("create type=send")["type"]},
-              {"clip", "C"},
-              {"graph", "G"}});
+    for (const std::string strNode : {"a", "b", "c"}) {
+        Must("create type=send clip=C graph=G node=" + strNode);
     }
     // A frame would come whenever this timer does.
     auto& context = m_pSession->Peers().Context();

@@ -211,15 +211,17 @@ TEST_F(ProbeSceneFile, LinksOfDroppedPinsComeBackAndThoseOfPinsGoneForGoodDoNot)
     EXPECT_EQ(Param("q", "outputs", 102)["int"], nSeen + 1);
 }
 
-TEST_F(ProbeSceneFile, NodeThatRaisesWhileLoadingIsRefused) {
+TEST_F(ProbeSceneFile, NodeThatRaisesWhileLoadingIsRefusedAndNoStep) {
     Must(CREATE_SECOND_PROBE);
     Must(CREATE_PROBE);
     Must("set node=p param=10 int=8 own=true");
     const std::string strFile = Quote(m_folder.Path() / "saved.json");
     Must("save file=" + strFile);
     const OrderedJson before = WholeScene();
+    const OrderedJson history = Must("history");
     EXPECT_EQ(AskObject("load file=" + strFile)["error"], "file.nodes[1]: the module raised CInvalidArgException");
     EXPECT_EQ(WholeScene(), before);
+    EXPECT_EQ(Must("history"), history);
 }
 
 } // namespace

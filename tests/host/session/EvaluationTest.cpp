@@ -4,11 +4,8 @@
 #include <cmath>
 #include <limits>
 #include <random>
-#include <sstream>
 
 #include "HostTest.h"
-#include "fronts/recording/Recorder.h"
-#include "fronts/recording/Replay.h"
 
 namespace {
 
@@ -131,24 +128,6 @@ TEST_F(Evaluation, WordsThatAreNoneAreRefused) {
         evaluate on=later => on: "later" is none of frame, event
         evaluate => on: is missing
     )");
-}
-
-TEST_F(Evaluation, ARecordingKeepsWhenNodesWereEvaluated) {
-    const auto file = m_folder.Path() / "recording.jsonl";
-    std::string strError;
-    {
-        const auto pRecorder = CRecorder::Open(*m_pSession, file, strError);
-        ASSERT_NE(pRecorder, nullptr) << strError;
-        MakeSenders();
-        PressKey("A");
-        Must(AT_ONCE);
-        EXPECT_EQ(Sent(PressKey("B")), Texts{"B"});
-    }
-    Reopen();
-    const auto pReplay = CReplay::Open(file, strError);
-    ASSERT_NE(pReplay, nullptr) << strError;
-    std::ostringstream differences;
-    EXPECT_EQ(pReplay->Run(*m_pSession, differences), CReplay::EResult::Same) << differences.str();
 }
 
 /// Keyboards, JSON nodes, text fields and sends behind them, linked at random without a circle, with a frame after each

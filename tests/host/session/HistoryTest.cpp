@@ -245,6 +245,7 @@ TEST_F(History, ABatchIsAllOrNothing) {
         batch requests=[{"op":"load","file":"demo.json"}] => requests[0].op: can't be part of a batch
         batch requests=[{"op":"event"}] => requests[0].op: can't be part of a batch
         batch requests=[{"op":"rename","node":"m"}] => requests[0].graph: is missing
+        batch requests=[{"op":"create","node":"n","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1BFF}","clip":null,"graph":""}] => requests[0].type: the module makes no such node
         batch requests=[]
         rename node=x graph="" => node: there is no node "x"
         place nodes={"m":{"x":1,"y":1},"x":{"x":1,"y":1}} => nodes: there is no node "x"
@@ -400,23 +401,7 @@ TEST_F(History, UndoingADropLeavesTheOtherValues) {
     EXPECT_FALSE(Param("m", "outputs", 352).is_null());
 }
 
-TEST_F(History, ABatchWhoseNodeIsntMadeIsRefused) {
-    EXPECT_EQ(Refusal(R"(batch requests=[{"op":"create","node":"n","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1BFF}",)"
-                      R"("clip":null,"graph":""}])"),
-              "requests[0].type: the module makes no such node");
-}
-
 using ProbeHistory = CProbeTest;
-
-TEST_F(ProbeHistory, ALoadThatFaultsIsNoStep) {
-    Must(CREATE_PROBE);
-    Must("set node=p param=10 int=8 own=true");
-    Must("save file=" + Quote(m_folder.Path() / "faulty.json"));
-    const OrderedJson history = Must("history");
-    const OrderedJson reply = AskObject("load file=" + Quote(m_folder.Path() / "faulty.json"));
-    EXPECT_EQ(reply["ok"], false);
-    EXPECT_EQ(Must("history"), history);
-}
 
 /// The 8 makes it raise when it's made again.
 TEST_F(ProbeHistory, NodesThatRaiseComeBackAllTheSame) {

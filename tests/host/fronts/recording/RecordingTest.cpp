@@ -120,6 +120,22 @@ TEST_F(Recording, HoldsTheRequestsWithTheirReplies) {
     }
 }
 
+TEST_F(Recording, KeepsWhenNodesWereEvaluated) {
+    Record();
+    Must(CREATE_KEYBOARD);
+    Must(CREATE_STRING_SEND);
+    Talk(R"(
+        devices list=[{"id":0,"name":"Wall","parser":"direct"}]
+        link from=k output=154 to=s input=1505
+        link from=k output=152 to=s input=1507
+    )");
+    Frame();
+    EXPECT_FALSE(Must(Event(0, 2002, KeyText("A"))).contains("sent"));
+    Must("evaluate on=event");
+    EXPECT_EQ(Must(Event(0, 2002, KeyText("B")))["sent"][0]["raw"], "4200");
+    ReplaysTheSame();
+}
+
 TEST_F(Recording, FramesTellTheOutputsThatChanged) {
     Record();
     Must(CREATE_KEYBOARD);

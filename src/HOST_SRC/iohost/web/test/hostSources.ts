@@ -4,10 +4,10 @@ import { join } from "node:path";
 
 export const HOST = "..";
 
-/** The texts of the C++ files in folders of the host. */
+/** The texts of the C++ files in folders, named from the host's. */
 export function hostSources(...folders: string[]): string[] {
   return folders.flatMap((folder) =>
-    readdirSync(join(HOST, folder))
+    readdirSync(join(HOST, folder), { recursive: true, encoding: "utf8" })
       .filter((name) => /\.(cpp|h)$/.test(name))
       .map((name) => readFileSync(join(HOST, folder, name), "utf8")),
   );

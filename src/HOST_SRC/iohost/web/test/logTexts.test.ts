@@ -1,20 +1,13 @@
 import assert from "node:assert/strict";
-import { readdirSync, readFileSync } from "node:fs";
-import { join } from "node:path";
 import { test } from "node:test";
 import { HOST_LINES, LOG_TEXTS, translationOf } from "../src/logTexts.ts";
 import { hostSources, lastArgument } from "./hostSources.ts";
 
-const MODULE = "../../../PI_SRC/QORIOProcess";
-
 /** What the module's sources log: their texts that begin with names or are Chinese. */
-function formatsOfModule(): string[] {
-  const sources = readdirSync(MODULE, { recursive: true, encoding: "utf8" }).filter((name) => /\.(cpp|h)$/.test(name));
-  return sources.flatMap((name) => {
-    const source = readFileSync(join(MODULE, name), "utf8");
-    return [...source.matchAll(/L"((?:\[%s|[^"\n]*\p{Script=Han})[^"\n]*)"/gu)].map(([, text]) => text!);
-  });
-}
+const formatsOfModule = () =>
+  hostSources("../../PI_SRC/QORIOProcess").flatMap((source) =>
+    [...source.matchAll(/L"((?:\[%s|[^"\n]*\p{Script=Han})[^"\n]*)"/gu)].map(([, text]) => text!),
+  );
 
 test("every line that the module can log has an English text, and no other has one", () => {
   const formats = new Set(formatsOfModule());
