@@ -301,6 +301,11 @@ test("devices and objects are opened and closed by keys, and the focus comes and
   await canvas.choosePalette("String data send");
   await page.locator(".react-flow__node.selected:focus").waitFor();
   await must(script, { op: "edit", node: "String data send 1", param: 1503, int: 4 });
+  const warning = canvas.face("String data send 1").getByText("Device 4 takes no texts (framed).");
+  await must(script, { op: "device", device: 4, name: "Wall", parser: "framed" });
+  await warning.waitFor();
+  await must(script, { op: "device", device: 4, name: "Wall", parser: "direct" });
+  await warning.waitFor({ state: "detached" });
   await page.locator("[data-show-device='4']").focus();
   await page.keyboard.press("Enter");
   await page.locator("section.nodes:focus").getByRole("heading", { name: "Device 4" }).waitFor();
@@ -336,19 +341,6 @@ test("what is opened leaves the focus to the field that somebody has gone on to"
   await page.evaluate(drawn);
   await page.keyboard.type("Lamp");
   assert.equal(await page.locator("[data-part=name]").inputValue(), "Lamp");
-});
-
-test("a node whose device takes no texts says so", async () => {
-  await must(script, { op: "device", device: 1, name: "Stage", parser: "framed" });
-  await canvas.choosePalette("String data send");
-  await canvas.nodesAre(["String data send 1"]);
-  await must(script, { op: "edit", node: "String data send 1", param: 1503, int: 1 });
-  await canvas.face("String data send 1").getByText("Device 1 takes no texts (framed).").waitFor();
-  await must(script, { op: "device", device: 1, name: "Stage", parser: "direct" });
-  await canvas.face("String data send 1").getByText("takes no texts").waitFor({ state: "detached" });
-  await must(script, { op: "edit", node: "String data send 1", param: 1502, int: 0 });
-  await must(script, { op: "device", device: 1, name: "Stage", parser: "framed" });
-  await canvas.face("String data send 1").getByText("No device takes texts.").waitFor();
 });
 
 test("objects are added, renamed and removed", async () => {

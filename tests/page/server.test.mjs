@@ -369,18 +369,51 @@ test("what came too late is pushed", async () => {
   await must(script, { op: "remove_device", device: 3 });
 });
 
+const RECEIVED_TEXT = 1452;
+const RECEIVED = 1453;
+const SENT_TEXT = 1505;
+const SEND = 1507;
+
+/** A host whose frames are minutes apart, with nodes that send back what a device sends. */
+async function startSlow(options) {
+  const device = await startDevice();
+  const host = await startHost({ options: ["--fps", "0.01", ...options] });
+  const session = await openSession(host.address);
+  await createNode(session, "in", Type.deviceJson, "In");
+  await createNode(session, "out", Type.stringSend, "Out");
+  await must(session, { op: "set", node: "out", param: 1503, int: 1 });
+  await must(session, { op: "link", from: "in", output: RECEIVED_TEXT, to: "out", input: SENT_TEXT });
+  await must(session, { op: "link", from: "in", output: RECEIVED, to: "out", input: SEND });
+  await must(session, { op: "process" });
+  await must(session, { op: "devices", list: [{ id: 1, name: "Wall", parser: "json", address: device.address }] });
+  await until("the connection", device.isConnected);
+  return { session, device };
+}
+
+test("a device's text goes through two linked nodes and back at once", async () => {
+  const { device } = await startSlow([]);
+  let answers = "";
+  for (const text of ['{"n":1}', '{"n":2}', '{"n":3}']) {
+    device.write(`${text}\n`);
+    answers += `${text}\0`;
+    await expectEventually("the answers", () => String(device.received), answers);
+  }
+});
+
+test("with --evaluate frame a device's text waits for the frame", async () => {
+  const { session, device } = await startSlow(["--evaluate", "frame"]);
+  device.write("{}\n");
+  await until("the text", async () => (await must(session, { op: "json" })).nodes.in);
+  const { devices } = await must(session, { op: "network" });
+  assert.equal(devices[0].sent, 0);
+  assert.equal((await must(session, { op: "process", frame: true })).sent.length, 1);
+});
+
 test("lines that the log's reply has aren't told behind it", async () => {
   // What comes from a device is told with the next frame, for which nobody waits here.
-  const own = await startHost({ options: ["--fps", "0.01"] });
-  const client = await openSession(own.address);
-  await createNode(client, "j", Type.deviceJson, "Device text");
-  await must(client, { op: "set", node: "j", param: 1402, int: 1 });
-  await must(client, { op: "process" });
-  const desk = await startDevice();
-  await must(client, { op: "device", device: 1, name: "Desk", parser: "json", address: desk.address });
-  await until("the connection", desk.isConnected);
+  const { session: client, device: desk } = await startSlow([]);
   desk.write("no JSON\n");
-  const ofNode = (lines) => lines.filter((line) => line.includes("Device text"));
+  const ofNode = (lines) => lines.filter((line) => line.includes(".In."));
   let lines = [];
   await until("the node's line", async () => {
     lines = ofNode((await must(client, { op: "log" })).lines.map(({ text }) => text));
