@@ -147,14 +147,21 @@ test("a wire between pins that don't fit is refused with the reason", async () =
   assert.equal((await canvas.links()).length, 1);
 });
 
-test("a key that is typed elsewhere removes nothing", async () => {
-  await canvas.face("t").locator("header").click();
+test("a node with the focus is chosen by Enter and removed by Backspace, links too; keys typed elsewhere remove nothing", async () => {
+  const node = page.page.getByRole("group", { name: /^Text field 1/ });
+  await node.focus();
+  await page.page.keyboard.press("Enter");
   await canvas.chosen().waitFor();
   await page.page.locator("[data-surface]").focus();
   await page.page.keyboard.press("Delete");
   await page.page.keyboard.press("Backspace");
   await canvas.face("k").locator('[data-face-count="2"]').first().waitFor();
   assert.equal(page.sent.some(({ op }) => op === "destroy"), false);
+  await node.focus();
+  await page.page.keyboard.press("Backspace");
+  await canvas.face("t").waitFor({ state: "detached" });
+  assert.deepEqual(await canvas.links(), []);
+  assert.equal(await canvas.wires().count(), 0);
 });
 
 const inSight = () => page.page.locator("[data-graph]").evaluate((graph) => {
@@ -186,14 +193,4 @@ test("another scene whose nodes have the same handles begins anew: counts, what 
   await expectEventually("counts of nothing", () => canvas.face("k").locator('[data-face-count="0"]').count(), 2);
   assert.equal(await page.page.locator("article[data-node]").count(), 3);
   assert.notEqual(await at(), before);
-});
-
-test("a node that has the focus is chosen by Enter and removed by Backspace, with its links", async () => {
-  await page.page.getByRole("group", { name: /^Text field 1/ }).focus();
-  await page.page.keyboard.press("Enter");
-  await canvas.chosen().waitFor();
-  await page.page.keyboard.press("Backspace");
-  await canvas.face("t").waitFor({ state: "detached" });
-  assert.deepEqual(await canvas.links(), []);
-  assert.equal(await canvas.wires().count(), 0);
 });

@@ -26,7 +26,7 @@ async function verdictIs(fired, reason) {
   await verdict().filter({ hasText: reason }).and(page.page.locator(`[data-verdict="${fired}"]`)).waitFor();
 }
 
-test("a finger that swipes to the right fires the drag and the swipe, and the page says so", async () => {
+test("a finger that swipes to the right fires the drag and the swipe, and the page says so; so does a pen", async () => {
   await drag([[60, 100], [90, 102], [140, 104], [200, 106], [260, 108]]);
   await page.fires(is.START_MOVE, 1);
   await page.fires(is.END_MOVE, 1);
@@ -37,6 +37,25 @@ test("a finger that swipes to the right fires the drag and the swipe, and the pa
   const samples = page.sentEvents().filter(([event]) => event === 3005 || event === 3006);
   const finger = page.pointer(1);
   assert.deepEqual(samples.map(([event, { pointer, relative }]) => [event, pointer, relative]), [[3005, finger, 0], [3006, finger, 0]]);
+
+  const wire = await page.page.context().newCDPSession(page.page);
+  const pen = (type, x, y, buttons) =>
+    wire.send("Input.dispatchMouseEvent", {
+      type,
+      x: page.box.left + x,
+      y: page.box.top + y,
+      button: "left",
+      buttons,
+      clickCount: 1,
+      pointerType: "pen",
+    });
+  await pen("mousePressed", 60, 80, 1);
+  for (const x of [100, 150, 200]) {
+    await pen("mouseMoved", x, 80, 1);
+  }
+  await page.page.locator("[data-readout=pointers]", { hasText: "pen" }).waitFor();
+  await pen("mouseReleased", 200, 80, 0);
+  await page.fires(is.SWIPE_RIGHT, 2);
 });
 
 test("a stroke is drawn as it grows, with the threshold, the key points and the cone once it's a drag", async () => {
@@ -87,27 +106,6 @@ test("several fingers have their own numbers; the node follows the first one onl
   await page.touch.up([]);
   await page.fires(is.SWIPE_RIGHT, 1);
   await verdictIs("Drag end, Swipe right", /off the axis/);
-});
-
-test("a pen draws strokes too", async () => {
-  const wire = await page.page.context().newCDPSession(page.page);
-  const pen = (type, x, y, buttons) =>
-    wire.send("Input.dispatchMouseEvent", {
-      type,
-      x: page.box.left + x,
-      y: page.box.top + y,
-      button: "left",
-      buttons,
-      clickCount: 1,
-      pointerType: "pen",
-    });
-  await pen("mousePressed", 60, 80, 1);
-  for (const x of [100, 150, 200]) {
-    await pen("mouseMoved", x, 80, 1);
-  }
-  await page.page.locator("[data-readout=pointers]", { hasText: "pen" }).waitFor();
-  await pen("mouseReleased", 200, 80, 0);
-  await page.fires(is.SWIPE_RIGHT, 1);
 });
 
 test("a cancelled finger is let go of by the host, and its stroke isn't judged by the page", async () => {
