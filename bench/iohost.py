@@ -32,7 +32,7 @@ def json_device(port):
 
 
 def expect_done(replies):
-    """A measurement of what is refused would be none."""
+    """Refused requests measure nothing."""
     refusal = replies.find(b'{"ok":false')
     if refusal >= 0:
         raise ValueError("the host refuses: " + replies[refusal : refusal + 200].decode())

@@ -27,7 +27,8 @@ protected:
     }
 
     void Expect(std::wstring_view text, Verdict verdict) {
-        SCOPED_TRACE(testing::PrintToString(std::wstring(text.substr(0, 60))) + " of " + std::to_string(text.size()));
+        SCOPED_TRACE(testing::PrintToString(std::wstring(text.substr(0, 60))) + " of " + std::to_string(text.size()) +
+                     " characters");
         const bool bTaken = verdict == TAKEN;
         const CString strBefore(L"before");
         CString& strReceived = m_scene.Output(RECEIVE_DATA).m_strValue = strBefore;

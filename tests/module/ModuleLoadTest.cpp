@@ -54,7 +54,7 @@ TEST_F(ModuleLoad, ThreadsThatComeAndGoChangeNothing) {
 }
 
 TEST_F(ModuleLoad, RegistersTheTrackerMessages) {
-#if defined(_WIN32) // where nobody tells who registered a name; their table is that of the clipboard's formats, too
+#if defined(_WIN32) // nobody tells who registered a name, nor when; the table is that of the clipboard's formats, too
     std::set<std::wstring> names;
     for (UINT nMessage = 0xC000; nMessage <= 0xFFFF; ++nMessage) {
         wchar_t szName[64];

@@ -296,7 +296,7 @@ test("an object that others remove is told as gone; what is open closes with its
   await card().waitFor({ state: "detached" });
 });
 
-test("devices and objects are opened and closed by keys, and the focus comes and goes with them", async () => {
+test("devices and objects are opened and closed by keys, and the focus comes and goes with them; a node's warning follows its device", async () => {
   await must(script, { op: "device", device: 4, name: "Wall", parser: "direct" });
   await canvas.choosePalette("String data send");
   await page.locator(".react-flow__node.selected:focus").waitFor();
@@ -593,7 +593,7 @@ test("a line of the history leads where it says, though somebody changes the sce
   await create("f");
   await late.locator("[data-face=f]").waitFor();
   await late.locator('[data-step="2"]').click(); // nowhere any more
-  await expectEventually("what is said", () => canvasOf(late, script).message().innerText(), "the scene has no such state there");
+  await expectEventually("what is said", () => canvasOf(late, script).message().innerText(), "the scene has no such state any more");
   await canvas.nodesAre(["a", "f"]);
 });
 

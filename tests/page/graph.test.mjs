@@ -138,6 +138,7 @@ test("in a small window, too, neither map nor buttons cover a node of the scene 
   await page.page.locator(".react-flow__controls-zoomin").click();
   await until("a larger view", async () => (await canvas.zoom()) > zoom);
   await page.page.locator(".react-flow__controls-fitview").click();
+  await until("the view of all", async () => (await canvas.zoom()) <= zoom);
   await isFree();
 });
 

@@ -105,7 +105,7 @@ test("a drag that ends outside the surface still brings its release, and leaves 
   assert.deepEqual(ends(), [is.LEFT_UP, is.LEAVE]);
 });
 
-test("movements between two frames are told one by one, where the browser tells them apart; others arrive, too", async () => {
+test("movements between two frames are told one by one, and arrive, too, from browsers that don't tell them apart", async () => {
   await page.moveTo(10, 10);
   await page.fires(is.ENTER, 1);
   page.sent.length = 0;
@@ -151,7 +151,7 @@ test("input of different kinds keeps its order, and a key shows its text and is 
   await page.logs("[Demo.Keyboard 1.Keyboard] fired [Released] for the key [a]");
 });
 
-test("the surface losing the focus releases held keys and says so; their real ups do nothing more, nor does it without any", async () => {
+test("the surface losing the focus releases held keys and says so; their real ups do nothing more, and with none held nothing is sent", async () => {
   await page.focus();
   await page.keyboard.down("a");
   await page.keyboard.down("b");
@@ -170,7 +170,7 @@ test("the surface losing the focus releases held keys and says so; their real up
   assert.equal(page.sent.some(({ op }) => op === "release_held"), false);
 });
 
-test("the page losing the focus or being hidden releases keys and buttons, at the pointer's last place", async () => {
+test("the page losing the focus or being hidden releases keys and buttons", async () => {
   await page.moveTo(40, 50);
   await page.mouse.down();
   await page.keyboard.down("a");

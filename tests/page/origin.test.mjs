@@ -85,6 +85,6 @@ test("another server's page gets no session and no answer, and what it or its fo
     [`http://${host.address}${OBJECT}`, TEXT],
   );
   await foreign.getByText("Origin is not a page of this server").waitFor();
-  assert.deepEqual(postedIn(script.pushes), []);
   assert.deepEqual((await must(script, { op: "json" })).nodes, {});
+  assert.deepEqual(postedIn(script.pushes), []);
 });

@@ -3,9 +3,8 @@ import { textsByFormat } from "./formats.ts";
 import { language, t, type Label } from "./i18n.ts";
 import type { Reply } from "./messages.ts";
 
-/** By the format that the host writes a refusal with, behind the field that it is about. */
-export const REFUSALS: Record<string, string> = {
-  // What a value must be
+/** What the host finds wrong with a field, which it names in front. */
+const OF_A_FIELD: Record<string, string> = {
   "is missing": "缺少此项",
   "is empty": "不能为空",
   "must be an object": "必须是对象",
@@ -29,6 +28,29 @@ export const REFUSALS: Record<string, string> = {
   "is outside the unsigned 32-bit range": "超出无符号 32 位整数的范围",
   "is outside the range of a 32-bit float": "超出 32 位浮点数的范围",
   "is longer than %s": "超过 %s",
+  "not JSON, from byte %s on": "从第 %s 字节起不是 JSON",
+  "not JSON, a number is out of range": "不是 JSON：有数字超出范围",
+  "nested deeper than %s levels": "嵌套超过 %s 层",
+  "can't be part of a batch": "不能作为批处理的一部分",
+  "doesn't go with frame, which evaluates the whole scene": "不能与 frame 同时使用：frame 对整个场景求值",
+  "this session's are %s": "此会话的是 %s",
+  "names parameter %s twice": "参数 %s 重复",
+  "names no place": "没有指明位置",
+  "must be the name of a file in the folder of scenes": "必须是场景文件夹中的文件名",
+  "no part of it may begin with a dot": "任何一级名称都不能以点开头",
+  "is out of reach here": "在此无法访问",
+  "can't be read": "无法读取",
+  "can't be written": "无法写入",
+  "isn't a regular file": "不是普通文件",
+  "isn't a scene of this version": "不是此版本的场景",
+  "is larger than 256 MiB": "大于 256 MiB",
+};
+
+/** By the format that the host writes a refusal with, behind the field that it is about. */
+export const REFUSALS: Record<string, string> = {
+  ...OF_A_FIELD,
+
+  // Values
   "%s is none of %s": "%s 不在可选值 %s 之中",
   "%s isn't a GUID": "%s 不是 GUID",
   "%s isn't a port": "%s 不是端口号",
@@ -36,27 +58,21 @@ export const REFUSALS: Record<string, string> = {
   "%s isn't a numeric address and a port, as in 127.0.0.1:9000": "%s 不是数字 IP 地址加端口号，例如 127.0.0.1:9000",
   "%s isn't a virtual-key code": "%s 不是虚拟键码",
   "the key %s isn't a parameter id": "键 %s 不是参数 ID",
-  "not JSON, from byte %s on": "从第 %s 字节起不是 JSON",
-  "not JSON, a number is out of range": "不是 JSON：有数字超出范围",
-  "nested deeper than %s levels": "嵌套超过 %s 层",
 
   // Operations
   "unknown op %s": "未知操作 %s",
   "there is no payload kind %s": "没有 %s 这种数据",
-  "can't be part of a batch": "不能作为批处理的一部分",
-  "doesn't go with frame, which evaluates the whole scene": "不能与 frame 同时使用：frame 对整个场景求值",
   "release_held is for connections of the page": "release_held 只用于页面的连接",
   "the session has ended": "会话已结束",
   "the host reads the network by itself here": "主机在此自行读取网络",
   "this program reads recordings of version %s": "本程序只读取版本 %s 的录制",
-  "this session's are %s": "此会话的是 %s",
   "there is nothing to undo": "没有可撤销的步骤",
   "there is nothing to redo": "没有可重做的步骤",
-  "the scene has no such state there": "场景没有这个状态",
+  "the scene has no such state there": "场景已没有这个状态",
 
   // Nodes
   "there is no node %s": "没有节点 %s",
-  "there is no note whose text could stay": "没有可保留其文字的便签",
+  "there is no note whose text could stay": "便签已不存在",
   "there is a node %s already": "已有节点 %s",
   "there is no such link": "没有此连线",
   "there is no parameter %s among the node's %s": "没有参数 %s（节点的 %s）",
@@ -64,8 +80,6 @@ export const REFUSALS: Record<string, string> = {
   "the node has no parameter %s": "节点没有参数 %s",
   "parameter %s isn't an event input": "参数 %s 不是事件输入",
   "parameter %s is dropped": "参数 %s 已去掉",
-  "names parameter %s twice": "参数 %s 重复",
-  "names no place": "没有指明位置",
   "the node %s would read another kind in a record of device %s": "节点 %s 会从设备 %s 的记录中读取另一种数据",
   "this connection holds %s keys and buttons": "此连接已按住 %s 个按键和按钮",
   "the module makes no such node": "模块不创建此类型的节点",
@@ -86,17 +100,9 @@ export const REFUSALS: Record<string, string> = {
   "the queue is full": "队列已满",
 
   // Files
-  "must be the name of a file in the folder of scenes": "必须是场景文件夹中的文件名",
-  "no part of it may begin with a dot": "任何一级名称都不能以点开头",
   "there is no folder of scenes": "没有场景文件夹",
   "the folder of scenes can't be read": "无法读取场景文件夹",
   "there is a folder of scenes for connections only": "场景文件夹只供连接使用",
-  "is out of reach here": "在此无法访问",
-  "can't be read": "无法读取",
-  "can't be written": "无法写入",
-  "isn't a regular file": "不是普通文件",
-  "isn't a scene of this version": "不是此版本的场景",
-  "is larger than 256 MiB": "大于 256 MiB",
   "the scene is larger than 256 MiB": "场景大于 256 MiB",
   "another scene is being transferred": "正在传输另一个场景",
   "the text is longer than %s bytes": "文本超过 %s 字节",
@@ -112,10 +118,9 @@ export function chineseByFormat(table: Record<string, string>): (text: string) =
 }
 
 const inChinese = chineseByFormat(REFUSALS);
+const ofAField = chineseByFormat(OF_A_FIELD);
 
-/** Problems that don't say what they are about. */
-const OF_A_FIELD = /^(?:is|isn't|must|can't|not|nested|no part) /;
-/** What the page calls the fields that can have such a problem by what is typed or opened here. */
+/** The page's names of fields that somebody can fill in wrongly. */
 const LABELS: Record<string, Label> = {
   file: "File",
   scene: "File",
@@ -123,10 +128,17 @@ const LABELS: Record<string, Label> = {
   "payload.device": "Device number",
   drop_after: "Drop after (s)",
   text: "Test text",
+  int: "Value",
   float: "Value",
 };
 
-/** A refusal in the reader's language, behind the field only where that is needed. A text that no format fits stays. */
+/** What another page's change leads to. */
+const IN_OTHER_WORDS: Record<string, string> = {
+  "the scene has no such state there": "the scene has no such state any more",
+  "there is no note whose text could stay": "the note is gone",
+};
+
+/** A refusal in the reader's language, with the field only where the rest doesn't tell. A text that no format fits stays. */
 export function refusalText(error: string): string {
   const isChinese = language.value === "zh";
   const [, field = "", problem = ""] = /^([^"]*?): (.*)$/s.exec(error) ?? [];
@@ -134,13 +146,14 @@ export function refusalText(error: string): string {
   if (chinese === null) {
     return isChinese ? (inChinese(error) ?? error) : error;
   }
-  const told = isChinese ? chinese : problem;
+  const told = isChinese ? chinese : (IN_OTHER_WORDS[problem] ?? problem);
   const isPlaceInFile = /^(?:file|scene)\./.test(field);
-  if (!isPlaceInFile && !OF_A_FIELD.test(problem)) {
+  if (!isPlaceInFile && ofAField(problem) === null) {
     return told;
   }
-  const label = LABELS[field];
-  return t("{field}: {problem}", { field: label === undefined ? field : t(label), problem: told });
+  const label = LABELS[field.replace(/^requests\[\d+\]\./, "")];
+  const isSentence = /^(?:is|isn't|must|can't) /.test(problem);
+  return t(isSentence ? "{field} {problem}" : "{field}: {problem}", { field: label === undefined ? field : t(label), problem: told });
 }
 
 /** The reply, with its refusal in the reader's language. */

@@ -140,6 +140,7 @@ export const EDITOR_ZH = {
   "Address": "地址",
   "File": "文件",
   "Value": "值",
+  "{field} {problem}": "{field}：{problem}",
   "{field}: {problem}": "{field}：{problem}",
   "Parser": "解析器",
   "never": "不丢弃",

@@ -45,7 +45,7 @@ const WIRES = { wire: WireEdge };
 // Made once: the library takes a new object for a changed setting.
 const ADDING_KEYS = ["Control", "Meta"];
 const MAP_SIZE = { width: 120, height: 80 };
-/** Between the buttons and the map, or above them: they cover nothing of the scene that is shown as a whole. */
+/** Paddings that keep the whole scene clear of the buttons and the map, 15 pixels from the edge: between them, or above them. */
 const CLEAR_OF_PANELS = [{ left: "55px", right: "150px", y: 0.1 }, { x: 0.1, top: 0.1, bottom: "105px" }] as const;
 const LEAST_ZOOM = 0.1;
 
@@ -78,12 +78,9 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   useLayoutEffect(() => {
     setWires((kept) => wiresOf(editor, nodes ?? [], links, kept));
   }, [nodes, links, language.value]);
-  const showAll = useConstant((places: ReadonlyMap<string, XYPosition> = new Map()) => {
-    const boxes = [
-      ...(nodes ?? []).map((node) => ({ ...boxOf(node), ...(places.get(node.node) ?? node.place ?? automatic.of(node.node)) })),
-      ...Object.values(notes),
-    ];
-    const seen = pane.current; // null where the library gets ready too late
+  const showAll = useConstant((shown: readonly CanvasNode[] = faces) => {
+    const boxes = shown.map(({ position, measured }) => ({ ...position, width: measured!.width!, height: measured!.height! }));
+    const seen = pane.current; // null once the canvas is gone: the library may get ready after that
     if (boxes.length > 0 && seen !== null) {
       const [between, above] = CLEAR_OF_PANELS.map((padding) =>
         getViewportForBounds(around(boxes), seen.clientWidth, seen.clientHeight, LEAST_ZOOM, 1, padding),
@@ -235,8 +232,9 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
         onArrange={() => {
           const places = automatic.arrangeAnew(nodes ?? [], links);
           const placeOf = (face: CanvasNode) => (face.type === "face" ? places.get(face.data.node.node) : undefined);
-          setFaces((kept) => kept.map((face) => ({ ...face, position: placeOf(face) ?? face.position })));
-          showAll(places);
+          const arranged = faces.map((face) => ({ ...face, position: placeOf(face) ?? face.position }));
+          setFaces(arranged);
+          showAll(arranged);
           void editor.place(
             Object.fromEntries([...places].map(([handle, at]) => [handle, { ...editor.view.placeOf(handle), ...at }])),
           );

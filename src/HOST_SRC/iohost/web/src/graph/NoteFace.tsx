@@ -26,7 +26,8 @@ export type NoteNode = Node<{ editor: Editor; id: string; note: Note }, "note">;
  * A text box on the canvas. What is being typed stays, whatever other pages do to the note meanwhile. Of a text that
  * the host cut the end isn't known: it can be replaced, not edited.
  */
-export function NoteFace({ data: { editor, id, note }, selected, ...shown }: NodeProps<NoteNode>) {
+export function NoteFace(props: NodeProps<NoteNode>) {
+  const { data: { editor, id, note }, selected, positionAbsoluteX: x, positionAbsoluteY: y, width, height } = props;
   const field = useRef<HTMLTextAreaElement>(null);
   useFocusWhenChosen(field, selected);
   const { length } = note;
@@ -39,14 +40,12 @@ export function NoteFace({ data: { editor, id, note }, selected, ...shown }: Nod
     }
     known.current = text;
   }, [text]);
-  // The host may not have told yet where it was just moved, and how it was sized.
-  const { positionAbsoluteX, positionAbsoluteY } = shown;
-  const box = { x: positionAbsoluteX, y: positionAbsoluteY, width: shown.width!, height: shown.height! };
-  const keepSize = ({ x, y, width, height }: Box) =>
-    editor.place({}, { [id]: movedNote(note, { x, y, width, height }) });
+  // As it's shown: the host may not have told yet of the last move or sizing.
+  const box = { x, y, width: width!, height: height! };
+  const keepSize = (sized: Partial<Box>) => editor.place({}, { [id]: movedNote(note, { ...box, ...sized }) });
   return (
     <div class="note" data-note={id}>
-      <NodeResizer isVisible={selected} {...LEAST} onResizeEnd={(_, box) => void keepSize(box)} />
+      <NodeResizer isVisible={selected} {...LEAST} onResizeEnd={(_, { x, y, width, height }) => void keepSize({ x, y, width, height })} />
       <textarea
         ref={field}
         class="note-text nodrag nowheel nokey"
@@ -70,7 +69,7 @@ export function NoteFace({ data: { editor, id, note }, selected, ...shown }: Nod
           }
         }}
       />
-      {selected && <Corner id={id} note={note} onSized={(size) => keepSize({ ...box, ...size })} />}
+      {selected && <Corner id={id} note={note} onSized={keepSize} />}
     </div>
   );
 }
