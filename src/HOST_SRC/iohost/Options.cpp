@@ -103,9 +103,9 @@ FrontOptions DeclareFronts(CLI::App& app, SOptions& options) {
     const FrontOptions fronts = {
         {EFront::Stdio, app.add_flag("--stdio")->description("one JSON request a line on standard input, one reply a "
                                                              "line on standard output")},
-        {EFront::Page,
-         Add(app, "--listen", "ADDR:PORT", "serves the page and its WebSocket, for example 127.0.0.1:8040",
-             Address(options.listen.strAddress, options.listen.nPort), WRONG_ADDRESS)},
+        {EFront::Page, Add(app, "--listen", "ADDR:PORT",
+                           "serves the page and its WebSocket at a numeric address, for example 127.0.0.1:8040",
+                           Address(options.listen.strAddress, options.listen.nPort), WRONG_ADDRESS)},
         {EFront::Window, app.add_flag("--window")
                              ->description("opens a render window and hands its keyboard and mouse "
                                            "to the nodes (Windows)")},

@@ -1,14 +1,4 @@
-// Scenes in files.
-//   {"format": "iohost scene", "version": 1,
-//    "clips": [{"name", "objects": [{"name", "matrix": [16 floats]}]}],
-//    "nodes": [{"node", "type", "clip", "graph", "event_window", "notify_window", "own", "inputs", "outputs",
-//               "place": {"x", "y", "folded"}}],
-//    "links": [{"from", "output", "to", "input"}],
-//    "devices": [{"id", "name", "parser", "address", "drop_after"}] or null,
-//    "notes": {ID: {"x", "y", "width", "height", "text"}}}
-// "own", "inputs" and "outputs" are groups as `inspect` shows them; only their ids, values, choices and availability
-// matter for parameters that the node makes itself. Where one of the three is missing, the node has what a new one has.
-// A link may name a pin that "inputs" or "outputs" lack, when the node makes it by itself: it was dropped.
+// Scenes in files; docs/session-protocol.md describes their form.
 #pragma once
 
 #include "protocol/Protocol.h"

@@ -39,6 +39,7 @@ struct SStandInOptions {
 ///   {"connection":1,"size":4,"text":"12|.","hex":"31327c00"}       bytes, of a direct device
 ///   {"connection":1,"closed":"why"}                                also of one that was turned away
 ///   {"missing_lines":12}                                           lines left out, since nobody read them in time
+///   {"problem":"Too many open files"}                              why connections can't be taken
 /// A thread of its own calls `write`, which waits as long as it takes, and answers false when it can't write; that ends
 /// the program.
 /// Returns the exit code of the program: 1, with a message on standard error, when the port can't be had.

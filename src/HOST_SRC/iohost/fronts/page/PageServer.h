@@ -18,5 +18,5 @@ struct SListenOptions {
 };
 
 /// Serve until the session ends or the process is told to end. Returns the exit code of the program: 1, with a message
-/// on standard error, when the address can't be had.
+/// on standard error, when the address, the page's files or the port of --control can't be had.
 int RunPageServer(CSession& session, const SListenOptions& options);
