@@ -99,10 +99,12 @@ protected:
     template <typename Condition>
     void Await(Condition isMet) {
         const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
-        while (!isMet() && std::chrono::steady_clock::now() < tEnd) {
+        bool bMet = isMet();
+        while (!bMet && std::chrono::steady_clock::now() < tEnd) {
             Must("wait ms=10");
+            bMet = isMet();
         }
-        EXPECT_TRUE(isMet());
+        EXPECT_TRUE(bMet);
     }
 
     /// What a frame of the host's own brings about.

@@ -127,12 +127,14 @@ private:
     bool RunUntil(
         const std::function<bool()>& isMet, const std::function<void()>& serve = [] {}) {
         const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
-        while (!isMet() && std::chrono::steady_clock::now() < tEnd) {
+        bool bMet = isMet();
+        while (!bMet && std::chrono::steady_clock::now() < tEnd) {
             m_context.restart();
             m_context.run_one_for(std::chrono::milliseconds(10));
             serve();
+            bMet = isMet();
         }
-        return isMet();
+        return bMet;
     }
 
     boost::asio::io_context m_context;
@@ -154,8 +156,12 @@ protected:
 
     /// Wait until the device is in that state; what it is then.
     OrderedJson AwaitState(const std::string& strState) {
-        Await([&] { return Device()["state"] == strState; });
-        return Device();
+        OrderedJson device;
+        Await([&] {
+            device = Device();
+            return device["state"] == strState;
+        });
+        return device;
     }
 
     /// What the other side's waiting needs: that this one goes on.

@@ -130,11 +130,15 @@ TEST_F(DeviceRequests, ConnectTriesWithoutWaitingForTheNextAttempt) {
     CTestPeers::CListener later(m_peers, false);
     ChangeDevice(3, later.Address());
     ChangeDevice(4, nullptr);
-    Await([this] { return Device()["state"] == "waiting" && Device()["since_ms"] >= 300; }); // some attempts failed
+    CPeers& peers = m_pSession->Peers();
+    peers.RunAlways(); // then nothing is tried but in its loop
+    const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
+    while (Device()["state"] != "waiting" && std::chrono::steady_clock::now() < tEnd) {
+        peers.Context().run_one_for(std::chrono::milliseconds(10));
+    }
     later.Listen();
-    m_pSession->Peers().RunAlways(); // it doesn't wait for attempts by itself, then
     Must("connect device=3");
-    m_pSession->Peers().Context().poll();
+    peers.Context().poll();
     EXPECT_NE(Device()["state"], "waiting");
     Talk(R"(
         connect device=3
