@@ -432,6 +432,9 @@ test("a scene of this computer is saved under its file's name when it's asked fo
   await page.keyboard.press("Control+s");
   await expectEventually("the name that is proposed", () => name.inputValue(), "mouse");
   await page.getByText("mouse.json is there already and will be replaced.").waitFor();
+  await page.keyboard.press("Enter");
+  const replace = page.getByRole("button", { name: "Replace" });
+  await replace.and(page.locator(":focus")).waitFor();
   await name.fill("mouse and keyboard");
   await page.keyboard.press("Enter");
   await nameIs("mouse and keyboard.json", false);
@@ -440,6 +443,11 @@ test("a scene of this computer is saved under its file's name when it's asked fo
   await page.locator("[data-empty-scene]").waitFor();
   await page.keyboard.press("Control+s");
   await expectEventually("no name", () => name.inputValue(), "");
+  await name.fill("mouse");
+  await page.keyboard.press("Enter");
+  await replace.and(page.locator(":focus")).waitFor();
+  await page.keyboard.press("Enter");
+  await nameIs("mouse.json", false);
 });
 
 test("a file that is too large, or that no host takes, is refused in the reader's language, and names no scene", async () => {

@@ -119,7 +119,7 @@ test("a click on the map moves the view there, and so does dragging it", async (
   await until("a view further left", async () => (await left()) > before + 100);
 });
 
-test("in a small window, too, neither map nor buttons cover a node of the scene that is shown as a whole", async () => {
+test("a node can be gone to, and neither map nor buttons cover one of the scene that is shown as a whole, however large", async () => {
   await must(script, { op: "place", nodes: { k: { x: 0, y: 600 }, m: { x: 420, y: 300 }, t: { x: 210, y: 0 } } });
   await page.page.setViewportSize({ width: 1024, height: 600 });
   const isFree = () =>
@@ -139,6 +139,13 @@ test("in a small window, too, neither map nor buttons cover a node of the scene 
   await until("a larger view", async () => (await canvas.zoom()) > zoom);
   await page.page.locator(".react-flow__controls-fitview").click();
   await until("the view of all", async () => (await canvas.zoom()) <= zoom);
+  await isFree();
+  await must(script, { op: "place", nodes: { t: { x: 9000, y: 0 } } });
+  await until("a node out of sight", async () => (await inSight()) < 3);
+  const before = await canvas.zoom();
+  await canvas.choosePalette("Text field 1");
+  await until("that node, larger", async () => (await inSight()) === 1 && (await canvas.zoom()) > 1.1 * before);
+  await page.page.locator(".react-flow__controls-fitview").click();
   await isFree();
 });
 

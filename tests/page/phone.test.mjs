@@ -150,4 +150,6 @@ test("what fingers hit is large enough, and a larger window has the graph again"
   assert.ok(Math.min(...heights) >= 34, String(Math.min(...heights)));
   await phone.setViewportSize({ width: 1280, height: 800 });
   await phone.locator("[data-graph]").waitFor();
+  await phone.setViewportSize({ width: 844, height: 390 }); // a phone sideways
+  await phone.locator("[data-graph]").waitFor({ state: "detached" });
 });

@@ -47,7 +47,7 @@ const ADDING_KEYS = ["Control", "Meta"];
 const MAP_SIZE = { width: 120, height: 80 };
 /** Paddings that keep the whole scene clear of the buttons and the map, 15 pixels from the edge: between them, or above them. */
 const CLEAR_OF_PANELS = [{ left: "55px", right: "150px", y: 0.1 }, { x: 0.1, top: 0.1, bottom: "105px" }] as const;
-const LEAST_ZOOM = 0.1;
+const LEAST_ZOOM = 0.02;
 
 /** The scene as a graph, live: nodes are added, wired, moved, named and removed here. Another scene begins anew. */
 export function Canvas({ host, desk }: { host: Host; desk: Desk }) {
@@ -104,13 +104,14 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     desk.choose = (handles) => editor.view.choose(handles, []);
     desk.goTo = (handle) => {
       desk.choose([handle]);
+      // Before the view moves: where the focus goes out of sight, the library takes the view there by itself.
+      pane.current?.querySelector<HTMLElement>(`[data-id="${nodeId(handle)}"]`)?.focus({ preventScroll: true });
       const node = editor.node(handle);
       if (node !== undefined) {
         const { x, y } = editor.view.placeOf(handle);
         const { width, height } = boxOf(node);
         void flow.current?.fitBounds({ x, y, width, height }, { padding: 0.5, duration: 200 });
       }
-      pane.current?.querySelector<HTMLElement>(`[data-id="${nodeId(handle)}"]`)?.focus({ preventScroll: true });
     };
     editor.view = {
       placeOf: (handle) => {

@@ -1,8 +1,8 @@
 import { useEffect, useState } from "preact/hooks";
 
-const PHONE = matchMedia("(max-width: 640px)");
+const PHONE = matchMedia("(max-width: 640px), (pointer: coarse) and (max-height: 480px)");
 
-/** Whether the window is as narrow as a phone. */
+/** Whether the window is as small as a phone's, upright or sideways. */
 export function usePhone(): boolean {
   const [isPhone, setPhone] = useState(PHONE.matches);
   useEffect(() => {
