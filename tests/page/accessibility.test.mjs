@@ -140,6 +140,7 @@ test("no rule is broken while the graph is edited", async () => {
   await page.page.locator(".pin-begun").waitFor();
   await look("wire begun");
   await keyboard.press("Escape");
+  await page.page.evaluate(() => new Promise(requestAnimationFrame)); // the pin has the focus again
   await page.page.locator(".react-flow__node-note").press("Enter");
   await page.page.locator(".note-corner").waitFor();
   await look("note chosen");
