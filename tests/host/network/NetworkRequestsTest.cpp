@@ -2,6 +2,7 @@
 #include "NetworkPeers.h"
 
 #include <algorithm>
+#include <optional>
 #include <random>
 
 #include "host/HostCommon.h"
@@ -229,7 +230,9 @@ TEST_F(NetworkRequests, ADeviceThatIsNotThereIsTriedAgainWhichIsLoggedOnce) {
     do {
         ASSERT_LT(std::chrono::steady_clock::now(), tEnd);
         EXPECT_EQ(CountLines(Must("wait ms=50"), ""), 0u);
-    } while (Device()["since_ms"] < 300); // the pause after some attempts that failed
+    } while (Device()["since_ms"] < 1000); // since the first of several attempts
+    Must("connect device=3");
+    EXPECT_GE(AwaitState("waiting")["since_ms"], 1000);
     CreateRecordNodes();
     SendRecord();
     SendRecord();
@@ -237,6 +240,19 @@ TEST_F(NetworkRequests, ADeviceThatIsNotThereIsTriedAgainWhichIsLoggedOnce) {
     EXPECT_EQ(CountLines(reply, "2 items that waited are dropped"), 1u) << reply;
     SetDevice(3, "framed", nullptr);
     EXPECT_FALSE(Must("devices list=null").contains("log"));
+}
+
+TEST_F(NetworkRequests, ALostDeviceIsGoneSinceItsConnectionEnded) {
+    std::optional<CTestPeers::CListener> listener(std::in_place, m_peers);
+    SetDevice(3, "direct", listener->Address());
+    auto device = listener->Accept();
+    Must("wait ms=50");
+    EXPECT_GE(AwaitState("connected")["since_ms"], 50);
+    const auto tEnd = std::chrono::steady_clock::now();
+    listener.reset();
+    device.close();
+    const auto nSinceMs = AwaitState("waiting")["since_ms"].get<long long>();
+    EXPECT_LE(std::chrono::milliseconds(nSinceMs), std::chrono::steady_clock::now() - tEnd);
 }
 
 TEST_F(NetworkRequests, ADeviceThatStopsReadingCostsNoMoreThanItsQueue) {

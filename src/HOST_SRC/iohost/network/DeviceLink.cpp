@@ -15,7 +15,7 @@ std::string ItemsText(size_t nItems) {
 } // namespace
 
 CDeviceLink::CDeviceLink(CPeerLoop& loop, SDeviceSetup setup)
-    : m_loop(loop), m_state{.setup = std::move(setup)}, m_tState(steady_clock::now()) {
+    : m_loop(loop), m_state{.setup = std::move(setup)}, m_tSince(steady_clock::now()) {
     m_device.m_nId = Setup().nId;
     m_device.m_pSocket = &m_deviceSocket;
     Change(Setup());
@@ -65,7 +65,7 @@ void CDeviceLink::TryNow() {
 SDeviceState CDeviceLink::State() const {
     SDeviceState state = m_state;
     const CSendQueue& queue = m_pConnection->Queue();
-    state.nSinceMs = std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - m_tState).count();
+    state.nSinceMs = std::chrono::duration_cast<std::chrono::milliseconds>(steady_clock::now() - m_tSince).count();
     state.nQueuedItems = queue.ItemCount();
     state.nQueuedBytes = queue.ByteCount();
     state.nSent = queue.SentCount();
@@ -200,7 +200,7 @@ Awaitable<void> CDeviceLink::Run() {
         m_pConnection->End();
         m_reader.EndConnection();
         if (bWasConnected) {
-            m_reconnection.OnConnectionLasted(steady_clock::now() - m_tState);
+            m_reconnection.OnConnectionLasted(steady_clock::now() - m_tSince);
         }
         if (m_bStopped) {
             break;
@@ -218,9 +218,11 @@ Awaitable<void> CDeviceLink::Run() {
 }
 
 void CDeviceLink::SetState(ELinkState nState) {
+    if (nState == ELinkState::Connected || m_state.nState == ELinkState::Connected) {
+        m_tSince = steady_clock::now();
+    }
     m_state.nState = nState;
     m_bTried = m_bTried || nState == ELinkState::Connected || nState == ELinkState::Waiting;
-    m_tState = steady_clock::now();
     m_loop.OnStateChanged();
 }
 

@@ -66,7 +66,7 @@ private:
     SQORNetPlayCtrlDev m_device;
     SteadyTimer m_lateTimer{m_loop.Context()};
     bool m_bLateTimer = false;         ///< it runs
-    steady_clock::time_point m_tState; ///< when the state became what it is
+    steady_clock::time_point m_tSince; ///< when the device was connected or lost, or first to be tried
     bool m_bTried = false;
     bool m_bStopped = false;
 

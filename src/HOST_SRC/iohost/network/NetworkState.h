@@ -57,7 +57,7 @@ NAMES(ELinkState, "unconnected", "connecting", "connected", "waiting")
 struct SDeviceState {
     SDeviceSetup setup = {};
     ELinkState nState = ELinkState::Unconnected;
-    long long nSinceMs = 0;          ///< how long it has been so
+    long long nSinceMs = 0;          ///< how long it has been connected, or has not
     std::string strLastProblem = {}; ///< why the connection isn't or wasn't there
     size_t nQueuedItems = 0;
     size_t nQueuedBytes = 0;
