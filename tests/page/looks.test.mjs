@@ -74,7 +74,7 @@ test("in Chinese no text is left in English, on any tab", async () => {
   await page.page.getByRole("button", { name: "打开", exact: true }).click();
   await page.page.locator("[data-upload]").setInputFiles({ name: "a.json", mimeType: "application/json", buffer: Buffer.from("no scene") });
   await page.page.getByRole("button", { name: "仍然打开" }).click();
-  await isRefused(/^文件：从第 2 字节起不是 JSON$/);
+  await isRefused(/^未能打开 a\.json。文件：从第 2 字节起不是 JSON$/);
 });
 
 test("names of types, pins and choices follow the switch, whichever the host's are", async () => {

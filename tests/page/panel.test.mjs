@@ -202,6 +202,8 @@ test("in a narrow window the scene's name is whole, and the top bar in two rows"
     await until("the whole name", () => name.evaluate((box) => box.scrollWidth <= box.clientWidth));
     assert.ok(await page.page.evaluate(() => document.documentElement.scrollWidth <= innerWidth));
   }
+  await page.page.setViewportSize({ width: 1024, height: 600 });
+  await until("nothing to scroll", () => page.page.evaluate(() => document.documentElement.scrollHeight <= innerHeight));
 });
 
 test("the render surface is enlarged and made smaller again", async () => {
@@ -226,13 +228,20 @@ test("a page without its host says so, comes back with it, and releases nothing 
   const forAll = [page.page.locator("[data-live]"), page.page.locator("[data-listen-only]"), page.page.getByRole("button", { name: "Reset counts" })];
   const areDisabled = () => Promise.all(forAll.map((one) => one.isDisabled()));
   assert.deepEqual(await areDisabled(), [true, true, true]);
+  await page.page.keyboard.press("Control+z");
+  const message = page.page.locator("[data-graph-message]");
+  await expectEventually("what is said", () => message.innerText(), "Not connected");
   await page.surface.click({ position: { x: 20, y: 20 } }); // the alert has moved it
+  const verdict = page.page.locator("[data-verdict]");
+  await verdict.getByText("Not connected").waitFor();
   await page.mouse.down();
   await page.keyboard.down("a");
 
   await startScene({ port });
   await page.page.locator("[data-connection=open]").waitFor();
   await notLoaded.waitFor({ state: "detached" });
+  await verdict.waitFor({ state: "detached" });
+  await expectEventually("what is said", () => message.innerText(), "");
   assert.equal(await page.page.getByRole("alert").count(), 0);
   assert.deepEqual(await areDisabled(), [false, false, false]);
   page.sent.length = 0;

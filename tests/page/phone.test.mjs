@@ -79,11 +79,18 @@ test("a device is opened, texts are tried, and what came of them is said and sho
   await phone.locator("[data-peer=device-3] button").tap();
   await phone.locator("[data-part-card]").getByText("has no address").waitFor();
   await phone.getByRole("button", { name: "Send a test text" }).tap();
-  await phone.locator("[data-message]", { hasText: "Only shown: the device has no address." }).waitFor();
+  await phone.locator("[data-outcome]", { hasText: "Only shown: the device has no address." }).waitFor();
   await phone.locator("[data-part-card] [data-field=sent-bytes]", { hasText: "Would be sent, 4 bytes" }).waitFor();
+  assert.equal(await phone.locator("[data-part-card] [data-part]").count(), 0);
+});
+
+test("what is refused is said over what is scrolled, until that is closed", async () => {
+  await is.between(phone, { toHost: (request) => (request.op === "listen_only" ? { ...request, on: 0 } : request) });
+  await phone.reload();
+  await phone.locator("[data-live]").tap();
+  await phone.locator("[data-message]", { hasText: "on must be true or false" }).waitFor();
   const { top, bottom } = await phone.locator("[data-message]").evaluate((message) => message.getBoundingClientRect());
   assert.ok(top > 0 && bottom < 844, `${top} to ${bottom}`);
-  assert.equal(await phone.locator("[data-part-card] [data-part]").count(), 0);
   await phone.getByRole("button", { name: "Close" }).tap();
   await expectEventually("what is said", () => phone.locator("[data-message]").innerText(), "");
   assert.equal(await phone.getByRole("button", { name: "Close" }).count(), 0);

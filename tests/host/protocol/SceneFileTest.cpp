@@ -144,6 +144,14 @@ TEST_F(SceneFile, WrongScenesAreRefusedByFieldAndLeaveTheSceneAsItWas) {
     )"); // k is disabled by the link
 }
 
+TEST_F(SceneFile, AFileThatIsThereIsReplacedByItsOwnSceneOrWhenThatIsMeant) {
+    const std::string strSaveOwn = "save file=" + Quote(m_folder.Path() / "own.json");
+    const std::string strOther = Quote(m_folder.Write("other.json", "another scene"));
+    Talk(strSaveOwn + " replace=false\n" + strSaveOwn + " replace=false\nsave file=" + strOther +
+         " replace=false => file: is there already\nload file=" + strOther + " => file: not JSON, from byte 1 on");
+    Talk("save file=" + strOther + "\n" + strSaveOwn + " replace=false => file: is there already");
+}
+
 TEST_F(SceneFile, FilesThatCannotBeUsedAreNamed) {
     const std::string strFolder = Quote(m_folder.Path());
     const std::string strNowhere = Quote(m_folder.Path() / "no" / "where.json");

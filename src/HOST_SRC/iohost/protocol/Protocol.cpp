@@ -164,11 +164,11 @@ std::string Answer(CSession& session, const Json& json, ISceneFiles& files, cons
         ReadRequest(request, CFields(json), files);
         SDone done = session.Do(request.command, origin);
         if (const auto* pScene = std::get_if<SSceneDocument>(&done.outcome.result)) {
-            const std::string& strFile = std::get<SSaveCommand>(request.command).strFile;
+            const auto& [strFile, bReplace] = std::get<SSaveCommand>(request.command);
             const std::string strText = SceneText(*pScene);
             done.outcome.result = {};
             try {
-                files.Write(strFile, strText);
+                files.Write(strFile, strText, bReplace || strFile == session.History().File().strName);
                 session.History().NoteSaved(strFile);
             } catch (const CRefusal& refusal) {
                 done.outcome.error = refusal.what();

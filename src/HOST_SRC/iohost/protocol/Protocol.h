@@ -10,9 +10,9 @@
 /// Where the requests `save` and `load` keep scenes. Names are what the requests call "file".
 class ISceneFiles {
 public:
-    /// Refuse what can't be read or written.
+    /// Refuse what can't be read or written; without bReplace also a file that is there already.
     virtual std::string Read(const std::string& strName) = 0;
-    virtual void Write(const std::string& strName, const std::string& strText) = 0;
+    virtual void Write(const std::string& strName, const std::string& strText, bool bReplace) = 0;
 
     /// The scenes that are there.
     virtual std::vector<SSceneFileInfo> List() { Refuse("op", "there is a folder of scenes for connections only"); }

@@ -36,8 +36,13 @@ std::string CSystemFiles::Read(const std::string& strName) {
     return strText;
 }
 
-void CSystemFiles::Write(const std::string& strName, const std::string& strText) {
-    const std::string strProblem = HasZero(strName) ? CANT_BE_WRITTEN : WriteFileSafely(PathFromUtf8(strName), strText);
+void CSystemFiles::Write(const std::string& strName, const std::string& strText, bool bReplace) {
+    const std::filesystem::path file = PathFromUtf8(strName);
+    std::error_code error;
+    if (!bReplace && std::filesystem::exists(file, error)) {
+        Refuse("file", "is there already");
+    }
+    const std::string strProblem = HasZero(strName) ? CANT_BE_WRITTEN : WriteFileSafely(file, strText);
     if (!strProblem.empty()) {
         Refuse("file", strProblem);
     }

@@ -180,7 +180,7 @@ TAGGED(SLoadCommand, "load", SField{"scene", &T::pScene}, SField{"name", &T::str
 TAGGED(SHistoryCommand, "history")
 TAGGED(SScenesCommand, "scenes")
 TAGGED(SRecoverCommand, "recover")
-TAGGED(SSaveCommand, "save", SField{"file", &T::strFile})
+TAGGED(SSaveCommand, "save", SField{"file", &T::strFile}, SField{"replace", &T::bReplace, FIELD_OPTIONAL})
 TAGGED(SSceneCommand, "scene")
 TAGGED(SRecordingCommand, "recording", SField{"version", &T::nVersion}, SField{"texts", &T::nTexts},
        SField{"evaluate", &T::nEvaluation, FIELD_OPTIONAL}, SField{"rounding", &T::bRounding, FIELD_OPTIONAL})

@@ -263,7 +263,8 @@ struct SHistoryCommand {};
 
 /// The result is the scene: whoever asked keeps it where it belongs.
 struct SSaveCommand {
-    std::string strFile; ///< where whoever carries it out keeps the scene
+    std::string strFile;  ///< where whoever carries it out keeps the scene
+    bool bReplace = true; ///< false: refused where that is another scene's file
 };
 
 struct SLoadCommand {

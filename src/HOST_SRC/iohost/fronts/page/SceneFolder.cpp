@@ -54,8 +54,8 @@ std::string CSceneFolder::Read(const std::string& strName) {
     return m_files.Read(Place(strName));
 }
 
-void CSceneFolder::Write(const std::string& strName, const std::string& strText) {
-    m_files.Write(Place(strName), strText);
+void CSceneFolder::Write(const std::string& strName, const std::string& strText, bool bReplace) {
+    m_files.Write(Place(strName), strText, bReplace);
 }
 
 std::vector<SSceneFileInfo> CSceneFolder::List() {

@@ -24,7 +24,7 @@ public:
 
     // Names that lead out of the folder are refused.
     std::string Read(const std::string& strName) override;
-    void Write(const std::string& strName, const std::string& strText) override;
+    void Write(const std::string& strName, const std::string& strText, bool bReplace) override;
     std::vector<SSceneFileInfo> List() override;
     std::string ReadLeft() override;
     void EndLeft(bool bLoaded) override;

@@ -37,7 +37,7 @@ export class Connection {
   /** Sends a request whose reply matters only for what happened; answers with why it couldn't, or null. */
   send(request: object): string | null {
     if (!this.#greeted || this.#socket?.readyState !== WebSocket.OPEN) {
-      return t("not connected");
+      return t("Not connected");
     }
     const text = JSON.stringify(request);
     if (new TextEncoder().encode(text).length > LONGEST_REQUEST) {
@@ -97,7 +97,7 @@ export class Connection {
     const waiting = [...this.#waiting.values()];
     this.#waiting.clear();
     for (const resolve of waiting) {
-      resolve({ ok: false, error: t("the connection was lost") });
+      resolve({ ok: false, error: t("The connection was lost.") });
     }
     const delay = reconnectDelay(this.#failures++);
     this.#listener.lost(delay);

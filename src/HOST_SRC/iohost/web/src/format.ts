@@ -45,10 +45,7 @@ export function ageText(milliseconds: number): string {
     : t("{count} min", { count: Math.floor(seconds / 60) });
 }
 
-/** The place that a matrix puts things at. */
+/** The place that a matrix puts things at: "x 0.00, y 1.50, z 0.00 m". */
 export function placeText(matrix: readonly number[]): string {
-  return matrix
-    .slice(12, 15)
-    .map((value) => value.toFixed(2))
-    .join(", ");
+  return `${["x", "y", "z"].map((axis, index) => `${axis} ${matrix[12 + index]!.toFixed(2)}`).join(", ")} m`;
 }

@@ -15,11 +15,14 @@ export function stateText(device: DeviceState, told: number): string {
       return t("has no address: what it is sent is only shown");
     case "connected":
       return t("connected since {time}", { time });
-    case "connecting":
-      return t("connecting since {time}", { time });
-    case "waiting":
-      return t("waiting to try again since {time}", { time });
+    default:
+      return t("not connected since {time}, trying again", { time });
   }
+}
+
+/** Whether a device should be connected and isn't. */
+export function isLost({ state }: DeviceState): boolean {
+  return state === "waiting" || state === "connecting";
 }
 
 /** How long what a device can't take is kept for it. */
@@ -58,6 +61,12 @@ export function rejectedText({ rejected, last_rejected: reason }: ItemCounts): s
 
 export function errorsText({ errors, last_error: reason }: ErrorCounts): string {
   return withReason(errors, reason);
+}
+
+/** Bytes in hexadecimal as the UTF-8 that they are, with dots for what isn't or can't be printed. */
+export function readableText(hex: string): string {
+  const bytes = Uint8Array.from(hex.match(/../g) ?? [], (pair) => parseInt(pair, 16));
+  return new TextDecoder("utf-8", { ignoreBOM: true }).decode(bytes).replace(/[\p{C}\p{Zl}\p{Zp}\uFFFD]/gu, ".");
 }
 
 /** Hexadecimal in pairs: "31 32 7c". */

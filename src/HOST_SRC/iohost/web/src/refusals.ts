@@ -41,6 +41,7 @@ const OF_A_FIELD: Record<string, string> = {
   "is out of reach here": "在此无法访问",
   "can't be read": "无法读取",
   "can't be written": "无法写入",
+  "is there already": "已存在",
   "isn't a regular file": "不是普通文件",
   "isn't a scene of this version": "不是此版本的场景",
   "is larger than 256 MiB": "大于 256 MiB",
@@ -146,14 +147,21 @@ export function refusalText(error: string): string {
   if (chinese === null) {
     return isChinese ? (inChinese(error) ?? error) : error;
   }
-  const told = isChinese ? chinese : (IN_OTHER_WORDS[problem] ?? problem);
+  const told = isChinese ? chinese : capitalised(IN_OTHER_WORDS[problem] ?? problem);
   const isPlaceInFile = /^(?:file|scene)\./.test(field);
   if (!isPlaceInFile && ofAField(problem) === null) {
     return told;
   }
   const label = LABELS[field.replace(/^requests\[\d+\]\./, "")];
   const isSentence = /^(?:is|isn't|must|can't) /.test(problem);
-  return t(isSentence ? "{field} {problem}" : "{field}: {problem}", { field: label === undefined ? field : t(label), problem: told });
+  return t(isSentence ? "{field} {problem}" : "{field}: {problem}", {
+    field: label === undefined ? field : t(label),
+    problem: isChinese ? chinese : problem,
+  });
+}
+
+function capitalised(text: string): string {
+  return text[0]!.toUpperCase() + text.slice(1);
 }
 
 /** The reply, with its refusal in the reader's language. */

@@ -99,8 +99,9 @@ export class Requests {
     return reply.ok ? reply.files : reply.error;
   }
 
-  async save(file: string): Promise<string | null> {
-    return errorOf(await this.#connection.request({ op: "save", file }));
+  /** Another scene's file stays unless it's to be replaced. */
+  async save(file: string, replace = false): Promise<string | null> {
+    return errorOf(await this.#connection.request({ op: "save", file, replace }));
   }
 
   async load(file: string): Promise<string | null> {

@@ -1,7 +1,7 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
 import { timeOfDay } from "../src/format.ts";
-import { deviceChoices, errorsText, pairedHex, patienceText, queueText, rejectedText, sendingText, stateText } from "../src/network.ts";
+import { deviceChoices, errorsText, pairedHex, patienceText, queueText, readableText, rejectedText, sendingText, stateText } from "../src/network.ts";
 import type { DeviceState } from "../src/protocol.ts";
 
 const DEVICE: DeviceState = {
@@ -32,8 +32,9 @@ test("a device's state says since when", () => {
   const told = Date.UTC(2026, 10, 21, 12, 0, 5, 700);
   const since = timeOfDay(told - 2000).slice(0, 8);
   assert.equal(stateText(DEVICE, told), `connected since ${since}`);
-  assert.equal(stateText({ ...DEVICE, state: "connecting" }, told), `connecting since ${since}`);
-  assert.equal(stateText({ ...DEVICE, state: "waiting" }, told), `waiting to try again since ${since}`);
+  for (const state of ["connecting", "waiting"] as const) {
+    assert.equal(stateText({ ...DEVICE, state }, told), `not connected since ${since}, trying again`);
+  }
   assert.match(stateText({ ...DEVICE, state: "unconnected" }, told), /only shown$/);
 });
 
@@ -64,6 +65,14 @@ test("what was rejected is told with the last reason", () => {
 test("errors are told with the last one, where the host tells it", () => {
   assert.equal(errorsText({ errors: 0, last_error: null }), "0");
   assert.equal(errorsText({ errors: 3, last_error: "port taken" }), "3 (port taken)");
+});
+
+test("bytes are read as UTF-8, with dots for what isn't printable text", () => {
+  const text = (bytes: string | number[]) => readableText(Buffer.from(bytes as string).toString("hex"));
+  assert.equal(text("你好 é 🎬"), "你好 é 🎬");
+  assert.equal(text("a\n\0b\x7f\u0085\u202e\u2028c\ufeff"), "a..b....c.");
+  assert.equal(text([0x51, 0xff, 0x80, 0xe4, 0xbd]), "Q...");
+  assert.equal(text(""), "");
 });
 
 test("hexadecimal stands in pairs", () => {

@@ -80,12 +80,12 @@ test("a Chinese text has the values of its format in their order, with a field o
 
 test("a refusal that says by itself what it's about goes without the field, another one with the page's label", () => {
   for (const [refusal, english, chinese] of [
-    ["op: there is nothing to undo", "there is nothing to undo", "没有可撤销的步骤"],
-    ["device: there is a device 1 already", "there is a device 1 already", "已有设备 1"],
-    ["requests[1].type: the module makes no such node", "the module makes no such node", "模块不创建此类型的节点"],
-    ["requests[0]: the module raised E: 7", "the module raised E: 7", "模块抛出异常 E: 7"],
-    ["notes.note 1.length: there is no note whose text could stay", "the note is gone", "便签已不存在"],
-    ["to: the scene has no such state there", "the scene has no such state any more", "场景已没有这个状态"],
+    ["op: there is nothing to undo", "There is nothing to undo", "没有可撤销的步骤"],
+    ["device: there is a device 1 already", "There is a device 1 already", "已有设备 1"],
+    ["requests[1].type: the module makes no such node", "The module makes no such node", "模块不创建此类型的节点"],
+    ["requests[0]: the module raised E: 7", "The module raised E: 7", "模块抛出异常 E: 7"],
+    ["notes.note 1.length: there is no note whose text could stay", "The note is gone", "便签已不存在"],
+    ["to: the scene has no such state there", "The scene has no such state any more", "场景已没有这个状态"],
     ['address: "a: 1" isn\'t a port', '"a: 1" isn\'t a port', '"a: 1" 不是端口号'],
     ["file: no part of it may begin with a dot", "File: no part of it may begin with a dot", "文件：任何一级名称都不能以点开头"],
     ["scene: not JSON, from byte 7 on", "File: not JSON, from byte 7 on", "文件：从第 7 字节起不是 JSON"],

@@ -82,6 +82,12 @@ export class Strokes {
     this.#tell();
   }
 
+  /** They were drawn for another connection's host. */
+  clear(): void {
+    this.#ended = [];
+    this.drop();
+  }
+
   #press(pointer: number, kind: SampleKind, point: TrailPoint, answer: Promise<EventReply> | null): void {
     const stroke = new Stroke(kind, point);
     const view: StrokeView = { pointer, stroke, followed: true, judgement: stroke.judge(), verdict: null };

@@ -1,4 +1,4 @@
-import { useMemo } from "preact/hooks";
+import { useEffect, useMemo } from "preact/hooks";
 import { Desk, DeskContext } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
@@ -34,6 +34,8 @@ export function App({ host }: { host: Host }) {
   const isPhone = usePhone();
   // Without the canvas nothing is chosen.
   const desk = useMemo(() => new Desk(!isPhone), [isPhone]);
+  // What was said before is about another connection, if not about another host.
+  useEffect(() => host.connection.subscribe(({ is }) => is === "open" && desk.tell(null, "")), [host, desk]);
   return (
     <DeskContext.Provider value={desk}>
       <div class={isPhone ? "app phone" : "app"}>
@@ -42,6 +44,7 @@ export function App({ host }: { host: Host }) {
         <Editing>
           <RecoveredBanner host={host} desk={desk} />
         </Editing>
+        <Editing otherwise={<p class="hint wider">{t("The graph takes a wider window.")}</p>}>{null}</Editing>
         <main class={desk.surfaceIsLarge.value ? "desk desk-surface" : "desk"}>
           <div class="stage">
             <Editing>

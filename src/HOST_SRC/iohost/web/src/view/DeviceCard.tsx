@@ -9,7 +9,7 @@ import { reasonText } from "../reasons.ts";
 import { DeviceLine } from "./DeviceLine.tsx";
 import { Editing } from "./Editing.tsx";
 import { DeviceBytes } from "./LastBytes.tsx";
-import { PartButtons, PartCard } from "./PartCard.tsx";
+import { Outcome, PartButtons, PartCard } from "./PartCard.tsx";
 
 const PARSERS = ["framed", "direct", "json", "none"] as const;
 const EXAMPLE_ADDRESS = "127.0.0.1:8052";
@@ -56,7 +56,7 @@ export function DeviceCard({ host, desk, id }: DeviceCardProps) {
           <Editing>
             <DeviceForm host={host} desk={desk} settings={settingsOf(device)} isNew={false} />
           </Editing>
-          <DeviceTrial host={host} desk={desk} device={device} />
+          <DeviceTrial host={host} device={device} />
           <DeviceBytes device={device} />
         </>
       )}
@@ -72,13 +72,19 @@ function settingsOf({ id, name, address, parser, drop_after: seconds }: DeviceSt
 function DeviceForm({ host, desk, settings, isNew }: { host: Host; desk: Desk; settings: Settings; isNew: boolean }) {
   const [typed, setTyped] = useState<Partial<Settings>>({});
   const [error, setError] = useState<string | null>(null);
+  const [isChanged, setChanged] = useState(false);
   const shown = { ...settings, ...typed };
   const id = Number(shown.id);
+  const type = (more: Partial<Settings>) => {
+    setTyped({ ...typed, ...more });
+    setError(null);
+    setChanged(false);
+  };
   const field = (name: keyof Settings) => ({
     class: "field",
     value: shown[name],
     "data-part": name,
-    onInput: ({ currentTarget: { value } }: TargetedEvent<HTMLInputElement>) => setTyped({ ...typed, [name]: value }),
+    onInput: ({ currentTarget: { value } }: TargetedEvent<HTMLInputElement>) => type({ [name]: value }),
   });
   const submit = async (event: Event) => {
     event.preventDefault();
@@ -100,6 +106,7 @@ function DeviceForm({ host, desk, settings, isNew }: { host: Host; desk: Desk; s
       }
     }
     setError(problem);
+    setChanged(problem === null);
   };
   const remove = async () => {
     const opened = desk.opened.peek();
@@ -130,7 +137,7 @@ function DeviceForm({ host, desk, settings, isNew }: { host: Host; desk: Desk; s
         <select
           value={shown.parser}
           data-part="parser"
-          onChange={(event) => setTyped({ ...typed, parser: event.currentTarget.value })}
+          onChange={(event) => type({ parser: event.currentTarget.value })}
         >
           {PARSERS.map((one) => (
             <option key={one} value={one}>
@@ -143,35 +150,34 @@ function DeviceForm({ host, desk, settings, isNew }: { host: Host; desk: Desk; s
         {t("Drop after (s)")}
         <input type="number" min="0" step="any" placeholder={t("never")} {...field("dropAfter")} />
       </label>
-      <PartButtons submit={isNew ? t("Add device") : t("Change device")} remove={isNew ? null : remove} error={error} />
+      <PartButtons
+        submit={isNew ? t("Add device") : t("Change device")}
+        remove={isNew ? null : remove}
+        error={error}
+        done={isChanged ? t("Changed.") : ""}
+      />
     </form>
   );
 }
 
 /** Finds out whether a device is there: connects now, or sends a text. */
-function DeviceTrial({ host, desk, device }: { host: Host; desk: Desk; device: DeviceState }) {
+function DeviceTrial({ host, device }: { host: Host; device: DeviceState }) {
   const { id, address, parser, state, last_problem: problem } = device;
   const [text, setText] = useState(TEST_TEXT);
   const takesTexts = parser === "direct" || parser === "json";
   const [isTrying, setTrying] = useState(false);
-  const stopSaying = () => {
-    if (desk.message.peek() === t("Trying to connect…")) {
-      desk.tell(null, "");
-    }
-  };
+  const [attempt, setAttempt] = useState("");
+  const [sending, setSending] = useState("");
   useEffect(() => {
-    if (isTrying && state === "connecting") {
-      desk.tell(null, t("Trying to connect…"));
-    } else if (isTrying) {
-      desk.tell(null, state === "waiting" ? t("Not reached: {problem}", { problem: reasonText(problem ?? "") }) : "");
+    if (isTrying && state !== "connecting") {
+      setAttempt(state === "waiting" ? t("Not reached: {problem}", { problem: reasonText(problem ?? "") }) : t("Connected"));
       setTrying(false);
     }
   }, [isTrying, state]);
-  useEffect(() => stopSaying, []);
   const tryNow = async () => {
     const refusal = await host.requests.connect(id);
     await host.readNetwork(); // by now the attempt has begun: a device that waits is one that it didn't reach
-    desk.tell(refusal, "");
+    setAttempt(refusal ?? "");
     setTrying(refusal === null);
   };
   const send = async (event: Event) => {
@@ -180,7 +186,7 @@ function DeviceTrial({ host, desk, device }: { host: Host; desk: Desk; device: D
     await host.readNetwork();
     const { devices = null, listen_only: listenOnly = false } = host.network.peek()?.state ?? {};
     const sentTo = devices?.find((one) => one.id === id);
-    desk.tell(refusal, sentTo === undefined ? "" : sendingText(sentTo, listenOnly));
+    setSending(refusal ?? (sentTo === undefined ? "" : sendingText(sentTo, listenOnly)));
   };
   return (
     <>
@@ -189,6 +195,7 @@ function DeviceTrial({ host, desk, device }: { host: Host; desk: Desk; device: D
           <button type="button" onClick={tryNow}>
             {t("Try to connect")}
           </button>
+          <Outcome text={isTrying ? t("Trying to connect…") : attempt} />
         </div>
       )}
       {takesTexts && (
@@ -201,6 +208,7 @@ function DeviceTrial({ host, desk, device }: { host: Host; desk: Desk; device: D
             onInput={(event) => setText(event.currentTarget.value)}
           />
           <button type="submit">{t("Send a test text")}</button>
+          <Outcome text={sending} />
         </form>
       )}
     </>

@@ -1,5 +1,5 @@
 import { t } from "../i18n.ts";
-import { pairedHex } from "../network.ts";
+import { pairedHex, readableText } from "../network.ts";
 import type { DeviceState, MessageBytes } from "../protocol.ts";
 import "./lastBytes.css";
 
@@ -17,7 +17,7 @@ export function DeviceBytes({ device }: { device: DeviceState }) {
   );
 }
 
-/** A message as text, in which dots stand for what isn't printable, and in hexadecimal. */
+/** A message as text, and in hexadecimal. */
 export function LastBytes({ label, field, bytes }: { label: string; field: string; bytes: MessageBytes | null }) {
   if (bytes === null) {
     return null;
@@ -29,7 +29,7 @@ export function LastBytes({ label, field, bytes }: { label: string; field: strin
         {label}, {bytes.size === 1 ? t("1 byte") : t("{count} bytes", { count: bytes.size })}
         {isCut && `, ${t("the beginning")}`}
       </span>
-      <code tabIndex={0} data-bytes="text">{bytes.text}</code>
+      <code tabIndex={0} data-bytes="text">{readableText(bytes.hex)}</code>
       <code class="bytes-hex" tabIndex={0} data-bytes="hex">
         {pairedHex(bytes.hex)}
       </code>

@@ -1,7 +1,7 @@
 import type { ComponentChildren } from "preact";
 import type { Desk } from "../desk.ts";
 import { t } from "../i18n.ts";
-import { errorsText, queueText, rejectedText, type ErrorCounts } from "../network.ts";
+import { errorsText, isLost, queueText, rejectedText, type ErrorCounts } from "../network.ts";
 import type { BroadcastState, ControlState, DeviceState, ItemCounts } from "../protocol.ts";
 import { DeviceLine } from "./DeviceLine.tsx";
 import { Editing } from "./Editing.tsx";
@@ -49,9 +49,8 @@ export function NetworkPanel({ host, desk, shown }: PanelProps) {
           </button>
         </Editing>
       </div>
+      <Overview desk={desk} devices={devices ?? []} />
       <div class="network" tabIndex={0} role="group" aria-label={t("Devices and other hosts")}>
-        {devices === null && <p class="empty">{t("The scene has no list of devices.")}</p>}
-        {devices?.length === 0 && <p class="empty">{t("The scene's list of devices is empty.")}</p>}
         {devices?.map((device) => <Device key={device.id} desk={desk} device={device} told={network.told} />)}
         {broadcast !== null && <Broadcasts state={broadcast} />}
         {control !== null && <Control state={control} />}
@@ -60,25 +59,45 @@ export function NetworkPanel({ host, desk, shown }: PanelProps) {
   );
 }
 
-function Device({ desk, device, told }: { desk: Desk; device: DeviceState; told: number }) {
-  const lamp = { connected: "lamp lamp-open", waiting: "lamp lamp-lost", connecting: "lamp", unconnected: "lamp" };
-  const title = (
-    <button type="button" class="link" onClick={() => desk.open({ is: "device", id: device.id })}>
-      {device.id} · {device.name}
+/** How many devices are connected, and which aren't: of many, only a few are in sight. */
+function Overview({ desk, devices }: { desk: Desk; devices: readonly DeviceState[] }) {
+  const all = devices.filter(({ address }) => address !== null);
+  const lost = all.filter(isLost);
+  return (
+    <div class="overview" data-overview>
+      {devices.length === 0 && t("No devices yet.")}
+      {all.length > 0 && t("{count} of {all} connected", { count: all.length - lost.length, all: all.length })}
+      {lost.length > 0 && <span class="problem">{t("Not connected:")}</span>}
+      {lost.map((device) => (
+        <DeviceLink key={device.id} desk={desk} device={device} />
+      ))}
+    </div>
+  );
+}
+
+/** Opens a device in the inspector. */
+function DeviceLink({ desk, device: { id, name } }: { desk: Desk; device: DeviceState }) {
+  return (
+    <button type="button" class="link" onClick={() => desk.open({ is: "device", id })}>
+      {id} · {name}
     </button>
   );
+}
+
+function Device({ desk, device, told }: { desk: Desk; device: DeviceState; told: number }) {
+  const lamp = isLost(device) ? "lamp lamp-lost" : device.state === "connected" ? "lamp lamp-open" : "lamp";
   return (
-    <Peer id={`device-${device.id}`} title={title} lamp={lamp[device.state]}>
+    <Peer id={`device-${device.id}`} title={<DeviceLink desk={desk} device={device} />} lamp={lamp}>
       <DeviceLine device={device} told={told} />
       <dl class="counts">
         <Count label={t("Queue")} field="queue" value={queueText(device)} />
         <Count label={t("Sent")} field="sent" value={device.sent} />
-        <Count label={t("Refused")} field="refused" value={device.refused} isTrouble={device.refused > 0} />
-        <Count label={t("Lost")} field="lost" value={device.lost} isTrouble={device.lost > 0} />
-        {(device.dropped ?? 0) > 0 && <Count label={t("Dropped")} field="dropped" value={device.dropped!} isTrouble />}
-        <Count label={t("Shown only")} field="shown" value={device.shown} />
+        <Trouble label={t("Refused")} field="refused" count={device.refused} />
+        <Trouble label={t("Lost")} field="lost" count={device.lost} />
+        <Trouble label={t("Dropped")} field="dropped" count={device.dropped ?? 0} />
+        {device.shown > 0 && <Count label={t("Shown only")} field="shown" value={device.shown} />}
         <Received counts={device} />
-        <Count label={t("Errors")} field="errors" value={device.errors} isTrouble={device.errors > 0} />
+        <Trouble label={t("Errors")} field="errors" count={device.errors} />
       </dl>
       <DeviceBytes device={device} />
     </Peer>
@@ -115,7 +134,7 @@ function Control({ state }: { state: ControlState }) {
       </p>
       <dl class="counts">
         <Received counts={state} />
-        <Count label={t("Turned away")} field="turned-away" value={state.turned_away} isTrouble={state.turned_away > 0} />
+        <Trouble label={t("Turned away")} field="turned-away" count={state.turned_away} />
         <Errors counts={state} />
       </dl>
     </Peer>
@@ -139,13 +158,18 @@ function Received({ counts }: { counts: ItemCounts }) {
     <>
       <Count label={t("Received")} field="received" value={counts.received} />
       <Count label={t("Matched")} field="matched" value={counts.matched} />
-      <Count label={t("Rejected")} field="rejected" value={rejectedText(counts)} isTrouble={counts.rejected > 0} />
+      <Trouble label={t("Rejected")} field="rejected" count={counts.rejected} value={rejectedText(counts)} />
     </>
   );
 }
 
 function Errors({ counts }: { counts: ErrorCounts }) {
-  return <Count label={t("Errors")} field="errors" value={errorsText(counts)} isTrouble={counts.errors > 0} />;
+  return <Trouble label={t("Errors")} field="errors" count={counts.errors} value={errorsText(counts)} />;
+}
+
+/** Shows once there is some. */
+function Trouble({ count, value = count, ...named }: { label: string; field: string; count: number; value?: string | number }) {
+  return count > 0 ? <Count {...named} value={value} isTrouble /> : null;
 }
 
 function Count(props: { label: string; field: string; value: string | number; isTrouble?: boolean }) {

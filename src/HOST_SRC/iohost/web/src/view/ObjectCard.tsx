@@ -51,7 +51,10 @@ function ObjectForm({ host, desk, present }: { host: Host; desk: Desk; present: 
     class: "field",
     value: shown[part],
     "data-part": part,
-    onInput: ({ currentTarget: { value } }: TargetedEvent<HTMLInputElement>) => setTyped({ ...typed, [part]: value }),
+    onInput: ({ currentTarget: { value } }: TargetedEvent<HTMLInputElement>) => {
+      setTyped({ ...typed, [part]: value });
+      setError(null);
+    },
   });
   const submit = async (event: Event) => {
     event.preventDefault();

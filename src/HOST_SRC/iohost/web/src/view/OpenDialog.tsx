@@ -6,6 +6,9 @@ import type { SceneFileInfo } from "../protocol.ts";
 import { Answers } from "./Answers.tsx";
 import { Dialog } from "./Dialog.tsx";
 
+/** 2 before 10. */
+const BY_NAME = new Intl.Collator(undefined, { numeric: true });
+
 interface FileDialogProps {
   host: Host;
   desk: Desk;
@@ -18,13 +21,19 @@ export function OpenDialog({ host, desk, onClose }: FileDialogProps) {
   const [error, setError] = useState<string | null>(null);
   const [waiting, setWaiting] = useState<{ name: string; open: () => Promise<string | null> } | null>(null);
   useEffect(() => {
-    void host.requests.scenes().then((found) => (typeof found === "string" ? setError(found) : setFiles(found)));
+    void host.requests.scenes().then((found) => {
+      if (typeof found === "string") {
+        setError(found);
+      } else {
+        setFiles(found.sort((one, other) => BY_NAME.compare(one.file, other.file)));
+      }
+    });
   }, [host]);
 
   const carryOut = async (name: string, open: () => Promise<string | null>) => {
     const problem = await open();
     setWaiting(null);
-    setError(problem);
+    setError(problem && t("{file} wasn't opened. {reason}", { file: name, reason: problem }));
     if (problem === null) {
       desk.message.value = t("Opened: {file}", { file: name });
       onClose();

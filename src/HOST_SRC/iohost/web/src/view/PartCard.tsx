@@ -27,10 +27,21 @@ interface PartActions {
   /** Null for a part that isn't there yet. */
   remove: (() => void) | null;
   error: string | null;
+  /** What came of it. */
+  done?: string;
+}
+
+/** What came of a button, beside it. */
+export function Outcome({ text }: { text: string }) {
+  return (
+    <span class="hint" role="status" data-outcome>
+      {text}
+    </span>
+  );
 }
 
 /** The end of a part's form. */
-export function PartButtons({ submit, remove, error }: PartActions) {
+export function PartButtons({ submit, remove, error, done = "" }: PartActions) {
   return (
     <>
       <div class="part-row">
@@ -40,6 +51,7 @@ export function PartButtons({ submit, remove, error }: PartActions) {
             {t("Remove")}
           </button>
         )}
+        <Outcome text={done} />
       </div>
       {error !== null && (
         <p class="input-error" role="alert">

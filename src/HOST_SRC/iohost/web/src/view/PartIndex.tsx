@@ -13,21 +13,26 @@ export function PartIndex({ host, desk }: { host: Host; desk: Desk }) {
       {(desk.edits || devices.length > 0) && (
         <nav aria-label={t("Devices")}>
           <span aria-hidden="true">{t("Devices")}</span>
-          {devices.map(({ id, name }) => (
-            <button type="button" key={id} data-open-device={id} onClick={() => desk.open({ is: "device", id })}>
-              {id} · {name}
-            </button>
-          ))}
           <Editing>
             <button type="button" aria-label={t("Add device")} onClick={() => desk.open({ is: "device", id: null })}>
               +
             </button>
           </Editing>
+          {devices.map(({ id, name }) => (
+            <button type="button" key={id} data-open-device={id} onClick={() => desk.open({ is: "device", id })}>
+              {id} · {name}
+            </button>
+          ))}
         </nav>
       )}
       {(desk.edits || objects.length > 0) && (
         <nav aria-label={t("Objects")}>
           <span aria-hidden="true">{t("Objects")}</span>
+          <Editing>
+            <button type="button" aria-label={t("Add object")} onClick={() => desk.open({ is: "object", name: null })}>
+              +
+            </button>
+          </Editing>
           {objects.map(({ clip, name }) => (
             <button
               type="button"
@@ -39,11 +44,6 @@ export function PartIndex({ host, desk }: { host: Host; desk: Desk }) {
               {name}
             </button>
           ))}
-          <Editing>
-            <button type="button" aria-label={t("Add object")} onClick={() => desk.open({ is: "object", name: null })}>
-              +
-            </button>
-          </Editing>
         </nav>
       )}
     </div>

@@ -75,6 +75,7 @@ export function RenderSurface({ host, desk }: { host: Host; desk: Desk }) {
     const stopFollowing = host.connection.subscribe((state) => {
       if (state.is === "open") {
         made.firstPointer = firstPointer(state.connection);
+        tracked.clear();
       }
     });
     return () => {
@@ -95,7 +96,7 @@ export function RenderSurface({ host, desk }: { host: Host; desk: Desk }) {
       <div class="panel-head">
         <h2 id="surface-title">{t("Render surface")}</h2>
         <span class="hint" id="surface-hint" title={t("Keys go to the nodes while it has the focus. Tab leaves it.")}>
-          {t("Keys go to the nodes while it has the focus.")} <kbd>Tab</kbd> {t("leaves it.")}
+          <span class="screen-reader">{t("Keys go to the nodes while it has the focus.")}</span> <kbd>Tab</kbd> {t("leaves it.")}
         </span>
         <span class="switch-label">{t("Samples")}</span>
         <div class="segments" role="group" aria-label={t("Samples")}>
