@@ -437,6 +437,7 @@ test("a scene of this computer is saved under its file's name when it's asked fo
   const name = page.locator("[data-scene-name]");
   await page.keyboard.press("Control+s");
   await expectEventually("the name that is proposed", () => name.inputValue(), "mouse");
+  await name.and(page.locator(":focus")).waitFor();
   await page.keyboard.press("Enter");
   await page.getByText("mouse.json is there already and will be replaced.").waitFor();
   const replace = page.getByRole("button", { name: "Replace" });
