@@ -228,6 +228,10 @@ test("a page without its host says so, comes back with it, and releases nothing 
   const forAll = [page.page.locator("[data-live]"), page.page.locator("[data-listen-only]"), page.page.getByRole("button", { name: "Reset counts" })];
   const areDisabled = () => Promise.all(forAll.map((one) => one.isDisabled()));
   assert.deepEqual(await areDisabled(), [true, true, true]);
+  await page.page.getByRole("button", { name: "Save as" }).click();
+  await page.page.locator("[data-scene-name]:focus").waitFor();
+  assert.equal(await page.page.locator("[data-download]").count(), 0); // there is nothing to take along
+  await page.keyboard.press("Escape");
   await page.page.keyboard.press("Control+z");
   const message = page.page.locator("[data-graph-message]");
   await expectEventually("what is said", () => message.innerText(), "Not connected");
