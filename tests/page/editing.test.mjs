@@ -137,10 +137,21 @@ test("what is chosen by a frame is moved by the arrow keys as one step", async (
   assert.ok((await placeOf("k")).y > 0);
 });
 
-test("nodes are lined up", async () => {
+test("nodes are lined up, or all of them arranged, each with its note, as one step", async () => {
   await canvas.choose("k", "t");
   await page.page.getByRole("button", { name: "Align left" }).click();
   await until("one line", async () => (await placeOf("t")).x === 0);
+  const note = { x: 310, y: 200, width: 200, height: 90, text: "beside the mouse" };
+  await must(script, { op: "place", notes: { n: note } });
+  await page.page.locator("[data-note=n]").waitFor();
+  await page.page.getByRole("button", { name: "Arrange" }).click();
+  await stepIs("Move 3 nodes");
+  const [{ x, y }, { notes: { n } }] = [await placeOf("m"), await canvas.scene()];
+  assert.notDeepEqual([x, y], [0, 200]);
+  assert.deepEqual(n, { ...note, x: x + 310, y });
+  await page.keyboard.press("Control+z");
+  await expectEventually("the note's place", async () => (await canvas.scene()).notes.n.x, 310);
+  assert.equal((await placeOf("m")).y, 200);
 });
 
 test("what is typed into an input stays while Escape is for composing, and goes with Escape alone", async () => {
@@ -302,6 +313,22 @@ test("a node is renamed by F2 and by a double click; Escape, or Enter in a word 
   await page.keyboard.press("Enter");
   await stepIs("Rename Pointer to 名字");
   assert.equal(page.sent.filter(({ op }) => op === "rename").length, 2);
+  await nodeHasFocus();
+  await page.keyboard.press("F2");
+  await field.fill("Keyboard 1");
+  await page.keyboard.press("Enter");
+  await canvas.message().getByText("Keyboard 1 is the name of another node, too.").waitFor();
+});
+
+test("a node that goes while it's renamed comes back as it was, without the field for its name", async () => {
+  await canvas.choose("m");
+  await page.keyboard.press("F2");
+  await page.page.locator(".face-rename:focus").fill("half a name");
+  await must(script, { op: "destroy", node: "m" });
+  await canvas.face("m").waitFor({ state: "detached" });
+  await must(script, { op: "undo" });
+  await canvas.face("m").getByText("Mouse 1").waitFor();
+  assert.equal(await page.page.locator(".face-rename").count(), 0);
 });
 
 /** How far the wire's ends are from the outer edges of its pins, in pixels. */
@@ -331,17 +358,26 @@ test("a folded node has only its linked pins, on every page", async () => {
 test("notes are part of the scene: written, moved, and taken away", async () => {
   await page.page.getByRole("button", { name: "Add note" }).click();
   await page.page.locator(".react-flow__node-note.selected").waitFor();
+  await stepIs("Add a note");
   const note = page.page.locator("[data-note] textarea");
-  await note.fill("Keys for the title");
-  await page.keyboard.press("Escape");
-  await page.page.locator(".react-flow__node-note:focus").waitFor();
   const notes = async () => Object.values((await canvas.scene()).notes ?? {});
-  await expectEventually("the text", async () => (await notes())[0]?.text, "Keys for the title");
+  const write = async (keys, written) => {
+    await page.page.locator("[data-note] textarea:focus").waitFor();
+    await page.keyboard.type(keys);
+    await page.keyboard.press("Escape");
+    await page.page.locator(".react-flow__node-note:focus").waitFor();
+    await expectEventually("the text", async () => (await notes())[0]?.text, written);
+  };
+  await write("Keys for the title", "Keys for the title");
+  await page.keyboard.press("F2");
+  await write("\nand more", "Keys for the title\nand more");
+  await page.keyboard.press("Enter");
+  await write("\n".repeat(9), `Keys for the title\nand more${"\n".repeat(9)}`);
+  assert.equal(await note.evaluate(({ scrollTop }) => scrollTop), 0);
   const { x } = (await notes())[0];
   const box = await page.page.locator("[data-note]").boundingBox();
   await canvas.drag({ x: box.x + 20, y: box.y + 6 }, { x: box.x + 70, y: box.y + 6 });
   await until("another place", async () => (await notes())[0].x > x);
-  assert.equal((await notes())[0].text, "Keys for the title");
   await page.keyboard.press("Delete");
   await until("no note", async () => (await notes()).length === 0);
 });
@@ -447,6 +483,10 @@ test("a note that is moved, sized and written in a row stays as it was moved and
   await field.blur();
   await expectEventually("the text", async () => (await kept()).text, "there");
   assert.deepEqual(await kept(), { x: 420, y, width: 220, height: 120, text: "there" });
+  await canvas.adding(() => canvas.face("k").locator("header img").click());
+  await page.page.getByRole("button", { name: "Align tops" }).click();
+  await expectEventually("the place", async () => (await kept()).y, 0);
+  assert.deepEqual(await kept(), { x: 420, y: 0, width: 220, height: 120, text: "there" });
 });
 
 test("a note too long for the page stays whole when it's sized, isn't copied, and typing replaces it", async () => {

@@ -258,8 +258,13 @@ test("a wire that was begun by keys is given up by Escape, and ended by Ctrl+K a
   await canvas.choose("k");
   await canvas.pin("k", is.KEY_TEXT[1]).press("Enter");
   await page.page.locator(".pin-begun").waitFor();
+  const hint = canvas.message().getByText("Wire from Keyboard 1");
+  await hint.waitFor();
+  await page.page.getByRole("button", { name: "Fold Keyboard 1" }).click();
+  await page.page.locator("[data-face=k][data-folded=true]").waitFor();
+  await hint.waitFor();
   await page.keyboard.press("Escape");
-  await page.page.locator(".pin-begun").waitFor({ state: "detached" });
+  await hint.waitFor({ state: "detached" });
   await canvas.pin("k", is.KEY_TEXT[1]).press("Enter");
   await page.page.locator(".pin-begun").waitFor();
   await canvas.choosePalette("String data send");

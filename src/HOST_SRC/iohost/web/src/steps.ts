@@ -65,6 +65,7 @@ function whatText(pattern: (typeof OF_SOMETHING)[number], what: string): string 
       return from === undefined ? what : t("{from} from {to}", { from, to: to! });
     case "Begin with {what}":
       return STARTS.some(({ name }) => name === what) ? t(what as (typeof STARTS)[number]["name"]) : what;
+    case "Add {what}":
     case "Delete {what}":
     case "Duplicate {what}":
     case "Paste {what}": {

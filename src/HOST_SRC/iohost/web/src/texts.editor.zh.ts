@@ -33,6 +33,7 @@ export const EDITOR_ZH = {
   "Wire from {pin}: click a pin that fits, or Tab to it and press Enter. Escape gives up.": "从 {pin} 连线：单击合适的端口，或用 Tab 移到该端口后按回车；按 Esc 放弃。",
   "Wire from {from} to {to}": "从 {from} 到 {to} 的连线",
   "{name} was added.": "已添加 {name}。",
+  "{name} is the name of another node, too.": "另有一个节点也叫 {name}。",
   "Copied: {count}": "已复制：{count}",
   "Copied for this page alone: {count}": "已复制，仅供本页面使用：{count}",
   "Added: {count}": "已添加：{count}",

@@ -1,6 +1,6 @@
 import assert from "node:assert/strict";
 import { test } from "node:test";
-import { arrange, AutomaticPlaces, type Box, type Place } from "../src/graph/layout.ts";
+import { arrange, arrangeWithNotes, AutomaticPlaces, type Box, type Place } from "../src/graph/layout.ts";
 import type { NodeView } from "../src/host.ts";
 
 const box = (id: string): Box => ({ id, width: 300, height: 100 });
@@ -44,6 +44,32 @@ test("boxes of the same sizes, linked alike, stand to each other alike; others d
   assert.deepEqual(standing("1"), standing("2"));
   assert.notDeepEqual(standing("1"), standing("3"));
   assert.equal(new Set([...places.values()].map((place) => JSON.stringify(place))).size, 10);
+});
+
+test("a note goes with the node that is nearest to it, below what covers it; all stand apart then, and so they stay", () => {
+  const node = (id: string, x: number, y: number) => ({ ...box(id), x, y });
+  const note = (id: string, x: number, y: number) => ({ id, x, y, width: 200, height: 90 });
+  const nodes = [node("a", 0, 0), node("b", 0, 260), node("c", 0, 560)];
+  const notes = [note("right of a", 380, 0), note("above c", 0, 455), note("behind b", 20, 265), note("behind b, too", 30, 265), note("far", 3000, 2000)];
+  const links = [link("a", "b"), link("b", "c")];
+  const places = arrangeWithNotes(nodes, notes, links);
+  const from = (id: string, other: string) => [at(places, id).x - at(places, other).x, at(places, id).y - at(places, other).y];
+  assert.deepEqual(from("right of a", "a"), [320, 0]);
+  assert.deepEqual(from("above c", "c"), [0, -105]);
+  assert.deepEqual(from("behind b", "b"), [20, 120]);
+  assert.deepEqual(from("behind b, too", "b"), [30, 230]);
+  assert.deepEqual(from("far", "c"), [320, 120]);
+  const [arranged, arrangedNotes] = [nodes, notes].map((all) => all.map((one) => ({ ...one, ...at(places, one.id) })));
+  const all = [...arranged!, ...arrangedNotes!];
+  for (const [index, one] of all.entries()) {
+    for (const other of all.slice(index + 1)) {
+      const isBeside = one.x >= other.x + other.width || other.x >= one.x + one.width;
+      assert.ok(isBeside || one.y >= other.y + other.height || other.y >= one.y + one.height, `${JSON.stringify([one, other])}`);
+    }
+  }
+  assert.deepEqual(arrangeWithNotes(arranged!, arrangedNotes!, links), places);
+  assert.deepEqual(arrangeWithNotes(nodes, [], links), arrange(nodes, links));
+  assert.equal(arrangeWithNotes([], notes, []).size, 0);
 });
 
 test("an empty scene has no places", () => {

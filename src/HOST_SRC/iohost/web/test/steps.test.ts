@@ -29,6 +29,7 @@ const IN_CHINESE: [name: string, op: string, of: string | undefined, text: strin
   ["Open a scene", "load", undefined, "打开场景"],
   ["Recover demo.json", "load", "demo.json", "恢复 demo.json"],
   ["Recover a scene", "load", undefined, "恢复场景"],
+  ["Add a note", "batch", undefined, "添加 1 个便签"],
   ["Delete 3 nodes", "batch", undefined, "删除 3 个节点"],
   ["Delete a note", "batch", undefined, "删除 1 个便签"],
   ["Delete 2 notes", "batch", undefined, "删除 2 个便签"],

@@ -31,7 +31,7 @@ import { EmptyScene } from "./EmptyScene.tsx";
 import { Face } from "./Face.tsx";
 import { handleOf, nodeId, noteId } from "./ids.ts";
 import { KnownPins } from "./KnownPins.tsx";
-import { around, AutomaticPlaces, boxOf } from "./layout.ts";
+import { around, arrangeWithNotes, AutomaticPlaces, boxOf } from "./layout.ts";
 import { NoteFace } from "./NoteFace.tsx";
 import { Outline } from "./Outline.tsx";
 import { Palette } from "./Palette.tsx";
@@ -141,6 +141,18 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     };
   }, [desk, editor]);
 
+  /** As these stand, as one step. */
+  const keepPlaces = (all: readonly CanvasNode[]) => {
+    const movedNodes = all.flatMap(({ type, data, position }) =>
+      type === "face" ? [[data.node.node, { ...editor.view.placeOf(data.node.node), ...position }]] : [],
+    );
+    const movedNotes = all.flatMap(({ type, data, position, width, height }) =>
+      type === "note" ? [[data.id, movedNote(data.note, { ...position, width: width!, height: height! })]] : [],
+    );
+    if (all.length > 0) {
+      void editor.place(Object.fromEntries(movedNodes), Object.fromEntries(movedNotes));
+    }
+  };
   // Where nodes and notes were moved to, until that is asked for.
   const moved = useRef(new Map<string, XYPosition>());
   const mayDrag = useRef(false);
@@ -151,16 +163,24 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     }
     const all = faces.flatMap((face) => (moved.current.has(face.id) ? { ...face, position: moved.current.get(face.id)! } : []));
     moved.current.clear();
-    const movedNodes = all.flatMap(({ type, data, position }) =>
-      type === "face" ? [[data.node.node, { ...editor.view.placeOf(data.node.node), ...position }]] : [],
-    );
-    const movedNotes = all.flatMap(({ type, data, position, width, height }) =>
-      type === "note" ? [[data.id, movedNote(data.note, { ...position, width: width!, height: height! })]] : [],
-    );
-    if (all.length > 0) {
-      void editor.place(Object.fromEntries(movedNodes), Object.fromEntries(movedNotes));
-    }
+    keepPlaces(all);
   });
+  const align = (axis: "x" | "y") => {
+    const line = Math.min(...chosenFaces.map(({ position }) => position[axis]));
+    keepPlaces(chosenFaces.map((face) => ({ ...face, position: { ...face.position, [axis]: line } })));
+  };
+  const arrange = () => {
+    const boxes = faces.flatMap(({ id, type, data, position }) => (type === "face" ? { ...boxOf(data.node), ...position, id } : []));
+    const noteBoxes = faces.flatMap(({ id, type, position, width, height }) =>
+      type === "note" ? { id, ...position, width: width!, height: height! } : [],
+    );
+    const between = links.map((link) => ({ ...link, from: nodeId(link.from), to: nodeId(link.to) }));
+    const places = arrangeWithNotes(boxes, noteBoxes, between);
+    const arranged = faces.map((face) => ({ ...face, position: places.get(face.id) ?? face.position }));
+    setFaces(arranged);
+    showAll(arranged);
+    keepPlaces(arranged);
+  };
   const follow = useConstant((told: NodeChange<CanvasNode>[]) => {
     // After a drag that broke off at the edge the library drags and pans on until it hears that it's not to.
     const changes = told.filter((change) => mayDrag.current || change.type !== "position" || change.dragging !== true);
@@ -230,16 +250,8 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       <CanvasHead
         editor={editor}
         chosen={chosen}
-        onArrange={() => {
-          const places = automatic.arrangeAnew(nodes ?? [], links);
-          const placeOf = (face: CanvasNode) => (face.type === "face" ? places.get(face.data.node.node) : undefined);
-          const arranged = faces.map((face) => ({ ...face, position: placeOf(face) ?? face.position }));
-          setFaces(arranged);
-          showAll(arranged);
-          void editor.place(
-            Object.fromEntries([...places].map(([handle, at]) => [handle, { ...editor.view.placeOf(handle), ...at }])),
-          );
-        }}
+        onArrange={arrange}
+        onAlign={align}
       />
       <QuestionBar desk={desk} />
       <div

@@ -123,7 +123,14 @@ function FaceName({ editor, node }: { editor: Editor; node: NodeView }) {
 function NameField({ editor, node }: { editor: Editor; node: NodeView }) {
   const field = useRef<HTMLInputElement>(null);
   useFocusOn(field);
-  useLayoutEffect(() => field.current!.select(), []);
+  useLayoutEffect(() => {
+    field.current!.select();
+    return () => {
+      if (editor.renaming.peek() === node.node) {
+        editor.renaming.value = null; // the node is gone
+      }
+    };
+  }, []);
   return (
     <input
       ref={field}

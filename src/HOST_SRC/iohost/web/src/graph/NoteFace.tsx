@@ -29,7 +29,7 @@ export type NoteNode = Node<{ editor: Editor; id: string; note: Note }, "note">;
 export function NoteFace(props: NodeProps<NoteNode>) {
   const { data: { editor, id, note }, selected, positionAbsoluteX: x, positionAbsoluteY: y, width, height } = props;
   const field = useRef<HTMLTextAreaElement>(null);
-  useFocusWhenChosen(field, selected);
+  useFocusWhenChosen(field, selected, editor.addedNote === id);
   const { length } = note;
   const text = length === undefined ? note.text : "";
   /** What the field has of the host's text: anything else in it is being typed. */
@@ -59,7 +59,9 @@ export function NoteFace(props: NodeProps<NoteNode>) {
             event.currentTarget.closest<HTMLElement>(".react-flow__node")!.focus();
           }
         }}
-        onBlur={({ currentTarget: { value } }) => {
+        onBlur={({ currentTarget }) => {
+          currentTarget.scrollTop = 0;
+          const { value } = currentTarget;
           if (value !== known.current) {
             const before = known.current;
             known.current = value;

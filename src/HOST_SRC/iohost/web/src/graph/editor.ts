@@ -55,12 +55,24 @@ export class Editor {
   readonly palette = signal<PaletteCall | null>(null);
   /** The pin at which a wire was begun by a click or a key. */
   readonly begun = signal<Pin | null>(null);
+  /** How to go on with that wire; told while nothing else is. */
+  readonly hint = computed(() => {
+    const node = this.begun.value && this.node(this.begun.value.node);
+    if (!node) {
+      return "";
+    }
+    const { is, id } = this.begun.value!;
+    const pin = is === "output" ? outputText(node, id) : inputText(node, id);
+    return t("Wire from {pin}: click a pin that fits, or Tab to it and press Enter. Escape gives up.", { pin });
+  });
   /** The pin from which a wire is being dragged. */
   readonly dragged = signal<Pin | null>(null);
   /** Where the wire that is being made comes from. */
   readonly from = computed(() => this.dragged.value ?? this.begun.value);
   /** The node whose name is being changed. */
   readonly renaming = signal<string | null>(null);
+  /** The note that was added last: when it comes, what is typed goes into it. */
+  addedNote: string | null = null;
   /** What is typed while this scene goes isn't done to the next one. */
   readonly #scene: number;
   view: View = { placeOf: () => ({ x: 0, y: 0 }), middle: () => ({ x: 0, y: 0 }), moveTo: () => {}, choose: () => {} };
@@ -139,9 +151,7 @@ export class Editor {
     const begun = this.begun.peek();
     if (begun === null || begun.is === pin.is) {
       this.begun.value = pin;
-      const node = this.node(pin.node)!;
-      const name = pin.is === "output" ? outputText(node, pin.id) : inputText(node, pin.id);
-      this.desk.message.value = t("Wire from {pin}: click a pin that fits, or Tab to it and press Enter. Escape gives up.", { pin: name });
+      this.desk.message.value = "";
       return;
     }
     this.begun.value = null;
@@ -149,10 +159,7 @@ export class Editor {
   }
 
   giveUp(): void {
-    if (this.begun.peek() !== null) {
-      this.begun.value = null;
-      this.desk.message.value = "";
-    }
+    this.begun.value = null;
   }
 
   /** Whether the wire that is being made can end at this pin. */
@@ -197,7 +204,10 @@ export class Editor {
     return this.#makeNext(async (_, taken) => {
       const id = newNoteId();
       const box = { ...this.#freePlace(NOTE_SIZE, taken), ...NOTE_SIZE };
-      if (await this.place({}, { [id]: { ...box, text: "" } })) {
+      const error = await this.host.requests.batch("Add a note", [placing({}, { [id]: rounded({ ...box, text: "" }) })]);
+      this.desk.tell(error, "");
+      if (error === null) {
+        this.addedNote = id;
         this.view.choose([], [id]);
         this.view.moveTo(box);
       }
@@ -315,8 +325,9 @@ export class Editor {
     }
     let error: string | null = null;
     if (graph !== "" && graph !== this.node(node)?.graph) {
+      const isTaken = this.host.nodes.peek()!.some((other) => other.graph === graph);
       error = await this.host.requests.change({ op: "rename", node, graph });
-      this.desk.tell(error, "");
+      this.desk.tell(error, isTaken ? t("{name} is the name of another node, too.", { name: graph }) : "");
     }
     if (error === null && this.renaming.peek() === node) {
       this.renaming.value = null;

@@ -15,10 +15,13 @@ export interface Place {
 }
 
 export type Rect = Place & { width: number; height: number };
+type Piece = Box & Place;
 
 /** With room for the line that a face gets with a verdict or a warning. */
 const GAP = 44;
 const RANK_GAP = 96;
+/** So far at most a note stands from its node: nearer than any other node, so that it stays with its own. */
+const NOTE_GAP = 20;
 /** Of the whole, as of most canvases. */
 const WIDTH_TO_HEIGHT = 2;
 
@@ -61,6 +64,40 @@ export function arrange(boxes: readonly Box[], links: readonly Link[]): Map<stri
     rowHeight = Math.max(rowHeight, block.height);
   }
   return places;
+}
+
+/** The same for boxes with notes: each goes along with the box that is nearest to it, on its side of it, or below what covers it there. */
+export function arrangeWithNotes(boxes: readonly Piece[], notes: readonly Piece[], links: readonly Link[]): Map<string, Place> {
+  const groups = boxes.map((box) => ({ id: box.id, pieces: [box] }));
+  for (const note of groups.length > 0 ? notes : []) {
+    const gaps = boxes.map((box) => gap(box, note));
+    const { pieces } = groups[gaps.indexOf(Math.min(...gaps))]!;
+    const beside = { ...note, ...besideOf(pieces[0]!, note) };
+    const { y, height } = around(pieces);
+    pieces.push(pieces.some((one) => gap(one, beside) === 0) ? { ...beside, y: y + height + NOTE_GAP } : beside);
+  }
+  const wholes = groups.map((group) => ({ ...group, ...around(group.pieces) }));
+  const places = arrange(wholes, links);
+  return new Map(
+    wholes.flatMap((whole) => {
+      const { x, y } = places.get(whole.id)!;
+      return whole.pieces.map((piece): [string, Place] => [piece.id, { x: x + piece.x - whole.x, y: y + piece.y - whole.y }]);
+    }),
+  );
+}
+
+function gap(one: Rect, other: Rect): number {
+  const x = Math.max(0, one.x - other.x - other.width, other.x - one.x - one.width);
+  const y = Math.max(0, one.y - other.y - other.height, other.y - one.y - one.height);
+  return Math.hypot(x, y);
+}
+
+/** Where a note stands, or closer to the box. */
+function besideOf(box: Rect, { x, y, width, height }: Rect): Place {
+  return {
+    x: Math.min(Math.max(x, box.x - width - NOTE_GAP), box.x + box.width + NOTE_GAP),
+    y: Math.min(Math.max(y, box.y - height - NOTE_GAP), box.y + box.height + NOTE_GAP),
+  };
 }
 
 /** The largest block first. */
@@ -151,7 +188,7 @@ export class AutomaticPlaces {
     }
     const staying = nodes.filter(({ node }) => this.#places.has(node));
     if (staying.length === 0) {
-      this.arrangeAnew(nodes, links);
+      this.#places = arrange(nodes.map(boxOf), links);
       return;
     }
     const kept = new Map(staying.map(({ node }) => [node, this.of(node)]));
@@ -161,10 +198,5 @@ export class AutomaticPlaces {
       below += GAP + boxOf(node).height;
     }
     this.#places = kept;
-  }
-
-  arrangeAnew(nodes: readonly NodeView[], links: readonly Link[]): ReadonlyMap<string, Place> {
-    this.#places = arrange(nodes.map(boxOf), links);
-    return this.#places;
   }
 }

@@ -4,6 +4,8 @@ import { takesKeys, takesShortcut } from "../desk.ts";
 import type { Link } from "../protocol.ts";
 import type { Chosen, Editor } from "./editor.ts";
 
+const CHOSEN_NOTE = ".react-flow__node-note.selected";
+
 interface CanvasKeys {
   pane: RefObject<HTMLElement | null>;
   chosen: Chosen;
@@ -35,7 +37,12 @@ export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
   const actions: Record<string, (target: EventTarget | null) => unknown> = {
     Delete: remove,
     Backspace: remove,
-    F2: () => (editor.renaming.value = chosen.nodes[0] ?? null),
+    F2: () => {
+      editor.renaming.value = chosen.nodes[0] ?? null;
+      if (chosen.nodes.length === 0) {
+        pane.current!.querySelector<HTMLElement>(`${CHOSEN_NOTE} textarea`)?.focus();
+      }
+    },
     "Control+c": () => editor.copy(chosen),
     "Control+v": () => editor.paste(),
     "Control+d": () => editor.duplicate(chosen),
@@ -47,6 +54,14 @@ export function useCanvasKeys(editor: Editor, canvas: CanvasKeys) {
     },
   };
   return {
+    // Before the library chooses a note by the same key.
+    onKeyDownCapture: (event: KeyboardEvent) => {
+      const target = event.target as Element;
+      if (event.key === "Enter" && target.matches(CHOSEN_NOTE)) {
+        event.preventDefault();
+        target.querySelector("textarea")!.focus();
+      }
+    },
     onKeyDown: (event: KeyboardEvent) => {
       const key = event.key.length === 1 ? event.key.toLowerCase() : event.key;
       const action = actions[`${event.ctrlKey || event.metaKey ? "Control+" : ""}${key}`];

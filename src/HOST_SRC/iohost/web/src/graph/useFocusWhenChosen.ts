@@ -2,13 +2,17 @@ import type { RefObject } from "preact";
 import { useLayoutEffect, useRef } from "preact/hooks";
 import { takesKeys } from "../desk.ts";
 
-/** Focuses a node or note that comes chosen, unless somebody types; one that is chosen later only while nothing has the focus. */
-export function useFocusWhenChosen(part: RefObject<HTMLElement | null>, isChosen: boolean): void {
+/**
+ * Focuses a node or note that comes chosen, or the part itself where that is to be written, unless somebody types; one that is
+ * chosen later only while nothing has the focus.
+ */
+export function useFocusWhenChosen(part: RefObject<HTMLElement | null>, isChosen: boolean, isWritten = false): void {
   const isNew = useRef(true);
   useLayoutEffect(() => {
     const focused = document.activeElement;
     if (isChosen && (isNew.current ? !takesKeys(focused) : focused === document.body)) {
-      part.current!.closest<HTMLElement>(".react-flow__node")!.focus({ preventScroll: true });
+      const whole = part.current!.closest<HTMLElement>(".react-flow__node")!;
+      (isNew.current && isWritten ? part.current! : whole).focus({ preventScroll: true });
     }
     isNew.current = false;
   }, [isChosen]);
