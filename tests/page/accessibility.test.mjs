@@ -7,7 +7,7 @@ import { temporaryFolder } from "./support/folder.mjs";
 import { startHost } from "./support/host.mjs";
 import * as is from "./support/page.mjs";
 import { page, script, useScene } from "./support/scene.mjs";
-import { createNode, createScene, must, Type, until } from "./support/session.mjs";
+import { createNode, createScene, expectEventually, must, Type } from "./support/session.mjs";
 import { test } from "./support/test.mjs";
 
 const AXE = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
@@ -122,14 +122,9 @@ test("no rule is broken while the graph is edited", async () => {
   const found = {};
   const look = async (name) => (found[name] = await violationsIn(".canvas"));
   await page.page.locator("[data-note]").waitFor();
-  // What stands on the canvas is as large as it's zoomed: here as large as it was made.
-  const isZoomed = (zoom) => until(`a zoom of ${zoom}`, async () => Math.abs((await canvas.zoom()) - zoom) < 0.001);
   await canvas.choosePalette("Keyboard 1");
-  await isZoomed(1.5);
-  const { x, y } = await canvas.middleOf(canvas.pane());
-  await page.mouse.move(x, y);
-  await page.mouse.wheel(0, Math.log2(1.5) / 0.002);
-  await isZoomed(1);
+  await expectEventually("the zoom", canvas.zoom, 1.5);
+  await canvas.zoomTo(1); // what stands on the canvas is as large as it was made
   await look("chosen");
   await keyboard.press("F2");
   await page.page.locator(".face-rename:focus").waitFor();

@@ -1,5 +1,5 @@
 // The canvas: what the tests read off it and do to it.
-import { expectEventually, must } from "./session.mjs";
+import { expectEventually, must, until } from "./session.mjs";
 
 /** Done when what the page does after it drew is done. */
 export const drawn = () =>
@@ -10,6 +10,11 @@ export function canvasOf(page, script) {
   const face = (node) => page.locator(`[data-face=${JSON.stringify(node)}]`);
   const scene = () => must(script, { op: "scene" });
   const isChosen = (node) => page.locator(".react-flow__node.selected").filter({ has: face(node) }).waitFor();
+  const zoom = () => page.locator(".react-flow__viewport").evaluate((view) => new DOMMatrix(getComputedStyle(view).transform).a);
+  const middleOf = async (locator) => {
+    const { x, y, width, height } = await locator.boundingBox();
+    return { x: x + width / 2, y: y + height / 2 };
+  };
   /** What is chosen meanwhile is added to what is chosen. */
   const adding = async (choose) => {
     await page.keyboard.down("Control");
@@ -24,7 +29,14 @@ export function canvasOf(page, script) {
     chosen: () => page.locator(".react-flow__node.selected"),
     message: () => page.locator("[data-graph-message]"),
     pane: () => page.locator("[data-graph]"),
-    zoom: () => page.locator(".react-flow__viewport").evaluate((view) => new DOMMatrix(getComputedStyle(view).transform).a),
+    zoom,
+    /** By the wheel, at the middle of what is seen. */
+    zoomTo: async (wanted) => {
+      const { x, y } = await middleOf(page.locator("[data-graph]"));
+      await page.mouse.move(x, y);
+      await page.mouse.wheel(0, Math.log2((await zoom()) / wanted) / 0.002);
+      await until(`a zoom of ${wanted}`, async () => Math.abs((await zoom()) - wanted) < 0.001);
+    },
     scene,
     links: async () => (await scene()).links,
     names: async () => (await scene()).nodes.map(({ graph }) => graph),
@@ -55,9 +67,6 @@ export function canvasOf(page, script) {
       await page.mouse.move(to.x, to.y, { steps: 4 });
       await page.mouse.up();
     },
-    middleOf: async (locator) => {
-      const { x, y, width, height } = await locator.boundingBox();
-      return { x: x + width / 2, y: y + height / 2 };
-    },
+    middleOf,
   };
 }
