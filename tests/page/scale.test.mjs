@@ -74,17 +74,10 @@ test("nodes out of sight have their names and wires alone", async () => {
   await until("the script of one that is opened", async () => (await panels()).length > 0);
 });
 
-/** The middle of a pin, from the canvas's corner: the canvas moves down while something is said above it. */
-async function pinOnPane(node, id) {
-  const [pane, pin] = [await canvas.pane().boundingBox(), await canvas.middleOf(canvas.pin(node, id))];
-  return { x: pin.x - pane.x, y: pin.y - pane.y };
-}
-
-/** How far a wire's end is from a place on the canvas, in pixels. */
+/** How far a wire's end is from a place, in pixels. */
 function gap(path, { x, y }) {
   const end = path.getPointAtLength(path.getTotalLength()).matrixTransform(path.getScreenCTM());
-  const pane = document.querySelector("[data-graph]").getBoundingClientRect();
-  return Math.hypot(end.x - pane.x - x, end.y - pane.y - y);
+  return Math.hypot(end.x - x, end.y - y);
 }
 
 test("a node that is too far to be read takes a wire that was begun by keys, and keeps the focus", async () => {
@@ -93,7 +86,7 @@ test("a node that is too far to be read takes a wire that was begun by keys, and
   await canvas.face("n6").locator(".pin").first().waitFor();
   await page.locator('[data-id="node:n6"]').press("Tab");
   await canvas.face("n6").locator(".pin:focus").waitFor();
-  const pin = await pinOnPane("n6", 203);
+  const pin = await canvas.middleOf(canvas.pin("n6", 203));
   await canvas.pin("n6", 203).press("Enter");
   await page.locator('[data-id="node:n6"]:focus').waitFor();
   await expectEventually("wires", () => page.locator(".react-flow__edge").count(), 41);
@@ -107,12 +100,11 @@ test("a node that is too far to be read takes a wire that is dragged to it", asy
   await canvas.zoomTo(0.1); // the mouse hits whole pixels, so from further away it can't tell one pin from the next
   await page.locator('[data-id="node:n0"]').press("Enter");
   await canvas.pin("n0", 152).press("Enter");
-  const { x, y } = await pinOnPane("n6", 203);
+  const to = await canvas.middleOf(canvas.pin("n6", 203));
   await page.keyboard.press("Escape");
   await expectEventually("pins", () => canvas.face("n6").locator(".pin").count(), 0);
   await page.locator('[data-id="node:n0"]').press("Enter");
-  const pane = await canvas.pane().boundingBox();
-  await canvas.drag(await canvas.middleOf(canvas.pin("n0", 152)), { x: pane.x + x, y: pane.y + y });
+  await canvas.drag(await canvas.middleOf(canvas.pin("n0", 152)), to);
   await until("the link", async () => (await canvas.links()).some(({ from, to }) => from === "n0" && to === "n6"));
 });
 

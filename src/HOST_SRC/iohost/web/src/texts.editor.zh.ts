@@ -15,6 +15,7 @@ export const EDITOR_ZH = {
   "Input {name}": "输入 {name}",
   "fired {count}": "已触发 {count}",
   "Outline of the graph": "节点图大纲",
+  "Show the whole graph": "显示整个节点图",
   "{input} from {output}": "{input} 来自 {output}",
   "Add a node, or find one": "添加或查找节点",
   "Type of a new node, or name of a node": "新节点的类型，或节点名称",

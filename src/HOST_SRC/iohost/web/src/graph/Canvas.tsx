@@ -253,7 +253,9 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
         onArrange={arrange}
         onAlign={align}
       />
-      <QuestionBar desk={desk} />
+      <div class="question-place">
+        <QuestionBar desk={desk} />
+      </div>
       <div
         class="graph"
         data-graph
@@ -295,7 +297,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
           >
             <Background />
             <Controls showInteractive={false} showFitView={false}>
-              <ControlButton className="react-flow__controls-fitview" onClick={() => showAll()} title={t("Show all")}>
+              <ControlButton className="react-flow__controls-fitview" onClick={() => showAll()} title={t("Show the whole graph")}>
                 <svg viewBox="0 0 12 12">
                   <path d="M1 4V1h3M8 1h3v3M11 8v3H8M4 11H1V8" fill="none" stroke="currentColor" />
                 </svg>

@@ -33,9 +33,11 @@ export function CanvasHead({ editor, chosen, onArrange, onAlign }: CanvasHeadPro
           </button>
         </>
       )}
-      <span class="hint" role="status" data-graph-message>
-        {editor.desk.message.value || editor.hint.value}
-      </span>
+      <div class="graph-message">
+        <span class="hint" role="status" data-graph-message>
+          {editor.desk.message.value || editor.hint.value}
+        </span>
+      </div>
     </div>
   );
 }
