@@ -50,7 +50,13 @@ test("a note goes with the node that is nearest to it, below what covers it; all
   const node = (id: string, x: number, y: number) => ({ ...box(id), x, y });
   const note = (id: string, x: number, y: number) => ({ id, x, y, width: 200, height: 90 });
   const nodes = [node("a", 0, 0), node("b", 0, 260), node("c", 0, 560)];
-  const notes = [note("right of a", 380, 0), note("above c", 0, 455), note("behind b", 20, 265), note("behind b, too", 30, 265), note("far", 3000, 2000)];
+  const notes = [
+    note("right of a", 380, 0),
+    note("above c", 0, 455),
+    note("behind b", 20, 265),
+    note("behind b, too", 30, 265),
+    note("far", 3000, 2000),
+  ];
   const links = [link("a", "b"), link("b", "c")];
   const places = arrangeWithNotes(nodes, notes, links);
   const from = (id: string, other: string) => [at(places, id).x - at(places, other).x, at(places, id).y - at(places, other).y];

@@ -57,12 +57,12 @@ export class Editor {
   readonly begun = signal<Pin | null>(null);
   /** How to go on with that wire; told while nothing else is. */
   readonly hint = computed(() => {
-    const node = this.begun.value && this.node(this.begun.value.node);
+    const begun = this.begun.value;
+    const node = begun && this.host.byHandle.value.get(begun.node);
     if (!node) {
       return "";
     }
-    const { is, id } = this.begun.value!;
-    const pin = is === "output" ? outputText(node, id) : inputText(node, id);
+    const pin = begun.is === "output" ? outputText(node, begun.id) : inputText(node, begun.id);
     return t("Wire from {pin}: click a pin that fits, or Tab to it and press Enter. Escape gives up.", { pin });
   });
   /** The pin from which a wire is being dragged. */
