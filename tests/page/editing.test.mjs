@@ -359,10 +359,10 @@ test("notes are part of the scene: written, moved, and taken away", async () => 
   await page.page.getByRole("button", { name: "Add note" }).click();
   await page.page.locator(".react-flow__node-note.selected").waitFor();
   await stepIs("Add a note");
-  const note = page.page.locator("[data-note] textarea");
+  const field = page.page.locator("[data-note] textarea:focus");
   const notes = async () => Object.values((await canvas.scene()).notes ?? {});
   const write = async (keys, written) => {
-    await page.page.locator("[data-note] textarea:focus").waitFor();
+    await field.waitFor();
     await page.keyboard.type(keys);
     await page.keyboard.press("Escape");
     await page.page.locator(".react-flow__node-note:focus").waitFor();
@@ -370,10 +370,11 @@ test("notes are part of the scene: written, moved, and taken away", async () => 
   };
   await write("Keys for the title", "Keys for the title");
   await page.keyboard.press("F2");
-  await write("\nand more", "Keys for the title\nand more");
+  await write("\n".repeat(9), `Keys for the title${"\n".repeat(9)}`);
+  assert.equal(await page.page.locator("[data-note] textarea").evaluate(({ scrollTop }) => scrollTop), 0);
   await page.keyboard.press("Enter");
-  await write("\n".repeat(9), `Keys for the title\nand more${"\n".repeat(9)}`);
-  assert.equal(await note.evaluate(({ scrollTop }) => scrollTop), 0);
+  await field.waitFor();
+  await page.keyboard.press("Escape");
   const { x } = (await notes())[0];
   const box = await page.page.locator("[data-note]").boundingBox();
   await canvas.drag({ x: box.x + 20, y: box.y + 6 }, { x: box.x + 70, y: box.y + 6 });
