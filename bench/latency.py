@@ -13,7 +13,7 @@ from iohost import BUILD, LONGEST_WAIT, RELEASE, TEXT, Child, json_device, node,
 
 WARM_UP = 100
 
-# The same work for a peer without nodes: what comes goes back, with a zero behind it.
+# The same work for a peer without nodes: what comes goes back, followed by a zero.
 ECHO = """
 import socket, sys
 peer = socket.create_connection(("127.0.0.1", int(sys.argv[1])))
@@ -37,7 +37,7 @@ def iohost(*options):
 
 
 def node_red(port):
-    """The same in Node-RED: what comes, as a JSON object, goes back as a text with a zero behind it."""
+    """The same in Node-RED: what comes, as a JSON object, goes back as a text followed by a zero."""
     folder = BUILD / "node-red" / "user"
     folder.mkdir(parents=True, exist_ok=True)
     tcp_in = {"id": "in", "type": "tcp in", "z": "t", "server": "client", "host": "127.0.0.1", "port": str(port),
