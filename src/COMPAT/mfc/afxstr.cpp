@@ -46,7 +46,7 @@ void AddRef(CStringData* pData) noexcept {
 }
 
 void Release(CStringData* pData) noexcept {
-    // Asked by its place, the empty text's buffer is seen by the compiler too to be never freed.
+    // Comparing addresses, not counts, lets the compiler see that the empty text's buffer is never freed.
     if (pData != &g_emptyBuffer.header &&
         std::atomic_ref<long>(pData->nRefs).fetch_sub(1, std::memory_order_acq_rel) == 1)
         std::free(pData);

@@ -86,7 +86,7 @@ public:
     // Own, writable characters of the given number; ReleaseBuffer then sets the length, which must not be larger.
     wchar_t* GetBufferSetLength(int nLength);
     void ReleaseBuffer(int nNewLength);
-    // Makes room for so many characters, so that what is appended up to there moves nothing.
+    // Makes room for nLength characters, so that appending up to there moves nothing.
     void Preallocate(int nLength);
 
     // The other comparisons follow from these. Without the ones for the order, '<' would compare addresses.

@@ -1,6 +1,6 @@
-// What Windows takes for the characters that its code page 1252 lacks. The wide forms of the ASCII characters (U+FF01
-// to U+FF5E) become those besides, but for the question mark, which is what every character without a look-alike
-// becomes.
+// What Windows writes for characters that its code page 1252 lacks. The full-width forms of the ASCII characters
+// (U+FF01 to U+FF5E) become those characters, too, except the question mark: '?' stands for every character without a
+// look-alike.
 #pragma once
 
 struct SLookAlikes {

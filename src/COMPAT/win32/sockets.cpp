@@ -17,7 +17,7 @@ void CompatTakeDatagrams(std::function<void()> taker) {
     s_datagramTaker = std::move(taker);
 }
 
-// The system's library comes behind the one that holds this, so that this definition is everybody's.
+// The library that holds this is searched before the system's, so everybody in the process calls this one.
 extern "C" COMPAT_API ssize_t sendto(int hSocket, const void* pBytes, size_t nBytes, int nFlags,
                                      const sockaddr* pAddress, socklen_t nAddressSize) {
     if (s_datagramTaker) {

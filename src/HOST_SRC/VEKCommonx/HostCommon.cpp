@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Finds texts without making one of the key.
+/// Lets texts be found without making a std::wstring of the key.
 struct STextHash : std::hash<std::wstring_view> {
     using is_transparent = void;
 };

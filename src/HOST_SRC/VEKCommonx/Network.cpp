@@ -22,8 +22,7 @@ bool IsControlCharacter(wchar_t c) {
     return c < 0x20 || (c >= 0x7F && c < 0xA0);
 }
 
-/// Whether the system's code page lacks the character and conversions to it write one in its place that means something
-/// in XML: as text it would come out as markup.
+/// Whether the system's code page lacks the character, and conversions write one in its place that is markup in XML.
 bool LooksLikeMarkup(wchar_t c) {
     constexpr std::string_view MARKUP = "&<>\"";
     char bytes[8];

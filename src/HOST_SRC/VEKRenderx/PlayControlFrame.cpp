@@ -24,7 +24,7 @@ std::uint32_t GetNumber(const std::vector<unsigned char>& bytes, size_t nOffset,
 
 using BytePosition = std::vector<unsigned char>::iterator;
 
-/// Write such a number; where it ends.
+/// Write such a number; returns the position behind it.
 BytePosition PutNumber(BytePosition position, std::uint32_t nValue, size_t nSize) {
     for (size_t nShift = 8 * nSize; nShift > 0;) {
         nShift -= 8;

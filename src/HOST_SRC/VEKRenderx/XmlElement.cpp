@@ -42,7 +42,7 @@ std::optional<std::uint32_t> NamedCharacter(std::string_view name) {
     return nCharacter;
 }
 
-/// The character in UTF-8, written there; tells where it ends.
+/// Write the character in UTF-8; returns the position behind it.
 char* WriteUtf8(char* pTo, std::uint32_t nCharacter) {
     const int nTrail = nCharacter < 0x80 ? 0 : nCharacter < 0x800 ? 1 : nCharacter < 0x10000 ? 2 : 3;
     constexpr unsigned LEADS[] = {0x00, 0xC0, 0xE0, 0xF0};
@@ -77,7 +77,7 @@ std::optional<std::string_view> ReadValue(char* pWritten) {
 bool CXmlElement::Parse(std::string xml, std::string_view name) {
     m_attributes.clear();
     m_strText = std::move(xml);
-    // The library takes a zero for the end, and the last character for room to write one: it's given the text's own.
+    // The library ends at a zero, and overwrites the last character with one: so it is given the text's own zero, too.
     if (m_strText.find('\0') != std::string::npos ||
         !m_document.load_buffer_inplace(m_strText.data(), m_strText.size() + 1, PARSE_OPTIONS, pugi::encoding_utf8)) {
         return false;

@@ -99,7 +99,7 @@ int RunSession(const SOptions& options) {
     }
     if (const std::string strProblem = ConfiguredPortProblem(); !strProblem.empty()) {
         if (options.nFront == EFront::Stdio) {
-            std::cerr << "iohost: " << strProblem << '\n'; // replies tell what requests did
+            std::cerr << "iohost: " << strProblem << '\n'; // a script gets log lines only in replies
         } else {
             WriteHostLine(LOG_ERROR, strProblem);
         }

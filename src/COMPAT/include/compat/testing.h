@@ -22,8 +22,8 @@ COMPAT_API int CompatExtensionModuleCount();
 // Makes GetTickCount answer the low 32 bits of this fixed value; the running clock again for nullopt.
 COMPAT_API void CompatFreezeTickCount(std::optional<std::uint64_t> nMilliseconds);
 
-// While there is a taker, every datagram that the process gives sendto goes to it instead of the network, and sendto
-// answers that all of it was sent; the network again for none.
+// While there is a taker, each datagram that the process gives sendto calls it instead of going out, and sendto answers
+// that all of it was sent. None: they go out again.
 COMPAT_API void CompatTakeDatagrams(std::function<void()> taker);
 
 // Sets the ANSI code page (CP_ACP): 1252, 936, 65001 ... False, and no change, for one that is unknown.

@@ -8,7 +8,7 @@
 /// In a catch block: what was thrown, in words. An exception of the class library is deleted.
 std::string CaughtText();
 
-/// Do something; what it throws is logged. Whether it went well.
+/// Do something; what it throws is logged. Returns whether it threw nothing.
 template <typename Action>
 bool DoGuarded(CLimitedLine& line, const char* pszWhat, Action action) {
     try {

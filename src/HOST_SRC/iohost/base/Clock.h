@@ -17,10 +17,10 @@ public:
     /// Milliseconds, counted from no time in particular.
     std::uint64_t Now() const { return m_nStopped.value_or(Running()); }
 
-    /// Milliseconds since a time that Now told; none where the clock was set back.
+    /// Milliseconds since a time that Now returned; 0 where the clock was set back since.
     std::uint64_t Since(std::uint64_t tThen) const { return std::max(Now(), tThen) - tThen; }
 
-    /// What it would answer if it ran.
+    /// What Now would return if the clock weren't stopped.
     static std::uint64_t Running() {
         const auto now = std::chrono::steady_clock::now().time_since_epoch();
         return static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());

@@ -8,8 +8,8 @@
 
 using FrameTime = steady_clock::time_point;
 
-/// When the next frame is due: the first moment after now in the raster that starts at tStart. A frame that took longer
-/// than its period leaves out those that it missed; they are not made up for.
+/// When the next frame is due: the first moment after now that is a whole number of periods from tStart. Frames that
+/// were missed because one took too long are skipped, not made up for.
 FrameTime NextFrameTime(FrameTime tStart, double fFps, FrameTime tNow);
 
 class CFrameTimer {

@@ -8,8 +8,8 @@
 
 #include "base/Platform.h"
 
-/// Take connections until the acceptor is closed. An error is mostly the system's being short of something: a pause
-/// leaves it the time to get over that.
+/// Take connections until the acceptor is closed. After an error, mostly that the system is out of something, a pause
+/// gives it time to recover.
 inline Awaitable<void> AcceptConnections(TcpAcceptor& acceptor, std::function<void(TcpSocket socket)> take,
                                          std::function<void(const std::string& strError)> fail) {
     constexpr std::chrono::milliseconds PAUSE{100};
@@ -48,7 +48,7 @@ inline std::string OpenListener(TcpAcceptor& acceptor, const asio::ip::tcp::endp
 /// A connection that has brought nothing for so long gives up its place when another one needs it.
 inline constexpr std::chrono::seconds SILENCE{60};
 
-/// Of connections that tell SilentSince(), the one silent for longest, and for so long at least; null without one.
+/// The connection that has been silent for longest, by SilentSince(), if for at least `silence`; else null.
 template <typename Connections>
 typename Connections::value_type LongestSilent(const Connections& connections, steady_clock::duration silence) {
     typename Connections::value_type pLongest;

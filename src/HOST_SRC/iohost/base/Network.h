@@ -1,5 +1,5 @@
-// The types that the host's network and the page's server are made of. All run in one io_context, so the executor is
-// spelled out instead of being any: names stay short enough for Windows' object files, and calls direct.
+// The types that the host's network and the page's server are made of. All run in one io_context, so they name its
+// executor instead of any_io_executor: names stay short enough for Windows' object files, and calls direct.
 #pragma once
 
 #include <utility> // Boost 1.74's Asio leaves it out in C++20
@@ -21,7 +21,7 @@
 
 #include "base/Caught.h"
 
-// GCC 12 takes the frame of a coroutine for allocated by another function than its own, once it has inlined that.
+// Once GCC 12 has inlined a coroutine's allocation, it wrongly warns that its frame is freed by a mismatched function.
 #if defined(__GNUC__) && !defined(__clang__)
 #pragma GCC diagnostic ignored "-Wmismatched-new-delete"
 #endif

@@ -14,7 +14,7 @@ struct COutputLines::SQueue {
         if (bDone) {
             return;
         }
-        // Behind lines that are left out come none until that is said.
+        // Once lines were left out, further ones are left out, too, until the writer has reported them.
         if (nMissing > 0 || strQueued.size() + strText.size() > options.nMostBytes) {
             nMissing += static_cast<unsigned long long>(std::ranges::count(strText, '\n'));
         } else {

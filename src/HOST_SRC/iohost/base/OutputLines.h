@@ -11,7 +11,7 @@
 #include "base/Platform.h"
 
 struct SOutputLinesOptions {
-    /// Writes all of the text, however long that takes; false when it can't. The thread calls it, maybe last of all.
+    /// Writes all of the text, however long it takes; false when it can't. The thread calls it, even without its owner.
     std::function<bool(std::string_view text)> write;
 
     /// The line, with its line feed, that stands where lines were left out. Called by the thread as well.

@@ -13,8 +13,8 @@
 /// Make GetTickCount answer the module a fixed number of milliseconds, or the running clock again.
 void FreezeClock(std::optional<std::uint64_t> nMilliseconds);
 
-/// While there is a taker, datagrams that the module sends by itself go to it and nowhere else: the module is told that
-/// they were sent. None: they go out again.
+/// While there is a taker, each datagram that the module sends by itself calls it instead of going out: the module is
+/// told that it was sent. None: datagrams go out again.
 void TakeDatagrams(std::function<void()> taker);
 
 /// Tell which library is the module, as soon as it's loaded and before it's unloaded (null).

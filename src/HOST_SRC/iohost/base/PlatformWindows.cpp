@@ -47,7 +47,7 @@ ULONG_PTR* FindImport(HMODULE hModule, ULONG_PTR nFunction) {
     return nullptr;
 }
 
-/// Lead the module to another function; null: it doesn't import the one that it would be led from.
+/// Make the module call another function; null: it doesn't import the one to replace.
 void Redirect(ULONG_PTR* pImport, ULONG_PTR nFunction) {
     DWORD nProtection = 0;
     if (pImport != nullptr && VirtualProtect(pImport, sizeof(*pImport), PAGE_READWRITE, &nProtection)) {

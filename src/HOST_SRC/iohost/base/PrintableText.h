@@ -8,7 +8,7 @@
 /// The text with control characters as escapes: \x1B.
 std::string PrintableText(std::string_view text);
 
-/// A line of JSON with those control characters that JSON lets stand as escapes: \u009b. It is the same JSON.
+/// A line of JSON; control characters that JSON allows unescaped become escapes: \u009b. It is the same JSON.
 std::string PrintableJson(std::string_view line);
 
 /// Bytes in hexadecimal.

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int MOST_LINKS = 40; ///< one behind the other, as the system's own limit
 
-/// Where the links lead that a name may be, whether there is a file or not. Empty when they lead nowhere.
+/// The file that a name stands for once its links are followed, existing or not. Empty after too many links.
 std::filesystem::path FollowLinks(std::filesystem::path file) {
     std::error_code error;
     for (int nLinks = 0; std::filesystem::is_symlink(file, error); ++nLinks) {

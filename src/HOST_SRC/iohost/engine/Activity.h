@@ -87,7 +87,6 @@ struct SActivity {
         return fired.empty() && logged.empty() && notified.empty() && sent.empty() && redrawn.empty();
     }
 
-    /// Put this behind what is there.
     void Append(SActivity activity) {
         const auto append = [](auto& list, auto& more) {
             list.insert(list.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));

@@ -18,7 +18,7 @@ public:
     explicit CActivityLog(CScene& scene);
     ~CActivityLog();
 
-    /// The node that the module is called for; null for none. Notification messages don't say whose they are.
+    /// The node that is being called; null for none. Notification messages count as its own: they name no node.
     void SetCalledNode(SNode* pNode) { m_pCalledNode = pNode; }
     SNode* CalledNode() const { return m_pCalledNode; }
 
@@ -38,7 +38,7 @@ public:
     /// The last lines of the log.
     const CLogLines& Lines() const { return m_lines; }
 
-    /// What happened since the last call; from now on the log goes on behind `begin`.
+    /// Return what happened since the last call, and start anew with `begin`.
     SActivity Exchange(SActivity begin) { return std::exchange(m_activity, std::move(begin)); }
 
 private:

@@ -18,7 +18,7 @@ CEventWindow::CEventWindow(CActivityLog& log)
     windowClass.lpfnWndProc = WindowProcedure;
     windowClass.hInstance = GetModuleHandleW(nullptr);
     windowClass.lpszClassName = EVENT_WINDOW_CLASS;
-    RegisterClassW(&windowClass); // a failure shows in the window
+    RegisterClassW(&windowClass); // if this fails, so does CreateWindowExW
     m_hWnd = CreateWindowExW(0, EVENT_WINDOW_CLASS, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                              GetModuleHandleW(nullptr), nullptr);
     if (m_nEventMsg == 0 || m_nNotifyMsg == 0 || m_hWnd == nullptr) {

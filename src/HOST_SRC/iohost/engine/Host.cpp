@@ -9,8 +9,8 @@
 
 namespace {
 
-/// Nodes that the module unlinked without freeing them. Nobody calls or frees them; they are kept here, to the end of
-/// the process, so that they can be told from nodes that got lost.
+/// Nodes that the module unlinked without freeing them. Nobody calls or frees them; the list keeps them reachable to
+/// the end of the process, which tells them from leaked ones.
 std::vector<const VEKProperty*>& UnlinkedNodes() {
     static auto& s_nodes = *new std::vector<const VEKProperty*>;
     return s_nodes;

@@ -51,7 +51,7 @@ struct SNodeContents {
     const std::vector<SGroupState>* pInputs = nullptr;
     const std::vector<SGroupState>* pOutputs = nullptr;
     bool bOutputs = true;   ///< ask the node for its outputs in the end
-    bool bRestored = false; ///< it was there before: what it raises is logged, and it's there all the same
+    bool bRestored = false; ///< it existed before: what it raises is logged, and doesn't keep it away
 };
 
 /// What operation 2 did.
@@ -98,8 +98,8 @@ public:
     /// Let the node make its outputs.
     void MakeOutputs(SNode& node);
 
-    /// Operation 3 with this type, and the node's pointer or null, in the record. The node leaves the scene when it was
-    /// freed, and when it was handed over as what it is: the module then only unlinked it and the host lets it be.
+    /// Operation 3 with this type, and with the node's pointer or null, in the record. The node leaves the scene when
+    /// the module freed it, or got the node's type and pointer: then it is unlinked at least, and the host lets it be.
     SDestroyed Destroy(SNode& node, const GUID& guidType, bool bPointer);
 
     /// Destroy a node; it leaves the scene whatever becomes of it.
@@ -114,8 +114,8 @@ public:
     /// Hand an event record to the node; null is a null record.
     int Deliver(SNode& node, const SIOEventRecord* pRecord);
 
-    /// Make any other call into a node, or into the module for no node: messages that it posts are handled, and what it
-    /// raises becomes a CModuleFault.
+    /// Make any other call into a node, or into the module itself (null). Messages posted during the call are handled
+    /// at its end, and an exception becomes a CModuleFault.
     template <typename Function>
     auto Call(SNode* pNode, Function function) {
         const SCall call(*this, pNode);
@@ -127,7 +127,7 @@ public:
     }
 
 private:
-    /// Says whose messages come in, and handles them at the end of the call.
+    /// Notes which node is being called, and handles the messages that were posted when the call ends.
     struct SCall : boost::noncopyable {
         SCall(CHost& host, SNode* pNode) : m_host(host) { host.m_activity.SetCalledNode(pNode); }
         ~SCall() {

@@ -105,7 +105,7 @@ SVerdict CJsonVerdicts::JudgeDeviceText(const SNode& node, const SDeviceTextData
     if (m_nSought > 0) {
         return JudgePairs(node);
     }
-    // The node looked for nothing: it can't have come that far, or the text is no object.
+    // The node looked up no key: it stopped before that, or the text isn't an object.
     const VEKParam* pCheck = FindInput(node, INPUT_CHECK);
     bool bReady = node.pNode->m_pOwnerClip != nullptr && node.pNode->m_pBaseGraphNode != nullptr &&
                   pDeviceId != nullptr && pCheck != nullptr;

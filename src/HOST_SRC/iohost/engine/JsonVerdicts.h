@@ -1,4 +1,4 @@
-// What the JSON nodes made of the last text that came to them, for people: nodes tell only that they took it.
+// Why a JSON node took or refused its last text, for people: the node itself only tells whether it took it.
 #pragma once
 
 #include <boost/core/noncopyable.hpp>
@@ -63,13 +63,13 @@ public:
     CJsonVerdicts();
     ~CJsonVerdicts();
 
-    /// Whether a record, or null, brings a text: there are verdicts of these alone.
+    /// Whether a record, which may be null, brings a text: only texts get verdicts.
     static bool IsText(const SIOEventRecord* pRecord);
 
     /// A text is about to be handed to a node.
     void Begin();
 
-    /// It was, with this result. What became of the text; null when it was none for this kind of node.
+    /// The text was handed over, with this result. Returns the verdict; null for nodes that take no such texts.
     const SVerdict* End(const SNode& node, const SIOEventRecord& record, int nResult);
 
     /// The verdict of each node that got a text, in the order of the nodes.

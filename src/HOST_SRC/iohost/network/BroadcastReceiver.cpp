@@ -53,13 +53,13 @@ Awaitable<void> CBroadcastReceiver::Run() {
             CountError(CaughtText());
         }
         if (!m_bStopped) {
-            // Whatever it was, it doesn't get better within the same moment.
+            // An attempt right away would fail the same way.
             co_await Pause(m_timer, RETRY_PAUSE);
         }
     }
 }
 
-/// Why the port can't be had now; empty when it can.
+/// Note why the port can't be had now (empty: it can), and log a change.
 void CBroadcastReceiver::ShowProblem(const std::string& strProblem) {
     if (!strProblem.empty()) {
         ++m_state.nErrors;
@@ -84,7 +84,7 @@ void CBroadcastReceiver::CountError(const std::string& strError) {
     m_loop.OnStateChanged();
 }
 
-/// Receive until an error. None is about one datagram: the buffer takes the longest, and nothing is sent from here.
+/// Receive until an error. None is about a single datagram: the buffer holds the longest, and nothing is sent.
 Awaitable<void> CBroadcastReceiver::Receive() {
     for (;;) {
         error_code error;

@@ -107,7 +107,7 @@ Awaitable<void> CControlListener::Run() {
             strError = CaughtText();
         }
         if (!strError.empty() && !m_bStopped) {
-            // Mostly the system is short of something: a pause leaves it the time to get over that.
+            // Mostly the system is out of something: a pause gives it time to recover.
             CountError(strError);
             co_await Pause(m_timer, PAUSE);
         }

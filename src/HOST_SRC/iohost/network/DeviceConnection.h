@@ -14,10 +14,10 @@ public:
     /// Write what is queued, and read, until the connection ends; returns why it did.
     Awaitable<std::string> Serve(CItemReader& reader);
 
-    /// The connection is over; also after an attempt that failed.
+    /// Clean up after a connection, or after an attempt that failed.
     void End();
 
-    /// Let Connect or Serve return.
+    /// Close the socket, so that Connect or Serve returns.
     void Close();
 
     /// What waits for the device. Whoever appends to it calls Write.

@@ -87,7 +87,7 @@ bool CDeviceLink::SendItem(const CZtBaseNetProtocol& item) {
         return false;
     }
     CSendQueue::Sender sender = m_loop.OnSent({Setup().nId, pItem, {}});
-    // No bytes are written of an item that is too long for a frame.
+    // An item that is too long for a frame becomes no bytes, and Queue refuses those.
     return Queue(WriteItem(m_frameWriter, *pItem), std::move(sender)) == nullptr;
 }
 
@@ -104,7 +104,7 @@ void CDeviceLink::Send(std::span<const unsigned char> bytes) {
     }
 }
 
-/// Never waits. Answers why the item was refused; null: it wasn't.
+/// Queue an item without waiting. Returns why it was refused; null: it wasn't.
 const char* CDeviceLink::Queue(std::span<const unsigned char> bytes, CSendQueue::Sender sender) {
     constexpr std::chrono::seconds REFUSALS_END{10}; // without a refusal, items count as taken again
     m_loop.OnStateChanged();

@@ -66,12 +66,12 @@ private:
     SQORNetPlayCtrlDev m_device;
     SteadyTimer m_lateTimer{m_loop.Context()};
     bool m_bLateTimer = false;         ///< it runs
-    steady_clock::time_point m_tSince; ///< when the device was connected or lost, or first to be tried
+    steady_clock::time_point m_tSince; ///< when the device was last connected or lost; at first, when the link was made
     bool m_bTried = false;
     bool m_bStopped = false;
 
     CFrameWriter m_frameWriter;
-    unsigned long long m_nRefusedLately = 0; ///< items, since they were last taken without interruption
+    unsigned long long m_nRefusedLately = 0; ///< items refused since the log last said that they are taken again
     steady_clock::time_point m_tRefused;
     CLimitedLine m_wrongItemLine{LOG_ERROR};
     CLimitedLine m_fullQueueLine{LOG_ERROR};

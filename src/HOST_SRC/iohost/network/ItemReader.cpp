@@ -17,7 +17,7 @@ std::unique_ptr<CZtSocketParser> CItemReader::MakeParser() {
     case EDeviceParser::Framed:
         return std::make_unique<CQORPlayCtlParser>(records);
     case EDeviceParser::JsonLines:
-        return std::make_unique<CZTDirectParser>(&m_textLines); // and so it can be sent texts, too
+        return std::make_unique<CZTDirectParser>(&m_textLines); // with this parser nodes can send it texts, too
     case EDeviceParser::None:
         break;
     }

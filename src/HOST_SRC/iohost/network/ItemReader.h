@@ -26,7 +26,7 @@ public:
     /// The connection is over; an item that isn't whole is rejected.
     void EndConnection();
 
-    /// Since when it has waited for bytes; the end of time while it doesn't.
+    /// Since when it has been waiting for bytes; time_point::max() while it isn't.
     steady_clock::time_point SilentSince() const { return m_tSilent; }
 
     unsigned long long ReceivedBytes() const { return m_nReceivedBytes; }

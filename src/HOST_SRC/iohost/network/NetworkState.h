@@ -33,7 +33,7 @@ struct SLastBytes {
     std::optional<bool> bSent = {}; ///< false: it was shown instead; none: it came in
 };
 
-/// Another message was the last one.
+/// Note a message as the last one; its beginning is kept.
 inline void SetLast(std::optional<SLastBytes>& last, std::span<const unsigned char> message) {
     constexpr size_t MOST_KEPT = 256;
     const auto kept = message.first(std::min(message.size(), MOST_KEPT));
@@ -92,7 +92,7 @@ struct SControlState {
     SItemCounts counts = {};
 };
 
-/// Nothing stands for what isn't there.
+/// Members without a value: the host has no device list, receives no broadcasts, or takes no records of other hosts.
 struct SNetworkState {
     std::optional<std::vector<SDeviceState>> devices = {};
     std::optional<SBroadcastState> broadcast = {};

@@ -25,7 +25,7 @@ struct SSentItem {
     std::span<const unsigned char> bytes;    ///< bytes as they are; empty for an item
 };
 
-/// Items that waited for a device longer than they may, and that nobody sends any longer.
+/// Items that were dropped because they waited too long for a device.
 struct SDroppedItems {
     int nDevice;
     std::optional<std::string> sender; ///< as OnSent named it
@@ -73,7 +73,6 @@ public:
     bool IsListenOnly() const { return m_bListenOnly; }
     void SetListenOnly(bool bOn) { m_bListenOnly = bOn; }
 
-    /// The network's state is another.
     void OnStateChanged() { ++m_nStateVersion; }
     unsigned long long StateVersion() const { return m_nStateVersion; }
 

@@ -30,7 +30,7 @@ void RunUntil(asio::io_context& context, unsigned nMilliseconds, Condition isMet
     });
 }
 
-/// Stop the one and start the other; either may be null, and both the same.
+/// Stop pPeer and start pNew in its place, unless they are the same. Either may be null.
 template <typename Peer>
 void Replace(std::shared_ptr<Peer>& pPeer, const std::shared_ptr<Peer>& pNew) {
     if (pPeer == pNew) {

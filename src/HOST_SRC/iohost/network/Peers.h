@@ -30,10 +30,10 @@ public:
     /// The loop that all of it runs in. A front may run it, and may put its own work into it.
     asio::io_context& Context() { return m_loop.Context(); }
 
-    /// Replace the devices and connect each anew; nothing: there is no list then.
+    /// Replace the devices and connect to each anew; without a value there is no device list.
     void SetDevices(std::optional<std::vector<SDeviceSetup>> setups);
 
-    /// Replace the devices, and leave those that are reached as before their connections and what waits for them.
+    /// Replace the devices. Those reached as before keep their connections and what waits for them.
     void ChangeDevices(std::optional<std::vector<SDeviceSetup>> setups);
 
     /// How the device of that id is set up; null for an unknown one.
@@ -72,7 +72,7 @@ public:
 
     SNetworkState State() const;
 
-    /// Grows whenever State would tell something else but times.
+    /// Grows whenever State would return something different, times aside.
     unsigned long long StateVersion() const { return m_loop.StateVersion(); }
 
     /// End all connections.

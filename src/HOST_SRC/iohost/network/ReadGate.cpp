@@ -15,7 +15,7 @@ void CReadGate::OpenInTurns() {
     Open();
 }
 
-/// A turn begins with its first item. It ends when the loop has come to all that waited then.
+/// A turn begins with its first item, lets items pass for LONGEST_TURN, and ends once the loop has run all that waited.
 bool CReadGate::MayPass() {
     constexpr std::chrono::milliseconds LONGEST_TURN{2}; // much shorter than a frame
     if (!m_bOpen || !m_bInTurns) {

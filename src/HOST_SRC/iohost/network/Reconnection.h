@@ -19,7 +19,7 @@ public:
     /// Returns when it's time to try again, or after Stop.
     Awaitable<void> AwaitNext() { return Pause(m_timer, NextPause()); }
 
-    /// How long it takes until then; the pause after it is longer.
+    /// How long until the next attempt; the pause after that is longer.
     std::chrono::milliseconds NextPause() { return std::exchange(m_pause, std::min(2 * m_pause, LONGEST_PAUSE)); }
 
     /// It's time to try again.

@@ -11,7 +11,7 @@ bool CSendQueue::Push(std::span<const unsigned char> item, Sender sender, Time t
     return true;
 }
 
-/// What is given to be written can't be dropped any longer: items that may become late are given one at a time.
+/// What is handed out to be written can't be dropped any more: items that may become late are handed out one by one.
 std::shared_ptr<const CSendQueue::Bytes> CSendQueue::BeginWrite(Time tNow) {
     constexpr std::size_t MOST_WRITTEN = std::size_t{64} << 10; // so that a slow device's queue shrinks step by step
     DropLate(tNow);
@@ -70,7 +70,7 @@ std::optional<CSendQueue::Time> CSendQueue::NextDrop() const {
     return m_dropAfter && nNext < ItemCount() ? std::optional(m_items[nNext].tQueued + *m_dropAfter) : std::nullopt;
 }
 
-/// How many items something was or is being written of.
+/// How many items are begun: bytes of them were written, or are being written.
 std::size_t CSendQueue::BegunItems() const {
     std::size_t nItems = 0;
     for (std::size_t nBytes = m_nBegun + m_pWriting->size(); nBytes > 0; ++nItems) {

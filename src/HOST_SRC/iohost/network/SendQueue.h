@@ -34,8 +34,8 @@ public:
     /// Whether bytes are being written.
     bool IsWriting() const { return !m_pWriting->empty(); }
 
-    /// The connection is over. Items that something was or is being written of are lost, since nobody knows how much of
-    /// them arrived: the next connection begins with a whole item.
+    /// The connection is over. Items that were begun are lost, since nobody knows how much of them arrived: the next
+    /// connection begins with a whole item.
     void EndConnection();
 
     /// How long an item may wait until it's begun; none: for ever.
@@ -44,7 +44,7 @@ public:
     /// Drop what has waited too long and isn't begun.
     void DropLate(Time tNow);
 
-    /// When that will be so of the next item; none: of none.
+    /// When the next item will have waited too long; none: no item will.
     std::optional<Time> NextDrop() const;
 
     /// The senders of the items dropped since the last call, in order.

@@ -10,8 +10,8 @@ namespace {
 
 constexpr int DEEPEST = 64;
 
-/// Where brackets that aren't in strings begin to be nested deeper; npos: nowhere. The parser's own account of levels
-/// takes a time that grows with the square of a list's length.
+/// Where brackets outside strings first nest deeper than DEEPEST; npos: nowhere. The parser's own count of levels takes
+/// time that grows with the square of a list's length.
 size_t FindTooDeep(std::string_view text) {
     int nDepth = 0;
     bool bInString = false;

@@ -10,8 +10,8 @@
 
 using Json = nlohmann::json;
 
-/// Parse JSON text from outside; what it is goes into the refusal of text that isn't JSON or is nested too deeply. The
-/// depth is checked while reading, before anything that deep is built.
+/// Parse JSON text from outside. strWhat names the text in the refusal when it isn't JSON or is nested too deeply.
+/// Depth is checked while reading, before anything that deep is built.
 Json ParseJson(std::string_view text, const std::string& strWhat);
 
 /// Refuse a field that has a value of another kind.

@@ -45,7 +45,7 @@ public:
         Next().append(szDigits, pEnd);
     }
 
-    /// Bytes of texts that are no UTF-8 have been replaced; what was raw stands as it was.
+    /// The text. Bytes that aren't UTF-8 have been replaced in texts, but not in what Raw was given.
     std::string Take() { return std::move(m_strText); }
 
 private:
@@ -57,7 +57,7 @@ private:
 
     const bool m_bInLines;
     int m_nDepth = 0;
-    bool m_bFirst = true;  ///< nothing stands before it at its depth
-    bool m_bNamed = false; ///< its name stands before it
+    bool m_bFirst = true;  ///< the next value is the first at its depth
+    bool m_bNamed = false; ///< the next value's name is written
     std::string m_strText;
 };

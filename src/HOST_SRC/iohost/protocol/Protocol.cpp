@@ -11,8 +11,8 @@ constexpr int MOST_SHOWN_TOGETHER = 1 << 20; ///< in one reply or push
 constexpr int MOST_SHOWN_BEYOND = 300;       ///< of each further text
 constexpr int MOST_SHOWN_OF_KEY = 500;
 
-/// Cuts the texts of one reply or push, wherever its tables have them. Handles and devices' names stay whole: requests
-/// address nodes by the ones, and set devices up by the others.
+/// Cuts the texts of one reply or push, however deep in its structs. Handles and devices' names stay whole: requests
+/// address nodes by handle, and set devices up by name.
 class CCutter {
 public:
     void Cut(CString& strText) {
@@ -20,7 +20,7 @@ public:
         m_nShown += strText.GetLength();
     }
 
-    // Texts that tell how long they are. What was cut before keeps the length that it has.
+    // Texts with a field for their length. One that was cut before keeps its length.
     void Cut(SLogged& line) { Cut(line.strText, line.length); }
     void Cut(SValues& values) { Cut(values.strText, values.length); }
     void Cut(SNote& note) { Cut(note.strText, note.length); }

@@ -20,7 +20,7 @@ public:
     /// What an earlier host left unsaved, as SceneText wrote it; refused where there is nothing.
     virtual std::string ReadLeft() { Refuse("op", "nothing unsaved was left"); }
 
-    /// It was loaded: its file becomes that of what isn't saved now. Or it's forgotten, and its file goes.
+    /// What was left has been loaded: its file is now the one for unsaved work. Or it was given up: its file goes.
     virtual void EndLeft(bool /*bLoaded*/) {}
 
 protected:
@@ -37,11 +37,11 @@ struct SRequest {
 /// Read a request, and the file of a scene to load. On a refusal the id is there, if it could be read.
 void ReadRequest(SRequest& request, const CFields& fields, ISceneFiles& files);
 
-/// The reply to a command that was carried out, and to a request that isn't: one line of valid UTF-8.
+/// The replies to a command that was carried out and to a request that was refused: one line of valid UTF-8 each.
 std::string ReplyTo(const SDone& done, const Json& id = Json::value_t::discarded);
 std::string ErrorReply(const std::string& strError, const Json& id = Json::value_t::discarded);
 
-/// One request to its reply. edit may change what the reply tells.
+/// Carry out one request and return its reply. `edit` may change what the reply tells.
 std::string Answer(CSession& session, const Json& request, ISceneFiles& files, const SOrigin& origin = {},
                    void (*edit)(SDone& done) = nullptr);
 
@@ -58,7 +58,7 @@ void CutForViewers(std::vector<SHeldEntry>& told);
 void CutForViewers(SStep& told);
 void CutForViewers(SDone& told);
 
-/// A scene as the text of a file. strFile: the file's name, if it isn't told by where the text goes.
+/// A scene as the text of a file. strFile: the file that the scene belongs to, where the text goes to another one.
 std::string SceneText(const SSceneDocument& scene, const std::string& strFile = {});
 
 /// The file's name in such a text; empty where there is none.

@@ -390,7 +390,7 @@ struct Codec<std::vector<T>> {
             RefuseKind(strPath, "a list");
         }
         for (size_t i = 0; i < json.size(); ++i) {
-            // The elements of plain lists are called as the list is.
+            // Refusals name the elements of plain lists by the list's name alone.
             ReadJson(value.emplace_back(), json[i], Shaped<T> ? strPath + "[" + std::to_string(i) + "]" : strPath);
         }
     }
@@ -416,7 +416,7 @@ struct SFixedListCodec {
 };
 
 template <typename T>
-struct Codec<std::shared_ptr<const T>> { ///< what it points at; null is left out
+struct Codec<std::shared_ptr<const T>> { ///< what it points at; never null: an optional field leaves null out
     static void Read(std::shared_ptr<const T>& value, const Json& json, const std::string& strPath) {
         auto pRead = std::make_shared<T>();
         ReadJson(*pRead, json, strPath);
@@ -438,7 +438,7 @@ struct SUntaggedCodec {
     }
 };
 
-/// What the members of such an object are called.
+/// The member name that a key of a list of pairs becomes.
 inline const std::string& MemberName(const std::string& strName) {
     return strName;
 }
@@ -453,7 +453,7 @@ inline void ReadKey(std::string& strName, const std::string& strKey, const std::
     strName = strKey;
 }
 
-/// A list by name, id or node: an object.
+/// A list of pairs, by name, id or node, is a JSON object.
 template <typename Key, typename T>
 struct Codec<std::vector<std::pair<Key, T>>> {
     static void Read(std::vector<std::pair<Key, T>>& value, const Json& json, const std::string& strPath) {

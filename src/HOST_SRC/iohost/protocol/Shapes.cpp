@@ -90,7 +90,7 @@ void WriteFields(CJsonText& json, const ParamValue& value) {
     WriteMembers(json, VALUE_FIELDS[value.index()], value);
 }
 
-/// Refuses what no node fits, so that none is made in vain.
+/// Refuses a set that would fit no node, before a node is made for it.
 void ReadFields(SSavedSet& saved, const CFields& fields) {
     ReadFields<SSavedSet>(saved, fields);
     std::set<unsigned> dropped;
@@ -122,7 +122,7 @@ void ReadFields(SBatchCommand& batch, const CFields& fields) {
             Command& command = pCommands->list.emplace_back();
             if (EmplaceByTag(command, part.Text("op")) &&
                 !std::visit([]<typename Kind>(const Kind&) { return FITS_BATCH<Kind>; }, command)) {
-                Refuse("op", "can't be part of a batch"); // whatever its fields are
+                Refuse("op", "can't be part of a batch"); // even if its fields are wrong
             }
             ReadFields(command, part);
         } catch (const CRefusal& refusal) {

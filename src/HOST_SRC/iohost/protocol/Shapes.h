@@ -106,7 +106,7 @@ struct Codec<std::shared_ptr<const SSceneDocument>> {
     }
 };
 
-/// The member of its kind, of which exactly one must be there.
+/// A parameter's value as one field, named after its kind ("int", "float", ...); exactly one must be there.
 void ReadFields(ParamValue& value, const CFields& fields);
 void WriteFields(CJsonText& json, const ParamValue& value);
 

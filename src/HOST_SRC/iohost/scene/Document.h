@@ -17,10 +17,10 @@ struct SParamState {
     std::optional<CString> display = std::nullopt;
     std::optional<int> type = std::nullopt;
     std::optional<int> control = std::nullopt;
-    std::optional<std::array<std::optional<float>, 4>> range = std::nullopt; ///< none: never set; in it: no number
+    std::optional<std::array<std::optional<float>, 4>> range = std::nullopt; ///< none: never set; an empty element: NaN
     std::optional<std::array<int, 4>> flags = std::nullopt;                  ///< none: never set
     std::optional<int> integer = std::nullopt;
-    std::optional<std::optional<float>> number = std::nullopt; ///< none in it: no number
+    std::optional<std::optional<float>> number = std::nullopt; ///< inner none: NaN
     std::optional<CString> text = std::nullopt;
     std::optional<int> length = std::nullopt; ///< of the text, where only its beginning is told
     std::optional<std::vector<CString>> choices = std::nullopt;
@@ -47,7 +47,7 @@ struct SValues {
     std::optional<int> length = std::nullopt; ///< of the text, where only its beginning is told
 };
 
-/// Value of one parameter: what its kind makes of it is the reader's to know.
+/// The value of one parameter. Whoever sets it must know the parameter's kind: a float may be given as an int.
 using ParamValue = std::variant<int, float, CString>;
 
 /// The pins of one output group.

@@ -49,7 +49,7 @@ std::optional<float> NumberIn(float fNumber) {
     return std::isnan(fNumber) ? std::nullopt : std::optional(fNumber);
 }
 
-/// A parameter that the node doesn't make: older sets may hold such.
+/// Make a parameter that the node itself doesn't make, as older sets may hold.
 std::unique_ptr<VEKParam> MakeParam(const SParamState& state, bool bOutput) {
     const ParamCodes codes = bOutput ? PARAM_EVENT : PARAM_INTEGER;
     const int nType = state.type.value_or(codes.m_nType);
@@ -132,7 +132,7 @@ VEKParam& FindOrAdd(VEKParamGroupList& lstOwn, unsigned nId, ParamCodes codes) {
     return *pParam.release();
 }
 
-/// A whole number is what a parameter of that kind holds as a float.
+/// Set a saved value; for a float parameter a whole number becomes a float.
 void SetSavedValue(VEKParam& param, const ParamValue& value) {
     if (const auto* pText = std::get_if<CString>(&value)) {
         param.m_strValue = *pText;

@@ -17,12 +17,11 @@ void CloneGroups(const VEKParamGroupList& lstFrom, VEKParamGroupList& lstTo);
 /// Take the first parameter of that id out of the groups; the caller owns it. Null if absent.
 std::unique_ptr<VEKParam> TakeParam(VEKParamGroupList& lstGroup, unsigned nId);
 
-/// Make the list hold exactly these groups and parameters, in their order: those that it already has stay and take the
-/// values that are there, others are made, the rest is deleted. New parameters are pins in an output list (bOutputs),
-/// ordinary ones else.
+/// Make the list hold exactly these groups and parameters, in this order: existing ones stay and take the values given,
+/// missing ones are made, others deleted. New parameters are pins in an output list (bOutputs), else ordinary.
 void RestoreGroups(VEKParamGroupList& lstGroup, const std::vector<SGroupState>& groups, bool bOutputs);
 
-/// Change groups that were `from` to `to`. Parameters that are alike in both stay as they are by now.
+/// Change groups from `from` to `to`. Parameters that are equal in both keep their present values.
 void ChangeGroups(VEKParamGroupList& lstGroup, const std::vector<SGroupState>& from, const std::vector<SGroupState>& to,
                   bool bOutputs);
 

@@ -76,10 +76,10 @@ struct SNode {
     PinKinds ownOutputs;           ///< the outputs, likewise
     std::vector<SLink> arOutgoing; ///< links out of this node, in the order in which they were made
     std::optional<SPlace> place;   ///< on the canvas; none: wherever the viewer puts it
-    SParamSets left;               ///< the parameters as the last step that may have changed them left them
+    SParamSets left;               ///< the parameters as NoteParameters last found them
     SNodeCounts counts;
-    bool bCountsTold = false;            ///< nothing changed since TakeChangedCounts told of them
-    std::optional<std::uint64_t> tActed; ///< when something was counted last, as NoteActed knows
+    bool bCountsTold = false;            ///< TakeChangedCounts has returned the present counts
+    std::optional<std::uint64_t> tActed; ///< when NoteActed last found something counted
 
     void Count(unsigned long long SNodeCounts::*pCount, unsigned long long nMore = 1) {
         counts.*pCount += nMore;
@@ -105,8 +105,8 @@ struct SNode {
 /// Nodes in the order of their creation. Their places in memory stay.
 using NodeList = std::vector<std::unique_ptr<SNode>>;
 
-/// Call a function, which evaluates, with each of these nodes. Meanwhile the processor fetches those that come next: a
-/// scene of many nodes doesn't fit into its caches.
+/// Call a function, which evaluates the node, for each of these nodes, and prefetch those further on: a large scene
+/// doesn't fit into the processor's caches.
 template <typename Nodes, typename Function>
 void ForEachNode(const Nodes& nodes, Function function) {
     constexpr size_t AHEAD = 4;
@@ -157,8 +157,8 @@ public:
     /// Takes away the clip made last. No node may belong to it.
     void RemoveLastClip() { m_clips.pop_back(); }
 
-    /// Make the clips be these, in their order: those that are there stay, new ones are empty. No node may belong to
-    /// any other.
+    /// Make the clips these, in this order: existing ones stay, new ones are empty. No node may belong to a clip that
+    /// isn't among them.
     void SetClips(const std::vector<CString>& names);
 
     /// Make a link; the same link twice is one. The pins must have a kind. Only with bRounding does a float output
@@ -195,7 +195,7 @@ private:
     Notes m_notes;
 };
 
-/// Applies the value links into a node, and its triggers until the destructor gives those inputs their values back.
+/// Applies the value links into a node, and sets its triggers until the destructor puts those inputs' values back.
 class CEvaluationInputs : boost::noncopyable {
 public:
     explicit CEvaluationInputs(SNode& node);

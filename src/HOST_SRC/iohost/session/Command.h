@@ -250,7 +250,7 @@ struct SBatchCommand {
 };
 
 struct SUndoCommand {
-    std::optional<unsigned long long> to = {}; ///< the state of the scene that is gone to; none: one step
+    std::optional<unsigned long long> to = {}; ///< number of the state to go to; none: one step
 };
 
 struct SRedoCommand {
@@ -261,10 +261,10 @@ struct SHistoryCommand {};
 
 // ---- The scene as a whole, and recordings -----------------------------------------------------------------------
 
-/// The result is the scene: whoever asked keeps it where it belongs.
+/// The result is the scene; whoever gave the command stores it.
 struct SSaveCommand {
-    std::string strFile;  ///< where whoever carries it out keeps the scene
-    bool bReplace = true; ///< false: refused where that is another scene's file
+    std::string strFile;  ///< where it is stored
+    bool bReplace = true; ///< false: refused when the file is there and isn't this scene's own
 };
 
 struct SLoadCommand {

@@ -162,8 +162,8 @@ std::vector<SRelease> CHeldInput::TakeReleases(const SHeldFilter& filter) {
             continue;
         }
         if (kind.pPart != nullptr) {
-            // A hand's sample says how all its parts are: those let go already stay so in the next one. A trigger's
-            // release comes as long after its press as it was held.
+            // A hand's sample has the state of all its parts: what is released here stays released in the later
+            // samples. A trigger's release time is its press time plus how long it was held.
             for (size_t n = i; n < arTaken.size(); ++n) {
                 if (HELD_KINDS[arTaken[n].nKind].nDevice == kind.nDevice && arTaken[n].identity == held.identity) {
                     auto& sample = std::get<SVRPluginData>(arTaken[n].payload);

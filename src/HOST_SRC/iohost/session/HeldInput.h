@@ -93,10 +93,10 @@ public:
     const KeySet& ToggledKeys() const { return m_toggled; }
     void SetToggledKeys(const KeySet& toggled) { m_toggled = toggled; }
 
-    /// A connection's input was released by another one, which it has to be told.
+    /// Another connection released this one's input, and this one has to be told.
     void NoteReleasedByOther(const CHeldInput& connection);
 
-    /// The numbers of such connections since the last call.
+    /// The numbers of the connections noted so since the last call.
     std::vector<int> TakeReleasedByOthers() { return std::exchange(m_arReleasedByOthers, {}); }
 
     /// Grows with every change of what is held.

@@ -51,7 +51,7 @@ SSceneChange CHistory::Move(bool bForth, CHost& host, CPeers& peers) {
     const SScenePart& from = bForth ? entry.before : entry.after;
     const SScenePart& to = bForth ? entry.after : entry.before;
     try {
-        if (entry.otherKept) { // nothing of the one scene is anything of the other
+        if (entry.otherKept) { // the two scenes have nothing in common
             host.DestroyAll();
             SScenePart none;
             none.clips.emplace();

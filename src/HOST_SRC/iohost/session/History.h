@@ -26,10 +26,10 @@ public:
     static constexpr size_t MOST_STEPS = 200;
     static constexpr size_t MOST_BYTES = size_t{256} << 20; ///< of all steps together, unless one has more
 
-    /// A step was taken; it ends what could be redone, and beyond the limits the oldest are dropped.
+    /// Add a step that was taken. What could be redone is forgotten, and beyond the limits the oldest steps are, too.
     void Add(SStep step, SScenePart before, SScenePart after);
 
-    /// The last step brought another scene, out of that file; empty: out of none. bUnsaved: the file has an older one.
+    /// The last step loaded another scene from this file; empty: from none. bUnsaved: the file has an older version.
     void NoteOpened(const std::string& strFile, bool bUnsaved);
 
     /// The history begins with the scene as it is now, out of that file.

@@ -89,7 +89,7 @@ void CSession::On(const SListenOnlyCommand& command) {
     TakeDatagrams(command.bOn ? [this] { OnHeldBack(); } : std::function<void()>());
 }
 
-/// Broadcasts pass the session by, since their node owns its socket.
+/// Log a broadcast held back: the session doesn't see it otherwise, since the node owns its socket.
 void CSession::OnHeldBack() {
     const SNode* pNode = m_pHost->Activity().CalledNode();
     m_heldBackLine.Write("a broadcast" + (pNode != nullptr ? " of the node " + Quoted(pNode->strHandle) : "") +

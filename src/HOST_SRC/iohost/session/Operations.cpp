@@ -193,8 +193,8 @@ void CSession::Follow() {
     }
 }
 
-/// Evaluate a node that an event reached, that is triggered, or that takes a value of such a node; before it, likewise,
-/// those that it has links from, so that its inputs are up to date.
+/// Evaluate a node that got an event, is triggered, or takes a value of a node that this Follow evaluated; before it,
+/// by the same rule, the nodes that it has links from, so that its inputs are up to date.
 void CSession::Settle(SNode& triggered) {
     struct SVisit {
         SNode& node;
@@ -323,7 +323,7 @@ std::vector<SRelease> CSession::Release(CHeldInput& held, const SReleaseHeldComm
 
 // ---- Parameters and links ---------------------------------------------------------------------------------------
 
-/// The parameter that got the value.
+/// Set the value; returns the parameter that got it.
 VEKParam& CSession::SetValue(const SSetCommand& set) {
     SNode& node = NodeOf(set.strHandle);
     VEKParam& param = set.bOwn ? ParamOf(node.pNode->m_lstParamGroup, set.nParam, "own parameters")
@@ -576,7 +576,7 @@ void CSession::On(const SBatchCommand& command, const SOrigin& origin) {
     }
 }
 
-/// Go one step back or forth, or to one of the states that lie there.
+/// Undo or redo one step, or all steps up to the state `to`.
 Result CSession::Move(std::optional<unsigned long long> to, bool bForth) {
     const auto states = m_history.States();
     const auto here = states.begin() + static_cast<std::ptrdiff_t>(m_history.Done());

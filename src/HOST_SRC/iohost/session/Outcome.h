@@ -74,8 +74,8 @@ struct SFrameResults : SNodeResults {
 };
 
 struct SEdited {
-    bool bNeeded;              ///< the node wants to hear of such an edit
-    std::optional<int> result; ///< of telling it
+    bool bNeeded;              ///< the node said that it wants to be told
+    std::optional<int> result; ///< its answer when told; none: it wasn't told
 };
 
 struct SReleased {
@@ -152,7 +152,7 @@ struct SLogLines {
 
 struct SCounters {
     std::vector<std::pair<std::string, SNodeCounts>> nodes;  ///< by their handles
-    std::vector<std::pair<std::string, std::uint64_t>> idle; ///< milliseconds since those of them that ever acted did
+    std::vector<std::pair<std::string, std::uint64_t>> idle; ///< milliseconds since each last acted, if it ever did
 };
 
 using Result =

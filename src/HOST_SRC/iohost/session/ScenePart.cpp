@@ -25,7 +25,7 @@ std::vector<unsigned> Differing(const std::vector<SGroupState>& from, const std:
     return ids;
 }
 
-/// Tell the node as an editor's panel does; what it then changes by itself doesn't count.
+/// Tell the node of changed inputs as an editor's panel does, and undo what it then changes by itself.
 void TellNode(CHost& host, SNode& node, const std::vector<unsigned>& ids) {
     const auto own = StateOf(node.pNode->m_lstParamGroup);
     const auto inputs = StateOf(node.pGraphNode->m_lstInputGroup);

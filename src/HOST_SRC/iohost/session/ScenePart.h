@@ -77,8 +77,7 @@ size_t BytesOf(const SScenePart& part);
 /// Leave in both parts only nodes that differ.
 void KeepDifferences(SScenePart& before, SScenePart& after);
 
-/// Change what is there as `from` says to what `to` says. Nodes that are in both stay the same objects, and what is
-/// alike in both stays as it is by now.
+/// Change the scene from `from` to `to`. Nodes in both stay the same objects, and what is equal in both isn't touched.
 void ChangePart(CHost& host, CPeers& peers, const SScenePart& from, const SScenePart& to);
 
 /// What is different in the two.

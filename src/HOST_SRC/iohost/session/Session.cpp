@@ -78,9 +78,9 @@ SOutcome CSession::CarryOut(const Command& command, const SOrigin& origin) {
     return outcome;
 }
 
-/// What the command changes of the scene becomes a step of its history, also where the module raised an exception. A
-/// load or batch that fails changes nothing. Recordings have no addresses of devices: whether they differ makes no
-/// step.
+/// What the command changes in the scene becomes a step of its history, even where the module raised an exception. A
+/// load or batch that fails changes nothing. What may change devices is a step even when nothing differs: recordings
+/// leave addresses out, so a replay couldn't tell.
 Result CSession::CarryOutStep(const Command& command, const SOrigin& origin) {
     if (const auto* pSet = std::get_if<SSetCommand>(&command); pSet != nullptr && !pSet->bStep) {
         On(*pSet);
@@ -98,7 +98,7 @@ Result CSession::CarryOutStep(const Command& command, const SOrigin& origin) {
         if (before == after && !plan->scope.bDevices) {
             return;
         }
-        if (pLoad == nullptr) { // that makes all nodes anew
+        if (pLoad == nullptr) { // a load makes all nodes anew
             KeepDifferences(before, after);
         }
         m_change = ChangeBetween(before, after);
@@ -127,7 +127,7 @@ Result CSession::CarryOutStep(const Command& command, const SOrigin& origin) {
     }
 }
 
-/// Where that fails, too, the steps don't fit the scene any more.
+/// Put the scene back as it was. If that fails, too, the steps no longer fit the scene and are forgotten.
 void CSession::RollBack(const SScenePart& before, const SSceneScope& scope) {
     try {
         ChangePart(*m_pHost, m_peers, TakePart(Scene(), m_peers, scope), before);

@@ -82,8 +82,8 @@ public:
     /// Let the next TakeChangedCounts return all.
     void ForgetToldCounts();
 
-    /// The scene as its steps left it: what nodes and links have written to parameters since isn't in it. That takes
-    /// little time, however many nodes there are.
+    /// The scene with parameters as the last step or save left them: what nodes and links wrote since isn't in it.
+    /// Quick, however many nodes there are.
     SSceneDocument SceneLeft();
 
     /// The scene's steps, and its file.

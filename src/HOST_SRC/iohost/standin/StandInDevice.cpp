@@ -226,7 +226,7 @@ private:
 
 void TakeConnection(TcpSocket socket, int nNumber, const SStandInOptions& options, CLines& lines, Senders& senders) {
     if (senders.size() >= MOST_SENDERS) {
-        // When nobody reads, it can't be seen which senders are gone.
+        // A stalled device doesn't read, so it can't see which senders are gone: then any may have to make room.
         if (const auto pSilent = LongestSilent(senders, options.bStall ? steady_clock::duration() : options.silence)) {
             pSilent->MakeRoom();
         }

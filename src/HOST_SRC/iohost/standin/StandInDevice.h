@@ -23,8 +23,8 @@ struct SStandInOptions {
     /// Sends this and a line feed when a connection opens; empty: nothing.
     std::string strSay = {};
 
-    /// At most 64 connections are open. The one that brought nothing for longest, and for so long, makes room for
-    /// another; without one, the other is turned away.
+    /// At most 64 connections are open. When another comes, the one silent for longest makes room, if for at least this
+    /// long; else the new one is turned away.
     std::chrono::milliseconds silence = SILENCE;
 
     /// Closes each connection after so many bytes.

@@ -56,7 +56,7 @@ std::string CAccessToken::SetCookie() const {
     return m_strCookie + "=" + m_strToken + "; Path=/; HttpOnly; SameSite=Strict";
 }
 
-/// Takes as long for a text that begins rightly as for any other.
+/// Takes equally long however much of the text is right, so that the time tells nothing about the token.
 bool CAccessToken::Is(std::string_view text) const {
     if (text.size() != m_strToken.size()) {
         return false;

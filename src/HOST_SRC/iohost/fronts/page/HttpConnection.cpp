@@ -55,8 +55,8 @@ Response MakeRefusal(const Request& request, http::status status, std::string_vi
     return MakeResponse(request, status, "text/plain; charset=utf-8", std::string(reason) + "\n");
 }
 
-/// The page loads what this server offers and talks to it, and to nothing else. Not every browser counts the WebSocket
-/// in with 'self'; the host has been checked to be the server's own.
+/// The page loads from this server and talks to it alone. Not every browser counts the WebSocket as 'self', so its host
+/// is named, which has been checked to be the server's own.
 std::string ContentSecurityPolicy(std::string_view host) {
     return "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self' ws://" +
            std::string(host) + "; base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
@@ -78,7 +78,7 @@ bool HasToken(const Request& request, const CAccessToken& token) {
     return token.IsIn(request[http::field::authorization], request[http::field::cookie], request.target());
 }
 
-/// Whether "gzip" is among the encodings that a request takes, and not as one that it refuses.
+/// Whether the request accepts gzip: lists it, and not with a quality of 0.
 bool AcceptsGzip(const Request& request) {
     http::ext_list encodings(request[http::field::accept_encoding]);
     const auto gzip = encodings.find("gzip");
@@ -109,7 +109,7 @@ Response MakeFileResponse(const Request& request, const CHttpFiles& files, const
     if (bKnown) {
         response.content_length(boost::none);
     }
-    response.set(http::field::cache_control, "no-cache"); // kept, and asked for again
+    response.set(http::field::cache_control, "no-cache"); // may be kept, but is checked at each use
     response.set(http::field::etag, contents->strTag);
     response.set(http::field::vary, "Accept-Encoding");
     if (contents->bGzip && !bKnown) {
@@ -178,8 +178,8 @@ Response MakeReply(const Request& request, http::status status, const std::strin
     return MakeResponse(request, status, "application/json", strReply + "\n");
 }
 
-/// Reads the text for an object and hands it over. The reply says what became of it. A request whose body isn't there
-/// to its end leaves the connection useless, which then is closed.
+/// Reads the text for an object and hands it over. The reply says what became of it. When the body can't be read to its
+/// end, the connection is of no further use and is closed.
 Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head,
                                    const SHttpSite& site, error_code& error) {
     const Request request = head.get();
@@ -281,7 +281,7 @@ Awaitable<void> WriteResponse(TcpStream& stream, Response& response, bool bHeade
     }
 }
 
-/// Says that nothing follows, and reads on for a moment: a client that is still sending would lose the response.
+/// Says that nothing follows, then reads on for a moment: otherwise a client still sending would lose the response.
 Awaitable<void> CloseGently(TcpStream& stream) {
     error_code error;
     stream.socket().shutdown(TcpSocket::shutdown_send, error);

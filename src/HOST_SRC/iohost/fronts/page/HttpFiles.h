@@ -27,8 +27,8 @@ public:
     /// The file that a request's target names ("/" is the page itself); null when there is none.
     const SWebFile* Find(std::string_view target) const;
 
-    /// Reads a file anew, so that a page that was built again shows when it's loaded again; where gzip is accepted, the
-    /// compressed one beside it (.gz), if there is one. Nothing when it can't be read.
+    /// Reads a file anew, so that reloading the page shows a new build; with bAcceptsGzip the compressed file (.gz)
+    /// beside it, if there is one. Nothing when it can't be read.
     static std::optional<SWebFileContents> Read(const SWebFile& file, bool bAcceptsGzip);
 
 private:

@@ -226,8 +226,8 @@ private:
         }
     }
 
-    /// Nodes look at the keyboard when they are evaluated: a frame right after each change lets them miss none of those
-    /// that come between two frames.
+    /// Nodes read the keyboard when they are evaluated. A frame right after each change keeps them from missing one
+    /// when several come between two frames.
     void ShowKeysToNodes(const KeySet& keysBefore) {
         if (m_session.Held().VirtualKeys() != keysBefore) {
             GuardedFrame();
@@ -423,7 +423,7 @@ private:
     size_t m_nTurnedAway = 0; ///< that aren't closed yet
     unsigned long long m_nFrame = 0;
     SSceneChange m_change; ///< that nobody was told of yet
-    /// Tells scenes apart, also those of one host from another's at the same address.
+    /// A new random one for each scene: it also differs from those of another host at the same address.
     unsigned m_nSceneNumber{std::random_device{}()};
     std::string m_strToldHistory;
     unsigned long long m_nToldNetworkVersion = 0;

@@ -7,8 +7,8 @@
 
 class CRequestOrigin {
 public:
-    /// Addresses as texts, without brackets: the one that the server listens on, and the one that this connection came
-    /// in by, as where the server listens on all of the machine's. Where "localhost" is the latter, it is own too.
+    /// Own names: the address that the server listens on, and the one that this connection came in by, which differs
+    /// when the server listens on all; without brackets. For a loopback address also "localhost".
     CRequestOrigin(std::string_view boundAddress, std::string_view localAddress, unsigned short nPort);
 
     /// Whether a Host header names this server.

@@ -128,7 +128,7 @@ std::string CSceneFolder::Place(const std::string& strName) const {
     }
     const std::filesystem::path file = folder / name;
     for (const std::filesystem::path& place : {file.parent_path(), file}) {
-        // A link that leads nowhere now could be written through.
+        // A dangling link is refused, too: writing through it would make a file where it points.
         const std::filesystem::path real = RealPath(place);
         std::error_code error;
         if (real.empty() ? std::filesystem::is_symlink(place, error) : !IsWithin(real, folder)) {

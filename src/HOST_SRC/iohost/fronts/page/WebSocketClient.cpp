@@ -66,7 +66,7 @@ Awaitable<void> CWebSocketClient::ReadTexts() {
 
 /// Waits while the client asks for more than it reads. False: it took nothing for too long.
 Awaitable<bool> CWebSocketClient::AwaitRoom() {
-    // Meanwhile nothing is read that would break its silence.
+    // Meanwhile nothing is read, so the client can't show that it's there.
     m_socket.set_option(Timeouts(websocket::stream_base::none()));
     while (QueuedBytes() > MOST_WAITING) {
         error_code error;

@@ -50,7 +50,7 @@ public:
     /// Ends the connection at once.
     void Drop();
 
-    /// What waits to be taken, and what it costs to keep it; 0 once it was dropped.
+    /// Bytes of the texts not yet taken, and what keeping them costs; 0 once the client was dropped.
     size_t QueuedBytes() const { return m_bDropped ? 0 : m_nQueuedBytes; }
 
 private:

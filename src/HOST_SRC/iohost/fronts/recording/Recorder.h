@@ -4,7 +4,7 @@
 //   {"op":"recording","version":1,"texts":"en","reply":{"ok":true}}
 //   {"op":"clock","ms":123456,"reply":{"ok":true}}
 //   {"op":"process","frame":true,"reply":{"ok":true,"results":{"m":1}}}
-// "connection" numbers the page connection that a request came from; "from" stands in events that a network item was.
+// "connection": number of the page connection that sent the request; "from": the event was a network item.
 #pragma once
 
 #include <cstdint>
@@ -26,7 +26,7 @@ Command WithoutAddresses(Command command);
 /// All but the host's own log lines: they tell of connections, too.
 SActivity ActivityToKeep(SActivity activity);
 
-/// While a command is carried out the session's clock stands still, unless one has set it, so that a replay finds it.
+/// Stops the session's clock before each command, unless one has set it: a replay can then set the same times.
 class CRecorder final : private ISessionObserver {
 public:
     /// Records the session, which must outlive it, on this file anew. Null, with a message, when that can't be written.
@@ -48,8 +48,8 @@ private:
     CSession& m_session;
     std::ofstream m_file;
     COutputChanges m_frameOutputs;
-    bool m_bSaid = false;                    ///< that nothing more is written
+    bool m_bSaid = false;                    ///< the log says that nothing more is written
     bool m_bClockSet = false;                ///< by a command
     std::optional<std::uint64_t> m_nStopped; ///< where the clock was stopped last
-    std::optional<std::uint64_t> m_nKept;    ///< and what the recording says
+    std::optional<std::uint64_t> m_nKept;    ///< the time last written to the recording
 };

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// The value that an output's type and control make it show.
+/// The value of an output, in the form that its type and control ask for.
 std::string ValueText(const VEKParam& output, const SValues& values) {
     if (output.m_nType == PARAM_STRING.m_nType) {
         return "\"" + Utf8(values.strText) + "\"";

@@ -37,7 +37,7 @@ public:
         windowClass.hInstance = GetModuleHandleW(nullptr);
         windowClass.hCursor = LoadCursorW(nullptr, reinterpret_cast<LPCWSTR>(IDC_ARROW));
         windowClass.lpszClassName = WINDOW_CLASS;
-        RegisterClassW(&windowClass); // a failure shows in the window
+        RegisterClassW(&windowClass); // if this fails, so does CreateWindowExW
         RECT area = {0, 0, options.nWidth, options.nHeight};
         AdjustWindowRect(&area, WS_OVERLAPPEDWINDOW, FALSE);
         m_hWnd = CreateWindowExW(0, WINDOW_CLASS, L"iohost", WS_OVERLAPPEDWINDOW, CW_USEDEFAULT, CW_USEDEFAULT,
@@ -136,8 +136,8 @@ private:
             const bool bKey = message.message == WM_KEYDOWN || message.message == WM_KEYUP ||
                               message.message == WM_SYSKEYDOWN || message.message == WM_SYSKEYUP;
             if (bKey) {
-                // The keyboard's state changes with each of these messages, and nodes look at it when they are
-                // evaluated: a frame right after each lets them miss none of those that come between two frames.
+                // Each of these messages changes the keyboard's state, which nodes read when they are evaluated. A
+                // frame right after each keeps them from missing one when several come between two frames.
                 HandleInput();
                 Frame();
             }

@@ -202,7 +202,7 @@ void CWindowInput::OnWheel(HWND hWnd, int nDelta, POINT ptScreen) {
     }
 }
 
-/// Comes once a rest: it's waited for again after the next movement.
+/// Comes once each time that the pointer rests: the next movement asks for it again.
 void CWindowInput::OnHover(HWND hWnd) {
     if (m_bInside) {
         SendPointer(hWnd, EVENT_HOVER);
@@ -223,7 +223,7 @@ void CWindowInput::OnCaptureLost(HWND hWnd) {
     }
 }
 
-/// The system has told, or will not tell, that the pointer left during the drag.
+/// A leave during the drag was ignored, or never reported: see where the pointer is now.
 void CWindowInput::OnDragEnded(HWND hWnd) {
     RECT area = {};
     GetClientRect(hWnd, &area);

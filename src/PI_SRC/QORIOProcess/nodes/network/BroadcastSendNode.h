@@ -30,7 +30,7 @@ private:
     SOCKET m_hSocket = INVALID_SOCKET;
     sockaddr_in m_addrDestination = {}; ///< stays unset without a socket
 
-    // Kept from send to send: made anew they are 9 allocations more each time.
+    // Kept between sends: making them anew would take 9 more allocations each time.
     CStringArray m_arPiece;
     CString m_strText;
     int m_nBufferSize = 0;

@@ -112,7 +112,7 @@ void CNetParameterSendIOProcess::InitParam() try {
         const POSITION posBefore = lstBefore.Find(pToDev);
         CList<VEKParam*>& lstVersion = SiblingsOf(pVersion, lstGroup);
         lstVersion.InsertAfter(lstVersion.Find(pVersion), pToDev);
-        lstBefore.RemoveAt(posBefore); // at last, so that a failing insertion loses nothing
+        lstBefore.RemoveAt(posBefore); // last, so that a failing insertion loses nothing
     }
     if (VEKParam* pLayer = FindOwn(*this, INPUT_LAYER)) {
         FillChoicesOnce(pLayer, FillLayerLabels);

@@ -9,7 +9,7 @@
 
 #include "host/Codes.h"
 
-// A section a header, behind those that the header needs; one member a line:
+// One section per header, after those of the headers that it needs; one member per line:
 // clang-format off
 
 // ---- host/HostCommon.h
