@@ -166,7 +166,7 @@ test("no rule is broken by what an ended host left, nor by a question about it",
   await page.page.goto(next.page);
   await page.page.locator("[data-empty-scene]").waitFor();
   await page.page.evaluate(AXE);
-  await page.page.locator("[data-recovered]").getByRole("button", { name: "Throw them away" }).click();
+  await page.page.locator("[data-recovered]").getByRole("button", { name: "Discard them" }).click();
   await page.page.getByRole("alertdialog").waitFor();
   assert.deepEqual(await violationsIn("html"), []);
 });

@@ -676,7 +676,7 @@ test("Ctrl+Z in a field is the field's; elsewhere it undoes, with Shift it does 
   assert.equal((await canvas.names())[1], "Pointer");
   await page.keyboard.press("Control+z");
   await expectEventually("the name", async () => (await canvas.names())[1], "Mouse 1");
-  await page.page.getByText("Undone: Rename Mouse 1 to Pointer. What nodes heard or sent meanwhile stays.").waitFor();
+  await page.page.getByText("Undone: Rename Mouse 1 to Pointer. What nodes heard or sent since isn't undone.").waitFor();
   await expectEventually("the step", () => button(other, "redo").getAttribute("title"), "Redo: Rename Mouse 1 to Pointer");
   await page.keyboard.press("Control+Shift+z");
   await expectEventually("the name", async () => (await canvas.names())[1], "Pointer");

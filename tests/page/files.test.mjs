@@ -207,7 +207,7 @@ test("a device that isn't there is tried again from the inspector, and what othe
   await tryInVain(address);
   await card().getByText("what can't be sent is dropped after 2 s").waitFor();
   await page.getByRole("button", { name: "Send a test text" }).click();
-  await cameTo(2, "It waits for the device, and is dropped after 2 s.");
+  await cameTo(2, "The text waits for the device, and is dropped after 2 s.");
   await must(script, { op: "device", device: 4, name: "Floor", parser: "framed", address });
   await expectEventually("the name", () => page.locator("[data-part=name]").inputValue(), "Floor");
   assert.equal(await page.locator("[data-test-text]").count(), 0);
@@ -391,7 +391,7 @@ test("another file is opened; what isn't saved is asked for first, and undo brin
   await page.getByRole("button", { name: "Go back" }).click();
   await canvas.nodesAre(["Keyboard 1"]);
   await page.locator('[data-scene-file="mouse.json"]').click();
-  await page.getByRole("button", { name: "Open all the same" }).click();
+  await page.getByRole("button", { name: "Open anyway" }).click();
   await canvas.nodesAre(["Mouse 1"]);
   await page.locator("[data-undo]").click();
   await canvas.nodesAre(["Keyboard 1"]);
@@ -403,7 +403,7 @@ test("another file is opened; what isn't saved is asked for first, and undo brin
   await files.first().waitFor();
   assert.deepEqual(await files.locator("span").allTextContents(), ["mouse.json", "show 2.json", "show 10.json"]);
   await files.nth(1).click();
-  await page.getByRole("button", { name: "Open all the same" }).click();
+  await page.getByRole("button", { name: "Open anyway" }).click();
   await page.getByText("show 2.json wasn't opened. File: not JSON, from byte 2 on").waitFor();
 });
 
@@ -517,7 +517,7 @@ test("an empty scene offers something to begin with", async () => {
 test("what was left unsaved is taken, over something unsaved when it's asked for twice, or thrown away by two clicks", async () => {
   const port = Number(host.address.split(":")[1]);
   const banner = () => page.locator("[data-recovered]");
-  const take = () => banner().getByRole("button", { name: "Take them" }).click();
+  const take = () => banner().getByRole("button", { name: "Recover them" }).click();
   await startAnew(port); // one on any free port leaves nothing
   await canvas.choosePalette("Mouse");
   await canvas.nodesAre(["Mouse 1"]);
@@ -531,23 +531,23 @@ test("what was left unsaved is taken, over something unsaved when it's asked for
   await canvas.nodesAre(["Keyboard 1"]);
   await nameIs("", true);
   await take();
-  await page.getByRole("alertdialog").getByText("The scene has changes that aren't saved. Open untitled scene all the same?").waitFor();
+  await page.getByRole("alertdialog").getByText("The scene has changes that aren't saved. Open untitled scene anyway?").waitFor();
   await page.getByRole("button", { name: "Leave it" }).click();
   await canvas.nodesAre(["Keyboard 1"]);
   await take();
-  await page.getByRole("button", { name: "Open all the same" }).click();
+  await page.getByRole("button", { name: "Open anyway" }).click();
   await canvas.nodesAre(["Mouse 1"]);
   await banner().waitFor({ state: "detached" });
 
   await startAnew(port);
-  const throwAway = () => banner().getByRole("button", { name: "Throw them away" }).click();
-  await throwAway();
+  const discard = () => banner().getByRole("button", { name: "Discard them" }).click();
+  await discard();
   await page.getByRole("alertdialog").locator("button:focus", { hasText: "Leave it" }).waitFor();
   await page.keyboard.press("Enter");
   await page.getByRole("alertdialog").waitFor({ state: "detached" });
   await startAnew(port);
-  await throwAway();
-  await page.getByRole("button", { name: "Throw it away" }).click();
+  await discard();
+  await page.getByRole("button", { name: "Discard", exact: true }).click();
   await banner().waitFor({ state: "detached" });
   await startAnew(port);
   await page.locator("[data-empty-scene]").waitFor();
@@ -563,10 +563,10 @@ test("the demo is asked about where it takes the place of something that isn't s
   await nameIs("", true);
   const demo = page.getByRole("button", { name: "demo", exact: true });
   await demo.click();
-  await page.getByRole("alertdialog", { name: "Open demo.json all the same?" }).locator("button:focus", { hasText: "Leave it" }).click();
+  await page.getByRole("alertdialog", { name: "Open demo.json anyway?" }).locator("button:focus", { hasText: "Leave it" }).click();
   assert.equal((await must(script, { op: "network" })).devices.length, 1);
   await demo.click();
-  await page.getByRole("button", { name: "Open all the same" }).click();
+  await page.getByRole("button", { name: "Open anyway" }).click();
   await canvas.nodesAre(["Mouse 1"]);
 });
 

@@ -43,8 +43,8 @@ export function sendingText(device: DeviceState, listenOnly: boolean): string {
   }
   const { drop_after: seconds } = device;
   return seconds === undefined
-    ? t("It waits until the device takes it.")
-    : t("It waits for the device, and is dropped after {seconds} s.", { seconds });
+    ? t("The text waits until the device takes it.")
+    : t("The text waits for the device, and is dropped after {seconds} s.", { seconds });
 }
 
 export function queueText({ queued_items: items, queued_bytes: bytes }: DeviceState): string {

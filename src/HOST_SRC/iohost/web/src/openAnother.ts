@@ -9,8 +9,8 @@ export function openAnother(host: Host, desk: Desk, name: string, open: () => Pr
     return;
   }
   desk.question.value = {
-    text: t("The scene has changes that aren't saved. Open {file} all the same?", { file: name }),
-    yes: t("Open all the same"),
+    text: t("The scene has changes that aren't saved. Open {file} anyway?", { file: name }),
+    yes: t("Open anyway"),
     act: () => void open(),
   };
 }

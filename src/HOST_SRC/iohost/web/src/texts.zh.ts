@@ -33,7 +33,7 @@ export const ZH = {
   "This is too long for the host: it takes 1 MiB at a time.": "内容过长：主机一次最多接收 1 MiB。",
   "last frame < {seconds} s ago": "最近一帧在 {seconds} 秒内",
   "The host has stalled:": "主机无响应：",
-  "what is done here waits.": "此处的操作会等到它恢复后执行。",
+  "what you do here is carried out when it goes on.": "此处的操作会等到它恢复后执行。",
   "Connection lost.": "连接已断开。",
   "Held keys and buttons were released.": "按住的按键和按钮已释放。",
   "Trying again in {seconds} s.": "{seconds} 秒后重试。",
@@ -42,7 +42,7 @@ export const ZH = {
 
   // Render surface
   "Render surface": "渲染画面",
-  "Keys go to the nodes while it has the focus.": "获得焦点时，按键传给节点。按",
+  "Keys go to the nodes while the surface has the focus.": "获得焦点时，按键传给节点。按",
   "leaves it.": "离开。",
   "Samples": "采样",
   "Pixels": "像素",
@@ -74,7 +74,7 @@ export const ZH = {
   "Make it smaller": "缩小",
   "Enlarge": "放大",
   "Enlarge the render surface": "放大渲染画面",
-  "Keys go to the nodes while it has the focus. Tab leaves it.": "获得焦点时，按键传给节点。按 Tab 离开。",
+  "Keys go to the nodes while the surface has the focus. Tab leaves it.": "获得焦点时，按键传给节点。按 Tab 离开。",
 
   // What is held
   "Held": "按住",
@@ -140,7 +140,7 @@ export const ZH = {
   "Clear": "清空",
   "Log lines": "日志行",
   "Nothing logged yet.": "还没有日志。",
-  "No line fits.": "没有符合条件的行。",
+  "No line matches.": "没有符合条件的行。",
 
   // Graph
   "Graph of the scene": "场景的节点图",
@@ -153,7 +153,7 @@ export const ZH = {
   "numbers": "数字",
   "texts": "文本",
   "Enter or Space chooses a node. Delete removes it, Escape lets it go.": "按回车或空格选择节点，按 Delete 删除，按 Esc 取消选择。",
-  "Enter or Space chooses a node; the arrow keys then move it, and Tab leads to its pins, of a note to the corner that sizes it. F2 renames it, Delete removes it, Escape lets it go.":
+  "Enter or Space chooses a node; the arrow keys then move it, and Tab leads to its pins, or to the corner that sizes a note. F2 renames it, Delete removes it, Escape lets it go.":
     "按回车或空格选择节点，再用方向键移动，用 Tab 移到其端口（便签则移到调整大小的角），按 F2 重命名，按 Delete 删除，按 Esc 取消选择。",
   "Enter or Space chooses a wire. Delete removes it, Escape lets it go.": "按回车或空格选择连线，按 Delete 删除，按 Esc 取消选择。",
   "Moved to {x}, {y}.": "已移动到 {x}, {y}。",
@@ -199,7 +199,7 @@ export const ZH = {
   // Network
   "Devices and other hosts": "设备与其他主机",
   "Listen only": "只监听",
-  "What nodes send is shown here and goes nowhere, broadcasts too.": "节点发送的内容只在此显示，不会发出，广播也一样。",
+  "What nodes send, broadcasts too, is only shown here and doesn't go out.": "节点发送的内容只在此显示，不会发出，广播也一样。",
   "What nodes send to devices goes out.": "节点发给设备的内容会发出。",
   "No devices yet.": "还没有设备。",
   "{count} of {all} connected": "已连接 {count}/{all}",
@@ -229,7 +229,7 @@ export const ZH = {
   "{count} connected": "{count} 个连接",
 
   // JSON texts
-  "Whom to send to": "发送给",
+  "Send to": "发送给",
   "as device": "作为设备",
   "to object": "发给物体",
   "Device number": "设备编号",

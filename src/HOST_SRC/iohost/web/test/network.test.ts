@@ -43,8 +43,8 @@ test("what became of a text follows from how its device stands", () => {
   assert.equal(sendingText({ ...DEVICE, address: null }, true), "Only shown: the device has no address.");
   assert.equal(sendingText(DEVICE, true), "Only shown: listen only is on.");
   assert.equal(sendingText(DEVICE, false), "Sent.");
-  assert.equal(sendingText(gone, false), "It waits until the device takes it.");
-  assert.equal(sendingText(late, false), "It waits for the device, and is dropped after 0.5 s.");
+  assert.equal(sendingText(gone, false), "The text waits until the device takes it.");
+  assert.equal(sendingText(late, false), "The text waits for the device, and is dropped after 0.5 s.");
   assert.equal(patienceText(gone), "what can't be sent waits");
   assert.equal(patienceText(late), "what can't be sent is dropped after 0.5 s");
 });

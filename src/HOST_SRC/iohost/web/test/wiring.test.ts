@@ -26,10 +26,10 @@ test("pins of one sort fit, others don't", () => {
   assert.equal(refusal(from("text"), to("switch")), "An output with texts doesn't fit an input for whole numbers.");
 });
 
-test("a number is rounded for a whole number; a whole number brings nothing to a number", () => {
+test("a number is rounded for a whole number; a whole number gives a number no value", () => {
   assert.equal(refusal(from("float"), to("integer")), null);
   assert.equal(refusal(from("float"), to("switch")), null);
-  assert.match(refusal(from("switch"), to("float"))!, /brings nothing to an input for numbers/);
+  assert.match(refusal(from("switch"), to("float"))!, /gives no value to an input for numbers/);
   assert.equal(refusal(from("float"), to("text")), "An output with numbers doesn't fit an input for texts.");
   assert.equal(refusal(from("text"), to("float")), "An output with texts doesn't fit an input for numbers.");
 });

@@ -103,7 +103,7 @@ export function Palette({ editor, call }: { editor: Editor; call: PaletteCall })
             </li>
           ))}
         </ul>
-        {entries.length === 0 && <p class="empty">{t("Nothing fits.")}</p>}
+        {entries.length === 0 && <p class="empty">{t("No matches.")}</p>}
       </div>
     </div>
   );

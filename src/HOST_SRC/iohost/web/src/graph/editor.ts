@@ -276,7 +276,7 @@ export class Editor {
     const count = sizeOf(clipping);
     if (count + clipping.leftOut > 0) {
       const isKept = keepClipping(localStorage, clipping);
-      const copied = isKept ? t("Copied: {count}", { count }) : t("Copied for this page alone: {count}", { count });
+      const copied = isKept ? t("Copied: {count}", { count }) : t("Copied, for this page only: {count}", { count });
       this.desk.message.value = withLeftOut(copied, clipping);
     }
   }

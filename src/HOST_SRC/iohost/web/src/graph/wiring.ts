@@ -43,7 +43,7 @@ export function refusal(from: { node: string; param: Kinds }, to: { node: string
   }
   const values = { output: nameOf(output), input: nameOf(input) };
   return output === "integer" && input === "float"
-    ? t("An output with {output} brings nothing to an input for {input}: links copy values as they stand.", values)
+    ? t("An output with {output} gives no value to an input for {input}: links don't convert this.", values)
     : t("An output with {output} doesn't fit an input for {input}.", values);
 }
 

@@ -14,7 +14,7 @@ export function ConnectionLamp({ host }: { host: Host }) {
     <>
       {stalled && (
         <span class="stalled" role="alert">
-          <strong>{t("The host has stalled:")}</strong> {t("what is done here waits.")}
+          <strong>{t("The host has stalled:")}</strong> {t("what you do here is carried out when it goes on.")}
         </span>
       )}
       <span class="connection">

@@ -54,7 +54,7 @@ export function HistoryList({ host, desk }: { host: Host; desk: Desk }) {
       </button>
       {isOpen && list !== null && (
         <div class="history-list" role="dialog" aria-label={t("History")}>
-          <p class="hint">{t("Going back changes the scene; what nodes heard or sent stays.")}</p>
+          <p class="hint">{t("Going back changes the scene; what nodes heard or sent isn't undone.")}</p>
           <ol>
             {list.steps.map((step, index) => entry(index + 1, list, stepText(step))).reverse()}
             {entry(0, list, t("As it was at first"))}

@@ -51,7 +51,7 @@ export function JsonPanel({ host, shown }: PanelProps) {
       <form class="json-form" onSubmit={send}>
         <div class="json-address">
           <select
-            aria-label={t("Whom to send to")}
+            aria-label={t("Send to")}
             data-json="to"
             value={to}
             onChange={(event) => type({ to: event.currentTarget.value as TextAddress["to"] })}

@@ -191,7 +191,7 @@ export function LogPanel({ host, desk, shown }: PanelProps) {
           {t("Clear")}
         </button>
       </div>
-      {found.length === 0 && <p class="empty">{lines.length === 0 ? t("Nothing logged yet.") : t("No line fits.")}</p>}
+      {found.length === 0 && <p class="empty">{lines.length === 0 ? t("Nothing logged yet.") : t("No line matches.")}</p>}
       <div
         class="log"
         ref={list}

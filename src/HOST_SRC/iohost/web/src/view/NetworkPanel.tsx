@@ -40,7 +40,7 @@ export function NetworkPanel({ host, desk, shown }: PanelProps) {
         </label>
         <span class="hint">
           {listenOnly
-            ? t("What nodes send is shown here and goes nowhere, broadcasts too.")
+            ? t("What nodes send, broadcasts too, is only shown here and doesn't go out.")
             : t("What nodes send to devices goes out.")}
         </span>
         <Editing>

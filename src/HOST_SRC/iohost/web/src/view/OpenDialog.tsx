@@ -45,10 +45,10 @@ export function OpenDialog({ host, desk, onClose }: FileDialogProps) {
     <Dialog title={t("Open a scene")} error={error} onClose={onClose}>
       {waiting !== null ? (
         <div role="alert">
-          <p class="dialog-warning">{t("The scene has changes that aren't saved. Open {file} all the same?", { file: waiting.name })}</p>
+          <p class="dialog-warning">{t("The scene has changes that aren't saved. Open {file} anyway?", { file: waiting.name })}</p>
           <div class="dialog-row">
             <Answers
-              yes={t("Open all the same")}
+              yes={t("Open anyway")}
               onYes={() => void carryOut(waiting.name, waiting.open)}
               no={t("Go back")}
               onNo={() => setWaiting(null)}

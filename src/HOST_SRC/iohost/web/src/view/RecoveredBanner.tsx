@@ -12,28 +12,28 @@ export function RecoveredBanner({ host, desk }: { host: Host; desk: Desk }) {
   }
   const name = recovered.file ?? t("untitled scene");
   const answer = async (take: boolean) => {
-    desk.tell(await host.requests.recover(take), take ? t("Recovered. Save it to keep it.") : t("Thrown away."));
+    desk.tell(await host.requests.recover(take), take ? t("Recovered. Save it to keep it.") : t("Discarded."));
   };
-  const askToThrowAway = () => {
+  const askToDiscard = () => {
     desk.question.value = {
-      text: t("What was left unsaved can't be brought back then. Throw it away?"),
-      yes: t("Throw it away"),
+      text: t("The unsaved changes can't be brought back after that. Discard them?"),
+      yes: t("Discard"),
       act: () => void answer(false),
     };
   };
   return (
     <div class="recovered" role="alert" data-recovered>
       <span>
-        {t("An earlier run left changes of {file} unsaved, of {time}.", {
+        {t("An earlier run left unsaved changes to {file} from {time}.", {
           file: name,
           time: new Date(recovered.modified_ms).toLocaleString(),
         })}
       </span>
       <button type="button" onClick={() => openAnother(host, desk, name, () => answer(true))}>
-        {t("Take them")}
+        {t("Recover them")}
       </button>
-      <button type="button" onClick={askToThrowAway}>
-        {t("Throw them away")}
+      <button type="button" onClick={askToDiscard}>
+        {t("Discard them")}
       </button>
     </div>
   );

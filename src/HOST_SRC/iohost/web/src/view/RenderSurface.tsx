@@ -95,8 +95,8 @@ export function RenderSurface({ host, desk }: { host: Host; desk: Desk }) {
     <section class="panel surface-panel" aria-labelledby="surface-title">
       <div class="panel-head">
         <h2 id="surface-title">{t("Render surface")}</h2>
-        <span class="hint" id="surface-hint" title={t("Keys go to the nodes while it has the focus. Tab leaves it.")}>
-          <span class="screen-reader">{t("Keys go to the nodes while it has the focus.")}</span> <kbd>Tab</kbd> {t("leaves it.")}
+        <span class="hint" id="surface-hint" title={t("Keys go to the nodes while the surface has the focus. Tab leaves it.")}>
+          <span class="screen-reader">{t("Keys go to the nodes while the surface has the focus.")}</span> <kbd>Tab</kbd> {t("leaves it.")}
         </span>
         <span class="switch-label">{t("Samples")}</span>
         <div class="segments" role="group" aria-label={t("Samples")}>

@@ -38,7 +38,7 @@ function UndoButtons({ host, desk }: { host: Host; desk: Desk }) {
     } else {
       const step = stepText(taken);
       desk.message.value =
-        is === "undo" ? t("Undone: {step}. What nodes heard or sent meanwhile stays.", { step }) : t("Done again: {step}", { step });
+        is === "undo" ? t("Undone: {step}. What nodes heard or sent since isn't undone.", { step }) : t("Done again: {step}", { step });
     }
   };
   useEffect(() => {
