@@ -52,8 +52,7 @@ bool ReadBroadcast(std::span<const unsigned char> datagram, SBroadcastItem& item
         nRefusal = EBroadcastRefusal::NotText;
         return false;
     }
-    if (text->size() < FRAME_BEGIN.size() + FRAME_END.size() || !text->starts_with(FRAME_BEGIN) ||
-        !text->ends_with(FRAME_END)) {
+    if (!text->starts_with(FRAME_BEGIN) || !text->ends_with(FRAME_END)) { // which don't overlap in any text
         nRefusal = EBroadcastRefusal::NotFramed;
         return false;
     }

@@ -158,7 +158,6 @@ void CPeers::Listen(const SListenSetup& setup) {
         }
     } catch (const CRefusal&) {
         pBroadcast.reset();
-        pControl.reset();
         Reopen(m_pBroadcast);
         Reopen(m_pControl);
         throw;
