@@ -5,6 +5,7 @@
 #include <span>
 #include <stdexcept>
 #include <type_traits>
+#include <utility>
 
 #include "host/EventRecord.h"
 #include "host/GeneralEvent.h"
@@ -46,7 +47,8 @@ enum : int {
     DO_RAISE_IN_INIT,
     DO_RAISE_IN_OUTPUTS,
     DO_RAISE_IN_EDIT,
-    DO_RAISE_TO_THE_END, ///< in InitParam, and once it's destroyed
+    DO_RAISE_TO_THE_END,     ///< in InitParam, and once it's destroyed
+    DO_RAISE_WHEN_MADE_ANEW, ///< when a node is asked for once it's destroyed
 };
 
 struct Row {
@@ -233,6 +235,8 @@ private:
     int m_nSeen = 0; ///< evaluations that found "Send" triggered
 };
 
+bool s_bRaiseAtNext = false; ///< when a node is asked for
+
 } // namespace
 
 extern "C" int APIENTRY DllMain(HINSTANCE /*hInstance*/, DWORD /*dwReason*/, LPVOID /*pReserved*/) {
@@ -242,6 +246,9 @@ extern "C" int APIENTRY DllMain(HINSTANCE /*hInstance*/, DWORD /*dwReason*/, LPV
 extern "C" __declspec(dllexport) int WINAPI
     IOProcessFunc(unsigned nOperation, void* pArgument, SIOProcessPluginData* pData) {
     if (nOperation == IOP_CREATE_NODE) {
+        if (std::exchange(s_bRaiseAtNext, false)) {
+            AfxThrowInvalidArgException();
+        }
         const GUID& guidType = *static_cast<const GUID*>(pArgument);
         if (guidType == GUID_PROBE || guidType == GUID_IMMORTAL) {
             pData->pNode = new CProbe(guidType);
@@ -253,6 +260,7 @@ extern "C" __declspec(dllexport) int WINAPI
         if (ref.guidType == GUID_PROBE) {
             const auto* pProbe = static_cast<const CProbe*>(ref.pNode);
             const bool bRaise = pProbe != nullptr && pProbe->IsTo(DO_RAISE_TO_THE_END);
+            s_bRaiseAtNext = pProbe != nullptr && pProbe->IsTo(DO_RAISE_WHEN_MADE_ANEW);
             delete pProbe;
             if (bRaise) {
                 AfxThrowInvalidArgException();

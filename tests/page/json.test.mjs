@@ -206,5 +206,7 @@ test("posted texts reach the object's node, long ones and those in pieces, too; 
   const chunked = head(0).replace("Content-Length: 0", "Transfer-Encoding: chunked");
   socket.write(`${chunked}3\r\nchu\r\n4\r\nnked\r\n0\r\n\r\n`);
   await page.shows(OBJECT_TEXT, "chunked");
+  socket.write(`${chunked}no length\r\n`);
+  await until("the refusal", () => answer.includes("the request's body can't be read: "));
   socket.destroy();
 });

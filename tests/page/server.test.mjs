@@ -282,9 +282,11 @@ test("a broadcast port that is none is told in the log", async () => {
 });
 
 test("an address that is none, and a folder without a page, are told together with their options", async () => {
-  const address = await runHost("--listen", "nowhere.example:0");
-  assert.notEqual(address.code, 0);
-  assert.match(address.stderr, /--listen/);
+  for (const options of [["--listen", "nowhere.example:0"], ["--listen", "127.0.0.1:0", "--control", "nowhere.example:0"]]) {
+    const { code, stderr } = await runHost(...options);
+    assert.notEqual(code, 0);
+    assert.match(stderr, new RegExp(`^iohost: ${options.at(-2)}: .*"nowhere\\.example" isn't a numeric address`));
+  }
   const folder = temporaryFolder();
   for (const web of [folder, join(folder, "missing")]) {
     const { code, stderr } = await runHost("--listen", "127.0.0.1:0", "--web", web);

@@ -371,6 +371,11 @@ TEST_F(NetworkRequests, ARunningHostShowsTheBeginningOfLongBytes) {
     EXPECT_EQ(shown["sent"][0]["raw"].get<std::string>().size(), 2 * MOST_SHOWN);
     EXPECT_EQ(shown["sent"][0]["size"], MOST_SHOWN + 1);
     EXPECT_EQ(shown["sent"][1].dump(), R"({"device":3,"raw":"01"})");
+    activity.sent.assign(17, SSentBytes{3, std::vector<unsigned char>(MOST_SHOWN), {}});
+    CutForViewers(activity);
+    const OrderedJson last = ToJson(activity)["sent"][16];
+    EXPECT_EQ(last["raw"].get<std::string>().size(), 2 * 300u) << "less of each behind the first MiB";
+    EXPECT_EQ(last.value("size", 0u), MOST_SHOWN);
 }
 
 TEST_F(NetworkRequests, ManyItemsAtOnceLeaveTheFramesTheirTime) {
@@ -614,6 +619,19 @@ TEST_F(NetworkRequests, RecordsOfAnotherHostFireTheReceiveNodeInWhateverPiecesTh
     CTestPeers::Write(other, RecordFrame("second") + RecordFrame("third"));
     Await([this] { return Control()["received"] == 3; });
     EXPECT_EQ(Param("receive", "outputs", 552)["string"], "third");
+}
+
+TEST_F(NetworkRequests, AWaitTellsWhatItsItemsHaveRedrawn) {
+    CreateRecordNodes();
+    m_pSession->SetEvaluation(EEvaluation::Event);
+    Talk(R"(
+        link from=receive output=554 to=send input=410
+        set node=send param=412 int=0
+    )");
+    auto other = m_peers.Connect(ListenControl());
+    CTestPeers::Write(other, RecordFrame());
+    const OrderedJson reply = AwaitItem();
+    EXPECT_TRUE(Matches(reply, Json::parse(R"({"notified":[{"node":"send"}],"redrawn":[{"node":"send"}]})"))) << reply;
 }
 
 TEST_F(NetworkRequests, AConnectionOutOfStepOrCutOffIsCountedAndTheOthersGoOn) {

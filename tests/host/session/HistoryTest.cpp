@@ -421,6 +421,25 @@ TEST_F(ProbeHistory, NodesThatRaiseComeBackAllTheSame) {
     EXPECT_EQ(WholeScene(), before);
 }
 
+/// The 12 makes the module raise when it's asked for the node again: the steps that are left don't fit the scene.
+TEST_F(ProbeHistory, AStepThatCantBeTakenBackEndsTheHistory) {
+    const CLastChange last(*m_pSession);
+    for (const char* pszFailing :
+         {"undo", R"(batch requests=[{"op":"destroy","node":"p"},{"op":"rename","node":"zz","graph":""}])"}) {
+        Must(CREATE_PROBE);
+        Must("set node=p param=10 int=12 own=true");
+        if (pszFailing == std::string("undo")) {
+            Must("destroy node=p");
+        }
+        EXPECT_EQ(AskObject(pszFailing)["ok"], false);
+        EXPECT_TRUE(last.m_change.bEverything) << pszFailing;
+        Talk(R"(
+            history => {"steps":[]}
+            scene => {"nodes":[]}
+        )");
+    }
+}
+
 /// Any steps, undone and redone at random, leave what the steps that are done leave in a new session.
 TEST_F(History, RandomEditsUndosAndRedosEndWhereTheirEffectDoes) {
 #if defined(_WIN32) // where it takes longer, and nothing of it depends on the system
