@@ -439,9 +439,9 @@ test("a scene of this computer is saved under its file's name when it's asked fo
   await expectEventually("the name that is proposed", () => name.inputValue(), "mouse");
   await name.and(page.locator(":focus")).waitFor();
   await page.keyboard.press("Enter");
-  await page.getByText("mouse.json is there already and will be replaced.").waitFor();
-  const replace = page.getByRole("button", { name: "Replace" });
-  await replace.and(page.locator(":focus")).waitFor();
+  const question = page.getByRole("alert").filter({ hasText: "mouse.json is another scene's. Replace it?" });
+  await question.locator("button:focus", { hasText: "Go back" }).press("Enter");
+  await question.waitFor({ state: "detached" });
   await name.fill("mouse and keyboard");
   await page.keyboard.press("Enter");
   await nameIs("mouse and keyboard.json", false);
@@ -452,8 +452,7 @@ test("a scene of this computer is saved under its file's name when it's asked fo
   await expectEventually("no name", () => name.inputValue(), "");
   await name.fill("mouse");
   await page.keyboard.press("Enter");
-  await replace.and(page.locator(":focus")).waitFor();
-  await page.keyboard.press("Enter");
+  await question.getByRole("button", { name: "Replace" }).click();
   await nameIs("mouse.json", false);
 });
 

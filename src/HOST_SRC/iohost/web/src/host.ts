@@ -17,7 +17,7 @@ import type { Counters, HeldEntry, Link, NetworkState, NodeCounts, Note, OutputV
 
 export type ConnectionState =
   | { is: "connecting" }
-  | { is: "open"; version: string; fps: number; address: string; connection: number }
+  | { is: "open"; version: string; fps: number; address: string; connection: number; scene: number }
   | { is: "lost"; retryAt: number };
 
 export type NodeView = SceneNode & { details: Omit<NodeDetails, "own"> };

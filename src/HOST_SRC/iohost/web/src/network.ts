@@ -21,8 +21,8 @@ export function stateText(device: DeviceState, told: number): string {
 }
 
 /** Whether a device should be connected and isn't. */
-export function isLost({ state }: DeviceState): boolean {
-  return state === "waiting" || state === "connecting";
+export function isLost({ address, state }: DeviceState): boolean {
+  return address !== null && state !== "connected";
 }
 
 /** How long what a device can't take is kept for it. */

@@ -153,7 +153,7 @@ export const ZH = {
   "numbers": "数字",
   "texts": "文本",
   "Enter or Space chooses a node. Delete removes it, Escape lets it go.": "按回车或空格选择节点，按 Delete 删除，按 Esc 取消选择。",
-  "Enter or Space chooses a node; the arrow keys then move it, and Tab leads to its pins, or to the corner that sizes a note. F2 renames it, Delete removes it, Escape lets it go.":
+  "Enter or Space chooses a node; the arrow keys then move it, and Tab leads to its pins, or to the corner that sizes a note. F2 renames it or writes in a note, Delete removes it, Escape lets it go.":
     "按回车或空格选择节点，再用方向键移动，用 Tab 移到其端口（便签则移到调整大小的角），按 F2 重命名，按 Delete 删除，按 Esc 取消选择。",
   "Enter or Space chooses a wire. Delete removes it, Escape lets it go.": "按回车或空格选择连线，按 Delete 删除，按 Esc 取消选择。",
   "Moved to {x}, {y}.": "已移动到 {x}, {y}。",

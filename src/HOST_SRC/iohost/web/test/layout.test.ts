@@ -49,7 +49,7 @@ test("boxes of the same sizes, linked alike, stand to each other alike; others d
 test("a note goes with the node that is nearest to it, below what covers it; all stand apart then, and so they stay", () => {
   const node = (id: string, x: number, y: number) => ({ ...box(id), x, y });
   const note = (id: string, x: number, y: number) => ({ id, x, y, width: 200, height: 90 });
-  const nodes = [node("a", 0, 0), node("b", 0, 260), node("c", 0, 560)];
+  const nodes = [node("a", 0, 0), node("b", 0, 260), node("c", 0, 560), node("d", -2000, 0)];
   const notes = [
     note("right of a", 380, 0),
     note("above c", 0, 455),
@@ -57,7 +57,7 @@ test("a note goes with the node that is nearest to it, below what covers it; all
     note("behind b, too", 30, 265),
     note("far", 3000, 2000),
   ];
-  const links = [link("a", "b"), link("b", "c")];
+  const links = [link("a", "d"), link("a", "b"), link("b", "c")]; // d comes below b's notes
   const places = arrangeWithNotes(nodes, notes, links);
   const from = (id: string, other: string) => [at(places, id).x - at(places, other).x, at(places, id).y - at(places, other).y];
   assert.deepEqual(from("right of a", "a"), [320, 0]);
@@ -65,6 +65,7 @@ test("a note goes with the node that is nearest to it, below what covers it; all
   assert.deepEqual(from("behind b", "b"), [20, 120]);
   assert.deepEqual(from("behind b, too", "b"), [30, 230]);
   assert.deepEqual(from("far", "c"), [320, 120]);
+  assert.ok(from("d", "behind b, too")[1]! > 0);
   const [arranged, arrangedNotes] = [nodes, notes].map((all) => all.map((one) => ({ ...one, ...at(places, one.id) })));
   const all = [...arranged!, ...arrangedNotes!];
   for (const [index, one] of all.entries()) {

@@ -47,7 +47,7 @@ const ADDING_KEYS = ["Control", "Meta"];
 const MAP_SIZE = { width: 120, height: 80 };
 /** Paddings that keep the whole scene clear of the buttons and the map, 15 pixels from the edge: between them, or above them. */
 const CLEAR_OF_PANELS = [{ left: "55px", right: "150px", y: 0.1 }, { x: 0.1, top: 0.1, bottom: "105px" }] as const;
-/** Of hundreds of nodes all are seen. */
+/** Small enough to show hundreds of nodes at once. */
 const LEAST_ZOOM = 0.01;
 
 /** The scene as a graph, live: nodes are added, wired, moved, named and removed here. Another scene begins anew. */

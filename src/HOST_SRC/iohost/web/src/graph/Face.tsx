@@ -127,7 +127,7 @@ function NameField({ editor, node }: { editor: Editor; node: NodeView }) {
     field.current!.select();
     return () => {
       if (editor.renaming.peek() === node.node) {
-        editor.renaming.value = null; // the node is gone
+        editor.renaming.value = null; // the face is gone, or a box now
       }
     };
   }, []);

@@ -20,7 +20,7 @@ type Piece = Box & Place;
 /** With room for the line that a face gets with a verdict or a warning. */
 const GAP = 44;
 const RANK_GAP = 96;
-/** So far at most a note stands from its node: nearer than any other node, so that it stays with its own. */
+/** So far at most a note stands from its node or another note of it: nearer than from any others, so that it stays with them. */
 const NOTE_GAP = 20;
 /** Of the whole, as of most canvases. */
 const WIDTH_TO_HEIGHT = 2;
@@ -66,11 +66,11 @@ export function arrange(boxes: readonly Box[], links: readonly Link[]): Map<stri
   return places;
 }
 
-/** The same for boxes with notes: each goes along with the box that is nearest to it, on its side of it, or below what covers it there. */
+/** The same for boxes with notes: each goes along with the box that it, or another note of it, is nearest to, on its side of it, or below what covers it there. */
 export function arrangeWithNotes(boxes: readonly Piece[], notes: readonly Piece[], links: readonly Link[]): Map<string, Place> {
   const groups = boxes.map((box) => ({ id: box.id, pieces: [box] }));
   for (const note of groups.length > 0 ? notes : []) {
-    const gaps = boxes.map((box) => gap(box, note));
+    const gaps = groups.map(({ pieces }) => Math.min(...pieces.map((one) => gap(one, note))));
     const { pieces } = groups[gaps.indexOf(Math.min(...gaps))]!;
     const beside = { ...note, ...besideOf(pieces[0]!, note) };
     const { y, height } = around(pieces);

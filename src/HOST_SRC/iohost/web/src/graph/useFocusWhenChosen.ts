@@ -3,8 +3,8 @@ import { useLayoutEffect, useRef } from "preact/hooks";
 import { takesKeys } from "../desk.ts";
 
 /**
- * Focuses a node or note that comes chosen, or the part itself where that is to be written, unless somebody types; one that is
- * chosen later only while nothing has the focus.
+ * Focuses a node or note that comes chosen, unless somebody types; one that is chosen later only while nothing has the focus.
+ * One that `isWritten` comes with the focus in the part, which takes what is typed.
  */
 export function useFocusWhenChosen(part: RefObject<HTMLElement | null>, isChosen: boolean, isWritten = false): void {
   const isNew = useRef(true);

@@ -82,7 +82,7 @@ export class Strokes {
     this.#tell();
   }
 
-  /** They were drawn for another connection's host. */
+  /** Forgets those that ended, too. */
   clear(): void {
     this.#ended = [];
     this.drop();

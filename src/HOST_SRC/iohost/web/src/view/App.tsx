@@ -34,8 +34,11 @@ export function App({ host }: { host: Host }) {
   const isPhone = usePhone();
   // Without the canvas nothing is chosen.
   const desk = useMemo(() => new Desk(!isPhone), [isPhone]);
-  // What was said before is about another connection, if not about another host.
-  useEffect(() => host.connection.subscribe(({ is }) => is === "open" && desk.tell(null, "")), [host, desk]);
+  // What was said before is about another host's scene.
+  useEffect(
+    () => host.connection.subscribe((state) => state.is === "open" && !host.isCurrent(state.scene) && desk.tell(null, "")),
+    [host, desk],
+  );
   return (
     <DeskContext.Provider value={desk}>
       <div class={isPhone ? "app phone" : "app"}>
@@ -44,7 +47,7 @@ export function App({ host }: { host: Host }) {
         <Editing>
           <RecoveredBanner host={host} desk={desk} />
         </Editing>
-        <Editing otherwise={<p class="hint wider">{t("The graph takes a wider window.")}</p>}>{null}</Editing>
+        {isPhone && <p class="hint wider">{t("The graph takes a wider window.")}</p>}
         <main class={desk.surfaceIsLarge.value ? "desk desk-surface" : "desk"}>
           <div class="stage">
             <Editing>
@@ -59,7 +62,7 @@ export function App({ host }: { host: Host }) {
             <Inspector host={host} desk={desk} />
           </div>
         </main>
-        <Editing otherwise={<Message desk={desk} />}>{null}</Editing>
+        {isPhone && <Message desk={desk} />}
       </div>
     </DeskContext.Provider>
   );

@@ -166,18 +166,20 @@ function DeviceTrial({ host, device }: { host: Host; device: DeviceState }) {
   const [text, setText] = useState(TEST_TEXT);
   const takesTexts = parser === "direct" || parser === "json";
   const [isTrying, setTrying] = useState(false);
-  const [attempt, setAttempt] = useState("");
+  /** What the last try came to, which holds while the device's state does. */
+  const [attempt, setAttempt] = useState({ text: "", state });
   const [sending, setSending] = useState("");
   useEffect(() => {
     if (isTrying && state !== "connecting") {
-      setAttempt(state === "waiting" ? t("Not reached: {problem}", { problem: reasonText(problem ?? "") }) : t("Connected"));
+      const text = state === "waiting" ? t("Not reached: {problem}", { problem: reasonText(problem ?? "") }) : t("Connected");
+      setAttempt({ text, state });
       setTrying(false);
     }
   }, [isTrying, state]);
   const tryNow = async () => {
     const refusal = await host.requests.connect(id);
     await host.readNetwork(); // by now the attempt has begun: a device that waits is one that it didn't reach
-    setAttempt(refusal ?? "");
+    setAttempt({ text: refusal ?? "", state });
     setTrying(refusal === null);
   };
   const send = async (event: Event) => {
@@ -195,7 +197,7 @@ function DeviceTrial({ host, device }: { host: Host; device: DeviceState }) {
           <button type="button" onClick={tryNow}>
             {t("Try to connect")}
           </button>
-          <Outcome text={isTrying ? t("Trying to connect…") : attempt} />
+          <Outcome text={isTrying ? t("Trying to connect…") : attempt.state === state ? attempt.text : ""} />
         </div>
       )}
       {takesTexts && (
@@ -205,7 +207,10 @@ function DeviceTrial({ host, device }: { host: Host; device: DeviceState }) {
             aria-label={t("Test text")}
             value={text}
             data-test-text
-            onInput={(event) => setText(event.currentTarget.value)}
+            onInput={(event) => {
+              setText(event.currentTarget.value);
+              setSending("");
+            }}
           />
           <button type="submit">{t("Send a test text")}</button>
           <Outcome text={sending} />

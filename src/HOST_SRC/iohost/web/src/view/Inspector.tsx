@@ -34,6 +34,7 @@ export function Inspector({ host, desk }: { host: Host; desk: Desk }) {
       return undefined;
     }
     const opener = document.activeElement;
+    section.current!.scrollTop = 0;
     section.current!.focus();
     return () => {
       if (document.activeElement === document.body) {
@@ -103,7 +104,7 @@ function Nodes({ host, desk, shownOf }: NodesProps) {
   );
 }
 
-/** Leads to each node's card, and flashes when the node fires, so that it's seen wherever the cards are scrolled to. */
+/** Leads to each node's card, and flashes when the node fires, so that it's seen whichever cards are in sight. */
 function NodeIndex({ host, nodes }: { host: Host; nodes: readonly NodeView[] }) {
   return (
     <nav class="node-index" aria-label={t("Nodes")}>

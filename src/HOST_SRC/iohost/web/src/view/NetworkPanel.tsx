@@ -85,7 +85,7 @@ function DeviceLink({ desk, device: { id, name } }: { desk: Desk; device: Device
 }
 
 function Device({ desk, device, told }: { desk: Desk; device: DeviceState; told: number }) {
-  const lamp = isLost(device) ? "lamp lamp-lost" : device.state === "connected" ? "lamp lamp-open" : "lamp";
+  const lamp = isLost(device) ? "lamp lamp-lost" : device.address !== null ? "lamp lamp-open" : "lamp";
   return (
     <Peer id={`device-${device.id}`} title={<DeviceLink desk={desk} device={device} />} lamp={lamp}>
       <DeviceLine device={device} told={told} />

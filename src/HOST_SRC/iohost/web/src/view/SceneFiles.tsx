@@ -14,7 +14,8 @@ export function SceneFiles({ host, desk }: { host: Host; desk: Desk }) {
     if (name === null) {
       setDialog("save");
     } else {
-      desk.tell(await host.requests.save(name), t("Saved: {file}", { file: name }));
+      const problem = await host.requests.save(name);
+      desk.tell(problem && t("{file} wasn't saved. {reason}", { file: name, reason: problem }), t("Saved: {file}", { file: name }));
     }
   };
   useEffect(() => {
