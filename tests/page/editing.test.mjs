@@ -199,10 +199,11 @@ test("chosen nodes are copied with their links, and pasted on another page", asy
 
 test("a chosen node is doubled, and several are deleted as one step", async () => {
   await canvas.choose("m");
-  await page.keyboard.press("Control+d");
+  await page.page.getByRole("button", { name: "Duplicate" }).click();
   await page.page.getByRole("heading", { name: "Mouse 2" }).waitFor();
   await canvas.choose("k", "t");
-  await page.keyboard.press("Delete");
+  await page.page.getByRole("button", { name: "Delete", exact: true }).click();
+  await page.page.getByText("Deleted: 2. Undo brings it back.").waitFor();
   await canvas.nodesAre(["Mouse 1", "Mouse 2"]);
   await stepIs("Delete 2 nodes");
   await page.keyboard.press("Control+z");
@@ -385,6 +386,30 @@ test("notes are part of the scene: written, moved, and taken away", async () => 
 
 /** The texts of the scene's notes. */
 const noteTexts = async () => Object.values((await canvas.scene()).notes ?? {}).map(({ text }) => text).sort().join();
+
+test("what was written in a note while the connection was away is kept once it's back", async () => {
+  await must(script, { op: "place", notes: { n: { x: 0, y: 420, width: 200, height: 100, text: "before" } } });
+  const other = await is.openTab(browser);
+  let connection = null;
+  let isAway = false;
+  await other.routeWebSocket(/gathered/, (socket) => {
+    connection = socket;
+    if (isAway) {
+      void socket.close();
+    } else {
+      socket.connectToServer();
+    }
+  });
+  await other.goto(host.address);
+  await other.locator("[data-note] textarea").fill("after");
+  isAway = true;
+  await connection.close();
+  await other.locator("[data-connection=lost]").waitFor();
+  await other.keyboard.press("Escape");
+  await other.locator("[data-graph-message]", { hasText: "Not connected" }).waitFor();
+  isAway = false;
+  await expectEventually("the text", noteTexts, "after");
+});
 
 test("notes are copied, doubled and lined up as nodes are, and with them", async () => {
   await must(script, { op: "place", notes: { n: { x: -300, y: 420, width: 200, height: 100, text: "here" } } });

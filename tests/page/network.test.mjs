@@ -76,6 +76,9 @@ test("devices are shown with their state, their queue, their counters and the la
     { id: 5, name: "Gone", parser: "direct", address: gone.address },
   );
   await expectEventually("the overview", () => page.page.locator("[data-overview]").innerText(), "1 of 2 connected\nNot connected:\n5 · Gone");
+  await page.page.locator("[data-tab=network] [data-lost]").waitFor();
+  await page.page.locator("[data-open-device='5'] [data-lost]").waitFor();
+  assert.equal(await page.page.locator("[data-open-device='3'] [data-lost]").count(), 0);
   await until("the reason", async () => /refused/.test(await field("device-5", "problem").innerText()));
   await ask({ op: "send", device: 5, text: "x".repeat(1024) });
   await shows("device-5", "queue", "1 item, 1.0 KiB");

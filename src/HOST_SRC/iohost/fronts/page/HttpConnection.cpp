@@ -265,7 +265,7 @@ Response MakeSceneResponse(const Request& request, const SHttpSite& site) {
         return MakeRefusal(request, http::status::service_unavailable, "The session has ended.");
     }
     Response response = MakeResponse(request, http::status::ok, "application/json", SceneText(*pScene));
-    response.set(http::field::content_disposition, "attachment; filename=\"scene.json\"");
+    response.set(http::field::content_disposition, "attachment");
     return response;
 }
 

@@ -89,11 +89,15 @@ test("nodes stand where they belong whatever their handles are", () => {
   assert.ok(at(places, "__proto__").x + 300 < at(places, 'a "b').x);
 });
 
-test("nodes that all have a place aren't arranged: there they stay when it's taken back, and others come below", () => {
+test("nodes that all have a place aren't arranged: there they stay when it's taken back, and others come below, where they come back", () => {
   const node = (handle: string, place?: Place) => ({ node: handle, place, details: { inputs: [], outputs: [] } }) as unknown as NodeView;
   const automatic = new AutomaticPlaces();
   automatic.follow([node("a", { x: 500, y: 7 }), node("b", { x: 0, y: 900 })], []);
   automatic.follow([node("a"), node("b", { x: 0, y: 900 }), node("c")], []);
   assert.deepEqual(automatic.of("a"), { x: 500, y: 7 });
-  assert.ok(automatic.of("c").y > 900);
+  const below = automatic.of("c");
+  assert.ok(below.y > 900);
+  automatic.follow([node("a"), node("b")], []);
+  automatic.follow([node("c"), node("a"), node("b")], []);
+  assert.deepEqual(automatic.of("c"), below);
 });

@@ -33,6 +33,16 @@ export function CanvasHead({ editor, chosen, onArrange, onAlign }: CanvasHeadPro
           </button>
         </>
       )}
+      {chosen.nodes.length + chosen.notes.length > 0 && (
+        <>
+          <button type="button" onClick={() => void editor.duplicate(chosen)}>
+            {t("Duplicate")}
+          </button>
+          <button type="button" onClick={() => void editor.remove(chosen, [])}>
+            {t("Delete")}
+          </button>
+        </>
+      )}
       <div class="graph-message">
         <span class="hint" role="status" data-graph-message>
           {editor.desk.message.value || editor.hint.value}

@@ -40,6 +40,20 @@ export function NoteFace(props: NodeProps<NoteNode>) {
     }
     known.current = text;
   }, [text]);
+  const save = async (value: string) => {
+    if (value !== known.current) {
+      const before = known.current;
+      known.current = value;
+      known.current = (await editor.place({}, { [id]: { ...box, text: value } })) ? known.current : before;
+    }
+  };
+  // What was written while there was no connection.
+  const isConnected = editor.host.connection.value.is === "open";
+  useEffect(() => {
+    if (isConnected && document.activeElement !== field.current) {
+      void save(field.current!.value);
+    }
+  }, [isConnected]);
   // As it's shown: the host may not have told yet of the last move or sizing.
   const box = { x, y, width: width!, height: height! };
   const keepSize = (sized: Partial<Box>) => editor.place({}, { [id]: movedNote(note, { ...box, ...sized }) });
@@ -61,14 +75,7 @@ export function NoteFace(props: NodeProps<NoteNode>) {
         }}
         onBlur={({ currentTarget }) => {
           currentTarget.scrollTop = 0;
-          const { value } = currentTarget;
-          if (value !== known.current) {
-            const before = known.current;
-            known.current = value;
-            void editor.place({}, { [id]: { ...box, text: value } }).then((isSaved) => {
-              known.current = isSaved ? known.current : before;
-            });
-          }
+          void save(currentTarget.value);
         }}
       />
       {selected && <Corner id={id} note={note} onSized={keepSize} />}

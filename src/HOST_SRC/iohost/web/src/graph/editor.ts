@@ -267,8 +267,9 @@ export class Editor {
       ...nodes.map((node): Change => ({ op: "destroy", node })),
       ...(notes.length === 0 ? [] : [placing({}, Object.fromEntries(notes.map((id) => [id, null])))]),
     ];
-    const step = nodes.length + notes.length === 0 ? "Unlink" : `Delete ${nameOf(nodes.flatMap((node) => this.node(node) ?? []), notes)}`;
-    this.desk.tell(await this.host.requests.batch(step, changes), "");
+    const count = nodes.length + notes.length;
+    const step = count === 0 ? "Unlink" : `Delete ${nameOf(nodes.flatMap((node) => this.node(node) ?? []), notes)}`;
+    this.desk.tell(await this.host.requests.batch(step, changes), count === 0 ? "" : t("Deleted: {count}. Undo brings it back.", { count }));
   }
 
   copy(chosen: Chosen): void {

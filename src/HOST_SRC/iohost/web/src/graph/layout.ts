@@ -179,7 +179,10 @@ export class AutomaticPlaces {
     return this.#places.get(node) ?? { x: 0, y: 0 };
   }
 
-  /** Nodes that are new stand below the others; where there are no others, they are arranged unless all were placed. */
+  /**
+   * Nodes that are new stand below the others; where there are no others, they are arranged unless all were placed. One that
+   * went has its place when it comes back.
+   */
   follow(nodes: readonly NodeView[], links: readonly Link[]): void {
     const placed = nodes.flatMap(({ node, place }): [string, Place][] => (place === undefined ? [] : [[node, place]]));
     if (placed.length === nodes.length) {
@@ -191,12 +194,10 @@ export class AutomaticPlaces {
       this.#places = arrange(nodes.map(boxOf), links);
       return;
     }
-    const kept = new Map(staying.map(({ node }) => [node, this.of(node)]));
     let below = Math.max(...staying.map((node) => (node.place ?? this.of(node.node)).y + boxOf(node).height));
-    for (const node of nodes.filter((one) => !kept.has(one.node))) {
-      kept.set(node.node, { x: 0, y: below + GAP });
+    for (const node of nodes.filter((one) => !this.#places.has(one.node))) {
+      this.#places.set(node.node, { x: 0, y: below + GAP });
       below += GAP + boxOf(node).height;
     }
-    this.#places = kept;
   }
 }

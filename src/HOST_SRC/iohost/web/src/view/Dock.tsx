@@ -2,7 +2,9 @@ import { useEffect, useRef, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
+import { isLost } from "../network.ts";
 import "./dock.css";
+import { LostLamp } from "./LostLamp.tsx";
 import { PANELS } from "./panels.ts";
 import { Splitter } from "./Splitter.tsx";
 
@@ -85,6 +87,7 @@ export function Dock({ host, desk }: { host: Host; desk: Desk }) {
             data-tab={id}
             onClick={() => open(id)}
           >
+            {id === "network" && host.network.value?.state.devices?.some(isLost) && <LostLamp />}
             {t(title)}
           </button>
         ))}

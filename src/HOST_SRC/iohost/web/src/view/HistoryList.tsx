@@ -57,7 +57,7 @@ export function HistoryList({ host, desk }: { host: Host; desk: Desk }) {
           <p class="hint">{t("Going back changes the scene; what nodes heard or sent isn't undone.")}</p>
           <ol>
             {list.steps.map((step, index) => entry(index + 1, list, stepText(step))).reverse()}
-            {entry(0, list, t("As it was at first"))}
+            {entry(0, list, t("As far back as is kept"))}
           </ol>
         </div>
       )}

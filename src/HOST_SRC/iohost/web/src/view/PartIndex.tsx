@@ -1,7 +1,9 @@
 import type { Desk } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
+import { isLost } from "../network.ts";
 import { Editing } from "./Editing.tsx";
+import { LostLamp } from "./LostLamp.tsx";
 import "./partIndex.css";
 
 /** Leads to each device and object of the scene, and to new ones. */
@@ -18,9 +20,10 @@ export function PartIndex({ host, desk }: { host: Host; desk: Desk }) {
               +
             </button>
           </Editing>
-          {devices.map(({ id, name }) => (
-            <button type="button" key={id} data-open-device={id} onClick={() => desk.open({ is: "device", id })}>
-              {id} · {name}
+          {devices.map((device) => (
+            <button type="button" key={device.id} data-open-device={device.id} onClick={() => desk.open({ is: "device", id: device.id })}>
+              {isLost(device) && <LostLamp />}
+              {device.id} · {device.name}
             </button>
           ))}
         </nav>
