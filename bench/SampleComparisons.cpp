@@ -22,7 +22,7 @@ struct Size {
     double fGestureLimit;
     double fHandleLimit;
 };
-constexpr Size SIZES[] = {{1, 8000, 2.0, 1.5}, {100, 8000, 2.0, 1.5}, {LARGEST_NODE_COUNT, 200, 2.0, 3.5}};
+constexpr Size SIZES[] = {{1, 8000, 2.0, 1.5}, {100, 8000, 2.0, 1.5}, {LARGEST_NODE_COUNT, 200, 2.0, 4.5}};
 
 std::string NameOf(const MeasuredType& type, const char* pszSample, const Size& size) {
     return std::string(type.pszName) + "/" + pszSample + "/" + std::to_string(size.nNodes);
