@@ -135,7 +135,7 @@ test("a foreign page's requests and WebSockets are refused", async () => {
 });
 
 test("whoever is refused may send on, so that the refusal isn't lost", async () => {
-  const body = Buffer.alloc(32 << 20); // more than the buffers between take
+  const body = Buffer.alloc(12 << 20); // more than the buffers between take
   const socket = net.connect({ port, host: "127.0.0.1", allowHalfOpen: true });
   socket.write(`POST /scene HTTP/1.1\r\nHost: 127.0.0.1:${port}\r\nOrigin: http://evil.example\r\n`);
   socket.write(`Content-Length: ${body.length}\r\n\r\n`);
