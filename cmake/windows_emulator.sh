@@ -42,6 +42,9 @@ mkdir -p "$WINEPREFIX"
   if flock -n 8; then # the holder has it locked as long as it lives
     [ -e "$WINEPREFIX/ready" ] || { wine wineboot --init 8>&- 9>&- && touch "$WINEPREFIX/ready"; }
     hold_desktop &
+    for _ in {1..20}; do # else the desktop that is looked for below closes with what looks for it
+      wine winedbg --command 'info process' 8>&- 9>&- | grep -q cmd.exe && break
+    done
   fi
   for _ in {1..20}; do
     has_desktop && exit
