@@ -4,7 +4,7 @@
 #include "base/HostLine.h"
 #include "engine/LogLines.h"
 #include "host/NodeTypeGuid.h"
-#include "protocol/Shapes.h"
+#include "protocol/Pushes.h"
 
 namespace {
 
@@ -73,12 +73,13 @@ TEST_F(LogAndCounts, ConnectionsAreToldTheBeginningOfLongLines) {
 TEST_F(LogAndCounts, OfManyLongTextsConnectionsAreToldTheirBeginnings) {
     constexpr int LENGTH = 70'000;
     constexpr int MOST = 65'536;
-    OutputValues values(100);
+    Push push = SOutputsPush{OutputValues(100)};
+    OutputValues& values = std::get<SOutputsPush>(push).nodes;
     for (auto& [strHandle, outputs] : values) {
         outputs.emplace_back(1, SValues{.strText = CString(L'x', LENGTH)});
     }
     for (int nTimes = 0; nTimes < 2; ++nTimes) { // what is cut stays as it is
-        CutForViewers(values);
+        CutForViewers(push);
         int nTold = 0;
         for (const auto& [strHandle, outputs] : values) {
             nTold += outputs[0].second.strText.GetLength();
@@ -102,8 +103,10 @@ TEST_F(LogAndCounts, OfLongNamesConnectionsAreToldTheBeginnings) {
     const OrderedJson points = OrderedJson::parse(ReplyTo(done))["posted"][0]["params"][0]["points"];
     EXPECT_EQ(points.get<std::string>().size(), std::string("clip:").size() + 65'536u);
 
-    SStep step{"Rename " + std::string(70'000, 'x'), "rename", std::string(70'000, 'x')};
-    CutForViewers(step);
+    const std::string strOf(70'000, 'x');
+    Push push = SHistoryPush{SStep{"Rename " + strOf, "rename", strOf}, {}, 1, {}, {}};
+    CutForViewers(push);
+    const SStep& step = *std::get<SHistoryPush>(push).undo;
     EXPECT_EQ(step.strOf.size(), 65'536u);
     EXPECT_EQ(step.strName, "Rename " + step.strOf);
 }

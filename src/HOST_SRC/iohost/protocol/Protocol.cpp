@@ -1,7 +1,7 @@
 #include "protocol/Protocol.h"
 
 #include "base/Caught.h"
-#include "protocol/Shapes.h"
+#include "protocol/Pushes.h"
 
 namespace {
 
@@ -204,19 +204,7 @@ void CutForViewers(SActivity& told) {
     CCutter().Cut(told);
 }
 
-void CutForViewers(OutputValues& told) {
-    CCutter().Cut(told);
-}
-
-void CutForViewers(std::vector<SObjectState>& told) {
-    CCutter().Cut(told);
-}
-
-void CutForViewers(std::vector<SHeldEntry>& told) {
-    CCutter().Cut(told);
-}
-
-void CutForViewers(SStep& told) {
+void CutForViewers(Push& told) {
     CCutter().Cut(told);
 }
 

@@ -52,10 +52,6 @@ std::string AnswerText(CSession& session, std::string_view text, ISceneFiles& fi
 /// Cut what is too long for people to look at, and what is too much for one reply or push. The beginnings of texts and
 /// bytes stay. Where there is a field for the length, it tells how long the whole was; names have none.
 void CutForViewers(SActivity& told);
-void CutForViewers(OutputValues& told);
-void CutForViewers(std::vector<SObjectState>& told);
-void CutForViewers(std::vector<SHeldEntry>& told);
-void CutForViewers(SStep& told);
 void CutForViewers(SDone& told);
 
 /// A scene as the text of a file. strFile: the file that the scene belongs to, where the text goes to another one.

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <tuple>
 #include <type_traits>
@@ -58,19 +57,19 @@ struct Shape;
         static constexpr auto FIELDS = std::tuple(__VA_ARGS__);                                                        \
     };
 
-/// What tells the alternatives of a variant apart: the field TAG has the alternative's TAG_NAME. UNKNOWN begins the
-/// refusal of any other.
+/// What tells the alternatives of a variant apart: the field TAG has the alternative's TAG_NAME. Where one is read,
+/// UNKNOWN begins the refusal of any other.
 template <typename Variant>
 struct Union;
 
 template <typename T>
 inline constexpr const char* TAG_NAME = nullptr;
 
-#define UNION(variant, tag, unknown)                                                                                   \
+#define UNION(variant, tag, ...)                                                                                       \
     template <>                                                                                                        \
     struct Union<variant> {                                                                                            \
         static constexpr const char* TAG = tag;                                                                        \
-        static constexpr const char* UNKNOWN = unknown;                                                                \
+        static constexpr const char* UNKNOWN{__VA_ARGS__};                                                             \
     };
 #define TAG(type, name)                                                                                                \
     template <>                                                                                                        \
@@ -395,11 +394,6 @@ struct Codec<std::vector<T>> {
         }
     }
     static void Write(CJsonText& json, const std::vector<T>& value) { WriteList(json, value); }
-};
-
-template <typename T>
-struct Codec<std::set<T>> {
-    static void Write(CJsonText& json, const std::set<T>& value) { WriteList(json, value); }
 };
 
 template <typename List, size_t nCount>

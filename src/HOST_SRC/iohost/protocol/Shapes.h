@@ -206,7 +206,7 @@ void WriteFields(CJsonText& json, const SFiredByWindow& fired);
 TAGGED(SFiredByHost, "host", SField{"clip", &T::clip, FIELD_NULLABLE}, SField{"object", &T::object, FIELD_NULLABLE})
 
 using FiredBy = decltype(SFired::by);
-UNION(FiredBy, "via", "there is no way ")
+UNION(FiredBy, "via")
 TAG(SFiredByWindow, "window")
 SHAPE(SFired, SField{"node", &T::handle, FIELD_NULLABLE}, SField{"output", &T::output, FIELD_NULLABLE}, SFlat{&T::by})
 SHAPE(SLogged, SField{"level", &T::nLevel}, SField{"args", &T::arguments}, SField{"text", &T::strText},
@@ -286,7 +286,7 @@ TAGGED(SNotObject, "not_object")
 TAGGED(SNotReady, "not_ready")
 
 using VerdictKind = decltype(SVerdict::what);
-UNION(VerdictKind, "verdict", "there is no verdict ")
+UNION(VerdictKind, "verdict")
 SHAPE(SVerdict, SFlat{&T::what}, SField{"text", &T::strText}, SField{"length", &T::nLength})
 SHAPE(SVerdicts, SField{"nodes", &T::nodes})
 SHAPE(SKeptLine, SField{"n", &T::nNumber}, SField{"ms", &T::nTimeMs}, SFlat{&T::line})

@@ -3,7 +3,7 @@
 #include <map>
 #include <typeindex>
 
-#include "protocol/Shapes.h"
+#include "protocol/Pushes.h"
 
 namespace {
 
@@ -188,6 +188,7 @@ std::string ProtocolTypes() {
     types.Declare<SNetworkState>("NetworkState");
     types.Declare<SNodeCounts>("NodeCounts");
     types.Declare<SCounters>("Counters");
-    types.Declare<SDroppedItems>("DroppedItems");
+    types.Declare<SLeftScene>("LeftScene");
+    types.Declare<Push>("Push");
     return types.Text();
 }

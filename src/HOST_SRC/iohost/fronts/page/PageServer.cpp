@@ -22,10 +22,8 @@
 #include "base/OutputLines.h"
 #include "fronts/terminal/TerminalLines.h"
 #include "network/Peers.h"
+#include "protocol/Pushes.h"
 #include "protocol/SceneFile.h"
-#include "protocol/Shapes.h"
-
-SHAPE(SLeftScene, SField{"file", &T::strFile, FIELD_NULLABLE}, SField{"modified_ms", &T::nModifiedMs})
 
 namespace {
 
@@ -38,6 +36,11 @@ constexpr std::chrono::milliseconds TELL_PAUSE{250}; ///< of what changes with e
 
 std::string FullText() {
     return "the page's server has " + std::to_string(MOST_CONNECTIONS) + " connections, which is its most";
+}
+
+std::string PushText(Push push) {
+    CutForViewers(push);
+    return JsonObject(push);
 }
 
 /// Joins the session, the frames and the pages: one io_context, one thread.
@@ -97,9 +100,9 @@ public:
         TellScene(); // what is due to all goes out first: the new client would get it twice
         CHeldInput& held = m_session.Held().Open();
         m_clients.emplace(pClient.get(), SClient{pClient, held});
-        pClient->Send(MakeText(JsonObject("push", "hello", "version", IOHOST_VERSION, "fps", m_fFps, "address",
-                                          m_strAddress, "connection", held.Connection(), "scene", m_nSceneNumber)));
-        pClient->Send(MakeText(JsonObject("push", "held", "held", HeldForViewers())));
+        pClient->Send(
+            MakeText(PushText(SHelloPush{IOHOST_VERSION, m_fFps, m_strAddress, held.Connection(), m_nSceneNumber})));
+        pClient->Send(MakeText(PushText(SHeldPush{m_session.Held().State()})));
         pClient->Send(MakeText(m_strToldHistory), true);
         // The next frame tells everybody all of it; to those who know it already that changes nothing.
         m_outputs.Forget();
@@ -207,16 +210,14 @@ private:
             return;
         }
         if (OutputValues changed = m_outputs.Take(m_session.Scene()); !changed.empty()) {
-            CutForViewers(changed);
-            SendToAll(JsonObject("push", "outputs", "nodes", changed));
+            SendToAll(SOutputsPush{std::move(changed)});
         }
-        if (const Verdicts verdicts = m_session.JsonVerdicts().TakeNew(m_session.Scene()); !verdicts.empty()) {
-            SendToAll(JsonObject("push", "json", "nodes", verdicts));
+        if (Verdicts verdicts = m_session.JsonVerdicts().TakeNew(m_session.Scene()); !verdicts.empty()) {
+            SendToAll(SVerdicts{std::move(verdicts)});
         }
         if (auto objects = ObjectsOf(m_session.Scene()); objects != m_toldObjects) {
             m_toldObjects = objects;
-            CutForViewers(objects);
-            SendToAll(JsonObject("push", "objects", "objects", objects));
+            SendToAll(SObjects{std::move(objects)});
         }
         TellDropped();
         if (const auto tNow = steady_clock::now(); tNow - m_tTold >= TELL_PAUSE) {
@@ -278,13 +279,13 @@ private:
     /// Once a frame, however many items are late.
     void TellDropped() {
         for (const auto& [of, nItems] : std::exchange(m_dropped, {})) {
-            SendToAll(JsonObject("push", "dropped", SDroppedItems{of.first, of.second, nItems}));
+            SendToAll(SDroppedItems{of.first, of.second, nItems});
         }
     }
 
     void TellCounts() {
-        if (const SCounters changed = m_session.TakeChangedCounts(); !changed.nodes.empty()) {
-            SendToAll(JsonObject("push", "counters", changed));
+        if (SCounters changed = m_session.TakeChangedCounts(); !changed.nodes.empty()) {
+            SendToAll(std::move(changed));
         }
     }
 
@@ -294,14 +295,12 @@ private:
         if (activity.IsEmpty() || bToNobody) {
             return;
         }
-        CutForViewers(activity);
-        SendToAll(JsonObject("push", "happened", activity, "frame", m_nFrame), pButFor);
+        SendToAll(SHappenedPush{std::move(activity), m_nFrame}, pButFor);
     }
 
     /// A page where nothing happens would otherwise not notice that the host has stalled.
     void TellFrame() {
-        DoGuarded(m_frameLine, "the pages weren't told of a frame",
-                  [this] { SendToAll(JsonObject("push", "frame", "frame", m_nFrame)); });
+        DoGuarded(m_frameLine, "the pages weren't told of a frame", [this] { SendToAll(SFramePush{m_nFrame}); });
         DoGuarded(m_failedLine, "the unsaved scene can't be written aside", [this] { m_unsaved.Check(); });
     }
 
@@ -315,67 +314,50 @@ private:
         if (!change.bEverything && !change.bList && change.nodes.empty()) {
             return;
         }
-        const auto nVersion = m_session.SceneVersion();
+        SScenePush push{m_session.SceneVersion()};
         if (change.bEverything) {
-            m_nSceneNumber = std::random_device{}();
-            SendToAll(JsonObject("push", "scene", "version", nVersion, "scene", m_nSceneNumber));
+            push.scene = m_nSceneNumber = std::random_device{}();
         } else {
-            SendToAll(
-                JsonObject("push", "scene", "version", nVersion, change.bList ? "changed" : "nodes", change.nodes));
+            (change.bList ? push.changed : push.nodes).emplace(change.nodes.begin(), change.nodes.end());
         }
+        SendToAll(std::move(push));
     }
 
     /// What can be undone and redone, and whether the scene is saved.
     std::string HistoryPush() {
         const CHistory& history = m_session.History();
-        const auto step = [](const SStep* pStep) {
-            std::optional<SStep> told = pStep != nullptr ? std::optional(*pStep) : std::nullopt;
-            if (told) {
-                CutForViewers(*told);
-            }
-            return told;
-        };
-        CJsonText push;
-        push.Object([&] {
-            WriteMembers(push, "push", "history", "undo", step(history.ToUndo()), "redo", step(history.ToRedo()),
-                         "state", history.State(), history.File());
-            if (const auto& left = m_scenes.Left()) {
-                WriteMembers(push, "recovered", *left);
-            }
-        });
-        return push.Take();
+        const auto step = [](const SStep* pStep) { return pStep != nullptr ? std::optional(*pStep) : std::nullopt; };
+        return PushText(SHistoryPush{step(history.ToUndo()), step(history.ToRedo()), history.State(), history.File(),
+                                     m_scenes.Left()});
     }
 
     void TellHistory() {
         if (std::string strPush = HistoryPush(); strPush != m_strToldHistory) {
             m_strToldHistory = std::move(strPush);
-            SendToAll(m_strToldHistory);
+            SendToAll(MakeText(m_strToldHistory));
         }
-    }
-
-    std::vector<SHeldEntry> HeldForViewers() {
-        std::vector<SHeldEntry> entries = m_session.Held().State();
-        CutForViewers(entries);
-        return entries;
     }
 
     void TellHeld() {
         CHeldInputs& held = m_session.Held();
         if (held.Version() != m_nToldHeldVersion) {
             m_nToldHeldVersion = held.Version();
-            SendToAll(JsonObject("push", "held", "held", HeldForViewers(), "released", held.TakeReleasedByOthers()));
+            SendToAll(SHeldPush{held.State(), held.TakeReleasedByOthers()});
         }
     }
 
     void TellNetwork() {
         const auto nVersion = m_session.Peers().StateVersion();
         if (nVersion != std::exchange(m_nToldNetworkVersion, nVersion)) {
-            SendToAll(JsonObject("push", "network", m_session.Peers().State()));
+            SendToAll(m_session.Peers().State());
         }
     }
 
-    void SendToAll(std::string strPush, const CHeldInput* pButFor = nullptr) {
-        const auto pText = MakeText(std::move(strPush));
+    void SendToAll(Push push, const CHeldInput* pButFor = nullptr) {
+        SendToAll(MakeText(PushText(std::move(push))), pButFor);
+    }
+
+    void SendToAll(const std::shared_ptr<const std::string>& pText, const CHeldInput* pButFor = nullptr) {
         for (const auto& [pKey, client] : m_clients) {
             if (&client.held != pButFor) {
                 client.pClient->Send(pText);

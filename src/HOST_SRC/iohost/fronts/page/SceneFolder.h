@@ -6,13 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "protocol/Pushes.h"
 #include "protocol/SceneFile.h"
-
-/// What an earlier host left unsaved.
-struct SLeftScene {
-    std::string strFile;   ///< that the scene was saved in before; empty: in none
-    long long nModifiedMs; ///< since 1970
-};
 
 class CSceneFolder final : public ISceneFiles {
 public:

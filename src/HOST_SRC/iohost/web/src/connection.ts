@@ -1,6 +1,7 @@
 import { reconnectDelay } from "./backoff.ts";
 import { t } from "./i18n.ts";
-import type { Push, Reply } from "./messages.ts";
+import type { Reply } from "./messages.ts";
+import type { Push } from "./protocol.ts";
 import { inReadersLanguage } from "./refusals.ts";
 
 export interface ConnectionListener {

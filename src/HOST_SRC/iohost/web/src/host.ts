@@ -12,12 +12,12 @@ import { Pace } from "./pace.ts";
 import { Requests } from "./requests.ts";
 import type { JsonVerdict } from "./protocol.ts";
 import { Device, EventId } from "./codes.ts";
-import { firedByNodes, type EventReply, type Happened, type InputEvent, type NodeDetails, type NumberedLine, type Push, type Recovered, type Reply, type SceneState } from "./messages.ts";
-import type { Counters, HeldEntry, Link, NetworkState, NodeCounts, Note, OutputValue, Scene, SceneNode, SceneObject } from "./protocol.ts";
+import { firedByNodes, type EventReply, type Happened, type InputEvent, type NodeDetails, type NumberedLine, type Reply, type SceneState } from "./messages.ts";
+import type { Counters, HeldEntry, LeftScene, Link, NetworkState, NodeCounts, Note, OutputValue, Push, Scene, SceneNode, SceneObject } from "./protocol.ts";
 
 export type ConnectionState =
   | { is: "connecting" }
-  | { is: "open"; version: string; fps: number; address: string; connection: number; scene: number }
+  | ({ is: "open" } & Extract<Push, { push: "hello" }>)
   | { is: "lost"; retryAt: number };
 
 export type NodeView = SceneNode & { details: Omit<NodeDetails, "own"> };
@@ -74,7 +74,7 @@ export class Host implements ConnectionListener {
   /** Undo, redo and the scene's file; null until the host told. */
   readonly scene = signal<SceneState | null>(null);
   /** What an earlier run of the host left unsaved. */
-  readonly recovered = signal<Recovered | null>(null);
+  readonly recovered = signal<LeftScene | null>(null);
   /** What a scene that was uploaded here is called, which has no file of the folder of scenes. */
   proposedName: string | null = null;
   readonly log = new LogBuffer();
@@ -196,7 +196,7 @@ export class Host implements ConnectionListener {
         this.frames.value?.told(push.frame, Date.now());
         break;
       case "scene":
-        if ("scene" in push) {
+        if (push.scene !== undefined) {
           this.#tellScene(push.scene);
           void this.#refresh();
         } else {

@@ -1,23 +1,15 @@
 // The messages of the WebSocket /session/gathered as the page uses them, made of the protocol's types.
 import type {
-  Counters,
-  DroppedItems,
   GroupState,
-  HeldEntry,
   InspectedNode,
-  JsonVerdict,
   Happened as AllHappened,
   LogEntry as WholeLogEntry,
   LogLine,
-  NetworkState,
   NodeResults,
-  OutputValue,
   ParamState,
   Payload,
   PostedEvent,
-  SceneFile,
-  SceneObject,
-  Step,
+  Push,
 } from "./protocol.ts";
 import type { CutText } from "./texts.ts";
 
@@ -48,37 +40,10 @@ export type Reply<Body = object> = Happened & ({ ok: true; id?: number } & Body 
 export type EventReply = Reply<NodeResults>;
 
 /** Where undo and redo lead, which file the scene is of, and whether it was changed since that was written. */
-export type SceneState = SceneFile & { undo: Step | null; redo: Step | null };
-
-/** What an earlier run of the host left unsaved. */
-export interface Recovered {
-  file: string | null;
-  modified_ms: number;
-}
+export type SceneState = Extract<Push, { push: "history" }>;
 
 /** A line of the host's log, by its number there. */
 export type NumberedLine = LogEntry & Pick<LogLine, "n" | "ms">;
-
-export type Push =
-  | { push: "hello"; version: string; fps: number; address: string; connection: number; scene: number }
-  | ({ push: "history"; recovered?: Recovered } & SceneState)
-  | ({ push: "counters" } & Counters)
-  /** What waited too long for a device. */
-  | ({ push: "dropped" } & DroppedItems)
-  /** Once a second: the number of the last frame. */
-  | { push: "frame"; frame: number }
-  | { push: "objects"; objects: SceneObject[] }
-  /** What JSON nodes made of texts that came to them. */
-  | { push: "json"; nodes: Record<string, JsonVerdict> }
-  /** What is held; the connections that were released by another one's wish are named. */
-  | { push: "held"; held: HeldEntry[]; released?: number[] }
-  | ({ push: "happened"; frame: number } & Happened)
-  | ({ push: "network" } & NetworkState)
-  | { push: "outputs"; nodes: Record<string, Record<string, OutputValue>> }
-  /** Of `nodes` parameters changed; of `changed` anything, and what the scene lists. */
-  | { push: "scene"; version: number; nodes?: string[]; changed?: string[] }
-  /** There is another scene; its number. */
-  | { push: "scene"; version: number; scene: number };
 
 type PayloadOf<Kind> = Extract<Payload, { is: Kind }>;
 export type PointerPayload = PayloadOf<"pointer">;

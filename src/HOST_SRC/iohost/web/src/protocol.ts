@@ -311,8 +311,42 @@ export type Counters = {
   idle_ms?: Record<string, number>;
 };
 
-export type DroppedItems = {
+export type LeftScene = {
+  file: string | null;
+  modified_ms: number;
+};
+
+export type Push = { push: "hello" } & {
+  version: string;
+  fps: number;
+  address: string;
+  connection: number;
+  scene: number;
+} | { push: "frame" } & {
+  frame: number;
+} | { push: "happened" } & {
+  frame: number;
+} & Happened | { push: "outputs" } & {
+  nodes: Record<string, Record<string, OutputValue>>;
+} | { push: "held" } & {
+  held: HeldEntry[];
+  released?: number[];
+} | { push: "scene" } & {
+  version: number;
+  nodes?: string[];
+  changed?: string[];
+  scene?: number;
+} | { push: "history" } & {
+  undo: Step | null;
+  redo: Step | null;
+  state: number;
+  recovered?: LeftScene;
+} & SceneFile | { push: "counters" } & Counters | { push: "dropped" } & {
   node: string | null;
   device: number;
   items: number;
+} | { push: "network" } & NetworkState | { push: "objects" } & {
+  objects: SceneObject[];
+} | { push: "json" } & {
+  nodes: Record<string, JsonVerdict>;
 };
