@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/TextUtf8.h"
+
 namespace {
 
 TEST(ObjectAddress, NamesStandInTheQuery) {
@@ -31,7 +33,7 @@ TEST(ObjectAddress, NamesStandInTheQuery) {
     const auto read = [](const std::string& strQuery) {
         std::string strProblem;
         const auto address = ParseObjectAddress("/object-text" + strQuery, strProblem);
-        return address ? address->strClip + "|" + address->strObject : strProblem;
+        return address ? Utf8(address->m_strClipName + L"|" + address->m_strObjectName) : strProblem;
     };
     for (const auto& [strQuery, strExpected] : cases) {
         EXPECT_EQ(read(strQuery), strExpected) << strQuery;

@@ -74,10 +74,6 @@ std::optional<std::string_view> FindForeign(const Request& request, const CReque
     return std::nullopt;
 }
 
-bool HasToken(const Request& request, const CAccessToken& token) {
-    return token.IsIn(request[http::field::authorization], request[http::field::cookie], request.target());
-}
-
 /// Whether the request accepts gzip: lists it, and not with a quality of 0.
 bool AcceptsGzip(const Request& request) {
     http::ext_list encodings(request[http::field::accept_encoding]);
@@ -194,12 +190,9 @@ Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer
         strReply = ErrorReply("the request's body can't be read: " + error.message());
     } else if (!WellFormedText(strText)) {
         strReply = ErrorReply("the text isn't UTF-8");
-    } else if (const auto address = ParseObjectAddress(request.target(), strProblem)) {
-        SObjectTextData text;
-        text.m_strClipName = FromUtf8(address->strClip);
-        text.m_strObjectName = FromUtf8(address->strObject);
-        text.m_strText = FromUtf8(strText);
-        SDone done = site.session.Do(SEventCommand{.handle = {}, .nDevice = DEVICE_OBJECT_TEXT, .payload = text});
+    } else if (auto text = ParseObjectAddress(request.target(), strProblem)) {
+        text->m_strText = FromUtf8(strText);
+        SDone done = site.session.Do(SEventCommand{.handle = {}, .nDevice = DEVICE_OBJECT_TEXT, .payload = *text});
         CutForViewers(done);
         strReply = ReplyTo(done);
         status = done.outcome.error ? http::status::bad_request : http::status::ok;
@@ -328,7 +321,8 @@ Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
         } else if (const auto foreign = FindForeign(request, origin)) {
             response = MakeRefusal(request, http::status::forbidden, *foreign);
             response->keep_alive(parser.is_done() && request.keep_alive()); // a body isn't read
-        } else if (!HasToken(request, site.token)) {
+        } else if (!site.token.IsIn(request[http::field::authorization], request[http::field::cookie],
+                                    request.target())) {
             response = MakeRefusal(request, http::status::unauthorized,
                                    "The request lacks the token of the address that the host printed.");
             response->set(http::field::www_authenticate, "Bearer");

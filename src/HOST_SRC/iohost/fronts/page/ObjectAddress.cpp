@@ -29,7 +29,7 @@ std::optional<std::string> DecodeQueryText(std::string_view encoded) {
 
 } // namespace
 
-std::optional<SObjectAddress> ParseObjectAddress(std::string_view target, std::string& strProblem) {
+std::optional<SObjectTextData> ParseObjectAddress(std::string_view target, std::string& strProblem) {
     std::optional<std::string> clip;
     std::optional<std::string> object;
     const size_t nQuery = target.find('?');
@@ -58,5 +58,5 @@ std::optional<SObjectAddress> ParseObjectAddress(std::string_view target, std::s
         strProblem = std::string(!clip ? "clip" : "object") + ": is missing";
         return std::nullopt;
     }
-    return SObjectAddress{*clip, *object};
+    return SObjectTextData{nullptr, FromUtf8(*clip), FromUtf8(*object), {}};
 }

@@ -34,10 +34,6 @@ constexpr size_t MOST_TURNED_AWAY = 64;                ///< at once; those beyon
 constexpr std::chrono::seconds GOODBYE_TIME{1};
 constexpr std::chrono::milliseconds TELL_PAUSE{250}; ///< of what changes with every item: enough to look at
 
-std::string FullText() {
-    return "the page's server has " + std::to_string(MOST_CONNECTIONS) + " connections, which is its most";
-}
-
 std::string PushText(Push push) {
     CutForViewers(push);
     return JsonObject(push);
@@ -151,10 +147,12 @@ private:
             Serve(m_nConnections, "a connection of the page failed", ServeHttpConnection(std::move(socket), *m_pSite));
             return;
         }
-        m_fullLine.Write("a connection was turned away: " + FullText());
+        const std::string strFull =
+            "the page's server has " + std::to_string(MOST_CONNECTIONS) + " connections, which is its most";
+        m_fullLine.Write("a connection was turned away: " + strFull);
         if (m_nTurnedAway < MOST_TURNED_AWAY) {
             Serve(m_nTurnedAway, "a connection couldn't be turned away",
-                  TurnAwayHttpConnection(std::move(socket), FullText()));
+                  TurnAwayHttpConnection(std::move(socket), strFull));
         }
     }
 
@@ -219,11 +217,18 @@ private:
             m_toldObjects = objects;
             SendToAll(SObjects{std::move(objects)});
         }
-        TellDropped();
+        for (const auto& [of, nItems] : std::exchange(m_dropped, {})) { // told once, however many items are late
+            SendToAll(SDroppedItems{of.first, of.second, nItems});
+        }
         if (const auto tNow = steady_clock::now(); tNow - m_tTold >= TELL_PAUSE) {
             m_tTold = tNow;
-            TellCounts();
-            TellNetwork();
+            if (SCounters changed = m_session.TakeChangedCounts(); !changed.nodes.empty()) {
+                SendToAll(std::move(changed));
+            }
+            const auto nVersion = m_session.Peers().StateVersion();
+            if (nVersion != std::exchange(m_nToldNetworkVersion, nVersion)) {
+                SendToAll(m_session.Peers().State());
+            }
         }
     }
 
@@ -276,19 +281,6 @@ private:
         }
     }
 
-    /// Once a frame, however many items are late.
-    void TellDropped() {
-        for (const auto& [of, nItems] : std::exchange(m_dropped, {})) {
-            SendToAll(SDroppedItems{of.first, of.second, nItems});
-        }
-    }
-
-    void TellCounts() {
-        if (SCounters changed = m_session.TakeChangedCounts(); !changed.nodes.empty()) {
-            SendToAll(std::move(changed));
-        }
-    }
-
     void TellHappened(SActivity activity, const CHeldInput* pButFor) {
         const bool bToNobody =
             std::ranges::all_of(m_clients, [&](const auto& entry) { return &entry.second.held == pButFor; });
@@ -324,15 +316,12 @@ private:
     }
 
     /// What can be undone and redone, and whether the scene is saved.
-    std::string HistoryPush() {
+    void TellHistory() {
         const CHistory& history = m_session.History();
         const auto step = [](const SStep* pStep) { return pStep != nullptr ? std::optional(*pStep) : std::nullopt; };
-        return PushText(SHistoryPush{step(history.ToUndo()), step(history.ToRedo()), history.State(), history.File(),
-                                     m_scenes.Left()});
-    }
-
-    void TellHistory() {
-        if (std::string strPush = HistoryPush(); strPush != m_strToldHistory) {
+        std::string strPush = PushText(SHistoryPush{step(history.ToUndo()), step(history.ToRedo()), history.State(),
+                                                    history.File(), m_scenes.Left()});
+        if (strPush != m_strToldHistory) {
             m_strToldHistory = std::move(strPush);
             SendToAll(MakeText(m_strToldHistory));
         }
@@ -343,13 +332,6 @@ private:
         if (held.Version() != m_nToldHeldVersion) {
             m_nToldHeldVersion = held.Version();
             SendToAll(SHeldPush{held.State(), held.TakeReleasedByOthers()});
-        }
-    }
-
-    void TellNetwork() {
-        const auto nVersion = m_session.Peers().StateVersion();
-        if (nVersion != std::exchange(m_nToldNetworkVersion, nVersion)) {
-            SendToAll(m_session.Peers().State());
         }
     }
 
