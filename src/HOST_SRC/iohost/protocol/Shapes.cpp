@@ -109,16 +109,15 @@ void ReadFields(SSavedSet& saved, const CFields& fields) {
     }
 }
 
-void ReadFields(SBatchCommand& batch, const CFields& fields) {
-    ReadField(batch.name, fields, "name", FIELD_OPTIONAL);
-    const Json& requests = fields.Required("requests");
-    if (!requests.is_array()) {
-        RefuseKind("requests", "a list");
+void Codec<std::shared_ptr<const SCommands>>::Read(std::shared_ptr<const SCommands>& value, const Json& json,
+                                                   const std::string& strPath) {
+    if (!json.is_array()) {
+        RefuseKind(strPath, "a list");
     }
     auto pCommands = std::make_shared<SCommands>();
-    for (size_t i = 0; i < requests.size(); ++i) {
+    for (size_t i = 0; i < json.size(); ++i) {
         try {
-            const CFields part(requests[i]);
+            const CFields part(json[i]);
             Command& command = pCommands->list.emplace_back();
             if (EmplaceByTag(command, part.Text("op")) &&
                 !std::visit([]<typename Kind>(const Kind&) { return FITS_BATCH<Kind>; }, command)) {
@@ -126,17 +125,10 @@ void ReadFields(SBatchCommand& batch, const CFields& fields) {
             }
             ReadFields(command, part);
         } catch (const CRefusal& refusal) {
-            throw CRefusal("requests[" + std::to_string(i) + "]." + refusal.what());
+            throw CRefusal(strPath + "[" + std::to_string(i) + "]." + refusal.what());
         }
     }
-    batch.pCommands = std::move(pCommands);
-}
-
-void WriteFields(CJsonText& json, const SBatchCommand& command) {
-    if (command.name) {
-        WriteMembers(json, "name", *command.name);
-    }
-    WriteMembers(json, "requests", command.pCommands->list);
+    value = std::move(pCommands);
 }
 
 std::shared_ptr<const SSceneDocument> ReadScene(const Json& json, const std::string& strPath) {

@@ -185,19 +185,23 @@ TAGGED(SSceneCommand, "scene")
 TAGGED(SRecordingCommand, "recording", SField{"version", &T::nVersion}, SField{"texts", &T::nTexts},
        SField{"evaluate", &T::nEvaluation, FIELD_OPTIONAL}, SField{"rounding", &T::bRounding, FIELD_OPTIONAL})
 TAGGED(SQuitCommand, "quit")
+TAGGED(SBatchCommand, "batch", SField{"name", &T::name, FIELD_OPTIONAL}, SField{"requests", &T::pCommands})
 UNION(Command, "op", "unknown op ")
 TAG(SFrameCommand, "process")
 TAG(SEventCommand, "event")
-TAG(SBatchCommand, "batch")
 
 // Commands whose fields depend on one another.
 void ReadFields(SFrameCommand& command, const CFields& fields);
 void ReadFields(SEventCommand& command, const CFields& fields);
 void ReadFields(SSavedSet& saved, const CFields& fields);
-void ReadFields(SBatchCommand& command, const CFields& fields);
 void WriteFields(CJsonText& json, const SFrameCommand& command);
 void WriteFields(CJsonText& json, const SEventCommand& command);
-void WriteFields(CJsonText& json, const SBatchCommand& command);
+
+template <>
+struct Codec<std::shared_ptr<const SCommands>> {
+    static void Read(std::shared_ptr<const SCommands>& value, const Json& json, const std::string& strPath);
+    static void Write(CJsonText& json, const std::shared_ptr<const SCommands>& value) { WriteJson(json, value->list); }
+};
 
 // ---- What the module did ------------------------------------------------------------------------------------------
 

@@ -64,10 +64,9 @@ public:
         }
         const auto bound = m_acceptor.local_endpoint();
         m_strAddress = EndpointText(bound);
-        m_pSite = std::make_unique<const SHttpSite>(
-            SHttpSite{m_files, bound.address().to_string(), bound.port(),
-                      bound.address().is_loopback() ? CAccessToken() : CAccessToken::Make(bound.port()),
-                      static_cast<IWebSocketListener&>(*this), m_session});
+        m_pSite = std::make_unique<const SHttpSite>(SHttpSite{
+            m_files, bound.address().to_string(), bound.port(),
+            bound.address().is_loopback() ? CAccessToken() : CAccessToken::Make(bound.port()), *this, m_session});
         return {};
     }
 
