@@ -1,4 +1,4 @@
-// When a connection is tried again: soon at first, then ever more seldom.
+// When a connection is tried again: soon at first, then once a second.
 #pragma once
 
 #include "base/Network.h"
@@ -32,7 +32,7 @@ public:
 
 private:
     static constexpr std::chrono::milliseconds SHORTEST_PAUSE{100};
-    static constexpr std::chrono::milliseconds LONGEST_PAUSE{5000};
+    static constexpr std::chrono::milliseconds LONGEST_PAUSE{1000};
 
     SteadyTimer m_timer;
     std::chrono::milliseconds m_pause = SHORTEST_PAUSE;
