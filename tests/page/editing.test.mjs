@@ -357,7 +357,11 @@ test("a folded node has only its linked pins, on every page", async () => {
 });
 
 test("notes are part of the scene: written, moved, and taken away", async () => {
-  await page.page.getByRole("button", { name: "Add note" }).click();
+  await page.page.getByRole("button", { name: "Add note" }).evaluate((button) => {
+    button.click();
+    button.click(); // before the host has answered
+    document.execCommand("insertText", false, "Keys ");
+  });
   await page.page.locator(".react-flow__node-note.selected").waitFor();
   await stepIs("Add a note");
   const field = page.page.locator("[data-note] textarea:focus");
@@ -369,7 +373,8 @@ test("notes are part of the scene: written, moved, and taken away", async () => 
     await page.page.locator(".react-flow__node-note:focus").waitFor();
     await expectEventually("the text", async () => (await notes())[0]?.text, written);
   };
-  await write("Keys for the title", "Keys for the title");
+  await write("for the title", "Keys for the title");
+  assert.equal((await notes()).length, 1);
   await page.keyboard.press("F2");
   await write("\n".repeat(9), `Keys for the title${"\n".repeat(9)}`);
   assert.equal(await page.page.locator("[data-note] textarea").evaluate(({ scrollTop }) => scrollTop), 0);

@@ -20,6 +20,7 @@ export function CanvasHead({ editor, chosen, onArrange, onAlign }: CanvasHeadPro
       <button type="button" onClick={() => void editor.addNote()}>
         {t("Add note")}
       </button>
+      <textarea class="typed-ahead" tabIndex={-1} aria-label={t("Note")} ref={(field) => void (editor.typedAhead = field)} />
       <button type="button" onClick={onArrange}>
         {t("Arrange")}
       </button>

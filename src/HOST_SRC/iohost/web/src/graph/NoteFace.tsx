@@ -29,6 +29,11 @@ export type NoteNode = Node<{ editor: Editor; id: string; note: Note }, "note">;
 export function NoteFace(props: NodeProps<NoteNode>) {
   const { data: { editor, id, note }, selected, positionAbsoluteX: x, positionAbsoluteY: y, width, height } = props;
   const field = useRef<HTMLTextAreaElement>(null);
+  useLayoutEffect(() => {
+    if (editor.addedNote === id) {
+      field.current!.value += editor.takeTyped();
+    }
+  }, []);
   useFocusWhenChosen(field, selected, editor.addedNote === id);
   const { length } = note;
   const text = length === undefined ? note.text : "";

@@ -73,6 +73,9 @@ export class Editor {
   readonly renaming = signal<string | null>(null);
   /** The note that was added last: when it comes, what is typed goes into it. */
   addedNote: string | null = null;
+  /** Takes what is typed until then. */
+  typedAhead: HTMLTextAreaElement | null = null;
+  #addsNote = false;
   /** What is typed while this scene goes isn't done to the next one. */
   readonly #scene: number;
   view: View = { placeOf: () => ({ x: 0, y: 0 }), middle: () => ({ x: 0, y: 0 }), moveTo: () => {}, choose: () => {} };
@@ -200,9 +203,15 @@ export class Editor {
     }
   }
 
-  addNote(): Promise<void> {
-    return this.#makeNext(async (_, taken) => {
-      const id = newNoteId();
+  /** Adds an empty note; nothing while one is on its way. */
+  async addNote(): Promise<void> {
+    if (this.#addsNote) {
+      return;
+    }
+    this.#addsNote = true;
+    this.typedAhead?.focus();
+    const id = newNoteId();
+    await this.#makeNext(async (_, taken) => {
       const box = { ...this.#freePlace(NOTE_SIZE, taken), ...NOTE_SIZE };
       const error = await this.host.requests.batch("Add a note", [placing({}, { [id]: rounded({ ...box, text: "" }) })]);
       this.desk.tell(error, "");
@@ -212,6 +221,21 @@ export class Editor {
         this.view.moveTo(box);
       }
     });
+    this.#addsNote = false;
+    if (this.addedNote !== id) {
+      this.takeTyped(); // it doesn't come
+    }
+  }
+
+  /** What was typed for a note that was on its way. */
+  takeTyped(): string {
+    const field = this.typedAhead;
+    const typed = field?.value ?? "";
+    if (field !== null) {
+      field.value = "";
+      field.blur();
+    }
+    return typed;
   }
 
   /** Makes one after the other: each finds free names and places among all that the host has by then, shown here yet or not. */
