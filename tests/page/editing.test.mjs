@@ -108,7 +108,7 @@ test("a drag during which the focus leaves is one step", async () => {
   await undoMove();
 });
 
-test("a held arrow key is one step, also after a click that jittered", async () => {
+test("arrow keys, held or pressed several times, are one step, also after a click that jittered", async () => {
   const { x, y } = await canvas.middleOf(canvas.face("m").locator("header strong"));
   await page.mouse.move(x, y);
   await page.mouse.down();
@@ -119,6 +119,11 @@ test("a held arrow key is one step, also after a click that jittered", async () 
     await page.keyboard.down("ArrowDown");
   }
   await page.keyboard.up("ArrowDown");
+  await stepIs("Move Mouse 1");
+  const { y: held } = await placeOf("m");
+  await page.keyboard.press("ArrowDown");
+  await page.keyboard.press("ArrowRight");
+  await until("another place", async () => (await placeOf("m")).x > 0 && (await placeOf("m")).y > held);
   await undoMove();
 });
 

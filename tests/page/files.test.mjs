@@ -144,6 +144,11 @@ test("from nothing to a text on a device, ten steps back and again, and the same
   await expectEventually("the device's text", () => String(device.received), "hello\0");
 
   await saveAs("title");
+  await page.locator("[data-history]").click();
+  const last = page.locator('[data-step="10"]');
+  assert.match(await last.innerText(), /^Change String data send 1 · Encoding\s+saved\s+\d\d:\d\d:\d\d$/);
+  assert.equal(await page.locator("[data-step] em").count(), 1);
+  await page.keyboard.press("Escape");
   const saved = await sceneAsMade();
   await startAnew();
   await page.getByRole("button", { name: "Open", exact: true }).click();

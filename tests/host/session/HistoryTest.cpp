@@ -260,6 +260,66 @@ TEST_F(History, ABatchIsAllOrNothing) {
     )");
 }
 
+TEST_F(History, WhatMovesTheSameInASeriesIsOneStep) {
+    Must(CREATE_MOUSE);
+    Must(CREATE_KEYBOARD);
+    const auto place = [this](const char* pszNode, int nX, const char* pszSeries) {
+        Must({{"op", "place"}, {"nodes", {{pszNode, {{"x", nX}, {"y", 0}}}}}, {"series", pszSeries}});
+    };
+    const auto told = [this] { return Steps().size(); };
+    place("m", 1, "a");
+    const std::string strBefore = Scene();
+    place("m", 2, "b");
+    Must("place nodes={\"m\":{\"x\":3,\"y\":0}}");
+    EXPECT_EQ(told(), 5U) << "other series, and none";
+    place("m", 4, "b");
+    const OrderedJson before = Must("history");
+    place("m", 5, "b");
+    place("m", 6, "b");
+    const OrderedJson history = Must("history");
+    EXPECT_EQ(history["steps"].size(), 6U);
+    EXPECT_NE(history["states"].back(), before["states"].back()) << "that state is gone";
+    place("k", 6, "b");
+    EXPECT_EQ(told(), 7U) << "another node";
+    Must("undo");
+    place("m", 7, "b");
+    EXPECT_EQ(told(), 6U) << "what was undone is no step";
+    const std::string strAfter = Scene();
+    Must("undo");
+    Talk(R"(scene => {"nodes":[{"node":"m","place":{"x":3}},{}]})");
+    Must("redo");
+    EXPECT_EQ(Scene(), strAfter);
+    place("m", 8, "b");
+    EXPECT_EQ(told(), 6U);
+    EXPECT_EQ(Must("history")["unsaved"], true);
+    place("m", 3, "b");
+    EXPECT_EQ(told(), 5U) << "it led back";
+}
+
+TEST_F(History, StepsTellTheirParameterAndTimeAndWhichStateIsSaved) {
+    const auto tBefore = TimeOfDayMs();
+    Must("create node=s type=string_send clip=Intro graph=S");
+    Must("edit node=s param=1505 string=text");
+    Must("set node=s param=1505 string=text own=true");
+    OrderedJson history = Must("history");
+    EXPECT_FALSE(history.contains("saved")) << "there is no file";
+    EXPECT_FALSE(history["steps"][0].contains("param"));
+    const OrderedJson strParam = Must("inspect node=s")["inputs"][0]["params"][4]["display"];
+    for (const int nStep : {1, 2}) {
+        EXPECT_EQ(history["steps"][nStep]["param"], strParam);
+        EXPECT_GE(history["steps"][nStep]["ms"], tBefore);
+        EXPECT_LE(history["steps"][nStep]["ms"], TimeOfDayMs());
+    }
+    Scene(); // saves it
+    Must("undo");
+    history = Must("history");
+    EXPECT_EQ(history["saved"], history["states"][3]);
+    EXPECT_EQ(Must("undo")["step"], OrderedJson::parse(R"({"name":"Change S","op":"edit","of":"S"})"))
+        << "as recordings have it";
+    Must(R"(load scene={"format":"iohost scene","version":1,"nodes":[]} name=other.json unsaved=true)");
+    EXPECT_FALSE(Must("history").contains("saved"));
+}
+
 /// Remembers what the last command changed of the scene.
 class CLastChange final : private ISessionObserver {
 public:

@@ -9,6 +9,12 @@
 
 #include "base/Platform.h"
 
+/// Milliseconds since 1970, for people to read.
+inline long long TimeOfDayMs() {
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+}
+
 class CClock : boost::noncopyable {
 public:
     CClock() = default;

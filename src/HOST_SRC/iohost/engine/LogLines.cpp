@@ -1,7 +1,8 @@
 #include "engine/LogLines.h"
 
 #include <algorithm>
-#include <chrono>
+
+#include "base/Clock.h"
 
 namespace {
 
@@ -12,8 +13,7 @@ size_t LengthOf(const SKeptLine& kept) {
 } // namespace
 
 void CLogLines::Add(const SLogged& line) {
-    const auto now = std::chrono::system_clock::now().time_since_epoch();
-    m_lines.push_back({++m_nLast, std::chrono::duration_cast<std::chrono::milliseconds>(now).count(), line});
+    m_lines.push_back({++m_nLast, TimeOfDayMs(), line});
     m_nCharacters += LengthOf(m_lines.back());
     while (m_lines.size() > MOST_LINES || (m_nCharacters > MOST_CHARACTERS && m_lines.size() > 1)) {
         m_nCharacters -= LengthOf(m_lines.front());

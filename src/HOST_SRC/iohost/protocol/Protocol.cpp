@@ -45,8 +45,9 @@ public:
         std::string strVerb = step.strName.substr(0, step.strName.size() - step.strOf.size()); // the name ends with it
         CutUtf8(strVerb, Most());
         CutUtf8(step.strOf, Most());
+        CutUtf8(step.strParam, Most());
         step.strName = strVerb + step.strOf;
-        m_nShown += static_cast<int>(step.strName.size() + step.strOf.size());
+        m_nShown += static_cast<int>(step.strName.size() + step.strOf.size() + step.strParam.size());
     }
     void Cut(SHeldEntry& entry) {
         if (auto* pKey = std::get_if<std::string>(&entry.identity)) {

@@ -172,7 +172,8 @@ TAGGED(SLogCommand, "log", SField{"after", &T::nAfter, FIELD_OPTIONAL})
 TAGGED(SCountersCommand, "counters")
 TAGGED(SResetCountersCommand, "reset_counters", SField{"node", &T::handle, FIELD_OPTIONAL})
 TAGGED(SRenameCommand, "rename", SField{"node", &T::strHandle}, SField{"graph", &T::strGraph})
-TAGGED(SPlaceCommand, "place", SField{"nodes", &T::nodes, FIELD_OPTIONAL}, SField{"notes", &T::notes, FIELD_OPTIONAL})
+TAGGED(SPlaceCommand, "place", SField{"nodes", &T::nodes, FIELD_OPTIONAL}, SField{"notes", &T::notes, FIELD_OPTIONAL},
+       SField{"series", &T::strSeries, FIELD_OPTIONAL})
 TAGGED(SUndoCommand, "undo", SField{"to", &T::to, FIELD_OPTIONAL})
 TAGGED(SRedoCommand, "redo", SField{"to", &T::to, FIELD_OPTIONAL})
 TAGGED(SLoadCommand, "load", SField{"scene", &T::pScene}, SField{"name", &T::strFile, FIELD_OPTIONAL},
@@ -233,9 +234,11 @@ SHAPE(SNodeType, SField{"guid", &T::guid}, SField{"kind", &T::nKind}, SField{"na
       SField{"reserved", &T::reserved})
 SHAPE(SCatalogue, SField{"types", &T::types})
 SHAPE(SCalled, SField{"result", &T::nResult})
-SHAPE(SStep, SField{"name", &T::strName}, SField{"op", &T::strOp}, SField{"of", &T::strOf, FIELD_OPTIONAL})
+SHAPE(SStep, SField{"name", &T::strName}, SField{"op", &T::strOp}, SField{"of", &T::strOf, FIELD_OPTIONAL},
+      SField{"param", &T::strParam, FIELD_OPTIONAL}, SField{"ms", &T::nTimeMs, FIELD_OPTIONAL})
 SHAPE(SStepTaken, SField{"step", &T::step})
-SHAPE(SSceneFile, SField{"file", &T::strName, FIELD_NULLABLE}, SField{"unsaved", &T::bUnsaved})
+SHAPE(SSceneFile, SField{"file", &T::strName, FIELD_NULLABLE}, SField{"unsaved", &T::bUnsaved},
+      SField{"saved", &T::saved, FIELD_OPTIONAL})
 SHAPE(SSceneFileInfo, SField{"file", &T::strName}, SField{"bytes", &T::nBytes}, SField{"modified_ms", &T::nModifiedMs})
 SHAPE(SScenes, SField{"files", &T::files})
 SHAPE(SHistoryState, SField{"steps", &T::steps}, SField{"done", &T::nDone}, SField{"states", &T::states},

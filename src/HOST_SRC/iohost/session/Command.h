@@ -239,6 +239,7 @@ struct SResetCountersCommand {
 struct SPlaceCommand {
     std::vector<std::pair<std::string, SPlace>> nodes = {};               ///< by handle
     std::vector<std::pair<std::string, std::optional<SNote>>> notes = {}; ///< by id; none: it goes
+    std::string strSeries = {}; ///< with those of the same series before it, it's one step
 };
 
 struct SCommands;

@@ -1,14 +1,9 @@
 #include "session/History.h"
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 
-namespace {
-
-constexpr auto NO_STATE = std::numeric_limits<unsigned long long>::max(); ///< of a file that has none of the states
-
-} // namespace
+#include "base/Clock.h"
 
 void CHistory::Add(SStep step, SScenePart before, SScenePart after) {
     while (m_entries.size() > m_nDone) {
@@ -16,6 +11,18 @@ void CHistory::Add(SStep step, SScenePart before, SScenePart after) {
         m_entries.pop_back();
     }
     m_states.resize(m_nDone + 1);
+    if (const SStep* pLast = ToUndo(); pLast != nullptr && !step.strSeries.empty() &&
+                                       pLast->strSeries == step.strSeries && m_entries.back().after == before) {
+        before = std::move(m_entries.back().before);
+        m_nBytes -= m_entries.back().nBytes;
+        m_entries.pop_back();
+        m_states.pop_back();
+        m_nDone = m_entries.size();
+        if (before == after) {
+            return; // it led back
+        }
+    }
+    step.nTimeMs = TimeOfDayMs();
     m_states.push_back(++m_nLastState);
     const size_t nBytes = BytesOf(before) + BytesOf(after);
     m_entries.push_back({std::move(step), std::move(before), std::move(after), nBytes, {}});
@@ -29,7 +36,7 @@ void CHistory::Add(SStep step, SScenePart before, SScenePart after) {
 }
 
 void CHistory::NoteOpened(const std::string& strFile, bool bUnsaved) {
-    m_entries.back().otherKept = std::exchange(m_kept, {strFile, bUnsaved ? NO_STATE : State()});
+    m_entries.back().otherKept = std::exchange(m_kept, {strFile, bUnsaved ? std::nullopt : std::optional(State())});
 }
 
 void CHistory::Begin(const std::string& strFile) {
@@ -41,7 +48,7 @@ void CHistory::NoteSaved(const std::string& strFile) {
     m_kept = {strFile, State()};
     for (SEntry& entry : m_entries) {
         if (entry.otherKept && entry.otherKept->strFile == strFile) {
-            entry.otherKept->nState = NO_STATE; // the file has this scene now
+            entry.otherKept->state.reset(); // the file has this scene now
         }
     }
 }

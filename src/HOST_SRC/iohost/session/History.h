@@ -10,15 +10,19 @@
 
 /// A step, for people and for programs that tell it in other words.
 struct SStep {
-    std::string strName; ///< "Delete Mouse 1"
-    std::string strOp;   ///< the request that it was
-    std::string strOf;   ///< what it was about, if that was one thing
+    std::string strName;        ///< "Delete Mouse 1"
+    std::string strOp;          ///< the request that it was
+    std::string strOf;          ///< what it was about, if that was one thing
+    std::string strParam = {};  ///< what a node's panel calls the parameter that it changed
+    std::string strSeries = {}; ///< not empty: it may go on with a step of the same series
+    long long nTimeMs = 0;      ///< when it was taken, since 1970
 };
 
 /// Where the scene is kept.
 struct SSceneFile {
-    std::string strName;   ///< empty: nowhere yet
-    bool bUnsaved = false; ///< it was changed since
+    std::string strName;                          ///< empty: nowhere yet
+    bool bUnsaved = false;                        ///< it was changed since
+    std::optional<unsigned long long> saved = {}; ///< number of the state that is kept there
 };
 
 class CHistory {
@@ -27,6 +31,7 @@ public:
     static constexpr size_t MOST_BYTES = size_t{256} << 20; ///< of all steps together, unless one has more
 
     /// Add a step that was taken. What could be redone is forgotten, and beyond the limits the oldest steps are, too.
+    /// One of the same series as the last step, and about the same, becomes one with it.
     void Add(SStep step, SScenePart before, SScenePart after);
 
     /// The last step loaded another scene from this file; empty: from none. bUnsaved: the file has an older version.
@@ -58,13 +63,15 @@ public:
     /// Number of the scene's present state. States that undoing and redoing come back to have the same number.
     unsigned long long State() const { return m_states[m_nDone]; }
 
-    SSceneFile File() const { return {m_kept.strFile, m_kept.nState != State()}; }
+    SSceneFile File() const {
+        return {m_kept.strFile, m_kept.state != State(), m_kept.strFile.empty() ? std::nullopt : m_kept.state};
+    }
 
 private:
-    /// A file, and which state of the scene it has.
+    /// A file, and which state of the scene it has, if it has one of them.
     struct SKept {
         std::string strFile;
-        unsigned long long nState = 0;
+        std::optional<unsigned long long> state = 0;
     };
 
     struct SEntry {

@@ -597,7 +597,7 @@ Result CSession::Move(std::optional<unsigned long long> to, bool bForth) {
     } while (to && m_history.State() != *to);
     m_change = change;
     AwaitDevices();
-    return SStepTaken{step};
+    return SStepTaken{{step.strName, step.strOp, step.strOf}}; // all that recorded replies have
 }
 
 Result CSession::On(const SHistoryCommand& /*command*/) {

@@ -21,8 +21,8 @@ public:
     SStepPlan operator()(const SOutputsCommand& command) const {
         return OfNode("Change", "outputs", command.strHandle);
     }
-    SStepPlan operator()(const SSetCommand& command) const { return OfNode("Change", "set", command.strHandle); }
-    SStepPlan operator()(const SEditCommand& command) const { return OfNode("Change", "edit", command.strHandle); }
+    SStepPlan operator()(const SSetCommand& command) const { return OfParam("set", command); }
+    SStepPlan operator()(const SEditCommand& command) const { return OfParam("edit", command); }
     SStepPlan operator()(const SDropCommand& command) const { return OfNode("Change", "drop", command.strHandle); }
     SStepPlan operator()(const SRenameCommand& command) const {
         const std::string strOf = NodeName(command.strHandle) + " to " + NameOr(command.strGraph, command.strHandle);
@@ -38,11 +38,11 @@ public:
             scope.nodes.insert(strHandle);
         }
         if (command.nodes.empty()) {
-            return {{"Change notes", "place", {}}, scope};
+            return {{"Change notes", "place", {}, {}, command.strSeries}, scope};
         }
         const std::string strOf = command.nodes.size() == 1 ? NodeName(command.nodes.front().first)
                                                             : std::to_string(command.nodes.size()) + " nodes";
-        return {{"Move " + strOf, "place", strOf}, scope};
+        return {{"Move " + strOf, "place", strOf, {}, command.strSeries}, scope};
     }
 
     SStepPlan operator()(const SObjectCommand& command) const { return OfObject("Add", "object", command.strName); }
@@ -92,6 +92,16 @@ private:
     SStepPlan OfNode(const std::string& strVerb, const char* pszOp, const std::string& strHandle) const {
         const std::string strOf = NodeName(strHandle);
         return {{strVerb + " " + strOf, pszOp, strOf}, {.nodes = {strHandle}, .bParameters = true}};
+    }
+
+    SStepPlan OfParam(const char* pszOp, const SSetCommand& command) const {
+        SStepPlan plan = OfNode("Change", pszOp, command.strHandle);
+        if (const SNode* pNode = m_scene.Find(command.strHandle)) {
+            const auto& lstGroup = command.bOwn ? pNode->pNode->m_lstParamGroup : pNode->pGraphNode->m_lstInputGroup;
+            const VEKParam* pParam = FindParam(lstGroup, MakeParamGuid(command.nParam));
+            plan.step.strParam = pParam != nullptr ? Utf8(pParam->m_strDisplay) : std::string();
+        }
+        return plan;
     }
 
     SStepPlan OfLink(const std::string& strVerb, const char* pszWhere, const char* pszOp,

@@ -77,11 +77,14 @@ export type Step = {
   name: string;
   op: string;
   of?: string;
+  param?: string;
+  ms?: number;
 };
 
 export type SceneFile = {
   file: string | null;
   unsaved: boolean;
+  saved?: number;
 };
 
 export type History = {

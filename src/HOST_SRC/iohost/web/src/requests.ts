@@ -24,7 +24,7 @@ export type Change =
   | { op: "rename"; node: string; graph: string }
   | ({ op: "edit"; node: string; param: number } & EditValue)
   | ({ op: "link" | "unlink" } & Link)
-  | { op: "place"; nodes?: Record<string, Place>; notes?: Record<string, Note | null> }
+  | { op: "place"; nodes?: Record<string, Place>; notes?: Record<string, Note | null>; series?: string }
   | { op: "device"; device: number; name: string; parser: string; address?: string | null; drop_after?: number | null; new?: true }
   | { op: "remove_device"; device: number }
   | ({ op: "object" } & ObjectName)
@@ -154,12 +154,13 @@ export class Requests {
   }
 }
 
-/** Where nodes and notes stand. */
-export function placing(nodes: Record<string, Place>, notes: Record<string, Note | null>): Change {
+/** Where nodes and notes stand. One after the other of the same things in the same series is one step. */
+export function placing(nodes: Record<string, Place>, notes: Record<string, Note | null>, series?: string): Change {
   return {
     op: "place",
     ...(Object.keys(nodes).length > 0 && { nodes }),
     ...(Object.keys(notes).length > 0 && { notes }),
+    ...(series !== undefined && { series }),
   };
 }
 

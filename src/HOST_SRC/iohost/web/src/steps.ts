@@ -1,4 +1,5 @@
 import { STARTS } from "./graph/starts.ts";
+import { hostText } from "./hostTexts.ts";
 import { t } from "./i18n.ts";
 import type { Step } from "./protocol.ts";
 
@@ -35,8 +36,13 @@ const OTHERS = [
   "Unlink",
 ] as const;
 
-/** The name of a step in the reader's language; the host and who sends a batch name it in English. */
-export function stepText({ name, op, of }: Step): string {
+/** What a step did, in the reader's language. */
+export function stepText(step: Step): string {
+  return step.param === undefined ? nameText(step) : `${nameText(step)} · ${hostText(step.param)}`;
+}
+
+/** The name of a step, which the host and who sends a batch name in English. */
+function nameText({ name, op, of }: Step): string {
   const other = OTHERS.find((one) => one === name);
   if (other !== undefined && of === undefined) {
     return t(other);

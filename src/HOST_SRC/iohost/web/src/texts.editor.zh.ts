@@ -98,6 +98,7 @@ export const EDITOR_ZH = {
   "History": "历史",
   "Going back changes the scene; what nodes heard or sent isn't undone.": "返回会改变场景；节点接收或发送过的内容不会撤回。",
   "As far back as is kept": "保留的最早状态",
+  "saved": "已保存",
   "Duplicate": "创建副本",
   "Delete": "删除",
   "Deleted: {count}. Undo brings it back.": "已删除：{count}。可撤销。",

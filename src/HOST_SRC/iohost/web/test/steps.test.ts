@@ -52,6 +52,13 @@ test("a step's whole name is told in the reader's language", () => {
   }
 });
 
+test("a step that changed a parameter says which, as the panel does", () => {
+  const step = { name: "Change Net send 1", op: "edit", of: "Net send 1", param: "Clip name" };
+  assert.equal(stepText(step), "Change Net send 1 · Clip name");
+  language.value = "zh";
+  assert.equal(stepText(step), "更改 Net send 1 · 素材名称");
+});
+
 test("every batch of the page has a name in the reader's language", () => {
   const sources = readdirSync("src", { recursive: true, encoding: "utf8" })
     .filter((name) => /\.tsx?$/.test(name))

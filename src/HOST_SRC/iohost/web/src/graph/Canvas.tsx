@@ -61,6 +61,8 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   const notes = host.notes.value;
   const [editor] = useState(() => new Editor(host, desk));
   const [automatic] = useState(() => new AutomaticPlaces());
+  /** The series of what this page moves by arrow keys. */
+  const [arrows] = useState(() => String(Math.random()));
   const [faces, setFaces, onFacesChange] = useNodesState<CanvasNode>([]);
   const [wires, setWires, onWiresChange] = useEdgesState<Wire>([]);
   const flow = useRef<ReactFlowInstance<CanvasNode, Wire> | null>(null);
@@ -142,8 +144,8 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     };
   }, [desk, editor]);
 
-  /** As these stand, as one step. */
-  const keepPlaces = (all: readonly CanvasNode[]) => {
+  /** As these stand, as one step, or with those of the series. */
+  const keepPlaces = (all: readonly CanvasNode[], series?: string) => {
     const movedNodes = all.flatMap(({ type, data, position }) =>
       type === "face" ? [[data.node.node, { ...editor.view.placeOf(data.node.node), ...position }]] : [],
     );
@@ -151,20 +153,20 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       type === "note" ? [[data.id, movedNote(data.note, { ...position, width: width!, height: height! })]] : [],
     );
     if (all.length > 0) {
-      void editor.place(Object.fromEntries(movedNodes), Object.fromEntries(movedNotes));
+      void editor.place(Object.fromEntries(movedNodes), Object.fromEntries(movedNotes), series);
     }
   };
   // Where nodes and notes were moved to, until that is asked for.
   const moved = useRef(new Map<string, XYPosition>());
   const mayDrag = useRef(false);
   const isDragging = useRef(false);
-  const place = useConstant(() => {
+  const place = useConstant((series?: string) => {
     if (isDragging.current) {
       return; // the drop will
     }
     const all = faces.flatMap((face) => (moved.current.has(face.id) ? { ...face, position: moved.current.get(face.id)! } : []));
     moved.current.clear();
-    keepPlaces(all);
+    keepPlaces(all, series);
   });
   const align = (axis: "x" | "y") => {
     const line = Math.min(...chosenFaces.map(({ position }) => position[axis]));
@@ -209,7 +211,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     chosen,
     chosenLinks: wires.flatMap(({ selected, data }) => (selected && data ? data.link : [])),
     chooseAll: () => setFaces((kept) => chosenIn(kept, () => true)),
-    place,
+    place: () => place(`${arrows} ${host.scene.peek()?.saved}`), // the saved state stays one to go back to
   });
 
   const keepFlow = useConstant((instance: ReactFlowInstance<CanvasNode, Wire>) => {

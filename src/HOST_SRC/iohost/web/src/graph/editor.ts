@@ -359,12 +359,12 @@ export class Editor {
     }
   }
 
-  /** Puts nodes and notes where they are to stay, as one step; false when that wasn't done. */
-  async place(nodes: Record<string, Place>, notes: Record<string, Note> = {}): Promise<boolean> {
+  /** Puts nodes and notes where they are to stay, as one step, or with those of the series; false when that wasn't done. */
+  async place(nodes: Record<string, Place>, notes: Record<string, Note> = {}, series?: string): Promise<boolean> {
     if (this.#isGone) {
       return false;
     }
-    const error = await this.host.requests.change(placing(mapped(nodes, rounded), mapped(notes, rounded)));
+    const error = await this.host.requests.change(placing(mapped(nodes, rounded), mapped(notes, rounded), series));
     this.desk.tell(error, "");
     return error === null;
   }

@@ -1,5 +1,6 @@
 import { useEffect, useRef, useState } from "preact/hooks";
 import type { Desk } from "../desk.ts";
+import { timeOfDay } from "../format.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
 import type { History } from "../protocol.ts";
@@ -33,7 +34,7 @@ export function HistoryList({ host, desk }: { host: Host; desk: Desk }) {
     desk.tell(typeof taken === "string" ? taken : null, "");
   };
   /** What it was after so many steps. */
-  const entry = (step: number, { done, states }: History, text: string) => (
+  const entry = (step: number, { done, states, saved }: History, text: string, time?: number) => (
     <li key={step}>
       <button
         type="button"
@@ -43,7 +44,9 @@ export function HistoryList({ host, desk }: { host: Host; desk: Desk }) {
         title={text}
         onClick={() => step !== done && void goTo(step < done ? "undo" : "redo", states[step]!)}
       >
-        {text}
+        <span>{text}</span>
+        {states[step] === saved && <em>{t("saved")}</em>}
+        {time !== undefined && <time>{timeOfDay(time).slice(0, 8)}</time>}
       </button>
     </li>
   );
@@ -56,7 +59,7 @@ export function HistoryList({ host, desk }: { host: Host; desk: Desk }) {
         <div class="history-list" role="dialog" aria-label={t("History")}>
           <p class="hint">{t("Going back changes the scene; what nodes heard or sent isn't undone.")}</p>
           <ol>
-            {list.steps.map((step, index) => entry(index + 1, list, stepText(step))).reverse()}
+            {list.steps.map((step, index) => entry(index + 1, list, stepText(step), step.ms)).reverse()}
             {entry(0, list, t("As far back as is kept"))}
           </ol>
         </div>
