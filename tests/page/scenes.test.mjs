@@ -56,7 +56,7 @@ beforeEach(async () => {
   await start();
 });
 
-test("pages are told which nodes changed, what can be undone, and whether it's saved", async () => {
+test("pages are told which nodes changed, what others did, what can be undone, and whether it's saved", async () => {
   const other = await openSession(host.address);
   const told = async (request, scene, history) => {
     const from = other.pushes.length;
@@ -85,6 +85,9 @@ test("pages are told which nodes changed, what can be undone, and whether it's s
   await told({ op: "undo" }, [undefined, []], ["Change Keys", "Move Keys", "keys.json", true]);
   await told({ op: "redo" }, [undefined, []], ["Move Keys", null, "keys.json", false]);
   await told({ op: "load", scene: EMPTY }, [undefined, undefined], ["Open a scene", null, null, false]);
+  const steps = (session) => session.pushes.filter(({ push }) => push === "step").map(({ was, step }) => `${was} ${step.name}`);
+  assert.deepEqual(steps(other).slice(2), ["taken Change Keys", "taken Move Keys", "undone Move Keys", "redone Move Keys", "taken Open a scene"]);
+  assert.deepEqual(steps(script), [], "who took them knows");
 });
 
 test("the scenes of the folder are listed", async () => {

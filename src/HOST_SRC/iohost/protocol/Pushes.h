@@ -43,6 +43,14 @@ struct SLeftScene {
     long long nModifiedMs; ///< since 1970
 };
 
+enum class EStepWas { Taken, Undone, Redone };
+NAMES(EStepWas, "taken", "undone", "redone")
+
+struct SStepPush {
+    EStepWas nWas;
+    SStep step;
+};
+
 struct SHistoryPush {
     std::optional<SStep> undo;
     std::optional<SStep> redo;
@@ -60,6 +68,7 @@ TAGGED(SHeldPush, "held", SField{"held", &T::held}, SField{"released", &T::relea
 TAGGED(SScenePush, "scene", SField{"version", &T::nVersion}, SField{"nodes", &T::nodes, FIELD_OPTIONAL},
        SField{"changed", &T::changed, FIELD_OPTIONAL}, SField{"scene", &T::scene, FIELD_OPTIONAL})
 SHAPE(SLeftScene, SField{"file", &T::strFile, FIELD_NULLABLE}, SField{"modified_ms", &T::nModifiedMs})
+TAGGED(SStepPush, "step", SField{"was", &T::nWas}, SField{"step", &T::step})
 TAGGED(SHistoryPush, "history", SField{"undo", &T::undo, FIELD_NULLABLE}, SField{"redo", &T::redo, FIELD_NULLABLE},
        SField{"state", &T::nState}, SFlat{&T::file}, SField{"recovered", &T::recovered, FIELD_OPTIONAL})
 TAG(SCounters, "counters")
@@ -68,8 +77,8 @@ TAG(SNetworkState, "network")
 TAG(SObjects, "objects")
 TAG(SVerdicts, "json")
 
-using Push = std::variant<SHelloPush, SFramePush, SHappenedPush, SOutputsPush, SHeldPush, SScenePush, SHistoryPush,
-                          SCounters, SDroppedItems, SNetworkState, SObjects, SVerdicts>;
+using Push = std::variant<SHelloPush, SFramePush, SHappenedPush, SOutputsPush, SHeldPush, SScenePush, SStepPush,
+                          SHistoryPush, SCounters, SDroppedItems, SNetworkState, SObjects, SVerdicts>;
 UNION(Push, "push")
 
 void CutForViewers(Push& told); ///< as those of Protocol.h

@@ -256,6 +256,7 @@ private:
     /// Whoever asked is told by the reply. What items cause is told with the next frame: they may come by the thousand.
     void OnDone(const SDone& done) override {
         m_change.Add(done.change);
+        TellStep(done);
         if (m_clients.empty()) {
             return;
         }
@@ -293,6 +294,23 @@ private:
     void TellFrame() {
         DoGuarded(m_frameLine, "the pages weren't told of a frame", [this] { SendToAll(SFramePush{m_nFrame}); });
         DoGuarded(m_failedLine, "the unsaved scene can't be written aside", [this] { m_unsaved.Check(); });
+    }
+
+    /// A step that was taken, undone or redone, to all but whoever did it.
+    void TellStep(const SDone& done) {
+        const CHistory& history = m_session.History();
+        if (history.State() == std::exchange(m_nState, history.State())) {
+            return;
+        }
+        EStepWas nWas = EStepWas::Taken;
+        if (std::holds_alternative<SUndoCommand>(*done.pCommand)) {
+            nWas = EStepWas::Undone;
+        } else if (std::holds_alternative<SRedoCommand>(*done.pCommand)) {
+            nWas = EStepWas::Redone;
+        }
+        if (const SStep* pStep = nWas == EStepWas::Undone ? history.ToRedo() : history.ToUndo()) {
+            SendToAll(SStepPush{nWas, *pStep}, done.origin.pHeld);
+        }
     }
 
     void TellScene() {
@@ -389,6 +407,7 @@ private:
     /// A new random one for each scene: it also differs from those of another host at the same address.
     unsigned m_nSceneNumber{std::random_device{}()};
     std::string m_strToldHistory;
+    unsigned long long m_nState{m_session.History().State()}; ///< of the scene, after the last command
     unsigned long long m_nToldNetworkVersion = 0;
     unsigned long long m_nToldHeldVersion = 0;
     std::map<std::pair<int, std::optional<std::string>>, size_t>

@@ -12,7 +12,7 @@ import { Pace } from "./pace.ts";
 import { Requests } from "./requests.ts";
 import type { JsonVerdict } from "./protocol.ts";
 import { Device, EventId } from "./codes.ts";
-import { firedByNodes, type EventReply, type Happened, type InputEvent, type NodeDetails, type NumberedLine, type Reply, type SceneState } from "./messages.ts";
+import { firedByNodes, type EventReply, type Happened, type InputEvent, type NodeDetails, type NumberedLine, type OthersStep, type Reply, type SceneState } from "./messages.ts";
 import type { Counters, HeldEntry, LeftScene, Link, NetworkState, NodeCounts, Note, OutputValue, Push, Scene, SceneNode, SceneObject } from "./protocol.ts";
 
 export type ConnectionState =
@@ -78,6 +78,8 @@ export class Host implements ConnectionListener {
   /** What a scene that was uploaded here is called, which has no file of the folder of scenes. */
   proposedName: string | null = null;
   readonly log = new LogBuffer();
+  /** Hears of steps that this page didn't take. */
+  onOthersStep: (told: OthersStep) => void = () => {};
 
   readonly requests: Requests;
 
@@ -206,6 +208,12 @@ export class Host implements ConnectionListener {
       case "history":
         this.scene.value = push;
         this.recovered.value = push.recovered ?? null;
+        break;
+      case "step":
+        // An upload comes by no connection, so that the host tells of it here, too.
+        if (this.#uploadedName === null) {
+          this.onOthersStep(push);
+        }
         break;
       case "counters":
         this.#showCounters(push, Date.now());

@@ -42,6 +42,9 @@ export type EventReply = Reply<NodeResults>;
 /** Where undo and redo lead, which file the scene is of, and whether it was changed since that was written. */
 export type SceneState = Extract<Push, { push: "history" }>;
 
+/** A step that another page or a script took, undid or did again. */
+export type OthersStep = Pick<Extract<Push, { push: "step" }>, "was" | "step">;
+
 /** A line of the host's log, by its number there. */
 export type NumberedLine = LogEntry & Pick<LogLine, "n" | "ms">;
 

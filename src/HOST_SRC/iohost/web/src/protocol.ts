@@ -339,6 +339,9 @@ export type Push = { push: "hello" } & {
   nodes?: string[];
   changed?: string[];
   scene?: number;
+} | { push: "step" } & {
+  was: "taken" | "undone" | "redone";
+  step: Step;
 } | { push: "history" } & {
   undo: Step | null;
   redo: Step | null;

@@ -1,6 +1,7 @@
 import { STARTS } from "./graph/starts.ts";
 import { hostText } from "./hostTexts.ts";
 import { t } from "./i18n.ts";
+import type { OthersStep } from "./messages.ts";
 import type { Step } from "./protocol.ts";
 
 /** Steps of one thing, as the host names them, or a page its batches. */
@@ -35,6 +36,22 @@ const OTHERS = [
   "Recover a scene",
   "Unlink",
 ] as const;
+
+/** Steps that take something away. */
+const TAKING = /^(Delete|Unlink|Remove|Open|Recover)\b/;
+
+/** What is said here of a step that was taken elsewhere; null of one that takes nothing away. */
+export function othersStepText({ was, step }: OthersStep): string | null {
+  const text = { step: stepText(step) };
+  switch (was) {
+    case "taken":
+      return TAKING.test(step.name) ? t("On another page: {step}", text) : null;
+    case "undone":
+      return t("Undone on another page: {step}", text);
+    case "redone":
+      return t("Done again on another page: {step}", text);
+  }
+}
 
 /** What a step did, in the reader's language. */
 export function stepText(step: Step): string {

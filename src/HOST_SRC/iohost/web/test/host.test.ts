@@ -221,6 +221,21 @@ test("another scene begins anew, also for nodes of the same handles; a new conne
   }
 });
 
+test("the page hears of others' steps, not of the scene that it uploaded", async () => {
+  const { host } = openPage();
+  const socket = connect();
+  const told: string[] = [];
+  host.onOthersStep = ({ step }) => told.push(step.name);
+  const tell = (name: string) => socket.tell({ push: "step", was: "taken", step: { name, op: "load" } });
+  mock.method(globalThis, "fetch", async () => Response.json({ ok: true }));
+  const uploaded = host.upload(new File([], "show.json"));
+  tell("uploaded");
+  socket.tell({ push: "scene", version: 2, scene: 12 });
+  await uploaded;
+  tell("another");
+  assert.deepEqual(told, ["another"]);
+});
+
 test("a step that replaces all nodes makes no other scene", async () => {
   const { host } = openPage();
   const socket = connect();

@@ -3,7 +3,7 @@ import { readdirSync, readFileSync } from "node:fs";
 import { join } from "node:path";
 import { afterEach, test } from "node:test";
 import { language } from "../src/i18n.ts";
-import { stepText } from "../src/steps.ts";
+import { othersStepText, stepText } from "../src/steps.ts";
 
 afterEach(() => {
   language.value = "en";
@@ -57,6 +57,16 @@ test("a step that changed a parameter says which, as the panel does", () => {
   assert.equal(stepText(step), "Change Net send 1 · Clip name");
   language.value = "zh";
   assert.equal(stepText(step), "更改 Net send 1 · 素材名称");
+});
+
+test("what others undo, do again, or take away is told, and no other step of theirs", () => {
+  const told = (name: string, was: "taken" | "undone" | "redone" = "taken") => othersStepText({ was, step: { name, op: "batch" } });
+  assert.equal(told("Move Mouse 1", "undone"), "Undone on another page: Move Mouse 1");
+  assert.equal(told("Move Mouse 1", "redone"), "Done again on another page: Move Mouse 1");
+  assert.equal(told("Move Mouse 1"), null);
+  for (const name of ["Delete 3 nodes", "Unlink", "Remove device Wall", "Open show 2.json", "Recover a scene"]) {
+    assert.equal(told(name), `On another page: ${name}`);
+  }
 });
 
 test("every batch of the page has a name in the reader's language", () => {

@@ -2,6 +2,7 @@ import { useEffect, useMemo } from "preact/hooks";
 import { Desk, DeskContext } from "../desk.ts";
 import type { Host } from "../host.ts";
 import { t } from "../i18n.ts";
+import { othersStepText } from "../steps.ts";
 import { ConnectionBanner } from "./Connection.tsx";
 import "./desk.css";
 import { Dock } from "./Dock.tsx";
@@ -39,6 +40,9 @@ export function App({ host }: { host: Host }) {
     () => host.connection.subscribe((state) => state.is === "open" && !host.isCurrent(state.scene) && desk.tell(null, "")),
     [host, desk],
   );
+  useEffect(() => {
+    host.onOthersStep = (told) => (desk.message.value = othersStepText(told) ?? desk.message.peek());
+  }, [host, desk]);
   return (
     <DeskContext.Provider value={desk}>
       <div class={isPhone ? "app phone" : "app"}>
