@@ -471,6 +471,17 @@ test("what is being typed into a note stays while another page changes the note,
   await expectEventually("the text", () => field.inputValue(), "fourth");
 });
 
+test("what is being typed when the page is left is kept", async () => {
+  await createNode(script, "s", Type.stringSend, "Sender");
+  await must(script, { op: "place", notes: { n: { x: 30, y: 420, width: 200, height: 100, text: "" } } });
+  await page.page.locator("[data-note=n] textarea").fill("a note");
+  await page.page.reload();
+  await expectEventually("the notes", noteTexts, "a note");
+  await page.page.locator('article[data-node=s] [data-param="1505"]').fill("a text");
+  await page.page.reload();
+  await expectEventually("the text", () => page.page.locator('article[data-node=s] [data-param="1505"]').inputValue(), "a text");
+});
+
 test("a note that is moved, sized or lined up keeps the text that another page gave it just then", async () => {
   let hears = true;
   await is.between(page.page, { toPage: (messages) => messages.filter(({ push }) => hears || push !== "scene") });
