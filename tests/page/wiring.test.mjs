@@ -233,6 +233,13 @@ test("a click on a pin begins a wire, and one on another pin ends it or is told 
   await begun.waitFor();
   await page.page.locator(".react-flow__pane").click({ position: { x: 5, y: 5 } });
   await expectEventually("wires that are begun", () => begun.count(), 0);
+  await canvas.pin("m", is.LEFT_DOWN[1]).click();
+  await begun.waitFor();
+  await must(script, { op: "destroy", node: "m" });
+  await canvas.face("m").waitFor({ state: "detached" });
+  await must(script, { op: "undo" });
+  await canvas.face("m").waitFor();
+  assert.deepEqual([await begun.count(), await message.innerText()], [0, ""]);
 });
 
 test("keys go on with what was just made: it has the focus", async () => {
@@ -262,6 +269,9 @@ test("a wire that was begun by keys is given up by Escape, and ended by Ctrl+K a
   await hint.waitFor();
   await page.page.getByRole("button", { name: "Fold Keyboard 1" }).click();
   await page.page.locator("[data-face=k][data-folded=true]").waitFor();
+  await hint.waitFor();
+  await page.keyboard.press("Control+c");
+  await canvas.message().getByText("Copied: 1").waitFor();
   await hint.waitFor();
   await page.keyboard.press("Escape");
   await hint.waitFor({ state: "detached" });

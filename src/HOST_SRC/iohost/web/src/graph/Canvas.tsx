@@ -72,6 +72,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   const wantChosen = useRef<readonly string[]>([]);
 
   useLayoutEffect(() => {
+    editor.nodesChanged();
     automatic.follow(nodes ?? [], links);
     const wanted = wantChosen.current;
     setFaces((kept) => facesOf(editor, { nodes: nodes ?? [], links, notes }, automatic, kept, wanted));

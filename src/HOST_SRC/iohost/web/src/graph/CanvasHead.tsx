@@ -46,7 +46,7 @@ export function CanvasHead({ editor, chosen, onArrange, onAlign }: CanvasHeadPro
       )}
       <div class="graph-message">
         <span class="hint" role="status" data-graph-message>
-          {editor.desk.message.value || editor.hint.value}
+          {[editor.desk.message.value, editor.hint.value].filter(Boolean).join(" · ")}
         </span>
       </div>
     </div>

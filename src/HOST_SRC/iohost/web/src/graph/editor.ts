@@ -55,7 +55,7 @@ export class Editor {
   readonly palette = signal<PaletteCall | null>(null);
   /** The pin at which a wire was begun by a click or a key. */
   readonly begun = signal<Pin | null>(null);
-  /** How to go on with that wire; told while nothing else is. */
+  /** How to go on with that wire. */
   readonly hint = computed(() => {
     const begun = this.begun.value;
     const node = begun && this.host.byHandle.value.get(begun.node);
@@ -163,6 +163,14 @@ export class Editor {
 
   giveUp(): void {
     this.begun.value = null;
+  }
+
+  /** A wire that was begun at a node goes with it. */
+  nodesChanged(): void {
+    const begun = this.begun.peek();
+    if (begun !== null && this.node(begun.node) === undefined) {
+      this.giveUp();
+    }
   }
 
   /** Whether the wire that is being made can end at this pin. */
