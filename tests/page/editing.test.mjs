@@ -208,7 +208,7 @@ test("a chosen node is doubled, and several are deleted as one step", async () =
   await page.page.getByRole("heading", { name: "Mouse 2" }).waitFor();
   await canvas.choose("k", "t");
   await page.page.getByRole("button", { name: "Delete", exact: true }).click();
-  await page.page.getByText("Deleted: 2. Undo brings it back.").waitFor();
+  await page.page.getByText("Deleted: 2 nodes and a wire. Undo brings it back.").waitFor();
   await canvas.nodesAre(["Mouse 1", "Mouse 2"]);
   await stepIs("Delete 2 nodes");
   await page.keyboard.press("Control+z");

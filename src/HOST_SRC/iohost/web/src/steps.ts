@@ -75,10 +75,6 @@ function beginning(pattern: (typeof OF_SOMETHING)[number]): string {
 
 /** What a step is of: one thing, two that belong together, or numbers of nodes and notes. */
 function whatText(pattern: (typeof OF_SOMETHING)[number], what: string): string {
-  const [, count] = /^(\d+) nodes$/.exec(what) ?? [];
-  if (count !== undefined) {
-    return t("{count} nodes", { count });
-  }
   const [, from, to] = (pattern === "Unlink {what}" ? /^(.*?) from (.*)$/s : /^(.*?) to (.*)$/s).exec(what) ?? [];
   switch (pattern) {
     case "Link {what}":
@@ -91,15 +87,24 @@ function whatText(pattern: (typeof OF_SOMETHING)[number], what: string): string 
     case "Add {what}":
     case "Delete {what}":
     case "Duplicate {what}":
-    case "Paste {what}": {
-      const [, nodes, notes, count] = /^(?:(.+) and )?(a note|(\d+) notes)$/s.exec(what) ?? [];
-      if (notes === undefined) {
-        return what;
-      }
-      const notesText = count === undefined ? t("a note") : t("{count} notes", { count });
-      return nodes === undefined ? notesText : t("{nodes} and {notes}", { nodes: whatText(pattern, nodes), notes: notesText });
-    }
+    case "Paste {what}":
+      return partsText(what);
     default:
-      return what;
+      return nodesText(what);
   }
+}
+
+/** Nodes and notes in the reader's language: one by its name, several by their number. */
+export function partsText(what: string): string {
+  const [, nodes, notes, count] = /^(?:(.+) and )?(a note|(\d+) notes)$/s.exec(what) ?? [];
+  if (notes === undefined) {
+    return nodesText(what);
+  }
+  const second = count === undefined ? t("a note") : t("{count} notes", { count });
+  return nodes === undefined ? second : t("{first} and {second}", { first: nodesText(nodes), second });
+}
+
+function nodesText(what: string): string {
+  const [, count] = /^(\d+) nodes$/.exec(what) ?? [];
+  return count === undefined ? what : t("{count} nodes", { count });
 }

@@ -5,6 +5,7 @@ import { t } from "../i18n.ts";
 import { inputOf, inputText, outputOf, outputText } from "../nodePins.ts";
 import type { Link, Note, OfferedType, Place, Scene } from "../protocol.ts";
 import { placing, type Change } from "../requests.ts";
+import { partsText } from "../steps.ts";
 import { copyOf, keepClipping, newNoteId, pasteOf, readClipping, type Clipping } from "./clipboard.ts";
 import { around, boxOf, WIDTH, type Rect } from "./layout.ts";
 import { kindOfType } from "./nodeKinds.ts";
@@ -294,14 +295,21 @@ export class Editor {
   /** Removes nodes with their links, cuts wires, takes notes away. */
   async remove({ nodes, notes }: Chosen, links: readonly Link[]): Promise<void> {
     const gone = new Set(nodes);
+    const goesAlong = ({ from, to }: Link) => gone.has(from) || gone.has(to);
+    const cut = links.filter((link) => !goesAlong(link));
+    const wires = cut.length + this.host.links.peek().filter(goesAlong).length;
     const changes: Change[] = [
-      ...links.filter(({ from, to }) => !gone.has(from) && !gone.has(to)).map((link): Change => ({ op: "unlink", ...link })),
+      ...cut.map((link): Change => ({ op: "unlink", ...link })),
       ...nodes.map((node): Change => ({ op: "destroy", node })),
       ...(notes.length === 0 ? [] : [placing({}, Object.fromEntries(notes.map((id) => [id, null])))]),
     ];
-    const count = nodes.length + notes.length;
-    const step = count === 0 ? "Unlink" : `Delete ${nameOf(nodes.flatMap((node) => this.node(node) ?? []), notes)}`;
-    this.desk.tell(await this.host.requests.batch(step, changes), count === 0 ? "" : t("Deleted: {count}. Undo brings it back.", { count }));
+    const name = nameOf(nodes.flatMap((node) => this.node(node) ?? []), notes);
+    const what = [
+      ...(name === "" ? [] : [partsText(name)]),
+      ...(wires === 0 ? [] : [wires === 1 ? t("a wire") : t("{count} wires", { count: wires })]),
+    ].reduce((first, second) => t("{first} and {second}", { first, second }));
+    const error = await this.host.requests.batch(name === "" ? "Unlink" : `Delete ${name}`, changes);
+    this.desk.tell(error, t("Deleted: {what}. Undo brings it back.", { what }));
   }
 
   copy(chosen: Chosen): void {
