@@ -199,7 +199,7 @@ test("a device is opened in the inspector, tried by a text, changed and removed"
 
 /** Opens a device that isn't there, and tries to connect to it. */
 async function tryInVain(address) {
-  await must(script, { op: "device", device: 4, name: "Wall", parser: "direct", address });
+  await must(script, { op: "device", device: 4, name: "Wall", parser: "direct", address, drop_after: null });
   await page.locator("[data-open-device='4']").click();
   await card().getByText("refused").waitFor();
   await page.getByRole("button", { name: "Try to connect" }).click();
@@ -210,9 +210,7 @@ test("a device that isn't there is tried again from the inspector, and what othe
   const { address, close } = await startDevice();
   await close();
   await tryInVain(address);
-  await card().getByText("what can't be sent is dropped after 2 s").waitFor();
-  await page.getByRole("button", { name: "Send a test text" }).click();
-  await cameTo(2, "The text waits for the device, and is dropped after 2 s.");
+  await card().getByText("what can't be sent waits").waitFor();
   await must(script, { op: "device", device: 4, name: "Floor", parser: "framed", address });
   await expectEventually("the name", () => page.locator("[data-part=name]").inputValue(), "Floor");
   assert.equal(await page.locator("[data-test-text]").count(), 0);
@@ -220,7 +218,7 @@ test("a device that isn't there is tried again from the inspector, and what othe
   await card().getByText("There is no device 4.").waitFor();
 });
 
-test("that a device is tried is said until it's connected", async () => {
+test("that a device is tried, or a text waits for it, is said until it's connected", async () => {
   const { address, port, close } = await startDevice();
   await close();
   let isConnecting = false;
@@ -233,11 +231,14 @@ test("that a device is tried is said until it's connected", async () => {
   });
   await page.reload();
   await tryInVain(address);
+  await page.getByRole("button", { name: "Send a test text" }).click();
+  await cameTo(2, "The text waits until the device takes it.");
   isConnecting = true;
   await page.getByRole("button", { name: "Try to connect" }).click();
   await cameTo(1, "Trying to connect…");
   await startDevice(port);
   await cameTo(1, "Connected");
+  await cameTo(2, "");
 });
 
 test("a device is added only where nobody has added one of its number meanwhile", async () => {

@@ -14,6 +14,7 @@ import { Outcome, PartButtons, PartCard } from "./PartCard.tsx";
 const PARSERS = ["framed", "direct", "json", "none"] as const;
 const EXAMPLE_ADDRESS = "127.0.0.1:8052";
 const TEST_TEXT = "test";
+const NOT_SENT = { text: "", waits: false };
 
 /** What is set of a device, as it's typed. */
 interface Settings {
@@ -168,7 +169,8 @@ function DeviceTrial({ host, device }: { host: Host; device: DeviceState }) {
   const [isTrying, setTrying] = useState(false);
   /** What the last try came to, which holds while the device's state does. */
   const [attempt, setAttempt] = useState({ text: "", state });
-  const [sending, setSending] = useState("");
+  /** What became of the last text; of one that waits it holds while something does. */
+  const [sending, setSending] = useState(NOT_SENT);
   useEffect(() => {
     if (isTrying && state !== "connecting") {
       const text = state === "waiting" ? t("Not reached: {problem}", { problem: reasonText(problem ?? "") }) : t("Connected");
@@ -188,7 +190,10 @@ function DeviceTrial({ host, device }: { host: Host; device: DeviceState }) {
     await host.readNetwork();
     const { devices = null, listen_only: listenOnly = false } = host.network.peek()?.state ?? {};
     const sentTo = devices?.find((one) => one.id === id);
-    setSending(refusal ?? (sentTo === undefined ? "" : sendingText(sentTo, listenOnly)));
+    setSending({
+      text: refusal ?? (sentTo === undefined ? "" : sendingText(sentTo, listenOnly)),
+      waits: sentTo !== undefined && sentTo.queued_items > 0,
+    });
   };
   return (
     <>
@@ -209,11 +214,11 @@ function DeviceTrial({ host, device }: { host: Host; device: DeviceState }) {
             data-test-text
             onInput={(event) => {
               setText(event.currentTarget.value);
-              setSending("");
+              setSending(NOT_SENT);
             }}
           />
           <button type="submit">{t("Send a test text")}</button>
-          <Outcome text={sending} />
+          <Outcome text={sending.waits && device.queued_items === 0 ? "" : sending.text} />
         </form>
       )}
     </>
