@@ -146,16 +146,18 @@ test("nodes are lined up, or all of them arranged, each with its note, as one st
   await canvas.choose("k", "t");
   await page.page.getByRole("button", { name: "Align left" }).click();
   await until("one line", async () => (await placeOf("t")).x === 0);
-  const note = { x: 310, y: 200, width: 200, height: 90, text: "beside the mouse" };
-  await must(script, { op: "place", notes: { n: note } });
+  const note = { x: 0, y: 290, width: 200, height: 90, text: "below the folded mouse" };
+  await must(script, { op: "place", nodes: { m: { x: 0, y: 200, folded: true } }, notes: { n: note } });
   await page.page.locator("[data-note=n]").waitFor();
+  await page.page.locator("[data-face=m][data-folded=true]").waitFor();
   await page.page.getByRole("button", { name: "Arrange" }).click();
   await stepIs("Move 3 nodes");
   const [{ x, y }, { notes: { n } }] = [await placeOf("m"), await canvas.scene()];
   assert.notDeepEqual([x, y], [0, 200]);
-  assert.deepEqual(n, { ...note, x: x + 310, y });
+  assert.deepEqual(n, { ...note, x, y: n.y });
+  assert.ok(n.y - y <= 90, `${n.y - y} below its node's top`);
   await page.keyboard.press("Control+z");
-  await expectEventually("the note's place", async () => (await canvas.scene()).notes.n.x, 310);
+  await expectEventually("the note's place", async () => (await canvas.scene()).notes.n.y, 290);
   assert.equal((await placeOf("m")).y, 200);
 });
 
@@ -359,6 +361,13 @@ test("a folded node has only its linked pins, on every page", async () => {
   await wireEnds();
   await page.page.getByRole("button", { name: "Unfold Keyboard 1" }).click();
   await expectEventually("pins", () => canvas.face("k").locator(".pin").count(), 4);
+  await must(script, { op: "place", nodes: { m: { x: 0, y: 200, folded: true } } });
+  await page.page.reload();
+  await isShown();
+  const zoom = await canvas.zoom();
+  await page.page.locator(".react-flow__controls-fitview").click();
+  await page.page.evaluate(drawn);
+  assert.equal(await canvas.zoom(), zoom, "at first it's shown as large as it is");
 });
 
 test("notes are part of the scene: written, moved, and taken away", async () => {

@@ -46,7 +46,7 @@ const WIRES = { wire: WireEdge };
 const ADDING_KEYS = ["Control", "Meta"];
 const MAP_SIZE = { width: 120, height: 80 };
 /** Paddings that keep the whole scene clear of the buttons and the map, 15 pixels from the edge: between them, or above them. */
-const CLEAR_OF_PANELS = [{ left: "55px", right: "150px", y: 0.1 }, { x: 0.1, top: 0.1, bottom: "105px" }] as const;
+const CLEAR_OF_PANELS = [{ left: "55px", right: "150px", y: "20px" }, { x: "20px", top: "20px", bottom: "105px" }] as const;
 /** Small enough to show hundreds of nodes at once. */
 const LEAST_ZOOM = 0.01;
 
@@ -83,7 +83,7 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     setWires((kept) => wiresOf(editor, nodes ?? [], links, kept));
   }, [nodes, links, language.value]);
   const showAll = useConstant((shown: readonly CanvasNode[] = faces) => {
-    const boxes = shown.map(({ position, measured }) => ({ ...position, width: measured!.width!, height: measured!.height! }));
+    const boxes = shown.map(drawnBox);
     const seen = pane.current; // null once the canvas is gone: the library may get ready after that
     if (boxes.length > 0 && seen !== null) {
       const [between, above] = CLEAR_OF_PANELS.map((padding) =>
@@ -174,12 +174,9 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
     keepPlaces(chosenFaces.map((face) => ({ ...face, position: { ...face.position, [axis]: line } })));
   };
   const arrange = () => {
-    const boxes = faces.flatMap(({ id, type, data, position }) => (type === "face" ? { ...boxOf(data.node), ...position, id } : []));
-    const noteBoxes = faces.flatMap(({ id, type, position, width, height }) =>
-      type === "note" ? { id, ...position, width: width!, height: height! } : [],
-    );
+    const [boxes, noteBoxes] = (["face", "note"] as const).map((type) => faces.filter((face) => face.type === type).map(drawnBox));
     const between = links.map((link) => ({ ...link, from: nodeId(link.from), to: nodeId(link.to) }));
-    const places = arrangeWithNotes(boxes, noteBoxes, between);
+    const places = arrangeWithNotes(boxes!, noteBoxes!, between);
     const arranged = faces.map((face) => ({ ...face, position: places.get(face.id) ?? face.position }));
     setFaces(arranged);
     showAll(arranged);
@@ -316,6 +313,11 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       <Outline host={host} />
     </>
   );
+}
+
+/** Where a face or note stands, as large as it's drawn: folded ones are low. */
+function drawnBox({ id, position, measured }: CanvasNode) {
+  return { id, ...position, width: measured!.width!, height: measured!.height! };
 }
 
 /** While a second finger is down nodes wait: the library would break the drag off, and begin the next one where this was taken. */

@@ -52,6 +52,7 @@ export function chosenIn(faces: readonly CanvasNode[], isChosen: (id: string) =>
 
 function faceOf(editor: Editor, node: NodeView, linked: readonly string[], automatic: AutomaticPlaces): FaceNode {
   const { x, y, folded = false }: Place = node.place ?? automatic.of(node.node);
+  const { width, height } = boxOf(node, shownPins(node, folded, linked));
   return {
     id: nodeId(node.node),
     type: "face",
@@ -59,7 +60,7 @@ function faceOf(editor: Editor, node: NodeView, linked: readonly string[], autom
     data: { editor, node, folded, linked },
     ariaLabel: `${node.graph}, ${hostText(node.details.name)}`,
     // Until it's drawn.
-    measured: { width: boxOf(node).width, height: boxOf(node).height },
+    measured: { width, height },
     handles: folded ? handlesOf(node, folded, linked) : unfolded(node),
   };
 }

@@ -147,8 +147,9 @@ const ROW_HEIGHT = 24;
 const PIN_INSET = 7;
 const PIN_SIZE = 10;
 
-export function boxOf(node: NodeView): Box {
-  const rows = Math.max(inputsOf(node).length, outputsOf(node).length);
+/** With these of its pins: all, unless it's folded. */
+export function boxOf(node: NodeView, pins = { inputs: inputsOf(node), outputs: outputsOf(node) }): Box {
+  const rows = Math.max(pins.inputs.length, pins.outputs.length);
   return { id: node.node, width: WIDTH, height: HEAD_HEIGHT + ROW_HEIGHT * rows + FOOT_HEIGHT + 2 * BORDER };
 }
 
@@ -191,7 +192,7 @@ export class AutomaticPlaces {
     }
     const staying = nodes.filter(({ node }) => this.#places.has(node));
     if (staying.length === 0) {
-      this.#places = arrange(nodes.map(boxOf), links);
+      this.#places = arrange(nodes.map((node) => boxOf(node)), links);
       return;
     }
     let below = Math.max(...staying.map((node) => (node.place ?? this.of(node.node)).y + boxOf(node).height));
