@@ -4,6 +4,7 @@ import path from "node:path";
 /** A picture of the page, or of a part of it. */
 export async function takePicture(page, name, part = "body") {
   if (process.env.PICTURES !== undefined) {
+    await page.locator(".react-flow__controls-fitview").evaluate((button) => button.click()); // panels differ in height
     await page.waitForTimeout(400); // for what moves on the page
     await page.locator(part).screenshot({ path: path.join(process.env.PICTURES, `${name}.png`) });
   }
