@@ -36,6 +36,16 @@ std::string PrintableText(std::string_view text) {
     return Escaped(text, "\\x%02X");
 }
 
+std::string ShortText(std::string_view text, size_t nMost) {
+    if (text.size() <= nMost) {
+        return std::string(text);
+    }
+    while (nMost > 0 && (static_cast<unsigned char>(text[nMost]) & 0xC0) == 0x80) {
+        --nMost; // not within a character
+    }
+    return std::string(text.substr(0, nMost)) + "...";
+}
+
 std::string PrintableJson(std::string_view line) {
     return Escaped(line, "\\u%04x");
 }

@@ -8,6 +8,9 @@
 /// The text with control characters as escapes: \x1B.
 std::string PrintableText(std::string_view text);
 
+/// The text; of a longer one what fits into so many bytes, cut at a character, and "...".
+std::string ShortText(std::string_view text, size_t nMost);
+
 /// A line of JSON; control characters that JSON allows unescaped become escapes: \u009b. It is the same JSON.
 std::string PrintableJson(std::string_view line);
 

@@ -18,12 +18,7 @@ constexpr size_t ANY_LENGTH = std::numeric_limits<size_t>::max(); ///< a scene t
 /// A value in a message: long ones are cut.
 std::string ValueText(const Json& value) {
     constexpr size_t LONGEST = 200;
-    std::string strText = value.dump(-1, ' ', true); // ASCII, so that it can be cut anywhere
-    if (strText.size() > LONGEST) {
-        strText.resize(LONGEST);
-        strText += "...";
-    }
-    return strText;
+    return ShortText(value.dump(), LONGEST);
 }
 
 /// A line of a recording. What isn't one is refused.
