@@ -37,7 +37,7 @@ TEST_F(TextTables, HaveATextForEachKeyInBothLanguages) {
                                   "TOUCH_CONTROL_OWNER_PROPERTY", "QOR_EXTRADATA_EVENT_ID"};
     const OrderedJson catalogue = Must(R"({"op":"catalogue"})");
     CollectKeys(catalogue, keys);
-    EXPECT_EQ(keys.size(), 4u + 13u);
+    EXPECT_EQ(keys.size(), 4u + catalogue["types"].size());
     for (const OrderedJson& type : catalogue["types"]) {
         const std::string strNode = type["guid"];
         AskObject({{"op", "create"}, {"node", strNode}, {"type", strNode}, {"clip", "Clip"}, {"graph", strNode}});

@@ -3,13 +3,15 @@
 #include <limits>
 #include <set>
 
+#include "ContractTypes.h"
 #include "HostSetup.h"
-#include "ModuleHost.h"
 #include "SystemCalls.h"
 
 namespace {
 
-constexpr INT_PTR ROW_COUNT = 13;
+INT_PTR RowCount() {
+    return std::ssize(ContractTypes());
+}
 
 class Catalogue : public ModuleTest {
 protected:
@@ -45,13 +47,31 @@ private:
     }
 };
 
+TEST_F(Catalogue, HasTheTypesOfContractTypesInTheirOrder) {
+    Register();
+    std::vector<std::string> names;
+    for (INT_PTR i = 0; i < m_data.arNodeInfo.GetSize(); ++i) {
+        names.push_back("a type without a row in ContractTypes.cpp");
+        for (const ContractType& type : ContractTypes()) {
+            if (IsEqualGUID(TypeGuid(type.nTypeByte), Row(i).guidType)) {
+                names.back() = type.pszName;
+            }
+        }
+    }
+    std::vector<std::string> expected;
+    for (const ContractType& type : ContractTypes()) {
+        expected.push_back(type.pszName);
+    }
+    EXPECT_EQ(names, expected);
+}
+
 TEST_F(Catalogue, LoadsEachIconFromTheModuleInItsOwnSize) {
     TakeImageCalls();
     Register();
     const std::vector<ImageCall> calls = TakeImageCalls();
-    ASSERT_EQ(calls.size(), static_cast<size_t>(ROW_COUNT));
+    ASSERT_EQ(std::ssize(calls), RowCount());
     std::set<HICON> icons;
-    for (INT_PTR i = 0; i < ROW_COUNT; ++i) {
+    for (INT_PTR i = 0; i < RowCount(); ++i) {
         SCOPED_TRACE(i);
         const ImageCall& call = calls[static_cast<size_t>(i)];
         EXPECT_EQ(call.hInstance, m_host.Module());
@@ -60,10 +80,10 @@ TEST_F(Catalogue, LoadsEachIconFromTheModuleInItsOwnSize) {
         EXPECT_EQ(call.nHeight, 0);
         EXPECT_EQ(call.nFlags, 0u);
         EXPECT_EQ(Row(i).hIcon, call.hResult);
+        EXPECT_NE(call.hResult, nullptr) << "icon " << call.nName;
         icons.insert(Row(i).hIcon);
     }
     EXPECT_EQ(icons.size(), calls.size()) << "each row has one of its own";
-    EXPECT_FALSE(icons.contains(nullptr));
 }
 
 TEST_F(Catalogue, IsAppendedBehindWhatTheArrayHoldsInTheTextsOfTheMoment) {
@@ -80,13 +100,13 @@ TEST_F(Catalogue, IsAppendedBehindWhatTheArrayHoldsInTheTextsOfTheMoment) {
     Register();
     ASSERT_TRUE(SetTextTable(ETextTable::Chinese));
     Register();
-    ASSERT_EQ(m_data.arNodeInfo.GetSize(), 1 + 2 * ROW_COUNT);
+    ASSERT_EQ(m_data.arNodeInfo.GetSize(), 1 + 2 * RowCount());
     EXPECT_EQ(Row(0).nInfoKind, 42);
     EXPECT_EQ(Utf8(Row(0).strName), "foreign");
     EXPECT_EQ(Row(0).bEnable, 7);
     EXPECT_EQ(m_data.pNode, &node) << "the slot isn't the catalogue's";
     EXPECT_EQ(Utf8(Row(1 + 3).strName), "Mouse");
-    EXPECT_EQ(Utf8(Row(1 + ROW_COUNT + 3).strName), "鼠标");
+    EXPECT_EQ(Utf8(Row(1 + RowCount() + 3).strName), "鼠标");
 }
 
 TEST_F(Catalogue, ArrayOfImpossibleSizeRaisesInvalidArgument) {
@@ -112,6 +132,7 @@ TEST_F(Catalogue, ArrayOfImpossibleSizeRaisesInvalidArgument) {
 const std::vector<int> WITHOUT_INI = {1, 1, 1, 1, 0, 0, 0, 1, 0, 1, 1, 1, 1};
 
 TEST_F(Catalogue, IniKeysRuleTheirOwnRowsOnly) {
+    ASSERT_EQ(EnabledUnder("").size(), WITHOUT_INI.size());
     const std::pair<const char*, size_t> KEYS[] = {
         {"NetParameterSend", 4}, {"NetParameterReceive", 5}, {"BroadcastSend", 6}, {"Gesture", 8}, {"VRHandle", 9}};
     for (const auto& [pszKey, nRow] : KEYS) {

@@ -31,7 +31,9 @@ struct ContractEvent {
 struct ContractType {
     unsigned char nTypeByte;
     const char* pszName;
-    std::vector<std::string> acts; ///< what is seen of an enabled node that is given its events or its triggers
+    /// What is seen of an enabled node that is given its events, or of two evaluations where pTrigger makes it act.
+    /// With neededInputs it must be the same each time.
+    std::vector<std::string> acts;
 
     std::vector<int> devices = {};                                      ///< whose events it takes
     std::vector<ContractEvent> (*pEvents)(ContractPayloads&) = nullptr; ///< the events that make it act
