@@ -12,7 +12,8 @@ const formatsOfModule = () =>
 test("every line that the module can log has an English text, and no other has one", () => {
   const formats = new Set(formatsOfModule());
   assert.ok(formats.size > 30);
-  assert.deepEqual(Object.keys(LOG_TEXTS).sort(), [...formats].sort());
+  assert.deepEqual([...formats].filter((format) => !(format in LOG_TEXTS)), []);
+  assert.deepEqual(Object.keys(LOG_TEXTS).filter((format) => !formats.has(format)), []);
 });
 
 test("an English text has the values of its format, in their order", () => {
