@@ -12,6 +12,8 @@ import time
 from iohost import LONGEST_WAIT, RELEASE, TEXT, Page, Server, Stdio, json_device, node, scene_file
 
 DEMO = json.loads(pathlib.Path("app/scenes/demo.json").read_text())
+for node in DEMO["nodes"]:
+    del node["place"]  # copies would lie on each other
 EVENTS_PER_SECOND = 1000
 KEY = '{"op":"event","device":0,"event":%d,"payload":{"is":"key","text":"A"}}'
 POINTER = '"is":"pointer","rx":0,"ry":0,"x":%d,"y":8,"pointer":0,"relative":0'

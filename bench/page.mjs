@@ -23,7 +23,7 @@ const demo = JSON.parse(readFileSync("app/scenes/demo.json", "utf8"));
 function writeScene(times) {
   const copies = Array.from({ length: times }, (_, index) => index);
   const nodes = copies.flatMap((copy) =>
-    demo.nodes.map((node) => ({ ...node, node: `${node.node}${copy}`, graph: `${node.graph} ${copy}` })),
+    demo.nodes.map(({ place, ...node }) => ({ ...node, node: `${node.node}${copy}`, graph: `${node.graph} ${copy}` })),
   );
   const links = copies.flatMap((copy) =>
     demo.links.map((link) => ({ ...link, from: `${link.from}${copy}`, to: `${link.to}${copy}` })),
