@@ -155,6 +155,15 @@ TEST_F(Program, ASceneIsNoPlaceForARecording) {
     EXPECT_FALSE(std::filesystem::exists(none));
 }
 
+TEST_F(Program, ARecordingIsNotMadeOverItsOwnRequests) {
+    const std::string strRequest = "{\"op\":\"objects\"}\n";
+    const auto input = m_folder.Path() / "in";
+    const SResult result = Run(Stdio() + " --record " + Quote(input), strRequest);
+    EXPECT_EQ(result.nExitCode, 2);
+    EXPECT_NE(result.strErrors.find("is what standard input reads"), std::string::npos) << result.strErrors;
+    EXPECT_EQ(ReadAll(input), strRequest);
+}
+
 TEST_F(Program, WhatASceneOrARecordingHoldsDoesNotSteerTheTerminal) {
     const auto scene = m_folder.Write("scene.json", R"({"format":"iohost scene","version":1,"nodes":[
         {"node":"\u001b]0;x\u0007","type":"{8164BB40-6B6A-4707-88B7-386BCB0D1B03}","clip":null,"graph":"G"},

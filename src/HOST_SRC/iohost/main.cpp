@@ -84,6 +84,9 @@ int RunSession(const SOptions& options) {
         if (!options.sceneFile.empty() && IsSameFile(options.sceneFile, options.recordFile)) {
             return Fail("--record: " + Utf8(options.recordFile) + " is the file of --scene", EXIT_OPTIONS);
         }
+        if (options.nFront == EFront::Stdio && IsSameFile(StandardInputFile(), options.recordFile)) {
+            return Fail("--record: " + Utf8(options.recordFile) + " is what standard input reads", EXIT_OPTIONS);
+        }
         pRecorder = CRecorder::Open(*pSession, options.recordFile, strError);
         if (pRecorder == nullptr) {
             return Fail("--record: " + strError);

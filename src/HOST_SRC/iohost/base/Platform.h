@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -39,6 +40,9 @@ std::string LoadErrorDetail();
 
 /// The standard streams carry bytes, and a closed output is an error of the stream.
 void PrepareStandardStreams();
+
+/// The file that standard input comes from, by any name that leads to it; empty where it's known to be none.
+std::filesystem::path StandardInputFile();
 
 inline constexpr int STANDARD_OUTPUT = 1;
 inline constexpr int STANDARD_ERROR = 2;

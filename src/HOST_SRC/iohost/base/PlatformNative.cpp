@@ -72,6 +72,10 @@ void PrepareStandardStreams() {
     std::signal(SIGPIPE, SIG_IGN);
 }
 
+std::filesystem::path StandardInputFile() {
+    return "/dev/stdin";
+}
+
 bool WriteStandard(int nStream, std::string_view text) {
     while (!text.empty()) {
         const ssize_t nWritten = write(nStream, text.data(), text.size());

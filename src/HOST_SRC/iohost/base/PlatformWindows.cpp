@@ -106,6 +106,13 @@ void PrepareStandardStreams() {
     _setmode(_fileno(stderr), _O_BINARY);
 }
 
+std::filesystem::path StandardInputFile() {
+    wchar_t szPath[4096];
+    const DWORD nLength =
+        GetFinalPathNameByHandleW(GetStdHandle(STD_INPUT_HANDLE), szPath, static_cast<DWORD>(std::size(szPath)), 0);
+    return nLength < std::size(szPath) ? std::filesystem::path(std::wstring(szPath, nLength)) : std::filesystem::path();
+}
+
 bool WriteStandard(int nStream, std::string_view text) {
     constexpr size_t MOST_AT_ONCE = 32768; // a console takes no more
     while (!text.empty()) {
