@@ -8,7 +8,7 @@ import { existsSync, mkdirSync, readdirSync, readFileSync, readlinkSync, rmSync,
 import { join } from "node:path";
 import { temporaryFolder } from "./support/folder.mjs";
 import { startHost } from "./support/host.mjs";
-import { ask } from "./support/http.mjs";
+import { ask, postRequest } from "./support/http.mjs";
 import { createNode, createScene, logIn, must, nodeOf, openSession, postedIn, Type, until } from "./support/session.mjs";
 import { test } from "./support/test.mjs";
 
@@ -31,12 +31,12 @@ function press(script, times, length) {
   return repeat(times, () => Promise.all([must(script, { ...KEY_DOWN, payload }), must(script, { ...KEY_UP, payload })]));
 }
 
-/** Holds a key and ends the host by a signal: who listens is told of the key's release before. */
-async function endsWithRelease(host, script, signal) {
+/** Holds a key and has the host end: who listens is told of the key's release before. */
+async function endsWithRelease(host, script, endHost) {
   const other = await openSession(host.address);
   await must(script, KEY_DOWN);
   const closed = once(other.socket, "close"); // what the host told before its end may come behind it
-  host.kill(signal);
+  await endHost();
   assert.equal(await host.ended(), 0);
   await closed;
   assert.deepEqual(postedIn(other.pushes), [KEY_PRESSED, KEY_RELEASED]);
@@ -66,16 +66,24 @@ function frameOf(request) {
 for (const signal of ["SIGTERM", "SIGINT", "SIGHUP"]) {
   test(`${signal} ends the host, and what was held is released before`, async () => {
     const host = await startHost();
-    await endsWithRelease(host, await createScene(host.address), signal);
+    await endsWithRelease(host, await createScene(host.address), () => host.kill(signal));
   });
 }
+
+test("a request to quit ends the host, and what was held is released before", async () => {
+  const host = await startHost();
+  await endsWithRelease(host, await createScene(host.address), async () => {
+    assert.equal((await postRequest(host.address, { op: "quit" })).ok, true);
+  });
+  assert.match(host.output.stdout, /^log \d+ +a request ends the host$/m);
+});
 
 test("a terminal that isn't read stalls nobody, and not the end with its releases", async () => {
   const host = await startHost();
   const script = await createScene(host.address);
   host.stopReading();
   await press(script, 50, 20_000); // more than pipe and reader hold
-  await endsWithRelease(host, script, "SIGTERM");
+  await endsWithRelease(host, script, () => host.kill("SIGTERM"));
 });
 
 test("a host that is told to end as soon as it has printed its address ends by itself", async () => {

@@ -8,7 +8,7 @@ import { promisify } from "node:util";
 import { startDevice } from "./support/device.mjs";
 import { temporaryFolder } from "./support/folder.mjs";
 import { runHost, startHost } from "./support/host.mjs";
-import { ask, upgrade } from "./support/http.mjs";
+import { ask, postRequest, upgrade } from "./support/http.mjs";
 import WebSocket from "ws";
 import {
   createNode, createScene, expectEventually, logIn, must, openSession, postedIn, timesFired, Type, until,
@@ -207,6 +207,20 @@ test("a connection that breaks off is released with the reason in the log", asyn
   assert.ok(logIn(script.pushes).includes('synthetic release of the key "s": its connection closed'));
 });
 
+test("a posted request is answered as on a connection; what one presses, another lets go of, and connections hear of both", async () => {
+  const key = (event) => postRequest(host.address, { op: "event", device: 0, event, payload: { is: "key", text: "p" } });
+  script.pushes.length = 0;
+  assert.deepEqual(postedIn([await key(2002)]), [["k", 152]]);
+  await until("the held key", () => script.pushes.some(({ held }) => held?.some(({ identity }) => identity === "p")));
+  assert.deepEqual((await postRequest(host.address, { op: "release_held", id: 7 })).id, 7);
+  await until("the release", () => postedIn(script.pushes).length === 2);
+  assert.deepEqual(postedIn(script.pushes), [["k", 152], ["k", 153]]);
+  await until("that nothing is held", () => script.pushes.findLast(({ push }) => push === "held").held.length === 0);
+  assert.deepEqual(await postRequest(host.address, { op: "nothing" }), { ok: false, error: 'op: unknown op "nothing"' });
+  const long = await ask(host.address, "/session", { method: "POST", body: "x".repeat(1024 * 1024 + 1) });
+  assert.equal(long.status, 413);
+});
+
 test("a text longer than a mebibyte ends the connection, and only that one", async () => {
   const client = await openSession(host.address);
   client.socket.on("error", () => {});
@@ -249,6 +263,7 @@ test("a client that takes nothing stops neither frames nor the others, and is dr
     assert.equal((await script.request({ op: "scene" })).ok, true);
     return dropped();
   });
+  assert.ok(logIn(script.pushes).includes("a connection is closed: it read nothing for 30 seconds"));
   stalled.socket.terminate();
 
   // Frames go on: a value that a frame copies arrives.
@@ -263,6 +278,12 @@ test("each fired event and each log line is printed, with nothing in it that ste
   await until("the line", () => host.output.stdout.includes("[\\x1B]0;title\\x07\\x9B31m]"));
   await until("the event", () => /\nevent {2}Demo\.Keyboard 1 {2}152 KeyDown\n/.test(host.output.stdout));
   assert.doesNotMatch(host.output.stdout, /[\u001b\u0007\u009b]/);
+});
+
+test("that the folder of scenes isn't there is said before anything is lost", async () => {
+  const folder = join(temporaryFolder(), "none");
+  const { output } = await startHost({ options: ["--scenes", folder] });
+  await until("the line", () => output.stdout.includes(`there is no folder ${folder}: scenes can't be saved`));
 });
 
 test("a taken port is told together with the option that changes it", async () => {

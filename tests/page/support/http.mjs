@@ -14,6 +14,12 @@ export async function ask(address, path, { body, ...options } = {}) {
   return { status: response.statusCode, headers: response.headers, body: text };
 }
 
+/** Posts a request of the session; its reply. */
+export async function postRequest(address, request) {
+  const { body } = await ask(address, "/session", { method: "POST", body: JSON.stringify(request) });
+  return JSON.parse(body);
+}
+
 /** The status that the request for a WebSocket is answered with. */
 export function upgrade(address, path, headers) {
   return new Promise((resolve, reject) => {

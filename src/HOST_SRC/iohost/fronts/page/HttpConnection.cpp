@@ -130,9 +130,11 @@ bool HasPath(const Request& request, std::string_view path) {
     return target.substr(0, target.find('?')) == path;
 }
 
-/// Whether the request brings a text for an object. Such a request and the upload of a scene may have a body, no other.
-bool IsObjectText(const Request& request) {
-    return request.method() == http::verb::post && HasPath(request, OBJECT_TEXT_PATH);
+/// Whether the request brings a text for an object, or a request of the session. These and the upload of a scene may
+/// have a body, no others.
+bool BringsText(const Request& request) {
+    return request.method() == http::verb::post &&
+           (HasPath(request, OBJECT_TEXT_PATH) || HasPath(request, SESSION_TARGET));
 }
 
 bool IsSceneUpload(const Request& request) {
@@ -147,7 +149,7 @@ Awaitable<void> ReadHead(TcpStream& stream, beast::flat_buffer& buffer, RequestP
     parser.body_limit(std::numeric_limits<std::uint64_t>::max());
     stream.expires_after(tLongest);
     co_await http::async_read_header(stream, buffer, parser, AwaitInto(error));
-    if (!error && !parser.is_done() && !IsObjectText(parser.get()) && !IsSceneUpload(parser.get())) {
+    if (!error && !parser.is_done() && !BringsText(parser.get()) && !IsSceneUpload(parser.get())) {
         error = http::error::unexpected_body;
     }
 }
@@ -174,10 +176,10 @@ Response MakeReply(const Request& request, http::status status, const std::strin
     return MakeResponse(request, status, "application/json", strReply + "\n");
 }
 
-/// Reads the text for an object and hands it over. The reply says what became of it. When the body can't be read to its
-/// end, the connection is of no further use and is closed.
-Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head,
-                                   const SHttpSite& site, error_code& error) {
+/// Reads the text and hands it over. The reply says what became of it. When the body can't be read to its end, the
+/// connection is of no further use and is closed.
+Awaitable<Response> TakeText(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head, const SHttpSite& site,
+                             error_code& error) {
     const Request request = head.get();
     const std::string strText = co_await ReadBody(stream, buffer, head, LONGEST_TEXT_LINE, error);
     std::string strReply;
@@ -190,6 +192,9 @@ Awaitable<Response> TakeObjectText(TcpStream& stream, beast::flat_buffer& buffer
         strReply = ErrorReply("the request's body can't be read: " + error.message());
     } else if (!WellFormedText(strText)) {
         strReply = ErrorReply("the text isn't UTF-8");
+    } else if (HasPath(request, SESSION_TARGET)) {
+        strReply = site.answer(strText);
+        status = http::status::ok;
     } else if (auto text = ParseObjectAddress(request.target(), strProblem)) {
         text->m_strText = FromUtf8(strText);
         SDone done = site.session.Do(SEventCommand{.handle = {}, .nDevice = DEVICE_OBJECT_TEXT, .payload = *text});
@@ -226,7 +231,7 @@ std::string LoadScene(CSession& session, const std::string& strText) {
     }
 }
 
-/// Reads a scene's file and has it loaded, as TakeObjectText does with a text.
+/// Reads a scene's file and has it loaded, as TakeText does with a text.
 Awaitable<Response> TakeScene(TcpStream& stream, beast::flat_buffer& buffer, RequestParser& head, const SHttpSite& site,
                               error_code& error) {
     const Request request = head.get();
@@ -333,8 +338,8 @@ Awaitable<void> ServeHttpConnection(TcpSocket socket, const SHttpSite& site) {
                 std::make_shared<CWebSocketClient>(std::move(stream), site.listener, HasPath(request, GATHERED_TARGET));
             co_await pClient->Run(parser.release());
             co_return;
-        } else if (IsObjectText(request)) {
-            response = co_await TakeObjectText(stream, buffer, parser, site, error);
+        } else if (BringsText(request)) {
+            response = co_await TakeText(stream, buffer, parser, site, error);
         } else if (IsSceneUpload(request)) {
             response = co_await TakeScene(stream, buffer, parser, site, error);
         } else if (request.method() == http::verb::get && HasPath(request, SCENE_TARGET)) {

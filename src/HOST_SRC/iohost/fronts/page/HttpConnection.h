@@ -3,8 +3,10 @@
 
 #include "base/Network.h"
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "fronts/page/AccessToken.h"
 #include "fronts/page/HttpFiles.h"
@@ -20,7 +22,8 @@ struct SHttpSite {
     CAccessToken token;
     IWebSocketListener& listener; ///< of the WebSocket /session
     CSession& session;
-    mutable std::weak_ptr<void> sceneTurn = {}; ///< whoever is being sent the scene, or uploads one
+    std::function<std::string(std::string_view request)> answer; ///< to a POST to /session
+    mutable std::weak_ptr<void> sceneTurn = {};                  ///< whoever is being sent the scene, or uploads one
 };
 
 /// Serves the connection until it ends. The site outlives it.

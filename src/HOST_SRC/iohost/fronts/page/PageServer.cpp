@@ -19,6 +19,7 @@
 
 #include "base/Caught.h"
 #include "base/FrameTimer.h"
+#include "base/HostLine.h"
 #include "base/OutputLines.h"
 #include "fronts/terminal/TerminalLines.h"
 #include "network/Peers.h"
@@ -64,9 +65,10 @@ public:
         }
         const auto bound = m_acceptor.local_endpoint();
         m_strAddress = EndpointText(bound);
-        m_pSite = std::make_unique<const SHttpSite>(SHttpSite{
-            m_files, bound.address().to_string(), bound.port(),
-            bound.address().is_loopback() ? CAccessToken() : CAccessToken::Make(bound.port()), *this, m_session});
+        m_pSite = std::make_unique<const SHttpSite>(
+            SHttpSite{m_files, bound.address().to_string(), bound.port(),
+                      bound.address().is_loopback() ? CAccessToken() : CAccessToken::Make(bound.port()), *this,
+                      m_session, [this](std::string_view request) { return AnswerPosted(request); }});
         return {};
     }
 
@@ -114,9 +116,7 @@ public:
         client.Send(
             MakeText(AnswerText(m_session, text, m_scenes, {.pHeld = &m_clients.at(&client).held}, CutForViewers)),
             true);
-        TellScene();
-        TellHeld();
-        ShowKeysToNodes(keysBefore);
+        TellChanges(keysBefore);
         if (m_session.HasQuit()) {
             Stop();
         }
@@ -127,9 +127,7 @@ public:
         const KeySet keysBefore = m_session.Held().VirtualKeys();
         m_clients.erase(&client);
         m_session.CloseConnection(held, "its connection closed");
-        TellScene();
-        TellHeld();
-        ShowKeysToNodes(keysBefore);
+        TellChanges(keysBefore);
         if (m_bStopping && m_clients.empty()) {
             m_context.stop();
         }
@@ -140,6 +138,21 @@ private:
         std::shared_ptr<CWebSocketClient> pClient;
         CHeldInput& held;
     };
+
+    /// Answer a request that came by a POST. All such requests count as one connection: what one presses, another lets
+    /// go of.
+    std::string AnswerPosted(std::string_view text) {
+        if (m_pPosting == nullptr) {
+            m_pPosting = &m_session.Held().Open();
+        }
+        const KeySet keysBefore = m_session.Held().VirtualKeys();
+        std::string strReply = AnswerText(m_session, text, m_scenes, {.pHeld = m_pPosting}, CutForViewers);
+        TellChanges(keysBefore);
+        if (m_session.HasQuit()) {
+            asio::post(m_context, [this] { Stop(); }); // once the reply is on its way
+        }
+        return strReply;
+    }
 
     void Take(TcpSocket socket) {
         if (m_nConnections < MOST_CONNECTIONS) {
@@ -176,25 +189,29 @@ private:
     }
 
     void Stop() {
+        ReleaseAll();
         if (m_bStopping || m_clients.empty()) {
             m_context.stop();
             return;
         }
         m_bStopping = true;
-        const KeySet keysBefore = m_session.Held().VirtualKeys();
         m_acceptor.close();
         m_frameTimer.Stop();
         m_tellTimer.Stop();
-        for (const auto& [pKey, client] : m_clients) {
-            m_session.Do(SReleaseHeldCommand{.strReason = "the host ends"}, {.pHeld = &client.held});
-        }
-        ShowKeysToNodes(keysBefore);
         for (const auto& [pKey, client] : m_clients) {
             client.pClient->Close();
         }
         // Clients that don't say goodbye aren't waited for.
         m_goodbyeTimer.expires_after(GOODBYE_TIME);
         m_goodbyeTimer.async_wait([this](const error_code&) { m_context.stop(); });
+    }
+
+    void ReleaseAll() {
+        const KeySet keysBefore = m_session.Held().VirtualKeys();
+        for (CHeldInput& held : m_session.Held().Connections()) {
+            m_session.Do(SReleaseHeldCommand{.strReason = "the host ends"}, {.pHeld = &held});
+        }
+        ShowKeysToNodes(keysBefore);
     }
 
     void Frame() {
@@ -231,6 +248,13 @@ private:
         }
     }
 
+    /// Tell what a request or the end of a connection changed.
+    void TellChanges(const KeySet& keysBefore) {
+        TellScene();
+        TellHeld();
+        ShowKeysToNodes(keysBefore);
+    }
+
     /// Nodes read the keyboard when they are evaluated. A frame right after each change keeps them from missing one
     /// when several come between two frames.
     void ShowKeysToNodes(const KeySet& keysBefore) {
@@ -246,7 +270,9 @@ private:
 
     void OnBegin(const Command& command) override {
         if (std::holds_alternative<SQuitCommand>(command)) {
+            WriteHostLine(LOG_INFORMATION, "a request ends the host");
             m_unsaved.Flush();
+            ReleaseAll(); // while nodes and devices are there
         }
         if (std::holds_alternative<SLogCommand>(command)) {
             TellHappened(std::exchange(m_ofItems, {}), nullptr); // lines that the reply has aren't told behind it
@@ -400,6 +426,7 @@ private:
     std::string m_strAddress;
     CQueuedTexts m_texts;
     std::map<const CWebSocketClient*, SClient> m_clients;
+    CHeldInput* m_pPosting = nullptr; ///< what posted requests hold; null until there is one
     size_t m_nConnections = 0;
     size_t m_nTurnedAway = 0; ///< that aren't closed yet
     unsigned long long m_nFrame = 0;
@@ -433,6 +460,11 @@ int RunPageServer(CSession& session, const SListenOptions& options) {
         if (files.Find("/") == nullptr) {
             std::cerr << "iohost: --web: there is no page in " << options.webFolder << '\n';
             return EXIT_REFUSED;
+        }
+        std::error_code noFolder;
+        if (!std::filesystem::is_directory(options.sceneFolder, noFolder)) {
+            WriteHostLine(LOG_ERROR, "there is no folder " + Utf8(options.sceneFolder) +
+                                         ": scenes can't be saved, and unsaved ones won't be kept");
         }
         CPageServer server(session, options, files);
         const asio::ip::tcp::endpoint endpoint(address, options.nPort);

@@ -6,6 +6,7 @@
 #include <array>
 #include <utility>
 
+#include "base/HostLine.h"
 #include "fronts/page/QueuedTexts.h"
 
 namespace beast = boost::beast;
@@ -73,6 +74,7 @@ Awaitable<bool> CWebSocketClient::AwaitRoom() {
         m_roomTimer.expires_after(LONGEST_SILENCE);
         co_await m_roomTimer.async_wait(AwaitInto(error));
         if (!error) {
+            WriteHostLine(LOG_INFORMATION, "a connection is closed: it read nothing for 30 seconds");
             co_return false;
         }
     }

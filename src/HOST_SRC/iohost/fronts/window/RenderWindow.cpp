@@ -70,7 +70,7 @@ public:
 
         m_tStart = steady_clock::now();
         m_tNext = m_tStart;
-        while (!m_bEnding && !m_session.HasQuit()) {
+        while (!m_bEnding) {
             HandleMessages();
             Advance();
             const auto rest = std::chrono::ceil<std::chrono::milliseconds>(m_tNext - steady_clock::now());

@@ -75,10 +75,14 @@ export const HOST_LINES: Record<string, string> = {
   "a connection couldn't be turned away: %s": "无法拒绝一个连接：%s",
   "connections can't be taken: %s": "无法接受连接：%s",
   "a connection of the page failed: %s": "页面的一个连接出错：%s",
+  "a connection is closed: it read nothing for 30 seconds": "已关闭一个连接：它 30 秒未读取任何内容",
+  "a request ends the host": "主机按请求结束",
 
   // The scene, its files and recordings
   "the node %s is triggered by what it caused: that waits for the next frame": "节点 %s 被自身引起的事件触发：推迟到下一帧",
   "synthetic release of the %s: %s": "已自动释放 %s：%s",
+  "there is no folder %s: scenes can't be saved, and unsaved ones won't be kept":
+    "文件夹 %s 不存在：无法保存场景，也不会保留未保存的场景",
   "the unsaved scene can't be written aside: %s": "无法另存未保存的场景：%s",
   "what was left unsaved in %s can't be read: %s": "无法读取 %s 中留下的未保存内容：%s",
   "the recording can't be written any further; nothing more is recorded": "无法继续写入录制；不再录制",
