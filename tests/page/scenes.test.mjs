@@ -81,12 +81,15 @@ test("pages are told which nodes changed, what others did, what can be undone, a
   await told({ op: "edit", node: "k", param: 2, int: 0 });
   assert.equal((await script.request({ op: "trigger", node: "k", param: 2 })).ok, false); // nothing to tell of
   await told({ op: "place", nodes: { k: { x: 1, y: 2 } } }, [undefined, []], ["Move Keys", null, null, true]);
+  for (const x of [3, 1]) { // there and back, which is no step
+    await told({ op: "place", nodes: { k: { x, y: 2 } }, series: "s" }, [undefined, []], ["Move Keys", null, null, true]);
+  }
   await told({ op: "save", file: "keys.json" }, undefined, ["Move Keys", null, "keys.json", false]);
   await told({ op: "undo" }, [undefined, []], ["Change Keys", "Move Keys", "keys.json", true]);
   await told({ op: "redo" }, [undefined, []], ["Move Keys", null, "keys.json", false]);
   await told({ op: "load", scene: EMPTY }, [undefined, undefined], ["Open a scene", null, null, false]);
   const steps = (session) => session.pushes.filter(({ push }) => push === "step").map(({ was, step }) => `${was} ${step.name}`);
-  assert.deepEqual(steps(other).slice(2), ["taken Change Keys", "taken Move Keys", "undone Move Keys", "redone Move Keys", "taken Open a scene"]);
+  assert.deepEqual(steps(other).slice(2), ["taken Change Keys", "taken Move Keys", "taken Move Keys", "undone Move Keys", "redone Move Keys", "taken Open a scene"]);
   assert.deepEqual(steps(script), [], "who took them knows");
 });
 

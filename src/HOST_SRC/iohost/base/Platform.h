@@ -41,7 +41,7 @@ std::string LoadErrorDetail();
 /// The standard streams carry bytes, and a closed output is an error of the stream.
 void PrepareStandardStreams();
 
-/// The file that standard input comes from, by any name that leads to it; empty where it's known to be none.
+/// A path of the file that standard input reads. Empty if it reads none (Windows only).
 std::filesystem::path StandardInputFile();
 
 inline constexpr int STANDARD_OUTPUT = 1;

@@ -31,7 +31,7 @@ public:
     static constexpr size_t MOST_BYTES = size_t{256} << 20; ///< of all steps together, unless one has more
 
     /// Add a step that was taken. What could be redone is forgotten, and beyond the limits the oldest steps are, too.
-    /// One of the same series as the last step, and about the same, becomes one with it.
+    /// One of the same series as the last step, and of the same nodes and notes, becomes one with it.
     void Add(SStep step, SScenePart before, SScenePart after);
 
     /// The last step loaded another scene from this file; empty: from none. bUnsaved: the file has an older version.

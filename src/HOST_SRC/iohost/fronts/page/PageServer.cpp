@@ -142,6 +142,9 @@ private:
     /// Answer a request that came by a POST. All such requests count as one connection: what one presses, another lets
     /// go of.
     std::string AnswerPosted(std::string_view text) {
+        if (m_bStopping) {
+            return ErrorReply("the host ends"); // what was held has been released
+        }
         if (m_pPosting == nullptr) {
             m_pPosting = &m_session.Held().Open();
         }
@@ -325,7 +328,8 @@ private:
     /// A step that was taken, undone or redone, to all but whoever did it.
     void TellStep(const SDone& done) {
         const CHistory& history = m_session.History();
-        if (history.State() == std::exchange(m_nState, history.State())) {
+        const auto nBefore = std::exchange(m_nState, history.State());
+        if (history.State() == nBefore) {
             return;
         }
         EStepWas nWas = EStepWas::Taken;
@@ -333,6 +337,8 @@ private:
             nWas = EStepWas::Undone;
         } else if (std::holds_alternative<SRedoCommand>(*done.pCommand)) {
             nWas = EStepWas::Redone;
+        } else if (history.State() < nBefore) {
+            return; // a step of a series led back to where the series began
         }
         if (const SStep* pStep = nWas == EStepWas::Undone ? history.ToRedo() : history.ToUndo()) {
             SendToAll(SStepPush{nWas, *pStep}, done.origin.pHeld);

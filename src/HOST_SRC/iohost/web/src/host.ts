@@ -211,7 +211,7 @@ export class Host implements ConnectionListener {
         break;
       case "step":
         // An upload comes by no connection, so that the host tells of it here, too.
-        if (this.#uploadedName === null) {
+        if (this.#uploadedName === null || push.step.op !== "load") {
           this.onOthersStep(push);
         }
         break;

@@ -103,6 +103,7 @@ export const REFUSALS: Record<string, string> = {
   // Files
   "there is no folder of scenes": "没有场景文件夹",
   "the folder of scenes can't be read": "无法读取场景文件夹",
+  "the host ends": "主机正在结束",
   "there is a folder of scenes for connections only": "场景文件夹只供连接使用",
   "the scene is larger than 256 MiB": "场景大于 256 MiB",
   "another scene is being transferred": "正在传输另一个场景",

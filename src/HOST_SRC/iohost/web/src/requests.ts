@@ -154,7 +154,7 @@ export class Requests {
   }
 }
 
-/** Where nodes and notes stand. One after the other of the same things in the same series is one step. */
+/** Where nodes and notes stand. Successive moves of the same things in the same series are one step. */
 export function placing(nodes: Record<string, Place>, notes: Record<string, Note | null>, series?: string): Change {
   return {
     op: "place",

@@ -307,7 +307,7 @@ export class Editor {
     const what = [
       ...(name === "" ? [] : [partsText(name)]),
       ...(wires === 0 ? [] : [wires === 1 ? t("a wire") : t("{count} wires", { count: wires })]),
-    ].reduce((first, second) => t("{first} and {second}", { first, second }));
+    ].reduce((first, second) => (first === "" ? second : t("{first} and {second}", { first, second })), "");
     const error = await this.host.requests.batch(name === "" ? "Unlink" : `Delete ${name}`, changes);
     this.desk.tell(error, t("Deleted: {what}. Undo brings it back.", { what }));
   }
