@@ -733,12 +733,12 @@ test("Ctrl+Z in a field is the field's; elsewhere it undoes, with Shift it does 
   await expectEventually("the name", async () => (await canvas.names())[1], "Mouse 1");
   await page.page.getByText("Undone: Rename Mouse 1 to Pointer. What nodes heard or sent since isn't undone.").waitFor();
   const told = other.page.locator("[data-graph-message]");
-  await told.getByText("Undone on another page: Rename Mouse 1 to Pointer").waitFor();
+  await told.getByText("Undone elsewhere: Rename Mouse 1 to Pointer").waitFor();
   await expectEventually("the step", () => button(other, "redo").getAttribute("title"), "Redo: Rename Mouse 1 to Pointer");
   await page.keyboard.press("Control+Shift+z");
   await expectEventually("the name", async () => (await canvas.names())[1], "Pointer");
   await other.page.locator("article[data-node=m] h3", { hasText: "Pointer" }).waitFor();
-  await told.getByText("Done again on another page: Rename Mouse 1 to Pointer").waitFor();
+  await told.getByText("Done again elsewhere: Rename Mouse 1 to Pointer").waitFor();
   await page.page.getByText("Done again: Rename Mouse 1 to Pointer").waitFor();
 });
 

@@ -48,7 +48,7 @@ test("the token is taken from the query, the cookie that it sets, or the header"
   const [status, cookie] = await get(`/?token=${token}`);
   assert.equal(status, 200);
   assert.match(cookie, /^iohost_token_\d+=[0-9a-f]{32}; Path=\/; HttpOnly; SameSite=Strict$/);
-  const ways = [{ cookie: `other=1; ${cookie.split(";")[0]}` }, { authorization: `Bearer ${token}` }];
+  const ways = [{ cookie: `other=1; ${cookie.split(";")[0]}` }, { authorization: `Bearer ${token}` }, { authorization: `bearer ${token}` }];
   for (const headers of ways) {
     assert.deepEqual(await get("/page.js", { headers }), [200, undefined]);
     assert.equal(await open("/session", headers), 101);

@@ -45,11 +45,11 @@ export function othersStepText({ was, step }: OthersStep): string | null {
   const text = { step: stepText(step) };
   switch (was) {
     case "taken":
-      return TAKING.test(step.name) ? t("On another page: {step}", text) : null;
+      return TAKING.test(step.name) ? t("Elsewhere: {step}", text) : null;
     case "undone":
-      return t("Undone on another page: {step}", text);
+      return t("Undone elsewhere: {step}", text);
     case "redone":
-      return t("Done again on another page: {step}", text);
+      return t("Done again elsewhere: {step}", text);
   }
 }
 

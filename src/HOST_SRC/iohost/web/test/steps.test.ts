@@ -61,11 +61,11 @@ test("a step that changed a parameter says which, as the panel does", () => {
 
 test("what others undo, do again, or take away is told, and no other step of theirs", () => {
   const told = (name: string, was: "taken" | "undone" | "redone" = "taken") => othersStepText({ was, step: { name, op: "batch" } });
-  assert.equal(told("Move Mouse 1", "undone"), "Undone on another page: Move Mouse 1");
-  assert.equal(told("Move Mouse 1", "redone"), "Done again on another page: Move Mouse 1");
+  assert.equal(told("Move Mouse 1", "undone"), "Undone elsewhere: Move Mouse 1");
+  assert.equal(told("Move Mouse 1", "redone"), "Done again elsewhere: Move Mouse 1");
   assert.equal(told("Move Mouse 1"), null);
   for (const name of ["Delete 3 nodes", "Unlink", "Remove device Wall", "Open show 2.json", "Recover a scene"]) {
-    assert.equal(told(name), `On another page: ${name}`);
+    assert.equal(told(name), `Elsewhere: ${name}`);
   }
 });
 
