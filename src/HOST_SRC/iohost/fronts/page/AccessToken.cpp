@@ -4,6 +4,8 @@
 #include <array>
 #include <random>
 
+#include <boost/algorithm/string/predicate.hpp>
+
 #include "base/PrintableText.h"
 
 namespace {
@@ -44,7 +46,8 @@ std::string CAccessToken::Query() const {
 
 bool CAccessToken::IsIn(std::string_view authorization, std::string_view cookies, std::string_view target) const {
     constexpr std::string_view SCHEME = "Bearer ";
-    return m_strToken.empty() || (authorization.starts_with(SCHEME) && Is(authorization.substr(SCHEME.size()))) ||
+    return m_strToken.empty() ||
+           (boost::algorithm::istarts_with(authorization, SCHEME) && Is(authorization.substr(SCHEME.size()))) ||
            Is(Value(cookies, ';', m_strCookie)) || IsInQuery(target);
 }
 
