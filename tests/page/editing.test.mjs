@@ -121,10 +121,42 @@ test("arrow keys, held or pressed several times, are one step, also after a clic
   await page.keyboard.up("ArrowDown");
   await stepIs("Move Mouse 1");
   const { y: held } = await placeOf("m");
+  await page.page.evaluate(drawn); // each press moves from where the node is drawn
   await page.keyboard.press("ArrowDown");
+  await page.page.evaluate(drawn);
   await page.keyboard.press("ArrowRight");
   await until("another place", async () => (await placeOf("m")).x > 0 && (await placeOf("m")).y > held);
   await undoMove();
+});
+
+test("what is moved by keys goes on from where it's shown, though the host tells of an older place meanwhile", async () => {
+  let isHeldBack = false;
+  const asked = [];
+  await is.between(page.page, {
+    toHost: (request) => (isHeldBack && request.op === "place" ? void asked.push(request) : request),
+  });
+  await page.page.reload();
+  await isShown();
+  const hear = async (name) => {
+    await must(script, { op: "rename", node: "t", graph: name });
+    await canvas.face("t").getByText(name).waitFor();
+    await page.page.evaluate(drawn);
+  };
+  await canvas.choose("m");
+  await canvas.chosen().focus();
+  await page.keyboard.down("ArrowDown");
+  await hear("while the key is down");
+  await page.keyboard.down("ArrowDown");
+  isHeldBack = true;
+  await page.keyboard.up("ArrowDown");
+  await until("it's asked for", () => asked.length === 1);
+  await hear("before it's answered");
+  isHeldBack = false;
+  await page.keyboard.press("ArrowRight");
+  await until("another place", async () => (await placeOf("m")).x > 0);
+  const [{ x: step }, { y }] = [await placeOf("m"), asked[0].nodes.m];
+  assert.equal(y, 200 + 2 * step);
+  assert.equal((await placeOf("m")).y, y);
 });
 
 test("what is chosen by a frame is moved by the arrow keys as one step", async () => {

@@ -70,12 +70,15 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
   const labels = useMemo(ariaLabels, [language.value]);
   /** Those to choose when they come: what was just made isn't here yet. */
   const wantChosen = useRef<readonly string[]>([]);
+  /** Where nodes and notes were moved to, until that is asked for. */
+  const moved = useRef(new Map<string, XYPosition>());
 
   useLayoutEffect(() => {
     editor.nodesChanged();
     automatic.follow(nodes ?? [], links);
     const wanted = wantChosen.current;
-    setFaces((kept) => facesOf(editor, { nodes: nodes ?? [], links, notes }, automatic, kept, wanted));
+    const isMoved = (id: string) => moved.current.has(id) || editor.isPlacing(id);
+    setFaces((kept) => facesOf(editor, { nodes: nodes ?? [], links, notes }, automatic, kept, wanted, isMoved));
     const came = new Set([...(nodes ?? []).map(({ node }) => nodeId(node)), ...Object.keys(notes).map(noteId)]);
     wantChosen.current = wanted.filter((id) => !came.has(id));
   }, [nodes, links, notes, language.value]);
@@ -157,8 +160,6 @@ function SceneCanvas({ host, desk }: { host: Host; desk: Desk }) {
       void editor.place(Object.fromEntries(movedNodes), Object.fromEntries(movedNotes), series);
     }
   };
-  // Where nodes and notes were moved to, until that is asked for.
-  const moved = useRef(new Map<string, XYPosition>());
   const mayDrag = useRef(false);
   const isDragging = useRef(false);
   const place = useConstant((series?: string) => {

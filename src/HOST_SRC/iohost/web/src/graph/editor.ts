@@ -7,6 +7,7 @@ import type { Link, Note, OfferedType, Place, Scene } from "../protocol.ts";
 import { placing, type Change } from "../requests.ts";
 import { partsText } from "../steps.ts";
 import { copyOf, keepClipping, newNoteId, pasteOf, readClipping, type Clipping } from "./clipboard.ts";
+import { nodeId, noteId } from "./ids.ts";
 import { around, boxOf, WIDTH, type Rect } from "./layout.ts";
 import { kindOfType } from "./nodeKinds.ts";
 import { fittingSorts, freeName, refusal, sortOf } from "./wiring.ts";
@@ -77,6 +78,8 @@ export class Editor {
   /** Takes what is typed until then. */
   typedAhead: HTMLTextAreaElement | null = null;
   #addsNote = false;
+  /** Which ones `place` asked for and the host hasn't answered. */
+  readonly #placing = new Set<ReadonlySet<string>>();
   /** What is typed while this scene goes isn't done to the next one. */
   readonly #scene: number;
   view: View = { placeOf: () => ({ x: 0, y: 0 }), middle: () => ({ x: 0, y: 0 }), moveTo: () => {}, choose: () => {} };
@@ -164,6 +167,11 @@ export class Editor {
 
   giveUp(): void {
     this.begun.value = null;
+  }
+
+  /** Whether the host hasn't answered yet where this node or note is to stay. */
+  isPlacing(id: string): boolean {
+    return [...this.#placing].some((ids) => ids.has(id));
   }
 
   /** A wire that was begun at a node goes with it. */
@@ -380,7 +388,10 @@ export class Editor {
     if (this.#isGone) {
       return false;
     }
+    const ids = new Set([...Object.keys(nodes).map(nodeId), ...Object.keys(notes).map(noteId)]);
+    this.#placing.add(ids);
     const error = await this.host.requests.change(placing(mapped(nodes, rounded), mapped(notes, rounded), series));
+    this.#placing.delete(ids);
     this.desk.tell(error, "");
     return error === null;
   }

@@ -19,13 +19,17 @@ export type CanvasNode = FaceNode | NoteNode;
 const INPUT = { type: "target", position: Position.Left } as const;
 const OUTPUT = { type: "source", position: Position.Right } as const;
 
-/** Nodes and notes. Chosen ones stay chosen; new ones are chosen where `toChoose` names them. */
+/**
+ * Nodes and notes. Chosen ones stay chosen; new ones are chosen where `toChoose` names them. Those that are being moved
+ * here stay where they are: what the host tells of them until it answered is older.
+ */
 export function facesOf(
   editor: Editor,
   scene: { nodes: readonly NodeView[]; links: readonly Link[]; notes: Readonly<Record<string, Note>> },
   automatic: AutomaticPlaces,
   kept: readonly CanvasNode[],
   toChoose: readonly string[],
+  isMoved: (id: string) => boolean,
 ): CanvasNode[] {
   const old = new Map(kept.map((face) => [face.id, face]));
   const linked = linkedPins(scene.links);
@@ -34,13 +38,12 @@ export function facesOf(
     ...Object.entries(scene.notes).map(([id, note]) => noteOf(editor, id, note)),
   ].map((face) => {
     const before = old.get(face.id);
-    const { measured, selected, dragging, position } = before ?? {};
+    const { measured, selected, position, width, height } = before ?? {};
     return sameOr(before, {
       ...face,
       ...(measured && { measured }),
       selected: before === undefined ? toChoose.includes(face.id) : selected === true,
-      // What is being dragged stays under the pointer.
-      ...(dragging === true && position && { position }),
+      ...(position && isMoved(face.id) && { position, ...(width && height && { width, height }) }),
     });
   });
 }
