@@ -123,13 +123,6 @@ TEST_F(Evaluation, EveryReleaseIsActedOn) {
     EXPECT_EQ(Sent(OrderedJson::parse(ReplyTo(m_pSession->CloseConnection(held, "it closed")))).size(), 2u);
 }
 
-TEST_F(Evaluation, WordsThatAreNoneAreRefused) {
-    Talk(R"(
-        evaluate on=later => on: "later" is none of frame, event
-        evaluate => on: is missing
-    )");
-}
-
 /// Keyboards, JSON nodes, text fields and sends behind them, linked at random without a circle, with a frame after each
 /// event: whenever nodes are evaluated, they send the same and end alike.
 TEST_F(Evaluation, AtOnceAndByFramesComeToTheSame) {

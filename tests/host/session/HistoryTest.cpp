@@ -237,8 +237,6 @@ TEST_F(History, ABatchIsAllOrNothing) {
     EXPECT_EQ(Scene(), strBefore);
     EXPECT_EQ(Steps().size(), 3u);
     Talk(R"(
-        batch => requests: is missing
-        batch requests=5 => requests: must be a list
         batch requests=[5] => requests[0].request: must be an object
         batch requests=[{"op":"undo"}] => requests[0].op: can't be part of a batch
         batch requests=[{"op":"batch","requests":[]}] => requests[0].op: can't be part of a batch
@@ -249,8 +247,6 @@ TEST_F(History, ABatchIsAllOrNothing) {
         batch requests=[]
         rename node=x graph="" => node: there is no node "x"
         place nodes={"m":{"x":1,"y":1},"x":{"x":1,"y":1}} => nodes: there is no node "x"
-        place nodes={"m":{"x":1}} => nodes.m.y: is missing
-        place notes={"n":5} => notes.n: must be an object
         place notes={"n":{"x":1,"y":2,"width":3,"height":4,"text":"b","length":9}} => notes.n.length: there is no note whose text could stay
         change_object clip=New name=Box => clip: there is no clip "New"
         remove_object clip=Intro name=Box => name: the clip has no object "Box"
