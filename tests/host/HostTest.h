@@ -24,6 +24,18 @@ OrderedJson ToJson(const T& value) {
 /// How long tests wait for what must happen, before they call it missing.
 inline constexpr std::chrono::seconds LONGEST_WAIT{60};
 
+/// Go on until the condition is met; whether it is.
+template <typename Condition, typename Step>
+bool Until(Condition isMet, Step goOn) {
+    const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
+    bool bMet = isMet();
+    while (!bMet && std::chrono::steady_clock::now() < tEnd) {
+        goOn();
+        bMet = isMet();
+    }
+    return bMet;
+}
+
 /// A folder that exists as long as the object.
 class CTemporaryFolder {
 public:
@@ -98,13 +110,7 @@ protected:
     /// Read the network until the condition is met.
     template <typename Condition>
     void Await(Condition isMet) {
-        const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
-        bool bMet = isMet();
-        while (!bMet && std::chrono::steady_clock::now() < tEnd) {
-            Must("wait ms=10");
-            bMet = isMet();
-        }
-        EXPECT_TRUE(bMet);
+        EXPECT_TRUE(Until(isMet, [this] { Must("wait ms=10"); }));
     }
 
     /// What a frame of the host's own brings about.

@@ -126,15 +126,11 @@ public:
 private:
     bool RunUntil(
         const std::function<bool()>& isMet, const std::function<void()>& serve = [] {}) {
-        const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
-        bool bMet = isMet();
-        while (!bMet && std::chrono::steady_clock::now() < tEnd) {
+        return Until(isMet, [&] {
             m_context.restart();
             m_context.run_one_for(std::chrono::milliseconds(10));
             serve();
-            bMet = isMet();
-        }
-        return bMet;
+        });
     }
 
     boost::asio::io_context m_context;

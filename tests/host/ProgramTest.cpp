@@ -113,14 +113,6 @@ TEST_F(Program, LineOfAMillionCharactersIsTaken) {
         result.strOutput.ends_with("{\"ok\":false,\"error\":\"request: not JSON, from byte 1 on\"}\n{\"ok\":true}\n"));
 }
 
-TEST_F(Program, ModuleThatIsNoneEndsWithOneAndAMessage) {
-    const SResult result = Run(Stdio() + " --module " + Quote(REFUSING_FILE), "{\"op\":\"objects\"}\n");
-    EXPECT_EQ(result.nExitCode, 1);
-    EXPECT_EQ(result.strOutput, "");
-    EXPECT_TRUE(result.strErrors.starts_with("iohost: the module ")) << result.strErrors;
-    EXPECT_NE(result.strErrors.find("refused to be loaded"), std::string::npos) << result.strErrors;
-}
-
 TEST_F(Program, WrongOptionsEndWithTwoAndAMessage) {
     const SResult result = Run("--stdio --fly", "");
     EXPECT_EQ(result.nExitCode, 2);

@@ -4,7 +4,6 @@
 #include "BroadcastDatagram.h"
 #include "NetworkTest.h"
 #include "host/EventRecord.h"
-#include "host/Markup.h"
 
 namespace {
 
@@ -26,29 +25,16 @@ std::string RefusalOf(const std::string& element) {
 }
 
 TEST(BroadcastDatagram, GivesTheFourTexts) {
-    CString strAll(L"}.][.{\"/>");
-    for (const wchar_t c : CodePageCharacters()) {
-        strAll += c;
-    }
-    CMarkup markup;
-    markup.AddElem(L"Broadcast");
-    markup.SetAttrib(L"Flag", strAll);
-    markup.SetAttrib(L"ClipName", strAll + L"2");
-    markup.SetAttrib(L"Name", strAll + L"3");
-    markup.SetAttrib(L"Data", strAll + L"}.]");
-    const CString strText = L"[.{" + markup.GetDoc() + L"}.]";
-    char bytes[16384];
-    const int nBytes =
-        WideCharToMultiByte(CP_ACP, 0, strText, strText.GetLength(), bytes, sizeof(bytes), nullptr, nullptr);
-    Bytes datagram(bytes, bytes + nBytes);
+    Bytes datagram = ToBytes("[.{<Broadcast Flag=\"}.][.{&quot;/&gt;\" ClipName=\"Intro\" Name=\"\xE9&#13;&#10;\" "
+                             "Data=\"12|7}.]\"/>\r\n}.]");
     for (const bool bZero : {false, true}) { // as a broadcast send node sends it
         SBroadcastItem item;
         EBroadcastRefusal nRefusal{};
         ASSERT_TRUE(ReadBroadcast(datagram, item, nRefusal)) << bZero;
-        EXPECT_EQ(Utf8(item.m_strFlag), Utf8(strAll));
-        EXPECT_EQ(Utf8(item.m_strClipName), Utf8(strAll + L"2"));
-        EXPECT_EQ(Utf8(item.m_strName), Utf8(strAll + L"3"));
-        EXPECT_EQ(Utf8(item.m_strData), Utf8(strAll + L"}.]"));
+        EXPECT_EQ(Utf8(item.m_strFlag), "}.][.{\"/>");
+        EXPECT_EQ(Utf8(item.m_strClipName), "Intro");
+        EXPECT_EQ(Utf8(item.m_strName), "\u00e9\r\n");
+        EXPECT_EQ(Utf8(item.m_strData), "12|7}.]");
         datagram.push_back(0);
     }
     EXPECT_EQ(RefusalOf(datagram), "not framed") << "one zero too many";

@@ -1,17 +1,5 @@
 #include "NetworkTest.h"
 
-std::vector<wchar_t> CodePageCharacters() {
-    std::vector<wchar_t> characters;
-    for (int nByte = 1; nByte < 256; ++nByte) {
-        const char cByte = static_cast<char>(nByte);
-        wchar_t c = 0;
-        if (MultiByteToWideChar(CP_ACP, MB_ERR_INVALID_CHARS, &cByte, 1, &c, 1) == 1 && c != 0xFFFD) {
-            characters.push_back(c);
-        }
-    }
-    return characters;
-}
-
 CQORPanelRemoteCtrlData SampleRecord() {
     CQORPanelRemoteCtrlData record;
     record.m_strDevID = L"12";

@@ -21,9 +21,6 @@ inline Bytes ToBytes(std::string_view text) {
     return {text.begin(), text.end()};
 }
 
-/// Every character that the ANSI code page has a byte for, but zero, in the order of the bytes.
-std::vector<wchar_t> CodePageCharacters();
-
 /// A record whose nine fields all differ.
 CQORPanelRemoteCtrlData SampleRecord();
 

@@ -27,23 +27,16 @@ TEST(RemoteControlRecord, XmlHoldsTheNineFieldsInStoredOrder) {
 }
 
 TEST(RemoteControlRecord, EveryTextAndNumberReadsBack) {
-    CString strAll;
-    for (const wchar_t c : CodePageCharacters()) {
-        strAll += c;
+    CQORPanelRemoteCtrlData record = SampleRecord();
+    for (wchar_t c = 1; c < 0xD800; ++c) {
+        record.m_strKeyValue += c;
     }
-    using Record = CQORPanelRemoteCtrlData;
-    for (const auto pField :
-         {&Record::m_strDevID, &Record::m_strDevName, &Record::m_strClipName, &Record::m_strGroupName,
-          &Record::m_strKeyName, &Record::m_strHelpParameter, &Record::m_strKeyValue}) {
-        for (const int nNumber : {0, -1, 2147483647, -2147483647 - 1}) {
-            Record record = SampleRecord();
-            record.*pField = strAll;
-            record.m_nKeyNumber = nNumber;
-            record.m_nLayer = nNumber;
-            Record read;
-            ASSERT_TRUE(read.SetXmlDoc(record.GetXmlDoc()));
-            ExpectSameRecord(read, record);
-        }
+    for (const int nNumber : {0, -1, 2147483647, -2147483647 - 1}) {
+        record.m_nKeyNumber = nNumber;
+        record.m_nLayer = nNumber;
+        CQORPanelRemoteCtrlData read;
+        ASSERT_TRUE(read.SetXmlDoc(record.GetXmlDoc()));
+        ExpectSameRecord(read, record);
     }
 }
 

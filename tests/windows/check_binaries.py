@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Look at the built Windows binaries: exports, imports, resources, and how the system may load them.
+"""Look at the built Windows binaries: exports, imports, and how the system may load them.
 
     check_binaries.py OBJDUMP MODULE BINARY...   the module, and the other binaries that lie beside it
 """
@@ -13,9 +13,6 @@ MODULE_EXPORTS = ["IOProcessFunc"]
 HOST_LIBRARIES = {"vekcommonx.dll", "vekrenderx.dll", "veklogdllx.dll"}
 # What Windows itself brings; ucrtbase.dll is its C run-time, msvcrt.dll the older one.
 SYSTEM_LIBRARIES = {"kernel32.dll", "user32.dll", "gdi32.dll", "msvcrt.dll", "ucrtbase.dll", "ws2_32.dll", "mswsock.dll"}
-# Of the node types; 7008 is none's.
-MODULE_ICONS = [*range(7000, 7008), *range(7009, 7014)]
-ICON_GROUP, VERSION_RECORD = 14, 16  # types of resources
 LOADER_FLAGS = {"DYNAMIC_BASE", "NX_COMPAT", "HIGH_ENTROPY_VA"}
 
 
@@ -27,8 +24,6 @@ class Binary:
         self.is_64_bit = "file format pei-x86-64" in listing
         self.imports = {name.lower() for name in re.findall(r"^\tDLL Name: (\S+)$", listing, re.MULTILINE)}
         self.exports = self.export_names(listing)
-        self.icons = self.resource_ids(listing, ICON_GROUP)
-        self.version_records = self.resource_ids(listing, VERSION_RECORD)
         flags = re.search(r"^DllCharacteristics\t[0-9a-f]+\n((?:\t+\S+\n)*)", listing, re.MULTILINE)
         self.loader_flags = set(flags[1].split())
         relocations = re.search(r"^Entry 5 [0-9a-f]+ ([0-9a-f]+) Base Relocation", listing, re.MULTILINE)
@@ -42,16 +37,6 @@ class Binary:
         count = re.search(r"^Number in:\n\tExport Address Table \t\t([0-9a-f]+)$", listing, re.MULTILINE)
         return names + ["(no name)"] * ((int(count[1], 16) if count else 0) - len(names))
 
-    @staticmethod
-    def resource_ids(listing, resource_type):
-        """Numbers of the resources of a type. The listing indents the table of types, then those of numbers."""
-        resources = listing.partition("The .rsrc Resource Directory section:\n")[2]
-        for part in re.split(r"^[0-9a-f]+ {3}Entry: ID: 0x", resources, flags=re.MULTILINE)[1:]:
-            if int(part.partition(",")[0], 16) == resource_type:
-                numbers = re.findall(r"^[0-9a-f]+ {5}Entry: ID: 0x([0-9a-f]+)", part, re.MULTILINE)
-                return [int(number, 16) for number in numbers]
-        return []
-
 
 def faults_of(binary, is_module):
     faults = []
@@ -61,10 +46,6 @@ def faults_of(binary, is_module):
         faults.append(f"exports {len(binary.exports)} names instead of {MODULE_EXPORTS}: {binary.exports[:20]}")
     if is_module and not HOST_LIBRARIES <= binary.imports:
         faults.append(f"imports nothing from {sorted(HOST_LIBRARIES - binary.imports)}")
-    if is_module and binary.icons != MODULE_ICONS:
-        faults.append(f"has the icon groups {binary.icons}")
-    if is_module and binary.version_records != [1]:
-        faults.append(f"has the version records {binary.version_records}")
     foreign = binary.imports - HOST_LIBRARIES - SYSTEM_LIBRARIES
     if foreign:
         faults.append(f"imports from {sorted(foreign)}")

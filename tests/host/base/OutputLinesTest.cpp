@@ -2,53 +2,11 @@
 #include "base/OutputLines.h"
 
 #include <chrono>
-#include <condition_variable>
 #include <future>
-#include <mutex>
 
-#include <gtest/gtest.h>
+#include "StallingReader.h"
 
 namespace {
-
-/// A reader that can stall, and go away. The thread that writes to it may outlive the test.
-class CReader {
-public:
-    bool Take(std::string_view text) {
-        std::unique_lock lock(m_mutex);
-        m_bCalled = true;
-        m_changed.notify_all();
-        m_changed.wait(lock, [this] { return !m_bStalled; });
-        m_strTaken += text;
-        return !m_bGone;
-    }
-
-    void Stall(bool bStalled) {
-        const std::lock_guard lock(m_mutex);
-        m_bStalled = bStalled;
-        m_changed.notify_all();
-    }
-
-    void GoAway() { m_bGone = true; }
-
-    /// Until the thread is within a call, which stalls if the reader does.
-    void AwaitCall() {
-        std::unique_lock lock(m_mutex);
-        m_changed.wait(lock, [this] { return m_bCalled; });
-    }
-
-    std::string Taken() {
-        const std::lock_guard lock(m_mutex);
-        return m_strTaken;
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    std::string m_strTaken;
-    bool m_bStalled = false;
-    bool m_bGone = false;
-    bool m_bCalled = false;
-};
 
 class OutputLines : public testing::Test {
 protected:
@@ -60,7 +18,7 @@ protected:
                 .patience = m_patience};
     }
 
-    std::shared_ptr<CReader> m_pReader = std::make_shared<CReader>();
+    std::shared_ptr<CStallingReader> m_pReader = std::make_shared<CStallingReader>();
     std::promise<void> m_closed;
     std::chrono::milliseconds m_patience = std::chrono::minutes(1);
 };

@@ -35,11 +35,8 @@ protected:
 
     template <typename Condition>
     void RunUntil(Condition isMet) {
-        const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
         m_loop.Context().restart();
-        while (!isMet() && m_loop.Context().run_one_until(tEnd) > 0) {
-        }
-        EXPECT_TRUE(isMet());
+        EXPECT_TRUE(Until(isMet, [this] { m_loop.Context().run_one_for(LONGEST_WAIT); }));
     }
 
     void AwaitRecords(unsigned long long nCount) {

@@ -132,10 +132,8 @@ TEST_F(DeviceRequests, ConnectTriesWithoutWaitingForTheNextAttempt) {
     ChangeDevice(4, nullptr);
     CPeers& peers = m_pSession->Peers();
     peers.RunAlways(); // then nothing is tried but in its loop
-    const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
-    while (Device()["state"] != "waiting" && std::chrono::steady_clock::now() < tEnd) {
-        peers.Context().run_one_for(std::chrono::milliseconds(10));
-    }
+    EXPECT_TRUE(Until([this] { return Device()["state"] == "waiting"; },
+                      [&] { peers.Context().run_one_for(std::chrono::milliseconds(10)); }));
     later.Listen();
     Must("connect device=3");
     peers.Context().poll();

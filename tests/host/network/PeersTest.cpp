@@ -22,10 +22,7 @@ protected:
 
     /// Wait until so many items have come, whatever became of them.
     void AwaitItems(size_t nCount) {
-        const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
-        while (m_nCalls < nCount && std::chrono::steady_clock::now() < tEnd) {
-            m_network.Wait(10);
-        }
+        EXPECT_TRUE(Until([&] { return m_nCalls >= nCount; }, [this] { m_network.Wait(10); }));
         EXPECT_EQ(m_nCalls, nCount);
     }
 

@@ -39,13 +39,11 @@ protected:
     /// Read the network until so many texts were handed to the nodes; what the replies tell of them.
     OrderedJson AwaitTexts(size_t nTexts) {
         OrderedJson dispatched = OrderedJson::array();
-        const auto tEnd = std::chrono::steady_clock::now() + LONGEST_WAIT;
-        while (dispatched.size() < nTexts && std::chrono::steady_clock::now() < tEnd) {
-            const OrderedJson reply = Must("wait ms=100");
-            for (const OrderedJson& item : reply["dispatched"]) {
-                dispatched.push_back(item);
-            }
-        }
+        Until([&] { return dispatched.size() >= nTexts; },
+              [&] {
+                  const OrderedJson items = Must("wait ms=100")["dispatched"];
+                  dispatched.insert(dispatched.end(), items.begin(), items.end());
+              });
         EXPECT_EQ(dispatched.size(), nTexts);
         return dispatched;
     }

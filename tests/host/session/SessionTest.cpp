@@ -26,21 +26,6 @@ TEST(SessionOpen, WhatCannotBeOpenedIsNamed) {
     }
 }
 
-TEST(SessionOpen, OneAfterAnotherAndEachHasItsTextsFromItsTable) {
-    const CTemporaryFolder folder;
-    folder.Write("Config/Texts/zh.json", R"({"IO_PROCESS_MOUSE":"鼠标"})");
-    const SSessionOptions options{folder.Path(), MODULE_FILE, ETextTable::Chinese};
-    for (int i = 0; i < 2; ++i) {
-        std::string strError;
-        const auto pSession = CSession::Open(options, strError);
-        ASSERT_NE(pSession, nullptr) << strError;
-        CNoFiles files;
-        Answer(*pSession, Request(CREATE_MOUSE), files);
-        EXPECT_NE(Answer(*pSession, {{"op", "inspect"}, {"node", "m"}}, files).find(R"("name":"鼠标","second_name")"),
-                  std::string::npos);
-    }
-}
-
 TEST(SessionClose, IconsOfTheCatalogueAreDestroyed) {
     const CTemporaryFolder folder;
     const auto pHost = CHost::Open({folder.Path(), MODULE_FILE, ETextTable::Keys});

@@ -3,75 +3,16 @@
 
 #include "standin/StandInDevice.h"
 
-#include <condition_variable>
-#include <deque>
-#include <mutex>
-#include <ostream>
-#include <streambuf>
 #include <thread>
-#include <vector>
 
-#include <gtest/gtest.h>
-
-#include "protocol/Fields.h"
+#include "StallingReader.h"
 
 namespace {
-
-/// Hands lines from one thread to another. Once closed it refuses output, as a closed terminal does.
-class CLineChannel final : public std::streambuf {
-public:
-    /// The next line; empty when none comes.
-    std::string Next() {
-        std::unique_lock lock(m_mutex);
-        m_arrived.wait_for(lock, LONGEST_WAIT, [this] { return !m_lines.empty(); });
-        if (m_lines.empty()) {
-            return {};
-        }
-        std::string strLine = std::move(m_lines.front());
-        m_lines.pop_front();
-        return strLine;
-    }
-
-    void Close() {
-        const std::lock_guard lock(m_mutex);
-        m_bClosed = true;
-    }
-
-    /// While it's stalled it takes nothing, and who writes waits.
-    void Stall(bool bStalled) {
-        const std::lock_guard lock(m_mutex);
-        m_bStalled = bStalled;
-        m_arrived.notify_all();
-    }
-
-private:
-    int_type overflow(int_type c) override {
-        std::unique_lock lock(m_mutex);
-        m_arrived.wait(lock, [this] { return !m_bStalled; });
-        if (m_bClosed) {
-            return traits_type::eof();
-        }
-        if (c == '\n') {
-            m_lines.push_back(std::exchange(m_strLine, {}));
-            m_arrived.notify_all();
-        } else {
-            m_strLine.push_back(static_cast<char>(c));
-        }
-        return c;
-    }
-
-    std::mutex m_mutex;
-    std::condition_variable m_arrived;
-    std::deque<std::string> m_lines;
-    std::string m_strLine;
-    bool m_bStalled = false;
-    bool m_bClosed = false;
-};
 
 class StandInDevice : public testing::Test {
 protected:
     ~StandInDevice() override {
-        m_channel.Close();
+        m_pReader->GoAway();
         if (m_thread.joinable()) {
             // A connection whose line can't be printed any more; refused, when another's line was the first such.
             CTestPeers::Socket last(m_peers.Context());
@@ -96,17 +37,16 @@ protected:
     }
 
     std::function<bool(std::string_view)> Output() {
-        return [this](std::string_view text) { return static_cast<bool>(m_output << text); };
+        return [pReader = m_pReader](std::string_view text) { return pReader->Take(text); };
     }
 
     OrderedJson Line() {
-        const std::string strLine = m_channel.Next();
+        const std::string strLine = m_pReader->NextLine();
         return strLine.empty() ? OrderedJson::object() : OrderedJson::parse(strLine);
     }
 
     CTestPeers m_peers;
-    CLineChannel m_channel;
-    std::ostream m_output{&m_channel};
+    std::shared_ptr<CStallingReader> m_pReader = std::make_shared<CStallingReader>();
     SStandInOptions m_options;
     std::thread m_thread;
     unsigned short m_nPort = 0;
@@ -145,7 +85,7 @@ TEST_F(StandInDevice, WhatItPrintsDoesNotSteerTheTerminal) {
          "<PanelRemoteCtrl DevID=\"3\" DevName=\"\" ClipName=\"\" GroupName=\"\" KeyName=\"\" KeyNumber=\"0\" "
          "HelpParameter=\"\" KeyValue=\"\xC2\x9B]0;x\x7F\" Layer=\"0\"/>\r\n"});
     CTestPeers::Write(sender, std::string(bytes.begin(), bytes.end()));
-    const std::string strLine = m_channel.Next();
+    const std::string strLine = m_pReader->NextLine();
     EXPECT_NE(strLine.find(R"("clip":"\u009b")"), std::string::npos) << strLine;
     EXPECT_NE(strLine.find(R"(\u009b]0;x\u007f)"), std::string::npos) << strLine;
 }
@@ -258,7 +198,7 @@ TEST_F(StandInDevice, LinesThatNobodyReadsInTimeAreCounted) {
     constexpr int RECORDS = 1000;
     Start({.delay = 0});
     auto sender = Connect();
-    m_channel.Stall(true);
+    m_pReader->Stall(true);
     const std::string strFrame = RecordFrame(std::string(2000, 'x')); // all their lines are more than is queued
     std::string strFrames;
     for (int i = 0; i < RECORDS; ++i) {
@@ -272,7 +212,7 @@ TEST_F(StandInDevice, LinesThatNobodyReadsInTimeAreCounted) {
     });
     strAnswers += m_peers.Read(sender, strFrames.size() - strAnswers.size());
     EXPECT_TRUE(strAnswers == strFrames);
-    m_channel.Stall(false);
+    m_pReader->Stall(false);
     int nLines = 0;
     OrderedJson line = Line();
     for (; line.contains("record"); line = Line()) {
