@@ -148,6 +148,17 @@ protected:
         return m_listener.Accept();
     }
 
+    /// A node that sends texts to device 3.
+    void CreateStringNode(const std::string& strText) {
+        Must("create node=s type=string_send clip=Clip graph=G");
+        Must("set node=s param=1503 int=3");
+        Must({{"op", "set"}, {"node", "s"}, {"param", 1505}, {"string", strText}});
+    }
+    OrderedJson SendString() {
+        Must("trigger node=s param=1507");
+        return Must("process");
+    }
+
     OrderedJson Device() { return Must("network")["devices"][0]; }
 
     /// Wait until the device is in that state; what it is then.

@@ -22,17 +22,6 @@ protected:
 
     std::string Read(CTestPeers::Socket& device, size_t nBytes) { return m_peers.Read(device, nBytes, Serve()); }
 
-    /// A node that sends texts to device 3, and is told to.
-    OrderedJson SendByNode(const std::string& strText) {
-        if (m_pSession->Scene().Find(std::string("s")) == nullptr) {
-            Must("create node=s type=string_send clip=Clip graph=G");
-            Must("set node=s param=1503 int=3");
-        }
-        Must({{"op", "set"}, {"node", "s"}, {"param", 1505}, {"string", strText}});
-        Must("trigger node=s param=1507");
-        return Must("process");
-    }
-
     CTestPeers::CListener m_second{m_peers};
 };
 
@@ -212,7 +201,8 @@ TEST_F(DeviceRequests, WhatWaitsTooLongForADeviceIsDroppedAndTold) {
     EXPECT_FALSE(Device().contains("dropped"));
     CDropped dropped(*m_pSession);
     const auto tStart = std::chrono::steady_clock::now();
-    SendByNode("late");
+    CreateStringNode("late");
+    SendString();
     Await([this] { return Device()["queued_items"] == 0; });
     EXPECT_EQ(dropped.m_dropped, std::vector<std::string>{R"({"node":"s","device":3,"items":1})"});
     Talk(R"(counters => {"nodes":{"s":{"sent":1,"dropped":1}}})");
@@ -229,7 +219,8 @@ TEST_F(DeviceRequests, WhatWaitsTooLongForADeviceIsDroppedAndTold) {
     later.Listen();
     auto device = later.Accept(Serve());
     AwaitState("connected");
-    SendByNode("now");
+    Must("set node=s param=1505 string=now");
+    SendString();
     EXPECT_EQ(Read(device, 4), std::string("now\0", 4));
     EXPECT_EQ(dropped.m_dropped.size(), 2u);
 }
@@ -237,8 +228,9 @@ TEST_F(DeviceRequests, WhatWaitsTooLongForADeviceIsDroppedAndTold) {
 TEST_F(DeviceRequests, TheLogNamesWhoSentWhatIsDropped) {
     CTestPeers::CListener later(m_peers, false);
     ChangeDevice(3, later.Address(), {{"drop_after", 3600}});
-    SendByNode("a");
-    SendByNode("b");
+    CreateStringNode("a");
+    SendString();
+    SendString();
     Must("send device=3 text=c");
     CDropped dropped(*m_pSession);
     std::this_thread::sleep_for(std::chrono::milliseconds(2));

@@ -65,52 +65,6 @@ TEST_F(Evaluation, WaitsForTheFrameUnlessAskedOtherwise) {
     EXPECT_EQ(Sent(Frame()), Texts{"D"});
 }
 
-/// A hand's place is sent as a key number, which is an integer.
-class FloatToInteger : public Evaluation {
-protected:
-    void LinkPlaceToNumber() {
-        Talk(R"(
-            devices list=[{"id":0,"name":"Wall","parser":"framed"}]
-            create node=v type=handle clip=Clip graph=V
-            create node=s type=send clip=Clip graph=S
-            set node=s param=412 int=0
-            link from=v output=852 to=s input=407
-            link from=v output=862 to=s input=410
-        )");
-        Frame();
-    }
-
-    OrderedJson MoveTo(double fX) {
-        OrderedJson reply;
-        for (const int nTrigger : {1, 0}) {
-            Json sample = HandSample({{"trigger", nTrigger}});
-            sample["pose"][12] = fX;
-            OrderedJson next = Must(Event(3, 0, sample));
-            if (nTrigger == 1) {
-                reply = std::move(next);
-            }
-        }
-        return reply;
-    }
-
-    static OrderedJson KeyNumber(const OrderedJson& reply) { return reply["sent"][0]["record"]["KeyNumber"]; }
-};
-
-TEST_F(FloatToInteger, IsRounded) {
-    LinkPlaceToNumber();
-    MoveTo(10.5);
-    EXPECT_EQ(KeyNumber(Frame()), 11);
-    Must(AT_ONCE);
-    EXPECT_EQ(KeyNumber(MoveTo(-20.25)), -20);
-}
-
-TEST_F(FloatToInteger, BringsNothingInRecordingsFromBeforeItWasRounded) {
-    Must("recording version=1 texts=keys");
-    LinkPlaceToNumber();
-    MoveTo(10.5);
-    EXPECT_EQ(KeyNumber(Frame()), 0);
-}
-
 /// Each release of a connection that closes is an event of its own.
 TEST_F(Evaluation, EveryReleaseIsActedOn) {
     MakeSenders();
@@ -241,6 +195,16 @@ TEST_F(ProbeEvaluation, AFloatIsRoundedForIntegersOnly) {
     Frame();
     EXPECT_EQ(inputOf("r", 11)->m_fValue, 0.0f) << "an integer's own float is none";
     EXPECT_EQ(Seen("r"), 0);
+}
+
+TEST_F(ProbeEvaluation, AFloatBringsAnIntegerNothingInRecordingsFromBeforeItWasRounded) {
+    Talk(R"(
+        recording version=1 texts=keys
+        link from=p output=103 to=r input=13
+        set node=p param=11 float=10.5
+    )");
+    Frame();
+    Talk(R"(inspect node=r => {"inputs":{"13":{"int":0,"float":10.5}}})");
 }
 
 TEST_F(ProbeEvaluation, ANodeBehindTwoOthersIsEvaluatedOnce) {
