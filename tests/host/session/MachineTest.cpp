@@ -33,9 +33,11 @@ TEST_F(Machine, NodesSeeKeysClockAndMainWindow) {
         process => {"results":{"c":0},"posted":null}
         main_window present=true enabled=true
         process => {"results":{"c":1},"posted":[{"output":1152}]}
-        clock ms=100049
-        process => {"posted":null}
         clock ms=100050
+        process => {"posted":[{"output":1153}]}
+        clock ms=100249
+        process => {"posted":null}
+        clock ms=100250
         process => {"posted":[{"output":1153}]}
         # Past the end of 32 bits the count starts anew.
         clock ms=4294967296
