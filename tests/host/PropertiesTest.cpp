@@ -248,23 +248,6 @@ TEST_F(Properties, BytesAndTextsCanBeReadBack) {
     }));
 }
 
-TEST_F(Properties, RequestsThatWereReadAreWrittenTheSame) {
-    EXPECT_TRUE(rc::check("requests", [this] {
-        const auto written = [this](const Json& request) {
-            SRequest read;
-            ReadRequest(read, CFields(request), m_files);
-            return Json(ToJson(read.command));
-        };
-        const Json request = AnyCommand();
-        const Json once = written(request);
-        RC_ASSERT(written(once) == once);
-        if (request["op"] == "event") {
-            RC_ASSERT(once["payload"]["is"] == request["payload"]["is"]);
-        }
-        RC_ASSERT(once["op"] == request["op"]);
-    }));
-}
-
 TEST_F(Properties, WhatIsSavedAndLoadedInspectsTheSame) {
     EXPECT_TRUE(rc::check("scenes", [this] {
         Must(R"(load scene={"format":"iohost scene","version":1})");

@@ -5,12 +5,24 @@
 
 namespace {
 
+/// A request that was read, as recordings have it.
+Json Written(const Json& request) {
+    CNoFiles files;
+    SRequest read;
+    ReadRequest(read, CFields(request), files);
+    return ToJson(read.command);
+}
+
+void ExpectWrittenTheSame(const Json& request) {
+    const Json once = Written(request);
+    EXPECT_EQ(once["op"], request["op"]);
+    EXPECT_EQ(Written(once), once);
+}
+
 /// Why a request can't be read; empty for one that can.
 std::string RefusalOf(const Json& request) {
     try {
-        CNoFiles files;
-        SRequest read;
-        ReadRequest(read, CFields(request), files);
+        Written(request);
         return "";
     } catch (const CRefusal& refusal) {
         return refusal.what();
@@ -80,6 +92,8 @@ TEST(RequestFields, OfEachRequestAreOfOneKindAndThereUnlessTheyMayBeMissing) {
         const Json needed = Request(strNeeded);
         const Json all = Request(strNeeded + strMore);
         EXPECT_EQ(RefusalOf(needed), "") << strNeeded;
+        ExpectWrittenTheSame(needed);
+        ExpectWrittenTheSame(all);
         for (const auto& [strField, value] : all.items()) {
             ExpectChecked(all, strField, needed.contains(strField));
         }
@@ -97,6 +111,8 @@ TEST(RequestFields, OfPayloadsMustAllBeThere) {
                              Request(R"({"is":"device_text","device":1,"text":""})"),
                              Request(R"({"is":"object_text","clip":"","object":"","text":""})")};
     for (const Json& payload : payloads) {
+        ExpectWrittenTheSame(Event(9, 1, payload));
+        EXPECT_EQ(Written(Event(9, 1, payload))["payload"], payload);
         for (const auto& [strField, value] : payload.items()) {
             ExpectChecked(Event(9, 1, payload), "payload." + strField, true);
         }
