@@ -36,6 +36,14 @@ protected:
         return socket;
     }
 
+    std::vector<CTestPeers::Socket> ConnectAsManyAsAreServed() {
+        std::vector<CTestPeers::Socket> senders;
+        for (int i = 0; i < 64; ++i) {
+            senders.push_back(Connect());
+        }
+        return senders;
+    }
+
     std::function<bool(std::string_view)> Output() {
         return [pReader = m_pReader](std::string_view text) { return pReader->Take(text); };
     }
@@ -71,9 +79,10 @@ TEST_F(StandInDevice, PrintsRecords) {
 TEST_F(StandInDevice, PrintsAndAnswersBytes) {
     Start({.bFramed = false, .delay = 0});
     auto sender = Connect();
-    CTestPeers::Write(sender, std::string("12|\xC3\xA9\0", 6));
-    EXPECT_EQ(Line(), (OrderedJson{{"connection", 1}, {"size", 6}, {"text", "12|..."}, {"hex", "31327cc3a900"}}));
-    EXPECT_EQ(m_peers.Read(sender, 6), std::string("12|\xC3\xA9\0", 6));
+    const std::string strBytes("\x1F ~\x7F\xC3\xA9\0", 7);
+    CTestPeers::Write(sender, strBytes);
+    EXPECT_EQ(Line(), (OrderedJson{{"connection", 1}, {"size", 7}, {"text", ". ~...."}, {"hex", "1f207e7fc3a900"}}));
+    EXPECT_EQ(m_peers.Read(sender, 7), strBytes);
 }
 
 TEST_F(StandInDevice, WhatItPrintsDoesNotSteerTheTerminal) {
@@ -149,10 +158,7 @@ TEST_F(StandInDevice, StallsSoManyConnectionsOnly) {
 
 TEST_F(StandInDevice, TurnsAwayWhoIsTooMany) {
     Start({});
-    std::vector<CTestPeers::Socket> senders;
-    for (int i = 0; i < 64; ++i) {
-        senders.push_back(Connect());
-    }
+    auto senders = ConnectAsManyAsAreServed();
     auto tooMany = Connect();
     EXPECT_EQ(Line(), (OrderedJson{{"connection", 65}, {"closed", "turned away: 64 others are open"}}));
     EXPECT_TRUE(m_peers.IsClosed(tooMany));
@@ -165,10 +171,7 @@ TEST_F(StandInDevice, TurnsAwayWhoIsTooMany) {
 
 TEST_F(StandInDevice, WhoHasBeenSilentForLongestMakesRoom) {
     Start({.bFramed = false, .silence = std::chrono::milliseconds(0)});
-    std::vector<CTestPeers::Socket> senders;
-    for (int i = 0; i < 64; ++i) {
-        senders.push_back(Connect());
-    }
+    auto senders = ConnectAsManyAsAreServed();
     CTestPeers::Write(senders.front(), "first");
     EXPECT_EQ(Line()["text"], "first");
     auto next = m_peers.Connect(m_nPort);
