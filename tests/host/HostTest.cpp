@@ -1,7 +1,5 @@
 #include "HostTest.h"
 
-#include "protocol/Shapes.h"
-
 #include <algorithm>
 #include <fstream>
 #include <iterator>
@@ -171,7 +169,10 @@ void CHostTest::Talk(std::string_view conversation, CHeldInput* pHeld) {
 }
 
 OrderedJson CHostTest::Frame() {
-    return ToJson(m_pSession->Do(SFrameCommand{.bOutputs = false}).activity);
+    OrderedJson reply = OrderedJson::parse(ReplyTo(m_pSession->Do(SFrameCommand{.bOutputs = false})));
+    reply.erase("ok");
+    reply.erase("results");
+    return reply;
 }
 
 OrderedJson CHostTest::WholeScene() {

@@ -11,11 +11,13 @@
 #include <gtest/gtest.h>
 
 #include "protocol/SceneFile.h"
-#include "protocol/Shapes.h"
 
 using OrderedJson = nlohmann::ordered_json;
 
-/// A value as it's told in a reply.
+template <typename... Members>
+std::string JsonObject(const Members&... members);
+
+/// A value as it's told in a reply. Who asks for it includes protocol/Shapes.h: most needn't read those tables.
 template <typename T>
 OrderedJson ToJson(const T& value) {
     return OrderedJson::parse(JsonObject("value", value))["value"];

@@ -3,6 +3,8 @@
 
 #include <sstream>
 
+#include "protocol/Shapes.h"
+
 namespace {
 
 /// A request that was read, as recordings have it.

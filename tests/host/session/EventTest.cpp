@@ -7,7 +7,10 @@ class Events : public CHostTest {};
 
 class Graph : public CProbeTest {
 protected:
-    Graph() { Must(CREATE_PROBE); }
+    Graph() {
+        Must(CREATE_PROBE);
+        Must(CREATE_SECOND_PROBE);
+    }
 };
 
 TEST_F(Events, ReachAllNodesInTheOrderOfCreationOrTheOneThatIsNamed) {
@@ -87,7 +90,6 @@ TEST_F(Graph, NodeTypesThatTheHostDoesNotKnowGetOnlyTheDevicesOwnPayload) {
 }
 
 TEST_F(Graph, ProcessIsOfANodeOrOfAllOrAFrame) {
-    Must(CREATE_SECOND_PROBE);
     Talk(R"(
         process node=p graph=false => {"results":{"p":0,"q":null}}
         process frame=true => {"results":{"p":1,"q":1}}
@@ -114,7 +116,6 @@ TEST_F(Graph, TriggerLastsOneEvaluation) {
 }
 
 TEST_F(Graph, EventLinkTriggersTheNextEvaluationOnly) {
-    Must(CREATE_SECOND_PROBE);
     Talk(R"(
         link from=p output=101 to=q input=14
         link from=q output=101 to=p input=14
@@ -140,7 +141,6 @@ TEST_F(Graph, EventLinkTriggersTheNextEvaluationOnly) {
 }
 
 TEST_F(Graph, ValueLinkCopiesBeforeEachEvaluation) {
-    Must(CREATE_SECOND_PROBE);
     Talk(R"(
         link from=p output=104 to=q input=12
         link from=p output=103 to=q input=11
@@ -159,7 +159,6 @@ TEST_F(Graph, ValueLinkCopiesBeforeEachEvaluation) {
 }
 
 TEST_F(Graph, LinksEndWithTheirNodesAndTheSameTwiceIsOne) {
-    Must(CREATE_SECOND_PROBE);
     Talk(R"(
         link from=p output=101 to=q input=14
         link from=q output=104 to=p input=12
@@ -176,7 +175,6 @@ TEST_F(Graph, LinksEndWithTheirNodesAndTheSameTwiceIsOne) {
 }
 
 TEST_F(Graph, ALinkThatIsTakenAwayCarriesNothingAnyMore) {
-    Must(CREATE_SECOND_PROBE);
     Talk(R"(
         link from=p output=104 to=q input=12
         link from=p output=101 to=q input=14
