@@ -1,8 +1,6 @@
 // The command line.
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 #include "HostTest.h"
 #include "Options.h"
 
@@ -36,9 +34,7 @@ TEST(Options, DefaultsLieBesideTheProgram) {
 
 TEST(Options, AnInstalledModuleComesFirst) {
     const CTemporaryFolder folder;
-    const auto installed = folder.Path() / "Plugins" / "NodePlugin" / Parse({"--stdio"}).moduleFile.filename();
-    std::filesystem::create_directories(installed.parent_path());
-    std::ofstream(installed).put(0);
+    const auto installed = folder.Write("Plugins/NodePlugin/" + Parse({"--stdio"}).moduleFile.filename().string(), "");
     EXPECT_EQ(Parse({"--stdio", "--app", folder.Path().string()}).moduleFile, installed);
 }
 

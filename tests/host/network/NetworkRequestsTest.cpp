@@ -464,9 +464,7 @@ TEST_F(NetworkRequests, ThePortOfTheConfigurationIsListenedOn) {
     for (const char* pszNoPort : {"70000", "65536", "-1"}) {
         EXPECT_EQ(configure(pszNoPort), 0) << pszNoPort;
     }
-    configure("8060");
     HideConfiguration();
-    EXPECT_EQ(ConfiguredBroadcastPort(), 0);
     EXPECT_FALSE(PXGetPath(PATH_CONFIG).IsEmpty()) << "files would be looked for in the root folder";
 }
 

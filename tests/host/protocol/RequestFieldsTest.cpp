@@ -175,6 +175,7 @@ TEST(RequestFields, RefusalsSayWhatAValueMustBe) {
         {"call code=4294967296", "code: is outside the unsigned 32-bit range"},
         {"event device=2147483648 event=1", "device: is outside the signed 32-bit range"},
         {"event device=1 event=18446744073709551615", "event: is outside the signed 32-bit range"},
+        {"event node=null device=1 event=1", "node: must be a string"},
         {"event record=1", "record: must be null or missing"},
         {R"(event device=1 event=1 payload={"is":"smoke"})", R"(payload.is: there is no payload kind "smoke")"},
         {"set node=p param=11", "int, float, string, choice: exactly one of them must be there"},
