@@ -1,7 +1,10 @@
 // The program itself, run with --stdio.
 #include "HostTest.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <random>
+#include <sstream>
 
 #if __has_include(<sys/wait.h>)
 #include <sys/wait.h>
@@ -80,6 +83,24 @@ TEST_F(Program, TextsComeFromTheApplicationFolder) {
     const SResult result = Run("--stdio --texts en" + strHere, "");
     EXPECT_EQ(result.nExitCode, 1);
     EXPECT_NE(result.strErrors.find("text table"), std::string::npos);
+}
+
+TEST_F(Program, GarbageIsAnsweredLineByLine) {
+    std::mt19937 random(20240501);
+    std::string strGarbage;
+    for (int i = 0; i < 200'000; ++i) {
+        strGarbage.push_back(static_cast<char>(random()));
+    }
+    strGarbage += "\n{\"op\":\"objects\"}\n";
+    const SResult result = Run(Stdio(), strGarbage);
+    EXPECT_EQ(result.nExitCode, 0);
+    EXPECT_EQ(result.strErrors, "");
+    EXPECT_EQ(std::ranges::count(result.strOutput, '\n'), std::ranges::count(strGarbage, '\n'));
+    EXPECT_TRUE(result.strOutput.ends_with("\n{\"ok\":true,\"objects\":[]}\n"));
+    std::istringstream lines(result.strOutput);
+    for (std::string strLine; std::getline(lines, strLine);) {
+        EXPECT_TRUE(Json::accept(strLine)) << strLine;
+    }
 }
 
 TEST_F(Program, LineOfAMillionCharactersIsTaken) {

@@ -243,6 +243,16 @@ TEST_F(DeviceRequests, TheLogNamesWhoSentWhatIsDropped) {
                                         ": 3 items sent by \"s\", a request waited too long and are dropped");
 }
 
+TEST_F(DeviceRequests, WhatMayWaitForEverIsKept) {
+    CTestPeers::CListener later(m_peers, false);
+    ChangeDevice(3, later.Address(), {{"drop_after", nullptr}});
+    ChangeDevice(4, later.Address(), {{"drop_after", 0.05}});
+    Must("send device=3 text=kept");
+    Must("send device=4 text=late");
+    Await([this] { return Devices()[1]["dropped"] == 1; });
+    EXPECT_EQ(Device()["queued_items"], 1);
+}
+
 TEST_F(DeviceRequests, WhatListenOnlyHoldsBackIsLateToo) {
     CTestPeers::CListener later(m_peers, false);
     ChangeDevice(3, later.Address(), {{"drop_after", 3600}});
