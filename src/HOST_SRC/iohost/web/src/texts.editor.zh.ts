@@ -31,7 +31,7 @@ export const EDITOR_ZH = {
   "{to} takes its value from {present}. Take {from} instead?": "{to} 的值来自 {present}。改为来自 {from} 吗？",
   "Replace": "替换",
   "{from} now leads to {to}.": "{from} 现已连到 {to}。",
-  "Wire from {pin}: click a pin that fits, or Tab to it and press Enter. Escape gives up.": "从 {pin} 连线：单击合适的端口，或用 Tab 移到该端口后按回车；按 Esc 放弃。",
+  "Wire from {pin}: choose a pin that fits, or Tab to it and press Enter. Escape gives up.": "从 {pin} 连线：选择合适的端口，或用 Tab 移到该端口后按回车；按 Esc 放弃。",
   "Wire from {from} to {to}": "从 {from} 到 {to} 的连线",
   "{name} was added.": "已添加 {name}。",
   "{name} is the name of another node, too.": "另有一个节点也叫 {name}。",

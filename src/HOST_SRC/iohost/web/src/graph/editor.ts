@@ -65,7 +65,7 @@ export class Editor {
       return "";
     }
     const pin = begun.is === "output" ? outputText(node, begun.id) : inputText(node, begun.id);
-    return t("Wire from {pin}: click a pin that fits, or Tab to it and press Enter. Escape gives up.", { pin });
+    return t("Wire from {pin}: choose a pin that fits, or Tab to it and press Enter. Escape gives up.", { pin });
   });
   /** The pin from which a wire is being dragged. */
   readonly dragged = signal<Pin | null>(null);
