@@ -154,14 +154,22 @@ export class Requests {
   }
 }
 
-/** Where nodes and notes stand. Successive moves of the same things in the same series are one step. */
+/** Where nodes and notes stand, on whole pixels. Successive moves of the same things in the same series are one step. */
 export function placing(nodes: Record<string, Place>, notes: Record<string, Note | null>, series?: string): Change {
   return {
     op: "place",
-    ...(Object.keys(nodes).length > 0 && { nodes }),
-    ...(Object.keys(notes).length > 0 && { notes }),
+    ...(Object.keys(nodes).length > 0 && { nodes: mapped(nodes, rounded) }),
+    ...(Object.keys(notes).length > 0 && { notes: mapped(notes, (note) => note && rounded(note)) }),
     ...(series !== undefined && { series }),
   };
+}
+
+function rounded<Box extends Place | Note>(box: Box): Box {
+  return { ...box, x: Math.round(box.x), y: Math.round(box.y) };
+}
+
+function mapped<Value>(values: Record<string, Value>, change: (value: Value) => Value): Record<string, Value> {
+  return Object.fromEntries(Object.entries(values).map(([key, value]) => [key, change(value)]));
 }
 
 function errorOf(reply: Reply): string | null {

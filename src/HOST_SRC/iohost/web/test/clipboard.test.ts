@@ -26,9 +26,9 @@ const links = [
   { from: "k 1", output: 154, to: "t 1", input: 202 },
   { from: "other", output: 1, to: "t 1", input: 203 },
 ];
-const placeOf = (handle: string) => ({ x: handle === "k 1" ? 10 : 300, y: 20 });
+const placeOf = (handle: string) => ({ x: handle === "k 1" ? 10.4 : 299.6, y: 20 }); // as while they are dragged
 
-test("copied nodes are made anew under free names, with their values, the links among them, and a little aside", () => {
+test("copied nodes are made anew under free names, with their values, the links among them, and a little aside on whole pixels", () => {
   const { changes, handles } = pasteOf(copyOf(nodes, links, [], placeOf), nodes, 5);
   assert.deepEqual(handles, ["k 2", "t 2"]);
   assert.deepEqual(changes, [

@@ -196,7 +196,7 @@ export class Editor {
       this.#makeNext(async ({ nodes }, taken) => {
         const graph = freeName(type.name, new Set(nodes.map((one) => one.graph)));
         const node = freeName(type.name, new Set(nodes.map((one) => one.node)));
-        const place = rounded(at ?? this.#freePlace(NEW_SIZE, taken, NEW_ROOM));
+        const place = at ?? this.#freePlace(NEW_SIZE, taken, NEW_ROOM);
         const error = await this.host.requests.batch(`Add ${graph}`, [
           { op: "create", node, type: type.guid, clip: nodes.find(({ clip }) => clip !== null)?.clip ?? "Clip", graph },
           placing({ [node]: place }, {}),
@@ -230,7 +230,7 @@ export class Editor {
     const id = newNoteId();
     await this.#makeNext(async (_, taken) => {
       const box = { ...this.#freePlace(NOTE_SIZE, taken), ...NOTE_SIZE };
-      const error = await this.host.requests.batch("Add a note", [placing({}, { [id]: rounded({ ...box, text: "" }) })]);
+      const error = await this.host.requests.batch("Add a note", [placing({}, { [id]: { ...box, text: "" } })]);
       this.desk.tell(error, "");
       if (error === null) {
         this.addedNote = id;
@@ -390,7 +390,7 @@ export class Editor {
     }
     const ids = new Set([...Object.keys(nodes).map(nodeId), ...Object.keys(notes).map(noteId)]);
     this.#placing.add(ids);
-    const error = await this.host.requests.change(placing(mapped(nodes, rounded), mapped(notes, rounded), series));
+    const error = await this.host.requests.change(placing(nodes, notes, series));
     this.#placing.delete(ids);
     this.desk.tell(error, "");
     return error === null;
@@ -438,12 +438,4 @@ function freeShift(moved: readonly Place[], there: readonly Place[]): number {
     by += APART;
   }
   return by;
-}
-
-function rounded<Box extends Place | Note>(box: Box): Box {
-  return { ...box, x: Math.round(box.x), y: Math.round(box.y) };
-}
-
-function mapped<Value>(values: Record<string, Value>, change: (value: Value) => Value): Record<string, Value> {
-  return Object.fromEntries(Object.entries(values).map(([key, value]) => [key, change(value)]));
 }
